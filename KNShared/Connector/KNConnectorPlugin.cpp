@@ -1,0 +1,3 @@
+#include "Connector/KNConnectorPlugin.h"
+
+KNConnectorPlugin::~KNConnectorPlugin() = default;

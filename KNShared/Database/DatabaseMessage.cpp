@@ -1,0 +1,15 @@
+#include "Database/DatabaseMessage.h"
+
+#include "Foundation/KNFormat.h"
+
+bool DatabaseMessage::isError() const
+{
+    return type == ClientError || (type == ServerMessage && severity >= 16);
+}
+
+QString DatabaseMessage::description() const
+{
+    const QString location =
+        procname.isEmpty() ? KNFormat("Line %lu", line) : KNFormat("Procedure %@, Line %lu", procname, line);
+    return KNFormat("Msg %d, Level %d, State %d, %@\r\n%@", msgno, severity, msgstate, location, msgtext);
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "KNSharedExport.h"
+
+#include <QString>
+
+#include <limits>
+
+/// One message that the server sent or that the client library raised.
+struct KNSHARED_EXPORT DatabaseMessage
+{
+    enum Type : qint32 { ClientError = 0, ServerMessage = 1 };
+
+    /// The line of a message that has none.
+    static constexpr quint64 NotFound = std::numeric_limits<qint64>::max();
+
+    qint32 type = ClientError;
+    qint32 msgno = 0;
+    qint32 msgstate = 0; ///< 0 for client errors
+    qint32 severity = 0;
+    quint64 line = NotFound;          ///< within the batch, from 1; NotFound for client errors
+    quint64 calculatedLineNumber = 0; ///< within the whole text that the batch was cut from
+    QString msgtext;
+    QString srvname;
+    QString procname; ///< empty when the message does not come from a procedure
+
+    /// Client errors always are; server messages from severity 16 on.
+    bool isError() const;
+    /// "Msg 208, Level 16, State 1, Line 2" and the text, joined with CR LF.
+    QString description() const;
+
+    friend bool operator==(const DatabaseMessage &, const DatabaseMessage &) = default;
+};

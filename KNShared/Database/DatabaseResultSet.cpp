@@ -1,0 +1,3 @@
+#include "Database/DatabaseResultSet.h"
+
+DatabaseResultSet::~DatabaseResultSet() = default;

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Database/DatabaseMessage.h"
+#include "Database/KNQueryDetails.h"
+#include "Database/KNRowStore.h"
+#include "KNSharedExport.h"
+
+#include <QStringList>
+
+#include <mutex>
+
+/// A text for the user about a result, with its colour.
+struct KNDisplayMessage
+{
+    enum class Colour { Black, Red };
+
+    QString text;
+    Colour colour = Colour::Black;
+
+    friend bool operator==(const KNDisplayMessage &, const KNDisplayMessage &) = default;
+};
+
+/// One result of a batch: columns, rows, how many rows were affected, and what the server said meanwhile.
+/// Filled by one worker while others read it: every operation may be called from any thread.
+class KNSHARED_EXPORT KNDatabaseResultSet
+{
+public:
+    static constexpr qint64 UnknownCount = -1;
+
+    explicit KNDatabaseResultSet(QString executedQuery = {});
+    KNDatabaseResultSet(const KNDatabaseResultSet &) = delete;
+    KNDatabaseResultSet &operator=(const KNDatabaseResultSet &) = delete;
+
+    QString executedQuery() const;
+
+    /// Names may be empty or occur twice. Types are the connector's numbers. Both are set before the first
+    /// row.
+    void setColumns(const QStringList &names, const QList<int> &types);
+    QStringList columnNames() const;
+    QList<int> columnTypes() const;
+
+    /// The rows: the worker writes into them, readers read what was published.
+    KNRowStore &rows() { return m_rows; }
+    const KNRowStore &rows() const { return m_rows; }
+    /// Appends rows of columnNames().size() values each and publishes them. On the writing thread.
+    void addRows(const QList<KNRow> &rows);
+
+    qint64 numberOfRowsAffected() const;
+    void setNumberOfRowsAffected(qint64 count);
+    QList<KNDisplayMessage> messages() const;
+    void setMessages(const QList<KNDisplayMessage> &messages);
+    QList<DatabaseMessage> serverMessages() const;
+    void setServerMessages(const QList<DatabaseMessage> &messages);
+    quint64 calculatedLineNumber() const;
+    void setCalculatedLineNumber(quint64 line);
+    KNRange queryTextRange() const;
+    void setQueryTextRange(const KNRange &range);
+    bool isFinished() const;
+    /// No more rows will come: wakes who waits for them.
+    void setFinished();
+
+private:
+    const QString m_executedQuery;
+    KNRowStore m_rows;
+    mutable std::mutex m_mutex;
+    QStringList m_columnNames; ///< guarded by m_mutex, as all below
+    QList<int> m_columnTypes;
+    qint64 m_numberOfRowsAffected = UnknownCount;
+    QList<KNDisplayMessage> m_messages;
+    QList<DatabaseMessage> m_serverMessages;
+    quint64 m_calculatedLineNumber = 0;
+    KNRange m_queryTextRange;
+    bool m_finished = false;
+};

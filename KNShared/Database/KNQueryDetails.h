@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+
+/// A piece of a text: where it begins and how long it is, in UTF-16 units.
+struct KNRange
+{
+    static constexpr qsizetype NotFound = -1;
+
+    qsizetype location = NotFound;
+    qsizetype length = NotFound;
+
+    bool isFound() const { return location != NotFound; }
+    friend bool operator==(const KNRange &, const KNRange &) = default;
+};
+Q_DECLARE_METATYPE(KNRange)
+
+/// One batch of an editor text.
+struct KNQueryDetails
+{
+    QString targetQuery;          ///< the text that goes to the server
+    KNRange queryRange;           ///< where the batch stands in the editor text
+    quint64 lineNumberOffset = 0; ///< line feeds of the editor text before the batch
+};

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Database/KNDatabaseResultSet.h"
+#include "KNSharedExport.h"
+
+#include <QList>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+using KNDatabaseResultSetPtr = std::shared_ptr<KNDatabaseResultSet>;
+
+/// The results of a run, shared by the worker that appends and fills them and the grid that reads them.
+/// Every operation may be called from any thread.
+class KNSHARED_EXPORT KNResultSetHolder
+{
+public:
+    KNResultSetHolder() = default;
+    KNResultSetHolder(const KNResultSetHolder &) = delete;
+    KNResultSetHolder &operator=(const KNResultSetHolder &) = delete;
+
+    /// A copy of the list; the result sets themselves are shared.
+    QList<KNDatabaseResultSetPtr> resultSets() const;
+    void append(const KNDatabaseResultSetPtr &resultSet);
+    /// Takes a result set out again; nothing happens when it is not there.
+    void remove(const KNDatabaseResultSetPtr &resultSet);
+
+    void incrementTotalResultCountBy(qint64 count);
+    void incrementTotalResultCount() { incrementTotalResultCountBy(1); }
+    /// Rows read so far over all result sets.
+    qint64 totalResultCount() const;
+
+    /// For a reader that forgets rows as it goes: how far the worker may run ahead of it in every later
+    /// result set.
+    void setReadAhead(qsizetype rows);
+
+    /// Waits until there are more than `count` result sets or the time has passed; true when there are.
+    bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
+
+private:
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_appended;
+    std::vector<KNDatabaseResultSetPtr> m_resultSets; ///< guarded by m_mutex, as all below
+    qint64 m_totalResultCount = 0;
+    qsizetype m_readAhead = 0;
+};

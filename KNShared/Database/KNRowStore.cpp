@@ -1,0 +1,394 @@
+#include "Database/KNRowStore.h"
+
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr std::size_t LargestBlockSize = 1024 * 1024;
+constexpr std::size_t SlotSize = sizeof(quint32);
+
+std::size_t writeVarint(unsigned char *place, std::size_t number)
+{
+    std::size_t written = 0;
+    while (number >= 0x80) {
+        place[written++] = static_cast<unsigned char>(number | 0x80);
+        number >>= 7;
+    }
+    place[written++] = static_cast<unsigned char>(number);
+    return written;
+}
+
+std::size_t readVarint(const unsigned char *&position)
+{
+    std::size_t number = 0;
+    int shift = 0;
+    while (*position & 0x80) {
+        number |= static_cast<std::size_t>(*position++ & 0x7F) << shift;
+        shift += 7;
+    }
+    return number | static_cast<std::size_t>(*position++) << shift;
+}
+
+template <typename Fixed>
+Fixed readFixed(const unsigned char *position)
+{
+    Fixed value;
+    std::memcpy(&value, position, sizeof value);
+    return value;
+}
+
+QString guidText(const unsigned char *b)
+{
+    static constexpr int order[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    static constexpr char digits[] = "0123456789ABCDEF";
+    QString text;
+    text.reserve(36);
+    for (int i = 0; i < 16; ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += QLatin1Char('-');
+        text += QLatin1Char(digits[b[order[i]] >> 4]);
+        text += QLatin1Char(digits[b[order[i]] & 15]);
+    }
+    return text;
+}
+
+KNValue textValue(const unsigned char *data, std::size_t length)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(QByteArrayView(data, static_cast<qsizetype>(length)));
+    if (decoder.hasError())
+        return KNValue();
+    return KNValue(text.isNull() ? QStringLiteral("") : text);
+}
+
+} // namespace
+
+/// A piece of memory: cells of rows from the front, the offset of each row from the back.
+struct KNRowStore::Block
+{
+    Block(qsizetype first, std::size_t size)
+        : firstRow(first)
+        , capacity(size)
+        , bytes(static_cast<unsigned char *>(std::malloc(size)))
+    {
+        if (!bytes)
+            throw std::bad_alloc();
+    }
+    ~Block() { std::free(bytes); }
+    Block(const Block &) = delete;
+    Block &operator=(const Block &) = delete;
+
+    unsigned char *slot(qsizetype indexInBlock) const
+    {
+        return bytes + capacity - SlotSize * static_cast<std::size_t>(indexInBlock + 1);
+    }
+    const unsigned char *row(qsizetype row) const { return bytes + readFixed<quint32>(slot(row - firstRow)); }
+
+    qsizetype firstRow;
+    std::size_t capacity;
+    unsigned char *bytes;
+    qsizetype rows = 0; ///< rows ended in this block; writing thread only
+};
+
+/// An encoded cell: its tag, its payload and where the next cell begins.
+struct KNRowStore::Cell
+{
+    Tag tag;
+    const unsigned char *data;
+    std::size_t length;
+    const unsigned char *end() const { return data + length; }
+    KNValue value() const;
+};
+
+KNRowStore::KNRowStore() = default;
+KNRowStore::~KNRowStore() = default;
+
+void KNRowStore::appendVariable(Tag tag, const void *data, std::size_t length)
+{
+    // A tag, at most ten bytes of length, and the payload.
+    unsigned char *place = reserve(11 + length);
+    place[0] = tag;
+    const std::size_t head = 1 + writeVarint(place + 1, length);
+    if (length)
+        std::memcpy(place + head, data, length);
+    m_cursor = place + head + length;
+}
+
+void KNRowStore::appendGuid(const unsigned char *bytes)
+{
+    unsigned char *place = reserve(17);
+    *place = TagGuid;
+    std::memcpy(place + 1, bytes, 16);
+}
+
+void KNRowStore::appendDate(const KNDateTime &value)
+{
+    unsigned char *place = reserve(10);
+    place[0] = TagDate;
+    place[1] = static_cast<unsigned char>(static_cast<int>(value.parts) << 4 | value.fractionDigits);
+    std::memcpy(place + 2, &value.ticks, sizeof value.ticks);
+}
+
+void KNRowStore::appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale)
+{
+    while (length > 0 && *magnitude == 0) {
+        ++magnitude;
+        --length;
+    }
+    if (length > 16)
+        return appendNull();
+    unsigned char *place = reserve(3 + length);
+    place[0] = negative ? TagNegativeDecimal : TagDecimal;
+    place[1] = static_cast<unsigned char>(scale);
+    place[2] = static_cast<unsigned char>(length);
+    if (length)
+        std::memcpy(place + 3, magnitude, length);
+}
+
+void KNRowStore::appendValue(const KNValue &value)
+{
+    switch (value.kind()) {
+    case KNValue::Kind::Null:
+        return appendNull();
+    case KNValue::Kind::Bool:
+        return appendBool(value.toBool());
+    case KNValue::Kind::Int32:
+        return appendInt32(static_cast<qint32>(value.toInt64()));
+    case KNValue::Kind::Int64:
+        return appendInt64(value.toInt64());
+    case KNValue::Kind::Float:
+        return appendFloat(static_cast<float>(value.toDouble()));
+    case KNValue::Kind::Double:
+        return appendDouble(value.toDouble());
+    case KNValue::Kind::Date:
+        return appendDate(value.dateTime());
+    case KNValue::Kind::Text: {
+        const QByteArray utf8 = value.text().toUtf8();
+        return appendText(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+    }
+    case KNValue::Kind::Bytes: {
+        const QByteArray bytes = value.bytes();
+        return appendBytes(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    }
+    case KNValue::Kind::Decimal: {
+        unsigned char magnitude[16];
+        const KNDecimal decimal = value.decimal();
+        decimal.toBigEndian(magnitude);
+        return appendDecimal(magnitude, sizeof magnitude, decimal.isNegative(), decimal.scale());
+    }
+    }
+}
+
+void KNRowStore::endRow()
+{
+    if (!m_writing || m_cursor > m_limit)
+        moveToBlockFor(0);
+    const auto offset = static_cast<quint32>(m_rowStart - m_writing->bytes);
+    std::memcpy(m_writing->slot(m_writing->rows), &offset, SlotSize);
+    ++m_writing->rows;
+    ++m_endedRows;
+    m_rowStart = m_cursor;
+    // The next row's slot comes off the room for cells. When none is left, the limit lies before the cursor
+    // and the next cell opens a block.
+    m_limit -= SlotSize;
+}
+
+void KNRowStore::moveToBlockFor(std::size_t size)
+{
+    const auto begun = static_cast<std::size_t>(m_cursor - m_rowStart);
+    const std::size_t capacity = std::max(m_nextBlockSize, 2 * begun + size + SlotSize);
+    auto block = std::make_unique<Block>(m_endedRows, capacity);
+    if (begun)
+        std::memcpy(block->bytes, m_rowStart, begun);
+    m_nextBlockSize = std::min(2 * m_nextBlockSize, LargestBlockSize);
+    m_rowStart = block->bytes;
+    m_cursor = block->bytes + begun;
+    m_limit = block->slot(0);
+
+    const std::lock_guard lock(m_mutex);
+    if (m_writing && m_writing->rows == 0)
+        m_blocks.pop_back();
+    m_writing = block.get();
+    m_blocks.push_back(std::move(block));
+}
+
+qsizetype KNRowStore::publish()
+{
+    const std::lock_guard lock(m_mutex);
+    const qsizetype count = m_endedRows - m_published;
+    m_published = m_endedRows;
+    if (count > 0)
+        m_changed.notify_all();
+    return count;
+}
+
+qsizetype KNRowStore::rowCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_published;
+}
+
+const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount) const
+{
+    const std::lock_guard lock(m_mutex);
+    *columnCount = m_columnCount;
+    if (row < m_discarded || row >= m_published)
+        return nullptr;
+    const auto behind = std::upper_bound(m_blocks.begin(), m_blocks.end(), row,
+                                         [](qsizetype r, const auto &block) { return r < block->firstRow; });
+    return std::prev(behind)->get();
+}
+
+KNRowStore::Cell KNRowStore::cellAt(const unsigned char *position)
+{
+    const auto tag = static_cast<Tag>(*position++);
+    switch (tag) {
+    case TagNull:
+    case TagFalse:
+    case TagTrue:
+        return {tag, position, 0};
+    case TagInt32:
+    case TagFloat:
+        return {tag, position, 4};
+    case TagInt64:
+    case TagDouble:
+        return {tag, position, 8};
+    case TagGuid:
+        return {tag, position, 16};
+    case TagDate:
+        return {tag, position, 9};
+    case TagDecimal:
+    case TagNegativeDecimal:
+        return {tag, position, 2 + std::size_t{position[1]}};
+    case TagText:
+    case TagBytes: {
+        const std::size_t length = readVarint(position);
+        return {tag, position, length};
+    }
+    }
+    return {TagNull, position, 0};
+}
+
+KNValue KNRowStore::Cell::value() const
+{
+    switch (tag) {
+    case TagNull:
+        return KNValue();
+    case TagFalse:
+        return KNValue(false);
+    case TagTrue:
+        return KNValue(true);
+    case TagInt32:
+        return KNValue(readFixed<qint32>(data));
+    case TagInt64:
+        return KNValue(readFixed<qint64>(data));
+    case TagFloat:
+        return KNValue(readFixed<float>(data));
+    case TagDouble:
+        return KNValue(readFixed<double>(data));
+    case TagText:
+        return textValue(data, length);
+    case TagBytes:
+        return KNValue(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length)));
+    case TagGuid:
+        return KNValue(guidText(data));
+    case TagDate: {
+        KNDateTime date;
+        date.parts = static_cast<KNDateTime::Parts>(data[0] >> 4);
+        date.fractionDigits = data[0] & 15;
+        date.ticks = readFixed<qint64>(data + 1);
+        return KNValue(date);
+    }
+    case TagDecimal:
+    case TagNegativeDecimal: {
+        const auto decimal = KNDecimal::fromBigEndian(data + 2, data[1], tag == TagNegativeDecimal, data[0]);
+        return decimal ? KNValue(*decimal) : KNValue();
+    }
+    }
+    return KNValue();
+}
+
+KNValue KNRowStore::value(qsizetype row, qsizetype column) const
+{
+    qsizetype columnCount = 0;
+    const Block *block = blockOf(row, &columnCount);
+    if (!block || column < 0 || column >= columnCount)
+        return KNValue();
+    Cell cell = cellAt(block->row(row));
+    while (column-- > 0)
+        cell = cellAt(cell.end());
+    return cell.value();
+}
+
+KNRow KNRowStore::row(qsizetype row) const
+{
+    qsizetype columnCount = 0;
+    const Block *block = blockOf(row, &columnCount);
+    KNRow values;
+    if (!block)
+        return values;
+    values.reserve(columnCount);
+    const unsigned char *position = block->row(row);
+    while (values.size() < columnCount) {
+        const Cell cell = cellAt(position);
+        values.append(cell.value());
+        position = cell.end();
+    }
+    return values;
+}
+
+void KNRowStore::setColumnCount(qsizetype count)
+{
+    const std::lock_guard lock(m_mutex);
+    m_columnCount = count;
+}
+
+qsizetype KNRowStore::byteSize() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::size_t bytes = 0;
+    for (const auto &block : m_blocks)
+        bytes += sizeof(Block) + block->capacity;
+    return static_cast<qsizetype>(bytes);
+}
+
+bool KNRowStore::waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, timeout, [&] { return m_published > count || m_closed; });
+    return m_published > count;
+}
+
+void KNRowStore::close()
+{
+    const std::lock_guard lock(m_mutex);
+    m_closed = true;
+    m_changed.notify_all();
+}
+
+void KNRowStore::setReadAhead(qsizetype rows)
+{
+    const std::lock_guard lock(m_mutex);
+    m_readAhead = rows;
+    m_changed.notify_all();
+}
+
+void KNRowStore::discardBefore(qsizetype row)
+{
+    const std::lock_guard lock(m_mutex);
+    m_discarded = std::clamp(row, m_discarded, m_published);
+    while (m_blocks.size() > 1 && m_blocks[1]->firstRow <= m_discarded)
+        m_blocks.pop_front();
+    m_changed.notify_all();
+}
+
+bool KNRowStore::waitForRoom(std::chrono::milliseconds timeout) const
+{
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, timeout,
+                              [&] { return m_readAhead == 0 || m_published - m_discarded < m_readAhead; });
+}

@@ -1,0 +1,31 @@
+#include "Database/VantorDBC.h"
+
+VantorDBC::VantorDBC() = default;
+VantorDBC::~VantorDBC() = default;
+
+void VantorDBC::getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const
+{
+    const QString text = server.trimmed();
+    *host = text;
+
+    qsizetype separator = -1;
+    if (text.startsWith(QLatin1Char('['))) {
+        const qsizetype closing = text.indexOf(QLatin1Char(']'));
+        if (closing < 0)
+            return;
+        *host = text.mid(1, closing - 1);
+        separator = closing + 1 < text.size() ? closing + 1 : -1;
+    } else if (const qsizetype comma = text.lastIndexOf(QLatin1Char(',')); comma >= 0) {
+        separator = comma;
+        *host = text.left(separator).trimmed();
+    } else if (text.count(QLatin1Char(':')) == 1) {
+        separator = text.indexOf(QLatin1Char(':'));
+        *host = text.left(separator).trimmed();
+    }
+    if (separator < 0)
+        return;
+    bool isNumber = false;
+    const uint number = text.mid(separator + 1).trimmed().toUInt(&isNumber);
+    if (isNumber && number > 0 && number <= 65535)
+        *port = static_cast<quint16>(number);
+}

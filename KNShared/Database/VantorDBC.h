@@ -1,0 +1,77 @@
+#pragma once
+
+#include "KNSharedExport.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <memory>
+
+class VantorDatabaseClient;
+class VantorDBC;
+
+using VantorDBCPtr = std::shared_ptr<VantorDBC>;
+
+/// The settings of one database connection, and the factory of everything that is particular to its kind of
+/// server. A connector subclasses it. Not synchronised: a thread works on its own copy.
+class KNSHARED_EXPORT VantorDBC
+{
+public:
+    VantorDBC();
+    virtual ~VantorDBC();
+    VantorDBC &operator=(const VantorDBC &) = delete;
+
+    /// Identity of the saved connection; null while it was never saved.
+    QString connectionId() const { return m_connectionId; }
+    void setConnectionId(const QString &connectionId) { m_connectionId = connectionId; }
+    /// Display name.
+    QString alias() const { return m_alias; }
+    void setAlias(const QString &alias) { m_alias = alias; }
+    QString username() const { return m_username; }
+    void setUsername(const QString &username) { m_username = username; }
+    QString password() const { return m_password; }
+    void setPassword(const QString &password) { m_password = password; }
+    /// The server text as the user typed it.
+    QString host() const { return m_host; }
+    void setHost(const QString &host) { m_host = host; }
+    /// Initial database; null or empty means the login's default.
+    QString database() const { return m_database; }
+    void setDatabase(const QString &database) { m_database = database; }
+    /// TCP port; 0 means not given.
+    quint16 port() const { return m_port; }
+    void setPort(quint16 port) { m_port = port; }
+
+    /// Further settings of a session that the kind of server knows, by name. All know "loginTimeout": the
+    /// seconds that connecting may take (15 when not given).
+    virtual QVariantMap sessionParameters() const = 0;
+    virtual void setSessionParameters(const QVariantMap &parameters) = 0;
+
+    virtual quint16 defaultPort() const = 0;
+    /// A copy of its own, with what the kind of server defines as belonging to it.
+    virtual VantorDBCPtr copy() const = 0;
+    /// A new client with a copy of these settings, not connected.
+    virtual std::unique_ptr<VantorDatabaseClient> createNewClient() const = 0;
+    /// A text for people and caches; never holds the password.
+    virtual QString description() const = 0;
+    /// What is worth remembering after a successful connect, so that the next one is quicker.
+    virtual QVariantMap connectedWithDetails() const = 0;
+    /// Keywords of the server's language, sorted without regard to case.
+    virtual const QStringList &keywords() const = 0;
+
+    /// Splits "name:port" and "name,port". `port` keeps its value when the text holds none. An IPv6 address
+    /// stands in brackets, or alone without a port. May ask the network in subclasses.
+    virtual void getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const;
+
+protected:
+    VantorDBC(const VantorDBC &) = default;
+
+private:
+    QString m_connectionId;
+    QString m_alias;
+    QString m_username;
+    QString m_password;
+    QString m_host;
+    QString m_database;
+    quint16 m_port = 0;
+};

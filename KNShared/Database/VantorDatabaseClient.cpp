@@ -1,0 +1,3 @@
+#include "Database/VantorDatabaseClient.h"
+
+VantorDatabaseClient::~VantorDatabaseClient() = default;

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Database/DatabaseResultSet.h"
+#include "Database/KNQueryDetails.h"
+#include "Database/KNResultSetHolder.h"
+#include "Database/VantorDBC.h"
+#include "Foundation/KNError.h"
+#include "KNSharedExport.h"
+
+#include <QList>
+
+#include <functional>
+#include <memory>
+
+/// One connection to a database server. One thread works with it at a time; every operation that talks to the
+/// server blocks its caller, and only cancelCurrentQuery(), wasCancelled() and isConnected() may come from
+/// another thread meanwhile. Nothing here may be called from a UI thread but those three's tests and getters.
+class KNSHARED_EXPORT VantorDatabaseClient
+{
+public:
+    using Progress = std::function<void(double percent)>;
+
+    virtual ~VantorDatabaseClient();
+
+    /// The client's own copy of the settings.
+    virtual VantorDBC &databaseConnectionDetails() = 0;
+
+    virtual bool connect(KNError *error) = 0;
+    /// Whether the connection is open as far as it is known here; asks nobody.
+    virtual bool isConnected() const = 0;
+    /// Closes the connection. Harmless when it is closed.
+    virtual void disconnect() = 0;
+
+    /// Runs the batches in order into the holder, until one leaves an error or the run is cancelled.
+    /// `error` must be given.
+    virtual bool executeQueryDetails(const QList<KNQueryDetails> &queries, KNResultSetHolder &withResultSet,
+                                     const Progress &withBlock, KNError *error) = 0;
+    /// Runs one batch and reads it whole; the first result that has columns, or nothing.
+    virtual std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) = 0;
+    /// Runs a batch whose rows are of no interest. Failures are reported through `error` only.
+    virtual bool executeNonQuery(const QString &sql, KNError *error) = 0;
+
+    virtual bool beginTransaction(KNError *error) = 0;
+    virtual bool commitTransaction(KNError *error) = 0;
+    virtual bool rollbackTransaction(KNError *error) = 0;
+
+    /// Stops what runs on another thread; blocks until the server has let go. The session lives on, unless
+    /// the server had stalled in the middle of a row. Any thread. Harmless when nothing runs.
+    virtual bool cancelCurrentQuery(KNError *error) = 0;
+    /// Whether the last run was stopped by cancelCurrentQuery(). Any thread.
+    virtual bool wasCancelled() const = 0;
+
+    /// Called when the client goes back to the pool whose entry has the settings `details`. Carries what a
+    /// user's query changed in the session over into both settings.
+    virtual void prepareForPool(VantorDBC &details, bool isUserQuery) = 0;
+};

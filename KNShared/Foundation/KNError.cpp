@@ -1,0 +1,10 @@
+#include "Foundation/KNError.h"
+
+KNError::KNError(QString domain, int code, QString localizedDescription, QVariantMap userInfo)
+    : m_set(true)
+    , m_code(code)
+    , m_domain(std::move(domain))
+    , m_localizedDescription(std::move(localizedDescription))
+    , m_userInfo(std::move(userInfo))
+{
+}

@@ -1,0 +1,173 @@
+#include "Foundation/KNLogHelper.h"
+
+#include "Foundation/KNLogFile.h"
+
+#include <QDateTime>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+/// XDG asks to ignore a folder that is not absolute.
+QString stateFolder()
+{
+    QString folder = qEnvironmentVariable("XDG_STATE_HOME");
+    if (folder.startsWith(u'/'))
+        return folder;
+    return QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + QStringLiteral("/.local/state");
+}
+
+/// Replaces every place where a secret stands; where secrets overlap, all that they cover.
+QString withoutSecrets(const QString &text, const QStringList &secrets)
+{
+    using Range = std::pair<qsizetype, qsizetype>;
+    std::vector<Range> covered;
+    for (const QString &secret : secrets) {
+        for (qsizetype at = text.indexOf(secret); at >= 0; at = text.indexOf(secret, at + 1))
+            covered.emplace_back(at, at + secret.size());
+    }
+    std::sort(covered.begin(), covered.end());
+
+    QString result;
+    qsizetype position = 0;
+    for (std::size_t index = 0; index < covered.size();) {
+        auto [begin, end] = covered[index];
+        for (++index; index < covered.size() && covered[index].first < end; ++index)
+            end = std::max(end, covered[index].second);
+        result += QStringView(text).mid(position, begin - position);
+        result += QLatin1String("********");
+        position = end;
+    }
+    return result += QStringView(text).mid(position);
+}
+
+/// One record as lines of the file: later lines are indented, so that no text can pass itself off as another
+/// record.
+QString asLines(QString record)
+{
+    record.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    QString lines;
+    lines.reserve(record.size());
+    for (const QChar character : std::as_const(record)) {
+        if (character == u'\n' || character == u'\r')
+            lines += QLatin1String("\n    ");
+        else
+            lines += character < u' ' && character != u'\t' ? QChar(u'?') : character;
+    }
+    return lines;
+}
+
+QString describe(const QVariant &value)
+{
+    if (value.canConvert<QVariantMap>()) {
+        QStringList entries;
+        const QVariantMap map = value.toMap();
+        for (auto entry = map.cbegin(); entry != map.cend(); ++entry)
+            entries += entry.key() + QStringLiteral("=") + describe(entry.value());
+        return u'{' + entries.join(QLatin1String(", ")) + u'}';
+    }
+    if (!value.canConvert<QString>() && value.canConvert<QVariantList>()) {
+        QStringList entries;
+        for (const QVariant &entry : value.toList())
+            entries += describe(entry);
+        return u'[' + entries.join(QLatin1String(", ")) + u']';
+    }
+    if (value.canConvert<QString>())
+        return KNFormat("%@", value.toString());
+    return KNFormat("(%s)", value.typeName());
+}
+
+QString describeEntries(const QVariantMap &entries)
+{
+    QString lines;
+    for (auto entry = entries.cbegin(); entry != entries.cend(); ++entry)
+        lines += KNFormat("\n%@: %@", entry.key(), describe(entry.value()));
+    return lines;
+}
+
+} // namespace
+
+struct KNLogHelper::Private
+{
+    Private(const QString &folder, qint64 maximumBytes)
+        : file(folder, maximumBytes)
+    {
+    }
+
+    mutable std::mutex mutex; ///< guards everything below
+    KNLogFile file;
+    QStringList secrets;
+    std::function<void(const QString &)> observer;
+};
+
+KNLogHelper *KNLogHelper::sharedInstance()
+{
+    // Never destroyed: threads may still log while the program ends.
+    static auto *const log = new KNLogHelper(stateFolder() + QStringLiteral("/vantor/logs"));
+    return log;
+}
+
+KNLogHelper::KNLogHelper(const QString &folder, qint64 maximumBytes)
+    : d(std::make_unique<Private>(folder, maximumBytes))
+{
+}
+
+KNLogHelper::~KNLogHelper() = default;
+
+void KNLogHelper::logMessage(const QString &message)
+{
+    const QString record = KNFormat("%@ [%d] %@", QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs),
+                                    gettid(), message);
+    std::unique_lock lock(d->mutex);
+    // Secrets go before the record is cut into lines, which would hide one that holds a line end.
+    const QString lines = asLines(withoutSecrets(record, d->secrets));
+    d->file.append(lines.toUtf8() + '\n');
+    const auto observer = d->observer;
+    lock.unlock();
+    if (observer)
+        observer(lines);
+}
+
+void KNLogHelper::logError(const KNError &error, const QVariantMap &details)
+{
+    logMessage(KNFormat("Error %@ %d: %@", error.domain(), error.code(), error.localizedDescription()) +
+               describeEntries(details) + describeEntries(error.userInfo()));
+}
+
+void KNLogHelper::logSlowOperation(const QString &operation, double seconds, double thresholdSeconds)
+{
+    if (seconds > thresholdSeconds)
+        logMessage("Slow operation: %@ took %0.3f s", operation, seconds);
+}
+
+void KNLogHelper::registerSecret(const QString &secret)
+{
+    constexpr qsizetype ShortestSecret = 3;
+    if (secret.size() < ShortestSecret)
+        return;
+    // SQL text holds a secret with its quotes doubled.
+    const QString inSQL = QString(secret).replace(u'\'', QLatin1String("''"));
+    const std::lock_guard lock(d->mutex);
+    for (const QString &form : {secret, inSQL}) {
+        if (!d->secrets.contains(form))
+            d->secrets += form;
+    }
+}
+
+QString KNLogHelper::filePath() const
+{
+    const std::lock_guard lock(d->mutex);
+    return d->file.path();
+}
+
+void KNLogHelper::setObserver(std::function<void(const QString &record)> observer)
+{
+    const std::lock_guard lock(d->mutex);
+    d->observer = std::move(observer);
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Foundation/KNError.h"
+#include "Foundation/KNFormat.h"
+#include "KNSharedExport.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+
+/// The shared log: lines with time and thread in a rotating file below the XDG state folder
+/// ($XDG_STATE_HOME/vantor/logs, file 0600 in a folder 0700). Thread-safe. Registered secrets never reach it.
+class KNSHARED_EXPORT KNLogHelper
+{
+public:
+    static KNLogHelper *sharedInstance();
+
+    /// A log of its own in `folder`, for tests; the file is called "vantor.log" and rotates at `maximumBytes`
+    /// (vantor.1.log ... vantor.4.log are kept).
+    explicit KNLogHelper(const QString &folder, qint64 maximumBytes = qint64(4) * 1024 * 1024);
+    ~KNLogHelper();
+    KNLogHelper(const KNLogHelper &) = delete;
+    KNLogHelper &operator=(const KNLogHelper &) = delete;
+
+    void logMessage(const QString &message);
+    template <typename... Arguments>
+    void logMessage(const char *format, const Arguments &...arguments)
+    {
+        logMessage(KNFormat(format, arguments...));
+    }
+    /// Writes domain, code and description, then one line per detail, then the user information.
+    void logError(const KNError &error, const QVariantMap &details);
+    /// Writes a record when `seconds` exceeds `thresholdSeconds`.
+    void logSlowOperation(const QString &operation, double seconds, double thresholdSeconds = 1.0);
+
+    /// Every later line shows `secret` as "********". Texts shorter than 3 characters are not registered.
+    /// Texts stay registered for the life of the log.
+    void registerSecret(const QString &secret);
+    /// The file being written; empty when no file could be opened (lines then go to standard error).
+    QString filePath() const;
+    /// Hands every record (one per call of the functions above, later lines indented) to `observer` as well,
+    /// as it is written, on the logging thread; an empty one ends it. For tests.
+    void setObserver(std::function<void(const QString &record)> observer);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "Foundation/KNDateTime.h"
+#include "Foundation/KNDecimal.h"
+#include "KNSharedExport.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <variant>
+
+/// One value of a result row or an edit: null, bool, 32- or 64-bit integer, float, double, decimal, text,
+/// date or bytes. A value type of any thread.
+class KNSHARED_EXPORT KNValue
+{
+public:
+    enum class Kind { Null, Bool, Int32, Int64, Float, Double, Decimal, Text, Date, Bytes };
+
+    KNValue() = default;
+    explicit KNValue(bool value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(qint32 value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(qint64 value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(float value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(double value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(const KNDecimal &value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(const KNDateTime &value)
+        : m_value(value)
+    {
+    }
+    explicit KNValue(const QDateTime &value)
+        : m_value(KNDateTime::fromQDateTime(value))
+    {
+    }
+    explicit KNValue(QByteArray value)
+        : m_value(std::move(value))
+    {
+    }
+    /// A null QString gives the null value, an empty one empty text.
+    explicit KNValue(const QString &value);
+    KNValue(const char *) = delete;
+
+    Kind kind() const { return static_cast<Kind>(m_value.index()); }
+    bool isNull() const { return kind() == Kind::Null; }
+    bool isText() const { return kind() == Kind::Text; }
+    /// Integers, floating and exact numbers, and booleans.
+    bool isNumber() const;
+
+    /// The text of a text value; a null QString for every other kind.
+    QString text() const;
+    /// The bytes of a bytes value; null for every other kind.
+    QByteArray bytes() const;
+    /// The date of a date value in UTC with milliseconds; invalid for every other kind.
+    QDateTime date() const;
+    /// The date with everything that was stored; a default one for every other kind.
+    KNDateTime dateTime() const;
+    /// A decimal, or an integer or boolean as one; 0 for every other kind.
+    KNDecimal decimal() const;
+    /// A number as a double; 0 for what is no number.
+    double toDouble() const;
+    /// A number cut to a whole one; text is read as a number; 0 for the rest.
+    qint64 toInt64() const;
+    /// Numbers: not zero. Text: its first non-blank character is one of Y y T t 1 to 9. The rest: false.
+    bool toBool() const;
+
+    /// The value as text without loss: integers and decimals in plain notation, float and double in the
+    /// shortest form that reads back the same, dates as stored, bytes as 0x and upper-case hexadecimal,
+    /// booleans as 1 and 0. A null QString for null. Independent of the locale.
+    QString displayText() const;
+
+    /// Equal kind and equal value.
+    friend bool operator==(const KNValue &left, const KNValue &right) = default;
+
+private:
+    std::variant<std::monostate, bool, qint32, qint64, float, double, KNDecimal, QString, KNDateTime,
+                 QByteArray>
+        m_value;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// Marks what KNShared offers to programs and connectors.
+#if defined(KNSHARED_LIBRARY)
+#define KNSHARED_EXPORT Q_DECL_EXPORT
+#else
+#define KNSHARED_EXPORT Q_DECL_IMPORT
+#endif

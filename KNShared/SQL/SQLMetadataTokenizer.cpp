@@ -1,0 +1,260 @@
+#include "SQL/SQLMetadataTokenizer.h"
+
+namespace {
+
+constexpr char16_t End = 0; ///< what stands beyond the text; a NUL inside it is told apart by its place
+
+bool isLineEnd(char16_t unit)
+{
+    return unit == u'\n' || unit == u'\r';
+}
+
+bool isBlank(char16_t unit)
+{
+    return QChar(unit).isSpace() || unit == QChar::ByteOrderMark;
+}
+
+bool isASCIIDigit(char16_t unit)
+{
+    return unit >= u'0' && unit <= u'9';
+}
+
+bool isHexDigit(char16_t unit)
+{
+    return isASCIIDigit(unit) || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+}
+
+/// Letters and what else may start a name. Halves of surrogate pairs count as letters, so that none is cut in
+/// two.
+bool startsWord(char16_t unit)
+{
+    return unit == u'_' || QChar(unit).isLetter() || QChar::isSurrogate(unit);
+}
+
+bool continuesWord(char16_t unit)
+{
+    const QChar character(unit);
+    return startsWord(unit) || unit == u'@' || unit == u'$' || unit == u'#' || character.isDigit() ||
+           character.isMark();
+}
+
+/// A view of the text with what lies around one place.
+class Scanner
+{
+public:
+    Scanner(QStringView text, qsizetype position)
+        : m_text(text)
+        , m_position(position)
+    {
+    }
+
+    qsizetype position() const { return m_position; }
+    char16_t peek(qsizetype ahead = 0) const
+    {
+        return m_position + ahead < m_text.size() ? m_text[m_position + ahead].unicode() : End;
+    }
+    bool atEnd() const { return m_position >= m_text.size(); }
+    void skip(qsizetype units) { m_position = qMin(m_position + units, m_text.size()); }
+
+    template <typename Predicate>
+    void skipWhile(Predicate predicate)
+    {
+        while (!atEnd() && predicate(m_text[m_position].unicode()))
+            ++m_position;
+    }
+
+    /// From behind an opening quote to behind the closing one, which stands for itself when doubled.
+    void skipQuoted(QChar closing)
+    {
+        for (;;) {
+            const qsizetype found = m_text.indexOf(closing, m_position);
+            if (found < 0) {
+                m_position = m_text.size();
+                return;
+            }
+            m_position = found + 1;
+            if (peek() != closing)
+                return;
+            ++m_position;
+        }
+    }
+
+    /// From behind the opening of a block comment to behind its end.
+    void skipBlockComment(bool nested)
+    {
+        for (int depth = 1; depth > 0 && !atEnd();) {
+            if (peek() == u'*' && peek(1) == u'/') {
+                --depth;
+                skip(2);
+            } else if (nested && peek() == u'/' && peek(1) == u'*') {
+                ++depth;
+                skip(2);
+            } else {
+                skip(1);
+            }
+        }
+    }
+
+    /// Digits, a point with digits, an exponent.
+    void skipNumber()
+    {
+        skipWhile(isASCIIDigit);
+        if (peek() == u'.') {
+            skip(1);
+            skipWhile(isASCIIDigit);
+        }
+        if (peek() == u'e' || peek() == u'E') {
+            const qsizetype sign = peek(1) == u'+' || peek(1) == u'-' ? 1 : 0;
+            if (isASCIIDigit(peek(1 + sign))) {
+                skip(1 + sign);
+                skipWhile(isASCIIDigit);
+            }
+        }
+    }
+
+private:
+    QStringView m_text;
+    qsizetype m_position;
+};
+
+bool startsNumber(const Scanner &scanner)
+{
+    const qsizetype currency = QChar(scanner.peek()).category() == QChar::Symbol_Currency ? 1 : 0;
+    return isASCIIDigit(scanner.peek(currency)) ||
+           (scanner.peek(currency) == u'.' && isASCIIDigit(scanner.peek(currency + 1)));
+}
+
+void skipNumberOrHexadecimal(Scanner *scanner)
+{
+    if (scanner->peek() == u'0' && (scanner->peek(1) == u'x' || scanner->peek(1) == u'X')) {
+        scanner->skip(2);
+        scanner->skipWhile(isHexDigit);
+        return;
+    }
+    if (!isASCIIDigit(scanner->peek()) && scanner->peek() != u'.')
+        scanner->skip(1); // the currency sign
+    scanner->skipNumber();
+}
+
+/// Skips a piece that opens with a quote, or leaves everything as it is; returns whether there was one.
+bool skipQuotedPiece(Scanner *scanner, SQLTokenKind *kind)
+{
+    switch (scanner->peek()) {
+    case u'N':
+    case u'n':
+        if (scanner->peek(1) != u'\'')
+            return false;
+        scanner->skip(1);
+        [[fallthrough]];
+    case u'\'':
+        *kind = SQLTokenKind::String;
+        scanner->skip(1);
+        scanner->skipQuoted(u'\'');
+        return true;
+    case u'"':
+        *kind = SQLTokenKind::QuotedIdentifier;
+        scanner->skip(1);
+        scanner->skipQuoted(u'"');
+        return true;
+    case u'[':
+        *kind = SQLTokenKind::BracketedIdentifier;
+        scanner->skip(1);
+        scanner->skipQuoted(u']');
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The same for comments.
+bool skipComment(Scanner *scanner, const SQLTokenizerOptions &options, SQLTokenKind *kind)
+{
+    const bool dashes = scanner->peek() == u'-' && scanner->peek(1) == u'-';
+    if (dashes || (options.hashStartsComment && scanner->peek() == u'#')) {
+        *kind = SQLTokenKind::LineComment;
+        scanner->skipWhile([](char16_t unit) { return !isLineEnd(unit); });
+        return true;
+    }
+    if (scanner->peek() == u'/' && scanner->peek(1) == u'*') {
+        *kind = SQLTokenKind::BlockComment;
+        scanner->skip(2);
+        scanner->skipBlockComment(options.nestedComments);
+        return true;
+    }
+    return false;
+}
+
+/// The same for names: words, #temp and ##temp, $action, @variables.
+bool skipName(Scanner *scanner, const SQLTokenizerOptions &options, SQLTokenKind *kind)
+{
+    const char16_t first = scanner->peek();
+    const char16_t second = scanner->peek(1);
+    const bool variable = first == u'@' && options.recognizesMSSQLVariables;
+    const bool word = startsWord(first) || (first == u'#' && continuesWord(second)) ||
+                      (first == u'$' && startsWord(second));
+    if (!variable && !word)
+        return false;
+    *kind = variable ? SQLTokenKind::Variable : SQLTokenKind::Word;
+    scanner->skip(1);
+    scanner->skipWhile(continuesWord);
+    return true;
+}
+
+/// The length of the operator at this place: the longest one that T-SQL and its neighbours know.
+qsizetype operatorLength(const Scanner &scanner)
+{
+    static constexpr char16_t Pairs[][3] = {u"<>", u"<=", u">=", u"!=", u"!<", u"!>", u"+=", u"-=",
+                                            u"*=", u"/=", u"%=", u"&=", u"|=", u"^=", u"::", u"||"};
+    for (const auto &pair : Pairs) {
+        if (scanner.peek() == pair[0] && scanner.peek(1) == pair[1])
+            return 2;
+    }
+    return 1;
+}
+
+} // namespace
+
+SQLMetadataTokenizer::SQLMetadataTokenizer(QStringView text, const SQLTokenizerOptions &options)
+    : m_text(text)
+    , m_options(options)
+{
+}
+
+bool SQLMetadataTokenizer::next(SQLToken *token)
+{
+    if (m_position >= m_text.size())
+        return false;
+    token->location = m_position;
+    m_position = endOfToken(&token->kind);
+    token->length = m_position - token->location;
+    token->text = m_text.mid(token->location, token->length);
+    return true;
+}
+
+QList<SQLToken> SQLMetadataTokenizer::tokenize(QStringView text, const SQLTokenizerOptions &options)
+{
+    QList<SQLToken> tokens;
+    SQLMetadataTokenizer tokenizer(text, options);
+    SQLToken token{};
+    while (tokenizer.next(&token))
+        tokens.append(token);
+    return tokens;
+}
+
+qsizetype SQLMetadataTokenizer::endOfToken(SQLTokenKind *kind) const
+{
+    Scanner scanner(m_text, m_position);
+    if (isBlank(scanner.peek())) {
+        *kind = SQLTokenKind::Whitespace;
+        scanner.skipWhile(isBlank);
+    } else if (skipComment(&scanner, m_options, kind) || skipQuotedPiece(&scanner, kind)) {
+        // Both know their kind.
+    } else if (startsNumber(scanner)) {
+        *kind = SQLTokenKind::Number;
+        skipNumberOrHexadecimal(&scanner);
+    } else if (!skipName(&scanner, m_options, kind)) {
+        *kind = SQLTokenKind::Operator;
+        scanner.skip(operatorLength(scanner));
+    }
+    return scanner.position();
+}

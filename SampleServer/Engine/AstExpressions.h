@@ -1,0 +1,195 @@
+#pragma once
+
+#include "Types/DecimalMath.h"
+#include "Types/SqlType.h"
+#include "Types/Value.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+// The expressions of a batch as they were written, before names and types are resolved.
+namespace SampleServer::Ast {
+
+struct Expression;
+using ExpressionPtr = std::unique_ptr<Expression>;
+struct Select;
+using SelectPtr = std::unique_ptr<Select>;
+
+/// A name of one to four parts; parts left out ("db..t") are empty.
+struct ObjectName
+{
+    std::vector<std::string> parts;
+
+    const std::string &object() const { return parts.back(); }
+    /// The part `fromEnd` places before the object (1: schema, 2: database), empty when there is none.
+    std::string qualifier(std::size_t fromEnd) const
+    {
+        return parts.size() > fromEnd ? parts[parts.size() - 1 - fromEnd] : std::string();
+    }
+    /// As error texts show it: the parts with dots between them.
+    std::string toString() const;
+};
+
+/// A data type as it was written: varchar(10), decimal(9, 2), nvarchar(max).
+struct TypeName
+{
+    ObjectName name;
+    std::vector<int> arguments; ///< SqlType::Max for max
+};
+
+struct Literal
+{
+    SqlType type;
+    Value value;
+};
+
+struct ColumnReference
+{
+    ObjectName name;
+};
+
+struct VariableReference
+{
+    std::string name; ///< with its @
+};
+
+struct GlobalVariableReference
+{
+    std::string name; ///< with its @@
+};
+
+enum class UnaryOperator { Plus, Minus, BitNot };
+struct Unary
+{
+    UnaryOperator op;
+    ExpressionPtr operand;
+};
+
+struct Arithmetic
+{
+    ArithmeticOperator op;
+    ExpressionPtr left, right;
+};
+
+enum class BitOperator { And, Or, Xor };
+struct Bitwise
+{
+    BitOperator op;
+    ExpressionPtr left, right;
+};
+
+enum class ComparisonOperator { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
+struct Comparison
+{
+    ComparisonOperator op;
+    ExpressionPtr left, right;
+};
+
+/// left op ANY/ALL (query).
+struct QuantifiedComparison
+{
+    ComparisonOperator op;
+    bool all;
+    ExpressionPtr left;
+    SelectPtr query;
+};
+
+struct Logical
+{
+    bool isAnd;
+    ExpressionPtr left, right;
+};
+
+struct Not
+{
+    ExpressionPtr operand;
+};
+
+struct IsNull
+{
+    ExpressionPtr operand;
+    bool negated;
+};
+
+struct Between
+{
+    ExpressionPtr operand, low, high;
+    bool negated;
+};
+
+struct InList
+{
+    ExpressionPtr operand;
+    std::vector<ExpressionPtr> list;
+    bool negated;
+};
+
+struct InQuery
+{
+    ExpressionPtr operand;
+    SelectPtr query;
+    bool negated;
+};
+
+struct Like
+{
+    ExpressionPtr operand, pattern;
+    ExpressionPtr escape; ///< may be null
+    bool negated;
+};
+
+struct Exists
+{
+    SelectPtr query;
+};
+
+struct ScalarQuery
+{
+    SelectPtr query;
+};
+
+struct Case
+{
+    struct Branch
+    {
+        ExpressionPtr when, then;
+    };
+    ExpressionPtr input; ///< null for the searched form
+    std::vector<Branch> branches;
+    ExpressionPtr otherwise; ///< may be null
+};
+
+/// CAST and CONVERT and their TRY_ forms.
+struct Cast
+{
+    ExpressionPtr operand;
+    TypeName type;
+    ExpressionPtr style; ///< may be null
+    bool isTry = false;
+};
+
+struct FunctionCall
+{
+    ObjectName name;
+    std::vector<ExpressionPtr> arguments;
+    bool distinct = false; ///< COUNT(DISTINCT x)
+    bool star = false;     ///< COUNT(*)
+};
+
+struct Expression
+{
+    int line = 1;
+    int depth = 1; ///< how many expressions it nests, itself included
+    std::variant<Literal, ColumnReference, VariableReference, GlobalVariableReference, Unary, Arithmetic,
+                 Bitwise, Comparison, QuantifiedComparison, Logical, Not, IsNull, Between, InList, InQuery,
+                 Like, Exists, ScalarQuery, Case, Cast, FunctionCall>
+        node;
+};
+
+/// Whether the expression is a condition (true, false or unknown), which is no value in T-SQL.
+bool isCondition(const Expression &expression);
+
+} // namespace SampleServer::Ast

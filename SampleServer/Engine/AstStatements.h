@@ -1,0 +1,211 @@
+#pragma once
+
+#include "Engine/AstQueries.h"
+
+// The statements of a batch as they were written.
+namespace SampleServer::Ast {
+
+struct Statement;
+using StatementPtr = std::unique_ptr<Statement>;
+
+struct Insert
+{
+    ObjectName table;
+    std::vector<std::string> columns; ///< empty: all
+    std::optional<Top> top;
+    /// A null expression is DEFAULT. Empty when the rows come from `query` or DEFAULT VALUES.
+    std::vector<std::vector<ExpressionPtr>> rows;
+    SelectPtr query;
+    bool defaultValues = false;
+};
+
+struct Assignment
+{
+    std::string column;   ///< empty when only a variable is assigned
+    std::string variable; ///< @x = column = expression, empty otherwise
+    ExpressionPtr value;  ///< null: DEFAULT
+};
+
+struct Update
+{
+    ObjectName table; ///< a table or an alias of the FROM clause
+    std::optional<Top> top;
+    std::vector<Assignment> assignments;
+    std::vector<TableSourcePtr> from;
+    ExpressionPtr where;
+};
+
+struct Delete
+{
+    ObjectName table;
+    std::optional<Top> top;
+    std::vector<TableSourcePtr> from;
+    ExpressionPtr where;
+};
+
+struct TruncateTable
+{
+    ObjectName table;
+};
+
+struct ColumnDefinition
+{
+    std::string name;
+    TypeName type;
+    std::optional<bool> nullable;
+    struct Identity
+    {
+        std::int64_t seed = 1, increment = 1;
+    };
+    std::optional<Identity> identity;
+    // Shared with the table that is made, which outlives the batch.
+    std::shared_ptr<const Expression> defaultValue; ///< may be null
+    std::shared_ptr<const Expression> computed;     ///< set for "name AS expression"; type is unused then
+};
+
+struct KeyDefinition
+{
+    std::string name; ///< empty: the server makes one up
+    bool primary = false;
+    std::vector<std::string> columns;
+};
+
+struct CreateTable
+{
+    ObjectName name;
+    std::vector<ColumnDefinition> columns;
+    std::vector<KeyDefinition> keys;
+};
+
+struct DropTable
+{
+    std::vector<ObjectName> names;
+    bool ifExists = false;
+};
+
+struct CreateDatabase
+{
+    std::string name;
+};
+
+struct DropDatabase
+{
+    std::vector<std::string> names;
+    bool ifExists = false;
+};
+
+struct Declare
+{
+    struct Variable
+    {
+        std::string name;
+        TypeName type;
+        ExpressionPtr initial; ///< may be null
+    };
+    std::vector<Variable> variables;
+};
+
+struct SetVariable
+{
+    std::string name;
+    ExpressionPtr value;
+};
+
+/// SET option[, option] value, the words in upper case; a value that is an expression stands in `expression`.
+struct SetOption
+{
+    std::vector<std::string> options;
+    std::string value;
+    ExpressionPtr expression;
+};
+
+struct SetIdentityInsert
+{
+    ObjectName table;
+    bool on = false;
+};
+
+struct If
+{
+    ExpressionPtr condition;
+    StatementPtr then, otherwise; ///< otherwise may be null
+};
+
+struct While
+{
+    ExpressionPtr condition;
+    StatementPtr body;
+};
+
+struct Block
+{
+    std::vector<StatementPtr> statements;
+};
+
+struct Break
+{
+};
+
+struct Continue
+{
+};
+
+struct Return
+{
+};
+
+struct Print
+{
+    ExpressionPtr value;
+};
+
+struct RaiseError
+{
+    ExpressionPtr message, severity, state;
+    std::vector<ExpressionPtr> arguments;
+    bool noWait = false;
+};
+
+struct WaitForDelay
+{
+    ExpressionPtr delay;
+    bool untilTime = false; ///< WAITFOR TIME
+};
+
+struct Use
+{
+    std::string database;
+};
+
+struct Transaction
+{
+    enum class Kind { Begin, Commit, Rollback, Save };
+    Kind kind;
+    std::string name; ///< empty when none was given
+};
+
+/// EXEC ('text') and EXEC procedure arguments.
+struct Execute
+{
+    struct Argument
+    {
+        std::string name; ///< @name = value, empty otherwise
+        ExpressionPtr value;
+        bool output = false;
+    };
+    ExpressionPtr text; ///< set for EXEC (...)
+    ObjectName procedure;
+    std::vector<Argument> arguments;
+    std::string statusVariable;
+};
+
+struct Statement
+{
+    int line = 1;
+    std::variant<Select, Insert, Update, Delete, TruncateTable, CreateTable, DropTable, CreateDatabase,
+                 DropDatabase, Declare, SetVariable, SetOption, SetIdentityInsert, If, While, Block, Break,
+                 Continue, Return, Print, RaiseError, WaitForDelay, Use, Transaction, Execute>
+        node;
+};
+
+} // namespace SampleServer::Ast

@@ -1,0 +1,241 @@
+#include "Engine/Binder.h"
+#include "Engine/Errors.h"
+#include "Engine/Functions.h"
+#include "Engine/ScopedValue.h"
+#include "Engine/TypeRules.h"
+#include "Types/Text.h"
+#include "Types/TypeTraits.h"
+
+#include <algorithm>
+
+namespace SampleServer {
+
+using namespace Bound;
+
+namespace {
+
+constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
+constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
+
+bool isAggregateName(const Ast::ObjectName &name)
+{
+    static constexpr std::string_view names[] = {"AVG",   "COUNT",  "COUNT_BIG", "MAX", "MIN",
+                                                 "STDEV", "STDEVP", "SUM",       "VAR", "VARP"};
+    if (name.parts.size() != 1)
+        return false;
+    const std::string upper = asciiUpper(name.object());
+    return std::find(std::begin(names), std::end(names), upper) != std::end(names);
+}
+
+/// Looks for aggregates in the parts of an expression.
+struct AggregateFinder
+{
+    bool operator()(const Ast::ExpressionPtr &part) const { return part && containsAggregate(*part); }
+    template <typename... Parts>
+    bool any(const Parts &...parts) const
+    {
+        return ((*this)(parts) || ...);
+    }
+    bool all(const std::vector<Ast::ExpressionPtr> &parts) const
+    {
+        return std::any_of(parts.begin(), parts.end(), *this);
+    }
+
+    bool operator()(const Ast::Unary &n) const { return any(n.operand); }
+    bool operator()(const Ast::Arithmetic &n) const { return any(n.left, n.right); }
+    bool operator()(const Ast::Bitwise &n) const { return any(n.left, n.right); }
+    bool operator()(const Ast::Comparison &n) const { return any(n.left, n.right); }
+    bool operator()(const Ast::QuantifiedComparison &n) const { return any(n.left); }
+    bool operator()(const Ast::Logical &n) const { return any(n.left, n.right); }
+    bool operator()(const Ast::Not &n) const { return any(n.operand); }
+    bool operator()(const Ast::IsNull &n) const { return any(n.operand); }
+    bool operator()(const Ast::Between &n) const { return any(n.operand, n.low, n.high); }
+    bool operator()(const Ast::InList &n) const { return any(n.operand) || all(n.list); }
+    bool operator()(const Ast::InQuery &n) const { return any(n.operand); }
+    bool operator()(const Ast::Like &n) const { return any(n.operand, n.pattern); }
+    bool operator()(const Ast::Cast &n) const { return any(n.operand, n.style); }
+    bool operator()(const Ast::FunctionCall &n) const { return isAggregateName(n.name) || all(n.arguments); }
+    bool operator()(const Ast::Case &n) const
+    {
+        return any(n.input, n.otherwise) ||
+               std::any_of(n.branches.begin(), n.branches.end(),
+                           [this](const auto &b) { return any(b.when, b.then); });
+    }
+    template <typename Other>
+    bool operator()(const Other &) const
+    {
+        return false;
+    }
+};
+
+std::string sumFunction(const SqlType &result)
+{
+    switch (result.id) {
+    case TypeId::Int:
+        return "tsql_sum_int";
+    case TypeId::BigInt:
+        return "tsql_sum_bigint";
+    case TypeId::Money:
+        return "tsql_sum_money";
+    case TypeId::Float:
+        return "tsql_sum_float";
+    default:
+        return "tsql_sum_decimal";
+    }
+}
+
+} // namespace
+
+bool containsAggregate(const Ast::Expression &expression)
+{
+    return std::visit(AggregateFinder(), expression.node);
+}
+
+ExpressionPtr Binder::addAggregate(Grouping &grouping, Aggregate aggregate, const SqlType &type)
+{
+    grouping.aggregates.push_back(std::move(aggregate));
+    const std::string name = 'a' + std::to_string(grouping.aggregates.size() - 1);
+    return std::make_shared<const Expression>(Expression{type, true, Column{grouping.alias, name}});
+}
+
+ExpressionPtr Binder::average(ExpressionPtr argument, bool distinct, Grouping &grouping)
+{
+    SqlType sum = sumType(argument->type, "AVG");
+    if (sum.id == TypeId::Int) // summed without overflow, averaged as int
+        sum = BigIntType;
+    Operation operation;
+    operation.function = Functions::average;
+    operation.result = averageType(argument->type);
+    auto total = addAggregate(grouping, {sumFunction(sum), argument, distinct}, sum);
+    auto count = addAggregate(grouping, {"count", argument, distinct}, BigIntType);
+    return call(std::move(operation), {std::move(total), std::move(count)});
+}
+
+ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string &name)
+{
+    Grouping *grouping = m_scope ? m_scope->grouping : nullptr;
+    if (!grouping)
+        throw EngineError(
+            147, 15, 1,
+            "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a "
+            "HAVING clause or a select list, and the column being aggregated is an outer reference.",
+            ErrorEffect::EndsBatch);
+    const bool isCount = name == "COUNT" || name == "COUNT_BIG";
+    const SqlType countType = name == "COUNT" ? IntType : BigIntType;
+    if (node.star) {
+        if (!isCount)
+            throw Errors::syntaxNear("*");
+        Expression count = *addAggregate(*grouping, {"count", nullptr, false}, countType);
+        count.nullable = false;
+        return std::make_shared<const Expression>(std::move(count));
+    }
+    if (node.arguments.size() != 1)
+        throw Errors::argumentCount(toLower(name), 1);
+    ExpressionPtr argument = [&] {
+        // The argument sees the rows, not the groups.
+        const ScopedValue<Grouping *> ungrouped(m_scope->grouping, nullptr);
+        return bind(*node.arguments[0]);
+    }();
+    if (isCount) {
+        Expression count = *addAggregate(*grouping, {"count", std::move(argument), node.distinct}, countType);
+        count.nullable = false;
+        return std::make_shared<const Expression>(std::move(count));
+    }
+    const SqlType type = argument->type;
+    if (name == "SUM") {
+        const SqlType result = sumType(type, name);
+        return addAggregate(*grouping, {sumFunction(result), std::move(argument), node.distinct}, result);
+    }
+    if (name == "AVG")
+        return average(std::move(argument), node.distinct, *grouping);
+    if (name != "MIN" && name != "MAX")
+        throw Errors::notSupported("the aggregate function " + name);
+    if (type.id == TypeId::Bit || isLegacyLob(type.id) || type.id == TypeId::Xml)
+        throw Errors::invalidOperand(messageTypeName(type.id), toLower(name));
+    return addAggregate(*grouping, {toLower(name), std::move(argument), false}, type);
+}
+
+ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::string &name)
+{
+    const auto argument = [&](std::size_t i) { return bind(*node.arguments[i]); };
+    const auto require = [&](std::size_t count) {
+        if (node.arguments.size() != count)
+            throw Errors::argumentCount(toLower(name), static_cast<int>(count));
+    };
+    if (name == "ISNULL") {
+        require(2);
+        auto value = argument(0), replacement = argument(1);
+        if (isNullLiteral(*value))
+            return replacement;
+        replacement = converted(replacement, value->type);
+        if (const Value *known = constantValue(*value))
+            return isNull(*known) ? replacement : value;
+        const bool nullable = replacement->nullable && value->nullable;
+        const SqlType type = value->type;
+        return std::make_shared<const Expression>(
+            Expression{type, nullable, Coalesce{{std::move(value), std::move(replacement)}}});
+    }
+    if (name == "COALESCE") {
+        std::vector<ExpressionPtr> values;
+        for (const auto &item : node.arguments)
+            values.push_back(bind(*item));
+        if (values.size() < 2)
+            throw Errors::argumentCount("coalesce", 2);
+        const SqlType type = unify(values);
+        while (values.size() > 1 && constantValue(*values[0]) && isNull(*constantValue(*values[0])))
+            values.erase(values.begin());
+        if (values.size() == 1 || constantValue(*values[0]))
+            return values[0];
+        const bool nullable =
+            std::all_of(values.begin(), values.end(), [](const auto &v) { return v->nullable; });
+        return std::make_shared<const Expression>(Expression{type, nullable, Coalesce{std::move(values)}});
+    }
+    if (name == "NULLIF") {
+        require(2);
+        auto value = argument(0);
+        const auto equal = compare(Ast::ComparisonOperator::Equal, value, argument(1));
+        const SqlType type = value->type;
+        if (const Value *known = constantValue(*equal))
+            return !isNull(*known) && std::get<std::int64_t>(*known) != 0 ? null(type) : value;
+        Case choice;
+        choice.branches.emplace_back(equal, null(type));
+        choice.otherwise = std::move(value);
+        return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
+    }
+    return nullptr;
+}
+
+ExpressionPtr Binder::bindNode(const Ast::FunctionCall &node)
+{
+    if (node.name.parts.size() > 1)
+        throw EngineError(4121, 16, 1,
+                          "Cannot find either column \"" + node.name.qualifier(1) +
+                              "\" or the user-defined function or aggregate \"" + node.name.toString() +
+                              "\", or the name is ambiguous.",
+                          ErrorEffect::EndsBatch);
+    const std::string name = asciiUpper(node.name.object());
+    if (isAggregateName(node.name))
+        return aggregate(node, name);
+    if (node.star || node.distinct)
+        throw Errors::syntaxNear(node.star ? "*" : "DISTINCT");
+    if (auto special = specialFunction(node, name))
+        return special;
+    std::vector<ExpressionPtr> arguments;
+    if (Functions::takesDatePart(name)) {
+        const auto *part =
+            node.arguments.empty() ? nullptr : std::get_if<Ast::ColumnReference>(&node.arguments[0]->node);
+        if (!part || part->name.parts.size() != 1)
+            throw EngineError(1023, 15, 1, "Invalid parameter 1 specified for " + toLower(name) + '.',
+                              ErrorEffect::EndsBatch);
+        for (std::size_t i = 1; i < node.arguments.size(); ++i)
+            arguments.push_back(bind(*node.arguments[i]));
+        return Functions::bindDatePartFunction(*this, name, part->name.object(), std::move(arguments));
+    }
+    for (const auto &argument : node.arguments)
+        arguments.push_back(bind(*argument));
+    if (name == "IIF" || name == "CHOOSE")
+        throw Errors::notSupported("the function " + name);
+    return Functions::bindBuiltin(*this, node.name.object(), std::move(arguments));
+}
+
+} // namespace SampleServer

@@ -1,0 +1,182 @@
+#pragma once
+
+#include "Engine/Bound.h"
+#include "Engine/Catalog.h"
+#include "Engine/Variables.h"
+
+#include <set>
+
+namespace SampleServer {
+
+/// Finds the tables that names stand for, on behalf of the statement that runs.
+class TableResolver
+{
+public:
+    virtual ~TableResolver() = default;
+    /// Throws EngineError 208 when there is no such table.
+    virtual Bound::TableScan findTable(const Ast::ObjectName &name) = 0;
+    /// Told of every table whose rows will be read; `readUncommitted` when it need not wait for its lock.
+    virtual void willRead(const Bound::TableScan &scan, bool readUncommitted) = 0;
+};
+
+/// A column that names can refer to.
+struct ScopeColumn
+{
+    ColumnInfo info;
+    std::string source;            ///< SQLite's alias of the source
+    std::string column;            ///< SQLite's name of the column
+    Bound::ExpressionPtr computed; ///< what the column stands for; null for a stored one
+};
+
+/// A table of a FROM clause as names see it.
+struct ScopeSource
+{
+    std::string name;             ///< alias or table name
+    std::string schema, database; ///< empty when an alias hides them
+    std::vector<ScopeColumn> columns;
+    std::shared_ptr<const Table> table; ///< null for what is no base table
+};
+
+/// What GROUP BY has made of the columns of a scope.
+struct Grouping
+{
+    std::string alias;
+    std::vector<Bound::ExpressionPtr> keys;
+    std::vector<Bound::Aggregate> aggregates;
+};
+
+/// The tables that names in a query can refer to, and those of the queries around it.
+struct Scope
+{
+    std::vector<ScopeSource> sources;
+    Scope *outer = nullptr;
+    Grouping *grouping = nullptr; ///< set while expressions after GROUP BY are bound
+};
+
+/// Resolves names and types of a statement just before it runs. Variables and functions of the session are
+/// taken at their present value, so an expression of constants comes out as one constant. Throws EngineError.
+class Binder
+{
+public:
+    Binder(EvaluationContext &context, TableResolver &tables, const Variables &variables);
+
+    /// A value, with no columns in sight but those of enterScope().
+    Bound::ExpressionPtr bindValue(const Ast::Expression &expression);
+    /// A value converted to a type as an assignment does it.
+    Bound::ExpressionPtr bindValueAs(const Ast::Expression &expression, const SqlType &type);
+    Bound::ExpressionPtr bindCondition(const Ast::Expression &expression);
+    Bound::QueryPtr bindSelect(const Ast::Select &select);
+    /// Sees variables as they change while the query runs: SELECT @x = @x + column.
+    void useLiveVariables() { m_liveVariables = true; }
+
+    /// Binds the tables of a FROM clause into `scope`.
+    std::vector<Bound::SourcePtr> bindFrom(const std::vector<Ast::TableSourcePtr> &from, Scope &scope);
+    /// One table under its name or an alias, as UPDATE and DELETE name theirs.
+    Bound::SourcePtr bindTarget(const Bound::TableScan &scan, const std::string &name, Scope &scope);
+    void enterScope(Scope &scope);
+    void leaveScope();
+
+    // The building blocks of bound expressions.
+
+    static Bound::ExpressionPtr constant(SqlType type, Value value, bool isLiteral = false);
+    static Bound::ExpressionPtr null(const SqlType &type) { return constant(type, Value()); }
+    /// The expression converted to a type; throws 206, 257 or 529 where T-SQL does not convert.
+    Bound::ExpressionPtr converted(const Bound::ExpressionPtr &expression, const SqlType &type,
+                                   bool explicitly = false, int style = 0);
+    Bound::ExpressionPtr call(Bound::Operation operation, std::vector<Bound::ExpressionPtr> arguments);
+    /// Makes all expressions one type; `types` that are the word NULL do not count.
+    SqlType unify(std::vector<Bound::ExpressionPtr> &expressions);
+
+    EvaluationContext &context() { return m_context; }
+
+private:
+    // Expressions, one function per node of the syntax tree
+    Bound::ExpressionPtr bind(const Ast::Expression &expression);
+    Bound::ExpressionPtr bindNode(const Ast::Literal &node);
+    Bound::ExpressionPtr bindNode(const Ast::ColumnReference &node);
+    Bound::ExpressionPtr bindNode(const Ast::VariableReference &node);
+    Bound::ExpressionPtr bindNode(const Ast::GlobalVariableReference &node);
+    Bound::ExpressionPtr bindNode(const Ast::Unary &node);
+    Bound::ExpressionPtr bindNode(const Ast::Arithmetic &node);
+    Bound::ExpressionPtr bindNode(const Ast::Bitwise &node);
+    Bound::ExpressionPtr bindNode(const Ast::Comparison &node);
+    Bound::ExpressionPtr bindNode(const Ast::QuantifiedComparison &node);
+    Bound::ExpressionPtr bindNode(const Ast::Logical &node);
+    Bound::ExpressionPtr bindNode(const Ast::Not &node);
+    Bound::ExpressionPtr bindNode(const Ast::IsNull &node);
+    Bound::ExpressionPtr bindNode(const Ast::Between &node);
+    Bound::ExpressionPtr bindNode(const Ast::InList &node);
+    Bound::ExpressionPtr bindNode(const Ast::InQuery &node);
+    Bound::ExpressionPtr bindNode(const Ast::Like &node);
+    Bound::ExpressionPtr bindNode(const Ast::Exists &node);
+    Bound::ExpressionPtr bindNode(const Ast::ScalarQuery &node);
+    Bound::ExpressionPtr bindNode(const Ast::Case &node);
+    Bound::ExpressionPtr bindNode(const Ast::Cast &node);
+    Bound::ExpressionPtr bindNode(const Ast::FunctionCall &node);
+
+    Bound::ExpressionPtr compare(Ast::ComparisonOperator op, Bound::ExpressionPtr left,
+                                 Bound::ExpressionPtr right);
+    Bound::ExpressionPtr arithmetic(ArithmeticOperator op, Bound::ExpressionPtr left,
+                                    Bound::ExpressionPtr right);
+    Bound::ExpressionPtr dateArithmetic(ArithmeticOperator op, const Bound::ExpressionPtr &left,
+                                        const Bound::ExpressionPtr &right);
+    Bound::ExpressionPtr concatenation(const Bound::ExpressionPtr &left, const Bound::ExpressionPtr &right);
+    Bound::ExpressionPtr negated(Bound::ExpressionPtr condition, bool negate);
+    Bound::ExpressionPtr logical(bool isAnd, Bound::ExpressionPtr left, Bound::ExpressionPtr right);
+
+    // Names
+    struct Found
+    {
+        const ScopeColumn *column = nullptr;
+        Scope *scope = nullptr;
+    };
+    Found findColumn(const Ast::ObjectName &name);
+    const ScopeColumn *findIn(const Scope &scope, const Ast::ObjectName &name) const;
+    Bound::ExpressionPtr columnExpression(const ScopeColumn &column) const;
+    Bound::ExpressionPtr groupKey(Grouping &grouping, const Bound::ExpressionPtr &expression) const;
+    std::string newAlias() { return "s" + std::to_string(++m_aliases); }
+
+    // Functions
+    Bound::ExpressionPtr aggregate(const Ast::FunctionCall &node, const std::string &name);
+    Bound::ExpressionPtr average(Bound::ExpressionPtr argument, bool distinct, Grouping &grouping);
+    Bound::ExpressionPtr addAggregate(Grouping &grouping, Bound::Aggregate aggregate, const SqlType &type);
+    Bound::ExpressionPtr specialFunction(const Ast::FunctionCall &node, const std::string &name);
+
+    // Queries
+    Bound::QueryPtr bindQuery(const Ast::Query &query, const Ast::Select *whole);
+    Bound::QueryPtr bindSpecification(const Ast::QuerySpecification &specification, const Ast::Select *whole);
+    Bound::QueryPtr bindCombination(const Ast::Query &query, const Ast::Select *whole);
+    Bound::QueryPtr bindSubquery(const Ast::Select &select, bool allowsManyColumns);
+    Bound::QueryPtr withColumnTypes(const Bound::QueryPtr &query, const std::vector<SqlType> &types);
+    void bindItems(const Ast::QuerySpecification &specification, Scope &scope, Bound::Query &query);
+    void bindStar(const Ast::ObjectName &qualifier, Scope &scope, Bound::Query &query);
+    void bindOrder(const Ast::Select &whole, Bound::Query &query, bool outputOnly);
+    Bound::OrderItem bindOrderItem(const Ast::OrderItem &item, const Bound::Query &query, bool outputOnly);
+    void bindLimit(const Ast::QuerySpecification &specification, const Ast::Select *whole,
+                   Bound::Query &query);
+    void bindGrouping(const Ast::QuerySpecification &specification, Scope &scope, Grouping &grouping);
+    Bound::SourcePtr bindSource(const Ast::TableSource &source, Scope &scope);
+    Bound::SourcePtr bindNamed(const Ast::TableSource &source, const Ast::NamedTable &table, Scope &scope);
+    Bound::SourcePtr bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table,
+                                 Scope &scope);
+    Bound::SourcePtr bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope);
+    Bound::SourcePtr bindFunction(const Ast::TableSource &source, const Ast::FunctionTable &function,
+                                  Scope &scope);
+    Bound::SourcePtr bindJoin(const Ast::Join &join, Scope &scope);
+    void addSource(ScopeSource source, Scope &scope);
+    ScopeSource scopeOfTable(const Bound::TableScan &scan, const std::string &alias,
+                             const std::string &sqliteAlias);
+    void bindComputedColumns(ScopeSource &source);
+
+    EvaluationContext &m_context;
+    TableResolver &m_tables;
+    const Variables &m_variables;
+    Scope *m_scope = nullptr;
+    bool m_liveVariables = false;
+    int m_aliases = 0;
+};
+
+/// Whether the expression holds an aggregate function outside of its subqueries.
+bool containsAggregate(const Ast::Expression &expression);
+
+} // namespace SampleServer

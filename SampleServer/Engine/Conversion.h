@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Types/DateTime.h"
+#include "Types/SqlType.h"
+#include "Types/Value.h"
+
+#include <string>
+
+namespace SampleServer {
+
+/// Whether T-SQL converts one type to another, and whether it does so unasked.
+enum class ConversionKind { NotAllowed, Explicit, Implicit };
+ConversionKind conversionKind(TypeId from, TypeId to);
+
+struct ConversionOptions
+{
+    int style = 0; ///< the third argument of CONVERT
+    DateOrder dateOrder = DateOrder::MonthDayYear;
+};
+
+/// The value as CAST and CONVERT give it: text and binary are cut to the length of `to`, fixed lengths
+/// padded. NULL stays NULL. Throws EngineError 220, 232, 241, 242, 245, 529, 8114, 8115 and their kin.
+Value convertValue(const Value &value, const SqlType &from, const SqlType &to,
+                   const ConversionOptions &options = {});
+
+// One function per family of targets; `value` is not NULL and `from` no sql_variant. convertValue() chooses.
+Value convertToInteger(const Value &value, const SqlType &from, const SqlType &to);
+Value convertToFloat(const Value &value, const SqlType &from, const SqlType &to);
+Value convertToDecimal(const Value &value, const SqlType &from, const SqlType &to);
+Value convertToMoney(const Value &value, const SqlType &from, const SqlType &to);
+Value convertToDateTime(const Value &value, const SqlType &from, const SqlType &to,
+                        const ConversionOptions &options);
+Value convertToText(const Value &value, const SqlType &from, const SqlType &to, int style);
+Value convertToBinary(const Value &value, const SqlType &from, const SqlType &to, int style);
+
+/// The text of a value in full, before it is cut to a column's length.
+std::string textOf(const Value &value, const SqlType &from, int style);
+/// The number a datetime or smalldatetime stands for in arithmetic: days since 1900-01-01.
+double toDayNumber(const DateTimeValue &value);
+DateTimeValue fromDayNumber(double days);
+
+} // namespace SampleServer

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Types/ResultSink.h"
+
+#include <exception>
+#include <string>
+
+namespace SampleServer {
+
+/// What an error does to the batch it happens in.
+enum class ErrorEffect {
+    EndsStatement, ///< the batch goes on with its next statement
+    EndsBatch,     ///< the rest of the batch does not run
+    RollsBack,     ///< likewise, and an open transaction is rolled back
+};
+
+/// An error for the client, thrown inside the engine and turned into a message by the session.
+class EngineError : public std::exception
+{
+public:
+    EngineError(std::int32_t number, int severity, int state, std::string text,
+                ErrorEffect effect = ErrorEffect::EndsStatement);
+
+    /// Number, severity, state and text; the line is filled in by the statement that failed.
+    ServerMessage message;
+    ErrorEffect effect;
+    /// Whether message.line was set by the thrower and must be kept.
+    bool hasLine = false;
+
+    const char *what() const noexcept override { return message.text.c_str(); }
+};
+
+/// Thrown through the engine when the client asked to stop; ends the batch without a message.
+struct BatchCancelled
+{
+};
+
+} // namespace SampleServer

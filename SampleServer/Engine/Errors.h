@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Engine/EngineError.h"
+#include "Types/SqlType.h"
+
+#include <string_view>
+
+namespace SampleServer::Errors {
+
+// The errors of the server, each with its number, severity, state and text.
+
+EngineError syntaxNear(std::string_view token);             ///< 102
+EngineError syntaxNearKeyword(std::string_view keyword);    ///< 156
+EngineError unclosedQuote(std::string_view text);           ///< 105
+EngineError missingEndComment();                            ///< 113
+EngineError identifierTooLong(std::string_view name);       ///< 103
+EngineError emptyIdentifier();                              ///< 1038
+EngineError mustDeclareVariable(std::string_view name);     ///< 137
+EngineError variableAlreadyDeclared(std::string_view name); ///< 134
+EngineError nonBooleanCondition(std::string_view token);    ///< 4145
+EngineError notSupported(std::string_view construct);       ///< 40000
+
+EngineError invalidObject(std::string_view name);                              ///< 208
+EngineError invalidColumn(std::string_view name);                              ///< 207
+EngineError ambiguousColumn(std::string_view name);                            ///< 209
+EngineError unboundIdentifier(std::string_view name);                          ///< 4104
+EngineError unknownFunction(std::string_view name);                            ///< 195
+EngineError argumentCount(std::string_view function, int count);               ///< 174
+EngineError unknownType(std::string_view name, int position);                  ///< 2715
+EngineError operandTypeClash(const SqlType &from, const SqlType &to);          ///< 206
+EngineError invalidOperand(std::string_view type, std::string_view operation); ///< 8117
+EngineError implicitConversion(TypeId from, TypeId to);                        ///< 257
+EngineError explicitConversion(TypeId from, TypeId to);                        ///< 529
+
+EngineError divideByZero();                                                                       ///< 8134
+EngineError overflow(std::string_view from, std::string_view to, int state);                      ///< 8115
+EngineError conversionFailed(std::string_view from, std::string_view value, std::string_view to); ///< 245
+EngineError dataTypeConversion(std::string_view from, std::string_view to);                       ///< 8114
+
+} // namespace SampleServer::Errors

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Types/DateTime.h"
+#include "Types/Value.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace SampleServer {
+
+/// What expressions can ask of the session they run in. Used by the session's thread only.
+struct EvaluationContext
+{
+    std::string serverName;
+    std::string versionBanner;
+    std::string loginName;
+    std::string hostName;
+    std::string applicationName;
+    std::string database; ///< the current one
+    int spid = 51;
+
+    DateOrder dateOrder = DateOrder::MonthDayYear;
+    int firstWeekday = 7; ///< SET DATEFIRST, 1 is Monday
+    std::int32_t textSize = 4096;
+    bool concatNullYieldsNull = true;
+    std::uint64_t optionBits = 0; ///< what @@OPTIONS answers
+
+    std::int64_t rowCount = 0;
+    std::int32_t lastError = 0;
+    std::int32_t transactionCount = 0;
+    std::optional<Decimal> lastIdentity;
+    DateTimeValue statementTime;    ///< local, the same for all rows of a statement
+    DateTimeValue statementTimeUtc; ///< UTC
+
+    /// The id of an object by its name as OBJECT_ID takes it, and of a database (empty: the current one).
+    std::function<std::optional<std::int64_t>(const std::string &)> objectId;
+    std::function<std::optional<std::int64_t>(const std::string &)> databaseId;
+    /// The names behind ids, empty when there is none.
+    std::function<std::optional<std::string>(std::int64_t)> objectName;
+    std::function<std::optional<std::string>(std::int64_t)> databaseName;
+    /// The current value of a variable (with its @), for expressions that must see changes while a query
+    /// runs.
+    std::function<Value(const std::string &)> variable;
+};
+
+} // namespace SampleServer

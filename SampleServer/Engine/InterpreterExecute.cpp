@@ -1,0 +1,142 @@
+#include "Engine/Errors.h"
+#include "Engine/Interpreter.h"
+#include "Engine/Parser.h"
+#include "Engine/ScopedValue.h"
+#include "Engine/TypeRules.h"
+#include "Types/Text.h"
+#include "Types/TypeTraits.h"
+
+namespace SampleServer {
+
+namespace {
+
+constexpr SqlType LongText{TypeId::NVarChar, SqlType::Max, 0, 0};
+constexpr int MaxNesting = 32;
+
+struct Parameter
+{
+    std::string name;
+    Ast::TypeName type;
+    bool output = false;
+};
+
+/// Reads the parameter list of sp_executesql, "@a int, @b nvarchar(20) OUTPUT", as the DECLARE that it nearly
+/// is.
+std::vector<Parameter> parseParameters(std::string list)
+{
+    std::vector<Parameter> parameters;
+    std::string declaration = "DECLARE ";
+    std::vector<bool> outputs;
+    bool output = false;
+    for (const Token &token : tokenize(list, true)) {
+        const bool comma = token.kind == TokenKind::Symbol && token.value == ",";
+        if (token.keyword == "OUTPUT" || token.keyword == "OUT") {
+            output = true;
+            continue;
+        }
+        if (token.kind == TokenKind::Variable && !outputs.empty())
+            outputs.back() = output;
+        if (token.kind == TokenKind::Variable) {
+            outputs.push_back(false);
+            output = false;
+        }
+        declaration +=
+            comma ? std::string(",") : ' ' + std::string(token.kind == TokenKind::End ? "" : token.source);
+    }
+    if (outputs.empty())
+        return parameters;
+    outputs.back() = output;
+    const auto statements = parseBatch(declaration, {});
+    std::size_t at = 0;
+    for (const auto &variable : std::get<Ast::Declare>(statements.at(0)->node).variables)
+        parameters.push_back({variable.name, variable.type, outputs.at(at++)});
+    return parameters;
+}
+
+} // namespace
+
+/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
+/// current database afterwards.
+void Interpreter::runNested(std::string_view sql, Variables &variables)
+{
+    if (m_nesting >= MaxNesting)
+        throw EngineError(
+            217, 16, 1,
+            "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).",
+            ErrorEffect::EndsBatch);
+    const ScopedValue<int> nesting(m_nesting, m_nesting + 1);
+    const ScopedValue<int> line(m_line, m_line);
+    std::swap(m_variables, variables);
+    const std::string database = m_context.database;
+    const auto back = [&] {
+        std::swap(m_variables, variables);
+        if (m_context.database != database && m_state.databases.find(database))
+            useDatabase(database);
+    };
+    try {
+        runText(sql, {m_options.quotedIdentifiers, m_variables.names()});
+    } catch (...) {
+        back();
+        throw;
+    }
+    back();
+}
+
+Interpreter::Flow Interpreter::run(const Ast::Execute &node)
+{
+    if (node.text) {
+        const Value text = evaluate(*node.text, LongText);
+        Variables none;
+        if (!isNull(text))
+            runNested(std::get<std::string>(text), none);
+        return Flow::Next;
+    }
+    if (equalsIgnoringAsciiCase(node.procedure.object(), "sp_executesql")) {
+        executeSql(node);
+        return Flow::Next;
+    }
+    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + node.procedure.toString() + "'.");
+}
+
+/// EXEC sp_executesql N'text', N'parameters', values ...
+void Interpreter::executeSql(const Ast::Execute &node)
+{
+    const auto text = [&](std::size_t i) -> std::string {
+        if (i >= node.arguments.size() || !node.arguments[i].value)
+            return {};
+        const Value value = evaluate(*node.arguments[i].value, LongText);
+        return isNull(value) ? std::string() : std::get<std::string>(value);
+    };
+    const std::string statement = text(0);
+    const std::vector<Parameter> parameters = parseParameters(text(1));
+    Variables variables;
+    std::vector<std::pair<std::string, std::string>> outputs; // the text's variable and the caller's
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const SqlType type = resolveType(parameters[i].type, TypePlace::Declaration);
+        const Ast::Execute::Argument *argument = nullptr;
+        for (std::size_t a = 2; a < node.arguments.size(); ++a) {
+            const bool byName = !node.arguments[a].name.empty();
+            if (byName ? equalsIgnoringAsciiCase(node.arguments[a].name, parameters[i].name) : a - 2 == i)
+                argument = &node.arguments[a];
+        }
+        if (!argument)
+            throw EngineError(8178, 16, 1,
+                              "The parameterized query '(" + text(1) + ")" + statement +
+                                  "' expects the parameter '" + parameters[i].name +
+                                  "', which was not supplied.");
+        variables.declare(parameters[i].name, type,
+                          argument->value ? evaluate(*argument->value, type) : Value());
+        const auto *variable =
+            argument->value ? std::get_if<Ast::VariableReference>(&argument->value->node) : nullptr;
+        if (argument->output && variable && parameters[i].output)
+            outputs.emplace_back(parameters[i].name, variable->name);
+    }
+    runNested(statement, variables);
+    for (const auto &[inner, outer] : outputs)
+        if (const VariableSlot *slot = variables.find(inner))
+            assign(outer, slot->value, slot->type);
+    if (!node.statusVariable.empty())
+        assign(node.statusVariable, std::int64_t{0}, {TypeId::Int, 0, 0, 0});
+}
+
+} // namespace SampleServer

@@ -1,0 +1,238 @@
+#include "Engine/Conversion.h"
+#include "Engine/Errors.h"
+#include "Engine/Interpreter.h"
+#include "Engine/RowWriter.h"
+#include "Engine/TypeRules.h"
+#include "Types/DecimalMath.h"
+#include "Types/TypeTraits.h"
+
+#include <algorithm>
+
+namespace SampleServer {
+
+namespace {
+
+EngineError columnCount(bool moreColumns)
+{
+    return {moreColumns ? 109 : 110, 15, 1,
+            std::string("There are ") + (moreColumns ? "more" : "fewer") +
+                " columns in the INSERT statement than values specified in the VALUES clause. The number of "
+                "values in "
+                "the VALUES clause must match the number of columns specified in the INSERT statement.",
+            ErrorEffect::EndsBatch};
+}
+
+EngineError definitionMismatch()
+{
+    return {213, 16, 1, "Column name or number of supplied values does not match table definition.",
+            ErrorEffect::EndsBatch};
+}
+
+/// The places of the columns that an INSERT fills, in its order.
+std::vector<std::size_t> targetColumns(const Ast::Insert &node, const Table &table, bool identityInsert)
+{
+    std::vector<std::size_t> targets;
+    for (std::size_t i = 0; i < table.columns.size() && node.columns.empty(); ++i)
+        if (!table.columns[i].computed && (!table.columns[i].identity || identityInsert))
+            targets.push_back(i);
+    for (const std::string &name : node.columns) {
+        const auto column = table.findColumn(name);
+        if (!column)
+            throw Errors::invalidColumn(name);
+        if (std::find(targets.begin(), targets.end(), *column) != targets.end())
+            throw EngineError(
+                264, 16, 1,
+                "The column name '" + name +
+                    "' is specified more than once in the SET clause or column "
+                    "list of an INSERT. A column cannot be assigned more than one value in the same clause.",
+                ErrorEffect::EndsBatch);
+        if (table.columns[*column].computed)
+            throw EngineError(
+                271, 16, 1,
+                "The column \"" + name +
+                    "\" cannot be modified because it is either a computed column or is the result of a "
+                    "UNION operator.",
+                ErrorEffect::EndsBatch);
+        if (table.columns[*column].identity && !identityInsert)
+            throw EngineError(544, 16, 1,
+                              "Cannot insert explicit value for identity column in table '" + table.name +
+                                  "' when IDENTITY_INSERT is set to OFF.");
+        targets.push_back(*column);
+    }
+    if (identityInsert && node.columns.empty())
+        throw EngineError(
+            8101, 16, 1,
+            "An explicit value for the identity column in table '" + table.name +
+                "' can only be specified when a column list is used and IDENTITY_INSERT is ON.");
+    return targets;
+}
+
+} // namespace
+
+/// Fills and writes the rows of one INSERT statement.
+class InsertRun
+{
+public:
+    InsertRun(Interpreter &interpreter, const Bound::TableScan &scan, std::vector<std::size_t> targets)
+        : m_interpreter(interpreter)
+        , m_table(*scan.table)
+        , m_targets(std::move(targets))
+        , m_writer(interpreter, scan)
+    {
+    }
+
+    /// `values` and `types` belong to the target columns.
+    void write(std::span<const Value> values, const std::vector<SqlType> &types)
+    {
+        std::vector<Value> row(m_table.columns.size());
+        std::vector<bool> given(row.size());
+        for (std::size_t i = 0; i < m_targets.size(); ++i) {
+            row[m_targets[i]] = m_writer.assigned(m_targets[i], values[i], types[i]);
+            given[m_targets[i]] = true;
+        }
+        store(row, given);
+    }
+
+    /// A row of expressions, null ones standing for the columns' defaults.
+    void writeExpressions(const std::vector<Ast::ExpressionPtr> &expressions)
+    {
+        std::vector<Value> row(m_table.columns.size());
+        std::vector<bool> given(row.size());
+        for (std::size_t i = 0; i < m_targets.size(); ++i) {
+            const std::size_t column = m_targets[i];
+            const SqlType &type = m_table.columns[column].type;
+            if (!expressions[i])
+                continue;
+            const auto bound = m_interpreter.binder().bindValue(*expressions[i]);
+            if (!Bound::isNullLiteral(*bound))
+                requireConversion(bound->type, type, false);
+            row[column] = m_writer.assigned(column, m_interpreter.evaluate(*bound), bound->type);
+            given[column] = true;
+        }
+        store(row, given);
+    }
+
+private:
+    void store(std::vector<Value> &row, const std::vector<bool> &given)
+    {
+        complete(row, given);
+        m_writer.insert(row);
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (m_table.columns[i].identity)
+                m_interpreter.m_context.lastIdentity = std::get<Decimal>(convertValue(
+                    row[i], m_table.columns[i].type, {TypeId::Decimal, 0, Decimal::MaxDigits, 0}));
+    }
+
+    void complete(std::vector<Value> &row, const std::vector<bool> &given)
+    {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const TableColumn &column = m_table.columns[i];
+            if (column.identity)
+                completeIdentity(row[i], given[i], column);
+            else if (!given[i] && column.defaultValue) {
+                const auto bound = m_interpreter.binder().bindValue(*column.defaultValue);
+                row[i] = m_writer.assigned(i, m_interpreter.evaluate(*bound), bound->type);
+            }
+        }
+    }
+
+    void completeIdentity(Value &value, bool given, const TableColumn &column)
+    {
+        if (!given) {
+            value = convertValue(m_table.identity->take(), {TypeId::BigInt, 0, 0, 0}, column.type);
+        } else if (!isNull(value)) {
+            const auto number = convertValue(value, column.type, {TypeId::BigInt, 0, 0, 0});
+            m_table.identity->sawExplicit(std::get<std::int64_t>(number));
+        }
+    }
+
+    Interpreter &m_interpreter;
+    const Table &m_table;
+    const std::vector<std::size_t> m_targets;
+    RowWriter m_writer;
+};
+
+void Interpreter::endChange(std::uint64_t count, std::uint16_t command)
+{
+    m_context.rowCount = static_cast<std::int64_t>(count);
+    StatementEnd end;
+    end.currentCommand = command;
+    if (!m_options.noCount)
+        end.rowCount = count;
+    m_sink->endStatement(end);
+}
+
+Interpreter::Flow Interpreter::run(const Ast::Insert &node)
+{
+    constexpr std::uint16_t command = 0xC3;
+    const Bound::TableScan scan = findTable(node.table);
+    const bool identityInsert = m_options.identityInsertTable == scan.table->id;
+    std::vector<std::size_t> targets;
+    if (!node.defaultValues)
+        targets = targetColumns(node, *scan.table, identityInsert);
+    for (const auto &row : node.rows) {
+        if (row.size() != targets.size())
+            throw node.columns.empty() ? definitionMismatch() : columnCount(row.size() < targets.size());
+    }
+    if (m_options.formatOnly)
+        return Flow::Next;
+    willWrite(scan);
+    const Bound::QueryPtr query = node.query ? binder().bindSelect(*node.query) : nullptr;
+    const bool readsItself = std::count_if(m_uses.begin(), m_uses.end(), [&scan](const TableUse &use) {
+                                 const bool reads = use.access == TableUse::Access::Read ||
+                                                    use.access == TableUse::Access::ReadUncommitted;
+                                 return reads && use.table->id == scan.table->id;
+                             }) > 0;
+    lockUses();
+    Transactions::Change change(m_transactions);
+    InsertRun insert(*this, scan, targets);
+    std::uint64_t count = 0;
+    if (node.defaultValues) {
+        insert.writeExpressions({});
+        count = 1;
+    }
+    for (const auto &row : node.rows) {
+        insert.writeExpressions(row);
+        if (++count % 64 == 0)
+            checkAttention();
+    }
+    if (query)
+        count = insertFrom(*query, *scan.table, insert, targets, readsItself);
+    change.finish();
+    endChange(count, command);
+    return Flow::Next;
+}
+
+std::uint64_t Interpreter::insertFrom(const Bound::Query &query, const Table &table, InsertRun &insert,
+                                      const std::vector<std::size_t> &targets, bool readsItself)
+{
+    if (query.columns.size() != targets.size())
+        throw query.columns.size() < targets.size()
+            ? EngineError(
+                  120, 15, 1,
+                  "The select list for the INSERT statement contains fewer items than the insert list. The "
+                  "number of SELECT values must match the number of INSERT columns.",
+                  ErrorEffect::EndsBatch)
+            : EngineError(
+                  121, 15, 1,
+                  "The select list for the INSERT statement contains more items than the insert list. The "
+                  "number of SELECT values must match the number of INSERT columns.",
+                  ErrorEffect::EndsBatch);
+    std::vector<SqlType> types;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const Bound::OutputColumn &column = query.columns[i];
+        types.push_back(column.info.type);
+        if (!column.expression || !Bound::isNullLiteral(*column.expression))
+            requireConversion(column.info.type, table.columns[targets[i]].type, false);
+    }
+    // Reading a table while it grows would never end: then the rows are collected first.
+    if (!readsItself)
+        return fetch(query, [&](std::span<const Value> row) { insert.write(row, types); });
+    std::vector<std::vector<Value>> rows;
+    fetch(query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
+    for (const auto &row : rows)
+        insert.write(row, types);
+    return rows.size();
+}
+
+} // namespace SampleServer

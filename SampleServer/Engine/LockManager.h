@@ -1,0 +1,84 @@
+#pragma once
+
+#include <chrono>
+#include <compare>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace SampleServer {
+
+enum class LockMode { Shared, Exclusive };
+
+/// What can be locked: a table by its object id, or a database as a whole in one of two roles.
+struct LockResource
+{
+    static constexpr std::int64_t Schema = 0; ///< the definitions: shared by whoever uses them
+    static constexpr std::int64_t Writer =
+        1; ///< the right to change rows: SQLite has one writer per database
+
+    int database = 0;
+    std::int64_t object = Schema;
+
+    friend auto operator<=>(const LockResource &, const LockResource &) = default;
+};
+
+struct Lock
+{
+    LockResource resource;
+    LockMode mode = LockMode::Shared;
+
+    friend bool operator==(const Lock &, const Lock &) = default;
+};
+
+enum class LockOutcome { Granted, TimedOut, Deadlock, Interrupted };
+
+/// Locks between sessions, which are named by their process ids. Thread-safe.
+///
+/// A statement asks for all its locks at once and holds none of them while it waits, so that two statements
+/// alone never block each other; only transactions, which keep locks from before, can close a circle.
+class LockManager
+{
+public:
+    /// Waits until all the locks can be granted, then grants them together. `interrupted` is asked every few
+    /// milliseconds. Every grant has to be released, also where the owner had the lock already. A new owner
+    /// does not overtake those who wait for the same; who holds locks already does. Deadlock: waiting would
+    /// close a circle of sessions that wait for each other.
+    LockOutcome acquire(int owner, const std::vector<Lock> &locks,
+                        std::optional<std::chrono::milliseconds> timeout,
+                        const std::function<bool()> &interrupted);
+    void release(int owner, const std::vector<Lock> &locks);
+
+private:
+    struct Holder
+    {
+        int shared = 0;
+        int exclusive = 0;
+    };
+    struct Request
+    {
+        int owner;
+        const std::vector<Lock> *locks;
+    };
+    using Requests = std::list<Request>;
+
+    bool isHeldAgainst(const Request &request, const Lock &lock) const;
+    bool isBlocked(Requests::const_iterator request) const;
+    bool wouldDeadlock(Requests::const_iterator request) const;
+    void addBlockers(const Request &request, std::vector<int> &blockers) const;
+    void grant(const Request &request);
+    bool waitOnce(std::unique_lock<std::mutex> &lock, const std::function<bool()> &interrupted);
+
+    std::mutex m_mutex;
+    std::condition_variable m_released;
+    std::map<LockResource, std::map<int, Holder>> m_holders; ///< guarded by m_mutex; by owner
+    std::map<int, int> m_grants;                             ///< guarded by m_mutex; how many each owner has
+    Requests m_waiting;                                      ///< guarded by m_mutex; in the order of arrival
+};
+
+} // namespace SampleServer

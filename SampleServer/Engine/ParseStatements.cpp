@@ -1,0 +1,413 @@
+#include "Engine/Errors.h"
+#include "Engine/Parser.h"
+#include "Types/Collation.h"
+
+namespace SampleServer {
+
+using namespace Ast;
+
+StatementPtr Parser::parseStatement()
+{
+    const NestingGuard guard(*this);
+    while (acceptSymbol(";")) {
+    }
+    const int line = current().line;
+    m_statementLine = line;
+    const bool isFirst = m_at == 0;
+    const std::string keyword = current().keyword;
+    StatementPtr result;
+    if (isSymbol("(") && atSubquery())
+        result = statement(std::move(*parseSelect()));
+    else if (!keyword.empty())
+        result = parseControlStatement(keyword);
+    if (!result && isFirst && isName())
+        result = parseExecute();
+    if (!result)
+        failHere();
+    result->line = line;
+    while (acceptSymbol(";")) {
+    }
+    return result;
+}
+
+StatementPtr Parser::parseControlStatement(const std::string &keyword)
+{
+    if (keyword == "BEGIN")
+        return parseBegin();
+    if (keyword == "IF")
+        return parseIf();
+    if (keyword == "WHILE")
+        return parseWhile();
+    if (keyword == "DECLARE")
+        return parseDeclare();
+    if (keyword == "SET")
+        return parseSet();
+    if (keyword == "RAISERROR")
+        return parseRaiseError();
+    if (keyword == "WAITFOR")
+        return parseWaitFor();
+    if (keyword == "EXEC" || keyword == "EXECUTE") {
+        ++m_at;
+        return parseExecute();
+    }
+    if (keyword == "COMMIT" || keyword == "ROLLBACK" || keyword == "SAVE") {
+        ++m_at;
+        return parseTransaction(keyword == "COMMIT"     ? Transaction::Kind::Commit
+                                : keyword == "ROLLBACK" ? Transaction::Kind::Rollback
+                                                        : Transaction::Kind::Save);
+    }
+    if (acceptKeyword("BREAK"))
+        return statement(Break());
+    if (acceptKeyword("CONTINUE"))
+        return statement(Continue());
+    if (acceptKeyword("PRINT"))
+        return statement(Print{parseExpression()});
+    if (acceptKeyword("USE"))
+        return statement(Use{expectName()});
+    if (acceptKeyword("RETURN")) {
+        if (current().kind == TokenKind::Integer || current().kind == TokenKind::Variable)
+            fail(EngineError(178, 15, 1,
+                             "A RETURN statement with a return value cannot be used in this context.",
+                             ErrorEffect::EndsBatch),
+                 current().line);
+        return statement(Return());
+    }
+    return parseDataStatement(keyword);
+}
+
+StatementPtr Parser::parseDataStatement(const std::string &keyword)
+{
+    if (keyword == "SELECT")
+        return statement(std::move(*parseSelect()));
+    if (keyword == "INSERT")
+        return parseInsert();
+    if (keyword == "UPDATE")
+        return parseUpdate();
+    if (keyword == "DELETE")
+        return parseDelete();
+    return parseDefinitionStatement(keyword);
+}
+
+StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
+{
+    static constexpr std::string_view refused[] = {
+        "ALTER",  "BACKUP",      "BULK",      "CHECKPOINT", "CLOSE",   "DBCC",  "DEALLOCATE",
+        "DENY",   "FETCH",       "GOTO",      "GRANT",      "KILL",    "MERGE", "OPEN",
+        "REVOKE", "RECONFIGURE", "RESTORE",   "REVERT",     "SETUSER", "THROW", "SHUTDOWN",
+        "WITH",   "UPDATETEXT",  "WRITETEXT", "READTEXT"};
+    if (keyword == "CREATE")
+        return parseCreate();
+    if (keyword == "DROP")
+        return parseDrop();
+    if (keyword == "TRUNCATE")
+        return parseTruncate();
+    if (std::find(std::begin(refused), std::end(refused), keyword) != std::end(refused))
+        refuse(keyword == "WITH" ? "common table expressions (WITH)" : keyword);
+    return nullptr;
+}
+
+StatementPtr Parser::parseBegin()
+{
+    expectKeyword("BEGIN");
+    if (isKeyword("TRAN") || isKeyword("TRANSACTION"))
+        return parseTransaction(Transaction::Kind::Begin);
+    if (isKeyword("TRY") || isKeyword("CATCH"))
+        refuse("TRY ... CATCH");
+    if (isKeyword("DISTRIBUTED"))
+        refuse("distributed transactions");
+    Block block;
+    do
+        block.statements.push_back(parseStatement());
+    while (!acceptKeyword("END"));
+    return statement(std::move(block));
+}
+
+StatementPtr Parser::parseIf()
+{
+    expectKeyword("IF");
+    If node;
+    node.condition = parseCondition();
+    node.then = parseStatement();
+    if (acceptKeyword("ELSE"))
+        node.otherwise = parseStatement();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseWhile()
+{
+    expectKeyword("WHILE");
+    While node;
+    node.condition = parseCondition();
+    node.body = parseStatement();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseDeclare()
+{
+    expectKeyword("DECLARE");
+    Declare declare;
+    do {
+        Declare::Variable variable;
+        const Token &token = current();
+        if (token.kind != TokenKind::Variable)
+            failHere();
+        variable.name = token.value;
+        ++m_at;
+        acceptKeyword("AS");
+        if (isKeyword("TABLE"))
+            refuse("table variables");
+        if (isKeyword("CURSOR"))
+            refuse("cursors");
+        variable.type = parseTypeName();
+        if (acceptSymbol("="))
+            variable.initial = parseExpression();
+        if (!m_declared.insert(foldedName(variable.name)).second)
+            fail(Errors::variableAlreadyDeclared(variable.name), token.line);
+        declare.variables.push_back(std::move(variable));
+    } while (acceptSymbol(","));
+    return statement(std::move(declare));
+}
+
+StatementPtr Parser::parseSet()
+{
+    expectKeyword("SET");
+    if (current().kind != TokenKind::Variable)
+        return parseSetOption();
+    const std::string name = expectVariable();
+    static constexpr std::pair<std::string_view, ArithmeticOperator> compound[] = {
+        {"+=", ArithmeticOperator::Add},
+        {"-=", ArithmeticOperator::Subtract},
+        {"*=", ArithmeticOperator::Multiply},
+        {"/=", ArithmeticOperator::Divide},
+        {"%=", ArithmeticOperator::Modulo}};
+    for (const auto &[symbol, op] : compound)
+        if (acceptSymbol(symbol))
+            return statement(
+                SetVariable{name, make(Arithmetic{op, make(VariableReference{name}), parseExpression()})});
+    expectSymbol("=");
+    return statement(SetVariable{name, parseExpression()});
+}
+
+StatementPtr Parser::parseSetOption()
+{
+    if (acceptKeyword("IDENTITY_INSERT")) {
+        SetIdentityInsert node;
+        node.table = parseObjectName();
+        node.on = acceptKeyword("ON");
+        if (!node.on)
+            expectKeyword("OFF");
+        return statement(std::move(node));
+    }
+    SetOption node;
+    if (acceptKeyword("TRANSACTION")) {
+        for (const char *word : {"ISOLATION", "LEVEL"})
+            expectKeyword(word);
+        node.options = {"TRANSACTION ISOLATION LEVEL"};
+        while (current().kind == TokenKind::Word &&
+               (isKeyword("READ") || isKeyword("UNCOMMITTED") || isKeyword("COMMITTED") ||
+                isKeyword("REPEATABLE") || isKeyword("SNAPSHOT") || isKeyword("SERIALIZABLE")))
+            node.value += (node.value.empty() ? "" : " ") + m_tokens[m_at++].keyword;
+        if (node.value.empty())
+            failHere();
+        return statement(std::move(node));
+    }
+    if (acceptKeyword("STATISTICS"))
+        node.options.push_back("STATISTICS");
+    do {
+        if (current().kind != TokenKind::Word)
+            failHere();
+        node.options.push_back(m_tokens[m_at++].keyword);
+    } while (acceptSymbol(","));
+    if (isKeyword("ON") || isKeyword("OFF"))
+        node.value = m_tokens[m_at++].keyword;
+    else if (isName() && current().kind == TokenKind::Word)
+        node.value = m_tokens[m_at++].value;
+    else
+        node.expression = parseExpression();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseRaiseError()
+{
+    expectKeyword("RAISERROR");
+    RaiseError node;
+    expectSymbol("(");
+    node.message = parseExpression();
+    expectSymbol(",");
+    node.severity = parseExpression();
+    expectSymbol(",");
+    node.state = parseExpression();
+    while (acceptSymbol(","))
+        node.arguments.push_back(parseExpression());
+    expectSymbol(")");
+    if (acceptKeyword("WITH"))
+        do {
+            const std::string option = current().keyword;
+            if (option != "NOWAIT" && option != "LOG" && option != "SETERROR")
+                failHere();
+            node.noWait = node.noWait || option == "NOWAIT";
+            ++m_at;
+        } while (acceptSymbol(","));
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseWaitFor()
+{
+    expectKeyword("WAITFOR");
+    WaitForDelay node;
+    node.untilTime = acceptKeyword("TIME");
+    if (!node.untilTime)
+        expectKeyword("DELAY");
+    node.delay = parseExpression();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseTransaction(Transaction::Kind kind)
+{
+    const bool named = acceptKeyword("TRAN") || acceptKeyword("TRANSACTION");
+    Transaction node{kind, {}};
+    if (!named && isKeyword("WORK"))
+        ++m_at;
+    else if (named && isName())
+        node.name = expectName();
+    else if (named && current().kind == TokenKind::Variable)
+        refuse("transaction names in variables");
+    if (kind == Transaction::Kind::Save && node.name.empty())
+        failHere();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseExecute()
+{
+    Execute node;
+    if (acceptSymbol("(")) {
+        node.text = parseExpression();
+        expectSymbol(")");
+        return statement(std::move(node));
+    }
+    if (current().kind == TokenKind::Variable) {
+        node.statusVariable = expectVariable();
+        expectSymbol("=");
+    }
+    node.procedure = parseObjectName();
+    const auto startsArgument = [this] {
+        const TokenKind kind = current().kind;
+        return (kind != TokenKind::Symbol && kind != TokenKind::Word && kind != TokenKind::End) ||
+               isSymbol("-") || isKeyword("NULL") || isKeyword("DEFAULT") || isName();
+    };
+    if (!startsArgument())
+        return statement(std::move(node));
+    do {
+        Execute::Argument argument;
+        if (current().kind == TokenKind::Variable && ahead(1).kind == TokenKind::Symbol &&
+            ahead(1).value == "=") {
+            argument.name = current().value;
+            m_at += 2;
+        }
+        if (isName() && current().kind == TokenKind::Word) // a bare word is text, as in EXEC sp_help t
+            argument.value = make(Literal{{TypeId::NVarChar, 128, 0, 0}, Value(m_tokens[m_at++].value)});
+        else if (!acceptKeyword("DEFAULT"))
+            argument.value = parseExpression();
+        argument.output = acceptKeyword("OUTPUT") || acceptKeyword("OUT");
+        node.arguments.push_back(std::move(argument));
+    } while (acceptSymbol(","));
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseInsert()
+{
+    expectKeyword("INSERT");
+    Insert insert;
+    insert.top = parseTop();
+    if (isKeyword("BULK"))
+        refuse("INSERT BULK");
+    acceptKeyword("INTO");
+    if (current().kind == TokenKind::Variable)
+        refuse("table variables");
+    insert.table = parseObjectName();
+    parseTableHints();
+    if (isSymbol("(") && !atSubquery()) {
+        expectSymbol("(");
+        do
+            insert.columns.push_back(expectName());
+        while (acceptSymbol(","));
+        expectSymbol(")");
+    }
+    if (isKeyword("OUTPUT"))
+        refuse("the OUTPUT clause");
+    if (isKeyword("EXEC") || isKeyword("EXECUTE"))
+        refuse("INSERT ... EXEC");
+    if (acceptKeyword("DEFAULT")) {
+        expectKeyword("VALUES");
+        insert.defaultValues = true;
+    } else if (acceptKeyword("VALUES")) {
+        insert.rows = parseRows(true);
+    } else {
+        insert.query = parseSelect();
+    }
+    return statement(std::move(insert));
+}
+
+StatementPtr Parser::parseUpdate()
+{
+    expectKeyword("UPDATE");
+    Update update;
+    update.top = parseTop();
+    update.table = parseObjectName();
+    parseTableHints();
+    expectKeyword("SET");
+    do {
+        Assignment assignment;
+        if (current().kind == TokenKind::Variable) {
+            assignment.variable = expectVariable();
+            expectSymbol("=");
+        }
+        const bool hasColumn = assignment.variable.empty() ||
+                               (isName() && ahead(1).kind == TokenKind::Symbol && ahead(1).value == "=");
+        if (hasColumn) {
+            const ObjectName column = parseObjectName();
+            assignment.column = column.object();
+            static constexpr std::pair<std::string_view, ArithmeticOperator> compound[] = {
+                {"+=", ArithmeticOperator::Add},
+                {"-=", ArithmeticOperator::Subtract},
+                {"*=", ArithmeticOperator::Multiply},
+                {"/=", ArithmeticOperator::Divide}};
+            for (const auto &[symbol, op] : compound)
+                if (acceptSymbol(symbol))
+                    assignment.value = make(Arithmetic{op, make(ColumnReference{column}), parseExpression()});
+            if (!assignment.value)
+                expectSymbol("=");
+        }
+        if (!assignment.value && !(hasColumn && acceptKeyword("DEFAULT")))
+            assignment.value = parseExpression();
+        update.assignments.push_back(std::move(assignment));
+    } while (acceptSymbol(","));
+    if (isKeyword("OUTPUT"))
+        refuse("the OUTPUT clause");
+    if (acceptKeyword("FROM"))
+        update.from = parseFrom();
+    if (acceptKeyword("WHERE"))
+        update.where = parseCondition();
+    parseOption();
+    return statement(std::move(update));
+}
+
+StatementPtr Parser::parseDelete()
+{
+    expectKeyword("DELETE");
+    Delete node;
+    node.top = parseTop();
+    acceptKeyword("FROM");
+    node.table = parseObjectName();
+    parseTableHints();
+    if (isKeyword("OUTPUT"))
+        refuse("the OUTPUT clause");
+    if (acceptKeyword("FROM"))
+        node.from = parseFrom();
+    if (acceptKeyword("WHERE"))
+        node.where = parseCondition();
+    parseOption();
+    return statement(std::move(node));
+}
+
+} // namespace SampleServer

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace SampleServer {
+
+/// The databases of one sample server, in memory, shared by all its sessions. Thread-safe.
+class Server
+{
+public:
+    struct Options
+    {
+        std::string serverName = "SAMPLE"; ///< what @@SERVERNAME answers
+        std::string versionBanner;         ///< what @@VERSION answers; empty means the built-in banner
+    };
+
+    explicit Server(Options options);
+    ~Server();
+    Server(const Server &) = delete;
+    Server &operator=(const Server &) = delete;
+
+    const Options &options() const;
+    /// Whether a database of that name is there (names compare without regard to case).
+    bool hasDatabase(std::string_view name) const;
+
+private:
+    friend class Session;
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace SampleServer

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace SampleServer {
+
+/// The data types a column, a variable or an expression of the sample server can have.
+enum class TypeId : std::uint8_t {
+    Bit,
+    TinyInt,
+    SmallInt,
+    Int,
+    BigInt,
+    Real,
+    Float,
+    SmallMoney,
+    Money,
+    Decimal, ///< decimal and numeric; precision and scale say which
+    SmallDateTime,
+    DateTime,
+    Date,
+    Time,           ///< scale 0 to 7
+    DateTime2,      ///< scale 0 to 7
+    DateTimeOffset, ///< scale 0 to 7
+    Char,
+    VarChar,
+    Text,
+    NChar,
+    NVarChar,
+    NText,
+    Binary,
+    VarBinary,
+    Image,
+    UniqueIdentifier,
+    Xml,
+    HierarchyId, ///< the one CLR type
+    SqlVariant,
+};
+
+/// A type with its parameters, as a declaration in T-SQL gives them.
+struct SqlType
+{
+    static constexpr int Max = -1; ///< the length of the (max) types
+
+    TypeId id = TypeId::Int;
+    /// Characters for char, nchar and their kin (UTF-16 units for the n types), bytes for binary; Max for
+    /// (max).
+    int length = 0;
+    std::uint8_t precision = 0; ///< decimal only, 1 to 38
+    std::uint8_t scale = 0;     ///< decimal 0 to 38; time, datetime2 and datetimeoffset 0 to 7
+
+    friend bool operator==(const SqlType &, const SqlType &) = default;
+};
+
+/// The type as T-SQL writes it: "nvarchar(50)", "decimal(9,2)", "varbinary(max)".
+std::string displayName(const SqlType &type);
+
+} // namespace SampleServer

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Wire/Login7.h"
+#include "Wire/NtlmMessages.h"
+#include "Wire/PacketReader.h"
+#include "Wire/PacketWriter.h"
+#include "Wire/ServerSettings.h"
+
+#include <optional>
+
+namespace SampleServer {
+
+/// A client that has proven who it is, and what is agreed with it.
+struct AcceptedLogin
+{
+    Login7 request;
+    TdsVersion version = TdsVersion::V74;
+    std::size_t packetSize = DefaultPacketSize;
+    std::string user; ///< "sa" or "DOMAIN\\user"
+    std::string database;
+};
+
+/// The conversation from the first packet to the end of the login. Throws ProtocolError and ConnectionLost.
+class LoginHandshake
+{
+public:
+    LoginHandshake(PacketReader &in, PacketWriter &out, const ServerSettings &settings);
+
+    /// Hears who the client is; empty when it was refused and told so. An accepted one waits for confirm().
+    std::optional<AcceptedLogin> authenticate();
+    /// Tells the client that it is logged in.
+    void confirm(const AcceptedLogin &login);
+
+private:
+    void answerPrelogin(const RequestMessage &message);
+    std::optional<std::string> provenAccount(const Login7 &login, TokenWriter &tokens);
+    bool authenticateNtlm(Bytes negotiate, std::string &account);
+    void refuse(TokenWriter &tokens, std::string_view account, std::string_view unknownDatabase = {});
+
+    PacketReader &m_in;
+    PacketWriter &m_out;
+    const ServerSettings &m_settings;
+};
+
+} // namespace SampleServer

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Wire/TdsVersion.h"
+#include "Wire/TokenWriter.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace SampleServer {
+
+class Server;
+
+/// What all connections of a sample server share. Never changes while one is open.
+struct ServerSettings
+{
+    std::shared_ptr<Server> server;
+    std::string user = "sa"; ///< the one account, by SQL login and as the user of any domain
+    std::string password;
+    TdsVersion highestVersion = TdsVersion::V74;
+    ProgramVersion programVersion;
+    std::chrono::milliseconds loginTimeout{30'000};
+};
+
+} // namespace SampleServer

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Wire/FileDescriptor.h"
+
+namespace SampleServer {
+
+/// Wakes a thread out of poll(): its descriptor is readable from signal() to clear(). Thread-safe.
+class WakeEvent
+{
+public:
+    /// Throws std::system_error.
+    WakeEvent();
+
+    int descriptor() const { return m_event.get(); }
+    void signal();
+    void clear();
+
+private:
+    FileDescriptor m_event;
+};
+
+} // namespace SampleServer

@@ -1,0 +1,31 @@
+#include "Foundation/KNError.h"
+
+#include "Support/PrintQt.h"
+
+#include <gtest/gtest.h>
+
+TEST(KNError, IsUnsetUntilItIsGivenSomething)
+{
+    EXPECT_FALSE(KNError().isSet());
+    EXPECT_FALSE(static_cast<bool>(KNError()));
+}
+
+TEST(KNError, WithEmptyDomainAndCodeZeroIsStillAnError)
+{
+    EXPECT_TRUE(KNError(QStringLiteral(""), 0, QStringLiteral("")).isSet());
+}
+
+TEST(KNError, KeepsEverythingAndForgetsItWhenCleared)
+{
+    KNError error(QStringLiteral("SQLClient"), 208, QStringLiteral("Invalid object name"),
+                  {{QStringLiteral("line"), 3}});
+    EXPECT_EQ(error.domain(), QStringLiteral("SQLClient"));
+    EXPECT_EQ(error.code(), 208);
+    EXPECT_EQ(error.localizedDescription(), QStringLiteral("Invalid object name"));
+    EXPECT_EQ(error.userInfo().value(QStringLiteral("line")).toInt(), 3);
+
+    error.clear();
+    EXPECT_FALSE(error);
+    EXPECT_TRUE(error.domain().isNull());
+    EXPECT_TRUE(error.userInfo().isEmpty());
+}

@@ -1,0 +1,16 @@
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+/// Runs the tests with the user's XDG folders replaced, so that the shared log and preferences stay out of
+/// the real ones.
+int main(int argumentCount, char **arguments)
+{
+    const QTemporaryDir folder;
+    if (!folder.isValid())
+        return EXIT_FAILURE;
+    qputenv("XDG_STATE_HOME", folder.filePath(QStringLiteral("state")).toUtf8());
+    qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
+    testing::InitGoogleTest(&argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}

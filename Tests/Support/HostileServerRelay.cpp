@@ -1,0 +1,119 @@
+#include "Support/HostileServerRelay.h"
+
+#include "Wire/FileDescriptor.h"
+#include "Wire/TcpListener.h"
+
+#include <algorithm>
+#include <array>
+#include <netinet/in.h>
+#include <poll.h>
+#include <span>
+#include <sys/socket.h>
+
+using SampleServer::FileDescriptor;
+
+namespace {
+
+FileDescriptor connectTo(std::uint16_t port)
+{
+    FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+        return {};
+    return socket;
+}
+
+bool sendAll(int socket, std::span<const std::uint8_t> bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent <= 0)
+            return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(sent));
+    }
+    return true;
+}
+
+/// What is there to read, at most as much as fits; empty at the end.
+std::span<std::uint8_t> receive(int socket, std::span<std::uint8_t> buffer)
+{
+    const ssize_t got = ::recv(socket, buffer.data(), buffer.size(), 0);
+    return buffer.first(got > 0 ? static_cast<std::size_t>(got) : 0);
+}
+
+void waitForClose(int client)
+{
+    std::array<std::uint8_t, 4096> ignored;
+    while (!receive(client, ignored).empty()) {
+    }
+}
+
+void sendReset(int socket)
+{
+    sockaddr nobody{};
+    nobody.sa_family = AF_UNSPEC;
+    static_cast<void>(::connect(socket, &nobody, sizeof nobody));
+}
+
+} // namespace
+
+HostileServerRelay::HostileServerRelay(std::uint16_t serverPort, Fault fault, std::uint64_t afterBytes)
+    : m_serverPort(serverPort)
+    , m_fault(fault)
+    , m_afterBytes(afterBytes)
+    , m_listener(std::make_unique<SampleServer::TcpListener>(
+          "127.0.0.1", 0, [this](int client, std::uint64_t) { relay(client); }))
+{
+}
+
+HostileServerRelay::~HostileServerRelay() = default;
+
+std::uint16_t HostileServerRelay::port() const
+{
+    return m_listener->port();
+}
+
+void HostileServerRelay::relay(int client)
+{
+    const FileDescriptor server = connectTo(m_serverPort);
+    std::array<pollfd, 2> pollers{{{client, POLLIN, 0}, {server.get(), POLLIN, 0}}};
+    std::array<std::uint8_t, 16384> buffer;
+    std::uint64_t passed = 0;
+    while (server && ::poll(pollers.data(), pollers.size(), -1) >= 0) {
+        if (pollers[1].revents && !passToClient(server.get(), client, passed))
+            return;
+        if (pollers[0].revents) {
+            const auto request = receive(client, buffer);
+            if (request.empty() || !sendAll(server.get(), request))
+                return;
+        }
+    }
+}
+
+/// Passes what the server has said; false when the conversation is over.
+bool HostileServerRelay::passToClient(int server, int client, std::uint64_t &passed)
+{
+    std::array<std::uint8_t, 16384> buffer;
+    const auto answer = receive(server, buffer);
+    if (answer.empty())
+        return false;
+    const bool strikes =
+        m_fault != Fault::None && m_afterBytes < passed + answer.size() && passed <= m_afterBytes;
+    const std::size_t good = strikes ? static_cast<std::size_t>(m_afterBytes - passed) : answer.size();
+    passed += answer.size();
+    m_bytesFromServer += answer.size();
+    if (strikes && m_fault == Fault::Corrupt) {
+        answer[good] = static_cast<std::uint8_t>(~answer[good]);
+        return sendAll(client, answer);
+    }
+    if (!sendAll(client, answer.first(good)))
+        return false;
+    if (strikes && m_fault == Fault::Reset)
+        sendReset(client);
+    else if (strikes && m_fault == Fault::Stall)
+        waitForClose(client);
+    return !strikes;
+}

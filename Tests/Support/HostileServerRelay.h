@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+namespace SampleServer {
+class TcpListener;
+}
+
+/// A relay on a free loopback port to a real server that spoils what the server says at one byte: with it a
+/// test can cut a conversation at every place. What the client says passes unharmed.
+class HostileServerRelay
+{
+public:
+    enum class Fault {
+        None,    ///< a plain relay, to count the bytes of a whole conversation
+        Close,   ///< FIN to the client, and the server is dropped
+        Reset,   ///< RST to the client
+        Stall,   ///< nothing more to the client; the connection stays until it closes
+        Corrupt, ///< the byte at the place is inverted, everything after it passes
+    };
+
+    /// The fault strikes each connection after that many bytes from the server have passed.
+    HostileServerRelay(std::uint16_t serverPort, Fault fault, std::uint64_t afterBytes);
+    ~HostileServerRelay();
+    HostileServerRelay(const HostileServerRelay &) = delete;
+    HostileServerRelay &operator=(const HostileServerRelay &) = delete;
+
+    std::uint16_t port() const;
+    /// How many bytes from the server have passed, all connections together.
+    std::uint64_t bytesFromServer() const { return m_bytesFromServer; }
+
+private:
+    void relay(int client);
+    bool passToClient(int server, int client, std::uint64_t &passed);
+
+    std::uint16_t m_serverPort;
+    Fault m_fault;
+    std::uint64_t m_afterBytes;
+    std::atomic<std::uint64_t> m_bytesFromServer = 0;
+    std::unique_ptr<SampleServer::TcpListener> m_listener;
+};

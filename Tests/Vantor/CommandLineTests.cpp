@@ -1,0 +1,238 @@
+#include "Support/PrintQt.h"
+#include "Support/SampleServerFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <vector>
+
+namespace {
+
+struct Outcome
+{
+    int status = -1;
+    QByteArray output;
+    QByteArray errors;
+    long maximumKilobytes = 0;
+};
+
+/// vantor-cli as a child process.
+class Program
+{
+public:
+    explicit Program(const QStringList &arguments, const QByteArray &input = {},
+                     const char *password = SampleServerFixture::Password)
+    {
+        int in[2];
+        EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
+        EXPECT_EQ(pipe2(m_output, O_CLOEXEC), 0);
+        EXPECT_EQ(pipe2(m_errors, O_CLOEXEC), 0);
+        m_process = fork();
+        if (m_process == 0) {
+            setsid();
+            dup2(in[0], STDIN_FILENO);
+            dup2(m_output[1], STDOUT_FILENO);
+            dup2(m_errors[1], STDERR_FILENO);
+            if (password)
+                setenv("VANTOR_PASSWORD", password, 1);
+            else
+                unsetenv("VANTOR_PASSWORD");
+            QList<QByteArray> texts = {VANTOR_CLI};
+            for (const QString &argument : arguments)
+                texts.append(argument.toUtf8());
+            std::vector<char *> pointers;
+            for (QByteArray &text : texts)
+                pointers.push_back(text.data());
+            pointers.push_back(nullptr);
+            execv(VANTOR_CLI, pointers.data());
+            _exit(127);
+        }
+        close(in[0]);
+        close(m_output[1]);
+        close(m_errors[1]);
+        EXPECT_EQ(write(in[1], input.constData(), static_cast<size_t>(input.size())), input.size());
+        close(in[1]);
+    }
+
+    void interrupt() const { kill(m_process, SIGINT); }
+
+    /// Reads until `amount` bytes of output are there, or its end.
+    void readOutput(qsizetype amount)
+    {
+        while (m_outcome.output.size() < amount && readSome()) {
+        }
+    }
+
+    Outcome wait()
+    {
+        while (readSome()) {
+        }
+        int status = 0;
+        rusage usage = {};
+        wait4(m_process, &status, 0, &usage);
+        m_outcome.maximumKilobytes = usage.ru_maxrss;
+        m_outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return m_outcome;
+    }
+
+private:
+    bool readSome()
+    {
+        pollfd descriptors[] = {{m_output[0], POLLIN, 0}, {m_errors[0], POLLIN, 0}};
+        if (poll(descriptors, 2, 60'000) <= 0)
+            return false;
+        bool open = false;
+        QByteArray *targets[] = {&m_outcome.output, &m_outcome.errors};
+        for (int i = 0; i < 2; ++i) {
+            if (!descriptors[i].revents)
+                continue;
+            char bytes[65536];
+            const ssize_t count = read(descriptors[i].fd, bytes, sizeof bytes);
+            if (count > 0)
+                targets[i]->append(bytes, count);
+            else
+                (i == 0 ? m_output[0] : m_errors[0]) = -1;
+            open = open || count > 0;
+        }
+        return open || m_output[0] >= 0 || m_errors[0] >= 0;
+    }
+
+    pid_t m_process = -1;
+    int m_output[2];
+    int m_errors[2];
+    Outcome m_outcome;
+};
+
+QString server()
+{
+    return QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port());
+}
+
+Outcome query(const QStringList &arguments, const QByteArray &input = {},
+              const char *password = SampleServerFixture::Password)
+{
+    return Program(QStringList{QStringLiteral("query"), QStringLiteral("--server"), server(),
+                               QStringLiteral("--user"), QStringLiteral("sa")} +
+                       arguments,
+                   input, password)
+        .wait();
+}
+
+} // namespace
+
+TEST(CommandLine, RunsAQueryAndShowsItsRows)
+{
+    const Outcome outcome = query({QStringLiteral("SELECT 1 AS id, N'naïve' AS name")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, QByteArray("id  name\n--  -----\n 1  naïve\n\n"));
+    EXPECT_EQ(outcome.errors, QByteArray("Command completed successfully. (1 result).\n"));
+}
+
+TEST(CommandLine, ReadsTheTextFromStandardInput)
+{
+    EXPECT_EQ(
+        query({QStringLiteral("--format"), QStringLiteral("csv")}, "SELECT 1 AS a\nSELECT NULL AS b").output,
+        QByteArray("a\n1\n\nb\n\n"));
+}
+
+TEST(CommandLine, SendsMessagesAndErrorsToStandardError)
+{
+    const Outcome outcome = query({QStringLiteral("--format"), QStringLiteral("csv"),
+                                   QStringLiteral("PRINT 'hello'\nSELECT 1 AS a\nRAISERROR('careful', 10, "
+                                                  "2)\nSELECT nope FROM shop.dbo.Customers")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, QByteArray("a\n1\n"));
+    EXPECT_TRUE(outcome.errors.contains("hello\n")) << outcome.errors.toStdString();
+    EXPECT_TRUE(outcome.errors.contains("careful\n"));
+    EXPECT_TRUE(outcome.errors.contains("Msg 207, Level 16, State 1, Line 4\nInvalid column name 'nope'.\n"))
+        << outcome.errors.toStdString();
+    EXPECT_FALSE(outcome.errors.contains('\033'));
+}
+
+TEST(CommandLine, ASyntaxErrorTellsItsLine)
+{
+    const Outcome outcome = query({QStringLiteral("SELECT 1\nFROM FROM")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.errors.contains("Msg 156, Level 15, State 1, Line 2\n") ||
+                outcome.errors.contains("Msg 102, Level 15, State 1, Line 2\n"))
+        << outcome.errors.toStdString();
+}
+
+TEST(CommandLine, WrongUsageEndsWithStatus2)
+{
+    EXPECT_EQ(Program({QStringLiteral("query")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("quarry")}).wait().status, 2);
+    EXPECT_EQ(Program({}).wait().status, 2);
+    EXPECT_EQ(query({QStringLiteral("--file"), QStringLiteral("/nowhere.sql")}).status, 2);
+}
+
+TEST(CommandLine, WithoutAPasswordAndATerminalEndsWithStatus2)
+{
+    EXPECT_EQ(query({QStringLiteral("SELECT 1")}, {}, nullptr).status, 2);
+}
+
+TEST(CommandLine, HelpIsNoError)
+{
+    const Outcome outcome = Program({QStringLiteral("query"), QStringLiteral("--help")}).wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.contains("--sample"));
+    EXPECT_TRUE(Program({QStringLiteral("--help")}).wait().output.contains("query"));
+    EXPECT_TRUE(Program({QStringLiteral("--version")}).wait().output.startsWith("vantor-cli "));
+}
+
+TEST(CommandLine, NoConnectionEndsWithStatus3)
+{
+    const Outcome outcome = query({QStringLiteral("SELECT 1")}, {}, "wrong-password");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.errors, QByteArray("Login failed for user 'sa'. (Msg 18456, Level 14).\n"));
+}
+
+TEST(CommandLine, StartsASampleServerOfItsOwn)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("--format"),
+                 QStringLiteral("json"),
+                 QStringLiteral("SELECT COUNT(*) AS n FROM shop.dbo.Customers WHERE 1 = 0")},
+                {}, nullptr)
+            .wait();
+    EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
+    EXPECT_EQ(outcome.output, QByteArray("[\n{\"columns\": [\"n\"],\n \"rows\": [\n  [0]\n ]}\n]\n"));
+}
+
+TEST(CommandLine, CtrlCCancelsTheQuery)
+{
+    Program program({QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("--format"),
+                     QStringLiteral("csv"), QStringLiteral("SELECT * FROM generate_rows(100000000)")});
+    program.readOutput(1'000'000);
+    program.interrupt();
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_TRUE(outcome.errors.contains("Query was cancelled.")) << outcome.errors.toStdString();
+    EXPECT_TRUE(outcome.output.endsWith('\n'));
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(CommandLine, AMillionRowsDoNotNeedMemoryForAMillionRows)
+{
+    for (const char *format : {"csv", "json"}) {
+        // About 160 MB of rows.
+        Program program({QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("--format"),
+                         QString::fromLatin1(format),
+                         QStringLiteral("SELECT * FROM generate_rows(1000000)")});
+        const Outcome outcome = program.wait();
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_GT(outcome.output.size(), 100'000'000);
+        EXPECT_LT(outcome.maximumKilobytes, 100'000) << format;
+    }
+}
+#endif

@@ -1,0 +1,92 @@
+#include "CommandLine/QueryOptions.h"
+#include "Support/PrintQt.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+std::optional<QueryOptions> parse(const QStringList &arguments, KNError *error)
+{
+    return QueryOptions::parse(arguments, error);
+}
+
+QStringList list(std::initializer_list<const char *> arguments)
+{
+    QStringList texts;
+    for (const char *argument : arguments)
+        texts.append(QString::fromUtf8(argument));
+    return texts;
+}
+
+} // namespace
+
+TEST(QueryOptions, AreReadFromTheArguments)
+{
+    KNError error;
+    const auto options = parse(list({"--server", "srv,1500", "--user", "CORP\\alice", "--database", "shop",
+                                     "--format", "csv", "--login-timeout", "3", "SELECT 1"}),
+                               &error);
+    ASSERT_TRUE(options) << error.localizedDescription().toStdString();
+    EXPECT_EQ(options->server, QStringLiteral("srv,1500"));
+    EXPECT_EQ(options->user, QStringLiteral("CORP\\alice"));
+    EXPECT_EQ(options->database, QStringLiteral("shop"));
+    EXPECT_EQ(options->format, QStringLiteral("csv"));
+    EXPECT_EQ(options->loginTimeout, 3);
+    EXPECT_EQ(options->sql, QStringLiteral("SELECT 1"));
+    EXPECT_FALSE(options->useSampleServer);
+}
+
+TEST(QueryOptions, ThatDoNotFitTogetherAreRefusedWithAReason)
+{
+    const QList<QStringList> wrong = {
+        list({"SELECT 1"}),
+        list({"--sample", "--server", "srv", "--user", "u"}),
+        list({"--server", "srv"}),
+        list({"--sample", "--format", "xml"}),
+        list({"--sample", "SELECT", "1"}),
+        list({"--sample", "--file", "f", "SELECT 1"}),
+        list({"--sample", "--login-timeout", "0"}),
+        list({"--sample", "--password", "secret"}),
+    };
+    for (const QStringList &arguments : wrong) {
+        KNError error;
+        EXPECT_FALSE(parse(arguments, &error)) << arguments.join(QLatin1Char(' ')).toStdString();
+        EXPECT_FALSE(error.localizedDescription().isEmpty());
+        EXPECT_FALSE(error.localizedDescription().contains(QStringLiteral("secret")));
+    }
+}
+
+TEST(QueryOptions, ReadFilesInUtf8AndUtf16)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("query.sql"));
+    const auto readBack = [&](const QByteArray &bytes, KNError *error) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        file.close();
+        QueryOptions options;
+        options.file = path;
+        return options.readText(error);
+    };
+    KNError error;
+    EXPECT_EQ(readBack("SELECT 'naïve'", &error), QStringLiteral("SELECT 'naïve'"));
+    EXPECT_EQ(readBack("\xEF\xBB\xBFSELECT 1", &error), QStringLiteral("SELECT 1"));
+    EXPECT_EQ(readBack(QByteArray("\xFF\xFES\0E\0", 6), &error), QStringLiteral("SE"));
+    EXPECT_EQ(readBack("", &error), QStringLiteral(""));
+    EXPECT_FALSE(error);
+    EXPECT_FALSE(readBack("SELECT '\xFF'", &error));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("UTF-8")));
+}
+
+TEST(QueryOptions, TellWhenAFileCannotBeRead)
+{
+    QueryOptions options;
+    options.file = QStringLiteral("/nowhere/query.sql");
+    KNError error;
+    EXPECT_FALSE(options.readText(&error));
+    EXPECT_TRUE(error.localizedDescription().contains(options.file));
+}

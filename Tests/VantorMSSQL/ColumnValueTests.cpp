@@ -1,0 +1,217 @@
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLColumnValue.h"
+#include "Support/PrintQt.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sybdb.h>
+
+namespace {
+
+template <typename... Fixed>
+QByteArray bytesOf(const Fixed &...parts)
+{
+    QByteArray bytes;
+    (bytes.append(reinterpret_cast<const char *>(&parts), sizeof parts), ...);
+    return bytes;
+}
+
+KNValue convert(int type, const QByteArray &bytes, const QString &name = QStringLiteral("c"))
+{
+    KNRowStore rows;
+    rows.setColumnCount(1);
+    rows.beginRow();
+    appendColumnValue(rows, {name, type, 0, 0},
+                      bytes.isNull() ? nullptr : reinterpret_cast<const unsigned char *>(bytes.constData()),
+                      static_cast<int>(bytes.size()));
+    rows.endRow();
+    rows.publish();
+    return rows.value(0, 0);
+}
+
+DBDATETIMEALL record(int days, quint64 ticks, int precision)
+{
+    DBDATETIMEALL value = {};
+    value.date = days;
+    value.time = ticks;
+    value.time_prec = static_cast<DBUSMALLINT>(precision & 7);
+    value.has_date = 1;
+    value.has_time = 1;
+    return value;
+}
+
+constexpr quint64 ticksAt(int hours, int minutes, int seconds, quint64 fraction)
+{
+    return static_cast<quint64>((hours * 60 + minutes) * 60 + seconds) * 10'000'000 + fraction;
+}
+
+constexpr int DaysTo20200102 = 43830;
+
+QString display(const char *type, qint64 length)
+{
+    return MSSQLClient::displayForColumnType(QString::fromLatin1(type), KNValue(length), KNValue(9),
+                                             KNValue(2));
+}
+
+} // namespace
+
+TEST(ColumnValue, NoDataIsNullForEveryType)
+{
+    for (int type = 0; type < 256; ++type)
+        EXPECT_TRUE(convert(type, QByteArray()).isNull()) << type;
+}
+
+TEST(ColumnValue, ReadsWholeNumbers)
+{
+    EXPECT_EQ(convert(SYBINT1, bytesOf(quint8{255})), KNValue(255));
+    EXPECT_EQ(convert(SYBINT2, bytesOf(qint16{-32768})), KNValue(-32768));
+    EXPECT_EQ(convert(SYBINT4, bytesOf(qint32{-2147483648})), KNValue(qint32{-2147483648}));
+    EXPECT_EQ(convert(SYBINT8, bytesOf(std::numeric_limits<qint64>::max())),
+              KNValue(std::numeric_limits<qint64>::max()));
+}
+
+TEST(ColumnValue, ReadsFloatingNumbersInTheirPrecision)
+{
+    EXPECT_EQ(convert(SYBREAL, bytesOf(0.1F)), KNValue(0.1F));
+    EXPECT_EQ(convert(SYBFLT8, bytesOf(0.1)), KNValue(0.1));
+}
+
+TEST(ColumnValue, ReadsABitFromTheFirstWord)
+{
+    EXPECT_EQ(convert(SYBBIT, bytesOf(qint32{1})), KNValue(true));
+    EXPECT_EQ(convert(SYBBIT, bytesOf(qint32{0})), KNValue(false));
+    EXPECT_EQ(convert(SYBBIT, bytesOf(quint8{1})), KNValue(true));
+}
+
+TEST(ColumnValue, ReadsAVariantAsABitDoes)
+{
+    EXPECT_EQ(convert(98, bytesOf(qint32{7})), KNValue(true));
+    EXPECT_EQ(convert(98, bytesOf(qint32{0})), KNValue(false));
+}
+
+TEST(ColumnValue, ReadsMoneyExactly)
+{
+    EXPECT_EQ(convert(SYBMONEY, bytesOf(qint32{0}, quint32{12345678})).displayText(),
+              QStringLiteral("1234.5678"));
+    EXPECT_EQ(convert(SYBMONEY, bytesOf(qint32{-1}, quint32{0xFFFFFFFF})).displayText(),
+              QStringLiteral("-0.0001"));
+    EXPECT_EQ(
+        convert(SYBMONEY, bytesOf(qint32{std::numeric_limits<qint32>::min()}, quint32{0})).displayText(),
+        QStringLiteral("-922337203685477.5808"));
+}
+
+TEST(ColumnValue, ReadsSmallMoneyAsAFloat)
+{
+    EXPECT_EQ(convert(SYBMONEY4, bytesOf(qint32{12345678})), KNValue(1234.5678F));
+}
+
+TEST(ColumnValue, ReadsDecimalsOf38Digits)
+{
+    DBNUMERIC number = {};
+    number.precision = 38;
+    number.scale = 2;
+    number.array[0] = 1;
+    const unsigned char magnitude[] = {0x4B, 0x3B, 0x4C, 0xA8, 0x5A, 0x86, 0xC4, 0x7A,
+                                       0x09, 0x8A, 0x22, 0x3F, 0xFF, 0xFF, 0xFF, 0xFF};
+    std::memcpy(number.array + 1, magnitude, sizeof magnitude);
+    EXPECT_EQ(convert(SYBDECIMAL, bytesOf(number)).displayText(),
+              QStringLiteral("-999999999999999999999999999999999999.99"));
+}
+
+TEST(ColumnValue, ReadsDecimalsOfFewDigits)
+{
+    DBNUMERIC number = {};
+    number.precision = 3;
+    number.scale = 3;
+    number.array[1] = 0;
+    number.array[2] = 5;
+    EXPECT_EQ(convert(SYBNUMERIC, bytesOf(number)).displayText(), QStringLiteral("0.005"));
+}
+
+TEST(ColumnValue, ReadsDateTimesToTheMillisecond)
+{
+    // 1900-01-01 is a date, not nothing.
+    EXPECT_EQ(convert(SYBDATETIME, bytesOf(qint32{0}, qint32{0})).displayText(),
+              QStringLiteral("1900-01-01 00:00:00.000"));
+    EXPECT_EQ(convert(SYBDATETIME, bytesOf(qint32{DaysTo20200102}, qint32{2})).displayText(),
+              QStringLiteral("2020-01-02 00:00:00.007"));
+    EXPECT_EQ(convert(SYBDATETIME, bytesOf(qint32{-53690}, qint32{0})).displayText(),
+              QStringLiteral("1753-01-01 00:00:00.000"));
+    EXPECT_EQ(convert(SYBDATETIME4, bytesOf(quint16{65535}, quint16{1439})).displayText(),
+              QStringLiteral("2079-06-06 23:59:00"));
+}
+
+TEST(ColumnValue, ShowsTheNewerDateTypesAsStored)
+{
+    EXPECT_EQ(
+        convert(SYBMSDATETIME2, bytesOf(record(DaysTo20200102, ticksAt(3, 4, 5, 1234567), 7))).displayText(),
+        QStringLiteral("2020-01-02 03:04:05.1234567"));
+    auto time = record(0, ticksAt(23, 59, 59, 9999999), 7);
+    time.has_date = 0;
+    EXPECT_EQ(convert(SYBMSTIME, bytesOf(time)).displayText(), QStringLiteral("23:59:59.9999999"));
+    auto date = record(-693595, 0, 0);
+    date.has_time = 0;
+    EXPECT_EQ(convert(SYBMSDATE, bytesOf(date)).displayText(), QStringLiteral("0001-01-01"));
+}
+
+TEST(ColumnValue, ADateTime2IsADateInMillisecondsToo)
+{
+    const KNValue value =
+        convert(SYBMSDATETIME2, bytesOf(record(DaysTo20200102, ticksAt(3, 4, 5, 1239999), 7)));
+    EXPECT_EQ(value.date(), QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5, 123), Qt::UTC));
+}
+
+TEST(ColumnValue, ShowsADateTimeOffsetInItsOwnTimeWithTheFractionBehindAColon)
+{
+    auto value = record(DaysTo20200102, ticksAt(3, 4, 5, 1234567), 7);
+    value.has_offset = 1;
+    value.offset = 120;
+    EXPECT_EQ(convert(SYBMSDATETIMEOFFSET, bytesOf(value)),
+              KNValue(QStringLiteral("2020-01-02 05:04:05:1234567 +02:00")));
+    value.offset = -90;
+    value.time_prec = 3;
+    EXPECT_EQ(convert(SYBMSDATETIMEOFFSET, bytesOf(value)),
+              KNValue(QStringLiteral("2020-01-02 01:34:05:123 -01:30")));
+    value.offset = -30;
+    value.time_prec = 0;
+    EXPECT_EQ(convert(SYBMSDATETIMEOFFSET, bytesOf(value)),
+              KNValue(QStringLiteral("2020-01-02 02:34:05:000 +00:30")));
+}
+
+TEST(ColumnValue, TellsOfATypeItDoesNotKnow)
+{
+    EXPECT_EQ(convert(200, bytesOf(qint32{1}), QStringLiteral("odd %@")),
+              KNValue(QStringLiteral("Unknown type. 200. (Column odd %@)")));
+}
+
+TEST(ColumnValue, DataTooShortForItsTypeIsNull)
+{
+    for (const int type : std::initializer_list<int>{SYBINT2, SYBINT4, SYBINT8, SYBREAL, SYBFLT8, SYBMONEY,
+                                                     SYBMONEY4, SYBDATETIME, SYBDATETIME4, SYBDECIMAL,
+                                                     SYBMSDATETIME2, SYBMSDATETIMEOFFSET, 36})
+        EXPECT_TRUE(convert(type, QByteArray(1, '\1')).isNull()) << type;
+}
+
+TEST(ColumnValue, TextAndBytesKeepTheirLength)
+{
+    EXPECT_EQ(convert(SYBCHAR, QByteArray("a\0b", 3)).text().size(), 3);
+    EXPECT_EQ(convert(SYBTEXT, QByteArray("")), KNValue(QStringLiteral("")));
+    EXPECT_EQ(convert(SYBBINARY, QByteArray("\0\1", 2)), KNValue(QByteArray("\0\1", 2)));
+    EXPECT_TRUE(convert(SYBCHAR, QByteArray("\xff")).isNull());
+}
+
+TEST(ColumnTypeDisplay, ShowsLengthsWhereATypeHasOne)
+{
+    EXPECT_EQ(display("nvarchar", 100), QStringLiteral("nvarchar(50)"));
+    EXPECT_EQ(display("nvarchar", 101), QStringLiteral("nvarchar(50.5)"));
+    EXPECT_EQ(display("VARCHAR", -1), QStringLiteral("VARCHAR(max)"));
+    EXPECT_EQ(display("varbinary", -1), QStringLiteral("varbinary(max)"));
+    EXPECT_EQ(display("xml", -1), QStringLiteral("xml"));
+    EXPECT_EQ(display("geography", -1), QStringLiteral("geography(-1)"));
+    EXPECT_EQ(display("decimal", 9), QStringLiteral("decimal(9)"));
+    EXPECT_EQ(display("Int", 4), QStringLiteral("Int"));
+    EXPECT_EQ(display("hierarchyid", 892), QStringLiteral("hierarchyid"));
+    EXPECT_EQ(MSSQLClient::displayForColumnType(QStringLiteral("varchar"), KNValue(), KNValue(), KNValue()),
+              QStringLiteral("varchar"));
+}

@@ -1,0 +1,109 @@
+#include "Implementations/MSSQLClient.h"
+#include "Support/PrintQt.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString quoted(const QString &name)
+{
+    return MSSQLClient::escapeTableNameIfRequired(name);
+}
+
+QString plain(const char *name)
+{
+    return MSSQLClient::unescapeTableNameIfRequired(QString::fromUtf8(name));
+}
+
+} // namespace
+
+TEST(QuotedName, HasBracketsOnlyWhereItNeedsThem)
+{
+    EXPECT_EQ(quoted(QStringLiteral("Orders")), QStringLiteral("Orders"));
+    EXPECT_EQ(quoted(QStringLiteral("Order Details")), QStringLiteral("[Order Details]"));
+    EXPECT_EQ(quoted(QStringLiteral("dbo.Orders")), QStringLiteral("dbo.Orders"));
+    EXPECT_EQ(quoted(QStringLiteral("dbo.Order Details")), QStringLiteral("dbo.[Order Details]"));
+    EXPECT_EQ(quoted(QStringLiteral("a.b.c")), QStringLiteral("[a.b.c]"));
+    EXPECT_EQ(quoted(QStringLiteral("2019sales")), QStringLiteral("[2019sales]"));
+    EXPECT_EQ(quoted(QStringLiteral("select")), QStringLiteral("[select]"));
+    EXPECT_EQ(quoted(QStringLiteral("Select")), QStringLiteral("[Select]"));
+    EXPECT_EQ(quoted(QStringLiteral("dbo.select")), QStringLiteral("dbo.[select]"));
+    EXPECT_EQ(quoted(QStringLiteral("[x]")), QStringLiteral("[x]"));
+    EXPECT_EQ(quoted(QStringLiteral("[]")), QStringLiteral("[[]]"));
+    EXPECT_EQ(quoted(QStringLiteral("")), QStringLiteral(""));
+    EXPECT_TRUE(quoted(QString()).isNull());
+}
+
+TEST(QuotedName, BracketsOddNamesWhole)
+{
+    EXPECT_EQ(quoted(QStringLiteral("a]b")), QStringLiteral("[a]b]"));
+    EXPECT_EQ(quoted(QStringLiteral("O'Brien \"x\"")), QStringLiteral("[O'Brien \"x\"]"));
+    EXPECT_EQ(quoted(QStringLiteral("naïve")), QStringLiteral("[naïve]"));
+    EXPECT_EQ(quoted(QStringLiteral("🐘")), QStringLiteral("[🐘]"));
+    EXPECT_EQ(quoted(QStringLiteral("100%@")), QStringLiteral("[100%@]"));
+    EXPECT_EQ(quoted(QStringLiteral("a\nb")), QStringLiteral("[a\nb]"));
+    const QString longName(128, QLatin1Char('x'));
+    EXPECT_EQ(quoted(longName), longName);
+}
+
+TEST(QuotedName, LosesItsBracketsAgain)
+{
+    EXPECT_EQ(plain("[dbo].[Orders]"), QStringLiteral("dbo.Orders"));
+    EXPECT_EQ(plain("[a].[b].[c]"), QStringLiteral("a.b.c"));
+    EXPECT_EQ(plain("[abc"), QStringLiteral("abc"));
+    EXPECT_EQ(plain("abc]"), QStringLiteral("abc"));
+    EXPECT_EQ(plain("[[x]]"), QStringLiteral("[x]"));
+    EXPECT_EQ(plain(""), QStringLiteral(""));
+    EXPECT_TRUE(MSSQLClient::unescapeTableNameIfRequired(QString()).isNull());
+}
+
+TEST(QuotedName, OfATableHasItsSchemaWhenThereIsOne)
+{
+    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QStringLiteral("my schema"), QStringLiteral("t")),
+              QStringLiteral("[my schema].t"));
+    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QString(), QStringLiteral("my table")),
+              QStringLiteral("[my table]"));
+    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QStringLiteral(""), QStringLiteral("t")),
+              QStringLiteral("t"));
+}
+
+TEST(ValueLiteral, OfTextDoublesQuotes)
+{
+    const KNValue name(QStringLiteral("O'Brien"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(name), QStringLiteral("'O''Brien'"));
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(name), QStringLiteral("'O''Brien'"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue(QStringLiteral(""))), QStringLiteral("''"));
+}
+
+TEST(ValueLiteral, OfTheTextNullIsNullInScriptsOnly)
+{
+    const KNValue text(QStringLiteral("Null"));
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(text), QStringLiteral("NULL"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(text), QStringLiteral("'Null'"));
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(KNValue()), QStringLiteral("NULL"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue()), QStringLiteral("NULL"));
+}
+
+TEST(ValueLiteral, OfBytesIsHexadecimal)
+{
+    const KNValue bytes(QByteArray("\x0a\xff", 2));
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(bytes), QStringLiteral("0x0AFF"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(bytes), QStringLiteral("0x0aff"));
+}
+
+TEST(ValueLiteral, OfNumbersIsTheNumber)
+{
+    for (const auto &literal : {&MSSQLClient::escapeColumnValue, &MSSQLClient::databaseProviderEscape}) {
+        EXPECT_EQ(literal(KNValue(-5)), QStringLiteral("-5"));
+        EXPECT_EQ(literal(KNValue(0.1)), QStringLiteral("0.1"));
+        EXPECT_EQ(literal(KNValue(true)), QStringLiteral("1"));
+        EXPECT_EQ(literal(KNValue(*KNDecimal::fromString(u"1.50"))), QStringLiteral("1.50"));
+    }
+}
+
+TEST(ValueLiteral, OfADateIsQuotedInScripts)
+{
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(
+                  KNValue(QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5, 999), Qt::UTC))),
+              QStringLiteral("'2020-01-02 03:04:05'"));
+}

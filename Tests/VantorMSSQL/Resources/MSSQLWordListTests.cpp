@@ -1,0 +1,107 @@
+#include "Foundation/KNPropertyList.h"
+#include "Support/PrintQt.h"
+
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QStringList words(const char *file)
+{
+    KNError error;
+    QStringList list = KNPropertyList::stringList(
+        QStringLiteral(VANTOR_MSSQL_RESOURCES "/") + QString::fromLatin1(file), &error);
+    EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+    return list;
+}
+
+const QStringList &keywords()
+{
+    static const QStringList list = words("MSSQLKeywords.plist");
+    return list;
+}
+
+const QStringList &functions()
+{
+    static const QStringList list = words("MSSQLFunctions.plist");
+    return list;
+}
+
+QStringList missing(const QStringList &list, std::initializer_list<const char *> expected)
+{
+    QStringList absent;
+    for (const char *word : expected) {
+        if (!list.contains(QString::fromLatin1(word)))
+            absent += QString::fromLatin1(word);
+    }
+    return absent;
+}
+
+void expectEachOnceAndPlain(const QStringList &list)
+{
+    QSet<QString> seen;
+    for (const QString &word : list) {
+        EXPECT_FALSE(word.isEmpty());
+        EXPECT_EQ(word, word.simplified());
+        EXPECT_FALSE(seen.contains(word.toUpper())) << word.toStdString() << " occurs twice";
+        seen.insert(word.toUpper());
+    }
+}
+
+} // namespace
+
+TEST(MSSQLKeywords, HoldEachWordOnceInUpperCase)
+{
+    expectEachOnceAndPlain(keywords());
+    for (const QString &word : keywords())
+        EXPECT_EQ(word, word.toUpper());
+}
+
+TEST(MSSQLKeywords, CoverEveryVersionOfTheServer)
+{
+    EXPECT_EQ(missing(keywords(), {"SELECT", "FROM", "WHERE", "COMPUTE", "DUMMY", "TSEQUAL", "READTEXT"}),
+              QStringList())
+        << "since 2000";
+    EXPECT_EQ(missing(keywords(), {"PIVOT", "UNPIVOT", "REVERT", "TABLESAMPLE", "EXTERNAL"}), QStringList())
+        << "since 2005";
+    EXPECT_EQ(missing(keywords(), {"MERGE"}), QStringList()) << "since 2008";
+    EXPECT_EQ(missing(keywords(), {"TRY_CONVERT", "SEMANTICKEYPHRASETABLE", "WITHIN"}), QStringList())
+        << "since 2012";
+}
+
+TEST(MSSQLKeywords, HoldOdbcAndFutureWords)
+{
+    EXPECT_EQ(missing(keywords(), {"END-EXEC", "SQLWARNING", "TIMEZONE_HOUR", "ZONE", "FORTRAN"}),
+              QStringList());
+    EXPECT_EQ(missing(keywords(), {"ASENSITIVE", "XMLVALIDATE", "WIDTH_BUCKET", "LIKE_REGEX", "ROLLUP"}),
+              QStringList());
+}
+
+TEST(MSSQLKeywords, LeaveCommonNamesAlone)
+{
+    for (const char *name : {"NAME", "ID", "ORDERS", "DBO", "SYS", "STATUS"})
+        EXPECT_FALSE(keywords().contains(QString::fromLatin1(name))) << name;
+}
+
+TEST(MSSQLFunctions, HoldEachNameOnce)
+{
+    expectEachOnceAndPlain(functions());
+}
+
+TEST(MSSQLFunctions, CoverEveryKind)
+{
+    EXPECT_EQ(missing(functions(),
+                      {"COUNT",      "STRING_AGG", "ROW_NUMBER",  "LAG",       "CAST",
+                       "HASHBYTES",  "DATEADD",    "ISJSON",      "IIF",       "ABS",
+                       "OBJECT_ID",  "OPENJSON",   "SUSER_SNAME", "SUBSTRING", "NEWID",
+                       "@@ROWCOUNT", "@@VERSION",  "$PARTITION",  "TEXTPTR",   "fn_listextendedproperty"}),
+              QStringList());
+}
+
+TEST(MSSQLFunctions, CoverTheNewestVersionOfTheServer)
+{
+    EXPECT_EQ(missing(functions(), {"GENERATE_SERIES", "DATE_BUCKET", "DATETRUNC", "GREATEST", "JSON_ARRAY",
+                                    "BIT_COUNT", "APPROX_PERCENTILE_CONT"}),
+              QStringList());
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Implementations/MSSQLClient.h"
+#include "Support/HostileServer.h"
+#include "Support/PrintQt.h"
+#include "Support/SampleServerFixture.h"
+
+#include <gtest/gtest.h>
+
+/// What the tests share that talk to a server on loopback.
+namespace WireTest {
+
+/// Settings for an account of a sample server that listens on `port`.
+std::shared_ptr<MSSQLDatabaseConnectionDetails> settings(quint16 port);
+/// A client of the shared sample server that is connected; fails the test otherwise.
+std::unique_ptr<MSSQLClient> connectedClient();
+std::unique_ptr<MSSQLClient> connectedClient(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &settings,
+                                             MSSQLCancellation::Patience patience = {});
+
+/// Runs a text as one batch. `error` may be null where no error is expected.
+QList<KNDatabaseResultSetPtr> run(MSSQLClient &client, const QString &sql, KNError *error = nullptr);
+/// The first value of the first row of the first result.
+KNValue scalar(MSSQLClient &client, const QString &sql);
+/// All texts of the server's messages of these results.
+QStringList messageTexts(const QList<KNDatabaseResultSetPtr> &resultSets);
+/// Waits until `condition` holds; false after half a minute.
+bool waitFor(const std::function<bool()> &condition);
+
+} // namespace WireTest

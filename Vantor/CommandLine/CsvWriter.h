@@ -1,0 +1,22 @@
+#pragma once
+
+#include "CommandLine/ResultWriter.h"
+
+/// Comma-separated values after RFC 4180, with a header line and LF line ends. NULL is an empty field and
+/// empty text is
+/// "", so that both survive. An empty line stands between results.
+class CsvWriter : public ResultWriter
+{
+public:
+    explicit CsvWriter(QIODevice &device)
+        : ResultWriter(device)
+    {
+    }
+
+    void beginResult(const QStringList &columnNames) override;
+    void writeRow(const KNRow &row) override;
+    void endResult() override;
+
+private:
+    bool m_isFirst = true;
+};

@@ -1,0 +1,118 @@
+#include "CommandLine/QueryOptions.h"
+
+#include "Foundation/KNFormat.h"
+#include "KNSharedExport.h"
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QStringDecoder>
+
+namespace {
+
+const QString Domain = QStringLiteral("com.quorvex.vantor.cli");
+
+std::optional<QueryOptions> usageError(KNError *error, const QString &text)
+{
+    *error = KNError(Domain, 0, text);
+    return std::nullopt;
+}
+
+void addOptions(QCommandLineParser &parser)
+{
+    const auto text = [](const char *utf8) { return QString::fromUtf8(utf8); };
+    parser.setApplicationDescription(text("Runs SQL on a server and writes the results to standard output."));
+    parser.addOptions({
+        {text("server"), text("The server: HOST[,PORT] or HOST\\INSTANCE."), text("server")},
+        {text("sample"), text("Start a private sample server and run there.")},
+        {text("user"), text("The login name; DOMAIN\\user for a Windows login."), text("name")},
+        {text("database"), text("The database to begin in."), text("name")},
+        {text("format"), text("table (the default), csv or json."), text("format")},
+        {text("file"), text("Read the SQL from a file; - is standard input."), text("file")},
+        {text("login-timeout"), text("How long connecting may take; 15 when not given."), text("seconds")},
+        {{text("h"), text("help")}, text("Show this help.")},
+    });
+    parser.addPositionalArgument(
+        text("SQL"), text("The SQL to run; without it and --file, standard input is read."), text("[SQL]"));
+}
+
+} // namespace
+
+std::optional<QueryOptions> QueryOptions::parse(const QStringList &arguments, KNError *error)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(QStringList{QStringLiteral("vantor-cli query")} + arguments))
+        return usageError(error, parser.errorText());
+
+    const auto value = [&](const char *name) {
+        const QString option = QString::fromLatin1(name);
+        return parser.isSet(option) ? parser.value(option) : QString();
+    };
+    QueryOptions options;
+    options.showHelp = parser.isSet(QStringLiteral("help"));
+    options.useSampleServer = parser.isSet(QStringLiteral("sample"));
+    options.server = value("server");
+    options.user = value("user");
+    options.database = value("database");
+    options.file = value("file");
+    if (options.showHelp)
+        return options;
+    if (parser.isSet(QStringLiteral("format")))
+        options.format = value("format");
+    if (options.format != QLatin1String("table") && options.format != QLatin1String("csv") &&
+        options.format != QLatin1String("json"))
+        return usageError(error, KNFormat("\"%@\" is no format. Use table, csv or json.", options.format));
+    if (parser.isSet(QStringLiteral("login-timeout"))) {
+        options.loginTimeout = value("login-timeout").toInt();
+        if (options.loginTimeout <= 0)
+            return usageError(error, QStringLiteral("--login-timeout takes a number of seconds from 1 on."));
+    }
+    if (options.useSampleServer == !options.server.isEmpty())
+        return usageError(error, QStringLiteral("Give either --server or --sample."));
+    if (!options.useSampleServer && options.user.isEmpty())
+        return usageError(error, QStringLiteral("--server needs --user."));
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1)
+        return usageError(error,
+                          QStringLiteral("More than one SQL text was given. Put the text into quotes."));
+    if (!positional.isEmpty() && !options.file.isNull())
+        return usageError(error, QStringLiteral("Give either a SQL text or --file."));
+    if (!positional.isEmpty())
+        options.sql = positional.first();
+    return options;
+}
+
+QString QueryOptions::helpText()
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    return parser.helpText() +
+           QStringLiteral(
+               "\nThe password is taken from the environment variable VANTOR_PASSWORD, or asked for on the "
+               "terminal.\nExit status: 0 success, 1 SQL error, 2 usage, 3 no connection, 130 "
+               "cancelled (Ctrl-C).\n");
+}
+
+std::optional<QString> QueryOptions::readText(KNError *error) const
+{
+    if (sql)
+        return sql;
+    const bool isStandardInput = file.isNull() || file == QLatin1String("-");
+    QFile input(file);
+    const bool isOpen =
+        isStandardInput ? input.open(stdin, QIODevice::ReadOnly) : input.open(QIODevice::ReadOnly);
+    const QByteArray bytes = isOpen ? input.readAll() : QByteArray();
+    const QString name = isStandardInput ? QStringLiteral("standard input") : file;
+    if (!isOpen || input.error() != QFileDevice::NoError) {
+        *error = KNError(Domain, 0, KNFormat("%@ could not be read: %@", name, input.errorString()));
+        return std::nullopt;
+    }
+    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
+    QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    if (decoder.hasError()) {
+        *error = KNError(Domain, 0, KNFormat("%@ is not text in UTF-8 or UTF-16.", name));
+        return std::nullopt;
+    }
+    return text.isNull() ? QStringLiteral("") : text;
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Foundation/KNError.h"
+
+#include <QStringList>
+
+#include <optional>
+
+/// What the arguments of "vantor-cli query" ask for.
+struct QueryOptions
+{
+    bool showHelp = false;
+    bool useSampleServer = false;
+    QString server; ///< HOST[,PORT][\INSTANCE]
+    QString user;
+    QString database; ///< null when not given
+    QString format = QStringLiteral("table");
+    QString file;               ///< null when not given
+    std::optional<QString> sql; ///< the text itself, when it stands among the arguments
+    int loginTimeout = 15;      ///< seconds
+
+    /// Reads the arguments; empty, with an error that says what is wrong, when they do not fit together.
+    static std::optional<QueryOptions> parse(const QStringList &arguments, KNError *error);
+    static QString helpText();
+
+    /// The text to run: the argument, the file ("-" is standard input) or standard input. UTF-8, or UTF-16
+    /// with a byte-order mark. Empty with an error when it cannot be read.
+    std::optional<QString> readText(KNError *error) const;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "CommandLine/ResultWriter.h"
+
+/// A table for people: columns as wide as their first rows need, numbers to the right, NULL written out, line
+/// ends and tabs shown as signs. Wider values that come later push their row out of line rather than being
+/// cut.
+class TableWriter : public ResultWriter
+{
+public:
+    explicit TableWriter(QIODevice &device)
+        : ResultWriter(device)
+    {
+    }
+
+    void beginResult(const QStringList &columnNames) override;
+    void writeRow(const KNRow &row) override;
+    void endResult() override;
+
+private:
+    void writeHeld();
+    void writeLine(const QStringList &cells, const QList<bool> &rightAligned);
+
+    QStringList m_columnNames;
+    QList<int> m_widths;
+    QList<KNRow> m_held; ///< the rows that the widths are taken from
+    bool m_holding = true;
+};

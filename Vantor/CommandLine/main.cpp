@@ -1,0 +1,77 @@
+#include "CommandLine/QueryCommand.h"
+#include "CommandLine/Terminal.h"
+#include "Connector/KNConnectorLoader.h"
+#include "Connector/KNConnectorPlugin.h"
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <clocale>
+
+namespace {
+
+const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
+                        "\n"
+                        "Commands:\n"
+                        "  query    run SQL on a server and write its results\n"
+                        "\n"
+                        "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
+
+/// The first connector beside the program that can be used. What is wrong with the others is told.
+KNConnectorPlugin *loadConnector()
+{
+    const QDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/connectors"));
+    const auto files = folder.entryInfoList({QStringLiteral("*.so")}, QDir::Files, QDir::Name);
+    for (const QFileInfo &file : files) {
+        KNError error;
+        if (KNConnectorPlugin *connector = KNConnectorLoader::load(file.filePath(), &error))
+            return connector;
+        Terminal::printError(error.localizedDescription(), Terminal::Colour::Yellow);
+    }
+    Terminal::printError(KNFormat("There is no connector in %@.", folder.path()), Terminal::Colour::Red);
+    return nullptr;
+}
+
+int run(const QStringList &arguments)
+{
+    const QString command = arguments.value(1);
+    if (command == QLatin1String("--help") || command == QLatin1String("-h") ||
+        command == QLatin1String("help")) {
+        fputs(HelpText, stdout);
+        return ExitSuccess;
+    }
+    if (command == QLatin1String("--version")) {
+        printf("vantor-cli %s\n", VANTOR_VERSION);
+        return ExitSuccess;
+    }
+    if (command != QLatin1String("query")) {
+        if (!command.isEmpty())
+            Terminal::printError(KNFormat("There is no command \"%@\".", command), Terminal::Colour::Red);
+        fputs(HelpText, stderr);
+        return ExitUsage;
+    }
+    KNConnectorPlugin *connector = loadConnector();
+    if (!connector)
+        return ExitNoConnection;
+    return runQueryCommand(arguments.mid(2), connector->createConnectionDetails());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("vantor-cli"));
+    // The width of characters on the terminal follows its locale; numbers do not.
+    std::setlocale(LC_CTYPE, "");
+    try {
+        return run(QCoreApplication::arguments());
+    } catch (const KNAssertionFailure &failure) {
+        Terminal::printError(KNFormat("Internal error: %@ (%@)", failure.message(), failure.sourcePath()),
+                             Terminal::Colour::Red);
+        return ExitSqlError;
+    }
+}

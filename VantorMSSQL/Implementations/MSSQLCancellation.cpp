@@ -1,0 +1,172 @@
+#include "Implementations/MSSQLCancellation.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/eventfd.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <system_error>
+
+namespace {
+
+/// Ignored by default and used by nothing else; a handler that does nothing makes it interrupt a poll().
+constexpr int InterruptSignal = SIGURG;
+
+void installInterruptHandler()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        struct sigaction current = {};
+        sigaction(InterruptSignal, nullptr, &current);
+        if (current.sa_handler != SIG_DFL && current.sa_handler != SIG_IGN)
+            return;
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        sigaction(InterruptSignal, &action, nullptr);
+    });
+}
+
+int openEvent()
+{
+    const int descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (descriptor < 0)
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+    return descriptor;
+}
+
+} // namespace
+
+MSSQLCancellation::MSSQLCancellation()
+    : MSSQLCancellation(Patience())
+{
+}
+
+MSSQLCancellation::MSSQLCancellation(Patience patience)
+    : m_patience(patience)
+    , m_wakeUp(openEvent())
+{
+    installInterruptHandler();
+}
+
+MSSQLCancellation::~MSSQLCancellation()
+{
+    close(m_wakeUp);
+}
+
+void MSSQLCancellation::beginRun()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_runs++ > 0)
+        return;
+    eventfd_t discarded = 0;
+    eventfd_read(m_wakeUp, &discarded);
+    m_requested = false;
+    m_attentionSent = false;
+}
+
+void MSSQLCancellation::endRun()
+{
+    const std::lock_guard lock(m_mutex);
+    --m_runs;
+}
+
+void MSSQLCancellation::waitForAnswer(int socket)
+{
+    m_isPacketCut = false;
+    waitFor(socket);
+    // A packet begins with its type, its status and its length in two bytes (MS-TDS 2.2.3.1). Inside TLS none
+    // of it can be seen, and whatever came counts as whole.
+    constexpr unsigned char ResponseType = 4;
+    unsigned char header[4];
+    if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header ||
+        header[0] != ResponseType)
+        return;
+    int length = header[2] << 8 | header[3];
+    setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
+    waitFor(socket);
+    int available = 0;
+    m_isPacketCut = ioctl(socket, FIONREAD, &available) == 0 && available < length;
+    length = 1;
+    setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
+}
+
+/// Waits until the socket can be read, a request comes or the deadline passes.
+void MSSQLCancellation::waitFor(int socket) const
+{
+    pollfd descriptors[] = {{socket, POLLIN, 0}, {m_wakeUp, POLLIN, 0}};
+    const Clock::time_point deadline = m_deadline;
+    int ready = 0;
+    do {
+        int timeout = -1;
+        if (deadline != Clock::time_point::max()) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            timeout = static_cast<int>(std::max<std::int64_t>(0, left.count()));
+        }
+        ready = poll(descriptors, 2, timeout);
+    } while (ready < 0 && errno == EINTR);
+}
+
+void MSSQLCancellation::enterLibrary(bool readingRows)
+{
+    m_readingRows = readingRows;
+    const std::lock_guard lock(m_mutex);
+    m_libraryThread = pthread_self();
+    m_inLibrary = true;
+}
+
+void MSSQLCancellation::leaveLibrary()
+{
+    const std::lock_guard lock(m_mutex);
+    m_inLibrary = false;
+}
+
+void MSSQLCancellation::attentionSent()
+{
+    if (!m_attentionSent.exchange(true))
+        m_attentionTime = Clock::now();
+}
+
+bool MSSQLCancellation::wantsInterrupt() const
+{
+    return (m_requested && !m_attentionSent) || isPatienceOver();
+}
+
+bool MSSQLCancellation::isPatienceOver() const
+{
+    const Clock::time_point now = Clock::now();
+    if (now > m_deadline.load())
+        return true;
+    const auto patience = m_readingRows || m_isPacketCut ? m_patience.inRows : m_patience.otherwise;
+    return m_requested && m_attentionSent && now - m_attentionTime.load() > patience;
+}
+
+MSSQLCancellation::Action MSSQLCancellation::timeoutAction()
+{
+    if (isPatienceOver())
+        return Action::GiveUpConnection;
+    if (!wantsInterrupt())
+        return Action::KeepWaiting;
+    attentionSent();
+    return Action::SendAttention;
+}
+
+bool MSSQLCancellation::request()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_runs == 0)
+        return false;
+    m_requested = true;
+    eventfd_write(m_wakeUp, 1);
+    return true;
+}
+
+void MSSQLCancellation::interruptLibrary()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_inLibrary)
+        pthread_kill(m_libraryThread, InterruptSignal);
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+
+/// How a run on one connection is stopped from another thread without two threads ever being inside db-lib.
+///
+/// The running thread either waits for the server outside db-lib, on waitForAnswer(), which a request ends at
+/// once; or it is inside db-lib, which asks wantsInterrupt() and timeoutAction() whenever its own waiting is
+/// interrupted. A request interrupts that waiting with a signal to the thread. In both cases it is the
+/// running thread itself that tells the server to stop, so the session lives on.
+class MSSQLCancellation
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// What db-lib is to do when its waiting was interrupted.
+    enum class Action { KeepWaiting, SendAttention, GiveUpConnection };
+
+    /// How long a server may take to acknowledge a request before the connection is given up: while it has
+    /// stalled in the middle of rows, and otherwise, when it may have work to undo.
+    struct Patience
+    {
+        std::chrono::milliseconds inRows = std::chrono::milliseconds(900);
+        std::chrono::milliseconds otherwise = std::chrono::seconds(60);
+    };
+
+    MSSQLCancellation();
+    explicit MSSQLCancellation(Patience patience);
+    ~MSSQLCancellation();
+    MSSQLCancellation(const MSSQLCancellation &) = delete;
+    MSSQLCancellation &operator=(const MSSQLCancellation &) = delete;
+
+    /// \name On the running thread
+    /// @{
+    /// Begins a run, which takes back earlier requests. Runs nest: the outermost counts.
+    void beginRun();
+    void endRun();
+    /// Gives the connection up when the server has not answered by then. For the time of a login.
+    void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
+    void clearDeadline() { m_deadline = Clock::time_point::max(); }
+    /// Waits until the first packet of an answer is there whole, a request comes or the deadline passes.
+    /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
+    /// it.
+    void waitForAnswer(int socket);
+    /// The stretch during which this thread is inside db-lib, where it may wait for the server.
+    void enterLibrary(bool readingRows);
+    void leaveLibrary();
+    /// The request has been told to the server: its patience runs from now.
+    void attentionSent();
+    /// @}
+
+    /// \name Inside db-lib, on the thread that waits there
+    /// @{
+    bool wantsInterrupt() const;
+    Action timeoutAction();
+    /// @}
+
+    /// \name On any thread
+    /// @{
+    /// Asks the current run to stop; false when none is running.
+    bool request();
+    /// Interrupts the waiting of the thread that is inside db-lib, if one is. To be repeated until it has
+    /// left: it may be just about to wait.
+    void interruptLibrary();
+    /// Whether the current or the last run was asked to stop.
+    bool isRequested() const { return m_requested.load(std::memory_order_acquire); }
+    /// @}
+
+private:
+    bool isPatienceOver() const;
+    void waitFor(int socket) const;
+
+    const Patience m_patience;
+    const int m_wakeUp; ///< an eventfd
+
+    std::atomic<bool> m_requested = false;
+    std::atomic<bool> m_attentionSent = false;
+    std::atomic<bool> m_readingRows = false;
+    std::atomic<bool> m_isPacketCut = false; ///< the first packet of the answer has begun and not ended
+    std::atomic<Clock::time_point> m_attentionTime{};
+    std::atomic<Clock::time_point> m_deadline = Clock::time_point::max();
+
+    std::mutex m_mutex;
+    int m_runs = 0;              ///< guarded by m_mutex
+    bool m_inLibrary = false;    ///< guarded by m_mutex
+    pthread_t m_libraryThread{}; ///< guarded by m_mutex
+};

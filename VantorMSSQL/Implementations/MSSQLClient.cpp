@@ -1,0 +1,151 @@
+#include "Implementations/MSSQLClient.h"
+
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNLogHelper.h"
+#include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLHandleScope.h"
+#include "Implementations/MSSQLMessageList.h"
+#include "Implementations/MSSQLTraceFile.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <sybdb.h>
+
+/// Exported by db-lib without a header. Begins the protocol trace in a file; 0 when it cannot.
+extern "C" int tdsdump_open(const char *filename);
+
+namespace {
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails> mssqlDetails(const VantorDBCPtr &details)
+{
+    auto mssql = std::dynamic_pointer_cast<MSSQLDatabaseConnectionDetails>(details);
+    KNAssert(mssql || !details, "Invalid class.", "Implementations/MSSQLClient");
+    return mssql;
+}
+
+} // namespace
+
+MSSQLClient::MSSQLClient(const VantorDBCPtr &databaseConnectionDetails,
+                         MSSQLCancellation::Patience cancelPatience)
+    : m_databaseConnectionDetails(mssqlDetails(databaseConnectionDetails))
+    , m_dbProcSemaphore(QStringLiteral("com.quorvex.vantor.mssql.dbProcSemaphore"))
+    , m_cancellation(cancelPatience)
+{
+    initializeOnce();
+}
+
+MSSQLClient::~MSSQLClient()
+{
+    disconnect();
+    KNLogHelper::sharedInstance()->logMessage("MSSQLClient::Dealloc");
+}
+
+void MSSQLClient::initializeOnce()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        dbinit();
+        dberrhandle(interruptible_err_handler);
+        dbmsghandle(msg_handler);
+    });
+}
+
+bool MSSQLClient::isConnected() const
+{
+    // Who holds the handle is working with it: it is open as far as anybody knows.
+    if (!m_dbProcSemaphore.tryWait())
+        return true;
+    const bool isOpen = m_dbProc;
+    const bool isDead = isOpen && dbdead(m_dbProc);
+    m_dbProcSemaphore.signal();
+    if (!isOpen) {
+        KNLogHelper::sharedInstance()->logMessage("MSSQL::isConnected no dbProc.");
+        return false;
+    }
+    if (isDead) {
+        KNLogHelper::sharedInstance()->logMessage("MSSQL::isConnected dbdead.");
+        return false;
+    }
+    return true;
+}
+
+void MSSQLClient::disconnect()
+{
+    const KNSemaphoreLocker handle(m_dbProcSemaphore);
+    if (m_dbProc)
+        dbclose(m_dbProc);
+    m_dbProc = nullptr;
+}
+
+bool MSSQLClient::beginTransaction(KNError *error)
+{
+    return executeNonQuery(QStringLiteral("BEGIN TRANSACTION"), error) && !error->isSet();
+}
+
+bool MSSQLClient::commitTransaction(KNError *error)
+{
+    return executeNonQuery(QStringLiteral("COMMIT TRANSACTION"), error) && !error->isSet();
+}
+
+bool MSSQLClient::rollbackTransaction(KNError *error)
+{
+    return executeNonQuery(QStringLiteral("ROLLBACK TRANSACTION"), error) && !error->isSet();
+}
+
+bool MSSQLClient::cancelCurrentQuery(KNError *error)
+{
+    if (!m_cancellation.request())
+        return true;
+    // The running thread is made to let go of the handle: it may be waiting for the server inside db-lib.
+    do {
+        m_cancellation.interruptLibrary();
+    } while (!m_dbProcSemaphore.waitFor(std::chrono::milliseconds(5)));
+    m_dbProcSemaphore.signal();
+
+    const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
+    // A run that has ended meanwhile needs nothing, and one that has begun since then was not meant.
+    const bool stopped = !m_cancellation.isRequested() || stopAtServer();
+    // What the server said while it let go belongs to nobody on this thread.
+    MSSQLMessageList::sharedInstance().clearMessage();
+    if (!stopped)
+        *error = KNError(QStringLiteral(""), 0, QStringLiteral("Failed to cancel query."));
+    return stopped;
+}
+
+/// Tells the server to stop and waits until it has. The handle must be held.
+bool MSSQLClient::stopAtServer()
+{
+    if (!m_dbProc || dbdead(m_dbProc))
+        return true;
+    m_cancellation.attentionSent();
+    return dbcancel(m_dbProc) == SUCCEED;
+}
+
+void MSSQLClient::prepareForPool(VantorDBC &details, bool isUserQuery)
+{
+    if (!isUserQuery)
+        return;
+    const KNSemaphoreLocker handle(m_dbProcSemaphore);
+    if (!m_dbProc)
+        return;
+    const QString current = QString::fromUtf8(dbname(m_dbProc));
+    const QString wanted = m_databaseConnectionDetails->database();
+    if (wanted.isEmpty() && current.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0)
+        return;
+    if (current.compare(wanted, Qt::CaseInsensitive) != 0) {
+        m_databaseConnectionDetails->setDatabase(current);
+        details.setDatabase(current);
+    }
+}
+
+void MSSQLClient::enableFreeTDSLogging()
+{
+    const QString logFile = KNLogHelper::sharedInstance()->filePath();
+    const QString path = KNFormat("%@/%@/freetds.pid%d.log", QFileInfo(logFile).path(),
+                                  QCoreApplication::applicationName(), QCoreApplication::applicationPid());
+    const QString filtered = MSSQLTraceFile::openFiltered(path);
+    const int result = filtered.isNull() ? 0 : tdsdump_open(QFile::encodeName(filtered).constData());
+    KNLogHelper::sharedInstance()->logMessage("Open LogFile (%@) result was %d", path, result);
+}

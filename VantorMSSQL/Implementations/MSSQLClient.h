@@ -1,0 +1,121 @@
+#pragma once
+
+#include "Database/VantorDatabaseClient.h"
+#include "Foundation/KNSemaphore.h"
+#include "Implementations/MSSQLCancellation.h"
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+
+#include <QVariant>
+
+struct tds_dblib_dbprocess;
+struct tds_dblib_loginrec;
+class MSSQLHandleScope;
+
+/// One connection to SQL Server through db-lib. The class has one header and one source file for each
+/// concern: connecting, executing, rows, values, messages.
+class MSSQLClient : public VantorDatabaseClient
+{
+public:
+    /// The settings must be an MSSQLDatabaseConnectionDetails; the client keeps them, so pass a copy.
+    explicit MSSQLClient(const VantorDBCPtr &databaseConnectionDetails,
+                         MSSQLCancellation::Patience cancelPatience = {});
+    ~MSSQLClient() override;
+
+    MSSQLDatabaseConnectionDetails &databaseConnectionDetails() override
+    {
+        return *m_databaseConnectionDetails;
+    }
+
+    bool connect(KNError *error) override;
+    /// One row of the protocol table, with bookkeeping in the settings and in the log.
+    bool tryConnect(int connectOption, bool useNTLMv2, KNError *error);
+    /// One login attempt with a db-lib protocol constant.
+    bool connect(KNError *error, bool useNTLMv2, int tdsVersion);
+    bool isConnected() const override;
+    void disconnect() override;
+
+    bool executeQueryDetails(const QList<KNQueryDetails> &queries, KNResultSetHolder &withResultSet,
+                             const Progress &withBlock, KNError *error) override;
+    /// Runs one batch into the holder.
+    bool executeQueryDetails(const KNQueryDetails &details, KNResultSetHolder &withResultSet, KNError *error);
+    bool executeQueryInternal(const QString &sql, KNResultSetHolder &withResultSet, KNError *error);
+    std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) override;
+    bool executeNonQuery(const QString &sql, KNError *error) override;
+    /// Runs a batch and only logs what it gave; whether it could be run.
+    bool testCommand(const QString &sql);
+
+    bool beginTransaction(KNError *error) override;
+    bool commitTransaction(KNError *error) override;
+    bool rollbackTransaction(KNError *error) override;
+    bool cancelCurrentQuery(KNError *error) override;
+    bool wasCancelled() const override { return m_cancellation.isRequested(); }
+    void prepareForPool(VantorDBC &details, bool isUserQuery) override;
+
+    /// Switches db-lib's protocol trace on, into "freetds.pid<n>.log" in the log's folder.
+    static void enableFreeTDSLogging();
+    /// Logs an error, unless it is a login failure that users are expected to run into.
+    static void reportError(const KNError &error, const QString &details);
+    /// The one word of the batch that a message complains about, as a range of the editor text; not found
+    /// when the message names none or the batch holds it more than once.
+    static KNRange processErrorDetails(const DatabaseMessage &message, const KNQueryDetails &forQueryDetails);
+
+    /// How a catalog's column type is shown: "nvarchar(50)". `maxLength` counts bytes, -1 stands for (max),
+    /// null for none. Precision and scale are not shown.
+    static QString displayForColumnType(const QString &typeName, const KNValue &maxLength,
+                                        const KNValue &precision, const KNValue &scale);
+    /// \name Quoting of names and values. Pure; any thread.
+    /// @{
+
+    /// A name, or schema.name, in brackets where it needs them. A null text gives null; text in brackets
+    /// stays. A "]" inside a name is not doubled.
+    static QString escapeTableNameIfRequired(const QString &name);
+    /// A name, or names joined by dots, without their brackets. A null text gives null.
+    static QString unescapeTableNameIfRequired(const QString &name);
+    /// schema.table, each in brackets where it needs them; the table alone when the schema is null or empty.
+    static QString escapeSchemaAndTable(const QString &schema, const QString &table);
+    /// A literal for row editing: text without N prefix, lower-case hexadecimal, NULL for null, the rest as
+    /// it shows.
+    static QString escapeColumnValue(const KNValue &value);
+    /// A literal for generated scripts: as escapeColumnValue(), but upper-case hexadecimal, dates in quotes
+    /// to the second, and the text "null" in any case means NULL.
+    static QString databaseProviderEscape(const KNValue &value);
+    /// @}
+
+    /// How db-lib is told of a server: the host text with its name replaced by its address, as
+    /// address:port, address\instance or address:port\instance.
+    static QString serverTextForHost(const QString &host);
+    /// The user name with which an Azure login is tried again; null when there is nothing to try.
+    static QString azureUserName(const QString &username, const QString &host);
+
+private:
+    struct ConnectOption;
+    enum class Sent { Executed, Failed, NotSent };
+
+    static const ConnectOption connectOptions[4];
+    static void initializeOnce();
+
+    bool probe(bool useNTLMv2, KNError *error);
+    bool openHandle(tds_dblib_loginrec *login, const QString &server);
+    bool resolveInstance(QString *server, KNError *error) const;
+    bool configureSession(KNError *error);
+
+    Sent sendBatch(const QString &sql);
+    bool failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
+    bool readResults(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
+    KNError batchError(const KNQueryDetails &details, quint64 *lastLine) const;
+    bool isLost() const;
+    bool nextResult();
+    void readColumns(KNDatabaseResultSet &resultSet);
+    KNDatabaseResultSetPtr readRows(const KNDatabaseResultSetPtr &resultSet, KNResultSetHolder &holder);
+    KNDatabaseResultSetPtr newComputeResultSet(int computeId, const QString &query,
+                                               KNResultSetHolder &holder);
+    void readComputeRow(int computeId, KNDatabaseResultSet &resultSet, KNResultSetHolder &holder);
+    void showRows(KNDatabaseResultSet &resultSet, KNResultSetHolder &holder, MSSQLHandleScope &handle);
+    void stopBatch();
+    bool stopAtServer();
+
+    const std::shared_ptr<MSSQLDatabaseConnectionDetails> m_databaseConnectionDetails;
+    mutable KNSemaphore m_dbProcSemaphore;   ///< taken around every db-lib call on the handle
+    tds_dblib_dbprocess *m_dbProc = nullptr; ///< guarded by m_dbProcSemaphore
+    MSSQLCancellation m_cancellation;
+};

@@ -1,0 +1,278 @@
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNHostCache.h"
+#include "Foundation/KNLogHelper.h"
+#include "Foundation/MachTimer.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLInstancePort.h"
+#include "Implementations/MSSQLMessageList.h"
+
+#include <QHostAddress>
+#include <QRegularExpression>
+
+#include <sybdb.h>
+
+#include <iterator>
+#include <memory>
+
+namespace {
+
+const QString LoginErrorDomain = QStringLiteral("com.quorvex.mssql.databaseConnection");
+const QString SourcePath = QStringLiteral("Implementations/MSSQLClient");
+
+struct LoginDeleter
+{
+    void operator()(LOGINREC *login) const { dbloginfree(login); }
+};
+using Login = std::unique_ptr<LOGINREC, LoginDeleter>;
+
+/// Serialises every login of the process.
+KNSemaphore &connectSemaphore()
+{
+    static KNSemaphore semaphore(QStringLiteral("com.quorvex.vantor.mssql.connectSemaphore"));
+    return semaphore;
+}
+
+const char *yesOrNo(bool flag)
+{
+    return flag ? "YES" : "NO";
+}
+
+/// Where the name ends: the earliest separator, or the end. An IPv6 address in brackets is a name.
+qsizetype endOfServerName(const QString &text)
+{
+    static const QRegularExpression separators(QStringLiteral("[,:\\\\]"));
+    const qsizetype bracket = text.startsWith(QLatin1Char('[')) ? text.indexOf(QLatin1Char(']')) : -1;
+    const qsizetype end = text.indexOf(separators, bracket + 1);
+    return end < 0 ? text.size() : end;
+}
+
+/// server\instance:port as server:port\instance
+QString withPortBeforeInstance(const QString &text)
+{
+    const qsizetype backslash = text.indexOf(QLatin1Char('\\'));
+    const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
+    if (backslash < 0 || colon < backslash)
+        return text;
+    return text.left(backslash) + text.mid(colon) + text.mid(backslash, colon - backslash);
+}
+
+/// The login failure from what the server and db-lib said.
+KNError loginError()
+{
+    const QList<DatabaseMessage> messages = MSSQLMessageList::sharedInstance().messages();
+    QStringList texts;
+    for (const DatabaseMessage &message : messages) {
+        const QString text =
+            KNFormat("%@ (Msg %d, Level %d).", message.msgtext, message.msgno, message.severity);
+        if (!texts.contains(text))
+            texts.append(text);
+    }
+    if (texts.isEmpty())
+        KNLogHelper::sharedInstance()->logMessage("Failed to login. Unknown reason. %ld messages. (%@).",
+                                                  messages.size(), texts.join(QLatin1Char(',')));
+    return KNError(LoginErrorDomain, 0, texts.join(QStringLiteral("\r\n")));
+}
+
+} // namespace
+
+struct MSSQLClient::ConnectOption
+{
+    int tdsVersion;
+    const char *name;
+};
+
+const MSSQLClient::ConnectOption MSSQLClient::connectOptions[4] = {
+    {DBVERSION_74, "TDS74"},
+    {DBVERSION_73, "TDS73"},
+    {DBVERSION_72, "TDS72"},
+    {DBVERSION_71, "TDS71"},
+};
+
+bool MSSQLClient::connect(KNError *error)
+{
+    const auto remembered = m_databaseConnectionDetails->tdsVersion();
+    const auto rememberedNTLMv2 = m_databaseConnectionDetails->useNTLMv2();
+    if (remembered && rememberedNTLMv2) {
+        int row = 0;
+        while (row < 3 && connectOptions[row].tdsVersion != *remembered)
+            ++row;
+        return tryConnect(row, *rememberedNTLMv2, error);
+    }
+    error->clear();
+    if (probe(false, error))
+        return true;
+    if (error->localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
+        return false;
+    if (!m_databaseConnectionDetails->username().contains(QLatin1Char('\\')))
+        return false;
+    return probe(true, error);
+}
+
+bool MSSQLClient::probe(bool useNTLMv2, KNError *error)
+{
+    for (int row = 0; row < 4; ++row) {
+        KNError failure;
+        if (tryConnect(row, useNTLMv2, &failure)) {
+            error->clear();
+            return true;
+        }
+        if (!error->isSet())
+            *error = failure;
+        const bool isFirstAttempt = row == 0 && !useNTLMv2;
+        if (isFirstAttempt &&
+            failure.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
+            return false;
+    }
+    return false;
+}
+
+bool MSSQLClient::tryConnect(int connectOption, bool useNTLMv2, KNError *error)
+{
+    const ConnectOption &option = connectOptions[connectOption];
+    if (!connect(error, useNTLMv2, option.tdsVersion)) {
+        KNLogHelper::sharedInstance()->logMessage("MSSQL failed to connect (%@, NTLMv2 = %@). Error: %@.",
+                                                  option.name, yesOrNo(useNTLMv2),
+                                                  error->localizedDescription());
+        return false;
+    }
+    // The newest version is remembered whichever one succeeded: an older one is probed for again.
+    m_databaseConnectionDetails->setTdsVersion(connectOptions[0].tdsVersion);
+    m_databaseConnectionDetails->setUseNTLMv2(useNTLMv2);
+    return true;
+}
+
+bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
+{
+    MSSQLDatabaseConnectionDetails *details = m_databaseConnectionDetails.get();
+    KNAssert(details,
+             KNFormat("Database connection details cannot be nil. %p.", static_cast<const void *>(this)),
+             SourcePath);
+    KNAssert(!details->username().isNull(), "Database connection username cannot be nil.",
+             "Implementations/MSSQLClient");
+    disconnect();
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    log->registerSecret(details->password());
+    log->logMessage("Going to dbopen with NTLMv2: %@. TDS: %ld.", yesOrNo(useNTLMv2), tdsVersion);
+
+    MSSQLMessageList::sharedInstance().clearMessage();
+    QString server = serverTextForHost(details->host());
+    if (!resolveInstance(&server, error))
+        return false;
+
+    dbsetversion(DBVERSION_UNKNOWN);
+    const Login login(dblogin());
+    MSSQLMessageList::sharedInstance().clearMessage();
+    DBSETLCHARSET(login.get(), "UTF-8");
+    DBSETLPWD(login.get(), details->password().toUtf8().constData());
+    DBSETLUSER(login.get(), details->username().toUtf8().constData());
+    dbsetlbool(login.get(), 1, DBSETBCP);
+    DBSETLAPP(login.get(), "Vantor for MSSQL (https://vantor.example)");
+    dbsetlversion(login.get(), static_cast<BYTE>(tdsVersion));
+    dbsetlbool(login.get(), useNTLMv2, DBSETNTLMV2);
+    if (!details->database().isEmpty())
+        DBSETLDBNAME(login.get(), details->database().toUtf8().constData());
+
+    bool isOpen = openHandle(login.get(), server);
+    if (const QString completed = azureUserName(details->username(), details->host());
+        !isOpen && !completed.isNull()) {
+        log->logMessage("Failed to login into Azure. Attempting to add suffix to username.");
+        MSSQLMessageList::sharedInstance().clearMessage();
+        details->setUsername(completed);
+        DBSETLUSER(login.get(), completed.toUtf8().constData());
+        isOpen = openHandle(login.get(), server);
+    }
+    if (!isOpen) {
+        *error = loginError();
+        return false;
+    }
+    return configureSession(error);
+}
+
+bool MSSQLClient::openHandle(LOGINREC *login, const QString &server)
+{
+    const KNSemaphoreLocker connecting(connectSemaphore());
+    // The time-out is db-lib's for the whole process; logins are serialised here, so each runs under its own.
+    dbsetlogintime(m_databaseConnectionDetails->loginTimeout());
+    DBPROCESS *handle = tdsdbopen(login, server.toUtf8().constData(), 1);
+    if (handle) {
+        dbsetuserdata(handle, reinterpret_cast<BYTE *>(&m_cancellation));
+        dbsetinterrupt(handle, check_interrupt, handle_interrupt);
+    }
+    const KNSemaphoreLocker locker(m_dbProcSemaphore);
+    m_dbProc = handle;
+    return handle != nullptr;
+}
+
+/// db-lib would look an instance's port up itself, but waits very long for a silent Browser while all other
+/// logins wait for it.
+bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
+{
+    const qsizetype backslash = server->indexOf(QLatin1Char('\\'));
+    if (backslash < 0 || endOfServerName(*server) < backslash)
+        return true;
+    const QString address = server->left(backslash);
+    const QString instance = server->mid(backslash + 1);
+    const auto timeout = std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), 3));
+    QString plainAddress = address;
+    plainAddress.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
+    const quint16 port = dbportforinstance(plainAddress, instance, timeout);
+    if (port == 0) {
+        *error = KNError(
+            LoginErrorDomain, 0,
+            KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
+                     "instance name, or give the port: server,port.",
+                     plainAddress, instance));
+        return false;
+    }
+    *server = KNFormat("%@:%d", address, port);
+    return true;
+}
+
+bool MSSQLClient::configureSession(KNError *error)
+{
+    const MachTimer timer;
+    KNError failure;
+    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
+                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
+    executeNonQuery(
+        QStringLiteral("SET TEXTSIZE 2147483647\r\n"
+                       "SET ANSI_NULLS, QUOTED_IDENTIFIER, CONCAT_NULL_YIELDS_NULL, ANSI_WARNINGS, "
+                       "ANSI_PADDING, ANSI_NULL_DFLT_ON ON"),
+        &failure);
+    m_cancellation.clearDeadline();
+    if (failure) {
+        *error = failure;
+        return false;
+    }
+    KNLogHelper::sharedInstance()->logMessage("MSSQLClient::connect configure took %0.2f.", timer.seconds());
+    return true;
+}
+
+QString MSSQLClient::serverTextForHost(const QString &host)
+{
+    if (const QHostAddress literal(host); literal.protocol() == QAbstractSocket::IPv6Protocol)
+        return KNFormat("[%@]", host);
+    QString text = host;
+    text.replace(QLatin1Char(','), QLatin1Char(':'));
+    text = withPortBeforeInstance(text);
+    const qsizetype end = endOfServerName(text);
+    QString name = text.left(end);
+    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
+        name = name.mid(1, name.size() - 2);
+    QString address = KNHostCache::sharedInstance()->cachedIPAddressForHost(name);
+    if (address.contains(QLatin1Char(':')))
+        address = QLatin1Char('[') + address + QLatin1Char(']');
+    return address + text.mid(end);
+}
+
+QString MSSQLClient::azureUserName(const QString &username, const QString &host)
+{
+    QString name = host.left(endOfServerName(host)).toLower();
+    const bool isAzure = name.endsWith(QLatin1String(".database.windows.net")) ||
+                         name.endsWith(QLatin1String(".database.secure.windows.net"));
+    if (!isAzure || username.contains(QLatin1Char('@')))
+        return QString();
+    const QString firstLabel = host.left(host.indexOf(QLatin1Char('.')));
+    return KNFormat("%@@%@", username, firstLabel);
+}

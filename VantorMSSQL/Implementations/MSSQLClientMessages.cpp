@@ -1,0 +1,197 @@
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLMessageList.h"
+#include "SQL/SQLMetadataTokenizer.h"
+
+#include <QSet>
+
+#include <sybdb.h>
+
+namespace {
+
+const QString TooManyConnections = QStringLiteral("Max connections reached, increase value of TDS_MAX_CONN");
+
+/// Client errors that only repeat what another message says, or that are harmless.
+bool isEmptyOfContent(const QString &text)
+{
+    static const QSet<QString> texts = {
+        QStringLiteral("Adaptive Server connection failed"),
+        QStringLiteral("General SQL Server error: Check messages from the SQL Server"),
+        QStringLiteral("Illegal version level specified"),
+        TooManyConnections,
+    };
+    return texts.contains(text);
+}
+
+MSSQLCancellation *cancellationOf(DBPROCESS *dbproc)
+{
+    return dbproc ? reinterpret_cast<MSSQLCancellation *>(dbgetuserdata(dbproc)) : nullptr;
+}
+
+bool isPunctuation(QChar character)
+{
+    return character.isPunct();
+}
+
+QString trimmedOfPunctuation(const QString &text)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && isPunctuation(text.at(begin)))
+        ++begin;
+    while (end > begin && isPunctuation(text.at(end - 1)))
+        --end;
+    return text.mid(begin, end - begin);
+}
+
+/// The word that a message complains about; empty when it names none.
+QString offendingWord(const QString &message)
+{
+    for (const char *phrase : {"Invalid column name '", "Invalid object name '", "Incorrect syntax near '"}) {
+        const QLatin1String text(phrase);
+        if (const qsizetype found = message.indexOf(text); found >= 0)
+            return trimmedOfPunctuation(message.mid(found + text.size()));
+    }
+    return QString();
+}
+
+bool holdsNoNames(SQLTokenKind kind)
+{
+    return static_cast<int>(kind) >= 1 && static_cast<int>(kind) <= 4;
+}
+
+} // namespace
+
+int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr, char *)
+{
+    QString text = QString::fromUtf8(dberrstr);
+    if (isEmptyOfContent(text) || !dbproc || dberr == 0)
+        return INT_CANCEL;
+    text = text.remove(QStringLiteral("Server name not found in configuration files")).trimmed();
+    if (text.isEmpty())
+        return INT_CANCEL;
+
+    DatabaseMessage message;
+    message.type = DatabaseMessage::ClientError;
+    message.msgno = dberr;
+    message.severity = severity;
+    message.msgtext = text;
+    MSSQLMessageList::sharedInstance().addMessage(message);
+    if (dberr == SYBERPND)
+        dbcancel(dbproc);
+    return INT_CANCEL;
+}
+
+int msg_handler(DBPROCESS *, DBINT msgno, int msgstate, int severity, char *msgtext, char *srvname,
+                char *procname, int line)
+{
+    constexpr int ChangedDatabase = 5701;
+    constexpr int ChangedLanguage = 5703;
+
+    const QString text = QString::fromUtf8(msgtext);
+    if (text == TooManyConnections)
+        return INT_CANCEL;
+    if (msgno == ChangedDatabase || msgno == ChangedLanguage)
+        return 0;
+
+    DatabaseMessage message;
+    message.type = DatabaseMessage::ServerMessage;
+    message.msgno = msgno;
+    message.msgstate = msgstate;
+    message.severity = severity;
+    message.line = static_cast<quint64>(line);
+    message.msgtext = text;
+    message.srvname = QString::fromUtf8(srvname);
+    message.procname = QString::fromUtf8(procname);
+    MSSQLMessageList::sharedInstance().addMessage(message);
+    return 0;
+}
+
+int interruptible_err_handler(DBPROCESS *dbproc, int severity, int dberr, int oserr, char *dberrstr,
+                              char *oserrstr)
+{
+    if (dberr == SYBETIME) {
+        MSSQLCancellation *cancellation = cancellationOf(dbproc);
+        const auto action =
+            cancellation ? cancellation->timeoutAction() : MSSQLCancellation::Action::GiveUpConnection;
+        if (action != MSSQLCancellation::Action::GiveUpConnection)
+            return action == MSSQLCancellation::Action::SendAttention ? INT_TIMEOUT : INT_CONTINUE;
+    }
+    return err_handler(dbproc, severity, dberr, oserr, dberrstr, oserrstr);
+}
+
+int check_interrupt(void *dbproc)
+{
+    const MSSQLCancellation *cancellation = cancellationOf(static_cast<DBPROCESS *>(dbproc));
+    return cancellation && cancellation->wantsInterrupt();
+}
+
+int handle_interrupt(void *)
+{
+    // Ends the wait with the error SYBETIME, and its handler says how to go on.
+    return INT_CANCEL;
+}
+
+void MSSQLClient::reportError(const KNError &error, const QString &details)
+{
+    for (const char *expected : {"use the Windows Azure Management Portal", "login failed for user",
+                                 "login is from an untrusted domain"}) {
+        if (error.localizedDescription().contains(QLatin1String(expected)))
+            return;
+    }
+    KNLogHelper::sharedInstance()->logError(error, {{QStringLiteral("Details"), details}});
+}
+
+KNRange MSSQLClient::processErrorDetails(const DatabaseMessage &message,
+                                         const KNQueryDetails &forQueryDetails)
+{
+    const QString word = offendingWord(message.msgtext);
+    if (word.isEmpty())
+        return KNRange();
+
+    KNRange hit;
+    SQLMetadataTokenizer tokenizer(forQueryDetails.targetQuery,
+                                   MSSQLDatabaseConnectionDetails::createPreParserOptions());
+    for (SQLToken token; tokenizer.next(&token);) {
+        if (holdsNoNames(token.kind))
+            continue;
+        for (qsizetype at = token.text.indexOf(word); at >= 0;
+             at = token.text.indexOf(word, at + word.size())) {
+            if (hit.isFound())
+                return KNRange();
+            hit = {forQueryDetails.queryRange.location + token.location + at, word.size()};
+        }
+    }
+    return hit;
+}
+
+KNError MSSQLClient::batchError(const KNQueryDetails &details, quint64 *lastLine) const
+{
+    constexpr qint32 DeadConnection = 20047;
+
+    QStringList texts;
+    KNRange range;
+    for (const DatabaseMessage &message : MSSQLMessageList::sharedInstance().messages()) {
+        *lastLine = message.line + details.lineNumberOffset - 1;
+        if (message.msgno == DeadConnection)
+            continue;
+        const QString text = KNFormat("Msg %d, Level %d, State %d.\r\n%@", message.msgno, message.severity,
+                                      message.msgstate, message.msgtext);
+        if (!texts.contains(text))
+            texts.append(text);
+        if (!range.isFound())
+            range = processErrorDetails(message, details);
+    }
+    QVariantMap userInfo;
+    if (range.isFound())
+        userInfo.insert(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges"),
+                        QVariantList{QVariant::fromValue(range)});
+    QString description = texts.join(QStringLiteral("\r\n"));
+    if (description.isEmpty())
+        description = wasCancelled()  ? QStringLiteral("Query was cancelled.")
+                      : isConnected() ? QStringLiteral("The server reported a failure without saying why.")
+                                      : QStringLiteral("The connection to the server was lost.");
+    return KNError(QStringLiteral("SQLClient"), 0, description, userInfo);
+}

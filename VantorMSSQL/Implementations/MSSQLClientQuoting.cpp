@@ -1,0 +1,96 @@
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+bool isKeyword(const QString &word)
+{
+    const QStringList &keywords = MSSQLDatabaseConnectionDetails::sqlKeywords();
+    return std::binary_search(keywords.begin(), keywords.end(), word, [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    });
+}
+
+bool needsBrackets(const QString &name)
+{
+    static const QRegularExpression mssqlRequireEscapeRegex(QStringLiteral("[^a-z_0-9]+"),
+                                                            QRegularExpression::CaseInsensitiveOption);
+    const bool startsWithDigit =
+        !name.isEmpty() && name.front() >= QLatin1Char('0') && name.front() <= QLatin1Char('9');
+    return mssqlRequireEscapeRegex.match(name).hasMatch() || startsWithDigit || isKeyword(name);
+}
+
+QString textLiteral(QString text)
+{
+    text.replace(QLatin1Char('\''), QLatin1String("''"));
+    return KNFormat("'%@'", text);
+}
+
+} // namespace
+
+QString MSSQLClient::escapeTableNameIfRequired(const QString &name)
+{
+    if (name.isNull())
+        return QString();
+    if (name.size() >= 3 && name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
+        return name;
+    if (const QStringList parts = name.split(QLatin1Char('.')); parts.size() == 2)
+        return KNFormat("%@.%@", escapeTableNameIfRequired(parts[0]), escapeTableNameIfRequired(parts[1]));
+    return needsBrackets(name) ? KNFormat("[%@]", name) : name;
+}
+
+QString MSSQLClient::unescapeTableNameIfRequired(const QString &name)
+{
+    if (name.isNull())
+        return QString();
+    if (const qsizetype dot = name.indexOf(QLatin1Char('.')); dot >= 0)
+        return KNFormat("%@.%@", unescapeTableNameIfRequired(name.left(dot)),
+                        unescapeTableNameIfRequired(name.mid(dot + 1)));
+    QString plain = name;
+    if (plain.startsWith(QLatin1Char('[')))
+        plain.remove(0, 1);
+    if (plain.endsWith(QLatin1Char(']')))
+        plain.chop(1);
+    return plain;
+}
+
+QString MSSQLClient::escapeSchemaAndTable(const QString &schema, const QString &table)
+{
+    if (schema.isEmpty())
+        return escapeTableNameIfRequired(table);
+    return KNFormat("%@.%@", escapeTableNameIfRequired(schema), escapeTableNameIfRequired(table));
+}
+
+QString MSSQLClient::escapeColumnValue(const KNValue &value)
+{
+    switch (value.kind()) {
+    case KNValue::Kind::Null:
+        return QStringLiteral("NULL");
+    case KNValue::Kind::Text:
+        return textLiteral(value.text());
+    case KNValue::Kind::Bytes:
+        return KNFormat("0x%@", QString::fromLatin1(value.bytes().toHex()));
+    default:
+        return value.displayText();
+    }
+}
+
+QString MSSQLClient::databaseProviderEscape(const KNValue &value)
+{
+    switch (value.kind()) {
+    case KNValue::Kind::Text:
+        if (value.text().compare(QLatin1String("null"), Qt::CaseInsensitive) == 0)
+            return QStringLiteral("NULL");
+        return textLiteral(value.text());
+    case KNValue::Kind::Bytes:
+        return KNFormat("0x%@", QString::fromLatin1(value.bytes().toHex().toUpper()));
+    case KNValue::Kind::Date:
+        return KNFormat("'%@'", value.date().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    default:
+        return escapeColumnValue(value);
+    }
+}

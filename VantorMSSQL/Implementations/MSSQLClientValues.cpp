@@ -1,0 +1,262 @@
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLColumnValue.h"
+
+#include <QDate>
+#include <QTime>
+
+#include <sybdb.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+// Type numbers of the protocol that sybdb.h leaves out.
+constexpr int SYBUNIQUE = 36;
+constexpr int SYBVARIANT = 98;
+constexpr int SYBMSUDT = 240;
+constexpr int SYBMSXML = 241;
+
+constexpr qint64 TicksPerMillisecond = 10'000;
+constexpr qint64 TicksPerSecond = KNDateTime::TicksPerSecond;
+constexpr qint64 TicksPerMinute = 60 * TicksPerSecond;
+constexpr qint64 TicksPerDay = 86'400 * TicksPerSecond;
+
+template <typename Fixed>
+Fixed read(const unsigned char *data)
+{
+    Fixed value;
+    std::memcpy(&value, data, sizeof value);
+    return value;
+}
+
+/// The first 32-bit word, of which the bytes past the value's end count as zero.
+quint32 firstWord(const unsigned char *data, int length)
+{
+    quint32 word = 0;
+    std::memcpy(&word, data, static_cast<std::size_t>(std::clamp(length, 0, 4)));
+    return word;
+}
+
+/// The fewest bytes that a value of a type has; below that it is null.
+int minimumLength(int type)
+{
+    switch (type) {
+    case SYBUNIQUE:
+        return 16;
+    case SYBINT1:
+        return 1;
+    case SYBINT2:
+        return 2;
+    case SYBINT4:
+    case SYBREAL:
+    case SYBMONEY4:
+    case SYBDATETIME4:
+        return 4;
+    case SYBINT8:
+    case SYBFLT8:
+    case SYBMONEY:
+    case SYBDATETIME:
+        return 8;
+    case SYBDATETIMN:
+        return 4;
+    case SYBDECIMAL:
+    case SYBNUMERIC:
+        return 3;
+    case SYBMSDATE:
+    case SYBMSTIME:
+    case SYBMSDATETIME2:
+    case SYBTIME:
+    case SYBBIGTIME:
+    case SYBMSDATETIMEOFFSET:
+        return sizeof(DBDATETIMEALL);
+    default:
+        return 0;
+    }
+}
+
+void appendMoney(KNRowStore &rows, const unsigned char *data)
+{
+    const quint64 amount = static_cast<quint64>(read<quint32>(data)) << 32 | read<quint32>(data + 4);
+    const auto signedAmount = static_cast<qint64>(amount);
+    const quint64 magnitude = signedAmount < 0 ? 0 - amount : amount;
+    unsigned char bytes[8];
+    for (int i = 0; i < 8; ++i)
+        bytes[i] = static_cast<unsigned char>(magnitude >> (56 - 8 * i));
+    rows.appendDecimal(bytes, sizeof bytes, signedAmount < 0, 4);
+}
+
+void appendDecimal(KNRowStore &rows, const unsigned char *data, int length)
+{
+    // precision, scale, then a sign byte and the magnitude in big-endian order
+    static constexpr int bytesPerPrecision[] = {1,  2,  2,  3,  3,  4,  4,  4,  5,  5,  6,  6,  6,
+                                                7,  7,  8,  8,  9,  9,  9,  10, 10, 11, 11, 11, 12,
+                                                12, 13, 13, 14, 14, 14, 15, 15, 16, 16, 16, 17, 17};
+    const int precision = std::min<int>(data[0], 38);
+    const int used = std::min(bytesPerPrecision[precision], length - 2);
+    if (used < 1)
+        return rows.appendNull();
+    rows.appendDecimal(data + 3, static_cast<std::size_t>(used - 1), data[2] != 0, data[1]);
+}
+
+void appendSmallDateTime(KNRowStore &rows, const unsigned char *data)
+{
+    KNDateTime date;
+    date.ticks = read<quint16>(data) * TicksPerDay + read<quint16>(data + 2) * TicksPerMinute;
+    date.fractionDigits = 0;
+    rows.appendDate(date);
+}
+
+void appendDateTime(KNRowStore &rows, const unsigned char *data)
+{
+    // Days since 1900 and three-hundredths of a second, shown in milliseconds.
+    const qint64 milliseconds = (qint64{read<qint32>(data + 4)} * 1000 + 150) / 300;
+    KNDateTime date;
+    date.ticks = read<qint32>(data) * TicksPerDay + milliseconds * TicksPerMillisecond;
+    date.fractionDigits = 3;
+    rows.appendDate(date);
+}
+
+/// db-lib's record for the newer date types, as ticks since 1900 with the offset applied.
+qint64 ticksOf(const DBDATETIMEALL &record)
+{
+    qint64 ticks = 0;
+    if (record.has_date)
+        ticks += record.date * TicksPerDay;
+    if (record.has_time)
+        ticks += static_cast<qint64>(record.time);
+    if (record.has_offset)
+        ticks += record.offset * TicksPerMinute;
+    return ticks;
+}
+
+void appendDateRecord(KNRowStore &rows, const unsigned char *data)
+{
+    const auto record = read<DBDATETIMEALL>(data);
+    KNDateTime date;
+    date.ticks = ticksOf(record);
+    date.parts = !record.has_time   ? KNDateTime::Parts::Date
+                 : !record.has_date ? KNDateTime::Parts::Time
+                                    : KNDateTime::Parts::DateAndTime;
+    date.fractionDigits = static_cast<quint8>(record.time_prec);
+    rows.appendDate(date);
+}
+
+/// The digits of a second that a datetimeoffset shows: the raw count of 100 ns steps cut to the declared
+/// digits.
+QString fractionText(const DBDATETIMEALL &record)
+{
+    const QString count = QString::number(record.time);
+    if (!record.has_time || record.time_prec == 0 || count.size() < 8)
+        return QStringLiteral("000");
+    return count.right(7).left(record.time_prec);
+}
+
+void appendDateTimeOffset(KNRowStore &rows, const unsigned char *data)
+{
+    const auto record = read<DBDATETIMEALL>(data);
+    KNDateTime date;
+    date.ticks = ticksOf(record);
+    date.fractionDigits = 0;
+    const int offset = record.offset;
+    const QString text = KNFormat("%@:%@ %@%02ld:%02ld", date.toString(), fractionText(record),
+                                  offset < -59 ? "-" : "+", std::abs(offset) / 60, std::abs(offset) % 60);
+    const QByteArray utf8 = text.toUtf8();
+    rows.appendText(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+}
+
+void appendUnknown(KNRowStore &rows, const MSSQLColumn &column)
+{
+    const QByteArray text = KNFormat("Unknown type. %d. (Column %s)", column.type, column.name).toUtf8();
+    rows.appendText(text.constData(), static_cast<std::size_t>(text.size()));
+}
+
+bool isOneOf(const QString &typeName, std::initializer_list<const char *> names)
+{
+    return std::any_of(names.begin(), names.end(), [&](const char *name) {
+        return typeName.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+    });
+}
+
+} // namespace
+
+void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsigned char *data, int length)
+{
+    if (!data || length < minimumLength(column.type))
+        return rows.appendNull();
+    const auto size = static_cast<std::size_t>(length);
+    switch (column.type) {
+    case SYBIMAGE:
+    case SYBBINARY:
+    case SYBMSUDT:
+        return rows.appendBytes(data, size);
+    case SYBTEXT:
+    case SYBCHAR:
+    case SYBMSXML:
+        return rows.appendText(data, size);
+    case SYBUNIQUE:
+        return rows.appendGuid(data);
+    case SYBINT1:
+        return rows.appendInt32(data[0]);
+    case SYBBIT:
+    case SYBVARIANT:
+        return rows.appendBool(firstWord(data, length) != 0);
+    case SYBINT2:
+        return rows.appendInt32(read<qint16>(data));
+    case SYBINT4:
+        return rows.appendInt32(read<qint32>(data));
+    case SYBINT8:
+        return rows.appendInt64(read<qint64>(data));
+    case SYBREAL:
+        return rows.appendFloat(read<float>(data));
+    case SYBFLT8:
+        return rows.appendDouble(read<double>(data));
+    case SYBMONEY:
+        return appendMoney(rows, data);
+    // A float on purpose, unlike the larger money type.
+    case SYBMONEY4:
+        return rows.appendFloat(static_cast<float>(read<qint32>(data) / 10000.0));
+    case SYBDECIMAL:
+    case SYBNUMERIC:
+        return appendDecimal(rows, data, length);
+    case SYBDATETIME4:
+        return appendSmallDateTime(rows, data);
+    case SYBDATETIMN:
+        if (length < 8)
+            return appendSmallDateTime(rows, data);
+        return appendDateTime(rows, data);
+    case SYBDATETIME:
+        return appendDateTime(rows, data);
+    case SYBMSDATE:
+    case SYBMSTIME:
+    case SYBMSDATETIME2:
+    case SYBTIME:
+    case SYBBIGTIME:
+        return appendDateRecord(rows, data);
+    case SYBMSDATETIMEOFFSET:
+        return appendDateTimeOffset(rows, data);
+    default:
+        return appendUnknown(rows, column);
+    }
+}
+
+QString MSSQLClient::displayForColumnType(const QString &typeName, const KNValue &maxLength, const KNValue &,
+                                          const KNValue &)
+{
+    if (maxLength.isNull())
+        return typeName;
+    const qint64 length = maxLength.toInt64();
+    if (length == -1) {
+        if (isOneOf(typeName, {"nvarchar", "varchar", "binary", "varbinary"}))
+            return typeName + QStringLiteral("(max)");
+        if (isOneOf(typeName, {"xml"}))
+            return typeName;
+    }
+    if (isOneOf(typeName, {"nvarchar", "nchar", "ntext"}))
+        return KNFormat("%@(%@)", typeName, QString::number(static_cast<double>(length) / 2));
+    if (isOneOf(typeName, {"datetime", "date", "time", "bit", "int", "image", "tinyint", "smallint",
+                           "uniqueidentifier", "hierarchyid"}))
+        return typeName;
+    return KNFormat("%@(%@)", typeName, maxLength.displayText());
+}

@@ -1,0 +1,141 @@
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNHostCache.h"
+#include "Foundation/KNPropertyList.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLInstancePort.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int DefaultLoginTimeout = 15;
+
+QStringList sortedWithoutCase(QStringList words)
+{
+    const auto less = [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    };
+    const auto same = [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) == 0;
+    };
+    std::sort(words.begin(), words.end(), less);
+    words.erase(std::unique(words.begin(), words.end(), same), words.end());
+    return words;
+}
+
+QStringList wordsOfResource(const char *name)
+{
+    KNError error;
+    const QStringList words = KNPropertyList::stringList(KNFormat(":/VantorMSSQL/%@.plist", name), &error);
+    KNAssert(!error, KNFormat("Resource %@ could not be read. %@", name, error.localizedDescription()),
+             QStringLiteral("Implementations/MSSQLDatabaseConnectionDetails"));
+    return sortedWithoutCase(words);
+}
+
+/// Two texts of which neither is nil and that are the same.
+bool areEqualTexts(const QString &left, const QString &right)
+{
+    return !left.isNull() && !right.isNull() && left == right;
+}
+
+/// The same, or one of them is not known.
+bool areCompatibleTexts(const QString &left, const QString &right)
+{
+    return left.isNull() || right.isNull() || left == right;
+}
+
+} // namespace
+
+MSSQLDatabaseConnectionDetails::MSSQLDatabaseConnectionDetails() = default;
+MSSQLDatabaseConnectionDetails::~MSSQLDatabaseConnectionDetails() = default;
+
+int MSSQLDatabaseConnectionDetails::loginTimeout() const
+{
+    const int seconds =
+        m_sessionParameters.value(QStringLiteral("loginTimeout"), DefaultLoginTimeout).toInt();
+    return seconds > 0 ? seconds : DefaultLoginTimeout;
+}
+
+VantorDBCPtr MSSQLDatabaseConnectionDetails::copy() const
+{
+    return VantorDBCPtr(new MSSQLDatabaseConnectionDetails(*this));
+}
+
+std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewClient() const
+{
+    return std::make_unique<MSSQLClient>(copy());
+}
+
+QString MSSQLDatabaseConnectionDetails::description() const
+{
+    if (database().isEmpty())
+        return KNFormat("%@@@%@:%lu:%@", username(), host(), port(), m_federationStatement);
+    return KNFormat("%@@@%@:%lu - %@:%@", username(), host(), port(), database(), m_federationStatement);
+}
+
+QVariantMap MSSQLDatabaseConnectionDetails::connectedWithDetails() const
+{
+    QVariantMap details;
+    details.insert(QStringLiteral("TDS"), m_tdsVersion ? QVariant(*m_tdsVersion) : QVariant());
+    details.insert(QStringLiteral("NTLMv2"), m_useNTLMv2 ? QVariant(*m_useNTLMv2) : QVariant());
+    return details;
+}
+
+const QStringList &MSSQLDatabaseConnectionDetails::keywords() const
+{
+    return sqlKeywords();
+}
+
+const QStringList &MSSQLDatabaseConnectionDetails::sqlKeywords()
+{
+    static const QStringList words = wordsOfResource("MSSQLKeywords");
+    return words;
+}
+
+const QStringList &MSSQLDatabaseConnectionDetails::sqlFunctions()
+{
+    static const QStringList words = wordsOfResource("MSSQLFunctions");
+    return words;
+}
+
+const QStringList &MSSQLDatabaseConnectionDetails::functionsAndKeywords()
+{
+    static const QStringList words = sortedWithoutCase(sqlKeywords() + sqlFunctions());
+    return words;
+}
+
+SQLTokenizerOptions MSSQLDatabaseConnectionDetails::createPreParserOptions()
+{
+    SQLTokenizerOptions options;
+    options.recognizesMSSQLVariables = true;
+    return options;
+}
+
+bool MSSQLDatabaseConnectionDetails::isEqualToDatabaseConnectionDetails(
+    const MSSQLDatabaseConnectionDetails *other) const
+{
+    return other && areEqualTexts(connectionId(), other->connectionId()) &&
+           areEqualTexts(host(), other->host()) && areEqualTexts(username(), other->username()) &&
+           areEqualTexts(password(), other->password()) && port() == other->port() &&
+           areCompatibleTexts(m_federationStatement, other->m_federationStatement) &&
+           areCompatibleTexts(database(), other->database());
+}
+
+void MSSQLDatabaseConnectionDetails::getHostAndPortForServer(const QString &server, quint16 *port,
+                                                             QString *host) const
+{
+    QString serverName = server;
+    if (const qsizetype backslash = server.indexOf(QLatin1Char('\\')); backslash >= 0) {
+        serverName = server.left(backslash);
+        const QString instance = server.mid(backslash + 1);
+        if (*port == 0) {
+            const QString address = KNHostCache::sharedInstance()->cachedIPAddressForHost(serverName);
+            if (const quint16 answer = dbportforinstance(address, instance))
+                *port = answer;
+        }
+    }
+    VantorDBC::getHostAndPortForServer(serverName, port, host);
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Database/VantorDBC.h"
+#include "SQL/SQLMetadataTokenizer.h"
+
+#include <optional>
+
+/// The settings of one SQL Server connection, and the factory of every SQL Server specific object.
+class MSSQLDatabaseConnectionDetails : public VantorDBC
+{
+public:
+    MSSQLDatabaseConnectionDetails();
+    ~MSSQLDatabaseConnectionDetails() override;
+
+    /// \name Azure federations: the member that the connection is bound to
+    /// @{
+    QString federationStatement() const { return m_federationStatement; }
+    void setFederationStatement(const QString &statement) { m_federationStatement = statement; }
+    QString federationName() const { return m_federationName; }
+    void setFederationName(const QString &name) { m_federationName = name; }
+    QString distributionName() const { return m_distributionName; }
+    void setDistributionName(const QString &name) { m_distributionName = name; }
+    QString distributionValue() const { return m_distributionValue; }
+    void setDistributionValue(const QString &value) { m_distributionValue = value; }
+    /// @}
+
+    /// The db-lib constant of the protocol version that connected last; empty while it is to be probed.
+    std::optional<int> tdsVersion() const { return m_tdsVersion; }
+    void setTdsVersion(std::optional<int> version) { m_tdsVersion = version; }
+    /// Whether the last login that succeeded used NTLMv2; empty while it is to be probed.
+    std::optional<bool> useNTLMv2() const { return m_useNTLMv2; }
+    void setUseNTLMv2(std::optional<bool> use) { m_useNTLMv2 = use; }
+
+    /// Seconds that connecting may take: the session parameter "loginTimeout", 15 when it is not there.
+    int loginTimeout() const;
+
+    QVariantMap sessionParameters() const override { return m_sessionParameters; }
+    void setSessionParameters(const QVariantMap &parameters) override { m_sessionParameters = parameters; }
+    quint16 defaultPort() const override { return 1433; }
+    VantorDBCPtr copy() const override;
+    std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
+    QString description() const override;
+    QVariantMap connectedWithDetails() const override;
+    const QStringList &keywords() const override;
+
+    /// The same list as keywords(), for who has no connection at hand. All three are sorted without regard to
+    /// case and hold each word once.
+    static const QStringList &sqlKeywords();
+    static const QStringList &sqlFunctions();
+    static const QStringList &functionsAndKeywords();
+
+    /// How T-SQL is cut into tokens: hash marks are no comments, comments do not nest, variables are
+    /// recognised.
+    static SQLTokenizerOptions createPreParserOptions();
+
+    /// Whether both mean the same connection. A database or a federation statement that only one of them has
+    /// makes no difference; a connection id, host, user name or password that both lack does.
+    bool isEqualToDatabaseConnectionDetails(const MSSQLDatabaseConnectionDetails *other) const;
+
+    /// Splits name, name:port, name,port, name\instance and name\instance:port. Asks the server's Browser for
+    /// an instance's port when `port` is 0: blocks, and leaves it 0 when there is no answer.
+    void getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const override;
+
+private:
+    MSSQLDatabaseConnectionDetails(const MSSQLDatabaseConnectionDetails &) = default;
+
+    QString m_federationStatement;
+    QString m_federationName;
+    QString m_distributionName;
+    QString m_distributionValue;
+    std::optional<int> m_tdsVersion;
+    std::optional<bool> m_useNTLMv2;
+    QVariantMap m_sessionParameters;
+};

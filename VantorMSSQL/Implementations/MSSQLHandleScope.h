@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Foundation/KNSemaphore.h"
+#include "Implementations/MSSQLCancellation.h"
+
+/// A stretch in which this thread may call db-lib on a connection's handle: holds the handle's semaphore, and
+/// can be interrupted by a cancel while db-lib waits.
+class MSSQLHandleScope
+{
+public:
+    MSSQLHandleScope(KNSemaphore &semaphore, MSSQLCancellation &cancellation, bool readingRows = false)
+        : m_semaphore(semaphore)
+        , m_cancellation(cancellation)
+        , m_readingRows(readingRows)
+    {
+        retake();
+    }
+    ~MSSQLHandleScope() { release(); }
+    MSSQLHandleScope(const MSSQLHandleScope &) = delete;
+    MSSQLHandleScope &operator=(const MSSQLHandleScope &) = delete;
+
+    void release()
+    {
+        if (!m_held)
+            return;
+        m_cancellation.leaveLibrary();
+        m_semaphore.signal();
+        m_held = false;
+    }
+    void retake()
+    {
+        m_semaphore.wait();
+        m_cancellation.enterLibrary(m_readingRows);
+        m_held = true;
+    }
+
+private:
+    KNSemaphore &m_semaphore;
+    MSSQLCancellation &m_cancellation;
+    const bool m_readingRows;
+    bool m_held = false;
+};

@@ -1,0 +1,13 @@
+#include "Plugin/MSSQLConnectorPlugin.h"
+
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+
+QString MSSQLConnectorPlugin::name() const
+{
+    return QStringLiteral("SQL Server");
+}
+
+std::shared_ptr<VantorDBC> MSSQLConnectorPlugin::createConnectionDetails() const
+{
+    return std::make_shared<MSSQLDatabaseConnectionDetails>();
+}

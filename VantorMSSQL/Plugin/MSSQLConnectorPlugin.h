@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Connector/KNConnectorPlugin.h"
+
+#include <QObject>
+
+/// The root object of the SQL Server connector.
+class MSSQLConnectorPlugin : public QObject, public KNConnectorPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID KNConnectorPlugin_iid FILE "MSSQLConnector.json")
+    Q_INTERFACES(KNConnectorPlugin)
+
+public:
+    QString name() const override;
+    std::shared_ptr<VantorDBC> createConnectionDetails() const override;
+};

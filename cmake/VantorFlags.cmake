@@ -1,0 +1,30 @@
+# The one place for compiler flags: every target of the house links Vantor::Flags.
+add_library(VantorFlags INTERFACE)
+add_library(Vantor::Flags ALIAS VantorFlags)
+
+option(VANTOR_WERROR "Treat warnings as errors" OFF)
+set(VANTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+
+target_compile_features(VantorFlags INTERFACE cxx_std_20)
+target_compile_options(VantorFlags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -fvisibility=hidden -fvisibility-inlines-hidden)
+target_compile_definitions(VantorFlags INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CONTEXTLESS_CONNECT QT_STRICT_ITERATORS
+  QT_NO_KEYWORDS QT_NO_URL_CAST_FROM_STRING)
+
+if(VANTOR_WERROR)
+  target_compile_options(VantorFlags INTERFACE -Werror)
+endif()
+if(VANTOR_SANITIZE)
+  # GCC 12 sees uninitialised values that are none where it instruments memory accesses.
+  target_compile_options(VantorFlags INTERFACE
+    -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+  target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
+endif()
+
+# Precompiles the Qt headers that nearly every file of a target includes.
+function(vantor_precompile_qt target)
+  target_precompile_headers(${target} PRIVATE
+    <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList> <QVariant>
+    <atomic> <functional> <memory> <mutex> <optional> <string> <vector>)
+endfunction()
