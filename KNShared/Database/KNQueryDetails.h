@@ -22,4 +22,5 @@ struct KNQueryDetails
     QString targetQuery;          ///< the text that goes to the server
     KNRange queryRange;           ///< where the batch stands in the editor text
     quint64 lineNumberOffset = 0; ///< line feeds of the editor text before the batch
+    quint32 repeatCount = 1;      ///< how often it runs, one time after the other
 };

@@ -29,3 +29,10 @@ void VantorDBC::getHostAndPortForServer(const QString &server, quint16 *port, QS
     if (isNumber && number > 0 && number <= 65535)
         *port = static_cast<quint16>(number);
 }
+
+bool VantorDBC::opensSameSession(const VantorDBC &other) const
+{
+    return m_host == other.m_host && m_port == other.m_port && m_username == other.m_username &&
+           m_password == other.m_password && m_database == other.m_database &&
+           sessionParameters() == other.sessionParameters() && description() == other.description();
+}

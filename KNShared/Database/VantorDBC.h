@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class KNQuerySplitter;
 class VantorDatabaseClient;
 class VantorDBC;
 
@@ -52,12 +53,21 @@ public:
     virtual VantorDBCPtr copy() const = 0;
     /// A new client with a copy of these settings, not connected.
     virtual std::unique_ptr<VantorDatabaseClient> createNewClient() const = 0;
+    /// A new splitter with the rules of the server's language.
+    virtual std::unique_ptr<KNQuerySplitter> createQuerySplitter() const = 0;
     /// A text for people and caches; never holds the password.
     virtual QString description() const = 0;
     /// What is worth remembering after a successful connect, so that the next one is quicker.
     virtual QVariantMap connectedWithDetails() const = 0;
+    /// Takes over what an earlier connect was worth remembering; an empty map makes the next one find out
+    /// anew.
+    virtual void setConnectedWithDetails(const QVariantMap &details) = 0;
     /// Keywords of the server's language, sorted without regard to case.
     virtual const QStringList &keywords() const = 0;
+
+    /// Whether a session opened with one of both can stand in for a session opened with the other: the same
+    /// server, account, database and parameters. Identity and display name do not matter.
+    bool opensSameSession(const VantorDBC &other) const;
 
     /// Splits "name:port" and "name,port". `port` keeps its value when the text holds none. An IPv6 address
     /// stands in brackets, or alone without a port. May ask the network in subclasses.

@@ -50,6 +50,12 @@ public:
     /// Whether the last run was stopped by cancelCurrentQuery(). Any thread.
     virtual bool wasCancelled() const = 0;
 
+    /// Whether the server has closed the connection since it was used last, as far as the machine knows. Asks
+    /// nobody. Of use between runs only.
+    virtual bool hasHungUp() const = 0;
+    /// Rolls back what is left open, so that somebody else can have the session. Asks the server, for some
+    /// seconds at most; false when the connection is of no use any more.
+    virtual bool resetSession() = 0;
     /// Called when the client goes back to the pool whose entry has the settings `details`. Carries what a
     /// user's query changed in the session over into both settings.
     virtual void prepareForPool(VantorDBC &details, bool isUserQuery) = 0;

@@ -48,6 +48,8 @@ public:
 
     /// Reads the next token; false at the end of the text.
     bool next(SQLToken *token);
+    /// Goes on at a place between two tokens.
+    void seek(qsizetype location) { m_position = location; }
     /// Everything at once.
     static QList<SQLToken> tokenize(QStringView text, const SQLTokenizerOptions &options);
 

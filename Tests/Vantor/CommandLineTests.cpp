@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -166,6 +169,49 @@ TEST(CommandLine, ASyntaxErrorTellsItsLine)
     EXPECT_TRUE(outcome.errors.contains("Msg 156, Level 15, State 1, Line 2\n") ||
                 outcome.errors.contains("Msg 102, Level 15, State 1, Line 2\n"))
         << outcome.errors.toStdString();
+}
+
+TEST(CommandLine, RunsTheBatchesOfAScript)
+{
+    const Outcome outcome = query({QStringLiteral("--format"), QStringLiteral("csv")},
+                                  "CREATE TABLE #n (n int)\nGO\nINSERT #n VALUES (1)\nGO 3\n"
+                                  "SELECT COUNT(*) AS rows FROM #n -- no GO\ngo\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output.trimmed().split('\n').last().trimmed(), "3");
+}
+
+TEST(CommandLine, AWrongNameInTheThirdBatchIsMarkedInTheWholeFile)
+{
+    const Outcome outcome = query(
+        {}, "SELECT 1\nGO\nSELECT 2\nGO\n\n  SELECT 1,\n\tnope FROM shop.dbo.Customers\nGO\nSELECT 3\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.errors.contains("Line 6")) << outcome.errors.toStdString();
+    EXPECT_TRUE(outcome.errors.contains("7: nope FROM shop.dbo.Customers\n   ^^^^\n"))
+        << outcome.errors.toStdString();
+}
+
+TEST(CommandLine, PrintsTheBatchesOfAFileAsJson)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("split"), QStringLiteral("-")}, "SELECT 'a\"'\nGO 2\n\nSELECT 2\n").wait();
+    EXPECT_EQ(outcome.status, 0);
+    const QJsonArray batches = QJsonDocument::fromJson(outcome.output).array();
+    ASSERT_EQ(batches.size(), 3) << outcome.output.toStdString();
+    EXPECT_EQ(batches[1], batches[0]);
+    EXPECT_EQ(batches[0].toObject(),
+              (QJsonObject{{QStringLiteral("targetQuery"), QStringLiteral("SELECT 'a\"'")},
+                           {QStringLiteral("location"), 0},
+                           {QStringLiteral("length"), 11},
+                           {QStringLiteral("lineNumberOffset"), 0}}));
+    EXPECT_EQ(batches[2].toObject()[QStringLiteral("location")], 18);
+    EXPECT_EQ(batches[2].toObject()[QStringLiteral("lineNumberOffset")], 3);
+}
+
+TEST(CommandLine, SplittingAFileThatIsNotThereEndsWithStatus2)
+{
+    EXPECT_EQ(Program({QStringLiteral("split"), QStringLiteral("/nowhere/x.sql")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("split")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("split"), QStringLiteral("-")}).wait().output, "[]\n");
 }
 
 TEST(CommandLine, WrongUsageEndsWithStatus2)

@@ -1,6 +1,7 @@
 #include "Foundation/KNAssert.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "SQL/KNQuerySplitter.h"
 
 #include "Support/PrintQt.h"
 
@@ -197,8 +198,10 @@ public:
     quint16 defaultPort() const override { return 0; }
     VantorDBCPtr copy() const override { return nullptr; }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override { return nullptr; }
+    std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
     QString description() const override { return {}; }
     QVariantMap connectedWithDetails() const override { return {}; }
+    void setConnectedWithDetails(const QVariantMap &) override {}
     const QStringList &keywords() const override
     {
         static const QStringList none;

@@ -1,5 +1,7 @@
 #include "CommandLine/QueryCommand.h"
 
+#include "CommandLine/ErrorExcerpt.h"
+#include "CommandLine/ExitStatus.h"
 #include "CommandLine/InterruptWatcher.h"
 #include "CommandLine/QueryOptions.h"
 #include "CommandLine/QueryPrinter.h"
@@ -8,6 +10,7 @@
 #include "Database/VantorDatabaseClient.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
+#include "SQL/KNQuerySplitter.h"
 
 #include <QFile>
 
@@ -33,7 +36,14 @@ std::optional<QString> readPassword(const QString &user)
     return Terminal::promptWithoutEcho(KNFormat("Password for %@: ", user));
 }
 
-/// Runs the text on a thread of its own while this one writes what arrives.
+QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
+{
+    const auto splitter = settings.createQuerySplitter();
+    splitter->setRequiresFullSplit(true);
+    return splitter->doSplitQuery(text);
+}
+
+/// Runs the text's batches on a thread of its own while this one writes what arrives.
 int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
             InterruptWatcher &interrupts)
 {
@@ -45,11 +55,12 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
     holder.setReadAhead(QueryPrinter::ReadAhead);
 
+    const QList<KNQueryDetails> batches = batchesOf(text, client.databaseConnectionDetails());
     KNError error;
     std::atomic<bool> done = false;
     std::thread worker([&] {
         try {
-            client.executeQueryDetails({{text, {0, text.size()}, 0}}, holder, {}, &error);
+            client.executeQueryDetails(batches, holder, {}, &error);
         } catch (const KNAssertionFailure &failure) {
             error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, failure.message());
         }
@@ -74,6 +85,8 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
         return fail(ExitUsage, QStringLiteral("The results could not be written to standard output."));
     if (client.wasCancelled())
         return fail(ExitCancelled, QStringLiteral("Query was cancelled."));
+    if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
+        Terminal::printError(excerpt, Terminal::Colour::None);
     if (error && !printer.hadErrors())
         return fail(ExitSqlError, error.localizedDescription());
     return printer.hadErrors() ? ExitSqlError : ExitSuccess;

@@ -4,15 +4,6 @@
 
 #include <QStringList>
 
-/// The exit statuses of vantor-cli.
-enum ExitStatus : int {
-    ExitSuccess = 0,
-    ExitSqlError = 1,
-    ExitUsage = 2,
-    ExitNoConnection = 3,
-    ExitCancelled = 130,
-};
-
 /// "vantor-cli query": runs a text on a server and writes its results to standard output, everything else to
 /// standard error. `arguments` are those behind the command's name, `emptySettings` a new record of the
 /// connector. Returns the exit status.

@@ -23,7 +23,6 @@ struct QueryOptions
     static std::optional<QueryOptions> parse(const QStringList &arguments, KNError *error);
     static QString helpText();
 
-    /// The text to run: the argument, the file ("-" is standard input) or standard input. UTF-8, or UTF-16
-    /// with a byte-order mark. Empty with an error when it cannot be read.
+    /// The text to run: the argument, the file or standard input. Empty with an error when it cannot be read.
     std::optional<QString> readText(KNError *error) const;
 };

@@ -1,22 +1,12 @@
 #include "CommandLine/TableWriter.h"
 
-#include <algorithm>
+#include "CommandLine/Terminal.h"
 
-#include <wchar.h>
+#include <algorithm>
 
 namespace {
 
 constexpr qsizetype RowsForWidths = 200;
-
-/// Places on a terminal that a text takes: wide characters take two, combining ones none.
-int displayWidth(const QString &text)
-{
-    int width = 0;
-    const auto codePoints = text.toUcs4();
-    for (const uint codePoint : codePoints)
-        width += std::max(0, wcwidth(static_cast<wchar_t>(codePoint)));
-    return width;
-}
 
 QString cellText(const KNValue &value)
 {
@@ -49,7 +39,7 @@ void TableWriter::beginResult(const QStringList &columnNames)
     m_columnNames = columnNames;
     m_widths.clear();
     for (const QString &name : columnNames)
-        m_widths.append(displayWidth(name));
+        m_widths.append(Terminal::displayWidth(name));
     m_held.clear();
     m_holding = true;
 }
@@ -82,7 +72,7 @@ void TableWriter::writeHeld()
     for (const KNRow &row : std::as_const(m_held)) {
         const QStringList cells = cellTexts(row);
         for (qsizetype i = 0; i < cells.size(); ++i)
-            m_widths[i] = std::max(m_widths[i], displayWidth(cells[i]));
+            m_widths[i] = std::max(m_widths[i], Terminal::displayWidth(cells[i]));
     }
     writeLine(m_columnNames, QList<bool>(m_columnNames.size(), false));
     QByteArrayList rules;
@@ -98,7 +88,7 @@ void TableWriter::writeLine(const QStringList &cells, const QList<bool> &rightAl
 {
     QString line;
     for (qsizetype i = 0; i < cells.size(); ++i) {
-        const QString padding(std::max(0, m_widths[i] - displayWidth(cells[i])), QLatin1Char(' '));
+        const QString padding(std::max(0, m_widths[i] - Terminal::displayWidth(cells[i])), QLatin1Char(' '));
         if (i > 0)
             line += QStringLiteral("  ");
         if (rightAligned[i])

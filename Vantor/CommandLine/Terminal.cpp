@@ -6,6 +6,9 @@
 #include <stdio.h>
 #include <termios.h>
 #include <unistd.h>
+#include <wchar.h>
+
+#include <algorithm>
 
 namespace Terminal {
 
@@ -54,6 +57,15 @@ private:
 };
 
 } // namespace
+
+int displayWidth(const QString &text)
+{
+    int width = 0;
+    const auto codePoints = text.toUcs4();
+    for (const uint codePoint : codePoints)
+        width += std::max(0, wcwidth(static_cast<wchar_t>(codePoint)));
+    return width;
+}
 
 bool isOutputTerminal()
 {

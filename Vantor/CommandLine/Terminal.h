@@ -18,6 +18,9 @@ void printError(const QString &line, Colour colour = Colour::None);
 /// Asks for a text on the controlling terminal without echo; empty when there is none.
 std::optional<QString> promptWithoutEcho(const QString &prompt);
 
+/// Places on a terminal that a text takes: wide characters take two, combining ones none.
+int displayWidth(const QString &text);
+
 /// A turning sign with rows and seconds on standard error, while it is a terminal and results are not shown
 /// on it.
 class Spinner

@@ -1,4 +1,6 @@
+#include "CommandLine/ExitStatus.h"
 #include "CommandLine/QueryCommand.h"
+#include "CommandLine/SplitCommand.h"
 #include "CommandLine/Terminal.h"
 #include "Connector/KNConnectorLoader.h"
 #include "Connector/KNConnectorPlugin.h"
@@ -9,6 +11,7 @@
 #include <QCoreApplication>
 #include <QDir>
 
+#include <algorithm>
 #include <clocale>
 
 namespace {
@@ -17,8 +20,20 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "\n"
                         "Commands:\n"
                         "  query    run SQL on a server and write its results\n"
+                        "  split    print the batches of a script as JSON\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
+
+struct Command
+{
+    const char *name;
+    int (*run)(const QStringList &arguments, const VantorDBCPtr &emptySettings);
+};
+
+constexpr Command Commands[] = {
+    {"query", runQueryCommand},
+    {"split", runSplitCommand},
+};
 
 /// The first connector beside the program that can be used. What is wrong with the others is told.
 KNConnectorPlugin *loadConnector()
@@ -47,7 +62,10 @@ int run(const QStringList &arguments)
         printf("vantor-cli %s\n", VANTOR_VERSION);
         return ExitSuccess;
     }
-    if (command != QLatin1String("query")) {
+    const auto *found = std::find_if(std::begin(Commands), std::end(Commands), [&](const Command &known) {
+        return command == QLatin1String(known.name);
+    });
+    if (found == std::end(Commands)) {
         if (!command.isEmpty())
             Terminal::printError(KNFormat("There is no command \"%@\".", command), Terminal::Colour::Red);
         fputs(HelpText, stderr);
@@ -56,7 +74,7 @@ int run(const QStringList &arguments)
     KNConnectorPlugin *connector = loadConnector();
     if (!connector)
         return ExitNoConnection;
-    return runQueryCommand(arguments.mid(2), connector->createConnectionDetails());
+    return found->run(arguments.mid(2), connector->createConnectionDetails());
 }
 
 } // namespace

@@ -123,23 +123,6 @@ bool MSSQLClient::stopAtServer()
     return dbcancel(m_dbProc) == SUCCEED;
 }
 
-void MSSQLClient::prepareForPool(VantorDBC &details, bool isUserQuery)
-{
-    if (!isUserQuery)
-        return;
-    const KNSemaphoreLocker handle(m_dbProcSemaphore);
-    if (!m_dbProc)
-        return;
-    const QString current = QString::fromUtf8(dbname(m_dbProc));
-    const QString wanted = m_databaseConnectionDetails->database();
-    if (wanted.isEmpty() && current.compare(QLatin1String("master"), Qt::CaseInsensitive) == 0)
-        return;
-    if (current.compare(wanted, Qt::CaseInsensitive) != 0) {
-        m_databaseConnectionDetails->setDatabase(current);
-        details.setDatabase(current);
-    }
-}
-
 void MSSQLClient::enableFreeTDSLogging()
 {
     const QString logFile = KNLogHelper::sharedInstance()->filePath();

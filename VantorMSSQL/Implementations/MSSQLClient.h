@@ -49,6 +49,8 @@ public:
     bool rollbackTransaction(KNError *error) override;
     bool cancelCurrentQuery(KNError *error) override;
     bool wasCancelled() const override { return m_cancellation.isRequested(); }
+    bool hasHungUp() const override;
+    bool resetSession() override;
     void prepareForPool(VantorDBC &details, bool isUserQuery) override;
 
     /// Switches db-lib's protocol trace on, into "freetds.pid<n>.log" in the log's folder.

@@ -31,7 +31,7 @@ private:
 
 KNQueryDetails wholeText(const QString &sql)
 {
-    return {sql, {0, sql.size()}, 0};
+    return {sql, {0, sql.size()}};
 }
 
 /// The messages that were collected meanwhile, with their lines in the whole text.
@@ -74,9 +74,11 @@ bool MSSQLClient::executeQueryDetails(const QList<KNQueryDetails> &queries, KNRe
         executeQueryInternal(federation, withResultSet, error);
     KNLogHelper::sharedInstance()->logMessage("executeQueryDetails (%ld queries).", queries.size());
     for (const KNQueryDetails &details : queries) {
-        if (error->isSet() || wasCancelled())
-            break;
-        executeQueryDetails(details, withResultSet, error);
+        for (quint32 times = 0; times < details.repeatCount; ++times) {
+            if (error->isSet() || wasCancelled())
+                return true;
+            executeQueryDetails(details, withResultSet, error);
+        }
     }
     return true;
 }

@@ -6,12 +6,15 @@
 #include "Foundation/KNPropertyList.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLInstancePort.h"
+#include "Implementations/MSSQLQuerySplitter.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr int DefaultLoginTimeout = 15;
+const QString ConnectedTds = QStringLiteral("TDS");
+const QString ConnectedNTLMv2 = QStringLiteral("NTLMv2");
 
 QStringList sortedWithoutCase(QStringList words)
 {
@@ -69,6 +72,11 @@ std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewC
     return std::make_unique<MSSQLClient>(copy());
 }
 
+std::unique_ptr<KNQuerySplitter> MSSQLDatabaseConnectionDetails::createQuerySplitter() const
+{
+    return std::make_unique<MSSQLQuerySplitter>(createPreParserOptions());
+}
+
 QString MSSQLDatabaseConnectionDetails::description() const
 {
     if (database().isEmpty())
@@ -78,10 +86,16 @@ QString MSSQLDatabaseConnectionDetails::description() const
 
 QVariantMap MSSQLDatabaseConnectionDetails::connectedWithDetails() const
 {
-    QVariantMap details;
-    details.insert(QStringLiteral("TDS"), m_tdsVersion ? QVariant(*m_tdsVersion) : QVariant());
-    details.insert(QStringLiteral("NTLMv2"), m_useNTLMv2 ? QVariant(*m_useNTLMv2) : QVariant());
-    return details;
+    return {{ConnectedTds, m_tdsVersion ? QVariant(*m_tdsVersion) : QVariant()},
+            {ConnectedNTLMv2, m_useNTLMv2 ? QVariant(*m_useNTLMv2) : QVariant()}};
+}
+
+void MSSQLDatabaseConnectionDetails::setConnectedWithDetails(const QVariantMap &details)
+{
+    const QVariant tds = details.value(ConnectedTds);
+    const QVariant ntlm = details.value(ConnectedNTLMv2);
+    m_tdsVersion = tds.isValid() ? std::optional(tds.toInt()) : std::nullopt;
+    m_useNTLMv2 = ntlm.isValid() ? std::optional(ntlm.toBool()) : std::nullopt;
 }
 
 const QStringList &MSSQLDatabaseConnectionDetails::keywords() const

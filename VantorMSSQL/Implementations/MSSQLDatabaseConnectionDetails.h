@@ -39,8 +39,10 @@ public:
     quint16 defaultPort() const override { return 1433; }
     VantorDBCPtr copy() const override;
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
+    std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
     QString description() const override;
     QVariantMap connectedWithDetails() const override;
+    void setConnectedWithDetails(const QVariantMap &details) override;
     const QStringList &keywords() const override;
 
     /// The same list as keywords(), for who has no connection at hand. All three are sorted without regard to

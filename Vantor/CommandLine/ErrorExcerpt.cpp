@@ -1,0 +1,45 @@
+#include "CommandLine/ErrorExcerpt.h"
+
+#include "CommandLine/Terminal.h"
+#include "Database/KNQueryDetails.h"
+#include "Foundation/KNFormat.h"
+
+namespace {
+
+KNRange markedRange(const KNError &error)
+{
+    const QVariantList ranges =
+        error.userInfo().value(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges")).toList();
+    return ranges.isEmpty() ? KNRange() : ranges.constFirst().value<KNRange>();
+}
+
+/// As wide as the text on a terminal; tabs stay, so that what follows them lines up.
+QString blanksFor(const QString &text)
+{
+    QString blanks;
+    const auto parts = text.split(QLatin1Char('\t'));
+    for (const QString &part : parts)
+        blanks += QString(Terminal::displayWidth(part), QLatin1Char(' ')) + QLatin1Char('\t');
+    blanks.chop(1);
+    return blanks;
+}
+
+} // namespace
+
+QString errorExcerpt(const QString &text, const KNError &error)
+{
+    const KNRange range = markedRange(error);
+    if (!range.isFound())
+        return QString();
+    const QStringView before = QStringView(text).left(range.location);
+    const qsizetype begin = before.lastIndexOf(QLatin1Char('\n')) + 1;
+    const qsizetype lineFeed = text.indexOf(QLatin1Char('\n'), range.location);
+    const QString line = text.mid(begin, (lineFeed < 0 ? text.size() : lineFeed) - begin).trimmed();
+    const qsizetype indent = text.indexOf(line, begin) - begin;
+
+    const QString head = KNFormat("%ld: ", before.count(QLatin1Char('\n')) + 1);
+    const QString lead = line.left(range.location - begin - indent);
+    const qsizetype width = Terminal::displayWidth(text.mid(range.location, range.length));
+    return KNFormat("%@%@\n%@%@%@", head, line, QString(head.size(), QLatin1Char(' ')), blanksFor(lead),
+                    QString(width, QLatin1Char('^')));
+}
