@@ -9,6 +9,7 @@
 #include <memory>
 
 class KNQuerySplitter;
+class KNSystemDatabaseQueryHelper;
 class VantorDatabaseClient;
 class VantorDBC;
 
@@ -55,6 +56,8 @@ public:
     virtual std::unique_ptr<VantorDatabaseClient> createNewClient() const = 0;
     /// A new splitter with the rules of the server's language.
     virtual std::unique_ptr<KNQuerySplitter> createQuerySplitter() const = 0;
+    /// The catalog queries for these settings' server.
+    virtual std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const = 0;
     /// A text for people and caches; never holds the password.
     virtual QString description() const = 0;
     /// What is worth remembering after a successful connect, so that the next one is quicker.

@@ -18,7 +18,8 @@
 class KNSHARED_EXPORT VantorDatabaseClient
 {
 public:
-    using Progress = std::function<void(double percent)>;
+    /// Told how far something has come, from 0 to below 100; the second argument is always null.
+    using Progress = std::function<void(double percentage, const void *)>;
 
     virtual ~VantorDatabaseClient();
 
@@ -39,6 +40,13 @@ public:
     virtual std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) = 0;
     /// Runs a batch whose rows are of no interest. Failures are reported through `error` only.
     virtual bool executeNonQuery(const QString &sql, KNError *error) = 0;
+
+    /// Loads rows, each with its values in the order of the columns, into the table with this path (the name,
+    /// or schema and name), inside one transaction: all of them or none. `columnTypes` are the names of the
+    /// columns' types. `progressBlock` may be empty. `error` must be given.
+    virtual bool bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                            const QStringList &columnNames, const QStringList &columnTypes,
+                            const Progress &progressBlock, KNError *error) = 0;
 
     virtual bool beginTransaction(KNError *error) = 0;
     virtual bool commitTransaction(KNError *error) = 0;

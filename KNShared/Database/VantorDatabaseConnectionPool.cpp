@@ -29,7 +29,7 @@ VantorDatabaseConnectionPool::VantorDatabaseConnectionPool()
 
 VantorDatabaseConnectionPool::VantorDatabaseConnectionPool(Limits limits)
     : m_limits(limits)
-    , m_caretaker([this] { closeSurplus(); })
+    , m_caretaker([this] { closeExpired(); })
 {
 }
 
@@ -83,8 +83,8 @@ VantorDatabaseConnectionPool::Client VantorDatabaseConnectionPool::connectedClie
     if (!isConnected) {
         experience.isUnreliable = true;
         if (isInformed) {
-            // The same login has succeeded before, so it is what was learned that does not hold any more. Only
-            // then another attempt is safe: wrong passwords lock accounts.
+            // The same login has succeeded before, so it is what was learned that does not hold any more.
+            // Only then another attempt is safe: wrong passwords lock accounts.
             const VantorDBCPtr uninformed = details.copy();
             uninformed->setConnectedWithDetails({});
             client = uninformed->createNewClient();
@@ -149,11 +149,13 @@ void VantorDatabaseConnectionPool::giveBack(const VantorDBC &details, Client cli
     client->prepareForPool(*entryDetails, false);
     if (!client->resetSession())
         return;
+    std::vector<VantorIdleClients::Entry> surplus;
     {
         const std::lock_guard lock(m_mutex);
         if (m_isEnding)
             return;
         m_idle.add({entryDetails, std::move(client), VantorIdleClients::Clock::now()});
+        surplus = m_idle.takeSurplus(m_limits.idlePerConnection, m_limits.idle);
     }
     m_changed.notify_all();
 }
@@ -189,7 +191,7 @@ void VantorDatabaseConnectionPool::remember(const Experience &experience)
 }
 
 /// The caretaker's work, to the end of the pool.
-void VantorDatabaseConnectionPool::closeSurplus()
+void VantorDatabaseConnectionPool::closeExpired()
 {
     std::unique_lock lock(m_mutex);
     while (!m_isEnding) {
@@ -197,10 +199,9 @@ void VantorDatabaseConnectionPool::closeSurplus()
             m_changed.wait(lock);
         else
             m_changed.wait_until(lock, m_idle.oldest() + m_limits.idleTime);
-        const auto before = VantorIdleClients::Clock::now() - m_limits.idleTime;
-        auto surplus = m_idle.takeSurplus(before, m_limits.idlePerConnection, m_limits.idle);
+        auto expired = m_idle.takeExpired(VantorIdleClients::Clock::now() - m_limits.idleTime);
         lock.unlock();
-        surplus.clear();
+        expired.clear();
         lock.lock();
     }
 }

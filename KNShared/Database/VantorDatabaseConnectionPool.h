@@ -67,7 +67,7 @@ private:
     void dropIdle(const VantorDBC &details);
     Experience experienceWith(const VantorDBC &details) const;
     void remember(const Experience &experience);
-    void closeSurplus();
+    void closeExpired();
 
     const Limits m_limits;
     mutable std::mutex m_mutex;

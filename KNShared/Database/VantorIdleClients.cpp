@@ -19,16 +19,18 @@ std::vector<VantorIdleClients::Entry> VantorIdleClients::takeAll(const VantorDBC
     return takeIf([&](const Entry &entry) { return entry.details->opensSameSession(details); });
 }
 
-std::vector<VantorIdleClients::Entry> VantorIdleClients::takeSurplus(Clock::time_point before,
-                                                                     std::size_t maximumPerConnection,
+std::vector<VantorIdleClients::Entry> VantorIdleClients::takeExpired(Clock::time_point since)
+{
+    return takeIf([&](const Entry &entry) { return entry.since <= since; });
+}
+
+std::vector<VantorIdleClients::Entry> VantorIdleClients::takeSurplus(std::size_t maximumPerConnection,
                                                                      std::size_t maximum)
 {
-    std::vector<Entry> surplus = takeIf([&](const Entry &entry) {
-        if (entry.since < before)
-            return true;
-        // Of those with the same settings, the ones behind this one were used later.
+    auto surplus = takeIf([&](const Entry &entry) {
+        // Those behind this one were used later.
         const auto later = std::count_if(m_entries.begin(), m_entries.end(), [&](const Entry &other) {
-            return &other > &entry && other.client && other.details->opensSameSession(*entry.details);
+            return &other > &entry && other.details->opensSameSession(*entry.details);
         });
         return static_cast<std::size_t>(later) >= maximumPerConnection;
     });

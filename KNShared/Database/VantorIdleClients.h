@@ -25,10 +25,10 @@ public:
     /// All with these settings.
     std::vector<Entry> takeAll(const VantorDBC &details);
     std::vector<Entry> takeAll() { return std::exchange(m_entries, {}); }
-    /// What is idle since before that time, what is too much for one setting, and then the oldest until no
-    /// more than `maximum` are left.
-    std::vector<Entry> takeSurplus(Clock::time_point before, std::size_t maximumPerConnection,
-                                   std::size_t maximum);
+    /// What is idle since that time or longer.
+    std::vector<Entry> takeExpired(Clock::time_point since);
+    /// The oldest of those that are too many, for one connection and altogether.
+    std::vector<Entry> takeSurplus(std::size_t maximumPerConnection, std::size_t maximum);
     /// Since when the oldest waits; the end of time when there is none.
     Clock::time_point oldest() const;
 

@@ -1,6 +1,7 @@
 #include "Foundation/KNAssert.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 #include "SQL/KNQuerySplitter.h"
 
 #include "Support/PrintQt.h"
@@ -199,6 +200,7 @@ public:
     VantorDBCPtr copy() const override { return nullptr; }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override { return nullptr; }
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
+    std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override { return nullptr; }
     QString description() const override { return {}; }
     QVariantMap connectedWithDetails() const override { return {}; }
     void setConnectedWithDetails(const QVariantMap &) override {}

@@ -80,7 +80,8 @@ TEST(QuerySplitter, AnEmptyBatchStillCountsItsLines)
 
 TEST(QuerySplitter, TakesACountAndAComment)
 {
-    const auto batches = split(QStringLiteral("a\nGO 5\nb\nGO 3 -- thrice\nc\nGO -- once\nd\nGO/* x */ 2\ne"));
+    const auto batches =
+        split(QStringLiteral("a\nGO 5\nb\nGO 3 -- thrice\nc\nGO -- once\nd\nGO/* x */ 2\ne"));
     ASSERT_EQ(batches.size(), 5);
     const QList<quint32> counts = {5, 3, 1, 2, 1};
     for (qsizetype i = 0; i < batches.size(); ++i)
@@ -95,17 +96,17 @@ TEST(QuerySplitter, GoWithACountOfZeroRunsNothing)
 
 TEST(QuerySplitter, IsNotTakenInByWhatOnlyLooksLikeGo)
 {
-    for (const char *text :
-         {"GOTO done", "gone_ts", "GO;", "GO x", "GO 5 6", "GO 5x", "GO 1.5", "GO -1", "GO 0x5", "GO 99999999999",
-          "SELECT 1 GO", "@GO", "#GO", "GO.x", "[GO]", "\"GO\"", "GO /* not closed\n*/ here", "-- GO", "a, GO"})
+    for (const char *text : {"GOTO done", "gone_ts", "GO;", "GO x", "GO 5 6", "GO 5x", "GO 1.5", "GO -1",
+                             "GO 0x5", "GO 99999999999", "SELECT 1 GO", "@GO", "#GO", "GO.x", "[GO]",
+                             "\"GO\"", "GO /* not closed\n*/ here", "-- GO", "a, GO"})
         EXPECT_EQ(queries(text), list({text}));
 }
 
 TEST(QuerySplitter, KeepsGoInsideTextAndCommentsWhole)
 {
     for (const char *text :
-         {"SELECT '\nGO\n'", "SELECT 'it''s\nGO\n'", "SELECT N'\nGO\n'", "SELECT \"a\"\"\nGO\n\"", "SELECT [a]]\nGO\n]",
-          "/*\nGO\n*/ x", "/* /* */\nGO\n*/ x", "-- '\nx", "SELECT '\nGO"})
+         {"SELECT '\nGO\n'", "SELECT 'it''s\nGO\n'", "SELECT N'\nGO\n'", "SELECT \"a\"\"\nGO\n\"",
+          "SELECT [a]]\nGO\n]", "/*\nGO\n*/ x", "/* /* */\nGO\n*/ x", "-- '\nx", "SELECT '\nGO"})
         EXPECT_EQ(queries(text), list({text}));
 }
 
@@ -151,7 +152,8 @@ TEST(QuerySplitter, EveryRangeHoldsItsBatch)
         const QString part = text.mid(batch.queryRange.location, batch.queryRange.length);
         EXPECT_EQ(part.trimmed(), batch.targetQuery);
         EXPECT_TRUE(part.startsWith(batch.targetQuery));
-        EXPECT_EQ(batch.lineNumberOffset, quint64(text.left(batch.queryRange.location).count(QLatin1Char('\n'))));
+        EXPECT_EQ(batch.lineNumberOffset,
+                  quint64(text.left(batch.queryRange.location).count(QLatin1Char('\n'))));
     }
 }
 
@@ -175,7 +177,8 @@ TEST(QuerySplitter, StopsWhenItIsCancelled)
 /// What would make a splitter slow that goes back: many near-separators, many openings, one long batch.
 TEST(QuerySplitter, TakesTimeInProportionToTheText)
 {
-    for (const char *piece : {"GO x\n", "GO /*\n*/ x\n", "[\n", "'\nGO\n", "/* /*\n", "a\nGO\n", "GO 1 2\n", " \n"}) {
+    for (const char *piece :
+         {"GO x\n", "GO /*\n*/ x\n", "[\n", "'\nGO\n", "/* /*\n", "a\nGO\n", "GO 1 2\n", " \n"}) {
         const QString text = QString::fromLatin1(piece).repeated(20000);
         double begin = processorTime();
         split(text);

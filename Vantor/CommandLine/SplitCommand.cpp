@@ -55,8 +55,7 @@ int runSplitCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Show this help."));
     parser.addOption(help);
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-                                 QStringLiteral("The script; - is standard input."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The script; - is standard input."));
     if (!parser.parse(QStringList{QStringLiteral("vantor-cli split")} + arguments))
         return fail(parser.errorText());
     if (parser.isSet(help)) {

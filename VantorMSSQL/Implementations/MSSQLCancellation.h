@@ -89,3 +89,20 @@ private:
     bool m_inLibrary = false;    ///< guarded by m_mutex
     pthread_t m_libraryThread{}; ///< guarded by m_mutex
 };
+
+/// Marks a run for its duration, so that a cancel finds something to stop.
+class MSSQLRunScope
+{
+public:
+    explicit MSSQLRunScope(MSSQLCancellation &cancellation)
+        : m_cancellation(cancellation)
+    {
+        m_cancellation.beginRun();
+    }
+    ~MSSQLRunScope() { m_cancellation.endRun(); }
+    MSSQLRunScope(const MSSQLRunScope &) = delete;
+    MSSQLRunScope &operator=(const MSSQLRunScope &) = delete;
+
+private:
+    MSSQLCancellation &m_cancellation;
+};

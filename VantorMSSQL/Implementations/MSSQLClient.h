@@ -41,6 +41,14 @@ public:
     bool executeQueryInternal(const QString &sql, KNResultSetHolder &withResultSet, KNError *error);
     std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) override;
     bool executeNonQuery(const QString &sql, KNError *error) override;
+    /// A number given as text goes to a numeric column without quotes, commas and dollar signs; whatever else
+    /// goes as escapeColumnValue() writes it.
+    bool bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                    const QStringList &columnNames, const QStringList &columnTypes,
+                    const Progress &progressBlock, KNError *error) override;
+    /// Sends one INSERT statement: its head, and the rows as "(1,'a')".
+    bool performBulkInsert(const QStringList &rows, const QString &header, const QStringList &dataTypes,
+                           KNError *error);
     /// Runs a batch and only logs what it gave; whether it could be run.
     bool testCommand(const QString &sql);
 
@@ -75,6 +83,8 @@ public:
     static QString unescapeTableNameIfRequired(const QString &name);
     /// schema.table, each in brackets where it needs them; the table alone when the schema is null or empty.
     static QString escapeSchemaAndTable(const QString &schema, const QString &table);
+    /// The table with this path, the name or schema and name, quoted as the above.
+    static QString escapeTablePaths(const QStringList &path);
     /// A literal for row editing: text without N prefix, lower-case hexadecimal, NULL for null, the rest as
     /// it shows.
     static QString escapeColumnValue(const KNValue &value);
@@ -101,6 +111,8 @@ private:
     bool resolveInstance(QString *server, KNError *error) const;
     bool configureSession(KNError *error);
 
+    bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
+                    const Progress &progressBlock, KNError *error);
     Sent sendBatch(const QString &sql);
     bool failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
     bool readResults(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);

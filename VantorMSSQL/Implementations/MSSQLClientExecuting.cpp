@@ -12,23 +12,6 @@
 
 namespace {
 
-/// Marks a run for its duration, so that a cancel finds something to stop.
-class RunScope
-{
-public:
-    explicit RunScope(MSSQLCancellation &cancellation)
-        : m_cancellation(cancellation)
-    {
-        m_cancellation.beginRun();
-    }
-    ~RunScope() { m_cancellation.endRun(); }
-    RunScope(const RunScope &) = delete;
-    RunScope &operator=(const RunScope &) = delete;
-
-private:
-    MSSQLCancellation &m_cancellation;
-};
-
 KNQueryDetails wholeText(const QString &sql)
 {
     return {sql, {0, sql.size()}};
@@ -67,7 +50,7 @@ bool MSSQLClient::executeQueryDetails(const QList<KNQueryDetails> &queries, KNRe
                                       const Progress &, KNError *error)
 {
     KNAssert(error, "Error must be specified.", "Implementations/MSSQLClient");
-    const RunScope run(m_cancellation);
+    const MSSQLRunScope run(m_cancellation);
     error->clear();
     const QString federation = m_databaseConnectionDetails->federationStatement();
     if (!federation.isEmpty())
@@ -133,7 +116,7 @@ bool MSSQLClient::testCommand(const QString &sql)
 bool MSSQLClient::executeQueryDetails(const KNQueryDetails &details, KNResultSetHolder &withResultSet,
                                       KNError *error)
 {
-    const RunScope run(m_cancellation);
+    const MSSQLRunScope run(m_cancellation);
     MSSQLMessageList::sharedInstance().clearMessage();
     if (details.targetQuery.trimmed().isEmpty())
         return true;

@@ -65,6 +65,11 @@ QString MSSQLClient::escapeSchemaAndTable(const QString &schema, const QString &
     return KNFormat("%@.%@", escapeTableNameIfRequired(schema), escapeTableNameIfRequired(table));
 }
 
+QString MSSQLClient::escapeTablePaths(const QStringList &path)
+{
+    return escapeSchemaAndTable(path.size() > 1 ? path.first() : QString(), path.value(path.size() - 1));
+}
+
 QString MSSQLClient::escapeColumnValue(const KNValue &value)
 {
     switch (value.kind()) {

@@ -7,6 +7,7 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLInstancePort.h"
 #include "Implementations/MSSQLQuerySplitter.h"
+#include "Implementations/MSSQLSystemDatabaseQueries.h"
 
 #include <algorithm>
 
@@ -75,6 +76,11 @@ std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewC
 std::unique_ptr<KNQuerySplitter> MSSQLDatabaseConnectionDetails::createQuerySplitter() const
 {
     return std::make_unique<MSSQLQuerySplitter>(createPreParserOptions());
+}
+
+std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
+{
+    return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
 }
 
 QString MSSQLDatabaseConnectionDetails::description() const

@@ -40,6 +40,7 @@ public:
     VantorDBCPtr copy() const override;
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
+    std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     QString description() const override;
     QVariantMap connectedWithDetails() const override;
     void setConnectedWithDetails(const QVariantMap &details) override;

@@ -8,8 +8,8 @@ class MSSQLQuerySplitter : public KNQuerySplitter
 public:
     using KNQuerySplitter::KNQuerySplitter;
 
-    /// A batch's range begins at its first text and ends before its GO line; its line number offset counts the
-    /// line feeds before that text. Unless a full split is required, only the first 10000 characters are
+    /// A batch's range begins at its first text and ends before its GO line; its line number offset counts
+    /// the line feeds before that text. Unless a full split is required, only the first 10000 characters are
     /// looked at.
     QList<KNQueryDetails> doSplitQuery(const QString &text) override;
 };

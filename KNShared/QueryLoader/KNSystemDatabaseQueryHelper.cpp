@@ -1,0 +1,3 @@
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+
+KNSystemDatabaseQueryHelper::~KNSystemDatabaseQueryHelper() = default;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "KNSharedExport.h"
+
+#include <QString>
+
+/// The catalog queries of a kind of server, by title.
+class KNSHARED_EXPORT KNSystemDatabaseQueryHelper
+{
+public:
+    virtual ~KNSystemDatabaseQueryHelper();
+
+    /// The SQL text with this title, for the server of one connection. It is a template: whoever asks fills
+    /// its placeholders. May ask the server for its version, and then blocks. A title that does not exist is a
+    /// programming error.
+    virtual QString queryByTitle(const QString &title) const = 0;
+};

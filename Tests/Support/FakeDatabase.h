@@ -1,0 +1,140 @@
+#pragma once
+
+#include "Database/VantorDatabaseClient.h"
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+#include "SQL/KNQuerySplitter.h"
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+
+/// A kind of database server that exists in the test only: what the host's own classes do is watched here
+/// without any network.
+namespace FakeDatabase {
+
+/// What happened to all clients of one server. Thread-safe.
+struct Server
+{
+    std::atomic<int> logins = 0;
+    std::atomic<int> open = 0;   ///< clients that are connected
+    std::atomic<int> resets = 0; ///< calls of resetSession()
+    std::atomic<int> handedBack = 0;
+    std::atomic<bool> refusesLogins = false;
+    std::atomic<bool> refusesKnownVersion = false; ///< refuses logins that do not probe
+    std::atomic<bool> resetsFail = false;
+    std::atomic<bool> hangsUp = false; ///< idle clients find their connection closed
+    std::function<void()> duringLogin; ///< runs on the thread that connects
+};
+
+class Settings : public VantorDBC
+{
+public:
+    explicit Settings(Server &server)
+        : m_server(server)
+    {
+    }
+    QVariantMap sessionParameters() const override { return {}; }
+    void setSessionParameters(const QVariantMap &) override {}
+    quint16 defaultPort() const override { return 1; }
+    VantorDBCPtr copy() const override { return VantorDBCPtr(new Settings(*this)); }
+    std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
+    std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
+    std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override { return nullptr; }
+    QString description() const override { return host(); }
+    QVariantMap connectedWithDetails() const override { return m_known; }
+    void setConnectedWithDetails(const QVariantMap &details) override { m_known = details; }
+    const QStringList &keywords() const override
+    {
+        static const QStringList none;
+        return none;
+    }
+    Server &server() const { return m_server; }
+
+private:
+    Settings(const Settings &) = default;
+    Server &m_server;
+    QVariantMap m_known;
+};
+
+class Client : public VantorDatabaseClient
+{
+public:
+    explicit Client(std::shared_ptr<Settings> settings)
+        : m_settings(std::move(settings))
+    {
+    }
+    ~Client() override { disconnect(); }
+
+    VantorDBC &databaseConnectionDetails() override { return *m_settings; }
+    bool connect(KNError *error) override
+    {
+        Server &server = m_settings->server();
+        ++server.logins;
+        if (server.duringLogin)
+            server.duringLogin();
+        const bool isKnown = !m_settings->connectedWithDetails().isEmpty();
+        if (server.refusesLogins || (isKnown && server.refusesKnownVersion)) {
+            *error = KNError(QStringLiteral("fake"), 1, QStringLiteral("refused"));
+            return false;
+        }
+        m_settings->setConnectedWithDetails({{QStringLiteral("version"), 1}});
+        m_isConnected = true;
+        ++server.open;
+        return true;
+    }
+    bool isConnected() const override { return m_isConnected; }
+    void disconnect() override
+    {
+        if (m_isConnected.exchange(false))
+            --m_settings->server().open;
+    }
+    bool executeQueryDetails(const QList<KNQueryDetails> &, KNResultSetHolder &, const Progress &,
+                             KNError *) override
+    {
+        return true;
+    }
+    std::unique_ptr<DatabaseResultSet> executeQuery(const QString &, KNError *) override { return nullptr; }
+    bool executeNonQuery(const QString &, KNError *) override { return true; }
+    bool bulkInsert(const QList<QList<KNValue>> &, const QStringList &, const QStringList &, const QStringList &,
+                    const Progress &, KNError *) override
+    {
+        return true;
+    }
+    bool beginTransaction(KNError *) override { return true; }
+    bool commitTransaction(KNError *) override { return true; }
+    bool rollbackTransaction(KNError *) override { return true; }
+    bool cancelCurrentQuery(KNError *) override
+    {
+        ++cancels;
+        return true;
+    }
+    bool wasCancelled() const override { return cancels > 0; }
+    bool hasHungUp() const override { return m_settings->server().hangsUp; }
+    bool resetSession() override
+    {
+        ++m_settings->server().resets;
+        return !m_settings->server().resetsFail;
+    }
+    void prepareForPool(VantorDBC &details, bool isUserQuery) override
+    {
+        ++m_settings->server().handedBack;
+        if (isUserQuery && !currentDatabase.isNull()) {
+            m_settings->setDatabase(currentDatabase);
+            details.setDatabase(currentDatabase);
+        }
+    }
+
+    QString currentDatabase; ///< what a USE has led to
+    std::atomic<int> cancels = 0;
+
+private:
+    std::shared_ptr<Settings> m_settings;
+    std::atomic<bool> m_isConnected = false;
+};
+
+inline std::unique_ptr<VantorDatabaseClient> Settings::createNewClient() const
+{
+    return std::make_unique<Client>(std::static_pointer_cast<Settings>(copy()));
+}
+
+} // namespace FakeDatabase

@@ -1,0 +1,141 @@
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNLogHelper.h"
+#include "Foundation/MachTimer.h"
+#include "Implementations/MSSQLClient.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype RowsPerStatement = 500; // a VALUES list takes 1000
+
+/// Plain int and tinyint are not among them: they go in quotes.
+bool isNumericType(const QString &type)
+{
+    constexpr const char *NumericTypes[] = {"bigint",  "smallint", "money", "smallmoney",
+                                            "numeric", "decimal",  "float", "real"};
+    return std::any_of(std::begin(NumericTypes), std::end(NumericTypes),
+                       [&](const char *name) { return type.contains(QLatin1String(name)); });
+}
+
+/// What may stand in a statement without quotes. Anything else would be read as SQL.
+bool isNumberOrNull(const QString &text)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("^\\s*(?:[-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:e[-+]?\\d+)?|NULL)\\s*$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DontCaptureOption);
+    return pattern.match(text).hasMatch();
+}
+
+QString literal(const KNValue &value, bool isNumericColumn)
+{
+    if (isNumericColumn && value.kind() == KNValue::Kind::Text && !value.text().isEmpty()) {
+        QString number = value.text();
+        number.remove(QLatin1Char(',')).remove(QLatin1Char('$'));
+        if (isNumberOrNull(number))
+            return number;
+    }
+    return MSSQLClient::escapeColumnValue(value);
+}
+
+QString rowText(const QList<KNValue> &row, const std::vector<bool> &isNumeric)
+{
+    QString text = QStringLiteral("(");
+    for (qsizetype column = 0; column < row.size(); ++column) {
+        if (column > 0)
+            text += QLatin1Char(',');
+        const auto index = static_cast<std::size_t>(column);
+        text += literal(row[column], index < isNumeric.size() && isNumeric[index]);
+    }
+    return text + QLatin1Char(')');
+}
+
+QString statementHead(const QStringList &table, const QStringList &columnNames)
+{
+    QStringList names;
+    for (const QString &name : columnNames)
+        names.append(MSSQLClient::escapeTableNameIfRequired(name));
+    return KNFormat("INSERT INTO %@ (%@)", MSSQLClient::escapeTablePaths(table), names.join(QLatin1Char(',')));
+}
+
+} // namespace
+
+bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                             const QStringList &columnNames, const QStringList &columnTypes,
+                             const Progress &progressBlock, KNError *error)
+{
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    const QVariantMap details = {{QStringLiteral("ColumnCount"), columnNames.size()}};
+    log->logMessage("bulkInsert started with %ld rows. Column types: %@.", rows.size(),
+                    columnTypes.join(QStringLiteral(", ")));
+    KNError failure;
+    executeNonQuery(QStringLiteral("BEGIN TRANSACTION"), &failure);
+    if (failure) {
+        *error = KNError(
+            QStringLiteral(""), 0,
+            KNFormat("Failed to create import transaction. %@.", failure.localizedDescription()));
+        log->logError(*error, details);
+        return false;
+    }
+    if (insertRows(rows, statementHead(intoTable, columnNames), columnTypes, progressBlock, &failure)) {
+        executeNonQuery(QStringLiteral("COMMIT"), &failure);
+    } else {
+        KNError rollbackFailure;
+        executeNonQuery(QStringLiteral("ROLLBACK"), &rollbackFailure);
+        if (rollbackFailure)
+            log->logMessage("Rollback error: %@", rollbackFailure.localizedDescription());
+    }
+    *error = failure;
+    if (failure)
+        log->logError(failure, details);
+    return !failure;
+}
+
+/// The rows between the transaction's two ends. As one run, so that a cancel between two statements is heard.
+bool MSSQLClient::insertRows(const QList<QList<KNValue>> &rows, const QString &header,
+                             const QStringList &columnTypes, const Progress &progressBlock, KNError *error)
+{
+    const MSSQLRunScope run(m_cancellation);
+    std::vector<bool> isNumeric;
+    for (const QString &type : columnTypes)
+        isNumeric.push_back(isNumericType(type));
+    QStringList pending;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        if (progressBlock)
+            progressBlock(double(i) / double(rows.size()) * 100.0, nullptr);
+        pending.append(rowText(rows[i], isNumeric));
+        if (pending.size() < RowsPerStatement)
+            continue;
+        if (!performBulkInsert(pending, header, columnTypes, error))
+            return false;
+        pending.clear();
+    }
+    return pending.isEmpty() || performBulkInsert(pending, header, columnTypes, error);
+}
+
+bool MSSQLClient::performBulkInsert(const QStringList &rows, const QString &header,
+                                    const QStringList &dataTypes, KNError *error)
+{
+    const MachTimer timer;
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    log->logMessage("Started importing %ld rows.", rows.size());
+    const QString insert = KNFormat("%@ VALUES %@;", header, rows.join(QStringLiteral(",\r\n")));
+    try {
+        executeNonQuery(insert, error);
+    } catch (const KNAssertionFailure &unexpected) {
+        // A trigger of the table gives results.
+        *error = KNError(QStringLiteral("com.quorvex.vantor.import"), 0, unexpected.message());
+    }
+    if (error->isSet()) {
+        log->logMessage("Bulk insert failed. Insert string was:\r\n%@", insert);
+        log->logMessage("Failed to perform insert with error: %@", error->localizedDescription());
+        log->logError(KNError(QStringLiteral("com.quorvex.vantor.import"), error->code(),
+                              error->localizedDescription(), error->userInfo()),
+                      {{QStringLiteral("dataTypes"), dataTypes}, {QStringLiteral("insertString"), insert}});
+        return false;
+    }
+    log->logMessage("Finised importing %ld rows in %0.2f seconds.", rows.size(), timer.seconds());
+    return true;
+}

@@ -1,0 +1,41 @@
+#include "Implementations/MSSQLSystemDatabaseQueries.h"
+
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNLogHelper.h"
+#include "Foundation/KNPropertyList.h"
+#include "Implementations/MSSQLVersionHelper.h"
+
+MSSQLSystemDatabaseQueries::MSSQLSystemDatabaseQueries(const MSSQLDatabaseConnectionDetails &dbc)
+{
+    setDbc(dbc);
+}
+
+void MSSQLSystemDatabaseQueries::setDbc(const MSSQLDatabaseConnectionDetails &dbc)
+{
+    m_dbc = std::static_pointer_cast<const MSSQLDatabaseConnectionDetails>(dbc.copy());
+}
+
+QString MSSQLSystemDatabaseQueries::queryByTitle(const QString &title) const
+{
+    const QHash<QString, QString> &queries = allQueries();
+    const auto variant = queries.constFind(KNFormat("%@_2000", title));
+    if (variant != queries.constEnd() && MSSQLVersionHelper::sharedInstance()->isSQL2000(*m_dbc))
+        return *variant;
+    const QString query = queries.value(title);
+    KNAssert(!query.isEmpty(), KNFormat("Unable to receive query for: %@", title),
+             QStringLiteral("Implementations/MSSQLSystemDatabaseQueries"));
+    return query.trimmed();
+}
+
+const QHash<QString, QString> &MSSQLSystemDatabaseQueries::allQueries()
+{
+    static const QHash<QString, QString> queries = [] {
+        KNError error;
+        auto read = KNPropertyList::stringDictionary(
+            QStringLiteral(":/VantorMSSQL/MSSQLBackingQueries.plist"), &error);
+        if (error)
+            KNLogHelper::sharedInstance()->logError(error, {});
+        return read;
+    }();
+    return queries;
+}

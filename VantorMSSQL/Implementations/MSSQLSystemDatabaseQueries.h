@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+
+#include <QHash>
+
+/// The catalog queries for one SQL Server connection. They come from the resource "MSSQLBackingQueries", which
+/// is read once; a title followed by "_2000" is the variant for SQL Server 2000.
+class MSSQLSystemDatabaseQueries : public KNSystemDatabaseQueryHelper
+{
+public:
+    /// Keeps a copy of the settings.
+    explicit MSSQLSystemDatabaseQueries(const MSSQLDatabaseConnectionDetails &dbc);
+
+    const MSSQLDatabaseConnectionDetails &dbc() const { return *m_dbc; }
+    void setDbc(const MSSQLDatabaseConnectionDetails &dbc);
+
+    /// Trimmed of white space; the variant for SQL Server 2000 as it stands.
+    QString queryByTitle(const QString &title) const override;
+
+    /// All texts by title, the variants included. Any thread.
+    static const QHash<QString, QString> &allQueries();
+
+private:
+    std::shared_ptr<const MSSQLDatabaseConnectionDetails> m_dbc;
+};

@@ -1,0 +1,1 @@
+SELECT @@VERSION AS version;

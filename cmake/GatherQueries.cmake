@@ -1,0 +1,15 @@
+# Gathers the *.sql files of FOLDER into the property list OUTPUT: a dictionary of texts by file name, with CR LF line
+# ends. Run as a script: cmake -D FOLDER=... -D OUTPUT=... -P GatherQueries.cmake
+file(GLOB files "${FOLDER}/*.sql")
+set(entries "")
+foreach(file IN LISTS files)
+  get_filename_component(title "${file}" NAME_WE)
+  file(READ "${file}" text)
+  string(REPLACE "\r" "" text "${text}")
+  string(REPLACE "&" "&amp;" text "${text}")
+  string(REPLACE "<" "&lt;" text "${text}")
+  string(REPLACE ">" "&gt;" text "${text}")
+  string(REPLACE "\n" "&#13;\n" text "${text}")
+  string(APPEND entries "<key>${title}</key>\n<string>${text}</string>\n")
+endforeach()
+file(WRITE "${OUTPUT}" "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n${entries}</dict>\n</plist>\n")
