@@ -11,7 +11,7 @@ public:
     virtual ~KNSystemDatabaseQueryHelper();
 
     /// The SQL text with this title, for the server of one connection. It is a template: whoever asks fills
-    /// its placeholders. May ask the server for its version, and then blocks. A title that does not exist is a
-    /// programming error.
+    /// its placeholders. May ask the server for its version, and then blocks. A title that does not exist is
+    /// a programming error.
     virtual QString queryByTitle(const QString &title) const = 0;
 };

@@ -95,8 +95,8 @@ public:
     }
     std::unique_ptr<DatabaseResultSet> executeQuery(const QString &, KNError *) override { return nullptr; }
     bool executeNonQuery(const QString &, KNError *) override { return true; }
-    bool bulkInsert(const QList<QList<KNValue>> &, const QStringList &, const QStringList &, const QStringList &,
-                    const Progress &, KNError *) override
+    bool bulkInsert(const QList<QList<KNValue>> &, const QStringList &, const QStringList &,
+                    const QStringList &, const Progress &, KNError *) override
     {
         return true;
     }

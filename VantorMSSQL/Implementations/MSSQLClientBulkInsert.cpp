@@ -57,7 +57,8 @@ QString statementHead(const QStringList &table, const QStringList &columnNames)
     QStringList names;
     for (const QString &name : columnNames)
         names.append(MSSQLClient::escapeTableNameIfRequired(name));
-    return KNFormat("INSERT INTO %@ (%@)", MSSQLClient::escapeTablePaths(table), names.join(QLatin1Char(',')));
+    return KNFormat("INSERT INTO %@ (%@)", MSSQLClient::escapeTablePaths(table),
+                    names.join(QLatin1Char(',')));
 }
 
 } // namespace
@@ -73,9 +74,9 @@ bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringLis
     KNError failure;
     executeNonQuery(QStringLiteral("BEGIN TRANSACTION"), &failure);
     if (failure) {
-        *error = KNError(
-            QStringLiteral(""), 0,
-            KNFormat("Failed to create import transaction. %@.", failure.localizedDescription()));
+        *error =
+            KNError(QStringLiteral(""), 0,
+                    KNFormat("Failed to create import transaction. %@.", failure.localizedDescription()));
         log->logError(*error, details);
         return false;
     }

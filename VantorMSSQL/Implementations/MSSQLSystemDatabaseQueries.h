@@ -5,8 +5,8 @@
 
 #include <QHash>
 
-/// The catalog queries for one SQL Server connection. They come from the resource "MSSQLBackingQueries", which
-/// is read once; a title followed by "_2000" is the variant for SQL Server 2000.
+/// The catalog queries for one SQL Server connection. They come from the resource "MSSQLBackingQueries",
+/// which is read once; a title followed by "_2000" is the variant for SQL Server 2000.
 class MSSQLSystemDatabaseQueries : public KNSystemDatabaseQueryHelper
 {
 public:

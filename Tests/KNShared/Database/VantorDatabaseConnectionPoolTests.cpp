@@ -16,9 +16,7 @@ namespace {
 
 const KNError Failure(QStringLiteral("work"), 7, QStringLiteral("It failed."));
 
-void doNothing(VantorDatabaseClient &, KNError *)
-{
-}
+void doNothing(VantorDatabaseClient &, KNError *) {}
 
 void die(VantorDatabaseClient &client, KNError *error)
 {
@@ -49,7 +47,8 @@ TEST_F(ConnectionPool, LendsAConnectedClient)
     bool wasConnected = false;
     KNError error = Failure;
     EXPECT_TRUE(pool.executeQuery(
-        [&](VantorDatabaseClient &client, KNError *) { wasConnected = client.isConnected(); }, settings, &error));
+        [&](VantorDatabaseClient &client, KNError *) { wasConnected = client.isConnected(); }, settings,
+        &error));
     EXPECT_TRUE(wasConnected);
     EXPECT_FALSE(error);
 }
@@ -107,8 +106,8 @@ TEST_F(ConnectionPool, GivesEveryoneAClientOfTheirOwn)
 TEST_F(ConnectionPool, ReportsWhatTheWorkLeavesInItsError)
 {
     KNError error;
-    EXPECT_FALSE(pool.executeQuery([](VantorDatabaseClient &, KNError *failure) { *failure = Failure; }, settings,
-                                   &error, true));
+    EXPECT_FALSE(pool.executeQuery([](VantorDatabaseClient &, KNError *failure) { *failure = Failure; },
+                                   settings, &error, true));
     EXPECT_EQ(error.localizedDescription(), QStringLiteral("It failed."));
     EXPECT_EQ(server.logins, 1); // an error on a living connection is nothing to repeat
     EXPECT_EQ(pool.idleCount(), 1U);
@@ -118,7 +117,8 @@ TEST_F(ConnectionPool, ReportsALoginThatFailsAndDoesNotCallTheWork)
 {
     server.refusesLogins = true;
     KNError error;
-    EXPECT_FALSE(pool.executeQuery([](VantorDatabaseClient &, KNError *) { FAIL(); }, settings, &error, true));
+    EXPECT_FALSE(
+        pool.executeQuery([](VantorDatabaseClient &, KNError *) { FAIL(); }, settings, &error, true));
     EXPECT_EQ(error.localizedDescription(), QStringLiteral("refused"));
     EXPECT_EQ(server.logins, 1);
     server.refusesLogins = false;
@@ -278,7 +278,8 @@ TEST(ConnectionPoolLimits, IdleClientsAreFewForEachConnection)
     Settings other(server);
     other.setDatabase(QStringLiteral("other"));
     pool.executeQuery(
-        [&](VantorDatabaseClient &, KNError *) { pool.executeQuery(doNothing, other, nullptr); }, other, nullptr);
+        [&](VantorDatabaseClient &, KNError *) { pool.executeQuery(doNothing, other, nullptr); }, other,
+        nullptr);
     EXPECT_TRUE(waitFor([&] { return server.open == 3; })) << server.open;
 }
 
@@ -324,12 +325,13 @@ TEST_F(ConnectionPool, ATabKeepsItsClientForItself)
     const auto tab = pool.connectionForTab(settings);
     EXPECT_FALSE(tab->isConnected());
     VantorDatabaseClient *first = nullptr;
-    EXPECT_TRUE(tab->executeQuery([&](VantorDatabaseClient &client, KNError *) { first = &client; }, nullptr));
+    EXPECT_TRUE(
+        tab->executeQuery([&](VantorDatabaseClient &client, KNError *) { first = &client; }, nullptr));
     EXPECT_TRUE(tab->isConnected());
     EXPECT_TRUE(pool.executeQuery([&](VantorDatabaseClient &client, KNError *) { EXPECT_NE(&client, first); },
                                   settings, nullptr));
-    EXPECT_TRUE(
-        tab->executeQuery([&](VantorDatabaseClient &client, KNError *) { EXPECT_EQ(&client, first); }, nullptr));
+    EXPECT_TRUE(tab->executeQuery([&](VantorDatabaseClient &client, KNError *) { EXPECT_EQ(&client, first); },
+                                  nullptr));
     EXPECT_EQ(server.resets, 2); // of the pool's own client: what a tab left open is its user's
 }
 
