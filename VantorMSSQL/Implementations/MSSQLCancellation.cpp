@@ -74,13 +74,14 @@ void MSSQLCancellation::endRun()
     --m_runs;
 }
 
-void MSSQLCancellation::waitForAnswer(int socket)
+void MSSQLCancellation::waitForAnswer(int socket, int packetSize)
 {
-    m_isPacketCut = false;
+    m_isStreaming = false;
     waitFor(socket);
     // A packet begins with its type, its status and its length in two bytes (MS-TDS 2.2.3.1). Inside TLS none
     // of it can be seen, and whatever came counts as whole.
     constexpr unsigned char ResponseType = 4;
+    constexpr unsigned char EndOfMessage = 1;
     unsigned char header[4];
     if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header ||
         header[0] != ResponseType)
@@ -89,7 +90,10 @@ void MSSQLCancellation::waitForAnswer(int socket)
     setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
     waitFor(socket);
     int available = 0;
-    m_isPacketCut = ioctl(socket, FIONREAD, &available) == 0 && available < length;
+    const bool isCut = ioctl(socket, FIONREAD, &available) == 0 && available < length;
+    // A server that has nothing to say for a while sends what it has; a full packet has more behind it.
+    const bool hasMore = !(header[1] & EndOfMessage) && length >= packetSize;
+    m_isStreaming = isCut || hasMore;
     length = 1;
     setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
 }
@@ -110,9 +114,8 @@ void MSSQLCancellation::waitFor(int socket) const
     } while (ready < 0 && errno == EINTR);
 }
 
-void MSSQLCancellation::enterLibrary(bool readingRows)
+void MSSQLCancellation::enterLibrary()
 {
-    m_readingRows = readingRows;
     const std::lock_guard lock(m_mutex);
     m_libraryThread = pthread_self();
     m_inLibrary = true;
@@ -140,7 +143,7 @@ bool MSSQLCancellation::isPatienceOver() const
     const Clock::time_point now = Clock::now();
     if (now > m_deadline.load())
         return true;
-    const auto patience = m_readingRows || m_isPacketCut ? m_patience.inRows : m_patience.otherwise;
+    const auto patience = m_isStreaming ? m_patience.inRows : m_patience.otherwise;
     return m_requested && m_attentionSent && now - m_attentionTime.load() > patience;
 }
 

@@ -44,10 +44,13 @@ public:
     void clearDeadline() { m_deadline = Clock::time_point::max(); }
     /// Waits until the first packet of an answer is there whole, a request comes or the deadline passes.
     /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
-    /// it.
-    void waitForAnswer(int socket);
+    /// it. `packetSize` is what was agreed on, in bytes.
+    void waitForAnswer(int socket, int packetSize);
+    /// The rows of a result, from the first to the last: a server that is silent there has stalled.
+    void beginRows() { m_isStreaming = true; }
+    void endRows() { m_isStreaming = false; }
     /// The stretch during which this thread is inside db-lib, where it may wait for the server.
-    void enterLibrary(bool readingRows);
+    void enterLibrary();
     void leaveLibrary();
     /// The request has been told to the server: its patience runs from now.
     void attentionSent();
@@ -79,8 +82,7 @@ private:
 
     std::atomic<bool> m_requested = false;
     std::atomic<bool> m_attentionSent = false;
-    std::atomic<bool> m_readingRows = false;
-    std::atomic<bool> m_isPacketCut = false; ///< the first packet of the answer has begun and not ended
+    std::atomic<bool> m_isStreaming = false;
     std::atomic<Clock::time_point> m_attentionTime{};
     std::atomic<Clock::time_point> m_deadline = Clock::time_point::max();
 

@@ -143,6 +143,7 @@ MSSQLClient::Sent MSSQLClient::sendBatch(const QString &sql)
         return Sent::Failed;
     };
     int descriptor = -1;
+    int packetSize = 0;
     {
         const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
         if (isLost())
@@ -155,8 +156,9 @@ MSSQLClient::Sent MSSQLClient::sendBatch(const QString &sql)
         descriptor = fcntl(DBIORDESC(m_dbProc), F_DUPFD_CLOEXEC, 0);
         if (descriptor < 0)
             return failed(FAIL);
+        packetSize = dbgetpacket(m_dbProc);
     }
-    m_cancellation.waitForAnswer(descriptor);
+    m_cancellation.waitForAnswer(descriptor, packetSize);
     close(descriptor);
 
     const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);

@@ -72,7 +72,7 @@ void MSSQLClient::readColumns(KNDatabaseResultSet &resultSet)
 KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resultSet,
                                              KNResultSetHolder &holder)
 {
-    MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation, true);
+    MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
     if (dbrows(m_dbProc) != SUCCEED) {
         resultSet->setNumberOfRowsAffected(dbcount(m_dbProc));
         return nullptr;
@@ -80,6 +80,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
 
     const QList<MSSQLColumn> columns = columnsOf(m_dbProc);
     KNDatabaseResultSetPtr compute;
+    m_cancellation.beginRows();
     for (qint64 index = 0; !m_cancellation.isRequested(); ++index) {
         if (index % RowsPerChunk == 0)
             showRows(*resultSet, holder, handle);
@@ -91,6 +92,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
                 compute = newComputeResultSet(status, resultSet->executedQuery(), holder);
             readComputeRow(status, *compute, holder);
         } else {
+            m_cancellation.endRows();
             break;
         }
     }

@@ -8,10 +8,9 @@
 class MSSQLHandleScope
 {
 public:
-    MSSQLHandleScope(KNSemaphore &semaphore, MSSQLCancellation &cancellation, bool readingRows = false)
+    MSSQLHandleScope(KNSemaphore &semaphore, MSSQLCancellation &cancellation)
         : m_semaphore(semaphore)
         , m_cancellation(cancellation)
-        , m_readingRows(readingRows)
     {
         retake();
     }
@@ -30,13 +29,12 @@ public:
     void retake()
     {
         m_semaphore.wait();
-        m_cancellation.enterLibrary(m_readingRows);
+        m_cancellation.enterLibrary();
         m_held = true;
     }
 
 private:
     KNSemaphore &m_semaphore;
     MSSQLCancellation &m_cancellation;
-    const bool m_readingRows;
     bool m_held = false;
 };

@@ -76,7 +76,8 @@ TEST_F(BulkInsert, SendsFiveHundredRowsInAStatement)
     createTable("id int");
     const LogRecords log;
     KNError error;
-    EXPECT_TRUE(insert(numbers(1001), list({"id"}), list({"int"}), &error)) << error.localizedDescription().toStdString();
+    EXPECT_TRUE(insert(numbers(1001), list({"id"}), list({"int"}), &error))
+        << error.localizedDescription().toStdString();
     EXPECT_EQ(count(), 1001);
     EXPECT_EQ(log.containing("bulkInsert started with 1001 rows. Column types: int.").size(), 1);
     EXPECT_EQ(log.containing("Started importing 500 rows.").size(), 2);
@@ -89,10 +90,11 @@ TEST_F(BulkInsert, TellsHowFarItIs)
     createTable("id int");
     KNError error;
     QList<double> told;
-    EXPECT_TRUE(insert(numbers(8), list({"id"}), list({"int"}), &error, [&](double percentage, const void *rest) {
-        told.append(percentage);
-        EXPECT_EQ(rest, nullptr);
-    }));
+    EXPECT_TRUE(
+        insert(numbers(8), list({"id"}), list({"int"}), &error, [&](double percentage, const void *rest) {
+            told.append(percentage);
+            EXPECT_EQ(rest, nullptr);
+        }));
     EXPECT_EQ(told, (QList<double>{0, 12.5, 25, 37.5, 50, 62.5, 75, 87.5}));
 }
 
@@ -109,13 +111,14 @@ TEST_F(BulkInsert, NumbersGoWithoutQuotesCommasAndDollars)
 {
     createTable("m money, d decimal(20,4), b bigint, i int, f float");
     KNError error;
-    EXPECT_TRUE(insert({{text("$1,234.50"), text("-1,000.25"), text("9,007,199,254,740,993"), text("5"), text("1e3")}},
-                       list({"m", "d", "b", "i", "f"}),
-                       list({"money", "decimal(20,4)", "bigint", "int", "float"}), &error))
+    EXPECT_TRUE(insert(
+        {{text("$1,234.50"), text("-1,000.25"), text("9,007,199,254,740,993"), text("5"), text("1e3")}},
+        list({"m", "d", "b", "i", "f"}), list({"money", "decimal(20,4)", "bigint", "int", "float"}), &error))
         << error.localizedDescription().toStdString();
-    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT CONVERT(varchar(50), m) + '|' + CONVERT(varchar(50), d) + '|' + "
-                                             "CONVERT(varchar(50), b) + '|' + CONVERT(varchar(50), i) + '|' + "
-                                             "CONVERT(varchar(50), f) FROM #t")),
+    EXPECT_EQ(scalar(*client,
+                     QStringLiteral("SELECT CONVERT(varchar(50), m) + '|' + CONVERT(varchar(50), d) + '|' + "
+                                    "CONVERT(varchar(50), b) + '|' + CONVERT(varchar(50), i) + '|' + "
+                                    "CONVERT(varchar(50), f) FROM #t")),
               text("1234.50|-1000.2500|9007199254740993|5|1000"));
 }
 
@@ -125,18 +128,22 @@ TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsIt)
     KNError error;
     const LogRecords log;
     EXPECT_FALSE(client->bulkInsert(
-        {{text("$1,234.50"), text("5"), text(""), text("O'Brien"), KNValue(), KNValue(QByteArray("\x0a\xff")), KNValue(7)},
-         {text("NULL"), text("6"), text("1); DROP TABLE x --"), text("null"), KNValue(), KNValue(), KNValue(true)}},
+        {{text("$1,234.50"), text("5"), text(""), text("O'Brien"), KNValue(), KNValue(QByteArray("\x0a\xff")),
+          KNValue(7)},
+         {text("NULL"), text("6"), text("1); DROP TABLE x --"), text("null"), KNValue(), KNValue(),
+          KNValue(true)}},
         list({"dbo", "no such table"}), list({"m", "i", "e", "Last Name", "select", "b", "n"}),
-        list({"money", "int", "numeric", "nvarchar(10)", "varchar(5)", "varbinary(2)", "bigint"}), {}, &error));
+        list({"money", "int", "numeric", "nvarchar(10)", "varchar(5)", "varbinary(2)", "bigint"}), {},
+        &error));
     EXPECT_TRUE(error);
     const QStringList sent = log.containing("Bulk insert failed. Insert string was:");
     ASSERT_EQ(sent.size(), 1);
-    EXPECT_TRUE(sent.first().contains(QString::fromUtf8(
-        "INSERT INTO dbo.[no such table] (m,i,e,[Last Name],[select],b,n) VALUES "
-        "(1234.50,'5','','O''Brien',NULL,0x0aff,7),")))
+    EXPECT_TRUE(sent.first().contains(
+        QString::fromUtf8("INSERT INTO dbo.[no such table] (m,i,e,[Last Name],[select],b,n) VALUES "
+                          "(1234.50,'5','','O''Brien',NULL,0x0aff,7),")))
         << sent.first().toStdString();
-    EXPECT_TRUE(sent.first().contains(QString::fromUtf8("(NULL,'6','1); DROP TABLE x --','null',NULL,NULL,1);")))
+    EXPECT_TRUE(
+        sent.first().contains(QString::fromUtf8("(NULL,'6','1); DROP TABLE x --','null',NULL,NULL,1);")))
         << sent.first().toStdString();
     EXPECT_EQ(log.containing("com.quorvex.vantor.import").size(), 1);
 }
@@ -148,7 +155,8 @@ TEST_F(BulkInsert, AFailureLeavesNothingBehind)
     rows[1100] = rows[3];
     KNError error;
     EXPECT_FALSE(insert(rows, list({"id"}), list({"int"}), &error));
-    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("2627"))) << error.localizedDescription().toStdString();
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("2627")))
+        << error.localizedDescription().toStdString();
     EXPECT_EQ(count(), 0);
     EXPECT_EQ(scalar(*client, QStringLiteral("SELECT @@TRANCOUNT")), KNValue(0));
     EXPECT_TRUE(insert(numbers(3), list({"id"}), list({"int"}), &error));
@@ -163,7 +171,8 @@ TEST_F(BulkInsert, ALostConnectionCannotBeginATransaction)
     KNError error;
     EXPECT_FALSE(insert(numbers(1), list({"id"}), list({"int"}), &error));
     EXPECT_EQ(error.domain(), QStringLiteral(""));
-    EXPECT_TRUE(error.localizedDescription().startsWith(QStringLiteral("Failed to create import transaction. ")));
+    EXPECT_TRUE(
+        error.localizedDescription().startsWith(QStringLiteral("Failed to create import transaction. ")));
     EXPECT_EQ(log.containing("ColumnCount").size(), 1);
 }
 

@@ -31,11 +31,9 @@ protected:
     void run(const char *sql)
     {
         KNError error;
-        pool.executeQuery(
-            [&](VantorDatabaseClient &client, KNError *failure) {
-                client.executeNonQuery(QString::fromUtf8(sql), failure);
-            },
-            *details, &error);
+        pool.executeQuery([&](VantorDatabaseClient &client,
+                              KNError *failure) { client.executeNonQuery(QString::fromUtf8(sql), failure); },
+                          *details, &error);
         EXPECT_FALSE(error) << error.localizedDescription().toStdString();
     }
 };
@@ -119,7 +117,8 @@ TEST_F(Pool, BearsTwoHundredThreads)
                 const bool ran = pool.executeQuery(
                     [&](VantorDatabaseClient &client, KNError *failure) {
                         if (round % 5 == 1)
-                            client.executeQuery(QStringLiteral("SELECT nope FROM shop.dbo.Customers"), failure);
+                            client.executeQuery(QStringLiteral("SELECT nope FROM shop.dbo.Customers"),
+                                                failure);
                         else if (round % 5 == 2)
                             client.disconnect();
                         else if (const auto rows = client.executeQuery(

@@ -1,7 +1,7 @@
 #include "Database/VantorDatabaseConnectionPool.h"
+#include "Foundation/KNAssert.h"
 #include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "Implementations/MSSQLVersionHelper.h"
-#include "Foundation/KNAssert.h"
 #include "Support/HostileServerBytes.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
@@ -90,9 +90,10 @@ TEST(VersionHelper, WhenTheServerCannotBeReachedTheVersionIsEmptyAndStaysSo)
 TEST(VersionHelper, AServerThatReturnsNoRowsIsAskedOnce)
 {
     const auto answer = [](const char *column) {
-        return HostileServer::Script{HostileServer::expect(BatchPacket),
-                                     HostileServer::send(packet(column ? HostileServerBytes::joined({textColumn(column), done()})
-                                                                       : done()))};
+        return HostileServer::Script{
+            HostileServer::expect(BatchPacket),
+            HostileServer::send(
+                packet(column ? HostileServerBytes::joined({textColumn(column), done()}) : done()))};
     };
     HostileServer::Script script = HostileServer::joined(HostileServer::acceptedLogin(), answer(nullptr));
     script = HostileServer::joined(script, answer("version"));
@@ -115,7 +116,8 @@ TEST(VersionHelper, ManyThreadsAskTheServerOnce)
     std::atomic<int> right = 0;
     for (int number = 0; number < 16; ++number)
         threads.emplace_back([&] {
-            right += server.helper.versionForDBC(*server.details) == QStringLiteral("Microsoft SQL Server 2022");
+            right +=
+                server.helper.versionForDBC(*server.details) == QStringLiteral("Microsoft SQL Server 2022");
         });
     for (std::thread &thread : threads)
         thread.join();
