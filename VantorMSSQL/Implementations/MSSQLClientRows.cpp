@@ -92,7 +92,8 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
                 compute = newComputeResultSet(status, resultSet->executedQuery(), holder);
             readComputeRow(status, *compute, holder);
         } else {
-            m_cancellation.endRows();
+            if (!m_cancellation.isRequested()) // which ends the reading, not the rows
+                m_cancellation.endRows();
             break;
         }
     }
