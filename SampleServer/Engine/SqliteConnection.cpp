@@ -1,5 +1,6 @@
 #include "Engine/SqliteConnection.h"
 #include "Engine/EngineError.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/SqliteCodec.h"
 
 #include <chrono>
@@ -73,6 +74,7 @@ void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters)
 
 bool SqliteStatement::step()
 {
+    const ScopedValue<bool> writing(m_connection.m_isWriting, sqlite3_stmt_readonly(m_statement) == 0);
     while (true) {
         m_connection.m_error = nullptr;
         m_connection.m_cancelled = false;
@@ -158,6 +160,11 @@ void SqliteConnection::execute(const std::string &sql)
     }
 }
 
+bool SqliteConnection::isInTransaction() const
+{
+    return sqlite3_get_autocommit(m_db) == 0;
+}
+
 std::int64_t SqliteConnection::lastRowId() const
 {
     return sqlite3_last_insert_rowid(m_db);
@@ -207,7 +214,7 @@ void SqliteConnection::throwError(int code)
 int SqliteConnection::onProgress(void *self)
 {
     auto &connection = *static_cast<SqliteConnection *>(self);
-    if (!connection.m_sink)
+    if (!connection.m_sink || connection.m_isWriting)
         return 0;
     try {
         connection.m_cancelled = connection.m_sink->attentionRequested();

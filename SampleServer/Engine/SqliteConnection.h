@@ -68,6 +68,8 @@ public:
     void detachUnused();
     /// Runs a statement without parameters and rows.
     void execute(const std::string &sql);
+    /// Whether SQLite's own transaction is open: it ends one by itself when a write fails for want of memory.
+    bool isInTransaction() const;
     /// Whom a running statement asks whether to stop; null for nobody.
     void watch(ResultSink *sink) { m_sink = sink; }
     std::int64_t lastRowId() const;
@@ -89,6 +91,7 @@ private:
     ResultSink *m_sink = nullptr;
     std::exception_ptr m_error;
     bool m_cancelled = false;
+    bool m_isWriting = false; ///< SQLite drops the whole transaction when a write is interrupted: none is
     std::map<int, DatabasePtr> m_attached;             ///< by database id
     std::multimap<std::string, sqlite3_stmt *> m_idle; ///< prepared statements not in use, by text
 };

@@ -136,9 +136,8 @@ void Transactions::closeSqlite(const char *sql)
     if (!m_sqliteOpen)
         return;
     m_sqliteOpen = false;
-    m_connection.watch(nullptr); // the end of a transaction is not interrupted
-    m_connection.execute(sql);
-    m_connection.watch(m_sink);
+    if (m_connection.isInTransaction())
+        m_connection.execute(sql);
 }
 
 void Transactions::undoTo(std::size_t mark)
@@ -234,10 +233,12 @@ Transactions::Change::~Change()
 {
     if (m_finished || !m_transactions.m_sqliteOpen)
         return;
-    m_transactions.m_connection.watch(nullptr);
+    if (!m_transactions.m_connection.isInTransaction()) {
+        m_transactions.rollback(); // SQLite gave it up, so nothing of it is left to keep
+        return;
+    }
     m_transactions.m_connection.execute("ROLLBACK TO change");
     m_transactions.m_connection.execute("RELEASE change");
-    m_transactions.m_connection.watch(m_transactions.m_sink);
     m_transactions.undoTo(m_undoMark);
 }
 

@@ -75,9 +75,6 @@ TEST(Decimal, ComparesByNumberWhateverTheScale)
 {
     EXPECT_EQ(decimal("1.50"), decimal("1.5"));
     EXPECT_LT(decimal("-2"), decimal("-1.999"));
-    EXPECT_LT(decimal("99999999999999999999999999999999999999") <=>
-                  decimal("0.00000000000000000000000000000000000001"),
-              std::strong_ordering::greater == std::strong_ordering::less ? 1 : 2);
     EXPECT_GT(decimal("99999999999999999999999999999999999999"),
               decimal("0.00000000000000000000000000000000000001"));
     EXPECT_EQ(decimal("0"), decimal("-0.00"));
