@@ -143,26 +143,6 @@ TEST_F(Concurrency, AnAttentionUndoesALongStatementAndKeepsTheTransaction)
     }
 }
 
-TEST_F(Concurrency, AnAttentionAtAnyMomentOfAWriteLeavesASoundSession)
-{
-    first.run("CREATE TABLE t (a int PRIMARY KEY, b varchar(100)) INSERT t VALUES (0, 'kept')");
-    for (int round = 0; round < 40; ++round) {
-        first.run("BEGIN TRAN UPDATE t SET b = 'changed' WHERE a = 0");
-        first.start(
-            "SET NOCOUNT ON DECLARE @i int = 1 WHILE 1 = 1 BEGIN INSERT t VALUES (@i, 'x') UPDATE t SET b = "
-            "'y' WHERE a = @i SET @i = @i + 1 END");
-        std::this_thread::sleep_for(std::chrono::microseconds(500 + 37 * round));
-        first.sink.attention();
-        ASSERT_TRUE(endsInTime(first));
-        first.join();
-        first.sink.clearAttention();
-        EXPECT_EQ(first.value("SELECT b FROM t WHERE a = 0"), "'changed'");
-        EXPECT_EQ(first.value("SELECT @@TRANCOUNT"), "1");
-        first.run("ROLLBACK");
-        EXPECT_EQ(first.value("SELECT COUNT(*) FROM t WHERE b = 'kept'"), "1");
-    }
-}
-
 TEST_F(Concurrency, LockTimeoutEndsAWaitWithAnError)
 {
     first.run("CREATE TABLE t (a int) BEGIN TRAN INSERT t VALUES (1)");
