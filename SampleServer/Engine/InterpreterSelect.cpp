@@ -180,11 +180,20 @@ Interpreter::Flow Interpreter::run(const Ast::Select &node)
     std::uint64_t count = 0;
     if (!m_options.formatOnly) {
         const TextSizeLimit textSize(*query, m_context.textSize);
-        count = fetch(*query, [&](std::span<const Value> row) {
-            compute.beforeRow(row);
-            m_sink->row(textSize.apply(row));
-            compute.afterRow(row);
-        });
+        try {
+            fetch(*query, [&](std::span<const Value> row) {
+                compute.beforeRow(row);
+                m_sink->row(textSize.apply(row));
+                compute.afterRow(row);
+                ++count;
+            });
+        } catch (const EngineError &error) {
+            if (!m_tries.empty()) { // nobody tells the client of the error: the result just ends
+                end.rowCount = count;
+                m_sink->endStatement(end);
+            }
+            throw;
+        }
         compute.finish();
     }
     m_context.rowCount = static_cast<std::int64_t>(count);

@@ -231,9 +231,7 @@ TableSourcePtr Parser::parseTable()
         return parseParenthesizedTable();
     auto table = std::make_unique<TableSource>();
     table->line = current().line;
-    if (current().kind == TokenKind::Variable)
-        refuse("table variables");
-    ObjectName name = parseObjectName();
+    ObjectName name = parseTableName();
     const bool hints =
         isSymbol("(") && (ahead(1).keyword == "NOLOCK" || ahead(1).keyword == "READUNCOMMITTED");
     if (isSymbol("(") && !hints) {

@@ -50,6 +50,7 @@ private:
     [[noreturn]] void fail(EngineError error, int line) const;
     [[noreturn]] void refuse(std::string_view construct) const;
     Ast::ObjectName parseObjectName();
+    Ast::ObjectName parseTableName();
     Ast::TypeName parseTypeName();
 
     // Statements
@@ -58,6 +59,10 @@ private:
     Ast::StatementPtr parseDataStatement(const std::string &keyword);
     Ast::StatementPtr parseDefinitionStatement(const std::string &keyword);
     Ast::StatementPtr parseBegin();
+    Ast::StatementPtr parseTryCatch();
+    Ast::Block parseBlock();
+    Ast::StatementPtr parseReturn();
+    Ast::StatementPtr parseThrow();
     Ast::StatementPtr parseIf();
     Ast::StatementPtr parseWhile();
     Ast::StatementPtr parseDeclare();
@@ -73,6 +78,7 @@ private:
     Ast::StatementPtr parseCreate();
     Ast::StatementPtr parseDrop();
     Ast::StatementPtr parseTruncate();
+    void parseTableElements(Ast::CreateTable &table);
     void parseColumnDefinition(Ast::CreateTable &table);
     bool parseColumnProperty(Ast::CreateTable &table, Ast::ColumnDefinition &column, std::string &constraint);
     void parseTableConstraint(Ast::CreateTable &table);
@@ -137,7 +143,9 @@ private:
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_statementLine = 1;
-    std::set<std::string> m_declared; ///< folded names of the variables declared so far
+    std::set<std::string> m_declared;       ///< folded names of the variables declared so far
+    std::set<std::string> m_declaredTables; ///< likewise of table variables
+    bool m_mayReturnValue = false;          ///< RETURN takes a value here
 
     friend class NestingGuard;
 };

@@ -160,6 +160,20 @@ void SqliteConnection::execute(const std::string &sql)
     }
 }
 
+void SqliteConnection::dropTemporary(const std::string &table)
+{
+    m_dropLater.push_back(table);
+    dropWaiting();
+}
+
+void SqliteConnection::dropWaiting()
+{
+    std::erase_if(m_dropLater, [this](const std::string &table) {
+        return sqlite3_exec(m_db, ("DROP TABLE IF EXISTS temp." + table).c_str(), nullptr, nullptr,
+                            nullptr) == SQLITE_OK;
+    });
+}
+
 bool SqliteConnection::isInTransaction() const
 {
     return sqlite3_get_autocommit(m_db) == 0;
@@ -172,6 +186,7 @@ std::int64_t SqliteConnection::lastRowId() const
 
 void SqliteConnection::detachUnused()
 {
+    dropWaiting();
     if (m_attached.empty())
         return;
     dropStatements();

@@ -68,6 +68,8 @@ public:
     void detachUnused();
     /// Runs a statement without parameters and rows.
     void execute(const std::string &sql);
+    /// Drops a table of the session's own, later when a statement that runs stands in the way.
+    void dropTemporary(const std::string &table);
     /// Whether SQLite's own transaction is open: it ends one by itself when a write fails for want of memory.
     bool isInTransaction() const;
     /// Whom a running statement asks whether to stop; null for nobody.
@@ -84,6 +86,7 @@ private:
     [[noreturn]] void throwError(int code);
     static int onProgress(void *self);
     void dropStatements();
+    void dropWaiting();
 
     EvaluationContext &m_context;
     std::function<void(const Database &)> m_useDefinitions;
@@ -92,6 +95,7 @@ private:
     std::exception_ptr m_error;
     bool m_cancelled = false;
     bool m_isWriting = false; ///< SQLite drops the whole transaction when a write is interrupted: none is
+    std::vector<std::string> m_dropLater;              ///< temporary tables
     std::map<int, DatabasePtr> m_attached;             ///< by database id
     std::multimap<std::string, sqlite3_stmt *> m_idle; ///< prepared statements not in use, by text
 };
