@@ -31,6 +31,7 @@ struct Update
 {
     ObjectName table; ///< a table or an alias of the FROM clause
     std::optional<Top> top;
+    std::vector<CommonTable> with;
     std::vector<Assignment> assignments;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;
@@ -39,6 +40,7 @@ struct Update
 struct Delete
 {
     ObjectName table;
+    std::vector<CommonTable> with;
     std::optional<Top> top;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;

@@ -139,10 +139,11 @@ Interpreter::Flow Interpreter::run(const Ast::Throw &node)
     };
     const std::int64_t id = number(*node.number);
     if (id < 50000)
-        throw EngineError(35100, 16, 10,
-                          "Error number " + std::to_string(id) +
-                              " in the THROW statement is outside the valid range. Specify an error number in "
-                              "the valid range of 50000 to 2147483647.");
+        throw EngineError(
+            35100, 16, 10,
+            "Error number " + std::to_string(id) +
+                " in the THROW statement is outside the valid range. Specify an error number in "
+                "the valid range of 50000 to 2147483647.");
     const Value text = evaluate(*node.message, MessageType);
     throw EngineError(static_cast<std::int32_t>(id), 16, static_cast<int>(number(*node.state)),
                       isNull(text) ? std::string() : std::get<std::string>(text), ErrorEffect::EndsAll);
@@ -153,10 +154,11 @@ void Interpreter::endDoomedTransaction()
 {
     if (!m_context.isTransactionDoomed)
         return;
-    EngineError error(3998, 16, 1,
-                      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled "
-                      "back.",
-                      ErrorEffect::RollsBack);
+    EngineError error(
+        3998, 16, 1,
+        "Uncommittable transaction is detected at the end of the batch. The transaction is rolled "
+        "back.",
+        ErrorEffect::RollsBack);
     report(error, 1);
 }
 

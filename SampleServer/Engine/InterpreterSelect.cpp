@@ -43,7 +43,7 @@ std::vector<ColumnInfo> columnInfos(const Bound::Query &query)
 bool isPlain(const Bound::Query &query)
 {
     return !query.op && !query.grouped && !query.distinct && query.orderBy.empty() && !query.where &&
-           !query.offset;
+           !query.offset && !query.withTies && !query.percent;
 }
 
 /// A row that is known without running anything: SELECT of constants without FROM.
@@ -120,7 +120,8 @@ std::optional<std::uint64_t> Interpreter::fetchGenerated(const Bound::Query &que
 
 std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &receive)
 {
-    std::uint64_t limit = query.limit && !query.offset ? countOf(query.limit) : NoLimit;
+    const bool counts = query.limit && !query.offset && !query.withTies && !query.percent;
+    std::uint64_t limit = counts ? countOf(query.limit) : NoLimit;
     if (m_options.rowLimit > 0)
         limit = std::min(limit, static_cast<std::uint64_t>(m_options.rowLimit));
     if (const auto row = constantRow(query)) {

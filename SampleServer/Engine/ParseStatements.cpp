@@ -75,6 +75,8 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
 {
     if (keyword == "SELECT")
         return statement(std::move(*parseSelect()));
+    if (keyword == "WITH")
+        return parseWithStatement();
     if (keyword == "INSERT")
         return parseInsert();
     if (keyword == "UPDATE")
@@ -87,9 +89,9 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
 StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
 {
     static constexpr std::string_view refused[] = {
-        "ALTER",   "BACKUP", "BULK",    "CHECKPOINT", "CLOSE", "DBCC",       "DEALLOCATE", "DENY",
-        "FETCH",   "GOTO",   "GRANT",   "KILL",       "MERGE", "OPEN",       "REVOKE",     "RECONFIGURE",
-        "RESTORE", "REVERT", "SETUSER", "SHUTDOWN",   "WITH",  "UPDATETEXT", "WRITETEXT",  "READTEXT"};
+        "ALTER",   "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",
+        "FETCH",   "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE",
+        "RESTORE", "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
     if (keyword == "CREATE")
         return parseCreate();
     if (keyword == "DROP")
@@ -97,7 +99,7 @@ StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
     if (keyword == "TRUNCATE")
         return parseTruncate();
     if (std::find(std::begin(refused), std::end(refused), keyword) != std::end(refused))
-        refuse(keyword == "WITH" ? "common table expressions (WITH)" : keyword);
+        refuse(keyword);
     return nullptr;
 }
 
@@ -369,6 +371,28 @@ StatementPtr Parser::parseExecute()
         node.arguments.push_back(std::move(argument));
     } while (acceptSymbol(","));
     return statement(std::move(node));
+}
+
+/// WITH names AS (queries) before the statement that uses them.
+StatementPtr Parser::parseWithStatement()
+{
+    std::vector<CommonTable> with = parseWith();
+    const std::string keyword = current().keyword;
+    if (keyword != "SELECT" && keyword != "INSERT" && keyword != "UPDATE" && keyword != "DELETE" &&
+        !isSymbol("("))
+        failHere();
+    auto result = isSymbol("(") ? statement(std::move(*parseSelect())) : parseDataStatement(keyword);
+    if (auto *select = std::get_if<Select>(&result->node)) {
+        select->with = std::move(with);
+    } else if (auto *insert = std::get_if<Insert>(&result->node)) {
+        if (insert->query)
+            insert->query->with = std::move(with);
+    } else if (auto *update = std::get_if<Update>(&result->node)) {
+        update->with = std::move(with);
+    } else {
+        std::get<Delete>(result->node).with = std::move(with);
+    }
+    return result;
 }
 
 StatementPtr Parser::parseInsert()

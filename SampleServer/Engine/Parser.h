@@ -88,6 +88,13 @@ private:
 
     // Queries
     Ast::SelectPtr parseSelect();
+    std::vector<Ast::CommonTable> parseWith();
+    Ast::StatementPtr parseWithStatement();
+    Ast::ForXml parseForXml();
+    std::vector<Ast::OrderItem> parseOrderItems();
+    Ast::Window parseWindow();
+    std::string parseFrame();
+    Ast::ExpressionPtr parseXmlMethod(Ast::ExpressionPtr operand);
     std::unique_ptr<Ast::Query> parseQuery();
     std::unique_ptr<Ast::Query> parseIntersection();
     std::unique_ptr<Ast::Query> parseQueryTerm();
@@ -106,7 +113,7 @@ private:
     bool parseHintList();
     void parseOrderBy(Ast::Select &select);
     void parseCompute(Ast::Select &select);
-    void parseOption();
+    std::optional<int> parseOption();
     std::vector<std::vector<Ast::ExpressionPtr>> parseRows(bool allowDefault);
 
     // Expressions

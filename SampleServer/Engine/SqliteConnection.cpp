@@ -1,5 +1,6 @@
 #include "Engine/SqliteConnection.h"
 #include "Engine/EngineError.h"
+#include "Engine/RowProvider.h"
 #include "Engine/ScopedValue.h"
 #include "Engine/SqliteCodec.h"
 
@@ -57,19 +58,32 @@ void SqliteStatement::bind(int index, const Value &value, const SqlType &type)
     bindValue(m_statement, index, value, type);
 }
 
-void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters)
+void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters,
+                           std::span<sqlite3_value *> arguments)
 {
     int index = 0;
+    // SQLite hands a pointer back unchanged; who gets it only reads through it.
+    const auto bindPointer = [&](const void *object, const char *kind) {
+        sqlite3_bind_pointer(m_statement, index, const_cast<void *>(object), kind, nullptr);
+    };
     for (const EmittedParameter &parameter : parameters) {
         ++index;
-        if (parameter.constant) {
+        if (parameter.constant)
             bindValue(m_statement, index, parameter.constant->value, parameter.type);
-        } else {
-            // SQLite hands the pointer back unchanged; tsql() only reads through it.
-            auto *call = const_cast<Bound::Call *>(parameter.call);
-            sqlite3_bind_pointer(m_statement, index, call, "tsql-call", nullptr);
-        }
+        else if (parameter.call)
+            bindPointer(parameter.call, "tsql-call");
+        else if (parameter.provider)
+            bindPointer(parameter.provider, "row-provider");
+        else if (parameter.shape)
+            bindPointer(parameter.shape, "xml-shape");
+        else
+            sqlite3_bind_value(m_statement, index, arguments[static_cast<std::size_t>(parameter.argument)]);
     }
+}
+
+void SqliteStatement::copyColumn(int column, sqlite3_context *context) const
+{
+    sqlite3_result_value(context, sqlite3_column_value(m_statement, column));
 }
 
 bool SqliteStatement::step()
@@ -117,6 +131,7 @@ SqliteConnection::SqliteConnection(EvaluationContext &context,
     sqlite3_extended_result_codes(m_db, 1);
     registerFunctions(m_db, *this);
     registerRowGenerator(m_db);
+    registerRowProviders(m_db, *this);
     sqlite3_progress_handler(m_db, ProgressSteps, onProgress, this);
     // The engine's own lock manager keeps readers and writers apart; SQLite must not do it a second time.
     execute("PRAGMA read_uncommitted = 1");

@@ -9,10 +9,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 
 struct sqlite3;
+struct sqlite3_context;
 struct sqlite3_stmt;
+struct sqlite3_value;
 
 namespace SampleServer {
 
@@ -33,11 +36,13 @@ public:
     SqliteStatement &operator=(const SqliteStatement &) = delete;
 
     void bind(int index, const Value &value, const SqlType &type);
-    void bind(const std::vector<EmittedParameter> &parameters);
+    void bind(const std::vector<EmittedParameter> &parameters, std::span<sqlite3_value *> arguments = {});
     /// Moves to the next row; false after the last one. Throws EngineError from functions it called back,
     /// BatchCancelled when the client asked to stop, SqliteConstraintError.
     bool step();
     void read(int column, const SqlType &type, Value &value) const;
+    /// Makes a column of the current row the result of a function of SQLite's.
+    void copyColumn(int column, sqlite3_context *context) const;
     /// Starts over, keeping what is bound.
     void reset();
 
@@ -102,6 +107,8 @@ private:
 
 /// Adds tsql(), the aggregates and the collations to a connection.
 void registerFunctions(sqlite3 *db, SqliteConnection &connection);
+/// Adds the aggregates alone.
+void registerAggregates(sqlite3 *db, SqliteConnection &connection);
 /// Adds the table-valued function generate_rows(n).
 void registerRowGenerator(sqlite3 *db);
 
