@@ -40,6 +40,20 @@ struct TypeName
     std::vector<int> arguments; ///< SqlType::Max for max
 };
 
+struct OrderItem
+{
+    ExpressionPtr expression;
+    bool descending = false;
+};
+
+/// OVER (PARTITION BY ... ORDER BY ... ROWS ...)
+struct Window
+{
+    std::vector<ExpressionPtr> partition;
+    std::vector<OrderItem> order;
+    std::string frame; ///< in upper case as SQLite takes it too; empty for the default
+};
+
 struct Literal
 {
     SqlType type;
@@ -177,6 +191,17 @@ struct FunctionCall
     std::vector<ExpressionPtr> arguments;
     bool distinct = false; ///< COUNT(DISTINCT x)
     bool star = false;     ///< COUNT(*)
+    std::optional<Window> over;
+    std::vector<OrderItem> withinGroup; ///< WITHIN GROUP (ORDER BY ...)
+};
+
+/// xml.value('path', 'type')
+struct MethodCall
+{
+    ExpressionPtr operand;
+    std::string method;
+    std::string path;
+    TypeName type;
 };
 
 struct Expression
@@ -185,7 +210,7 @@ struct Expression
     int depth = 1; ///< how many expressions it nests, itself included
     std::variant<Literal, ColumnReference, VariableReference, GlobalVariableReference, Unary, Arithmetic,
                  Bitwise, Comparison, QuantifiedComparison, Logical, Not, IsNull, Between, InList, InQuery,
-                 Like, Exists, ScalarQuery, Case, Cast, FunctionCall>
+                 Like, Exists, ScalarQuery, Case, Cast, FunctionCall, MethodCall>
         node;
 };
 

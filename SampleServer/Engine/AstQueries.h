@@ -39,7 +39,7 @@ struct FunctionTable
     std::vector<ExpressionPtr> arguments;
 };
 
-enum class JoinKind { Inner, Left, Right, Full, Cross };
+enum class JoinKind { Inner, Left, Right, Full, Cross, CrossApply, OuterApply };
 struct Join
 {
     JoinKind kind;
@@ -85,12 +85,6 @@ struct Query
     std::unique_ptr<Query> left, right;
 };
 
-struct OrderItem
-{
-    ExpressionPtr expression;
-    bool descending = false;
-};
-
 struct ComputeItem
 {
     std::string function; ///< upper case
@@ -104,8 +98,28 @@ struct Compute
     std::vector<ExpressionPtr> by;
 };
 
+/// name (columns) AS (query) of a WITH clause.
+struct CommonTable
+{
+    std::string name;
+    std::vector<std::string> columns;
+    SelectPtr query;
+};
+
+/// FOR XML PATH('row'), ROOT('root'), TYPE
+struct ForXml
+{
+    std::string rowTag = "row";
+    std::string root; ///< empty when there is none
+    bool typed = false;
+    bool attributes = false; ///< FOR XML RAW: columns become attributes
+};
+
 struct Select
 {
+    std::vector<CommonTable> with;
+    std::optional<ForXml> forXml;
+    std::optional<int> maxRecursion; ///< OPTION (MAXRECURSION n)
     std::unique_ptr<Query> query;
     std::vector<OrderItem> orderBy;
     ExpressionPtr offset, fetch; ///< OFFSET n ROWS FETCH NEXT m ROWS ONLY; may be null

@@ -16,6 +16,7 @@ struct Insert
     /// A null expression is DEFAULT. Empty when the rows come from `query` or DEFAULT VALUES.
     std::vector<std::vector<ExpressionPtr>> rows;
     SelectPtr query;
+    StatementPtr execute; ///< INSERT ... EXEC
     bool defaultValues = false;
 };
 
@@ -30,6 +31,7 @@ struct Update
 {
     ObjectName table; ///< a table or an alias of the FROM clause
     std::optional<Top> top;
+    std::vector<CommonTable> with;
     std::vector<Assignment> assignments;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;
@@ -38,6 +40,7 @@ struct Update
 struct Delete
 {
     ObjectName table;
+    std::vector<CommonTable> with;
     std::optional<Top> top;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;
@@ -100,7 +103,8 @@ struct Declare
     {
         std::string name;
         TypeName type;
-        ExpressionPtr initial; ///< may be null
+        ExpressionPtr initial;              ///< may be null
+        std::shared_ptr<CreateTable> table; ///< set for a table variable
     };
     std::vector<Variable> variables;
 };
@@ -152,6 +156,18 @@ struct Continue
 
 struct Return
 {
+    ExpressionPtr status; ///< may be null
+};
+
+struct TryCatch
+{
+    Block body, handler;
+};
+
+/// THROW number, message, state; all null where the caught error is thrown again.
+struct Throw
+{
+    ExpressionPtr number, message, state;
 };
 
 struct Print
@@ -181,7 +197,7 @@ struct Transaction
 {
     enum class Kind { Begin, Commit, Rollback, Save };
     Kind kind;
-    std::string name; ///< empty when none was given
+    std::string name; ///< empty when none was given; with its @ where a variable holds it
 };
 
 /// EXEC ('text') and EXEC procedure arguments.
@@ -195,6 +211,7 @@ struct Execute
     };
     ExpressionPtr text; ///< set for EXEC (...)
     ObjectName procedure;
+    std::string procedureVariable; ///< set for EXEC @name
     std::vector<Argument> arguments;
     std::string statusVariable;
 };
@@ -204,7 +221,8 @@ struct Statement
     int line = 1;
     std::variant<Select, Insert, Update, Delete, TruncateTable, CreateTable, DropTable, CreateDatabase,
                  DropDatabase, Declare, SetVariable, SetOption, SetIdentityInsert, If, While, Block, Break,
-                 Continue, Return, Print, RaiseError, WaitForDelay, Use, Transaction, Execute>
+                 Continue, Return, TryCatch, Throw, Print, RaiseError, WaitForDelay, Use, Transaction,
+                 Execute>
         node;
 };
 

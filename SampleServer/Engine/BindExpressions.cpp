@@ -367,10 +367,23 @@ ExpressionPtr Binder::bindNode(const Ast::QuantifiedComparison &node)
 {
     const bool isIn = !node.all && node.op == Ast::ComparisonOperator::Equal;
     const bool isNotIn = node.all && node.op == Ast::ComparisonOperator::NotEqual;
-    if (!isIn && !isNotIn)
-        throw Errors::notSupported("comparisons with ALL and ANY");
     auto operand = bind(*node.left);
     auto query = bindSubquery(*node.query, false);
+    if (!isIn && !isNotIn) {
+        // ANY: a row for which it holds. ALL: no row for which it does not.
+        const std::string alias = newAlias();
+        const OutputColumn &column = query->columns[0];
+        auto value = std::make_shared<const Expression>(
+            Expression{column.info.type, column.info.nullable, Column{alias, "c1"}});
+        auto holds = compare(node.op, std::move(operand), std::move(value));
+        auto search = std::make_shared<Query>();
+        search->from.push_back(std::make_shared<const Source>(Source{alias, DerivedQuery{query}}));
+        search->columns.push_back({ColumnInfo{{}, IntType}, constant(IntType, std::int64_t{1})});
+        if (node.all)
+            holds = logical(false, negated(holds, true), condition(Bound::IsNull{holds, false}));
+        search->where = std::move(holds);
+        return negated(condition(Bound::Exists{std::move(search)}), node.all);
+    }
     const SqlType type = commonType(operand->type, query->columns[0].info.type);
     operand = converted(operand, type);
     return negated(condition(Bound::InQuery{std::move(operand), withColumnTypes(query, {type})}), isNotIn);

@@ -16,11 +16,12 @@ namespace {
 
 constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
 constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
+constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
 
 bool isAggregateName(const Ast::ObjectName &name)
 {
-    static constexpr std::string_view names[] = {"AVG",   "COUNT",  "COUNT_BIG", "MAX", "MIN",
-                                                 "STDEV", "STDEVP", "SUM",       "VAR", "VARP"};
+    static constexpr std::string_view names[] = {"AVG",    "COUNT", "COUNT_BIG", "MAX",  "MIN",       "STDEV",
+                                                 "STDEVP", "SUM",   "VAR",       "VARP", "STRING_AGG"};
     if (name.parts.size() != 1)
         return false;
     const std::string upper = asciiUpper(name.object());
@@ -54,7 +55,15 @@ struct AggregateFinder
     bool operator()(const Ast::InQuery &n) const { return any(n.operand); }
     bool operator()(const Ast::Like &n) const { return any(n.operand, n.pattern); }
     bool operator()(const Ast::Cast &n) const { return any(n.operand, n.style); }
-    bool operator()(const Ast::FunctionCall &n) const { return isAggregateName(n.name) || all(n.arguments); }
+    bool operator()(const Ast::FunctionCall &n) const
+    {
+        if (!n.over)
+            return isAggregateName(n.name) || all(n.arguments);
+        return all(n.arguments) || all(n.over->partition) ||
+               std::any_of(n.over->order.begin(), n.over->order.end(),
+                           [this](const auto &item) { return any(item.expression); });
+    }
+    bool operator()(const Ast::MethodCall &n) const { return any(n.operand); }
     bool operator()(const Ast::Case &n) const
     {
         return any(n.input, n.otherwise) ||
@@ -68,7 +77,9 @@ struct AggregateFinder
     }
 };
 
-std::string sumFunction(const SqlType &result)
+} // namespace
+
+std::string Functions::sumFunction(const SqlType &result)
 {
     switch (result.id) {
     case TypeId::Int:
@@ -83,8 +94,6 @@ std::string sumFunction(const SqlType &result)
         return "tsql_sum_decimal";
     }
 }
-
-} // namespace
 
 bool containsAggregate(const Ast::Expression &expression)
 {
@@ -106,7 +115,7 @@ ExpressionPtr Binder::average(ExpressionPtr argument, bool distinct, Grouping &g
     Operation operation;
     operation.function = Functions::average;
     operation.result = averageType(argument->type);
-    auto total = addAggregate(grouping, {sumFunction(sum), argument, distinct}, sum);
+    auto total = addAggregate(grouping, {Functions::sumFunction(sum), argument, distinct}, sum);
     auto count = addAggregate(grouping, {"count", argument, distinct}, BigIntType);
     return call(std::move(operation), {std::move(total), std::move(count)});
 }
@@ -129,6 +138,8 @@ ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string
         count.nullable = false;
         return std::make_shared<const Expression>(std::move(count));
     }
+    if (name == "STRING_AGG")
+        return stringAggregate(node, *grouping);
     if (node.arguments.size() != 1)
         throw Errors::argumentCount(toLower(name), 1);
     ExpressionPtr argument = [&] {
@@ -144,15 +155,65 @@ ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string
     const SqlType type = argument->type;
     if (name == "SUM") {
         const SqlType result = sumType(type, name);
-        return addAggregate(*grouping, {sumFunction(result), std::move(argument), node.distinct}, result);
+        return addAggregate(*grouping, {Functions::sumFunction(result), std::move(argument), node.distinct},
+                            result);
     }
     if (name == "AVG")
         return average(std::move(argument), node.distinct, *grouping);
-    if (name != "MIN" && name != "MAX")
-        throw Errors::notSupported("the aggregate function " + name);
+    if (name != "MIN" && name != "MAX") // STDEV, VAR and their kin
+        return addAggregate(
+            *grouping, {"tsql_" + toLower(name), converted(argument, FloatType), node.distinct}, FloatType);
     if (type.id == TypeId::Bit || isLegacyLob(type.id) || type.id == TypeId::Xml)
         throw Errors::invalidOperand(messageTypeName(type.id), toLower(name));
     return addAggregate(*grouping, {toLower(name), std::move(argument), false}, type);
+}
+
+/// STRING_AGG(text, separator) WITHIN GROUP (ORDER BY ...)
+ExpressionPtr Binder::stringAggregate(const Ast::FunctionCall &node, Grouping &grouping)
+{
+    if (node.arguments.size() != 2)
+        throw Errors::argumentCount("string_agg", 2);
+    const ScopedValue<Grouping *> ungrouped(m_scope->grouping, nullptr);
+    auto text = bind(*node.arguments[0]);
+    if (!isText(text->type.id))
+        text = converted(text, {TypeId::NVarChar, 4000, 0, 0});
+    SqlType type = text->type;
+    type.id = isUnicodeText(type.id) ? TypeId::NVarChar : TypeId::VarChar;
+    type.length = type.length == SqlType::Max ? SqlType::Max : longestOrdinaryLength(type.id);
+    Aggregate aggregate{"tsql_string_agg", std::move(text), false};
+    aggregate.more.push_back(bindValueAs(*node.arguments[1], {TypeId::NVarChar, 4000, 0, 0}));
+    for (const auto &item : node.withinGroup) {
+        aggregate.more.push_back(bind(*item.expression));
+        aggregate.more.push_back(constant(IntType, std::int64_t{item.descending}));
+    }
+    return addAggregate(grouping, std::move(aggregate), type);
+}
+
+/// A CASE of conditions and values that are bound already.
+ExpressionPtr Binder::choice(std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches,
+                             ExpressionPtr otherwise)
+{
+    std::vector<ExpressionPtr> results;
+    for (const auto &branch : branches)
+        results.push_back(branch.second);
+    results.push_back(std::move(otherwise));
+    const SqlType type = unify(results);
+    Case node;
+    bool nullable = results.back()->nullable;
+    for (std::size_t i = 0; i < branches.size(); ++i) {
+        if (const Value *known = constantValue(*branches[i].first)) {
+            if (isNull(*known) || std::get<std::int64_t>(*known) == 0)
+                continue; // never taken
+            results.back() = results[i];
+            break;
+        }
+        nullable = nullable || results[i]->nullable;
+        node.branches.emplace_back(branches[i].first, results[i]);
+    }
+    if (node.branches.empty())
+        return results.back();
+    node.otherwise = results.back();
+    return std::make_shared<const Expression>(Expression{type, nullable, std::move(node)});
 }
 
 ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::string &name)
@@ -202,7 +263,36 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         choice.otherwise = std::move(value);
         return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
     }
+    if (name == "IIF") {
+        require(3);
+        return choice({{argument(0), argument(1)}}, argument(2));
+    }
+    if (name == "CHOOSE") {
+        const auto index = bindValueAs(*node.arguments.at(0), IntType);
+        std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches;
+        for (std::size_t i = 1; i < node.arguments.size(); ++i) {
+            auto position = constant(IntType, static_cast<std::int64_t>(i));
+            branches.emplace_back(compare(Ast::ComparisonOperator::Equal, index, std::move(position)),
+                                  argument(i));
+        }
+        return choice(std::move(branches), constant(IntType, Value(), true));
+    }
     return nullptr;
+}
+
+/// Only paths that mean the whole fragment's text are known.
+ExpressionPtr Binder::bindNode(const Ast::MethodCall &node)
+{
+    static constexpr std::string_view whole[] = {
+        ".", "text()[1]", "./text()[1]", "(.)[1]", "(./text())[1]", "(text())[1]", "/"};
+    if (std::find(std::begin(whole), std::end(whole), node.path) == std::end(whole))
+        throw Errors::notSupported("the XML path " + node.path);
+    const SqlType type = resolveType(node.type, TypePlace::Declaration);
+    Operation operation;
+    operation.function = Functions::xmlText;
+    operation.result = {TypeId::NVarChar, SqlType::Max, 0, 0};
+    auto operand = converted(bind(*node.operand), {TypeId::Xml, 0, 0, 0}, true);
+    return converted(call(std::move(operation), {std::move(operand)}), type, true);
 }
 
 ExpressionPtr Binder::bindNode(const Ast::FunctionCall &node)
@@ -214,6 +304,8 @@ ExpressionPtr Binder::bindNode(const Ast::FunctionCall &node)
                               "\", or the name is ambiguous.",
                           ErrorEffect::EndsBatch);
     const std::string name = asciiUpper(node.name.object());
+    if (node.over)
+        return window(node, name);
     if (isAggregateName(node.name))
         return aggregate(node, name);
     if (node.star || node.distinct)
@@ -233,8 +325,6 @@ ExpressionPtr Binder::bindNode(const Ast::FunctionCall &node)
     }
     for (const auto &argument : node.arguments)
         arguments.push_back(bind(*argument));
-    if (name == "IIF" || name == "CHOOSE")
-        throw Errors::notSupported("the function " + name);
     return Functions::bindBuiltin(*this, node.name.object(), std::move(arguments));
 }
 

@@ -1,7 +1,9 @@
 #include "Engine/Binder.h"
 #include "Engine/Emitter.h"
 #include "Engine/Errors.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
+#include "Engine/XmlRows.h"
 #include "Types/Collation.h"
 #include "Types/TypeTraits.h"
 
@@ -72,19 +74,49 @@ void requireSortable(const SqlType &type)
 
 QueryPtr Binder::bindSelect(const Ast::Select &select)
 {
-    return bindQuery(*select.query, &select);
+    return bindWhole(select);
+}
+
+QueryPtr Binder::bindWhole(const Ast::Select &select)
+{
+    const CommonTableScope common{select.with, select.with.size(), m_common};
+    const ScopedValue<const CommonTableScope *> visible(m_common, select.with.empty() ? m_common : &common);
+    const ScopedValue<int> recursion(m_maxRecursion, select.maxRecursion.value_or(m_maxRecursion));
+    auto query = bindQuery(*select.query, &select);
+    return select.forXml ? xmlQuery(std::move(query), *select.forXml) : query;
+}
+
+/// FOR XML: one row with one column.
+QueryPtr Binder::xmlQuery(QueryPtr rows, const Ast::ForXml &options)
+{
+    auto shape = std::make_shared<XmlShape>();
+    shape->rowTag = options.rowTag;
+    shape->root = options.root;
+    shape->attributes = options.attributes;
+    for (const OutputColumn &column : rows->columns)
+        shape->columns.push_back({column.info.name, column.info.type});
+    auto result = std::make_shared<Query>();
+    OutputColumn column;
+    column.info.name = options.typed ? std::string() : "XML_F52E2B61-18A1-11d1-B105-00805F49916B";
+    column.info.type =
+        options.typed ? SqlType{TypeId::Xml, 0, 0, 0} : SqlType{TypeId::NVarChar, SqlType::Max, 0, 0};
+    column.expression = std::make_shared<const Expression>(
+        Expression{column.info.type, true, XmlText{std::move(rows), std::move(shape)}});
+    result->columns.push_back(std::move(column));
+    return result;
 }
 
 QueryPtr Binder::bindSubquery(const Ast::Select &select, bool allowsManyColumns)
 {
-    const bool limited = select.offset || (!select.query->op && select.query->specification.top);
+    const bool limited =
+        select.offset || select.forXml || (!select.query->op && select.query->specification.top);
     if (!select.orderBy.empty() && !limited)
         throw EngineError(
             1033, 15, 1,
             "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and "
             "common table expressions, unless TOP, OFFSET or FOR XML is also specified.",
             ErrorEffect::EndsBatch);
-    auto query = bindQuery(*select.query, &select);
+    auto query = bindWhole(select);
     if (!allowsManyColumns && query->columns.size() != 1)
         throw EngineError(
             116, 16, 1,
@@ -112,12 +144,16 @@ QueryPtr Binder::bindSpecification(const Ast::QuerySpecification &specification,
     if (query->grouped)
         bindGrouping(specification, scope, grouping);
     query->distinct = specification.distinct;
+    scope.allowsWindows = true;
     bindItems(specification, scope, *query);
-    if (specification.having)
+    if (specification.having) {
+        const ScopedValue<bool> noWindows(scope.allowsWindows, false);
         query->having = bind(*specification.having);
+    }
     if (whole)
         bindOrder(*whole, *query, false);
     scope.grouping = nullptr;
+    scope.allowsWindows = false;
     bindLimit(specification, whole, *query);
     query->groupAlias = grouping.alias;
     query->groupKeys = std::move(grouping.keys);
@@ -275,10 +311,18 @@ void Binder::bindLimit(const Ast::QuerySpecification &specification, const Ast::
                               ErrorEffect::EndsBatch);
         return bound;
     };
-    if (specification.top) {
-        if (specification.top->percent)
-            throw Errors::notSupported("TOP ... PERCENT");
-        query.limit = count(*specification.top->count, "TOP");
+    if (const auto &top = specification.top) {
+        query.withTies = top->withTies;
+        query.percent = top->percent;
+        if ((top->withTies || top->percent) && specification.distinct)
+            throw Errors::notSupported("DISTINCT with TOP ... PERCENT or WITH TIES");
+        if (top->withTies && query.orderBy.empty())
+            throw EngineError(
+                1062, 15, 1,
+                "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY clause.",
+                ErrorEffect::EndsBatch);
+        query.limit =
+            top->percent ? bindValueAs(*top->count, {TypeId::Float, 0, 0, 0}) : count(*top->count, "TOP");
     }
     if (whole && whole->offset)
         query.offset = count(*whole->offset, "OFFSET");

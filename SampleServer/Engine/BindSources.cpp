@@ -1,5 +1,6 @@
 #include "Engine/Binder.h"
 #include "Engine/Errors.h"
+#include "Engine/LateralQuery.h"
 #include "Engine/RowGenerator.h"
 #include "Engine/ScopedValue.h"
 #include "Types/Collation.h"
@@ -28,6 +29,15 @@ void rename(ScopeSource &source, const std::vector<std::string> &names)
         throw columnListMismatch(source.name, names.size() < source.columns.size());
     for (std::size_t i = 0; i < names.size(); ++i)
         source.columns[i].info.name = names[i];
+}
+
+std::set<std::string> sourceNames(const std::vector<ScopeSource> &sources)
+{
+    std::set<std::string> names;
+    for (const ScopeSource &source : sources)
+        for (const ScopeColumn &column : source.columns)
+            names.insert(column.source);
+    return names;
 }
 
 void makeNullable(Scope &scope, std::size_t first, std::size_t last)
@@ -91,16 +101,23 @@ SourcePtr Binder::bindTarget(const TableScan &scan, const std::string &name, Sco
     return std::make_shared<const Source>(Source{alias, scan});
 }
 
-SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope)
+SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool lateral)
 {
-    if (const auto *named = std::get_if<Ast::NamedTable>(&source.node))
+    if (const auto *named = std::get_if<Ast::NamedTable>(&source.node)) {
+        if (auto common = findCommon(source, named->name, scope))
+            return common;
         return bindNamed(source, *named, scope);
+    }
     if (const auto *derived = std::get_if<Ast::DerivedTable>(&source.node))
-        return bindDerived(source, *derived, scope);
+        return bindDerived(source, *derived, scope, lateral);
     if (const auto *values = std::get_if<Ast::ValuesTable>(&source.node))
-        return bindValues(source, *values, scope);
-    if (const auto *function = std::get_if<Ast::FunctionTable>(&source.node))
+        return bindValues(source, *values, scope, lateral);
+    if (const auto *function = std::get_if<Ast::FunctionTable>(&source.node)) {
+        // What a function is given may be columns of its neighbours only under APPLY.
+        Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
+        const ScopedValue<Scope *> around(m_scope, &neighbours);
         return bindFunction(source, *function, scope);
+    }
     return bindJoin(std::get<Ast::Join>(source.node), scope);
 }
 
@@ -116,15 +133,23 @@ SourcePtr Binder::bindNamed(const Ast::TableSource &source, const Ast::NamedTabl
     return std::make_shared<const Source>(Source{alias, scan});
 }
 
-SourcePtr Binder::bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope)
+SourcePtr Binder::bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope,
+                              bool lateral)
 {
-    // A derived table sees the queries around this one, but not its neighbours in the FROM clause.
+    // A derived table sees the queries around this one; its neighbours in the FROM clause only under APPLY.
+    Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
     const QueryPtr query = [&] {
-        const ScopedValue<Scope *> around(m_scope, scope.outer);
+        const ScopedValue<Scope *> around(m_scope, &neighbours);
         return bindSubquery(*table.query, true);
     }();
     ScopeSource entry;
     entry.name = source.alias;
+    return addQuery(std::move(entry), query, source.columns, scope, lateral);
+}
+
+SourcePtr Binder::addQuery(ScopeSource entry, const QueryPtr &query, const std::vector<std::string> &names,
+                           Scope &scope, bool lateral)
+{
     const std::string alias = newAlias();
     for (std::size_t i = 0; i < query->columns.size(); ++i) {
         ScopeColumn column;
@@ -134,19 +159,40 @@ SourcePtr Binder::bindDerived(const Ast::TableSource &source, const Ast::Derived
         column.column = 'c' + std::to_string(i + 1);
         entry.columns.push_back(std::move(column));
     }
-    rename(entry, source.columns);
+    rename(entry, names);
     for (std::size_t i = 0; i < entry.columns.size(); ++i)
         if (entry.columns[i].info.name.empty())
             throw EngineError(8155, 16, 2,
                               "No column name was specified for column " + std::to_string(i + 1) + " of '" +
                                   entry.name + "'.",
                               ErrorEffect::EndsBatch);
+    std::vector<ExpressionPtr> arguments;
+    if (lateral) {
+        std::set<std::string> outside = sourceNames(scope.sources);
+        emitLateral(*query, outside, arguments);
+        if (!arguments.empty()) {
+            // SQLite runs it apart from the statement, so it is given all that it sees of it.
+            for (const Scope *outer = scope.outer; outer; outer = outer->outer) {
+                outside.merge(sourceNames(outer->sources));
+                if (outer->grouping)
+                    outside.insert(outer->grouping->alias);
+            }
+            arguments.clear();
+            Emitted statement = emitLateral(*query, outside, arguments);
+            addSource(std::move(entry), scope);
+            auto provider = std::make_shared<const LateralQuery>(query, std::move(statement));
+            return std::make_shared<const Source>(Source{alias, ProvidedRows{provider, arguments}});
+        }
+    }
     addSource(std::move(entry), scope);
     return std::make_shared<const Source>(Source{alias, DerivedQuery{query}});
 }
 
-SourcePtr Binder::bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope)
+SourcePtr Binder::bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope,
+                             bool lateral)
 {
+    Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
+    const ScopedValue<Scope *> around(m_scope, &neighbours);
     const std::size_t width = table.rows[0].size();
     std::vector<std::vector<ExpressionPtr>> columns(width);
     for (const auto &row : table.rows) {
@@ -161,28 +207,30 @@ SourcePtr Binder::bindValues(const Ast::TableSource &source, const Ast::ValuesTa
     if (source.columns.empty())
         throw EngineError(8155, 16, 2, "No column name was specified for column 1 of '" + source.alias + "'.",
                           ErrorEffect::EndsBatch);
-    ScopeSource entry;
-    entry.name = source.alias;
-    const std::string alias = newAlias();
     ValueRows values;
     values.rows.resize(table.rows.size());
+    auto query = std::make_shared<Query>();
+    const std::string alias = newAlias();
     for (std::size_t i = 0; i < width; ++i) {
-        ScopeColumn column;
+        OutputColumn column;
         column.info.type = unify(columns[i]);
-        column.source = alias;
-        column.column = "column" + std::to_string(i + 1);
-        entry.columns.push_back(std::move(column));
+        column.expression = std::make_shared<const Expression>(
+            Expression{column.info.type, true, Column{alias, "column" + std::to_string(i + 1)}});
+        query->columns.push_back(std::move(column));
         for (std::size_t row = 0; row < table.rows.size(); ++row)
             values.rows[row].push_back(columns[i][row]);
     }
-    rename(entry, source.columns);
-    addSource(std::move(entry), scope);
-    return std::make_shared<const Source>(Source{alias, std::move(values)});
+    query->from.push_back(std::make_shared<const Source>(Source{alias, std::move(values)}));
+    ScopeSource entry;
+    entry.name = source.alias;
+    return addQuery(std::move(entry), query, source.columns, scope, lateral);
 }
 
 SourcePtr Binder::bindFunction(const Ast::TableSource &source, const Ast::FunctionTable &function,
                                Scope &scope)
 {
+    if (equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
+        return bindSplit(source, function, scope);
     const bool isGenerator = equalsIgnoringAsciiCase(function.name.object(), "generate_rows");
     if (!isGenerator)
         throw Errors::invalidObject(function.name.toString());
@@ -212,10 +260,11 @@ SourcePtr Binder::bindJoin(const Ast::Join &join, Scope &scope)
     const std::size_t leftStart = scope.sources.size();
     joined.left = bindSource(*join.left, scope);
     const std::size_t rightStart = scope.sources.size();
-    joined.right = bindSource(*join.right, scope);
+    const bool outerApply = join.kind == Ast::JoinKind::OuterApply;
+    joined.right = bindSource(*join.right, scope, outerApply || join.kind == Ast::JoinKind::CrossApply);
     if (join.condition)
         joined.condition = bind(*join.condition);
-    if (join.kind == Ast::JoinKind::Left || join.kind == Ast::JoinKind::Full)
+    if (join.kind == Ast::JoinKind::Left || join.kind == Ast::JoinKind::Full || outerApply)
         makeNullable(scope, rightStart, scope.sources.size());
     if (join.kind == Ast::JoinKind::Right || join.kind == Ast::JoinKind::Full)
         makeNullable(scope, leftStart, rightStart);

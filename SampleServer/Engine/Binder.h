@@ -51,6 +51,18 @@ struct Scope
     std::vector<ScopeSource> sources;
     Scope *outer = nullptr;
     Grouping *grouping = nullptr; ///< set while expressions after GROUP BY are bound
+    bool allowsWindows = false;   ///< set while the select list and ORDER BY are bound
+};
+
+/// The common tables that names in a query can refer to, and those of the queries around it.
+struct CommonTableScope
+{
+    const std::vector<Ast::CommonTable> &tables;
+    std::size_t visible = 0; ///< how many of them, from the first
+    const CommonTableScope *outer = nullptr;
+    /// Within a recursive common table, which is the one after the visible: its columns and SQLite's name.
+    const std::vector<ColumnInfo> *ownColumns = nullptr;
+    std::string ownName = {};
 };
 
 /// Resolves names and types of a statement just before it runs. Variables and functions of the session are
@@ -66,6 +78,8 @@ public:
     Bound::ExpressionPtr bindValueAs(const Ast::Expression &expression, const SqlType &type);
     Bound::ExpressionPtr bindCondition(const Ast::Expression &expression);
     Bound::QueryPtr bindSelect(const Ast::Select &select);
+    /// Lets names refer to the common tables of UPDATE and DELETE for as long as the binder lives.
+    void useCommonTables(const std::vector<Ast::CommonTable> &tables);
     /// Sees variables as they change while the query runs: SELECT @x = @x + column.
     void useLiveVariables() { m_liveVariables = true; }
 
@@ -113,6 +127,7 @@ private:
     Bound::ExpressionPtr bindNode(const Ast::Case &node);
     Bound::ExpressionPtr bindNode(const Ast::Cast &node);
     Bound::ExpressionPtr bindNode(const Ast::FunctionCall &node);
+    Bound::ExpressionPtr bindNode(const Ast::MethodCall &node);
 
     Bound::ExpressionPtr compare(Ast::ComparisonOperator op, Bound::ExpressionPtr left,
                                  Bound::ExpressionPtr right);
@@ -141,9 +156,21 @@ private:
     Bound::ExpressionPtr average(Bound::ExpressionPtr argument, bool distinct, Grouping &grouping);
     Bound::ExpressionPtr addAggregate(Grouping &grouping, Bound::Aggregate aggregate, const SqlType &type);
     Bound::ExpressionPtr specialFunction(const Ast::FunctionCall &node, const std::string &name);
+    Bound::ExpressionPtr coalesce(const Ast::FunctionCall &node);
+    Bound::ExpressionPtr choice(std::vector<std::pair<Bound::ExpressionPtr, Bound::ExpressionPtr>> branches,
+                                Bound::ExpressionPtr otherwise);
+    Bound::ExpressionPtr stringAggregate(const Ast::FunctionCall &node, Grouping &grouping);
+
+    // Window functions
+    Bound::ExpressionPtr window(const Ast::FunctionCall &node, const std::string &name);
+    Bound::ExpressionPtr windowAggregate(const Ast::FunctionCall &node, const std::string &name,
+                                         const Bound::WindowCall &over);
+    Bound::WindowCall bindWindow(const Ast::Window &window, const std::string &name);
 
     // Queries
+    Bound::QueryPtr bindWhole(const Ast::Select &select);
     Bound::QueryPtr bindQuery(const Ast::Query &query, const Ast::Select *whole);
+    Bound::QueryPtr xmlQuery(Bound::QueryPtr rows, const Ast::ForXml &options);
     Bound::QueryPtr bindSpecification(const Ast::QuerySpecification &specification, const Ast::Select *whole);
     Bound::QueryPtr bindCombination(const Ast::Query &query, const Ast::Select *whole);
     Bound::QueryPtr bindSubquery(const Ast::Select &select, bool allowsManyColumns);
@@ -155,11 +182,25 @@ private:
     void bindLimit(const Ast::QuerySpecification &specification, const Ast::Select *whole,
                    Bound::Query &query);
     void bindGrouping(const Ast::QuerySpecification &specification, Scope &scope, Grouping &grouping);
-    Bound::SourcePtr bindSource(const Ast::TableSource &source, Scope &scope);
+    Bound::SourcePtr bindSource(const Ast::TableSource &source, Scope &scope, bool lateral = false);
     Bound::SourcePtr bindNamed(const Ast::TableSource &source, const Ast::NamedTable &table, Scope &scope);
-    Bound::SourcePtr bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table,
-                                 Scope &scope);
-    Bound::SourcePtr bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope);
+    Bound::SourcePtr bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope,
+                                 bool lateral);
+    /// Adds the columns of a query to a scope under a name; the query may look at the scope's other sources.
+    Bound::SourcePtr addQuery(ScopeSource entry, const Bound::QueryPtr &query,
+                              const std::vector<std::string> &names, Scope &scope, bool lateral);
+    Bound::SourcePtr bindCommon(const Ast::TableSource &source, const CommonTableScope &common,
+                                std::size_t index, Scope &scope);
+    Bound::SourcePtr bindRecursive(const Ast::TableSource &source, const CommonTableScope &common,
+                                   std::size_t index, Scope &scope);
+    Bound::SourcePtr bindOwnReference(const Ast::TableSource &source, const CommonTableScope &common,
+                                      Scope &scope);
+    Bound::SourcePtr findCommon(const Ast::TableSource &source, const Ast::ObjectName &name, Scope &scope);
+    Bound::QueryPtr bindStep(const Ast::Query &step, const CommonTableScope &own, const Bound::Query &anchor);
+    Bound::SourcePtr bindSplit(const Ast::TableSource &source, const Ast::FunctionTable &function,
+                               Scope &scope);
+    Bound::SourcePtr bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope,
+                                bool lateral);
     Bound::SourcePtr bindFunction(const Ast::TableSource &source, const Ast::FunctionTable &function,
                                   Scope &scope);
     Bound::SourcePtr bindJoin(const Ast::Join &join, Scope &scope);
@@ -172,6 +213,10 @@ private:
     TableResolver &m_tables;
     const Variables &m_variables;
     Scope *m_scope = nullptr;
+    const CommonTableScope *m_common = nullptr;
+    std::unique_ptr<CommonTableScope> m_statementCommon; ///< what useCommonTables() made
+    std::string m_recursiveAlias; ///< SQLite's alias of the rows found before, once a step has named them
+    int m_maxRecursion = 100;
     bool m_liveVariables = false;
     int m_aliases = 0;
 };

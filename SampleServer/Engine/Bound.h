@@ -12,7 +12,9 @@
 
 namespace SampleServer {
 class Database;
+class RowProvider;
 struct Table;
+struct XmlShape;
 } // namespace SampleServer
 
 // Expressions and queries with every name resolved and every type known: what the binder makes of the syntax
@@ -23,6 +25,13 @@ struct Expression;
 using ExpressionPtr = std::shared_ptr<const Expression>;
 struct Query;
 using QueryPtr = std::shared_ptr<const Query>;
+
+struct OrderItem
+{
+    ExpressionPtr expression; ///< null: by an output column
+    std::size_t output = 0;   ///< which, from 0
+    bool descending = false;
+};
 
 struct Operation;
 /// Computes a scalar from its arguments, which have the types the operation names. May throw EngineError.
@@ -125,12 +134,28 @@ struct ScalarQuery
     QueryPtr query;
 };
 
+/// A function over the rows around the current one.
+struct WindowCall
+{
+    std::string function; ///< SQLite's name
+    std::vector<ExpressionPtr> arguments, partition;
+    std::vector<OrderItem> order;
+    std::string frame; ///< empty for the default
+};
+
+/// The rows of a query as XML; NULL for none.
+struct XmlText
+{
+    QueryPtr query;
+    std::shared_ptr<const XmlShape> shape;
+};
+
 struct Expression
 {
     SqlType type;
     bool nullable = true;
     std::variant<Constant, Column, Call, Comparison, Logical, Not, IsNull, In, InQuery, Case, Coalesce,
-                 Exists, ScalarQuery>
+                 Exists, ScalarQuery, WindowCall, XmlText>
         node;
 };
 
@@ -167,6 +192,27 @@ struct GeneratedRows
     ExpressionPtr count;
 };
 
+/// Rows that the engine makes; the arguments may be columns of sources to its left.
+struct ProvidedRows
+{
+    std::shared_ptr<const RowProvider> provider;
+    std::vector<ExpressionPtr> arguments;
+};
+
+/// A common table that refers to itself: rows of the anchor, and of the steps over the rows found before.
+struct RecursiveRows
+{
+    std::string name; ///< SQLite's, unique within the statement
+    QueryPtr anchor;
+    std::vector<QueryPtr> steps; ///< each with the depth as one more column at its end
+};
+
+/// What stands for the rows found before within a step.
+struct RecursiveReference
+{
+    std::string name;
+};
+
 struct JoinedSources
 {
     Ast::JoinKind kind;
@@ -177,23 +223,19 @@ struct JoinedSources
 struct Source
 {
     std::string alias; ///< SQLite's name for it, unique within the statement
-    std::variant<TableScan, DerivedQuery, ValueRows, GeneratedRows, JoinedSources> node;
+    std::variant<TableScan, DerivedQuery, ValueRows, GeneratedRows, ProvidedRows, RecursiveRows,
+                 RecursiveReference, JoinedSources>
+        node;
 };
 
 // Queries
 
 struct Aggregate
 {
-    std::string function;   ///< SQLite's name: count, min, max or one of the engine's own sums
+    std::string function;   ///< SQLite's name: count, min, max or one of the engine's own
     ExpressionPtr argument; ///< null for COUNT(*)
     bool distinct = false;
-};
-
-struct OrderItem
-{
-    ExpressionPtr expression; ///< null: by an output column
-    std::size_t output = 0;   ///< which, from 0
-    bool descending = false;
+    std::vector<ExpressionPtr> more = {}; ///< further arguments
 };
 
 struct OutputColumn
@@ -207,6 +249,8 @@ struct Query
     std::vector<OutputColumn> columns;
     std::vector<OrderItem> orderBy;
     ExpressionPtr limit, offset; ///< may be null
+    bool withTies = false;       ///< rows equal to the last one within the limit come as well
+    bool percent = false;        ///< the limit is a float: that part of the rows
 
     // Two queries combined; the rest is unused then.
     std::optional<Ast::SetOperator> op;

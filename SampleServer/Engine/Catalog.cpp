@@ -71,6 +71,14 @@ void TableMap::erase(const Table &table)
     m_byId.erase(id);
 }
 
+std::vector<TablePtr> TableMap::all() const
+{
+    std::vector<TablePtr> tables;
+    for (const auto &[id, table] : m_byId)
+        tables.push_back(table);
+    return tables;
+}
+
 Database::Database(int id, std::string name, std::string uri)
     : m_id(id)
     , m_name(std::move(name))

@@ -84,6 +84,7 @@ public:
     TablePtr findById(std::int64_t id) const;
     void insert(TablePtr table);
     void erase(const Table &table);
+    std::vector<TablePtr> all() const;
 
 private:
     std::map<std::string, TablePtr> m_byName;

@@ -1,5 +1,6 @@
 #include "Engine/Emitter.h"
 #include "Engine/Catalog.h"
+#include "Engine/RowProvider.h"
 #include "Types/TypeTraits.h"
 
 namespace SampleServer {
@@ -38,7 +39,10 @@ bool operator==(const EmittedParameter &left, const EmittedParameter &right)
 {
     if (left.constant && right.constant)
         return left.type == right.type && left.constant->value == right.constant->value;
-    return left.call && right.call && sameCall(*left.call, *right.call);
+    if (left.call && right.call)
+        return sameCall(*left.call, *right.call);
+    return !left.constant && !right.constant && !left.call && !right.call &&
+           left.provider == right.provider && left.shape == right.shape && left.argument == right.argument;
 }
 
 namespace {
@@ -46,6 +50,13 @@ namespace {
 class Emitter
 {
 public:
+    Emitter() = default;
+    Emitter(const std::set<std::string> &outside, std::vector<ExpressionPtr> &arguments)
+        : m_outside(&outside)
+        , m_arguments(&arguments)
+    {
+    }
+
     Emitted take() { return std::move(m_result); }
 
     void expression(const Expression &expression)
@@ -55,12 +66,9 @@ public:
 
     void query(const Query &query)
     {
-        if (query.op)
-            combination(query);
-        else if (query.grouped)
-            grouping(query);
-        else
-            specification(query);
+        if (query.withTies || query.percent)
+            return rankedLimit(query);
+        body(query);
         orderAndLimit(query);
     }
 
@@ -105,18 +113,132 @@ public:
 private:
     void text(const std::string &part) { m_result.sql += part; }
 
-    void emit(const Constant &node, const Expression &expression)
+    void parameter(EmittedParameter parameter)
     {
         text("?");
-        m_result.parameters.push_back({&node, expression.type, nullptr});
+        m_result.parameters.push_back(std::move(parameter));
     }
 
-    void emit(const Column &node, const Expression &) { text(node.source + '.' + node.name); }
+    void body(const Query &query)
+    {
+        if (query.op)
+            combination(query);
+        else if (query.grouped)
+            grouping(query);
+        else
+            specification(query);
+    }
+
+    /// TOP ... WITH TIES and PERCENT: the rows get their rank, or number, and those above the limit are left
+    /// out.
+    void rankedLimit(const Query &query)
+    {
+        text("SELECT ");
+        for (std::size_t i = 0; i < query.columns.size(); ++i)
+            text((i == 0 ? "c" : ", c") + std::to_string(i + 1));
+        text(" FROM (");
+        m_rankOf = &query;
+        body(query);
+        text(") WHERE place <= ");
+        if (query.percent) {
+            text("tsql_ceiling(total * ");
+            expression(*query.limit);
+            text(" / 100.0)");
+        } else {
+            expression(*query.limit);
+        }
+        text(" ORDER BY place");
+    }
+
+    /// The columns that rankedLimit() filters by.
+    void rank(const Query &query)
+    {
+        if (m_rankOf != &query)
+            return;
+        m_rankOf = nullptr;
+        text(query.withTies ? ", rank() OVER (" : ", row_number() OVER (");
+        const char *separator = "ORDER BY ";
+        for (const OrderItem &item : query.orderBy) {
+            text(separator);
+            orderExpression(item.expression ? *item.expression : *query.columns[item.output].expression,
+                            item);
+            separator = ", ";
+        }
+        text(") AS place, count(*) OVER () AS total");
+    }
+
+    void orderExpression(const Expression &key, const OrderItem &item)
+    {
+        expression(key);
+        text(collationOf(key.type) + (item.descending ? " DESC" : ""));
+    }
+
+    void emit(const Constant &node, const Expression &expression) { parameter({&node, expression.type}); }
+
+    void emit(const Column &node, const Expression &expression)
+    {
+        if (m_outside && m_outside->contains(node.source))
+            return argument(node, expression);
+        text(node.source + '.' + node.name);
+    }
+
+    void argument(const Column &node, const Expression &expression)
+    {
+        std::size_t place = 0;
+        for (; place < m_arguments->size(); ++place) {
+            const auto &known = std::get<Column>((*m_arguments)[place]->node);
+            if (known.source == node.source && known.name == node.name)
+                break;
+        }
+        if (place == m_arguments->size())
+            m_arguments->push_back(std::make_shared<const Expression>(expression));
+        EmittedParameter result;
+        result.argument = static_cast<int>(place);
+        parameter(std::move(result));
+    }
+
+    void emit(const WindowCall &node, const Expression &)
+    {
+        text(node.function + '(');
+        for (const ExpressionPtr &argument : node.arguments) {
+            text(argument == node.arguments.front() ? "" : ", ");
+            expression(*argument);
+            text(collationOf(argument->type));
+        }
+        text(node.arguments.empty() && node.function == "count" ? "*) OVER (" : ") OVER (");
+        const char *separator = "PARTITION BY ";
+        for (const ExpressionPtr &key : node.partition) {
+            text(separator);
+            expression(*key);
+            text(collationOf(key->type));
+            separator = ", ";
+        }
+        separator = node.partition.empty() ? "ORDER BY " : " ORDER BY ";
+        for (const OrderItem &item : node.order) {
+            text(separator);
+            orderExpression(*item.expression, item);
+            separator = ", ";
+        }
+        text((node.frame.empty() ? "" : ' ' + node.frame) + ')');
+    }
+
+    void emit(const XmlText &node, const Expression &)
+    {
+        text("(SELECT tsql_xml(");
+        EmittedParameter shape;
+        shape.shape = node.shape.get();
+        parameter(std::move(shape));
+        for (std::size_t i = 0; i < node.query->columns.size(); ++i)
+            text(", c" + std::to_string(i + 1));
+        text(") FROM (");
+        query(*node.query);
+        text("))");
+    }
 
     void emit(const Call &node, const Expression &)
     {
-        text("tsql(?");
-        m_result.parameters.push_back({nullptr, {}, &node});
+        text("tsql(");
+        parameter({nullptr, {}, &node});
         leaves(node);
         text(")");
     }
@@ -280,16 +402,51 @@ private:
         text(") AS " + alias);
     }
 
+    void emitSource(const ProvidedRows &rows, const std::string &alias)
+    {
+        text(rows.provider->isIndexed() ? "indexed_rows(" : "rows(");
+        EmittedParameter provider;
+        provider.provider = rows.provider.get();
+        parameter(std::move(provider));
+        for (const ExpressionPtr &argument : rows.arguments) {
+            text(", ");
+            expression(*argument);
+        }
+        text(") AS " + alias);
+    }
+
+    void emitSource(const RecursiveRows &rows, const std::string &alias)
+    {
+        std::string names;
+        for (std::size_t i = 0; i < rows.anchor->columns.size(); ++i)
+            names += 'c' + std::to_string(i + 1) + ", ";
+        text("(WITH RECURSIVE " + rows.name + '(' + names + "depth) AS (SELECT " + names + "0 FROM (");
+        query(*rows.anchor);
+        text(")");
+        for (const QueryPtr &step : rows.steps) {
+            text(" UNION ALL ");
+            query(*step);
+        }
+        text(") SELECT * FROM " + rows.name + ") AS " + alias);
+    }
+
+    void emitSource(const RecursiveReference &reference, const std::string &alias)
+    {
+        text(reference.name + " AS " + alias);
+    }
+
     void emitSource(const JoinedSources &join, const std::string &)
     {
         static constexpr const char *kinds[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ",
-                                                " JOIN "};
+                                                " JOIN ", " JOIN ",      " LEFT JOIN "};
         source(*join.left, false);
         text(kinds[static_cast<int>(join.kind)]);
         source(*join.right, true);
         if (join.condition) {
             text(" ON ");
             expression(*join.condition);
+        } else if (join.kind == Ast::JoinKind::OuterApply) {
+            text(" ON 1");
         }
     }
 
@@ -304,6 +461,7 @@ private:
             text(" AS c" + std::to_string(i + 1));
             separator = ", ";
         }
+        rank(query);
     }
 
     void specification(const Query &query)
@@ -357,9 +515,15 @@ private:
         for (std::size_t i = 0; i < query.aggregates.size(); ++i) {
             if (!query.aggregates[i].argument)
                 continue;
+            const std::string place = std::to_string(i);
             text(", ");
             expression(*query.aggregates[i].argument);
-            text(" AS x" + std::to_string(i));
+            text(" AS x" + place);
+            for (std::size_t k = 0; k < query.aggregates[i].more.size(); ++k) {
+                text(", ");
+                expression(*query.aggregates[i].more[k]);
+                text(" AS x" + place + '_' + std::to_string(k));
+            }
         }
     }
 
@@ -371,7 +535,10 @@ private:
             return;
         }
         text(aggregate.function + '(' + (aggregate.distinct ? "DISTINCT " : "") + 'x' + place +
-             collationOf(aggregate.argument->type) + ") AS a" + place);
+             collationOf(aggregate.argument->type));
+        for (std::size_t i = 0; i < aggregate.more.size(); ++i)
+            text(", x" + place + '_' + std::to_string(i));
+        text(") AS a" + place);
     }
 
     void combination(const Query &query)
@@ -416,6 +583,9 @@ private:
     }
 
     Emitted m_result;
+    const std::set<std::string> *m_outside = nullptr;
+    std::vector<ExpressionPtr> *m_arguments = nullptr;
+    const Query *m_rankOf = nullptr; ///< whose rows get their place in the order
 };
 
 } // namespace
@@ -423,6 +593,14 @@ private:
 Emitted emitQuery(const Query &query)
 {
     Emitter emitter;
+    emitter.query(query);
+    return emitter.take();
+}
+
+Emitted emitLateral(const Query &query, const std::set<std::string> &outside,
+                    std::vector<ExpressionPtr> &arguments)
+{
+    Emitter emitter(outside, arguments);
     emitter.query(query);
     return emitter.take();
 }

@@ -2,18 +2,22 @@
 
 #include "Engine/Bound.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
 namespace SampleServer {
 
-/// What a ? of an emitted statement is bound to: a constant, or a call that SQLite leaves to the engine. Both
-/// belong to the bound expression they were emitted from.
+/// What a ? of an emitted statement is bound to: a constant, an object of the engine's that SQLite hands back
+/// to it, or an argument of a lateral query. The first two belong to the bound query they were emitted from.
 struct EmittedParameter
 {
     const Bound::Constant *constant = nullptr;
     SqlType type; ///< of the constant
     const Bound::Call *call = nullptr;
+    const RowProvider *provider = nullptr;
+    const XmlShape *shape = nullptr;
+    int argument = -1; ///< from 0
 
     friend bool operator==(const EmittedParameter &left, const EmittedParameter &right);
 };
@@ -29,6 +33,10 @@ struct Emitted
 
 /// A query as one SELECT of SQLite; its columns are named c1, c2 ... The query must outlive the result.
 Emitted emitQuery(const Bound::Query &query);
+/// A query that stands for itself, although it names columns of sources outside: those become parameters, and
+/// are added to `arguments`. `outside` are SQLite's names of these sources.
+Emitted emitLateral(const Bound::Query &query, const std::set<std::string> &outside,
+                    std::vector<Bound::ExpressionPtr> &arguments);
 /// An expression alone, as it would stand in a query.
 Emitted emitExpression(const Bound::Expression &expression);
 /// SELECT of the given expressions from the sources, for UPDATE and DELETE.

@@ -10,8 +10,9 @@ namespace SampleServer {
 /// What an error does to the batch it happens in.
 enum class ErrorEffect {
     EndsStatement, ///< the batch goes on with its next statement
-    EndsBatch,     ///< the rest of the batch does not run
-    RollsBack,     ///< likewise, and an open transaction is rolled back
+    EndsBatch, ///< the rest of the text it stands in does not run: of the batch, the module, the EXEC (...)
+    EndsAll,   ///< nothing more runs, up to the batch that the client sent
+    RollsBack, ///< likewise, and an open transaction is rolled back
 };
 
 /// An error for the client, thrown inside the engine and turned into a message by the session.
@@ -26,6 +27,9 @@ public:
     ErrorEffect effect;
     /// Whether message.line was set by the thrower and must be kept.
     bool hasLine = false;
+    bool isReported = false; ///< the client knows it; what remains is to leave what it ends
+    bool isRaised = false;   ///< by RAISERROR, which XACT_ABORT does not concern
+    int depth = -1;          ///< how deeply nested the text was that it happened in, once that is known
 
     const char *what() const noexcept override { return message.text.c_str(); }
 };

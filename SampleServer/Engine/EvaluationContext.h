@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Types/DateTime.h"
+#include "Types/ResultSink.h"
 #include "Types/Value.h"
 
 #include <functional>
@@ -29,6 +30,9 @@ struct EvaluationContext
     std::int64_t rowCount = 0;
     std::int32_t lastError = 0;
     std::int32_t transactionCount = 0;
+    bool isTransactionDoomed = false; ///< what is left of the open transaction can only be rolled back
+    std::int32_t nestingLevel = 0;    ///< @@NESTLEVEL
+    std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
     std::optional<Decimal> lastIdentity;
     DateTimeValue statementTime;    ///< local, the same for all rows of a statement
     DateTimeValue statementTimeUtc; ///< UTC

@@ -28,6 +28,7 @@ std::span<const Builtin> stringFunctions();
 std::span<const Builtin> mathFunctions();
 std::span<const Builtin> dateFunctions();
 std::span<const Builtin> systemFunctions();
+std::span<const Builtin> sessionFunctions();
 
 /// The function of an upper-case name; null when there is none.
 const Builtin *findBuiltin(std::string_view name);

@@ -38,6 +38,10 @@ Bound::ExpressionPtr bindBuiltin(Binder &binder, const std::string &name,
 Bound::ExpressionPtr bindDatePartFunction(Binder &binder, const std::string &name, const std::string &part,
                                           std::vector<Bound::ExpressionPtr> arguments);
 bool takesDatePart(const std::string &name);
+/// SQLite's name of the function that sums up to a type.
+std::string sumFunction(const SqlType &result);
+/// The text that an XML fragment holds: what value('.') gives.
+Value xmlText(EvaluationContext &, const Bound::Operation &, Arguments);
 /// @@ROWCOUNT and its kin. Throws 137 for an unknown one.
 Bound::ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name);
 

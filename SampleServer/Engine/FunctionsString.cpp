@@ -2,6 +2,7 @@
 #include "Engine/Errors.h"
 #include "Engine/FunctionTable.h"
 #include "Engine/Functions.h"
+#include "Engine/XmlRows.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -354,6 +355,15 @@ Value concat(EvaluationContext &, const Operation &operation, Arguments a)
             result += textOf(a[i], operation.arguments[i], 0);
     return cut(std::move(result), operation.result);
 }
+
+} // namespace
+
+Value xmlText(EvaluationContext &, const Operation &, Arguments a)
+{
+    return textOfXml(text(a[0]));
+}
+
+namespace {
 
 constexpr Builtin table[] = {
     {"ASCII", 1, 1, "t", intResult, ascii},

@@ -263,7 +263,9 @@ ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name)
         return integer(0x10000000 + 1000);
     if (upper == "@@OPTIONS")
         return integer(static_cast<std::int64_t>(context.optionBits));
-    if (upper == "@@NESTLEVEL" || upper == "@@CPU_BUSY" || upper == "@@PROCID")
+    if (upper == "@@NESTLEVEL")
+        return integer(context.nestingLevel);
+    if (upper == "@@CPU_BUSY" || upper == "@@PROCID")
         return integer(0);
     if (upper == "@@IDENTITY")
         return Binder::constant({TypeId::Decimal, 0, 38, 0},

@@ -42,7 +42,8 @@ bool isControl(const Ast::Statement &statement)
 {
     return std::holds_alternative<Ast::If>(statement.node) ||
            std::holds_alternative<Ast::While>(statement.node) ||
-           std::holds_alternative<Ast::Block>(statement.node);
+           std::holds_alternative<Ast::Block>(statement.node) ||
+           std::holds_alternative<Ast::TryCatch>(statement.node);
 }
 
 } // namespace
@@ -80,17 +81,21 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
     const ScopedValue<ResultSink *> current(m_sink, &sink);
     m_connection.watch(&sink);
     m_transactions.watch(&sink);
-    m_variables = {};
+    m_batch.variables = {};
     for (const BatchParameter &parameter : parameters)
-        m_variables.declare(parameter.name, parameter.type, parameter.value);
+        m_batch.variables.declare(parameter.name, parameter.type, parameter.value);
     const auto leave = [this] {
         m_connection.watch(nullptr);
         m_transactions.watch(nullptr);
+        dropTables(m_batch.tables, true);
         m_transactions.endStatement();
         m_connection.detachUnused();
     };
     try {
-        runText(sql, {m_options.quotedIdentifiers, m_variables.names()});
+        runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names()});
+        endDoomedTransaction();
+    } catch (const EngineError &) {
+        endDoomedTransaction(); // the error was reported where it happened
     } catch (const BatchCancelled &) {
         // The client knows that it asked for this; its session goes on.
     } catch (...) {
@@ -99,26 +104,28 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
     }
     leave();
     for (BatchParameter &parameter : parameters)
-        parameter.value = m_variables.find(parameter.name)->value;
+        parameter.value = m_batch.variables.find(parameter.name)->value;
 }
 
-/// False when an error ended the text.
-bool Interpreter::runText(std::string_view sql, const ParserOptions &options)
+/// Runs a text to its end or to an error that ends no more than it; errors that end more are thrown on.
+void Interpreter::runText(std::string_view sql, const ParserOptions &options)
 {
     std::vector<Ast::StatementPtr> statements;
     try {
         statements = parseBatch(sql, options);
-    } catch (const EngineError &error) {
-        reportSyntax(error);
-        return false;
+    } catch (EngineError &error) {
+        locate(error, 1);
+        if (isCaught(error))
+            throw;
+        return reportSyntax(error);
     }
     if (m_options.parseOnly)
-        return true;
+        return;
     try {
         runStatements(statements);
-        return true;
-    } catch (const EngineError &) {
-        return false; // reported where it happened
+    } catch (const EngineError &error) {
+        if (!error.isReported || endsAll(error))
+            throw;
     }
 }
 
@@ -139,7 +146,7 @@ Interpreter::Flow Interpreter::runStatement(const Ast::Statement &statement)
         return runGuarded(statement);
     } catch (const EngineError &error) {
         m_transactions.endStatement();
-        if (endsBatch(error))
+        if (!error.isReported || endsBatch(error))
             throw;
         return Flow::Next;
     } catch (...) {
@@ -164,7 +171,7 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
             m_context.lastError = 0;
         m_transactions.endStatement();
         return flow;
-    } catch (const EngineError &error) {
+    } catch (EngineError &error) {
         report(error, statement.line, changesRows(statement));
         throw;
     }
@@ -186,42 +193,6 @@ Interpreter::Flow Interpreter::runLeaf(const Ast::Statement &statement)
     }
 }
 
-void Interpreter::reportSyntax(const EngineError &error)
-{
-    const ServerMessage &message = error.message;
-    if (message.number != 105)
-        return report(error, 1);
-    // An open quote is told twice: what is open, and where the parser noticed.
-    m_sink->message(message);
-    const std::size_t quote = message.text.find('\'');
-    const std::string rest = message.text.substr(quote, message.text.size() - quote - 1);
-    EngineError second(102, 15, 1, "Incorrect syntax near " + rest + '.', ErrorEffect::EndsBatch);
-    report(second, message.line);
-}
-
-void Interpreter::report(const EngineError &error, int line, bool changesRows)
-{
-    ServerMessage message = error.message;
-    if (!error.hasLine)
-        message.line = line;
-    m_context.lastError = message.number;
-    m_context.rowCount = 0;
-    const bool rollsBack = error.effect == ErrorEffect::RollsBack || m_options.abortTransactions;
-    m_sink->message(message);
-    if (rollsBack)
-        m_transactions.rollback();
-    else if (changesRows && error.effect == ErrorEffect::EndsStatement)
-        m_sink->message({3621, 0, 0, "The statement has been terminated.", {}, message.line});
-    StatementEnd end;
-    end.error = true;
-    m_sink->endStatement(end);
-}
-
-bool Interpreter::endsBatch(const EngineError &error)
-{
-    return error.effect != ErrorEffect::EndsStatement || m_options.abortTransactions;
-}
-
 void Interpreter::checkAttention()
 {
     if (m_sink->attentionRequested())
@@ -233,7 +204,7 @@ Interpreter::Flow Interpreter::run(const Ast::If &node)
     bool condition = false;
     try {
         condition = holds(*node.condition);
-    } catch (const EngineError &error) {
+    } catch (EngineError &error) {
         report(error, m_line);
         throw;
     }
@@ -252,7 +223,7 @@ Interpreter::Flow Interpreter::run(const Ast::While &node)
         try {
             if (!holds(*node.condition))
                 return Flow::Next;
-        } catch (const EngineError &error) {
+        } catch (EngineError &error) {
             report(error, line);
             throw;
         }

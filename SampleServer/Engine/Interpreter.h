@@ -2,7 +2,9 @@
 
 #include "Engine/AstStatements.h"
 #include "Engine/Binder.h"
+#include "Engine/CollectingSink.h"
 #include "Engine/EngineError.h"
+#include "Engine/Frame.h"
 #include "Engine/Parser.h"
 #include "Engine/ServerState.h"
 #include "Engine/Session.h"
@@ -44,14 +46,20 @@ private:
     enum class Flow { Next, Break, Continue, Return };
 
     // Batches and control flow (Interpreter.cpp)
-    bool runText(std::string_view sql, const ParserOptions &options);
+    void runText(std::string_view sql, const ParserOptions &options);
     Flow runStatements(const std::vector<Ast::StatementPtr> &statements);
     Flow runStatement(const Ast::Statement &statement);
     Flow runGuarded(const Ast::Statement &statement);
     Flow runLeaf(const Ast::Statement &statement);
-    void report(const EngineError &error, int line, bool changesRows = false);
-    void reportSyntax(const EngineError &error);
-    bool endsBatch(const EngineError &error);
+    void locate(EngineError &error, int line) const;
+    void report(EngineError &error, int line, bool changesRows = false);
+    void reportSyntax(EngineError &error);
+    bool rollsBack(const EngineError &error) const;
+    bool endsBatch(const EngineError &error) const;
+    bool endsAll(const EngineError &error) const;
+    bool catches(int tryDepth, const EngineError &error) const;
+    bool isCaught(const EngineError &error) const;
+    void endDoomedTransaction();
     void checkAttention();
 
     Flow run(const Ast::If &node);
@@ -59,7 +67,9 @@ private:
     Flow run(const Ast::Block &node);
     Flow run(const Ast::Break &) { return Flow::Break; }
     Flow run(const Ast::Continue &) { return Flow::Continue; }
-    Flow run(const Ast::Return &) { return Flow::Return; }
+    Flow run(const Ast::Return &node);
+    Flow run(const Ast::TryCatch &node);
+    Flow run(const Ast::Throw &node);
 
     // Session statements (InterpreterSession.cpp)
     Flow run(const Ast::Declare &node);
@@ -77,6 +87,12 @@ private:
     void assign(const std::string &variable, Value value, const SqlType &type);
     void executeSql(const Ast::Execute &node);
     void runNested(std::string_view sql, Variables &variables);
+    /// Runs `work` in a frame of its own, within the nesting limit; its temporary tables go with it.
+    void inFrame(Frame &frame, const std::function<void()> &work);
+    void dropTables(TableMap &tables, bool variablesOnly);
+    std::vector<CollectingSink::Row> collectExecuted(const Ast::Execute &node);
+    std::uint64_t insertCollected(const std::vector<CollectingSink::Row> &rows, const Table &table,
+                                  InsertRun &insert, const std::vector<std::size_t> &targets);
 
     // Queries (InterpreterSelect.cpp)
     Flow run(const Ast::Select &node);
@@ -108,6 +124,9 @@ private:
     /// The place of a new table: its database (null for a temporary one); throws 2714 when the name is taken.
     DatabasePtr placeOfNewTable(const Ast::ObjectName &name);
     Bound::TableScan createTable(Table definition, const DatabasePtr &database);
+    Table buildTable(const Ast::CreateTable &node);
+    TablePtr findTemporary(const std::string &name) const;
+    void eraseTemporary(const Table &table);
     SqlType columnType(const Ast::ColumnDefinition &definition, int number) const;
     void typeComputedColumns(Table &table);
 
@@ -127,20 +146,20 @@ private:
     friend class InsertRun;
     friend class RowSearch;
 
-    Binder binder() { return Binder(m_context, *this, m_variables); }
+    Binder binder() { return Binder(m_context, *this, m_frame->variables); }
 
     const std::shared_ptr<Server> m_server;
     ServerState &m_state;
     EvaluationContext m_context;
     SessionOptions m_options;
-    Variables m_variables;
-    TableMap m_temporaryTables;
+    Frame m_batch; ///< its temporary tables are the session's
+    Frame *m_frame = &m_batch;
+    std::vector<int> m_tries; ///< how deeply nested the TRY blocks around the current statement stand
     SqliteConnection m_connection;
     Transactions m_transactions;
     DatabasePtr m_database;
     ResultSink *m_sink = nullptr; ///< set while a batch runs
     int m_line = 1;               ///< of the statement that runs
-    int m_nesting = 0;
     std::vector<TableUse> m_uses; ///< what the statement being bound will do with which tables
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 bool isTemporary(const std::string &name)
 {
-    return name.starts_with('#') && !name.starts_with("##");
+    return name.starts_with('@') || (name.starts_with('#') && !name.starts_with("##"));
 }
 
 EngineError nameTaken(const std::string &name)
@@ -73,7 +73,7 @@ TableKey makeKey(const Ast::KeyDefinition &definition, Table &table)
 DatabasePtr Interpreter::placeOfNewTable(const Ast::ObjectName &name)
 {
     if (isTemporary(name.object())) {
-        if (m_temporaryTables.find("dbo", name.object()))
+        if (m_frame->tables.find("dbo", name.object()))
             throw nameTaken(name.object());
         return nullptr;
     }
@@ -119,8 +119,8 @@ Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &d
         database->insertTable(table);
         m_transactions.onRollback([database, table] { database->eraseTable(*table); });
     } else {
-        m_temporaryTables.insert(table);
-        m_transactions.onRollback([this, table] { m_temporaryTables.erase(*table); });
+        m_frame->tables.insert(table);
+        m_transactions.onRollback([this, table] { eraseTemporary(*table); });
     }
     return scan;
 }
@@ -128,6 +128,16 @@ Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &d
 Interpreter::Flow Interpreter::run(const Ast::CreateTable &node)
 {
     const DatabasePtr database = placeOfNewTable(node.name);
+    Table table = buildTable(node);
+    Transactions::Change change(m_transactions);
+    createTable(std::move(table), database);
+    change.finish();
+    m_context.rowCount = 0;
+    return Flow::Next;
+}
+
+Table Interpreter::buildTable(const Ast::CreateTable &node)
+{
     Table table;
     table.name = node.name.object();
     for (const Ast::ColumnDefinition &definition : node.columns) {
@@ -177,11 +187,7 @@ Interpreter::Flow Interpreter::run(const Ast::CreateTable &node)
         table.keys.push_back(std::move(key));
     }
     typeComputedColumns(table);
-    Transactions::Change change(m_transactions);
-    createTable(std::move(table), database);
-    change.finish();
-    m_context.rowCount = 0;
-    return Flow::Next;
+    return table;
 }
 
 SqlType Interpreter::columnType(const Ast::ColumnDefinition &definition, int number) const
@@ -250,8 +256,8 @@ Interpreter::Flow Interpreter::run(const Ast::DropTable &node)
             database->eraseTable(*table);
             m_transactions.onRollback([database, table] { database->insertTable(table); });
         } else {
-            m_temporaryTables.erase(*table);
-            m_transactions.onRollback([this, table] { m_temporaryTables.insert(table); });
+            eraseTemporary(*table);
+            m_transactions.onRollback([this, table] { m_frame->tables.insert(table); });
         }
         change.finish();
     }

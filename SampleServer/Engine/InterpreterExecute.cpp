@@ -1,5 +1,7 @@
+#include "Engine/Conversion.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
+#include "Engine/NameText.h"
 #include "Engine/Parser.h"
 #include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
@@ -55,31 +57,52 @@ std::vector<Parameter> parseParameters(std::string list)
 
 } // namespace
 
-/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
-/// current database afterwards.
-void Interpreter::runNested(std::string_view sql, Variables &variables)
+/// Drops the temporary tables of a frame; with `variablesOnly` its table variables.
+void Interpreter::dropTables(TableMap &tables, bool variablesOnly)
 {
-    if (m_nesting >= MaxNesting)
+    for (const TablePtr &table : tables.all()) {
+        if (variablesOnly && !table->name.starts_with('@'))
+            continue;
+        m_connection.dropTemporary(table->physicalName());
+        tables.erase(*table);
+    }
+}
+
+void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
+{
+    if (m_frame->depth >= MaxNesting)
         throw EngineError(
             217, 16, 1,
             "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).",
-            ErrorEffect::EndsBatch);
-    const ScopedValue<int> nesting(m_nesting, m_nesting + 1);
+            ErrorEffect::EndsAll);
+    frame.outer = m_frame;
+    frame.depth = m_frame->depth + 1;
     const ScopedValue<int> line(m_line, m_line);
-    std::swap(m_variables, variables);
+    const ScopedValue<Frame *> current(m_frame, &frame);
     const std::string database = m_context.database;
     const auto back = [&] {
-        std::swap(m_variables, variables);
+        dropTables(frame.tables, false);
         if (m_context.database != database && m_state.databases.find(database))
             useDatabase(database);
     };
     try {
-        runText(sql, {m_options.quotedIdentifiers, m_variables.names()});
+        work();
     } catch (...) {
         back();
         throw;
     }
     back();
+}
+
+/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
+/// current database afterwards.
+void Interpreter::runNested(std::string_view sql, Variables &variables)
+{
+    Frame frame;
+    std::swap(frame.variables, variables);
+    frame.procedure = m_frame->procedure;
+    inFrame(frame, [&] { runText(sql, {m_options.quotedIdentifiers, frame.variables.names()}); });
+    std::swap(frame.variables, variables);
 }
 
 Interpreter::Flow Interpreter::run(const Ast::Execute &node)
@@ -91,11 +114,26 @@ Interpreter::Flow Interpreter::run(const Ast::Execute &node)
             runNested(std::get<std::string>(text), none);
         return Flow::Next;
     }
-    if (equalsIgnoringAsciiCase(node.procedure.object(), "sp_executesql")) {
+    Ast::ObjectName name = node.procedure;
+    if (!node.procedureVariable.empty()) {
+        const VariableSlot *slot = m_frame->variables.find(node.procedureVariable);
+        name =
+            nameFromText(slot && !isNull(slot->value) ? textOf(slot->value, slot->type, 0) : std::string());
+    }
+    if (!name.parts.empty() && equalsIgnoringAsciiCase(name.object(), "sp_executesql")) {
         executeSql(node);
         return Flow::Next;
     }
-    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + node.procedure.toString() + "'.");
+    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + name.toString() + "'.");
+}
+
+Interpreter::Flow Interpreter::run(const Ast::Return &node)
+{
+    if (node.status) {
+        const Value status = evaluate(*node.status, {TypeId::Int, 0, 0, 0});
+        m_frame->status = isNull(status) ? 0 : static_cast<std::int32_t>(std::get<std::int64_t>(status));
+    }
+    return Flow::Return;
 }
 
 /// EXEC sp_executesql N'text', N'parameters', values ...

@@ -1,7 +1,9 @@
+#include "Engine/CollectingSink.h"
 #include "Engine/Conversion.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
 #include "Engine/RowWriter.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
 #include "Types/DecimalMath.h"
 #include "Types/TypeTraits.h"
@@ -165,6 +167,9 @@ void Interpreter::endChange(std::uint64_t count, std::uint16_t command)
 Interpreter::Flow Interpreter::run(const Ast::Insert &node)
 {
     constexpr std::uint16_t command = 0xC3;
+    std::vector<CollectingSink::Row> collected;
+    if (node.execute)
+        collected = collectExecuted(std::get<Ast::Execute>(node.execute->node));
     const Bound::TableScan scan = findTable(node.table);
     const bool identityInsert = m_options.identityInsertTable == scan.table->id;
     std::vector<std::size_t> targets;
@@ -198,6 +203,8 @@ Interpreter::Flow Interpreter::run(const Ast::Insert &node)
     }
     if (query)
         count = insertFrom(*query, *scan.table, insert, targets, readsItself);
+    if (node.execute)
+        count = insertCollected(collected, *scan.table, insert, targets);
     change.finish();
     endChange(count, command);
     return Flow::Next;
@@ -232,6 +239,33 @@ std::uint64_t Interpreter::insertFrom(const Bound::Query &query, const Table &ta
     fetch(query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
     for (const auto &row : rows)
         insert.write(row, types);
+    return rows.size();
+}
+
+/// INSERT ... EXEC: what the text or procedure returns, once all of it has run.
+std::vector<CollectingSink::Row> Interpreter::collectExecuted(const Ast::Execute &node)
+{
+    if (dynamic_cast<CollectingSink *>(m_sink))
+        throw EngineError(8164, 16, 1, "An INSERT EXEC statement cannot be nested.", ErrorEffect::EndsBatch);
+    CollectingSink collector(*m_sink);
+    const ScopedValue<ResultSink *> current(m_sink, &collector);
+    run(node);
+    return collector.take();
+}
+
+std::uint64_t Interpreter::insertCollected(const std::vector<CollectingSink::Row> &rows, const Table &table,
+                                           InsertRun &insert, const std::vector<std::size_t> &targets)
+{
+    for (const auto &row : rows) {
+        if (row.values.size() != targets.size())
+            throw definitionMismatch();
+        std::vector<SqlType> types;
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            types.push_back((*row.columns)[i].type);
+            requireConversion(types.back(), table.columns[targets[i]].type, false);
+        }
+        insert.write(row.values, types);
+    }
     return rows.size();
 }
 

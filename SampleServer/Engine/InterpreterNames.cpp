@@ -1,6 +1,6 @@
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
-#include "Engine/Lexer.h"
+#include "Engine/NameText.h"
 #include "Types/Collation.h"
 
 #include <utility>
@@ -11,29 +11,7 @@ namespace {
 
 bool isTemporary(const std::string &name)
 {
-    return name.starts_with('#') && !name.starts_with("##");
-}
-
-/// A name in text, as OBJECT_ID takes it; empty when the text is no name.
-Ast::ObjectName nameFromText(const std::string &text)
-{
-    Ast::ObjectName name;
-    try {
-        bool wantsPart = true;
-        for (const Token &token : tokenize(text, true)) {
-            const bool dot = token.kind == TokenKind::Symbol && token.value == ".";
-            if (token.kind == TokenKind::End)
-                break;
-            if (dot && wantsPart)
-                name.parts.emplace_back();
-            else if (!dot)
-                name.parts.push_back(token.value);
-            wantsPart = dot;
-        }
-    } catch (const EngineError &) {
-        return {};
-    }
-    return name.parts.size() > 4 ? Ast::ObjectName() : name;
+    return name.starts_with('@') || (name.starts_with('#') && !name.starts_with("##"));
 }
 
 } // namespace
@@ -52,10 +30,8 @@ std::string Interpreter::fullName(const Table &table) const
 
 Bound::TableScan Interpreter::findOrNull(const Ast::ObjectName &name)
 {
-    if (isTemporary(name.object())) {
-        const TablePtr table = m_temporaryTables.find("dbo", name.object());
-        return {table, "temp", nullptr};
-    }
+    if (isTemporary(name.object()))
+        return {findTemporary(name.object()), "temp", nullptr};
     // Global temporary tables live in tempdb, wherever they are named.
     const DatabasePtr database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
     if (!database || !name.qualifier(3).empty())
@@ -68,6 +44,25 @@ Bound::TableScan Interpreter::findOrNull(const Ast::ObjectName &name)
         table = database->findTable(schema, name.object());
     }
     return {table, SqliteConnection::schemaName(*database), database};
+}
+
+/// A temporary table of this text or of one that runs it, or a table variable of this text.
+TablePtr Interpreter::findTemporary(const std::string &name) const
+{
+    for (const Frame *frame = m_frame; frame; frame = frame->outer) {
+        if (TablePtr table = frame->tables.find("dbo", name))
+            return table;
+        if (name.starts_with('@'))
+            break;
+    }
+    return nullptr;
+}
+
+void Interpreter::eraseTemporary(const Table &table)
+{
+    for (Frame *frame = m_frame; frame; frame = frame->outer)
+        if (frame->tables.findById(table.id))
+            return frame->tables.erase(table);
 }
 
 Bound::TableScan Interpreter::findTable(const Ast::ObjectName &name)
@@ -129,7 +124,7 @@ void Interpreter::provideNames()
         return database ? std::optional(database->name()) : std::nullopt;
     };
     m_context.variable = [this](const std::string &name) {
-        const VariableSlot *slot = m_variables.find(name);
+        const VariableSlot *slot = m_frame->variables.find(name);
         return slot ? slot->value : Value();
     };
 }

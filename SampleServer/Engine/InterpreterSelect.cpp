@@ -43,7 +43,7 @@ std::vector<ColumnInfo> columnInfos(const Bound::Query &query)
 bool isPlain(const Bound::Query &query)
 {
     return !query.op && !query.grouped && !query.distinct && query.orderBy.empty() && !query.where &&
-           !query.offset;
+           !query.offset && !query.withTies && !query.percent;
 }
 
 /// A row that is known without running anything: SELECT of constants without FROM.
@@ -120,7 +120,8 @@ std::optional<std::uint64_t> Interpreter::fetchGenerated(const Bound::Query &que
 
 std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &receive)
 {
-    std::uint64_t limit = query.limit && !query.offset ? countOf(query.limit) : NoLimit;
+    const bool counts = query.limit && !query.offset && !query.withTies && !query.percent;
+    std::uint64_t limit = counts ? countOf(query.limit) : NoLimit;
     if (m_options.rowLimit > 0)
         limit = std::min(limit, static_cast<std::uint64_t>(m_options.rowLimit));
     if (const auto row = constantRow(query)) {
@@ -180,11 +181,20 @@ Interpreter::Flow Interpreter::run(const Ast::Select &node)
     std::uint64_t count = 0;
     if (!m_options.formatOnly) {
         const TextSizeLimit textSize(*query, m_context.textSize);
-        count = fetch(*query, [&](std::span<const Value> row) {
-            compute.beforeRow(row);
-            m_sink->row(textSize.apply(row));
-            compute.afterRow(row);
-        });
+        try {
+            fetch(*query, [&](std::span<const Value> row) {
+                compute.beforeRow(row);
+                m_sink->row(textSize.apply(row));
+                compute.afterRow(row);
+                ++count;
+            });
+        } catch (const EngineError &error) {
+            if (!m_tries.empty()) { // nobody tells the client of the error: the result just ends
+                end.rowCount = count;
+                m_sink->endStatement(end);
+            }
+            throw;
+        }
         compute.finish();
     }
     m_context.rowCount = static_cast<std::int64_t>(count);

@@ -34,7 +34,7 @@ Value Interpreter::evaluate(const Ast::Expression &expression, const SqlType &ty
 
 void Interpreter::assign(const std::string &variable, Value value, const SqlType &type)
 {
-    VariableSlot *slot = m_variables.find(variable);
+    VariableSlot *slot = m_frame->variables.find(variable);
     if (!slot)
         throw Errors::mustDeclareVariable(variable);
     slot->value = convertValue(value, type, slot->type, {0, m_context.dateOrder});
@@ -43,22 +43,30 @@ void Interpreter::assign(const std::string &variable, Value value, const SqlType
 Interpreter::Flow Interpreter::run(const Ast::Declare &node)
 {
     for (const auto &variable : node.variables) {
+        if (variable.table) {
+            if (!m_frame->tables.find("dbo", variable.name)) {
+                Transactions::Change change(m_transactions);
+                createTable(buildTable(*variable.table), nullptr);
+                change.finish();
+            }
+            continue;
+        }
         const SqlType type = resolveType(variable.type, TypePlace::Declaration);
         if (isLegacyLob(type.id))
             throw EngineError(2739, 16, 1,
                               "The text, ntext, and image data types are invalid for local variables.",
                               ErrorEffect::EndsBatch);
         // A declaration in a loop gives a value only where it says so.
-        if (!m_variables.find(variable.name) || variable.initial)
-            m_variables.declare(variable.name, type,
-                                variable.initial ? evaluate(*variable.initial, type) : Value());
+        if (!m_frame->variables.find(variable.name) || variable.initial)
+            m_frame->variables.declare(variable.name, type,
+                                       variable.initial ? evaluate(*variable.initial, type) : Value());
     }
     return Flow::Next;
 }
 
 Interpreter::Flow Interpreter::run(const Ast::SetVariable &node)
 {
-    const VariableSlot *slot = m_variables.find(node.name);
+    const VariableSlot *slot = m_frame->variables.find(node.name);
     if (!slot)
         throw Errors::mustDeclareVariable(node.name);
     const SqlType type = slot->type;
@@ -119,11 +127,15 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
     }
     m_context.lastError = message.severity > 10 ? message.number : 0;
     m_context.rowCount = 0;
-    m_sink->message(message);
+    message.procedure = m_frame->procedure;
     if (message.severity > 10) {
-        StatementEnd end;
-        end.error = true;
-        m_sink->endStatement(end);
+        EngineError error(message.number, message.severity, message.state, message.text);
+        error.isRaised = true;
+        report(error, m_line);
+        if (!error.isReported) // a CATCH block is going to handle it
+            throw error;
+    } else {
+        m_sink->message(message);
     }
     if (node.noWait)
         m_sink->flush();
@@ -184,19 +196,22 @@ Interpreter::Flow Interpreter::run(const Ast::Use &node)
 Interpreter::Flow Interpreter::run(const Ast::Transaction &node)
 {
     m_context.rowCount = 0;
+    std::string name = node.name;
+    if (const VariableSlot *slot = name.starts_with('@') ? m_frame->variables.find(name) : nullptr)
+        name = isNull(slot->value) ? std::string() : textOf(slot->value, slot->type, 0);
     switch (node.kind) {
     case Ast::Transaction::Kind::Begin:
-        m_transactions.begin(node.name);
+        m_transactions.begin(name);
         break;
     case Ast::Transaction::Kind::Commit:
         m_transactions.commit();
         break;
     case Ast::Transaction::Kind::Save:
-        m_transactions.save(node.name);
+        m_transactions.save(name);
         break;
     case Ast::Transaction::Kind::Rollback:
-        if (!node.name.empty()) {
-            m_transactions.rollbackTo(node.name);
+        if (!name.empty()) {
+            m_transactions.rollbackTo(name);
         } else {
             if (!m_transactions.isOpen())
                 throw EngineError(3903, 16, 1,

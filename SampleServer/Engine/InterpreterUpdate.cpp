@@ -35,10 +35,11 @@ class RowSearch
 {
 public:
     RowSearch(Interpreter &interpreter, const Ast::ObjectName &name,
-              const std::vector<Ast::TableSourcePtr> &from)
+              const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with)
         : m_interpreter(interpreter)
         , m_binder(interpreter.binder())
     {
+        m_binder.useCommonTables(with);
         m_binder.enterScope(m_scope);
         m_target.from = m_binder.bindFrom(from, m_scope);
         if (!findInFrom(name)) {
@@ -169,7 +170,7 @@ Setting bindSetting(RowSearch &search, const Ast::Assignment &assignment)
 
 Interpreter::Flow Interpreter::run(const Ast::Update &node)
 {
-    RowSearch search(*this, node.table, node.from);
+    RowSearch search(*this, node.table, node.from, node.with);
     const Table &table = *search.target().scan.table;
     std::vector<Setting> settings;
     std::vector<Bound::ExpressionPtr> expressions;
@@ -228,7 +229,7 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
 
 Interpreter::Flow Interpreter::run(const Ast::Delete &node)
 {
-    RowSearch search(*this, node.table, node.from);
+    RowSearch search(*this, node.table, node.from, node.with);
     const std::vector<FoundRow> rows = search.find({}, node.where, node.top);
     if (m_options.formatOnly)
         return Flow::Next;

@@ -24,6 +24,15 @@ StatementPtr Parser::parseCreate()
     expectKeyword("TABLE");
     CreateTable table;
     table.name = parseObjectName();
+    parseTableElements(table);
+    if (acceptKeyword("ON"))
+        expectName(); // the file group
+    return statement(std::move(table));
+}
+
+/// (columns and constraints), as CREATE TABLE and table variables list them.
+void Parser::parseTableElements(CreateTable &table)
+{
     expectSymbol("(");
     do {
         if (isSymbol(")") && !table.columns.empty()) // a comma after the last column is allowed
@@ -36,9 +45,6 @@ StatementPtr Parser::parseCreate()
             parseColumnDefinition(table);
     } while (acceptSymbol(","));
     expectSymbol(")");
-    if (acceptKeyword("ON"))
-        expectName(); // the file group
-    return statement(std::move(table));
 }
 
 void Parser::parseColumnDefinition(CreateTable &table)

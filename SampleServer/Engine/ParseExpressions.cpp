@@ -261,6 +261,10 @@ ExpressionPtr Parser::parsePrimary()
     } else {
         result = parseLiteral();
     }
+    while (isSymbol(".") && ahead(1).keyword == "VALUE" && ahead(2).source == "(") {
+        m_at += 2;
+        result = parseXmlMethod(std::move(result));
+    }
     while (isKeyword("COLLATE")) {
         ++m_at;
         const std::string collation = asciiUpper(expectName());
@@ -290,7 +294,7 @@ ExpressionPtr Parser::parseWordExpression()
         if (std::find(std::begin(bareFunctions), std::end(bareFunctions), token.keyword) !=
             std::end(bareFunctions)) {
             ++m_at;
-            return make(FunctionCall{{{token.keyword}}, {}, false, false});
+            return make(FunctionCall{{{token.keyword}}, {}, false, false, {}, {}});
         }
         static constexpr std::string_view functionWords[] = {"COALESCE", "LEFT", "NULLIF", "RIGHT",
                                                              "IDENTITY"};
@@ -301,6 +305,10 @@ ExpressionPtr Parser::parseWordExpression()
         }
     }
     ObjectName name = parseObjectName();
+    if (isSymbol("(") && name.parts.size() > 1 && equalsIgnoringAsciiCase(name.object(), "value")) {
+        name.parts.pop_back();
+        return parseXmlMethod(make(ColumnReference{std::move(name)}));
+    }
     if (isSymbol("("))
         return parseFunction(std::move(name));
     return make(ColumnReference{std::move(name)});
@@ -318,19 +326,87 @@ ExpressionPtr Parser::parseFunction(ObjectName name)
         call.distinct = acceptKeyword("DISTINCT");
         if (!call.distinct)
             acceptKeyword("ALL");
+        if (call.name.parts.size() == 1 && equalsIgnoringAsciiCase(call.name.object(), "iif")) {
+            call.arguments.push_back(parseCondition());
+            expectSymbol(",");
+        }
         do
-            call.arguments.push_back(parseExpression());
+            call.arguments.push_back(acceptKeyword("DEFAULT") ? nullptr : parseExpression());
         while (acceptSymbol(","));
     }
     expectSymbol(")");
-    if (isKeyword("OVER"))
-        refuse("window functions (OVER)");
+    if (acceptKeyword("WITHIN")) {
+        expectKeyword("GROUP");
+        expectSymbol("(");
+        expectKeyword("ORDER");
+        expectKeyword("BY");
+        call.withinGroup = parseOrderItems();
+        expectSymbol(")");
+    }
+    if (acceptKeyword("OVER"))
+        call.over = parseWindow();
     int depth = 0;
     for (const auto &argument : call.arguments)
-        depth = std::max(depth, argument->depth);
+        depth = std::max(depth, argument ? argument->depth : 0);
     auto result = make(std::move(call));
     result->depth = depth + 1;
     return result;
+}
+
+Window Parser::parseWindow()
+{
+    Window window;
+    expectSymbol("(");
+    if (isName() && isKeyword("PARTITION")) {
+        ++m_at;
+        expectKeyword("BY");
+        do
+            window.partition.push_back(parseExpression());
+        while (acceptSymbol(","));
+    }
+    if (acceptKeyword("ORDER")) {
+        expectKeyword("BY");
+        window.order = parseOrderItems();
+    }
+    window.frame = parseFrame();
+    expectSymbol(")");
+    return window;
+}
+
+/// ROWS BETWEEN 1 PRECEDING AND CURRENT ROW and its kin; empty where none stands.
+std::string Parser::parseFrame()
+{
+    if (!isKeyword("ROWS") && !isKeyword("RANGE"))
+        return {};
+    std::string frame;
+    while (!isSymbol(")")) {
+        const Token &token = current();
+        if (token.kind != TokenKind::Word && token.kind != TokenKind::Integer)
+            failHere();
+        frame += (frame.empty() ? "" : " ") + (token.kind == TokenKind::Word ? token.keyword : token.value);
+        ++m_at;
+    }
+    return frame;
+}
+
+/// ('path', 'type') of the method value.
+ExpressionPtr Parser::parseXmlMethod(ExpressionPtr operand)
+{
+    const auto text = [this] {
+        if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
+            failHere();
+        return m_tokens[m_at++].value;
+    };
+    MethodCall call;
+    call.method = "value";
+    expectSymbol("(");
+    call.path = text();
+    expectSymbol(",");
+    call.type = Parser(text(), {}).parseTypeName();
+    expectSymbol(")");
+    const auto *child = operand.get();
+    call.operand = std::move(operand);
+    return make(std::move(call), {child});
 }
 
 ExpressionPtr Parser::parseCase()

@@ -8,15 +8,70 @@ using namespace Ast;
 SelectPtr Parser::parseSelect()
 {
     auto select = std::make_unique<Select>();
+    if (isKeyword("WITH"))
+        select->with = parseWith();
     select->query = parseQuery();
     parseOrderBy(*select);
-    if (isKeyword("FOR") &&
-        (ahead(1).keyword == "XML" || ahead(1).keyword == "BROWSE" || ahead(1).keyword == "JSON"))
+    if (isKeyword("FOR") && (ahead(1).keyword == "BROWSE" || ahead(1).keyword == "JSON"))
         refuse("FOR " + ahead(1).keyword);
+    if (isKeyword("FOR") && ahead(1).keyword == "XML")
+        select->forXml = parseForXml();
     while (isKeyword("COMPUTE"))
         parseCompute(*select);
-    parseOption();
+    select->maxRecursion = parseOption();
     return select;
+}
+
+std::vector<CommonTable> Parser::parseWith()
+{
+    expectKeyword("WITH");
+    std::vector<CommonTable> tables;
+    do {
+        CommonTable table;
+        table.name = expectName();
+        if (acceptSymbol("(")) {
+            do
+                table.columns.push_back(expectName());
+            while (acceptSymbol(","));
+            expectSymbol(")");
+        }
+        expectKeyword("AS");
+        table.query = parseParenthesizedSelect();
+        tables.push_back(std::move(table));
+    } while (acceptSymbol(","));
+    return tables;
+}
+
+ForXml Parser::parseForXml()
+{
+    m_at += 2; // FOR XML
+    ForXml result;
+    if (isKeyword("AUTO") || isKeyword("EXPLICIT"))
+        refuse("FOR XML " + current().keyword);
+    result.attributes = acceptKeyword("RAW");
+    if (!result.attributes && !acceptKeyword("PATH"))
+        failHere();
+    const auto text = [this] {
+        expectSymbol("(");
+        if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
+            failHere();
+        std::string value = m_tokens[m_at++].value;
+        expectSymbol(")");
+        return value;
+    };
+    if (isSymbol("("))
+        result.rowTag = text();
+    while (acceptSymbol(",")) {
+        if (acceptKeyword("TYPE"))
+            result.typed = true;
+        else if (acceptKeyword("ROOT"))
+            result.root = isSymbol("(") ? text() : "root";
+        else if (acceptKeyword("ELEMENTS"))
+            result.attributes = false;
+        else
+            refuse("FOR XML with the option " + current().keyword);
+    }
+    return result;
 }
 
 std::unique_ptr<Query> Parser::parseQuery()
@@ -111,8 +166,10 @@ std::optional<Top> Parser::parseTop()
         top.count = parseLiteral();
     }
     top.percent = acceptKeyword("PERCENT");
-    if (isKeyword("WITH") && ahead(1).keyword == "TIES")
-        refuse("TOP ... WITH TIES");
+    if (isKeyword("WITH") && ahead(1).keyword == "TIES") {
+        top.withTies = true;
+        m_at += 2;
+    }
     return top;
 }
 
@@ -184,7 +241,7 @@ TableSourcePtr Parser::parseJoinedTable()
         join->line = current().line;
         Join node{*kind, std::move(left), nullptr, nullptr};
         node.right = parseTable();
-        if (*kind != JoinKind::Cross) {
+        if (*kind != JoinKind::Cross && *kind != JoinKind::CrossApply && *kind != JoinKind::OuterApply) {
             expectKeyword("ON");
             node.condition = parseCondition();
         }
@@ -197,13 +254,15 @@ TableSourcePtr Parser::parseJoinedTable()
 std::optional<JoinKind> Parser::acceptJoin()
 {
     if (acceptKeyword("CROSS")) {
-        if (isKeyword("APPLY"))
-            refuse("CROSS APPLY");
+        if (acceptKeyword("APPLY"))
+            return JoinKind::CrossApply;
         expectKeyword("JOIN");
         return JoinKind::Cross;
     }
-    if (isKeyword("OUTER") && ahead(1).keyword == "APPLY")
-        refuse("OUTER APPLY");
+    if (isKeyword("OUTER") && ahead(1).keyword == "APPLY") {
+        m_at += 2;
+        return JoinKind::OuterApply;
+    }
     if (acceptKeyword("JOIN"))
         return JoinKind::Inner;
     std::optional<JoinKind> kind;
@@ -231,9 +290,7 @@ TableSourcePtr Parser::parseTable()
         return parseParenthesizedTable();
     auto table = std::make_unique<TableSource>();
     table->line = current().line;
-    if (current().kind == TokenKind::Variable)
-        refuse("table variables");
-    ObjectName name = parseObjectName();
+    ObjectName name = parseTableName();
     const bool hints =
         isSymbol("(") && (ahead(1).keyword == "NOLOCK" || ahead(1).keyword == "READUNCOMMITTED");
     if (isSymbol("(") && !hints) {
@@ -324,6 +381,12 @@ bool Parser::parseHintList()
             failHere();
         readUncommitted = readUncommitted || isKeyword("NOLOCK") || isKeyword("READUNCOMMITTED");
         ++m_at;
+        if (acceptSymbol("(")) // what INDEX(name) names
+            while (!acceptSymbol(")")) {
+                if (current().kind == TokenKind::End)
+                    failHere();
+                ++m_at;
+            }
     }
     return readUncommitted;
 }
@@ -333,14 +396,7 @@ void Parser::parseOrderBy(Select &select)
     if (!acceptKeyword("ORDER"))
         return;
     expectKeyword("BY");
-    do {
-        OrderItem item;
-        item.expression = parseExpression();
-        item.descending = acceptKeyword("DESC");
-        if (!item.descending)
-            acceptKeyword("ASC");
-        select.orderBy.push_back(std::move(item));
-    } while (acceptSymbol(","));
+    select.orderBy = parseOrderItems();
     if (!acceptKeyword("OFFSET"))
         return;
     select.offset = parseExpression();
@@ -354,6 +410,20 @@ void Parser::parseOrderBy(Select &select)
     if (!acceptKeyword("ROWS"))
         expectKeyword("ROW");
     expectKeyword("ONLY");
+}
+
+std::vector<OrderItem> Parser::parseOrderItems()
+{
+    std::vector<OrderItem> items;
+    do {
+        OrderItem item;
+        item.expression = parseExpression();
+        item.descending = acceptKeyword("DESC");
+        if (!item.descending)
+            acceptKeyword("ASC");
+        items.push_back(std::move(item));
+    } while (acceptSymbol(","));
+    return items;
 }
 
 void Parser::parseCompute(Select &select)
@@ -376,18 +446,22 @@ void Parser::parseCompute(Select &select)
     select.compute.push_back(std::move(compute));
 }
 
-/// OPTION (...) advises an optimizer that is not here: it is read and has no effect.
-void Parser::parseOption()
+/// OPTION (...) advises an optimizer that is not here: but for MAXRECURSION it is read and has no effect.
+std::optional<int> Parser::parseOption()
 {
+    std::optional<int> maxRecursion;
     if (!isKeyword("OPTION"))
-        return;
+        return maxRecursion;
     ++m_at;
     expectSymbol("(");
     for (int depth = 1; depth > 0; ++m_at) {
         if (current().kind == TokenKind::End)
             failHere();
+        if (isKeyword("MAXRECURSION") && ahead(1).kind == TokenKind::Integer)
+            maxRecursion = std::atoi(ahead(1).value.c_str());
         depth += isSymbol("(") ? 1 : isSymbol(")") ? -1 : 0;
     }
+    return maxRecursion;
 }
 
 std::vector<std::vector<ExpressionPtr>> Parser::parseRows(bool allowDefault)

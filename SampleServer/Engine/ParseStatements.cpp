@@ -64,14 +64,10 @@ StatementPtr Parser::parseControlStatement(const std::string &keyword)
         return statement(Print{parseExpression()});
     if (acceptKeyword("USE"))
         return statement(Use{expectName()});
-    if (acceptKeyword("RETURN")) {
-        if (current().kind == TokenKind::Integer || current().kind == TokenKind::Variable)
-            fail(EngineError(178, 15, 1,
-                             "A RETURN statement with a return value cannot be used in this context.",
-                             ErrorEffect::EndsBatch),
-                 current().line);
-        return statement(Return());
-    }
+    if (acceptKeyword("RETURN"))
+        return parseReturn();
+    if (acceptKeyword("THROW"))
+        return parseThrow();
     return parseDataStatement(keyword);
 }
 
@@ -79,6 +75,8 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
 {
     if (keyword == "SELECT")
         return statement(std::move(*parseSelect()));
+    if (keyword == "WITH")
+        return parseWithStatement();
     if (keyword == "INSERT")
         return parseInsert();
     if (keyword == "UPDATE")
@@ -91,10 +89,9 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
 StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
 {
     static constexpr std::string_view refused[] = {
-        "ALTER",  "BACKUP",      "BULK",      "CHECKPOINT", "CLOSE",   "DBCC",  "DEALLOCATE",
-        "DENY",   "FETCH",       "GOTO",      "GRANT",      "KILL",    "MERGE", "OPEN",
-        "REVOKE", "RECONFIGURE", "RESTORE",   "REVERT",     "SETUSER", "THROW", "SHUTDOWN",
-        "WITH",   "UPDATETEXT",  "WRITETEXT", "READTEXT"};
+        "ALTER",   "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",
+        "FETCH",   "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE",
+        "RESTORE", "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
     if (keyword == "CREATE")
         return parseCreate();
     if (keyword == "DROP")
@@ -102,7 +99,7 @@ StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
     if (keyword == "TRUNCATE")
         return parseTruncate();
     if (std::find(std::begin(refused), std::end(refused), keyword) != std::end(refused))
-        refuse(keyword == "WITH" ? "common table expressions (WITH)" : keyword);
+        refuse(keyword);
     return nullptr;
 }
 
@@ -111,15 +108,67 @@ StatementPtr Parser::parseBegin()
     expectKeyword("BEGIN");
     if (isKeyword("TRAN") || isKeyword("TRANSACTION"))
         return parseTransaction(Transaction::Kind::Begin);
-    if (isKeyword("TRY") || isKeyword("CATCH"))
-        refuse("TRY ... CATCH");
+    if (acceptKeyword("TRY"))
+        return parseTryCatch();
     if (isKeyword("DISTRIBUTED"))
         refuse("distributed transactions");
+    return statement(parseBlock());
+}
+
+Block Parser::parseBlock()
+{
     Block block;
     do
         block.statements.push_back(parseStatement());
     while (!acceptKeyword("END"));
-    return statement(std::move(block));
+    return block;
+}
+
+StatementPtr Parser::parseTryCatch()
+{
+    TryCatch node;
+    node.body = parseBlock();
+    expectKeyword("TRY");
+    acceptSymbol(";");
+    expectKeyword("BEGIN");
+    expectKeyword("CATCH");
+    while (acceptSymbol(";")) {
+    }
+    if (acceptKeyword("END")) // a handler may be empty
+        expectKeyword("CATCH");
+    else {
+        node.handler = parseBlock();
+        expectKeyword("CATCH");
+    }
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseReturn()
+{
+    Return node;
+    const Token &token = current();
+    const bool value = token.kind != TokenKind::End && token.kind != TokenKind::Word && !isSymbol(";");
+    const bool isValue = value || isKeyword("CASE") || isKeyword("NULL") || isName();
+    if (isValue && !m_mayReturnValue)
+        fail(EngineError(178, 15, 1, "A RETURN statement with a return value cannot be used in this context.",
+                         ErrorEffect::EndsBatch),
+             token.line);
+    if (isValue)
+        node.status = parseExpression();
+    return statement(std::move(node));
+}
+
+StatementPtr Parser::parseThrow()
+{
+    Throw node;
+    if (current().kind != TokenKind::Integer && current().kind != TokenKind::Variable)
+        return statement(std::move(node));
+    node.number = parsePrimary();
+    expectSymbol(",");
+    node.message = parsePrimary();
+    expectSymbol(",");
+    node.state = parsePrimary();
+    return statement(std::move(node));
 }
 
 StatementPtr Parser::parseIf()
@@ -154,15 +203,21 @@ StatementPtr Parser::parseDeclare()
         variable.name = token.value;
         ++m_at;
         acceptKeyword("AS");
-        if (isKeyword("TABLE"))
-            refuse("table variables");
         if (isKeyword("CURSOR"))
             refuse("cursors");
-        variable.type = parseTypeName();
-        if (acceptSymbol("="))
-            variable.initial = parseExpression();
-        if (!m_declared.insert(foldedName(variable.name)).second)
+        if (acceptKeyword("TABLE")) {
+            variable.table = std::make_shared<CreateTable>();
+            variable.table->name.parts = {variable.name};
+            parseTableElements(*variable.table);
+        } else {
+            variable.type = parseTypeName();
+            if (acceptSymbol("="))
+                variable.initial = parseExpression();
+        }
+        const std::string folded = foldedName(variable.name);
+        if (m_declared.contains(folded) || m_declaredTables.contains(folded))
             fail(Errors::variableAlreadyDeclared(variable.name), token.line);
+        (variable.table ? m_declaredTables : m_declared).insert(folded);
         declare.variables.push_back(std::move(variable));
     } while (acceptSymbol(","));
     return statement(std::move(declare));
@@ -271,7 +326,7 @@ StatementPtr Parser::parseTransaction(Transaction::Kind kind)
     else if (named && isName())
         node.name = expectName();
     else if (named && current().kind == TokenKind::Variable)
-        refuse("transaction names in variables");
+        node.name = expectVariable();
     if (kind == Transaction::Kind::Save && node.name.empty())
         failHere();
     return statement(std::move(node));
@@ -285,11 +340,15 @@ StatementPtr Parser::parseExecute()
         expectSymbol(")");
         return statement(std::move(node));
     }
-    if (current().kind == TokenKind::Variable) {
+    if (current().kind == TokenKind::Variable && ahead(1).kind == TokenKind::Symbol &&
+        ahead(1).value == "=") {
         node.statusVariable = expectVariable();
         expectSymbol("=");
     }
-    node.procedure = parseObjectName();
+    if (current().kind == TokenKind::Variable)
+        node.procedureVariable = expectVariable();
+    else
+        node.procedure = parseObjectName();
     const auto startsArgument = [this] {
         const TokenKind kind = current().kind;
         return (kind != TokenKind::Symbol && kind != TokenKind::Word && kind != TokenKind::End) ||
@@ -314,6 +373,28 @@ StatementPtr Parser::parseExecute()
     return statement(std::move(node));
 }
 
+/// WITH names AS (queries) before the statement that uses them.
+StatementPtr Parser::parseWithStatement()
+{
+    std::vector<CommonTable> with = parseWith();
+    const std::string keyword = current().keyword;
+    if (keyword != "SELECT" && keyword != "INSERT" && keyword != "UPDATE" && keyword != "DELETE" &&
+        !isSymbol("("))
+        failHere();
+    auto result = isSymbol("(") ? statement(std::move(*parseSelect())) : parseDataStatement(keyword);
+    if (auto *select = std::get_if<Select>(&result->node)) {
+        select->with = std::move(with);
+    } else if (auto *insert = std::get_if<Insert>(&result->node)) {
+        if (insert->query)
+            insert->query->with = std::move(with);
+    } else if (auto *update = std::get_if<Update>(&result->node)) {
+        update->with = std::move(with);
+    } else {
+        std::get<Delete>(result->node).with = std::move(with);
+    }
+    return result;
+}
+
 StatementPtr Parser::parseInsert()
 {
     expectKeyword("INSERT");
@@ -322,9 +403,7 @@ StatementPtr Parser::parseInsert()
     if (isKeyword("BULK"))
         refuse("INSERT BULK");
     acceptKeyword("INTO");
-    if (current().kind == TokenKind::Variable)
-        refuse("table variables");
-    insert.table = parseObjectName();
+    insert.table = parseTableName();
     parseTableHints();
     if (isSymbol("(") && !atSubquery()) {
         expectSymbol("(");
@@ -335,9 +414,9 @@ StatementPtr Parser::parseInsert()
     }
     if (isKeyword("OUTPUT"))
         refuse("the OUTPUT clause");
-    if (isKeyword("EXEC") || isKeyword("EXECUTE"))
-        refuse("INSERT ... EXEC");
-    if (acceptKeyword("DEFAULT")) {
+    if (acceptKeyword("EXEC") || acceptKeyword("EXECUTE")) {
+        insert.execute = parseExecute();
+    } else if (acceptKeyword("DEFAULT")) {
         expectKeyword("VALUES");
         insert.defaultValues = true;
     } else if (acceptKeyword("VALUES")) {
@@ -353,7 +432,7 @@ StatementPtr Parser::parseUpdate()
     expectKeyword("UPDATE");
     Update update;
     update.top = parseTop();
-    update.table = parseObjectName();
+    update.table = parseTableName();
     parseTableHints();
     expectKeyword("SET");
     do {
@@ -398,7 +477,7 @@ StatementPtr Parser::parseDelete()
     Delete node;
     node.top = parseTop();
     acceptKeyword("FROM");
-    node.table = parseObjectName();
+    node.table = parseTableName();
     parseTableHints();
     if (isKeyword("OUTPUT"))
         refuse("the OUTPUT clause");

@@ -137,6 +137,20 @@ ObjectName Parser::parseObjectName()
     return name;
 }
 
+/// The name of a table or of a table variable.
+ObjectName Parser::parseTableName()
+{
+    const Token &token = current();
+    if (token.kind != TokenKind::Variable)
+        return parseObjectName();
+    if (!m_declaredTables.contains(foldedName(token.value)))
+        fail(EngineError(1087, 15, 2, "Must declare the table variable \"" + token.value + "\".",
+                         ErrorEffect::EndsBatch),
+             token.line);
+    ++m_at;
+    return {{token.value}};
+}
+
 TypeName Parser::parseTypeName()
 {
     TypeName type;

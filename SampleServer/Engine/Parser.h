@@ -50,6 +50,7 @@ private:
     [[noreturn]] void fail(EngineError error, int line) const;
     [[noreturn]] void refuse(std::string_view construct) const;
     Ast::ObjectName parseObjectName();
+    Ast::ObjectName parseTableName();
     Ast::TypeName parseTypeName();
 
     // Statements
@@ -58,6 +59,10 @@ private:
     Ast::StatementPtr parseDataStatement(const std::string &keyword);
     Ast::StatementPtr parseDefinitionStatement(const std::string &keyword);
     Ast::StatementPtr parseBegin();
+    Ast::StatementPtr parseTryCatch();
+    Ast::Block parseBlock();
+    Ast::StatementPtr parseReturn();
+    Ast::StatementPtr parseThrow();
     Ast::StatementPtr parseIf();
     Ast::StatementPtr parseWhile();
     Ast::StatementPtr parseDeclare();
@@ -73,6 +78,7 @@ private:
     Ast::StatementPtr parseCreate();
     Ast::StatementPtr parseDrop();
     Ast::StatementPtr parseTruncate();
+    void parseTableElements(Ast::CreateTable &table);
     void parseColumnDefinition(Ast::CreateTable &table);
     bool parseColumnProperty(Ast::CreateTable &table, Ast::ColumnDefinition &column, std::string &constraint);
     void parseTableConstraint(Ast::CreateTable &table);
@@ -82,6 +88,13 @@ private:
 
     // Queries
     Ast::SelectPtr parseSelect();
+    std::vector<Ast::CommonTable> parseWith();
+    Ast::StatementPtr parseWithStatement();
+    Ast::ForXml parseForXml();
+    std::vector<Ast::OrderItem> parseOrderItems();
+    Ast::Window parseWindow();
+    std::string parseFrame();
+    Ast::ExpressionPtr parseXmlMethod(Ast::ExpressionPtr operand);
     std::unique_ptr<Ast::Query> parseQuery();
     std::unique_ptr<Ast::Query> parseIntersection();
     std::unique_ptr<Ast::Query> parseQueryTerm();
@@ -100,7 +113,7 @@ private:
     bool parseHintList();
     void parseOrderBy(Ast::Select &select);
     void parseCompute(Ast::Select &select);
-    void parseOption();
+    std::optional<int> parseOption();
     std::vector<std::vector<Ast::ExpressionPtr>> parseRows(bool allowDefault);
 
     // Expressions
@@ -137,7 +150,9 @@ private:
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_statementLine = 1;
-    std::set<std::string> m_declared; ///< folded names of the variables declared so far
+    std::set<std::string> m_declared;       ///< folded names of the variables declared so far
+    std::set<std::string> m_declaredTables; ///< likewise of table variables
+    bool m_mayReturnValue = false;          ///< RETURN takes a value here
 
     friend class NestingGuard;
 };

@@ -1,5 +1,7 @@
 #include "Engine/SqliteConnection.h"
 #include "Engine/EngineError.h"
+#include "Engine/RowProvider.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/SqliteCodec.h"
 
 #include <chrono>
@@ -56,23 +58,37 @@ void SqliteStatement::bind(int index, const Value &value, const SqlType &type)
     bindValue(m_statement, index, value, type);
 }
 
-void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters)
+void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters,
+                           std::span<sqlite3_value *> arguments)
 {
     int index = 0;
+    // SQLite hands a pointer back unchanged; who gets it only reads through it.
+    const auto bindPointer = [&](const void *object, const char *kind) {
+        sqlite3_bind_pointer(m_statement, index, const_cast<void *>(object), kind, nullptr);
+    };
     for (const EmittedParameter &parameter : parameters) {
         ++index;
-        if (parameter.constant) {
+        if (parameter.constant)
             bindValue(m_statement, index, parameter.constant->value, parameter.type);
-        } else {
-            // SQLite hands the pointer back unchanged; tsql() only reads through it.
-            auto *call = const_cast<Bound::Call *>(parameter.call);
-            sqlite3_bind_pointer(m_statement, index, call, "tsql-call", nullptr);
-        }
+        else if (parameter.call)
+            bindPointer(parameter.call, "tsql-call");
+        else if (parameter.provider)
+            bindPointer(parameter.provider, "row-provider");
+        else if (parameter.shape)
+            bindPointer(parameter.shape, "xml-shape");
+        else
+            sqlite3_bind_value(m_statement, index, arguments[static_cast<std::size_t>(parameter.argument)]);
     }
+}
+
+void SqliteStatement::copyColumn(int column, sqlite3_context *context) const
+{
+    sqlite3_result_value(context, sqlite3_column_value(m_statement, column));
 }
 
 bool SqliteStatement::step()
 {
+    const ScopedValue<bool> writing(m_connection.m_isWriting, sqlite3_stmt_readonly(m_statement) == 0);
     while (true) {
         m_connection.m_error = nullptr;
         m_connection.m_cancelled = false;
@@ -115,6 +131,7 @@ SqliteConnection::SqliteConnection(EvaluationContext &context,
     sqlite3_extended_result_codes(m_db, 1);
     registerFunctions(m_db, *this);
     registerRowGenerator(m_db);
+    registerRowProviders(m_db, *this);
     sqlite3_progress_handler(m_db, ProgressSteps, onProgress, this);
     // The engine's own lock manager keeps readers and writers apart; SQLite must not do it a second time.
     execute("PRAGMA read_uncommitted = 1");
@@ -158,6 +175,25 @@ void SqliteConnection::execute(const std::string &sql)
     }
 }
 
+void SqliteConnection::dropTemporary(const std::string &table)
+{
+    m_dropLater.push_back(table);
+    dropWaiting();
+}
+
+void SqliteConnection::dropWaiting()
+{
+    std::erase_if(m_dropLater, [this](const std::string &table) {
+        return sqlite3_exec(m_db, ("DROP TABLE IF EXISTS temp." + table).c_str(), nullptr, nullptr,
+                            nullptr) == SQLITE_OK;
+    });
+}
+
+bool SqliteConnection::isInTransaction() const
+{
+    return sqlite3_get_autocommit(m_db) == 0;
+}
+
 std::int64_t SqliteConnection::lastRowId() const
 {
     return sqlite3_last_insert_rowid(m_db);
@@ -165,6 +201,7 @@ std::int64_t SqliteConnection::lastRowId() const
 
 void SqliteConnection::detachUnused()
 {
+    dropWaiting();
     if (m_attached.empty())
         return;
     dropStatements();
@@ -207,7 +244,7 @@ void SqliteConnection::throwError(int code)
 int SqliteConnection::onProgress(void *self)
 {
     auto &connection = *static_cast<SqliteConnection *>(self);
-    if (!connection.m_sink)
+    if (!connection.m_sink || connection.m_isWriting)
         return 0;
     try {
         connection.m_cancelled = connection.m_sink->attentionRequested();

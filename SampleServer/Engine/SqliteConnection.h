@@ -9,10 +9,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 
 struct sqlite3;
+struct sqlite3_context;
 struct sqlite3_stmt;
+struct sqlite3_value;
 
 namespace SampleServer {
 
@@ -33,11 +36,13 @@ public:
     SqliteStatement &operator=(const SqliteStatement &) = delete;
 
     void bind(int index, const Value &value, const SqlType &type);
-    void bind(const std::vector<EmittedParameter> &parameters);
+    void bind(const std::vector<EmittedParameter> &parameters, std::span<sqlite3_value *> arguments = {});
     /// Moves to the next row; false after the last one. Throws EngineError from functions it called back,
     /// BatchCancelled when the client asked to stop, SqliteConstraintError.
     bool step();
     void read(int column, const SqlType &type, Value &value) const;
+    /// Makes a column of the current row the result of a function of SQLite's.
+    void copyColumn(int column, sqlite3_context *context) const;
     /// Starts over, keeping what is bound.
     void reset();
 
@@ -68,6 +73,10 @@ public:
     void detachUnused();
     /// Runs a statement without parameters and rows.
     void execute(const std::string &sql);
+    /// Drops a table of the session's own, later when a statement that runs stands in the way.
+    void dropTemporary(const std::string &table);
+    /// Whether SQLite's own transaction is open: it ends one by itself when a write fails for want of memory.
+    bool isInTransaction() const;
     /// Whom a running statement asks whether to stop; null for nobody.
     void watch(ResultSink *sink) { m_sink = sink; }
     std::int64_t lastRowId() const;
@@ -82,6 +91,7 @@ private:
     [[noreturn]] void throwError(int code);
     static int onProgress(void *self);
     void dropStatements();
+    void dropWaiting();
 
     EvaluationContext &m_context;
     std::function<void(const Database &)> m_useDefinitions;
@@ -89,12 +99,16 @@ private:
     ResultSink *m_sink = nullptr;
     std::exception_ptr m_error;
     bool m_cancelled = false;
+    bool m_isWriting = false; ///< SQLite drops the whole transaction when a write is interrupted: none is
+    std::vector<std::string> m_dropLater;              ///< temporary tables
     std::map<int, DatabasePtr> m_attached;             ///< by database id
     std::multimap<std::string, sqlite3_stmt *> m_idle; ///< prepared statements not in use, by text
 };
 
 /// Adds tsql(), the aggregates and the collations to a connection.
 void registerFunctions(sqlite3 *db, SqliteConnection &connection);
+/// Adds the aggregates alone.
+void registerAggregates(sqlite3 *db, SqliteConnection &connection);
 /// Adds the table-valued function generate_rows(n).
 void registerRowGenerator(sqlite3 *db);
 

@@ -120,8 +120,20 @@ void Transactions::endStatement()
     release(m_statementLocks);
 }
 
+/// Throws when nothing can be written any more but the rollback.
+void Transactions::requireCommittable() const
+{
+    if (m_context.isTransactionDoomed)
+        throw EngineError(
+            3930, 16, 1,
+            "The current transaction cannot be committed and cannot support operations that write "
+            "to the log file. Roll back the transaction.",
+            ErrorEffect::EndsBatch);
+}
+
 void Transactions::openSqlite()
 {
+    requireCommittable();
     if (m_sqliteOpen)
         return;
     m_connection.execute("BEGIN");
@@ -136,9 +148,8 @@ void Transactions::closeSqlite(const char *sql)
     if (!m_sqliteOpen)
         return;
     m_sqliteOpen = false;
-    m_connection.watch(nullptr); // the end of a transaction is not interrupted
-    m_connection.execute(sql);
-    m_connection.watch(m_sink);
+    if (m_connection.isInTransaction())
+        m_connection.execute(sql);
 }
 
 void Transactions::undoTo(std::size_t mark)
@@ -178,6 +189,7 @@ void Transactions::commit()
 {
     if (!isOpen())
         throw noTransaction(3902, "COMMIT");
+    requireCommittable();
     if (--m_context.transactionCount > 0)
         return;
     finishTransaction();
@@ -187,6 +199,7 @@ void Transactions::commit()
 void Transactions::rollback()
 {
     const bool wasOpen = std::exchange(m_context.transactionCount, 0) > 0;
+    m_context.isTransactionDoomed = false;
     closeSqlite("ROLLBACK");
     undoTo(0);
     finishTransaction();
@@ -216,6 +229,12 @@ void Transactions::rollbackTo(const std::string &name)
         throw EngineError(6401, 16, 1,
                           "Cannot roll back " + name +
                               ". No transaction or savepoint of that name was found.");
+    if (m_context.isTransactionDoomed)
+        throw EngineError(
+            3931, 16, 1,
+            "The current transaction cannot be committed and cannot be rolled back to a savepoint. "
+            "Roll back the entire transaction.",
+            ErrorEffect::EndsBatch);
     const auto count = static_cast<std::size_t>(m_savePoints.rend() - found);
     m_connection.execute("ROLLBACK TO p" + std::to_string(count));
     undoTo(found->undoMark);
@@ -234,10 +253,12 @@ Transactions::Change::~Change()
 {
     if (m_finished || !m_transactions.m_sqliteOpen)
         return;
-    m_transactions.m_connection.watch(nullptr);
+    if (!m_transactions.m_connection.isInTransaction()) {
+        m_transactions.rollback(); // SQLite gave it up, so nothing of it is left to keep
+        return;
+    }
     m_transactions.m_connection.execute("ROLLBACK TO change");
     m_transactions.m_connection.execute("RELEASE change");
-    m_transactions.m_connection.watch(m_transactions.m_sink);
     m_transactions.undoTo(m_undoMark);
 }
 

@@ -80,6 +80,7 @@ private:
 
     void acquire(const std::vector<Lock> &forStatement, const std::vector<Lock> &forTransaction);
     void release(std::vector<Lock> &held);
+    void requireCommittable() const;
     void openSqlite();
     void closeSqlite(const char *sql);
     void undoTo(std::size_t mark);

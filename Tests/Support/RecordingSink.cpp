@@ -150,7 +150,8 @@ void RecordingSink::endStatement(const StatementEnd &end)
 void RecordingSink::message(const ServerMessage &message)
 {
     note("message " + std::to_string(message.number) + ' ' + std::to_string(message.severity) + ' ' +
-         std::to_string(message.state) + " line " + std::to_string(message.line) + ": " + message.text);
+         std::to_string(message.state) + " line " + std::to_string(message.line) +
+         (message.procedure.empty() ? "" : " of " + message.procedure) + ": " + message.text);
     m_messages.push_back(message);
 }
 

@@ -117,6 +117,32 @@ TEST_F(Concurrency, AnAttentionEndsAWaitForALockAndTheTransactionsLiveOn)
     EXPECT_EQ(second.value("SELECT a FROM t"), "1");
 }
 
+TEST_F(Concurrency, AnAttentionUndoesALongStatementAndKeepsTheTransaction)
+{
+    const char *statements[] = {
+        "INSERT t SELECT a.id FROM generate_rows(1000000) a CROSS JOIN generate_rows(1000) b",
+        "INSERT t SELECT id FROM generate_rows(1000000000)",
+        "UPDATE t SET a = a + (SELECT COUNT(*) FROM generate_rows(1000000000))",
+        "UPDATE t SET a = a + 1 FROM t CROSS JOIN generate_rows(1000000000) g WHERE g.id < 0",
+        "DELETE t FROM t CROSS JOIN generate_rows(1000000000) g WHERE g.id < 0",
+        "SELECT id INTO made FROM generate_rows(1000000000)"};
+    for (const char *statement : statements) {
+        first.run("CREATE TABLE t (a int) INSERT t VALUES (1) BEGIN TRAN INSERT t VALUES (2)");
+        first.start(statement);
+        expectWaiting(first);
+        first.sink.attention();
+        ASSERT_TRUE(endsInTime(first)) << statement;
+        first.join();
+        first.sink.clearAttention();
+        EXPECT_TRUE(first.sink.errors().empty()) << statement << '\n' << first.sink.log();
+        EXPECT_EQ(first.value("SELECT SUM(a) * 10 + @@TRANCOUNT FROM t"), "31") << statement;
+        first.run("INSERT t VALUES (3) COMMIT");
+        EXPECT_EQ(second.value("SELECT SUM(a) FROM t"), "6") << statement;
+        EXPECT_EQ(first.value("SELECT OBJECT_ID('made')"), "NULL");
+        first.run("DROP TABLE t");
+    }
+}
+
 TEST_F(Concurrency, LockTimeoutEndsAWaitWithAnError)
 {
     first.run("CREATE TABLE t (a int) BEGIN TRAN INSERT t VALUES (1)");

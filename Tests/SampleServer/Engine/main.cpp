@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
+/// Runs the cases of this folder, or of the one that is named.
 int main(int argc, char **argv)
 {
-    SampleServer::registerCases(ENGINE_CASES_FOLDER);
     testing::InitGoogleTest(&argc, argv);
+    SampleServer::registerCases(argc > 1 ? argv[1] : ENGINE_CASES_FOLDER);
     return RUN_ALL_TESTS();
 }

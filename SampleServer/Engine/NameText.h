@@ -1,0 +1,10 @@
+#pragma once
+
+#include "Engine/AstExpressions.h"
+
+namespace SampleServer {
+
+/// A name in text, as OBJECT_ID takes it, "[my schema].t"; without parts when the text is no name.
+Ast::ObjectName nameFromText(const std::string &text);
+
+} // namespace SampleServer

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Types/SqlType.h"
+#include "Types/Value.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace SampleServer {
+
+/// How FOR XML turns rows into text.
+struct XmlShape
+{
+    struct Column
+    {
+        std::string path; ///< "a", "a/b", "@attribute", "text()"; empty for bare text
+        SqlType type;
+    };
+    std::vector<Column> columns;
+    std::string rowTag; ///< empty: no element around each row
+    std::string root;   ///< empty: no element around all of them
+    bool attributes = false;
+};
+
+/// Adds one row to the text.
+void appendXmlRow(std::string &xml, const XmlShape &shape, std::span<const Value> values);
+
+/// What the path '.' gives of an XML fragment: its text without tags, entities resolved.
+std::string textOfXml(std::string_view xml);
+
+} // namespace SampleServer
