@@ -3,6 +3,7 @@ add_library(VantorFlags INTERFACE)
 add_library(Vantor::Flags ALIAS VantorFlags)
 
 option(VANTOR_WERROR "Treat warnings as errors" OFF)
+option(VANTOR_FUZZ "Build the fuzz targets for libFuzzer; needs clang" OFF)
 set(VANTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
 target_compile_features(VantorFlags INTERFACE cxx_std_20)
@@ -18,7 +19,8 @@ endif()
 if(VANTOR_SANITIZE)
   # GCC 12 sees uninitialised values that are none where it instruments memory accesses.
   target_compile_options(VantorFlags INTERFACE
-    -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+    -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
 endif()
 
