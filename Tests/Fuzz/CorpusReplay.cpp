@@ -1,5 +1,5 @@
-// Stands in for libFuzzer where there is none: feeds a fuzz target every file of its corpus, and a fixed number of
-// variations of each.
+// Stands in for libFuzzer where there is none: feeds a fuzz target every file of its corpus, and a fixed
+// number of variations of each.
 
 #include "Fuzz/Fuzzer.h"
 
@@ -43,7 +43,8 @@ Input variation(Input input, const std::vector<Input> &corpus, std::mt19937 &ran
             break;
         case 1:
             input.erase(input.begin() + place,
-                        input.begin() + place + static_cast<std::ptrdiff_t>(random() % (input.size() - std::size_t(place) + 1)));
+                        input.begin() + place +
+                            static_cast<std::ptrdiff_t>(random() % (input.size() - std::size_t(place) + 1)));
             break;
         case 2:
             input.insert(input.begin() + place, static_cast<std::uint8_t>(random()));

@@ -20,6 +20,7 @@ inline QString fuzzText(const std::uint8_t *data, std::size_t size)
 {
     const auto *bytes = reinterpret_cast<const char *>(data);
     const QString text = QString::fromUtf8(bytes, static_cast<qsizetype>(size));
-    return text.contains(QChar(QChar::ReplacementCharacter)) ? QString::fromLatin1(bytes, static_cast<qsizetype>(size))
-                                                             : text;
+    return text.contains(QChar(QChar::ReplacementCharacter))
+               ? QString::fromLatin1(bytes, static_cast<qsizetype>(size))
+               : text;
 }

@@ -162,6 +162,22 @@ TEST(ColumnValue, ADateTime2IsADateInMillisecondsToo)
     EXPECT_EQ(value.date(), QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5, 123), Qt::UTC));
 }
 
+TEST(ColumnValue, DatesThatNoServerCanHoldAreNull)
+{
+    for (const int day :
+         {-693596, 2958464, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        EXPECT_TRUE(convert(SYBDATETIME, bytesOf(qint32{day}, qint32{0})).isNull()) << day;
+        EXPECT_TRUE(convert(SYBMSDATETIME2, bytesOf(record(day, 0, 7))).isNull()) << day;
+        EXPECT_TRUE(convert(SYBMSDATETIMEOFFSET, bytesOf(record(day, 0, 7))).isNull()) << day;
+    }
+    EXPECT_FALSE(convert(SYBMSDATETIME2, bytesOf(record(-693595, 0, 7))).isNull());
+    EXPECT_FALSE(
+        convert(SYBMSDATETIME2, bytesOf(record(2958463, ticksAt(23, 59, 59, 9'999'999), 7))).isNull());
+    EXPECT_TRUE(convert(SYBMSDATETIME2, bytesOf(record(0, ticksAt(24, 0, 0, 0), 7))).isNull());
+    EXPECT_TRUE(convert(SYBDATETIME, bytesOf(qint32{0}, qint32{-1})).isNull());
+    EXPECT_TRUE(convert(SYBDATETIME, bytesOf(qint32{0}, qint32{24 * 60 * 60 * 300})).isNull());
+}
+
 TEST(ColumnValue, ShowsADateTimeOffsetInItsOwnTimeWithTheFractionBehindAColon)
 {
     auto value = record(DaysTo20200102, ticksAt(3, 4, 5, 1234567), 7);

@@ -108,14 +108,34 @@ void appendSmallDateTime(KNRowStore &rows, const unsigned char *data)
     rows.appendDate(date);
 }
 
+/// Whether it is a day from 0001-01-01 to 9999-12-31, counted from 1900-01-01.
+bool isDay(qint32 day)
+{
+    return day >= -693595 && day <= 2958463;
+}
+
 void appendDateTime(KNRowStore &rows, const unsigned char *data)
 {
+    constexpr qint32 StepsPerDay = 24 * 60 * 60 * 300;
+    const auto day = read<qint32>(data);
+    const auto steps = read<qint32>(data + 4);
+    if (!isDay(day) || steps < 0 || steps >= StepsPerDay)
+        return rows.appendNull();
     // Days since 1900 and three-hundredths of a second, shown in milliseconds.
-    const qint64 milliseconds = (qint64{read<qint32>(data + 4)} * 1000 + 150) / 300;
+    const qint64 milliseconds = (qint64{steps} * 1000 + 150) / 300;
     KNDateTime date;
-    date.ticks = read<qint32>(data) * TicksPerDay + milliseconds * TicksPerMillisecond;
+    date.ticks = day * TicksPerDay + milliseconds * TicksPerMillisecond;
     date.fractionDigits = 3;
     rows.appendDate(date);
+}
+
+/// Whether a record holds what the server's types can hold (MS-TDS 2.2.5.4.2).
+bool isValid(const DBDATETIMEALL &record)
+{
+    constexpr int LargestOffset = 14 * 60;
+    return (!record.has_date || isDay(record.date)) &&
+           (!record.has_time || record.time < static_cast<DBUBIGINT>(TicksPerDay)) &&
+           (!record.has_offset || std::abs(record.offset) <= LargestOffset);
 }
 
 /// db-lib's record for the newer date types, as ticks since 1900 with the offset applied.
@@ -134,6 +154,8 @@ qint64 ticksOf(const DBDATETIMEALL &record)
 void appendDateRecord(KNRowStore &rows, const unsigned char *data)
 {
     const auto record = read<DBDATETIMEALL>(data);
+    if (!isValid(record))
+        return rows.appendNull();
     KNDateTime date;
     date.ticks = ticksOf(record);
     date.parts = !record.has_time   ? KNDateTime::Parts::Date
@@ -156,6 +178,8 @@ QString fractionText(const DBDATETIMEALL &record)
 void appendDateTimeOffset(KNRowStore &rows, const unsigned char *data)
 {
     const auto record = read<DBDATETIMEALL>(data);
+    if (!isValid(record))
+        return rows.appendNull();
     KNDateTime date;
     date.ticks = ticksOf(record);
     date.fractionDigits = 0;
