@@ -2,10 +2,8 @@
 // rows, and prints the ratios. The server is a process of its own, so the processor time is the client's
 // alone.
 
-#include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "BenchmarkSupport.h"
 #include "Implementations/MSSQLDatabaseResultSet.h"
-#include "Support/SampleServerFixture.h"
 
 #include <benchmark/benchmark.h>
 #include <sybdb.h>
@@ -13,11 +11,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -47,33 +43,6 @@ Findings &findings()
     return found;
 }
 
-double residentBytes()
-{
-    std::ifstream file("/proc/self/statm");
-    double total = 0;
-    double resident = 0;
-    file >> total >> resident;
-    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
-
-VantorDBCPtr settings()
-{
-    auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
-    details->setHost(KNFormat("127.0.0.1,%d", SampleServerFixture::shared().port()));
-    details->setUsername(QString::fromLatin1(SampleServerFixture::User));
-    details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
-    return details;
-}
-
-std::unique_ptr<MSSQLClient> connectedClient()
-{
-    auto client = std::make_unique<MSSQLClient>(settings());
-    KNError error;
-    if (!client->connect(&error))
-        std::abort();
-    return client;
-}
-
 void bareLoop(benchmark::State &state)
 {
     LOGINREC *login = dblogin();
@@ -81,8 +50,7 @@ void bareLoop(benchmark::State &state)
     DBSETLPWD(login, SampleServerFixture::Password);
     DBSETLCHARSET(login, "UTF-8");
     dbsetlversion(login, DBVERSION_74);
-    DBPROCESS *handle = tdsdbopen(
-        login, KNFormat("127.0.0.1:%d", SampleServerFixture::shared().port()).toLatin1().constData(), 1);
+    DBPROCESS *handle = tdsdbopen(login, KNFormat("127.0.0.1:%d", benchmarkPort()).toLatin1().constData(), 1);
     dbloginfree(login);
     if (!handle)
         std::abort();
@@ -171,8 +139,7 @@ private:
 
 int main(int argumentCount, char **arguments)
 {
-    const std::string log = "/tmp/vantor-benchmark-" + std::to_string(getpid());
-    setenv("XDG_STATE_HOME", log.c_str(), 1);
+    keepLogsOutOfTheWay();
     benchmark::Initialize(&argumentCount, arguments);
     // The memory is measured first, on a heap that nothing has grown yet.
     benchmark::RegisterBenchmark("result set", resultSet)

@@ -11,6 +11,8 @@ bool isLineEnd(char16_t unit)
 
 bool isBlank(char16_t unit)
 {
+    if (unit < 0x80)
+        return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
     return QChar(unit).isSpace() || unit == QChar::ByteOrderMark;
 }
 
@@ -28,14 +30,17 @@ bool isHexDigit(char16_t unit)
 /// two.
 bool startsWord(char16_t unit)
 {
-    return unit == u'_' || QChar(unit).isLetter() || QChar::isSurrogate(unit);
+    if (unit < 0x80)
+        return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit == u'_';
+    return QChar(unit).isLetter() || QChar::isSurrogate(unit);
 }
 
 bool continuesWord(char16_t unit)
 {
+    if (unit < 0x80)
+        return startsWord(unit) || isASCIIDigit(unit) || unit == u'@' || unit == u'$' || unit == u'#';
     const QChar character(unit);
-    return startsWord(unit) || unit == u'@' || unit == u'$' || unit == u'#' || character.isDigit() ||
-           character.isMark();
+    return startsWord(unit) || character.isDigit() || character.isMark();
 }
 
 /// A view of the text with what lies around one place.
@@ -117,9 +122,14 @@ private:
     qsizetype m_position;
 };
 
+bool isCurrencySign(char16_t unit)
+{
+    return unit == u'$' || (unit >= 0x80 && QChar(unit).category() == QChar::Symbol_Currency);
+}
+
 bool startsNumber(const Scanner &scanner)
 {
-    const qsizetype currency = QChar(scanner.peek()).category() == QChar::Symbol_Currency ? 1 : 0;
+    const qsizetype currency = isCurrencySign(scanner.peek()) ? 1 : 0;
     return isASCIIDigit(scanner.peek(currency)) ||
            (scanner.peek(currency) == u'.' && isASCIIDigit(scanner.peek(currency + 1)));
 }
@@ -205,6 +215,9 @@ qsizetype operatorLength(const Scanner &scanner)
 {
     static constexpr char16_t Pairs[][3] = {u"<>", u"<=", u">=", u"!=", u"!<", u"!>", u"+=", u"-=",
                                             u"*=", u"/=", u"%=", u"&=", u"|=", u"^=", u"::", u"||"};
+    constexpr QStringView SecondHalves(u"=><|:");
+    if (!SecondHalves.contains(QChar(scanner.peek(1))))
+        return 1;
     for (const auto &pair : Pairs) {
         if (scanner.peek() == pair[0] && scanner.peek(1) == pair[1])
             return 2;
@@ -247,6 +260,10 @@ qsizetype SQLMetadataTokenizer::endOfToken(SQLTokenKind *kind) const
     if (isBlank(scanner.peek())) {
         *kind = SQLTokenKind::Whitespace;
         scanner.skipWhile(isBlank);
+    } else if (startsWord(scanner.peek()) && scanner.peek(1) != u'\'') {
+        *kind = SQLTokenKind::Word; // what most of a text is
+        scanner.skip(1);
+        scanner.skipWhile(continuesWord);
     } else if (skipComment(&scanner, m_options, kind) || skipQuotedPiece(&scanner, kind)) {
         // Both know their kind.
     } else if (startsNumber(scanner)) {

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <netinet/in.h>
+#include <utility>
+
 #include <poll.h>
 #include <span>
 #include <sys/socket.h>
@@ -82,10 +84,16 @@ void HostileServerRelay::relay(int client)
     std::array<pollfd, 2> pollers{{{client, POLLIN, 0}, {server.get(), POLLIN, 0}}};
     std::array<std::uint8_t, 16384> buffer;
     std::uint64_t passed = 0;
+    bool isAsking = false;
     while (server && ::poll(pollers.data(), pollers.size(), -1) >= 0) {
-        if (pollers[1].revents && !passToClient(server.get(), client, passed))
-            return;
+        if (pollers[1].revents) {
+            if (std::exchange(isAsking, false))
+                ++m_roundTrips;
+            if (!passToClient(server.get(), client, passed))
+                return;
+        }
         if (pollers[0].revents) {
+            isAsking = true;
             const auto request = receive(client, buffer);
             if (request.empty() || !sendAll(server.get(), request))
                 return;

@@ -30,6 +30,8 @@ public:
     std::uint16_t port() const;
     /// How many bytes from the server have passed, all connections together.
     std::uint64_t bytesFromServer() const { return m_bytesFromServer; }
+    /// How often a client has spoken and was answered, all connections together.
+    std::uint64_t roundTrips() const { return m_roundTrips; }
 
 private:
     void relay(int client);
@@ -39,5 +41,6 @@ private:
     Fault m_fault;
     std::uint64_t m_afterBytes;
     std::atomic<std::uint64_t> m_bytesFromServer = 0;
+    std::atomic<std::uint64_t> m_roundTrips = 0;
     std::unique_ptr<SampleServer::TcpListener> m_listener;
 };

@@ -1,0 +1,115 @@
+"""Runs every benchmark and its peers against one sample server and prints the figures as Markdown. See scripts/bench."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).parent
+sys.path.insert(0, str(HERE.parent / "Tests/SampleServer/clients"))
+
+from run_tedious import install  # noqa: E402
+from sample_server import SampleServer  # noqa: E402
+
+ROWS = int(os.environ.get("VANTOR_BENCHMARK_ROWS", "1000000"))
+SQL = f"SELECT * FROM generate_rows({ROWS})"
+INSERTS = 10_000  # single ones are slow
+
+
+def measure(command, environment, **options):
+    """Runs a program; what it printed, processor seconds, wall seconds, largest resident memory in MB."""
+    begin = time.monotonic()
+    with tempfile.TemporaryFile("w+") as output:
+        process = subprocess.Popen(command, env=environment, stdout=output, text=True, **options)
+        if process.stdin:
+            process.stdin.write(options.get("input", ""))
+        _, status, usage = os.wait4(process.pid, 0)
+        if status != 0:
+            raise RuntimeError(f"{command[0]} failed")
+        output.seek(0)
+        text = output.read(1_000_000)
+    return text, usage.ru_utime + usage.ru_stime, time.monotonic() - begin, usage.ru_maxrss / 1024
+
+
+def figure(text, label):
+    return float(re.search(rf"^{re.escape(label)}\s+([\d.]+)", text, re.MULTILINE).group(1))
+
+
+def table(head, rows):
+    print("| " + " | ".join(head) + " |")
+    print("|" + "---|" * len(head))
+    for row in rows:
+        print("| " + " | ".join(row) + " |")
+    print()
+
+
+def fetch(programs, environment, tedious):
+    text, _, _, _ = measure([programs / "fetch-benchmark"], environment)
+    bare = figure(text, "bare loop, processor time")
+
+    def row(name, seconds, memory):
+        return [name, f"{seconds:.2f} s", f"{seconds / bare:.2f}", f"{memory:.0f} MB"]
+
+    rows = [
+        [ "bare loop, nothing kept", f"{bare:.2f} s", "1.00", "" ],
+        row("Vantor, rows kept", figure(text, "result set, processor time"), figure(text, "resident memory of the result set")),
+    ]
+    with tempfile.TemporaryDirectory() as folder:
+        query = pathlib.Path(folder) / "query.sql"
+        query.write_text(f"{SQL}\nGO\n")
+        with query.open() as source:
+            _, seconds, _, memory = measure(
+                ["tsql", "-H", "127.0.0.1", "-p", environment["VANTOR_BENCHMARK_PORT"], "-U", "sa", "-P", "Sample-1"],
+                {**environment, "TDSVER": "7.4"}, stdin=source, stderr=subprocess.DEVNULL)
+        rows.append(row("FreeTDS tsql, printing", seconds, memory))
+    _, seconds, _, memory = measure(["/usr/bin/python3", HERE / "peers/pytds_fetch.py"], environment)
+    rows.append(row("python3-tds, fetchall", seconds, memory))
+    if tedious:
+        _, seconds, _, memory = measure(["node", "--max-old-space-size=8192", HERE / "peers/tedious_fetch.js"], environment)
+        rows.append(row("npm tedious, rows kept", seconds, memory))
+    print(f"### Fetching {ROWS:,} rows of nine columns\n")
+    table(["reader", "processor time", "ratio", "memory"], rows)
+    print(f"Delivered by db-lib: {figure(text, 'bytes that db-lib delivered'):.1f} MB, kept in "
+          f"{figure(text, 'ratio of memory'):.2f} times as much; first 100 rows visible after "
+          f"{figure(text, 'first 100 rows visible after'):.2f} % of the time.\n")
+
+
+def bulk_insert(programs, environment, tedious):
+    text, _, _, _ = measure([programs / "bulk-insert-benchmark"], environment)
+    ours = figure(text, "bulk insert, rows per second")
+    print(f"### Inserting {figure(text, 'bulk insert, rows'):,.0f} rows of four columns\n")
+    rows = [["Vantor bulk insert", f"{figure(text, 'bulk insert, processor time'):.1f} µs", f"{ours:,.0f}"]]
+    if tedious:
+        text, seconds, _, _ = measure(
+            ["node", HERE / "peers/tedious_insert.js"], {**environment, "VANTOR_BENCHMARK_BULK_ROWS": str(INSERTS)})
+        rows.append([f"npm tedious, single INSERTs ({INSERTS:,} rows)", f"{seconds / INSERTS * 1e6:.1f} µs",
+                     f"{float(text):,.0f}"])
+    table(["writer", "client's processor time per row", "rows per second"], rows)
+
+
+def lines(title, programs, program, environment):
+    print(f"### {title}\n")
+    text, _, _, _ = measure([programs / program], environment)
+    table(["what", "measured"], [re.split(r"\s{2,}|(?<=only)\s+", line.split(", ", 1)[1], maxsplit=1) for line in text.splitlines()])
+
+
+def main():
+    programs = HERE.parent / "build/release/bin"
+    os.environ["VANTOR_SAMPLE_SERVER"] = str(programs / "vantor-sample-server")
+    modules = HERE.parent / "build/release/Tests/SampleServer/tedious"
+    tedious = bool(shutil.which("node")) and install(modules)
+    with SampleServer() as server:
+        environment = {**os.environ, "VANTOR_BENCHMARK_PORT": str(server.port), "VANTOR_BENCHMARK_SQL": SQL,
+                       "NODE_PATH": str(modules / "node_modules")}
+        fetch(programs, environment, tedious)
+        bulk_insert(programs, environment, tedious)
+        lines("Logging in", programs, "connect-benchmark", environment)
+        lines("Splitting scripts of 100 MB", programs, "split-benchmark", environment)
+
+
+if __name__ == "__main__":
+    main()
