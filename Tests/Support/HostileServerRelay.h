@@ -3,13 +3,16 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <span>
+#include <string>
 
 namespace SampleServer {
 class TcpListener;
 }
 
 /// A relay on a free loopback port to a real server that spoils what the server says at one byte: with it a
-/// test can cut a conversation at every place. What the client says passes unharmed.
+/// test can cut a conversation at every place. What the client says passes unharmed. Keeps all that passes.
 class HostileServerRelay
 {
 public:
@@ -27,17 +30,27 @@ public:
     HostileServerRelay(const HostileServerRelay &) = delete;
     HostileServerRelay &operator=(const HostileServerRelay &) = delete;
 
+    /// Moves the place of the fault.
+    void strikeAfter(std::uint64_t bytes) { m_afterBytes = bytes; }
+
     std::uint16_t port() const;
     /// How many bytes from the server have passed, all connections together.
     std::uint64_t bytesFromServer() const { return m_bytesFromServer; }
+    /// What has passed in one direction, all connections one behind the other as it came.
+    std::string saidByClient() const;
+    std::string saidByServer() const;
 
 private:
+    void record(std::string &said, std::span<const std::uint8_t> bytes);
     void relay(int client);
     bool passToClient(int server, int client, std::uint64_t &passed);
 
     std::uint16_t m_serverPort;
     Fault m_fault;
-    std::uint64_t m_afterBytes;
+    std::atomic<std::uint64_t> m_afterBytes;
     std::atomic<std::uint64_t> m_bytesFromServer = 0;
+    mutable std::mutex m_mutex;
+    std::string m_saidByClient; ///< guarded by m_mutex
+    std::string m_saidByServer; ///< guarded by m_mutex
     std::unique_ptr<SampleServer::TcpListener> m_listener;
 };

@@ -38,6 +38,25 @@ int openEvent()
     return descriptor;
 }
 
+/// How many bytes the packet has that comes next on a socket, or the TLS record, inside of which no packet
+/// can be seen; 0 for neither.
+int lengthOfFirstUnit(int socket)
+{
+    // A packet begins with its type, its status and its length (MS-TDS 2.2.3.1), a record with its type, its
+    // version and the length of what follows (RFC 5246 6.2.1); both lengths have two bytes.
+    constexpr unsigned char ResponseType = 4;
+    constexpr unsigned char ApplicationData = 23;
+    constexpr int RecordHeaderSize = 5;
+    unsigned char header[RecordHeaderSize];
+    if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header)
+        return 0;
+    if (header[0] == ResponseType)
+        return header[2] << 8 | header[3];
+    if (header[0] == ApplicationData)
+        return RecordHeaderSize + (header[3] << 8 | header[4]);
+    return 0;
+}
+
 } // namespace
 
 MSSQLCancellation::MSSQLCancellation()
@@ -78,14 +97,9 @@ void MSSQLCancellation::waitForAnswer(int socket)
 {
     m_isPacketCut = false;
     waitFor(socket);
-    // A packet begins with its type, its status and its length in two bytes (MS-TDS 2.2.3.1). Inside TLS none
-    // of it can be seen, and whatever came counts as whole.
-    constexpr unsigned char ResponseType = 4;
-    unsigned char header[4];
-    if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header ||
-        header[0] != ResponseType)
+    int length = lengthOfFirstUnit(socket);
+    if (length == 0)
         return;
-    int length = header[2] << 8 | header[3];
     setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
     waitFor(socket);
     int available = 0;

@@ -42,7 +42,8 @@ public:
     /// Gives the connection up when the server has not answered by then. For the time of a login.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
     void clearDeadline() { m_deadline = Clock::time_point::max(); }
-    /// Waits until the first packet of an answer is there whole, a request comes or the deadline passes.
+    /// Waits until the first packet of an answer, or its first TLS record, is there whole, a request comes or
+    /// the deadline passes.
     /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
     /// it.
     void waitForAnswer(int socket);
@@ -80,7 +81,7 @@ private:
     std::atomic<bool> m_requested = false;
     std::atomic<bool> m_attentionSent = false;
     std::atomic<bool> m_readingRows = false;
-    std::atomic<bool> m_isPacketCut = false; ///< the first packet of the answer has begun and not ended
+    std::atomic<bool> m_isPacketCut = false; ///< the start of the answer has begun and not ended
     std::atomic<Clock::time_point> m_attentionTime{};
     std::atomic<Clock::time_point> m_deadline = Clock::time_point::max();
 
