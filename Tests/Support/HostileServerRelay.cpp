@@ -106,6 +106,8 @@ void HostileServerRelay::relay(int client)
         if (pollers[0].revents) {
             const auto request = receive(client, buffer);
             record(m_saidByClient, request);
+            if (m_change)
+                m_change(request);
             if (request.empty() || !sendAll(server.get(), request))
                 return;
         }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -12,7 +13,8 @@ class TcpListener;
 }
 
 /// A relay on a free loopback port to a real server that spoils what the server says at one byte: with it a
-/// test can cut a conversation at every place. What the client says passes unharmed. Keeps all that passes.
+/// test can cut a conversation at every place. What the client says passes unharmed unless a test changes it.
+/// Keeps all that passes.
 class HostileServerRelay
 {
 public:
@@ -30,6 +32,9 @@ public:
     HostileServerRelay(const HostileServerRelay &) = delete;
     HostileServerRelay &operator=(const HostileServerRelay &) = delete;
 
+    /// Lets a test change what the client says, piece by piece as it comes, on the connection's thread. To be
+    /// called before anybody connects.
+    void changeClient(std::function<void(std::span<std::uint8_t>)> change) { m_change = std::move(change); }
     /// Moves the place of the fault.
     void strikeAfter(std::uint64_t bytes) { m_afterBytes = bytes; }
 
@@ -49,6 +54,7 @@ private:
     Fault m_fault;
     std::atomic<std::uint64_t> m_afterBytes;
     std::atomic<std::uint64_t> m_bytesFromServer = 0;
+    std::function<void(std::span<std::uint8_t>)> m_change;
     mutable std::mutex m_mutex;
     std::string m_saidByClient; ///< guarded by m_mutex
     std::string m_saidByServer; ///< guarded by m_mutex

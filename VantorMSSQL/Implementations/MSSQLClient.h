@@ -101,7 +101,9 @@ private:
     bool openHandle(tds_dblib_loginrec *login, const MSSQLLoginFile &file);
     KNError loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const;
     bool resolveInstance(QString *server, KNError *error) const;
-    bool configureSession(KNError *error);
+    bool configureSession(const MSSQLEncryption &encryption, KNError *error);
+    quint64 bytesWritten() const;
+    quint64 sizeInClear(const QString &sql) const;
 
     Sent sendBatch(const QString &sql);
     bool failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);

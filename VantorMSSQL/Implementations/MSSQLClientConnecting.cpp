@@ -2,6 +2,7 @@
 #include "Foundation/KNHostCache.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
+#include "Implementations/MSSQLBytesWritten.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLClientCallbacks.h"
 #include "Implementations/MSSQLEncryptionCheck.h"
@@ -237,7 +238,7 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
         *error = loginError(*server, *encryption);
         return false;
     }
-    return configureSession(error);
+    return configureSession(*encryption, error);
 }
 
 /// Where to connect to. The address is looked up here, before all other logins wait, except where the
@@ -324,24 +325,53 @@ bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
     return true;
 }
 
-bool MSSQLClient::configureSession(KNError *error)
+bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *error)
 {
-    const MachTimer timer;
-    KNError failure;
-    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
-                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
-    executeNonQuery(
+    const QString sql =
         QStringLiteral("SET TEXTSIZE 2147483647\r\n"
                        "SET ANSI_NULLS, QUOTED_IDENTIFIER, CONCAT_NULL_YIELDS_NULL, ANSI_WARNINGS, "
-                       "ANSI_PADDING, ANSI_NULL_DFLT_ON ON"),
-        &failure);
+                       "ANSI_PADDING, ANSI_NULL_DFLT_ON ON");
+    const MachTimer timer;
+    KNError failure;
+    const quint64 before = bytesWritten();
+    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
+                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
+    executeNonQuery(sql, &failure);
     m_cancellation.clearDeadline();
     if (failure) {
+        disconnect();
         *error = failure;
+        return false;
+    }
+    if (encryption.mode == MSSQLEncryption::Mode::Require && bytesWritten() - before <= sizeInClear(sql)) {
+        disconnect();
+        *error = KNError(
+            LoginErrorDomain, EncryptionFailed,
+            QStringLiteral(
+                "The server encrypts the login alone, and this connection requires that everything is "
+                "encrypted. Someone between you and the server may be changing what they say. Nothing "
+                "of yours was sent in clear; the connection was closed."));
         return false;
     }
     KNLogHelper::sharedInstance()->logMessage("MSSQLClient::connect configure took %0.2f.", timer.seconds());
     return true;
+}
+
+quint64 MSSQLClient::bytesWritten() const
+{
+    const KNSemaphoreLocker locker(m_dbProcSemaphore);
+    return m_dbProc ? MSSQLBytesWritten(DBIOWDESC(m_dbProc)) : 0;
+}
+
+/// How many bytes a short batch has on the wire when nothing protects it. db-lib does not say whether it
+/// encrypts, and goes on in clear where a server's unprotected answer says so, whatever was required of it.
+quint64 MSSQLClient::sizeInClear(const QString &sql) const
+{
+    constexpr quint64 PacketHeader = 8;
+    constexpr quint64 TransactionHeaders = 22; // MS-TDS 2.2.5.3, from 7.2 on
+    const KNSemaphoreLocker locker(m_dbProcSemaphore);
+    const bool hasHeaders = m_dbProc && dbtds(m_dbProc) >= DBTDS_7_2;
+    return PacketHeader + (hasHeaders ? TransactionHeaders : 0) + 2 * static_cast<quint64>(sql.size());
 }
 
 QString MSSQLClient::serverTextForHost(const QString &host)

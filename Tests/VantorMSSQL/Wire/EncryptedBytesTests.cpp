@@ -150,6 +150,28 @@ TEST(EncryptedBytes, OfTheLoginAloneHideThePasswordAndNoMore)
     EXPECT_TRUE(canRead(listening.relay.saidByServer(), Result));
 }
 
+TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
+    for (int row = 0; row < 4; ++row) {
+        SCOPED_TRACE(row);
+        HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+        bool isFirst = true;
+        relay.changeClient([&](std::span<std::uint8_t> bytes) {
+            // The prelogin's second option tells where its wish about encryption stands.
+            const auto place = static_cast<std::size_t>(8 + (bytes[14] << 8 | bytes[15]));
+            if (std::exchange(isFirst, false))
+                bytes[place] = 0;
+        });
+        MSSQLClient client(encryptedSettings(relay.port()));
+        KNError error;
+        EXPECT_FALSE(client.tryConnect(row, false, &error));
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("encrypts the login alone")))
+            << error.localizedDescription().toStdString();
+        EXPECT_FALSE(client.isConnected());
+    }
+}
+
 TEST(EncryptedBytes, AreReadableWithoutEncryption)
 {
     const Listening listening("off");
