@@ -186,7 +186,9 @@ TEST(CommandLine, HelpIsNoError)
 {
     const Outcome outcome = Program({QStringLiteral("query"), QStringLiteral("--help")}).wait();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_TRUE(outcome.output.contains("--sample"));
+    for (const char *option :
+         {"--sample", "--encrypt", "--trust", "--no-host-check", "--trust-server-certificate"})
+        EXPECT_TRUE(outcome.output.contains(option)) << option;
     EXPECT_TRUE(Program({QStringLiteral("--help")}).wait().output.contains("query"));
     EXPECT_TRUE(Program({QStringLiteral("--version")}).wait().output.startsWith("vantor-cli "));
 }
