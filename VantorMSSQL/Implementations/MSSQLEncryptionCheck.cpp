@@ -78,7 +78,7 @@ public:
             const auto byte = [&](int index) { return static_cast<unsigned char>(header.at(index)); };
             m_contentLeft = std::max<qsizetype>(0, (byte(2) << 8 | byte(3)) - HeaderSize);
         }
-        const QByteArray content = readExactly(std::min(size, m_contentLeft));
+        QByteArray content = readExactly(std::min(size, m_contentLeft));
         m_contentLeft -= content.size();
         return content;
     }

@@ -29,7 +29,7 @@ ServerSettings settingsWith(TlsPolicy policy)
 
 void defineScripts()
 {
-    ScriptedEngine::define("wait", [](ResultSink &sink) { sink.waitForAttention(10 * 60 * 1000); });
+    ScriptedEngine::define("wait", [](ResultSink &sink) { sink.waitForAttention(600'000); });
     ScriptedEngine::define("wait a little", [](ResultSink &sink) { sink.waitForAttention(100); });
     ScriptedEngine::define("rows for ever", [](ResultSink &sink) {
         sink.columns({{"c", {TypeId::Int}, false}}, {});

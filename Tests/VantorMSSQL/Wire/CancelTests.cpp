@@ -38,7 +38,10 @@ public:
     {
         const auto start = Clock::now();
         KNError error;
-        EXPECT_TRUE(m_client.cancelCurrentQuery(&error)) << error.localizedDescription().toStdString();
+        // On a busy machine the first request may come before the run has begun.
+        do {
+            EXPECT_TRUE(m_client.cancelCurrentQuery(&error)) << error.localizedDescription().toStdString();
+        } while (!m_client.wasCancelled() && !m_done);
         EXPECT_TRUE(waitFor([this] { return m_done.load(); }));
         return millisecondsSince(start);
     }

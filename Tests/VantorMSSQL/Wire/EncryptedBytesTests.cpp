@@ -66,7 +66,7 @@ bool isAllRecords(std::string bytes)
 
 std::shared_ptr<MSSQLDatabaseConnectionDetails> settingsOf(quint16 port, const char *encryption)
 {
-    const auto details = encryptedSettings(port);
+    auto details = encryptedSettings(port);
     QVariantMap parameters = details->sessionParameters();
     parameters.insert(QStringLiteral("encryption"), QString::fromLatin1(encryption));
     details->setSessionParameters(parameters);
@@ -159,7 +159,7 @@ TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
         bool isFirst = true;
         relay.changeClient([&](std::span<std::uint8_t> bytes) {
             // The prelogin's second option tells where its wish about encryption stands.
-            const auto place = static_cast<std::size_t>(8 + (bytes[14] << 8 | bytes[15]));
+            const std::size_t place = std::size_t{8} + bytes[14] * 256U + bytes[15];
             if (std::exchange(isFirst, false))
                 bytes[place] = 0;
         });

@@ -270,12 +270,14 @@ TEST(TrustedCertificateFile, MayHaveAnyName)
 TEST(LoginSettings, LeaveNothingBehindInTheFolderForTemporaryFiles)
 {
     const QTemporaryDir folder;
+    const auto accepted = encryptedSettings(requiringServer().port());
+    const auto refused = encryptedSettings(SampleServerFixture::shared().port());
     qputenv("TMPDIR", folder.path().toLocal8Bit());
-    EXPECT_EQ(failureOf(encryptedSettings(requiringServer().port())), Connected);
-    EXPECT_NE(failureOf(encryptedSettings(SampleServerFixture::shared().port())), Connected);
+    EXPECT_EQ(failureOf(accepted), Connected);
+    EXPECT_NE(failureOf(refused), Connected);
     EXPECT_NE(failureOf(settings(1)), Connected);
     qputenv("TMPDIR", "/proc"); // where nobody can write
-    const std::string failure = failureOf(encryptedSettings(requiringServer().port()));
+    const std::string failure = failureOf(accepted);
     qunsetenv("TMPDIR");
     EXPECT_TRUE(says(failure, {"could not be written to the folder for temporary files"}));
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
