@@ -1,5 +1,5 @@
-// Loads 100,000 rows of four columns with bulkInsert into a temporary table. The server is a process of its own, so the
-// processor time is the client's alone.
+// Loads 100,000 rows of four columns with bulkInsert into a temporary table. The server is a process of its
+// own, so the processor time is the client's alone.
 
 #include "BenchmarkSupport.h"
 

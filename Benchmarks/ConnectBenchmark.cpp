@@ -1,5 +1,5 @@
-// Logs in again and again: with the protocol version remembered, by probing a server that knows the newest version, and
-// by probing one that knows the oldest only. A relay counts the round trips.
+// Logs in again and again: with the protocol version remembered, by probing a server that knows the newest
+// version, and by probing one that knows the oldest only. A relay counts the round trips.
 
 #include "BenchmarkSupport.h"
 #include "Support/HostileServerRelay.h"
@@ -40,7 +40,8 @@ void report(const char *what, std::uint16_t port, bool remembered)
     MSSQLClient client(remember(settingsFor(relay.port())));
     KNError error;
     client.connect(&error);
-    std::printf("login, %-28s%.2f ms, %d round trips\n", what, milliseconds, static_cast<int>(relay.roundTrips()));
+    std::printf("login, %-28s%.2f ms, %d round trips\n", what, milliseconds,
+                static_cast<int>(relay.roundTrips()));
 }
 
 } // namespace

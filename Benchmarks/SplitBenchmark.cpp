@@ -16,8 +16,8 @@ void report(const char *what, const QString &piece)
     const double begin = processorSeconds();
     const auto batches = splitter->doSplitQuery(text);
     const double seconds = processorSeconds() - begin;
-    std::printf("split, %-28s%.0f MB/s, %lld batches\n", what, static_cast<double>(text.size()) / 1e6 / seconds,
-                static_cast<long long>(batches.size()));
+    std::printf("split, %-28s%.0f MB/s, %lld batches\n", what,
+                static_cast<double>(text.size()) / 1e6 / seconds, static_cast<long long>(batches.size()));
 }
 
 } // namespace
@@ -25,12 +25,14 @@ void report(const char *what, const QString &piece)
 int main()
 {
     keepLogsOutOfTheWay();
-    report("statements", QStringLiteral("-- A row\r\nINSERT INTO [dbo].[Customers] ([CustomerID], [Name], [City]) VALUES "
-                                        "(12345, N'O''Brien & Sons', 'Dublin')\r\nGO\r\n"));
+    report("statements",
+           QStringLiteral("-- A row\r\nINSERT INTO [dbo].[Customers] ([CustomerID], [Name], [City]) VALUES "
+                          "(12345, N'O''Brien & Sons', 'Dublin')\r\nGO\r\n"));
     report("one batch", QStringLiteral("INSERT INTO [dbo].[Customers] ([CustomerID], [Name], [City]) VALUES "
                                        "(12345, N'O''Brien & Sons', 'Dublin')\r\n"));
-    report("procedures", QStringLiteral("CREATE PROCEDURE p @a int AS\r\nBEGIN\r\n  /* what it does */\r\n  SELECT a.x, "
-                                        "b.y FROM dbo.a AS a JOIN dbo.b AS b ON b.id = a.id WHERE a.n > @a * 1.5\r\n"
-                                        "END\r\nGO\r\n"));
+    report("procedures",
+           QStringLiteral("CREATE PROCEDURE p @a int AS\r\nBEGIN\r\n  /* what it does */\r\n  SELECT a.x, "
+                          "b.y FROM dbo.a AS a JOIN dbo.b AS b ON b.id = a.id WHERE a.n > @a * 1.5\r\n"
+                          "END\r\nGO\r\n"));
     return 0;
 }

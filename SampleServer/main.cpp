@@ -30,6 +30,9 @@ ServerSettings settingsFrom(const Options &options)
     settings.password = password ? password : DefaultPassword;
     settings.highestVersion = options.highestVersion;
     settings.programVersion = versionInBanner(options.versionBanner);
+    settings.tls = options.tls;
+    if (options.tls != TlsPolicy::Off)
+        settings.certificate.emplace(options.certificateFile, options.keyFile);
     return settings;
 }
 

@@ -27,15 +27,16 @@ ServerMessage error(std::int32_t number, std::uint8_t state, std::string text)
 
 Connection::Connection(Transport &transport, const ServerSettings &settings)
     : m_settings(settings)
-    , m_in(transport)
-    , m_out(transport)
+    , m_transport(transport)
+    , m_in(m_transport)
+    , m_out(m_transport)
 {
 }
 
 void Connection::run()
 {
     try {
-        LoginHandshake handshake(m_in, m_out, m_settings);
+        LoginHandshake handshake(m_transport, m_in, m_out, m_settings);
         if (auto login = handshake.authenticate()) {
             m_login = std::move(*login);
             openSession();

@@ -30,6 +30,7 @@ private:
     TdsSink makeSink(TdsSink::Request request);
 
     const ServerSettings &m_settings;
+    TlsTransport m_transport;
     PacketReader m_in;
     PacketWriter m_out;
     AcceptedLogin m_login;

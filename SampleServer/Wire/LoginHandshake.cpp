@@ -37,8 +37,10 @@ Ntlm::Challenge randomChallenge()
 
 } // namespace
 
-LoginHandshake::LoginHandshake(PacketReader &in, PacketWriter &out, const ServerSettings &settings)
-    : m_in(in)
+LoginHandshake::LoginHandshake(TlsTransport &transport, PacketReader &in, PacketWriter &out,
+                               const ServerSettings &settings)
+    : m_transport(transport)
+    , m_in(in)
     , m_out(out)
     , m_settings(settings)
 {
@@ -46,12 +48,9 @@ LoginHandshake::LoginHandshake(PacketReader &in, PacketWriter &out, const Server
 
 std::optional<AcceptedLogin> LoginHandshake::authenticate()
 {
-    m_in.setDeadline(PacketReader::Clock::now() + m_settings.loginTimeout);
-    RequestMessage message = m_in.read();
-    if (message.type == PacketType::Prelogin) {
-        answerPrelogin(message);
-        message = m_in.read();
-    }
+    const auto deadline = PacketReader::Clock::now() + m_settings.loginTimeout;
+    m_in.setDeadline(deadline);
+    const RequestMessage message = readLogin(deadline);
     if (message.type != PacketType::Login7)
         throw ProtocolError("A connection does not start with a login.");
     const Login7 login = parseLogin7(message.payload);
@@ -78,13 +77,36 @@ std::optional<AcceptedLogin> LoginHandshake::authenticate()
     return accepted;
 }
 
-void LoginHandshake::answerPrelogin(const RequestMessage &message)
+/// Agrees on encryption and reads the login under it. What follows is encrypted unless the login alone was to
+/// be.
+RequestMessage LoginHandshake::readLogin(PacketReader::Clock::time_point deadline)
 {
-    // The place where TLS comes in: it would run over the same packets, between this answer and the login.
-    const Bytes response =
-        preloginResponse(parsePrelogin(message.payload), Encryption::NotSupported, m_settings.programVersion);
+    RequestMessage message = m_in.read();
+    const Encryption agreed =
+        message.type == PacketType::Prelogin ? answerPrelogin(message) : Encryption::NotSupported;
+    if (agreed == Encryption::NotSupported) {
+        if (m_settings.tls == TlsPolicy::Require)
+            throw ProtocolError("A client that cannot encrypt is not let in.");
+        return message.type == PacketType::Prelogin ? m_in.read() : message;
+    }
+    if (m_in.hasMore())
+        throw ProtocolError("A client goes on before it knows what is encrypted.");
+    m_transport.start(*m_settings.certificate, deadline);
+    message = m_in.read();
+    if (agreed == Encryption::Off)
+        m_transport.stop();
+    return message;
+}
+
+/// Tells the client what of the connection is encrypted, which is returned.
+Encryption LoginHandshake::answerPrelogin(const RequestMessage &message)
+{
+    const Prelogin request = parsePrelogin(message.payload);
+    const Encryption answer = agreedEncryption(request.encryption, m_settings.tls);
+    const Bytes response = preloginResponse(request, answer, m_settings.programVersion);
     m_out.putBytes(response.data(), response.size());
     m_out.endMessage();
+    return request.encryption == Encryption::NotSupported ? Encryption::NotSupported : answer;
 }
 
 /// The account that has proven itself; empty after a refusal.

@@ -5,6 +5,7 @@
 #include "Wire/PacketReader.h"
 #include "Wire/PacketWriter.h"
 #include "Wire/ServerSettings.h"
+#include "Wire/TlsTransport.h"
 
 #include <optional>
 
@@ -24,7 +25,9 @@ struct AcceptedLogin
 class LoginHandshake
 {
 public:
-    LoginHandshake(PacketReader &in, PacketWriter &out, const ServerSettings &settings);
+    /// `in` and `out` work on `transport`.
+    LoginHandshake(TlsTransport &transport, PacketReader &in, PacketWriter &out,
+                   const ServerSettings &settings);
 
     /// Hears who the client is; empty when it was refused and told so. An accepted one waits for confirm().
     std::optional<AcceptedLogin> authenticate();
@@ -32,11 +35,13 @@ public:
     void confirm(const AcceptedLogin &login);
 
 private:
-    void answerPrelogin(const RequestMessage &message);
+    RequestMessage readLogin(PacketReader::Clock::time_point deadline);
+    Encryption answerPrelogin(const RequestMessage &message);
     std::optional<std::string> provenAccount(const Login7 &login, TokenWriter &tokens);
     bool authenticateNtlm(Bytes negotiate, std::string &account);
     void refuse(TokenWriter &tokens, std::string_view account, std::string_view unknownDatabase = {});
 
+    TlsTransport &m_transport;
     PacketReader &m_in;
     PacketWriter &m_out;
     const ServerSettings &m_settings;

@@ -27,6 +27,27 @@ TdsVersion versionFrom(const std::string &text)
     return *version;
 }
 
+TlsPolicy tlsPolicyFrom(const std::string &text)
+{
+    if (text == "off")
+        return TlsPolicy::Off;
+    if (text == "request")
+        return TlsPolicy::Request;
+    if (text == "require")
+        return TlsPolicy::Require;
+    throw UsageError("'" + text + "' is none of off, request and require.");
+}
+
+void requireTlsFiles(const Options &options)
+{
+    const bool hasBoth = !options.certificateFile.empty() && !options.keyFile.empty();
+    const bool hasOne = !options.certificateFile.empty() || !options.keyFile.empty();
+    if (options.tls == TlsPolicy::Off && hasOne)
+        throw UsageError("Options '--cert' and '--key' need '--tls request' or '--tls require'.");
+    if (options.tls != TlsPolicy::Off && !hasBoth)
+        throw UsageError("Option '--tls' needs a certificate and its key: --cert FILE --key FILE.");
+}
+
 } // namespace
 
 Options parseOptions(std::span<const char *const> arguments)
@@ -40,6 +61,9 @@ Options parseOptions(std::span<const char *const> arguments)
         {"--user", [&](const std::string &value) { options.user = value; }},
         {"--password-env", [&](const std::string &value) { options.passwordVariable = value; }},
         {"--tds", [&](const std::string &value) { options.highestVersion = versionFrom(value); }},
+        {"--tls", [&](const std::string &value) { options.tls = tlsPolicyFrom(value); }},
+        {"--cert", [&](const std::string &value) { options.certificateFile = value; }},
+        {"--key", [&](const std::string &value) { options.keyFile = value; }},
         {"--version-banner", [&](const std::string &value) { options.versionBanner = value; }},
     };
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
@@ -55,6 +79,8 @@ Options parseOptions(std::span<const char *const> arguments)
             throw UsageError("Option '" + std::string(name) + "' needs a value.");
         setter->second(*argument);
     }
+    if (!options.help)
+        requireTlsFiles(options);
     return options;
 }
 
@@ -74,6 +100,10 @@ T-SQL over databases in memory.
                          the password is "Sample-1" when the variable is not set
   --tds VERSION          highest protocol version offered: 7.1, 7.2, 7.3 or 7.4 (7.4); the connection of
                          a client that asks for more is closed
+  --tls MODE             off: no encryption (the default); request: what the client wants, which is the
+                         login alone when it does not care; require: everything, and who cannot is refused
+  --cert FILE            the server's certificate, PEM, which its chain may follow
+  --key FILE             the certificate's private key, PEM
   --version-banner TEXT  what @@VERSION answers; the version number in it is the server's
   --help                 print this
 )";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Wire/Prelogin.h"
 #include "Wire/TdsVersion.h"
 #include "Wire/TokenWriter.h"
 
@@ -21,6 +22,9 @@ struct Options
     std::string passwordVariable = "VANTOR_SAMPLE_PASSWORD";
     TdsVersion highestVersion = TdsVersion::V74;
     std::string versionBanner; ///< empty: the built-in one
+    TlsPolicy tls = TlsPolicy::Off;
+    std::string certificateFile; ///< PEM, as the key; both set unless `tls` is Off
+    std::string keyFile;
     bool help = false;
 };
 

@@ -29,6 +29,8 @@ public:
     /// When the client must have said what it has to say; Clock::time_point::max() for no limit.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
 
+    /// Whether bytes behind the last message have come.
+    bool hasMore() const { return buffered() > 0; }
     /// Waits for a whole message. An attention that cuts off an unfinished message is returned in its place.
     RequestMessage read();
     /// Waits at most that long for an attention packet and takes it; zero only looks. Other packets stay for

@@ -41,6 +41,22 @@ Prelogin parsePrelogin(std::span<const std::uint8_t> message)
     return prelogin;
 }
 
+Encryption agreedEncryption(Encryption asked, TlsPolicy policy)
+{
+    const bool asksForAll = asked == Encryption::On || asked == Encryption::Required;
+    switch (policy) {
+    case TlsPolicy::Off:
+        break;
+    case TlsPolicy::Request:
+        return asksForAll                 ? Encryption::On
+               : asked == Encryption::Off ? Encryption::Off
+                                          : Encryption::NotSupported;
+    case TlsPolicy::Require:
+        return asksForAll ? Encryption::On : Encryption::Required;
+    }
+    return Encryption::NotSupported;
+}
+
 Bytes preloginResponse(const Prelogin &request, Encryption encryption, const ProgramVersion &version)
 {
     std::vector<std::pair<std::uint8_t, Bytes>> options = {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Wire/Prelogin.h"
 #include "Wire/TdsVersion.h"
+#include "Wire/TlsCertificate.h"
 #include "Wire/TokenWriter.h"
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace SampleServer {
@@ -20,6 +23,8 @@ struct ServerSettings
     TdsVersion highestVersion = TdsVersion::V74;
     ProgramVersion programVersion;
     std::chrono::milliseconds loginTimeout{30'000};
+    TlsPolicy tls = TlsPolicy::Off;
+    std::optional<TlsCertificate> certificate; ///< set unless `tls` is Off
 };
 
 } // namespace SampleServer

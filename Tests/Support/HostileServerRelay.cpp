@@ -78,6 +78,24 @@ std::uint16_t HostileServerRelay::port() const
     return m_listener->port();
 }
 
+std::string HostileServerRelay::saidByClient() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_saidByClient;
+}
+
+std::string HostileServerRelay::saidByServer() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_saidByServer;
+}
+
+void HostileServerRelay::record(std::string &said, std::span<const std::uint8_t> bytes)
+{
+    const std::lock_guard lock(m_mutex);
+    said.append(bytes.begin(), bytes.end());
+}
+
 void HostileServerRelay::relay(int client)
 {
     const FileDescriptor server = connectTo(m_serverPort);
@@ -95,6 +113,9 @@ void HostileServerRelay::relay(int client)
         if (pollers[0].revents) {
             isAsking = true;
             const auto request = receive(client, buffer);
+            record(m_saidByClient, request);
+            if (m_change)
+                m_change(request);
             if (request.empty() || !sendAll(server.get(), request))
                 return;
         }
@@ -108,9 +129,10 @@ bool HostileServerRelay::passToClient(int server, int client, std::uint64_t &pas
     const auto answer = receive(server, buffer);
     if (answer.empty())
         return false;
-    const bool strikes =
-        m_fault != Fault::None && m_afterBytes < passed + answer.size() && passed <= m_afterBytes;
-    const std::size_t good = strikes ? static_cast<std::size_t>(m_afterBytes - passed) : answer.size();
+    const std::uint64_t place = m_afterBytes;
+    const bool strikes = m_fault != Fault::None && place < passed + answer.size() && passed <= place;
+    const std::size_t good = strikes ? static_cast<std::size_t>(place - passed) : answer.size();
+    record(m_saidByServer, answer);
     passed += answer.size();
     m_bytesFromServer += answer.size();
     if (strikes && m_fault == Fault::Corrupt) {

@@ -2,14 +2,19 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <span>
+#include <string>
 
 namespace SampleServer {
 class TcpListener;
 }
 
 /// A relay on a free loopback port to a real server that spoils what the server says at one byte: with it a
-/// test can cut a conversation at every place. What the client says passes unharmed.
+/// test can cut a conversation at every place. What the client says passes unharmed unless a test changes it.
+/// Keeps all that passes.
 class HostileServerRelay
 {
 public:
@@ -27,20 +32,34 @@ public:
     HostileServerRelay(const HostileServerRelay &) = delete;
     HostileServerRelay &operator=(const HostileServerRelay &) = delete;
 
+    /// Lets a test change what the client says, piece by piece as it comes, on the connection's thread. To be
+    /// called before anybody connects.
+    void changeClient(std::function<void(std::span<std::uint8_t>)> change) { m_change = std::move(change); }
+    /// Moves the place of the fault.
+    void strikeAfter(std::uint64_t bytes) { m_afterBytes = bytes; }
+
     std::uint16_t port() const;
     /// How many bytes from the server have passed, all connections together.
     std::uint64_t bytesFromServer() const { return m_bytesFromServer; }
     /// How often a client has spoken and was answered, all connections together.
     std::uint64_t roundTrips() const { return m_roundTrips; }
+    /// What has passed in one direction, all connections one behind the other as it came.
+    std::string saidByClient() const;
+    std::string saidByServer() const;
 
 private:
+    void record(std::string &said, std::span<const std::uint8_t> bytes);
     void relay(int client);
     bool passToClient(int server, int client, std::uint64_t &passed);
 
     std::uint16_t m_serverPort;
     Fault m_fault;
-    std::uint64_t m_afterBytes;
+    std::atomic<std::uint64_t> m_afterBytes;
     std::atomic<std::uint64_t> m_bytesFromServer = 0;
     std::atomic<std::uint64_t> m_roundTrips = 0;
+    std::function<void(std::span<std::uint8_t>)> m_change;
+    mutable std::mutex m_mutex;
+    std::string m_saidByClient; ///< guarded by m_mutex
+    std::string m_saidByServer; ///< guarded by m_mutex
     std::unique_ptr<SampleServer::TcpListener> m_listener;
 };

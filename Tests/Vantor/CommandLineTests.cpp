@@ -1,5 +1,6 @@
 #include "Support/PrintQt.h"
 #include "Support/SampleServerFixture.h"
+#include "Support/TestCertificates.h"
 
 #include <gtest/gtest.h>
 
@@ -231,7 +232,9 @@ TEST(CommandLine, HelpIsNoError)
 {
     const Outcome outcome = Program({QStringLiteral("query"), QStringLiteral("--help")}).wait();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_TRUE(outcome.output.contains("--sample"));
+    for (const char *option :
+         {"--sample", "--encrypt", "--trust", "--no-host-check", "--trust-server-certificate"})
+        EXPECT_TRUE(outcome.output.contains(option)) << option;
     EXPECT_TRUE(Program({QStringLiteral("--help")}).wait().output.contains("query"));
     EXPECT_TRUE(Program({QStringLiteral("--version")}).wait().output.startsWith("vantor-cli "));
 }
@@ -241,6 +244,32 @@ TEST(CommandLine, NoConnectionEndsWithStatus3)
     const Outcome outcome = query({QStringLiteral("SELECT 1")}, {}, "wrong-password");
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.errors, QByteArray("Login failed for user 'sa'. (Msg 18456, Level 14).\n"));
+}
+
+TEST(CommandLine, EncryptsAsItsOptionsSay)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
+    const auto queryWith = [&](std::initializer_list<const char *> options) {
+        QStringList arguments = {QStringLiteral("query"),
+                                 QStringLiteral("--server"),
+                                 QStringLiteral("127.0.0.1,%1").arg(server.port()),
+                                 QStringLiteral("--user"),
+                                 QStringLiteral("sa"),
+                                 QStringLiteral("--format"),
+                                 QStringLiteral("csv")};
+        for (const char *option : options)
+            arguments.append(QString::fromUtf8(option));
+        return Program(arguments + QStringList(QStringLiteral("SELECT 1 AS a"))).wait();
+    };
+    const std::string authority = TestCertificates::shared().authority();
+    EXPECT_EQ(queryWith({}).output, QByteArray("a\n1\n"));
+    EXPECT_EQ(queryWith({"--trust", authority.c_str()}).output, QByteArray("a\n1\n"));
+    EXPECT_EQ(queryWith({"--encrypt", "require", "--trust-server-certificate"}).output, QByteArray("a\n1\n"));
+    const Outcome untrusted = queryWith({"--encrypt", "require"});
+    EXPECT_EQ(untrusted.status, 3);
+    EXPECT_TRUE(untrusted.errors.contains("signed by an authority that is not trusted here"))
+        << untrusted.errors.toStdString();
+    EXPECT_EQ(queryWith({"--encrypt", "off"}).status, 3);
 }
 
 TEST(CommandLine, StartsASampleServerOfItsOwn)

@@ -39,6 +39,29 @@ TEST(QueryOptions, AreReadFromTheArguments)
     EXPECT_FALSE(options->useSampleServer);
 }
 
+TEST(QueryOptions, AboutEncryptionBecomeSessionParameters)
+{
+    const auto parametersOf = [](std::initializer_list<const char *> arguments) {
+        KNError error;
+        const auto options = parse(list({"--sample"}) + list(arguments), &error);
+        return options ? options->encryption : QVariantMap{{error.localizedDescription(), false}};
+    };
+    const auto mode = [](const char *name) {
+        return QVariantMap{{QStringLiteral("encryption"), QString::fromLatin1(name)}};
+    };
+    EXPECT_EQ(parametersOf({}), QVariantMap());
+    for (const char *name : {"off", "request", "require"})
+        EXPECT_EQ(parametersOf({"--encrypt", name}), mode(name));
+
+    QVariantMap expected = mode("require");
+    expected.insert(QStringLiteral("trustServerCertificate"), true);
+    EXPECT_EQ(parametersOf({"--trust-server-certificate"}), expected);
+    expected = mode("request");
+    expected.insert(QStringLiteral("trustedCertificateFile"), QStringLiteral("ca.pem"));
+    expected.insert(QStringLiteral("checkHostName"), false);
+    EXPECT_EQ(parametersOf({"--encrypt", "request", "--trust", "ca.pem", "--no-host-check"}), expected);
+}
+
 TEST(QueryOptions, ThatDoNotFitTogetherAreRefusedWithAReason)
 {
     const QList<QStringList> wrong = {
@@ -50,6 +73,10 @@ TEST(QueryOptions, ThatDoNotFitTogetherAreRefusedWithAReason)
         list({"--sample", "--file", "f", "SELECT 1"}),
         list({"--sample", "--login-timeout", "0"}),
         list({"--sample", "--password", "secret"}),
+        list({"--sample", "--encrypt", "perhaps"}),
+        list({"--sample", "--encrypt", "off", "--trust", "ca.pem"}),
+        list({"--sample", "--encrypt", "off", "--no-host-check"}),
+        list({"--sample", "--trust", "ca.pem", "--trust-server-certificate"}),
     };
     for (const QStringList &arguments : wrong) {
         KNError error;

@@ -65,6 +65,24 @@ TEST(ConnectionDetails, ACopyHoldsEverythingThatBelongsToTheConnection)
     EXPECT_EQ(copy->loginTimeout(), 3);
 }
 
+TEST(ConnectionDetails, EncryptionBelongsToACopyButNotToWhatMakesConnectionsTheSame)
+{
+    MSSQLDatabaseConnectionDetails plain;
+    MSSQLDatabaseConnectionDetails encrypted;
+    fill(&plain);
+    fill(&encrypted);
+    encrypted.setSessionParameters({{QStringLiteral("encryption"), QStringLiteral("require")},
+                                    {QStringLiteral("checkHostName"), false}});
+    EXPECT_TRUE(plain.isEqualToDatabaseConnectionDetails(&encrypted));
+    EXPECT_EQ(plain.description(), encrypted.description());
+    const auto copy = std::dynamic_pointer_cast<MSSQLDatabaseConnectionDetails>(encrypted.copy());
+    KNError error;
+    const auto encryption = copy->encryption(&error);
+    ASSERT_TRUE(encryption);
+    EXPECT_EQ(encryption->mode, MSSQLEncryption::Mode::Require);
+    EXPECT_FALSE(encryption->checksHostName);
+}
+
 TEST(ConnectionDetails, ACopyStillHasToProbeWhenItsOriginalHas)
 {
     const MSSQLDatabaseConnectionDetails details;

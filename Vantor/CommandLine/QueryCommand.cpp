@@ -108,7 +108,9 @@ int runQueryCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
 
     SampleServerProcess sampleServer;
     emptySettings->setDatabase(options->database);
-    emptySettings->setSessionParameters({{QStringLiteral("loginTimeout"), options->loginTimeout}});
+    QVariantMap sessionParameters = options->encryption;
+    sessionParameters.insert(QStringLiteral("loginTimeout"), options->loginTimeout);
+    emptySettings->setSessionParameters(sessionParameters);
     if (options->useSampleServer) {
         if (!sampleServer.start(&error))
             return fail(ExitNoConnection, error.localizedDescription());

@@ -10,7 +10,7 @@ namespace {
 
 const QString Domain = QStringLiteral("com.quorvex.vantor.cli");
 
-std::optional<QueryOptions> usageError(KNError *error, const QString &text)
+std::nullopt_t usageError(KNError *error, const QString &text)
 {
     *error = KNError(Domain, 0, text);
     return std::nullopt;
@@ -28,10 +28,49 @@ void addOptions(QCommandLineParser &parser)
         {text("format"), text("table (the default), csv or json."), text("format")},
         {text("file"), text("Read the SQL from a file; - is standard input."), text("file")},
         {text("login-timeout"), text("How long connecting may take; 15 when not given."), text("seconds")},
+        {text("encrypt"),
+         text("Encryption: off; request (the default: the login, when the server can); or require "
+              "(everything, "
+              "with a certificate that is verified; the default with one of the next three)."),
+         text("mode")},
+        {text("trust"),
+         text("Trust the certificates of this PEM file, and no others, to vouch for the server."),
+         text("file")},
+        {text("no-host-check"), text("Take a certificate that is for another host.")},
+        {text("trust-server-certificate"), text("Take any certificate, whoever shows it.")},
         {{text("h"), text("help")}, text("Show this help.")},
     });
     parser.addPositionalArgument(
         text("SQL"), text("The SQL to run; without it and --file, standard input is read."), text("[SQL]"));
+}
+
+/// What the arguments say about encryption, as session parameters; empty when they do not fit together.
+std::optional<QVariantMap> encryptionFrom(const QCommandLineParser &parser, KNError *error)
+{
+    const auto isSet = [&](const char *option) { return parser.isSet(QString::fromLatin1(option)); };
+    const bool saysWhomToTrust =
+        isSet("trust") || isSet("no-host-check") || isSet("trust-server-certificate");
+    QVariantMap parameters;
+    if (isSet("encrypt") || saysWhomToTrust) {
+        const QString mode =
+            isSet("encrypt") ? parser.value(QStringLiteral("encrypt")) : QStringLiteral("require");
+        if (mode != QLatin1String("off") && mode != QLatin1String("request") &&
+            mode != QLatin1String("require"))
+            return usageError(
+                error, KNFormat("\"%@\" is no kind of encryption. Use off, request or require.", mode));
+        if (mode == QLatin1String("off") && saysWhomToTrust)
+            return usageError(error, QStringLiteral("Without encryption there is no certificate to trust."));
+        parameters.insert(QStringLiteral("encryption"), mode);
+    }
+    if (isSet("trust") && isSet("trust-server-certificate"))
+        return usageError(error, QStringLiteral("Give either --trust or --trust-server-certificate."));
+    if (isSet("trust"))
+        parameters.insert(QStringLiteral("trustedCertificateFile"), parser.value(QStringLiteral("trust")));
+    if (isSet("no-host-check"))
+        parameters.insert(QStringLiteral("checkHostName"), false);
+    if (isSet("trust-server-certificate"))
+        parameters.insert(QStringLiteral("trustServerCertificate"), true);
+    return parameters;
 }
 
 } // namespace
@@ -66,6 +105,10 @@ std::optional<QueryOptions> QueryOptions::parse(const QStringList &arguments, KN
         if (options.loginTimeout <= 0)
             return usageError(error, QStringLiteral("--login-timeout takes a number of seconds from 1 on."));
     }
+    const auto encryption = encryptionFrom(parser, error);
+    if (!encryption)
+        return std::nullopt;
+    options.encryption = *encryption;
     if (options.useSampleServer == !options.server.isEmpty())
         return usageError(error, QStringLiteral("Give either --server or --sample."));
     if (!options.useSampleServer && options.user.isEmpty())

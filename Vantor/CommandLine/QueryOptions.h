@@ -18,6 +18,7 @@ struct QueryOptions
     QString file;               ///< null when not given
     std::optional<QString> sql; ///< the text itself, when it stands among the arguments
     int loginTimeout = 15;      ///< seconds
+    QVariantMap encryption;     ///< session parameters for the connection; empty for its defaults
 
     /// Reads the arguments; empty, with an error that says what is wrong, when they do not fit together.
     static std::optional<QueryOptions> parse(const QStringList &arguments, KNError *error);

@@ -38,6 +38,38 @@ int openEvent()
     return descriptor;
 }
 
+/// A packet, or a TLS record, inside of which no packet can be seen.
+struct Unit
+{
+    int length = 0;         ///< in bytes; 0 for neither
+    bool isTheLast = false; ///< a packet that ends its message
+};
+
+/// What comes next on a socket.
+Unit nextUnit(int socket)
+{
+    // A packet begins with its type, its status and its length (MS-TDS 2.2.3.1), a record with its type, its
+    // version and the length of what follows (RFC 5246 6.2.1); both lengths have two bytes.
+    constexpr unsigned char ResponseType = 4;
+    constexpr unsigned char EndOfMessage = 1;
+    constexpr unsigned char ApplicationData = 23;
+    constexpr int RecordHeaderSize = 5;
+    unsigned char header[RecordHeaderSize];
+    if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header)
+        return {};
+    if (header[0] == ResponseType)
+        return {header[2] << 8 | header[3], (header[1] & EndOfMessage) != 0};
+    if (header[0] == ApplicationData)
+        return {RecordHeaderSize + (header[3] << 8 | header[4]), false};
+    return {};
+}
+
+/// A socket counts as readable from that many bytes on.
+void setLowWaterMark(int socket, int bytes)
+{
+    setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
+}
+
 } // namespace
 
 MSSQLCancellation::MSSQLCancellation()
@@ -78,24 +110,16 @@ void MSSQLCancellation::waitForAnswer(int socket, int packetSize)
 {
     m_isStreaming = false;
     waitFor(socket);
-    // A packet begins with its type, its status and its length in two bytes (MS-TDS 2.2.3.1). Inside TLS none
-    // of it can be seen, and whatever came counts as whole.
-    constexpr unsigned char ResponseType = 4;
-    constexpr unsigned char EndOfMessage = 1;
-    unsigned char header[4];
-    if (recv(socket, header, sizeof header, MSG_PEEK | MSG_DONTWAIT) != sizeof header ||
-        header[0] != ResponseType)
+    const Unit first = nextUnit(socket);
+    if (first.length == 0)
         return;
-    int length = header[2] << 8 | header[3];
-    setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
+    setLowWaterMark(socket, first.length);
     waitFor(socket);
     int available = 0;
-    const bool isCut = ioctl(socket, FIONREAD, &available) == 0 && available < length;
+    const bool isCut = ioctl(socket, FIONREAD, &available) == 0 && available < first.length;
     // A server that has nothing to say for a while sends what it has; a full packet has more behind it.
-    const bool hasMore = !(header[1] & EndOfMessage) && length >= packetSize;
-    m_isStreaming = isCut || hasMore;
-    length = 1;
-    setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &length, sizeof length);
+    m_isStreaming = isCut || (!first.isTheLast && first.length >= packetSize);
+    setLowWaterMark(socket, 1);
 }
 
 /// Waits until the socket can be read, a request comes or the deadline passes.

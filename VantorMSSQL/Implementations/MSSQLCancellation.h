@@ -42,7 +42,8 @@ public:
     /// Gives the connection up when the server has not answered by then. For the time of a login.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
     void clearDeadline() { m_deadline = Clock::time_point::max(); }
-    /// Waits until the first packet of an answer is there whole, a request comes or the deadline passes.
+    /// Waits until the first packet of an answer, or its first TLS record, is there whole, a request comes or
+    /// the deadline passes.
     /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
     /// it. `packetSize` is what was agreed on, in bytes.
     void waitForAnswer(int socket, int packetSize);

@@ -9,7 +9,9 @@
 
 struct tds_dblib_dbprocess;
 struct tds_dblib_loginrec;
+struct MSSQLServerAddress;
 class MSSQLHandleScope;
+class MSSQLLoginFile;
 
 /// One connection to SQL Server through db-lib. The class has one header and one source file for each
 /// concern: connecting, executing, rows, values, messages.
@@ -107,9 +109,13 @@ private:
     static void initializeOnce();
 
     bool probe(bool useNTLMv2, KNError *error);
-    bool openHandle(tds_dblib_loginrec *login, const QString &server);
+    std::optional<MSSQLServerAddress> resolveServer(const MSSQLEncryption &encryption, KNError *error) const;
+    bool openHandle(tds_dblib_loginrec *login, const MSSQLLoginFile &file);
+    KNError loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const;
     bool resolveInstance(QString *server, KNError *error) const;
-    bool configureSession(KNError *error);
+    bool configureSession(const MSSQLEncryption &encryption, KNError *error);
+    quint64 bytesWritten() const;
+    quint64 sizeInClear(const QString &sql) const;
 
     bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error);

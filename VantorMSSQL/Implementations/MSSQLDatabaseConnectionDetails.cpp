@@ -63,6 +63,11 @@ int MSSQLDatabaseConnectionDetails::loginTimeout() const
     return seconds > 0 ? seconds : DefaultLoginTimeout;
 }
 
+std::optional<MSSQLEncryption> MSSQLDatabaseConnectionDetails::encryption(KNError *error) const
+{
+    return MSSQLEncryption::fromSessionParameters(m_sessionParameters, error);
+}
+
 VantorDBCPtr MSSQLDatabaseConnectionDetails::copy() const
 {
     return VantorDBCPtr(new MSSQLDatabaseConnectionDetails(*this));

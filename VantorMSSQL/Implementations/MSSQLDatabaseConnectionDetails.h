@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "Implementations/MSSQLEncryption.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 #include <optional>
@@ -33,6 +34,15 @@ public:
 
     /// Seconds that connecting may take: the session parameter "loginTimeout", 15 when it is not there.
     int loginTimeout() const;
+    /// How the connection is encrypted: the session parameters
+    /// - "encryption": "off", "request" (the default) or "require";
+    /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified;
+    ///   without one it is verified against the system's authorities when encryption is required;
+    /// - "trustServerCertificate": true to take any certificate then (false);
+    /// - "checkHostName": false to take a certificate that is for another host (true).
+    /// Empty, with an error for the user, for values that make no sense and for a file that cannot be read or
+    /// holds no certificate.
+    std::optional<MSSQLEncryption> encryption(KNError *error) const;
 
     QVariantMap sessionParameters() const override { return m_sessionParameters; }
     void setSessionParameters(const QVariantMap &parameters) override { m_sessionParameters = parameters; }

@@ -51,6 +51,23 @@ TEST(SampleServerOptions, RefuseWhatTheyDoNotKnow)
         EXPECT_THROW(parsed({"--tds", version}), UsageError) << version;
 }
 
+TEST(SampleServerOptions, TakeEncryptionOnlyWithACertificateAndItsKey)
+{
+    EXPECT_EQ(parsed({}).tls, TlsPolicy::Off);
+    EXPECT_EQ(parsed({"--tls", "off"}).tls, TlsPolicy::Off);
+    EXPECT_EQ(parsed({"--tls", "request", "--cert", "c", "--key", "k"}).tls, TlsPolicy::Request);
+    const Options options = parsed({"--key", "k", "--cert", "c", "--tls", "require"});
+    EXPECT_EQ(options.tls, TlsPolicy::Require);
+    EXPECT_EQ(options.certificateFile, "c");
+    EXPECT_EQ(options.keyFile, "k");
+    EXPECT_THROW(parsed({"--tls", "on", "--cert", "c", "--key", "k"}), UsageError);
+    EXPECT_THROW(parsed({"--tls", "request"}), UsageError);
+    EXPECT_THROW(parsed({"--tls", "require", "--cert", "c"}), UsageError);
+    EXPECT_THROW(parsed({"--tls", "require", "--key", "k"}), UsageError);
+    EXPECT_THROW(parsed({"--cert", "c", "--key", "k"}), UsageError);
+    EXPECT_TRUE(parsed({"--tls", "require", "--help"}).help);
+}
+
 TEST(SampleServerOptions, FindTheVersionInABanner)
 {
     const ProgramVersion version = versionInBanner("Microsoft SQL Server  2000 - 8.00.2039 (Intel X86)");

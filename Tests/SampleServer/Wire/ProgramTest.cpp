@@ -45,6 +45,8 @@ TEST(SampleServerProgram, PrintsItsOptionsAndRefusesOthers)
     EXPECT_EQ(exitStatusOf("--nonsense"), 2);
     EXPECT_EQ(exitStatusOf("--port none"), 2);
     EXPECT_EQ(exitStatusOf("--bind nowhere"), 1);
+    EXPECT_EQ(exitStatusOf("--tls require"), 2);
+    EXPECT_EQ(exitStatusOf("--tls require --cert /nowhere --key /nowhere"), 1);
 }
 
 TEST(SampleServerProgram, AcceptsItsDefaultPassword)

@@ -16,8 +16,10 @@ public:
     using Bytes = std::vector<std::uint8_t>;
 
     explicit WireClient(std::uint16_t port);
+    WireClient(WireClient &&) = default;
+    virtual ~WireClient() = default;
 
-    void send(const Bytes &bytes);
+    virtual void send(const Bytes &bytes);
     /// Sends a message in as many packets as it takes.
     void sendMessage(std::uint8_t type, const Bytes &payload, std::uint8_t extraStatus = 0,
                      std::size_t packetSize = 4096);
@@ -46,9 +48,10 @@ public:
     /// The start of an ERROR token's content: its number, to look for with contains().
     static Bytes number(std::int32_t number);
 
-private:
-    void readExactly(std::uint8_t *bytes, std::size_t count);
+protected:
+    virtual void readExactly(std::uint8_t *bytes, std::size_t count);
 
+private:
     SampleServer::FileDescriptor m_socket;
     int m_lastError = 0;
 };

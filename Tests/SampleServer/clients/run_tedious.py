@@ -5,8 +5,9 @@ import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 
-from sample_server import SKIPPED, SampleServer
+from sample_server import SKIPPED, SampleServer, make_certificates
 
 HERE = pathlib.Path(__file__).parent
 
@@ -20,6 +21,13 @@ def install(folder):
     return done.returncode == 0
 
 
+def run(folder, server, authority=None):
+    environment = {**os.environ, "NODE_PATH": str(folder / "node_modules"), "VANTOR_SAMPLE_PORT": str(server.port)}
+    if authority:
+        environment["VANTOR_SAMPLE_AUTHORITY"] = authority
+    return subprocess.run(["node", "--test", HERE / "tedious_test.js"], env=environment, timeout=120).returncode
+
+
 def main(folder):
     if not shutil.which("node") or not shutil.which("npm"):
         print("SKIPPED: node and npm are not there")
@@ -28,8 +36,12 @@ def main(folder):
         print("SKIPPED: npm could not install tedious (no registry?)")
         return SKIPPED
     with SampleServer() as server:
-        environment = {**os.environ, "NODE_PATH": str(folder / "node_modules"), "VANTOR_SAMPLE_PORT": str(server.port)}
-        return subprocess.run(["node", "--test", HERE / "tedious_test.js"], env=environment, timeout=240).returncode
+        status = run(folder, server)
+    with tempfile.TemporaryDirectory() as certificates:
+        make_certificates(certificates)
+        files = ["--cert", f"{certificates}/server.pem", "--key", f"{certificates}/server.key"]
+        with SampleServer("--tls", "require", *files) as server:
+            return status or run(folder, server, f"{certificates}/authority.pem")
 
 
 if __name__ == "__main__":

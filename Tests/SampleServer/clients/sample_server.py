@@ -6,6 +6,11 @@ import subprocess
 SKIPPED = 77  # what CTest takes for "could not be tried here"
 
 
+def make_certificates(folder):
+    """Puts authority.pem, server.pem and server.key, for localhost and 127.0.0.1, into the folder."""
+    subprocess.run([os.environ["VANTOR_TEST_CERTIFICATES"], folder], check=True)
+
+
 class SampleServer:
     """A server on a free loopback port: `with SampleServer() as server: server.port`."""
 

@@ -1,7 +1,9 @@
-// npm's tedious against the sample server on the port VANTOR_SAMPLE_PORT, in every protocol version.
+// npm's tedious against the sample server on the port VANTOR_SAMPLE_PORT, in every protocol version; encrypted when
+// VANTOR_SAMPLE_AUTHORITY names a certificate to trust.
 'use strict';
 
 const assert = require('node:assert/strict');
+const fs = require('node:fs');
 const test = require('node:test');
 const { Connection, Request, TYPES } = require('tedious');
 
@@ -66,11 +68,16 @@ const parameters = [
   [TYPES.UniqueIdentifier, '6F9619FF-8B86-D011-B42D-00C04FC964FF'], [TYPES.NVarChar, null], [TYPES.Int, null],
 ];
 
+const authority = process.env.VANTOR_SAMPLE_AUTHORITY;
+const encryption = authority
+  ? { encrypt: true, cryptoCredentialsDetails: { ca: fs.readFileSync(authority) } }
+  : { encrypt: false };
+
 function connect(version = '7_4', login = {}) {
   const connection = new Connection({
     server: '127.0.0.1',
     authentication: { type: 'default', options: { userName: 'sa', password: 'Sample-1', ...login } },
-    options: { port: Number(process.env.VANTOR_SAMPLE_PORT), encrypt: false, tdsVersion: version, requestTimeout: 60000 },
+    options: { port: Number(process.env.VANTOR_SAMPLE_PORT), ...encryption, tdsVersion: version, requestTimeout: 60000 },
   });
   return new Promise((resolve, reject) => {
     connection.connect((error) => (error ? reject(error) : resolve(connection)));

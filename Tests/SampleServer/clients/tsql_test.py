@@ -4,9 +4,10 @@ import os
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 
-from sample_server import SKIPPED, SampleServer
+from sample_server import SKIPPED, SampleServer, make_certificates
 
 VERSIONS = ["7.1", "7.2", "7.3", "7.4"]
 
@@ -53,13 +54,13 @@ datetime2(3) datetimeoffset(3) char(5) varchar(5) varchar(max) text nchar(5) nva
 varbinary(5) varbinary(max) image uniqueidentifier xml sql_variant""".split()
 
 
-def tsql(server, sql, version, *arguments, password=None):
+def tsql(server, sql, version, *arguments, password=None, conf=os.devnull):
     """What tsql prints for a batch, and its errors."""
     done = subprocess.run(
         ["tsql", "-H", "127.0.0.1", "-p", str(server.port), "-U", server.user,
          "-P", password or server.password, "-o", "q", *arguments],
         input=sql + "\nGO\n",
-        env={**os.environ, "TDSVER": version, "FREETDSCONF": os.devnull, "LC_ALL": "C.UTF-8", "LANG": "C.UTF-8"},
+        env={**os.environ, "TDSVER": version, "FREETDSCONF": conf, "LC_ALL": "C.UTF-8", "LANG": "C.UTF-8"},
         capture_output=True,
         text=True,
         timeout=60,
@@ -67,9 +68,9 @@ def tsql(server, sql, version, *arguments, password=None):
     return done.stdout, done.stderr
 
 
-def value(server, expression, version):
+def value(server, expression, version, conf=os.devnull):
     """The one value that a SELECT of the expression prints, after the column's name and before the count."""
-    out, err = tsql(server, f"SELECT {expression} AS answer", version)
+    out, err = tsql(server, f"SELECT {expression} AS answer", version, conf=conf)
     lines = out.split("\n")
     if "answer" not in out:
         return f"{out}{err}"
@@ -151,6 +152,58 @@ SELECT a, b FROM #sums ORDER BY a COMPUTE SUM(b), COUNT(b) BY a COMPUTE SUM(b)""
 
     def test_connects_with_the_version_left_open(self):
         self.assertEqual(value(self.server, "1", "auto"), "1")
+
+
+class EncryptedTsql(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = cls.enterClassContext(tempfile.TemporaryDirectory())
+        make_certificates(cls.folder)
+        cls.files = ["--cert", f"{cls.folder}/server.pem", "--key", f"{cls.folder}/server.key"]
+        cls.server = cls.enterClassContext(SampleServer("--tls", "require", *cls.files))
+
+    def conf(self, *lines):
+        path = f"{self.folder}/freetds.conf"
+        with open(path, "w", encoding="utf-8") as file:
+            file.write("\n".join(["[global]", *lines, ""]))
+        return path
+
+    def test_logs_in_with_every_version(self):
+        for version in VERSIONS:
+            self.assertEqual(value(self.server, "N'ж'", version), "ж")
+
+    def test_trusts_the_certificate_of_the_servers_authority(self):
+        conf = self.conf("encryption = require", f"ca file = {self.folder}/authority.pem",
+                         "check certificate hostname = yes")
+        for version in VERSIONS:
+            self.assertEqual(value(self.server, "1", version, conf), "1")
+
+    def test_does_not_trust_other_certificates(self):
+        _, err = tsql(self.server, "SELECT 1", "7.4", conf=self.conf("encryption = require", "ca file = system"))
+        self.assertIn("Adaptive Server connection failed", err)
+
+    def test_is_refused_without_encryption(self):
+        _, err = tsql(self.server, "SELECT 1", "7.4", conf=self.conf("encryption = off"))
+        self.assertIn("Adaptive Server connection failed", err)
+
+    def test_reads_long_results(self):
+        conf = self.conf("encryption = require", "text size = 2147483647")
+        out, _ = tsql(self.server, "SELECT * FROM generate_rows(50000)", "7.4", conf=conf)
+        self.assertEqual(len(out.splitlines()), 50001)
+        # tsql shows no more than so much of a value; all of it crosses the wire.
+        self.assertIn("x" * 4000, value(self.server, "REPLICATE(CAST('x' AS varchar(max)), 5000000)", "7.4", conf))
+
+    def test_encrypts_the_login_alone_when_nobody_wants_more(self):
+        with SampleServer("--tls", "request", *self.files) as server:
+            for version in VERSIONS:
+                self.assertEqual(value(server, "1", version), "1")
+                self.assertEqual(value(server, "1", version, self.conf("encryption = off")), "1")
+
+    def test_logs_in_with_ntlm(self):
+        for mode in ["require", "request"]:
+            with SampleServer("--tls", mode, *self.files) as server:
+                server.user = "DOMAIN\\sa"
+                self.assertEqual(value(server, "1", "7.4"), "1")
 
 
 if __name__ == "__main__":

@@ -8,9 +8,9 @@ using namespace WireTest;
 namespace {
 
 /// Runs batches with messages and errors and returns whatever was not this client's own.
-QStringList foreignMessagesOf(int number)
+QStringList foreignMessagesOf(int number, Protection protection)
 {
-    const auto client = connectedClient();
+    const auto client = connectedClient(sharedSettings(protection));
     const QString own = QStringLiteral("of client %1.").arg(number);
     QStringList foreign;
     for (int round = 0; round < 10; ++round) {
@@ -35,29 +35,34 @@ QStringList foreignMessagesOf(int number)
     return foreign;
 }
 
+class FiftyClients : public testing::TestWithParam<Protection>
+{
+};
+
 } // namespace
 
-TEST(FiftyClients, AtOnceNeverSeeEachOthersMessages)
+TEST_P(FiftyClients, AtOnceNeverSeeEachOthersMessages)
 {
-    SampleServerFixture::shared();
+    sharedSettings(GetParam());
     std::vector<std::thread> threads;
     std::vector<QStringList> foreign(50);
     for (int number = 0; number < 50; ++number)
-        threads.emplace_back(
-            [&foreign, number] { foreign[static_cast<std::size_t>(number)] = foreignMessagesOf(number); });
+        threads.emplace_back([&foreign, number] {
+            foreign[static_cast<std::size_t>(number)] = foreignMessagesOf(number, GetParam());
+        });
     for (std::thread &thread : threads)
         thread.join();
     for (const QStringList &texts : foreign)
         EXPECT_TRUE(texts.isEmpty()) << texts.join(QLatin1Char('|')).toStdString();
 }
 
-TEST(FiftyClients, AreCancelledAtOnceFromOtherThreads)
+TEST_P(FiftyClients, AreCancelledAtOnceFromOtherThreads)
 {
-    SampleServerFixture::shared();
+    sharedSettings(GetParam());
     std::vector<std::thread> threads;
     for (int number = 0; number < 20; ++number) {
         threads.emplace_back([] {
-            const auto client = connectedClient();
+            const auto client = connectedClient(sharedSettings(GetParam()));
             for (int round = 0; round < 5; ++round) {
                 std::thread worker([&] {
                     KNError cancelled;
@@ -77,3 +82,6 @@ TEST(FiftyClients, AreCancelledAtOnceFromOtherThreads)
     for (std::thread &thread : threads)
         thread.join();
 }
+
+INSTANTIATE_TEST_SUITE_P(Conversations, FiftyClients,
+                         testing::Values(Protection::Clear, Protection::Encrypted), protectionName);

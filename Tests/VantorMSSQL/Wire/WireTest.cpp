@@ -1,5 +1,7 @@
 #include "VantorMSSQL/Wire/WireTest.h"
 
+#include "Support/TestCertificates.h"
+
 #include <chrono>
 #include <thread>
 
@@ -12,6 +14,28 @@ std::shared_ptr<MSSQLDatabaseConnectionDetails> settings(quint16 port)
     details->setUsername(QString::fromLatin1(SampleServerFixture::User));
     details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
     return details;
+}
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails> encryptedSettings(quint16 port)
+{
+    auto details = settings(port);
+    details->setSessionParameters({{QStringLiteral("encryption"), QStringLiteral("require")},
+                                   {QStringLiteral("trustedCertificateFile"),
+                                    QString::fromStdString(TestCertificates::shared().authority())}});
+    return details;
+}
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails> sharedSettings(Protection protection)
+{
+    if (protection == Protection::Clear)
+        return settings(SampleServerFixture::shared().port());
+    static const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
+    return encryptedSettings(server.port());
+}
+
+std::string protectionName(const testing::TestParamInfo<Protection> &info)
+{
+    return info.param == Protection::Clear ? "InClear" : "Encrypted";
 }
 
 std::unique_ptr<MSSQLClient> connectedClient()

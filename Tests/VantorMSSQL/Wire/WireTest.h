@@ -12,6 +12,16 @@ namespace WireTest {
 
 /// Settings for an account of a sample server that listens on `port`.
 std::shared_ptr<MSSQLDatabaseConnectionDetails> settings(quint16 port);
+/// Whether a conversation is in clear, or encrypted as a whole.
+enum class Protection { Clear, Encrypted };
+
+/// Settings that require encryption and trust the tests' authority.
+std::shared_ptr<MSSQLDatabaseConnectionDetails> encryptedSettings(quint16 port);
+/// Settings for a shared sample server that knows no encryption, or lets nobody in without.
+std::shared_ptr<MSSQLDatabaseConnectionDetails> sharedSettings(Protection protection);
+/// For the names of parametrised tests.
+std::string protectionName(const testing::TestParamInfo<Protection> &info);
+
 /// A client of the shared sample server that is connected; fails the test otherwise.
 std::unique_ptr<MSSQLClient> connectedClient();
 std::unique_ptr<MSSQLClient> connectedClient(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &settings,

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+struct gnutls_certificate_credentials_st;
+
+namespace SampleServer {
+
+/// The certificate with which the server proves to clients who it is. Never changes; any thread.
+class TlsCertificate
+{
+public:
+    /// Reads a certificate, which its chain may follow, and its private key, both PEM.
+    /// Throws std::runtime_error when they cannot be read or do not belong together.
+    TlsCertificate(const std::string &certificateFile, const std::string &keyFile);
+
+    /// As GnuTLS wants it.
+    gnutls_certificate_credentials_st *credentials() const { return m_credentials.get(); }
+
+private:
+    std::shared_ptr<gnutls_certificate_credentials_st> m_credentials;
+};
+
+} // namespace SampleServer

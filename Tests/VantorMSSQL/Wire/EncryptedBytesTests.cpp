@@ -1,0 +1,228 @@
+#include "Support/HostileServerBytes.h"
+#include "Support/HostileServerRelay.h"
+#include "Support/TestCertificates.h"
+#include "VantorMSSQL/Wire/WireTest.h"
+
+#include <QElapsedTimer>
+
+using namespace WireTest;
+using namespace HostileServerBytes;
+
+namespace {
+
+constexpr char PreloginType = 0x12;
+constexpr char AnswerType = 4;
+
+/// What of a conversation should not be read by others.
+const QString Sql = QStringLiteral("SELECT 'result' + 'text' AS alias1, 'sqltext'");
+const QString Result = QStringLiteral("resulttext");
+
+std::string utf16(const QString &text)
+{
+    const auto size = static_cast<std::size_t>(text.size()) * 2;
+    return std::string(reinterpret_cast<const char *>(text.utf16()), size);
+}
+
+/// A password as LOGIN7 holds it, which anyone can turn back.
+std::string obfuscated(const QString &password)
+{
+    std::string bytes = utf16(password);
+    for (char &byte : bytes) {
+        const auto old = static_cast<unsigned char>(byte);
+        byte = static_cast<char>((old << 4 | old >> 4) ^ 0xA5);
+    }
+    return bytes;
+}
+
+bool canRead(const std::string &bytes, const QString &text)
+{
+    return bytes.find(text.toStdString()) != std::string::npos ||
+           bytes.find(utf16(text)) != std::string::npos;
+}
+
+bool canReadPassword(const std::string &bytes, const QString &password)
+{
+    return canRead(bytes, password) || bytes.find(obfuscated(password)) != std::string::npos;
+}
+
+/// What stands behind the packets at the start that are of this type.
+std::string behindPackets(std::string bytes, char type)
+{
+    while (bytes.size() >= 8 && bytes[0] == type)
+        bytes.erase(0, static_cast<unsigned char>(bytes[2]) << 8 | static_cast<unsigned char>(bytes[3]));
+    return bytes;
+}
+
+/// Whether the bytes are whole TLS records and nothing else.
+bool isAllRecords(std::string bytes)
+{
+    constexpr char Major = 3;
+    constexpr int FirstType = 20, LastType = 23;
+    while (bytes.size() >= 5 && bytes[0] >= FirstType && bytes[0] <= LastType && bytes[1] == Major)
+        bytes.erase(0,
+                    5 + (static_cast<unsigned char>(bytes[3]) << 8 | static_cast<unsigned char>(bytes[4])));
+    return bytes.empty();
+}
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails> settingsOf(quint16 port, const char *encryption)
+{
+    auto details = encryptedSettings(port);
+    QVariantMap parameters = details->sessionParameters();
+    parameters.insert(QStringLiteral("encryption"), QString::fromLatin1(encryption));
+    details->setSessionParameters(parameters);
+    details->setUsername(QStringLiteral("username-of-the-tests"));
+    details->setPassword(QStringLiteral("password-of-the-tests"));
+    return details;
+}
+
+/// A server that encrypts what the client wants, behind a relay.
+struct Listening
+{
+    SampleServerFixture server{{[] {
+                                    auto arguments = TestCertificates::shared().usual().arguments("request");
+                                    arguments.insert(arguments.end(), {"--user", "username-of-the-tests"});
+                                    return arguments;
+                                }(),
+                                {{"VANTOR_SAMPLE_PASSWORD", "password-of-the-tests"}}}};
+    HostileServerRelay relay{server.port(), HostileServerRelay::Fault::None, 0};
+    std::shared_ptr<MSSQLDatabaseConnectionDetails> details;
+
+    explicit Listening(const char *encryption)
+        : details(settingsOf(relay.port(), encryption))
+    {
+        EXPECT_EQ(scalar(*connectedClient(details), Sql), KNValue(Result));
+    }
+};
+
+/// Connecting to what speaks no TLS where it should must fail with a text, and in time.
+std::string failureWith(quint16 port, qint64 bound)
+{
+    const auto details = encryptedSettings(port);
+    QVariantMap parameters = details->sessionParameters();
+    parameters.insert(QStringLiteral("loginTimeout"), 1);
+    details->setSessionParameters(parameters);
+    MSSQLClient client(details);
+    KNError error;
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(client.connect(&error));
+    EXPECT_LT(timer.elapsed(), bound);
+    EXPECT_FALSE(client.isConnected());
+    EXPECT_TRUE(error);
+    return error.localizedDescription().toStdString();
+}
+
+} // namespace
+
+TEST(EncryptedBytes, AreTlsRecordsBehindTheHandshake)
+{
+    const Listening listening("require");
+    const std::string client = listening.relay.saidByClient();
+    const std::string server = listening.relay.saidByServer();
+    ASSERT_TRUE(client.starts_with(PreloginType));
+    ASSERT_TRUE(server.starts_with(AnswerType));
+    const std::string clientRest = behindPackets(client, PreloginType);
+    const std::string serverRest = behindPackets(behindPackets(server, AnswerType), PreloginType);
+    EXPECT_GT(clientRest.size(), 300U);
+    EXPECT_GT(serverRest.size(), 300U);
+    EXPECT_TRUE(isAllRecords(clientRest));
+    EXPECT_TRUE(isAllRecords(serverRest));
+}
+
+TEST(EncryptedBytes, TellNothingOfTheConversation)
+{
+    const Listening listening("require");
+    for (const std::string &bytes : {listening.relay.saidByClient(), listening.relay.saidByServer()}) {
+        for (const QString &text : {listening.details->username(), Sql, Result, QStringLiteral("sqltext"),
+                                    QStringLiteral("alias1"), QStringLiteral("TEXTSIZE")})
+            EXPECT_FALSE(canRead(bytes, text)) << text.toStdString();
+        EXPECT_FALSE(canReadPassword(bytes, listening.details->password()));
+    }
+}
+
+TEST(EncryptedBytes, OfTheLoginAloneHideThePasswordAndNoMore)
+{
+    const Listening listening("request");
+    const std::string client = listening.relay.saidByClient();
+    EXPECT_FALSE(canReadPassword(client, listening.details->password()));
+    EXPECT_FALSE(canRead(client, listening.details->username()));
+    EXPECT_TRUE(canRead(client, Sql));
+    EXPECT_TRUE(canRead(listening.relay.saidByServer(), Result));
+}
+
+TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
+    for (int row = 0; row < 4; ++row) {
+        SCOPED_TRACE(row);
+        HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+        bool isFirst = true;
+        relay.changeClient([&](std::span<std::uint8_t> bytes) {
+            // The prelogin's second option tells where its wish about encryption stands.
+            const std::size_t place = std::size_t{8} + bytes[14] * 256U + bytes[15];
+            if (std::exchange(isFirst, false))
+                bytes[place] = 0;
+        });
+        MSSQLClient client(encryptedSettings(relay.port()));
+        KNError error;
+        EXPECT_FALSE(client.tryConnect(row, false, &error));
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("encrypts the login alone")))
+            << error.localizedDescription().toStdString();
+        EXPECT_FALSE(client.isConnected());
+    }
+}
+
+TEST(EncryptedBytes, AreReadableWithoutEncryption)
+{
+    const Listening listening("off");
+    EXPECT_TRUE(canReadPassword(listening.relay.saidByClient(), listening.details->password()));
+    EXPECT_TRUE(canRead(listening.relay.saidByClient(), listening.details->username()));
+}
+
+TEST(CutHandshake, EndsWithAnErrorWhereverItIsCut)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
+    for (const auto fault : {HostileServerRelay::Fault::Close, HostileServerRelay::Fault::Reset}) {
+        for (std::uint64_t at = 0; at < 1100; at += 50) {
+            SCOPED_TRACE(at);
+            const HostileServerRelay relay(server.port(), fault, at);
+            failureWith(relay.port(), 10'000);
+        }
+    }
+}
+
+TEST(CutHandshake, ThatFallsSilentEndsInTime)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
+    for (const std::uint64_t at : {0, 100, 700}) {
+        SCOPED_TRACE(at);
+        const HostileServerRelay relay(server.port(), HostileServerRelay::Fault::Stall, at);
+        const std::string failure = failureWith(relay.port(), 8000);
+        EXPECT_NE(failure.find(at == 0 ? "then said nothing" : "did not finish the TLS handshake in time"),
+                  std::string::npos)
+            << failure;
+    }
+}
+
+TEST(SpoiledHandshake, IsAnErrorThatSaysSo)
+{
+    const Bytes garbage(600, 0x5A);
+    for (const Bytes &answer : {packet(garbage), garbage, packet({}), Bytes{}}) {
+        HostileServer server({HostileServer::expect(PreloginPacket),
+                              HostileServer::send(packet(preloginAnswer(1))),
+                              HostileServer::expect(PreloginPacket), HostileServer::send(answer)});
+        const std::string failure = failureWith(server.port(), 8000);
+        EXPECT_NE(failure.find("The TLS handshake with the server failed"), std::string::npos) << failure;
+    }
+}
+
+TEST(SpoiledHandshake, WithAByteChangedNeverLogsIn)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
+    for (std::uint64_t at = 60; at < 600; at += 20) {
+        SCOPED_TRACE(at);
+        // Behind the prelogin and the header of the packet that holds the server's first say.
+        const HostileServerRelay relay(server.port(), HostileServerRelay::Fault::Corrupt, at);
+        failureWith(relay.port(), 10'000);
+    }
+}

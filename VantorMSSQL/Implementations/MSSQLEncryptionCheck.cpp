@@ -1,0 +1,253 @@
+#include "Implementations/MSSQLEncryptionCheck.h"
+
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNHostCache.h"
+#include "Implementations/MSSQLCertificateText.h"
+
+#include <QDeadlineTimer>
+#include <QNetworkProxy>
+#include <QTcpSocket>
+
+#include <gnutls/gnutls.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+using Mode = MSSQLEncryption::Mode;
+
+constexpr qsizetype HeaderSize = 8;
+constexpr char PreloginPacket = 0x12;
+constexpr char EndOfMessage = 1;
+constexpr char EncryptionOption = 1;
+constexpr char LastOption = '\xFF';
+
+/// What client and server say about encryption.
+enum Answer : char { EncryptLogin = 0, EncryptAll = 1, CannotEncrypt = 2, MustEncrypt = 3 };
+
+char wishFor(Mode mode)
+{
+    return mode == Mode::Off ? CannotEncrypt : mode == Mode::Require ? EncryptAll : EncryptLogin;
+}
+
+/// A socket that says and hears PRELOGIN packets before a deadline.
+class PreloginSocket
+{
+public:
+    explicit PreloginSocket(std::chrono::milliseconds timeout)
+        : m_deadline(timeout)
+    {
+        m_socket.setProxy(QNetworkProxy::NoProxy);
+    }
+
+    bool connect(const QString &host, quint16 port)
+    {
+        m_socket.connectToHost(KNHostCache::sharedInstance()->cachedIPAddressForHost(host), port);
+        return m_socket.waitForConnected(remaining());
+    }
+    bool hasTimedOut() const { return m_deadline.hasExpired(); }
+
+    bool sendPacket(const QByteArray &content)
+    {
+        const auto length = HeaderSize + content.size();
+        const char header[HeaderSize] = {PreloginPacket,
+                                         EndOfMessage,
+                                         static_cast<char>(length >> 8),
+                                         static_cast<char>(length),
+                                         0,
+                                         0,
+                                         0,
+                                         0};
+        m_socket.write(header, HeaderSize);
+        m_socket.write(content);
+        while (m_socket.bytesToWrite() > 0) {
+            if (!m_socket.waitForBytesWritten(remaining()))
+                return false;
+        }
+        return true;
+    }
+
+    /// At most `size` bytes of the content of the server's packets; nothing when it ends or the time is over.
+    QByteArray readContent(qsizetype size)
+    {
+        while (m_contentLeft == 0) {
+            const QByteArray header = readExactly(HeaderSize);
+            if (header.isEmpty() || hasTimedOut())
+                return QByteArray();
+            const auto byte = [&](int index) { return static_cast<unsigned char>(header.at(index)); };
+            m_contentLeft = std::max<qsizetype>(0, (byte(2) << 8 | byte(3)) - HeaderSize);
+        }
+        QByteArray content = readExactly(std::min(size, m_contentLeft));
+        m_contentLeft -= content.size();
+        return content;
+    }
+    /// The rest of the packet that was begun, or the whole next one.
+    QByteArray readPacket() { return readContent(std::numeric_limits<qsizetype>::max()); }
+
+private:
+    int remaining() const { return static_cast<int>(m_deadline.remainingTime()); }
+
+    QByteArray readExactly(qsizetype size)
+    {
+        while (m_socket.bytesAvailable() < size) {
+            if (!m_socket.waitForReadyRead(remaining()))
+                return QByteArray();
+        }
+        return m_socket.read(size);
+    }
+
+    const QDeadlineTimer m_deadline;
+    QTcpSocket m_socket;
+    qsizetype m_contentLeft = 0;
+};
+
+QByteArray preloginAsking(char encryption)
+{
+    constexpr char VersionOption = 0;
+    const char message[] = {
+        VersionOption, 0, 11, 0, 6, EncryptionOption, 0, 17, 0, 1, LastOption, 0, 0, 0, 0, 0, 0, encryption};
+    return QByteArray(message, sizeof message);
+}
+
+/// What a prelogin answers about encryption; empty when it does not.
+std::optional<char> encryptionIn(const QByteArray &prelogin)
+{
+    constexpr qsizetype OptionSize = 5;
+    for (qsizetype at = 0; at + OptionSize <= prelogin.size() && prelogin.at(at) != LastOption;
+         at += OptionSize) {
+        const qsizetype content = static_cast<unsigned char>(prelogin.at(at + 1)) << 8 |
+                                  static_cast<unsigned char>(prelogin.at(at + 2));
+        if (prelogin.at(at) == EncryptionOption && content < prelogin.size())
+            return prelogin.at(content);
+    }
+    return std::nullopt;
+}
+
+/// A TLS session over the packets of a socket.
+class Handshake
+{
+public:
+    Handshake(PreloginSocket &socket, const MSSQLEncryption &encryption)
+        : m_socket(socket)
+    {
+        gnutls_certificate_allocate_credentials(&m_credentials);
+        if (!encryption.trustedCertificateFile.isNull())
+            gnutls_certificate_set_x509_trust_file(
+                m_credentials, encryption.trustedCertificateFile.toLocal8Bit().constData(),
+                GNUTLS_X509_FMT_PEM);
+        else if (encryption.verifiesCertificate)
+            gnutls_certificate_set_x509_system_trust(m_credentials);
+        gnutls_init(&m_session, GNUTLS_CLIENT);
+        // The newest version that goes with a handshake inside of packets.
+        gnutls_priority_set_direct(m_session, "NORMAL:-VERS-ALL:+VERS-TLS1.2:+VERS-TLS1.1:+VERS-TLS1.0",
+                                   nullptr);
+        gnutls_credentials_set(m_session, GNUTLS_CRD_CERTIFICATE, m_credentials);
+        gnutls_transport_set_ptr(m_session, this);
+        gnutls_transport_set_pull_function(m_session, pull);
+        gnutls_transport_set_push_function(m_session, push);
+    }
+    ~Handshake()
+    {
+        gnutls_deinit(m_session);
+        gnutls_certificate_free_credentials(m_credentials);
+    }
+    Handshake(const Handshake &) = delete;
+    Handshake &operator=(const Handshake &) = delete;
+
+    gnutls_session_t session() const { return m_session; }
+
+    /// GnuTLS's result.
+    int run()
+    {
+        int result = 0;
+        do {
+            result = gnutls_handshake(m_session);
+            flush();
+        } while (result < 0 && !gnutls_error_is_fatal(result));
+        return result;
+    }
+
+private:
+    /// Sends what GnuTLS has said before it waits for an answer.
+    bool flush()
+    {
+        const bool sent = m_written.isEmpty() || m_socket.sendPacket(m_written);
+        m_written.clear();
+        return sent;
+    }
+    static ssize_t pull(void *self, void *data, size_t size)
+    {
+        auto *const handshake = static_cast<Handshake *>(self);
+        const QByteArray content =
+            handshake->flush() ? handshake->m_socket.readContent(static_cast<qsizetype>(size)) : QByteArray();
+        std::copy(content.begin(), content.end(), static_cast<char *>(data));
+        return content.size();
+    }
+    static ssize_t push(void *self, const void *data, size_t size)
+    {
+        static_cast<Handshake *>(self)->m_written.append(static_cast<const char *>(data),
+                                                         static_cast<qsizetype>(size));
+        return static_cast<ssize_t>(size);
+    }
+
+    PreloginSocket &m_socket;
+    gnutls_certificate_credentials_t m_credentials = nullptr;
+    gnutls_session_t m_session = nullptr;
+    QByteArray m_written;
+};
+
+/// What the server shows in a handshake, measured by the settings.
+QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption)
+{
+    Handshake handshake(socket, encryption);
+    if (const int result = handshake.run(); result != GNUTLS_E_SUCCESS) {
+        if (socket.hasTimedOut())
+            return QStringLiteral(
+                "The server did not finish the TLS handshake in time. Check that the port is "
+                "SQL Server's, or allow more time for connecting.");
+        return KNFormat("The TLS handshake with the server failed: %@ The server may only speak versions of "
+                        "TLS or ciphers that are not accepted any more, or may be none that speaks TLS here.",
+                        gnutls_strerror(result));
+    }
+    if (!encryption.verifiesCertificate)
+        return QString();
+    const QByteArray name = host.toUtf8();
+    unsigned status = 0;
+    const int result = gnutls_certificate_verify_peers3(
+        handshake.session(), encryption.checksHostName ? name.constData() : nullptr, &status);
+    if (result != GNUTLS_E_SUCCESS)
+        return KNFormat("The server's certificate could not be verified: %@", gnutls_strerror(result));
+    return MSSQLCertificateText(handshake.session(), status, host);
+}
+
+} // namespace
+
+QString MSSQLEncryptionProblem(const QString &host, quint16 port, const MSSQLEncryption &encryption,
+                               std::chrono::milliseconds timeout)
+{
+    PreloginSocket socket(timeout);
+    if (!socket.connect(host, port) || !socket.sendPacket(preloginAsking(wishFor(encryption.mode))))
+        return QString();
+    const QByteArray answer = socket.readPacket();
+    if (answer.isEmpty())
+        return socket.hasTimedOut()
+                   ? QStringLiteral(
+                         "The server took the connection and then said nothing. Check that the port "
+                         "is SQL Server's, or allow more time for connecting.")
+                   : QString();
+    const char agreed = encryptionIn(answer).value_or(CannotEncrypt);
+    if (encryption.mode == Mode::Off)
+        return agreed == MustEncrypt
+                   ? QStringLiteral("The server lets nobody in without encryption. Set the connection's "
+                                    "encryption to request or require.")
+                   : QString();
+    if (agreed != CannotEncrypt)
+        return handshakeProblem(socket, host, encryption);
+    if (encryption.mode != Mode::Require)
+        return QString();
+    return QStringLiteral(
+        "The server does not offer encryption, which this connection requires. Turn it on at "
+        "the server; or set the connection's encryption to request if nobody can listen on "
+        "the way.");
+}
