@@ -5,7 +5,7 @@ SELECT
     CASE WHEN d.uses_quoted_identifier = 1 THEN N'SET QUOTED_IDENTIFIER ON' ELSE N'SET QUOTED_IDENTIFIER OFF' END
         AS quoted_identifier,
     REPLACE(
-        REPLACE(d.definition, N'CREATE   PROC', N'CREATE PROC'),
+        REPLACE(d.definition COLLATE Latin1_General_CI_AS, N'CREATE   PROC', N'CREATE PROC'),
         N'CREATE PROC ',
         N'CREATE PROCEDURE '
     ) AS definition

@@ -7,7 +7,7 @@ SELECT TOP (1)
         WHEN m.definition IS NULL
             THEN N'-- The definition of view ' + QUOTENAME(s.name) + N'.' + QUOTENAME(v.name)
                 + N' is encrypted or may not be seen by this login.'
-        ELSE REPLACE(m.definition, N'CREATE   VIEW', N'CREATE VIEW')
+        ELSE REPLACE(m.definition COLLATE Latin1_General_CI_AS, N'CREATE   VIEW', N'CREATE VIEW')
     END AS definition
 FROM sys.views AS v
 INNER JOIN sys.schemas AS s ON s.schema_id = v.schema_id
