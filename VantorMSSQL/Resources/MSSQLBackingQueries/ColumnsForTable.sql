@@ -1,11 +1,12 @@
--- type_name is ready for a statement: it carries precision and scale, and a user's type carries its schema. max_length
--- (in bytes, -1 for max) is given only where a length belongs behind the type's name.
+-- type_name is ready for a statement: it carries precision and scale, and a user's type carries its schema.
+-- max_length (in bytes, -1 for max) is given only where a length belongs behind the type's name.
 SELECT
     c.name AS column_name,
     CASE
         WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
         WHEN c.type_name IN (N'decimal', N'numeric')
-            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision]) + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                + N',' + CONVERT(nvarchar(10), c.scale) + N')'
         WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
             THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
         ELSE c.type_name

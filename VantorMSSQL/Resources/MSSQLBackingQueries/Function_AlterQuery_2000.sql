@@ -1,5 +1,5 @@
--- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext. An
--- encrypted function gives no row.
+-- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext.
+-- An encrypted function gives no row.
 DECLARE @nocount int
 DECLARE @id int
 DECLARE @number int

@@ -1,5 +1,5 @@
--- Tables and views. columnType carries precision and scale; dataSize (in bytes, -1 for max) is given only where a length
--- belongs behind the type's name.
+-- Tables and views. columnType carries precision and scale; dataSize (in bytes, -1 for max) is given only where a
+-- length belongs behind the type's name.
 SELECT
     c.schema_name AS schemaName,
     c.table_name AS tableName,
@@ -7,7 +7,8 @@ SELECT
     CASE
         WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
         WHEN c.type_name IN (N'decimal', N'numeric')
-            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision]) + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                + N',' + CONVERT(nvarchar(10), c.scale) + N')'
         WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
             THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
         ELSE c.type_name

@@ -5,7 +5,8 @@ SELECT
     CASE
         WHEN p.is_user_defined = 1 THEN QUOTENAME(p.type_schema) + N'.' + QUOTENAME(p.type_name)
         WHEN p.type_name IN (N'decimal', N'numeric')
-            THEN p.type_name + N'(' + CONVERT(nvarchar(10), p.[precision]) + N',' + CONVERT(nvarchar(10), p.scale) + N')'
+            THEN p.type_name + N'(' + CONVERT(nvarchar(10), p.[precision])
+                + N',' + CONVERT(nvarchar(10), p.scale) + N')'
         WHEN p.type_name IN (N'time', N'datetime2', N'datetimeoffset')
             THEN p.type_name + N'(' + CONVERT(nvarchar(10), p.scale) + N')'
         WHEN p.type_name NOT IN (N'char', N'varchar', N'nchar', N'nvarchar', N'binary', N'varbinary') THEN p.type_name

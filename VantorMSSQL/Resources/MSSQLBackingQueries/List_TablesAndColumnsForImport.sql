@@ -6,7 +6,8 @@ SELECT
     CASE
         WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
         WHEN c.type_name IN (N'decimal', N'numeric')
-            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision]) + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                + N',' + CONVERT(nvarchar(10), c.scale) + N')'
         WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
             THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
         WHEN c.type_name NOT IN (N'char', N'varchar', N'nchar', N'nvarchar', N'binary', N'varbinary') THEN c.type_name

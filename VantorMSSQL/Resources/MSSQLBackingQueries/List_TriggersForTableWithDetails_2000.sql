@@ -1,5 +1,5 @@
--- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext. It
--- is NULL when the trigger is encrypted.
+-- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext.
+-- It is NULL when the trigger is encrypted.
 DECLARE @nocount int
 DECLARE @id int
 DECLARE @chunk int

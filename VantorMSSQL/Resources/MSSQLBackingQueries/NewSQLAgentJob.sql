@@ -1,5 +1,5 @@
--- A job with one T-SQL step that runs every night at two. Put in names, database and command, then run. Either all of it
--- is made or nothing.
+-- A job with one T-SQL step that runs every night at two. Put in names, database and command, then run. Either all of
+-- it is made or nothing.
 DECLARE @JobId uniqueidentifier;
 DECLARE @Owner nvarchar(128);
 DECLARE @Result int;

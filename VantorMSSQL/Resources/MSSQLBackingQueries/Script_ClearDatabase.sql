@@ -84,6 +84,12 @@ FROM (
 		AND o.parent_object_id = 0
 ) AS d
 WHERE d.kind IS NOT NULL
+	AND NOT EXISTS (
+		SELECT 1
+		FROM @todo AS x
+		WHERE x.statement = N'DROP EXTERNAL TABLE ' + QUOTENAME(d.schema_name) + N'.'
+			+ QUOTENAME(d.object_name) COLLATE DATABASE_DEFAULT
+	)
 ORDER BY d.wave
 
 INSERT INTO @todo (statement)

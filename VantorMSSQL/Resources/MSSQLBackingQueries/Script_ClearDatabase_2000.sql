@@ -1,6 +1,6 @@
--- DROPS EVERY USER OBJECT OF THE CURRENT DATABASE, WITH ALL DATA. There is no way back but a backup.
--- In this order: foreign keys, check constraints, then views, procedures, functions, tables, rules, defaults and types.
--- What still depends on another object says so in a message and is tried again after the others. Users and roles stay.
+-- DROPS EVERY USER OBJECT OF THE CURRENT DATABASE, WITH ALL DATA. There is no way back but a backup. In this order:
+-- foreign keys, check constraints, then views, procedures, functions, tables, rules, defaults and types. What still
+-- depends on another object says so in a message and is tried again after the others. Users and roles stay.
 SET NOCOUNT ON
 
 IF DB_NAME() IN (N'master', N'model', N'msdb', N'tempdb')

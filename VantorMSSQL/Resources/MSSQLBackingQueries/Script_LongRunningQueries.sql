@@ -1,5 +1,5 @@
--- The hundred statements of the plan cache that took longest on average, with what they cost. A plan that left the cache
--- took its figures along. Needs VIEW SERVER STATE (on Azure VIEW DATABASE STATE).
+-- The hundred statements of the plan cache that took longest on average, with what they cost. A plan that left the
+-- cache took its figures along. Needs VIEW SERVER STATE (on Azure VIEW DATABASE STATE).
 SELECT TOP (100)
 	q.execution_count,
 	q.total_elapsed_time / q.execution_count / 1000 AS average_elapsed_ms,

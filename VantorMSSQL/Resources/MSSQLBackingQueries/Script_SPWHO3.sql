@@ -1,5 +1,6 @@
--- Who is connected, what runs and who waits for whom: sp_who with the statement at hand. Blocked sessions come first, then
--- working ones by their time. Without VIEW SERVER STATE (on Azure VIEW DATABASE STATE) only your own session is shown.
+-- Who is connected, what runs and who waits for whom: sp_who with the statement at hand. Blocked sessions come first,
+-- then working ones by their time. Without VIEW SERVER STATE (on Azure VIEW DATABASE STATE) only your own session is
+-- shown.
 SELECT
 	s.session_id,
 	CASE WHEN r.blocking_session_id > 0 THEN r.blocking_session_id END AS blocked_by,

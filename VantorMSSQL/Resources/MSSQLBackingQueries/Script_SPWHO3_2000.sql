@@ -1,4 +1,5 @@
--- Who is connected, what runs and who waits for whom: sp_who with waits, load and idle time. Blocked sessions come first.
+-- Who is connected, what runs and who waits for whom: sp_who with waits, load and idle time. Blocked sessions come
+-- first.
 SELECT
 	p.spid AS session_id,
 	CASE WHEN p.blocked > 0 AND p.blocked <> p.spid THEN p.blocked END AS blocked_by,

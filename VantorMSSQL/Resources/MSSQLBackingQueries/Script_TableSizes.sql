@@ -1,4 +1,5 @@
--- Rows and space of every user table, the largest first. Row data, index pages and free pages add up to what is reserved.
+-- Rows and space of every user table, the largest first. Row data, index pages and free pages add up to what is
+-- reserved.
 SELECT
 	s.name AS schema_name,
 	t.name AS table_name,

@@ -1,5 +1,5 @@
--- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext. Numbered
--- procedures come one per row. An encrypted one gives no row.
+-- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext.
+-- Numbered procedures come one per row. An encrypted one gives no row.
 DECLARE @nocount int
 DECLARE @id int
 DECLARE @number int

@@ -1,7 +1,7 @@
--- Scripts one table with its constraints, indexes and triggers, in one cell. The pieces are collected in their order and
--- joined at the end. Nothing of the text depends on ids or on names that the server made up, so that a table made by the
--- script is scripted alike. What 2005 does not have is asked for by COLUMNPROPERTY, which answers NULL there, or in
--- dynamic SQL behind a look into sys.all_columns.
+-- Scripts one table with its constraints, indexes and triggers, in one cell. The pieces are collected in their order
+-- and joined at the end. Nothing of the text depends on ids or on names that the server made up, so that a table made
+-- by the script is scripted alike. What 2005 does not have is asked for by COLUMNPROPERTY, which answers NULL there,
+-- or in dynamic SQL behind a look into sys.all_columns.
 DECLARE @nocount int
 DECLARE @table int
 DECLARE @target nvarchar(600)
@@ -26,7 +26,7 @@ DECLARE @piece TABLE (
 )
 DECLARE @mask TABLE (
     column_id int NOT NULL PRIMARY KEY,
-    masking_function nvarchar(4000) NULL
+    function_text nvarchar(4000) NULL
 )
 DECLARE @filestream TABLE (
     column_id int NOT NULL PRIMARY KEY
@@ -80,7 +80,7 @@ WHERE s.name = N'{TABLE_SCHEMA}'
 
 -- What newer servers know beside.
 IF OBJECT_ID(N'sys.masked_columns') IS NOT NULL
-    INSERT INTO @mask (column_id, masking_function)
+    INSERT INTO @mask (column_id, function_text)
     EXEC sp_executesql N'
         SELECT m.column_id, m.masking_function
         FROM sys.masked_columns AS m
@@ -326,7 +326,7 @@ SELECT
                 WHEN COLUMNPROPERTY(@table, c.name, N'IsColumnSet') = 1 THEN N' COLUMN_SET FOR ALL_SPARSE_COLUMNS'
                 ELSE N''
             END
-            + ISNULL(N' MASKED WITH (FUNCTION = ''' + REPLACE(m.masking_function, N'''', N'''''') + N''')', N'')
+            + ISNULL(N' MASKED WITH (FUNCTION = ''' + REPLACE(m.function_text, N'''', N'''''') + N''')', N'')
             + CASE
                 WHEN ident.column_id IS NULL THEN N''
                 ELSE N' IDENTITY(' + CONVERT(nvarchar(40), CONVERT(decimal(38,0), ident.seed_value))
@@ -450,7 +450,8 @@ SELECT
     END
 FROM (
     SELECT
-        CASE WHEN cc.is_system_named = 1 AND cc.is_disabled = 0 THEN NULL ELSE cc.name END COLLATE DATABASE_DEFAULT AS shown_name,
+        CASE WHEN cc.is_system_named = 1 AND cc.is_disabled = 0 THEN NULL ELSE cc.name END COLLATE DATABASE_DEFAULT
+            AS shown_name,
         cc.is_not_trusted,
         cc.is_not_for_replication,
         cc.is_disabled,
@@ -465,7 +466,8 @@ SELECT
     N'ALTER TABLE ' + @target + CASE WHEN k.is_not_trusted = 1 THEN N' WITH NOCHECK' ELSE N' WITH CHECK' END + N' ADD '
     + ISNULL(N'CONSTRAINT ' + QUOTENAME(k.shown_name) + N' ', N'')
     + N'FOREIGN KEY (' + x.local_columns + N') REFERENCES '
-    + ISNULL(QUOTENAME(rs.name) + N'.' + QUOTENAME(rt.name), @hidden) COLLATE DATABASE_DEFAULT + N' (' + x.referenced_columns + N')'
+    + ISNULL(QUOTENAME(rs.name) + N'.' + QUOTENAME(rt.name), @hidden) COLLATE DATABASE_DEFAULT
+    + N' (' + x.referenced_columns + N')'
     + CASE k.delete_referential_action
         WHEN 1 THEN N' ON DELETE CASCADE'
         WHEN 2 THEN N' ON DELETE SET NULL'
@@ -487,7 +489,8 @@ SELECT
 FROM (
     SELECT
         f.object_id,
-        CASE WHEN f.is_system_named = 1 AND f.is_disabled = 0 THEN NULL ELSE f.name END COLLATE DATABASE_DEFAULT AS shown_name,
+        CASE WHEN f.is_system_named = 1 AND f.is_disabled = 0 THEN NULL ELSE f.name END COLLATE DATABASE_DEFAULT
+            AS shown_name,
         f.referenced_object_id,
         f.is_not_trusted,
         f.is_not_for_replication,

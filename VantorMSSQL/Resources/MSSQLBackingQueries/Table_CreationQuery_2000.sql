@@ -1,5 +1,6 @@
--- Scripts one table with its constraints, indexes and triggers, in one cell. No variable can hold so long a text here:
--- the pieces are collected in their order, definitions in the chunks that syscomments has, and appended to an ntext.
+-- Scripts one table with its constraints, indexes and triggers, in one cell. No variable can hold so long a text
+-- here: the pieces are collected in their order, definitions in the chunks that syscomments has, and appended to an
+-- ntext.
 DECLARE @nocount int
 DECLARE @table int
 DECLARE @target nvarchar(600)
@@ -133,7 +134,8 @@ FROM (
                 + CASE
                     WHEN t.xusertype > 256 THEN QUOTENAME(tu.name) + N'.' + QUOTENAME(t.name)
                     WHEN t.name IN (N'decimal', N'numeric')
-                        THEN t.name + N'(' + CONVERT(nvarchar(10), c.xprec) + N',' + CONVERT(nvarchar(10), c.xscale) + N')'
+                        THEN t.name + N'(' + CONVERT(nvarchar(10), c.xprec)
+                            + N',' + CONVERT(nvarchar(10), c.xscale) + N')'
                     WHEN t.name IN (N'nchar', N'nvarchar')
                         THEN t.name + N'(' + CONVERT(nvarchar(10), c.length / 2) + N')'
                     WHEN t.name IN (N'char', N'varchar', N'binary', N'varbinary')

@@ -1,4 +1,5 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it alone.
+-- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it
+-- alone.
 DECLARE @table_name nvarchar(128)
 DECLARE @table int
 DECLARE @statement nvarchar(max)

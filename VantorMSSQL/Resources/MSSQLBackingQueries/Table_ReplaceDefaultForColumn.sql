@@ -1,5 +1,6 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it alone. The
--- new default arrives with a double quote in place of every apostrophe. It gets the name that a user gave the old one.
+-- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it
+-- alone. The new default arrives with a double quote in place of every apostrophe. It gets the name that a user gave
+-- the old one.
 DECLARE @table_name nvarchar(128)
 DECLARE @column_name nvarchar(128)
 DECLARE @table int

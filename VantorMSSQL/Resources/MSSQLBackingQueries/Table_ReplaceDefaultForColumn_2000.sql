@@ -1,5 +1,5 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else under whichever owner has it alone. The
--- new default arrives with a double quote in place of every apostrophe.
+-- Only the table's bare name is known: it is looked up as a statement would, and else under whichever owner has it
+-- alone. The new default arrives with a double quote in place of every apostrophe.
 DECLARE @table_name nvarchar(128)
 DECLARE @column_name nvarchar(128)
 DECLARE @table int

@@ -1,5 +1,5 @@
--- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext. The name
--- arrives with brackets where the caller found them needed, so brackets are left out on both sides.
+-- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext.
+-- The name arrives with brackets where the caller found them needed, so brackets are left out on both sides.
 DECLARE @nocount int
 DECLARE @id int
 DECLARE @number int
