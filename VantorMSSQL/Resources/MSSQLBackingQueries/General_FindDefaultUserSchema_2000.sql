@@ -1,0 +1,1 @@
+SELECT USER_NAME() AS schema_name

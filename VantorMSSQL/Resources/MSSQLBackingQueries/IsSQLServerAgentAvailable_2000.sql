@@ -1,0 +1,1 @@
+SELECT CONVERT(bit, CASE WHEN HAS_DBACCESS(N'msdb') = 1 THEN 1 ELSE 0 END) AS is_available

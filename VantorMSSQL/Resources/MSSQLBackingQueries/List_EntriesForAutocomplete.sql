@@ -1,0 +1,44 @@
+-- Tables and views. columnType carries precision and scale; dataSize (in bytes, -1 for max) is given only where a
+-- length belongs behind the type's name.
+SELECT
+    c.schema_name AS schemaName,
+    c.table_name AS tableName,
+    c.column_name AS columnName,
+    CASE
+        WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
+        WHEN c.type_name IN (N'decimal', N'numeric')
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+        WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
+        ELSE c.type_name
+    END AS columnType,
+    CASE
+        WHEN c.is_user_defined = 0
+            AND c.type_name IN (N'char', N'varchar', N'nchar', N'nvarchar', N'binary', N'varbinary')
+            THEN CONVERT(int, c.max_length)
+    END AS dataSize,
+    CONVERT(int, c.[precision]) AS [precision],
+    CONVERT(int, c.scale) AS scale
+FROM (
+    SELECT
+        s.name AS schema_name,
+        o.name AS table_name,
+        col.name AS column_name,
+        col.object_id,
+        col.column_id,
+        col.max_length,
+        col.[precision],
+        col.scale,
+        ISNULL(t.is_user_defined, 0) AS is_user_defined,
+        ts.name AS type_schema,
+        COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name
+    FROM sys.columns AS col
+    INNER JOIN sys.objects AS o ON o.object_id = col.object_id
+    INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id
+    LEFT JOIN sys.types AS t ON t.user_type_id = col.user_type_id
+    LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
+    WHERE o.type IN ('U', 'V')
+        AND o.is_ms_shipped = 0
+) AS c
+ORDER BY c.schema_name, c.table_name, c.object_id, c.column_id

@@ -1,0 +1,12 @@
+-- Primary key first, then the unique constraints, then the foreign keys.
+SELECT
+    k.name AS key_name,
+    CASE WHEN k.xtype = 'PK' THEN 1 ELSE 0 END AS is_primary_key
+FROM dbo.sysobjects AS k
+INNER JOIN dbo.sysobjects AS o ON o.id = k.parent_obj
+INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
+WHERE u.name + N'.' + o.name = N'{TABLE_NAME}'
+    AND k.xtype IN ('PK', 'UQ', 'F')
+ORDER BY
+    CASE k.xtype WHEN 'PK' THEN 0 WHEN 'UQ' THEN 1 ELSE 2 END,
+    k.name

@@ -1,0 +1,50 @@
+-- Columns that take no value from a row (computed, timestamp) are left out.
+SELECT
+    c.schema_name,
+    c.table_name,
+    c.column_name,
+    CASE
+        WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
+        WHEN c.type_name IN (N'decimal', N'numeric')
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+        WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
+        WHEN c.type_name NOT IN (N'char', N'varchar', N'nchar', N'nvarchar', N'binary', N'varbinary') THEN c.type_name
+        WHEN c.max_length = -1 THEN c.type_name + N'(max)'
+        WHEN c.type_name IN (N'nchar', N'nvarchar')
+            THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length / 2) + N')'
+        ELSE c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length) + N')'
+    END AS data_type,
+    c.is_nullable
+FROM (
+    SELECT
+        s.name AS schema_name,
+        o.name AS table_name,
+        col.name AS column_name,
+        col.column_id,
+        col.max_length,
+        col.[precision],
+        col.scale,
+        col.is_nullable,
+        ISNULL(t.is_user_defined, 0) AS is_user_defined,
+        ts.name AS type_schema,
+        COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name
+    FROM sys.columns AS col
+    INNER JOIN sys.tables AS o ON o.object_id = col.object_id
+    INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id
+    LEFT JOIN sys.types AS t ON t.user_type_id = col.user_type_id
+    LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
+    WHERE o.is_ms_shipped = 0
+        AND col.is_computed = 0
+        AND col.system_type_id <> 189
+        AND NOT EXISTS (
+            SELECT 1
+            FROM sys.extended_properties AS p
+            WHERE p.class = 1
+                AND p.major_id = o.object_id
+                AND p.minor_id = 0
+                AND p.name = N'microsoft_database_tools_support'
+        )
+) AS c
+ORDER BY c.schema_name, c.table_name, c.column_id

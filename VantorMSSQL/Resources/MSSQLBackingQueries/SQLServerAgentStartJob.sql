@@ -1,0 +1,1 @@
+EXEC msdb.dbo.sp_start_job @job_id = N'{SQLAGENT_JOB_ID}'

@@ -1,0 +1,610 @@
+-- Scripts one table with its constraints, indexes and triggers, in one cell. The pieces are collected in their order
+-- and joined at the end. Nothing of the text depends on ids or on names that the server made up, so that a table made
+-- by the script is scripted alike. What 2005 does not have is asked for by COLUMNPROPERTY, which answers NULL there,
+-- or in dynamic SQL behind a look into sys.all_columns.
+DECLARE @nocount int
+DECLARE @table int
+DECLARE @target nvarchar(600)
+DECLARE @schema nvarchar(300)
+DECLARE @ansi_nulls bit
+DECLARE @table_space int
+DECLARE @table_place nvarchar(2000)
+DECLARE @table_options nvarchar(2000)
+DECLARE @history nvarchar(600)
+DECLARE @collation nvarchar(128)
+DECLARE @hidden nvarchar(100)
+DECLARE @visible nvarchar(20)
+DECLARE @crlf nvarchar(2)
+DECLARE @go nvarchar(10)
+DECLARE @item nvarchar(10)
+DECLARE @ordinal int
+DECLARE @last int
+DECLARE @script nvarchar(max)
+DECLARE @piece TABLE (
+    id int IDENTITY(1,1) NOT NULL PRIMARY KEY,
+    body nvarchar(max) NULL
+)
+DECLARE @mask TABLE (
+    column_id int NOT NULL PRIMARY KEY,
+    function_text nvarchar(4000) NULL
+)
+DECLARE @filestream TABLE (
+    column_id int NOT NULL PRIMARY KEY
+)
+DECLARE @storage TABLE (
+    index_id int NOT NULL PRIMARY KEY,
+    filter nvarchar(max) NULL,
+    compression nvarchar(60) NULL
+)
+DECLARE @index TABLE (
+    index_id int NOT NULL PRIMARY KEY,
+    name nvarchar(128) NULL,
+    shown_name nvarchar(128) NULL,
+    type tinyint NOT NULL,
+    is_primary_key bit NOT NULL,
+    is_constraint bit NOT NULL,
+    is_disabled bit NOT NULL,
+    head nvarchar(max) NOT NULL,
+    key_columns nvarchar(max) NOT NULL,
+    included_columns nvarchar(max) NOT NULL,
+    options nvarchar(max) NOT NULL,
+    space int NOT NULL,
+    is_default_space bit NOT NULL,
+    place nvarchar(1000) NOT NULL
+)
+DECLARE @foreign_key TABLE (
+    object_id int NOT NULL PRIMARY KEY,
+    local_columns nvarchar(max) NOT NULL,
+    referenced_columns nvarchar(max) NOT NULL
+)
+
+SET @nocount = @@OPTIONS & 512
+SET NOCOUNT ON
+
+SET @crlf = NCHAR(13) + NCHAR(10)
+SET @go = @crlf + N'GO' + @crlf
+SET @item = N',' + @crlf + NCHAR(9)
+SET @hidden = N'/* its definition may not be seen by this login */'
+SET @visible = N'%[^' + NCHAR(9) + @crlf + N' ]%'
+SET @collation = CONVERT(nvarchar(128), DATABASEPROPERTYEX(DB_NAME(), N'Collation'))
+
+SELECT
+    @table = t.object_id,
+    @schema = QUOTENAME(s.name),
+    @target = QUOTENAME(s.name) + N'.' + QUOTENAME(t.name),
+    @ansi_nulls = t.uses_ansi_nulls
+FROM sys.tables AS t
+INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id
+WHERE s.name = N'{TABLE_SCHEMA}'
+    AND t.name = N'{TABLE_NAME}'
+
+-- What newer servers know beside.
+IF OBJECT_ID(N'sys.masked_columns') IS NOT NULL
+    INSERT INTO @mask (column_id, function_text)
+    EXEC sp_executesql N'
+        SELECT m.column_id, m.masking_function
+        FROM sys.masked_columns AS m
+        WHERE m.object_id = @table
+            AND m.is_masked = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.columns') AND name = N'is_filestream')
+    INSERT INTO @filestream (column_id)
+    EXEC sp_executesql N'SELECT c.column_id FROM sys.columns AS c WHERE c.object_id = @table AND c.is_filestream = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes') AND name = N'filter_definition')
+    INSERT INTO @storage (index_id, filter, compression)
+    EXEC sp_executesql N'
+        SELECT
+            i.index_id,
+            i.filter_definition,
+            CASE WHEN p.lowest = p.highest AND p.lowest IN (1, 2, 4) THEN p.name END
+        FROM sys.indexes AS i
+        LEFT JOIN (
+            SELECT
+                q.index_id,
+                MIN(q.data_compression) AS lowest,
+                MAX(q.data_compression) AS highest,
+                MIN(q.data_compression_desc) AS name
+            FROM sys.partitions AS q
+            WHERE q.object_id = @table
+            GROUP BY q.index_id
+        ) AS p ON p.index_id = i.index_id
+        WHERE i.object_id = @table',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'history_table_id')
+    EXEC sp_executesql N'
+        SELECT @history = QUOTENAME(s.name) + N''.'' + QUOTENAME(h.name)
+        FROM sys.tables AS t
+        INNER JOIN sys.tables AS h ON h.object_id = t.history_table_id
+        INNER JOIN sys.schemas AS s ON s.schema_id = h.schema_id
+        WHERE t.object_id = @table
+            AND t.temporal_type = 2',
+        N'@table int, @history nvarchar(600) OUTPUT',
+        @table,
+        @history OUTPUT
+
+-- Indexes and the heap. A constraint or index whose name the server made up is named only where a statement needs it.
+INSERT INTO @index (
+    index_id, name, shown_name, type, is_primary_key, is_constraint, is_disabled, head, key_columns, included_columns,
+    options, space, is_default_space, place
+)
+SELECT
+    i.index_id,
+    i.name,
+    CASE WHEN k.is_system_named = 1 AND i.is_disabled = 0 THEN NULL ELSE i.name END,
+    i.type,
+    i.is_primary_key,
+    CASE WHEN k.object_id IS NULL THEN 0 ELSE 1 END,
+    i.is_disabled,
+    CASE
+        WHEN k.object_id IS NOT NULL
+            THEN CASE
+                    WHEN k.is_system_named = 1 AND i.is_disabled = 0 THEN N''
+                    ELSE N'CONSTRAINT ' + QUOTENAME(k.name) + N' '
+                END
+                + CASE WHEN i.is_primary_key = 1 THEN N'PRIMARY KEY ' ELSE N'UNIQUE ' END
+                + CASE WHEN i.type = 1 THEN N'CLUSTERED' ELSE N'NONCLUSTERED' END
+        WHEN i.type = 0 THEN N''
+        ELSE N'CREATE '
+            + CASE WHEN i.is_unique = 1 THEN N'UNIQUE ' ELSE N'' END
+            + CASE i.type
+                WHEN 1 THEN N'CLUSTERED INDEX '
+                WHEN 5 THEN N'CLUSTERED COLUMNSTORE INDEX '
+                WHEN 6 THEN N'NONCLUSTERED COLUMNSTORE INDEX '
+                ELSE N'NONCLUSTERED INDEX '
+            END
+            + QUOTENAME(i.name) + N' ON ' + @target
+    END,
+    N'',
+    N'',
+    CASE WHEN i.type IN (1, 2) AND i.is_padded = 1 THEN N', PAD_INDEX = ON' ELSE N'' END
+        + CASE
+            WHEN i.type IN (1, 2) AND i.fill_factor > 0 THEN N', FILLFACTOR = ' + CONVERT(nvarchar(10), i.fill_factor)
+            ELSE N''
+        END
+        + CASE WHEN i.type IN (1, 2) AND i.ignore_dup_key = 1 THEN N', IGNORE_DUP_KEY = ON' ELSE N'' END
+        + CASE WHEN i.type IN (1, 2) AND st.no_recompute = 1 THEN N', STATISTICS_NORECOMPUTE = ON' ELSE N'' END
+        + CASE WHEN i.type IN (1, 2) AND i.allow_row_locks = 0 THEN N', ALLOW_ROW_LOCKS = OFF' ELSE N'' END
+        + CASE WHEN i.type IN (1, 2) AND i.allow_page_locks = 0 THEN N', ALLOW_PAGE_LOCKS = OFF' ELSE N'' END
+        + ISNULL(N', DATA_COMPRESSION = ' + g.compression, N''),
+    ISNULL(i.data_space_id, 0),
+    ISNULL(d.is_default, 1),
+    CASE d.type
+        WHEN 'PS' THEN N' ON ' + QUOTENAME(d.name) + N'(' + ISNULL(QUOTENAME(pc.name), N'') + N')'
+        WHEN 'FG' THEN N' ON ' + QUOTENAME(d.name)
+        ELSE N''
+    END
+FROM sys.indexes AS i
+LEFT JOIN sys.key_constraints AS k
+    ON k.parent_object_id = i.object_id
+    AND k.unique_index_id = i.index_id
+LEFT JOIN sys.stats AS st ON st.object_id = i.object_id AND st.stats_id = i.index_id
+LEFT JOIN sys.data_spaces AS d ON d.data_space_id = i.data_space_id
+LEFT JOIN sys.index_columns AS ic
+    ON ic.object_id = i.object_id
+    AND ic.index_id = i.index_id
+    AND ic.partition_ordinal = 1
+LEFT JOIN sys.columns AS pc ON pc.object_id = ic.object_id AND pc.column_id = ic.column_id
+LEFT JOIN @storage AS g ON g.index_id = i.index_id
+WHERE i.object_id = @table
+    AND i.is_hypothetical = 0
+    AND i.type IN (0, 1, 2, 5, 6)
+
+-- The n-th column of every index, then of every foreign key, is appended to its list.
+SELECT @last = MAX(index_column_id) FROM sys.index_columns WHERE object_id = @table
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE x
+    SET key_columns = x.key_columns
+        + CASE WHEN x.key_columns = N'' THEN N'' ELSE N', ' END
+        + QUOTENAME(c.name) COLLATE DATABASE_DEFAULT
+        + CASE WHEN ic.is_descending_key = 1 THEN N' DESC' ELSE N' ASC' END
+    FROM @index AS x
+    INNER JOIN sys.index_columns AS ic ON ic.index_id = x.index_id
+    INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
+    WHERE ic.object_id = @table
+        AND ic.key_ordinal = @ordinal
+
+    UPDATE x
+    SET included_columns = x.included_columns
+        + CASE WHEN x.included_columns = N'' THEN N'' ELSE N', ' END
+        + QUOTENAME(c.name) COLLATE DATABASE_DEFAULT
+    FROM @index AS x
+    INNER JOIN sys.index_columns AS ic ON ic.index_id = x.index_id
+    INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
+    WHERE ic.object_id = @table
+        AND ic.index_column_id = @ordinal
+        AND ic.is_included_column = 1
+
+    SET @ordinal = @ordinal + 1
+END
+
+INSERT INTO @foreign_key (object_id, local_columns, referenced_columns)
+SELECT f.object_id, N'', N''
+FROM sys.foreign_keys AS f
+WHERE f.parent_object_id = @table
+
+SELECT @last = MAX(constraint_column_id) FROM sys.foreign_key_columns WHERE parent_object_id = @table
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE x
+    SET local_columns = x.local_columns + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END
+            + QUOTENAME(lc.name) COLLATE DATABASE_DEFAULT,
+        referenced_columns = x.referenced_columns + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END
+            + ISNULL(QUOTENAME(rc.name), @hidden) COLLATE DATABASE_DEFAULT
+    FROM @foreign_key AS x
+    INNER JOIN sys.foreign_key_columns AS fc ON fc.constraint_object_id = x.object_id
+    INNER JOIN sys.columns AS lc ON lc.object_id = fc.parent_object_id AND lc.column_id = fc.parent_column_id
+    LEFT JOIN sys.columns AS rc ON rc.object_id = fc.referenced_object_id AND rc.column_id = fc.referenced_column_id
+    WHERE fc.constraint_column_id = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
+
+-- Where the table stands, unless that is where a new one would stand anyway.
+SELECT
+    @table_space = x.space,
+    @table_place = CASE WHEN x.is_default_space = 1 THEN N'' ELSE x.place END
+FROM @index AS x
+WHERE x.index_id IN (0, 1)
+
+SELECT @table_place = @table_place + N' TEXTIMAGE_ON ' + QUOTENAME(d.name)
+FROM sys.tables AS t
+INNER JOIN sys.data_spaces AS d ON d.data_space_id = t.lob_data_space_id
+LEFT JOIN sys.data_spaces AS own ON own.data_space_id = @table_space
+WHERE t.object_id = @table
+    AND d.type = 'FG'
+    AND own.type = 'FG'
+    AND (d.is_default = 0 OR own.is_default = 0)
+
+SET @table_options = ISNULL(N', SYSTEM_VERSIONING = ON (HISTORY_TABLE = ' + @history + N')', N'')
+SELECT @table_options = @table_options + x.options
+FROM @index AS x
+WHERE x.index_id = 0
+
+INSERT INTO @piece (body)
+SELECT N'-- The table is memory-optimized; this script makes one on disk.' + @crlf
+WHERE OBJECTPROPERTY(@table, N'TableIsMemoryOptimized') = 1
+
+INSERT INTO @piece (body)
+SELECT N'-- Index ' + QUOTENAME(i.name) + N' (' + i.type_desc COLLATE DATABASE_DEFAULT
+    + N') is not part of this script.' + @crlf
+FROM sys.indexes AS i
+WHERE i.object_id = @table
+    AND i.is_hypothetical = 0
+    AND i.type NOT IN (0, 1, 2, 3, 5, 6)
+ORDER BY i.name
+
+INSERT INTO @piece (body)
+SELECT N'SET ANSI_NULLS ' + CASE WHEN @ansi_nulls = 0 THEN N'OFF' ELSE N'ON' END + @go
+    + N'SET QUOTED_IDENTIFIER ON' + @go
+    + N'CREATE TABLE ' + @target + N' ('
+
+INSERT INTO @piece (body)
+SELECT
+    CASE WHEN ROW_NUMBER() OVER (ORDER BY c.column_id) = 1 THEN @crlf + NCHAR(9) ELSE @item END
+    + QUOTENAME(c.name)
+    + CASE
+        WHEN c.is_computed = 1
+            THEN N' AS ' + ISNULL(cc.definition COLLATE DATABASE_DEFAULT, @hidden)
+                + CASE WHEN cc.is_persisted = 1 THEN N' PERSISTED' ELSE N'' END
+                + CASE WHEN cc.is_persisted = 1 AND c.is_nullable = 0 THEN N' NOT NULL' ELSE N'' END
+        ELSE N' '
+            + CASE
+                WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
+                WHEN c.type_name IN (N'decimal', N'numeric')
+                    THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.[precision])
+                        + N',' + CONVERT(nvarchar(10), c.scale) + N')'
+                WHEN c.type_name IN (N'time', N'datetime2', N'datetimeoffset')
+                    THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.scale) + N')'
+                WHEN c.type_name = N'xml' AND x.xml_collection_id IS NOT NULL
+                    THEN N'xml(' + CASE WHEN c.is_xml_document = 1 THEN N'DOCUMENT ' ELSE N'CONTENT ' END
+                        + QUOTENAME(xs.name) + N'.'
+                        + QUOTENAME(x.name) COLLATE DATABASE_DEFAULT + N')'
+                WHEN c.type_name NOT IN (N'char', N'varchar', N'nchar', N'nvarchar', N'binary', N'varbinary')
+                    THEN c.type_name
+                WHEN c.max_length = -1 THEN c.type_name + N'(max)'
+                WHEN c.type_name IN (N'nchar', N'nvarchar')
+                    THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length / 2) + N')'
+                ELSE c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length) + N')'
+            END
+            + CASE WHEN fs.column_id IS NULL THEN N'' ELSE N' FILESTREAM' END
+            + CASE
+                WHEN c.is_user_defined = 0 AND c.collation_name <> @collation THEN N' COLLATE ' + c.collation_name
+                ELSE N''
+            END
+            + CASE WHEN COLUMNPROPERTY(@table, c.name, N'IsSparse') = 1 THEN N' SPARSE' ELSE N'' END
+            + CASE
+                WHEN COLUMNPROPERTY(@table, c.name, N'IsColumnSet') = 1 THEN N' COLUMN_SET FOR ALL_SPARSE_COLUMNS'
+                ELSE N''
+            END
+            + ISNULL(N' MASKED WITH (FUNCTION = ''' + REPLACE(m.function_text, N'''', N'''''') + N''')', N'')
+            + CASE
+                WHEN ident.column_id IS NULL THEN N''
+                ELSE N' IDENTITY(' + CONVERT(nvarchar(40), CONVERT(decimal(38,0), ident.seed_value))
+                    + N',' + CONVERT(nvarchar(40), CONVERT(decimal(38,0), ident.increment_value)) + N')'
+                    + CASE WHEN ident.is_not_for_replication = 1 THEN N' NOT FOR REPLICATION' ELSE N'' END
+            END
+            + CASE WHEN c.is_rowguidcol = 1 THEN N' ROWGUIDCOL' ELSE N'' END
+            + CASE
+                WHEN c.generated IN (1, 2)
+                    THEN CASE c.generated
+                            WHEN 1 THEN N' GENERATED ALWAYS AS ROW START'
+                            ELSE N' GENERATED ALWAYS AS ROW END'
+                        END
+                        + CASE WHEN COLUMNPROPERTY(@table, c.name, N'IsHidden') = 1 THEN N' HIDDEN' ELSE N'' END
+                ELSE N''
+            END
+            + CASE WHEN c.is_nullable = 1 THEN N' NULL' ELSE N' NOT NULL' END
+            + CASE
+                WHEN d.object_id IS NULL THEN N''
+                ELSE CASE WHEN d.is_system_named = 1 THEN N'' ELSE N' CONSTRAINT ' + QUOTENAME(d.name) END
+                    + N' DEFAULT ' + ISNULL(d.definition COLLATE DATABASE_DEFAULT, @hidden)
+            END
+    END
+FROM (
+    SELECT
+        col.object_id,
+        col.column_id,
+        col.name COLLATE DATABASE_DEFAULT AS name,
+        col.max_length,
+        col.[precision],
+        col.scale,
+        col.collation_name COLLATE DATABASE_DEFAULT AS collation_name,
+        col.is_nullable,
+        col.is_computed,
+        col.is_rowguidcol,
+        col.is_xml_document,
+        col.xml_collection_id,
+        ISNULL(t.is_user_defined, 0) AS is_user_defined,
+        COLUMNPROPERTY(col.object_id, col.name, N'GeneratedAlwaysType') AS generated,
+        ts.name COLLATE DATABASE_DEFAULT AS type_schema,
+        COALESCE(t.name, TYPE_NAME(col.system_type_id)) COLLATE DATABASE_DEFAULT AS type_name
+    FROM sys.columns AS col
+    LEFT JOIN sys.types AS t ON t.user_type_id = col.user_type_id
+    LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
+    WHERE col.object_id = @table
+) AS c
+LEFT JOIN sys.computed_columns AS cc ON cc.object_id = c.object_id AND cc.column_id = c.column_id
+LEFT JOIN sys.identity_columns AS ident ON ident.object_id = c.object_id AND ident.column_id = c.column_id
+LEFT JOIN sys.default_constraints AS d ON d.parent_object_id = c.object_id AND d.parent_column_id = c.column_id
+LEFT JOIN sys.xml_schema_collections AS x ON x.xml_collection_id = c.xml_collection_id AND c.xml_collection_id <> 0
+LEFT JOIN sys.schemas AS xs ON xs.schema_id = x.schema_id
+LEFT JOIN @mask AS m ON m.column_id = c.column_id
+LEFT JOIN @filestream AS fs ON fs.column_id = c.column_id
+ORDER BY c.column_id
+
+INSERT INTO @piece (body)
+SELECT
+    @item + x.head + N' (' + x.key_columns + N')'
+    + CASE WHEN x.options = N'' THEN N'' ELSE N' WITH (' + STUFF(x.options, 1, 2, N'') + N')' END
+    + CASE WHEN x.space = @table_space THEN N'' ELSE x.place END
+FROM @index AS x
+WHERE x.is_constraint = 1
+ORDER BY x.is_primary_key DESC, x.shown_name, x.key_columns
+
+INSERT INTO @piece (body)
+SELECT @item + N'PERIOD FOR SYSTEM_TIME (' + QUOTENAME(f.name) + N', ' + QUOTENAME(l.name) + N')'
+FROM sys.columns AS f
+INNER JOIN sys.columns AS l ON l.object_id = f.object_id
+WHERE f.object_id = @table
+    AND COLUMNPROPERTY(@table, f.name, N'GeneratedAlwaysType') = 1
+    AND COLUMNPROPERTY(@table, l.name, N'GeneratedAlwaysType') = 2
+
+INSERT INTO @piece (body)
+SELECT @crlf + N')' + ISNULL(@table_place, N'')
+    + CASE WHEN @table_options = N'' THEN N'' ELSE N' WITH (' + STUFF(@table_options, 1, 2, N'') + N')' END
+    + @go
+
+-- Indexes, the clustered one first.
+INSERT INTO @piece (body)
+SELECT
+    x.head
+    + CASE x.type WHEN 5 THEN N'' WHEN 6 THEN N' (' + x.included_columns + N')' ELSE N' (' + x.key_columns + N')' END
+    + CASE WHEN x.type = 2 AND x.included_columns <> N'' THEN N' INCLUDE (' + x.included_columns + N')' ELSE N'' END
+    + ISNULL(N' WHERE ' + g.filter, N'')
+    + CASE WHEN x.options = N'' THEN N'' ELSE N' WITH (' + STUFF(x.options, 1, 2, N'') + N')' END
+    + CASE WHEN x.space = @table_space THEN N'' ELSE x.place END
+    + @go
+FROM @index AS x
+LEFT JOIN @storage AS g ON g.index_id = x.index_id
+WHERE x.is_constraint = 0
+    AND x.type <> 0
+ORDER BY CASE WHEN x.index_id = 1 THEN 0 ELSE 1 END, x.name
+
+INSERT INTO @piece (body)
+SELECT
+    CASE WHEN p.name IS NULL THEN N'CREATE PRIMARY XML INDEX ' ELSE N'CREATE XML INDEX ' END
+    + QUOTENAME(i.name) + N' ON ' + @target + N' (' + QUOTENAME(c.name) + N')'
+    + ISNULL(N' USING XML INDEX ' + QUOTENAME(p.name) + N' FOR ' + i.secondary_type_desc COLLATE DATABASE_DEFAULT, N'')
+    + @go
+FROM sys.xml_indexes AS i
+INNER JOIN sys.index_columns AS ic
+    ON ic.object_id = i.object_id
+    AND ic.index_id = i.index_id
+    AND ic.index_column_id = 1
+INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
+LEFT JOIN sys.xml_indexes AS p ON p.object_id = i.object_id AND p.index_id = i.using_xml_index_id
+WHERE i.object_id = @table
+ORDER BY CASE WHEN p.name IS NULL THEN 0 ELSE 1 END, i.name
+
+-- Checks and foreign keys. NOCHECK keeps them as untrusted as they are.
+INSERT INTO @piece (body)
+SELECT
+    N'ALTER TABLE ' + @target + CASE WHEN k.is_not_trusted = 1 THEN N' WITH NOCHECK' ELSE N' WITH CHECK' END + N' ADD '
+    + ISNULL(N'CONSTRAINT ' + QUOTENAME(k.shown_name) + N' ', N'')
+    + N'CHECK ' + CASE WHEN k.is_not_for_replication = 1 THEN N'NOT FOR REPLICATION ' ELSE N'' END
+    + ISNULL(k.definition, @hidden)
+    + @go
+    + CASE
+        WHEN k.is_disabled = 1 THEN N'ALTER TABLE ' + @target + N' NOCHECK CONSTRAINT ' + QUOTENAME(k.shown_name) + @go
+        ELSE N''
+    END
+FROM (
+    SELECT
+        CASE WHEN cc.is_system_named = 1 AND cc.is_disabled = 0 THEN NULL ELSE cc.name END COLLATE DATABASE_DEFAULT
+            AS shown_name,
+        cc.is_not_trusted,
+        cc.is_not_for_replication,
+        cc.is_disabled,
+        cc.definition COLLATE DATABASE_DEFAULT AS definition
+    FROM sys.check_constraints AS cc
+    WHERE cc.parent_object_id = @table
+) AS k
+ORDER BY k.shown_name, k.definition
+
+INSERT INTO @piece (body)
+SELECT
+    N'ALTER TABLE ' + @target + CASE WHEN k.is_not_trusted = 1 THEN N' WITH NOCHECK' ELSE N' WITH CHECK' END + N' ADD '
+    + ISNULL(N'CONSTRAINT ' + QUOTENAME(k.shown_name) + N' ', N'')
+    + N'FOREIGN KEY (' + x.local_columns + N') REFERENCES '
+    + ISNULL(QUOTENAME(rs.name) + N'.' + QUOTENAME(rt.name), @hidden) COLLATE DATABASE_DEFAULT
+    + N' (' + x.referenced_columns + N')'
+    + CASE k.delete_referential_action
+        WHEN 1 THEN N' ON DELETE CASCADE'
+        WHEN 2 THEN N' ON DELETE SET NULL'
+        WHEN 3 THEN N' ON DELETE SET DEFAULT'
+        ELSE N''
+    END
+    + CASE k.update_referential_action
+        WHEN 1 THEN N' ON UPDATE CASCADE'
+        WHEN 2 THEN N' ON UPDATE SET NULL'
+        WHEN 3 THEN N' ON UPDATE SET DEFAULT'
+        ELSE N''
+    END
+    + CASE WHEN k.is_not_for_replication = 1 THEN N' NOT FOR REPLICATION' ELSE N'' END
+    + @go
+    + CASE
+        WHEN k.is_disabled = 1 THEN N'ALTER TABLE ' + @target + N' NOCHECK CONSTRAINT ' + QUOTENAME(k.shown_name) + @go
+        ELSE N''
+    END
+FROM (
+    SELECT
+        f.object_id,
+        CASE WHEN f.is_system_named = 1 AND f.is_disabled = 0 THEN NULL ELSE f.name END COLLATE DATABASE_DEFAULT
+            AS shown_name,
+        f.referenced_object_id,
+        f.is_not_trusted,
+        f.is_not_for_replication,
+        f.is_disabled,
+        f.delete_referential_action,
+        f.update_referential_action
+    FROM sys.foreign_keys AS f
+    WHERE f.parent_object_id = @table
+) AS k
+INNER JOIN @foreign_key AS x ON x.object_id = k.object_id
+LEFT JOIN sys.objects AS rt ON rt.object_id = k.referenced_object_id
+LEFT JOIN sys.schemas AS rs ON rs.schema_id = rt.schema_id
+ORDER BY k.shown_name, x.local_columns, rs.name, rt.name, x.referenced_columns
+
+-- Defaults and rules that are objects of their own, unless the column has them from its type.
+INSERT INTO @piece (body)
+SELECT
+    N'EXEC sys.sp_bindefault @defname = N'''
+    + REPLACE(QUOTENAME(s.name) + N'.' + QUOTENAME(o.name), N'''', N'''''') + N''', @objname = N'''
+    + REPLACE(@target + N'.' + QUOTENAME(c.name), N'''', N'''''') + N'''' + @go
+FROM sys.columns AS c
+INNER JOIN sys.objects AS o ON o.object_id = c.default_object_id
+INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id
+LEFT JOIN sys.types AS t ON t.user_type_id = c.user_type_id
+WHERE c.object_id = @table
+    AND o.parent_object_id = 0
+    AND c.default_object_id <> ISNULL(t.default_object_id, 0)
+ORDER BY c.column_id
+
+INSERT INTO @piece (body)
+SELECT
+    N'EXEC sys.sp_bindrule @rulename = N'''
+    + REPLACE(QUOTENAME(s.name) + N'.' + QUOTENAME(o.name), N'''', N'''''') + N''', @objname = N'''
+    + REPLACE(@target + N'.' + QUOTENAME(c.name), N'''', N'''''') + N'''' + @go
+FROM sys.columns AS c
+INNER JOIN sys.objects AS o ON o.object_id = c.rule_object_id
+INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id
+LEFT JOIN sys.types AS t ON t.user_type_id = c.user_type_id
+WHERE c.object_id = @table
+    AND c.rule_object_id <> ISNULL(t.rule_object_id, 0)
+ORDER BY c.column_id
+
+-- Triggers, each with the settings it was made under, its place in the order and its state.
+INSERT INTO @piece (body)
+SELECT
+    N'SET ANSI_NULLS ' + CASE WHEN tr.uses_ansi_nulls = 0 THEN N'OFF' ELSE N'ON' END + @go
+    + N'SET QUOTED_IDENTIFIER ' + CASE WHEN tr.uses_quoted_identifier = 0 THEN N'OFF' ELSE N'ON' END + @go
+    + CASE
+        WHEN tr.definition IS NULL
+            THEN N'-- Trigger ' + QUOTENAME(tr.name) + N' is encrypted or may not be seen by this login.' + @go
+        ELSE SUBSTRING(
+                tr.definition,
+                tr.first_visible,
+                CONVERT(int, DATALENGTH(tr.definition) / 2) + 2 - tr.first_visible - tr.last_visible
+            )
+            + @go
+            + CASE
+                WHEN tr.is_disabled = 1
+                    THEN N'ALTER TABLE ' + @target + N' DISABLE TRIGGER ' + QUOTENAME(tr.name) + @go
+                ELSE N''
+            END
+    END
+FROM (
+    SELECT
+        g.name,
+        g.is_disabled,
+        m.uses_ansi_nulls,
+        m.uses_quoted_identifier,
+        m.definition COLLATE Latin1_General_BIN AS definition,
+        CONVERT(int, PATINDEX(@visible, m.definition COLLATE Latin1_General_BIN)) AS first_visible,
+        CONVERT(int, PATINDEX(@visible, REVERSE(m.definition) COLLATE Latin1_General_BIN)) AS last_visible
+    FROM sys.triggers AS g
+    LEFT JOIN sys.sql_modules AS m ON m.object_id = g.object_id
+    WHERE g.parent_id = @table
+        AND g.parent_class = 1
+        AND g.is_ms_shipped = 0
+) AS tr
+ORDER BY tr.name
+
+INSERT INTO @piece (body)
+SELECT
+    N'EXEC sys.sp_settriggerorder @triggername = N''' + REPLACE(@schema + N'.' + QUOTENAME(g.name), N'''', N'''''')
+    + N''', @order = N''' + CASE WHEN e.is_first = 1 THEN N'First' ELSE N'Last' END
+    + N''', @stmttype = N''' + e.type_desc COLLATE DATABASE_DEFAULT + N'''' + @go
+FROM sys.triggers AS g
+INNER JOIN sys.trigger_events AS e ON e.object_id = g.object_id
+INNER JOIN sys.sql_modules AS m ON m.object_id = g.object_id AND m.definition IS NOT NULL
+WHERE g.parent_id = @table
+    AND g.parent_class = 1
+    AND g.is_ms_shipped = 0
+    AND (e.is_first = 1 OR e.is_last = 1)
+ORDER BY g.name, e.type
+
+-- A disabled clustered index locks the table, so this comes last.
+INSERT INTO @piece (body)
+SELECT N'ALTER INDEX ' + QUOTENAME(x.name) + N' ON ' + @target + N' DISABLE' + @go
+FROM @index AS x
+WHERE x.is_disabled = 1
+ORDER BY CASE WHEN x.index_id = 1 THEN 1 ELSE 0 END, x.name
+
+SET @script = N''
+SELECT @last = MAX(id) FROM @piece
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    SELECT @script = @script + ISNULL(p.body, N'-- A part of this table may not be seen by this login.' + @crlf)
+    FROM @piece AS p
+    WHERE p.id = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
+
+IF @nocount = 0
+    SET NOCOUNT OFF
+
+SELECT @script AS creation_script
+WHERE @table IS NOT NULL

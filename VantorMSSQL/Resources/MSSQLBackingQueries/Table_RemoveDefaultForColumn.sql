@@ -1,0 +1,49 @@
+-- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it
+-- alone.
+DECLARE @table_name nvarchar(128)
+DECLARE @column_name nvarchar(128)
+DECLARE @table int
+DECLARE @target nvarchar(600)
+DECLARE @default nvarchar(128)
+DECLARE @bound nvarchar(1000)
+DECLARE @statement nvarchar(max)
+
+SET @table_name = N'{TABLE_NAME}'
+SET @column_name = N'{COLUMN_NAME}'
+SET @table = OBJECT_ID(QUOTENAME(@table_name), N'U')
+IF @table IS NULL
+    SELECT @table = MIN(t.object_id)
+    FROM sys.tables AS t
+    WHERE t.name = @table_name
+    HAVING COUNT(*) = 1
+
+IF @table IS NULL
+    RAISERROR (N'Table %s was not found, or several schemas have one of this name.', 16, 1, @table_name)
+
+SELECT @target = QUOTENAME(s.name) + N'.' + QUOTENAME(t.name)
+FROM sys.tables AS t
+INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id
+WHERE t.object_id = @table
+
+SELECT @default = d.name
+FROM sys.default_constraints AS d
+INNER JOIN sys.columns AS c ON c.object_id = d.parent_object_id AND c.column_id = d.parent_column_id
+WHERE c.object_id = @table
+    AND c.name = @column_name
+
+IF @default IS NOT NULL
+BEGIN
+    SET @statement = N'ALTER TABLE ' + @target + N' DROP CONSTRAINT ' + QUOTENAME(@default)
+    EXEC sp_executesql @statement
+END
+
+-- A default may also be an object of its own that is bound to the column.
+SELECT @bound = @target + N'.' + QUOTENAME(c.name)
+FROM sys.columns AS c
+INNER JOIN sys.objects AS o ON o.object_id = c.default_object_id
+WHERE c.object_id = @table
+    AND c.name = @column_name
+    AND o.parent_object_id = 0
+
+IF @bound IS NOT NULL
+    EXEC sp_unbindefault @bound
