@@ -145,13 +145,13 @@ END
 
 SET NOCOUNT OFF
 
-SELECT @left = COUNT(*) FROM @todo WHERE is_done = 0
-IF @left > 0
-	RAISERROR (N'%d objects could not be dropped in %d passes. They are listed with the reason.', 16, 1, @left, @pass)
-
 SELECT
 	t.statement AS could_not_run,
 	t.message AS reason
 FROM @todo AS t
 WHERE t.is_done = 0
 ORDER BY t.id
+
+SELECT @left = COUNT(*) FROM @todo WHERE is_done = 0
+IF @left > 0
+	RAISERROR (N'%d objects could not be dropped in %d passes. They are listed with the reason.', 16, 1, @left, @pass)
