@@ -5,6 +5,7 @@ DECLARE @Owner nvarchar(128);
 DECLARE @Result int;
 
 SET @Owner = SUSER_SNAME();
+SET @Result = 1;
 
 BEGIN TRANSACTION;
 
@@ -14,37 +15,32 @@ EXEC @Result = msdb.dbo.sp_add_job
 	@description = N'What the job is for.',
 	@owner_login_name = @Owner,
 	@job_id = @JobId OUTPUT;
-IF @@ERROR <> 0 OR @Result <> 0 GOTO Failed;
 
-EXEC @Result = msdb.dbo.sp_add_jobstep
-	@job_id = @JobId,
-	@step_name = N'First step',
-	@subsystem = N'TSQL',
-	@database_name = N'master',
-	@command = N'SELECT GETDATE();',
-	@retry_attempts = 0,
-	@on_success_action = 1, -- quit with success
-	@on_fail_action = 2;    -- quit with failure
-IF @@ERROR <> 0 OR @Result <> 0 GOTO Failed;
+IF @Result = 0
+	EXEC @Result = msdb.dbo.sp_add_jobstep
+		@job_id = @JobId,
+		@step_name = N'First step',
+		@subsystem = N'TSQL',
+		@database_name = N'master',
+		@command = N'SELECT GETDATE();',
+		@retry_attempts = 0,
+		@on_success_action = 1, -- quit with success
+		@on_fail_action = 2;    -- quit with failure
 
-EXEC @Result = msdb.dbo.sp_add_jobschedule
-	@job_id = @JobId,
-	@name = N'Every night at two',
-	@freq_type = 4,             -- daily
-	@freq_interval = 1,         -- every day
-	@active_start_time = 20000; -- hhmmss
-IF @@ERROR <> 0 OR @Result <> 0 GOTO Failed;
+IF @Result = 0
+	EXEC @Result = msdb.dbo.sp_add_jobschedule
+		@job_id = @JobId,
+		@name = N'Every night at two',
+		@freq_type = 4,             -- daily
+		@freq_interval = 1,         -- every day
+		@active_start_time = 20000; -- hhmmss
 
-EXEC @Result = msdb.dbo.sp_add_jobserver
-	@job_id = @JobId,
-	@server_name = N'(local)';
-IF @@ERROR <> 0 OR @Result <> 0 GOTO Failed;
+IF @Result = 0
+	EXEC @Result = msdb.dbo.sp_add_jobserver
+		@job_id = @JobId,
+		@server_name = N'(local)';
 
-COMMIT TRANSACTION;
-GOTO Finished;
-
-Failed:
-IF @@TRANCOUNT > 0
+IF @Result = 0
+	COMMIT TRANSACTION;
+ELSE IF @@TRANCOUNT > 0
 	ROLLBACK TRANSACTION;
-
-Finished:

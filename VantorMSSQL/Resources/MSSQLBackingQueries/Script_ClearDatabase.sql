@@ -30,7 +30,7 @@ FROM sys.triggers AS tr
 WHERE tr.parent_class = 0
 	AND tr.is_ms_shipped = 0
 
--- Temporal tables and sequences are newer than 2005: only dynamic SQL may name their columns and views.
+-- Temporal and external tables are newer than 2005: only dynamic SQL may name their columns.
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'temporal_type')
 	INSERT INTO @todo (statement)
 	EXEC sp_executesql N'
@@ -145,13 +145,13 @@ END
 
 SET NOCOUNT OFF
 
-SELECT @left = COUNT(*) FROM @todo WHERE is_done = 0
-IF @left > 0
-	RAISERROR (N'%d objects could not be dropped in %d passes. They are listed with the reason.', 16, 1, @left, @pass)
-
 SELECT
 	t.statement AS could_not_run,
 	t.message AS reason
 FROM @todo AS t
 WHERE t.is_done = 0
 ORDER BY t.id
+
+SELECT @left = COUNT(*) FROM @todo WHERE is_done = 0
+IF @left > 0
+	RAISERROR (N'%d objects could not be dropped in %d passes. They are listed with the reason.', 16, 1, @left, @pass)

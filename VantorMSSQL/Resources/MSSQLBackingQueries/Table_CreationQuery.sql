@@ -559,9 +559,9 @@ FROM (
         g.is_disabled,
         m.uses_ansi_nulls,
         m.uses_quoted_identifier,
-        m.definition COLLATE Latin1_General_BIN AS definition,
-        CONVERT(int, PATINDEX(@visible, m.definition COLLATE Latin1_General_BIN)) AS first_visible,
-        CONVERT(int, PATINDEX(@visible, REVERSE(m.definition) COLLATE Latin1_General_BIN)) AS last_visible
+        m.definition COLLATE Latin1_General_CI_AS AS definition,
+        CONVERT(int, PATINDEX(@visible, m.definition COLLATE Latin1_General_CI_AS)) AS first_visible,
+        CONVERT(int, PATINDEX(@visible, REVERSE(m.definition) COLLATE Latin1_General_CI_AS)) AS last_visible
     FROM sys.triggers AS g
     LEFT JOIN sys.sql_modules AS m ON m.object_id = g.object_id
     WHERE g.parent_id = @table

@@ -132,7 +132,7 @@ FROM (
             WHEN c.iscomputed = 1 THEN N' AS '
             ELSE N' '
                 + CASE
-                    WHEN t.xusertype > 256 THEN QUOTENAME(tu.name) + N'.' + QUOTENAME(t.name)
+                    WHEN t.xusertype > 256 THEN QUOTENAME(t.name)
                     WHEN t.name IN (N'decimal', N'numeric')
                         THEN t.name + N'(' + CONVERT(nvarchar(10), c.xprec)
                             + N',' + CONVERT(nvarchar(10), c.xscale) + N')'
@@ -162,7 +162,6 @@ FROM (
         END AS body
     FROM dbo.syscolumns AS c
     INNER JOIN dbo.systypes AS t ON t.xusertype = c.xusertype
-    INNER JOIN dbo.sysusers AS tu ON tu.uid = t.uid
     LEFT JOIN dbo.sysobjects AS d ON d.id = c.cdefault AND d.parent_obj = c.id
     WHERE c.id = @table
     UNION ALL
