@@ -42,8 +42,8 @@ void unionTerms(const Ast::Query &query, std::vector<const Ast::Query *> &terms)
     }
 }
 
-/// The depth of a row of a recursive common table from that of the row it was found with. selector: the limit,
-/// 0 for none.
+/// The depth of a row of a recursive common table from that of the row it was found with. selector: the
+/// limit, 0 for none.
 Value nextDepth(EvaluationContext &, const Operation &operation, std::span<const Value> arguments)
 {
     const std::int64_t depth = std::get<std::int64_t>(arguments[0]) + 1;
@@ -81,8 +81,8 @@ SourcePtr Binder::findCommon(const Ast::TableSource &source, const Ast::ObjectNa
     return nullptr;
 }
 
-SourcePtr Binder::bindCommon(const Ast::TableSource &source, const CommonTableScope &common, std::size_t index,
-                             Scope &scope)
+SourcePtr Binder::bindCommon(const Ast::TableSource &source, const CommonTableScope &common,
+                             std::size_t index, Scope &scope)
 {
     const Ast::CommonTable &table = common.tables[index];
     if (names(*table.query->query, foldedName(table.name)))
@@ -145,17 +145,20 @@ SourcePtr Binder::bindRecursive(const Ast::TableSource &source, const CommonTabl
     return std::make_shared<const Source>(std::move(made));
 }
 
-/// Binds a query over the rows found before. Its columns have the types of the anchor's; the depth comes last.
+/// Binds a query over the rows found before. Its columns have the types of the anchor's; the depth comes
+/// last.
 QueryPtr Binder::bindStep(const Ast::Query &step, const CommonTableScope &own, const Query &anchor)
 {
     const ScopedValue<const CommonTableScope *> visible(m_common, &own);
     const ScopedValue<std::string> alias(m_recursiveAlias, {});
-    if (step.op || !step.specification.groupBy.empty() || step.specification.distinct || step.specification.top)
-        throw EngineError(460, 16, 1,
-                          "DISTINCT, TOP, GROUP BY and set operators are not allowed in the recursive part of a "
-                          "recursive common table expression '" +
-                              own.tables[own.visible].name + "'.",
-                          ErrorEffect::EndsBatch);
+    if (step.op || !step.specification.groupBy.empty() || step.specification.distinct ||
+        step.specification.top)
+        throw EngineError(
+            460, 16, 1,
+            "DISTINCT, TOP, GROUP BY and set operators are not allowed in the recursive part of a "
+            "recursive common table expression '" +
+                own.tables[own.visible].name + "'.",
+            ErrorEffect::EndsBatch);
     const QueryPtr bound = bindQuery(step, nullptr);
     if (bound->columns.size() != anchor.columns.size())
         throw EngineError(
@@ -179,12 +182,14 @@ QueryPtr Binder::bindStep(const Ast::Query &step, const CommonTableScope &own, c
     operation.function = nextDepth;
     operation.result = IntType;
     operation.selector = m_maxRecursion;
-    auto depth = std::make_shared<const Expression>(Expression{IntType, false, Column{m_recursiveAlias, "depth"}});
+    auto depth =
+        std::make_shared<const Expression>(Expression{IntType, false, Column{m_recursiveAlias, "depth"}});
     query->columns.push_back({ColumnInfo{"depth", IntType}, call(std::move(operation), {std::move(depth)})});
     return query;
 }
 
-SourcePtr Binder::bindOwnReference(const Ast::TableSource &source, const CommonTableScope &common, Scope &scope)
+SourcePtr Binder::bindOwnReference(const Ast::TableSource &source, const CommonTableScope &common,
+                                   Scope &scope)
 {
     const std::string alias = newAlias();
     m_recursiveAlias = alias;

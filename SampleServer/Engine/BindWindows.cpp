@@ -35,9 +35,9 @@ struct RankingFunction
     SqlType type;
     std::size_t arguments;
 };
-constexpr RankingFunction ranking[] = {{"ROW_NUMBER", BigIntType, 0},   {"RANK", BigIntType, 0},
-                                       {"DENSE_RANK", BigIntType, 0},   {"NTILE", BigIntType, 1},
-                                       {"PERCENT_RANK", FloatType, 0},  {"CUME_DIST", FloatType, 0}};
+constexpr RankingFunction ranking[] = {{"ROW_NUMBER", BigIntType, 0},  {"RANK", BigIntType, 0},
+                                       {"DENSE_RANK", BigIntType, 0},  {"NTILE", BigIntType, 1},
+                                       {"PERCENT_RANK", FloatType, 0}, {"CUME_DIST", FloatType, 0}};
 
 } // namespace
 
@@ -133,7 +133,8 @@ ExpressionPtr Binder::windowAggregate(const Ast::FunctionCall &node, const std::
     Operation operation;
     operation.function = Functions::average;
     operation.result = averageType(argument->type);
-    return call(std::move(operation), {std::move(total), windowExpression(std::move(result), BigIntType, false)});
+    return call(std::move(operation),
+                {std::move(total), windowExpression(std::move(result), BigIntType, false)});
 }
 
 } // namespace SampleServer

@@ -6,9 +6,13 @@
 
 #include <functional>
 #include <optional>
+#include <set>
+#include <span>
 #include <string>
 
 namespace SampleServer {
+
+struct Module;
 
 /// What expressions can ask of the session they run in. Used by the session's thread only.
 struct EvaluationContext
@@ -32,6 +36,7 @@ struct EvaluationContext
     std::int32_t transactionCount = 0;
     bool isTransactionDoomed = false; ///< what is left of the open transaction can only be rolled back
     std::int32_t nestingLevel = 0;    ///< @@NESTLEVEL
+    std::int64_t procedureId = 0;     ///< @@PROCID
     std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
     std::optional<Decimal> lastIdentity;
     DateTimeValue statementTime;    ///< local, the same for all rows of a statement
@@ -43,6 +48,9 @@ struct EvaluationContext
     /// The names behind ids, empty when there is none.
     std::function<std::optional<std::string>(std::int64_t)> objectName;
     std::function<std::optional<std::string>(std::int64_t)> databaseName;
+    /// Runs a scalar function of the user's.
+    std::function<Value(const Module &, std::span<const Value>)> callFunction;
+    std::set<std::string> updatedColumns; ///< folded names: what UPDATE(column) knows in a trigger
     /// The current value of a variable (with its @), for expressions that must see changes while a query
     /// runs.
     std::function<Value(const std::string &)> variable;

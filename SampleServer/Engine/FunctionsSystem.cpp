@@ -265,7 +265,9 @@ ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name)
         return integer(static_cast<std::int64_t>(context.optionBits));
     if (upper == "@@NESTLEVEL")
         return integer(context.nestingLevel);
-    if (upper == "@@CPU_BUSY" || upper == "@@PROCID")
+    if (upper == "@@PROCID")
+        return integer(context.procedureId);
+    if (upper == "@@CPU_BUSY")
         return integer(0);
     if (upper == "@@IDENTITY")
         return Binder::constant({TypeId::Decimal, 0, 38, 0},

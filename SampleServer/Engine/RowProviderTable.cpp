@@ -1,5 +1,5 @@
-#include "Engine/RowProvider.h"
 #include "Engine/EngineError.h"
+#include "Engine/RowProvider.h"
 #include "Engine/SqliteConnection.h"
 
 #include <sqlite3.h>
@@ -124,7 +124,8 @@ int filter(sqlite3_vtab_cursor *base, int hidden, const char *column, int count,
         cursor.provider = provider;
         cursor.number = 0;
         RowCursor::Equality equality{column ? std::atoi(column) : 0, arguments[count - 1]};
-        cursor.rows->start({arguments + 1, static_cast<std::size_t>(hidden - 1)}, column ? &equality : nullptr);
+        cursor.rows->start({arguments + 1, static_cast<std::size_t>(hidden - 1)},
+                           column ? &equality : nullptr);
     });
 }
 

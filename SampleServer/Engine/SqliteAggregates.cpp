@@ -120,7 +120,6 @@ void finishReal(sqlite3_context *context)
         sqlite3_result_double(context, state->realSum);
 }
 
-
 // Taking rows out again, for windows that move.
 
 void removeWhole(sqlite3_context *context, int, sqlite3_value **arguments)
