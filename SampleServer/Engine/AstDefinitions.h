@@ -28,8 +28,8 @@ enum class ConstraintKind { PrimaryKey, Unique, ForeignKey, Check, Default };
 struct Constraint
 {
     ConstraintKind kind = ConstraintKind::Check;
-    std::string name;            ///< empty: the server makes one up
-    std::string column;          ///< the column it was written for, empty for a table's
+    std::string name;   ///< empty: the server makes one up
+    std::string column; ///< the column it was written for, empty for a table's
     std::optional<bool> clustered;
     std::vector<KeyColumn> columns;
     IndexOptions options;
@@ -86,9 +86,9 @@ struct AlterTable
         bool ifExists = false;
     };
     std::vector<Dropped> dropped;
-    bool enable = true;              ///< CHECK and NOCHECK CONSTRAINT, ENABLE and DISABLE TRIGGER
-    bool checkExisting = true;       ///< WITH CHECK and NOCHECK
-    std::vector<std::string> names;  ///< of constraints or triggers; empty: all
+    bool enable = true;                        ///< CHECK and NOCHECK CONSTRAINT, ENABLE and DISABLE TRIGGER
+    bool checkExisting = true;                 ///< WITH CHECK and NOCHECK
+    std::vector<std::string> names;            ///< of constraints or triggers; empty: all
     std::optional<bool> setRowGuid, setSparse; ///< ALTER COLUMN ... ADD and DROP
 };
 

@@ -12,7 +12,8 @@ namespace {
 
 constexpr int MaxNesting = 32;
 
-Value callUserFunction(EvaluationContext &context, const Operation &operation, std::span<const Value> arguments)
+Value callUserFunction(EvaluationContext &context, const Operation &operation,
+                       std::span<const Value> arguments)
 {
     return context.callFunction(*operation.module, arguments);
 }
@@ -54,8 +55,9 @@ std::vector<ColumnInfo> Binder::describeModule(const Module &module)
     if (!names.empty() && names.size() != query->columns.size())
         throw EngineError(names.size() < query->columns.size() ? 4502 : 4501, 16, 1,
                           "View or function '" + module.name + "' has " +
-                              (names.size() < query->columns.size() ? "more column names specified than columns defined."
-                                                                    : "more columns defined than column names given."),
+                              (names.size() < query->columns.size()
+                                   ? "more column names specified than columns defined."
+                                   : "more columns defined than column names given."),
                           ErrorEffect::EndsBatch);
     std::vector<ColumnInfo> columns;
     for (const OutputColumn &column : query->columns) {
@@ -66,8 +68,8 @@ std::vector<ColumnInfo> Binder::describeModule(const Module &module)
     return columns;
 }
 
-SourcePtr Binder::bindView(const Ast::TableSource &source, const Ast::ObjectName &name, const NamedSource &view,
-                           Scope &scope)
+SourcePtr Binder::bindView(const Ast::TableSource &source, const Ast::ObjectName &name,
+                           const NamedSource &view, Scope &scope)
 {
     const QueryPtr query = moduleQuery(*view.module, view.database, {});
     ScopeSource entry;
@@ -82,8 +84,8 @@ SourcePtr Binder::bindView(const Ast::TableSource &source, const Ast::ObjectName
     return addQuery(std::move(entry), query, columns, scope, false);
 }
 
-SourcePtr Binder::provided(const Ast::TableSource &source, ScopeSource entry, const std::vector<ColumnInfo> &columns,
-                           ProvidedRows rows, Scope &scope)
+SourcePtr Binder::provided(const Ast::TableSource &source, ScopeSource entry,
+                           const std::vector<ColumnInfo> &columns, ProvidedRows rows, Scope &scope)
 {
     const std::string alias = newAlias();
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -99,8 +101,8 @@ SourcePtr Binder::provided(const Ast::TableSource &source, ScopeSource entry, co
     return std::make_shared<const Source>(Source{alias, std::move(rows)});
 }
 
-SourcePtr Binder::bindCatalog(const Ast::TableSource &source, const Ast::ObjectName &name, const NamedSource &rows,
-                              Scope &scope)
+SourcePtr Binder::bindCatalog(const Ast::TableSource &source, const Ast::ObjectName &name,
+                              const NamedSource &rows, Scope &scope)
 {
     ScopeSource entry;
     entry.name = source.alias.empty() ? name.object() : source.alias;
@@ -146,7 +148,8 @@ SourcePtr Binder::bindModuleFunction(const Ast::TableSource &source, const Ast::
     if (source.alias.empty())
         entry.schema = module->schema;
     if (module->kind == ObjectKind::InlineFunction)
-        return addQuery(std::move(entry), moduleQuery(*module, database, arguments), source.columns, scope, true);
+        return addQuery(std::move(entry), moduleQuery(*module, database, arguments), source.columns, scope,
+                        true);
     std::vector<ColumnInfo> columns;
     for (const TableColumn &column : module->columns) {
         ColumnInfo info;
@@ -155,8 +158,8 @@ SourcePtr Binder::bindModuleFunction(const Ast::TableSource &source, const Ast::
         info.nullable = column.nullable;
         columns.push_back(std::move(info));
     }
-    return provided(source, std::move(entry), columns, {m_tables.functionRows(module, database), std::move(arguments)},
-                    scope);
+    return provided(source, std::move(entry), columns,
+                    {m_tables.functionRows(module, database), std::move(arguments)}, scope);
 }
 
 /// schema.function(arguments)

@@ -15,7 +15,8 @@ bool isSymbol(const Token &token, std::string_view symbol)
 bool isNumber(const Token &token)
 {
     return token.kind == TokenKind::Integer || token.kind == TokenKind::Decimal ||
-           token.kind == TokenKind::Float || token.kind == TokenKind::Money || token.kind == TokenKind::Binary;
+           token.kind == TokenKind::Float || token.kind == TokenKind::Money ||
+           token.kind == TokenKind::Binary;
 }
 
 /// Whether the first token opens a parenthesis that the last one closes.
@@ -45,9 +46,9 @@ std::string bracketed(std::string_view name)
 
 bool takesLength(const std::string &word)
 {
-    static constexpr std::string_view types[] = {"BINARY", "CHAR",      "DATETIME2", "DATETIMEOFFSET", "DECIMAL",
-                                                 "NCHAR",  "NUMERIC",   "NVARCHAR",  "TIME",           "VARBINARY",
-                                                 "VARCHAR"};
+    static constexpr std::string_view types[] = {"BINARY",  "CHAR",      "DATETIME2", "DATETIMEOFFSET",
+                                                 "DECIMAL", "NCHAR",     "NUMERIC",   "NVARCHAR",
+                                                 "TIME",    "VARBINARY", "VARCHAR"};
     return std::find(std::begin(types), std::end(types), word) != std::end(types);
 }
 
@@ -87,8 +88,9 @@ private:
     void addWord(const Token &token)
     {
         const std::string &word = token.keyword;
-        const bool called = followedBy("(") && word != "IN" && word != "AND" && word != "OR" && word != "NOT" &&
-                            word != "EXISTS" && word != "WHEN" && word != "THEN" && word != "ELSE";
+        const bool called = followedBy("(") && word != "IN" && word != "AND" && word != "OR" &&
+                            word != "NOT" && word != "EXISTS" && word != "WHEN" && word != "THEN" &&
+                            word != "ELSE";
         if (called && takesLength(word)) {
             m_text += bracketed(toLower(token.value));
             m_inType = true;

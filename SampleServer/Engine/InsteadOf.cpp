@@ -28,7 +28,8 @@ InsteadOf::InsteadOf(Interpreter &interpreter, const Ast::ObjectName &name, Tabl
     for (const ModulePtr &trigger : found.database->triggersOf(found.object->id))
         if (standsInFor(*trigger, event) && !interpreter.m_insteadOf.contains(trigger->id))
             m_trigger = trigger;
-    const auto *view = found.object->kind == ObjectKind::View ? dynamic_cast<const Module *>(found.object.get()) : nullptr;
+    const auto *view =
+        found.object->kind == ObjectKind::View ? dynamic_cast<const Module *>(found.object.get()) : nullptr;
     if (view && !m_trigger)
         throw Errors::notSupported("changes of rows through views");
     if (m_trigger)
@@ -44,7 +45,8 @@ InsteadOf::~InsteadOf()
     m_interpreter.m_connection.dropTemporary(m_target.table->physicalName());
 }
 
-void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableColumn> &columns, bool withRows)
+void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableColumn> &columns,
+                           bool withRows)
 {
     Table copy;
     copy.id = newObjectId();
@@ -70,7 +72,8 @@ void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableC
     select.query->specification.from.push_back(std::move(source));
     const Bound::QueryPtr query = m_interpreter.binder().bindSelect(select);
     std::vector<std::vector<Value>> rows;
-    m_interpreter.fetch(*query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
+    m_interpreter.fetch(*query,
+                        [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
     Transactions::Change filling(m_interpreter.m_transactions);
     RowWriter writer(m_interpreter, m_target);
     for (const auto &row : rows)

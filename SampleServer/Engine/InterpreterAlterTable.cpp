@@ -131,7 +131,8 @@ void Interpreter::addToTable(const Ast::AlterTable &node, const Bound::TableScan
                 4901, 16, 1,
                 "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT "
                 "definition specified, or the column being added is an identity or timestamp column, or "
-                "alternatively if none of the previous conditions are satisfied the table must be empty to allow "
+                "alternatively if none of the previous conditions are satisfied the table must be empty to "
+                "allow "
                 "addition of this column. Column '" +
                     column.name + "' cannot be added to non-empty table '" + changed.name +
                     "' because it does not satisfy these conditions.",
@@ -142,8 +143,7 @@ void Interpreter::addToTable(const Ast::AlterTable &node, const Bound::TableScan
         if (hasRows && column.identity)
             RowWriter(*this, scan).numberRows(column, *changed.identity);
         else if (hasRows && column.defaultValue && fills)
-            fillColumn(scan, column,
-                       binder().bindValueAs(*column.defaultValue.expression, column.type));
+            fillColumn(scan, column, binder().bindValueAs(*column.defaultValue.expression, column.type));
     }
     const Bound::TableScan after = scanOf(std::make_shared<const Table>(changed), scan.database);
     for (std::size_t i = scan.table->indexes.size(); i < changed.indexes.size(); ++i) {
@@ -170,8 +170,8 @@ void Interpreter::fillColumn(const Bound::TableScan &scan, const TableColumn &co
                              const Bound::ExpressionPtr &value)
 {
     const Emitted emitted = emitExpression(*value);
-    SqliteStatement statement(m_connection, "UPDATE " + scan.schema + '.' + scan.table->physicalName() + " SET " +
-                                                column.physicalName() + " = " + emitted.sql);
+    SqliteStatement statement(m_connection, "UPDATE " + scan.schema + '.' + scan.table->physicalName() +
+                                                " SET " + column.physicalName() + " = " + emitted.sql);
     statement.bind(emitted.parameters);
     statement.step();
 }
@@ -193,8 +193,7 @@ void Interpreter::alterColumn(const Ast::AlterTable &node, const Bound::TableSca
         return replaceTable(scan, std::move(changed));
     }
     if (column.computed)
-        throw EngineError(4928, 16, 1,
-                          "Cannot alter column '" + column.name + "' because it is 'COMPUTED'.",
+        throw EngineError(4928, 16, 1, "Cannot alter column '" + column.name + "' because it is 'COMPUTED'.",
                           ErrorEffect::EndsBatch);
     const NamedType named = findType(definition.type, column.id);
     const TableColumn before = column;
@@ -256,8 +255,8 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
         const std::size_t before = changed.constraints().size();
         for (const TableIndex &index : changed.indexes)
             if (index.isKey() && foldedName(index.name) == folded) {
-                for (const TablePtr &other : scan.database ? scan.database->referencing(changed.id)
-                                                           : std::vector<TablePtr>())
+                for (const TablePtr &other :
+                     scan.database ? scan.database->referencing(changed.id) : std::vector<TablePtr>())
                     for (const ForeignKey &key : other->foreignKeys) {
                         std::vector<int> ids;
                         for (const std::size_t column : index.columns)
@@ -266,9 +265,9 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
                             std::is_permutation(ids.begin(), ids.end(), key.referencedColumns.begin(),
                                                 key.referencedColumns.end()))
                             throw EngineError(3725, 16, 0,
-                                              "The constraint '" + index.name + "' is being referenced by table '" +
-                                                  other->name + "', foreign key constraint '" +
-                                                  key.constraint.name + "'.",
+                                              "The constraint '" + index.name +
+                                                  "' is being referenced by table '" + other->name +
+                                                  "', foreign key constraint '" + key.constraint.name + "'.",
                                               ErrorEffect::EndsBatch);
                     }
                 if (!index.physicalName.empty())
@@ -279,13 +278,15 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
         });
         std::erase_if(changed.foreignKeys,
                       [&](const ForeignKey &key) { return foldedName(key.constraint.name) == folded; });
-        std::erase_if(changed.checks,
-                      [&](const CheckConstraint &check) { return foldedName(check.constraint.name) == folded; });
+        std::erase_if(changed.checks, [&](const CheckConstraint &check) {
+            return foldedName(check.constraint.name) == folded;
+        });
         for (TableColumn &column : changed.columns)
             if (column.defaultValue && foldedName(column.defaultName.name) == folded)
                 column.defaultValue = {};
         if (changed.constraints().size() == before && !item.ifExists)
-            throw EngineError(3728, 16, 1, "'" + item.name + "' is not a constraint.", ErrorEffect::EndsBatch);
+            throw EngineError(3728, 16, 1, "'" + item.name + "' is not a constraint.",
+                              ErrorEffect::EndsBatch);
     }
     replaceTable(scan, std::move(changed));
 }
@@ -295,9 +296,11 @@ void Interpreter::enableConstraints(const Ast::AlterTable &node, const Bound::Ta
     Table changed = *scan.table;
     for (const std::string &name : node.names) {
         const auto all = changed.constraints();
-        if (std::none_of(all.begin(), all.end(),
-                         [&](const ConstraintName *other) { return foldedName(other->name) == foldedName(name); }))
-            throw EngineError(4917, 16, 0, "Constraint '" + name + "' does not exist.", ErrorEffect::EndsBatch);
+        if (std::none_of(all.begin(), all.end(), [&](const ConstraintName *other) {
+                return foldedName(other->name) == foldedName(name);
+            }))
+            throw EngineError(4917, 16, 0, "Constraint '" + name + "' does not exist.",
+                              ErrorEffect::EndsBatch);
     }
     TableChange change(*this, scan, TableChange::Event::Alter);
     for (ForeignKey &key : changed.foreignKeys)
@@ -332,8 +335,9 @@ void Interpreter::enableTriggers(const Ast::AlterTable &node, const Bound::Table
         replaceObject(scan.database, trigger, changed);
     }
     if (found < node.names.size())
-        throw EngineError(4920, 16, 0, "ALTER TABLE failed because trigger '" + node.names[0] + "' on table '" +
-                                           scan.table->name + "' does not exist.",
+        throw EngineError(4920, 16, 0,
+                          "ALTER TABLE failed because trigger '" + node.names[0] + "' on table '" +
+                              scan.table->name + "' does not exist.",
                           ErrorEffect::EndsBatch);
 }
 

@@ -70,7 +70,8 @@ void Interpreter::callProcedure(const std::string &name, std::span<const Procedu
 
 /// Declares the parameters as variables of the frame: the arguments by name or place, the others at their
 /// defaults.
-void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments, Frame &frame)
+void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments,
+                                 Frame &frame)
 {
     std::vector<ProcedureArgument *> given(module.parameters.size());
     bool byName = false;
@@ -78,12 +79,13 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
         std::size_t place = i;
         byName = byName || !arguments[i].name.empty();
         if (byName && arguments[i].name.empty())
-            throw EngineError(119, 15, 1,
-                              "Must pass parameter number " + std::to_string(i + 1) +
-                                  " and subsequent parameters as '@name = value'. After the form '@name = value' "
-                                  "has been used, all subsequent parameters must be passed in the form '@name = "
-                                  "value'.",
-                              ErrorEffect::EndsBatch);
+            throw EngineError(
+                119, 15, 1,
+                "Must pass parameter number " + std::to_string(i + 1) +
+                    " and subsequent parameters as '@name = value'. After the form '@name = value' "
+                    "has been used, all subsequent parameters must be passed in the form '@name = "
+                    "value'.",
+                ErrorEffect::EndsBatch);
         if (byName) {
             place = 0;
             while (place < given.size() &&
@@ -91,16 +93,18 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
                 ++place;
             if (place == given.size())
                 throw EngineError(8145, 16, 2,
-                                  arguments[i].name + " is not a parameter for procedure " + module.name + '.');
+                                  arguments[i].name + " is not a parameter for procedure " + module.name +
+                                      '.');
         }
         if (place >= given.size())
             throw EngineError(8144, 16, 2,
                               "Procedure or function " + module.name + " has too many arguments specified.");
         if (arguments[i].output && !module.parameters[place].output)
-            throw EngineError(8162, 16, 2,
-                              "The formal parameter \"" + module.parameters[place].name +
-                                  "\" was not declared as an OUTPUT parameter, but the actual parameter passed in "
-                                  "requested output.");
+            throw EngineError(
+                8162, 16, 2,
+                "The formal parameter \"" + module.parameters[place].name +
+                    "\" was not declared as an OUTPUT parameter, but the actual parameter passed in "
+                    "requested output.");
         given[place] = &arguments[i];
     }
     for (std::size_t i = 0; i < given.size(); ++i) {
@@ -116,13 +120,14 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
             value = evaluate(*parameter.defaultValue, parameter.type);
         else
             throw EngineError(201, 16, 4,
-                              "Procedure or function '" + module.name + "' expects parameter '" + parameter.name +
-                                  "', which was not supplied.");
+                              "Procedure or function '" + module.name + "' expects parameter '" +
+                                  parameter.name + "', which was not supplied.");
         frame.variables.declare(parameter.name, parameter.type, std::move(value));
     }
 }
 
-void Interpreter::bindTableParameter(const ModuleParameter &parameter, const ProcedureArgument *argument, Frame &frame)
+void Interpreter::bindTableParameter(const ModuleParameter &parameter, const ProcedureArgument *argument,
+                                     Frame &frame)
 {
     if (argument && !argument->table && !argument->isDefault)
         throw EngineError(206, 16, 2,
@@ -146,8 +151,7 @@ std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr 
     const std::int32_t before = m_context.transactionCount;
     runModule(*module, database, frame);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string &name =
-            arguments[i].name.empty() ? module->parameters[i].name : arguments[i].name;
+        const std::string &name = arguments[i].name.empty() ? module->parameters[i].name : arguments[i].name;
         if (const VariableSlot *slot = arguments[i].output ? frame.variables.find(name) : nullptr) {
             arguments[i].name = slot->name;
             arguments[i].type = slot->type;
@@ -155,11 +159,12 @@ std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr 
         }
     }
     if (m_context.transactionCount != before) {
-        EngineError error(266, 16, 2,
-                          "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT "
-                          "statements. Previous count = " +
-                              std::to_string(before) +
-                              ", current count = " + std::to_string(m_context.transactionCount) + '.');
+        EngineError error(
+            266, 16, 2,
+            "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT "
+            "statements. Previous count = " +
+                std::to_string(before) + ", current count = " + std::to_string(m_context.transactionCount) +
+                '.');
         error.message.procedure = module->name;
         error.isRaised = true;
         report(error, 0);
@@ -216,7 +221,8 @@ Value Interpreter::callFunction(const Module &module, std::span<const Value> arg
     return std::move(frame.result);
 }
 
-std::vector<std::vector<Value>> Interpreter::callTableFunction(const Module &module, std::span<const Value> arguments)
+std::vector<std::vector<Value>> Interpreter::callTableFunction(const Module &module,
+                                                               std::span<const Value> arguments)
 {
     Frame frame;
     declareArguments(module, arguments, frame);
@@ -263,7 +269,8 @@ void Interpreter::requireOutsideFunction(const char *what) const
                           "function.",
                           ErrorEffect::EndsBatch);
     throw EngineError(443, 16, 15,
-                      std::string("Invalid use of a side-effecting operator '") + what + "' within a function.",
+                      std::string("Invalid use of a side-effecting operator '") + what +
+                          "' within a function.",
                       ErrorEffect::EndsBatch);
 }
 

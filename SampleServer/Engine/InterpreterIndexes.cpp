@@ -43,8 +43,9 @@ void Interpreter::createPhysicalIndex(const Bound::TableScan &scan, TableIndex &
     for (const std::size_t column : index.columns)
         columns += (columns.empty() ? "" : ", ") + table.columns[column].physicalName();
     try {
-        m_connection.execute(std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " + scan.schema + '.' +
-                             index.physicalName + " ON " + table.physicalName() + '(' + columns + ')');
+        m_connection.execute(std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
+                             scan.schema + '.' + index.physicalName + " ON " + table.physicalName() + '(' +
+                             columns + ')');
     } catch (const SqliteConstraintError &) {
         index.physicalName.clear();
         requireUniqueRows(scan, index, "CREATE UNIQUE INDEX");
@@ -52,7 +53,8 @@ void Interpreter::createPhysicalIndex(const Bound::TableScan &scan, TableIndex &
 }
 
 /// Throws error 1505 when rows of the table have the same key.
-void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableIndex &index, const char *statement)
+void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableIndex &index,
+                                    const char *statement)
 {
     std::set<std::string> seen;
     RowWriter writer(*this, scan);
@@ -63,12 +65,13 @@ void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableInd
         const std::string key = keyText(*scan.table, index, row);
         if (seen.insert(foldedName(key)).second)
             continue;
-        throw EngineError(1505, 16, 1,
-                          std::string("The ") + statement +
-                              " statement terminated because a duplicate key was found for the object name '" +
-                              scan.table->schema + '.' + scan.table->name + "' and the index name '" + index.name +
-                              "'. The duplicate key value is " + key + '.',
-                          ErrorEffect::EndsBatch);
+        throw EngineError(
+            1505, 16, 1,
+            std::string("The ") + statement +
+                " statement terminated because a duplicate key was found for the object name '" +
+                scan.table->schema + '.' + scan.table->name + "' and the index name '" + index.name +
+                "'. The duplicate key value is " + key + '.',
+            ErrorEffect::EndsBatch);
     }
 }
 
@@ -89,8 +92,9 @@ Interpreter::Flow Interpreter::run(const Ast::CreateIndex &node)
     if (const TableIndex *existing = node.options.dropExisting ? changed.findIndex(node.name) : nullptr) {
         if (!existing->physicalName.empty())
             m_connection.execute("DROP INDEX " + scan.schema + '.' + existing->physicalName);
-        std::erase_if(changed.indexes,
-                      [&](const TableIndex &index) { return foldedName(index.name) == foldedName(node.name); });
+        std::erase_if(changed.indexes, [&](const TableIndex &index) {
+            return foldedName(index.name) == foldedName(node.name);
+        });
     }
     TableBuilder builder(*this, std::move(changed), scan.database);
     builder.addIndex(node);
@@ -152,8 +156,8 @@ Interpreter::Flow Interpreter::run(const Ast::DropIndex &node)
         }
         if (index->isKey())
             throw EngineError(3723, 16, 4,
-                              "An explicit DROP INDEX is not allowed on index '" + item.table.toString() + '.' +
-                                  index->name + "'. It is being used for " +
+                              "An explicit DROP INDEX is not allowed on index '" + item.table.toString() +
+                                  '.' + index->name + "'. It is being used for " +
                                   (index->role == TableIndex::Role::PrimaryKey ? "PRIMARY" : "UNIQUE") +
                                   " KEY constraint enforcement.");
         if (scan.database) {
@@ -164,8 +168,9 @@ Interpreter::Flow Interpreter::run(const Ast::DropIndex &node)
         if (!index->physicalName.empty())
             m_connection.execute("DROP INDEX " + scan.schema + '.' + index->physicalName);
         Table changed = *scan.table;
-        std::erase_if(changed.indexes,
-                      [&](const TableIndex &other) { return foldedName(other.name) == foldedName(item.name); });
+        std::erase_if(changed.indexes, [&](const TableIndex &other) {
+            return foldedName(other.name) == foldedName(item.name);
+        });
         replaceTable(scan, std::move(changed));
         change.finish();
     }

@@ -39,7 +39,8 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
     auto module = std::make_shared<Module>(definition.kind);
     if (definition.kind == ObjectKind::Trigger) {
         const FoundObject parent = findObject(definition.parent);
-        if (!parent.object || (parent.object->kind != ObjectKind::Table && parent.object->kind != ObjectKind::View))
+        if (!parent.object ||
+            (parent.object->kind != ObjectKind::Table && parent.object->kind != ObjectKind::View))
             throw EngineError(8197, 16, 4,
                               "The object '" + definition.parent.toString() +
                                   "' does not exist or is invalid for this operation.",
@@ -55,9 +56,11 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
     }
     const ObjectPtr existing = place.database->find(place.schema, definition.name.object());
     const bool isTaken = place.database->isTaken(place.schema, definition.name.object());
-    if (isTaken && (!node.alter || !existing || std::string_view(kindWord(existing->kind)) != kindWord(definition.kind)))
+    if (isTaken &&
+        (!node.alter || !existing || std::string_view(kindWord(existing->kind)) != kindWord(definition.kind)))
         throw EngineError(2714, 16, 3,
-                          "There is already an object named '" + definition.name.object() + "' in the database.",
+                          "There is already an object named '" + definition.name.object() +
+                              "' in the database.",
                           ErrorEffect::EndsBatch);
     if (!existing && !node.create)
         throw Errors::invalidObject(definition.name.toString());
@@ -119,10 +122,11 @@ void Interpreter::describeModule(Module &module, const DatabasePtr &database)
                                       "' is specified more than once.",
                                   ErrorEffect::EndsBatch);
         if (column.name.empty())
-            throw EngineError(4511, 16, 1,
-                              "Create View or Function failed because no column name was specified for column " +
-                                  std::to_string(column.id) + '.',
-                              ErrorEffect::EndsBatch);
+            throw EngineError(
+                4511, 16, 1,
+                "Create View or Function failed because no column name was specified for column " +
+                    std::to_string(column.id) + '.',
+                ErrorEffect::EndsBatch);
         module.columns.push_back(std::move(column));
     }
     m_uses.clear(); // nothing was read

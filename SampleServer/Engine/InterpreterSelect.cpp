@@ -241,6 +241,9 @@ void Interpreter::selectInto(const Ast::Select &node)
         column.id = column.storage = ++definition.lastColumnId;
         column.type = output.info.type;
         column.nullable = output.info.nullable;
+        column.identity = output.info.identity && !definition.identity && !query->op;
+        if (column.identity)
+            definition.identity = std::make_shared<IdentityCounter>(1, 1);
         if (definition.findColumn(column.name))
             throw EngineError(2705, 16, 3,
                               "Column names in each table must be unique. Column name '" + column.name +
@@ -253,6 +256,10 @@ void Interpreter::selectInto(const Ast::Select &node)
     RowWriter writer(*this, scan);
     const std::uint64_t count = fetch(*query, [&](std::span<const Value> row) {
         writer.insert({row.begin(), row.end()});
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (scan.table->columns[i].identity && !isNull(row[i]))
+                scan.table->identity->sawExplicit(std::get<std::int64_t>(
+                    convertValue(row[i], scan.table->columns[i].type, {TypeId::BigInt, 0, 0, 0})));
     });
     change.finish();
     endChange(count, 0xC1);

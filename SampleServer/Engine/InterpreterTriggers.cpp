@@ -5,8 +5,8 @@
 
 namespace SampleServer {
 
-void Interpreter::fireTriggers(const std::vector<ModulePtr> &triggers, const std::vector<TableColumn> &columns,
-                               const ChangedRows &rows)
+void Interpreter::fireTriggers(const std::vector<ModulePtr> &triggers,
+                               const std::vector<TableColumn> &columns, const ChangedRows &rows)
 {
     // A trigger runs inside of a transaction, its statement's own if need be.
     ++m_context.transactionCount;
@@ -19,7 +19,8 @@ void Interpreter::fireTriggers(const std::vector<ModulePtr> &triggers, const std
             throw;
         }
         if (m_context.transactionCount < count || !m_transactions.isOpen())
-            throw EngineError(3609, 16, 1, "The transaction ended in the trigger. The batch has been aborted.",
+            throw EngineError(3609, 16, 1,
+                              "The transaction ended in the trigger. The batch has been aborted.",
                               ErrorEffect::EndsAll);
     }
     --m_context.transactionCount;

@@ -25,10 +25,10 @@ public:
 /// What a name in a FROM clause stands for: one of the three.
 struct NamedSource
 {
-    Bound::TableScan scan;                         ///< of a table; its table is null otherwise
-    ModulePtr module;                              ///< a view or a table function
-    DatabasePtr database;                          ///< where the module was found
-    std::shared_ptr<const RowProvider> provider;   ///< rows of the catalog
+    Bound::TableScan scan;                            ///< of a table; its table is null otherwise
+    ModulePtr module;                                 ///< a view or a table function
+    DatabasePtr database;                             ///< where the module was found
+    std::shared_ptr<const RowProvider> provider;      ///< rows of the catalog
     const std::vector<ColumnInfo> *columns = nullptr; ///< of the provider's rows
 };
 

@@ -170,14 +170,31 @@ StatementPtr Parser::parseAlterDatabase()
         expectSymbol("=");
         node.newName = expectName();
     } else if (acceptKeyword("SET") || acceptKeyword("COLLATE")) {
-        while (current().kind != TokenKind::End && !isSymbol(";"))
-            ++m_at;
+        skipDatabaseOptions();
     } else {
         refuse("ALTER DATABASE ... " + current().keyword);
     }
     if (foldedName(node.name) == "CURRENT")
         node.name.clear();
     return statement(std::move(node));
+}
+
+/// RECOVERY SIMPLE, ANSI_NULLS ON ... WITH ROLLBACK IMMEDIATE: read and without effect.
+void Parser::skipDatabaseOptions()
+{
+    do {
+        ++m_at;
+        acceptSymbol("=");
+        if (isKeyword("ON") || isKeyword("OFF") || isName() || current().kind == TokenKind::Integer)
+            ++m_at;
+        if (isSymbol("("))
+            skipParentheses();
+    } while (acceptSymbol(","));
+    if (!acceptKeyword("WITH"))
+        return;
+    acceptKeyword("ROLLBACK");
+    while (isName() || isKeyword("AFTER") || current().kind == TokenKind::Integer)
+        ++m_at;
 }
 
 StatementPtr Parser::parseAlterTable()
@@ -188,7 +205,8 @@ StatementPtr Parser::parseAlterTable()
         node.checkExisting = ahead(1).keyword == "CHECK";
         m_at += 2;
     } else {
-        node.checkExisting = !isKeyword("CHECK"); // enabling a constraint does not look at the rows unless told
+        node.checkExisting =
+            !isKeyword("CHECK"); // enabling a constraint does not look at the rows unless told
     }
     const bool enableWord = isKeyword("ENABLE") || isKeyword("DISABLE");
     if (acceptKeyword("ADD"))

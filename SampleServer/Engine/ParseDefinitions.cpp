@@ -273,10 +273,8 @@ void Parser::parseReference(Constraint &constraint)
 
 ReferentialAction Parser::parseReferentialAction()
 {
-    if (isName() && isKeyword("CASCADE")) {
-        ++m_at;
+    if (acceptKeyword("CASCADE"))
         return ReferentialAction::Cascade;
-    }
     if (acceptKeyword("SET")) {
         if (acceptKeyword("NULL"))
             return ReferentialAction::SetNull;

@@ -19,8 +19,9 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
     const std::string word = current().keyword;
     if (start != 0)
         fail(EngineError(111, 15, 1,
-                         "'" + std::string(create ? "CREATE" : "ALTER") + (create && alter ? " OR ALTER " : " ") +
-                             word + "' must be the first statement in a query batch.",
+                         "'" + std::string(create ? "CREATE" : "ALTER") +
+                             (create && alter ? " OR ALTER " : " ") + word +
+                             "' must be the first statement in a query batch.",
                          ErrorEffect::EndsBatch),
              current().line);
     const Token &keyword = current();
@@ -38,7 +39,8 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
     // The catalog keeps the text as if it had been created with CREATE.
     const Token &first = m_tokens[start];
     CreateModule node;
-    node.text = std::string(m_sql.substr(0, first.offset)) + "CREATE " + std::string(m_sql.substr(keyword.offset));
+    node.text =
+        std::string(m_sql.substr(0, first.offset)) + "CREATE " + std::string(m_sql.substr(keyword.offset));
     node.definition = std::move(definition);
     node.create = create;
     node.alter = alter;
@@ -186,7 +188,8 @@ void Parser::parseInlineBody(ModuleDefinition &module)
     acceptKeyword("AS");
     expectKeyword("RETURN");
     std::size_t parentheses = 0;
-    while (isSymbol("(") && (ahead(1).keyword == "WITH" || ahead(1).source == "(" || ahead(1).keyword == "SELECT") &&
+    while (isSymbol("(") &&
+           (ahead(1).keyword == "WITH" || ahead(1).source == "(" || ahead(1).keyword == "SELECT") &&
            !(ahead(1).keyword == "SELECT" && closesBeforeSetOperator())) {
         ++m_at;
         ++parentheses;

@@ -111,6 +111,7 @@ private:
     std::optional<bool> acceptClustering();
     bool atTableConstraint() const;
     void skipStorage();
+    void skipDatabaseOptions();
     void skipParentheses();
     std::int64_t parseSignedInteger();
     DefinedExpression keepExpression(Ast::ExpressionPtr (Parser::*parse)());

@@ -59,7 +59,8 @@ std::vector<StoredRow> RowWriter::read(const std::string &where, const std::vect
 
 bool RowWriter::exists(const std::vector<std::size_t> &columns, const std::vector<Value> &values)
 {
-    SqliteStatement statement(m_interpreter.m_connection, "SELECT 1 FROM " + m_place + condition(*m_table, columns));
+    SqliteStatement statement(m_interpreter.m_connection,
+                              "SELECT 1 FROM " + m_place + condition(*m_table, columns));
     for (std::size_t i = 0; i < columns.size(); ++i)
         statement.bind(static_cast<int>(i) + 1, values[i], m_table->columns[columns[i]].type);
     return statement.step();
@@ -71,8 +72,10 @@ Value RowWriter::evaluate(const DefinedExpression &defined, std::int64_t rowId)
     Scope scope;
     binder.enterScope(scope);
     const auto source = binder.bindTarget(m_scan, m_table->name, scope);
-    const Emitted emitted = emitSelection({}, {binder.bindCondition(*defined.expression)}, {source}, nullptr, nullptr);
-    SqliteStatement statement(m_interpreter.m_connection, emitted.sql + " WHERE " + source->alias + ".rowid = " + std::to_string(rowId));
+    const Emitted emitted =
+        emitSelection({}, {binder.bindCondition(*defined.expression)}, {source}, nullptr, nullptr);
+    SqliteStatement statement(m_interpreter.m_connection,
+                              emitted.sql + " WHERE " + source->alias + ".rowid = " + std::to_string(rowId));
     statement.bind(emitted.parameters);
     Value value;
     if (statement.step())
@@ -100,7 +103,7 @@ bool RowWriter::matchesFilter(const TableIndex &index, std::int64_t rowId)
 void RowWriter::requireNoNulls(std::size_t column)
 {
     if (exists({column}, {Value()}))
-        requireNotNull(column, Value(), "UPDATE");
+        failOnNull(column, "UPDATE");
 }
 
 void RowWriter::numberRows(const TableColumn &column, IdentityCounter &counter)

@@ -89,13 +89,16 @@ void RowWriter::requireFits(std::size_t column, const Value &value, const SqlTyp
 
 void RowWriter::requireNotNull(std::size_t column, const Value &value, const char *verb) const
 {
-    const TableColumn &definition = m_table->columns[column];
-    if (!isNull(value) || definition.nullable)
-        return;
+    if (isNull(value) && !m_table->columns[column].nullable)
+        failOnNull(column, verb);
+}
+
+void RowWriter::failOnNull(std::size_t column, const char *verb) const
+{
     throw EngineError(515, 16, 2,
-                      "Cannot insert the value NULL into column '" + definition.name + "', table '" +
-                          m_interpreter.fullName(*m_table) + "'; column does not allow nulls. " + verb +
-                          " fails.");
+                      "Cannot insert the value NULL into column '" + m_table->columns[column].name +
+                          "', table '" + m_interpreter.fullName(*m_table) +
+                          "'; column does not allow nulls. " + verb + " fails.");
 }
 
 std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,

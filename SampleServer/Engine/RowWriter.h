@@ -57,6 +57,7 @@ public:
 
 private:
     void requireNotNull(std::size_t column, const Value &value, const char *verb) const;
+    [[noreturn]] void failOnNull(std::size_t column, const char *verb) const;
     void requireFits(std::size_t column, const Value &value, const SqlType &from, const SqlType &to) const;
     void requireUnique(const std::vector<Value> &row, std::int64_t rowId);
     const TableIndex *duplicateIn(const std::vector<Value> &row, bool all);

@@ -4,7 +4,8 @@
 // The procedures that every server has.
 namespace SampleServer {
 
-std::optional<std::int32_t> Interpreter::callSystemProcedure(const Ast::ObjectName &, std::vector<ProcedureArgument> &)
+std::optional<std::int32_t> Interpreter::callSystemProcedure(const Ast::ObjectName &,
+                                                             std::vector<ProcedureArgument> &)
 {
     return {};
 }

@@ -32,7 +32,8 @@ std::string madeUpName(const char *prefix, const std::string &table, const std::
     const bool shortNumber = !column.empty(); // defaults and checks of columns
     std::snprintf(number, sizeof number, shortNumber ? "%08llX" : "%016llX", shortNumber ? id >> 32 : id);
     const std::string part = column.empty() ? std::string() : "__" + utf16Substring(column, 0, 5);
-    return std::string(prefix) + "__" + utf16Substring(table, 0, 9 - (column.empty() ? 1 : 0)) + part + "__" + number;
+    return std::string(prefix) + "__" + utf16Substring(table, 0, 9 - (column.empty() ? 1 : 0)) + part + "__" +
+           number;
 }
 
 void requireKeyType(const TableColumn &column, const Table &table)
@@ -192,19 +193,19 @@ void TableBuilder::addKey(const Ast::Constraint &constraint)
 {
     const bool primary = constraint.kind == Ast::ConstraintKind::PrimaryKey;
     if (primary && m_table.primaryKey())
-        throw EngineError(
-            8110, 16, 0, "Cannot add multiple PRIMARY KEY constraints to table '" + m_table.name + "'.",
-            ErrorEffect::EndsBatch);
+        throw EngineError(8110, 16, 0,
+                          "Cannot add multiple PRIMARY KEY constraints to table '" + m_table.name + "'.",
+                          ErrorEffect::EndsBatch);
     const bool hasClustered = std::any_of(m_table.indexes.begin(), m_table.indexes.end(),
                                           [](const TableIndex &index) { return index.isClustered(); });
-    TableIndex index =
-        makeIndex(constraint.columns, constraint.clustered.value_or(primary && !hasClustered), constraint.options);
+    TableIndex index = makeIndex(constraint.columns, constraint.clustered.value_or(primary && !hasClustered),
+                                 constraint.options);
     for (const std::size_t place : index.columns) {
         TableColumn &column = m_table.columns[place];
         if (primary && column.nullable && !m_undecided.contains(foldedName(column.name)))
             throw EngineError(8111, 16, 1,
-                              "Cannot define PRIMARY KEY constraint on nullable column in table '" + m_table.name +
-                                  "'.",
+                              "Cannot define PRIMARY KEY constraint on nullable column in table '" +
+                                  m_table.name + "'.",
                               ErrorEffect::EndsBatch);
         column.nullable = column.nullable && !primary;
     }
@@ -227,7 +228,8 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
     const bool self = foldedName(constraint.referenced.object()) == foldedName(m_table.name);
     TablePtr found;
     if (!self && m_database)
-        found = std::dynamic_pointer_cast<const Table>(m_interpreter.findObject(constraint.referenced).object);
+        found =
+            std::dynamic_pointer_cast<const Table>(m_interpreter.findObject(constraint.referenced).object);
     if (!self && !found)
         throw EngineError(1767, 16, 0,
                           "Foreign key '" + key.constraint.name + "' references invalid table '" +
@@ -243,9 +245,8 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
             names.push_back(referenced.columns[column].name);
     if (names.size() != key.columns.size())
         throw EngineError(1773, 16, 0,
-                          "Foreign key '" + key.constraint.name +
-                              "' has implicit reference to object '" + referenced.name +
-                              "' which does not have a primary key defined on it.",
+                          "Foreign key '" + key.constraint.name + "' has implicit reference to object '" +
+                              referenced.name + "' which does not have a primary key defined on it.",
                           ErrorEffect::EndsBatch);
     std::vector<std::size_t> places;
     for (const std::string &name : names) {
@@ -258,16 +259,17 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
         places.push_back(*place);
         key.referencedColumns.push_back(referenced.columns[*place].id);
     }
-    const bool isKey = std::any_of(referenced.indexes.begin(), referenced.indexes.end(), [&](const TableIndex &i) {
-        return i.unique && !i.filter && i.columns.size() == places.size() &&
-               std::is_permutation(i.columns.begin(), i.columns.end(), places.begin());
-    });
+    const bool isKey =
+        std::any_of(referenced.indexes.begin(), referenced.indexes.end(), [&](const TableIndex &i) {
+            return i.unique && !i.filter && i.columns.size() == places.size() &&
+                   std::is_permutation(i.columns.begin(), i.columns.end(), places.begin());
+        });
     if (!isKey)
-        throw EngineError(1776, 16, 0,
-                          "There are no primary or candidate keys in the referenced table '" + referenced.name +
-                              "' that match the referencing column list in the foreign key '" +
-                              key.constraint.name + "'.",
-                          ErrorEffect::EndsBatch);
+        throw EngineError(
+            1776, 16, 0,
+            "There are no primary or candidate keys in the referenced table '" + referenced.name +
+                "' that match the referencing column list in the foreign key '" + key.constraint.name + "'.",
+            ErrorEffect::EndsBatch);
     m_table.foreignKeys.push_back(std::move(key));
 }
 
@@ -296,8 +298,9 @@ void TableBuilder::addIndex(const Ast::CreateIndex &definition)
 {
     if (m_table.findIndex(definition.name))
         throw EngineError(1913, 16, 1,
-                          "The operation failed because an index or statistics with name '" + definition.name +
-                              "' already exists on table '" + m_table.schema + '.' + m_table.name + "'.",
+                          "The operation failed because an index or statistics with name '" +
+                              definition.name + "' already exists on table '" + m_table.schema + '.' +
+                              m_table.name + "'.",
                           ErrorEffect::EndsBatch);
     TableIndex index = makeIndex(definition.columns, definition.clustered, definition.options);
     index.name = definition.name;

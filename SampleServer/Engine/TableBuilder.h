@@ -34,7 +34,7 @@ private:
 
     Interpreter &m_interpreter;
     Table m_table;
-    const DatabasePtr m_database;       ///< null for a temporary table
+    const DatabasePtr m_database;      ///< null for a temporary table
     std::set<std::string> m_undecided; ///< folded names of new columns that may still become NOT NULL
 };
 

@@ -77,9 +77,9 @@ void TableChange::conflict(const ConstraintName &name, const char *kind, const T
 {
     const std::string database = m_scan.database ? m_scan.database->name() : "tempdb";
     throw EngineError(547, 16, 0,
-                      std::string("The ") + verb() + " statement conflicted with the " + kind + " constraint \"" +
-                          name.name + "\". The conflict occurred in database \"" + database + "\", table \"" +
-                          table.schema + '.' + table.name + '"' +
+                      std::string("The ") + verb() + " statement conflicted with the " + kind +
+                          " constraint \"" + name.name + "\". The conflict occurred in database \"" +
+                          database + "\", table \"" + table.schema + '.' + table.name + '"' +
                           (column.empty() ? std::string() : ", column '" + column + '\'') + '.');
 }
 
