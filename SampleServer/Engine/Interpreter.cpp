@@ -67,6 +67,8 @@ Interpreter::Interpreter(std::shared_ptr<Server> server, ServerState &state, std
     }
     ++m_database->users;
     m_context.database = m_database->name();
+    m_info.loginTime = m_info.requestTime = currentLocalTime();
+    describeSession({}, false);
 }
 
 Interpreter::~Interpreter()
@@ -78,7 +80,7 @@ Interpreter::~Interpreter()
 
 void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> parameters, ResultSink &sink)
 {
-    runRequest(sink, [&] {
+    runRequest(sink, sql, [&] {
         for (const BatchParameter &parameter : parameters)
             m_batch.variables.declare(parameter.name, parameter.type, parameter.value);
         runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names()});
@@ -88,8 +90,9 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
 }
 
 /// Does what a client asks for, from clean variables to the end of what the statements left open.
-void Interpreter::runRequest(ResultSink &sink, const std::function<void()> &work)
+void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std::function<void()> &work)
 {
+    describeSession(text, true);
     const ScopedValue<ResultSink *> current(m_sink, &sink);
     m_connection.watch(&sink);
     m_transactions.watch(&sink);
@@ -100,6 +103,7 @@ void Interpreter::runRequest(ResultSink &sink, const std::function<void()> &work
         dropTables(m_batch.tables, true);
         m_transactions.endStatement();
         m_connection.detachUnused();
+        describeSession({}, false);
     };
     try {
         try {
@@ -115,6 +119,22 @@ void Interpreter::runRequest(ResultSink &sink, const std::function<void()> &work
         throw;
     }
     leave();
+}
+
+/// Tells the other sessions what this one does; without a text it keeps the last one.
+void Interpreter::describeSession(std::string_view text, bool isRunning)
+{
+    m_info.id = m_context.spid;
+    m_info.login = m_context.loginName;
+    m_info.host = m_context.hostName;
+    m_info.program = m_context.applicationName;
+    m_info.database = m_database->id();
+    m_info.isRunning = isRunning;
+    if (isRunning) {
+        m_info.requestTime = currentLocalTime();
+        m_info.text = text.substr(0, 4000);
+    }
+    m_state.describeSession(m_info);
 }
 
 /// In a function, the statement around it goes on.

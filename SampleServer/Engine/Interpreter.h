@@ -52,7 +52,8 @@ private:
     enum class Flow { Next, Break, Continue, Return };
 
     // Batches and control flow (Interpreter.cpp)
-    void runRequest(ResultSink &sink, const std::function<void()> &work);
+    void runRequest(ResultSink &sink, std::string_view text, const std::function<void()> &work);
+    void describeSession(std::string_view text, bool isRunning);
     void runText(std::string_view sql, const ParserOptions &options);
     Flow runStatements(const std::vector<Ast::StatementPtr> &statements);
     Flow runStatement(const Ast::Statement &statement);
@@ -202,8 +203,6 @@ private:
     void dropObject(const Ast::ObjectName &name, const std::string &kind, bool ifExists);
     void dropSchema(const std::string &name, bool ifExists);
     void dropType(const Ast::ObjectName &name, bool ifExists);
-    void renameObject(const Ast::ObjectName &name, const std::string &newName, const std::string &kind);
-
     // Names and locks (InterpreterNames.cpp)
     struct FoundObject
     {
@@ -211,9 +210,19 @@ private:
         DatabasePtr database;
     };
     FoundObject findObject(const Ast::ObjectName &name, bool followSynonyms = true);
+    // System procedures (SystemProcedures.cpp)
+    void showText(const std::string &objectName);
+    void rename(const std::string &what, const std::string &newName, const std::string &kind);
+    bool renamePart(const Bound::TableScan &scan, const std::string &part, const std::string &newName,
+                    bool isColumn);
+    void renameWhole(const FoundObject &found, const std::string &newName);
+    bool renameConstraint(const Ast::ObjectName &name, const std::string &newName);
+    void changeProperty(const std::string &procedure, const std::vector<ProcedureArgument> &arguments);
+
     Bound::TableScan findTable(const Ast::ObjectName &name) override;
     Bound::TableScan findOrNull(const Ast::ObjectName &name);
     NamedSource findSource(const Ast::ObjectName &name) override;
+    bool findSystemSource(const Ast::ObjectName &name, NamedSource &source);
     ModulePtr findFunction(const Ast::ObjectName &name, DatabasePtr &database) override;
     NamedType findType(const Ast::TypeName &name, int position) override;
     std::unique_ptr<ModuleNames> enterModule(const Module &module, const DatabasePtr &database) override;
@@ -242,6 +251,7 @@ private:
     ServerState &m_state;
     EvaluationContext m_context;
     SessionOptions m_options;
+    SessionInfo m_info;
     Frame m_batch; ///< its temporary tables are the session's
     Frame *m_frame = &m_batch;
     std::vector<int> m_tries; ///< how deeply nested the TRY blocks around the current statement stand

@@ -51,7 +51,7 @@ void Interpreter::callProcedure(const std::string &name, std::span<const Procedu
     std::vector<ProcedureArgument> values(arguments.begin(), arguments.end());
     std::int32_t status = 0;
     bool failed = false;
-    runRequest(sink, [&] {
+    runRequest(sink, name, [&] {
         try {
             status = call(nameFromText(name), values);
         } catch (EngineError &error) {

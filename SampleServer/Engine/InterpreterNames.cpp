@@ -1,8 +1,11 @@
+#include "Engine/CatalogTable.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
 #include "Engine/NameText.h"
+#include "Engine/SystemCatalog.h"
 #include "Engine/TypeRules.h"
 #include "Types/Collation.h"
+#include "Types/Text.h"
 
 #include <utility>
 
@@ -105,6 +108,8 @@ NamedSource Interpreter::findSource(const Ast::ObjectName &name)
     if (!name.qualifier(3).empty())
         throw Errors::notSupported("names with a server part");
     NamedSource source;
+    if (findSystemSource(name, source))
+        return source;
     const FoundObject found = findObject(name);
     if (auto table = std::dynamic_pointer_cast<const Table>(found.object)) {
         source.scan = scanOf(table, found.database);
@@ -119,8 +124,42 @@ NamedSource Interpreter::findSource(const Ast::ObjectName &name)
     throw Errors::invalidObject(name.toString());
 }
 
+/// The catalog: sys and INFORMATION_SCHEMA, and the old tables without a schema unless the name is taken.
+bool Interpreter::findSystemSource(const Ast::ObjectName &name, NamedSource &source)
+{
+    const std::string schema = foldedName(name.qualifier(1)), object = foldedName(name.object());
+    const bool explicitly = schema == "SYS" || schema == "INFORMATION_SCHEMA";
+    const bool old =
+        (schema.empty() || schema == "DBO") && (object.starts_with("SYS") || object == "SPT_VALUES");
+    if (!explicitly && !old)
+        return false;
+    const DatabasePtr database = findDatabase(name.qualifier(2));
+    if (!database || (old && findObject(name).object))
+        return false;
+    if (const CatalogTable *table = m_nameSchema == "sys" || m_nameSchema == "INFORMATION_SCHEMA"
+                                        ? findCatalogTable(toLower(name.object()))
+                                        : nullptr) {
+        m_transactions.useDefinitions(*database);
+        m_connection.attach(database);
+        source.provider = table->rows({database, m_state, m_connection});
+        source.columns = &table->columns();
+        return true;
+    }
+    source.module = findSystemView(old ? "sys" : name.qualifier(1), name.object());
+    if (source.module && source.module->kind != ObjectKind::View)
+        source.module = nullptr;
+    source.database = database;
+    return source.module != nullptr;
+}
+
 ModulePtr Interpreter::findFunction(const Ast::ObjectName &name, DatabasePtr &database)
 {
+    const std::string schema = foldedName(name.qualifier(1));
+    if (schema == "SYS" || (schema.empty() && foldedName(name.object()).starts_with("FN_")))
+        if (const ModulePtr module = findSystemView("sys", name.object())) {
+            database = findDatabase(name.qualifier(2));
+            return module->kind == ObjectKind::InlineFunction ? module : nullptr;
+        }
     const FoundObject found = findObject(name);
     const bool isFunction = found.object && (found.object->kind == ObjectKind::ScalarFunction ||
                                              found.object->kind == ObjectKind::InlineFunction ||
@@ -221,12 +260,19 @@ void Interpreter::provideNames()
         if (const DatabasePtr database = findDatabase(name.qualifier(2)))
             m_transactions.useDefinitions(*database);
         const FoundObject found = findObject(name, false);
-        return found.object ? std::optional(found.object->id) : std::nullopt;
+        if (found.object)
+            return found.object->id;
+        const DatabasePtr database = findDatabase(name.qualifier(2));
+        const std::string schema = name.qualifier(1).empty() ? "dbo" : name.qualifier(1);
+        if (const TablePtr table = database ? database->findConstraint(schema, name.object()) : nullptr)
+            for (const ConstraintName *constraint : table->constraints())
+                if (foldedName(constraint->name) == foldedName(name.object()))
+                    return constraint->id;
+        const ModulePtr view =
+            findSystemView(name.qualifier(1).empty() ? "sys" : name.qualifier(1), name.object());
+        return database && view ? std::optional(view->id) : std::nullopt;
     };
-    m_context.objectName = [this](std::int64_t id) -> std::optional<std::string> {
-        const ObjectPtr object = m_database->find(id);
-        return object ? std::optional(object->name) : std::nullopt;
-    };
+    m_context.findDatabase = [this](const std::string &name) { return findDatabase(name); };
     m_context.databaseId = [this](const std::string &name) -> std::optional<std::int64_t> {
         const DatabasePtr database = findDatabase(name);
         return database ? std::optional<std::int64_t>(database->id()) : std::nullopt;
