@@ -1,12 +1,9 @@
 #pragma once
 
-#include "Engine/AstQueries.h"
+#include "Engine/AstDefinitions.h"
 
 // The statements of a batch as they were written.
 namespace SampleServer::Ast {
-
-struct Statement;
-using StatementPtr = std::unique_ptr<Statement>;
 
 struct Insert
 {
@@ -49,52 +46,6 @@ struct Delete
 struct TruncateTable
 {
     ObjectName table;
-};
-
-struct ColumnDefinition
-{
-    std::string name;
-    TypeName type;
-    std::optional<bool> nullable;
-    struct Identity
-    {
-        std::int64_t seed = 1, increment = 1;
-    };
-    std::optional<Identity> identity;
-    // Shared with the table that is made, which outlives the batch.
-    std::shared_ptr<const Expression> defaultValue; ///< may be null
-    std::shared_ptr<const Expression> computed;     ///< set for "name AS expression"; type is unused then
-};
-
-struct KeyDefinition
-{
-    std::string name; ///< empty: the server makes one up
-    bool primary = false;
-    std::vector<std::string> columns;
-};
-
-struct CreateTable
-{
-    ObjectName name;
-    std::vector<ColumnDefinition> columns;
-    std::vector<KeyDefinition> keys;
-};
-
-struct DropTable
-{
-    std::vector<ObjectName> names;
-    bool ifExists = false;
-};
-
-struct CreateDatabase
-{
-    std::string name;
-};
-
-struct DropDatabase
-{
-    std::vector<std::string> names;
-    bool ifExists = false;
 };
 
 struct Declare
@@ -219,10 +170,11 @@ struct Execute
 struct Statement
 {
     int line = 1;
-    std::variant<Select, Insert, Update, Delete, TruncateTable, CreateTable, DropTable, CreateDatabase,
-                 DropDatabase, Declare, SetVariable, SetOption, SetIdentityInsert, If, While, Block, Break,
-                 Continue, Return, TryCatch, Throw, Print, RaiseError, WaitForDelay, Use, Transaction,
-                 Execute>
+    std::variant<Select, Insert, Update, Delete, TruncateTable, CreateTable, AlterTable, DropTable,
+                 CreateIndex, AlterIndex, DropIndex, CreateModule, DropObjects, CreateSchema, CreateType,
+                 CreateSynonym, CreateDatabase, AlterDatabase, DropDatabase, Declare, SetVariable, SetOption,
+                 SetIdentityInsert, If, While, Block, Break, Continue, Return, TryCatch, Throw, Print,
+                 RaiseError, WaitForDelay, Use, Transaction, Execute>
         node;
 };
 

@@ -97,7 +97,7 @@ bool Bound::isNullLiteral(const Expression &expression)
     return constant && constant->isLiteral && isNull(constant->value);
 }
 
-Binder::Binder(EvaluationContext &context, TableResolver &tables, const Variables &variables)
+Binder::Binder(EvaluationContext &context, NameResolver &tables, const Variables &variables)
     : m_context(context)
     , m_tables(tables)
     , m_variables(variables)
@@ -224,6 +224,9 @@ ExpressionPtr Binder::bindNode(const Ast::Literal &node)
 
 ExpressionPtr Binder::bindNode(const Ast::VariableReference &node)
 {
+    if (m_parameters)
+        if (const auto found = m_parameters->find(foldedName(node.name)); found != m_parameters->end())
+            return found->second;
     const VariableSlot *slot = m_variables.find(node.name);
     if (!slot)
         throw Errors::mustDeclareVariable(node.name);

@@ -3,6 +3,7 @@
 #include "Engine/Functions.h"
 #include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
+#include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
@@ -263,6 +264,14 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         choice.otherwise = std::move(value);
         return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
     }
+    if (name == "UPDATE") { // of a trigger: whether the statement set the column
+        require(1);
+        const auto *column = std::get_if<Ast::ColumnReference>(&node.arguments[0]->node);
+        if (!column)
+            throw Errors::syntaxNearKeyword("UPDATE");
+        const bool updated = m_context.updatedColumns.contains(foldedName(column->name.object()));
+        return constant(IntType, std::int64_t{updated});
+    }
     if (name == "IIF") {
         require(3);
         return choice({{argument(0), argument(1)}}, argument(2));
@@ -298,11 +307,7 @@ ExpressionPtr Binder::bindNode(const Ast::MethodCall &node)
 ExpressionPtr Binder::bindNode(const Ast::FunctionCall &node)
 {
     if (node.name.parts.size() > 1)
-        throw EngineError(4121, 16, 1,
-                          "Cannot find either column \"" + node.name.qualifier(1) +
-                              "\" or the user-defined function or aggregate \"" + node.name.toString() +
-                              "\", or the name is ambiguous.",
-                          ErrorEffect::EndsBatch);
+        return callModule(node);
     const std::string name = asciiUpper(node.name.object());
     if (node.over)
         return window(node, name);

@@ -63,7 +63,7 @@ ScopeSource Binder::scopeOfTable(const TableScan &scan, const std::string &alias
         entry.info.type = column.type;
         entry.info.nullable = column.nullable;
         entry.info.identity = column.identity;
-        entry.info.computed = column.computed != nullptr;
+        entry.info.computed = static_cast<bool>(column.computed);
         entry.info.updatable = !column.identity && !column.computed;
         entry.source = sqliteAlias;
         entry.column = column.physicalName();
@@ -81,7 +81,7 @@ void Binder::bindComputedColumns(ScopeSource &source)
     const ScopedValue<Scope *> inner(m_scope, &own);
     for (std::size_t i = 0; i < source.columns.size(); ++i)
         if (const auto &computed = source.table->columns[i].computed)
-            source.columns[i].computed = converted(bind(*computed), source.columns[i].info.type);
+            source.columns[i].computed = converted(bind(*computed.expression), source.columns[i].info.type);
 }
 
 std::vector<SourcePtr> Binder::bindFrom(const std::vector<Ast::TableSourcePtr> &from, Scope &scope)
@@ -123,7 +123,12 @@ SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool 
 
 SourcePtr Binder::bindNamed(const Ast::TableSource &source, const Ast::NamedTable &table, Scope &scope)
 {
-    const TableScan scan = m_tables.findTable(table.name);
+    const NamedSource named = m_tables.findSource(table.name);
+    if (named.module)
+        return bindView(source, table.name, named, scope);
+    if (named.provider)
+        return bindCatalog(source, table.name, named, scope);
+    const TableScan &scan = named.scan;
     m_tables.willRead(scan, table.readUncommitted);
     const std::string alias = newAlias();
     ScopeSource entry = scopeOfTable(scan, source.alias, alias);
@@ -231,6 +236,9 @@ SourcePtr Binder::bindFunction(const Ast::TableSource &source, const Ast::Functi
 {
     if (equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
         return bindSplit(source, function, scope);
+    DatabasePtr database;
+    if (const ModulePtr module = m_tables.findFunction(function.name, database))
+        return bindModuleFunction(source, function, module, database, scope);
     const bool isGenerator = equalsIgnoringAsciiCase(function.name.object(), "generate_rows");
     if (!isGenerator)
         throw Errors::invalidObject(function.name.toString());

@@ -1,23 +1,13 @@
 #pragma once
 
 #include "Engine/Bound.h"
-#include "Engine/Catalog.h"
+#include "Engine/NameResolver.h"
 #include "Engine/Variables.h"
 
+#include <map>
 #include <set>
 
 namespace SampleServer {
-
-/// Finds the tables that names stand for, on behalf of the statement that runs.
-class TableResolver
-{
-public:
-    virtual ~TableResolver() = default;
-    /// Throws EngineError 208 when there is no such table.
-    virtual Bound::TableScan findTable(const Ast::ObjectName &name) = 0;
-    /// Told of every table whose rows will be read; `readUncommitted` when it need not wait for its lock.
-    virtual void willRead(const Bound::TableScan &scan, bool readUncommitted) = 0;
-};
 
 /// A column that names can refer to.
 struct ScopeColumn
@@ -70,7 +60,7 @@ struct CommonTableScope
 class Binder
 {
 public:
-    Binder(EvaluationContext &context, TableResolver &tables, const Variables &variables);
+    Binder(EvaluationContext &context, NameResolver &tables, const Variables &variables);
 
     /// A value, with no columns in sight but those of enterScope().
     Bound::ExpressionPtr bindValue(const Ast::Expression &expression);
@@ -82,6 +72,9 @@ public:
     void useCommonTables(const std::vector<Ast::CommonTable> &tables);
     /// Sees variables as they change while the query runs: SELECT @x = @x + column.
     void useLiveVariables() { m_liveVariables = true; }
+
+    /// The columns of a view or inline function.
+    std::vector<ColumnInfo> describeModule(const Module &module);
 
     /// Binds the tables of a FROM clause into `scope`.
     std::vector<Bound::SourcePtr> bindFrom(const std::vector<Ast::TableSourcePtr> &from, Scope &scope);
@@ -197,6 +190,19 @@ private:
                                       Scope &scope);
     Bound::SourcePtr findCommon(const Ast::TableSource &source, const Ast::ObjectName &name, Scope &scope);
     Bound::QueryPtr bindStep(const Ast::Query &step, const CommonTableScope &own, const Bound::Query &anchor);
+    Bound::SourcePtr bindView(const Ast::TableSource &source, const Ast::ObjectName &name,
+                              const NamedSource &view, Scope &scope);
+    Bound::SourcePtr bindCatalog(const Ast::TableSource &source, const Ast::ObjectName &name,
+                                 const NamedSource &rows, Scope &scope);
+    Bound::SourcePtr bindModuleFunction(const Ast::TableSource &source, const Ast::FunctionTable &function,
+                                        const ModulePtr &module, const DatabasePtr &database, Scope &scope);
+    Bound::QueryPtr moduleQuery(const Module &module, const DatabasePtr &database,
+                                const std::vector<Bound::ExpressionPtr> &arguments);
+    std::vector<Bound::ExpressionPtr> moduleArguments(const Module &module,
+                                                      const std::vector<Ast::ExpressionPtr> &arguments);
+    Bound::ExpressionPtr callModule(const Ast::FunctionCall &node);
+    Bound::SourcePtr provided(const Ast::TableSource &source, ScopeSource entry,
+                              const std::vector<ColumnInfo> &columns, Bound::ProvidedRows rows, Scope &scope);
     Bound::SourcePtr bindSplit(const Ast::TableSource &source, const Ast::FunctionTable &function,
                                Scope &scope);
     Bound::SourcePtr bindValues(const Ast::TableSource &source, const Ast::ValuesTable &table, Scope &scope,
@@ -210,13 +216,15 @@ private:
     void bindComputedColumns(ScopeSource &source);
 
     EvaluationContext &m_context;
-    TableResolver &m_tables;
+    NameResolver &m_tables;
     const Variables &m_variables;
     Scope *m_scope = nullptr;
     const CommonTableScope *m_common = nullptr;
     std::unique_ptr<CommonTableScope> m_statementCommon; ///< what useCommonTables() made
     std::string m_recursiveAlias; ///< SQLite's alias of the rows found before, once a step has named them
     int m_maxRecursion = 100;
+    const std::map<std::string, Bound::ExpressionPtr> *m_parameters = nullptr; ///< of an inline function
+    int m_moduleDepth = 0;
     bool m_liveVariables = false;
     int m_aliases = 0;
 };

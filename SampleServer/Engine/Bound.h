@@ -13,6 +13,7 @@
 namespace SampleServer {
 class Database;
 class RowProvider;
+struct Module;
 struct Table;
 struct XmlShape;
 } // namespace SampleServer
@@ -44,10 +45,11 @@ struct Operation
     ScalarFunction function = nullptr;
     SqlType result;
     std::vector<SqlType> arguments;
-    int selector = 0;           ///< what the function needs besides: an operator, a date part, a style
-    std::string text;           ///< likewise: a name
-    bool nullPropagates = true; ///< any NULL argument makes the result NULL without a call
-    bool foldable = true;       ///< gives the same for the same arguments throughout a statement
+    int selector = 0; ///< what the function needs besides: an operator, a date part, a style
+    std::string text; ///< likewise: a name
+    std::shared_ptr<const Module> module; ///< likewise: a function of the user's
+    bool nullPropagates = true;           ///< any NULL argument makes the result NULL without a call
+    bool foldable = true;                 ///< gives the same for the same arguments throughout a statement
 
     friend bool operator==(const Operation &, const Operation &) = default;
 };

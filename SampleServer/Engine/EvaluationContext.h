@@ -5,10 +5,16 @@
 #include "Types/Value.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <set>
+#include <span>
 #include <string>
 
 namespace SampleServer {
+
+class Database;
+struct Module;
 
 /// What expressions can ask of the session they run in. Used by the session's thread only.
 struct EvaluationContext
@@ -20,6 +26,7 @@ struct EvaluationContext
     std::string applicationName;
     std::string database; ///< the current one
     int spid = 51;
+    bool isAzure = false; ///< the server presents itself as a database of Azure's
 
     DateOrder dateOrder = DateOrder::MonthDayYear;
     int firstWeekday = 7; ///< SET DATEFIRST, 1 is Monday
@@ -32,6 +39,7 @@ struct EvaluationContext
     std::int32_t transactionCount = 0;
     bool isTransactionDoomed = false; ///< what is left of the open transaction can only be rolled back
     std::int32_t nestingLevel = 0;    ///< @@NESTLEVEL
+    std::int64_t procedureId = 0;     ///< @@PROCID
     std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
     std::optional<Decimal> lastIdentity;
     DateTimeValue statementTime;    ///< local, the same for all rows of a statement
@@ -40,9 +48,13 @@ struct EvaluationContext
     /// The id of an object by its name as OBJECT_ID takes it, and of a database (empty: the current one).
     std::function<std::optional<std::int64_t>(const std::string &)> objectId;
     std::function<std::optional<std::int64_t>(const std::string &)> databaseId;
-    /// The names behind ids, empty when there is none.
-    std::function<std::optional<std::string>(std::int64_t)> objectName;
+    /// A database by its name (empty: the current one); null when there is none.
+    std::function<std::shared_ptr<Database>(const std::string &)> findDatabase;
+    /// The name behind an id, empty when there is none.
     std::function<std::optional<std::string>(std::int64_t)> databaseName;
+    /// Runs a scalar function of the user's.
+    std::function<Value(const Module &, std::span<const Value>)> callFunction;
+    std::set<std::string> updatedColumns; ///< folded names: what UPDATE(column) knows in a trigger
     /// The current value of a variable (with its @), for expressions that must see changes while a query
     /// runs.
     std::function<Value(const std::string &)> variable;

@@ -86,26 +86,6 @@ Value applicationName(EvaluationContext &context, const Operation &, Arguments)
     return context.applicationName;
 }
 
-Value schemaName(EvaluationContext &, const Operation &, Arguments a)
-{
-    return a.empty() || (!isNull(a[0]) && std::get<std::int64_t>(a[0]) == 1) ? Value(std::string("dbo"))
-                                                                             : Value();
-}
-
-Value objectId(EvaluationContext &context, const Operation &, Arguments a)
-{
-    if (a.size() > 1 && asciiUpper(trimmed(std::get<std::string>(a[1]))) != "U")
-        return {};
-    const auto id = context.objectId(std::get<std::string>(a[0]));
-    return id ? Value(*id) : Value();
-}
-
-Value objectName(EvaluationContext &context, const Operation &, Arguments a)
-{
-    const auto name = context.objectName(std::get<std::int64_t>(a[0]));
-    return name ? Value(*name) : Value();
-}
-
 Value scopeIdentity(EvaluationContext &context, const Operation &, Arguments)
 {
     return context.lastIdentity ? Value(*context.lastIdentity) : Value();
@@ -197,16 +177,12 @@ constexpr Builtin table[] = {
     {"CURRENT_USER", 0, 0, "a", nameResult, userName},
     {"DB_ID", 0, 1, "t", smallIntResult, databaseId, false},
     {"DB_NAME", 0, 1, "i", nameResult, databaseName, false},
-    {"HAS_DBACCESS", 1, 1, "t", intResult, yes},
     {"HOST_NAME", 0, 0, "a", nameResult, hostName},
     {"ISNUMERIC", 1, 1, "a", intResult, isNumericText, false},
     {"IS_MEMBER", 1, 1, "t", intResult, yes},
     {"IS_SRVROLEMEMBER", 1, 2, "t", intResult, yes},
     {"NEWID", 0, 0, "a", guidResult, newIdentifier, true, false},
-    {"OBJECT_ID", 1, 2, "t", intResult, objectId},
-    {"OBJECT_NAME", 1, 1, "i", nameResult, objectName},
     {"ORIGINAL_LOGIN", 0, 0, "a", nameResult, loginName},
-    {"SCHEMA_NAME", 0, 1, "i", nameResult, schemaName, false},
     {"SCOPE_IDENTITY", 0, 0, "a", identityResult, scopeIdentity},
     {"SERVERPROPERTY", 1, 1, "t", variantResult, serverProperty},
     {"SESSION_USER", 0, 0, "a", nameResult, userName},
@@ -265,7 +241,9 @@ ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name)
         return integer(static_cast<std::int64_t>(context.optionBits));
     if (upper == "@@NESTLEVEL")
         return integer(context.nestingLevel);
-    if (upper == "@@CPU_BUSY" || upper == "@@PROCID")
+    if (upper == "@@PROCID")
+        return integer(context.procedureId);
+    if (upper == "@@CPU_BUSY")
         return integer(0);
     if (upper == "@@IDENTITY")
         return Binder::constant({TypeId::Decimal, 0, 38, 0},

@@ -67,6 +67,8 @@ Interpreter::Interpreter(std::shared_ptr<Server> server, ServerState &state, std
     }
     ++m_database->users;
     m_context.database = m_database->name();
+    m_info.loginTime = m_info.requestTime = currentLocalTime();
+    describeSession({}, false);
 }
 
 Interpreter::~Interpreter()
@@ -78,24 +80,38 @@ Interpreter::~Interpreter()
 
 void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> parameters, ResultSink &sink)
 {
+    runRequest(sink, sql, [&] {
+        for (const BatchParameter &parameter : parameters)
+            m_batch.variables.declare(parameter.name, parameter.type, parameter.value);
+        runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names()});
+    });
+    for (BatchParameter &parameter : parameters)
+        parameter.value = m_batch.variables.find(parameter.name)->value;
+}
+
+/// Does what a client asks for, from clean variables to the end of what the statements left open.
+void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std::function<void()> &work)
+{
+    describeSession(text, true);
     const ScopedValue<ResultSink *> current(m_sink, &sink);
     m_connection.watch(&sink);
     m_transactions.watch(&sink);
     m_batch.variables = {};
-    for (const BatchParameter &parameter : parameters)
-        m_batch.variables.declare(parameter.name, parameter.type, parameter.value);
     const auto leave = [this] {
         m_connection.watch(nullptr);
         m_transactions.watch(nullptr);
         dropTables(m_batch.tables, true);
         m_transactions.endStatement();
         m_connection.detachUnused();
+        describeSession({}, false);
     };
     try {
-        runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names()});
+        try {
+            work();
+        } catch (const EngineError &) {
+            // It was reported where it happened.
+        }
         endDoomedTransaction();
-    } catch (const EngineError &) {
-        endDoomedTransaction(); // the error was reported where it happened
     } catch (const BatchCancelled &) {
         // The client knows that it asked for this; its session goes on.
     } catch (...) {
@@ -103,8 +119,29 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
         throw;
     }
     leave();
-    for (BatchParameter &parameter : parameters)
-        parameter.value = m_batch.variables.find(parameter.name)->value;
+}
+
+/// Tells the other sessions what this one does; without a text it keeps the last one.
+void Interpreter::describeSession(std::string_view text, bool isRunning)
+{
+    m_info.id = m_context.spid;
+    m_info.login = m_context.loginName;
+    m_info.host = m_context.hostName;
+    m_info.program = m_context.applicationName;
+    m_info.database = m_database->id();
+    m_info.isRunning = isRunning;
+    if (isRunning) {
+        m_info.requestTime = currentLocalTime();
+        m_info.text = text.substr(0, 4000);
+    }
+    m_state.describeSession(m_info);
+}
+
+/// In a function, the statement around it goes on.
+void Interpreter::endStatement()
+{
+    if (m_callbacks == 0)
+        m_transactions.endStatement();
 }
 
 /// Runs a text to its end or to an error that ends no more than it; errors that end more are thrown on.
@@ -145,12 +182,12 @@ Interpreter::Flow Interpreter::runStatement(const Ast::Statement &statement)
     try {
         return runGuarded(statement);
     } catch (const EngineError &error) {
-        m_transactions.endStatement();
+        endStatement();
         if (!error.isReported || endsBatch(error))
             throw;
         return Flow::Next;
     } catch (...) {
-        m_transactions.endStatement();
+        endStatement();
         throw;
     }
 }
@@ -169,7 +206,7 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
                                 std::holds_alternative<Ast::Execute>(statement.node);
         if (!keepsError)
             m_context.lastError = 0;
-        m_transactions.endStatement();
+        endStatement();
         return flow;
     } catch (EngineError &error) {
         report(error, statement.line, changesRows(statement));
@@ -182,13 +219,15 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
 Interpreter::Flow Interpreter::runLeaf(const Ast::Statement &statement)
 {
     while (true) {
-        m_context.statementTime = currentLocalTime();
-        m_context.statementTimeUtc = currentUtcTime();
+        if (m_callbacks == 0) {
+            m_context.statementTime = currentLocalTime();
+            m_context.statementTimeUtc = currentUtcTime();
+        }
         m_uses.clear();
         try {
             return std::visit([this](const auto &node) { return run(node); }, statement.node);
         } catch (const DefinitionsChanged &) {
-            m_transactions.endStatement();
+            endStatement();
         }
     }
 }
@@ -208,7 +247,7 @@ Interpreter::Flow Interpreter::run(const Ast::If &node)
         report(error, m_line);
         throw;
     }
-    m_transactions.endStatement();
+    endStatement();
     if (condition)
         return runStatement(*node.then);
     return node.otherwise ? runStatement(*node.otherwise) : Flow::Next;
@@ -227,7 +266,7 @@ Interpreter::Flow Interpreter::run(const Ast::While &node)
             report(error, line);
             throw;
         }
-        m_transactions.endStatement();
+        endStatement();
         const Flow flow = runStatement(*node.body);
         if (flow == Flow::Break)
             return Flow::Next;
@@ -243,8 +282,10 @@ Interpreter::Flow Interpreter::run(const Ast::Block &node)
 
 bool Interpreter::holds(const Ast::Expression &condition)
 {
-    m_context.statementTime = currentLocalTime();
-    m_context.statementTimeUtc = currentUtcTime();
+    if (m_callbacks == 0) {
+        m_context.statementTime = currentLocalTime();
+        m_context.statementTimeUtc = currentUtcTime();
+    }
     Value value;
     for (bool bound = false; !bound;) {
         m_uses.clear();
@@ -252,7 +293,7 @@ bool Interpreter::holds(const Ast::Expression &condition)
             value = evaluate(*binder().bindCondition(condition));
             bound = true;
         } catch (const DefinitionsChanged &) {
-            m_transactions.endStatement();
+            endStatement();
         }
     }
     return !isNull(value) && std::get<std::int64_t>(value) != 0;

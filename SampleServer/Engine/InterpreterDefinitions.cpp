@@ -1,13 +1,10 @@
 #include "Engine/Emitter.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
-#include "Engine/TypeRules.h"
+#include "Engine/TableBuilder.h"
 #include "Types/Collation.h"
-#include "Types/Text.h"
-#include "Types/TypeTraits.h"
 
-#include <algorithm>
-
+// CREATE and DROP of tables, schemas, types, synonyms and databases.
 namespace SampleServer {
 
 namespace {
@@ -23,238 +20,133 @@ EngineError nameTaken(const std::string &name)
             ErrorEffect::EndsBatch};
 }
 
-void requireIdentityType(const TableColumn &column)
+EngineError noSuchDatabase(const std::string &name)
 {
-    const bool whole = (isInteger(column.type.id) && column.type.id != TypeId::Bit) ||
-                       (column.type.id == TypeId::Decimal && column.type.scale == 0);
-    if (!whole || column.nullable)
-        throw EngineError(
-            2749, 16, 2,
-            "Identity column '" + column.name +
-                "' must be of data type int, bigint, smallint, tinyint, or decimal or numeric with a scale "
-                "of 0, unencrypted, and constrained to be nonnullable.",
-            ErrorEffect::EndsBatch);
+    return {911, 16, 1,
+            "Database '" + name + "' does not exist. Make sure that the name is entered correctly.",
+            ErrorEffect::EndsBatch};
 }
 
-/// A name for a constraint that was not given one, as the server makes them up.
-std::string madeUpName(const char *prefix, const std::string &table)
+EngineError cannotDrop(const std::string &kind, const std::string &name, int state = 5)
 {
-    char number[20];
-    std::snprintf(number, sizeof number, "%016llX",
-                  static_cast<unsigned long long>(newObjectId()) * 0x9E3779B97F4A7C15u);
-    return std::string(prefix) + "__" + utf16Substring(table, 0, 8) + "__" + number;
-}
-
-TableKey makeKey(const Ast::KeyDefinition &definition, Table &table)
-{
-    TableKey key;
-    key.primary = definition.primary;
-    key.name =
-        definition.name.empty() ? madeUpName(definition.primary ? "PK" : "UQ", table.name) : definition.name;
-    for (const std::string &name : definition.columns) {
-        const auto column = table.findColumn(name);
-        if (!column)
-            throw EngineError(1911, 16, 1,
-                              "Column name '" + name + "' does not exist in the target table or view.",
-                              ErrorEffect::EndsBatch);
-        const SqlType &type = table.columns[*column].type;
-        if (isLegacyLob(type.id) || type.length == SqlType::Max || type.id == TypeId::Xml)
-            throw EngineError(1919, 16, 1,
-                              "Column '" + name + "' in table '" + table.name +
-                                  "' is of a type that is invalid for use as a key column in an index.",
-                              ErrorEffect::EndsBatch);
-        key.columns.push_back(*column);
-    }
-    return key;
+    return {3701, 11, state,
+            "Cannot drop the " + kind + " '" + name +
+                "', because it does not exist or you do not have permission."};
 }
 
 } // namespace
 
-DatabasePtr Interpreter::placeOfNewTable(const Ast::ObjectName &name)
+Interpreter::Place Interpreter::placeOfNew(const Ast::ObjectName &name, bool mayExist)
 {
     if (isTemporary(name.object())) {
-        if (m_frame->tables.find("dbo", name.object()))
+        if (m_frame->tables.find(name.object()))
             throw nameTaken(name.object());
-        return nullptr;
+        return {nullptr, "dbo"};
     }
-    const DatabasePtr database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
-    if (!database)
-        throw EngineError(911, 16, 1,
-                          "Database '" + name.qualifier(2) +
-                              "' does not exist. Make sure that the name is entered correctly.",
-                          ErrorEffect::EndsBatch);
-    const std::string schema = name.qualifier(1);
-    if (!schema.empty() && foldedName(schema) != "DBO")
-        throw EngineError(2760, 16, 1,
-                          "The specified schema name \"" + schema +
-                              "\" either does not exist or you do not have permission to use it.",
-                          ErrorEffect::EndsBatch);
-    m_transactions.changeDefinitions(*database);
-    if (database->findTable("dbo", name.object()))
+    requireOutsideFunction("CREATE");
+    Place place;
+    place.database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
+    if (!place.database)
+        throw noSuchDatabase(name.qualifier(2));
+    m_transactions.changeDefinitions(*place.database);
+    if (const std::string schema = name.qualifier(1); !schema.empty()) {
+        const auto found = place.database->findSchema(schema);
+        if (!found)
+            throw EngineError(2760, 16, 1,
+                              "The specified schema name \"" + schema +
+                                  "\" either does not exist or you do not have permission to use it.",
+                              ErrorEffect::EndsBatch);
+        place.schema = found->name;
+    }
+    if (!mayExist && place.database->isTaken(place.schema, name.object()))
         throw nameTaken(name.object());
-    return database;
+    return place;
+}
+
+Bound::TableScan Interpreter::scanOf(const TablePtr &table, const DatabasePtr &database) const
+{
+    return {table, database ? SqliteConnection::schemaName(*database) : "temp", database};
 }
 
 Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &database)
 {
-    definition.id = newObjectId();
+    if (definition.id == 0)
+        definition.id = newObjectId();
+    definition.storage = definition.id;
     definition.database = database ? database->id() : 0;
-    const TablePtr table = std::make_shared<const Table>(std::move(definition));
+    definition.created = definition.modified = m_context.statementTime;
     if (database)
         m_connection.attach(database);
-    const Bound::TableScan scan{table, database ? SqliteConnection::schemaName(*database) : "temp", database};
     std::string columns;
-    for (const TableColumn &column : table->columns)
+    for (const TableColumn &column : definition.columns)
         if (!column.computed)
             columns += (columns.empty() ? "" : ", ") + column.physicalName() + collationOf(column.type);
-    m_connection.execute("CREATE TABLE " + scan.schema + '.' + table->physicalName() + '(' + columns + ')');
-    for (const TableKey &key : table->keys) {
-        std::string keyColumns;
-        for (const std::size_t column : key.columns)
-            keyColumns += (keyColumns.empty() ? "" : ", ") + table->columns[column].physicalName();
-        m_connection.execute("CREATE UNIQUE INDEX " + scan.schema + ".k" + std::to_string(newObjectId()) +
-                             " ON " + table->physicalName() + '(' + keyColumns + ')');
-    }
+    const std::string schema = database ? SqliteConnection::schemaName(*database) : "temp";
+    m_connection.execute("CREATE TABLE " + schema + '.' + definition.physicalName() + '(' + columns + ')');
+    for (TableIndex &index : definition.indexes)
+        createPhysicalIndex({std::make_shared<const Table>(definition), schema, database}, index);
+    const TablePtr table = std::make_shared<const Table>(std::move(definition));
     if (database) {
-        database->insertTable(table);
-        m_transactions.onRollback([database, table] { database->eraseTable(*table); });
+        database->insert(table);
+        m_transactions.onRollback([database, table] { database->erase(*table); });
     } else {
         m_frame->tables.insert(table);
         m_transactions.onRollback([this, table] { eraseTemporary(*table); });
     }
-    return scan;
+    return scanOf(table, database);
 }
 
 Interpreter::Flow Interpreter::run(const Ast::CreateTable &node)
 {
-    const DatabasePtr database = placeOfNewTable(node.name);
-    Table table = buildTable(node);
+    const Place place = placeOfNew(node.name);
+    Table table;
+    table.name = node.name.object();
+    table.schema = place.schema;
+    table.id = newObjectId();
+    TableBuilder builder(*this, std::move(table), place.database);
+    builder.add(node);
     Transactions::Change change(m_transactions);
-    createTable(std::move(table), database);
+    createTable(builder.take(), place.database);
     change.finish();
     m_context.rowCount = 0;
     return Flow::Next;
 }
 
-Table Interpreter::buildTable(const Ast::CreateTable &node)
-{
-    Table table;
-    table.name = node.name.object();
-    for (const Ast::ColumnDefinition &definition : node.columns) {
-        TableColumn column;
-        column.name = definition.name;
-        column.id = static_cast<int>(table.columns.size()) + 1;
-        if (table.findColumn(column.name))
-            throw EngineError(2705, 16, 3,
-                              "Column names in each table must be unique. Column name '" + column.name +
-                                  "' in table '" + table.name + "' is specified more than once.",
-                              ErrorEffect::EndsBatch);
-        if (!definition.computed)
-            column.type = columnType(definition, column.id);
-        column.nullable = definition.nullable.value_or(!definition.identity);
-        column.identity = definition.identity.has_value();
-        column.defaultValue = definition.defaultValue;
-        column.computed = definition.computed;
-        if (definition.identity) {
-            if (table.identity)
-                throw EngineError(2744, 16, 2,
-                                  "Multiple identity columns specified for table '" + table.name +
-                                      "'. Only one identity column per table is allowed.",
-                                  ErrorEffect::EndsBatch);
-            requireIdentityType(column);
-            table.identity =
-                std::make_shared<IdentityCounter>(definition.identity->seed, definition.identity->increment);
-        }
-        table.columns.push_back(std::move(column));
-    }
-    for (const Ast::KeyDefinition &definition : node.keys) {
-        TableKey key = makeKey(definition, table);
-        if (key.primary) {
-            if (std::any_of(table.keys.begin(), table.keys.end(),
-                            [](const TableKey &other) { return other.primary; }))
-                throw EngineError(
-                    8110, 16, 0, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.",
-                    ErrorEffect::EndsBatch);
-            for (const std::size_t column : key.columns) {
-                if (node.columns[column].nullable == true)
-                    throw EngineError(8111, 16, 1,
-                                      "Cannot define PRIMARY KEY constraint on nullable column in table '" +
-                                          table.name + "'.",
-                                      ErrorEffect::EndsBatch);
-                table.columns[column].nullable = false;
-            }
-        }
-        table.keys.push_back(std::move(key));
-    }
-    typeComputedColumns(table);
-    return table;
-}
-
-SqlType Interpreter::columnType(const Ast::ColumnDefinition &definition, int number) const
-{
-    try {
-        return resolveType(definition.type, TypePlace::Declaration);
-    } catch (EngineError &error) {
-        if (error.message.number == 2715)
-            throw Errors::unknownType(definition.type.name.toString(), number);
-        throw;
-    }
-}
-
-/// Finds the types of computed columns by binding them over the stored ones.
-void Interpreter::typeComputedColumns(Table &table)
-{
-    Scope scope;
-    ScopeSource source;
-    source.name = table.name;
-    for (const TableColumn &column : table.columns) {
-        if (column.computed)
-            continue;
-        ScopeColumn entry;
-        entry.info.name = column.name;
-        entry.info.type = column.type;
-        entry.info.nullable = column.nullable;
-        entry.source = "s0";
-        entry.column = column.physicalName();
-        source.columns.push_back(std::move(entry));
-    }
-    scope.sources.push_back(std::move(source));
-    Binder types = binder();
-    types.enterScope(scope);
-    for (TableColumn &column : table.columns) {
-        if (!column.computed)
-            continue;
-        const auto bound = types.bindValue(*column.computed);
-        column.type = bound->type;
-        column.nullable = true;
-    }
-}
-
 Interpreter::Flow Interpreter::run(const Ast::DropTable &node)
 {
     for (const Ast::ObjectName &name : node.names) {
-        const bool temporary = isTemporary(name.object());
-        const DatabasePtr database =
-            temporary ? nullptr
-                      : findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
-        if (database)
+        const Bound::TableScan scan = [&]() -> Bound::TableScan {
+            if (isTemporary(name.object()))
+                return findOrNull(name);
+            const DatabasePtr database =
+                findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
+            if (!database)
+                return {};
             m_transactions.changeDefinitions(*database);
-        const Bound::TableScan scan = temporary || database ? findOrNull(name) : Bound::TableScan();
+            return findOrNull(name);
+        }();
         if (!scan.table) {
             if (node.ifExists)
                 continue;
-            throw EngineError(3701, 11, 5,
-                              "Cannot drop the table '" + name.toString() +
-                                  "', because it does not exist or you do not have permission.");
+            throw cannotDrop("table", name.toString());
         }
-        if (database)
-            m_connection.attach(database);
-        Transactions::Change change(m_transactions);
-        m_connection.execute("DROP TABLE " + scan.schema + '.' + scan.table->physicalName());
         const TablePtr table = scan.table;
+        const DatabasePtr database = scan.database;
         if (database) {
-            database->eraseTable(*table);
-            m_transactions.onRollback([database, table] { database->insertTable(table); });
+            for (const TablePtr &other : database->referencing(table->id))
+                if (other->id != table->id)
+                    throw EngineError(3726, 16, 1,
+                                      "Could not drop object '" + name.toString() +
+                                          "' because it is referenced by a FOREIGN KEY constraint.");
+            m_connection.attach(database);
+        }
+        Transactions::Change change(m_transactions);
+        m_connection.execute("DROP TABLE " + scan.schema + '.' + table->physicalName());
+        if (database) {
+            for (const ModulePtr &trigger : database->triggersOf(table->id))
+                replaceObject(database, trigger, nullptr);
+            database->erase(*table);
+            m_transactions.onRollback([database, table] { database->insert(table); });
         } else {
             eraseTemporary(*table);
             m_transactions.onRollback([this, table] { m_frame->tables.insert(table); });
@@ -262,6 +154,149 @@ Interpreter::Flow Interpreter::run(const Ast::DropTable &node)
         change.finish();
     }
     m_context.rowCount = 0;
+    return Flow::Next;
+}
+
+void Interpreter::replaceObject(const DatabasePtr &database, const ObjectPtr &before, ObjectPtr after)
+{
+    if (before)
+        database->erase(*before);
+    if (after)
+        database->insert(after);
+    m_transactions.onRollback([database, before, after] {
+        if (after)
+            database->erase(*after);
+        if (before)
+            database->insert(before);
+    });
+}
+
+void Interpreter::replaceTable(const Bound::TableScan &scan, Table changed)
+{
+    changed.modified = m_context.statementTime;
+    const TablePtr before = scan.table, after = std::make_shared<const Table>(std::move(changed));
+    if (scan.database)
+        return replaceObject(scan.database, before, after);
+    eraseTemporary(*before);
+    m_frame->tables.insert(after);
+    m_transactions.onRollback([this, before, after] {
+        eraseTemporary(*after);
+        m_frame->tables.insert(before);
+    });
+}
+
+Interpreter::Flow Interpreter::run(const Ast::CreateSchema &node)
+{
+    m_transactions.changeDefinitions(*m_database);
+    if (m_database->findSchema(node.name))
+        throw nameTaken(node.name);
+    Transactions::Change change(m_transactions);
+    const Schema schema = m_database->createSchema(node.name);
+    m_transactions.onRollback([database = m_database, schema] { database->eraseSchema(schema); });
+    change.finish();
+    return Flow::Next;
+}
+
+void Interpreter::dropSchema(const std::string &name, bool ifExists)
+{
+    m_transactions.changeDefinitions(*m_database);
+    const auto schema = m_database->findSchema(name);
+    if (!schema || schema->id < 5) {
+        if (!schema && ifExists)
+            return;
+        throw EngineError(15151, 16, 1,
+                          "Cannot drop the schema '" + name +
+                              "', because it does not exist or you do not have permission.");
+    }
+    for (const ObjectPtr &object : m_database->objects())
+        if (foldedName(object->schema) == foldedName(name))
+            throw EngineError(3729, 16, 1,
+                              "Cannot drop schema '" + name + "' because it is being referenced by object '" +
+                                  object->name + "'.");
+    Transactions::Change change(m_transactions);
+    m_database->eraseSchema(*schema);
+    m_transactions.onRollback(
+        [database = m_database, schema] { database->createSchema(schema->name, schema->id); });
+    change.finish();
+}
+
+Interpreter::Flow Interpreter::run(const Ast::CreateType &node)
+{
+    const Place place = placeOfNew({{node.name.qualifier(1), node.name.object()}}, true);
+    if (place.database->findType(place.schema, node.name.object()))
+        throw EngineError(219, 16, 1,
+                          "The type '" + node.name.toString() +
+                              "' already exists, or you do not have permission to create it.",
+                          ErrorEffect::EndsBatch);
+    UserType type;
+    type.schema = place.schema;
+    type.name = node.name.object();
+    if (node.table) {
+        Table table;
+        table.kind = ObjectKind::TableType;
+        table.schema = place.schema;
+        table.name = type.name;
+        table.id = newObjectId();
+        table.database = place.database->id();
+        table.created = table.modified = m_context.statementTime;
+        TableBuilder builder(*this, std::move(table), nullptr);
+        builder.add(*node.table);
+        type.table = std::make_shared<const Table>(builder.take());
+        type.nullable = false;
+    } else {
+        type.base = findType(node.base, 1).type;
+        type.nullable = node.nullable.value_or(true);
+    }
+    type.id = place.database->newTypeId();
+    Transactions::Change change(m_transactions);
+    const auto made = std::make_shared<const UserType>(std::move(type));
+    place.database->insertType(made);
+    m_transactions.onRollback([database = place.database, made] { database->eraseType(*made); });
+    change.finish();
+    return Flow::Next;
+}
+
+void Interpreter::dropType(const Ast::ObjectName &name, bool ifExists)
+{
+    m_transactions.changeDefinitions(*m_database);
+    const std::string schema = name.qualifier(1).empty() ? "dbo" : name.qualifier(1);
+    const UserTypePtr type = m_database->findType(schema, name.object());
+    if (!type) {
+        if (ifExists)
+            return;
+        throw EngineError(218, 16, 1,
+                          "Could not find the type '" + name.toString() +
+                              "'. Either it does not exist or you do not have the necessary permission.");
+    }
+    for (const ObjectPtr &object : m_database->objects())
+        if (const auto *table = dynamic_cast<const Table *>(object.get()))
+            for (const TableColumn &column : table->columns)
+                if (column.userType && column.userType->id == type->id)
+                    throw EngineError(3732, 16, 1,
+                                      "Cannot drop type '" + name.toString() +
+                                          "' because it is being referenced by object '" + table->name +
+                                          "'. There may be other objects that reference this type.");
+    Transactions::Change change(m_transactions);
+    m_database->eraseType(*type);
+    m_transactions.onRollback([database = m_database, type] { database->insertType(type); });
+    change.finish();
+}
+
+Interpreter::Flow Interpreter::run(const Ast::CreateSynonym &node)
+{
+    const Place place = placeOfNew(node.name);
+    auto synonym = std::make_shared<Synonym>();
+    synonym->id = newObjectId();
+    synonym->database = place.database->id();
+    synonym->schema = place.schema;
+    synonym->name = node.name.object();
+    synonym->created = synonym->modified = m_context.statementTime;
+    synonym->target = node.target;
+    for (const std::string &part : node.target.parts)
+        synonym->targetText += (synonym->targetText.empty() ? "[" : ".[") + part + ']';
+    Transactions::Change change(m_transactions);
+    replaceObject(place.database, nullptr, synonym);
+    change.finish();
     return Flow::Next;
 }
 
@@ -277,6 +312,26 @@ Interpreter::Flow Interpreter::run(const Ast::CreateDatabase &node)
     return Flow::Next;
 }
 
+Interpreter::Flow Interpreter::run(const Ast::AlterDatabase &node)
+{
+    const DatabasePtr database = findDatabase(node.name);
+    if (!database)
+        throw EngineError(5011, 14, 5,
+                          "User does not have permission to alter database '" + node.name +
+                              "', the database does not exist, or the database is not in a state that allows "
+                              "access checks.");
+    if (node.newName.empty())
+        return Flow::Next;
+    if (!m_state.databases.rename(*database, node.newName))
+        throw EngineError(1801, 16, 3,
+                          "Database '" + node.newName + "' already exists. Choose a different database name.",
+                          ErrorEffect::EndsBatch);
+    if (database == m_database)
+        m_context.database = node.newName;
+    m_sink->message({5001, 0, 0, "The database name '" + node.newName + "' has been set.", {}, m_line});
+    return Flow::Next;
+}
+
 Interpreter::Flow Interpreter::run(const Ast::DropDatabase &node)
 {
     if (m_transactions.isOpen())
@@ -287,9 +342,7 @@ Interpreter::Flow Interpreter::run(const Ast::DropDatabase &node)
         if (!database) {
             if (node.ifExists)
                 continue;
-            throw EngineError(3701, 11, 1,
-                              "Cannot drop the database '" + name +
-                                  "', because it does not exist or you do not have permission.");
+            throw cannotDrop("database", name, 1);
         }
         if (database->id() <= 4)
             throw EngineError(3708, 16, 4,

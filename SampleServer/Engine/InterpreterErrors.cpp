@@ -28,6 +28,8 @@ void Interpreter::locate(EngineError &error, int line) const
     if (error.depth >= 0)
         return;
     error.depth = m_frame->depth;
+    if (rollsBack(error))
+        error.effect = ErrorEffect::RollsBack; // also where SET XACT_ABORT is OFF again
     if (!error.hasLine)
         error.message.line = line;
     error.hasLine = true;

@@ -96,7 +96,7 @@ void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
 
 /// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
 /// current database afterwards.
-void Interpreter::runNested(std::string_view sql, Variables &variables)
+void Interpreter::executeText(std::string_view sql, Variables &variables)
 {
     Frame frame;
     std::swap(frame.variables, variables);
@@ -107,11 +107,12 @@ void Interpreter::runNested(std::string_view sql, Variables &variables)
 
 Interpreter::Flow Interpreter::run(const Ast::Execute &node)
 {
+    requireOutsideFunction("EXECUTE");
     if (node.text) {
         const Value text = evaluate(*node.text, LongText);
         Variables none;
         if (!isNull(text))
-            runNested(std::get<std::string>(text), none);
+            executeText(std::get<std::string>(text), none);
         return Flow::Next;
     }
     Ast::ObjectName name = node.procedure;
@@ -124,14 +125,52 @@ Interpreter::Flow Interpreter::run(const Ast::Execute &node)
         executeSql(node);
         return Flow::Next;
     }
-    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + name.toString() + "'.");
+    std::vector<ProcedureArgument> arguments = evaluateArguments(node);
+    endStatement(); // the procedure's statements have their own locks
+    const std::int32_t status = call(name, arguments);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const auto *variable = node.arguments[i].value
+                                   ? std::get_if<Ast::VariableReference>(&node.arguments[i].value->node)
+                                   : nullptr;
+        if (arguments[i].output && variable)
+            assign(variable->name, arguments[i].value, arguments[i].type);
+    }
+    if (!node.statusVariable.empty())
+        assign(node.statusVariable, std::int64_t{status}, {TypeId::Int, 0, 0, 0});
+    if (m_frame->depth == 0) {
+        m_sink->returnStatus(status);
+        m_sink->endProcedure({});
+    }
+    return Flow::Next;
+}
+
+std::vector<ProcedureArgument> Interpreter::evaluateArguments(const Ast::Execute &node)
+{
+    std::vector<ProcedureArgument> arguments;
+    for (const Ast::Execute::Argument &item : node.arguments) {
+        ProcedureArgument argument;
+        argument.name = item.name;
+        argument.output = item.output;
+        argument.isDefault = !item.value;
+        const auto *variable = item.value ? std::get_if<Ast::VariableReference>(&item.value->node) : nullptr;
+        if (variable && !m_frame->variables.find(variable->name))
+            argument.table = findTemporary(variable->name);
+        if (item.value && !argument.table) {
+            const auto bound = binder().bindValue(*item.value);
+            argument.type = bound->type;
+            argument.value = evaluate(*bound);
+        }
+        arguments.push_back(std::move(argument));
+    }
+    return arguments;
 }
 
 Interpreter::Flow Interpreter::run(const Ast::Return &node)
 {
     if (node.status) {
-        const Value status = evaluate(*node.status, {TypeId::Int, 0, 0, 0});
-        m_frame->status = isNull(status) ? 0 : static_cast<std::int32_t>(std::get<std::int64_t>(status));
+        const bool isFunction = m_frame->module && m_frame->module->kind == ObjectKind::ScalarFunction;
+        m_frame->result =
+            evaluate(*node.status, isFunction ? m_frame->module->result : SqlType{TypeId::Int, 0, 0, 0});
     }
     return Flow::Return;
 }
@@ -150,7 +189,7 @@ void Interpreter::executeSql(const Ast::Execute &node)
     Variables variables;
     std::vector<std::pair<std::string, std::string>> outputs; // the text's variable and the caller's
     for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const SqlType type = resolveType(parameters[i].type, TypePlace::Declaration);
+        const SqlType type = findType(parameters[i].type, static_cast<int>(i) + 1).type;
         const Ast::Execute::Argument *argument = nullptr;
         for (std::size_t a = 2; a < node.arguments.size(); ++a) {
             const bool byName = !node.arguments[a].name.empty();
@@ -169,7 +208,7 @@ void Interpreter::executeSql(const Ast::Execute &node)
         if (argument->output && variable && parameters[i].output)
             outputs.emplace_back(parameters[i].name, variable->name);
     }
-    runNested(statement, variables);
+    executeText(statement, variables);
     for (const auto &[inner, outer] : outputs)
         if (const VariableSlot *slot = variables.find(inner))
             assign(outer, slot->value, slot->type);

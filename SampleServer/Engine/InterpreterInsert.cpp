@@ -1,9 +1,10 @@
 #include "Engine/CollectingSink.h"
 #include "Engine/Conversion.h"
 #include "Engine/Errors.h"
+#include "Engine/InsteadOf.h"
 #include "Engine/Interpreter.h"
-#include "Engine/RowWriter.h"
 #include "Engine/ScopedValue.h"
+#include "Engine/TableChange.h"
 #include "Engine/TypeRules.h"
 #include "Types/DecimalMath.h"
 #include "Types/TypeTraits.h"
@@ -75,13 +76,18 @@ std::vector<std::size_t> targetColumns(const Ast::Insert &node, const Table &tab
 class InsertRun
 {
 public:
-    InsertRun(Interpreter &interpreter, const Bound::TableScan &scan, std::vector<std::size_t> targets)
+    InsertRun(Interpreter &interpreter, const Bound::TableScan &scan, std::vector<std::size_t> targets,
+              bool keepsRows)
         : m_interpreter(interpreter)
         , m_table(*scan.table)
         , m_targets(std::move(targets))
-        , m_writer(interpreter, scan)
+        , m_change(interpreter, scan, TableChange::Event::Insert)
     {
+        if (keepsRows)
+            m_change.keepRows();
     }
+
+    const TableChange &change() const { return m_change; }
 
     /// `values` and `types` belong to the target columns.
     void write(std::span<const Value> values, const std::vector<SqlType> &types)
@@ -89,7 +95,7 @@ public:
         std::vector<Value> row(m_table.columns.size());
         std::vector<bool> given(row.size());
         for (std::size_t i = 0; i < m_targets.size(); ++i) {
-            row[m_targets[i]] = m_writer.assigned(m_targets[i], values[i], types[i]);
+            row[m_targets[i]] = m_change.writer().assigned(m_targets[i], values[i], types[i]);
             given[m_targets[i]] = true;
         }
         store(row, given);
@@ -108,17 +114,32 @@ public:
             const auto bound = m_interpreter.binder().bindValue(*expressions[i]);
             if (!Bound::isNullLiteral(*bound))
                 requireConversion(bound->type, type, false);
-            row[column] = m_writer.assigned(column, m_interpreter.evaluate(*bound), bound->type);
+            row[column] = m_change.writer().assigned(column, m_interpreter.evaluate(*bound), bound->type);
             given[column] = true;
         }
         store(row, given);
+    }
+
+    /// What follows from the new rows; returns how many there are.
+    std::uint64_t finish()
+    {
+        if (m_ignored)
+            m_interpreter.m_sink->message({3604, 1, 0, "Duplicate key was ignored.",
+                                           m_interpreter.m_frame->procedure, m_interpreter.m_line});
+        const std::uint64_t count = m_count;
+        m_change.finish();
+        return count;
     }
 
 private:
     void store(std::vector<Value> &row, const std::vector<bool> &given)
     {
         complete(row, given);
-        m_writer.insert(row);
+        if (!m_change.insert(row)) {
+            m_ignored = true;
+            return;
+        }
+        ++m_count;
         for (std::size_t i = 0; i < row.size(); ++i)
             if (m_table.columns[i].identity)
                 m_interpreter.m_context.lastIdentity = std::get<Decimal>(convertValue(
@@ -132,8 +153,8 @@ private:
             if (column.identity)
                 completeIdentity(row[i], given[i], column);
             else if (!given[i] && column.defaultValue) {
-                const auto bound = m_interpreter.binder().bindValue(*column.defaultValue);
-                row[i] = m_writer.assigned(i, m_interpreter.evaluate(*bound), bound->type);
+                const auto bound = m_interpreter.binder().bindValue(*column.defaultValue.expression);
+                row[i] = m_change.writer().assigned(i, m_interpreter.evaluate(*bound), bound->type);
             }
         }
     }
@@ -151,13 +172,18 @@ private:
     Interpreter &m_interpreter;
     const Table &m_table;
     const std::vector<std::size_t> m_targets;
-    RowWriter m_writer;
+    std::uint64_t m_count = 0;
+    bool m_ignored = false; ///< an index with IGNORE_DUP_KEY left a row out
+    TableChange m_change;
 };
 
 void Interpreter::endChange(std::uint64_t count, std::uint16_t command)
 {
     m_context.rowCount = static_cast<std::int64_t>(count);
+    if (m_callbacks > 0)
+        return; // nobody is told what a function does
     StatementEnd end;
+    end.inProcedure = m_frame->module != nullptr;
     end.currentCommand = command;
     if (!m_options.noCount)
         end.rowCount = count;
@@ -170,7 +196,8 @@ Interpreter::Flow Interpreter::run(const Ast::Insert &node)
     std::vector<CollectingSink::Row> collected;
     if (node.execute)
         collected = collectExecuted(std::get<Ast::Execute>(node.execute->node));
-    const Bound::TableScan scan = findTable(node.table);
+    InsteadOf instead(*this, node.table, TableChange::Event::Insert);
+    const Bound::TableScan scan = instead.isActive() ? instead.target() : findTable(node.table);
     const bool identityInsert = m_options.identityInsertTable == scan.table->id;
     std::vector<std::size_t> targets;
     if (!node.defaultValues)
@@ -190,28 +217,27 @@ Interpreter::Flow Interpreter::run(const Ast::Insert &node)
                              }) > 0;
     lockUses();
     Transactions::Change change(m_transactions);
-    InsertRun insert(*this, scan, targets);
-    std::uint64_t count = 0;
-    if (node.defaultValues) {
+    InsertRun insert(*this, scan, targets, instead.isActive());
+    if (node.defaultValues)
         insert.writeExpressions({});
-        count = 1;
-    }
     for (const auto &row : node.rows) {
         insert.writeExpressions(row);
-        if (++count % 64 == 0)
-            checkAttention();
+        checkAttention();
     }
     if (query)
-        count = insertFrom(*query, *scan.table, insert, targets, readsItself);
+        insertFrom(*query, *scan.table, insert, targets, readsItself);
     if (node.execute)
-        count = insertCollected(collected, *scan.table, insert, targets);
+        insertCollected(collected, *scan.table, insert, targets);
+    const std::uint64_t count = insert.finish();
+    if (instead.isActive())
+        instead.fire(insert.change());
     change.finish();
     endChange(count, command);
     return Flow::Next;
 }
 
-std::uint64_t Interpreter::insertFrom(const Bound::Query &query, const Table &table, InsertRun &insert,
-                                      const std::vector<std::size_t> &targets, bool readsItself)
+void Interpreter::insertFrom(const Bound::Query &query, const Table &table, InsertRun &insert,
+                             const std::vector<std::size_t> &targets, bool readsItself)
 {
     if (query.columns.size() != targets.size())
         throw query.columns.size() < targets.size()
@@ -233,13 +259,14 @@ std::uint64_t Interpreter::insertFrom(const Bound::Query &query, const Table &ta
             requireConversion(column.info.type, table.columns[targets[i]].type, false);
     }
     // Reading a table while it grows would never end: then the rows are collected first.
-    if (!readsItself)
-        return fetch(query, [&](std::span<const Value> row) { insert.write(row, types); });
+    if (!readsItself) {
+        fetch(query, [&](std::span<const Value> row) { insert.write(row, types); });
+        return;
+    }
     std::vector<std::vector<Value>> rows;
     fetch(query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
     for (const auto &row : rows)
         insert.write(row, types);
-    return rows.size();
 }
 
 /// INSERT ... EXEC: what the text or procedure returns, once all of it has run.
@@ -253,8 +280,8 @@ std::vector<CollectingSink::Row> Interpreter::collectExecuted(const Ast::Execute
     return collector.take();
 }
 
-std::uint64_t Interpreter::insertCollected(const std::vector<CollectingSink::Row> &rows, const Table &table,
-                                           InsertRun &insert, const std::vector<std::size_t> &targets)
+void Interpreter::insertCollected(const std::vector<CollectingSink::Row> &rows, const Table &table,
+                                  InsertRun &insert, const std::vector<std::size_t> &targets)
 {
     for (const auto &row : rows) {
         if (row.values.size() != targets.size())
@@ -266,7 +293,6 @@ std::uint64_t Interpreter::insertCollected(const std::vector<CollectingSink::Row
         }
         insert.write(row.values, types);
     }
-    return rows.size();
 }
 
 } // namespace SampleServer

@@ -171,12 +171,17 @@ Interpreter::Flow Interpreter::run(const Ast::Select &node)
         selectInto(node);
         return Flow::Next;
     }
+    if (m_callbacks > 0)
+        throw EngineError(444, 16, 2,
+                          "Select statements included within a function cannot return data to a client.",
+                          ErrorEffect::EndsBatch);
     const Bound::QueryPtr query = binder().bindSelect(node);
     ComputeRows compute(node, *query, *m_sink);
     lockUses(); // who waits for a lock has not been told anything yet
     m_sink->columns(columnInfos(*query), orderColumns(*query));
     compute.announce();
     StatementEnd end;
+    end.inProcedure = m_frame->module != nullptr;
     end.currentCommand = 0xC1;
     std::uint64_t count = 0;
     if (!m_options.formatOnly) {
@@ -222,18 +227,23 @@ void Interpreter::runAssignments(const Ast::Select &node)
 void Interpreter::selectInto(const Ast::Select &node)
 {
     const Ast::ObjectName &name = *intoTarget(*node.query);
-    const DatabasePtr database = placeOfNewTable(name);
+    const Place place = placeOfNew(name);
+    const DatabasePtr &database = place.database;
     const Bound::QueryPtr query = binder().bindSelect(node);
     Table definition;
     definition.name = name.object();
+    definition.schema = place.schema;
     for (const Bound::OutputColumn &output : query->columns) {
         if (output.info.name.empty())
             throw Errors::emptyIdentifier();
         TableColumn column;
         column.name = output.info.name;
-        column.id = static_cast<int>(definition.columns.size()) + 1;
+        column.id = column.storage = ++definition.lastColumnId;
         column.type = output.info.type;
         column.nullable = output.info.nullable;
+        column.identity = output.info.identity && !definition.identity && !query->op;
+        if (column.identity)
+            definition.identity = std::make_shared<IdentityCounter>(1, 1);
         if (definition.findColumn(column.name))
             throw EngineError(2705, 16, 3,
                               "Column names in each table must be unique. Column name '" + column.name +
@@ -246,6 +256,10 @@ void Interpreter::selectInto(const Ast::Select &node)
     RowWriter writer(*this, scan);
     const std::uint64_t count = fetch(*query, [&](std::span<const Value> row) {
         writer.insert({row.begin(), row.end()});
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (scan.table->columns[i].identity && !isNull(row[i]))
+                scan.table->identity->sawExplicit(std::get<std::int64_t>(
+                    convertValue(row[i], scan.table->columns[i].type, {TypeId::BigInt, 0, 0, 0})));
     });
     change.finish();
     endChange(count, 0xC1);

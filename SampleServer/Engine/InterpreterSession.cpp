@@ -2,6 +2,7 @@
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
 #include "Engine/MessageFormat.h"
+#include "Engine/TableBuilder.h"
 #include "Engine/TypeRules.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -44,14 +45,22 @@ Interpreter::Flow Interpreter::run(const Ast::Declare &node)
 {
     for (const auto &variable : node.variables) {
         if (variable.table) {
-            if (!m_frame->tables.find("dbo", variable.name)) {
-                Transactions::Change change(m_transactions);
-                createTable(buildTable(*variable.table), nullptr);
-                change.finish();
+            if (!m_frame->tables.find(variable.name)) {
+                Table table;
+                table.name = variable.name;
+                TableBuilder builder(*this, std::move(table), nullptr);
+                builder.add(*variable.table);
+                declareTable(variable.name, builder.take());
             }
             continue;
         }
-        const SqlType type = resolveType(variable.type, TypePlace::Declaration);
+        const NamedType named = findType(variable.type, 1);
+        if (named.userType && named.userType->table) {
+            if (!m_frame->tables.find(variable.name))
+                declareTable(variable.name, dynamic_cast<const Table &>(*named.userType->table));
+            continue;
+        }
+        const SqlType type = named.type;
         if (isLegacyLob(type.id))
             throw EngineError(2739, 16, 1,
                               "The text, ntext, and image data types are invalid for local variables.",
@@ -77,6 +86,7 @@ Interpreter::Flow Interpreter::run(const Ast::SetVariable &node)
 
 Interpreter::Flow Interpreter::run(const Ast::Print &node)
 {
+    requireOutsideFunction("PRINT");
     const auto bound = binder().bindValue(*node.value);
     const SqlType type{isUnicodeText(bound->type.id) ? TypeId::NVarChar : TypeId::VarChar,
                        isUnicodeText(bound->type.id) ? 4000 : 8000, 0, 0};

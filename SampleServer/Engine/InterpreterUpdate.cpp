@@ -1,6 +1,7 @@
 #include "Engine/Errors.h"
+#include "Engine/InsteadOf.h"
 #include "Engine/Interpreter.h"
-#include "Engine/RowWriter.h"
+#include "Engine/TableChange.h"
 #include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 
@@ -12,13 +13,6 @@ namespace SampleServer {
 namespace {
 
 constexpr SqlType RowIdType{TypeId::BigInt, 0, 0, 0};
-
-/// A row that is to change: where it is and what is read of it.
-struct FoundRow
-{
-    std::int64_t rowId = 0;
-    std::vector<Value> values;
-};
 
 /// The table that UPDATE and DELETE change, and the tables they look at to find its rows.
 struct Target
@@ -35,7 +29,8 @@ class RowSearch
 {
 public:
     RowSearch(Interpreter &interpreter, const Ast::ObjectName &name,
-              const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with)
+              const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with,
+              const InsteadOf &instead)
         : m_interpreter(interpreter)
         , m_binder(interpreter.binder())
     {
@@ -43,8 +38,9 @@ public:
         m_binder.enterScope(m_scope);
         m_target.from = m_binder.bindFrom(from, m_scope);
         if (!findInFrom(name)) {
-            m_target.scan = interpreter.findTable(name);
-            m_target.from.push_back(m_binder.bindTarget(m_target.scan, m_target.scan.table->name, m_scope));
+            m_target.scan = instead.isActive() ? instead.target() : interpreter.findTable(name);
+            m_target.from.push_back(m_binder.bindTarget(
+                m_target.scan, instead.isActive() ? name.object() : m_target.scan.table->name, m_scope));
             m_target.alias = m_target.from.back()->alias;
         }
         interpreter.willWrite(m_target.scan);
@@ -59,8 +55,8 @@ public:
             [this](const ScopeSource &source) { return source.columns.front().source == m_target.alias; });
     }
 
-    std::vector<FoundRow> find(const std::vector<Bound::ExpressionPtr> &expressions,
-                               const Ast::ExpressionPtr &where, const std::optional<Ast::Top> &top)
+    std::vector<StoredRow> find(const std::vector<Bound::ExpressionPtr> &expressions,
+                                const Ast::ExpressionPtr &where, const std::optional<Ast::Top> &top)
     {
         const auto condition = where ? m_binder.bindCondition(*where) : nullptr;
         const auto limit = top ? m_binder.bindValueAs(*top->count, RowIdType) : nullptr;
@@ -69,14 +65,14 @@ public:
             emitSelection({m_target.alias + ".rowid"}, expressions, m_target.from, condition, limit);
         SqliteStatement statement(m_interpreter.m_connection, emitted.sql);
         statement.bind(emitted.parameters);
-        std::vector<FoundRow> rows;
+        std::vector<StoredRow> rows;
         std::set<std::int64_t> seen; // a join may find a row more than once
         const bool joined = m_target.from.size() > 1 || m_scope.sources.size() > 1;
         const auto most = static_cast<std::size_t>(m_interpreter.m_options.rowLimit);
         while (statement.step()) {
             Value id;
             statement.read(0, RowIdType, id);
-            FoundRow row;
+            StoredRow row;
             row.rowId = std::get<std::int64_t>(id);
             if (joined && !seen.insert(row.rowId).second)
                 continue;
@@ -90,6 +86,20 @@ public:
                 m_interpreter.checkAttention();
         }
         return rows;
+    }
+
+    /// Asks for every column as it is stored; computed ones are NULL.
+    void addWholeRow(std::vector<Bound::ExpressionPtr> &expressions) const
+    {
+        for (const TableColumn &column : m_target.scan.table->columns) {
+            if (column.computed) {
+                expressions.push_back(Binder::null(column.type));
+                continue;
+            }
+            Bound::Column reference{m_target.alias, column.physicalName()};
+            expressions.push_back(std::make_shared<const Bound::Expression>(
+                Bound::Expression{column.type, true, std::move(reference)}));
+        }
     }
 
 private:
@@ -158,7 +168,7 @@ Setting bindSetting(RowSearch &search, const Ast::Assignment &assignment)
     if (assignment.value)
         setting.value = search.binder().bindValue(*assignment.value);
     else if (const auto &defaultValue = table.columns[*setting.column].defaultValue)
-        setting.value = search.binder().bindValue(*defaultValue);
+        setting.value = search.binder().bindValue(*defaultValue.expression);
     else
         setting.value = Binder::null(table.columns[*setting.column].type);
     if (setting.column && !Bound::isNullLiteral(*setting.value))
@@ -170,8 +180,8 @@ Setting bindSetting(RowSearch &search, const Ast::Assignment &assignment)
 
 Interpreter::Flow Interpreter::run(const Ast::Update &node)
 {
-    RowSearch search(*this, node.table, node.from, node.with);
-    const Table &table = *search.target().scan.table;
+    InsteadOf instead(*this, node.table, TableChange::Event::Update);
+    RowSearch search(*this, node.table, node.from, node.with, instead);
     std::vector<Setting> settings;
     std::vector<Bound::ExpressionPtr> expressions;
     std::vector<std::size_t> columns;
@@ -181,66 +191,61 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
         if (settings.back().column)
             columns.push_back(*settings.back().column);
     }
-    const bool changesKey =
-        std::any_of(table.keys.begin(), table.keys.end(), [&columns](const TableKey &key) {
-            return std::any_of(key.columns.begin(), key.columns.end(), [&columns](std::size_t column) {
-                return std::find(columns.begin(), columns.end(), column) != columns.end();
-            });
-        });
-    // Where a key changes, all rows go before the first comes back, so that the new keys meet no old ones.
+    TableChange rows(*this, search.target().scan, TableChange::Event::Update, columns);
     const std::size_t firstOld = expressions.size();
-    if (changesKey)
-        for (const TableColumn &column : table.columns) {
-            Bound::Column reference{search.target().alias, column.computed ? "rowid" : column.physicalName()};
-            expressions.push_back(std::make_shared<const Bound::Expression>(
-                Bound::Expression{column.computed ? RowIdType : column.type, true, std::move(reference)}));
-        }
-    const std::vector<FoundRow> rows = search.find(expressions, node.where, node.top);
+    search.addWholeRow(expressions);
+    const std::vector<StoredRow> found = search.find(expressions, node.where, node.top);
     if (m_options.formatOnly)
         return Flow::Next;
     Transactions::Change change(m_transactions);
-    RowWriter writer(*this, search.target().scan);
-    if (changesKey)
-        for (const FoundRow &row : rows)
-            writer.remove(row.rowId);
-    for (const FoundRow &row : rows) {
-        std::vector<Value> changed;
-        std::vector<Value> whole(row.values.begin() + static_cast<std::ptrdiff_t>(firstOld),
-                                 row.values.end());
+    std::vector<StoredRow> before;
+    std::vector<std::vector<Value>> after;
+    for (const StoredRow &row : found) {
+        before.push_back(
+            {row.rowId, {row.values.begin() + static_cast<std::ptrdiff_t>(firstOld), row.values.end()}});
+        after.push_back(before.back().values);
         for (std::size_t i = 0; i < settings.size(); ++i) {
             if (!settings[i].variable.empty())
                 assign(settings[i].variable, row.values[i], settings[i].value->type);
-            if (!settings[i].column)
-                continue;
-            changed.push_back(writer.assigned(*settings[i].column, row.values[i], settings[i].value->type));
-            if (changesKey)
-                whole[*settings[i].column] = changed.back();
+            if (settings[i].column)
+                after.back()[*settings[i].column] =
+                    rows.writer().assigned(*settings[i].column, row.values[i], settings[i].value->type);
         }
-        if (changesKey)
-            writer.insert(whole, row.rowId);
-        else if (!columns.empty())
-            writer.update(row.rowId, columns, changed);
-        checkAttention();
     }
+    if (instead.isActive())
+        rows.keepRows();
+    rows.update(before, after);
+    rows.finish();
+    if (instead.isActive())
+        instead.fire(rows);
     change.finish();
-    endChange(rows.size(), 0xC5);
+    endChange(found.size(), 0xC5);
     return Flow::Next;
 }
 
 Interpreter::Flow Interpreter::run(const Ast::Delete &node)
 {
-    RowSearch search(*this, node.table, node.from, node.with);
-    const std::vector<FoundRow> rows = search.find({}, node.where, node.top);
+    InsteadOf instead(*this, node.table, TableChange::Event::Delete);
+    RowSearch search(*this, node.table, node.from, node.with, instead);
+    TableChange rows(*this, search.target().scan, TableChange::Event::Delete);
+    std::vector<Bound::ExpressionPtr> expressions;
+    if (instead.isActive())
+        rows.keepRows();
+    if (rows.needsOldRows())
+        search.addWholeRow(expressions);
+    const std::vector<StoredRow> found = search.find(expressions, node.where, node.top);
     if (m_options.formatOnly)
         return Flow::Next;
     Transactions::Change change(m_transactions);
-    RowWriter writer(*this, search.target().scan);
-    for (const FoundRow &row : rows) {
-        writer.remove(row.rowId);
+    for (const StoredRow &row : found) {
+        rows.remove(row);
         checkAttention();
     }
+    rows.finish();
+    if (instead.isActive())
+        instead.fire(rows);
     change.finish();
-    endChange(rows.size(), 0xC4);
+    endChange(found.size(), 0xC4);
     return Flow::Next;
 }
 
@@ -252,6 +257,12 @@ Interpreter::Flow Interpreter::run(const Ast::TruncateTable &node)
                           "Cannot find the object \"" + node.table.object() +
                               "\" because it does not exist or you do not have permissions.",
                           ErrorEffect::EndsBatch);
+    if (scan.database)
+        for (const TablePtr &other : scan.database->referencing(scan.table->id))
+            if (other->id != scan.table->id)
+                throw EngineError(4712, 16, 1,
+                                  "Cannot truncate table '" + node.table.object() +
+                                      "' because it is being referenced by a FOREIGN KEY constraint.");
     willWrite(scan);
     lockUses();
     Transactions::Change change(m_transactions);

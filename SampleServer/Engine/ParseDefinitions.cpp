@@ -1,50 +1,103 @@
+#include "Engine/DefinitionText.h"
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
 
 #include <charconv>
 #include <utility>
 
+// CREATE TABLE, its columns and constraints.
 namespace SampleServer {
 
 using namespace Ast;
 
-StatementPtr Parser::parseCreate()
+/// Reads an expression that outlives the batch; `parse` says of which kind.
+DefinedExpression Parser::keepExpression(ExpressionPtr (Parser::*parse)())
 {
-    expectKeyword("CREATE");
-    if (acceptKeyword("DATABASE")) {
-        const std::string name = expectName();
-        if (isKeyword("ON") || isKeyword("FOR") || isKeyword("WITH"))
-            refuse("CREATE DATABASE with files or options");
-        if (acceptKeyword("COLLATE"))
-            expectName();
-        return statement(CreateDatabase{name});
-    }
-    if (!isKeyword("TABLE"))
-        refuse("CREATE " + current().keyword);
-    expectKeyword("TABLE");
+    const std::size_t start = m_at;
+    DefinedExpression kept;
+    kept.expression = (this->*parse)();
+    kept.text = definitionText({m_tokens.data() + start, m_at - start});
+    return kept;
+}
+
+StatementPtr Parser::parseCreateTable()
+{
     CreateTable table;
     table.name = parseObjectName();
     parseTableElements(table);
-    if (acceptKeyword("ON"))
-        expectName(); // the file group
+    skipStorage();
     return statement(std::move(table));
 }
 
-/// (columns and constraints), as CREATE TABLE and table variables list them.
+/// ON filegroup, TEXTIMAGE_ON filegroup, WITH (options): where rows lie is SQLite's business.
+void Parser::skipStorage()
+{
+    while (true) {
+        if (isKeyword("ON") || isKeyword("TEXTIMAGE_ON") || isKeyword("FILESTREAM_ON")) {
+            ++m_at;
+            if (current().kind == TokenKind::String)
+                ++m_at;
+            else
+                expectName();
+        } else if (isKeyword("WITH") && ahead(1).source == "(" && ahead(2).keyword == "DATA_COMPRESSION") {
+            ++m_at;
+            skipParentheses();
+        } else {
+            return;
+        }
+    }
+}
+
+void Parser::skipParentheses()
+{
+    expectSymbol("(");
+    for (int depth = 1; depth > 0; ++m_at) {
+        if (current().kind == TokenKind::End)
+            failHere();
+        depth += isSymbol("(") ? 1 : isSymbol(")") ? -1 : 0;
+    }
+}
+
+bool Parser::atTableConstraint() const
+{
+    const std::string &keyword = current().keyword;
+    return keyword == "CONSTRAINT" || keyword == "PRIMARY" || keyword == "UNIQUE" || keyword == "FOREIGN" ||
+           keyword == "CHECK" || keyword == "DEFAULT";
+}
+
+/// (columns and constraints), as CREATE TABLE, table types and table variables list them.
 void Parser::parseTableElements(CreateTable &table)
 {
     expectSymbol("(");
     do {
         if (isSymbol(")") && !table.columns.empty()) // a comma after the last column is allowed
             break;
-        const std::string &keyword = current().keyword;
-        if (keyword == "CONSTRAINT" || keyword == "PRIMARY" || keyword == "UNIQUE" || keyword == "FOREIGN" ||
-            keyword == "CHECK" || keyword == "INDEX")
-            parseTableConstraint(table);
-        else
-            parseColumnDefinition(table);
+        parseTableElement(table);
     } while (acceptSymbol(","));
     expectSymbol(")");
+}
+
+void Parser::parseTableElement(CreateTable &table)
+{
+    if (isKeyword("INDEX"))
+        parseTableIndex(table);
+    else if (atTableConstraint())
+        parseTableConstraint(table);
+    else
+        parseColumnDefinition(table);
+}
+
+/// INDEX name (columns) within CREATE TABLE.
+void Parser::parseTableIndex(CreateTable &table)
+{
+    expectKeyword("INDEX");
+    CreateIndex index;
+    index.name = expectName();
+    index.unique = acceptKeyword("UNIQUE");
+    index.clustered = acceptClustering().value_or(false);
+    index.columns = parseKeyColumns();
+    parseIndexTail(index);
+    table.indexes.push_back(std::move(index));
 }
 
 void Parser::parseColumnDefinition(CreateTable &table)
@@ -52,9 +105,11 @@ void Parser::parseColumnDefinition(CreateTable &table)
     ColumnDefinition column;
     column.name = expectName();
     if (acceptKeyword("AS")) {
-        column.computed = parseExpression();
-        if (isName() && current().keyword == "PERSISTED")
+        column.computed = keepExpression(&Parser::parseExpression);
+        if (isName() && current().keyword == "PERSISTED") {
             ++m_at;
+            column.persisted = true;
+        }
     } else if (current().kind == TokenKind::Word || current().kind == TokenKind::QuotedIdentifier) {
         column.type = parseTypeName();
     } else {
@@ -64,21 +119,22 @@ void Parser::parseColumnDefinition(CreateTable &table)
              current().line);
     }
     std::string constraint;
-    while (parseColumnProperty(table, column, constraint)) {
+    while (parseColumnProperty(column) || parseColumnConstraint(table, column.name, constraint)) {
     }
     table.columns.push_back(std::move(column));
 }
 
 /// Reads one of the properties that may follow a column's type; false where none follows.
-bool Parser::parseColumnProperty(CreateTable &table, ColumnDefinition &column, std::string &constraint)
+bool Parser::parseColumnProperty(ColumnDefinition &column)
 {
     if (acceptKeyword("NULL")) {
         column.nullable = true;
-    } else if (acceptKeyword("NOT")) {
-        if (isKeyword("FOR"))
-            refuse("NOT FOR REPLICATION");
-        expectKeyword("NULL");
+    } else if (isKeyword("NOT") && ahead(1).keyword == "NULL") {
+        m_at += 2;
         column.nullable = false;
+    } else if (isKeyword("NOT") && ahead(1).keyword == "FOR") {
+        m_at += 2;
+        expectKeyword("REPLICATION");
     } else if (acceptKeyword("IDENTITY")) {
         column.identity.emplace();
         if (acceptSymbol("(")) {
@@ -87,68 +143,175 @@ bool Parser::parseColumnProperty(CreateTable &table, ColumnDefinition &column, s
             column.identity->increment = parseSignedInteger();
             expectSymbol(")");
         }
-    } else if (acceptKeyword("DEFAULT")) {
-        column.defaultValue = parseExpression();
-    } else if (acceptKeyword("CONSTRAINT")) {
-        constraint = expectName();
-    } else if (isKeyword("PRIMARY") || isKeyword("UNIQUE")) {
-        KeyDefinition key{std::exchange(constraint, {}), isKeyword("PRIMARY"), {column.name}};
-        ++m_at;
-        if (key.primary)
-            expectKeyword("KEY");
-        skipClustering();
-        table.keys.push_back(std::move(key));
     } else if (acceptKeyword("COLLATE")) {
         expectName();
-    } else if (isKeyword("REFERENCES") || isKeyword("FOREIGN")) {
-        refuse("foreign keys");
-    } else if (isKeyword("CHECK")) {
-        refuse("CHECK constraints");
-    } else if (!acceptKeyword("ROWGUIDCOL") && !(isName() && acceptKeyword("SPARSE"))) {
+    } else if (acceptKeyword("ROWGUIDCOL")) {
+        column.rowGuid = true;
+    } else if (isName() && isKeyword("SPARSE")) {
+        ++m_at;
+        column.sparse = true;
+    } else {
         return false;
     }
     return true;
 }
 
+/// Likewise one of the constraints; `name` keeps what CONSTRAINT named until it comes.
+bool Parser::parseColumnConstraint(CreateTable &table, const std::string &column, std::string &name)
+{
+    if (acceptKeyword("CONSTRAINT")) {
+        name = expectName();
+        return true;
+    }
+    Constraint constraint;
+    constraint.column = column;
+    constraint.name = std::exchange(name, {});
+    if (acceptKeyword("DEFAULT")) {
+        constraint.kind = ConstraintKind::Default;
+        constraint.expression = keepExpression(&Parser::parseExpression);
+    } else if (isKeyword("PRIMARY") || isKeyword("UNIQUE")) {
+        parseKey(constraint);
+        if (!isSymbol("("))
+            constraint.columns.push_back({column});
+        else
+            constraint.columns = parseKeyColumns();
+        constraint.options = parseIndexOptions();
+        skipStorage();
+    } else if (acceptKeyword("FOREIGN")) {
+        expectKeyword("KEY");
+        parseReference(constraint);
+    } else if (isKeyword("REFERENCES")) {
+        parseReference(constraint);
+    } else if (isKeyword("CHECK")) {
+        parseCheck(constraint);
+    } else {
+        name = std::move(constraint.name);
+        return false;
+    }
+    if (constraint.kind == ConstraintKind::ForeignKey)
+        constraint.columns.push_back({column});
+    table.constraints.push_back(std::move(constraint));
+    return true;
+}
+
 void Parser::parseTableConstraint(CreateTable &table)
 {
-    KeyDefinition key;
+    Constraint constraint;
     if (acceptKeyword("CONSTRAINT"))
-        key.name = expectName();
+        constraint.name = expectName();
+    if (isKeyword("PRIMARY") || isKeyword("UNIQUE")) {
+        parseKey(constraint);
+        constraint.columns = parseKeyColumns();
+        constraint.options = parseIndexOptions();
+        skipStorage();
+    } else if (acceptKeyword("FOREIGN")) {
+        expectKeyword("KEY");
+        constraint.columns = parseKeyColumns();
+        parseReference(constraint);
+    } else if (acceptKeyword("DEFAULT")) {
+        constraint.kind = ConstraintKind::Default;
+        constraint.expression = keepExpression(&Parser::parseExpression);
+        expectKeyword("FOR");
+        constraint.column = expectName();
+    } else {
+        parseCheck(constraint);
+    }
+    table.constraints.push_back(std::move(constraint));
+}
+
+/// PRIMARY KEY or UNIQUE, with its clustering.
+void Parser::parseKey(Constraint &constraint)
+{
+    constraint.kind = ConstraintKind::Unique;
     if (acceptKeyword("PRIMARY")) {
         expectKeyword("KEY");
-        key.primary = true;
-    } else if (isKeyword("FOREIGN")) {
-        refuse("foreign keys");
-    } else if (isKeyword("CHECK")) {
-        refuse("CHECK constraints");
-    } else if (isKeyword("INDEX")) {
-        refuse("indexes in CREATE TABLE");
+        constraint.kind = ConstraintKind::PrimaryKey;
     } else {
         expectKeyword("UNIQUE");
     }
-    skipClustering();
-    key.columns = parseKeyColumns();
-    table.keys.push_back(std::move(key));
+    constraint.clustered = acceptClustering();
 }
 
-std::vector<std::string> Parser::parseKeyColumns()
+void Parser::parseCheck(Constraint &constraint)
 {
-    std::vector<std::string> columns;
+    expectKeyword("CHECK");
+    constraint.kind = ConstraintKind::Check;
+    if (acceptKeyword("NOT")) {
+        expectKeyword("FOR");
+        expectKeyword("REPLICATION");
+    }
+    expectSymbol("(");
+    constraint.expression = keepExpression(&Parser::parseCondition);
+    expectSymbol(")");
+}
+
+void Parser::parseReference(Constraint &constraint)
+{
+    expectKeyword("REFERENCES");
+    constraint.kind = ConstraintKind::ForeignKey;
+    constraint.referenced = parseObjectName();
+    if (isSymbol("("))
+        for (KeyColumn &column : parseKeyColumns())
+            constraint.referencedColumns.push_back(std::move(column.name));
+    while (isKeyword("ON") || isKeyword("NOT")) {
+        if (acceptKeyword("NOT")) {
+            if (!isKeyword("FOR")) { // NOT NULL of the column
+                --m_at;
+                return;
+            }
+            expectKeyword("FOR");
+            expectKeyword("REPLICATION");
+            continue;
+        }
+        expectKeyword("ON");
+        const bool onDelete = acceptKeyword("DELETE");
+        if (!onDelete)
+            expectKeyword("UPDATE");
+        (onDelete ? constraint.onDelete : constraint.onUpdate) = parseReferentialAction();
+    }
+}
+
+ReferentialAction Parser::parseReferentialAction()
+{
+    if (acceptKeyword("CASCADE"))
+        return ReferentialAction::Cascade;
+    if (acceptKeyword("SET")) {
+        if (acceptKeyword("NULL"))
+            return ReferentialAction::SetNull;
+        expectKeyword("DEFAULT");
+        return ReferentialAction::SetDefault;
+    }
+    if (!isKeyword("NO"))
+        failHere();
+    ++m_at;
+    if (!isKeyword("ACTION"))
+        failHere();
+    ++m_at;
+    return ReferentialAction::NoAction;
+}
+
+std::vector<KeyColumn> Parser::parseKeyColumns()
+{
+    std::vector<KeyColumn> columns;
     expectSymbol("(");
     do {
-        columns.push_back(expectName());
-        if (!acceptKeyword("ASC"))
-            acceptKeyword("DESC");
+        KeyColumn column{expectName(), false};
+        column.descending = acceptKeyword("DESC");
+        if (!column.descending)
+            acceptKeyword("ASC");
+        columns.push_back(std::move(column));
     } while (acceptSymbol(","));
     expectSymbol(")");
     return columns;
 }
 
-void Parser::skipClustering()
+std::optional<bool> Parser::acceptClustering()
 {
-    if (!acceptKeyword("CLUSTERED"))
-        acceptKeyword("NONCLUSTERED");
+    if (acceptKeyword("CLUSTERED"))
+        return true;
+    if (acceptKeyword("NONCLUSTERED"))
+        return false;
+    return {};
 }
 
 std::int64_t Parser::parseSignedInteger()
@@ -162,37 +325,6 @@ std::int64_t Parser::parseSignedInteger()
         failHere();
     ++m_at;
     return negative ? -value : value;
-}
-
-StatementPtr Parser::parseDrop()
-{
-    expectKeyword("DROP");
-    const bool database = isKeyword("DATABASE");
-    if (!database && !isKeyword("TABLE"))
-        refuse("DROP " + current().keyword);
-    ++m_at;
-    const bool ifExists = acceptKeyword("IF");
-    if (ifExists)
-        expectKeyword("EXISTS");
-    if (database) {
-        DropDatabase node{{}, ifExists};
-        do
-            node.names.push_back(expectName());
-        while (acceptSymbol(","));
-        return statement(std::move(node));
-    }
-    DropTable node{{}, ifExists};
-    do
-        node.names.push_back(parseObjectName());
-    while (acceptSymbol(","));
-    return statement(std::move(node));
-}
-
-StatementPtr Parser::parseTruncate()
-{
-    expectKeyword("TRUNCATE");
-    expectKeyword("TABLE");
-    return statement(TruncateTable{parseObjectName()});
 }
 
 } // namespace SampleServer

@@ -286,6 +286,11 @@ ExpressionPtr Parser::parseWordExpression()
         }
         if (token.keyword == "CASE")
             return parseCase();
+        if (token.keyword == "UPDATE" && ahead(1).source == "(") { // UPDATE(column) in a trigger: a condition
+            ++m_at;
+            auto one = make(Literal{{TypeId::Int, 0, 0, 0}, Value(std::int64_t{1})});
+            return make(Comparison{ComparisonOperator::Equal, parseFunction({{"UPDATE"}}), std::move(one)});
+        }
         const bool called = ahead(1).kind == TokenKind::Symbol && ahead(1).value == "(";
         if (called && (token.keyword == "CAST" || token.keyword == "TRY_CAST"))
             return parseCast(token.keyword == "TRY_CAST");

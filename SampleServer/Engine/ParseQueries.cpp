@@ -298,7 +298,7 @@ TableSourcePtr Parser::parseTable()
         expectSymbol("(");
         if (!isSymbol(")"))
             do
-                function.arguments.push_back(parseExpression());
+                function.arguments.push_back(acceptKeyword("DEFAULT") ? nullptr : parseExpression());
             while (acceptSymbol(","));
         expectSymbol(")");
         table->node = std::move(function);

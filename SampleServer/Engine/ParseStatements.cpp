@@ -1,5 +1,6 @@
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
+#include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 
 namespace SampleServer {
@@ -89,11 +90,15 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
 StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
 {
     static constexpr std::string_view refused[] = {
-        "ALTER",   "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",
-        "FETCH",   "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE",
-        "RESTORE", "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
+        "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",        "FETCH",
+        "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE", "RESTORE",
+        "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
     if (keyword == "CREATE")
         return parseCreate();
+    if (keyword == "ALTER")
+        return parseAlter();
+    if ((keyword == "ENABLE" || keyword == "DISABLE") && ahead(1).keyword == "TRIGGER")
+        return parseEnableTrigger();
     if (keyword == "DROP")
         return parseDrop();
     if (keyword == "TRUNCATE")
@@ -198,6 +203,8 @@ StatementPtr Parser::parseDeclare()
     do {
         Declare::Variable variable;
         const Token &token = current();
+        if (isName() && (ahead(1).keyword == "CURSOR" || ahead(1).keyword == "INSENSITIVE"))
+            refuse("cursors");
         if (token.kind != TokenKind::Variable)
             failHere();
         variable.name = token.value;
@@ -213,6 +220,8 @@ StatementPtr Parser::parseDeclare()
             variable.type = parseTypeName();
             if (acceptSymbol("="))
                 variable.initial = parseExpression();
+            if (!isSystemType(variable.type.name) && !variable.initial)
+                m_mayBeTables.insert(foldedName(variable.name));
         }
         const std::string folded = foldedName(variable.name);
         if (m_declared.contains(folded) || m_declaredTables.contains(folded))
@@ -365,6 +374,9 @@ StatementPtr Parser::parseExecute()
         }
         if (isName() && current().kind == TokenKind::Word) // a bare word is text, as in EXEC sp_help t
             argument.value = make(Literal{{TypeId::NVarChar, 128, 0, 0}, Value(m_tokens[m_at++].value)});
+        else if (current().kind == TokenKind::Variable &&
+                 m_declaredTables.contains(foldedName(current().value)))
+            argument.value = make(VariableReference{m_tokens[m_at++].value});
         else if (!acceptKeyword("DEFAULT"))
             argument.value = parseExpression();
         argument.output = acceptKeyword("OUTPUT") || acceptKeyword("OUT");

@@ -34,7 +34,8 @@ NestingGuard::NestingGuard(Parser &parser)
 }
 
 Parser::Parser(std::string_view sql, const ParserOptions &options)
-    : m_tokens(tokenize(sql, options.quotedIdentifiers))
+    : m_sql(sql)
+    , m_tokens(tokenize(sql, options.quotedIdentifiers))
 {
     for (const std::string &name : options.declaredVariables)
         m_declared.insert(foldedName(name));
@@ -143,7 +144,8 @@ ObjectName Parser::parseTableName()
     const Token &token = current();
     if (token.kind != TokenKind::Variable)
         return parseObjectName();
-    if (!m_declaredTables.contains(foldedName(token.value)))
+    if (!m_declaredTables.contains(foldedName(token.value)) &&
+        !m_mayBeTables.contains(foldedName(token.value)))
         fail(EngineError(1087, 15, 2, "Must declare the table variable \"" + token.value + "\".",
                          ErrorEffect::EndsBatch),
              token.line);

@@ -75,16 +75,58 @@ private:
     Ast::StatementPtr parseInsert();
     Ast::StatementPtr parseUpdate();
     Ast::StatementPtr parseDelete();
+    // Definitions
     Ast::StatementPtr parseCreate();
+    Ast::StatementPtr parseCreateTable();
+    Ast::StatementPtr parseCreateDatabase();
+    Ast::StatementPtr parseCreateSchema();
+    Ast::StatementPtr parseCreateType();
+    Ast::StatementPtr parseCreateIndex();
+    Ast::StatementPtr parseAlter();
+    Ast::StatementPtr parseAlterTable();
+    Ast::StatementPtr parseAlterIndex();
+    Ast::StatementPtr parseAlterDatabase();
+    Ast::StatementPtr parseEnableTrigger();
     Ast::StatementPtr parseDrop();
+    Ast::StatementPtr parseDropIndex(bool ifExists);
     Ast::StatementPtr parseTruncate();
     void parseTableElements(Ast::CreateTable &table);
-    void parseColumnDefinition(Ast::CreateTable &table);
-    bool parseColumnProperty(Ast::CreateTable &table, Ast::ColumnDefinition &column, std::string &constraint);
+    void parseTableElement(Ast::CreateTable &table);
+    void parseTableIndex(Ast::CreateTable &table);
     void parseTableConstraint(Ast::CreateTable &table);
-    std::vector<std::string> parseKeyColumns();
-    void skipClustering();
+    void parseColumnDefinition(Ast::CreateTable &table);
+    bool parseColumnProperty(Ast::ColumnDefinition &column);
+    bool parseColumnConstraint(Ast::CreateTable &table, const std::string &column, std::string &name);
+    void parseKey(Ast::Constraint &constraint);
+    void parseCheck(Ast::Constraint &constraint);
+    void parseReference(Ast::Constraint &constraint);
+    ReferentialAction parseReferentialAction();
+    void parseTableAdditions(Ast::AlterTable &node);
+    void parseAlterColumn(Ast::AlterTable &node);
+    void parseTableDrops(Ast::AlterTable &node);
+    void parseEnabling(Ast::AlterTable &node);
+    void parseIndexTail(Ast::CreateIndex &index);
+    Ast::IndexOptions parseIndexOptions();
+    std::vector<Ast::KeyColumn> parseKeyColumns();
+    std::optional<bool> acceptClustering();
+    bool atTableConstraint() const;
+    void skipStorage();
+    void skipDatabaseOptions();
+    void skipParentheses();
     std::int64_t parseSignedInteger();
+    DefinedExpression keepExpression(Ast::ExpressionPtr (Parser::*parse)());
+
+    // Modules
+    bool atModule() const;
+    Ast::StatementPtr parseModule(std::size_t start, bool create, bool alter);
+    void parseModuleOptions(Ast::ModuleDefinition &module);
+    void parseParameters(Ast::ModuleDefinition &module);
+    void parseViewRest(Ast::ModuleDefinition &module);
+    void parseProcedureRest(Ast::ModuleDefinition &module);
+    void parseFunctionRest(Ast::ModuleDefinition &module);
+    void parseInlineBody(Ast::ModuleDefinition &module);
+    void parseTriggerRest(Ast::ModuleDefinition &module);
+    bool closesBeforeSetOperator() const;
 
     // Queries
     Ast::SelectPtr parseSelect();
@@ -146,12 +188,14 @@ private:
     template <typename Node>
     Ast::StatementPtr statement(Node node) const;
 
+    const std::string_view m_sql;
     std::vector<Token> m_tokens;
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_statementLine = 1;
     std::set<std::string> m_declared;       ///< folded names of the variables declared so far
     std::set<std::string> m_declaredTables; ///< likewise of table variables
+    std::set<std::string> m_mayBeTables;    ///< declared with what may be a table type
     bool m_mayReturnValue = false;          ///< RETURN takes a value here
 
     friend class NestingGuard;

@@ -127,7 +127,6 @@ bool isReservedWord(std::string_view word)
                                                  "PERCENT",
                                                  "PIVOT",
                                                  "PLAN",
-                                                 "PRECISION",
                                                  "PRIMARY",
                                                  "PRINT",
                                                  "PROC",

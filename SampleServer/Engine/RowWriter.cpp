@@ -33,10 +33,10 @@ bool wouldBeCut(const Value &value, const SqlType &from, const SqlType &to)
 
 } // namespace
 
-std::string keyText(const Table &table, const TableKey &key, const std::vector<Value> &row)
+std::string keyText(const Table &table, const TableIndex &index, const std::vector<Value> &row)
 {
     std::string text;
-    for (const std::size_t column : key.columns) {
+    for (const std::size_t column : index.columns) {
         const SqlType &type = table.columns[column].type;
         text += text.empty() ? "(" : ", ";
         if (isNull(row[column]))
@@ -51,6 +51,7 @@ std::string keyText(const Table &table, const TableKey &key, const std::vector<V
 
 RowWriter::RowWriter(Interpreter &interpreter, const Bound::TableScan &scan)
     : m_interpreter(interpreter)
+    , m_scan(scan)
     , m_table(scan.table)
     , m_place(scan.schema + '.' + scan.table->physicalName())
 {
@@ -68,30 +69,40 @@ Value RowWriter::assigned(std::size_t column, const Value &value, const SqlType 
     const TableColumn &target = m_table->columns[column];
     if (isNull(value))
         return value;
-    if (wouldBeCut(value, from, target.type)) {
-        const auto *text = std::get_if<std::string>(&value);
-        const std::string start =
-            text ? utf16Substring(*text, 0, static_cast<std::size_t>(target.type.length)) : std::string();
-        throw EngineError(2628, 16, 1,
-                          "String or binary data would be truncated in table '" +
-                              m_interpreter.fullName(*m_table) + "', column '" + target.name +
-                              "'. Truncated value: '" + start + "'.");
-    }
+    requireFits(column, value, from, target.type);
     return convertValue(value, from, target.type, {0, m_interpreter.m_context.dateOrder});
+}
+
+void RowWriter::requireFits(std::size_t column, const Value &value, const SqlType &from,
+                            const SqlType &to) const
+{
+    if (!wouldBeCut(value, from, to))
+        return;
+    const auto *text = std::get_if<std::string>(&value);
+    const std::string start =
+        text ? utf16Substring(*text, 0, static_cast<std::size_t>(to.length)) : std::string();
+    throw EngineError(2628, 16, 1,
+                      "String or binary data would be truncated in table '" +
+                          m_interpreter.fullName(*m_table) + "', column '" + m_table->columns[column].name +
+                          "'. Truncated value: '" + start + "'.");
 }
 
 void RowWriter::requireNotNull(std::size_t column, const Value &value, const char *verb) const
 {
-    const TableColumn &definition = m_table->columns[column];
-    if (!isNull(value) || definition.nullable)
-        return;
-    throw EngineError(515, 16, 2,
-                      "Cannot insert the value NULL into column '" + definition.name + "', table '" +
-                          m_interpreter.fullName(*m_table) + "'; column does not allow nulls. " + verb +
-                          " fails.");
+    if (isNull(value) && !m_table->columns[column].nullable)
+        failOnNull(column, verb);
 }
 
-void RowWriter::insert(const std::vector<Value> &row, std::optional<std::int64_t> rowId)
+void RowWriter::failOnNull(std::size_t column, const char *verb) const
+{
+    throw EngineError(515, 16, 2,
+                      "Cannot insert the value NULL into column '" + m_table->columns[column].name +
+                          "', table '" + m_interpreter.fullName(*m_table) +
+                          "'; column does not allow nulls. " + verb + " fails.");
+}
+
+std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,
+                                              std::optional<std::int64_t> rowId)
 {
     SqliteStatement statement(m_interpreter.m_connection, m_insertSql);
     statement.bind(1, rowId ? Value(*rowId) : Value(), RowIdType);
@@ -102,12 +113,21 @@ void RowWriter::insert(const std::vector<Value> &row, std::optional<std::int64_t
         requireNotNull(i, row[i], rowId ? "UPDATE" : "INSERT");
         statement.bind(++parameter, row[i], m_table->columns[i].type);
     }
-    requireUniqueNulls(row);
-    try {
-        statement.step();
-    } catch (const SqliteConstraintError &) {
-        failOnDuplicate(row);
+    const TableIndex *duplicate = duplicateIn(row, false);
+    if (!duplicate) {
+        try {
+            statement.step();
+        } catch (const SqliteConstraintError &) {
+            duplicate = duplicateIn(row, true);
+        }
     }
+    if (duplicate && duplicate->ignoresDuplicates && !rowId)
+        return {};
+    if (duplicate)
+        failOnDuplicate(*duplicate, row);
+    const std::int64_t id = m_interpreter.m_connection.lastRowId();
+    requireUnique(row, id);
+    return id;
 }
 
 void RowWriter::remove(std::int64_t rowId)
@@ -132,42 +152,53 @@ void RowWriter::update(std::int64_t rowId, const std::vector<std::size_t> &colum
     statement.step();
 }
 
-/// SQLite lets a unique key hold NULL many times, the server once.
-void RowWriter::requireUniqueNulls(const std::vector<Value> &row)
+/// The unique index that has the row's key already. SQLite lets a key hold NULL many times, the server once:
+/// unless `all` are asked for, only keys with NULL are looked up here, and SQLite finds the others.
+const TableIndex *RowWriter::duplicateIn(const std::vector<Value> &row, bool all)
 {
-    for (const TableKey &key : m_table->keys) {
-        const bool anyNull = std::any_of(key.columns.begin(), key.columns.end(),
-                                         [&row](std::size_t c) { return isNull(row[c]); });
-        if (anyNull && keyExists(key, row))
-            failOnDuplicate(row);
-    }
-}
-
-bool RowWriter::keyExists(const TableKey &key, const std::vector<Value> &row)
-{
-    std::string sql = "SELECT 1 FROM " + m_place;
-    for (const std::size_t column : key.columns)
-        sql += (column == key.columns.front() ? " WHERE " : " AND ") +
-               m_table->columns[column].physicalName() + " IS ?";
-    SqliteStatement statement(m_interpreter.m_connection, sql);
-    int parameter = 0;
-    for (const std::size_t column : key.columns)
-        statement.bind(++parameter, row[column], m_table->columns[column].type);
-    return statement.step();
-}
-
-void RowWriter::failOnDuplicate(const std::vector<Value> &row)
-{
-    for (const TableKey &key : m_table->keys) {
-        if (!keyExists(key, row))
+    for (const TableIndex &index : m_table->indexes) {
+        if (!index.unique || index.filter || index.disabled)
             continue;
-        throw EngineError(2627, 14, 1,
-                          std::string("Violation of ") + (key.primary ? "PRIMARY" : "UNIQUE") +
-                              " KEY constraint '" + key.name + "'. Cannot insert duplicate key in object '" +
-                              m_table->schema + '.' + m_table->name + "'. The duplicate key value is " +
-                              keyText(*m_table, key, row) + '.');
+        const bool anyNull = std::any_of(index.columns.begin(), index.columns.end(),
+                                         [&row](std::size_t c) { return isNull(row[c]); });
+        if (!all && !anyNull)
+            continue;
+        std::vector<Value> key;
+        for (const std::size_t column : index.columns)
+            key.push_back(row[column]);
+        if (exists(index.columns, key))
+            return &index;
     }
-    throw EngineError(40001, 16, 1, "The sample server failed to write a row.");
+    return nullptr;
+}
+
+/// Looks for rows with the same key in the filtered unique indexes, which SQLite does not keep.
+void RowWriter::requireUnique(const std::vector<Value> &row, std::int64_t rowId)
+{
+    for (const TableIndex &index : m_table->indexes) {
+        if (!index.unique || !index.filter || index.disabled || !matchesFilter(index, rowId))
+            continue;
+        std::vector<Value> key;
+        for (const std::size_t column : index.columns)
+            key.push_back(row[column]);
+        for (const StoredRow &other : readWhere(index.columns, key))
+            if (other.rowId != rowId && matchesFilter(index, other.rowId))
+                failOnDuplicate(index, row);
+    }
+}
+
+void RowWriter::failOnDuplicate(const TableIndex &index, const std::vector<Value> &row)
+{
+    const std::string object = m_table->schema + '.' + m_table->name, key = keyText(*m_table, index, row);
+    if (!index.isKey())
+        throw EngineError(2601, 14, 1,
+                          "Cannot insert duplicate key row in object '" + object + "' with unique index '" +
+                              index.name + "'. The duplicate key value is " + key + '.');
+    throw EngineError(2627, 14, 1,
+                      std::string("Violation of ") +
+                          (index.role == TableIndex::Role::PrimaryKey ? "PRIMARY" : "UNIQUE") +
+                          " KEY constraint '" + index.name + "'. Cannot insert duplicate key in object '" +
+                          object + "'. The duplicate key value is " + key + '.');
 }
 
 } // namespace SampleServer

@@ -15,16 +15,31 @@ int ServerState::takeProcessId()
 {
     const std::lock_guard lock(m_mutex);
     int id = 51;
-    while (m_processIds.contains(id))
+    while (m_sessions.contains(id))
         ++id;
-    m_processIds.insert(id);
+    m_sessions[id].id = id;
     return id;
 }
 
 void ServerState::returnProcessId(int id)
 {
     const std::lock_guard lock(m_mutex);
-    m_processIds.erase(id);
+    m_sessions.erase(id);
+}
+
+void ServerState::describeSession(SessionInfo info)
+{
+    const std::lock_guard lock(m_mutex);
+    m_sessions[info.id] = std::move(info);
+}
+
+std::vector<SessionInfo> ServerState::sessions() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<SessionInfo> all;
+    for (const auto &[id, info] : m_sessions)
+        all.push_back(info);
+    return all;
 }
 
 Server::Server(Options options)

@@ -4,10 +4,22 @@
 #include "Engine/LockManager.h"
 #include "Engine/Server.h"
 
+#include <map>
 #include <mutex>
-#include <set>
+#include <vector>
 
 namespace SampleServer {
+
+/// What a session tells the others of itself.
+struct SessionInfo
+{
+    int id = 0;
+    std::string login, host, program;
+    int database = 1;
+    DateTimeValue loginTime, requestTime; ///< local
+    bool isRunning = false;
+    std::string text; ///< of the last batch
+};
 
 /// What the sessions of a server share. Thread-safe.
 struct ServerState
@@ -24,10 +36,13 @@ struct ServerState
     /// The lowest process id that no session has; 51 is the first for users.
     int takeProcessId();
     void returnProcessId(int id);
+    /// Notes what a session does now.
+    void describeSession(SessionInfo info);
+    std::vector<SessionInfo> sessions() const; ///< by id
 
 private:
-    std::mutex m_mutex;
-    std::set<int> m_processIds; ///< guarded by m_mutex
+    mutable std::mutex m_mutex;
+    std::map<int, SessionInfo> m_sessions; ///< guarded by m_mutex; by process id
 };
 
 struct Server::Private : ServerState

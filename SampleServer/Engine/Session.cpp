@@ -33,6 +33,12 @@ void Session::executeBatch(std::string_view sql, std::span<BatchParameter> param
     d->interpreter.runBatch(sql, parameters, sink);
 }
 
+void Session::callProcedure(const std::string &name, std::span<const ProcedureArgument> arguments,
+                            ResultSink &sink)
+{
+    d->interpreter.callProcedure(name, arguments, sink);
+}
+
 const std::string &Session::database() const
 {
     return d->interpreter.database();

@@ -19,6 +19,17 @@ struct BatchParameter
     Value value;
 };
 
+/// What a procedure is called with.
+struct ProcedureArgument
+{
+    std::string name; ///< with its @; empty: by place
+    SqlType type;
+    Value value;
+    bool output = false;
+    bool isDefault = false;                         ///< DEFAULT, or left out
+    std::shared_ptr<const struct Table> table = {}; ///< a table variable instead of a value
+};
+
 /// One connection's state in the engine: current database, SET options, temporary tables, open transaction.
 /// Used by one thread at a time.
 class Session
@@ -41,6 +52,11 @@ public:
     void executeBatch(std::string_view sql, ResultSink &sink);
     /// The same with variables that are there from the start; afterwards each holds its last value.
     void executeBatch(std::string_view sql, std::span<BatchParameter> parameters, ResultSink &sink);
+
+    /// Calls a procedure by its name, which may have several parts, and tells its status, its output
+    /// parameters and its end through the sink.
+    void callProcedure(const std::string &name, std::span<const ProcedureArgument> arguments,
+                       ResultSink &sink);
 
     /// The current database.
     const std::string &database() const;

@@ -122,6 +122,13 @@ SqlType wideText(TypeId id, const SqlType &left, const SqlType &right)
 
 } // namespace
 
+bool isSystemType(const Ast::ObjectName &name)
+{
+    const std::string upper = asciiUpper(name.object());
+    return std::any_of(std::begin(typeNames), std::end(typeNames),
+                       [&upper](const TypeNameEntry &entry) { return entry.name == upper; });
+}
+
 SqlType resolveType(const Ast::TypeName &type, TypePlace place)
 {
     const std::string name = asciiUpper(type.name.object());

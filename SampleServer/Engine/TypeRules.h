@@ -11,6 +11,9 @@ enum class TypePlace { Declaration, Cast };
 /// The type a name stands for. Throws EngineError 2715 and others for what is no type.
 SqlType resolveType(const Ast::TypeName &name, TypePlace place);
 
+/// Whether the name is that of a system type.
+bool isSystemType(const Ast::ObjectName &name);
+
 /// The type two values meet in (CASE, UNION, comparison): the one of higher precedence, wide enough for both.
 /// Throws EngineError 206 when neither converts to the other.
 SqlType commonType(const SqlType &left, const SqlType &right);

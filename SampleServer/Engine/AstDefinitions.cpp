@@ -1,0 +1,8 @@
+#include "Engine/AstStatements.h"
+
+namespace SampleServer::Ast {
+
+ModuleDefinition::ModuleDefinition() = default;
+ModuleDefinition::~ModuleDefinition() = default;
+
+} // namespace SampleServer::Ast

@@ -1,0 +1,515 @@
+#include "Engine/CatalogObjects.h"
+#include "Engine/CatalogTable.h"
+#include "Engine/CatalogTypes.h"
+#include "Engine/SqliteConnection.h"
+#include "Types/Collation.h"
+#include "Types/Text.h"
+#include "Types/TypeTraits.h"
+
+#include <map>
+
+// The tables that the catalog's views are written over: rows of definitions.
+namespace SampleServer {
+
+namespace {
+
+constexpr SqlType Bit{TypeId::Bit}, TinyInt{TypeId::TinyInt}, SmallInt{TypeId::SmallInt}, Int{TypeId::Int},
+    BigInt{TypeId::BigInt}, Name{TypeId::NVarChar, 128}, LongText{TypeId::NVarChar, SqlType::Max},
+    Text60{TypeId::NVarChar, 60}, DateTime{TypeId::DateTime}, Code{TypeId::Char, 2}, Variant{TypeId::SqlVariant};
+
+using Context = CatalogContext;
+
+Value flag(bool value)
+{
+    return std::int64_t{value};
+}
+Value text(const std::string &value)
+{
+    return value;
+}
+Value textOrNull(const std::string &value)
+{
+    return value.empty() ? Value() : Value(value);
+}
+Value number(std::int64_t value)
+{
+    return value;
+}
+Value variant(std::int64_t value, const SqlType &type)
+{
+    return std::make_shared<const VariantValue>(VariantValue{type, value});
+}
+Value collationOfType(const SqlType &type)
+{
+    return isText(type.id) ? Value(std::string("SQL_Latin1_General_CP1_CI_AS")) : Value();
+}
+
+// objects$
+
+using ObjectTable = TypedCatalogTable<ObjectRow>;
+
+const CatalogTable &objects()
+{
+    static const ObjectTable table(
+        listObjects,
+        {{"object_id", Int, [](const ObjectRow &r, const Context &) { return number(r.id); }},
+         {"parent_object_id", Int, [](const ObjectRow &r, const Context &) { return number(r.parent); }},
+         {"name", Name, [](const ObjectRow &r, const Context &) { return text(r.name); }},
+         {"schema_id", Int, [](const ObjectRow &r, const Context &) { return number(r.schema); }},
+         {"type", Code, [](const ObjectRow &r, const Context &) { return text(padded(r.code)); }},
+         {"type_desc", Text60, [](const ObjectRow &r, const Context &) { return text(typeDescription(r.code)); }},
+         {"create_date", DateTime, [](const ObjectRow &r, const Context &) { return Value(r.created); }},
+         {"modify_date", DateTime, [](const ObjectRow &r, const Context &) { return Value(r.modified); }},
+         {"is_ms_shipped", Bit, [](const ObjectRow &r, const Context &) { return flag(r.id < 0); }},
+         {"definition", LongText, [](const ObjectRow &r, const Context &) { return textOrNull(r.definition()); }},
+         {"is_encrypted", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isEncrypted()); }},
+         {"is_schema_bound", Bit, [](const ObjectRow &r, const Context &) { return flag(r.module && r.module->definition->schemaBound); }},
+         {"is_disabled", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isDisabled()); }},
+         {"is_not_trusted", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isNotTrusted()); }},
+         {"is_system_named", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isSystemNamed()); }},
+         {"is_instead_of_trigger", Bit, [](const ObjectRow &r, const Context &) { return flag(r.module && r.module->definition->insteadOf); }},
+         {"parent_column_id", Int, [](const ObjectRow &r, const Context &) { return number(r.parentColumn()); }},
+         {"unique_index_id", Int, [](const ObjectRow &r, const Context &) { return r.index ? number(r.index->id) : Value(); }},
+         {"base_object_name", {TypeId::NVarChar, 1035}, [](const ObjectRow &r, const Context &) { return textOrNull(r.synonymTarget()); }},
+         {"max_column_id_used", Int, [](const ObjectRow &r, const Context &) { return number(r.table ? r.table->lastColumnId : 0); }},
+         {"uses_quoted_identifier", Bit, [](const ObjectRow &r, const Context &) { return flag(!r.module || r.module->quotedIdentifiers); }}});
+    return table;
+}
+
+// columns$
+
+struct ColumnRow
+{
+    ObjectPtr object;
+    const TableColumn *column;
+    const Table *table; ///< null for views and functions
+};
+
+std::vector<ColumnRow> listColumns(const Context &context)
+{
+    std::vector<ColumnRow> rows;
+    for (const ObjectPtr &object : allObjects(context)) {
+        if (const auto *table = dynamic_cast<const Table *>(object.get()))
+            for (const TableColumn &column : table->columns)
+                rows.push_back({object, &column, table});
+        else if (const auto *module = dynamic_cast<const Module *>(object.get()))
+            for (const TableColumn &column : module->columns)
+                rows.push_back({object, &column, nullptr});
+    }
+    return rows;
+}
+
+int userTypeOf(const SqlType &type, const UserTypePtr &userType)
+{
+    if (userType)
+        return userType->id;
+    return type.id == TypeId::HierarchyId ? 128 : systemTypeId(type);
+}
+
+const CatalogTable &columns()
+{
+    static const TypedCatalogTable<ColumnRow> table(
+        listColumns,
+        {{"object_id", Int, [](const ColumnRow &r, const Context &) { return number(r.object->id); }},
+         {"name", Name, [](const ColumnRow &r, const Context &) { return text(r.column->name); }},
+         {"column_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->id); }},
+         {"system_type_id", TinyInt, [](const ColumnRow &r, const Context &) { return number(systemTypeId(r.column->type)); }},
+         {"user_type_id", Int, [](const ColumnRow &r, const Context &) { return number(userTypeOf(r.column->type, r.column->userType)); }},
+         {"max_length", SmallInt, [](const ColumnRow &r, const Context &) { return number(catalogLength(r.column->type)); }},
+         {"precision", TinyInt, [](const ColumnRow &r, const Context &) { return number(catalogPrecision(r.column->type)); }},
+         {"scale", TinyInt, [](const ColumnRow &r, const Context &) { return number(catalogScale(r.column->type)); }},
+         {"collation_name", Name, [](const ColumnRow &r, const Context &) { return collationOfType(r.column->type); }},
+         {"is_nullable", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->nullable); }},
+         {"is_rowguidcol", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->rowGuid); }},
+         {"is_identity", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->identity); }},
+         {"is_computed", Bit, [](const ColumnRow &r, const Context &) { return flag(static_cast<bool>(r.column->computed)); }},
+         {"is_sparse", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->sparse); }},
+         {"is_persisted", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->persisted); }},
+         {"default_object_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->defaultValue ? r.column->defaultName.id : 0); }},
+         {"default_definition", LongText, [](const ColumnRow &r, const Context &) { return textOrNull(r.column->defaultValue.text); }},
+         {"computed_definition", LongText, [](const ColumnRow &r, const Context &) { return textOrNull(r.column->computed.text); }},
+         {"seed_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table ? variant(r.table->identity->seed(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }},
+         {"increment_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table ? variant(r.table->identity->increment(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }},
+         {"last_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table && r.table->identity->last() ? variant(*r.table->identity->last(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }}});
+    return table;
+}
+
+// types$
+
+struct TypeRow
+{
+    std::string name;
+    int systemId, userId, schema;
+    SqlType type;
+    bool nullable = true;
+    UserTypePtr userType;
+};
+
+std::vector<TypeRow> listTypes(const Context &context)
+{
+    std::vector<TypeRow> rows;
+    for (const SystemType &type : systemTypes())
+        rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type, type.name != "sysname", nullptr});
+    for (const UserTypePtr &type : context.database->types()) {
+        const auto schema = context.database->findSchema(type->schema);
+        rows.push_back({type->name, type->table ? 243 : systemTypeId(type->base), type->id, schema ? schema->id : 1,
+                        type->base, type->nullable, type});
+    }
+    return rows;
+}
+
+const CatalogTable &types()
+{
+    static const TypedCatalogTable<TypeRow> table(
+        listTypes,
+        {{"user_type_id", Int, [](const TypeRow &r, const Context &) { return number(r.userId); }},
+         {"name", Name, [](const TypeRow &r, const Context &) { return text(r.name); }},
+         {"system_type_id", TinyInt, [](const TypeRow &r, const Context &) { return number(r.systemId); }},
+         {"schema_id", Int, [](const TypeRow &r, const Context &) { return number(r.schema); }},
+         {"max_length", SmallInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? -1 : catalogLength(r.type)); }},
+         {"precision", TinyInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? 0 : catalogPrecision(r.type)); }},
+         {"scale", TinyInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? 0 : catalogScale(r.type)); }},
+         {"collation_name", Name, [](const TypeRow &r, const Context &) { return collationOfType(r.type); }},
+         {"is_nullable", Bit, [](const TypeRow &r, const Context &) { return flag(r.nullable); }},
+         {"is_user_defined", Bit, [](const TypeRow &r, const Context &) { return flag(r.userType != nullptr); }},
+         {"is_assembly_type", Bit, [](const TypeRow &r, const Context &) { return flag(r.userId >= 128 && r.userId <= 130 && r.systemId == 240); }},
+         {"is_table_type", Bit, [](const TypeRow &r, const Context &) { return flag(r.userType && r.userType->table); }},
+         {"type_table_object_id", Int, [](const TypeRow &r, const Context &) { return r.userType && r.userType->table ? number(r.userType->table->id) : Value(); }}});
+    return table;
+}
+
+// indexes$ and index_columns$
+
+struct IndexRow
+{
+    TablePtr table;
+    const TableIndex *index; ///< null: the heap
+};
+
+std::vector<IndexRow> listIndexes(const Context &context)
+{
+    std::vector<IndexRow> rows;
+    for (const ObjectPtr &object : allObjects(context)) {
+        const auto table = std::dynamic_pointer_cast<const Table>(object);
+        if (!table)
+            continue;
+        bool clustered = false;
+        for (const TableIndex &index : table->indexes)
+            clustered = clustered || index.isClustered();
+        if (!clustered)
+            rows.push_back({table, nullptr});
+        for (const TableIndex &index : table->indexes)
+            rows.push_back({table, &index});
+    }
+    return rows;
+}
+
+Value rowCount(const IndexRow &row, const Context &context)
+{
+    if (row.table->kind != ObjectKind::Table)
+        return number(0);
+    SqliteStatement statement(context.connection, "SELECT count(*) FROM " + SqliteConnection::schemaName(*context.database) +
+                                                      '.' + row.table->physicalName());
+    Value count;
+    if (statement.step())
+        statement.read(0, BigInt, count);
+    return count;
+}
+
+const CatalogTable &indexes()
+{
+    static const TypedCatalogTable<IndexRow> table(
+        listIndexes,
+        {{"object_id", Int, [](const IndexRow &r, const Context &) { return number(r.table->id); }},
+         {"name", Name, [](const IndexRow &r, const Context &) { return r.index ? text(r.index->name) : Value(); }},
+         {"index_id", Int, [](const IndexRow &r, const Context &) { return number(r.index ? r.index->id : 0); }},
+         {"type", TinyInt, [](const IndexRow &r, const Context &) { return number(!r.index ? 0 : r.index->isClustered() ? 1 : 2); }},
+         {"type_desc", Text60, [](const IndexRow &r, const Context &) { return text(!r.index ? "HEAP" : r.index->isClustered() ? "CLUSTERED" : "NONCLUSTERED"); }},
+         {"is_unique", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->unique); }},
+         {"ignore_dup_key", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->ignoresDuplicates); }},
+         {"is_primary_key", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->role == TableIndex::Role::PrimaryKey); }},
+         {"is_unique_constraint", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->role == TableIndex::Role::UniqueConstraint); }},
+         {"fill_factor", TinyInt, [](const IndexRow &r, const Context &) { return number(r.index ? r.index->fillFactor : 0); }},
+         {"is_padded", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->padded); }},
+         {"is_disabled", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->disabled); }},
+         {"has_filter", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->filter); }},
+         {"filter_definition", LongText, [](const IndexRow &r, const Context &) { return r.index ? textOrNull(r.index->filter.text) : Value(); }},
+         {"key_count", Int, [](const IndexRow &r, const Context &) { return number(r.index ? static_cast<std::int64_t>(r.index->columns.size()) : 0); }},
+         {"rows", BigInt, rowCount}});
+    return table;
+}
+
+struct IndexColumnRow
+{
+    TablePtr table;
+    const TableIndex *index;
+    std::size_t ordinal; ///< from 1
+    bool included;
+    std::size_t place() const { return included ? index->included[ordinal - 1] : index->columns[ordinal - 1]; }
+};
+
+std::vector<IndexColumnRow> listIndexColumns(const Context &context)
+{
+    std::vector<IndexColumnRow> rows;
+    for (const IndexRow &row : listIndexes(context)) {
+        for (std::size_t i = 1; row.index && i <= row.index->columns.size(); ++i)
+            rows.push_back({row.table, row.index, i, false});
+        for (std::size_t i = 1; row.index && i <= row.index->included.size(); ++i)
+            rows.push_back({row.table, row.index, i, true});
+    }
+    return rows;
+}
+
+const CatalogTable &indexColumns()
+{
+    using Row = IndexColumnRow;
+    static const TypedCatalogTable<Row> table(
+        listIndexColumns,
+        {{"object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
+         {"index_id", Int, [](const Row &r, const Context &) { return number(r.index->id); }},
+         {"index_column_id", Int, [](const Row &r, const Context &) { return number(static_cast<std::int64_t>(r.ordinal + (r.included ? r.index->columns.size() : 0))); }},
+         {"column_id", Int, [](const Row &r, const Context &) { return number(r.table->columns[r.place()].id); }},
+         {"key_ordinal", TinyInt, [](const Row &r, const Context &) { return number(r.included ? 0 : static_cast<std::int64_t>(r.ordinal)); }},
+         {"is_descending_key", Bit, [](const Row &r, const Context &) { return flag(!r.included && r.index->descending[r.ordinal - 1]); }},
+         {"is_included_column", Bit, [](const Row &r, const Context &) { return flag(r.included); }}});
+    return table;
+}
+
+// foreign_keys$ and foreign_key_columns$
+
+struct ForeignKeyRow
+{
+    TablePtr table;
+    const ForeignKey *key;
+    std::size_t ordinal = 1;
+};
+
+std::vector<ForeignKeyRow> listForeignKeys(const Context &context)
+{
+    std::vector<ForeignKeyRow> rows;
+    for (const ObjectPtr &object : context.database->objects())
+        if (const auto table = std::dynamic_pointer_cast<const Table>(object))
+            for (const ForeignKey &key : table->foreignKeys)
+                rows.push_back({table, &key});
+    return rows;
+}
+
+std::vector<ForeignKeyRow> listForeignKeyColumns(const Context &context)
+{
+    std::vector<ForeignKeyRow> rows;
+    for (const ForeignKeyRow &row : listForeignKeys(context))
+        for (std::size_t i = 1; i <= row.key->columns.size(); ++i)
+            rows.push_back({row.table, row.key, i});
+    return rows;
+}
+
+Value keyIndex(const ForeignKeyRow &row, const Context &context)
+{
+    const TablePtr parent = context.database->findTable(row.key->referencedTable);
+    for (const TableIndex &index : parent ? parent->indexes : std::vector<TableIndex>()) {
+        std::vector<int> ids;
+        for (const std::size_t column : index.columns)
+            ids.push_back(parent->columns[column].id);
+        if (index.unique && ids == row.key->referencedColumns)
+            return number(index.id);
+    }
+    return number(1);
+}
+
+const CatalogTable &foreignKeys()
+{
+    using Row = ForeignKeyRow;
+    static const TypedCatalogTable<Row> table(
+        listForeignKeys,
+        {{"object_id", Int, [](const Row &r, const Context &) { return number(r.key->constraint.id); }},
+         {"parent_object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
+         {"referenced_object_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
+         {"key_index_id", Int, keyIndex},
+         {"delete_referential_action", TinyInt, [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onDelete)); }},
+         {"update_referential_action", TinyInt, [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onUpdate)); }}});
+    return table;
+}
+
+const CatalogTable &foreignKeyColumns()
+{
+    using Row = ForeignKeyRow;
+    static const TypedCatalogTable<Row> table(
+        listForeignKeyColumns,
+        {{"constraint_object_id", Int, [](const Row &r, const Context &) { return number(r.key->constraint.id); }},
+         {"constraint_column_id", Int, [](const Row &r, const Context &) { return number(static_cast<std::int64_t>(r.ordinal)); }},
+         {"parent_object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
+         {"parent_column_id", Int, [](const Row &r, const Context &) { return number(r.table->columns[r.key->columns[r.ordinal - 1]].id); }},
+         {"referenced_object_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
+         {"referenced_column_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedColumns[r.ordinal - 1]); }}});
+    return table;
+}
+
+// parameters$
+
+struct ParameterRow
+{
+    ModulePtr module;
+    int ordinal; ///< 0 for what a function returns
+    const ModuleParameter *parameter() const
+    {
+        return ordinal == 0 ? nullptr : &module->parameters[static_cast<std::size_t>(ordinal - 1)];
+    }
+    const SqlType &type() const { return ordinal == 0 ? module->result : parameter()->type; }
+    const UserTypePtr userType() const { return ordinal == 0 ? nullptr : parameter()->userType; }
+    bool isTable() const { return userType() && userType()->table; }
+};
+
+std::vector<ParameterRow> listParameters(const Context &context)
+{
+    std::vector<ParameterRow> rows;
+    for (const ObjectPtr &object : context.database->objects()) {
+        const auto module = std::dynamic_pointer_cast<const Module>(object);
+        if (!module)
+            continue;
+        if (module->kind == ObjectKind::ScalarFunction)
+            rows.push_back({module, 0});
+        for (int i = 1; i <= static_cast<int>(module->parameters.size()); ++i)
+            rows.push_back({module, i});
+    }
+    return rows;
+}
+
+const CatalogTable &parameters()
+{
+    using Row = ParameterRow;
+    static const TypedCatalogTable<Row> table(
+        listParameters,
+        {{"object_id", Int, [](const Row &r, const Context &) { return number(r.module->id); }},
+         {"name", Name, [](const Row &r, const Context &) { return text(r.ordinal == 0 ? std::string() : r.parameter()->name); }},
+         {"parameter_id", Int, [](const Row &r, const Context &) { return number(r.ordinal); }},
+         {"system_type_id", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 243 : systemTypeId(r.type())); }},
+         {"user_type_id", Int, [](const Row &r, const Context &) { return number(userTypeOf(r.type(), r.userType())); }},
+         {"max_length", SmallInt, [](const Row &r, const Context &) { return number(r.isTable() ? -1 : catalogLength(r.type())); }},
+         {"precision", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogPrecision(r.type())); }},
+         {"scale", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogScale(r.type())); }},
+         {"is_output", Bit, [](const Row &r, const Context &) { return flag(r.ordinal == 0 || r.parameter()->output); }},
+         {"has_default_value", Bit, [](const Row &, const Context &) { return flag(false); }},
+         {"is_readonly", Bit, [](const Row &r, const Context &) { return flag(r.isTable()); }}});
+    return table;
+}
+
+// trigger_events$
+
+struct TriggerEventRow
+{
+    ModulePtr trigger;
+    int type; ///< 1 INSERT, 2 UPDATE, 3 DELETE
+};
+
+std::vector<TriggerEventRow> listTriggerEvents(const Context &context)
+{
+    std::vector<TriggerEventRow> rows;
+    for (const ObjectPtr &object : context.database->objects()) {
+        const auto trigger = std::dynamic_pointer_cast<const Module>(object);
+        if (!trigger || trigger->kind != ObjectKind::Trigger)
+            continue;
+        const Ast::ModuleDefinition &definition = *trigger->definition;
+        const bool events[] = {definition.onInsert, definition.onUpdate, definition.onDelete};
+        for (int i = 0; i < 3; ++i)
+            if (events[i])
+                rows.push_back({trigger, i + 1});
+    }
+    return rows;
+}
+
+const CatalogTable &triggerEvents()
+{
+    using Row = TriggerEventRow;
+    static const TypedCatalogTable<Row> table(
+        listTriggerEvents,
+        {{"object_id", Int, [](const Row &r, const Context &) { return number(r.trigger->id); }},
+         {"type", Int, [](const Row &r, const Context &) { return number(r.type); }}});
+    return table;
+}
+
+// schemas$, databases$, properties$, sessions$
+
+std::vector<Schema> listSchemas(const Context &context)
+{
+    return context.database->schemas();
+}
+
+const CatalogTable &schemas()
+{
+    static const TypedCatalogTable<Schema> table(
+        listSchemas, {{"schema_id", Int, [](const Schema &s, const Context &) { return number(s.id); }},
+                      {"name", Name, [](const Schema &s, const Context &) { return text(s.name); }}});
+    return table;
+}
+
+std::vector<DatabasePtr> listDatabases(const Context &context)
+{
+    return context.server.databases.all();
+}
+
+const CatalogTable &databases()
+{
+    static const TypedCatalogTable<DatabasePtr> table(
+        listDatabases, {{"database_id", Int, [](const DatabasePtr &d, const Context &) { return number(d->id()); }},
+                        {"name", Name, [](const DatabasePtr &d, const Context &) { return text(d->name()); }},
+                        {"create_date", DateTime, [](const DatabasePtr &d, const Context &) { return Value(d->created()); }}});
+    return table;
+}
+
+std::vector<ExtendedProperty> listProperties(const Context &context)
+{
+    return context.database->properties();
+}
+
+const CatalogTable &properties()
+{
+    using Row = ExtendedProperty;
+    static const TypedCatalogTable<Row> table(
+        listProperties,
+        {{"major_id", Int, [](const Row &r, const Context &) { return number(r.major); }},
+         {"minor_id", Int, [](const Row &r, const Context &) { return number(r.minor); }},
+         {"class", TinyInt, [](const Row &r, const Context &) { return number(r.type); }},
+         {"name", Name, [](const Row &r, const Context &) { return text(r.name); }},
+         {"value", Variant, [](const Row &r, const Context &) { return Value(std::make_shared<const VariantValue>(VariantValue{{TypeId::NVarChar, 4000}, r.value})); }}});
+    return table;
+}
+
+std::vector<SessionInfo> listSessions(const Context &context)
+{
+    return context.server.sessions();
+}
+
+const CatalogTable &sessions()
+{
+    using Row = SessionInfo;
+    static const TypedCatalogTable<Row> table(
+        listSessions,
+        {{"session_id", SmallInt, [](const Row &r, const Context &) { return number(r.id); }},
+         {"login_name", Name, [](const Row &r, const Context &) { return text(r.login); }},
+         {"host_name", Name, [](const Row &r, const Context &) { return text(r.host); }},
+         {"program_name", Name, [](const Row &r, const Context &) { return text(r.program); }},
+         {"database_id", SmallInt, [](const Row &r, const Context &) { return number(r.database); }},
+         {"login_time", DateTime, [](const Row &r, const Context &) { return Value(r.loginTime); }},
+         {"request_time", DateTime, [](const Row &r, const Context &) { return Value(r.requestTime); }},
+         {"is_running", Bit, [](const Row &r, const Context &) { return flag(r.isRunning); }},
+         {"text", LongText, [](const Row &r, const Context &) { return text(r.text); }}});
+    return table;
+}
+
+} // namespace
+
+const CatalogTable *findCatalogTable(std::string_view name)
+{
+    static const std::map<std::string_view, const CatalogTable &(*)()> tables = {
+        {"objects$", objects},           {"columns$", columns},
+        {"types$", types},               {"indexes$", indexes},
+        {"index_columns$", indexColumns}, {"foreign_keys$", foreignKeys},
+        {"foreign_key_columns$", foreignKeyColumns}, {"parameters$", parameters},
+        {"trigger_events$", triggerEvents}, {"schemas$", schemas},
+        {"databases$", databases},       {"properties$", properties},
+        {"sessions$", sessions}};
+    const auto found = tables.find(name);
+    return found == tables.end() ? nullptr : &found->second();
+}
+
+} // namespace SampleServer
