@@ -27,7 +27,8 @@ constexpr std::pair<std::string_view, const char *> descriptions[] = {
 /// The rows of a table's constraints.
 void addConstraints(const ObjectRow &parent, std::vector<ObjectRow> &rows)
 {
-    const auto add = [&](const ConstraintName &name, std::string_view code, auto ObjectRow::*detail, const auto *value) {
+    const auto add = [&](const ConstraintName &name, std::string_view code, auto ObjectRow::*detail,
+                         const auto *value) {
         ObjectRow row = parent;
         row.parent = parent.id;
         row.id = name.id;
@@ -38,7 +39,8 @@ void addConstraints(const ObjectRow &parent, std::vector<ObjectRow> &rows)
     };
     for (const TableIndex &index : parent.table->indexes)
         if (index.isKey())
-            add(index.constraint, index.role == TableIndex::Role::PrimaryKey ? "PK" : "UQ", &ObjectRow::index, &index);
+            add(index.constraint, index.role == TableIndex::Role::PrimaryKey ? "PK" : "UQ", &ObjectRow::index,
+                &index);
     for (const ForeignKey &key : parent.table->foreignKeys)
         add(key.constraint, "F", &ObjectRow::key, &key);
     for (const CheckConstraint &check : parent.table->checks)
@@ -98,10 +100,10 @@ bool ObjectRow::isNotTrusted() const
 bool ObjectRow::isSystemNamed() const
 {
     const ConstraintName *constraint = index    ? &index->constraint
-                                 : key    ? &key->constraint
-                                 : check  ? &check->constraint
-                                 : column ? &column->defaultName
-                                          : nullptr;
+                                       : key    ? &key->constraint
+                                       : check  ? &check->constraint
+                                       : column ? &column->defaultName
+                                                : nullptr;
     return constraint && constraint->systemNamed;
 }
 

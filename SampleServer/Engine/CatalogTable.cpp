@@ -27,7 +27,8 @@ public:
 
     void start(std::span<sqlite3_value *>, const Equality *equality) override
     {
-        m_found = equality ? m_rows.find(static_cast<std::size_t>(equality->column), equality->value) : nullptr;
+        m_found =
+            equality ? m_rows.find(static_cast<std::size_t>(equality->column), equality->value) : nullptr;
         m_at = 0;
     }
     void next() override { ++m_at; }

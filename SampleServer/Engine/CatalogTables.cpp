@@ -15,7 +15,8 @@ namespace {
 
 constexpr SqlType Bit{TypeId::Bit}, TinyInt{TypeId::TinyInt}, SmallInt{TypeId::SmallInt}, Int{TypeId::Int},
     BigInt{TypeId::BigInt}, Name{TypeId::NVarChar, 128}, LongText{TypeId::NVarChar, SqlType::Max},
-    Text60{TypeId::NVarChar, 60}, DateTime{TypeId::DateTime}, Code{TypeId::Char, 2}, Variant{TypeId::SqlVariant};
+    Text60{TypeId::NVarChar, 60}, DateTime{TypeId::DateTime}, Code{TypeId::Char, 2},
+    Variant{TypeId::SqlVariant};
 
 using Context = CatalogContext;
 
@@ -57,22 +58,38 @@ const CatalogTable &objects()
          {"name", Name, [](const ObjectRow &r, const Context &) { return text(r.name); }},
          {"schema_id", Int, [](const ObjectRow &r, const Context &) { return number(r.schema); }},
          {"type", Code, [](const ObjectRow &r, const Context &) { return text(padded(r.code)); }},
-         {"type_desc", Text60, [](const ObjectRow &r, const Context &) { return text(typeDescription(r.code)); }},
+         {"type_desc", Text60,
+          [](const ObjectRow &r, const Context &) { return text(typeDescription(r.code)); }},
          {"create_date", DateTime, [](const ObjectRow &r, const Context &) { return Value(r.created); }},
          {"modify_date", DateTime, [](const ObjectRow &r, const Context &) { return Value(r.modified); }},
          {"is_ms_shipped", Bit, [](const ObjectRow &r, const Context &) { return flag(r.id < 0); }},
-         {"definition", LongText, [](const ObjectRow &r, const Context &) { return textOrNull(r.definition()); }},
+         {"definition", LongText,
+          [](const ObjectRow &r, const Context &) { return textOrNull(r.definition()); }},
          {"is_encrypted", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isEncrypted()); }},
-         {"is_schema_bound", Bit, [](const ObjectRow &r, const Context &) { return flag(r.module && r.module->definition->schemaBound); }},
+         {"is_schema_bound", Bit,
+          [](const ObjectRow &r, const Context &) {
+              return flag(r.module && r.module->definition->schemaBound);
+          }},
          {"is_disabled", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isDisabled()); }},
          {"is_not_trusted", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isNotTrusted()); }},
-         {"is_system_named", Bit, [](const ObjectRow &r, const Context &) { return flag(r.isSystemNamed()); }},
-         {"is_instead_of_trigger", Bit, [](const ObjectRow &r, const Context &) { return flag(r.module && r.module->definition->insteadOf); }},
-         {"parent_column_id", Int, [](const ObjectRow &r, const Context &) { return number(r.parentColumn()); }},
-         {"unique_index_id", Int, [](const ObjectRow &r, const Context &) { return r.index ? number(r.index->id) : Value(); }},
-         {"base_object_name", {TypeId::NVarChar, 1035}, [](const ObjectRow &r, const Context &) { return textOrNull(r.synonymTarget()); }},
-         {"max_column_id_used", Int, [](const ObjectRow &r, const Context &) { return number(r.table ? r.table->lastColumnId : 0); }},
-         {"uses_quoted_identifier", Bit, [](const ObjectRow &r, const Context &) { return flag(!r.module || r.module->quotedIdentifiers); }}});
+         {"is_system_named", Bit,
+          [](const ObjectRow &r, const Context &) { return flag(r.isSystemNamed()); }},
+         {"is_instead_of_trigger", Bit,
+          [](const ObjectRow &r, const Context &) {
+              return flag(r.module && r.module->definition->insteadOf);
+          }},
+         {"parent_column_id", Int,
+          [](const ObjectRow &r, const Context &) { return number(r.parentColumn()); }},
+         {"unique_index_id", Int,
+          [](const ObjectRow &r, const Context &) { return r.index ? number(r.index->id) : Value(); }},
+         {"base_object_name",
+          {TypeId::NVarChar, 1035},
+          [](const ObjectRow &r, const Context &) { return textOrNull(r.synonymTarget()); }},
+         {"max_column_id_used", Int,
+          [](const ObjectRow &r, const Context &) { return number(r.table ? r.table->lastColumnId : 0); }},
+         {"uses_quoted_identifier", Bit, [](const ObjectRow &r, const Context &) {
+              return flag(!r.module || r.module->quotedIdentifiers);
+          }}});
     return table;
 }
 
@@ -113,24 +130,55 @@ const CatalogTable &columns()
         {{"object_id", Int, [](const ColumnRow &r, const Context &) { return number(r.object->id); }},
          {"name", Name, [](const ColumnRow &r, const Context &) { return text(r.column->name); }},
          {"column_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->id); }},
-         {"system_type_id", TinyInt, [](const ColumnRow &r, const Context &) { return number(systemTypeId(r.column->type)); }},
-         {"user_type_id", Int, [](const ColumnRow &r, const Context &) { return number(userTypeOf(r.column->type, r.column->userType)); }},
-         {"max_length", SmallInt, [](const ColumnRow &r, const Context &) { return number(catalogLength(r.column->type)); }},
-         {"precision", TinyInt, [](const ColumnRow &r, const Context &) { return number(catalogPrecision(r.column->type)); }},
-         {"scale", TinyInt, [](const ColumnRow &r, const Context &) { return number(catalogScale(r.column->type)); }},
-         {"collation_name", Name, [](const ColumnRow &r, const Context &) { return collationOfType(r.column->type); }},
+         {"system_type_id", TinyInt,
+          [](const ColumnRow &r, const Context &) { return number(systemTypeId(r.column->type)); }},
+         {"user_type_id", Int,
+          [](const ColumnRow &r, const Context &) {
+              return number(userTypeOf(r.column->type, r.column->userType));
+          }},
+         {"max_length", SmallInt,
+          [](const ColumnRow &r, const Context &) { return number(catalogLength(r.column->type)); }},
+         {"precision", TinyInt,
+          [](const ColumnRow &r, const Context &) { return number(catalogPrecision(r.column->type)); }},
+         {"scale", TinyInt,
+          [](const ColumnRow &r, const Context &) { return number(catalogScale(r.column->type)); }},
+         {"collation_name", Name,
+          [](const ColumnRow &r, const Context &) { return collationOfType(r.column->type); }},
          {"is_nullable", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->nullable); }},
          {"is_rowguidcol", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->rowGuid); }},
          {"is_identity", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->identity); }},
-         {"is_computed", Bit, [](const ColumnRow &r, const Context &) { return flag(static_cast<bool>(r.column->computed)); }},
+         {"is_computed", Bit,
+          [](const ColumnRow &r, const Context &) { return flag(static_cast<bool>(r.column->computed)); }},
          {"is_sparse", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->sparse); }},
          {"is_persisted", Bit, [](const ColumnRow &r, const Context &) { return flag(r.column->persisted); }},
-         {"default_object_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->defaultValue ? r.column->defaultName.id : 0); }},
-         {"default_definition", LongText, [](const ColumnRow &r, const Context &) { return textOrNull(r.column->defaultValue.text); }},
-         {"computed_definition", LongText, [](const ColumnRow &r, const Context &) { return textOrNull(r.column->computed.text); }},
-         {"seed_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table ? variant(r.table->identity->seed(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }},
-         {"increment_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table ? variant(r.table->identity->increment(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }},
-         {"last_value", Variant, [](const ColumnRow &r, const Context &) { return r.column->identity && r.table && r.table->identity->last() ? variant(*r.table->identity->last(), r.column->type.id == TypeId::Decimal ? BigInt : r.column->type) : Value(); }}});
+         {"default_object_id", Int,
+          [](const ColumnRow &r, const Context &) {
+              return number(r.column->defaultValue ? r.column->defaultName.id : 0);
+          }},
+         {"default_definition", LongText,
+          [](const ColumnRow &r, const Context &) { return textOrNull(r.column->defaultValue.text); }},
+         {"computed_definition", LongText,
+          [](const ColumnRow &r, const Context &) { return textOrNull(r.column->computed.text); }},
+         {"seed_value", Variant,
+          [](const ColumnRow &r, const Context &) {
+              return r.column->identity && r.table
+                         ? variant(r.table->identity->seed(),
+                                   r.column->type.id == TypeId::Decimal ? BigInt : r.column->type)
+                         : Value();
+          }},
+         {"increment_value", Variant,
+          [](const ColumnRow &r, const Context &) {
+              return r.column->identity && r.table
+                         ? variant(r.table->identity->increment(),
+                                   r.column->type.id == TypeId::Decimal ? BigInt : r.column->type)
+                         : Value();
+          }},
+         {"last_value", Variant, [](const ColumnRow &r, const Context &) {
+              return r.column->identity && r.table && r.table->identity->last()
+                         ? variant(*r.table->identity->last(),
+                                   r.column->type.id == TypeId::Decimal ? BigInt : r.column->type)
+                         : Value();
+          }}});
     return table;
 }
 
@@ -149,11 +197,12 @@ std::vector<TypeRow> listTypes(const Context &context)
 {
     std::vector<TypeRow> rows;
     for (const SystemType &type : systemTypes())
-        rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type, type.name != "sysname", nullptr});
+        rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type,
+                        type.name != "sysname", nullptr});
     for (const UserTypePtr &type : context.database->types()) {
         const auto schema = context.database->findSchema(type->schema);
-        rows.push_back({type->name, type->table ? 243 : systemTypeId(type->base), type->id, schema ? schema->id : 1,
-                        type->base, type->nullable, type});
+        rows.push_back({type->name, type->table ? 243 : systemTypeId(type->base), type->id,
+                        schema ? schema->id : 1, type->base, type->nullable, type});
     }
     return rows;
 }
@@ -166,15 +215,31 @@ const CatalogTable &types()
          {"name", Name, [](const TypeRow &r, const Context &) { return text(r.name); }},
          {"system_type_id", TinyInt, [](const TypeRow &r, const Context &) { return number(r.systemId); }},
          {"schema_id", Int, [](const TypeRow &r, const Context &) { return number(r.schema); }},
-         {"max_length", SmallInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? -1 : catalogLength(r.type)); }},
-         {"precision", TinyInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? 0 : catalogPrecision(r.type)); }},
-         {"scale", TinyInt, [](const TypeRow &r, const Context &) { return number(r.userType && r.userType->table ? 0 : catalogScale(r.type)); }},
+         {"max_length", SmallInt,
+          [](const TypeRow &r, const Context &) {
+              return number(r.userType && r.userType->table ? -1 : catalogLength(r.type));
+          }},
+         {"precision", TinyInt,
+          [](const TypeRow &r, const Context &) {
+              return number(r.userType && r.userType->table ? 0 : catalogPrecision(r.type));
+          }},
+         {"scale", TinyInt,
+          [](const TypeRow &r, const Context &) {
+              return number(r.userType && r.userType->table ? 0 : catalogScale(r.type));
+          }},
          {"collation_name", Name, [](const TypeRow &r, const Context &) { return collationOfType(r.type); }},
          {"is_nullable", Bit, [](const TypeRow &r, const Context &) { return flag(r.nullable); }},
-         {"is_user_defined", Bit, [](const TypeRow &r, const Context &) { return flag(r.userType != nullptr); }},
-         {"is_assembly_type", Bit, [](const TypeRow &r, const Context &) { return flag(r.userId >= 128 && r.userId <= 130 && r.systemId == 240); }},
-         {"is_table_type", Bit, [](const TypeRow &r, const Context &) { return flag(r.userType && r.userType->table); }},
-         {"type_table_object_id", Int, [](const TypeRow &r, const Context &) { return r.userType && r.userType->table ? number(r.userType->table->id) : Value(); }}});
+         {"is_user_defined", Bit,
+          [](const TypeRow &r, const Context &) { return flag(r.userType != nullptr); }},
+         {"is_assembly_type", Bit,
+          [](const TypeRow &r, const Context &) {
+              return flag(r.userId >= 128 && r.userId <= 130 && r.systemId == 240);
+          }},
+         {"is_table_type", Bit,
+          [](const TypeRow &r, const Context &) { return flag(r.userType && r.userType->table); }},
+         {"type_table_object_id", Int, [](const TypeRow &r, const Context &) {
+              return r.userType && r.userType->table ? number(r.userType->table->id) : Value();
+          }}});
     return table;
 }
 
@@ -208,8 +273,9 @@ Value rowCount(const IndexRow &row, const Context &context)
 {
     if (row.table->kind != ObjectKind::Table)
         return number(0);
-    SqliteStatement statement(context.connection, "SELECT count(*) FROM " + SqliteConnection::schemaName(*context.database) +
-                                                      '.' + row.table->physicalName());
+    SqliteStatement statement(context.connection, "SELECT count(*) FROM " +
+                                                      SqliteConnection::schemaName(*context.database) + '.' +
+                                                      row.table->physicalName());
     Value count;
     if (statement.step())
         statement.read(0, BigInt, count);
@@ -221,20 +287,46 @@ const CatalogTable &indexes()
     static const TypedCatalogTable<IndexRow> table(
         listIndexes,
         {{"object_id", Int, [](const IndexRow &r, const Context &) { return number(r.table->id); }},
-         {"name", Name, [](const IndexRow &r, const Context &) { return r.index ? text(r.index->name) : Value(); }},
-         {"index_id", Int, [](const IndexRow &r, const Context &) { return number(r.index ? r.index->id : 0); }},
-         {"type", TinyInt, [](const IndexRow &r, const Context &) { return number(!r.index ? 0 : r.index->isClustered() ? 1 : 2); }},
-         {"type_desc", Text60, [](const IndexRow &r, const Context &) { return text(!r.index ? "HEAP" : r.index->isClustered() ? "CLUSTERED" : "NONCLUSTERED"); }},
-         {"is_unique", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->unique); }},
-         {"ignore_dup_key", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->ignoresDuplicates); }},
-         {"is_primary_key", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->role == TableIndex::Role::PrimaryKey); }},
-         {"is_unique_constraint", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->role == TableIndex::Role::UniqueConstraint); }},
-         {"fill_factor", TinyInt, [](const IndexRow &r, const Context &) { return number(r.index ? r.index->fillFactor : 0); }},
-         {"is_padded", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->padded); }},
-         {"is_disabled", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->disabled); }},
-         {"has_filter", Bit, [](const IndexRow &r, const Context &) { return flag(r.index && r.index->filter); }},
-         {"filter_definition", LongText, [](const IndexRow &r, const Context &) { return r.index ? textOrNull(r.index->filter.text) : Value(); }},
-         {"key_count", Int, [](const IndexRow &r, const Context &) { return number(r.index ? static_cast<std::int64_t>(r.index->columns.size()) : 0); }},
+         {"name", Name,
+          [](const IndexRow &r, const Context &) { return r.index ? text(r.index->name) : Value(); }},
+         {"index_id", Int,
+          [](const IndexRow &r, const Context &) { return number(r.index ? r.index->id : 0); }},
+         {"type", TinyInt,
+          [](const IndexRow &r, const Context &) {
+              return number(!r.index ? 0 : r.index->isClustered() ? 1 : 2);
+          }},
+         {"type_desc", Text60,
+          [](const IndexRow &r, const Context &) {
+              return text(!r.index ? "HEAP" : r.index->isClustered() ? "CLUSTERED" : "NONCLUSTERED");
+          }},
+         {"is_unique", Bit,
+          [](const IndexRow &r, const Context &) { return flag(r.index && r.index->unique); }},
+         {"ignore_dup_key", Bit,
+          [](const IndexRow &r, const Context &) { return flag(r.index && r.index->ignoresDuplicates); }},
+         {"is_primary_key", Bit,
+          [](const IndexRow &r, const Context &) {
+              return flag(r.index && r.index->role == TableIndex::Role::PrimaryKey);
+          }},
+         {"is_unique_constraint", Bit,
+          [](const IndexRow &r, const Context &) {
+              return flag(r.index && r.index->role == TableIndex::Role::UniqueConstraint);
+          }},
+         {"fill_factor", TinyInt,
+          [](const IndexRow &r, const Context &) { return number(r.index ? r.index->fillFactor : 0); }},
+         {"is_padded", Bit,
+          [](const IndexRow &r, const Context &) { return flag(r.index && r.index->padded); }},
+         {"is_disabled", Bit,
+          [](const IndexRow &r, const Context &) { return flag(r.index && r.index->disabled); }},
+         {"has_filter", Bit,
+          [](const IndexRow &r, const Context &) { return flag(r.index && r.index->filter); }},
+         {"filter_definition", LongText,
+          [](const IndexRow &r, const Context &) {
+              return r.index ? textOrNull(r.index->filter.text) : Value();
+          }},
+         {"key_count", Int,
+          [](const IndexRow &r, const Context &) {
+              return number(r.index ? static_cast<std::int64_t>(r.index->columns.size()) : 0);
+          }},
          {"rows", BigInt, rowCount}});
     return table;
 }
@@ -245,7 +337,10 @@ struct IndexColumnRow
     const TableIndex *index;
     std::size_t ordinal; ///< from 1
     bool included;
-    std::size_t place() const { return included ? index->included[ordinal - 1] : index->columns[ordinal - 1]; }
+    std::size_t place() const
+    {
+        return included ? index->included[ordinal - 1] : index->columns[ordinal - 1];
+    }
 };
 
 std::vector<IndexColumnRow> listIndexColumns(const Context &context)
@@ -267,10 +362,21 @@ const CatalogTable &indexColumns()
         listIndexColumns,
         {{"object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
          {"index_id", Int, [](const Row &r, const Context &) { return number(r.index->id); }},
-         {"index_column_id", Int, [](const Row &r, const Context &) { return number(static_cast<std::int64_t>(r.ordinal + (r.included ? r.index->columns.size() : 0))); }},
-         {"column_id", Int, [](const Row &r, const Context &) { return number(r.table->columns[r.place()].id); }},
-         {"key_ordinal", TinyInt, [](const Row &r, const Context &) { return number(r.included ? 0 : static_cast<std::int64_t>(r.ordinal)); }},
-         {"is_descending_key", Bit, [](const Row &r, const Context &) { return flag(!r.included && r.index->descending[r.ordinal - 1]); }},
+         {"index_column_id", Int,
+          [](const Row &r, const Context &) {
+              return number(
+                  static_cast<std::int64_t>(r.ordinal + (r.included ? r.index->columns.size() : 0)));
+          }},
+         {"column_id", Int,
+          [](const Row &r, const Context &) { return number(r.table->columns[r.place()].id); }},
+         {"key_ordinal", TinyInt,
+          [](const Row &r, const Context &) {
+              return number(r.included ? 0 : static_cast<std::int64_t>(r.ordinal));
+          }},
+         {"is_descending_key", Bit,
+          [](const Row &r, const Context &) {
+              return flag(!r.included && r.index->descending[r.ordinal - 1]);
+          }},
          {"is_included_column", Bit, [](const Row &r, const Context &) { return flag(r.included); }}});
     return table;
 }
@@ -323,10 +429,13 @@ const CatalogTable &foreignKeys()
         listForeignKeys,
         {{"object_id", Int, [](const Row &r, const Context &) { return number(r.key->constraint.id); }},
          {"parent_object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
-         {"referenced_object_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
+         {"referenced_object_id", Int,
+          [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
          {"key_index_id", Int, keyIndex},
-         {"delete_referential_action", TinyInt, [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onDelete)); }},
-         {"update_referential_action", TinyInt, [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onUpdate)); }}});
+         {"delete_referential_action", TinyInt,
+          [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onDelete)); }},
+         {"update_referential_action", TinyInt,
+          [](const Row &r, const Context &) { return number(static_cast<int>(r.key->onUpdate)); }}});
     return table;
 }
 
@@ -335,12 +444,19 @@ const CatalogTable &foreignKeyColumns()
     using Row = ForeignKeyRow;
     static const TypedCatalogTable<Row> table(
         listForeignKeyColumns,
-        {{"constraint_object_id", Int, [](const Row &r, const Context &) { return number(r.key->constraint.id); }},
-         {"constraint_column_id", Int, [](const Row &r, const Context &) { return number(static_cast<std::int64_t>(r.ordinal)); }},
+        {{"constraint_object_id", Int,
+          [](const Row &r, const Context &) { return number(r.key->constraint.id); }},
+         {"constraint_column_id", Int,
+          [](const Row &r, const Context &) { return number(static_cast<std::int64_t>(r.ordinal)); }},
          {"parent_object_id", Int, [](const Row &r, const Context &) { return number(r.table->id); }},
-         {"parent_column_id", Int, [](const Row &r, const Context &) { return number(r.table->columns[r.key->columns[r.ordinal - 1]].id); }},
-         {"referenced_object_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
-         {"referenced_column_id", Int, [](const Row &r, const Context &) { return number(r.key->referencedColumns[r.ordinal - 1]); }}});
+         {"parent_column_id", Int,
+          [](const Row &r, const Context &) {
+              return number(r.table->columns[r.key->columns[r.ordinal - 1]].id);
+          }},
+         {"referenced_object_id", Int,
+          [](const Row &r, const Context &) { return number(r.key->referencedTable); }},
+         {"referenced_column_id", Int,
+          [](const Row &r, const Context &) { return number(r.key->referencedColumns[r.ordinal - 1]); }}});
     return table;
 }
 
@@ -380,14 +496,23 @@ const CatalogTable &parameters()
     static const TypedCatalogTable<Row> table(
         listParameters,
         {{"object_id", Int, [](const Row &r, const Context &) { return number(r.module->id); }},
-         {"name", Name, [](const Row &r, const Context &) { return text(r.ordinal == 0 ? std::string() : r.parameter()->name); }},
+         {"name", Name,
+          [](const Row &r, const Context &) {
+              return text(r.ordinal == 0 ? std::string() : r.parameter()->name);
+          }},
          {"parameter_id", Int, [](const Row &r, const Context &) { return number(r.ordinal); }},
-         {"system_type_id", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 243 : systemTypeId(r.type())); }},
-         {"user_type_id", Int, [](const Row &r, const Context &) { return number(userTypeOf(r.type(), r.userType())); }},
-         {"max_length", SmallInt, [](const Row &r, const Context &) { return number(r.isTable() ? -1 : catalogLength(r.type())); }},
-         {"precision", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogPrecision(r.type())); }},
-         {"scale", TinyInt, [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogScale(r.type())); }},
-         {"is_output", Bit, [](const Row &r, const Context &) { return flag(r.ordinal == 0 || r.parameter()->output); }},
+         {"system_type_id", TinyInt,
+          [](const Row &r, const Context &) { return number(r.isTable() ? 243 : systemTypeId(r.type())); }},
+         {"user_type_id", Int,
+          [](const Row &r, const Context &) { return number(userTypeOf(r.type(), r.userType())); }},
+         {"max_length", SmallInt,
+          [](const Row &r, const Context &) { return number(r.isTable() ? -1 : catalogLength(r.type())); }},
+         {"precision", TinyInt,
+          [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogPrecision(r.type())); }},
+         {"scale", TinyInt,
+          [](const Row &r, const Context &) { return number(r.isTable() ? 0 : catalogScale(r.type())); }},
+         {"is_output", Bit,
+          [](const Row &r, const Context &) { return flag(r.ordinal == 0 || r.parameter()->output); }},
          {"has_default_value", Bit, [](const Row &, const Context &) { return flag(false); }},
          {"is_readonly", Bit, [](const Row &r, const Context &) { return flag(r.isTable()); }}});
     return table;
@@ -450,9 +575,11 @@ std::vector<DatabasePtr> listDatabases(const Context &context)
 const CatalogTable &databases()
 {
     static const TypedCatalogTable<DatabasePtr> table(
-        listDatabases, {{"database_id", Int, [](const DatabasePtr &d, const Context &) { return number(d->id()); }},
-                        {"name", Name, [](const DatabasePtr &d, const Context &) { return text(d->name()); }},
-                        {"create_date", DateTime, [](const DatabasePtr &d, const Context &) { return Value(d->created()); }}});
+        listDatabases,
+        {{"database_id", Int, [](const DatabasePtr &d, const Context &) { return number(d->id()); }},
+         {"name", Name, [](const DatabasePtr &d, const Context &) { return text(d->name()); }},
+         {"create_date", DateTime,
+          [](const DatabasePtr &d, const Context &) { return Value(d->created()); }}});
     return table;
 }
 
@@ -465,12 +592,14 @@ const CatalogTable &properties()
 {
     using Row = ExtendedProperty;
     static const TypedCatalogTable<Row> table(
-        listProperties,
-        {{"major_id", Int, [](const Row &r, const Context &) { return number(r.major); }},
-         {"minor_id", Int, [](const Row &r, const Context &) { return number(r.minor); }},
-         {"class", TinyInt, [](const Row &r, const Context &) { return number(r.type); }},
-         {"name", Name, [](const Row &r, const Context &) { return text(r.name); }},
-         {"value", Variant, [](const Row &r, const Context &) { return Value(std::make_shared<const VariantValue>(VariantValue{{TypeId::NVarChar, 4000}, r.value})); }}});
+        listProperties, {{"major_id", Int, [](const Row &r, const Context &) { return number(r.major); }},
+                         {"minor_id", Int, [](const Row &r, const Context &) { return number(r.minor); }},
+                         {"class", TinyInt, [](const Row &r, const Context &) { return number(r.type); }},
+                         {"name", Name, [](const Row &r, const Context &) { return text(r.name); }},
+                         {"value", Variant, [](const Row &r, const Context &) {
+                              return Value(std::make_shared<const VariantValue>(
+                                  VariantValue{{TypeId::NVarChar, 4000}, r.value}));
+                          }}});
     return table;
 }
 
@@ -501,12 +630,18 @@ const CatalogTable &sessions()
 const CatalogTable *findCatalogTable(std::string_view name)
 {
     static const std::map<std::string_view, const CatalogTable &(*)()> tables = {
-        {"objects$", objects},           {"columns$", columns},
-        {"types$", types},               {"indexes$", indexes},
-        {"index_columns$", indexColumns}, {"foreign_keys$", foreignKeys},
-        {"foreign_key_columns$", foreignKeyColumns}, {"parameters$", parameters},
-        {"trigger_events$", triggerEvents}, {"schemas$", schemas},
-        {"databases$", databases},       {"properties$", properties},
+        {"objects$", objects},
+        {"columns$", columns},
+        {"types$", types},
+        {"indexes$", indexes},
+        {"index_columns$", indexColumns},
+        {"foreign_keys$", foreignKeys},
+        {"foreign_key_columns$", foreignKeyColumns},
+        {"parameters$", parameters},
+        {"trigger_events$", triggerEvents},
+        {"schemas$", schemas},
+        {"databases$", databases},
+        {"properties$", properties},
         {"sessions$", sessions}};
     const auto found = tables.find(name);
     return found == tables.end() ? nullptr : &found->second();

@@ -166,7 +166,8 @@ Value schemaName(EvaluationContext &context, const Operation &, Arguments a)
 {
     if (a.empty())
         return std::string("dbo");
-    const auto schema = isNull(a[0]) ? std::nullopt : context.findDatabase({})->findSchema(static_cast<int>(number(a[0])));
+    const auto schema =
+        isNull(a[0]) ? std::nullopt : context.findDatabase({})->findSchema(static_cast<int>(number(a[0])));
     return schema ? Value(schema->name) : Value();
 }
 
@@ -223,8 +224,9 @@ Value columnProperty(EvaluationContext &context, const Operation &, Arguments a)
             if (foldedName(module->parameters[i].name) == foldedName(text(a[1])))
                 return property == "ISOUTPARAM" ? truth(module->parameters[i].output)
                        : property == "COLUMNID" ? Value(static_cast<std::int64_t>(i + 1))
-                       : property == "PRECISION" ? Value(std::int64_t{catalogPrecision(module->parameters[i].type)})
-                                                 : Value();
+                       : property == "PRECISION"
+                           ? Value(std::int64_t{catalogPrecision(module->parameters[i].type)})
+                           : Value();
     const TableColumn *column = findColumn(columnsOf(found), text(a[1]));
     if (!column)
         return {};
@@ -241,10 +243,12 @@ Value columnProperty(EvaluationContext &context, const Operation &, Arguments a)
     if (property == "ISSPARSE")
         return truth(column->sparse);
     if (property == "PRECISION")
-        return std::int64_t{catalogPrecision(column->type) != 0 ? catalogPrecision(column->type) : column->type.length};
+        return std::int64_t{catalogPrecision(column->type) != 0 ? catalogPrecision(column->type)
+                                                                : column->type.length};
     if (property == "SCALE")
         return std::int64_t{catalogScale(column->type)};
-    if (property == "ISIDNOTFORREPL" || property == "ISOUTPARAM" || property == "ISHIDDEN" || property == "ISCOLUMNSET")
+    if (property == "ISIDNOTFORREPL" || property == "ISOUTPARAM" || property == "ISHIDDEN" ||
+        property == "ISCOLUMNSET")
         return truth(false);
     if (property == "USESANSITRIM" || property == "ISDETERMINISTIC" || property == "ISINDEXABLE")
         return truth(true);
@@ -258,10 +262,10 @@ Value objectProperty(EvaluationContext &context, const Operation &, Arguments a)
         return {};
     const std::string property = asciiUpper(text(a[1]));
     static constexpr std::pair<std::string_view, std::string_view> kinds[] = {
-        {"ISTABLE", "U"},           {"ISUSERTABLE", "U"},    {"ISVIEW", "V"},
-        {"ISPROCEDURE", "P"},       {"ISSCALARFUNCTION", "FN"}, {"ISINLINEFUNCTION", "IF"},
-        {"ISTRIGGER", "TR"},        {"ISPRIMARYKEY", "PK"},  {"ISFOREIGNKEY", "F"},
-        {"ISCHECKCNST", "C"},       {"ISDEFAULTCNST", "D"},  {"ISUNIQUECNST", "UQ"}};
+        {"ISTABLE", "U"},     {"ISUSERTABLE", "U"},       {"ISVIEW", "V"},
+        {"ISPROCEDURE", "P"}, {"ISSCALARFUNCTION", "FN"}, {"ISINLINEFUNCTION", "IF"},
+        {"ISTRIGGER", "TR"},  {"ISPRIMARYKEY", "PK"},     {"ISFOREIGNKEY", "F"},
+        {"ISCHECKCNST", "C"}, {"ISDEFAULTCNST", "D"},     {"ISUNIQUECNST", "UQ"}};
     for (const auto &[name, code] : kinds)
         if (name == property)
             return truth(found.code == code);
@@ -358,8 +362,8 @@ Value indexProperty(EvaluationContext &context, const Operation &, Arguments a)
     if (property == "INDEXFILLFACTOR")
         return std::int64_t{index->fillFactor};
     if (property == "ISSTATISTICS" || property == "ISHYPOTHETICAL" || property == "ISAUTOSTATISTICS" ||
-        property == "ISPAGELOCKDISALLOWED" || property == "ISROWLOCKDISALLOWED" || property == "ISCOLUMNSTORE" ||
-        property == "ISFULLTEXTKEY" || property == "INDEXDEPTH")
+        property == "ISPAGELOCKDISALLOWED" || property == "ISROWLOCKDISALLOWED" ||
+        property == "ISCOLUMNSTORE" || property == "ISFULLTEXTKEY" || property == "INDEXDEPTH")
         return truth(false);
     return {};
 }
@@ -407,8 +411,8 @@ Value typeId(EvaluationContext &context, const Operation &, Arguments a)
     const Ast::ObjectName name = nameFromText(text(a[0]));
     if (name.parts.empty())
         return {};
-    const UserTypePtr user =
-        context.findDatabase({})->findType(name.qualifier(1).empty() ? "dbo" : name.qualifier(1), name.object());
+    const UserTypePtr user = context.findDatabase({})->findType(
+        name.qualifier(1).empty() ? "dbo" : name.qualifier(1), name.object());
     if (user)
         return std::int64_t{user->id};
     for (const SystemType &type : systemTypes())

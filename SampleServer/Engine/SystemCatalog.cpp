@@ -34,8 +34,8 @@ struct SystemViews
         view->text = node.text;
         view->definition = node.definition;
         for (const Ast::ParameterDefinition &parameter : node.definition->parameters)
-            view->parameters.push_back(
-                {parameter.name, resolveType(parameter.type, TypePlace::Declaration), nullptr, nullptr, false, false});
+            view->parameters.push_back({parameter.name, resolveType(parameter.type, TypePlace::Declaration),
+                                        nullptr, nullptr, false, false});
         byName[foldedName(view->schema) + '.' + foldedName(view->name)] = view;
         all.push_back(std::move(view));
     }
