@@ -3,6 +3,7 @@
 #include "KNSharedExport.h"
 
 #include <QString>
+#include <QStringList>
 
 /// The catalog queries of a kind of server, by title.
 class KNSHARED_EXPORT KNSystemDatabaseQueryHelper
@@ -14,4 +15,9 @@ public:
     /// its placeholders. May ask the server for its version, and then blocks. A title that does not exist is
     /// a programming error.
     virtual QString queryByTitle(const QString &title) const = 0;
+
+    /// All titles, sorted.
+    virtual QStringList titles() const = 0;
+    /// The text with this title for current servers, without asking this one; null when there is none.
+    virtual QString plainQueryByTitle(const QString &title) const = 0;
 };

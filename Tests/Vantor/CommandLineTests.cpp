@@ -215,6 +215,58 @@ TEST(CommandLine, SplittingAFileThatIsNotThereEndsWithStatus2)
     EXPECT_EQ(Program({QStringLiteral("split"), QStringLiteral("-")}).wait().output, "[]\n");
 }
 
+TEST(CommandLine, ListsTheCatalogQueriesWithTheirPlaceholders)
+{
+    const Outcome outcome = Program({QStringLiteral("catalog")}).wait();
+    EXPECT_EQ(outcome.status, 0);
+    const auto lines = outcome.output.split('\n');
+    EXPECT_TRUE(lines.contains("DatabaseTree_ServerVersion")) << outcome.output.toStdString();
+    EXPECT_TRUE(lines.contains("List_TriggersForTableWithDetails  TABLE_SCHEMA=... TABLE_NAME=..."));
+    EXPECT_FALSE(outcome.output.contains("_2000"));
+}
+
+TEST(CommandLine, ShowsACatalogQueryWithoutAServer)
+{
+    const Outcome outcome = Program({QStringLiteral("catalog"), QStringLiteral("--show"),
+                                     QStringLiteral("DatabaseTree_ServerVersion")})
+                                .wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.contains("@@VERSION"));
+}
+
+TEST(CommandLine, RunsACatalogQuery)
+{
+    const auto run = [](const QStringList &arguments) {
+        return Program(QStringList{QStringLiteral("catalog"), QStringLiteral("--server"), server(),
+                                   QStringLiteral("--user"), QStringLiteral("sa"),
+                                   QStringLiteral("--database"), QStringLiteral("shop"),
+                                   QStringLiteral("--format"), QStringLiteral("csv")} +
+                       arguments)
+            .wait();
+    };
+    const Outcome tables = run({QStringLiteral("DatabaseTree_ListTables")});
+    EXPECT_EQ(tables.status, 0) << tables.errors.toStdString();
+    EXPECT_TRUE(tables.output.startsWith("object_id,schema_name,table_name")) << tables.output.toStdString();
+    EXPECT_TRUE(tables.output.contains(",dbo,Customers"));
+
+    const QStringList columns = {QStringLiteral("ColumnsForTable"), QStringLiteral("SCHEMA_NAME=dbo")};
+    const Outcome missing = run(columns);
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(missing.errors.contains("Not filled: TABLE_NAME.")) << missing.errors.toStdString();
+    const Outcome filled = run(columns + QStringList(QStringLiteral("TABLE_NAME=Customers")));
+    EXPECT_EQ(filled.status, 0) << filled.errors.toStdString();
+    EXPECT_GT(filled.output.count('\n'), 3);
+    const Outcome odd = run(columns + QStringList(QStringLiteral("TABLE_NAME=O'Brien = 1")));
+    EXPECT_EQ(odd.status, 0) << odd.errors.toStdString();
+}
+
+TEST(CommandLine, ACatalogQueryThatIsNotThereEndsWithStatus2)
+{
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("NoSuchTitle")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("DatabaseTree_ListTables")}).wait().status,
+              2);
+}
+
 TEST(CommandLine, WrongUsageEndsWithStatus2)
 {
     EXPECT_EQ(Program({QStringLiteral("query")}).wait().status, 2);

@@ -30,13 +30,13 @@ TEST(QueryOptions, AreReadFromTheArguments)
                                      "--format", "csv", "--login-timeout", "3", "SELECT 1"}),
                                &error);
     ASSERT_TRUE(options) << error.localizedDescription().toStdString();
-    EXPECT_EQ(options->server, QStringLiteral("srv,1500"));
-    EXPECT_EQ(options->user, QStringLiteral("CORP\\alice"));
-    EXPECT_EQ(options->database, QStringLiteral("shop"));
+    EXPECT_EQ(options->connection.server, QStringLiteral("srv,1500"));
+    EXPECT_EQ(options->connection.user, QStringLiteral("CORP\\alice"));
+    EXPECT_EQ(options->connection.database, QStringLiteral("shop"));
     EXPECT_EQ(options->format, QStringLiteral("csv"));
-    EXPECT_EQ(options->loginTimeout, 3);
+    EXPECT_EQ(options->connection.loginTimeout, 3);
     EXPECT_EQ(options->sql, QStringLiteral("SELECT 1"));
-    EXPECT_FALSE(options->useSampleServer);
+    EXPECT_FALSE(options->connection.useSampleServer);
 }
 
 TEST(QueryOptions, AboutEncryptionBecomeSessionParameters)
@@ -44,7 +44,7 @@ TEST(QueryOptions, AboutEncryptionBecomeSessionParameters)
     const auto parametersOf = [](std::initializer_list<const char *> arguments) {
         KNError error;
         const auto options = parse(list({"--sample"}) + list(arguments), &error);
-        return options ? options->encryption : QVariantMap{{error.localizedDescription(), false}};
+        return options ? options->connection.encryption : QVariantMap{{error.localizedDescription(), false}};
     };
     const auto mode = [](const char *name) {
         return QVariantMap{{QStringLiteral("encryption"), QString::fromLatin1(name)}};

@@ -1,24 +1,17 @@
 #pragma once
 
-#include "Foundation/KNError.h"
+#include "CommandLine/ConnectionOptions.h"
 
 #include <QStringList>
-
-#include <optional>
 
 /// What the arguments of "vantor-cli query" ask for.
 struct QueryOptions
 {
     bool showHelp = false;
-    bool useSampleServer = false;
-    QString server; ///< HOST[,PORT][\INSTANCE]
-    QString user;
-    QString database; ///< null when not given
+    ConnectionOptions connection;
     QString format = QStringLiteral("table");
     QString file;               ///< null when not given
     std::optional<QString> sql; ///< the text itself, when it stands among the arguments
-    int loginTimeout = 15;      ///< seconds
-    QVariantMap encryption;     ///< session parameters for the connection; empty for its defaults
 
     /// Reads the arguments; empty, with an error that says what is wrong, when they do not fit together.
     static std::optional<QueryOptions> parse(const QStringList &arguments, KNError *error);

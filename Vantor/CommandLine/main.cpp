@@ -1,3 +1,4 @@
+#include "CommandLine/CatalogCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/QueryCommand.h"
 #include "CommandLine/SplitCommand.h"
@@ -20,6 +21,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "\n"
                         "Commands:\n"
                         "  query    run SQL on a server and write its results\n"
+                        "  catalog  list and run the queries that the program itself uses\n"
                         "  split    print the batches of a script as JSON\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -32,6 +34,7 @@ struct Command
 
 constexpr Command Commands[] = {
     {"query", runQueryCommand},
+    {"catalog", runCatalogCommand},
     {"split", runSplitCommand},
 };
 

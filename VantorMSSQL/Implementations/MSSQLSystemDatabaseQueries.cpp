@@ -27,6 +27,19 @@ QString MSSQLSystemDatabaseQueries::queryByTitle(const QString &title) const
     return query.trimmed();
 }
 
+QStringList MSSQLSystemDatabaseQueries::titles() const
+{
+    QStringList titles = allQueries().keys();
+    titles.removeIf([](const QString &title) { return title.endsWith(QLatin1String("_2000")); });
+    titles.sort();
+    return titles;
+}
+
+QString MSSQLSystemDatabaseQueries::plainQueryByTitle(const QString &title) const
+{
+    return allQueries().value(title).trimmed();
+}
+
 const QHash<QString, QString> &MSSQLSystemDatabaseQueries::allQueries()
 {
     static const QHash<QString, QString> queries = [] {

@@ -18,6 +18,8 @@ public:
 
     /// Trimmed of white space; the variant for SQL Server 2000 as it stands.
     QString queryByTitle(const QString &title) const override;
+    QStringList titles() const override;
+    QString plainQueryByTitle(const QString &title) const override;
 
     /// All texts by title, the variants included. Any thread.
     static const QHash<QString, QString> &allQueries();

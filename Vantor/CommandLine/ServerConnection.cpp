@@ -1,0 +1,54 @@
+#include "CommandLine/ServerConnection.h"
+
+#include "CommandLine/Terminal.h"
+#include "Foundation/KNFormat.h"
+
+namespace {
+
+/// The password from the environment, which is then emptied of it, or from the terminal.
+std::optional<QString> readPassword(const QString &user)
+{
+    constexpr char Variable[] = "VANTOR_PASSWORD";
+    if (qEnvironmentVariableIsSet(Variable)) {
+        const QString password = qEnvironmentVariable(Variable);
+        qunsetenv(Variable);
+        return password;
+    }
+    return Terminal::promptWithoutEcho(KNFormat("Password for %@: ", user));
+}
+
+} // namespace
+
+ExitStatus ServerConnection::prepare(const ConnectionOptions &options, const VantorDBCPtr &settings,
+                                     KNError *error)
+{
+    m_settings = settings;
+    settings->setDatabase(options.database);
+    QVariantMap sessionParameters = options.encryption;
+    sessionParameters.insert(QStringLiteral("loginTimeout"), options.loginTimeout);
+    settings->setSessionParameters(sessionParameters);
+    if (options.useSampleServer) {
+        if (!m_sampleServer.start(error))
+            return ExitNoConnection;
+        settings->setHost(m_sampleServer.host());
+        settings->setUsername(m_sampleServer.userName());
+        settings->setPassword(m_sampleServer.password());
+        return ExitSuccess;
+    }
+    const auto password = readPassword(options.user);
+    if (!password) {
+        *error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0,
+                         QStringLiteral("There is no password: set VANTOR_PASSWORD, or run in a terminal."));
+        return ExitUsage;
+    }
+    settings->setHost(options.server);
+    settings->setUsername(options.user);
+    settings->setPassword(*password);
+    return ExitSuccess;
+}
+
+ExitStatus ServerConnection::connect(KNError *error)
+{
+    m_client = m_settings->createNewClient();
+    return m_client->connect(error) ? ExitSuccess : ExitNoConnection;
+}

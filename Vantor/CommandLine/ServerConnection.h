@@ -1,0 +1,24 @@
+#pragma once
+
+#include "CommandLine/ConnectionOptions.h"
+#include "CommandLine/ExitStatus.h"
+#include "CommandLine/SampleServerProcess.h"
+#include "Database/VantorDatabaseClient.h"
+
+/// The server that a command works with, and its client.
+class ServerConnection
+{
+public:
+    /// Starts the sample server if it is that one, and completes the settings: asks for the password where
+    /// there is none. ExitSuccess, or a status with an error.
+    ExitStatus prepare(const ConnectionOptions &options, const VantorDBCPtr &settings, KNError *error);
+    /// Connects with the settings. ExitSuccess, or a status with an error.
+    ExitStatus connect(KNError *error);
+
+    VantorDatabaseClient &client() { return *m_client; }
+
+private:
+    SampleServerProcess m_sampleServer;
+    VantorDBCPtr m_settings;
+    std::unique_ptr<VantorDatabaseClient> m_client; ///< once connected
+};

@@ -1,0 +1,78 @@
+#include "CommandLine/TextRunner.h"
+
+#include "CommandLine/ErrorExcerpt.h"
+#include "CommandLine/ExitStatus.h"
+#include "CommandLine/QueryPrinter.h"
+#include "CommandLine/Terminal.h"
+#include "Foundation/KNAssert.h"
+#include "SQL/KNQuerySplitter.h"
+
+#include <QFile>
+
+#include <thread>
+
+namespace {
+
+int fail(ExitStatus status, const QString &text)
+{
+    Terminal::printError(text, Terminal::Colour::Red);
+    return status;
+}
+
+QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
+{
+    const auto splitter = settings.createQuerySplitter();
+    splitter->setRequiresFullSplit(true);
+    return splitter->doSplitQuery(text);
+}
+
+} // namespace
+
+int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
+            InterruptWatcher &interrupts)
+{
+    QFile output;
+    if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return fail(ExitUsage, QStringLiteral("Standard output cannot be written."));
+    const auto writer = ResultWriter::create(format, output);
+    KNResultSetHolder holder;
+    QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
+    holder.setReadAhead(QueryPrinter::ReadAhead);
+
+    const QList<KNQueryDetails> batches = batchesOf(text, client.databaseConnectionDetails());
+    KNError error;
+    std::atomic<bool> done = false;
+    std::thread worker([&] {
+        try {
+            client.executeQueryDetails(batches, holder, {}, &error);
+        } catch (const KNAssertionFailure &failure) {
+            error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, failure.message());
+        }
+        done = true;
+    });
+    interrupts.setTarget([&client] {
+        KNError ignored;
+        client.cancelCurrentQuery(&ignored);
+    });
+    if (!printer.printUntil(done)) {
+        KNError ignored;
+        client.cancelCurrentQuery(&ignored);
+        holder.setReadAhead(0);
+        for (const auto &resultSet : holder.resultSets())
+            resultSet->rows().setReadAhead(0);
+    }
+    worker.join();
+    interrupts.setTarget({});
+
+    printer.printRest();
+    if (!printer.isGood())
+        return fail(ExitUsage, QStringLiteral("The results could not be written to standard output."));
+    if (client.wasCancelled())
+        return fail(ExitCancelled, QStringLiteral("Query was cancelled."));
+    if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
+        Terminal::printError(excerpt, Terminal::Colour::None);
+    if (error && !printer.hadErrors())
+        return fail(ExitSqlError, error.localizedDescription());
+    return printer.hadErrors() ? ExitSqlError : ExitSuccess;
+}
+

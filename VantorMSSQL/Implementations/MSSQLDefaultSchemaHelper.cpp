@@ -1,0 +1,66 @@
+#include "Implementations/MSSQLDefaultSchemaHelper.h"
+
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "Foundation/KNLogHelper.h"
+#include "Implementations/MSSQLClient.h"
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+
+MSSQLDefaultSchemaHelper *MSSQLDefaultSchemaHelper::sharedInstance()
+{
+    static auto *const helper = new MSSQLDefaultSchemaHelper; // work of the global queue may outlive main()
+    return helper;
+}
+
+MSSQLDefaultSchemaHelper::MSSQLDefaultSchemaHelper()
+    : m_defaultSchemaSemaphore(QStringLiteral("com.quorvex.vantor.mssql.defaultSchemaSeamphore"))
+{
+}
+
+QString MSSQLDefaultSchemaHelper::schemaForDBC(const MSSQLDatabaseConnectionDetails &dbc)
+{
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    const QString key = dbc.description();
+    log->logMessage("MSSQLDefaultSchemaHelper finding schema for %@", key);
+    const KNSemaphoreLocker locker(m_defaultSchemaSemaphore);
+    if (const auto known = m_lookup.constFind(key); known != m_lookup.constEnd()) {
+        log->logMessage("MSSQLDefaultSchemaHelper schema was cached for %@ (%@)", key, *known);
+        return *known;
+    }
+    const QString schema = findSchema(dbc);
+    m_lookup.insert(key, schema);
+    log->logMessage("MSSQLDefaultSchemaHelper schema was found for %@ (%@)", key, schema);
+    return schema;
+}
+
+QString MSSQLDefaultSchemaHelper::findSchema(const MSSQLDatabaseConnectionDetails &dbc)
+{
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    const QString query = dbc.queryLoader()->queryByTitle(QStringLiteral("General_FindDefaultUserSchema"));
+    QString schema;
+    KNError error;
+    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+        [&](VantorDatabaseClient &client, KNError *failure) {
+            log->logMessage("MSSQLDefaultSchemaHelper is loading the default schema.");
+            const auto rows = client.executeQuery(query, failure);
+            while (schema.isEmpty() && rows && rows->next()) {
+                const KNValue value = rows->objectForColumnIndex(0);
+                log->logMessage("MSSQLDefaultSchemaHelper found a row. Object 1 is: %@", value.displayText());
+                schema = value.text();
+            }
+        },
+        dbc, &error, true);
+    if (error) {
+        // Not the query's text, which is the same for everybody.
+        MSSQLClient::reportError(KNError(QStringLiteral("mssql.schemaForDBC"), error.code(),
+                                         error.localizedDescription(), error.userInfo()),
+                                 QStringLiteral("Query"));
+        schema.clear();
+    }
+    if (!schema.isEmpty())
+        return schema;
+    log->logMessage("ERROR: Failed to find the default schema for user. Using blank.");
+    log->logError(KNError(QStringLiteral("mssql.schemaForDBC.nilResult"), error.code(),
+                          error.localizedDescription(), error.userInfo()),
+                  {});
+    return QStringLiteral("");
+}
