@@ -72,8 +72,9 @@ Value RowWriter::evaluate(const DefinedExpression &defined, std::int64_t rowId)
     Scope scope;
     binder.enterScope(scope);
     const auto source = binder.bindTarget(m_scan, m_table->name, scope);
-    const Emitted emitted =
-        emitSelection({}, {binder.bindCondition(*defined.expression)}, {source}, nullptr, nullptr);
+    const auto condition =
+        binder.bindCondition(*defined.expression); // the statement's parameters are its parts
+    const Emitted emitted = emitSelection({}, {condition}, {source}, nullptr, nullptr);
     SqliteStatement statement(m_interpreter.m_connection,
                               emitted.sql + " WHERE " + source->alias + ".rowid = " + std::to_string(rowId));
     statement.bind(emitted.parameters);

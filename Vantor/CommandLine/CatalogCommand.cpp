@@ -38,13 +38,15 @@ int listTitles(const KNSystemDatabaseQueryHelper &queries)
     const QStringList titles = queries.titles();
     for (const QString &title : titles) {
         const QStringList names = placeholdersIn(queries.plainQueryByTitle(title));
-        print(names.isEmpty() ? title : title + QStringLiteral("  ") + names.join(QStringLiteral("=... ")) + QStringLiteral("=..."));
+        print(names.isEmpty() ? title
+                              : title + QStringLiteral("  ") + names.join(QStringLiteral("=... ")) +
+                                    QStringLiteral("=..."));
     }
     return ExitSuccess;
 }
 
-/// The text with its placeholders replaced by "NAME=VALUE" arguments; empty, with an error, when one is missing
-/// or too much. Apostrophes are doubled where a placeholder is the content of a literal.
+/// The text with its placeholders replaced by "NAME=VALUE" arguments; empty, with an error, when one is
+/// missing or too much. Apostrophes are doubled where a placeholder is the content of a literal.
 std::optional<QString> filled(QString text, const QStringList &arguments, KNError *error)
 {
     const auto usageError = [&](const QString &problem) {
@@ -70,8 +72,8 @@ std::optional<QString> filled(QString text, const QStringList &arguments, KNErro
 void addArguments(QCommandLineParser &parser)
 {
     const auto text = [](const char *utf8) { return QString::fromUtf8(utf8); };
-    parser.setApplicationDescription(
-        text("Runs one of the connector's catalog queries. Without a title, lists them with their placeholders."));
+    parser.setApplicationDescription(text(
+        "Runs one of the connector's catalog queries. Without a title, lists them with their placeholders."));
     ConnectionOptions::addTo(parser);
     parser.addOptions({
         {text("format"), text("table (the default), csv or json."), text("format"), text("table")},

@@ -75,4 +75,3 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
         return fail(ExitSqlError, error.localizedDescription());
     return printer.hadErrors() ? ExitSqlError : ExitSuccess;
 }
-
