@@ -39,6 +39,10 @@ public:
     VantorDBCPtr copy() const override { return VantorDBCPtr(new Settings(*this)); }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
+    std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override
+    {
+        return nullptr;
+    }
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override { return nullptr; }
     QString description() const override { return host(); }
     QVariantMap connectedWithDetails() const override { return m_known; }
