@@ -185,3 +185,12 @@ KNDatabaseTreeEntry::createScriptToOptionsMenu(const char *title,
                                      actionItem("File", "saveQueryWithQueryLoader:", queryLoader),
                                      actionItem("Clipboard", "copyQueryWithQueryLoader:", queryLoader)}});
 }
+
+KNMenuItem KNDatabaseTreeEntry::scriptAsMenuItem(
+    const std::vector<std::pair<const char *, std::shared_ptr<KNQueryLoader>>> &scripts) const
+{
+    KNMenu menu{QStringLiteral("Script as"), {}};
+    for (const auto &[title, queryLoader] : scripts)
+        menu.items.push_back(createScriptToOptionsMenu(title, queryLoader));
+    return KNMenuItem::withSubmenu(menu.title, menu);
+}

@@ -114,6 +114,9 @@ protected:
     /// it is disabled.
     KNMenuItem createScriptToOptionsMenu(const char *title,
                                          const std::shared_ptr<KNQueryLoader> &queryLoader) const;
+    /// "Script as", with one such item for each script.
+    KNMenuItem scriptAsMenuItem(
+        const std::vector<std::pair<const char *, std::shared_ptr<KNQueryLoader>>> &scripts) const;
     /// @}
 
 private:

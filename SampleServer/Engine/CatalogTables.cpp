@@ -2,6 +2,7 @@
 #include "Engine/CatalogTable.h"
 #include "Engine/CatalogTypes.h"
 #include "Engine/SqliteConnection.h"
+#include "Engine/SystemCatalog.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -105,7 +106,12 @@ struct ColumnRow
 std::vector<ColumnRow> listColumns(const Context &context)
 {
     std::vector<ColumnRow> rows;
-    for (const ObjectPtr &object : allObjects(context)) {
+    std::vector<ObjectPtr> all = allObjects(context);
+    const Edition edition = context.server.edition;
+    for (const ModulePtr &view : systemViews(edition))
+        if (showsSystemView(edition, *view, true))
+            all.push_back(view);
+    for (const ObjectPtr &object : all) {
         if (const auto *table = dynamic_cast<const Table *>(object.get()))
             for (const TableColumn &column : table->columns)
                 rows.push_back({object, &column, table});
@@ -569,7 +575,15 @@ const CatalogTable &schemas()
 
 std::vector<DatabasePtr> listDatabases(const Context &context)
 {
-    return context.server.databases.all();
+    std::vector<DatabasePtr> all = context.server.databases.all();
+    // A database of Azure's knows its master; only that knows all the others.
+    if (context.server.edition == Edition::Azure)
+        std::erase_if(all, [&](const DatabasePtr &database) {
+            const std::string name = database->name();
+            return name == "model" || name == "tempdb" ||
+                   (context.database->name() != "master" && database != context.database && name != "master");
+        });
+    return all;
 }
 
 const CatalogTable &databases()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engine/Edition.h"
 #include "Types/DateTime.h"
 #include "Types/ResultSink.h"
 #include "Types/Value.h"
@@ -26,7 +27,7 @@ struct EvaluationContext
     std::string applicationName;
     std::string database; ///< the current one
     int spid = 51;
-    bool isAzure = false; ///< the server presents itself as a database of Azure's
+    Edition edition = Edition::Sql2022;
 
     DateOrder dateOrder = DateOrder::MonthDayYear;
     int firstWeekday = 7; ///< SET DATEFIRST, 1 is Monday

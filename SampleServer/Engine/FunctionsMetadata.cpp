@@ -74,7 +74,7 @@ Known known(EvaluationContext &context, std::int64_t id, const std::string &data
 {
     Known result;
     if (id < 0) {
-        for (const ModulePtr &view : systemViews())
+        for (const ModulePtr &view : systemViews(context.edition))
             if (view->id == id)
                 return {view, nullptr, view->name, "V"};
         return result;
@@ -439,9 +439,13 @@ Value databaseProperty(EvaluationContext &context, const Operation &, Arguments 
     if (property == "USERACCESS")
         return word("MULTI_USER");
     if (property == "EDITION" || property == "SERVICEOBJECTIVE")
-        return context.isAzure ? word(property == "EDITION" ? "GeneralPurpose" : "GP_S_Gen5_1") : Value();
+        return context.edition == Edition::Azure
+                   ? word(property == "EDITION" ? "GeneralPurpose" : "GP_S_Gen5_1")
+                   : Value();
     if (property == "VERSION")
-        return integer(957);
+        return integer(context.edition == Edition::Sql2000   ? 539
+                       : context.edition == Edition::Sql2008 ? 655
+                                                             : 957);
     if (property == "SQLSORTORDER")
         return integer(52);
     if (property == "LCID")

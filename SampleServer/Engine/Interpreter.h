@@ -219,6 +219,7 @@ private:
     bool renameConstraint(const Ast::ObjectName &name, const std::string &newName);
     void changeProperty(const std::string &procedure, const std::vector<ProcedureArgument> &arguments);
 
+    void requireReachable(const Ast::ObjectName &name) const;
     Bound::TableScan findTable(const Ast::ObjectName &name) override;
     Bound::TableScan findOrNull(const Ast::ObjectName &name);
     NamedSource findSource(const Ast::ObjectName &name) override;

@@ -101,7 +101,9 @@ void Interpreter::executeText(std::string_view sql, Variables &variables)
     Frame frame;
     std::swap(frame.variables, variables);
     frame.procedure = m_frame->procedure;
-    inFrame(frame, [&] { runText(sql, {m_options.quotedIdentifiers, frame.variables.names()}); });
+    inFrame(frame, [&] {
+        runText(sql, {m_options.quotedIdentifiers, frame.variables.names(), m_context.edition});
+    });
     std::swap(frame.variables, variables);
 }
 

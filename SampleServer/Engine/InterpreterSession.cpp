@@ -4,6 +4,7 @@
 #include "Engine/MessageFormat.h"
 #include "Engine/TableBuilder.h"
 #include "Engine/TypeRules.h"
+#include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
@@ -197,6 +198,12 @@ void Interpreter::useDatabase(const std::string &name)
 
 Interpreter::Flow Interpreter::run(const Ast::Use &node)
 {
+    if (m_context.edition == Edition::Azure && foldedName(node.database) != foldedName(m_context.database))
+        throw EngineError(
+            40508, 16, 1,
+            "USE statement is not supported to switch between databases. Use a new connection to "
+            "connect to a different database.",
+            ErrorEffect::EndsBatch);
     useDatabase(node.database);
     m_sink->message({5701, 2, 0, "Changed database context to '" + m_context.database + "'.", {}, m_line});
     m_context.rowCount = 0;

@@ -292,8 +292,13 @@ ExpressionPtr Parser::parseWordExpression()
             return make(Comparison{ComparisonOperator::Equal, parseFunction({{"UPDATE"}}), std::move(one)});
         }
         const bool called = ahead(1).kind == TokenKind::Symbol && ahead(1).value == "(";
-        if (called && (token.keyword == "CAST" || token.keyword == "TRY_CAST"))
+        if (called &&
+            (token.keyword == "CAST" || (token.keyword == "TRY_CAST" && m_edition >= Edition::Sql2022)))
             return parseCast(token.keyword == "TRY_CAST");
+        if (called && token.keyword == "TRY_CONVERT" && m_edition < Edition::Sql2022) {
+            ++m_at;
+            return parseFunction({{token.value}}); // no function there, and says so
+        }
         if (called && (token.keyword == "CONVERT" || token.keyword == "TRY_CONVERT"))
             return parseConvert(token.keyword == "TRY_CONVERT");
         if (std::find(std::begin(bareFunctions), std::end(bareFunctions), token.keyword) !=
@@ -324,6 +329,13 @@ ExpressionPtr Parser::parseFunction(ObjectName name)
     const NestingGuard guard(*this);
     FunctionCall call;
     call.name = std::move(name);
+    if (call.name.parts.size() == 1 && !hasFunction(m_edition, asciiUpper(call.name.object())))
+        fail(m_edition == Edition::Sql2000
+                 ? EngineError(195, 15, 10,
+                               '\'' + call.name.object() + "' is not a recognized function name.",
+                               ErrorEffect::EndsBatch)
+                 : Errors::unknownFunction(call.name.object()),
+             current().line);
     expectSymbol("(");
     if (acceptSymbol("*")) {
         call.star = true;
@@ -348,8 +360,16 @@ ExpressionPtr Parser::parseFunction(ObjectName name)
         call.withinGroup = parseOrderItems();
         expectSymbol(")");
     }
-    if (acceptKeyword("OVER"))
+    if (isKeyword("OVER")) {
+        require(Edition::Sql2008);
+        ++m_at;
         call.over = parseWindow();
+        static constexpr std::string_view rankings[] = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
+        const bool ranks = std::find(std::begin(rankings), std::end(rankings),
+                                     asciiUpper(call.name.object())) != std::end(rankings);
+        if (m_edition < Edition::Sql2022 && !call.over->order.empty() && !ranks)
+            fail(Errors::syntaxNear("order"), current().line);
+    }
     int depth = 0;
     for (const auto &argument : call.arguments)
         depth = std::max(depth, argument ? argument->depth : 0);
@@ -383,6 +403,7 @@ std::string Parser::parseFrame()
 {
     if (!isKeyword("ROWS") && !isKeyword("RANGE"))
         return {};
+    require(Edition::Sql2022);
     std::string frame;
     while (!isSymbol(")")) {
         const Token &token = current();

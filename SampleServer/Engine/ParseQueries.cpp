@@ -1,5 +1,6 @@
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
+#include "Types/Text.h"
 
 namespace SampleServer {
 
@@ -24,6 +25,7 @@ SelectPtr Parser::parseSelect()
 
 std::vector<CommonTable> Parser::parseWith()
 {
+    require(Edition::Sql2008);
     expectKeyword("WITH");
     std::vector<CommonTable> tables;
     do {
@@ -49,8 +51,10 @@ ForXml Parser::parseForXml()
     if (isKeyword("AUTO") || isKeyword("EXPLICIT"))
         refuse("FOR XML " + current().keyword);
     result.attributes = acceptKeyword("RAW");
-    if (!result.attributes && !acceptKeyword("PATH"))
-        failHere();
+    if (!result.attributes) {
+        require(Edition::Sql2008);
+        expectKeyword("PATH");
+    }
     const auto text = [this] {
         expectSymbol("(");
         if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
@@ -62,6 +66,7 @@ ForXml Parser::parseForXml()
     if (isSymbol("("))
         result.rowTag = text();
     while (acceptSymbol(",")) {
+        require(Edition::Sql2008);
         if (acceptKeyword("TYPE"))
             result.typed = true;
         else if (acceptKeyword("ROOT"))
@@ -84,6 +89,7 @@ std::unique_ptr<Query> Parser::parseQuery()
         if (acceptKeyword("UNION"))
             combined->op = acceptKeyword("ALL") ? SetOperator::UnionAll : SetOperator::Union;
         else {
+            require(Edition::Sql2008);
             expectKeyword("EXCEPT");
             combined->op = SetOperator::Except;
         }
@@ -97,7 +103,9 @@ std::unique_ptr<Query> Parser::parseQuery()
 std::unique_ptr<Query> Parser::parseIntersection()
 {
     auto left = parseQueryTerm();
-    while (acceptKeyword("INTERSECT")) {
+    while (isKeyword("INTERSECT")) {
+        require(Edition::Sql2008);
+        ++m_at;
         auto combined = std::make_unique<Query>();
         combined->line = left->line;
         combined->op = SetOperator::Intersect;
@@ -157,6 +165,8 @@ std::optional<Top> Parser::parseTop()
     if (!acceptKeyword("TOP"))
         return {};
     Top top;
+    if (isSymbol("(") || current().kind == TokenKind::Variable)
+        require(Edition::Sql2008);
     if (acceptSymbol("(")) {
         top.count = parseExpression();
         expectSymbol(")");
@@ -254,12 +264,16 @@ TableSourcePtr Parser::parseJoinedTable()
 std::optional<JoinKind> Parser::acceptJoin()
 {
     if (acceptKeyword("CROSS")) {
-        if (acceptKeyword("APPLY"))
+        if (isKeyword("APPLY")) {
+            require(Edition::Sql2008);
+            ++m_at;
             return JoinKind::CrossApply;
+        }
         expectKeyword("JOIN");
         return JoinKind::Cross;
     }
     if (isKeyword("OUTER") && ahead(1).keyword == "APPLY") {
+        require(Edition::Sql2008);
         m_at += 2;
         return JoinKind::OuterApply;
     }
@@ -295,6 +309,8 @@ TableSourcePtr Parser::parseTable()
         isSymbol("(") && (ahead(1).keyword == "NOLOCK" || ahead(1).keyword == "READUNCOMMITTED");
     if (isSymbol("(") && !hints) {
         FunctionTable function{std::move(name), {}};
+        if (m_edition < Edition::Sql2022 && equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
+            fail(Errors::invalidObject(function.name.toString()), table->line);
         expectSymbol("(");
         if (!isSymbol(")"))
             do
@@ -330,7 +346,9 @@ TableSourcePtr Parser::parseParenthesizedTable()
         return table;
     }
     expectSymbol("(");
-    if (acceptKeyword("VALUES")) {
+    if (isKeyword("VALUES")) {
+        require(Edition::Sql2008);
+        ++m_at;
         auto table = std::make_unique<TableSource>();
         table->line = line;
         table->node = ValuesTable{parseRows(false)};
@@ -397,7 +415,7 @@ void Parser::parseOrderBy(Select &select)
         return;
     expectKeyword("BY");
     select.orderBy = parseOrderItems();
-    if (!acceptKeyword("OFFSET"))
+    if (m_edition < Edition::Sql2022 || !acceptKeyword("OFFSET"))
         return;
     select.offset = parseExpression();
     if (!acceptKeyword("ROWS"))
@@ -475,6 +493,8 @@ std::vector<std::vector<ExpressionPtr>> Parser::parseRows(bool allowDefault)
         while (acceptSymbol(","));
         expectSymbol(")");
         rows.push_back(std::move(row));
+        if (isSymbol(","))
+            require(Edition::Sql2008);
     } while (acceptSymbol(","));
     return rows;
 }

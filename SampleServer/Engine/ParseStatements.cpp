@@ -67,7 +67,7 @@ StatementPtr Parser::parseControlStatement(const std::string &keyword)
         return statement(Use{expectName()});
     if (acceptKeyword("RETURN"))
         return parseReturn();
-    if (acceptKeyword("THROW"))
+    if (m_edition >= Edition::Sql2022 && acceptKeyword("THROW"))
         return parseThrow();
     return parseDataStatement(keyword);
 }
@@ -113,7 +113,7 @@ StatementPtr Parser::parseBegin()
     expectKeyword("BEGIN");
     if (isKeyword("TRAN") || isKeyword("TRANSACTION"))
         return parseTransaction(Transaction::Kind::Begin);
-    if (acceptKeyword("TRY"))
+    if (m_edition >= Edition::Sql2008 && acceptKeyword("TRY"))
         return parseTryCatch();
     if (isKeyword("DISTRIBUTED"))
         refuse("distributed transactions");
@@ -218,6 +218,10 @@ StatementPtr Parser::parseDeclare()
             parseTableElements(*variable.table);
         } else {
             variable.type = parseTypeName();
+            if (m_edition == Edition::Sql2000 && isSymbol("="))
+                fail(EngineError(139, 15, 1, "Cannot assign a default value to a local variable.",
+                                 ErrorEffect::EndsBatch),
+                     current().line);
             if (acceptSymbol("="))
                 variable.initial = parseExpression();
             if (!isSystemType(variable.type.name) && !variable.initial)
@@ -245,7 +249,7 @@ StatementPtr Parser::parseSet()
         {"/=", ArithmeticOperator::Divide},
         {"%=", ArithmeticOperator::Modulo}};
     for (const auto &[symbol, op] : compound)
-        if (acceptSymbol(symbol))
+        if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
             return statement(
                 SetVariable{name, make(Arithmetic{op, make(VariableReference{name}), parseExpression()})});
     expectSymbol("=");
@@ -464,7 +468,7 @@ StatementPtr Parser::parseUpdate()
                 {"*=", ArithmeticOperator::Multiply},
                 {"/=", ArithmeticOperator::Divide}};
             for (const auto &[symbol, op] : compound)
-                if (acceptSymbol(symbol))
+                if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
                     assignment.value = make(Arithmetic{op, make(ColumnReference{column}), parseExpression()});
             if (!assignment.value)
                 expectSymbol("=");

@@ -129,13 +129,13 @@ bool isSystemType(const Ast::ObjectName &name)
                        [&upper](const TypeNameEntry &entry) { return entry.name == upper; });
 }
 
-SqlType resolveType(const Ast::TypeName &type, TypePlace place)
+SqlType resolveType(const Ast::TypeName &type, TypePlace place, Edition edition)
 {
     const std::string name = asciiUpper(type.name.object());
     const auto *entry = std::find_if(std::begin(typeNames), std::end(typeNames),
                                      [&name](const TypeNameEntry &e) { return e.name == name; });
     const std::string schema = asciiUpper(type.name.qualifier(1));
-    if (entry == std::end(typeNames) || (!schema.empty() && schema != "SYS")) {
+    if (entry == std::end(typeNames) || (!schema.empty() && schema != "SYS") || !hasType(edition, name)) {
         if (name == "TIMESTAMP" || name == "ROWVERSION" || name == "GEOGRAPHY" || name == "GEOMETRY" ||
             name == "CURSOR")
             throw Errors::notSupported("the data type " + type.name.toString());

@@ -3,7 +3,12 @@
 #include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
-#include "Scripts/MSSQLScriptLoaders.h"
+#include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateTableQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
+#include "Scripts/MSSQLScriptDropViewQueryLoader.h"
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntrySectionTableColumns.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableIndexes.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableKeys.h"
@@ -75,7 +80,7 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::viewMenu()
     return {QStringLiteral("Root"),
             {newQueryMenuItem(), KNMenuItem::separator(),
              actionItem("Alter view", "addQueryTabWithQueryLoader:",
-                        MSSQLScriptLoaders::loader(MSSQLScript::AlterView, m_tableName, m_schema)),
+                        std::make_shared<MSSQLScriptAlterViewQueryLoader>(m_tableName, m_schema)),
              actionItem("Drop view", "confirmDropView:", shared_from_this()), KNMenuItem::separator(),
              actionItem("Select top 100 rows", "executeQueryTab:", selectStatement()),
              createScriptAsForViewMenu(), KNMenuItem::separator(), KNMenuItem::separator(),
@@ -87,34 +92,27 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
     const QString title = QStringLiteral("Export");
     // One text, as it is escaped: a dot in a name counts as that between schema and table.
     const QString name = MSSQLClient::escapeTableNameIfRequired(KNFormat("%@.%@", m_schema, m_tableName));
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),
-                 createScriptToOptionsMenu("MySQL", MSSQLScriptLoaders::loader(MSSQLScript::TableAsMySQL,
-                                                                               m_tableName, m_schema))}});
+    return KNMenuItem::withSubmenu(title,
+                                   {title,
+                                    {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),
+                                     createScriptToOptionsMenu("MySQL", nullptr)}});
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, MSSQLScript kind) {
-        return createScriptToOptionsMenu(text, MSSQLScriptLoaders::loader(kind, m_tableName, m_schema));
-    };
     // The script that drops a view is used for tables, too.
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {script("CREATE to", MSSQLScript::CreateTable), script("DROP to", MSSQLScript::DropView),
-                 script("DROP and CREATE to", MSSQLScript::DropAndCreateTable)}});
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsForViewMenu() const
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, MSSQLScript kind) {
-        return createScriptToOptionsMenu(text, MSSQLScriptLoaders::loader(kind, m_tableName, m_schema));
-    };
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {script("CREATE to", MSSQLScript::CreateView), script("DROP to", MSSQLScript::DropView),
-                 script("DROP and CREATE to", MSSQLScript::DropAndCreateView)}});
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
 }

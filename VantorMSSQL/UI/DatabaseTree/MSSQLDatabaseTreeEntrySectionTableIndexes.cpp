@@ -24,9 +24,8 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableIndexes::menu()
 
 QString MSSQLDatabaseTreeEntrySectionTableIndexes::catalogQuery()
 {
-    return MSSQLTreeCatalog::filled(
-        MSSQLTreeCatalog::text(*this, m_isView ? "List_IndexesForView" : "List_IndexesForTable"),
-        {{"{TABLE_NAME}", KNFormat("%@.%@", m_schema, m_tableName)}});
+    return MSSQLTreeCatalog::text(*this, m_isView ? "List_IndexesForView" : "List_IndexesForTable",
+                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableIndexes::entryForRow(const DatabaseResultSet &row)

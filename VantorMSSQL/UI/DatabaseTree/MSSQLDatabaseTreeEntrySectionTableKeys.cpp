@@ -21,8 +21,8 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableKeys::menu()
 
 QString MSSQLDatabaseTreeEntrySectionTableKeys::catalogQuery()
 {
-    return MSSQLTreeCatalog::filled(MSSQLTreeCatalog::text(*this, "List_KeysForTable"),
-                                    {{"{TABLE_NAME}", KNFormat("%@.%@", m_schema, m_tableName)}});
+    return MSSQLTreeCatalog::text(*this, "List_KeysForTable",
+                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableKeys::entryForRow(const DatabaseResultSet &row)

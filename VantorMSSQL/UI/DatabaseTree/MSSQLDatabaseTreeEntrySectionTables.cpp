@@ -3,7 +3,6 @@
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLDefaultSchemaHelper.h"
-#include "Scripts/MSSQLScriptLoaders.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTableOrder.h"
 
@@ -142,8 +141,5 @@ KNMenu MSSQLDatabaseTreeEntrySectionTables::menu()
 KNMenuItem MSSQLDatabaseTreeEntrySectionTables::createExportMenuItem() const
 {
     const QString title = QStringLiteral("Export");
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {createScriptToOptionsMenu(
-                    "MySQL", MSSQLScriptLoaders::loader(MSSQLScript::TablesAsMySQL, QString(), QString()))}});
+    return KNMenuItem::withSubmenu(title, {title, {createScriptToOptionsMenu("MySQL", nullptr)}});
 }

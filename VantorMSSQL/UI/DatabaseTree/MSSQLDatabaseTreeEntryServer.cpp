@@ -164,7 +164,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
         settings(), &failure, true);
     if (failure) {
         *error = MSSQLTreeCatalog::wrapped(failure, "mssqsql.databaseTree.loadServer");
-        MSSQLClient::reportError(*error, KNFormat("Query: %@", sql));
+        MSSQLClient::reportError(*error, {{QStringLiteral("Query"), sql}});
     }
     return entries;
 }

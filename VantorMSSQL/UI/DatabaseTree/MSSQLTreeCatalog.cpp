@@ -1,5 +1,6 @@
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
+#include "QueryLoader/KNQueryTemplate.h"
 #include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 
 #include <QCollator>
@@ -11,22 +12,12 @@ const MSSQLDatabaseConnectionDetails &settings(const KNDatabaseTreeEntry &entry)
     return static_cast<const MSSQLDatabaseConnectionDetails &>(*entry.databaseConnectionDetails());
 }
 
-QString text(const KNDatabaseTreeEntry &entry, const char *title)
+QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QString, QString> &values)
 {
     KNDatabaseTreeEntry::Settings details = entry.databaseConnectionDetails();
     for (auto above = entry.parent(); above; above = above->parent())
         details = above->databaseConnectionDetails();
-    return details->queryLoader()->queryByTitle(QString::fromLatin1(title));
-}
-
-QString filled(QString text, std::initializer_list<std::pair<const char *, QString>> names)
-{
-    for (const auto &[placeholder, name] : names) {
-        QString value = name;
-        value.replace(QLatin1Char('\''), QLatin1String("''"));
-        text.replace(QLatin1String(placeholder), value);
-    }
-    return text;
+    return KNQueryTemplate::filled(details->queryLoader()->queryByTitle(QString::fromLatin1(title)), values);
 }
 
 KNError wrapped(const KNError &error, const char *domain)

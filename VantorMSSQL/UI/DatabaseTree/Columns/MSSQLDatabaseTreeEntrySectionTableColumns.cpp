@@ -40,8 +40,9 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableColumns::menu()
 
 QString MSSQLDatabaseTreeEntrySectionTableColumns::catalogQuery()
 {
-    return MSSQLTreeCatalog::filled(MSSQLTreeCatalog::text(*this, "ColumnsForTable"),
-                                    {{"{TABLE_NAME}", m_tableName}, {"{SCHEMA_NAME}", m_schema}});
+    return MSSQLTreeCatalog::text(
+        *this, "ColumnsForTable",
+        {{QStringLiteral("TABLE_NAME"), m_tableName}, {QStringLiteral("SCHEMA_NAME"), m_schema}});
 }
 
 void MSSQLDatabaseTreeEntrySectionTableColumns::readRows(DatabaseResultSet &rows, List *entries)

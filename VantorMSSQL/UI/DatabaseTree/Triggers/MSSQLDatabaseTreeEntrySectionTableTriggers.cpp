@@ -25,8 +25,9 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableTriggers::menu()
 
 QString MSSQLDatabaseTreeEntrySectionTableTriggers::catalogQuery()
 {
-    return MSSQLTreeCatalog::filled(MSSQLTreeCatalog::text(*this, "List_TriggersForTableWithDetails"),
-                                    {{"{TABLE_NAME}", m_tableName}, {"{TABLE_SCHEMA}", m_schema}});
+    return MSSQLTreeCatalog::text(
+        *this, "List_TriggersForTableWithDetails",
+        {{QStringLiteral("TABLE_NAME"), m_tableName}, {QStringLiteral("TABLE_SCHEMA"), m_schema}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryForRow(const DatabaseResultSet &row)

@@ -38,13 +38,9 @@ KNMenu MSSQLDatabaseTreeEntryTableTrigger::menu()
 
 KNMenuItem MSSQLDatabaseTreeEntryTableTrigger::createScriptAsMenu() const
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, const QString &sql) {
-        return createScriptToOptionsMenu(text, std::make_shared<StaticQueryLoader>(sql));
-    };
-    return KNMenuItem::withSubmenu(
-        title,
-        {title,
-         {script("CREATE to", m_triggerSQL), script("ALTER to", m_alterTriggerSQL),
-          script("DROP to", m_dropTriggerSQL), script("DROP and CREATE to", m_dropAndCreateTriggerSQL)}});
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<StaticQueryLoader>(m_triggerSQL)},
+         {"ALTER to", std::make_shared<StaticQueryLoader>(m_alterTriggerSQL)},
+         {"DROP to", std::make_shared<StaticQueryLoader>(m_dropTriggerSQL)},
+         {"DROP and CREATE to", std::make_shared<StaticQueryLoader>(m_dropAndCreateTriggerSQL)}});
 }

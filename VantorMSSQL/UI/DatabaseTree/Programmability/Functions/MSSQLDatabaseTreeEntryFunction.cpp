@@ -1,6 +1,10 @@
 #include "UI/DatabaseTree/Programmability/Functions/MSSQLDatabaseTreeEntryFunction.h"
 
-#include "Scripts/MSSQLScriptLoaders.h"
+#include "Foundation/KNFormat.h"
+#include "Scripts/MSSQLScriptAlterFunctionQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateFunctionQueryLoader.h"
+#include "Scripts/MSSQLScriptDropFunctionQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 MSSQLDatabaseTreeEntryFunction::MSSQLDatabaseTreeEntryFunction(const QString &displayName,
@@ -17,20 +21,18 @@ KNMenu MSSQLDatabaseTreeEntryFunction::menu()
     return {QStringLiteral("Test"),
             {actionItem("New function", "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewFunction")),
              actionItem("Modify", "addQueryTabWithQueryLoader:",
-                        MSSQLScriptLoaders::loader(MSSQLScript::AlterFunction, m_functionName, m_schema)),
+                        std::make_shared<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)),
              newQueryMenuItem(), createScriptAsMenu(),
              actionItem("Drop function", "confirmDropFunction:", shared_from_this())}};
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryFunction::createScriptAsMenu() const
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, MSSQLScript kind) {
-        return createScriptToOptionsMenu(text, MSSQLScriptLoaders::loader(kind, m_functionName, m_schema));
-    };
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {script("CREATE to", MSSQLScript::CreateFunction),
-                 script("ALTER to", MSSQLScript::AlterFunction), script("DROP to", MSSQLScript::DropFunction),
-                 script("DROP and CREATE to", MSSQLScript::DropAndCreateFunction)}});
+    const QString qualifiedName = KNFormat("%@.%@", m_schema, m_functionName);
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<MSSQLScriptCreateFunctionQueryLoader>(qualifiedName)},
+         {"ALTER to", std::make_shared<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropFunctionQueryLoader>(m_functionName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateFunctionQueryLoader>(qualifiedName)}});
 }

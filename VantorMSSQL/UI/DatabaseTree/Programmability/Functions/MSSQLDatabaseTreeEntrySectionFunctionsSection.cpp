@@ -56,8 +56,9 @@ KNMenu MSSQLDatabaseTreeEntrySectionFunctionsSection::menu()
 
 QString MSSQLDatabaseTreeEntrySectionFunctionsSection::catalogQuery()
 {
-    return MSSQLTreeCatalog::text(*this, "List_FunctionsByTypeInDatabase_NonSystem")
-        .replace(QLatin1String("{EXTRA_WHERE_CLAUSE}"), QLatin1String(kindOf(m_functionType).filter));
+    return MSSQLTreeCatalog::text(
+        *this, "List_FunctionsByTypeInDatabase_NonSystem",
+        {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString::fromLatin1(kindOf(m_functionType).filter)}});
 }
 
 KNDatabaseTreeEntry::Ptr

@@ -2,7 +2,10 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
-#include "Scripts/MSSQLScriptLoaders.h"
+#include "Scripts/MSSQLScriptAlterStoredProcedureQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateStoredProcedureQueryLoader.h"
+#include "Scripts/MSSQLScriptDropStoredProcedureQueryLoader.h"
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedureParameter.h"
 
 MSSQLDatabaseTreeEntryStoredProcedure::MSSQLDatabaseTreeEntryStoredProcedure(const QString &displayName,
@@ -28,8 +31,9 @@ void MSSQLDatabaseTreeEntryStoredProcedure::removeChild(const Ptr &child)
 
 QString MSSQLDatabaseTreeEntryStoredProcedure::catalogQuery()
 {
-    return MSSQLTreeCatalog::filled(MSSQLTreeCatalog::text(*this, "List_ParametersForStoredProcedure"),
-                                    {{"{SCHEMA}", m_schema}, {"{PROCEDURE_NAME}", m_procedureName}});
+    return MSSQLTreeCatalog::text(
+        *this, "List_ParametersForStoredProcedure",
+        {{QStringLiteral("SCHEMA"), m_schema}, {QStringLiteral("PROCEDURE_NAME"), m_procedureName}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryForRow(const DatabaseResultSet &row)
@@ -49,21 +53,19 @@ KNMenu MSSQLDatabaseTreeEntryStoredProcedure::menu()
         {actionItem("New Stored Procedure",
                     "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewStoredProcedure")),
          actionItem("Modify", "addQueryTabWithQueryLoader:",
-                    MSSQLScriptLoaders::loader(MSSQLScript::AlterStoredProcedure, m_procedureName, m_schema)),
+                    std::make_shared<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)),
          actionItem("Execute stored procedure", "executeStoredProcedure:", escapedName), newQueryMenuItem(),
          createScriptAsMenu(), actionItem("Drop procedure", "confirmDropProcedure:", shared_from_this())}};
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryStoredProcedure::createScriptAsMenu() const
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, MSSQLScript kind) {
-        return createScriptToOptionsMenu(text, MSSQLScriptLoaders::loader(kind, m_procedureName, m_schema));
-    };
-    return KNMenuItem::withSubmenu(
-        title, {title,
-                {script("CREATE to", MSSQLScript::CreateStoredProcedure),
-                 script("ALTER to", MSSQLScript::AlterStoredProcedure),
-                 script("DROP to", MSSQLScript::DropStoredProcedure),
-                 script("DROP and CREATE to", MSSQLScript::DropAndCreateStoredProcedure)}});
+    return scriptAsMenuItem(
+        {{"CREATE to",
+          std::make_shared<MSSQLScriptCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+         {"ALTER to",
+          std::make_shared<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)}});
 }

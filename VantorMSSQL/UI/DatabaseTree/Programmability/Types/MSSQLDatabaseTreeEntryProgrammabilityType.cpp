@@ -1,25 +1,26 @@
 #include "UI/DatabaseTree/Programmability/Types/MSSQLDatabaseTreeEntryProgrammabilityType.h"
 
-#include "Scripts/MSSQLScriptLoaders.h"
+#include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateTypeQueryLoader.h"
+#include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
 
 MSSQLDatabaseTreeEntryProgrammabilityType::MSSQLDatabaseTreeEntryProgrammabilityType(
-    const QString &displayName, const QString &schema, const QString &typeName)
+    const QString &displayName, const QString &schema, const QString &typeName, int typeType)
     : m_schema(schema)
     , m_typeName(typeName)
+    , m_typeType(typeType)
 {
     setDisplayName(displayName);
 }
 
 KNMenu MSSQLDatabaseTreeEntryProgrammabilityType::menu()
 {
-    const QString title = QStringLiteral("Script as");
-    const auto script = [&](const char *text, MSSQLScript kind) {
-        return createScriptToOptionsMenu(text, MSSQLScriptLoaders::loader(kind, m_typeName, m_schema));
-    };
     return {
         QStringLiteral("Menu"),
-        {KNMenuItem::withSubmenu(
-            title, {title,
-                    {script("CREATE to", MSSQLScript::CreateType), script("DROP to", MSSQLScript::DropType),
-                     script("DROP and CREATE to", MSSQLScript::DropAndCreateType)}})}};
+        {scriptAsMenuItem(
+            {{"CREATE to",
+              std::make_shared<MSSQLScriptCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
+             {"DROP to", std::make_shared<MSSQLScriptDropTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
+             {"DROP and CREATE to", std::make_shared<MSSQLScriptDropAndCreateTypeQueryLoader>(
+                                        m_typeName, m_schema, m_typeType)}})}};
 }

@@ -6,9 +6,9 @@
 class MSSQLDatabaseTreeEntryProgrammabilityType : public KNDatabaseTreeEntry
 {
 public:
-    /// Names are not escaped.
+    /// Names are not escaped; the kind is that of the section.
     MSSQLDatabaseTreeEntryProgrammabilityType(const QString &displayName, const QString &schema,
-                                              const QString &typeName);
+                                              const QString &typeName, int typeType);
 
     QString schema() const { return m_schema; }
     QString typeName() const { return m_typeName; }
@@ -19,4 +19,5 @@ public:
 private:
     const QString m_schema;
     const QString m_typeName;
+    const int m_typeType;
 };

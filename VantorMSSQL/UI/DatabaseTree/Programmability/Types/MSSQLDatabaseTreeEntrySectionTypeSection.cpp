@@ -52,13 +52,15 @@ KNMenu MSSQLDatabaseTreeEntrySectionTypeSection::menu()
 
 QString MSSQLDatabaseTreeEntrySectionTypeSection::catalogQuery()
 {
-    return MSSQLTreeCatalog::text(*this, "List_UserTypesByTypeInDatabase_NonSystem")
-        .replace(QLatin1String("{EXTRA_WHERE_CLAUSE}"), QLatin1String(kindOf(m_typeType).filter));
+    return MSSQLTreeCatalog::text(
+        *this, "List_UserTypesByTypeInDatabase_NonSystem",
+        {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString::fromLatin1(kindOf(m_typeType).filter)}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTypeSection::entryForRow(const DatabaseResultSet &row)
 {
     const QString schema = row.stringForColumnIndex(0);
     const QString name = row.stringForColumnIndex(1);
-    return make<MSSQLDatabaseTreeEntryProgrammabilityType>(KNFormat("%@.%@", schema, name), schema, name);
+    return make<MSSQLDatabaseTreeEntryProgrammabilityType>(KNFormat("%@.%@", schema, name), schema, name,
+                                                           m_typeType);
 }
