@@ -137,10 +137,13 @@ const CatalogTable &columns()
          {"name", Name, [](const ColumnRow &r, const Context &) { return text(r.column->name); }},
          {"column_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->id); }},
          {"system_type_id", TinyInt,
-          [](const ColumnRow &r, const Context &) { return number(systemTypeId(r.column->type)); }},
+          [](const ColumnRow &r, const Context &) {
+              return number(r.column->rowVersion ? RowVersionTypeId : systemTypeId(r.column->type));
+          }},
          {"user_type_id", Int,
           [](const ColumnRow &r, const Context &) {
-              return number(userTypeOf(r.column->type, r.column->userType));
+              return number(r.column->rowVersion ? RowVersionTypeId
+                                                 : userTypeOf(r.column->type, r.column->userType));
           }},
          {"max_length", SmallInt,
           [](const ColumnRow &r, const Context &) { return number(catalogLength(r.column->type)); }},
@@ -203,8 +206,9 @@ std::vector<TypeRow> listTypes(const Context &context)
 {
     std::vector<TypeRow> rows;
     for (const SystemType &type : systemTypes())
-        rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type,
-                        type.name != "sysname", nullptr});
+        if (hasType(context.server.edition, asciiUpper(std::string(type.name))))
+            rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type,
+                            type.name != "sysname", nullptr});
     for (const UserTypePtr &type : context.database->types()) {
         const auto schema = context.database->findSchema(type->schema);
         rows.push_back({type->name, type->table ? 243 : systemTypeId(type->base), type->id,
@@ -261,7 +265,8 @@ std::vector<IndexRow> listIndexes(const Context &context)
 {
     std::vector<IndexRow> rows;
     for (const ObjectPtr &object : allObjects(context)) {
-        const auto table = std::dynamic_pointer_cast<const Table>(object);
+        const auto *module = dynamic_cast<const Module *>(object.get());
+        const auto table = module ? module->indexed : std::dynamic_pointer_cast<const Table>(object);
         if (!table)
             continue;
         bool clustered = false;

@@ -90,6 +90,8 @@ Known known(EvaluationContext &context, std::int64_t id, const std::string &data
         result.name = result.object->name;
         result.code = codeOf(result.object->kind);
         result.table = std::dynamic_pointer_cast<const Table>(result.object);
+        if (const auto *module = dynamic_cast<const Module *>(result.object.get()))
+            result.table = module->indexed;
         return result;
     }
     result.table = place->findConstraint(id);

@@ -216,6 +216,8 @@ private:
     bool renamePart(const Bound::TableScan &scan, const std::string &part, const std::string &newName,
                     bool isColumn);
     void renameWhole(const FoundObject &found, const std::string &newName);
+    Flow createViewIndex(const Ast::CreateIndex &node, const FoundObject &found);
+    bool dropViewIndex(const Ast::DropIndex::Item &item);
     bool renameConstraint(const Ast::ObjectName &name, const std::string &newName);
     void changeProperty(const std::string &procedure, const std::vector<ProcedureArgument> &arguments);
 

@@ -84,15 +84,17 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
         return parseUpdate();
     if (keyword == "DELETE")
         return parseDelete();
+    if (keyword == "UPDATETEXT")
+        return parseUpdateText();
     return parseDefinitionStatement(keyword);
 }
 
 StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
 {
     static constexpr std::string_view refused[] = {
-        "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",        "FETCH",
-        "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE", "RESTORE",
-        "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
+        "BACKUP",      "BULK",    "CHECKPOINT", "CLOSE",   "DBCC",     "DEALLOCATE", "DENY",
+        "FETCH",       "GOTO",    "GRANT",      "KILL",    "MERGE",    "OPEN",       "REVOKE",
+        "RECONFIGURE", "RESTORE", "REVERT",     "SETUSER", "SHUTDOWN", "WRITETEXT",  "READTEXT"};
     if (keyword == "CREATE")
         return parseCreate();
     if (keyword == "ALTER")
@@ -409,100 +411,6 @@ StatementPtr Parser::parseWithStatement()
         std::get<Delete>(result->node).with = std::move(with);
     }
     return result;
-}
-
-StatementPtr Parser::parseInsert()
-{
-    expectKeyword("INSERT");
-    Insert insert;
-    insert.top = parseTop();
-    if (isKeyword("BULK"))
-        refuse("INSERT BULK");
-    acceptKeyword("INTO");
-    insert.table = parseTableName();
-    parseTableHints();
-    if (isSymbol("(") && !atSubquery()) {
-        expectSymbol("(");
-        do
-            insert.columns.push_back(expectName());
-        while (acceptSymbol(","));
-        expectSymbol(")");
-    }
-    if (isKeyword("OUTPUT"))
-        refuse("the OUTPUT clause");
-    if (acceptKeyword("EXEC") || acceptKeyword("EXECUTE")) {
-        insert.execute = parseExecute();
-    } else if (acceptKeyword("DEFAULT")) {
-        expectKeyword("VALUES");
-        insert.defaultValues = true;
-    } else if (acceptKeyword("VALUES")) {
-        insert.rows = parseRows(true);
-    } else {
-        insert.query = parseSelect();
-    }
-    return statement(std::move(insert));
-}
-
-StatementPtr Parser::parseUpdate()
-{
-    expectKeyword("UPDATE");
-    Update update;
-    update.top = parseTop();
-    update.table = parseTableName();
-    parseTableHints();
-    expectKeyword("SET");
-    do {
-        Assignment assignment;
-        if (current().kind == TokenKind::Variable) {
-            assignment.variable = expectVariable();
-            expectSymbol("=");
-        }
-        const bool hasColumn = assignment.variable.empty() ||
-                               (isName() && ahead(1).kind == TokenKind::Symbol && ahead(1).value == "=");
-        if (hasColumn) {
-            const ObjectName column = parseObjectName();
-            assignment.column = column.object();
-            static constexpr std::pair<std::string_view, ArithmeticOperator> compound[] = {
-                {"+=", ArithmeticOperator::Add},
-                {"-=", ArithmeticOperator::Subtract},
-                {"*=", ArithmeticOperator::Multiply},
-                {"/=", ArithmeticOperator::Divide}};
-            for (const auto &[symbol, op] : compound)
-                if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
-                    assignment.value = make(Arithmetic{op, make(ColumnReference{column}), parseExpression()});
-            if (!assignment.value)
-                expectSymbol("=");
-        }
-        if (!assignment.value && !(hasColumn && acceptKeyword("DEFAULT")))
-            assignment.value = parseExpression();
-        update.assignments.push_back(std::move(assignment));
-    } while (acceptSymbol(","));
-    if (isKeyword("OUTPUT"))
-        refuse("the OUTPUT clause");
-    if (acceptKeyword("FROM"))
-        update.from = parseFrom();
-    if (acceptKeyword("WHERE"))
-        update.where = parseCondition();
-    parseOption();
-    return statement(std::move(update));
-}
-
-StatementPtr Parser::parseDelete()
-{
-    expectKeyword("DELETE");
-    Delete node;
-    node.top = parseTop();
-    acceptKeyword("FROM");
-    node.table = parseTableName();
-    parseTableHints();
-    if (isKeyword("OUTPUT"))
-        refuse("the OUTPUT clause");
-    if (acceptKeyword("FROM"))
-        node.from = parseFrom();
-    if (acceptKeyword("WHERE"))
-        node.where = parseCondition();
-    parseOption();
-    return statement(std::move(node));
 }
 
 } // namespace SampleServer

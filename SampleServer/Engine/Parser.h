@@ -78,6 +78,7 @@ private:
     Ast::StatementPtr parseExecute();
     Ast::StatementPtr parseInsert();
     Ast::StatementPtr parseUpdate();
+    Ast::StatementPtr parseUpdateText();
     Ast::StatementPtr parseDelete();
     // Definitions
     Ast::StatementPtr parseCreate();

@@ -19,6 +19,7 @@ struct TableColumn
     bool nullable = true;
     bool identity = false;
     bool rowGuid = false;
+    bool rowVersion = false; ///< gets a new number whenever its row changes
     bool sparse = false;
     bool persisted = false;
     DefinedExpression defaultValue;
@@ -122,5 +123,8 @@ struct Table : SchemaObject
     std::vector<const ConstraintName *> constraints() const;
 };
 using TablePtr = std::shared_ptr<const Table>;
+
+/// The next number of a rowversion column: eight bytes, greater than all before.
+Value nextRowVersion();
 
 } // namespace SampleServer

@@ -1,6 +1,7 @@
 #include "Engine/TableBuilder.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
+#include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -82,6 +83,14 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
         if (named.userType && named.userType->table)
             throw Errors::unknownType(definition.type.name.toString(), column.id);
         column.type = named.type;
+        column.rowVersion = !named.userType && isRowVersion(definition.type.name);
+        if (column.rowVersion && std::any_of(m_table.columns.begin(), m_table.columns.end(),
+                                             [](const TableColumn &other) { return other.rowVersion; }))
+            throw EngineError(2738, 16, 2,
+                              "A table can only have one timestamp column. Because table '" + m_table.name +
+                                  "' already has one, the column '" + column.name + "' cannot be added.",
+                              ErrorEffect::EndsBatch);
+        nullable = nullable && !column.rowVersion;
         if (named.userType)
             nullable = named.userType->nullable;
         column.userType = std::move(named.userType);

@@ -12,6 +12,9 @@ enum class TypePlace { Declaration, Cast };
 /// The type a name stands for. Throws EngineError 2715 and others for what is no type in that edition.
 SqlType resolveType(const Ast::TypeName &name, TypePlace place, Edition edition = Edition::Sql2022);
 
+/// Whether the name is that of the type of row versions, which are eight bytes.
+bool isRowVersion(const Ast::ObjectName &name);
+
 /// Whether the name is that of a system type.
 bool isSystemType(const Ast::ObjectName &name);
 

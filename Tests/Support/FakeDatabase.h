@@ -116,10 +116,15 @@ public:
         if (m_isConnected.exchange(false))
             --m_settings->server().open;
     }
-    bool executeQueryDetails(const QList<KNQueryDetails> &, KNResultSetHolder &, const Progress &,
-                             KNError *) override
+    bool executeQueryDetails(const QList<KNQueryDetails> &queries, KNResultSetHolder &withResultSet,
+                             const Progress &, KNError *error) override
     {
-        return true;
+        for (const KNQueryDetails &query : queries) {
+            const auto rows = executeQuery(query.targetQuery, error);
+            if (rows)
+                withResultSet.append(resultOf(*rows));
+        }
+        return !*error;
     }
     std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) override
     {
@@ -160,6 +165,20 @@ public:
     std::atomic<int> cancels = 0;
 
 private:
+    static KNDatabaseResultSetPtr resultOf(DatabaseResultSet &rows)
+    {
+        const auto result = std::make_shared<KNDatabaseResultSet>();
+        result->setColumns(rows.columnNames(), QList<int>(rows.columnCount(), 0));
+        while (rows.next()) {
+            KNRow row;
+            for (qsizetype i = 0; i < rows.columnCount(); ++i)
+                row.append(rows.objectForColumnIndex(i));
+            result->addRows({row});
+        }
+        result->setFinished();
+        return result;
+    }
+
     std::shared_ptr<Settings> m_settings;
     std::atomic<bool> m_isConnected = false;
 };

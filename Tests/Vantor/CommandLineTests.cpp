@@ -150,10 +150,43 @@ TEST(CommandLine, RunsACatalogQuery)
     EXPECT_EQ(odd.status, 0) << odd.errors.toStdString();
 }
 
+TEST(CommandLine, TriesEveryCatalogQueryThatOnlyReads)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("--server"), server(),
+                 QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("--database"),
+                 QStringLiteral("shop")})
+            .wait();
+    EXPECT_EQ(outcome.status, 0) << outcome.output.toStdString() << outcome.errors.toStdString();
+    const auto lines = outcome.output.trimmed().split('\n');
+    EXPECT_GT(lines.size(), 30);
+    for (const QByteArray &line : lines)
+        EXPECT_TRUE(line.contains("  ok, ")) << line.toStdString();
+    EXPECT_TRUE(outcome.output.contains("Table_CreationQuery                         ok, 1 rows, "));
+}
+
+TEST(CommandLine, CatalogQueriesWithoutAnObjectAreToldAndNoFailure)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("--server"), server(),
+                 QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("--database"),
+                 QStringLiteral("master")})
+            .wait();
+    EXPECT_TRUE(outcome.output.contains("ColumnsForTable                             "
+                                        "not tried: DatabaseTree_ListTables gave no object"))
+        << outcome.output.toStdString();
+    EXPECT_EQ(outcome.status, 0) << outcome.output.toStdString();
+}
+
 TEST(CommandLine, ACatalogQueryThatIsNotThereEndsWithStatus2)
 {
     EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("NoSuchTitle")}).wait().status, 2);
     EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("DatabaseTree_ListTables")}).wait().status,
+              2);
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("--all")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("NewTable")})
+                  .wait()
+                  .status,
               2);
 }
 

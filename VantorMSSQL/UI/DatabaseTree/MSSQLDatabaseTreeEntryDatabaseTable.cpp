@@ -9,6 +9,7 @@
 #include "Scripts/MSSQLScriptDropAndCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
 #include "Scripts/MSSQLScriptDropViewQueryLoader.h"
+#include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntrySectionTableColumns.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableIndexes.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableKeys.h"
@@ -92,10 +93,11 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
     const QString title = QStringLiteral("Export");
     // One text, as it is escaped: a dot in a name counts as that between schema and table.
     const QString name = MSSQLClient::escapeTableNameIfRequired(KNFormat("%@.%@", m_schema, m_tableName));
-    return KNMenuItem::withSubmenu(title,
-                                   {title,
-                                    {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),
-                                     createScriptToOptionsMenu("MySQL", nullptr)}});
+    return KNMenuItem::withSubmenu(
+        title, {title,
+                {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),
+                 createScriptToOptionsMenu("MySQL", std::make_shared<MSSQLScriptTableAsMySQLQueryLoader>(
+                                                        m_tableName, m_schema, true, true, true))}});
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const

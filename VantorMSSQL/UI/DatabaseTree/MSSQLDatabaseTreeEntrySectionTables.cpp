@@ -3,6 +3,7 @@
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLDefaultSchemaHelper.h"
+#include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTableOrder.h"
 
@@ -141,5 +142,8 @@ KNMenu MSSQLDatabaseTreeEntrySectionTables::menu()
 KNMenuItem MSSQLDatabaseTreeEntrySectionTables::createExportMenuItem() const
 {
     const QString title = QStringLiteral("Export");
-    return KNMenuItem::withSubmenu(title, {title, {createScriptToOptionsMenu("MySQL", nullptr)}});
+    return KNMenuItem::withSubmenu(
+        title,
+        {title,
+         {createScriptToOptionsMenu("MySQL", std::make_shared<MSSQLScriptTablesAsMySQLQueryLoader>())}});
 }
