@@ -1,7 +1,9 @@
 #include "Engine/SampleDatabase.h"
+#include "Engine/Catalog.h"
 #include "Engine/Server.h"
 #include "Engine/Session.h"
 
+#include <cstdio>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -69,6 +71,35 @@ void run(Session &session, std::string_view script, Edition edition)
 }
 
 } // namespace
+
+void fillManyTables(const std::shared_ptr<Server> &server, const DatabaseList &databases, int count)
+{
+    ScriptSink sink;
+    Session(server, "sa", "master").executeBatch("CREATE DATABASE many", sink);
+    Session session(server, "sa", "many");
+    session.executeBatch("CREATE SCHEMA archive", sink);
+    session.executeBatch(
+        "CREATE TABLE dbo.Model (Id int IDENTITY(1, 1) NOT NULL PRIMARY KEY, Name nvarchar(60) NOT "
+        "NULL, Amount decimal(9, 2) NULL, ChangedAt datetime NULL)",
+        sink);
+    const DatabasePtr database = databases.find("many");
+    const TablePtr model = database->findTable("dbo", "Model");
+    for (int i = 1; i <= count; ++i) {
+        auto table = std::make_shared<Table>(*model);
+        char name[32];
+        std::snprintf(name, sizeof name, "Table%05d", i);
+        table->id = table->storage = newObjectId();
+        table->name = name;
+        table->schema = i % 10 == 0 ? "archive" : "dbo";
+        table->isStored = false;
+        table->identity = std::make_shared<IdentityCounter>(1, 1);
+        table->indexes[0].name = table->indexes[0].constraint.name = "PK_" + table->name;
+        table->indexes[0].constraint.id = newObjectId();
+        table->indexes[0].constraint.systemNamed = false;
+        database->insert(std::move(table));
+    }
+    session.executeBatch("DROP TABLE dbo.Model", sink);
+}
 
 void fillSampleDatabases(const std::shared_ptr<Server> &server)
 {
