@@ -61,10 +61,13 @@ void run(Session &session, std::string_view script, Edition edition)
     ScriptSink sink;
     for (std::size_t at = 0; at < script.size();) {
         const std::size_t end = std::min(script.find("\nGO\n", at), script.size());
-        const std::string_view batch = script.substr(at, end - at);
+        std::string_view batch = script.substr(at, end - at);
+        const bool isAfter2000 = batch.starts_with(After2000);
+        if (isAfter2000)
+            batch.remove_prefix(After2000.size());
         if (edition != Edition::Sql2000)
             session.executeBatch(batch, sink);
-        else if (!batch.starts_with(After2000))
+        else if (!isAfter2000)
             session.executeBatch(withOldTypes(std::string(batch)), sink);
         at = end + 4;
     }
