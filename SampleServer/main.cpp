@@ -24,6 +24,7 @@ ServerSettings settingsFrom(const Options &options)
     ServerSettings settings;
     Server::Options serverOptions;
     serverOptions.edition = options.edition;
+    serverOptions.tables = options.tables;
     serverOptions.versionBanner = options.versionBanner;
     settings.server = std::make_shared<Server>(serverOptions);
     settings.user = options.user;

@@ -282,7 +282,7 @@ std::vector<IndexRow> listIndexes(const Context &context)
 
 Value rowCount(const IndexRow &row, const Context &context)
 {
-    if (row.table->kind != ObjectKind::Table)
+    if (row.table->kind != ObjectKind::Table || !row.table->isStored)
         return number(0);
     SqliteStatement statement(context.connection, "SELECT count(*) FROM " +
                                                       SqliteConnection::schemaName(*context.database) + '.' +

@@ -320,6 +320,12 @@ Value objectProperty(EvaluationContext &context, const Operation &, Arguments a)
         return truth(!found.table->foreignKeys.empty());
     if (property == "TABLEHASFOREIGNREF")
         return truth(!context.findDatabase({})->referencing(found.table->id).empty());
+    if (property == "CNSTISDELETECASCADE" || property == "CNSTISUPDATECASCADE") {
+        for (const ForeignKey &key : found.table->foreignKeys)
+            if (key.constraint.id == number(a[0]))
+                return truth((property == "CNSTISDELETECASCADE" ? key.onDelete : key.onUpdate) ==
+                             ReferentialAction::Cascade);
+    }
     if (property == "CNSTISCLUSTKEY" || property == "CNSTISDISABLED" || property == "CNSTISNOTTRUSTED") {
         for (const TableIndex &index : indexes)
             if (index.isKey() && index.constraint.id == number(a[0]))

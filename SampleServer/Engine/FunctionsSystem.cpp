@@ -88,7 +88,7 @@ Value applicationName(EvaluationContext &context, const Operation &, Arguments)
 
 Value scopeIdentity(EvaluationContext &context, const Operation &, Arguments)
 {
-    return context.lastIdentity ? Value(*context.lastIdentity) : Value();
+    return context.scopeIdentity ? Value(*context.scopeIdentity) : Value();
 }
 
 /// The number after "Microsoft SQL Server ... - " in the banner: "16.0.1000.6".

@@ -180,6 +180,8 @@ private:
     };
     /// Throws 2714 when the name is taken, 2760 and 911 when schema or database are not there.
     Place placeOfNew(const Ast::ObjectName &name, bool mayExist = false);
+    void createStorage(Table &definition, const DatabasePtr &database);
+    TablePtr stored(const TablePtr &table, const DatabasePtr &database);
     Bound::TableScan createTable(Table definition, const DatabasePtr &database);
     void createPhysicalIndex(const Bound::TableScan &scan, TableIndex &index);
     /// Puts a changed definition in the place of a table's; takes it back should the transaction be rolled

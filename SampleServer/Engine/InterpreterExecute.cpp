@@ -79,6 +79,7 @@ void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
     frame.depth = m_frame->depth + 1;
     const ScopedValue<int> line(m_line, m_line);
     const ScopedValue<Frame *> current(m_frame, &frame);
+    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, {});
     const std::string database = m_context.database;
     const auto back = [&] {
         dropTables(frame.tables, false);

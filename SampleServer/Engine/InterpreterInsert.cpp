@@ -142,8 +142,9 @@ private:
         ++m_count;
         for (std::size_t i = 0; i < row.size(); ++i)
             if (m_table.columns[i].identity)
-                m_interpreter.m_context.lastIdentity = std::get<Decimal>(convertValue(
-                    row[i], m_table.columns[i].type, {TypeId::Decimal, 0, Decimal::MaxDigits, 0}));
+                m_interpreter.m_context.lastIdentity = m_interpreter.m_context.scopeIdentity =
+                    std::get<Decimal>(convertValue(row[i], m_table.columns[i].type,
+                                                   {TypeId::Decimal, 0, Decimal::MaxDigits, 0}));
     }
 
     void complete(std::vector<Value> &row, const std::vector<bool> &given)

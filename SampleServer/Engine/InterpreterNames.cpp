@@ -67,7 +67,7 @@ Interpreter::FoundObject Interpreter::findObject(const Ast::ObjectName &name, bo
 Bound::TableScan Interpreter::findOrNull(const Ast::ObjectName &name)
 {
     const FoundObject found = findObject(name);
-    const auto table = std::dynamic_pointer_cast<const Table>(found.object);
+    const auto table = stored(std::dynamic_pointer_cast<const Table>(found.object), found.database);
     return table ? scanOf(table, found.database) : Bound::TableScan();
 }
 
@@ -124,7 +124,7 @@ NamedSource Interpreter::findSource(const Ast::ObjectName &name)
     if (findSystemSource(name, source))
         return source;
     const FoundObject found = findObject(name);
-    if (auto table = std::dynamic_pointer_cast<const Table>(found.object)) {
+    if (auto table = stored(std::dynamic_pointer_cast<const Table>(found.object), found.database)) {
         source.scan = scanOf(table, found.database);
         m_uses.push_back({found.database, table, TableUse::Access::Definition});
         return source;

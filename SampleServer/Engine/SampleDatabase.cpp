@@ -1,7 +1,9 @@
 #include "Engine/SampleDatabase.h"
+#include "Engine/Catalog.h"
 #include "Engine/Server.h"
 #include "Engine/Session.h"
 
+#include <cstdio>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -59,16 +61,48 @@ void run(Session &session, std::string_view script, Edition edition)
     ScriptSink sink;
     for (std::size_t at = 0; at < script.size();) {
         const std::size_t end = std::min(script.find("\nGO\n", at), script.size());
-        const std::string_view batch = script.substr(at, end - at);
+        std::string_view batch = script.substr(at, end - at);
+        const bool isAfter2000 = batch.starts_with(After2000);
+        if (isAfter2000)
+            batch.remove_prefix(After2000.size());
         if (edition != Edition::Sql2000)
             session.executeBatch(batch, sink);
-        else if (!batch.starts_with(After2000))
+        else if (!isAfter2000)
             session.executeBatch(withOldTypes(std::string(batch)), sink);
         at = end + 4;
     }
 }
 
 } // namespace
+
+void fillManyTables(const std::shared_ptr<Server> &server, const DatabaseList &databases, int count)
+{
+    ScriptSink sink;
+    Session(server, "sa", "master").executeBatch("CREATE DATABASE many", sink);
+    Session session(server, "sa", "many");
+    session.executeBatch("CREATE SCHEMA archive", sink);
+    session.executeBatch(
+        "CREATE TABLE dbo.Model (Id int IDENTITY(1, 1) NOT NULL PRIMARY KEY, Name nvarchar(60) NOT "
+        "NULL, Amount decimal(9, 2) NULL, ChangedAt datetime NULL)",
+        sink);
+    const DatabasePtr database = databases.find("many");
+    const TablePtr model = database->findTable("dbo", "Model");
+    for (int i = 1; i <= count; ++i) {
+        auto table = std::make_shared<Table>(*model);
+        char name[32];
+        std::snprintf(name, sizeof name, "Table%05d", i);
+        table->id = table->storage = newObjectId();
+        table->name = name;
+        table->schema = i % 10 == 0 ? "archive" : "dbo";
+        table->isStored = false;
+        table->identity = std::make_shared<IdentityCounter>(1, 1);
+        table->indexes[0].name = table->indexes[0].constraint.name = "PK_" + table->name;
+        table->indexes[0].constraint.id = newObjectId();
+        table->indexes[0].constraint.systemNamed = false;
+        database->insert(std::move(table));
+    }
+    session.executeBatch("DROP TABLE dbo.Model", sink);
+}
 
 void fillSampleDatabases(const std::shared_ptr<Server> &server)
 {

@@ -6,6 +6,7 @@
 
 namespace SampleServer {
 
+class DatabaseList;
 class Server;
 
 /// A script of a database's objects and rows; batches end with GO lines.
@@ -21,5 +22,8 @@ std::span<const SampleScript> sampleScripts();
 /// Makes the sample databases, and the agent's tables where the server has an agent. Throws std::logic_error
 /// when a script fails.
 void fillSampleDatabases(const std::shared_ptr<Server> &server);
+
+/// Makes the database `many` with so many empty tables, some of them in the schema `archive`.
+void fillManyTables(const std::shared_ptr<Server> &server, const DatabaseList &databases, int count);
 
 } // namespace SampleServer

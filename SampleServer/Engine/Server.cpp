@@ -46,6 +46,8 @@ Server::Server(Options options)
     // The script's session does not own the server, which is still being made.
     if (options.samples)
         fillSampleDatabases(std::shared_ptr<Server>(std::shared_ptr<void>(), this));
+    if (options.tables > 0)
+        fillManyTables(std::shared_ptr<Server>(std::shared_ptr<void>(), this), d->databases, options.tables);
     d->edition = options.edition;
 }
 

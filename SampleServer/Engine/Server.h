@@ -18,6 +18,7 @@ public:
         std::string versionBanner;         ///< what @@VERSION answers; empty means the edition's
         Edition edition = Edition::Sql2022;
         bool samples = true; ///< with the sample databases and the agent's tables
+        int tables = 0;      ///< empty ones in a database of their own, `many`
     };
 
     explicit Server(Options options);

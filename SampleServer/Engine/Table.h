@@ -106,6 +106,8 @@ private:
 struct Table : SchemaObject
 {
     std::int64_t storage = 0;
+    bool isStored =
+        true; ///< false: SQLite's table is made when a statement first needs it, and there are no rows
     std::vector<TableColumn> columns;
     std::vector<TableIndex> indexes;
     std::vector<ForeignKey> foreignKeys;

@@ -237,8 +237,7 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
     const bool self = foldedName(constraint.referenced.object()) == foldedName(m_table.name);
     TablePtr found;
     if (!self && m_database)
-        found =
-            std::dynamic_pointer_cast<const Table>(m_interpreter.findObject(constraint.referenced).object);
+        found = m_interpreter.findOrNull(constraint.referenced).table;
     if (!self && !found)
         throw EngineError(1767, 16, 0,
                           "Foreign key '" + key.constraint.name + "' references invalid table '" +

@@ -19,6 +19,16 @@ std::uint16_t portFrom(const std::string &text)
     return port;
 }
 
+int countFrom(const std::string &text)
+{
+    constexpr int most = 1'000'000;
+    int count = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    if (error != std::errc() || end != text.data() + text.size() || count < 0 || count > most)
+        throw UsageError("'" + text + "' is no number from 0 to " + std::to_string(most) + '.');
+    return count;
+}
+
 TdsVersion versionFrom(const std::string &text)
 {
     const auto version = tdsVersionFromText(text);
@@ -85,6 +95,7 @@ Options parseOptions(std::span<const char *const> arguments)
         {"--cert", [&](const std::string &value) { options.certificateFile = value; }},
         {"--key", [&](const std::string &value) { options.keyFile = value; }},
         {"--edition", [&](const std::string &value) { options.edition = editionFrom(value); }},
+        {"--tables", [&](const std::string &value) { options.tables = countFrom(value); }},
         {"--version-banner", [&](const std::string &value) { options.versionBanner = value; }},
     };
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
@@ -127,6 +138,7 @@ T-SQL over databases in memory.
                          login alone when it does not care; require: everything, and who cannot is refused
   --cert FILE            the server's certificate, PEM, which its chain may follow
   --key FILE             the certificate's private key, PEM
+  --tables N             also a database "many" with N empty tables, to try how clients cope
   --version-banner TEXT  what @@VERSION answers; the version number in it is the server's
   --help                 print this
 )";

@@ -22,6 +22,7 @@ struct Options
     std::string user = "sa";
     std::string passwordVariable = "VANTOR_SAMPLE_PASSWORD";
     Edition edition = Edition::Sql2022;
+    int tables = 0;                              ///< in the database `many`
     TdsVersion highestVersion = TdsVersion::V74; ///< unless given, the one of the edition
     std::string versionBanner;                   ///< empty: that of the edition
     TlsPolicy tls = TlsPolicy::Off;

@@ -53,6 +53,9 @@ TEST(SampleServerOptions, KnowTheProtocolOfAnEditionUnlessOneIsGiven)
 
 TEST(SampleServerOptions, RefuseWhatTheyDoNotKnow)
 {
+    EXPECT_EQ(parsed({"--tables", "50000"}).tables, 50000);
+    EXPECT_THROW(parsed({"--tables", "-1"}), UsageError);
+    EXPECT_THROW(parsed({"--tables", "many"}), UsageError);
     EXPECT_THROW(parsed({"--nonsense"}), UsageError);
     EXPECT_THROW(parsed({"--port"}), UsageError);
     for (const char *port : {"", "x", "1x", "-1", "65536", " 1"})
