@@ -52,6 +52,19 @@ bool takesLength(const std::string &word)
     return std::find(std::begin(types), std::end(types), word) != std::end(types);
 }
 
+/// Whether a word before a parenthesis calls a function, or names a type; the others are operators.
+bool isCallable(const Token &token)
+{
+    static constexpr std::string_view reservedFunctions[] = {"COALESCE", "CONVERT", "LEFT", "NULLIF",
+                                                             "RIGHT"};
+    if (token.kind == TokenKind::QuotedIdentifier)
+        return true;
+    return token.kind == TokenKind::Word &&
+           (!isReservedWord(token.keyword) ||
+            std::find(std::begin(reservedFunctions), std::end(reservedFunctions), token.keyword) !=
+                std::end(reservedFunctions));
+}
+
 class Writer
 {
 public:
@@ -76,21 +89,34 @@ private:
     void add(const Token &token)
     {
         if (token.kind == TokenKind::QuotedIdentifier)
-            m_text += bracketed(token.value);
+            addName(token);
         else if (token.kind == TokenKind::Word)
             addWord(token);
         else if (isNumber(token))
-            m_text += m_inType ? std::string(token.source) : '(' + std::string(token.source) + ')';
+            addNumber(std::string(token.source), m_at);
         else
             addSymbol(token);
+    }
+
+    void addName(const Token &token)
+    {
+        m_text += bracketed(token.value);
+        m_inType = followedBy("(") && takesLength(toUpper(token.value));
+    }
+
+    /// A number is put in parentheses, unless it stands in some of its own. `first` is its place, or that of
+    /// its sign.
+    void addNumber(const std::string &number, std::size_t first)
+    {
+        const bool isEnclosed = first > 0 && isSymbol(m_tokens[first - 1], "(") && followedBy(")");
+        const bool isArgument = first > 1 && isCallable(m_tokens[first - 2]);
+        m_text += m_inType || (isEnclosed && !isArgument) ? number : '(' + number + ')';
     }
 
     void addWord(const Token &token)
     {
         const std::string &word = token.keyword;
-        const bool called = followedBy("(") && word != "IN" && word != "AND" && word != "OR" &&
-                            word != "NOT" && word != "EXISTS" && word != "WHEN" && word != "THEN" &&
-                            word != "ELSE";
+        const bool called = followedBy("(") && isCallable(token);
         if (called && takesLength(word)) {
             m_text += bracketed(toLower(token.value));
             m_inType = true;
@@ -121,8 +147,8 @@ private:
         const bool minusBeforeNumber = isSymbol(token, "-") && m_at + 1 < m_tokens.size() &&
                                        isNumber(m_tokens[m_at + 1]) && startsOperand();
         if (minusBeforeNumber) { // a negative number is one literal
-            m_text += "(-" + std::string(m_tokens[++m_at].source) + ')';
-            return;
+            const std::size_t sign = m_at++;
+            return addNumber('-' + std::string(m_tokens[m_at].source), sign);
         }
         m_text += token.source;
     }

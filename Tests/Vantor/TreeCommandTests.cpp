@@ -34,6 +34,11 @@ Outcome menu(std::initializer_list<const char *> arguments)
     return run(SampleServerFixture::shared(), "menu", arguments);
 }
 
+Outcome script(std::initializer_list<const char *> arguments)
+{
+    return run(SampleServerFixture::shared(), "script", arguments);
+}
+
 /// Runs statements on the shared server, of whose tables nobody else knows.
 void execute(const char *sql)
 {
@@ -184,4 +189,36 @@ TEST(MenuCommand, AnEntryWithoutAMenuSaysSo)
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, QByteArray("This entry has no menu.\n"));
     EXPECT_TRUE(menu({}).output.startsWith("Root\n  New query  newQuery:"));
+}
+
+TEST(ScriptCommand, ListsTheScriptsOfAnObject)
+{
+    const Outcome outcome = script({"shop/Tables/Orders"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
+    EXPECT_EQ(outcome.output, "CREATE to\nDROP to\nDROP and CREATE to\nMySQL\n");
+    const Outcome nothing = script({"shop/Tables/Orders/Keys"});
+    EXPECT_EQ(nothing.status, 0);
+    EXPECT_EQ(nothing.output, "");
+}
+
+TEST(ScriptCommand, PrintsTheScriptWithThisTitle)
+{
+    EXPECT_EQ(script({"shop/Tables/Orders", "drop TO"}).output, "DROP VIEW dbo.Orders\n");
+    const Outcome create = script({"shop/Tables/Order Details, \"quoted\"", "CREATE to"});
+    EXPECT_EQ(create.status, 0) << create.errors.toStdString();
+    EXPECT_TRUE(create.output.contains("CREATE TABLE [dbo].[Order Details, \"quoted\"] (\r\n"))
+        << create.output.toStdString();
+    const Outcome modify =
+        script({"shop/Programmability/Functions/Scalar-valued Functions/sales.OrderTotal", "Modify"});
+    EXPECT_TRUE(modify.output.contains("ALTER FUNCTION sales.OrderTotal")) << modify.output.toStdString();
+}
+
+TEST(ScriptCommand, ATitleThatIsNotThereEndsWithStatus2AndTheTitles)
+{
+    const Outcome outcome = script({"shop/Tables/Orders", "ALTER to"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_TRUE(outcome.errors.contains("There is no script \"ALTER to\". There are:\nCREATE to\n"))
+        << outcome.errors.toStdString();
+    EXPECT_EQ(script({"shop/Tables/Nothing", "CREATE to"}).status, 2);
+    EXPECT_EQ(script({"shop", "CREATE to", "more"}).status, 2);
 }

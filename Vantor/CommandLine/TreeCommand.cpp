@@ -1,6 +1,7 @@
 #include "CommandLine/TreeCommand.h"
 
 #include "CommandLine/InterruptWatcher.h"
+#include "CommandLine/MenuScripts.h"
 #include "CommandLine/MenuWriter.h"
 #include "CommandLine/ServerConnection.h"
 #include "CommandLine/Terminal.h"
@@ -8,6 +9,7 @@
 #include "CommandLine/TreeWriter.h"
 #include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
 
 #include <QCommandLineParser>
 
@@ -41,6 +43,9 @@ void addArguments(QCommandLineParser &parser, const char *description)
 /// What a command does with a tree, whose root is loaded, and the names of its path.
 using Work = std::function<int(TreeLoader &loader, const QStringList &names)>;
 
+constexpr qsizetype OnlyAPath = 1; ///< how many arguments a command takes
+constexpr qsizetype PathAndTitle = 2;
+
 int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const QStringList &names,
            const Work &work)
 {
@@ -58,8 +63,8 @@ int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const
 }
 
 /// Parses the arguments and runs the work. `name` is the command's.
-int runOnTree(QCommandLineParser &parser, const char *name, const QStringList &arguments,
-              const VantorDBCPtr &settings, const Work &work)
+int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCount,
+              const QStringList &arguments, const VantorDBCPtr &settings, const Work &work)
 {
     const QString command = KNFormat("vantor-cli %@", name);
     const QString hint = KNFormat("\nSee %@ --help.", command);
@@ -75,7 +80,7 @@ int runOnTree(QCommandLineParser &parser, const char *name, const QStringList &a
         return fail(ExitUsage, error.localizedDescription() + hint);
     if (!options->namesServer())
         return fail(ExitUsage, text("Give either --server or --sample.") + hint);
-    if (parser.positionalArguments().size() > 1)
+    if (parser.positionalArguments().size() > argumentCount)
         return fail(ExitUsage, text("Give one path; quote it when it has spaces.") + hint);
     const auto names = TreePath::names(parser.positionalArguments().value(0), &error);
     if (!names)
@@ -88,6 +93,28 @@ int failToFind(const KNError &error)
 {
     const bool isUsage = error.domain() == text("com.quorvex.vantor.cli");
     return fail(isUsage ? ExitUsage : ExitSqlError, error.localizedDescription());
+}
+
+/// Writes the script with this title that the entry's menu offers, or the titles when there is none given.
+int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
+{
+    const KNMenu menu = entry.menu();
+    const QString titles = MenuScripts::titles(menu).join(QLatin1Char('\n'));
+    if (title.isNull()) {
+        fputs((titles + QLatin1String(titles.isEmpty() ? "" : "\n")).toLocal8Bit().constData(), stdout);
+        return ExitSuccess;
+    }
+    const KNQueryLoaderPtr script = MenuScripts::find(menu, title);
+    if (!script)
+        return fail(ExitUsage, titles.isEmpty()
+                                   ? text("This entry has no scripts.")
+                                   : KNFormat("There is no script \"%@\". There are:\n%@", title, titles));
+    const QString sql = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
+    if (sql.isNull())
+        return fail(ExitSqlError, KNFormat("The script could not be made. The log tells more: %@",
+                                           KNLogHelper::sharedInstance()->filePath()));
+    fputs((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    return ExitSuccess;
 }
 
 } // namespace
@@ -104,7 +131,7 @@ int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
          text("text")},
         {text("json"), text("Write JSON.")},
     });
-    return runOnTree(parser, "tree", arguments, emptySettings,
+    return runOnTree(parser, "tree", OnlyAPath, arguments, emptySettings,
                      [&](TreeLoader &loader, const QStringList &names) {
                          const bool isSearch = parser.isSet(text("search"));
                          TreeWriter::Options options{isSearch ? 2 : 1, parser.isSet(text("details")),
@@ -136,7 +163,7 @@ int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
 {
     QCommandLineParser parser;
     addArguments(parser, "Prints the menu of an entry of the tree, with the names of its actions.");
-    return runOnTree(parser, "menu", arguments, emptySettings,
+    return runOnTree(parser, "menu", OnlyAPath, arguments, emptySettings,
                      [](TreeLoader &loader, const QStringList &names) {
                          KNError error;
                          const TreeLoader::Entry entry = loader.find(loader.root(), names, &error);
@@ -147,5 +174,22 @@ int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                              return fail(ExitSuccess, text("This entry has no menu."));
                          writeMenu(menu);
                          return static_cast<int>(ExitSuccess);
+                     });
+}
+
+int runScriptCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings)
+{
+    QCommandLineParser parser;
+    addArguments(parser, "Prints a script that the menu of an entry of the tree offers.");
+    parser.addPositionalArgument(text("TITLE"),
+                                 text("The item of the menu, such as \"CREATE to\"; without it, "
+                                      "the titles are listed."),
+                                 text("[TITLE]"));
+    return runOnTree(parser, "script", PathAndTitle, arguments, emptySettings,
+                     [&](TreeLoader &loader, const QStringList &names) {
+                         KNError error;
+                         const TreeLoader::Entry entry = loader.find(loader.root(), names, &error);
+                         return entry ? writeScript(*entry, parser.positionalArguments().value(1))
+                                      : failToFind(error);
                      });
 }

@@ -8,3 +8,5 @@
 int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings);
 /// "vantor-cli menu": prints the menu of one entry of that tree. Returns the exit status.
 int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings);
+/// "vantor-cli script": prints a script that this menu offers. Returns the exit status.
+int runScriptCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings);

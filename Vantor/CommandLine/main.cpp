@@ -25,6 +25,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  catalog  list and run the queries that the program itself uses\n"
                         "  tree     print the objects of a server as a tree\n"
                         "  menu     print the menu of an object\n"
+                        "  script   print a script of an object: CREATE, ALTER, DROP, MySQL, ...\n"
                         "  split    print the batches of a script as JSON\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -37,7 +38,7 @@ struct Command
 
 constexpr Command Commands[] = {
     {"query", runQueryCommand}, {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
-    {"menu", runMenuCommand},   {"split", runSplitCommand},
+    {"menu", runMenuCommand},   {"script", runScriptCommand},   {"split", runSplitCommand},
 };
 
 /// The first connector beside the program that can be used. What is wrong with the others is told.
