@@ -127,12 +127,12 @@ class PythonTds(unittest.TestCase):
                 cursor.execute("USE shop")
                 order = pytds.output(param_type=int)
                 total = pytds.output(param_type=decimal.Decimal)
-                given = cursor.callproc("sales.PlaceOrder", {"@CustomerId": 1, "@ProductId": 2, "@Quantity": 2,
-                                                             "@OrderId": order, "@Total": total})
+                cursor.callproc("sales.PlaceOrder", {"@CustomerId": 1, "@ProductId": 2, "@Quantity": 2,
+                                                     "@OrderId": order, "@Total": total})
                 self.assertEqual(cursor.get_proc_return_status(), 0)
-                values = dict(given) if isinstance(given, dict) else given
-                self.assertGreater(values["@OrderId"], 1010)
-                self.assertEqual(values["@Total"], 23)
+                number, price = cursor.get_proc_outputs()
+                self.assertGreater(number, 1010)
+                self.assertEqual(price, 23)
 
     def test_reads_every_packet_size(self):
         for size in [512, 4096, 32767]:
