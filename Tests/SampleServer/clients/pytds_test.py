@@ -127,12 +127,11 @@ class PythonTds(unittest.TestCase):
                 cursor.execute("USE shop")
                 order = pytds.output(param_type=int)
                 total = pytds.output(param_type=decimal.Decimal)
-                cursor.callproc("sales.PlaceOrder", {"@CustomerId": 1, "@ProductId": 2, "@Quantity": 2,
-                                                     "@OrderId": order, "@Total": total})
+                given = cursor.callproc("sales.PlaceOrder", {"@CustomerId": 1, "@ProductId": 2, "@Quantity": 2,
+                                                             "@OrderId": order, "@Total": total})
                 self.assertEqual(cursor.get_proc_return_status(), 0)
-                number, price = cursor.get_proc_outputs()
-                self.assertGreater(number, 1010)
-                self.assertEqual(price, 23)
+                self.assertGreater(given[3], 1010)
+                self.assertEqual(given[4], 23)
 
     def test_reads_every_packet_size(self):
         for size in [512, 4096, 32767]:
