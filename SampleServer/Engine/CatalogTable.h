@@ -28,6 +28,12 @@ public:
     virtual std::shared_ptr<const RowProvider> rows(const CatalogContext &context) const = 0;
 };
 
+// The tables that stand in a file of their own.
+const CatalogTable &indexesTable();
+const CatalogTable &indexColumnsTable();
+const CatalogTable &foreignKeysTable();
+const CatalogTable &foreignKeyColumnsTable();
+
 /// The table of a name ("objects$"); null when there is none.
 const CatalogTable *findCatalogTable(std::string_view name);
 

@@ -56,7 +56,7 @@ const Builtin *findBuiltin(std::string_view name)
     static const auto index = [] {
         std::unordered_map<std::string_view, const Builtin *> byName;
         for (const auto &table : {stringFunctions(), mathFunctions(), dateFunctions(), systemFunctions(),
-                                  sessionFunctions(), metadataFunctions()})
+                                  sessionFunctions(), metadataFunctions(), nameFunctions()})
             for (const Builtin &function : table)
                 byName.emplace(function.name, &function);
         return byName;

@@ -30,6 +30,7 @@ std::span<const Builtin> dateFunctions();
 std::span<const Builtin> systemFunctions();
 std::span<const Builtin> sessionFunctions();
 std::span<const Builtin> metadataFunctions();
+std::span<const Builtin> nameFunctions();
 
 /// The function of an upper-case name; null when there is none.
 const Builtin *findBuiltin(std::string_view name);

@@ -164,23 +164,6 @@ Value objectDefinition(EvaluationContext &context, const Operation &, Arguments 
     return {};
 }
 
-Value schemaName(EvaluationContext &context, const Operation &, Arguments a)
-{
-    if (a.empty())
-        return std::string("dbo");
-    const auto schema =
-        isNull(a[0]) ? std::nullopt : context.findDatabase({})->findSchema(static_cast<int>(number(a[0])));
-    return schema ? Value(schema->name) : Value();
-}
-
-Value schemaId(EvaluationContext &context, const Operation &, Arguments a)
-{
-    if (a.empty())
-        return std::int64_t{1};
-    const auto schema = isNull(a[0]) ? std::nullopt : context.findDatabase({})->findSchema(text(a[0]));
-    return schema ? Value(std::int64_t{schema->id}) : Value();
-}
-
 /// The columns of a table, view or function.
 const std::vector<TableColumn> *columnsOf(const Known &found)
 {
@@ -403,71 +386,6 @@ Value indexKeyProperty(EvaluationContext &context, const Operation &, Arguments 
     return {};
 }
 
-Value typeName(EvaluationContext &context, const Operation &, Arguments a)
-{
-    for (const SystemType &type : systemTypes())
-        if (type.userId == number(a[0]))
-            return std::string(type.name);
-    for (const UserTypePtr &type : context.findDatabase({})->types())
-        if (type->id == number(a[0]))
-            return type->name;
-    return number(a[0]) == 243 ? Value(std::string("table type")) : Value();
-}
-
-Value typeId(EvaluationContext &context, const Operation &, Arguments a)
-{
-    const Ast::ObjectName name = nameFromText(text(a[0]));
-    if (name.parts.empty())
-        return {};
-    const UserTypePtr user = context.findDatabase({})->findType(
-        name.qualifier(1).empty() ? "dbo" : name.qualifier(1), name.object());
-    if (user)
-        return std::int64_t{user->id};
-    for (const SystemType &type : systemTypes())
-        if (equalsIgnoringAsciiCase(type.name, name.object()))
-            return std::int64_t{type.userId};
-    return {};
-}
-
-Value databaseProperty(EvaluationContext &context, const Operation &, Arguments a)
-{
-    if (!context.findDatabase(text(a[0])))
-        return {};
-    const std::string property = asciiUpper(text(a[1]));
-    const auto word = [](const char *value) { return variant(SysName, std::string(value)); };
-    const auto integer = [](std::int64_t value) { return variant(IntType, value); };
-    if (property == "COLLATION")
-        return word("SQL_Latin1_General_CP1_CI_AS");
-    if (property == "STATUS")
-        return word("ONLINE");
-    if (property == "RECOVERY")
-        return word("SIMPLE");
-    if (property == "UPDATEABILITY")
-        return word("READ_WRITE");
-    if (property == "USERACCESS")
-        return word("MULTI_USER");
-    if (property == "EDITION" || property == "SERVICEOBJECTIVE")
-        return context.edition == Edition::Azure
-                   ? word(property == "EDITION" ? "GeneralPurpose" : "GP_S_Gen5_1")
-                   : Value();
-    if (property == "VERSION")
-        return integer(context.edition == Edition::Sql2000   ? 539
-                       : context.edition == Edition::Sql2008 ? 655
-                                                             : 957);
-    if (property == "SQLSORTORDER")
-        return integer(52);
-    if (property == "LCID")
-        return integer(1033);
-    if (property.starts_with("IS"))
-        return integer(property == "ISAUTOCREATESTATISTICS" || property == "ISAUTOUPDATESTATISTICS");
-    return {};
-}
-
-Value hasDatabaseAccess(EvaluationContext &context, const Operation &, Arguments a)
-{
-    return context.findDatabase(text(a[0])) ? truth(true) : Value();
-}
-
 template <int Which>
 Value identityValue(EvaluationContext &context, const Operation &, Arguments a)
 {
@@ -479,16 +397,6 @@ Value identityValue(EvaluationContext &context, const Operation &, Arguments a)
     return decimalFromInteger(Which == 0   ? counter.seed()
                               : Which == 1 ? counter.increment()
                                            : counter.last().value_or(counter.seed()));
-}
-
-Value parseName(EvaluationContext &, const Operation &, Arguments a)
-{
-    const Ast::ObjectName name = nameFromText(text(a[0]));
-    const std::int64_t part = number(a[1]);
-    if (name.parts.empty() || part < 1 || part > static_cast<std::int64_t>(name.parts.size()))
-        return {};
-    const std::string &found = name.parts[name.parts.size() - static_cast<std::size_t>(part)];
-    return found.empty() ? Value() : Value(found);
 }
 
 Value yes(EvaluationContext &, const Operation &, Arguments)
@@ -504,11 +412,8 @@ constexpr Builtin table[] = {
     {"COLUMNPROPERTY", 3, 3, "itt", intResult, columnProperty, true, false},
     {"COL_LENGTH", 2, 2, "tt", smallIntResult, columnLength, true, false},
     {"COL_NAME", 2, 2, "ii", nameResult, columnName, true, false},
-    {"DATABASEPROPERTY", 2, 2, "tt", variantResult, databaseProperty},
-    {"DATABASEPROPERTYEX", 2, 2, "tt", variantResult, databaseProperty},
     {"DATABASE_PRINCIPAL_ID", 0, 1, "t", intResult, yes, false},
     {"FILEPROPERTY", 2, 2, "tt", intResult, nothing},
-    {"HAS_DBACCESS", 1, 1, "t", intResult, hasDatabaseAccess, true, false},
     {"HAS_PERMS_BY_NAME", 3, 5, "t", intResult, yes, false},
     {"IDENT_CURRENT", 1, 1, "t", identityResult, identityValue<2>, true, false},
     {"IDENT_INCR", 1, 1, "t", identityResult, identityValue<1>, true, false},
@@ -523,11 +428,6 @@ constexpr Builtin table[] = {
     {"OBJECT_ID", 1, 2, "t", intResult, objectId},
     {"OBJECT_NAME", 1, 2, "i", nameResult, objectName, false, false},
     {"OBJECT_SCHEMA_NAME", 1, 2, "i", nameResult, objectSchemaName, false, false},
-    {"PARSENAME", 2, 2, "ti", nameResult, parseName},
-    {"SCHEMA_ID", 0, 1, "t", intResult, schemaId, false},
-    {"SCHEMA_NAME", 0, 1, "i", nameResult, schemaName, false, false},
-    {"TYPE_ID", 1, 1, "t", intResult, typeId},
-    {"TYPE_NAME", 1, 1, "i", nameResult, typeName, true, false},
 };
 
 } // namespace

@@ -142,4 +142,21 @@ StatementPtr Parser::parseDelete()
     return statement(std::move(node));
 }
 
+std::vector<std::vector<ExpressionPtr>> Parser::parseRows(bool allowDefault)
+{
+    std::vector<std::vector<ExpressionPtr>> rows;
+    do {
+        expectSymbol("(");
+        std::vector<ExpressionPtr> row;
+        do
+            row.push_back(allowDefault && acceptKeyword("DEFAULT") ? nullptr : parseExpression());
+        while (acceptSymbol(","));
+        expectSymbol(")");
+        rows.push_back(std::move(row));
+        if (isSymbol(","))
+            require(Edition::Sql2008);
+    } while (acceptSymbol(","));
+    return rows;
+}
+
 } // namespace SampleServer

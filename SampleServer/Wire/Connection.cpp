@@ -130,9 +130,10 @@ void Connection::runProcedureCall(std::span<const std::uint8_t> payload)
     sink.finish();
 }
 
-void Connection::callProcedure(const ProcedureCall &call, ResultSink &sink)
+void Connection::callProcedure(const ProcedureCall &call, TdsSink &sink)
 {
     std::vector<ProcedureArgument> arguments;
+    std::vector<std::uint16_t> outputs;
     for (const CallParameter &parameter : call.parameters) {
         ProcedureArgument argument;
         argument.name = parameter.name;
@@ -140,8 +141,11 @@ void Connection::callProcedure(const ProcedureCall &call, ResultSink &sink)
         argument.value = parameter.value;
         argument.output = parameter.isOutput;
         argument.isDefault = parameter.isDefault;
+        if (argument.output)
+            outputs.push_back(static_cast<std::uint16_t>(arguments.size()));
         arguments.push_back(std::move(argument));
     }
+    sink.setOutputPlaces(std::move(outputs));
     m_session->callProcedure(call.procedure, arguments, sink);
 }
 

@@ -24,7 +24,7 @@ private:
     void answer(const RequestMessage &request);
     void runBatch(std::string_view sql);
     void runProcedureCall(std::span<const std::uint8_t> payload);
-    void callProcedure(const ProcedureCall &call, ResultSink &sink);
+    void callProcedure(const ProcedureCall &call, TdsSink &sink);
     std::vector<CallParameter> executeSql(std::string_view sql, std::vector<CallParameter> arguments,
                                           ResultSink &sink);
     void runTransactionRequest(std::span<const std::uint8_t> payload);

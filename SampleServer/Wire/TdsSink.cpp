@@ -94,7 +94,10 @@ void TdsSink::returnStatus(std::int32_t status)
 void TdsSink::returnValue(const std::string &name, const SqlType &type, const Value &value)
 {
     beginToken();
-    m_results.returnValue(m_returnValues++, name, type, value);
+    const std::uint16_t ordinal =
+        m_returnValues < m_outputPlaces.size() ? m_outputPlaces[m_returnValues] : m_returnValues;
+    ++m_returnValues;
+    m_results.returnValue(ordinal, name, type, value);
 }
 
 void TdsSink::endProcedure(const StatementEnd &end)

@@ -6,6 +6,7 @@
 #include "Wire/TokenWriter.h"
 
 #include <string>
+#include <vector>
 
 namespace SampleServer {
 
@@ -36,6 +37,8 @@ public:
     bool attentionRequested() override;
     bool waitForAttention(std::int64_t milliseconds) override;
 
+    /// Where the parameters that return values stand in a call, from 0; without it they are counted.
+    void setOutputPlaces(std::vector<std::uint16_t> places) { m_outputPlaces = std::move(places); }
     /// Whether an error was reported.
     bool failed() const { return m_failed; }
     /// Ends the response with the last statement's DONE. A response that an attention cut off ends with an
@@ -62,6 +65,7 @@ private:
     Request m_request;
     std::string m_serverName;
     std::optional<PendingDone> m_pending; ///< held back until it is known whether more follows
+    std::vector<std::uint16_t> m_outputPlaces;
     std::uint16_t m_returnValues = 0;
     std::int64_t m_lastTick;
     bool m_attention = false;

@@ -201,7 +201,7 @@ TEST(Connection, CallsAProcedureAndReturnsItsStatusAndItsOutput)
     const Bytes answer = client.readMessage();
     EXPECT_TRUE(WireClient::contains(answer, {0x79, 2, 0, 0, 0})) << "the status";
     EXPECT_TRUE(WireClient::contains(
-        answer, {0xAC, 0, 0, 2, '@', 0, 'b', 0, 1, 0, 0, 0, 0, 1, 0, 0x26, 4, 4, 42, 0, 0, 0, 0xFE}));
+        answer, {0xAC, 1, 0, 2, '@', 0, 'b', 0, 1, 0, 0, 0, 0, 1, 0, 0x26, 4, 4, 42, 0, 0, 0, 0xFE}));
 }
 
 TEST(Connection, RefusesUnknownProceduresByName)
