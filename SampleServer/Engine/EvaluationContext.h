@@ -41,9 +41,10 @@ struct EvaluationContext
     std::int32_t nestingLevel = 0;    ///< @@NESTLEVEL
     std::int64_t procedureId = 0;     ///< @@PROCID
     std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
-    std::optional<Decimal> lastIdentity;
-    DateTimeValue statementTime;    ///< local, the same for all rows of a statement
-    DateTimeValue statementTimeUtc; ///< UTC
+    std::optional<Decimal> lastIdentity;      ///< @@IDENTITY
+    std::optional<Decimal> scopeIdentity;     ///< SCOPE_IDENTITY(): of this module or batch
+    DateTimeValue statementTime;              ///< local, the same for all rows of a statement
+    DateTimeValue statementTimeUtc;           ///< UTC
 
     /// The id of an object by its name as OBJECT_ID takes it, and of a database (empty: the current one).
     std::function<std::optional<std::int64_t>(const std::string &)> objectId;

@@ -87,13 +87,13 @@ std::string Parser::expectName()
     return m_tokens[m_at++].value;
 }
 
-std::string Parser::expectVariable()
+std::string Parser::expectVariable(int errorState)
 {
     if (current().kind != TokenKind::Variable)
         failHere();
     const Token &token = m_tokens[m_at++];
     if (!m_declared.contains(foldedName(token.value)))
-        fail(Errors::mustDeclareVariable(token.value), token.line);
+        fail(Errors::mustDeclareVariable(token.value, errorState), token.line);
     return token.value;
 }
 
@@ -110,6 +110,7 @@ void Parser::failHere() const
 void Parser::fail(EngineError error, int line) const
 {
     error.message.line = line;
+    error.message.procedure = m_module;
     error.hasLine = true;
     throw error;
 }
