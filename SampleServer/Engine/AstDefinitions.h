@@ -127,6 +127,7 @@ struct ModuleDefinition
     ObjectName name;
     bool encrypted = false;
     bool schemaBound = false;
+    bool nullOnNull = false; ///< RETURNS NULL ON NULL INPUT
     std::vector<ParameterDefinition> parameters;
     std::vector<std::string> columns;     ///< of a view
     SelectPtr query;                      ///< of a view or inline function

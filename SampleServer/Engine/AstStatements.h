@@ -131,7 +131,7 @@ struct RaiseError
 {
     ExpressionPtr message, severity, state;
     std::vector<ExpressionPtr> arguments;
-    bool noWait = false;
+    bool noWait = false, log = false, setsError = false;
 };
 
 struct WaitForDelay

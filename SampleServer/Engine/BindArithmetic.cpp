@@ -83,7 +83,8 @@ ExpressionPtr Binder::arithmetic(ArithmeticOperator op, ExpressionPtr left, Expr
     const SqlType &high = precedence(l) >= precedence(r) ? left->type : right->type;
     if (isFloat(high.id)) {
         if (op == ArithmeticOperator::Modulo)
-            throw Errors::invalidOperand(baseTypeName(high.id), operatorName(op));
+            throw l == r ? Errors::invalidOperand(baseTypeName(high.id), operatorName(op))
+                         : incompatible(left->type, right->type, operatorName(op));
         operation.function = Functions::floatArithmetic;
         operation.result = high;
     } else if (high.id == TypeId::Decimal) {
@@ -163,6 +164,8 @@ ExpressionPtr Binder::bindNode(const Ast::Unary &node)
     if (isPlainText(operand->type.id) || !isNumeric(operand->type.id))
         throw Errors::invalidOperand(messageTypeName(operand->type.id), "minus");
     operation.function = Functions::negate;
+    if (operand->type.id == TypeId::TinyInt) // which has no negative values
+        operation.result = {TypeId::SmallInt, 0, 0, 0};
     const auto *before = std::get_if<Constant>(&operand->node);
     auto result = call(std::move(operation), {operand});
     const Value *value = constantValue(*result);
@@ -175,9 +178,9 @@ ExpressionPtr Binder::bindNode(const Ast::Bitwise &node)
 {
     static constexpr const char *names[] = {"'&'", "'|'", "'^'"};
     std::vector<ExpressionPtr> sides{bind(*node.left), bind(*node.right)};
-    const SqlType type = unify(sides);
+    const SqlType left = sides[0]->type, right = sides[1]->type, type = unify(sides);
     if (!isInteger(type.id))
-        throw incompatible(sides[0]->type, sides[1]->type, names[static_cast<int>(node.op)]);
+        throw incompatible(left, right, names[static_cast<int>(node.op)]);
     Operation operation;
     operation.function = Functions::bitArithmetic;
     operation.selector = static_cast<int>(node.op);

@@ -421,31 +421,15 @@ ExpressionPtr Binder::bindNode(const Ast::ScalarQuery &node)
 ExpressionPtr Binder::bindNode(const Ast::Case &node)
 {
     const ExpressionPtr input = node.input ? bind(*node.input) : nullptr;
-    std::vector<ExpressionPtr> conditions, results;
+    std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches;
     for (const auto &branch : node.branches) {
         auto when = bind(*branch.when);
-        conditions.push_back(input ? compare(Ast::ComparisonOperator::Equal, input, std::move(when))
-                                   : std::move(when));
-        results.push_back(bind(*branch.then));
+        if (input)
+            when = compare(Ast::ComparisonOperator::Equal, input, std::move(when));
+        branches.emplace_back(std::move(when), bind(*branch.then));
     }
-    results.push_back(node.otherwise ? bind(*node.otherwise) : constant(IntType, Value(), true));
-    const SqlType type = unify(results);
-    Bound::Case result;
-    bool nullable = results.back()->nullable;
-    for (std::size_t i = 0; i < conditions.size(); ++i) {
-        if (const Value *value = constantValue(*conditions[i])) {
-            if (isNull(*value) || std::get<std::int64_t>(*value) == 0)
-                continue; // never taken
-            results.back() = results[i];
-            break;
-        }
-        nullable = nullable || results[i]->nullable;
-        result.branches.emplace_back(conditions[i], results[i]);
-    }
-    if (result.branches.empty())
-        return results.back();
-    result.otherwise = results.back();
-    return std::make_shared<const Expression>(Expression{type, nullable, std::move(result)});
+    return choice(std::move(branches),
+                  node.otherwise ? bind(*node.otherwise) : constant(IntType, Value(), true));
 }
 
 ExpressionPtr Binder::bindNode(const Ast::Cast &node)

@@ -29,10 +29,11 @@ bool isAggregateName(const Ast::ObjectName &name)
     return std::find(std::begin(names), std::end(names), upper) != std::end(names);
 }
 
-/// Looks for aggregates in the parts of an expression.
-struct AggregateFinder
+/// Looks for aggregates, or for subqueries, in the parts of an expression.
+template <bool subqueries>
+struct PartFinder
 {
-    bool operator()(const Ast::ExpressionPtr &part) const { return part && containsAggregate(*part); }
+    bool operator()(const Ast::ExpressionPtr &part) const { return part && std::visit(*this, part->node); }
     template <typename... Parts>
     bool any(const Parts &...parts) const
     {
@@ -47,19 +48,21 @@ struct AggregateFinder
     bool operator()(const Ast::Arithmetic &n) const { return any(n.left, n.right); }
     bool operator()(const Ast::Bitwise &n) const { return any(n.left, n.right); }
     bool operator()(const Ast::Comparison &n) const { return any(n.left, n.right); }
-    bool operator()(const Ast::QuantifiedComparison &n) const { return any(n.left); }
+    bool operator()(const Ast::QuantifiedComparison &n) const { return subqueries || any(n.left); }
     bool operator()(const Ast::Logical &n) const { return any(n.left, n.right); }
     bool operator()(const Ast::Not &n) const { return any(n.operand); }
     bool operator()(const Ast::IsNull &n) const { return any(n.operand); }
     bool operator()(const Ast::Between &n) const { return any(n.operand, n.low, n.high); }
     bool operator()(const Ast::InList &n) const { return any(n.operand) || all(n.list); }
-    bool operator()(const Ast::InQuery &n) const { return any(n.operand); }
+    bool operator()(const Ast::InQuery &n) const { return subqueries || any(n.operand); }
+    bool operator()(const Ast::ScalarQuery &) const { return subqueries; }
+    bool operator()(const Ast::Exists &) const { return subqueries; }
     bool operator()(const Ast::Like &n) const { return any(n.operand, n.pattern); }
     bool operator()(const Ast::Cast &n) const { return any(n.operand, n.style); }
     bool operator()(const Ast::FunctionCall &n) const
     {
         if (!n.over)
-            return isAggregateName(n.name) || all(n.arguments);
+            return (!subqueries && isAggregateName(n.name)) || all(n.arguments);
         return all(n.arguments) || all(n.over->partition) ||
                std::any_of(n.over->order.begin(), n.over->order.end(),
                            [this](const auto &item) { return any(item.expression); });
@@ -98,7 +101,12 @@ std::string Functions::sumFunction(const SqlType &result)
 
 bool containsAggregate(const Ast::Expression &expression)
 {
-    return std::visit(AggregateFinder(), expression.node);
+    return std::visit(PartFinder<false>(), expression.node);
+}
+
+bool containsSubquery(const Ast::Expression &expression)
+{
+    return std::visit(PartFinder<true>(), expression.node);
 }
 
 ExpressionPtr Binder::addAggregate(Grouping &grouping, Aggregate aggregate, const SqlType &type)
@@ -143,12 +151,20 @@ ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string
         return stringAggregate(node, *grouping);
     if (node.arguments.size() != 1)
         throw Errors::argumentCount(toLower(name), 1);
+    if (containsAggregate(*node.arguments[0]) || containsSubquery(*node.arguments[0]))
+        throw EngineError(
+            130, 16, 1,
+            "Cannot perform an aggregate function on an expression containing an aggregate or a "
+            "subquery.",
+            ErrorEffect::EndsBatch);
     ExpressionPtr argument = [&] {
         // The argument sees the rows, not the groups.
         const ScopedValue<Grouping *> ungrouped(m_scope->grouping, nullptr);
         return bind(*node.arguments[0]);
     }();
     if (isCount) {
+        if (isLegacyLob(argument->type.id))
+            throw Errors::invalidOperand(messageTypeName(argument->type.id), "count");
         Expression count = *addAggregate(*grouping, {"count", std::move(argument), node.distinct}, countType);
         count.nullable = false;
         return std::make_shared<const Expression>(std::move(count));
@@ -198,9 +214,15 @@ ExpressionPtr Binder::choice(std::vector<std::pair<ExpressionPtr, ExpressionPtr>
     for (const auto &branch : branches)
         results.push_back(branch.second);
     results.push_back(std::move(otherwise));
+    if (std::all_of(results.begin(), results.end(), [](const auto &r) { return isNullLiteral(*r); }))
+        throw EngineError(8133, 16, 1,
+                          "At least one of the result expressions in a CASE specification must be an "
+                          "expression other than the NULL constant.",
+                          ErrorEffect::EndsBatch);
+    const bool nullable =
+        std::any_of(results.begin(), results.end(), [](const auto &r) { return r->nullable; });
     const SqlType type = unify(results);
     Case node;
-    bool nullable = results.back()->nullable;
     for (std::size_t i = 0; i < branches.size(); ++i) {
         if (const Value *known = constantValue(*branches[i].first)) {
             if (isNull(*known) || std::get<std::int64_t>(*known) == 0)
@@ -208,11 +230,13 @@ ExpressionPtr Binder::choice(std::vector<std::pair<ExpressionPtr, ExpressionPtr>
             results.back() = results[i];
             break;
         }
-        nullable = nullable || results[i]->nullable;
         node.branches.emplace_back(branches[i].first, results[i]);
     }
-    if (node.branches.empty())
-        return results.back();
+    if (node.branches.empty()) {
+        Expression result = *results.back();
+        result.nullable = nullable; // the type does not depend on which branch is taken
+        return std::make_shared<const Expression>(std::move(result));
+    }
     node.otherwise = results.back();
     return std::make_shared<const Expression>(Expression{type, nullable, std::move(node)});
 }
@@ -229,10 +253,13 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         auto value = argument(0), replacement = argument(1);
         if (isNullLiteral(*value))
             return replacement;
-        replacement = converted(replacement, value->type);
-        if (const Value *known = constantValue(*value))
-            return isNull(*known) ? replacement : value;
         const bool nullable = replacement->nullable && value->nullable;
+        replacement = converted(replacement, value->type);
+        if (const Value *known = constantValue(*value)) {
+            Expression result = isNull(*known) ? *replacement : *value;
+            result.nullable = nullable;
+            return std::make_shared<const Expression>(std::move(result));
+        }
         const SqlType type = value->type;
         return std::make_shared<const Expression>(
             Expression{type, nullable, Coalesce{{std::move(value), std::move(replacement)}}});
@@ -243,6 +270,11 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
             values.push_back(bind(*item));
         if (values.size() < 2)
             throw Errors::argumentCount("coalesce", 2);
+        if (std::all_of(values.begin(), values.end(), [](const auto &v) { return isNullLiteral(*v); }))
+            throw EngineError(4127, 16, 1,
+                              "At least one of the arguments to COALESCE must be an expression that is not "
+                              "the NULL constant.",
+                              ErrorEffect::EndsBatch);
         const SqlType type = unify(values);
         while (values.size() > 1 && constantValue(*values[0]) && isNull(*constantValue(*values[0])))
             values.erase(values.begin());
@@ -287,6 +319,9 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         return choice({{argument(0), argument(1)}}, argument(2));
     }
     if (name == "CHOOSE") {
+        if (node.arguments.size() < 2)
+            throw EngineError(189, 15, 1, "The choose function requires 2 to 255 arguments.",
+                              ErrorEffect::EndsBatch);
         const auto index = bindValueAs(*node.arguments.at(0), IntType);
         std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches;
         for (std::size_t i = 1; i < node.arguments.size(); ++i) {

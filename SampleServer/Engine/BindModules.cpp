@@ -53,9 +53,9 @@ std::vector<ColumnInfo> Binder::describeModule(const Module &module)
     const QueryPtr query = moduleQuery(module, nullptr, arguments);
     const auto &names = module.definition->columns;
     if (!names.empty() && names.size() != query->columns.size())
-        throw EngineError(names.size() < query->columns.size() ? 4502 : 4501, 16, 1,
+        throw EngineError(names.size() > query->columns.size() ? 4502 : 4501, 16, 1,
                           "View or function '" + module.name + "' has " +
-                              (names.size() < query->columns.size()
+                              (names.size() > query->columns.size()
                                    ? "more column names specified than columns defined."
                                    : "more columns defined than column names given."),
                           ErrorEffect::EndsBatch);
@@ -71,7 +71,19 @@ std::vector<ColumnInfo> Binder::describeModule(const Module &module)
 SourcePtr Binder::bindView(const Ast::TableSource &source, const Ast::ObjectName &name,
                            const NamedSource &view, Scope &scope)
 {
-    const QueryPtr query = moduleQuery(*view.module, view.database, {});
+    const QueryPtr query = [&] {
+        try {
+            return moduleQuery(*view.module, view.database, {});
+        } catch (EngineError &error) {
+            const std::int32_t number = error.message.number;
+            if ((number != 207 && number != 208) || !error.message.procedure.empty())
+                throw;
+            error.message.procedure = view.module->name;
+            throw error.followedBy(4413, 1,
+                                   "Could not use view or function '" + name.toString() +
+                                       "' because of binding errors.");
+        }
+    }();
     ScopeSource entry;
     entry.name = source.alias.empty() ? name.object() : source.alias;
     if (source.alias.empty()) {

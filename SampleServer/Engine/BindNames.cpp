@@ -33,11 +33,14 @@ EngineError notGrouped(const ScopeColumn &column, const Scope &scope)
         for (const ScopeColumn &candidate : source.columns)
             if (&candidate == &column)
                 name = source.name + '.' + name;
-    return {8120, 16, 1,
-            "Column '" + name +
-                "' is invalid in the select list because it is not contained in either an aggregate function "
-                "or the "
-                "GROUP BY clause.",
+    const bool inOrder = scope.notGrouped == 8127;
+    const char *clause = inOrder                    ? "ORDER BY clause"
+                         : scope.notGrouped == 8121 ? "HAVING clause"
+                                                    : "select list";
+    const char quote = inOrder ? '"' : '\'';
+    return {scope.notGrouped, 16, 1,
+            "Column " + (quote + name + quote) + " is invalid in the " + clause +
+                " because it is not contained in either an aggregate function or the GROUP BY clause.",
             ErrorEffect::EndsBatch};
 }
 

@@ -60,9 +60,19 @@ const ScopeColumn *sourceColumn(const Ast::Expression &expression, const Scope &
     return nullptr;
 }
 
+bool isSortable(const SqlType &type)
+{
+    return !isLegacyLob(type.id) && type.id != TypeId::Xml;
+}
+
 void requireSortable(const SqlType &type)
 {
-    if (isLegacyLob(type.id) || type.id == TypeId::Xml)
+    if (type.id == TypeId::Xml)
+        throw EngineError(305, 16, 1,
+                          "The xml data type cannot be compared or sorted, except when using the IS NULL "
+                          "operator.",
+                          ErrorEffect::EndsBatch);
+    if (!isSortable(type))
         throw EngineError(
             306, 16, 2,
             "The text, ntext, and image data types cannot be compared or sorted, except when using IS "
@@ -148,10 +158,13 @@ QueryPtr Binder::bindSpecification(const Ast::QuerySpecification &specification,
     bindItems(specification, scope, *query);
     if (specification.having) {
         const ScopedValue<bool> noWindows(scope.allowsWindows, false);
+        const ScopedValue<std::int32_t> clause(scope.notGrouped, 8121);
         query->having = bind(*specification.having);
     }
-    if (whole)
+    if (whole) {
+        const ScopedValue<std::int32_t> clause(scope.notGrouped, 8127);
         bindOrder(*whole, *query, false);
+    }
     scope.grouping = nullptr;
     scope.allowsWindows = false;
     bindLimit(specification, whole, *query);
@@ -164,7 +177,7 @@ QueryPtr Binder::bindSpecification(const Ast::QuerySpecification &specification,
 void Binder::bindGrouping(const Ast::QuerySpecification &specification, Scope &scope, Grouping &grouping)
 {
     for (const auto &key : specification.groupBy) {
-        if (containsAggregate(*key))
+        if (containsAggregate(*key) || containsSubquery(*key))
             throw EngineError(
                 144, 15, 1,
                 "Cannot use an aggregate or a subquery in an expression used for the group by list of a "
@@ -202,8 +215,11 @@ void Binder::bindItems(const Ast::QuerySpecification &specification, Scope &scop
             column.info.name = item.alias;
         else if (const auto *reference = std::get_if<Ast::ColumnReference>(&item.expression->node))
             column.info.name = reference->name.object();
-        if (query.distinct)
-            requireSortable(column.info.type);
+        if (query.distinct && !isSortable(column.info.type))
+            throw EngineError(421, 16, 1,
+                              std::string("The ") + baseTypeName(column.info.type.id) +
+                                  " data type cannot be selected as DISTINCT because it is not comparable.",
+                              ErrorEffect::EndsBatch);
         query.columns.push_back(std::move(column));
     }
 }
@@ -314,6 +330,11 @@ void Binder::bindLimit(const Ast::QuerySpecification &specification, const Ast::
     if (const auto &top = specification.top) {
         query.withTies = top->withTies;
         query.percent = top->percent;
+        const auto byWindow = [](const OrderItem &item) {
+            return item.expression && std::holds_alternative<WindowCall>(item.expression->node);
+        };
+        if (top->withTies && std::any_of(query.orderBy.begin(), query.orderBy.end(), byWindow))
+            throw Errors::notSupported("TOP WITH TIES in the order of a windowed function");
         if ((top->withTies || top->percent) && specification.distinct)
             throw Errors::notSupported("DISTINCT with TOP ... PERCENT or WITH TIES");
         if (top->withTies && query.orderBy.empty())
@@ -348,8 +369,12 @@ QueryPtr Binder::bindCombination(const Ast::Query &query, const Ast::Select *who
             types.push_back(l.info.type);
         else
             types.push_back(commonType(l.info.type, r.info.type));
-        if (*query.op != Ast::SetOperator::UnionAll)
-            requireSortable(types.back());
+        if (*query.op != Ast::SetOperator::UnionAll && !isSortable(types.back()))
+            throw EngineError(5335, 16, 1,
+                              std::string("The data type ") + baseTypeName(types.back().id) +
+                                  " cannot be used as an operand to the UNION, INTERSECT or EXCEPT operators "
+                                  "because it is not comparable.",
+                              ErrorEffect::EndsBatch);
     }
     auto result = std::make_shared<Query>();
     result->op = query.op;

@@ -6,6 +6,9 @@
 #include "Types/Collation.h"
 #include "Types/Text.h"
 
+#include <algorithm>
+#include <set>
+
 namespace SampleServer {
 
 using namespace Bound;
@@ -165,6 +168,14 @@ SourcePtr Binder::addQuery(ScopeSource entry, const QueryPtr &query, const std::
         entry.columns.push_back(std::move(column));
     }
     rename(entry, names);
+    std::set<std::string> known;
+    for (const ScopeColumn &column : entry.columns)
+        if (const std::string &name = column.info.name;
+            !name.empty() && !known.insert(foldedName(name)).second)
+            throw EngineError(8156, 16, 1,
+                              "The column '" + name + "' was specified multiple times for '" + entry.name +
+                                  "'.",
+                              ErrorEffect::EndsBatch);
     for (std::size_t i = 0; i < entry.columns.size(); ++i)
         if (entry.columns[i].info.name.empty())
             throw EngineError(8155, 16, 2,
@@ -218,9 +229,11 @@ SourcePtr Binder::bindValues(const Ast::TableSource &source, const Ast::ValuesTa
     const std::string alias = newAlias();
     for (std::size_t i = 0; i < width; ++i) {
         OutputColumn column;
+        column.info.nullable = std::any_of(columns[i].begin(), columns[i].end(),
+                                           [](const ExpressionPtr &value) { return value->nullable; });
         column.info.type = unify(columns[i]);
-        column.expression = std::make_shared<const Expression>(
-            Expression{column.info.type, true, Column{alias, "column" + std::to_string(i + 1)}});
+        column.expression = std::make_shared<const Expression>(Expression{
+            column.info.type, column.info.nullable, Column{alias, "column" + std::to_string(i + 1)}});
         query->columns.push_back(std::move(column));
         for (std::size_t row = 0; row < table.rows.size(); ++row)
             values.rows[row].push_back(columns[i][row]);

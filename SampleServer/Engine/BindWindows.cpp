@@ -1,6 +1,7 @@
 #include "Engine/Binder.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -47,6 +48,16 @@ WindowCall Binder::bindWindow(const Ast::Window &window, const std::string &name
         throw EngineError(4108, 15, 1,
                           "Windowed functions can only appear in the SELECT or ORDER BY clauses.",
                           ErrorEffect::EndsBatch);
+    if (m_scope->inWindow)
+        throw EngineError(4109, 15, 1,
+                          "Windowed functions cannot be used in the context of another windowed function or "
+                          "aggregate.",
+                          ErrorEffect::EndsBatch);
+    const bool isRange = window.frame.starts_with("RANGE");
+    if (isRange && window.frame.find_first_of("0123456789") != std::string::npos)
+        throw EngineError(4194, 16, 1,
+                          "RANGE is only supported with UNBOUNDED and CURRENT ROW window frame delimiters.",
+                          ErrorEffect::EndsBatch);
     WindowCall call;
     for (const auto &key : window.partition)
         call.partition.push_back(bind(*key));
@@ -71,6 +82,7 @@ WindowCall Binder::bindWindow(const Ast::Window &window, const std::string &name
 ExpressionPtr Binder::window(const Ast::FunctionCall &node, const std::string &name)
 {
     WindowCall over = bindWindow(*node.over, name);
+    const ScopedValue<bool> inside(m_scope->inWindow, true);
     for (const RankingFunction &function : ranking) {
         if (function.name != name)
             continue;
@@ -80,7 +92,13 @@ ExpressionPtr Binder::window(const Ast::FunctionCall &node, const std::string &n
             throw Errors::argumentCount(toLower(name), static_cast<int>(function.arguments));
         for (const auto &argument : node.arguments)
             over.arguments.push_back(bindValueAs(*argument, BigIntType));
-        return windowExpression(std::move(over), function.type, name == "NTILE");
+        if (const Value *count = over.arguments.empty() ? nullptr : constantValue(*over.arguments[0]))
+            if (isNull(*count) || std::get<std::int64_t>(*count) <= 0)
+                throw EngineError(
+                    4116, 16, 1,
+                    "The function 'ntile' takes only a positive int or bigint expression as its "
+                    "input.");
+        return windowExpression(std::move(over), function.type, true);
     }
     const bool offset = name == "LAG" || name == "LEAD", edge = name == "FIRST_VALUE" || name == "LAST_VALUE";
     if (!offset && !edge)
@@ -119,6 +137,11 @@ ExpressionPtr Binder::windowAggregate(const Ast::FunctionCall &node, const std::
         result.arguments = {argument};
         return windowExpression(std::move(result), argument->type, true);
     }
+    if (name != "SUM" && name != "AVG" && Functions::isBuiltin(name))
+        throw EngineError(4113, 16, 1,
+                          "The function '" + name +
+                              "' is not a valid windowing function, and cannot be used with the OVER clause.",
+                          ErrorEffect::EndsBatch);
     if (name != "SUM" && name != "AVG")
         throw Errors::notSupported("the function " + name + " with OVER");
     SqlType sum = sumType(argument->type, name);

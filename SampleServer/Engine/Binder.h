@@ -42,6 +42,9 @@ struct Scope
     Scope *outer = nullptr;
     Grouping *grouping = nullptr; ///< set while expressions after GROUP BY are bound
     bool allowsWindows = false;   ///< set while the select list and ORDER BY are bound
+    bool inWindow = false;        ///< set while a windowed function is bound
+    std::int32_t notGrouped =
+        8120; ///< the error for columns that are not grouped: of the clause that is bound
 };
 
 /// The common tables that names in a query can refer to, and those of the queries around it.
@@ -231,5 +234,7 @@ private:
 
 /// Whether the expression holds an aggregate function outside of its subqueries.
 bool containsAggregate(const Ast::Expression &expression);
+/// Whether a subquery stands anywhere in the expression.
+bool containsSubquery(const Ast::Expression &expression);
 
 } // namespace SampleServer

@@ -60,10 +60,26 @@ DateTimeValue toLocal(const DateTimeValue &value)
     return local;
 }
 
+/// Where days come before months, datetime reads 2024-04-03 as the fourth of March; the newer types do not,
+/// and neither is a T between date and time misunderstood. The text with the two in the order of ISO 8601.
+std::string withMonthFirst(const std::string &text)
+{
+    const std::size_t first = text.find_first_not_of(' '), one = text.find_first_of("-/.", first);
+    const std::size_t two = one == std::string::npos ? one : text.find_first_of("-/.", one + 1);
+    if (two == std::string::npos || one - first != 4 || text.find('T', two) != std::string::npos)
+        return text;
+    const std::size_t end = std::min(text.find(' ', two), text.size());
+    return text.substr(0, one + 1) + text.substr(two + 1, end - two - 1) + text[one] +
+           text.substr(one + 1, two - one - 1) + text.substr(end);
+}
+
 DateTimeValue dateTimeFromText(const std::string &text, const SqlType &from, const SqlType &to,
                                const ConversionOptions &options)
 {
-    const auto parsed = parseDateTime(text, orderOfStyle(options.style, options.dateOrder));
+    const DateOrder order = orderOfStyle(options.style, options.dateOrder);
+    const bool daysFirst = order == DateOrder::DayMonthYear || order == DateOrder::YearDayMonth;
+    const bool swaps = daysFirst && isLegacyDateTime(to.id);
+    const auto parsed = parseDateTime(swaps ? withMonthFirst(text) : text, order);
     if (!parsed)
         throw badText(to);
     if (parsed->outOfRange) {

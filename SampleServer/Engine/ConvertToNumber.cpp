@@ -120,7 +120,7 @@ Decimal fitted(const std::optional<Decimal> &value, const SqlType &from, const S
     const auto result = value ? value->rescaled(to.scale) : value;
     if (!result || digitCount(result->magnitude) > to.precision)
         throw Errors::overflow(isInteger(from.id) ? baseTypeName(from.id) : messageTypeName(from.id),
-                               messageTypeName(to.id), 8);
+                               messageTypeName(to.id), isFloat(from.id) ? 6 : 8);
     return *result;
 }
 

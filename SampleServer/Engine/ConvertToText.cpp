@@ -68,7 +68,7 @@ std::string binaryText(const Bytes &bytes, const SqlType &to, int style)
     return toUtf8(units);
 }
 
-EngineError noRoom(const SqlType &from, const SqlType &to)
+EngineError noRoom(const Value &value, const SqlType &from, const SqlType &to)
 {
     if (isMoney(from.id))
         return {234, 16, 2,
@@ -76,6 +76,13 @@ EngineError noRoom(const SqlType &from, const SqlType &to)
                     baseTypeName(to.id) + '.'};
     if (from.id == TypeId::UniqueIdentifier)
         return {8170, 16, 2, "Insufficient result space to convert uniqueidentifier value to char."};
+    if (isFloat(from.id)) {
+        char text[400];
+        std::snprintf(text, sizeof text, "%f", std::get<double>(value));
+        return {232, 16, 2,
+                std::string("Arithmetic overflow error for type ") + baseTypeName(to.id) +
+                    ", value = " + text + '.'};
+    }
     return Errors::overflow(isInteger(from.id) ? "expression" : messageTypeName(from.id), baseTypeName(to.id),
                             isInteger(from.id) ? 2 : 5);
 }
@@ -119,12 +126,12 @@ Value convertToText(const Value &value, const SqlType &from, const SqlType &to, 
     if (length > limit) {
         const bool mayBeCut =
             isText(from.id) || isBinary(from.id) || isDateTime(from.id) || from.id == TypeId::Xml;
-        if (isInteger(from.id) && isAnsiText(to.id))
+        if (isInteger(from.id) && from.id != TypeId::BigInt && isAnsiText(to.id))
             text = "*";
         else if (mayBeCut)
             text = utf16Substring(text, 0, limit);
         else
-            throw noRoom(from, to);
+            throw noRoom(value, from, to);
     }
     if (isFixedLength(to.id) && length < limit)
         text.append(limit - length, ' ');

@@ -12,4 +12,11 @@ EngineError::EngineError(std::int32_t number, int severity, int state, std::stri
     message.text = std::move(text);
 }
 
+EngineError EngineError::followedBy(std::int32_t number, int state, std::string text) const
+{
+    EngineError error = *this;
+    error.more.push_back(EngineError(number, 16, state, std::move(text)).message);
+    return error;
+}
+
 } // namespace SampleServer

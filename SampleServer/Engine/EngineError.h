@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <vector>
 
 namespace SampleServer {
 
@@ -22,9 +23,14 @@ public:
     EngineError(std::int32_t number, int severity, int state, std::string text,
                 ErrorEffect effect = ErrorEffect::EndsStatement);
 
+    /// The error with another one told after it.
+    EngineError followedBy(std::int32_t number, int state, std::string text) const;
+
     /// Number, severity, state and text; the line is filled in by the statement that failed.
     ServerMessage message;
     ErrorEffect effect;
+    /// What the server says after the message, such as "Could not create constraint".
+    std::vector<ServerMessage> more;
     /// Whether message.line was set by the thrower and must be kept.
     bool hasLine = false;
     bool isReported = false; ///< the client knows it; what remains is to leave what it ends

@@ -57,9 +57,9 @@ EngineError emptyIdentifier()
         "allowed. Change the alias to a valid name.");
 }
 
-EngineError mustDeclareVariable(std::string_view name)
+EngineError mustDeclareVariable(std::string_view name, int state)
 {
-    return syntax(137, 2, "Must declare the scalar variable \"" + std::string(name) + "\".");
+    return syntax(137, state, "Must declare the scalar variable \"" + std::string(name) + "\".");
 }
 
 EngineError variableAlreadyDeclared(std::string_view name)
@@ -79,6 +79,11 @@ EngineError nonBooleanCondition(std::string_view token)
             quoted(token) + '.');
 }
 
+EngineError constraintFailed(const EngineError &error, int state)
+{
+    return error.followedBy(1750, state, "Could not create constraint or index. See previous errors.");
+}
+
 EngineError notSupported(std::string_view construct)
 {
     return binding(40000, 16, "The sample server does not support " + std::string(construct) + '.');
@@ -86,7 +91,9 @@ EngineError notSupported(std::string_view construct)
 
 EngineError invalidObject(std::string_view name)
 {
-    return binding(208, 16, "Invalid object name " + quoted(name) + '.');
+    EngineError error = binding(208, 16, "Invalid object name " + quoted(name) + '.');
+    error.message.state = name.starts_with('#') ? 0 : 1;
+    return error;
 }
 
 EngineError invalidColumn(std::string_view name)

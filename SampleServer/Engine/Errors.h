@@ -9,16 +9,18 @@ namespace SampleServer::Errors {
 
 // The errors of the server, each with its number, severity, state and text.
 
-EngineError syntaxNear(std::string_view token);             ///< 102
-EngineError syntaxNearKeyword(std::string_view keyword);    ///< 156
-EngineError unclosedQuote(std::string_view text);           ///< 105
-EngineError missingEndComment();                            ///< 113
-EngineError identifierTooLong(std::string_view name);       ///< 103
-EngineError emptyIdentifier();                              ///< 1038
-EngineError mustDeclareVariable(std::string_view name);     ///< 137
-EngineError variableAlreadyDeclared(std::string_view name); ///< 134
-EngineError nonBooleanCondition(std::string_view token);    ///< 4145
-EngineError notSupported(std::string_view construct);       ///< 40000
+EngineError syntaxNear(std::string_view token);                        ///< 102
+EngineError syntaxNearKeyword(std::string_view keyword);               ///< 156
+EngineError unclosedQuote(std::string_view text);                      ///< 105
+EngineError missingEndComment();                                       ///< 113
+EngineError identifierTooLong(std::string_view name);                  ///< 103
+EngineError emptyIdentifier();                                         ///< 1038
+EngineError mustDeclareVariable(std::string_view name, int state = 2); ///< 137
+EngineError variableAlreadyDeclared(std::string_view name);            ///< 134
+EngineError nonBooleanCondition(std::string_view token);               ///< 4145
+/// The error of a constraint that cannot be made, with 1750 after it.
+EngineError constraintFailed(const EngineError &error, int state);
+EngineError notSupported(std::string_view construct); ///< 40000
 
 EngineError invalidObject(std::string_view name);                              ///< 208
 EngineError invalidColumn(std::string_view name);                              ///< 207

@@ -43,7 +43,7 @@ struct EvaluationContext
     std::int64_t procedureId = 0;     ///< @@PROCID
     std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
     std::optional<Decimal> lastIdentity;      ///< @@IDENTITY
-    std::optional<Decimal> scopeIdentity;     ///< SCOPE_IDENTITY(): of this batch, procedure or trigger alone
+    std::optional<Decimal> scopeIdentity;     ///< SCOPE_IDENTITY(): of this module or batch
     DateTimeValue statementTime;              ///< local, the same for all rows of a statement
     DateTimeValue statementTimeUtc;           ///< UTC
 

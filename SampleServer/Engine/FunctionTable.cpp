@@ -24,6 +24,75 @@ EngineError wrongCount(const Builtin &function)
             ErrorEffect::EndsBatch};
 }
 
+/// Functions that SQL Server has and this server has not.
+bool isElsewhere(std::string_view name)
+{
+    static constexpr std::string_view names[] = {"APPLOCK_MODE",
+                                                 "APPLOCK_TEST",
+                                                 "ASSEMBLYPROPERTY",
+                                                 "BINARY_CHECKSUM",
+                                                 "CERTENCODED",
+                                                 "CERTPRIVATEKEY",
+                                                 "CHECKSUM",
+                                                 "CHECKSUM_AGG",
+                                                 "COLLATIONPROPERTY",
+                                                 "COMPRESS",
+                                                 "CONNECTIONPROPERTY",
+                                                 "CONTEXT_INFO",
+                                                 "CURRENT_REQUEST_ID",
+                                                 "CURRENT_TIMEZONE",
+                                                 "CURRENT_TRANSACTION_ID",
+                                                 "CURSOR_STATUS",
+                                                 "DATETRUNC",
+                                                 "DATE_BUCKET",
+                                                 "DECOMPRESS",
+                                                 "DECRYPTBYKEY",
+                                                 "ENCRYPTBYKEY",
+                                                 "EVENTDATA",
+                                                 "FILEGROUPPROPERTY",
+                                                 "FILEGROUP_ID",
+                                                 "FILEGROUP_NAME",
+                                                 "FILE_ID",
+                                                 "FILE_IDEX",
+                                                 "FILE_NAME",
+                                                 "FORMAT",
+                                                 "FULLTEXTCATALOGPROPERTY",
+                                                 "FULLTEXTSERVICEPROPERTY",
+                                                 "GETANSINULL",
+                                                 "GET_FILESTREAM_TRANSACTION_CONTEXT",
+                                                 "GREATEST",
+                                                 "GROUPING",
+                                                 "GROUPING_ID",
+                                                 "HASHBYTES",
+                                                 "HOST_ID",
+                                                 "ISJSON",
+                                                 "JSON_ARRAY",
+                                                 "JSON_MODIFY",
+                                                 "JSON_OBJECT",
+                                                 "JSON_PATH_EXISTS",
+                                                 "JSON_QUERY",
+                                                 "JSON_VALUE",
+                                                 "LEAST",
+                                                 "MIN_ACTIVE_ROWVERSION",
+                                                 "NEWSEQUENTIALID",
+                                                 "PERMISSIONS",
+                                                 "PUBLISHINGSERVERNAME",
+                                                 "PWDCOMPARE",
+                                                 "PWDENCRYPT",
+                                                 "SESSIONPROPERTY",
+                                                 "SESSION_CONTEXT",
+                                                 "STATS_DATE",
+                                                 "STRING_ESCAPE",
+                                                 "SUSER_ID",
+                                                 "SUSER_SID",
+                                                 "TEXTPTR",
+                                                 "TEXTVALID",
+                                                 "TRIGGER_NESTLEVEL",
+                                                 "TYPEPROPERTY",
+                                                 "USER_ID"};
+    return std::binary_search(std::begin(names), std::end(names), name);
+}
+
 /// The argument in the type that the parameter asks for.
 ExpressionPtr adapted(Binder &binder, const ExpressionPtr &argument, char parameter)
 {
@@ -55,8 +124,9 @@ const Builtin *findBuiltin(std::string_view name)
 {
     static const auto index = [] {
         std::unordered_map<std::string_view, const Builtin *> byName;
-        for (const auto &table : {stringFunctions(), mathFunctions(), dateFunctions(), systemFunctions(),
-                                  sessionFunctions(), metadataFunctions(), nameFunctions()})
+        for (const auto &table :
+             {stringFunctions(), textFunctions(), mathFunctions(), dateFunctions(), datePartFunctions(),
+              systemFunctions(), sessionFunctions(), metadataFunctions(), nameFunctions()})
             for (const Builtin &function : table)
                 byName.emplace(function.name, &function);
         return byName;
@@ -65,9 +135,22 @@ const Builtin *findBuiltin(std::string_view name)
     return found == index.end() ? nullptr : found->second;
 }
 
+bool isBuiltin(std::string_view name)
+{
+    return findBuiltin(name) || takesDatePart(std::string(name));
+}
+
 ExpressionPtr bindBuiltin(Binder &binder, const std::string &name, ArgumentList arguments)
 {
     const Builtin *function = findBuiltin(asciiUpper(name));
+    static constexpr std::string_view windowed[] = {"CUME_DIST",  "DENSE_RANK", "FIRST_VALUE", "LAG",
+                                                    "LAST_VALUE", "LEAD",       "NTILE",       "PERCENT_RANK",
+                                                    "RANK",       "ROW_NUMBER"};
+    if (std::find(std::begin(windowed), std::end(windowed), asciiUpper(name)) != std::end(windowed))
+        throw EngineError(10753, 15, 1, "The function '" + name + "' must have an OVER clause.",
+                          ErrorEffect::EndsBatch);
+    if (!function && isElsewhere(asciiUpper(name)))
+        throw Errors::notSupported("the function " + asciiUpper(name));
     if (!function)
         throw Errors::unknownFunction(name);
     const int count = static_cast<int>(arguments.size());

@@ -26,7 +26,9 @@ struct Builtin
 // One table per subject.
 std::span<const Builtin> stringFunctions();
 std::span<const Builtin> mathFunctions();
+std::span<const Builtin> textFunctions();
 std::span<const Builtin> dateFunctions();
+std::span<const Builtin> datePartFunctions();
 std::span<const Builtin> systemFunctions();
 std::span<const Builtin> sessionFunctions();
 std::span<const Builtin> metadataFunctions();

@@ -38,6 +38,8 @@ Bound::ExpressionPtr bindBuiltin(Binder &binder, const std::string &name,
 Bound::ExpressionPtr bindDatePartFunction(Binder &binder, const std::string &name, const std::string &part,
                                           std::vector<Bound::ExpressionPtr> arguments);
 bool takesDatePart(const std::string &name);
+/// Whether an upper-case name is that of a function without a window.
+bool isBuiltin(std::string_view name);
 /// SQLite's name of the function that sums up to a type.
 std::string sumFunction(const SqlType &result);
 /// The text that an XML fragment holds: what value('.') gives.

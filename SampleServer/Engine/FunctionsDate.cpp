@@ -220,7 +220,8 @@ Value dateAdd(EvaluationContext &, const Operation &operation, Arguments a)
 /// How many borders of the part lie between the two.
 std::int64_t borders(DatePart part, const DateTimeValue &from, const DateTimeValue &to)
 {
-    const DateTimeParts a = toParts(from), b = toParts(to);
+    // Offsets do not count: what is compared is the time in UTC.
+    const DateTimeParts a = toParts({from.days, from.ticks, 0}), b = toParts({to.days, to.ticks, 0});
     const std::int64_t firstDay = daysFromDate(a.year, a.month, a.day),
                        lastDay = daysFromDate(b.year, b.month, b.day);
     switch (part) {
@@ -270,7 +271,13 @@ Value dateName(EvaluationContext &context, const Operation &operation, Arguments
         return std::string(monthName(parts.month));
     if (part == DatePart::Weekday)
         return std::string(weekdayName(weekday(daysFromDate(parts.year, parts.month, parts.day))));
-    return std::to_string(partOf(time(a[0]), part, context.firstWeekday));
+    const std::int64_t number = partOf(time(a[0]), part, context.firstWeekday);
+    if (part != DatePart::OffsetMinutes)
+        return std::to_string(number);
+    char text[16];
+    const auto minutes = static_cast<int>(std::abs(number));
+    std::snprintf(text, sizeof text, "%c%02d:%02d", number < 0 ? '-' : '+', minutes / 60, minutes % 60);
+    return std::string(text);
 }
 
 template <DatePart part>
@@ -317,19 +324,11 @@ Value dateFromParts(EvaluationContext &, const Operation &, Arguments a)
 
 Value isDate(EvaluationContext &context, const Operation &, Arguments a)
 {
+    if (isNull(a[0]))
+        return std::int64_t{0};
     const auto parsed = parseDateTime(std::get<std::string>(a[0]), context.dateOrder);
     return std::int64_t{parsed && !parsed->outOfRange && !std::get<std::string>(a[0]).empty() &&
                         parsed->value.days >= Days1753};
-}
-
-Value switchOffset(EvaluationContext &, const Operation &, Arguments a)
-{
-    DateTimeValue value = time(a[0]);
-    const auto offset = parseDateTime("00:00 " + std::get<std::string>(a[1]), DateOrder::MonthDayYear);
-    if (!offset)
-        throw EngineError(9812, 16, 0, "The timezone provided to builtin function switchoffset is invalid.");
-    value.offsetMinutes = offset->value.offsetMinutes;
-    return value;
 }
 
 template <TypeId id, int scale = 0>
@@ -346,14 +345,57 @@ constexpr Builtin table[] = {
     {"EOMONTH", 1, 2, "di", fixedResult<TypeId::Date>, endOfMonth},
     {"GETDATE", 0, 0, "a", fixedResult<TypeId::DateTime>, localTime},
     {"GETUTCDATE", 0, 0, "a", fixedResult<TypeId::DateTime>, utcTime},
-    {"ISDATE", 1, 1, "t", fixedResult<TypeId::Int>, isDate},
+    {"ISDATE", 1, 1, "t", fixedResult<TypeId::Int>, isDate, false},
     {"MONTH", 1, 1, "d", fixedResult<TypeId::Int>, partFunction<DatePart::Month>},
-    {"SWITCHOFFSET", 2, 2, "dt", fixedResult<TypeId::DateTimeOffset, 7>, switchOffset},
     {"SYSDATETIME", 0, 0, "a", fixedResult<TypeId::DateTime2, 7>, localTime},
     {"SYSDATETIMEOFFSET", 0, 0, "a", fixedResult<TypeId::DateTimeOffset, 7>, offsetTime},
     {"SYSUTCDATETIME", 0, 0, "a", fixedResult<TypeId::DateTime2, 7>, utcTime},
     {"YEAR", 1, 1, "d", fixedResult<TypeId::Int>, partFunction<DatePart::Year>},
 };
+
+/// Whether values of the type have the part.
+bool hasPart(TypeId type, DatePart part, bool isAdding)
+{
+    const bool isClock = part >= DatePart::Hour && part <= DatePart::Nanosecond;
+    if (part == DatePart::OffsetMinutes)
+        return !isAdding && (type == TypeId::DateTimeOffset || type == TypeId::DateTime2);
+    if (part == DatePart::IsoWeek)
+        return !isAdding && type != TypeId::Time;
+    if (type == TypeId::Date)
+        return !isClock;
+    if (type == TypeId::Time)
+        return isClock;
+    const bool isFine = part == DatePart::Microsecond || part == DatePart::Nanosecond;
+    return !isAdding || !isFine || !isLegacyDateTime(type);
+}
+
+/// Throws 9810 for a part that the type does not have.
+void requirePart(const DatePartName &part, const std::string &function, const SqlType &type)
+{
+    static constexpr std::pair<DatePart, std::string_view> names[] = {{DatePart::Year, "year"},
+                                                                      {DatePart::Quarter, "quarter"},
+                                                                      {DatePart::Month, "month"},
+                                                                      {DatePart::DayOfYear, "dayofyear"},
+                                                                      {DatePart::Day, "day"},
+                                                                      {DatePart::Week, "week"},
+                                                                      {DatePart::Weekday, "weekday"},
+                                                                      {DatePart::Hour, "hour"},
+                                                                      {DatePart::Minute, "minute"},
+                                                                      {DatePart::Second, "second"},
+                                                                      {DatePart::Millisecond, "millisecond"},
+                                                                      {DatePart::Microsecond, "microsecond"},
+                                                                      {DatePart::Nanosecond, "nanosecond"},
+                                                                      {DatePart::OffsetMinutes, "tzoffset"},
+                                                                      {DatePart::IsoWeek, "iso_week"}};
+    if (hasPart(type.id, part.part, function == "dateadd"))
+        return;
+    const auto *name = std::find_if(std::begin(names), std::end(names),
+                                    [&part](const auto &entry) { return entry.first == part.part; });
+    throw EngineError(9810, 16, 1,
+                      "The datepart " + std::string(name->second) + " is not supported by date function " +
+                          function + " for data type " + baseTypeName(type.id) + '.',
+                      ErrorEffect::EndsBatch);
+}
 
 /// A date argument in the type DATEADD and DATEDIFF work on: text is read as datetime or, where it says more,
 /// as more.
@@ -397,11 +439,14 @@ ExpressionPtr bindDatePartFunction(Binder &binder, const std::string &name, cons
     if (name == "DATEADD") {
         arguments[0] = binder.converted(arguments[0], {TypeId::Int, 0, 0, 0});
         arguments[1] = dateArgument(binder, arguments[1], true);
+        requirePart(*found, lowerName, arguments[1]->type);
         operation.function = dateAdd;
         operation.result = arguments[1]->type;
     } else {
         for (ExpressionPtr &argument : arguments)
             argument = dateArgument(binder, argument, false);
+        if (wanted == 1)
+            requirePart(*found, lowerName, arguments[0]->type);
         operation.function = name == "DATEPART" ? datePart : name == "DATENAME" ? dateName : dateDifference;
         operation.result = {name == "DATEDIFF_BIG" ? TypeId::BigInt : TypeId::Int, 0, 0, 0};
         if (name == "DATENAME")

@@ -120,7 +120,9 @@ Value decimalArithmetic(EvaluationContext &, const Operation &operation, Argumen
     const auto result = calculate(op, left, right, type);
     if (!result)
         throw Errors::overflow("expression", messageTypeName(operation.result.id), 2);
-    return isMoney(operation.result.id) ? convertToMoney(*result, type, operation.result) : Value(*result);
+    constexpr SqlType expression{TypeId::Int, 0, 0, 0}; // what an overflow is said to come from
+    return isMoney(operation.result.id) ? convertToMoney(*result, expression, operation.result)
+                                        : Value(*result);
 }
 
 Value floatArithmetic(EvaluationContext &, const Operation &operation, Arguments arguments)

@@ -44,6 +44,13 @@ SqlType lengthResult(const ArgumentList &arguments)
     return {arguments[0]->type.length == SqlType::Max ? TypeId::BigInt : TypeId::Int, 0, 0, 0};
 }
 
+/// A place in the argument that is searched.
+template <std::size_t searched>
+SqlType placeResult(const ArgumentList &arguments)
+{
+    return {arguments[searched]->type.length == SqlType::Max ? TypeId::BigInt : TypeId::Int, 0, 0, 0};
+}
+
 /// Text that varies, of the first argument's kind and length.
 SqlType varyingLikeFirst(const ArgumentList &arguments)
 {
@@ -193,7 +200,14 @@ Value rtrim(EvaluationContext &, const Operation &, Arguments a)
 }
 Value trim(EvaluationContext &, const Operation &, Arguments a)
 {
-    return std::string(trimmed(text(a[0])));
+    if (a.size() == 1)
+        return std::string(trimmed(text(a[0])));
+    // TRIM(characters FROM text) comes with the text first.
+    const std::u16string subject = toUtf16(text(a[0])), unwanted = toUtf16(text(a[1]));
+    const std::size_t first = subject.find_first_not_of(unwanted);
+    if (first == std::u16string::npos)
+        return std::string();
+    return toUtf8(subject.substr(first, subject.find_last_not_of(unwanted) - first + 1));
 }
 
 Value ltrim(EvaluationContext &, const Operation &, Arguments a)
@@ -368,7 +382,7 @@ namespace {
 constexpr Builtin table[] = {
     {"ASCII", 1, 1, "t", intResult, ascii},
     {"CHAR", 1, 1, "i", textResult<TypeId::Char, 1>, character},
-    {"CHARINDEX", 2, 3, "tti", intResult, charIndex},
+    {"CHARINDEX", 2, 3, "tti", placeResult<1>, charIndex},
     {"CONCAT", 2, 254, "a", concatResult, concat, false},
     {"DATALENGTH", 1, 1, "a", lengthResult, dataLength},
     {"LEFT", 2, 2, "ti", varyingLikeFirst, left},
@@ -376,7 +390,7 @@ constexpr Builtin table[] = {
     {"LOWER", 1, 1, "t", varyingLikeFirst, lower},
     {"LTRIM", 1, 1, "t", varyingLikeFirst, ltrim},
     {"NCHAR", 1, 1, "i", textResult<TypeId::NChar, 1>, nationalCharacter},
-    {"PATINDEX", 2, 2, "tt", intResult, patIndex},
+    {"PATINDEX", 2, 2, "tt", placeResult<1>, patIndex},
     {"QUOTENAME", 1, 2, "tt", textResult<TypeId::NVarChar, 258>, quoteName},
     {"REPLACE", 3, 3, "ttt", longestLikeFirst, replace},
     {"REPLICATE", 2, 2, "ti", longestLikeFirst, replicate},
@@ -387,7 +401,7 @@ constexpr Builtin table[] = {
     {"STR", 1, 3, "fii", textResult<TypeId::VarChar, 8000>, str},
     {"STUFF", 4, 4, "tiit", longestLikeFirst, stuff, false},
     {"SUBSTRING", 3, 3, "aii", varyingLikeFirst, substring},
-    {"TRIM", 1, 1, "t", varyingLikeFirst, trim},
+    {"TRIM", 1, 2, "t", varyingLikeFirst, trim},
     {"UNICODE", 1, 1, "t", intResult, unicode},
     {"UPPER", 1, 1, "t", varyingLikeFirst, upper},
 };

@@ -73,9 +73,9 @@ Value loginName(EvaluationContext &context, const Operation &, Arguments)
 {
     return context.loginName;
 }
-Value userName(EvaluationContext &, const Operation &, Arguments)
+Value userName(EvaluationContext &, const Operation &, Arguments a)
 {
-    return std::string("dbo");
+    return a.empty() || std::get<std::int64_t>(a[0]) == 1 ? Value(std::string("dbo")) : Value();
 }
 Value hostName(EvaluationContext &context, const Operation &, Arguments)
 {
@@ -89,6 +89,16 @@ Value applicationName(EvaluationContext &context, const Operation &, Arguments)
 Value scopeIdentity(EvaluationContext &context, const Operation &, Arguments)
 {
     return context.scopeIdentity ? Value(*context.scopeIdentity) : Value();
+}
+
+SqlType bigIntResult(const ArgumentList &)
+{
+    return {TypeId::BigInt, 0, 0, 0};
+}
+
+Value rowCountBig(EvaluationContext &context, const Operation &, Arguments)
+{
+    return context.rowCount;
 }
 
 /// The number after "Microsoft SQL Server ... - " in the banner: "16.0.1000.6".
@@ -145,8 +155,10 @@ Value isNumericText(EvaluationContext &, const Operation &operation, Arguments a
             return false;
         }
     };
-    const bool blank = trimmed(std::get<std::string>(a[0])).empty();
-    return std::int64_t{!blank && (converts(TypeId::Float) || converts(TypeId::Money))};
+    const std::string digits(trimmed(std::get<std::string>(a[0])));
+    if (digits.size() == 1 && std::string_view("+-.,$").find(digits[0]) != std::string_view::npos)
+        return std::int64_t{1}; // taken for the start of a number
+    return std::int64_t{!digits.empty() && (converts(TypeId::Float) || converts(TypeId::Money))};
 }
 
 Value variantProperty(EvaluationContext &, const Operation &operation, Arguments a)
@@ -185,6 +197,7 @@ constexpr Builtin table[] = {
     {"IS_SRVROLEMEMBER", 1, 2, "t", intResult, yes},
     {"NEWID", 0, 0, "a", guidResult, newIdentifier, true, false},
     {"ORIGINAL_LOGIN", 0, 0, "a", nameResult, loginName},
+    {"ROWCOUNT_BIG", 0, 0, "a", bigIntResult, rowCountBig},
     {"SCOPE_IDENTITY", 0, 0, "a", identityResult, scopeIdentity},
     {"SERVERPROPERTY", 1, 1, "t", variantResult, serverProperty},
     {"SESSION_USER", 0, 0, "a", nameResult, userName},
@@ -193,7 +206,7 @@ constexpr Builtin table[] = {
     {"SUSER_SNAME", 0, 0, "a", nameResult, loginName},
     {"SYSTEM_USER", 0, 0, "a", nameResult, loginName},
     {"USER", 0, 0, "a", nameResult, userName},
-    {"USER_NAME", 0, 0, "a", nameResult, userName},
+    {"USER_NAME", 0, 1, "i", nameResult, userName},
 };
 
 } // namespace

@@ -38,6 +38,15 @@ bool changesRows(const Ast::Statement &statement)
            std::holds_alternative<Ast::Delete>(statement.node);
 }
 
+/// Whether a definition failed for what the rows hold.
+bool meetsRows(const Ast::Statement &statement, const EngineError &error)
+{
+    const bool isDefinition = std::holds_alternative<Ast::AlterTable>(statement.node) ||
+                              std::holds_alternative<Ast::CreateIndex>(statement.node);
+    const std::int32_t number = error.message.number;
+    return isDefinition && (number == 515 || number == 1505 || number == 2628 || number == 8152);
+}
+
 bool isControl(const Ast::Statement &statement)
 {
     return std::holds_alternative<Ast::If>(statement.node) ||
@@ -210,7 +219,7 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
         endStatement();
         return flow;
     } catch (EngineError &error) {
-        report(error, statement.line, changesRows(statement));
+        report(error, statement.line, changesRows(statement) || meetsRows(statement, error));
         throw;
     }
 }
@@ -248,6 +257,7 @@ Interpreter::Flow Interpreter::run(const Ast::If &node)
         report(error, m_line);
         throw;
     }
+    m_context.lastError = 0;
     endStatement();
     if (condition)
         return runStatement(*node.then);

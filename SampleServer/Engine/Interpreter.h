@@ -113,6 +113,8 @@ private:
     std::optional<std::int32_t> callSystemProcedure(const Ast::ObjectName &name,
                                                     std::vector<ProcedureArgument> &arguments);
     void bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments, Frame &frame);
+    Value convertedArgument(const ProcedureArgument &argument, const SqlType &type) const;
+    std::string nameOfIdentityInsert() const;
     void bindTableParameter(const ModuleParameter &parameter, const ProcedureArgument *argument,
                             Frame &frame);
     void runModule(const Module &module, const DatabasePtr &database, Frame &frame);
@@ -165,6 +167,7 @@ private:
     Flow run(const Ast::AlterIndex &node);
     Flow run(const Ast::DropIndex &node);
     Flow run(const Ast::CreateModule &node);
+    void defineModule(const Ast::CreateModule &node);
     Flow run(const Ast::DropObjects &node);
     Flow run(const Ast::CreateSchema &node);
     Flow run(const Ast::CreateType &node);

@@ -28,10 +28,15 @@ void removePlace(std::vector<std::size_t> &places, std::size_t removed)
         place -= place > removed ? 1 : 0;
 }
 
-EngineError dependsOnColumn(const std::string &what, const std::string &object, const std::string &column)
+EngineError dependsOnColumn(const std::string &what, const std::string &object, const std::string &column,
+                            bool dropping)
 {
-    return {5074, 16, 1, "The " + what + " '" + object + "' is dependent on column '" + column + "'.",
-            ErrorEffect::EndsBatch};
+    const EngineError error(5074, 16, 1,
+                            "The " + what + " '" + object + "' is dependent on column '" + column + "'.",
+                            ErrorEffect::EndsBatch);
+    return error.followedBy(4922, 9,
+                            std::string("ALTER TABLE ") + (dropping ? "DROP" : "ALTER") + " COLUMN " +
+                                column + " failed because one or more objects access this column.");
 }
 
 /// Throws when something else refers to a column that is to go or to change.
@@ -43,19 +48,19 @@ void requireIndependent(const Table &table, std::size_t column, bool dropping)
     };
     for (const TableIndex &index : table.indexes)
         if (uses(index.columns) && (dropping || index.isKey()))
-            throw dependsOnColumn(index.isKey() ? "object" : "index", index.name, name);
+            throw dependsOnColumn(index.isKey() ? "object" : "index", index.name, name, dropping);
     for (const ForeignKey &key : table.foreignKeys)
         if (uses(key.columns))
-            throw dependsOnColumn("object", key.constraint.name, name);
+            throw dependsOnColumn("object", key.constraint.name, name, dropping);
     for (const CheckConstraint &check : table.checks)
         if (check.columnId == table.columns[column].id ||
             check.condition.text.find('[' + name + ']') != std::string::npos)
-            throw dependsOnColumn("object", check.constraint.name, name);
+            throw dependsOnColumn("object", check.constraint.name, name, dropping);
     for (const TableColumn &other : table.columns)
         if (other.computed && other.computed.text.find('[' + name + ']') != std::string::npos)
-            throw dependsOnColumn("column", other.name, name);
+            throw dependsOnColumn("column", other.name, name, dropping);
     if (dropping && table.columns[column].defaultValue)
-        throw dependsOnColumn("object", table.columns[column].defaultName.name, name);
+        throw dependsOnColumn("object", table.columns[column].defaultName.name, name, dropping);
 }
 
 } // namespace
@@ -242,6 +247,14 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
                                       "' does not exist in table '" + changed.name + "'.",
                                   ErrorEffect::EndsBatch);
             requireIndependent(changed, *place, true);
+            const auto isData = [](const TableColumn &column) { return !column.computed; };
+            if (!changed.columns[*place].computed &&
+                std::count_if(changed.columns.begin(), changed.columns.end(), isData) == 1)
+                throw EngineError(4923, 16, 1,
+                                  "ALTER TABLE DROP COLUMN failed because '" + changed.columns[*place].name +
+                                      "' is the only data column in table '" + changed.name +
+                                      "'. A table must have at least one data column.",
+                                  ErrorEffect::EndsBatch);
             if (changed.columns[*place].identity)
                 changed.identity = nullptr;
             changed.columns.erase(changed.columns.begin() + static_cast<std::ptrdiff_t>(*place));
@@ -270,7 +283,8 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
                                               "The constraint '" + index.name +
                                                   "' is being referenced by table '" + other->name +
                                                   "', foreign key constraint '" + key.constraint.name + "'.",
-                                              ErrorEffect::EndsBatch);
+                                              ErrorEffect::EndsBatch)
+                                .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
                     }
                 if (!index.physicalName.empty())
                     m_connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
@@ -287,8 +301,8 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
             if (column.defaultValue && foldedName(column.defaultName.name) == folded)
                 column.defaultValue = {};
         if (changed.constraints().size() == before && !item.ifExists)
-            throw EngineError(3728, 16, 1, "'" + item.name + "' is not a constraint.",
-                              ErrorEffect::EndsBatch);
+            throw EngineError(3728, 16, 1, "'" + item.name + "' is not a constraint.", ErrorEffect::EndsBatch)
+                .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
     }
     replaceTable(scan, std::move(changed));
 }

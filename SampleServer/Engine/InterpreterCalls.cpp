@@ -6,6 +6,7 @@
 #include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
+#include "Types/TypeTraits.h"
 
 #include <algorithm>
 
@@ -116,7 +117,7 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
         }
         Value value;
         if (given[i] && !given[i]->isDefault)
-            value = convertValue(given[i]->value, given[i]->type, parameter.type, {0, m_context.dateOrder});
+            value = convertedArgument(*given[i], parameter.type);
         else if (parameter.hasDefault)
             value = evaluate(*parameter.defaultValue, parameter.type);
         else
@@ -124,6 +125,20 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
                               "Procedure or function '" + module.name + "' expects parameter '" +
                                   parameter.name + "', which was not supplied.");
         frame.variables.declare(parameter.name, parameter.type, std::move(value));
+    }
+}
+
+/// An argument in its parameter's type. What cannot be converted is error 8114 for every type.
+Value Interpreter::convertedArgument(const ProcedureArgument &argument, const SqlType &type) const
+{
+    try {
+        return convertValue(argument.value, argument.type, type, {0, m_context.dateOrder});
+    } catch (const EngineError &error) {
+        if (error.message.number != 245 && error.message.number != 241)
+            throw;
+        throw EngineError(8114, 16, 5,
+                          "Error converting data type " + messageTypeName(argument.type.id) + " to " +
+                              messageTypeName(type.id) + '.');
     }
 }
 
@@ -148,7 +163,16 @@ std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr 
     Frame frame;
     frame.procedure = module->name;
     frame.module = module.get();
-    bindParameters(*module, arguments, frame);
+    try {
+        bindParameters(*module, arguments, frame);
+    } catch (EngineError &error) {
+        if (error.message.number != 119) {
+            error.message.procedure = module->name;
+            error.message.line = 0;
+            error.hasLine = true;
+        }
+        throw;
+    }
     const std::int32_t before = m_context.transactionCount;
     runModule(*module, database, frame);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -216,6 +240,8 @@ void Interpreter::declareArguments(const Module &module, std::span<const Value> 
 
 Value Interpreter::callFunction(const Module &module, std::span<const Value> arguments)
 {
+    if (module.definition->nullOnNull && std::any_of(arguments.begin(), arguments.end(), isNull))
+        return {};
     Frame frame;
     declareArguments(module, arguments, frame);
     runFunction(module, frame);

@@ -213,7 +213,7 @@ Interpreter::Flow Interpreter::run(const Ast::CreateSchema &node)
 {
     m_transactions.changeDefinitions(*m_database);
     if (m_database->findSchema(node.name))
-        throw nameTaken(node.name);
+        throw nameTaken(node.name).followedBy(2759, 0, "CREATE SCHEMA failed due to previous errors.");
     Transactions::Change change(m_transactions);
     const Schema schema = m_database->createSchema(node.name);
     m_transactions.onRollback([database = m_database, schema] { database->eraseSchema(schema); });
@@ -343,7 +343,8 @@ Interpreter::Flow Interpreter::run(const Ast::AlterDatabase &node)
         throw EngineError(5011, 14, 5,
                           "User does not have permission to alter database '" + node.name +
                               "', the database does not exist, or the database is not in a state that allows "
-                              "access checks.");
+                              "access checks.")
+            .followedBy(5069, 1, "ALTER DATABASE statement failed.");
     if (node.newName.empty())
         return Flow::Next;
     if (!m_state.databases.rename(*database, node.newName))

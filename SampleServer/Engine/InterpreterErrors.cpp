@@ -20,6 +20,12 @@ bool isNameError(const EngineError &error)
            std::find(std::begin(numbers), std::end(numbers), error.message.number) != std::end(numbers);
 }
 
+/// Whether the error is about values for an identity column, found before any row was touched.
+bool isIdentityError(const EngineError &error)
+{
+    return error.message.number == 544 || error.message.number == 545 || error.message.number == 8101;
+}
+
 } // namespace
 
 /// Writes down where an error happened, if that is not known yet.
@@ -35,6 +41,10 @@ void Interpreter::locate(EngineError &error, int line) const
     error.hasLine = true;
     if (error.message.procedure.empty())
         error.message.procedure = m_frame->procedure;
+    for (ServerMessage &message : error.more) {
+        message.line = line;
+        message.procedure = m_frame->procedure;
+    }
 }
 
 bool Interpreter::rollsBack(const EngineError &error) const
@@ -72,9 +82,11 @@ void Interpreter::report(EngineError &error, int line, bool changesRows)
         return;
     error.isReported = true;
     m_sink->message(error.message);
+    for (const ServerMessage &message : error.more)
+        m_sink->message(message);
     if (rollsBack(error))
         m_transactions.rollback();
-    else if (changesRows && error.effect == ErrorEffect::EndsStatement)
+    else if (changesRows && !isIdentityError(error) && error.effect == ErrorEffect::EndsStatement)
         m_sink->message(
             {3621, 0, 0, "The statement has been terminated.", error.message.procedure, error.message.line});
     StatementEnd end;
@@ -117,7 +129,8 @@ Interpreter::Flow Interpreter::run(const Ast::TryCatch &node)
     if (m_transactions.isOpen() && rollsBack(*caught))
         m_context.isTransactionDoomed = true;
     m_context.lastError = caught->message.number;
-    const ScopedValue<std::optional<ServerMessage>> current(m_context.caughtError, caught->message);
+    const ServerMessage &last = caught->more.empty() ? caught->message : caught->more.back();
+    const ScopedValue<std::optional<ServerMessage>> current(m_context.caughtError, last);
     return run(node.handler);
 }
 

@@ -78,8 +78,9 @@ void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
     frame.outer = m_frame;
     frame.depth = m_frame->depth + 1;
     const ScopedValue<int> line(m_line, m_line);
+    const ScopedValue<SessionOptions> options(m_options, m_options);
+    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, std::nullopt);
     const ScopedValue<Frame *> current(m_frame, &frame);
-    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, {});
     const std::string database = m_context.database;
     const auto back = [&] {
         dropTables(frame.tables, false);
@@ -187,6 +188,13 @@ void Interpreter::executeSql(const Ast::Execute &node)
         const Value value = evaluate(*node.arguments[i].value, LongText);
         return isNull(value) ? std::string() : std::get<std::string>(value);
     };
+    if (!node.arguments.empty() && node.arguments[0].value &&
+        !isUnicodeText(binder().bindValue(*node.arguments[0].value)->type.id)) {
+        EngineError error(214, 16, 2,
+                          "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
+        error.message.procedure = "sp_executesql";
+        throw error;
+    }
     const std::string statement = text(0);
     const std::vector<Parameter> parameters = parseParameters(text(1));
     Variables variables;

@@ -70,8 +70,7 @@ void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableInd
             std::string("The ") + statement +
                 " statement terminated because a duplicate key was found for the object name '" +
                 scan.table->schema + '.' + scan.table->name + "' and the index name '" + index.name +
-                "'. The duplicate key value is " + key + '.',
-            ErrorEffect::EndsBatch);
+                "'. The duplicate key value is " + key + '.');
     }
 }
 

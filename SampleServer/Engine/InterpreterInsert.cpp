@@ -10,6 +10,7 @@
 #include "Types/TypeTraits.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace SampleServer {
 
@@ -43,12 +44,7 @@ std::vector<std::size_t> targetColumns(const Ast::Insert &node, const Table &tab
         if (!column)
             throw Errors::invalidColumn(name);
         if (std::find(targets.begin(), targets.end(), *column) != targets.end())
-            throw EngineError(
-                264, 16, 1,
-                "The column name '" + name +
-                    "' is specified more than once in the SET clause or column "
-                    "list of an INSERT. A column cannot be assigned more than one value in the same clause.",
-                ErrorEffect::EndsBatch);
+            throw assignedTwice(name);
         if (table.columns[*column].computed)
             throw EngineError(
                 271, 16, 1,
@@ -62,6 +58,13 @@ std::vector<std::size_t> targetColumns(const Ast::Insert &node, const Table &tab
                                   "' when IDENTITY_INSERT is set to OFF.");
         targets.push_back(*column);
     }
+    const bool givesIdentity =
+        std::any_of(targets.begin(), targets.end(), [&](std::size_t i) { return table.columns[i].identity; });
+    if (identityInsert && !givesIdentity)
+        throw EngineError(545, 16, 1,
+                          "Explicit value must be specified for identity column in table '" + table.name +
+                              "' either when IDENTITY_INSERT is set to ON or when a replication user is "
+                              "inserting into a NOT FOR REPLICATION identity column.");
     if (identityInsert && node.columns.empty())
         throw EngineError(
             8101, 16, 1,
@@ -88,10 +91,14 @@ public:
     }
 
     const TableChange &change() const { return m_change; }
+    /// Rows beyond this many are left out.
+    void limit(std::int64_t most) { m_most = most; }
 
     /// `values` and `types` belong to the target columns.
     void write(std::span<const Value> values, const std::vector<SqlType> &types)
     {
+        if (static_cast<std::int64_t>(m_count) >= m_most)
+            return;
         std::vector<Value> row(m_table.columns.size());
         std::vector<bool> given(row.size());
         for (std::size_t i = 0; i < m_targets.size(); ++i) {
@@ -104,6 +111,8 @@ public:
     /// A row of expressions, null ones standing for the columns' defaults.
     void writeExpressions(const std::vector<Ast::ExpressionPtr> &expressions)
     {
+        if (static_cast<std::int64_t>(m_count) >= m_most)
+            return;
         std::vector<Value> row(m_table.columns.size());
         std::vector<bool> given(row.size());
         for (std::size_t i = 0; i < m_targets.size(); ++i) {
@@ -172,7 +181,12 @@ private:
     void completeIdentity(Value &value, bool given, const TableColumn &column)
     {
         if (!given) {
-            value = convertValue(m_table.identity->take(), {TypeId::BigInt, 0, 0, 0}, column.type);
+            const std::int64_t number = m_table.identity->take();
+            try {
+                value = convertValue(number, {TypeId::BigInt, 0, 0, 0}, column.type);
+            } catch (const EngineError &) {
+                throw Errors::overflow("IDENTITY", baseTypeName(column.type.id), 1);
+            }
         } else if (!isNull(value)) {
             const auto number = convertValue(value, column.type, {TypeId::BigInt, 0, 0, 0});
             m_table.identity->sawExplicit(std::get<std::int64_t>(number));
@@ -183,6 +197,7 @@ private:
     const Table &m_table;
     const std::vector<std::size_t> m_targets;
     std::uint64_t m_count = 0;
+    std::int64_t m_most = 0;
     bool m_ignored = false; ///< an index with IGNORE_DUP_KEY left a row out
     TableChange m_change;
 };
@@ -218,6 +233,8 @@ Interpreter::Flow Interpreter::run(const Ast::Insert &node)
     }
     if (m_options.formatOnly)
         return Flow::Next;
+    if (scan.database)
+        requireOutsideFunction("INSERT");
     willWrite(scan);
     const Bound::QueryPtr query = node.query ? binder().bindSelect(*node.query) : nullptr;
     const bool readsItself = std::count_if(m_uses.begin(), m_uses.end(), [&scan](const TableUse &use) {
@@ -228,6 +245,11 @@ Interpreter::Flow Interpreter::run(const Ast::Insert &node)
     lockUses();
     Transactions::Change change(m_transactions);
     InsertRun insert(*this, scan, targets, instead.isActive());
+    if (node.top && node.top->percent)
+        throw Errors::notSupported("INSERT TOP ... PERCENT");
+    constexpr SqlType bigint{TypeId::BigInt, 0, 0, 0};
+    const Value most = node.top ? evaluate(*node.top->count, bigint) : Value();
+    insert.limit(isNull(most) ? std::numeric_limits<std::int64_t>::max() : std::get<std::int64_t>(most));
     if (node.defaultValues)
         insert.writeExpressions({});
     for (const auto &row : node.rows) {

@@ -28,9 +28,53 @@ const char *kindWord(ObjectKind kind)
     }
 }
 
+bool endsWithReturn(const Ast::Statement &statement)
+{
+    if (const auto *block = std::get_if<Ast::Block>(&statement.node))
+        return !block->statements.empty() && endsWithReturn(*block->statements.back());
+    return std::holds_alternative<Ast::Return>(statement.node);
+}
+
+/// Throws 2111 when another trigger stands in the place of the same event already.
+void requireOnlyInsteadOf(const Ast::ModuleDefinition &definition, const Database &database,
+                          const SchemaObject &parent)
+{
+    if (!definition.insteadOf)
+        return;
+    for (const ModulePtr &other : database.triggersOf(parent.id)) {
+        const Ast::ModuleDefinition &its = *other->definition;
+        const char *event = definition.onInsert && its.onInsert   ? "INSERT"
+                            : definition.onUpdate && its.onUpdate ? "UPDATE"
+                            : definition.onDelete && its.onDelete ? "DELETE"
+                                                                  : nullptr;
+        if (!its.insteadOf || !event || foldedName(other->name) == foldedName(definition.name.object()))
+            continue;
+        throw EngineError(2111, 16, 1,
+                          "Cannot create trigger '" + definition.name.object() + "' on " +
+                              (parent.kind == ObjectKind::View ? "view" : "table") + " '" +
+                              definition.parent.toString() + "' because an INSTEAD OF " + event +
+                              " trigger already exists on this object.",
+                          ErrorEffect::EndsBatch);
+    }
+}
+
 } // namespace
 
+/// Errors name the module that they keep from being made.
 Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
+{
+    try {
+        defineModule(node);
+    } catch (EngineError &error) {
+        if (error.message.procedure.empty())
+            error.message.procedure = node.definition->name.object();
+        throw;
+    }
+    m_context.rowCount = 0;
+    return Flow::Next;
+}
+
+void Interpreter::defineModule(const Ast::CreateModule &node)
 {
     const Ast::ModuleDefinition &definition = *node.definition;
     Place place = placeOfNew(definition.name, true);
@@ -46,11 +90,11 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
                                   "' does not exist or is invalid for this operation.",
                               ErrorEffect::EndsBatch);
         if (parent.object->kind == ObjectKind::View && !definition.insteadOf)
-            throw EngineError(2110, 16, 1,
-                              "Cannot alter trigger '" + definition.name.object() + "' on '" +
-                                  definition.parent.toString() +
-                                  "' because this trigger does not belong to this object.",
+            throw EngineError(8197, 16, 6,
+                              "The object '" + definition.parent.toString() +
+                                  "' does not exist or is invalid for this operation.",
                               ErrorEffect::EndsBatch);
+        requireOnlyInsteadOf(definition, *parent.database, *parent.object);
         module->parent = parent.object->id;
         place.schema = parent.object->schema;
     }
@@ -62,8 +106,17 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
                           "There is already an object named '" + definition.name.object() +
                               "' in the database.",
                           ErrorEffect::EndsBatch);
-    if (!existing && !node.create)
-        throw Errors::invalidObject(definition.name.toString());
+    if (!existing && !node.create) {
+        EngineError error = Errors::invalidObject(definition.name.toString());
+        error.message.state = 6;
+        throw error;
+    }
+    const auto &statements = definition.statements;
+    if (definition.kind == ObjectKind::ScalarFunction &&
+        (statements.empty() || !endsWithReturn(*statements.back())))
+        throw EngineError(455, 16, 2,
+                          "The last statement included within a function must be a return statement.",
+                          ErrorEffect::EndsBatch);
     module->id = existing ? existing->id : newObjectId();
     module->database = place.database->id();
     module->schema = place.schema;
@@ -77,8 +130,6 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
     Transactions::Change change(m_transactions);
     replaceObject(place.database, existing, module);
     change.finish();
-    m_context.rowCount = 0;
-    return Flow::Next;
 }
 
 /// Finds the types of parameters, results and columns. What a procedure or trigger does is looked at when it

@@ -111,6 +111,9 @@ Bound::TableScan Interpreter::findTable(const Ast::ObjectName &name)
 {
     requireReachable(name);
     const Bound::TableScan scan = findOrNull(name);
+    if (NamedSource system; !scan.table && findSystemSource(name, system))
+        throw EngineError(259, 16, 1, "Ad hoc updates to system catalogs are not allowed.",
+                          ErrorEffect::EndsBatch);
     if (!scan.table)
         throw Errors::invalidObject(name.toString());
     m_uses.push_back({scan.database, scan.table, TableUse::Access::Definition});
@@ -250,7 +253,7 @@ void Interpreter::willRead(const Bound::TableScan &scan, bool readUncommitted)
 void Interpreter::willWrite(const Bound::TableScan &scan)
 {
     if (scan.database)
-        requireOutsideFunction("a change of a table");
+        requireOutsideFunction("INSERT");
     m_uses.push_back({scan.database, scan.table, TableUse::Access::Write});
 }
 

@@ -127,6 +127,13 @@ void Interpreter::applyOption(const std::string &option, const std::string &valu
         if (value != "US_ENGLISH" && value != "ENGLISH" && value != "BRITISH")
             throw Errors::notSupported("the language " + value);
         m_context.dateOrder = value == "BRITISH" ? DateOrder::DayMonthYear : DateOrder::MonthDayYear;
+        m_sink->message({5703,
+                         1,
+                         0,
+                         std::string("Changed language setting to ") +
+                             (value == "BRITISH" ? "British" : "us_english") + '.',
+                         {},
+                         m_line});
     } else if (option == "TRANSACTION ISOLATION LEVEL")
         m_options.isolation = value == "READ UNCOMMITTED"  ? IsolationLevel::ReadUncommitted
                               : value == "REPEATABLE READ" ? IsolationLevel::RepeatableRead
@@ -137,6 +144,15 @@ void Interpreter::applyOption(const std::string &option, const std::string &valu
                           ErrorEffect::EndsBatch);
 }
 
+/// The full name of the table that takes identity values.
+std::string Interpreter::nameOfIdentityInsert() const
+{
+    for (const DatabasePtr &database : m_state.databases.all())
+        if (const TablePtr table = database->findTable(*m_options.identityInsertTable))
+            return database->name() + '.' + table->schema + '.' + table->name;
+    return {};
+}
+
 Interpreter::Flow Interpreter::run(const Ast::SetIdentityInsert &node)
 {
     const Bound::TableScan scan = findTable(node.table);
@@ -145,10 +161,9 @@ Interpreter::Flow Interpreter::run(const Ast::SetIdentityInsert &node)
                           "Table '" + scan.table->name +
                               "' does not have the identity property. Cannot perform SET operation.");
     if (node.on && m_options.identityInsertTable && *m_options.identityInsertTable != scan.table->id)
-        throw EngineError(
-            8107, 16, 1,
-            "IDENTITY_INSERT is already ON for another table. Cannot perform SET operation for table '" +
-                scan.table->name + "'.");
+        throw EngineError(8107, 16, 1,
+                          "IDENTITY_INSERT is already ON for table '" + nameOfIdentityInsert() +
+                              "'. Cannot perform SET operation for table '" + scan.table->name + "'.");
     if (node.on)
         m_options.identityInsertTable = scan.table->id;
     else if (m_options.identityInsertTable == scan.table->id)

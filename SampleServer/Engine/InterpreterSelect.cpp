@@ -233,6 +233,8 @@ void Interpreter::selectInto(const Ast::Select &node)
     Table definition;
     definition.name = name.object();
     definition.schema = place.schema;
+    const bool joins = query->from.size() != 1 ||
+                       std::holds_alternative<Bound::JoinedSources>(query->from[0]->node); // several tables
     for (const Bound::OutputColumn &output : query->columns) {
         if (output.info.name.empty())
             throw Errors::emptyIdentifier();
@@ -241,7 +243,7 @@ void Interpreter::selectInto(const Ast::Select &node)
         column.id = column.storage = ++definition.lastColumnId;
         column.type = output.info.type;
         column.nullable = output.info.nullable;
-        column.identity = output.info.identity && !definition.identity && !query->op;
+        column.identity = output.info.identity && !definition.identity && !query->op && !joins;
         if (column.identity)
             definition.identity = std::make_shared<IdentityCounter>(1, 1);
         if (definition.findColumn(column.name))

@@ -128,6 +128,10 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
         const Value value = evaluate(expression, IntType);
         return isNull(value) ? std::int64_t{0} : std::get<std::int64_t>(value);
     };
+    if (number(*node.severity) > 18 && !node.log)
+        throw EngineError(2754, 16, 1,
+                          "Error severity levels greater than 18 can only be specified by members of the "
+                          "sysadmin role, using the WITH LOG option.");
     ServerMessage message;
     message.severity = static_cast<std::uint8_t>(std::clamp<std::int64_t>(number(*node.severity), 0, 25));
     const std::int64_t state = number(*node.state);
@@ -137,6 +141,12 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
     std::vector<MessageArgument> arguments;
     for (const auto &argument : node.arguments) {
         const auto value = binder().bindValue(*argument);
+        const TypeId type = value->type.id;
+        if (!isInteger(type) && !isText(type) && !isBinary(type))
+            throw EngineError(2748, 16, 1,
+                              std::string("Cannot specify ") + messageTypeName(type) +
+                                  " data type (parameter " + std::to_string(arguments.size() + 4) +
+                                  ") as a substitution parameter.");
         arguments.push_back({value->type, evaluate(*value)});
     }
     const auto *id = std::get_if<std::int64_t>(&text);
@@ -160,7 +170,7 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
         message.text =
             formatMessage(isNull(format) ? std::string() : std::get<std::string>(format), arguments);
     }
-    m_context.lastError = message.severity > 10 ? message.number : 0;
+    m_context.lastError = message.severity > 10 || node.setsError ? message.number : 0;
     m_context.rowCount = 0;
     message.procedure = m_frame->procedure;
     if (message.severity > 10) {
@@ -170,6 +180,8 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
         if (!error.isReported) // a CATCH block is going to handle it
             throw error;
     } else {
+        if (message.severity == 10) // clients see 0
+            message.severity = 0;
         m_sink->message(message);
     }
     if (node.noWait)

@@ -30,10 +30,13 @@ class RowSearch
 public:
     RowSearch(Interpreter &interpreter, const Ast::ObjectName &name,
               const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with,
-              const InsteadOf &instead)
+              const InsteadOf &instead, const char *verb)
         : m_interpreter(interpreter)
         , m_binder(interpreter.binder())
     {
+        for (const Ast::CommonTable &common : with)
+            if (name.parts.size() == 1 && foldedName(common.name) == foldedName(name.object()))
+                throw Errors::notSupported("changes of rows through common table expressions");
         m_binder.useCommonTables(with);
         m_binder.enterScope(m_scope);
         m_target.from = m_binder.bindFrom(from, m_scope);
@@ -43,6 +46,8 @@ public:
                 m_target.scan, instead.isActive() ? name.object() : m_target.scan.table->name, m_scope));
             m_target.alias = m_target.from.back()->alias;
         }
+        if (m_target.scan.database)
+            interpreter.requireOutsideFunction(verb);
         interpreter.willWrite(m_target.scan);
     }
 
@@ -59,6 +64,8 @@ public:
                                 const Ast::ExpressionPtr &where, const std::optional<Ast::Top> &top)
     {
         const auto condition = where ? m_binder.bindCondition(*where) : nullptr;
+        if (top && top->percent)
+            throw Errors::notSupported("TOP ... PERCENT in UPDATE and DELETE");
         const auto limit = top ? m_binder.bindValueAs(*top->count, RowIdType) : nullptr;
         m_interpreter.lockUses();
         const Emitted emitted =
@@ -183,15 +190,18 @@ Setting bindSetting(RowSearch &search, const Ast::Assignment &assignment)
 Interpreter::Flow Interpreter::run(const Ast::Update &node)
 {
     InsteadOf instead(*this, node.table, TableChange::Event::Update);
-    RowSearch search(*this, node.table, node.from, node.with, instead);
+    RowSearch search(*this, node.table, node.from, node.with, instead, "UPDATE");
     std::vector<Setting> settings;
     std::vector<Bound::ExpressionPtr> expressions;
     std::vector<std::size_t> columns;
     for (const Ast::Assignment &assignment : node.assignments) {
         settings.push_back(bindSetting(search, assignment));
         expressions.push_back(settings.back().value);
-        if (settings.back().column)
-            columns.push_back(*settings.back().column);
+        const auto column = settings.back().column;
+        if (column && std::find(columns.begin(), columns.end(), *column) != columns.end())
+            throw assignedTwice(assignment.column);
+        if (column)
+            columns.push_back(*column);
     }
     const auto &tableColumns = search.target().scan.table->columns;
     const auto version = std::find_if(tableColumns.begin(), tableColumns.end(),
@@ -236,7 +246,7 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
 Interpreter::Flow Interpreter::run(const Ast::Delete &node)
 {
     InsteadOf instead(*this, node.table, TableChange::Event::Delete);
-    RowSearch search(*this, node.table, node.from, node.with, instead);
+    RowSearch search(*this, node.table, node.from, node.with, instead, "DELETE");
     TableChange rows(*this, search.target().scan, TableChange::Event::Delete);
     std::vector<Bound::ExpressionPtr> expressions;
     if (instead.isActive())
@@ -273,6 +283,8 @@ Interpreter::Flow Interpreter::run(const Ast::TruncateTable &node)
                 throw EngineError(4712, 16, 1,
                                   "Cannot truncate table '" + node.table.object() +
                                       "' because it is being referenced by a FOREIGN KEY constraint.");
+    if (scan.database)
+        requireOutsideFunction("TRUNCATE TABLE");
     willWrite(scan);
     lockUses();
     Transactions::Change change(m_transactions);

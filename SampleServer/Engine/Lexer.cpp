@@ -168,6 +168,14 @@ private:
         token.value = m_sql.substr(start, m_at - start);
     }
 
+    /// The size of a backslash with the line end behind it, which a constant goes on after; 0 for others.
+    std::size_t continuationSize() const
+    {
+        if (at() != '\\')
+            return 0;
+        return at(1) == '\n' ? 2 : at(1) == '\r' && at(2) == '\n' ? 3 : 0;
+    }
+
     /// Reads to the closing quote; a doubled one stands for itself.
     void readQuoted(Token &token, TokenKind kind, char close)
     {
@@ -183,6 +191,11 @@ private:
                 if (at(1) != close)
                     break;
                 advance(1);
+            }
+            if (const std::size_t size = continuationSize();
+                size > 0 && kind != TokenKind::QuotedIdentifier) {
+                advance(size);
+                continue;
             }
             token.value += at();
             advance(1);

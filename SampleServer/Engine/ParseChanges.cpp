@@ -7,6 +7,28 @@ namespace SampleServer {
 
 using namespace Ast;
 
+/// WITH names AS (queries) before the statement that uses them.
+StatementPtr Parser::parseWithStatement()
+{
+    std::vector<CommonTable> with = parseWith();
+    const std::string keyword = current().keyword;
+    if (keyword != "SELECT" && keyword != "INSERT" && keyword != "UPDATE" && keyword != "DELETE" &&
+        !isSymbol("("))
+        failHere();
+    auto result = isSymbol("(") ? statement(std::move(*parseSelect())) : parseDataStatement(keyword);
+    if (auto *select = std::get_if<Select>(&result->node)) {
+        select->with = std::move(with);
+    } else if (auto *insert = std::get_if<Insert>(&result->node)) {
+        if (insert->query)
+            insert->query->with = std::move(with);
+    } else if (auto *update = std::get_if<Update>(&result->node)) {
+        update->with = std::move(with);
+    } else {
+        std::get<Delete>(result->node).with = std::move(with);
+    }
+    return result;
+}
+
 StatementPtr Parser::parseInsert()
 {
     expectKeyword("INSERT");
@@ -42,6 +64,8 @@ StatementPtr Parser::parseInsert()
 StatementPtr Parser::parseUpdate()
 {
     expectKeyword("UPDATE");
+    if (isKeyword("STATISTICS"))
+        refuse("UPDATE STATISTICS");
     Update update;
     update.top = parseTop();
     update.table = parseTableName();
@@ -58,14 +82,7 @@ StatementPtr Parser::parseUpdate()
         if (hasColumn) {
             const ObjectName column = parseObjectName();
             assignment.column = column.object();
-            static constexpr std::pair<std::string_view, ArithmeticOperator> compound[] = {
-                {"+=", ArithmeticOperator::Add},
-                {"-=", ArithmeticOperator::Subtract},
-                {"*=", ArithmeticOperator::Multiply},
-                {"/=", ArithmeticOperator::Divide}};
-            for (const auto &[symbol, op] : compound)
-                if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
-                    assignment.value = make(Arithmetic{op, make(ColumnReference{column}), parseExpression()});
+            assignment.value = parseCompound(make(ColumnReference{column}));
             if (!assignment.value)
                 expectSymbol("=");
         }

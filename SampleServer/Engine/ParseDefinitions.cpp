@@ -1,6 +1,7 @@
 #include "Engine/DefinitionText.h"
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
+#include "Engine/ScopedValue.h"
 
 #include <charconv>
 #include <utility>
@@ -14,6 +15,7 @@ using namespace Ast;
 DefinedExpression Parser::keepExpression(ExpressionPtr (Parser::*parse)())
 {
     const std::size_t start = m_at;
+    const ScopedValue<bool> scalar(m_allowsSubqueries, false);
     DefinedExpression kept;
     kept.expression = (this->*parse)();
     kept.text = definitionText({m_tokens.data() + start, m_at - start});
@@ -171,6 +173,7 @@ bool Parser::parseColumnConstraint(CreateTable &table, const std::string &column
     constraint.name = std::exchange(name, {});
     if (acceptKeyword("DEFAULT")) {
         constraint.kind = ConstraintKind::Default;
+        const ScopedValue<bool> constant(m_allowsColumns, false);
         constraint.expression = keepExpression(&Parser::parseExpression);
     } else if (isKeyword("PRIMARY") || isKeyword("UNIQUE")) {
         parseKey(constraint);
@@ -213,6 +216,7 @@ void Parser::parseTableConstraint(CreateTable &table)
         parseReference(constraint);
     } else if (acceptKeyword("DEFAULT")) {
         constraint.kind = ConstraintKind::Default;
+        const ScopedValue<bool> constant(m_allowsColumns, false);
         constraint.expression = keepExpression(&Parser::parseExpression);
         expectKeyword("FOR");
         constraint.column = expectName();

@@ -33,9 +33,11 @@ ExpressionPtr Parser::requireValue(ExpressionPtr expression) const
 
 ExpressionPtr Parser::requireCondition(ExpressionPtr expression) const
 {
-    if (!isCondition(*expression))
-        fail(Errors::nonBooleanCondition(current().source), current().line);
-    return expression;
+    if (isCondition(*expression))
+        return expression;
+    if (current().kind == TokenKind::Symbol && current().value.ends_with('=')) // *= is no comparison
+        failHere();
+    fail(Errors::nonBooleanCondition(current().source), current().line);
 }
 
 ExpressionPtr Parser::parseExpression()
@@ -232,6 +234,11 @@ SelectPtr Parser::parseParenthesizedSelect()
 {
     const NestingGuard guard(*this);
     expectSymbol("(");
+    if (!m_allowsSubqueries)
+        fail(EngineError(1046, 15, 1,
+                         "Subqueries are not allowed in this context. Only scalar expressions are allowed.",
+                         ErrorEffect::EndsBatch),
+             current().line);
     auto select = isSymbol("(") && !atSubquery() ? nullptr : parseSelect();
     if (!select)
         failHere();
@@ -265,12 +272,17 @@ ExpressionPtr Parser::parsePrimary()
         m_at += 2;
         result = parseXmlMethod(std::move(result));
     }
+    for (const char *method : {"exist", "modify", "nodes", "query"})
+        if (isSymbol(".") && equalsIgnoringAsciiCase(ahead(1).value, method) && ahead(2).source == "(")
+            refuse(std::string("the XML method ") + method);
     while (isKeyword("COLLATE")) {
         ++m_at;
-        const std::string collation = asciiUpper(expectName());
-        if (collation != "DATABASE_DEFAULT" && collation.find("_CI_AS") == std::string::npos)
+        const std::string collation = expectName(), upper = asciiUpper(collation);
+        if (upper != "DATABASE_DEFAULT" && upper.find("_CI_AS") == std::string::npos)
             refuse("the collation " + collation);
     }
+    if (isKeyword("AT") && ahead(1).keyword == "TIME" && ahead(2).keyword == "ZONE")
+        refuse("AT TIME ZONE");
     return result;
 }
 
@@ -292,6 +304,12 @@ ExpressionPtr Parser::parseWordExpression()
             return make(Comparison{ComparisonOperator::Equal, parseFunction({{"UPDATE"}}), std::move(one)});
         }
         const bool called = ahead(1).kind == TokenKind::Symbol && ahead(1).value == "(";
+        for (const char *word : {"CONTAINS", "FREETEXT"})
+            if (called && token.keyword == word)
+                refuse(word);
+        for (const char *word : {"IDENTITY", "PARSE", "TRY_PARSE"}) // their arguments are no expressions
+            if (called && token.keyword == word)
+                refuse(std::string("the function ") + word);
         if (called &&
             (token.keyword == "CAST" || (token.keyword == "TRY_CAST" && m_edition >= Edition::Sql2022)))
             return parseCast(token.keyword == "TRY_CAST");
@@ -306,8 +324,7 @@ ExpressionPtr Parser::parseWordExpression()
             ++m_at;
             return make(FunctionCall{{{token.keyword}}, {}, false, false, {}, {}});
         }
-        static constexpr std::string_view functionWords[] = {"COALESCE", "LEFT", "NULLIF", "RIGHT",
-                                                             "IDENTITY"};
+        static constexpr std::string_view functionWords[] = {"COALESCE", "LEFT", "NULLIF", "RIGHT"};
         if (called && std::find(std::begin(functionWords), std::end(functionWords), token.keyword) !=
                           std::end(functionWords)) {
             ++m_at;
@@ -321,176 +338,14 @@ ExpressionPtr Parser::parseWordExpression()
     }
     if (isSymbol("("))
         return parseFunction(std::move(name));
+    if (!m_allowsColumns)
+        fail(EngineError(128, 15, 1,
+                         "The name \"" + name.toString() +
+                             "\" is not permitted in this context. Valid expressions are constants, constant "
+                             "expressions, and (in some contexts) variables. Column names are not permitted.",
+                         ErrorEffect::EndsBatch),
+             token.line);
     return make(ColumnReference{std::move(name)});
-}
-
-ExpressionPtr Parser::parseFunction(ObjectName name)
-{
-    const NestingGuard guard(*this);
-    FunctionCall call;
-    call.name = std::move(name);
-    if (call.name.parts.size() == 1 && !hasFunction(m_edition, asciiUpper(call.name.object())))
-        fail(m_edition == Edition::Sql2000
-                 ? EngineError(195, 15, 10,
-                               '\'' + call.name.object() + "' is not a recognized function name.",
-                               ErrorEffect::EndsBatch)
-                 : Errors::unknownFunction(call.name.object()),
-             current().line);
-    expectSymbol("(");
-    if (acceptSymbol("*")) {
-        call.star = true;
-    } else if (!isSymbol(")")) {
-        call.distinct = acceptKeyword("DISTINCT");
-        if (!call.distinct)
-            acceptKeyword("ALL");
-        if (call.name.parts.size() == 1 && equalsIgnoringAsciiCase(call.name.object(), "iif")) {
-            call.arguments.push_back(parseCondition());
-            expectSymbol(",");
-        }
-        do
-            call.arguments.push_back(acceptKeyword("DEFAULT") ? nullptr : parseExpression());
-        while (acceptSymbol(","));
-    }
-    expectSymbol(")");
-    if (acceptKeyword("WITHIN")) {
-        expectKeyword("GROUP");
-        expectSymbol("(");
-        expectKeyword("ORDER");
-        expectKeyword("BY");
-        call.withinGroup = parseOrderItems();
-        expectSymbol(")");
-    }
-    if (isKeyword("OVER")) {
-        require(Edition::Sql2008);
-        ++m_at;
-        call.over = parseWindow();
-        static constexpr std::string_view rankings[] = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
-        const bool ranks = std::find(std::begin(rankings), std::end(rankings),
-                                     asciiUpper(call.name.object())) != std::end(rankings);
-        if (m_edition < Edition::Sql2022 && !call.over->order.empty() && !ranks)
-            fail(Errors::syntaxNear("order"), current().line);
-    }
-    int depth = 0;
-    for (const auto &argument : call.arguments)
-        depth = std::max(depth, argument ? argument->depth : 0);
-    auto result = make(std::move(call));
-    result->depth = depth + 1;
-    return result;
-}
-
-Window Parser::parseWindow()
-{
-    Window window;
-    expectSymbol("(");
-    if (isName() && isKeyword("PARTITION")) {
-        ++m_at;
-        expectKeyword("BY");
-        do
-            window.partition.push_back(parseExpression());
-        while (acceptSymbol(","));
-    }
-    if (acceptKeyword("ORDER")) {
-        expectKeyword("BY");
-        window.order = parseOrderItems();
-    }
-    window.frame = parseFrame();
-    expectSymbol(")");
-    return window;
-}
-
-/// ROWS BETWEEN 1 PRECEDING AND CURRENT ROW and its kin; empty where none stands.
-std::string Parser::parseFrame()
-{
-    if (!isKeyword("ROWS") && !isKeyword("RANGE"))
-        return {};
-    require(Edition::Sql2022);
-    std::string frame;
-    while (!isSymbol(")")) {
-        const Token &token = current();
-        if (token.kind != TokenKind::Word && token.kind != TokenKind::Integer)
-            failHere();
-        frame += (frame.empty() ? "" : " ") + (token.kind == TokenKind::Word ? token.keyword : token.value);
-        ++m_at;
-    }
-    return frame;
-}
-
-/// ('path', 'type') of the method value.
-ExpressionPtr Parser::parseXmlMethod(ExpressionPtr operand)
-{
-    const auto text = [this] {
-        if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
-            failHere();
-        return m_tokens[m_at++].value;
-    };
-    MethodCall call;
-    call.method = "value";
-    expectSymbol("(");
-    call.path = text();
-    expectSymbol(",");
-    call.type = Parser(text(), {}).parseTypeName();
-    expectSymbol(")");
-    const auto *child = operand.get();
-    call.operand = std::move(operand);
-    return make(std::move(call), {child});
-}
-
-ExpressionPtr Parser::parseCase()
-{
-    const NestingGuard guard(*this);
-    expectKeyword("CASE");
-    Case node;
-    if (!isKeyword("WHEN"))
-        node.input = parseExpression();
-    int depth = 0;
-    while (acceptKeyword("WHEN")) {
-        Case::Branch branch;
-        branch.when = node.input ? parseExpression() : parseCondition();
-        expectKeyword("THEN");
-        branch.then = parseExpression();
-        depth = std::max({depth, branch.when->depth, branch.then->depth});
-        node.branches.push_back(std::move(branch));
-    }
-    if (node.branches.empty())
-        failHere();
-    if (acceptKeyword("ELSE")) {
-        node.otherwise = parseExpression();
-        depth = std::max(depth, node.otherwise->depth);
-    }
-    expectKeyword("END");
-    auto result = make(std::move(node));
-    result->depth = depth + 1;
-    return result;
-}
-
-ExpressionPtr Parser::parseCast(bool isTry)
-{
-    ++m_at;
-    expectSymbol("(");
-    Cast cast;
-    cast.isTry = isTry;
-    cast.operand = parseExpression();
-    expectKeyword("AS");
-    cast.type = parseTypeName();
-    expectSymbol(")");
-    const auto *child = cast.operand.get();
-    return make(std::move(cast), {child});
-}
-
-ExpressionPtr Parser::parseConvert(bool isTry)
-{
-    ++m_at;
-    expectSymbol("(");
-    Cast cast;
-    cast.isTry = isTry;
-    cast.type = parseTypeName();
-    expectSymbol(",");
-    cast.operand = parseExpression();
-    if (acceptSymbol(","))
-        cast.style = parseExpression();
-    expectSymbol(")");
-    const auto *child = cast.operand.get();
-    return make(std::move(cast), {child});
 }
 
 } // namespace SampleServer

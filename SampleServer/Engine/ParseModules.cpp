@@ -17,10 +17,14 @@ bool Parser::atModule() const
 StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
 {
     const std::string word = current().keyword;
+    const bool isProcedure = word == "PROCEDURE" || word == "PROC";
     if (start != 0)
         fail(EngineError(111, 15, 1,
-                         "'" + std::string(create ? "CREATE" : "ALTER") +
-                             (create && alter ? " OR ALTER " : " ") + word +
+                         "'" +
+                             std::string(isProcedure ? "CREATE/ALTER "
+                                         : create    ? "CREATE "
+                                                     : "ALTER ") +
+                             (isProcedure ? "PROCEDURE" : word) +
                              "' must be the first statement in a query batch.",
                          ErrorEffect::EndsBatch),
              current().line);
@@ -28,6 +32,7 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
     ++m_at;
     auto definition = std::make_shared<ModuleDefinition>();
     definition->name = parseObjectName();
+    m_module = definition->name.object();
     if (word == "VIEW")
         parseViewRest(*definition);
     else if (word == "FUNCTION")
@@ -63,6 +68,7 @@ void Parser::parseModuleOptions(ModuleDefinition &module)
             expectKeyword("ON");
             expectKeyword("NULL");
             expectName();
+            module.nullOnNull = true;
         } else if (option == "ENCRYPTION") {
             module.encrypted = true;
         } else if (option == "SCHEMABINDING") {

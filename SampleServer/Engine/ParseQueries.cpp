@@ -1,6 +1,9 @@
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
+#include "Types/Collation.h"
 #include "Types/Text.h"
+
+#include <algorithm>
 
 namespace SampleServer {
 
@@ -30,7 +33,16 @@ std::vector<CommonTable> Parser::parseWith()
     std::vector<CommonTable> tables;
     do {
         CommonTable table;
+        const int line = current().line;
         table.name = expectName();
+        const bool isKnown = std::any_of(tables.begin(), tables.end(), [&table](const CommonTable &other) {
+            return foldedName(other.name) == foldedName(table.name);
+        });
+        if (isKnown)
+            fail(EngineError(239, 16, 1,
+                             "Duplicate common table expression name '" + table.name + "' was specified.",
+                             ErrorEffect::EndsBatch),
+                 line);
         if (acceptSymbol("(")) {
             do
                 table.columns.push_back(expectName());
@@ -71,9 +83,11 @@ ForXml Parser::parseForXml()
             result.typed = true;
         else if (acceptKeyword("ROOT"))
             result.root = isSymbol("(") ? text() : "root";
-        else if (acceptKeyword("ELEMENTS"))
+        else if (acceptKeyword("ELEMENTS")) {
             result.attributes = false;
-        else
+            if (isKeyword("XSINIL"))
+                refuse("FOR XML with XSINIL");
+        } else
             refuse("FOR XML with the option " + current().keyword);
     }
     return result;
@@ -95,6 +109,7 @@ std::unique_ptr<Query> Parser::parseQuery()
         }
         combined->left = std::move(left);
         combined->right = parseIntersection();
+        requireNoInto(*combined->right);
         left = std::move(combined);
     }
     return left;
@@ -111,9 +126,21 @@ std::unique_ptr<Query> Parser::parseIntersection()
         combined->op = SetOperator::Intersect;
         combined->left = std::move(left);
         combined->right = parseQueryTerm();
+        requireNoInto(*combined->right);
         left = std::move(combined);
     }
     return left;
+}
+
+/// INTO belongs to the first of the queries that are combined.
+void Parser::requireNoInto(const Query &query) const
+{
+    if (!query.op && query.specification.into)
+        fail(EngineError(196, 15, 1,
+                         "SELECT INTO must be the first query in a statement containing a UNION, INTERSECT "
+                         "or EXCEPT operator.",
+                         ErrorEffect::EndsBatch),
+             query.line);
 }
 
 std::unique_ptr<Query> Parser::parseQueryTerm()
@@ -149,7 +176,11 @@ void Parser::parseSpecification(QuerySpecification &query)
         query.where = parseCondition();
     if (acceptKeyword("GROUP")) {
         expectKeyword("BY");
-        acceptKeyword("ALL");
+        const bool refused = isKeyword("ALL") || isKeyword("ROLLUP") || isKeyword("CUBE");
+        if (refused && (isKeyword("ALL") || ahead(1).source == "("))
+            refuse("GROUP BY " + current().keyword);
+        if (isKeyword("GROUPING") && ahead(1).keyword == "SETS")
+            refuse("GROUP BY GROUPING SETS");
         do
             query.groupBy.push_back(parseExpression());
         while (acceptSymbol(","));
@@ -231,182 +262,6 @@ std::string Parser::parseAlias()
     if (as)
         failHere();
     return {};
-}
-
-std::vector<TableSourcePtr> Parser::parseFrom()
-{
-    std::vector<TableSourcePtr> tables;
-    do
-        tables.push_back(parseJoinedTable());
-    while (acceptSymbol(","));
-    return tables;
-}
-
-TableSourcePtr Parser::parseJoinedTable()
-{
-    const NestingGuard guard(*this);
-    auto left = parseTable();
-    while (const auto kind = acceptJoin()) {
-        auto join = std::make_unique<TableSource>();
-        join->line = current().line;
-        Join node{*kind, std::move(left), nullptr, nullptr};
-        node.right = parseTable();
-        if (*kind != JoinKind::Cross && *kind != JoinKind::CrossApply && *kind != JoinKind::OuterApply) {
-            expectKeyword("ON");
-            node.condition = parseCondition();
-        }
-        join->node = std::move(node);
-        left = std::move(join);
-    }
-    return left;
-}
-
-std::optional<JoinKind> Parser::acceptJoin()
-{
-    if (acceptKeyword("CROSS")) {
-        if (isKeyword("APPLY")) {
-            require(Edition::Sql2008);
-            ++m_at;
-            return JoinKind::CrossApply;
-        }
-        expectKeyword("JOIN");
-        return JoinKind::Cross;
-    }
-    if (isKeyword("OUTER") && ahead(1).keyword == "APPLY") {
-        require(Edition::Sql2008);
-        m_at += 2;
-        return JoinKind::OuterApply;
-    }
-    if (acceptKeyword("JOIN"))
-        return JoinKind::Inner;
-    std::optional<JoinKind> kind;
-    if (acceptKeyword("INNER"))
-        kind = JoinKind::Inner;
-    else if (acceptKeyword("LEFT"))
-        kind = JoinKind::Left;
-    else if (acceptKeyword("RIGHT"))
-        kind = JoinKind::Right;
-    else if (acceptKeyword("FULL"))
-        kind = JoinKind::Full;
-    if (!kind)
-        return {};
-    if (*kind != JoinKind::Inner)
-        acceptKeyword("OUTER");
-    if (isKeyword("HASH") || isKeyword("LOOP") || isKeyword("MERGE"))
-        ++m_at; // a hint for an optimizer that is not here
-    expectKeyword("JOIN");
-    return kind;
-}
-
-TableSourcePtr Parser::parseTable()
-{
-    if (isSymbol("("))
-        return parseParenthesizedTable();
-    auto table = std::make_unique<TableSource>();
-    table->line = current().line;
-    ObjectName name = parseTableName();
-    const bool hints =
-        isSymbol("(") && (ahead(1).keyword == "NOLOCK" || ahead(1).keyword == "READUNCOMMITTED");
-    if (isSymbol("(") && !hints) {
-        FunctionTable function{std::move(name), {}};
-        if (m_edition < Edition::Sql2022 && equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
-            fail(Errors::invalidObject(function.name.toString()), table->line);
-        expectSymbol("(");
-        if (!isSymbol(")"))
-            do
-                function.arguments.push_back(acceptKeyword("DEFAULT") ? nullptr : parseExpression());
-            while (acceptSymbol(","));
-        expectSymbol(")");
-        table->node = std::move(function);
-        parseTableAlias(*table);
-        return table;
-    }
-    NamedTable named{std::move(name), false};
-    if (hints)
-        named.readUncommitted = parseHintList();
-    parseTableAlias(*table);
-    if (isSymbol("(") && ahead(1).keyword == "NOLOCK")
-        named.readUncommitted = parseHintList();
-    named.readUncommitted = parseTableHints() || named.readUncommitted;
-    table->node = std::move(named);
-    return table;
-}
-
-TableSourcePtr Parser::parseParenthesizedTable()
-{
-    const NestingGuard guard(*this);
-    const int line = current().line;
-    if (atSubquery()) {
-        auto table = std::make_unique<TableSource>();
-        table->line = line;
-        table->node = DerivedTable{parseParenthesizedSelect()};
-        parseTableAlias(*table);
-        if (table->alias.empty())
-            failHere();
-        return table;
-    }
-    expectSymbol("(");
-    if (isKeyword("VALUES")) {
-        require(Edition::Sql2008);
-        ++m_at;
-        auto table = std::make_unique<TableSource>();
-        table->line = line;
-        table->node = ValuesTable{parseRows(false)};
-        expectSymbol(")");
-        parseTableAlias(*table);
-        if (table->alias.empty())
-            failHere();
-        return table;
-    }
-    auto table = parseJoinedTable();
-    expectSymbol(")");
-    return table;
-}
-
-void Parser::parseTableAlias(TableSource &table)
-{
-    const bool as = acceptKeyword("AS");
-    if (!isName()) {
-        if (as)
-            failHere();
-        return;
-    }
-    table.alias = expectName();
-    if (!isSymbol("(") || std::holds_alternative<NamedTable>(table.node) || ahead(1).keyword == "NOLOCK")
-        return;
-    expectSymbol("(");
-    do
-        table.columns.push_back(expectName());
-    while (acceptSymbol(","));
-    expectSymbol(")");
-}
-
-bool Parser::parseTableHints()
-{
-    if (!isKeyword("WITH") || ahead(1).kind != TokenKind::Symbol || ahead(1).value != "(")
-        return false;
-    ++m_at;
-    return parseHintList();
-}
-
-/// Reads (hint, hint ...); true when one of them asks not to wait for locks. The others do not apply here.
-bool Parser::parseHintList()
-{
-    bool readUncommitted = false;
-    expectSymbol("(");
-    while (!acceptSymbol(")")) {
-        if (current().kind == TokenKind::End)
-            failHere();
-        readUncommitted = readUncommitted || isKeyword("NOLOCK") || isKeyword("READUNCOMMITTED");
-        ++m_at;
-        if (acceptSymbol("(")) // what INDEX(name) names
-            while (!acceptSymbol(")")) {
-                if (current().kind == TokenKind::End)
-                    failHere();
-                ++m_at;
-            }
-    }
-    return readUncommitted;
 }
 
 void Parser::parseOrderBy(Select &select)

@@ -1,5 +1,6 @@
 #include "Engine/Errors.h"
 #include "Engine/Parser.h"
+#include "Engine/ScopedValue.h"
 #include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 
@@ -26,6 +27,13 @@ StatementPtr Parser::parseStatement()
     if (!result)
         failHere();
     result->line = line;
+    if (isKeyword("WITH"))
+        fail(EngineError(319, 15, 1,
+                         "Incorrect syntax near the keyword 'with'. If this statement is a common table "
+                         "expression, an xmlnamespaces clause or a change tracking context clause, the "
+                         "previous statement must be terminated with a semicolon.",
+                         ErrorEffect::EndsBatch),
+             current().line);
     while (acceptSymbol(";")) {
     }
     return result;
@@ -57,12 +65,12 @@ StatementPtr Parser::parseControlStatement(const std::string &keyword)
                                 : keyword == "ROLLBACK" ? Transaction::Kind::Rollback
                                                         : Transaction::Kind::Save);
     }
-    if (acceptKeyword("BREAK"))
-        return statement(Break());
-    if (acceptKeyword("CONTINUE"))
-        return statement(Continue());
-    if (acceptKeyword("PRINT"))
+    if (keyword == "BREAK" || keyword == "CONTINUE")
+        return parseLoopExit(keyword == "BREAK");
+    if (acceptKeyword("PRINT")) {
+        const ScopedValue<bool> scalar(m_allowsSubqueries, false);
         return statement(Print{parseExpression()});
+    }
     if (acceptKeyword("USE"))
         return statement(Use{expectName()});
     if (acceptKeyword("RETURN"))
@@ -194,8 +202,21 @@ StatementPtr Parser::parseWhile()
     expectKeyword("WHILE");
     While node;
     node.condition = parseCondition();
+    const ScopedValue<int> inside(m_loops, m_loops + 1);
     node.body = parseStatement();
     return statement(std::move(node));
+}
+
+StatementPtr Parser::parseLoopExit(bool isBreak)
+{
+    if (m_loops == 0)
+        fail(EngineError(isBreak ? 135 : 136, 15, 1,
+                         "Cannot use a " + current().keyword +
+                             " statement outside the scope of a WHILE statement.",
+                         ErrorEffect::EndsBatch),
+             current().line);
+    ++m_at;
+    return isBreak ? statement(Break()) : statement(Continue());
 }
 
 StatementPtr Parser::parseDeclare()
@@ -243,19 +264,31 @@ StatementPtr Parser::parseSet()
     expectKeyword("SET");
     if (current().kind != TokenKind::Variable)
         return parseSetOption();
-    const std::string name = expectVariable();
-    static constexpr std::pair<std::string_view, ArithmeticOperator> compound[] = {
+    const std::string name = expectVariable(1);
+    if (auto value = parseCompound(make(VariableReference{name})))
+        return statement(SetVariable{name, std::move(value)});
+    expectSymbol("=");
+    return statement(SetVariable{name, parseExpression()});
+}
+
+/// += and its kin with what follows them: the new value. Null where none of them stands.
+ExpressionPtr Parser::parseCompound(ExpressionPtr target)
+{
+    static constexpr std::pair<std::string_view, ArithmeticOperator> arithmetic[] = {
         {"+=", ArithmeticOperator::Add},
         {"-=", ArithmeticOperator::Subtract},
         {"*=", ArithmeticOperator::Multiply},
         {"/=", ArithmeticOperator::Divide},
         {"%=", ArithmeticOperator::Modulo}};
-    for (const auto &[symbol, op] : compound)
+    static constexpr std::pair<std::string_view, BitOperator> bits[] = {
+        {"&=", BitOperator::And}, {"|=", BitOperator::Or}, {"^=", BitOperator::Xor}};
+    for (const auto &[symbol, op] : arithmetic)
         if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
-            return statement(
-                SetVariable{name, make(Arithmetic{op, make(VariableReference{name}), parseExpression()})});
-    expectSymbol("=");
-    return statement(SetVariable{name, parseExpression()});
+            return make(Arithmetic{op, std::move(target), parseExpression()});
+    for (const auto &[symbol, op] : bits)
+        if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
+            return make(Bitwise{op, std::move(target), parseExpression()});
+    return nullptr;
 }
 
 StatementPtr Parser::parseSetOption()
@@ -316,6 +349,8 @@ StatementPtr Parser::parseRaiseError()
             if (option != "NOWAIT" && option != "LOG" && option != "SETERROR")
                 failHere();
             node.noWait = node.noWait || option == "NOWAIT";
+            node.log = node.log || option == "LOG";
+            node.setsError = node.setsError || option == "SETERROR";
             ++m_at;
         } while (acceptSymbol(","));
     return statement(std::move(node));
@@ -389,28 +424,6 @@ StatementPtr Parser::parseExecute()
         node.arguments.push_back(std::move(argument));
     } while (acceptSymbol(","));
     return statement(std::move(node));
-}
-
-/// WITH names AS (queries) before the statement that uses them.
-StatementPtr Parser::parseWithStatement()
-{
-    std::vector<CommonTable> with = parseWith();
-    const std::string keyword = current().keyword;
-    if (keyword != "SELECT" && keyword != "INSERT" && keyword != "UPDATE" && keyword != "DELETE" &&
-        !isSymbol("("))
-        failHere();
-    auto result = isSymbol("(") ? statement(std::move(*parseSelect())) : parseDataStatement(keyword);
-    if (auto *select = std::get_if<Select>(&result->node)) {
-        select->with = std::move(with);
-    } else if (auto *insert = std::get_if<Insert>(&result->node)) {
-        if (insert->query)
-            insert->query->with = std::move(with);
-    } else if (auto *update = std::get_if<Update>(&result->node)) {
-        update->with = std::move(with);
-    } else {
-        std::get<Delete>(result->node).with = std::move(with);
-    }
-    return result;
 }
 
 } // namespace SampleServer

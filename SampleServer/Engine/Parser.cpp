@@ -88,13 +88,13 @@ std::string Parser::expectName()
     return m_tokens[m_at++].value;
 }
 
-std::string Parser::expectVariable()
+std::string Parser::expectVariable(int errorState)
 {
     if (current().kind != TokenKind::Variable)
         failHere();
     const Token &token = m_tokens[m_at++];
     if (!m_declared.contains(foldedName(token.value)))
-        fail(Errors::mustDeclareVariable(token.value), token.line);
+        fail(Errors::mustDeclareVariable(token.value, errorState), token.line);
     return token.value;
 }
 
@@ -122,6 +122,7 @@ void Parser::require(Edition edition) const
 void Parser::fail(EngineError error, int line) const
 {
     error.message.line = line;
+    error.message.procedure = m_module;
     error.hasLine = true;
     throw error;
 }

@@ -47,7 +47,7 @@ private:
     void expectKeyword(std::string_view keyword);
     void expectSymbol(std::string_view symbol);
     std::string expectName();
-    std::string expectVariable();
+    std::string expectVariable(int errorState = 2);
     [[noreturn]] void failHere() const;
     /// Fails at the current token unless the server is of that edition or a later one.
     void require(Edition edition) const;
@@ -59,6 +59,8 @@ private:
 
     // Statements
     Ast::StatementPtr parseStatement();
+    Ast::StatementPtr parseLoopExit(bool isBreak);
+    Ast::ExpressionPtr parseCompound(Ast::ExpressionPtr target);
     Ast::StatementPtr parseControlStatement(const std::string &keyword);
     Ast::StatementPtr parseDataStatement(const std::string &keyword);
     Ast::StatementPtr parseDefinitionStatement(const std::string &keyword);
@@ -152,6 +154,9 @@ private:
     std::string parseAlias();
     std::vector<Ast::TableSourcePtr> parseFrom();
     Ast::TableSourcePtr parseJoinedTable();
+    Ast::TableSourcePtr parseJoin(Ast::JoinKind kind, Ast::TableSourcePtr left);
+    Ast::TableSourcePtr parseNamedTable();
+    void requireNoInto(const Ast::Query &query) const;
     Ast::TableSourcePtr parseTable();
     Ast::TableSourcePtr parseParenthesizedTable();
     std::optional<Ast::JoinKind> acceptJoin();
@@ -199,6 +204,10 @@ private:
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_statementLine = 1;
+    int m_loops = 0;                        ///< how many WHILE loops are around
+    std::string m_module;                   ///< the one that is defined here, for errors
+    bool m_allowsColumns = true;            ///< not in DEFAULT
+    bool m_allowsSubqueries = true;         ///< not in constraints and PRINT
     std::set<std::string> m_declared;       ///< folded names of the variables declared so far
     std::set<std::string> m_declaredTables; ///< likewise of table variables
     std::set<std::string> m_mayBeTables;    ///< declared with what may be a table type

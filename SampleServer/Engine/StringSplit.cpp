@@ -1,6 +1,7 @@
 #include "Engine/Binder.h"
 #include "Engine/Errors.h"
 #include "Engine/RowProvider.h"
+#include "Types/TypeTraits.h"
 
 #include <sqlite3.h>
 
@@ -62,10 +63,17 @@ SourcePtr Binder::bindSplit(const Ast::TableSource &source, const Ast::FunctionT
 {
     if (function.arguments.size() != 2)
         throw Errors::argumentCount("string_split", 2);
-    constexpr SqlType type{TypeId::NVarChar, 4000, 0, 0};
+    const auto text = bindValue(*function.arguments[0]), separator = bindValue(*function.arguments[1]);
+    if (separator->type.length != 1)
+        throw EngineError(214, 16, 11,
+                          "Procedure expects parameter 'separator' of type 'nchar(1)/nvarchar(1)'.",
+                          ErrorEffect::EndsBatch);
+    const bool unicode = isUnicodeText(text->type.id) || isUnicodeText(separator->type.id);
+    const SqlType type{unicode ? TypeId::NVarChar : TypeId::VarChar,
+                       isText(text->type.id) ? text->type.length : 4000, 0, 0};
     ProvidedRows rows{std::make_shared<const SplitRows>(),
-                      {bindValueAs(*function.arguments[0], {TypeId::NVarChar, SqlType::Max, 0, 0}),
-                       bindValueAs(*function.arguments[1], {TypeId::NVarChar, 1, 0, 0})}};
+                      {converted(text, {TypeId::NVarChar, SqlType::Max, 0, 0}),
+                       converted(separator, {TypeId::NVarChar, 1, 0, 0})}};
     ScopeSource entry;
     entry.name = source.alias.empty() ? function.name.object() : source.alias;
     const std::string alias = newAlias();

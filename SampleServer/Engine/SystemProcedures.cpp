@@ -111,7 +111,7 @@ void Interpreter::showText(const std::string &objectName)
     const auto *module = dynamic_cast<const Module *>(found.object.get());
     std::string text;
     if (module && module->definition->encrypted) {
-        m_sink->message({15471, 1, 10, "The text for object '" + objectName + "' is encrypted.", {}, m_line});
+        m_sink->message({15471, 1, 0, "The text for object '" + objectName + "' is encrypted.", {}, m_line});
         return;
     }
     if (module)
@@ -165,7 +165,7 @@ void Interpreter::rename(const std::string &what, const std::string &newName, co
     m_sink->message(
         {15477,
          1,
-         10,
+         0,
          "Caution: Changing any part of an object name could break scripts and stored procedures.",
          {},
          m_line});

@@ -12,11 +12,16 @@ namespace SampleServer {
 
 namespace {
 
-void requireIdentityType(const TableColumn &column)
+void requireIdentityType(const TableColumn &column, const std::string &table)
 {
     const bool whole = (isInteger(column.type.id) && column.type.id != TypeId::Bit) ||
                        (column.type.id == TypeId::Decimal && column.type.scale == 0);
-    if (!whole || column.nullable)
+    if (whole && column.nullable)
+        throw EngineError(8147, 16, 1,
+                          "Could not create IDENTITY attribute on nullable column '" + column.name +
+                              "', table '" + table + "'.",
+                          ErrorEffect::EndsBatch);
+    if (!whole)
         throw EngineError(
             2749, 16, 2,
             "Identity column '" + column.name +
@@ -73,7 +78,7 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
     column.name = definition.name;
     column.id = column.storage = ++m_table.lastColumnId;
     if (m_table.findColumn(column.name))
-        throw EngineError(2705, 16, 3,
+        throw EngineError(2705, 16, m_database && m_database->find(m_table.schema, m_table.name) ? 4 : 3,
                           "Column names in each table must be unique. Column name '" + column.name +
                               "' in table '" + m_table.name + "' is specified more than once.",
                           ErrorEffect::EndsBatch);
@@ -109,7 +114,7 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
                               "Multiple identity columns specified for table '" + m_table.name +
                                   "'. Only one identity column per table is allowed.",
                               ErrorEffect::EndsBatch);
-        requireIdentityType(column);
+        requireIdentityType(column, m_table.name);
         m_table.identity =
             std::make_shared<IdentityCounter>(definition.identity->seed, definition.identity->increment);
     }
@@ -152,6 +157,15 @@ std::size_t TableBuilder::requireColumn(const std::string &name, int number) con
 }
 
 void TableBuilder::addConstraint(const Ast::Constraint &constraint, bool trusted)
+{
+    try {
+        makeConstraint(constraint, trusted);
+    } catch (const EngineError &error) {
+        throw Errors::constraintFailed(error, constraint.kind == Ast::ConstraintKind::ForeignKey ? 1 : 0);
+    }
+}
+
+void TableBuilder::makeConstraint(const Ast::Constraint &constraint, bool trusted)
 {
     switch (constraint.kind) {
     case Ast::ConstraintKind::PrimaryKey:
@@ -278,6 +292,23 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
             "There are no primary or candidate keys in the referenced table '" + referenced.name +
                 "' that match the referencing column list in the foreign key '" + key.constraint.name + "'.",
             ErrorEffect::EndsBatch);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const TableColumn &own = m_table.columns[key.columns[i]], &other = referenced.columns[places[i]];
+        if (own.type != other.type)
+            throw EngineError(1778, 16, 0,
+                              "Column '" + referenced.name + '.' + other.name +
+                                  "' is not the same data type as referencing column '" + m_table.name + '.' +
+                                  own.name + "' in foreign key '" + key.constraint.name + "'.",
+                              ErrorEffect::EndsBatch);
+        const bool setsNull =
+            key.onDelete == ReferentialAction::SetNull || key.onUpdate == ReferentialAction::SetNull;
+        if (setsNull && !own.nullable)
+            throw EngineError(1761, 16, 0,
+                              "Cannot create the foreign key \"" + key.constraint.name +
+                                  "\" with the SET NULL referential action, because one or more referencing "
+                                  "columns are not nullable.",
+                              ErrorEffect::EndsBatch);
+    }
     m_table.foreignKeys.push_back(std::move(key));
 }
 
@@ -287,8 +318,16 @@ void TableBuilder::addCheck(const Ast::Constraint &constraint, bool trusted)
     check.constraint = nameOf(constraint, "CK");
     check.condition = constraint.expression;
     check.trusted = trusted;
-    if (!constraint.column.empty())
+    if (!constraint.column.empty()) {
         check.columnId = m_table.columns[requireColumn(constraint.column, 1911)].id;
+        for (const TableColumn &other : m_table.columns)
+            if (other.id != check.columnId &&
+                check.condition.text.find('[' + other.name + ']') != std::string::npos)
+                throw EngineError(8141, 16, 0,
+                                  "Column CHECK constraint for column '" + constraint.column +
+                                      "' references another column, table '" + m_table.name + "'.",
+                                  ErrorEffect::EndsBatch);
+    }
     m_table.checks.push_back(std::move(check));
 }
 
@@ -319,6 +358,22 @@ void TableBuilder::addIndex(const Ast::CreateIndex &definition)
     m_table.indexes.push_back(std::move(index));
 }
 
+/// The type of a computed column's expression, which names no other computed column.
+SqlType TableBuilder::computedType(Binder &types, const TableColumn &column) const
+{
+    try {
+        return types.bindValue(*column.computed.expression)->type;
+    } catch (const EngineError &error) {
+        for (const TableColumn &other : m_table.columns)
+            if (other.computed && error.message.text == Errors::invalidColumn(other.name).message.text)
+                throw EngineError(1759, 16, 0,
+                                  "Computed column '" + other.name + "' in table '" + m_table.name +
+                                      "' is not allowed to be used in another computed-column definition.",
+                                  ErrorEffect::EndsBatch);
+        throw;
+    }
+}
+
 void TableBuilder::typeComputedColumns()
 {
     Scope scope;
@@ -340,7 +395,7 @@ void TableBuilder::typeComputedColumns()
     types.enterScope(scope);
     for (TableColumn &column : m_table.columns)
         if (column.computed) {
-            column.type = types.bindValue(*column.computed.expression)->type;
+            column.type = computedType(types, column);
             column.nullable = true;
         }
 }

@@ -5,6 +5,7 @@
 
 namespace SampleServer {
 
+class Binder;
 class Interpreter;
 
 /// Makes a table's definition of what was written, checking what the server checks. Throws EngineError.
@@ -25,6 +26,8 @@ public:
 private:
     ConstraintName nameOf(const Ast::Constraint &constraint, const char *prefix) const;
     std::size_t requireColumn(const std::string &name, int number) const;
+    void makeConstraint(const Ast::Constraint &constraint, bool trusted);
+    SqlType computedType(Binder &types, const TableColumn &column) const;
     void addKey(const Ast::Constraint &constraint);
     void addForeignKey(const Ast::Constraint &constraint, bool trusted);
     void addCheck(const Ast::Constraint &constraint, bool trusted);

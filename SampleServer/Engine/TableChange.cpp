@@ -35,6 +35,20 @@ std::vector<Value> valuesAt(const std::vector<Value> &row, const std::vector<std
     return values;
 }
 
+/// The name of the only column that a check is about; empty where there are several.
+std::string checkedColumn(const Table &table, const CheckConstraint &check)
+{
+    std::string only;
+    for (const TableColumn &column : table.columns) {
+        if (check.condition.text.find('[' + column.name + ']') == std::string::npos)
+            continue;
+        if (!only.empty())
+            return {};
+        only = column.name;
+    }
+    return only;
+}
+
 std::vector<std::size_t> placesOf(const Table &table, const std::vector<int> &columnIds)
 {
     std::vector<std::size_t> places;
@@ -81,6 +95,18 @@ void TableChange::conflict(const ConstraintName &name, const char *kind, const T
                           " constraint \"" + name.name + "\". The conflict occurred in database \"" +
                           database + "\", table \"" + table.schema + '.' + table.name + '"' +
                           (column.empty() ? std::string() : ", column '" + column + '\'') + '.');
+}
+
+EngineError assignedTwice(const std::string &column)
+{
+    return {
+        264, 16, 1,
+        "The column name '" + column +
+            "' is specified more than once in the SET clause or column list of an INSERT. A column cannot be "
+            "assigned more than one value in the same clause. Modify the clause to make sure that a column "
+            "is updated only once. If this statement updates or inserts columns into a view, column "
+            "aliasing can conceal the duplication in your code.",
+        ErrorEffect::EndsBatch};
 }
 
 bool TableChange::insert(const std::vector<Value> &row)
@@ -130,20 +156,15 @@ void TableChange::requireChecks(std::int64_t rowId)
     for (const CheckConstraint &check : m_scan.table->checks) {
         if (!check.enabled || m_writer.isNotFalse(check.condition, rowId))
             continue;
-        const auto column = m_scan.table->findColumnById(check.columnId);
-        conflict(check.constraint, "CHECK", *m_scan.table,
-                 column ? m_scan.table->columns[*column].name : std::string());
+        conflict(check.constraint, "CHECK", *m_scan.table, checkedColumn(*m_scan.table, check));
     }
 }
 
 void TableChange::requireCheck(const CheckConstraint &check)
 {
     for (const StoredRow &row : m_writer.readAll())
-        if (!m_writer.isNotFalse(check.condition, row.rowId)) {
-            const auto column = m_scan.table->findColumnById(check.columnId);
-            conflict(check.constraint, "CHECK", *m_scan.table,
-                     column ? m_scan.table->columns[*column].name : std::string());
-        }
+        if (!m_writer.isNotFalse(check.condition, row.rowId))
+            conflict(check.constraint, "CHECK", *m_scan.table, checkedColumn(*m_scan.table, check));
 }
 
 void TableChange::requireForeignKey(const ForeignKey &key)

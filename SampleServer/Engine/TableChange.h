@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engine/EngineError.h"
 #include "Engine/RowWriter.h"
 
 #include <set>
@@ -65,5 +66,8 @@ private:
     std::vector<std::vector<Value>> m_old, m_new;
     std::vector<std::vector<Value>> m_selfReferring; ///< new rows whose parents may be in the table itself
 };
+
+/// The error of a statement that gives a column two values.
+EngineError assignedTwice(const std::string &column);
 
 } // namespace SampleServer

@@ -66,7 +66,7 @@ EngineError lengthExceeded(const std::string &name, int length, int limit)
 
 EngineError badLength()
 {
-    return {1001, 15, 1, "Length or precision specification 0 is invalid.", ErrorEffect::EndsBatch};
+    return {1001, 15, 1, "Line 1: Length or precision specification 0 is invalid.", ErrorEffect::EndsBatch};
 }
 
 SqlType decimalFromArguments(const std::vector<int> &arguments)
@@ -81,7 +81,7 @@ SqlType decimalFromArguments(const std::vector<int> &arguments)
                               " is greater than the maximum precision of 38.",
                           ErrorEffect::EndsBatch);
     if (scale < 0 || scale > precision)
-        throw EngineError(1002, 15, 1, "Line 1: Specified scale " + std::to_string(scale) + " is invalid.",
+        throw EngineError(192, 16, 1, "The scale must be less than or equal to the precision.",
                           ErrorEffect::EndsBatch);
     return {TypeId::Decimal, 0, static_cast<std::uint8_t>(precision), static_cast<std::uint8_t>(scale)};
 }

@@ -49,14 +49,15 @@ std::string withYear(const std::string &start, int year, bool century, const cha
 /// The date part of a style, empty where the style shows no date; none for an unknown style.
 std::optional<std::string> datePart(const DateTimeParts &p, int style)
 {
-    const bool century =
-        style >= 100 || style == 0 || style == 9 || style == 13 || style == 20 || style == 21 || style == 25;
+    const bool century = style >= 100 || style == 0 || style == 9 || style == 13 ||
+                         (style >= 20 && style <= 25 && style != 22);
     const std::string year = century ? print("%04d", p.year) : print("%02d", p.year % 100);
     switch (style % 100) {
     case 0:
     case 9:
         return shortMonth(p.month) + print(" %2d ", p.day) + print("%04d", p.year);
     case 1:
+    case 22:
         return withYear(print("%02d/%02d", p.month, p.day), p.year, century, "/");
     case 2:
         return year + print(".%02d.%02d", p.month, p.day);
@@ -72,6 +73,7 @@ std::optional<std::string> datePart(const DateTimeParts &p, int style)
         return shortMonth(p.month) + print(" %02d, ", p.day) + year;
     case 8:
     case 14:
+    case 24:
         return std::string();
     case 10:
         return withYear(print("%02d-%02d", p.month, p.day), p.year, century, "-");
@@ -83,6 +85,7 @@ std::optional<std::string> datePart(const DateTimeParts &p, int style)
         return print("%02d ", p.day) + shortMonth(p.month) + print(" %04d", p.year);
     case 20:
     case 21:
+    case 23:
     case 25:
     case 26:
     case 27:
@@ -105,8 +108,11 @@ std::string timePart(const DateTimeParts &p, int style, int digits, bool isIsoT)
             part[0] = ':';
         return print("%2d:%02d:%02d", hour12(p.hour), p.minute, p.second) + part + amPm(p.hour);
     }
+    case 22:
+        return print("%2d:%02d:%02d %s", hour12(p.hour), p.minute, p.second, amPm(p.hour));
     case 8:
     case 20:
+    case 24:
         return clock;
     case 13:
     case 14: {
