@@ -10,8 +10,8 @@ public:
     MSSQLDatabaseTreeEntryDatabaseTable(const QString &displayName, const QString &schema,
                                         const QString &tableName);
 
-    QString schema() const { return m_schema; }
-    QString tableName() const { return m_tableName; }
+    const QString &schema() const { return m_schema; }
+    const QString &tableName() const { return m_tableName; }
     bool isView() const { return m_isView; }
     void setIsView(bool isView) { m_isView = isView; }
 

@@ -29,9 +29,13 @@ int compareSchemas(const QString &left, const QString &right, const QString &pre
 QHash<QString, int> schemaRanks(const KNDatabaseTreeEntry::List &entries, const QString &preferred)
 {
     QHash<QString, int> ranks;
+    const QString *last = nullptr; // tables of a schema mostly come together
     for (const auto &entry : entries) {
-        if (const auto *table = tableOf(entry))
-            ranks.insert(table->schema(), 0);
+        const auto *table = tableOf(entry);
+        if (!table || (last && *last == table->schema()))
+            continue;
+        ranks.insert(table->schema(), 0);
+        last = &table->schema();
     }
     QStringList schemas = ranks.keys();
     std::sort(schemas.begin(), schemas.end(), [&](const QString &left, const QString &right) {
@@ -64,19 +68,25 @@ MSSQLTableOrder::List MSSQLTableOrder::sorted(const List &entries) const
     struct Keyed
     {
         int rank;
-        QString name;
+        const MSSQLDatabaseTreeEntryDatabaseTable *table;
         const KNDatabaseTreeEntry::Ptr *entry;
     };
     std::vector<Keyed> keyed;
     keyed.reserve(entries.size());
     for (const auto &entry : entries) {
         const auto *table = tableOf(entry);
-        keyed.push_back(
-            {table ? ranks.value(table->schema()) : 0, table ? table->tableName() : QString(), &entry});
+        const bool isLikeLast =
+            table && !keyed.empty() && keyed.back().table && keyed.back().table->schema() == table->schema();
+        const int rank = isLikeLast ? keyed.back().rank : (table ? ranks.value(table->schema()) : 0);
+        keyed.push_back({rank, table, &entry});
     }
     const auto less = [](const Keyed &left, const Keyed &right) {
-        return left.rank != right.rank ? left.rank < right.rank : left.name < right.name;
+        if (left.rank != right.rank || !left.table || !right.table)
+            return left.rank < right.rank;
+        return left.table->tableName() < right.table->tableName();
     };
+    if (std::is_sorted(keyed.begin(), keyed.end(), less))
+        return entries;
     std::stable_sort(keyed.begin(), keyed.end(), less);
     List sortedEntries;
     sortedEntries.reserve(keyed.size());
