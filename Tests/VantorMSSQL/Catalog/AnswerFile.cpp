@@ -54,9 +54,9 @@ void AnswerFile::renew(const QString &server, const QList<std::pair<QString, QSt
 {
     for (Section &section : m_sections)
         section.servers.removeAll(server);
-    m_sections.removeIf([](const Section &section) { return section.servers.isEmpty(); });
     for (const auto &[question, answer] : answers)
         add(server, question, answer);
+    m_sections.removeIf([](const Section &section) { return section.servers.isEmpty(); });
 
     QString text;
     for (const Section &section : std::as_const(m_sections)) {
@@ -70,19 +70,24 @@ void AnswerFile::renew(const QString &server, const QList<std::pair<QString, QSt
         throw std::runtime_error("cannot write " + m_path.toStdString());
 }
 
+/// Puts the server to the section that has this answer, or to one that has lost its servers, so that sections
+/// stay where they were.
 void AnswerFile::add(const QString &server, const QString &question, const QString &answer)
 {
     qsizetype place = m_sections.size();
-    for (qsizetype i = 0; i < m_sections.size(); ++i) {
-        Section &section = m_sections[i];
-        if (section.question != question)
-            continue;
-        if (section.answer == answer) {
+    for (const bool isForsaken : {false, true}) {
+        for (qsizetype i = 0; i < m_sections.size(); ++i) {
+            Section &section = m_sections[i];
+            if (section.question != question)
+                continue;
+            place = i + 1;
+            if (isForsaken ? !section.servers.isEmpty() : section.answer != answer)
+                continue;
+            section.answer = answer;
             section.servers.append(server);
             section.servers.sort();
             return;
         }
-        place = i + 1;
     }
     m_sections.insert(place, {{server}, question, answer});
 }

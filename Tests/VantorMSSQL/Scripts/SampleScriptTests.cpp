@@ -64,7 +64,7 @@ constexpr ScriptedObject ScriptedObjects[] = {
     {"CreateType", "dbo", "Flag"},
     {"DropType", "sales", "PhoneNumber"},
     {"DropAndCreateType", "sales", "PhoneNumber"},
-    {"TableAsMySQL", "dbo", "Products"},
+    {"TableAsMySQL", "dbo", "OrderLines"},
     {"TableAsMySQL", "hr", "Notes"},
     {"TableAsMySQL", "dbo", "it's"},
 };
