@@ -23,13 +23,15 @@ ServerSettings settingsFrom(const Options &options)
 {
     ServerSettings settings;
     Server::Options serverOptions;
+    serverOptions.edition = options.edition;
+    serverOptions.tables = options.tables;
     serverOptions.versionBanner = options.versionBanner;
     settings.server = std::make_shared<Server>(serverOptions);
     settings.user = options.user;
     const char *password = std::getenv(options.passwordVariable.c_str());
     settings.password = password ? password : DefaultPassword;
     settings.highestVersion = options.highestVersion;
-    settings.programVersion = versionInBanner(options.versionBanner);
+    settings.programVersion = versionInBanner(settings.server->options().versionBanner);
     settings.tls = options.tls;
     if (options.tls != TlsPolicy::Off)
         settings.certificate.emplace(options.certificateFile, options.keyFile);

@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class DatabaseTreeEntryServerRoot;
+class KNAutocompleteHelper;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
 class VantorDatabaseClient;
@@ -56,6 +58,10 @@ public:
     virtual std::unique_ptr<VantorDatabaseClient> createNewClient() const = 0;
     /// A new splitter with the rules of the server's language.
     virtual std::unique_ptr<KNQuerySplitter> createQuerySplitter() const = 0;
+    /// A new tree of the server's objects, with these settings.
+    virtual std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const = 0;
+    /// What completes names on this kind of server, shared by all its connections; null when nothing does.
+    virtual KNAutocompleteHelper *sharedAutocompleteHelper() const { return nullptr; }
     /// The catalog queries for these settings' server.
     virtual std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const = 0;
     /// A text for people and caches; never holds the password.

@@ -146,6 +146,13 @@ void KNLogHelper::logSlowOperation(const QString &operation, double seconds, dou
         logMessage("Slow operation: %@ took %0.3f s", operation, seconds);
 }
 
+void KNLogHelper::logErrorMessage(const QString &message, const QString &domain, const QVariantMap &details,
+                                  double ifTimeTaken, double isGreatherThan)
+{
+    if (ifTimeTaken > isGreatherThan)
+        logError(KNError(domain, 0, message), details);
+}
+
 void KNLogHelper::registerSecret(const QString &secret)
 {
     constexpr qsizetype ShortestSecret = 3;

@@ -36,6 +36,10 @@ public:
     /// Writes a record when `seconds` exceeds `thresholdSeconds`.
     void logSlowOperation(const QString &operation, double seconds, double thresholdSeconds = 1.0);
 
+    /// Writes an error record with this domain when `ifTimeTaken` (seconds) exceeds `isGreatherThan`.
+    void logErrorMessage(const QString &message, const QString &domain, const QVariantMap &details,
+                         double ifTimeTaken, double isGreatherThan);
+
     /// Every later line shows `secret` as "********". Texts shorter than 3 characters are not registered.
     /// Texts stay registered for the life of the log.
     void registerSecret(const QString &secret);

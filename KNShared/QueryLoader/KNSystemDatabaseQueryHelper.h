@@ -1,7 +1,9 @@
 #pragma once
 
 #include "KNSharedExport.h"
+#include "QueryLoader/KNQueryTrial.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -20,4 +22,8 @@ public:
     virtual QStringList titles() const = 0;
     /// The text with this title for current servers, without asking this one; null when there is none.
     virtual QString plainQueryByTitle(const QString &title) const = 0;
+
+    /// Every query that only reads and that this server can answer, with what to fill in. May ask the server
+    /// for its version, and then blocks.
+    virtual QList<KNQueryTrial> trials() const = 0;
 };

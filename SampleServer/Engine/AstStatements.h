@@ -32,6 +32,7 @@ struct Update
     std::vector<Assignment> assignments;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;
+    bool isSilent = false; ///< tells no row count
 };
 
 struct Delete

@@ -434,7 +434,7 @@ ExpressionPtr Binder::bindNode(const Ast::Case &node)
 
 ExpressionPtr Binder::bindNode(const Ast::Cast &node)
 {
-    const SqlType type = resolveType(node.type, TypePlace::Cast);
+    const SqlType type = resolveType(node.type, TypePlace::Cast, m_context.edition);
     const auto operand = bind(*node.operand);
     int style = 0;
     if (node.style) {

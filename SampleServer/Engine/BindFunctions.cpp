@@ -296,6 +296,16 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         choice.otherwise = std::move(value);
         return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
     }
+    if (name == "TEXTPTR") { // the number of the row stands for where its text is
+        require(1);
+        const auto value = argument(0);
+        const auto *column = std::get_if<Column>(&value->node);
+        if (!column || !isLegacyLob(value->type.id))
+            throw Errors::invalidOperand(messageTypeName(value->type.id), "textptr");
+        auto row = std::make_shared<const Expression>(
+            Expression{{TypeId::BigInt, 0, 0, 0}, true, Column{column->source, "rowid"}});
+        return converted(row, {TypeId::Binary, 16, 0, 0}, true);
+    }
     if (name == "UPDATE") { // of a trigger: whether the statement set the column
         require(1);
         const auto *column = std::get_if<Ast::ColumnReference>(&node.arguments[0]->node);

@@ -153,8 +153,10 @@ std::vector<ObjectRow> listObjects(const CatalogContext &context)
     };
     for (const ObjectPtr &object : allObjects(context))
         add(object);
-    for (const ModulePtr &view : systemViews())
-        add(view);
+    const Edition edition = context.server.edition;
+    for (const ModulePtr &view : systemViews(edition))
+        if (showsSystemView(edition, *view, true))
+            add(view);
     return rows;
 }
 

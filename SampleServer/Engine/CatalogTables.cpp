@@ -2,6 +2,7 @@
 #include "Engine/CatalogTable.h"
 #include "Engine/CatalogTypes.h"
 #include "Engine/SqliteConnection.h"
+#include "Engine/SystemCatalog.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -105,7 +106,12 @@ struct ColumnRow
 std::vector<ColumnRow> listColumns(const Context &context)
 {
     std::vector<ColumnRow> rows;
-    for (const ObjectPtr &object : allObjects(context)) {
+    std::vector<ObjectPtr> all = allObjects(context);
+    const Edition edition = context.server.edition;
+    for (const ModulePtr &view : systemViews(edition))
+        if (showsSystemView(edition, *view, true))
+            all.push_back(view);
+    for (const ObjectPtr &object : all) {
         if (const auto *table = dynamic_cast<const Table *>(object.get()))
             for (const TableColumn &column : table->columns)
                 rows.push_back({object, &column, table});
@@ -131,10 +137,13 @@ const CatalogTable &columns()
          {"name", Name, [](const ColumnRow &r, const Context &) { return text(r.column->name); }},
          {"column_id", Int, [](const ColumnRow &r, const Context &) { return number(r.column->id); }},
          {"system_type_id", TinyInt,
-          [](const ColumnRow &r, const Context &) { return number(systemTypeId(r.column->type)); }},
+          [](const ColumnRow &r, const Context &) {
+              return number(r.column->rowVersion ? RowVersionTypeId : systemTypeId(r.column->type));
+          }},
          {"user_type_id", Int,
           [](const ColumnRow &r, const Context &) {
-              return number(userTypeOf(r.column->type, r.column->userType));
+              return number(r.column->rowVersion ? RowVersionTypeId
+                                                 : userTypeOf(r.column->type, r.column->userType));
           }},
          {"max_length", SmallInt,
           [](const ColumnRow &r, const Context &) { return number(catalogLength(r.column->type)); }},
@@ -197,8 +206,9 @@ std::vector<TypeRow> listTypes(const Context &context)
 {
     std::vector<TypeRow> rows;
     for (const SystemType &type : systemTypes())
-        rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type,
-                        type.name != "sysname", nullptr});
+        if (hasType(context.server.edition, asciiUpper(std::string(type.name))))
+            rows.push_back({std::string(type.name), type.systemId, type.userId, 4, type.type,
+                            type.name != "sysname", nullptr});
     for (const UserTypePtr &type : context.database->types()) {
         const auto schema = context.database->findSchema(type->schema);
         rows.push_back({type->name, type->table ? 243 : systemTypeId(type->base), type->id,
@@ -255,7 +265,8 @@ std::vector<IndexRow> listIndexes(const Context &context)
 {
     std::vector<IndexRow> rows;
     for (const ObjectPtr &object : allObjects(context)) {
-        const auto table = std::dynamic_pointer_cast<const Table>(object);
+        const auto *module = dynamic_cast<const Module *>(object.get());
+        const auto table = module ? module->indexed : std::dynamic_pointer_cast<const Table>(object);
         if (!table)
             continue;
         bool clustered = false;
@@ -271,7 +282,7 @@ std::vector<IndexRow> listIndexes(const Context &context)
 
 Value rowCount(const IndexRow &row, const Context &context)
 {
-    if (row.table->kind != ObjectKind::Table)
+    if (row.table->kind != ObjectKind::Table || !row.table->isStored)
         return number(0);
     SqliteStatement statement(context.connection, "SELECT count(*) FROM " +
                                                       SqliteConnection::schemaName(*context.database) + '.' +
@@ -569,7 +580,15 @@ const CatalogTable &schemas()
 
 std::vector<DatabasePtr> listDatabases(const Context &context)
 {
-    return context.server.databases.all();
+    std::vector<DatabasePtr> all = context.server.databases.all();
+    // A database of Azure's knows its master; only that knows all the others.
+    if (context.server.edition == Edition::Azure)
+        std::erase_if(all, [&](const DatabasePtr &database) {
+            const std::string name = database->name();
+            return name == "model" || name == "tempdb" ||
+                   (context.database->name() != "master" && database != context.database && name != "master");
+        });
+    return all;
 }
 
 const CatalogTable &databases()

@@ -16,6 +16,9 @@ struct SystemType
     SqlType type; ///< as it is without arguments
 };
 
+/// system_type_id of rowversion columns, which hold binary(8).
+constexpr int RowVersionTypeId = 189;
+
 std::span<const SystemType> systemTypes();
 /// system_type_id of a type.
 int systemTypeId(const SqlType &type);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engine/Edition.h"
 #include "Types/DateTime.h"
 #include "Types/ResultSink.h"
 #include "Types/Value.h"
@@ -26,7 +27,7 @@ struct EvaluationContext
     std::string applicationName;
     std::string database; ///< the current one
     int spid = 51;
-    bool isAzure = false; ///< the server presents itself as a database of Azure's
+    Edition edition = Edition::Sql2022;
 
     DateOrder dateOrder = DateOrder::MonthDayYear;
     int firstWeekday = 7; ///< SET DATEFIRST, 1 is Monday
@@ -42,7 +43,7 @@ struct EvaluationContext
     std::int64_t procedureId = 0;     ///< @@PROCID
     std::optional<ServerMessage> caughtError; ///< what the CATCH block that runs has caught
     std::optional<Decimal> lastIdentity;      ///< @@IDENTITY
-    std::optional<Decimal> scopeIdentity;     ///< SCOPE_IDENTITY(): of this module or batch
+    std::optional<Decimal> scopeIdentity;     ///< SCOPE_IDENTITY(): of this batch, procedure or trigger alone
     DateTimeValue statementTime;              ///< local, the same for all rows of a statement
     DateTimeValue statementTimeUtc;           ///< UTC
 

@@ -74,7 +74,7 @@ Known known(EvaluationContext &context, std::int64_t id, const std::string &data
 {
     Known result;
     if (id < 0) {
-        for (const ModulePtr &view : systemViews())
+        for (const ModulePtr &view : systemViews(context.edition))
             if (view->id == id)
                 return {view, nullptr, view->name, "V"};
         return result;
@@ -90,6 +90,8 @@ Known known(EvaluationContext &context, std::int64_t id, const std::string &data
         result.name = result.object->name;
         result.code = codeOf(result.object->kind);
         result.table = std::dynamic_pointer_cast<const Table>(result.object);
+        if (const auto *module = dynamic_cast<const Module *>(result.object.get()))
+            result.table = module->indexed;
         return result;
     }
     result.table = place->findConstraint(id);
@@ -318,6 +320,12 @@ Value objectProperty(EvaluationContext &context, const Operation &, Arguments a)
         return truth(!found.table->foreignKeys.empty());
     if (property == "TABLEHASFOREIGNREF")
         return truth(!context.findDatabase({})->referencing(found.table->id).empty());
+    if (property == "CNSTISDELETECASCADE" || property == "CNSTISUPDATECASCADE") {
+        for (const ForeignKey &key : found.table->foreignKeys)
+            if (key.constraint.id == number(a[0]))
+                return truth((property == "CNSTISDELETECASCADE" ? key.onDelete : key.onUpdate) ==
+                             ReferentialAction::Cascade);
+    }
     if (property == "CNSTISCLUSTKEY" || property == "CNSTISDISABLED" || property == "CNSTISNOTTRUSTED") {
         for (const TableIndex &index : indexes)
             if (index.isKey() && index.constraint.id == number(a[0]))
@@ -439,9 +447,13 @@ Value databaseProperty(EvaluationContext &context, const Operation &, Arguments 
     if (property == "USERACCESS")
         return word("MULTI_USER");
     if (property == "EDITION" || property == "SERVICEOBJECTIVE")
-        return context.isAzure ? word(property == "EDITION" ? "GeneralPurpose" : "GP_S_Gen5_1") : Value();
+        return context.edition == Edition::Azure
+                   ? word(property == "EDITION" ? "GeneralPurpose" : "GP_S_Gen5_1")
+                   : Value();
     if (property == "VERSION")
-        return integer(957);
+        return integer(context.edition == Edition::Sql2000   ? 539
+                       : context.edition == Edition::Sql2008 ? 655
+                                                             : 957);
     if (property == "SQLSORTORDER")
         return integer(52);
     if (property == "LCID")

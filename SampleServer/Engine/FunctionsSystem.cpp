@@ -126,9 +126,11 @@ Value serverProperty(EvaluationContext &context, const Operation &, Arguments a)
     if (name == "PRODUCTLEVEL")
         return text("RTM");
     if (name == "EDITION")
-        return text("Developer Edition (64-bit)");
+        return text(context.edition == Edition::Azure     ? "SQL Azure"
+                    : context.edition == Edition::Sql2000 ? "Developer Edition"
+                                                          : "Developer Edition (64-bit)");
     if (name == "ENGINEEDITION")
-        return number(3);
+        return number(context.edition == Edition::Azure ? 5 : 3);
     if (name == "COLLATION")
         return text("SQL_Latin1_General_CP1_CI_AS");
     if (name == "ISCLUSTERED" || name == "ISINTEGRATEDSECURITYONLY" || name == "ISFULLTEXTINSTALLED" ||

@@ -56,6 +56,7 @@ void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableC
         column.nullable = true;
         column.identity = false;
         column.computed = {};
+        column.rowVersion = false;
     }
     Transactions::Change change(m_interpreter.m_transactions);
     m_target = m_interpreter.createTable(std::move(copy), nullptr);

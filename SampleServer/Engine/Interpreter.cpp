@@ -67,6 +67,7 @@ Interpreter::Interpreter(std::shared_ptr<Server> server, ServerState &state, std
     m_context.spid = state.takeProcessId();
     m_context.serverName = state.options.serverName;
     m_context.versionBanner = state.options.versionBanner;
+    m_context.edition = state.edition;
     m_context.loginName = login;
     provideNames();
     m_database = state.databases.find(database.empty() ? "master" : database);
@@ -92,7 +93,7 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
     runRequest(sink, sql, [&] {
         for (const BatchParameter &parameter : parameters)
             m_batch.variables.declare(parameter.name, parameter.type, parameter.value);
-        runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names()});
+        runText(sql, {m_options.quotedIdentifiers, m_batch.variables.names(), m_context.edition});
     });
     for (BatchParameter &parameter : parameters)
         parameter.value = m_batch.variables.find(parameter.name)->value;

@@ -183,6 +183,8 @@ private:
     };
     /// Throws 2714 when the name is taken, 2760 and 911 when schema or database are not there.
     Place placeOfNew(const Ast::ObjectName &name, bool mayExist = false);
+    void createStorage(Table &definition, const DatabasePtr &database);
+    TablePtr stored(const TablePtr &table, const DatabasePtr &database);
     Bound::TableScan createTable(Table definition, const DatabasePtr &database);
     void createPhysicalIndex(const Bound::TableScan &scan, TableIndex &index);
     /// Puts a changed definition in the place of a table's; takes it back should the transaction be rolled
@@ -219,9 +221,12 @@ private:
     bool renamePart(const Bound::TableScan &scan, const std::string &part, const std::string &newName,
                     bool isColumn);
     void renameWhole(const FoundObject &found, const std::string &newName);
+    Flow createViewIndex(const Ast::CreateIndex &node, const FoundObject &found);
+    bool dropViewIndex(const Ast::DropIndex::Item &item);
     bool renameConstraint(const Ast::ObjectName &name, const std::string &newName);
     void changeProperty(const std::string &procedure, const std::vector<ProcedureArgument> &arguments);
 
+    void requireReachable(const Ast::ObjectName &name) const;
     Bound::TableScan findTable(const Ast::ObjectName &name) override;
     Bound::TableScan findOrNull(const Ast::ObjectName &name);
     NamedSource findSource(const Ast::ObjectName &name) override;

@@ -131,6 +131,8 @@ void Interpreter::addToTable(const Ast::AlterTable &node, const Bound::TableScan
         TableColumn &column = changed.columns[i];
         if (column.computed)
             continue;
+        if (hasRows && column.rowVersion)
+            throw Errors::notSupported("adding a rowversion column to a table with rows");
         if (hasRows && !column.nullable && !column.defaultValue && !column.identity)
             throw EngineError(
                 4901, 16, 1,

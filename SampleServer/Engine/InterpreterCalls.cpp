@@ -31,6 +31,7 @@ TablePtr renamed(const Table &table, const std::string &name)
 
 std::int32_t Interpreter::call(const Ast::ObjectName &name, std::vector<ProcedureArgument> &arguments)
 {
+    requireReachable(name);
     const FoundObject found = name.parts.empty() ? FoundObject() : findObject(name);
     if (found.object && found.object->kind == ObjectKind::Procedure)
         return callModule(std::dynamic_pointer_cast<const Module>(found.object), found.database, arguments);

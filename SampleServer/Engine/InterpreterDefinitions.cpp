@@ -68,13 +68,9 @@ Bound::TableScan Interpreter::scanOf(const TablePtr &table, const DatabasePtr &d
     return {table, database ? SqliteConnection::schemaName(*database) : "temp", database};
 }
 
-Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &database)
+/// Makes SQLite's table and its indexes.
+void Interpreter::createStorage(Table &definition, const DatabasePtr &database)
 {
-    if (definition.id == 0)
-        definition.id = newObjectId();
-    definition.storage = definition.id;
-    definition.database = database ? database->id() : 0;
-    definition.created = definition.modified = m_context.statementTime;
     if (database)
         m_connection.attach(database);
     std::string columns;
@@ -85,6 +81,34 @@ Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &d
     m_connection.execute("CREATE TABLE " + schema + '.' + definition.physicalName() + '(' + columns + ')');
     for (TableIndex &index : definition.indexes)
         createPhysicalIndex({std::make_shared<const Table>(definition), schema, database}, index);
+}
+
+/// The table with its storage, which it may not have had yet. Null when it was dropped meanwhile.
+TablePtr Interpreter::stored(const TablePtr &table, const DatabasePtr &database)
+{
+    if (!table || table->isStored)
+        return table;
+    m_transactions.changeDefinitions(*database);
+    const TablePtr now = database->findTable(table->id);
+    if (!now || now->isStored)
+        return now;
+    Transactions::Change change(m_transactions);
+    auto result = std::make_shared<Table>(*now);
+    result->isStored = true;
+    createStorage(*result, database);
+    replaceObject(database, now, result);
+    change.finish();
+    return result;
+}
+
+Bound::TableScan Interpreter::createTable(Table definition, const DatabasePtr &database)
+{
+    if (definition.id == 0)
+        definition.id = newObjectId();
+    definition.storage = definition.id;
+    definition.database = database ? database->id() : 0;
+    definition.created = definition.modified = m_context.statementTime;
+    createStorage(definition, database);
     const TablePtr table = std::make_shared<const Table>(std::move(definition));
     if (database) {
         database->insert(table);

@@ -79,8 +79,8 @@ void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
     frame.depth = m_frame->depth + 1;
     const ScopedValue<int> line(m_line, m_line);
     const ScopedValue<SessionOptions> options(m_options, m_options);
-    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, std::nullopt);
     const ScopedValue<Frame *> current(m_frame, &frame);
+    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, {});
     const std::string database = m_context.database;
     const auto back = [&] {
         dropTables(frame.tables, false);
@@ -103,7 +103,9 @@ void Interpreter::executeText(std::string_view sql, Variables &variables)
     Frame frame;
     std::swap(frame.variables, variables);
     frame.procedure = m_frame->procedure;
-    inFrame(frame, [&] { runText(sql, {m_options.quotedIdentifiers, frame.variables.names()}); });
+    inFrame(frame, [&] {
+        runText(sql, {m_options.quotedIdentifiers, frame.variables.names(), m_context.edition});
+    });
     std::swap(frame.variables, variables);
 }
 

@@ -78,7 +78,7 @@ Interpreter::Flow Interpreter::run(const Ast::CreateIndex &node)
 {
     const FoundObject found = findObject(node.table);
     if (found.object && found.object->kind == ObjectKind::View)
-        throw Errors::notSupported("indexes on views");
+        return createViewIndex(node, found);
     const Bound::TableScan scan = findOrNull(node.table);
     if (!scan.table)
         throw noObjectForIndex(node.table);
@@ -106,6 +106,59 @@ Interpreter::Flow Interpreter::run(const Ast::CreateIndex &node)
     change.finish();
     m_context.rowCount = 0;
     return Flow::Next;
+}
+
+/// An index of a view is known to the catalog alone: nothing is found with it, and a unique one is not
+/// enforced.
+Interpreter::Flow Interpreter::createViewIndex(const Ast::CreateIndex &node, const FoundObject &found)
+{
+    const auto &view = dynamic_cast<const Module &>(*found.object);
+    if (!view.definition->schemaBound)
+        throw EngineError(1939, 16, 1,
+                          "Cannot create index on view '" + view.name +
+                              "' because the view is not schema bound.",
+                          ErrorEffect::EndsBatch);
+    if (!view.indexed && !(node.unique && node.clustered))
+        throw EngineError(1940, 16, 1,
+                          "Cannot create index on view '" + view.schema + '.' + view.name +
+                              "'. It does not have a unique clustered index.",
+                          ErrorEffect::EndsBatch);
+    m_transactions.changeDefinitions(*found.database);
+    Transactions::Change change(m_transactions);
+    Table shape = view.indexed ? *view.indexed : Table();
+    shape.id = view.id;
+    shape.database = view.database;
+    shape.schema = view.schema;
+    shape.name = view.name;
+    shape.kind = ObjectKind::View;
+    shape.columns = view.columns;
+    TableBuilder builder(*this, std::move(shape), found.database);
+    builder.addIndex(node);
+    auto changed = std::make_shared<Module>(view);
+    changed->indexed = std::make_shared<const Table>(builder.take());
+    replaceObject(found.database, found.object, changed);
+    change.finish();
+    m_context.rowCount = 0;
+    return Flow::Next;
+}
+
+/// Whether the index was one of a view. Without its clustered index a view has no other.
+bool Interpreter::dropViewIndex(const Ast::DropIndex::Item &item)
+{
+    const FoundObject found = findObject(item.table);
+    const auto *view = dynamic_cast<const Module *>(found.object.get());
+    const TableIndex *index = view && view->indexed ? view->indexed->findIndex(item.name) : nullptr;
+    if (!index)
+        return false;
+    m_transactions.changeDefinitions(*found.database);
+    Transactions::Change change(m_transactions);
+    Table shape = *view->indexed;
+    std::erase_if(shape.indexes, [&](const TableIndex &other) { return other.id == index->id; });
+    auto changed = std::make_shared<Module>(*view);
+    changed->indexed = index->isClustered() ? nullptr : std::make_shared<const Table>(std::move(shape));
+    replaceObject(found.database, found.object, changed);
+    change.finish();
+    return true;
 }
 
 Interpreter::Flow Interpreter::run(const Ast::AlterIndex &node)
@@ -146,6 +199,8 @@ Interpreter::Flow Interpreter::run(const Ast::AlterIndex &node)
 Interpreter::Flow Interpreter::run(const Ast::DropIndex &node)
 {
     for (const Ast::DropIndex::Item &item : node.items) {
+        if (dropViewIndex(item))
+            continue;
         const Bound::TableScan scan = findOrNull(item.table);
         const TableIndex *index = scan.table ? scan.table->findIndex(item.name) : nullptr;
         if (!index) {

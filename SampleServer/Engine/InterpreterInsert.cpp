@@ -160,7 +160,16 @@ private:
     {
         for (std::size_t i = 0; i < row.size(); ++i) {
             const TableColumn &column = m_table.columns[i];
-            if (column.identity)
+            if (column.rowVersion && given[i])
+                throw EngineError(
+                    273, 16, 1,
+                    "Cannot insert an explicit value into a timestamp column. Use INSERT with a "
+                    "column list to exclude the timestamp column, or insert a DEFAULT into the "
+                    "timestamp column.",
+                    ErrorEffect::EndsBatch);
+            if (column.rowVersion)
+                row[i] = nextRowVersion();
+            else if (column.identity)
                 completeIdentity(row[i], given[i], column);
             else if (!given[i] && column.defaultValue) {
                 const auto bound = m_interpreter.binder().bindValue(*column.defaultValue.expression);

@@ -67,7 +67,7 @@ Interpreter::FoundObject Interpreter::findObject(const Ast::ObjectName &name, bo
 Bound::TableScan Interpreter::findOrNull(const Ast::ObjectName &name)
 {
     const FoundObject found = findObject(name);
-    const auto table = std::dynamic_pointer_cast<const Table>(found.object);
+    const auto table = stored(std::dynamic_pointer_cast<const Table>(found.object), found.database);
     return table ? scanOf(table, found.database) : Bound::TableScan();
 }
 
@@ -92,10 +92,24 @@ void Interpreter::eraseTemporary(const Table &table)
             return frame->tables.erase(table);
 }
 
-Bound::TableScan Interpreter::findTable(const Ast::ObjectName &name)
+/// Throws where the name leads out of what the session can reach.
+void Interpreter::requireReachable(const Ast::ObjectName &name) const
 {
+    const std::string database = foldedName(name.qualifier(2));
+    if (m_context.edition == Edition::Azure &&
+        (!name.qualifier(3).empty() ||
+         (!database.empty() && database != foldedName(m_context.database) && database != "TEMPDB")))
+        throw EngineError(40515, 15, 1,
+                          "Reference to database and/or server name in '" + name.toString() +
+                              "' is not supported in this version of SQL Server.",
+                          ErrorEffect::EndsBatch);
     if (!name.qualifier(3).empty())
         throw Errors::notSupported("names with a server part");
+}
+
+Bound::TableScan Interpreter::findTable(const Ast::ObjectName &name)
+{
+    requireReachable(name);
     const Bound::TableScan scan = findOrNull(name);
     if (NamedSource system; !scan.table && findSystemSource(name, system))
         throw EngineError(259, 16, 1, "Ad hoc updates to system catalogs are not allowed.",
@@ -108,13 +122,12 @@ Bound::TableScan Interpreter::findTable(const Ast::ObjectName &name)
 
 NamedSource Interpreter::findSource(const Ast::ObjectName &name)
 {
-    if (!name.qualifier(3).empty())
-        throw Errors::notSupported("names with a server part");
+    requireReachable(name);
     NamedSource source;
     if (findSystemSource(name, source))
         return source;
     const FoundObject found = findObject(name);
-    if (auto table = std::dynamic_pointer_cast<const Table>(found.object)) {
+    if (auto table = stored(std::dynamic_pointer_cast<const Table>(found.object), found.database)) {
         source.scan = scanOf(table, found.database);
         m_uses.push_back({found.database, table, TableUse::Access::Definition});
         return source;
@@ -136,19 +149,21 @@ bool Interpreter::findSystemSource(const Ast::ObjectName &name, NamedSource &sou
         (schema.empty() || schema == "DBO") && (object.starts_with("SYS") || object == "SPT_VALUES");
     if (!explicitly && !old)
         return false;
+    const bool within =
+        m_nameSchema == "sys" || m_nameSchema == "INFORMATION_SCHEMA"; // a view of the catalog
     const DatabasePtr database = findDatabase(name.qualifier(2));
     if (!database || (old && findObject(name).object))
         return false;
-    if (const CatalogTable *table = m_nameSchema == "sys" || m_nameSchema == "INFORMATION_SCHEMA"
-                                        ? findCatalogTable(toLower(name.object()))
-                                        : nullptr) {
+    if (const CatalogTable *table = within ? findCatalogTable(toLower(name.object())) : nullptr) {
         m_transactions.useDefinitions(*database);
         m_connection.attach(database);
         source.provider = table->rows({database, m_state, m_connection});
         source.columns = &table->columns();
         return true;
     }
-    source.module = findSystemView(old ? "sys" : name.qualifier(1), name.object());
+    source.module = findSystemView(m_context.edition, old ? "sys" : name.qualifier(1), name.object());
+    if (source.module && !within && !showsSystemView(m_context.edition, *source.module, explicitly))
+        source.module = nullptr;
     if (source.module && source.module->kind != ObjectKind::View)
         source.module = nullptr;
     source.database = database;
@@ -157,9 +172,10 @@ bool Interpreter::findSystemSource(const Ast::ObjectName &name, NamedSource &sou
 
 ModulePtr Interpreter::findFunction(const Ast::ObjectName &name, DatabasePtr &database)
 {
+    requireReachable(name);
     const std::string schema = foldedName(name.qualifier(1));
     if (schema == "SYS" || (schema.empty() && foldedName(name.object()).starts_with("FN_")))
-        if (const ModulePtr module = findSystemView("sys", name.object())) {
+        if (const ModulePtr module = findSystemView(m_context.edition, "sys", name.object())) {
             database = findDatabase(name.qualifier(2));
             return module->kind == ObjectKind::InlineFunction ? module : nullptr;
         }
@@ -184,7 +200,7 @@ NamedType Interpreter::findType(const Ast::TypeName &name, int position)
     if (type)
         return {type->base, type};
     try {
-        return {resolveType(name, TypePlace::Declaration), nullptr};
+        return {resolveType(name, TypePlace::Declaration, m_context.edition), nullptr};
     } catch (EngineError &error) {
         if (error.message.number == 2715)
             throw Errors::unknownType(name.name.toString(), position);
@@ -271,9 +287,10 @@ void Interpreter::provideNames()
             for (const ConstraintName *constraint : table->constraints())
                 if (foldedName(constraint->name) == foldedName(name.object()))
                     return constraint->id;
-        const ModulePtr view =
-            findSystemView(name.qualifier(1).empty() ? "sys" : name.qualifier(1), name.object());
-        return database && view ? std::optional(view->id) : std::nullopt;
+        const ModulePtr view = findSystemView(
+            m_context.edition, name.qualifier(1).empty() ? "sys" : name.qualifier(1), name.object());
+        const bool shown = view && showsSystemView(m_context.edition, *view, !name.qualifier(1).empty());
+        return database && shown ? std::optional(view->id) : std::nullopt;
     };
     m_context.findDatabase = [this](const std::string &name) { return findDatabase(name); };
     m_context.databaseId = [this](const std::string &name) -> std::optional<std::int64_t> {

@@ -4,6 +4,7 @@
 #include "Engine/MessageFormat.h"
 #include "Engine/TableBuilder.h"
 #include "Engine/TypeRules.h"
+#include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
@@ -24,6 +25,26 @@ std::optional<std::int64_t> delayFromText(const std::string &text)
         text.find(':') == std::string::npos)
         return {};
     return parsed->value.ticks / 10'000;
+}
+
+/// The text of a message that the agent's procedures raise by its number; empty for all others.
+std::string agentMessage(std::int64_t number)
+{
+    static constexpr std::pair<std::int64_t, const char *> messages[] = {
+        {14243, "Job '%s' started successfully."},
+        {14254, "Job '%s' stopped successfully."},
+        {14256,
+         "Cannot start job '%s' because it does not have any job server(s) defined. Associate the job with a "
+         "job server by calling sp_add_jobserver."},
+        {14261, "The specified %s ('%s') already exists."},
+        {14262, "The specified %s ('%s') does not exist."},
+        {14269, "Job '%s' is already targeted at server '%s'."},
+        {14294, "Supply either %s or %s to identify the job."},
+        {22022, "SQLServerAgent Error: %s"}};
+    for (const auto &[known, text] : messages)
+        if (known == number)
+            return text;
+    return {};
 }
 
 } // namespace
@@ -117,7 +138,22 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
     message.state = static_cast<std::uint8_t>(state < 0 ? 1 : std::min<std::int64_t>(state, 255));
     message.number = 50000;
     message.line = m_line;
-    if (const auto *id = std::get_if<std::int64_t>(&text)) {
+    std::vector<MessageArgument> arguments;
+    for (const auto &argument : node.arguments) {
+        const auto value = binder().bindValue(*argument);
+        const TypeId type = value->type.id;
+        if (!isInteger(type) && !isText(type) && !isBinary(type))
+            throw EngineError(2748, 16, 1,
+                              std::string("Cannot specify ") + messageTypeName(type) +
+                                  " data type (parameter " + std::to_string(arguments.size() + 4) +
+                                  ") as a substitution parameter.");
+        arguments.push_back({value->type, evaluate(*value)});
+    }
+    const auto *id = std::get_if<std::int64_t>(&text);
+    if (const std::string known = id ? agentMessage(*id) : std::string(); !known.empty()) {
+        message.number = static_cast<std::int32_t>(*id);
+        message.text = formatMessage(known, arguments);
+    } else if (id) {
         if (*id < 13000 || *id > 2147483647 || *id == 50000)
             throw EngineError(
                 2732, 16, 1,
@@ -130,17 +166,6 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
             " was raised, but no message with that error number was found in sys.messages. If error is "
             "larger than 50000, make sure the user-defined message is added using sp_addmessage.";
     } else {
-        std::vector<MessageArgument> arguments;
-        for (const auto &argument : node.arguments) {
-            const auto value = binder().bindValue(*argument);
-            const TypeId type = value->type.id;
-            if (!isInteger(type) && !isText(type) && !isBinary(type))
-                throw EngineError(2748, 16, 1,
-                                  std::string("Cannot specify ") + messageTypeName(type) +
-                                      " data type (parameter " + std::to_string(arguments.size() + 4) +
-                                      ") as a substitution parameter.");
-            arguments.push_back({value->type, evaluate(*value)});
-        }
         const Value format = convertValue(text, bound->type, LongText);
         message.text =
             formatMessage(isNull(format) ? std::string() : std::get<std::string>(format), arguments);
@@ -209,6 +234,12 @@ void Interpreter::useDatabase(const std::string &name)
 
 Interpreter::Flow Interpreter::run(const Ast::Use &node)
 {
+    if (m_context.edition == Edition::Azure && foldedName(node.database) != foldedName(m_context.database))
+        throw EngineError(
+            40508, 16, 1,
+            "USE statement is not supported to switch between databases. Use a new connection to "
+            "connect to a different database.",
+            ErrorEffect::EndsBatch);
     useDatabase(node.database);
     m_sink->message({5701, 2, 0, "Changed database context to '" + m_context.database + "'.", {}, m_line});
     m_context.rowCount = 0;

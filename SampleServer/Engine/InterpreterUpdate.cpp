@@ -164,6 +164,8 @@ Setting bindSetting(RowSearch &search, const Ast::Assignment &assignment)
         if (column.identity)
             throw EngineError(8102, 16, 1, "Cannot update identity column '" + column.name + "'.",
                               ErrorEffect::EndsBatch);
+        if (column.rowVersion)
+            throw EngineError(272, 16, 1, "Cannot update a timestamp column.", ErrorEffect::EndsBatch);
         if (column.computed)
             throw EngineError(
                 271, 16, 1,
@@ -201,6 +203,11 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
         if (column)
             columns.push_back(*column);
     }
+    const auto &tableColumns = search.target().scan.table->columns;
+    const auto version = std::find_if(tableColumns.begin(), tableColumns.end(),
+                                      [](const TableColumn &column) { return column.rowVersion; });
+    if (version != tableColumns.end())
+        columns.push_back(static_cast<std::size_t>(version - tableColumns.begin()));
     TableChange rows(*this, search.target().scan, TableChange::Event::Update, columns);
     const std::size_t firstOld = expressions.size();
     search.addWholeRow(expressions);
@@ -214,6 +221,8 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
         before.push_back(
             {row.rowId, {row.values.begin() + static_cast<std::ptrdiff_t>(firstOld), row.values.end()}});
         after.push_back(before.back().values);
+        if (version != tableColumns.end())
+            after.back()[columns.back()] = nextRowVersion();
         for (std::size_t i = 0; i < settings.size(); ++i) {
             if (!settings[i].variable.empty())
                 assign(settings[i].variable, row.values[i], settings[i].value->type);
@@ -229,7 +238,8 @@ Interpreter::Flow Interpreter::run(const Ast::Update &node)
     if (instead.isActive())
         instead.fire(rows);
     change.finish();
-    endChange(found.size(), 0xC5);
+    if (!node.isSilent)
+        endChange(found.size(), 0xC5);
     return Flow::Next;
 }
 

@@ -30,6 +30,7 @@ struct Module : SchemaObject
     SqlType result;                   ///< of a scalar function
     std::vector<TableColumn> columns; ///< of a view or a table function, as they were when it was made
     TablePtr resultTable;             ///< what a multi-statement function fills
+    TablePtr indexed;                 ///< of a view: its columns and indexes as a table's; null without any
 
     // Triggers
     std::int64_t parent = 0; ///< object id of the table or view

@@ -25,4 +25,12 @@ Ast::ObjectName nameFromText(const std::string &text)
     return name.parts.size() > 4 ? Ast::ObjectName() : name;
 }
 
+std::string quotedName(const std::string &name)
+{
+    std::string text = "[";
+    for (const char c : name)
+        text += c == ']' ? std::string("]]") : std::string(1, c);
+    return text + ']';
+}
+
 } // namespace SampleServer

@@ -11,6 +11,8 @@ StatementPtr Parser::parseCreate()
 {
     const std::size_t start = m_at;
     expectKeyword("CREATE");
+    if (isKeyword("OR"))
+        require(Edition::Sql2022);
     const bool alter = acceptKeyword("OR");
     if (alter)
         expectKeyword("ALTER");
@@ -25,10 +27,12 @@ StatementPtr Parser::parseCreate()
     if (acceptKeyword("SCHEMA"))
         return parseCreateSchema();
     if (isKeyword("TYPE")) {
+        require(Edition::Sql2008);
         ++m_at;
         return parseCreateType();
     }
     if (isKeyword("SYNONYM")) {
+        require(Edition::Sql2008);
         ++m_at;
         CreateSynonym node;
         node.name = parseObjectName();
@@ -105,10 +109,13 @@ StatementPtr Parser::parseCreateIndex()
 void Parser::parseIndexTail(CreateIndex &index)
 {
     if (isName() && isKeyword("INCLUDE")) {
+        require(Edition::Sql2008);
         ++m_at;
         for (KeyColumn &column : parseKeyColumns())
             index.included.push_back(std::move(column.name));
     }
+    if (isKeyword("WHERE"))
+        require(Edition::Sql2008);
     if (acceptKeyword("WHERE"))
         index.filter = keepExpression(&Parser::parseCondition);
     index.options = parseIndexOptions();
@@ -154,6 +161,8 @@ StatementPtr Parser::parseAlter()
         return parseModule(start, false, true);
     if (acceptKeyword("TABLE"))
         return parseAlterTable();
+    if (isKeyword("INDEX"))
+        require(Edition::Sql2008);
     if (acceptKeyword("INDEX"))
         return parseAlterIndex();
     if (acceptKeyword("DATABASE"))
@@ -270,6 +279,8 @@ void Parser::parseTableDrops(AlterTable &node)
             isColumn = true;
         else if (acceptKeyword("CONSTRAINT"))
             isColumn = false;
+        if (isKeyword("IF"))
+            require(Edition::Sql2022);
         item.ifExists = acceptKeyword("IF");
         if (item.ifExists)
             expectKeyword("EXISTS");
@@ -346,6 +357,8 @@ StatementPtr Parser::parseDrop()
     if (!object && kind != "TABLE" && kind != "DATABASE" && kind != "INDEX")
         refuse("DROP " + kind);
     ++m_at;
+    if (isKeyword("IF"))
+        require(Edition::Sql2022);
     const bool ifExists = acceptKeyword("IF");
     if (ifExists)
         expectKeyword("EXISTS");

@@ -1,4 +1,5 @@
 #include "Engine/Errors.h"
+#include "Engine/NameText.h"
 #include "Engine/Parser.h"
 
 // INSERT, UPDATE and DELETE.
@@ -97,6 +98,47 @@ StatementPtr Parser::parseUpdate()
         update.where = parseCondition();
     parseOption();
     return statement(std::move(update));
+}
+
+/// UPDATETEXT table.column pointer offset length data. It is the UPDATE of a row that it means.
+StatementPtr Parser::parseUpdateText()
+{
+    expectKeyword("UPDATETEXT");
+    ObjectName column = parseObjectName();
+    if (column.parts.size() < 2)
+        failHere();
+    const std::string name = quotedName(column.object());
+    column.parts.pop_back();
+    std::string table;
+    for (const std::string &part : column.parts)
+        table += (table.empty() ? "" : ".") + quotedName(part);
+    const auto operand = [this] {
+        const Token &token = current();
+        if (token.kind == TokenKind::Variable)
+            return expectVariable();
+        const bool literal = token.kind == TokenKind::Integer || token.kind == TokenKind::Binary ||
+                             token.kind == TokenKind::String || token.kind == TokenKind::UnicodeString;
+        if (!literal && !isKeyword("NULL"))
+            failHere();
+        ++m_at;
+        return std::string(token.source);
+    };
+    const std::string pointer = operand(), offset = operand(), length = operand();
+    if (acceptKeyword("WITH"))
+        expectKeyword("LOG");
+    const std::string data = "ISNULL(" + operand() + ", N'')";
+    const std::string whole = "CAST(" + name + " AS nvarchar(max))";
+    // An offset of NULL means the end, a length of NULL all that follows.
+    const std::string start = "ISNULL(" + offset + ", LEN(" + whole + " + N'.') - 1)";
+    const std::string sql = "UPDATE " + table + " SET " + name + " = LEFT(" + whole + ", " + start + ") + " +
+                            data + " + SUBSTRING(" + whole + ", " + start + " + 1 + ISNULL(" + length +
+                            ", 2147483646 - " + start + "), 2147483647) WHERE TEXTPTR(" + name +
+                            ") = " + pointer;
+    ParserOptions options;
+    options.declaredVariables.assign(m_declared.begin(), m_declared.end());
+    StatementPtr update = std::move(parseBatch(sql, options).at(0));
+    std::get<Update>(update->node).isSilent = true;
+    return update;
 }
 
 StatementPtr Parser::parseDelete()

@@ -81,9 +81,10 @@ void Parser::parseTableElements(CreateTable &table)
 
 void Parser::parseTableElement(CreateTable &table)
 {
-    if (isKeyword("INDEX"))
+    if (isKeyword("INDEX")) {
+        require(Edition::Sql2022);
         parseTableIndex(table);
-    else if (atTableConstraint())
+    } else if (atTableConstraint())
         parseTableConstraint(table);
     else
         parseColumnDefinition(table);
@@ -109,6 +110,7 @@ void Parser::parseColumnDefinition(CreateTable &table)
     if (acceptKeyword("AS")) {
         column.computed = keepExpression(&Parser::parseExpression);
         if (isName() && current().keyword == "PERSISTED") {
+            require(Edition::Sql2008);
             ++m_at;
             column.persisted = true;
         }
@@ -150,6 +152,7 @@ bool Parser::parseColumnProperty(ColumnDefinition &column)
     } else if (acceptKeyword("ROWGUIDCOL")) {
         column.rowGuid = true;
     } else if (isName() && isKeyword("SPARSE")) {
+        require(Edition::Sql2008);
         ++m_at;
         column.sparse = true;
     } else {

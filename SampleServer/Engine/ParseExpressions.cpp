@@ -310,8 +310,13 @@ ExpressionPtr Parser::parseWordExpression()
         for (const char *word : {"IDENTITY", "PARSE", "TRY_PARSE"}) // their arguments are no expressions
             if (called && token.keyword == word)
                 refuse(std::string("the function ") + word);
-        if (called && (token.keyword == "CAST" || token.keyword == "TRY_CAST"))
+        if (called &&
+            (token.keyword == "CAST" || (token.keyword == "TRY_CAST" && m_edition >= Edition::Sql2022)))
             return parseCast(token.keyword == "TRY_CAST");
+        if (called && token.keyword == "TRY_CONVERT" && m_edition < Edition::Sql2022) {
+            ++m_at;
+            return parseFunction({{token.value}}); // no function there, and says so
+        }
         if (called && (token.keyword == "CONVERT" || token.keyword == "TRY_CONVERT"))
             return parseConvert(token.keyword == "TRY_CONVERT");
         if (std::find(std::begin(bareFunctions), std::end(bareFunctions), token.keyword) !=

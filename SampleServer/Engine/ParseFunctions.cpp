@@ -14,6 +14,13 @@ ExpressionPtr Parser::parseFunction(ObjectName name)
     const NestingGuard guard(*this);
     FunctionCall call;
     call.name = std::move(name);
+    if (call.name.parts.size() == 1 && !hasFunction(m_edition, asciiUpper(call.name.object())))
+        fail(m_edition == Edition::Sql2000
+                 ? EngineError(195, 15, 10,
+                               '\'' + call.name.object() + "' is not a recognized function name.",
+                               ErrorEffect::EndsBatch)
+                 : Errors::unknownFunction(call.name.object()),
+             current().line);
     expectSymbol("(");
     if (acceptSymbol("*")) {
         call.star = true;
@@ -44,8 +51,16 @@ ExpressionPtr Parser::parseFunction(ObjectName name)
         call.withinGroup = parseOrderItems();
         expectSymbol(")");
     }
-    if (acceptKeyword("OVER"))
+    if (isKeyword("OVER")) {
+        require(Edition::Sql2008);
+        ++m_at;
         call.over = parseWindow();
+        static constexpr std::string_view rankings[] = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
+        const bool ranks = std::find(std::begin(rankings), std::end(rankings),
+                                     asciiUpper(call.name.object())) != std::end(rankings);
+        if (m_edition < Edition::Sql2022 && !call.over->order.empty() && !ranks)
+            fail(Errors::syntaxNear("order"), current().line);
+    }
     int depth = 0;
     for (const auto &argument : call.arguments)
         depth = std::max(depth, argument ? argument->depth : 0);
@@ -79,6 +94,7 @@ std::string Parser::parseFrame()
 {
     if (!isKeyword("ROWS") && !isKeyword("RANGE"))
         return {};
+    require(Edition::Sql2022);
     std::string frame;
     while (!isSymbol(")")) {
         const Token &token = current();

@@ -27,6 +27,7 @@ SelectPtr Parser::parseSelect()
 
 std::vector<CommonTable> Parser::parseWith()
 {
+    require(Edition::Sql2008);
     expectKeyword("WITH");
     std::vector<CommonTable> tables;
     do {
@@ -61,8 +62,10 @@ ForXml Parser::parseForXml()
     if (isKeyword("AUTO") || isKeyword("EXPLICIT"))
         refuse("FOR XML " + current().keyword);
     result.attributes = acceptKeyword("RAW");
-    if (!result.attributes && !acceptKeyword("PATH"))
-        failHere();
+    if (!result.attributes) {
+        require(Edition::Sql2008);
+        expectKeyword("PATH");
+    }
     const auto text = [this] {
         expectSymbol("(");
         if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
@@ -74,6 +77,7 @@ ForXml Parser::parseForXml()
     if (isSymbol("("))
         result.rowTag = text();
     while (acceptSymbol(",")) {
+        require(Edition::Sql2008);
         if (acceptKeyword("TYPE"))
             result.typed = true;
         else if (acceptKeyword("ROOT"))
@@ -98,6 +102,7 @@ std::unique_ptr<Query> Parser::parseQuery()
         if (acceptKeyword("UNION"))
             combined->op = acceptKeyword("ALL") ? SetOperator::UnionAll : SetOperator::Union;
         else {
+            require(Edition::Sql2008);
             expectKeyword("EXCEPT");
             combined->op = SetOperator::Except;
         }
@@ -112,7 +117,9 @@ std::unique_ptr<Query> Parser::parseQuery()
 std::unique_ptr<Query> Parser::parseIntersection()
 {
     auto left = parseQueryTerm();
-    while (acceptKeyword("INTERSECT")) {
+    while (isKeyword("INTERSECT")) {
+        require(Edition::Sql2008);
+        ++m_at;
         auto combined = std::make_unique<Query>();
         combined->line = left->line;
         combined->op = SetOperator::Intersect;
@@ -188,6 +195,8 @@ std::optional<Top> Parser::parseTop()
     if (!acceptKeyword("TOP"))
         return {};
     Top top;
+    if (isSymbol("(") || current().kind == TokenKind::Variable)
+        require(Edition::Sql2008);
     if (acceptSymbol("(")) {
         top.count = parseExpression();
         expectSymbol(")");
@@ -260,7 +269,7 @@ void Parser::parseOrderBy(Select &select)
         return;
     expectKeyword("BY");
     select.orderBy = parseOrderItems();
-    if (!acceptKeyword("OFFSET"))
+    if (m_edition < Edition::Sql2022 || !acceptKeyword("OFFSET"))
         return;
     select.offset = parseExpression();
     if (!acceptKeyword("ROWS"))
@@ -338,6 +347,8 @@ std::vector<std::vector<ExpressionPtr>> Parser::parseRows(bool allowDefault)
         while (acceptSymbol(","));
         expectSymbol(")");
         rows.push_back(std::move(row));
+        if (isSymbol(","))
+            require(Edition::Sql2008);
     } while (acceptSymbol(","));
     return rows;
 }

@@ -51,12 +51,16 @@ TableSourcePtr Parser::parseJoin(JoinKind kind, TableSourcePtr left)
 std::optional<JoinKind> Parser::acceptJoin()
 {
     if (acceptKeyword("CROSS")) {
-        if (acceptKeyword("APPLY"))
+        if (isKeyword("APPLY")) {
+            require(Edition::Sql2008);
+            ++m_at;
             return JoinKind::CrossApply;
+        }
         expectKeyword("JOIN");
         return JoinKind::Cross;
     }
     if (isKeyword("OUTER") && ahead(1).keyword == "APPLY") {
+        require(Edition::Sql2008);
         m_at += 2;
         return JoinKind::OuterApply;
     }
@@ -108,6 +112,8 @@ TableSourcePtr Parser::parseNamedTable()
         refuse("the XML method nodes");
     if (isSymbol("(") && !hints) {
         FunctionTable function{std::move(name), {}};
+        if (m_edition < Edition::Sql2022 && equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
+            fail(Errors::invalidObject(function.name.toString()), table->line);
         expectSymbol("(");
         if (!isSymbol(")"))
             do
@@ -143,7 +149,9 @@ TableSourcePtr Parser::parseParenthesizedTable()
         return table;
     }
     expectSymbol("(");
-    if (acceptKeyword("VALUES")) {
+    if (isKeyword("VALUES")) {
+        require(Edition::Sql2008);
+        ++m_at;
         auto table = std::make_unique<TableSource>();
         table->line = line;
         table->node = ValuesTable{parseRows(false)};

@@ -75,7 +75,7 @@ StatementPtr Parser::parseControlStatement(const std::string &keyword)
         return statement(Use{expectName()});
     if (acceptKeyword("RETURN"))
         return parseReturn();
-    if (acceptKeyword("THROW"))
+    if (m_edition >= Edition::Sql2022 && acceptKeyword("THROW"))
         return parseThrow();
     return parseDataStatement(keyword);
 }
@@ -92,15 +92,17 @@ StatementPtr Parser::parseDataStatement(const std::string &keyword)
         return parseUpdate();
     if (keyword == "DELETE")
         return parseDelete();
+    if (keyword == "UPDATETEXT")
+        return parseUpdateText();
     return parseDefinitionStatement(keyword);
 }
 
 StatementPtr Parser::parseDefinitionStatement(const std::string &keyword)
 {
     static constexpr std::string_view refused[] = {
-        "BACKUP", "BULK",    "CHECKPOINT", "CLOSE",      "DBCC",      "DEALLOCATE", "DENY",        "FETCH",
-        "GOTO",   "GRANT",   "KILL",       "MERGE",      "OPEN",      "REVOKE",     "RECONFIGURE", "RESTORE",
-        "REVERT", "SETUSER", "SHUTDOWN",   "UPDATETEXT", "WRITETEXT", "READTEXT"};
+        "BACKUP",      "BULK",    "CHECKPOINT", "CLOSE",   "DBCC",     "DEALLOCATE", "DENY",
+        "FETCH",       "GOTO",    "GRANT",      "KILL",    "MERGE",    "OPEN",       "REVOKE",
+        "RECONFIGURE", "RESTORE", "REVERT",     "SETUSER", "SHUTDOWN", "WRITETEXT",  "READTEXT"};
     if (keyword == "CREATE")
         return parseCreate();
     if (keyword == "ALTER")
@@ -121,7 +123,7 @@ StatementPtr Parser::parseBegin()
     expectKeyword("BEGIN");
     if (isKeyword("TRAN") || isKeyword("TRANSACTION"))
         return parseTransaction(Transaction::Kind::Begin);
-    if (acceptKeyword("TRY"))
+    if (m_edition >= Edition::Sql2008 && acceptKeyword("TRY"))
         return parseTryCatch();
     if (isKeyword("DISTRIBUTED"))
         refuse("distributed transactions");
@@ -239,6 +241,10 @@ StatementPtr Parser::parseDeclare()
             parseTableElements(*variable.table);
         } else {
             variable.type = parseTypeName();
+            if (m_edition == Edition::Sql2000 && isSymbol("="))
+                fail(EngineError(139, 15, 1, "Cannot assign a default value to a local variable.",
+                                 ErrorEffect::EndsBatch),
+                     current().line);
             if (acceptSymbol("="))
                 variable.initial = parseExpression();
             if (!isSystemType(variable.type.name) && !variable.initial)
@@ -276,6 +282,8 @@ ExpressionPtr Parser::parseCompound(ExpressionPtr target)
         {"%=", ArithmeticOperator::Modulo}};
     static constexpr std::pair<std::string_view, BitOperator> bits[] = {
         {"&=", BitOperator::And}, {"|=", BitOperator::Or}, {"^=", BitOperator::Xor}};
+    if (m_edition < Edition::Sql2008)
+        return nullptr;
     for (const auto &[symbol, op] : arithmetic)
         if (acceptSymbol(symbol))
             return make(Arithmetic{op, std::move(target), parseExpression()});

@@ -36,6 +36,7 @@ NestingGuard::NestingGuard(Parser &parser)
 Parser::Parser(std::string_view sql, const ParserOptions &options)
     : m_sql(sql)
     , m_tokens(tokenize(sql, options.quotedIdentifiers))
+    , m_edition(options.edition)
 {
     for (const std::string &name : options.declaredVariables)
         m_declared.insert(foldedName(name));
@@ -104,7 +105,18 @@ void Parser::failHere() const
     const bool text = token.kind == TokenKind::String || token.kind == TokenKind::UnicodeString ||
                       token.kind == TokenKind::QuotedIdentifier;
     const std::string near = text ? token.value : std::string(token.source);
+    if (!keyword && m_edition == Edition::Sql2000)
+        fail(EngineError(170, 15, 1,
+                         "Line " + std::to_string(token.line) + ": Incorrect syntax near '" + near + "'.",
+                         ErrorEffect::EndsBatch),
+             token.line);
     fail(keyword ? Errors::syntaxNearKeyword(near) : Errors::syntaxNear(near), token.line);
+}
+
+void Parser::require(Edition edition) const
+{
+    if (m_edition < edition)
+        failHere();
 }
 
 void Parser::fail(EngineError error, int line) const
@@ -173,7 +185,9 @@ TypeName Parser::parseTypeName()
     if (!acceptSymbol("("))
         return type;
     do {
-        if (acceptKeyword("MAX")) {
+        if (isKeyword("MAX")) {
+            require(Edition::Sql2008);
+            ++m_at;
             type.arguments.push_back(SqlType::Max);
             continue;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engine/AstStatements.h"
+#include "Engine/Edition.h"
 #include "Engine/EngineError.h"
 #include "Engine/Lexer.h"
 
@@ -17,6 +18,7 @@ struct ParserOptions
     bool quotedIdentifiers = true;
     std::vector<std::string>
         declaredVariables; ///< known before the batch starts (parameters of sp_executesql)
+    Edition edition = Edition::Sql2022;
 };
 
 /// Reads a batch into its statements. Throws EngineError (102, 137, 156 ...) with the line it happened on.
@@ -47,6 +49,8 @@ private:
     std::string expectName();
     std::string expectVariable(int errorState = 2);
     [[noreturn]] void failHere() const;
+    /// Fails at the current token unless the server is of that edition or a later one.
+    void require(Edition edition) const;
     [[noreturn]] void fail(EngineError error, int line) const;
     [[noreturn]] void refuse(std::string_view construct) const;
     Ast::ObjectName parseObjectName();
@@ -76,6 +80,7 @@ private:
     Ast::StatementPtr parseExecute();
     Ast::StatementPtr parseInsert();
     Ast::StatementPtr parseUpdate();
+    Ast::StatementPtr parseUpdateText();
     Ast::StatementPtr parseDelete();
     // Definitions
     Ast::StatementPtr parseCreate();
@@ -195,6 +200,7 @@ private:
 
     const std::string_view m_sql;
     std::vector<Token> m_tokens;
+    const Edition m_edition;
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_statementLine = 1;

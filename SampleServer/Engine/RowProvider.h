@@ -42,7 +42,7 @@ public:
 
     virtual ~RowProvider() = default;
     virtual std::unique_ptr<RowCursor> open(SqliteConnection &connection) const = 0;
-    /// Whether its cursors make use of an equality.
+    /// Whether its cursors make use of an equality. The first three columns should tell rows apart best.
     virtual bool isIndexed() const { return false; }
 };
 

@@ -90,10 +90,14 @@ int bestIndexedIndex(sqlite3_vtab *table, sqlite3_index_info *info)
         if (fits && (best < 0 || constraint.iColumn < info->aConstraint[best].iColumn))
             best = i;
     }
-    info->estimatedRows = best < 0 ? 10'000 : 10;
-    info->estimatedCost = best < 0 ? 100'000 : 20;
+    info->estimatedRows = 10'000;
+    info->estimatedCost = 100'000;
     if (best < 0)
         return SQLITE_OK;
+    // The columns that tell rows apart come first: ids and names. A value of the others, such as a type, many
+    // have.
+    info->estimatedRows = info->aConstraint[best].iColumn <= 2 ? 10 : 2'500;
+    info->estimatedCost = 2.0 * static_cast<double>(info->estimatedRows);
     info->aConstraintUsage[best].argvIndex = info->idxNum + 1;
     info->idxStr = sqlite3_mprintf("%d", info->aConstraint[best].iColumn);
     info->needToFreeIdxStr = 1;

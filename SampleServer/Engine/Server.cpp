@@ -4,13 +4,6 @@
 
 namespace SampleServer {
 
-const char *defaultVersionBanner()
-{
-    return "Microsoft SQL Server 2022 (RTM) - 16.0.1000.6 (X64) \n\tVantor sample server, a stand-in for "
-           "trying and "
-           "testing\n\tDeveloper Edition (64-bit) on Linux";
-}
-
 int ServerState::takeProcessId()
 {
     const std::lock_guard lock(m_mutex);
@@ -45,12 +38,17 @@ std::vector<SessionInfo> ServerState::sessions() const
 Server::Server(Options options)
 {
     if (options.versionBanner.empty())
-        options.versionBanner = defaultVersionBanner();
-    d = std::make_unique<Private>(std::move(options));
-    for (const char *name : {"master", "tempdb", "model", "msdb", "shop"})
-        d->databases.create(name);
+        options.versionBanner = versionBannerOf(options.edition);
+    d = std::make_unique<Private>(options);
+    for (const char *name : {"master", "tempdb", "model", "msdb"})
+        if (options.edition != Edition::Azure || std::string_view(name) != "msdb")
+            d->databases.create(name);
     // The script's session does not own the server, which is still being made.
-    fillSampleDatabase(std::shared_ptr<Server>(std::shared_ptr<void>(), this));
+    if (options.samples)
+        fillSampleDatabases(std::shared_ptr<Server>(std::shared_ptr<void>(), this));
+    if (options.tables > 0)
+        fillManyTables(std::shared_ptr<Server>(std::shared_ptr<void>(), this), d->databases, options.tables);
+    d->edition = options.edition;
 }
 
 Server::~Server() = default;

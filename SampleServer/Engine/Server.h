@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Engine/Edition.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,7 +15,10 @@ public:
     struct Options
     {
         std::string serverName = "SAMPLE"; ///< what @@SERVERNAME answers
-        std::string versionBanner;         ///< what @@VERSION answers; empty means the built-in banner
+        std::string versionBanner;         ///< what @@VERSION answers; empty means the edition's
+        Edition edition = Edition::Sql2022;
+        bool samples = true; ///< with the sample databases and the agent's tables
+        int tables = 0;      ///< empty ones in a database of their own, `many`
     };
 
     explicit Server(Options options);

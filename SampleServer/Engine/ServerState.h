@@ -30,6 +30,7 @@ struct ServerState
     }
 
     const Server::Options options;
+    Edition edition = Edition::Sql2022; ///< what sessions speak; the latest until the samples are there
     DatabaseList databases;
     LockManager locks;
 
@@ -49,8 +50,5 @@ struct Server::Private : ServerState
 {
     using ServerState::ServerState;
 };
-
-/// The banner that @@VERSION answers when none was set.
-const char *defaultVersionBanner();
 
 } // namespace SampleServer

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engine/Edition.h"
 #include "Engine/Module.h"
 
 #include <string_view>
@@ -7,15 +8,18 @@
 
 namespace SampleServer {
 
-/// The views that every database has: sys.*, INFORMATION_SCHEMA.* and the tables of older versions, and a few
-/// inline functions. Their ids
-/// are negative. Null when there is none of that name.
-ModulePtr findSystemView(std::string_view schema, std::string_view name);
-/// All of them but those that only others are written over.
-const std::vector<ModulePtr> &systemViews();
+/// The views that every database of an edition has: sys.*, INFORMATION_SCHEMA.* and the tables of older
+/// versions, and a few inline functions. Their ids are negative. Null when there is none of that name.
+ModulePtr findSystemView(Edition edition, std::string_view schema, std::string_view name);
+/// All of them.
+const std::vector<ModulePtr> &systemViews(Edition edition);
+/// Whether statements may name a view, or only other views of the catalog; `inSchema` when they name it with
+/// the schema sys.
+bool showsSystemView(Edition edition, const Module &view, bool inSchema);
 
 /// The text that defines views, one after the other with GO lines between them.
 std::string_view objectViewsText();
+std::string_view storageViewsText();
 std::string_view serverViewsText();
 std::string_view informationSchemaText();
 std::string_view compatibilityViewsText();

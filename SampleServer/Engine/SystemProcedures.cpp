@@ -83,6 +83,15 @@ std::optional<std::int32_t> Interpreter::callSystemProcedure(const Ast::ObjectNa
     } else if (procedure == "SP_ADDEXTENDEDPROPERTY" || procedure == "SP_UPDATEEXTENDEDPROPERTY" ||
                procedure == "SP_DROPEXTENDEDPROPERTY") {
         changeProperty(procedure, arguments);
+    } else if (procedure == "SP_ADDTYPE" || procedure == "SP_DROPTYPE") {
+        const Arguments given(arguments, {"@typename", "@phystype", "@nulltype"});
+        std::string type = "TYPE ";
+        for (const UserTypePtr &known : m_database->types()) // whoever owns it
+            if (foldedName(known->name) == foldedName(given.text("@typename")))
+                type += quotedName(known->schema) + '.';
+        type += quotedName(given.text("@typename"));
+        const std::string base = " FROM " + given.text("@phystype") + ' ' + given.text("@nulltype");
+        runText(procedure == "SP_DROPTYPE" ? "DROP " + type : "CREATE " + type + base, {});
     } else {
         // The rest is written in SQL, in master; it runs in the database it is called from.
         const auto master = m_state.databases.find("master");

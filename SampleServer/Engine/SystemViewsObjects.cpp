@@ -35,7 +35,7 @@ CREATE VIEW sys.system_sql_modules AS SELECT m.* FROM sys.all_sql_modules m WHER
 GO
 CREATE VIEW sys.all_columns AS SELECT c.object_id, c.name, c.column_id, c.system_type_id, c.user_type_id, c.max_length, c.precision, c.scale, c.collation_name, c.is_nullable, CAST(1 AS bit) AS is_ansi_padded, c.is_rowguidcol, c.is_identity, c.is_computed, CAST(0 AS bit) AS is_filestream, CAST(0 AS bit) AS is_replicated, CAST(0 AS bit) AS is_non_sql_subscribed, CAST(0 AS bit) AS is_merge_published, CAST(0 AS bit) AS is_dts_replicated, CAST(0 AS bit) AS is_xml_document, 0 AS xml_collection_id, c.default_object_id, 0 AS rule_object_id, c.is_sparse, CAST(0 AS bit) AS is_column_set, CAST(0 AS tinyint) AS generated_always_type, CAST('NOT_APPLICABLE' AS nvarchar(60)) AS generated_always_type_desc, CAST(0 AS bit) AS is_hidden, CAST(0 AS bit) AS is_masked FROM sys.[columns$] c
 GO
-CREATE VIEW sys.columns AS SELECT * FROM sys.all_columns
+CREATE VIEW sys.columns AS SELECT * FROM sys.all_columns WHERE object_id > 0
 GO
 CREATE VIEW sys.computed_columns AS SELECT c.object_id, c.name, c.column_id, c.system_type_id, c.user_type_id, c.max_length, c.precision, c.scale, c.collation_name, c.is_nullable, CAST(1 AS bit) AS is_ansi_padded, c.is_rowguidcol, c.is_identity, c.is_computed, c.computed_definition AS definition, CAST(1 AS bit) AS uses_database_collation, c.is_persisted FROM sys.[columns$] c WHERE c.is_computed = 1
 GO
@@ -69,16 +69,6 @@ CREATE VIEW sys.parameters AS SELECT * FROM sys.all_parameters
 GO
 CREATE VIEW sys.extended_properties AS SELECT class, CAST(CASE class WHEN 0 THEN 'DATABASE' WHEN 1 THEN 'OBJECT_OR_COLUMN' WHEN 2 THEN 'PARAMETER' WHEN 3 THEN 'SCHEMA' WHEN 6 THEN 'TYPE' ELSE 'INDEX' END AS nvarchar(60)) AS class_desc, major_id, minor_id, name, value FROM sys.[properties$]
 GO
-CREATE VIEW sys.partitions AS SELECT CAST(i.object_id AS bigint) * 65536 + i.index_id AS partition_id, i.object_id, i.index_id, 1 AS partition_number, CAST(i.object_id AS bigint) * 65536 + i.index_id AS hobt_id, i.rows, CAST(0 AS smallint) AS filestream_filegroup_id, CAST(0 AS tinyint) AS data_compression, CAST('NONE' AS nvarchar(60)) AS data_compression_desc FROM sys.[indexes$] i
-GO
-CREATE VIEW sys.allocation_units AS SELECT p.partition_id AS allocation_unit_id, CAST(1 AS tinyint) AS type, CAST('IN_ROW_DATA' AS nvarchar(60)) AS type_desc, p.hobt_id AS container_id, 1 AS data_space_id, p.rows / 50 + 1 AS total_pages, p.rows / 50 + 1 AS used_pages, p.rows / 50 AS data_pages FROM sys.partitions p
-GO
-CREATE VIEW sys.dm_db_partition_stats AS SELECT p.partition_id, p.object_id, p.index_id, p.partition_number, p.rows / 50 AS in_row_data_page_count, p.rows / 50 + 1 AS in_row_used_page_count, p.rows / 50 + 1 AS in_row_reserved_page_count, CAST(0 AS bigint) AS lob_used_page_count, CAST(0 AS bigint) AS lob_reserved_page_count, CAST(0 AS bigint) AS row_overflow_used_page_count, CAST(0 AS bigint) AS row_overflow_reserved_page_count, p.rows / 50 + 1 AS used_page_count, p.rows / 50 + 1 AS reserved_page_count, p.rows AS row_count FROM sys.partitions p
-GO
-CREATE VIEW sys.stats AS SELECT i.object_id, i.name, i.index_id AS stats_id, CAST(0 AS bit) AS auto_created, CAST(0 AS bit) AS user_created, CAST(0 AS bit) AS no_recompute, i.has_filter, i.filter_definition, CAST(0 AS bit) AS is_temporary, CAST(0 AS bit) AS is_incremental FROM sys.[indexes$] i WHERE i.index_id > 0
-GO
-CREATE VIEW sys.stats_columns AS SELECT object_id, index_id AS stats_id, index_column_id AS stats_column_id, column_id FROM sys.[index_columns$] WHERE is_included_column = 0
-GO
 CREATE VIEW sys.assemblies AS SELECT CAST('Microsoft.SqlServer.Types' AS sysname) AS name, 4 AS principal_id, 1 AS assembly_id, CAST('microsoft.sqlserver.types, version=16.0.0.0' AS nvarchar(4000)) AS clr_name, CAST(3 AS tinyint) AS permission_set, CAST('UNSAFE_ACCESS' AS nvarchar(60)) AS permission_set_desc, CAST(1 AS bit) AS is_visible, CAST('2022-01-01' AS datetime) AS create_date, CAST('2022-01-01' AS datetime) AS modify_date, CAST(0 AS bit) AS is_user_defined
 GO
 CREATE VIEW sys.xml_schema_collections AS SELECT 1 AS xml_collection_id, 4 AS schema_id, CAST(NULL AS int) AS principal_id, CAST('sys' AS sysname) AS name, CAST('2022-01-01' AS datetime) AS create_date, CAST('2022-01-01' AS datetime) AS modify_date
@@ -87,9 +77,9 @@ CREATE VIEW sys.sql_dependencies AS SELECT CAST(0 AS tinyint) AS class, CAST('' 
 GO
 CREATE VIEW sys.sequences AS SELECT * FROM sys.objects WHERE type = 'SO'
 GO
-CREATE VIEW sys.data_spaces AS SELECT CAST('PRIMARY' AS sysname) AS name, 1 AS data_space_id, CAST('FG' AS char(2)) AS type, CAST('ROWS_FILEGROUP' AS nvarchar(60)) AS type_desc, CAST(1 AS bit) AS is_default, CAST(0 AS bit) AS is_system
+CREATE VIEW sys.numbered_procedures AS SELECT 0 AS object_id, CAST(0 AS smallint) AS procedure_number, CAST(NULL AS nvarchar(max)) AS definition WHERE 1 = 0
 GO
-CREATE VIEW sys.filegroups AS SELECT name, data_space_id, type, type_desc, is_default, is_system, CAST(NULL AS uniqueidentifier) AS filegroup_guid, CAST(NULL AS int) AS log_filegroup_id, CAST(0 AS bit) AS is_read_only FROM sys.data_spaces
+CREATE VIEW sys.masked_columns AS SELECT *, CAST(NULL AS nvarchar(4000)) AS masking_function FROM sys.all_columns WHERE 1 = 0
 )sql";
 }
 

@@ -92,4 +92,14 @@ std::int64_t newObjectId()
     return next += 16;
 }
 
+Value nextRowVersion()
+{
+    static std::atomic<std::uint64_t> last{2000};
+    const std::uint64_t number = ++last;
+    Bytes bytes(8);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(number >> (56 - 8 * i));
+    return bytes;
+}
+
 } // namespace SampleServer

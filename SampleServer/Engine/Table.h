@@ -19,6 +19,7 @@ struct TableColumn
     bool nullable = true;
     bool identity = false;
     bool rowGuid = false;
+    bool rowVersion = false; ///< gets a new number whenever its row changes
     bool sparse = false;
     bool persisted = false;
     DefinedExpression defaultValue;
@@ -105,6 +106,8 @@ private:
 struct Table : SchemaObject
 {
     std::int64_t storage = 0;
+    bool isStored =
+        true; ///< false: SQLite's table is made when a statement first needs it, and there are no rows
     std::vector<TableColumn> columns;
     std::vector<TableIndex> indexes;
     std::vector<ForeignKey> foreignKeys;
@@ -122,5 +125,8 @@ struct Table : SchemaObject
     std::vector<const ConstraintName *> constraints() const;
 };
 using TablePtr = std::shared_ptr<const Table>;
+
+/// The next number of a rowversion column: eight bytes, greater than all before.
+Value nextRowVersion();
 
 } // namespace SampleServer

@@ -1,6 +1,7 @@
 #include "Engine/TableBuilder.h"
 #include "Engine/Errors.h"
 #include "Engine/Interpreter.h"
+#include "Engine/TypeRules.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -87,6 +88,14 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
         if (named.userType && named.userType->table)
             throw Errors::unknownType(definition.type.name.toString(), column.id);
         column.type = named.type;
+        column.rowVersion = !named.userType && isRowVersion(definition.type.name);
+        if (column.rowVersion && std::any_of(m_table.columns.begin(), m_table.columns.end(),
+                                             [](const TableColumn &other) { return other.rowVersion; }))
+            throw EngineError(2738, 16, 2,
+                              "A table can only have one timestamp column. Because table '" + m_table.name +
+                                  "' already has one, the column '" + column.name + "' cannot be added.",
+                              ErrorEffect::EndsBatch);
+        nullable = nullable && !column.rowVersion;
         if (named.userType)
             nullable = named.userType->nullable;
         column.userType = std::move(named.userType);
@@ -242,8 +251,7 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
     const bool self = foldedName(constraint.referenced.object()) == foldedName(m_table.name);
     TablePtr found;
     if (!self && m_database)
-        found =
-            std::dynamic_pointer_cast<const Table>(m_interpreter.findObject(constraint.referenced).object);
+        found = m_interpreter.findOrNull(constraint.referenced).table;
     if (!self && !found)
         throw EngineError(1767, 16, 0,
                           "Foreign key '" + key.constraint.name + "' references invalid table '" +

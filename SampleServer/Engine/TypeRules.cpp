@@ -40,6 +40,7 @@ constexpr TypeNameEntry typeNames[] = {
     {"NUMERIC", TypeId::Decimal},
     {"NVARCHAR", TypeId::NVarChar},
     {"REAL", TypeId::Real},
+    {"ROWVERSION", TypeId::Binary},
     {"SMALLDATETIME", TypeId::SmallDateTime},
     {"SMALLINT", TypeId::SmallInt},
     {"SMALLMONEY", TypeId::SmallMoney},
@@ -47,6 +48,7 @@ constexpr TypeNameEntry typeNames[] = {
     {"SYSNAME", TypeId::NVarChar},
     {"TEXT", TypeId::Text},
     {"TIME", TypeId::Time},
+    {"TIMESTAMP", TypeId::Binary},
     {"TINYINT", TypeId::TinyInt},
     {"UNIQUEIDENTIFIER", TypeId::UniqueIdentifier},
     {"VARBINARY", TypeId::VarBinary},
@@ -122,6 +124,12 @@ SqlType wideText(TypeId id, const SqlType &left, const SqlType &right)
 
 } // namespace
 
+bool isRowVersion(const Ast::ObjectName &name)
+{
+    const std::string upper = asciiUpper(name.object());
+    return upper == "ROWVERSION" || upper == "TIMESTAMP";
+}
+
 bool isSystemType(const Ast::ObjectName &name)
 {
     const std::string upper = asciiUpper(name.object());
@@ -129,15 +137,14 @@ bool isSystemType(const Ast::ObjectName &name)
                        [&upper](const TypeNameEntry &entry) { return entry.name == upper; });
 }
 
-SqlType resolveType(const Ast::TypeName &type, TypePlace place)
+SqlType resolveType(const Ast::TypeName &type, TypePlace place, Edition edition)
 {
     const std::string name = asciiUpper(type.name.object());
     const auto *entry = std::find_if(std::begin(typeNames), std::end(typeNames),
                                      [&name](const TypeNameEntry &e) { return e.name == name; });
     const std::string schema = asciiUpper(type.name.qualifier(1));
-    if (entry == std::end(typeNames) || (!schema.empty() && schema != "SYS")) {
-        if (name == "TIMESTAMP" || name == "ROWVERSION" || name == "GEOGRAPHY" || name == "GEOMETRY" ||
-            name == "CURSOR")
+    if (entry == std::end(typeNames) || (!schema.empty() && schema != "SYS") || !hasType(edition, name)) {
+        if (name == "GEOGRAPHY" || name == "GEOMETRY" || name == "CURSOR")
             throw Errors::notSupported("the data type " + type.name.toString());
         if (place == TypePlace::Cast)
             throw EngineError(243, 16, 1, "Type " + type.name.toString() + " is not a defined system type.",
@@ -148,6 +155,8 @@ SqlType resolveType(const Ast::TypeName &type, TypePlace place)
         asciiUpper(type.name.object()) == "SYSNAME" ? "sysname" : baseTypeName(entry->id);
     const TypeId id = entry->id;
     const auto &arguments = type.arguments;
+    if (isRowVersion(type.name))
+        return {TypeId::Binary, 8, 0, 0};
     if (id == TypeId::Decimal)
         return decimalFromArguments(arguments);
     if (id == TypeId::Float)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engine/AstExpressions.h"
+#include "Engine/Edition.h"
 #include "Types/SqlType.h"
 
 namespace SampleServer {
@@ -8,8 +9,11 @@ namespace SampleServer {
 /// Where a type name stands decides the length it has when none is written.
 enum class TypePlace { Declaration, Cast };
 
-/// The type a name stands for. Throws EngineError 2715 and others for what is no type.
-SqlType resolveType(const Ast::TypeName &name, TypePlace place);
+/// The type a name stands for. Throws EngineError 2715 and others for what is no type in that edition.
+SqlType resolveType(const Ast::TypeName &name, TypePlace place, Edition edition = Edition::Sql2022);
+
+/// Whether the name is that of the type of row versions, which are eight bytes.
+bool isRowVersion(const Ast::ObjectName &name);
 
 /// Whether the name is that of a system type.
 bool isSystemType(const Ast::ObjectName &name);

@@ -2,7 +2,6 @@
 
 #include "Engine/Server.h"
 #include "Types/Text.h"
-#include "Wire/ProcedureCall.h"
 #include "Wire/ProtocolError.h"
 #include "Wire/RequestParser.h"
 
@@ -107,10 +106,12 @@ void Connection::runProcedureCall(std::span<const std::uint8_t> payload)
 {
     const ProcedureCall call = parseProcedureCall(payload, m_login.version);
     TdsSink sink = makeSink(TdsSink::Request::ProcedureCall);
+    if (!call.executesSql() && call.refusal.empty()) {
+        callProcedure(call, sink);
+        return sink.finish();
+    }
     std::vector<CallParameter> arguments;
-    if (!call.executesSql())
-        sink.message(error(2812, 62, "Could not find stored procedure '" + call.procedure + "'."));
-    else if (!call.refusal.empty())
+    if (!call.refusal.empty())
         sink.message(error(50000, 1, call.refusal));
     else if (const auto statement = call.statement())
         arguments = executeSql(*statement, call.statementParameters(), sink);
@@ -127,6 +128,21 @@ void Connection::runProcedureCall(std::span<const std::uint8_t> payload)
     end.error = sink.failed();
     sink.endProcedure(end);
     sink.finish();
+}
+
+void Connection::callProcedure(const ProcedureCall &call, ResultSink &sink)
+{
+    std::vector<ProcedureArgument> arguments;
+    for (const CallParameter &parameter : call.parameters) {
+        ProcedureArgument argument;
+        argument.name = parameter.name;
+        argument.type = parameter.type;
+        argument.value = parameter.value;
+        argument.output = parameter.isOutput;
+        argument.isDefault = parameter.isDefault;
+        arguments.push_back(std::move(argument));
+    }
+    m_session->callProcedure(call.procedure, arguments, sink);
 }
 
 /// Runs a statement with parameters and returns these with their values after it.

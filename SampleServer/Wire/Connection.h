@@ -2,7 +2,7 @@
 
 #include "Engine/Session.h"
 #include "Wire/LoginHandshake.h"
-#include "Wire/ParameterReader.h"
+#include "Wire/ProcedureCall.h"
 #include "Wire/TdsSink.h"
 
 #include <optional>
@@ -24,6 +24,7 @@ private:
     void answer(const RequestMessage &request);
     void runBatch(std::string_view sql);
     void runProcedureCall(std::span<const std::uint8_t> payload);
+    void callProcedure(const ProcedureCall &call, ResultSink &sink);
     std::vector<CallParameter> executeSql(std::string_view sql, std::vector<CallParameter> arguments,
                                           ResultSink &sink);
     void runTransactionRequest(std::span<const std::uint8_t> payload);

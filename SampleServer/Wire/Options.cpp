@@ -19,12 +19,41 @@ std::uint16_t portFrom(const std::string &text)
     return port;
 }
 
+int countFrom(const std::string &text)
+{
+    constexpr int most = 1'000'000;
+    int count = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    if (error != std::errc() || end != text.data() + text.size() || count < 0 || count > most)
+        throw UsageError("'" + text + "' is no number from 0 to " + std::to_string(most) + '.');
+    return count;
+}
+
 TdsVersion versionFrom(const std::string &text)
 {
     const auto version = tdsVersionFromText(text);
     if (!version)
         throw UsageError("'" + text + "' is none of 7.1, 7.2, 7.3 and 7.4.");
     return *version;
+}
+
+Edition editionFrom(const std::string &text)
+{
+    static const std::map<std::string_view, Edition> editions = {{"2000", Edition::Sql2000},
+                                                                 {"2008", Edition::Sql2008},
+                                                                 {"2022", Edition::Sql2022},
+                                                                 {"azure", Edition::Azure}};
+    const auto found = editions.find(text);
+    if (found == editions.end())
+        throw UsageError("'" + text + "' is none of 2000, 2008, 2022 and azure.");
+    return found->second;
+}
+
+TdsVersion versionOf(Edition edition)
+{
+    return edition == Edition::Sql2000   ? TdsVersion::V71
+           : edition == Edition::Sql2008 ? TdsVersion::V73B
+                                         : TdsVersion::V74;
 }
 
 TlsPolicy tlsPolicyFrom(const std::string &text)
@@ -53,6 +82,7 @@ void requireTlsFiles(const Options &options)
 Options parseOptions(std::span<const char *const> arguments)
 {
     Options options;
+    std::optional<TdsVersion> version;
     const std::map<std::string_view, std::function<void(const std::string &)>> setters = {
         {"--bind", [&](const std::string &value) { options.bindAddress = value; }},
         {"--port", [&](const std::string &value) { options.port = portFrom(value); }},
@@ -60,10 +90,12 @@ Options parseOptions(std::span<const char *const> arguments)
         {"--instance", [&](const std::string &value) { options.instance = value; }},
         {"--user", [&](const std::string &value) { options.user = value; }},
         {"--password-env", [&](const std::string &value) { options.passwordVariable = value; }},
-        {"--tds", [&](const std::string &value) { options.highestVersion = versionFrom(value); }},
+        {"--tds", [&](const std::string &value) { version = versionFrom(value); }},
         {"--tls", [&](const std::string &value) { options.tls = tlsPolicyFrom(value); }},
         {"--cert", [&](const std::string &value) { options.certificateFile = value; }},
         {"--key", [&](const std::string &value) { options.keyFile = value; }},
+        {"--edition", [&](const std::string &value) { options.edition = editionFrom(value); }},
+        {"--tables", [&](const std::string &value) { options.tables = countFrom(value); }},
         {"--version-banner", [&](const std::string &value) { options.versionBanner = value; }},
     };
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
@@ -79,6 +111,7 @@ Options parseOptions(std::span<const char *const> arguments)
             throw UsageError("Option '" + std::string(name) + "' needs a value.");
         setter->second(*argument);
     }
+    options.highestVersion = version.value_or(versionOf(options.edition));
     if (!options.help)
         requireTlsFiles(options);
     return options;
@@ -98,12 +131,14 @@ T-SQL over databases in memory.
   --user NAME            the one account, as a login and as the user of any domain (sa)
   --password-env VAR     environment variable with its password (VANTOR_SAMPLE_PASSWORD);
                          the password is "Sample-1" when the variable is not set
-  --tds VERSION          highest protocol version offered: 7.1, 7.2, 7.3 or 7.4 (7.4); the connection of
-                         a client that asks for more is closed
+  --edition EDITION      the server that it answers as: 2000, 2008, 2022 or azure (2022)
+  --tds VERSION          highest protocol version offered: 7.1, 7.2, 7.3 or 7.4 (7.1 as 2000, 7.3 as 2008,
+                         else 7.4); the connection of a client that asks for more is closed
   --tls MODE             off: no encryption (the default); request: what the client wants, which is the
                          login alone when it does not care; require: everything, and who cannot is refused
   --cert FILE            the server's certificate, PEM, which its chain may follow
   --key FILE             the certificate's private key, PEM
+  --tables N             also a database "many" with N empty tables, to try how clients cope
   --version-banner TEXT  what @@VERSION answers; the version number in it is the server's
   --help                 print this
 )";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engine/Edition.h"
 #include "Wire/Prelogin.h"
 #include "Wire/TdsVersion.h"
 #include "Wire/TokenWriter.h"
@@ -20,8 +21,10 @@ struct Options
     std::string instance = "SAMPLE";
     std::string user = "sa";
     std::string passwordVariable = "VANTOR_SAMPLE_PASSWORD";
-    TdsVersion highestVersion = TdsVersion::V74;
-    std::string versionBanner; ///< empty: the built-in one
+    Edition edition = Edition::Sql2022;
+    int tables = 0;                              ///< in the database `many`
+    TdsVersion highestVersion = TdsVersion::V74; ///< unless given, the one of the edition
+    std::string versionBanner;                   ///< empty: that of the edition
     TlsPolicy tls = TlsPolicy::Off;
     std::string certificateFile; ///< PEM, as the key; both set unless `tls` is Off
     std::string keyFile;

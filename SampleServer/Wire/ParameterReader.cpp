@@ -156,11 +156,13 @@ Value sizedValue(TypeId id, Bytes content)
 
 CallParameter takeParameter(ByteReader &reader)
 {
-    constexpr std::uint8_t byReference = 1;
+    constexpr std::uint8_t byReference = 1, defaultValue = 2;
     CallParameter parameter;
     const std::size_t nameLength = reader.take<std::uint8_t>();
     parameter.name = toUtf8(utf16From(reader.takeBytes(2 * nameLength)));
-    parameter.isOutput = reader.take<std::uint8_t>() & byReference;
+    const auto status = reader.take<std::uint8_t>();
+    parameter.isOutput = status & byReference;
+    parameter.isDefault = status & defaultValue;
     const auto code = reader.take<std::uint8_t>();
     if (const auto scalar = takeScalarType(reader, code)) {
         parameter.type = *scalar;

@@ -9,6 +9,7 @@ namespace SampleServer {
 struct CallParameter : BatchParameter
 {
     bool isOutput = false;
+    bool isDefault = false; ///< the procedure's own default is asked for
 };
 
 /// A parameter of a type that is not read: its length is not known, so that nothing behind it can be read

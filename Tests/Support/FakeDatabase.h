@@ -24,6 +24,27 @@ struct Server
     std::atomic<bool> resetsFail = false;
     std::atomic<bool> hangsUp = false; ///< idle clients find their connection closed
     std::function<void()> duringLogin; ///< runs on the thread that connects
+
+    QMap<QString, QString> queries; ///< the texts of the catalog queries by title
+    /// What a query gives; nothing unless set.
+    std::function<std::unique_ptr<DatabaseResultSet>(const QString &sql, KNError *error)> answer;
+};
+
+/// The catalog queries of a server.
+class Queries : public KNSystemDatabaseQueryHelper
+{
+public:
+    explicit Queries(const Server &server)
+        : m_server(server)
+    {
+    }
+    QString queryByTitle(const QString &title) const override { return m_server.queries.value(title); }
+    QStringList titles() const override { return m_server.queries.keys(); }
+    QString plainQueryByTitle(const QString &title) const override { return queryByTitle(title); }
+    QList<KNQueryTrial> trials() const override { return {}; }
+
+private:
+    const Server &m_server;
 };
 
 class Settings : public VantorDBC
@@ -39,7 +60,14 @@ public:
     VantorDBCPtr copy() const override { return VantorDBCPtr(new Settings(*this)); }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
-    std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override { return nullptr; }
+    std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override
+    {
+        return nullptr;
+    }
+    std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override
+    {
+        return std::make_unique<Queries>(m_server);
+    }
     QString description() const override { return host(); }
     QVariantMap connectedWithDetails() const override { return m_known; }
     void setConnectedWithDetails(const QVariantMap &details) override { m_known = details; }
@@ -88,12 +116,21 @@ public:
         if (m_isConnected.exchange(false))
             --m_settings->server().open;
     }
-    bool executeQueryDetails(const QList<KNQueryDetails> &, KNResultSetHolder &, const Progress &,
-                             KNError *) override
+    bool executeQueryDetails(const QList<KNQueryDetails> &queries, KNResultSetHolder &withResultSet,
+                             const Progress &, KNError *error) override
     {
-        return true;
+        for (const KNQueryDetails &query : queries) {
+            const auto rows = executeQuery(query.targetQuery, error);
+            if (rows)
+                withResultSet.append(resultOf(*rows));
+        }
+        return !*error;
     }
-    std::unique_ptr<DatabaseResultSet> executeQuery(const QString &, KNError *) override { return nullptr; }
+    std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) override
+    {
+        const auto &answer = m_settings->server().answer;
+        return answer ? answer(sql, error) : nullptr;
+    }
     bool executeNonQuery(const QString &, KNError *) override { return true; }
     bool bulkInsert(const QList<QList<KNValue>> &, const QStringList &, const QStringList &,
                     const QStringList &, const Progress &, KNError *) override
@@ -128,6 +165,20 @@ public:
     std::atomic<int> cancels = 0;
 
 private:
+    static KNDatabaseResultSetPtr resultOf(DatabaseResultSet &rows)
+    {
+        const auto result = std::make_shared<KNDatabaseResultSet>();
+        result->setColumns(rows.columnNames(), QList<int>(rows.columnCount(), 0));
+        while (rows.next()) {
+            KNRow row;
+            for (qsizetype i = 0; i < rows.columnCount(); ++i)
+                row.append(rows.objectForColumnIndex(i));
+            result->addRows({row});
+        }
+        result->setFinished();
+        return result;
+    }
+
     std::shared_ptr<Settings> m_settings;
     std::atomic<bool> m_isConnected = false;
 };

@@ -1,121 +1,11 @@
-#include "Support/PrintQt.h"
-#include "Support/SampleServerFixture.h"
 #include "Support/TestCertificates.h"
+#include "Vantor/Program.h"
 
-#include <gtest/gtest.h>
-
-#include <QByteArray>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QString>
-#include <QStringList>
-
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <vector>
 
 namespace {
-
-struct Outcome
-{
-    int status = -1;
-    QByteArray output;
-    QByteArray errors;
-    long maximumKilobytes = 0;
-};
-
-/// vantor-cli as a child process.
-class Program
-{
-public:
-    explicit Program(const QStringList &arguments, const QByteArray &input = {},
-                     const char *password = SampleServerFixture::Password)
-    {
-        int in[2];
-        EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
-        EXPECT_EQ(pipe2(m_output, O_CLOEXEC), 0);
-        EXPECT_EQ(pipe2(m_errors, O_CLOEXEC), 0);
-        m_process = fork();
-        if (m_process == 0) {
-            setsid();
-            dup2(in[0], STDIN_FILENO);
-            dup2(m_output[1], STDOUT_FILENO);
-            dup2(m_errors[1], STDERR_FILENO);
-            if (password)
-                setenv("VANTOR_PASSWORD", password, 1);
-            else
-                unsetenv("VANTOR_PASSWORD");
-            QList<QByteArray> texts = {VANTOR_CLI};
-            for (const QString &argument : arguments)
-                texts.append(argument.toUtf8());
-            std::vector<char *> pointers;
-            for (QByteArray &text : texts)
-                pointers.push_back(text.data());
-            pointers.push_back(nullptr);
-            execv(VANTOR_CLI, pointers.data());
-            _exit(127);
-        }
-        close(in[0]);
-        close(m_output[1]);
-        close(m_errors[1]);
-        EXPECT_EQ(write(in[1], input.constData(), static_cast<size_t>(input.size())), input.size());
-        close(in[1]);
-    }
-
-    void interrupt() const { kill(m_process, SIGINT); }
-
-    /// Reads until `amount` bytes of output are there, or its end.
-    void readOutput(qsizetype amount)
-    {
-        while (m_outcome.output.size() < amount && readSome()) {
-        }
-    }
-
-    Outcome wait()
-    {
-        while (readSome()) {
-        }
-        int status = 0;
-        rusage usage = {};
-        wait4(m_process, &status, 0, &usage);
-        m_outcome.maximumKilobytes = usage.ru_maxrss;
-        m_outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-        return m_outcome;
-    }
-
-private:
-    bool readSome()
-    {
-        pollfd descriptors[] = {{m_output[0], POLLIN, 0}, {m_errors[0], POLLIN, 0}};
-        if (poll(descriptors, 2, 60'000) <= 0)
-            return false;
-        bool open = false;
-        QByteArray *targets[] = {&m_outcome.output, &m_outcome.errors};
-        for (int i = 0; i < 2; ++i) {
-            if (!descriptors[i].revents)
-                continue;
-            char bytes[65536];
-            const ssize_t count = read(descriptors[i].fd, bytes, sizeof bytes);
-            if (count > 0)
-                targets[i]->append(bytes, count);
-            else
-                (i == 0 ? m_output[0] : m_errors[0]) = -1;
-            open = open || count > 0;
-        }
-        return open || m_output[0] >= 0 || m_errors[0] >= 0;
-    }
-
-    pid_t m_process = -1;
-    int m_output[2];
-    int m_errors[2];
-    Outcome m_outcome;
-};
 
 QString server()
 {
@@ -260,10 +150,43 @@ TEST(CommandLine, RunsACatalogQuery)
     EXPECT_EQ(odd.status, 0) << odd.errors.toStdString();
 }
 
+TEST(CommandLine, TriesEveryCatalogQueryThatOnlyReads)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("--server"), server(),
+                 QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("--database"),
+                 QStringLiteral("shop")})
+            .wait();
+    EXPECT_EQ(outcome.status, 0) << outcome.output.toStdString() << outcome.errors.toStdString();
+    const auto lines = outcome.output.trimmed().split('\n');
+    EXPECT_GT(lines.size(), 30);
+    for (const QByteArray &line : lines)
+        EXPECT_TRUE(line.contains("  ok, ")) << line.toStdString();
+    EXPECT_TRUE(outcome.output.contains("Table_CreationQuery                         ok, 1 rows, "));
+}
+
+TEST(CommandLine, CatalogQueriesWithoutAnObjectAreToldAndNoFailure)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("--server"), server(),
+                 QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("--database"),
+                 QStringLiteral("master")})
+            .wait();
+    EXPECT_TRUE(outcome.output.contains("ColumnsForTable                             "
+                                        "not tried: DatabaseTree_ListTables gave no object"))
+        << outcome.output.toStdString();
+    EXPECT_EQ(outcome.status, 0) << outcome.output.toStdString();
+}
+
 TEST(CommandLine, ACatalogQueryThatIsNotThereEndsWithStatus2)
 {
     EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("NoSuchTitle")}).wait().status, 2);
     EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("DatabaseTree_ListTables")}).wait().status,
+              2);
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("--all")}).wait().status, 2);
+    EXPECT_EQ(Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("NewTable")})
+                  .wait()
+                  .status,
               2);
 }
 

@@ -218,6 +218,10 @@ public:
     VantorDBCPtr copy() const override { return nullptr; }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override { return nullptr; }
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
+    std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override
+    {
+        return nullptr;
+    }
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override { return nullptr; }
     QString description() const override { return {}; }
     QVariantMap connectedWithDetails() const override { return {}; }

@@ -89,6 +89,8 @@ TEST(ValueLiteral, OfBytesIsHexadecimal)
     const KNValue bytes(QByteArray("\x0a\xff", 2));
     EXPECT_EQ(MSSQLClient::databaseProviderEscape(bytes), QStringLiteral("0x0AFF"));
     EXPECT_EQ(MSSQLClient::escapeColumnValue(bytes), QStringLiteral("0x0aff"));
+    EXPECT_EQ(MSSQLClient::databaseProviderEscape(KNValue(QByteArray(""))), QStringLiteral("0x"));
+    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue(QByteArray(""))), QStringLiteral("0x"));
 }
 
 TEST(ValueLiteral, OfNumbersIsTheNumber)

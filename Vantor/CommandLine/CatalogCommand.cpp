@@ -1,13 +1,16 @@
 #include "CommandLine/CatalogCommand.h"
 
+#include "CommandLine/CatalogTrials.h"
 #include "CommandLine/ServerConnection.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TextRunner.h"
 #include "Foundation/KNFormat.h"
+#include "QueryLoader/KNQueryTemplate.h"
 #include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 
 #include <QCommandLineParser>
-#include <QRegularExpression>
+
+#include <functional>
 
 namespace {
 
@@ -22,22 +25,11 @@ void print(const QString &line)
     fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
 }
 
-/// The names that stand in braces, each once, in their order.
-QStringList placeholdersIn(const QString &text)
-{
-    static const QRegularExpression pattern(QStringLiteral("\\{([A-Z_]+)\\}"));
-    QStringList names;
-    for (auto match = pattern.globalMatch(text); match.hasNext();)
-        names.append(match.next().captured(1));
-    names.removeDuplicates();
-    return names;
-}
-
 int listTitles(const KNSystemDatabaseQueryHelper &queries)
 {
     const QStringList titles = queries.titles();
     for (const QString &title : titles) {
-        const QStringList names = placeholdersIn(queries.plainQueryByTitle(title));
+        const QStringList names = KNQueryTemplate::placeholders(queries.plainQueryByTitle(title));
         print(names.isEmpty() ? title
                               : title + QStringLiteral("  ") + names.join(QStringLiteral("=... ")) +
                                     QStringLiteral("=..."));
@@ -46,27 +38,24 @@ int listTitles(const KNSystemDatabaseQueryHelper &queries)
 }
 
 /// The text with its placeholders replaced by "NAME=VALUE" arguments; empty, with an error, when one is
-/// missing or too much. Apostrophes are doubled where a placeholder is the content of a literal.
-std::optional<QString> filled(QString text, const QStringList &arguments, KNError *error)
+/// missing or too much.
+std::optional<QString> filled(const QString &text, const QStringList &arguments, KNError *error)
 {
     const auto usageError = [&](const QString &problem) {
         *error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, problem);
         return std::nullopt;
     };
-    QStringList missing = placeholdersIn(text);
+    QStringList missing = KNQueryTemplate::placeholders(text);
+    QMap<QString, QString> values;
     for (const QString &argument : arguments) {
         const QString name = argument.section(QLatin1Char('='), 0, 0);
         if (!argument.contains(QLatin1Char('=')) || !missing.removeOne(name))
             return usageError(KNFormat("\"%@\" fills no placeholder.", argument));
-        QString value = argument.section(QLatin1Char('='), 1);
-        const QString placeholder = KNFormat("{%@}", name);
-        if (text.contains(KNFormat("'%@'", placeholder)))
-            value.replace(QLatin1Char('\''), QLatin1String("''"));
-        text.replace(placeholder, value);
+        values.insert(name, argument.section(QLatin1Char('='), 1));
     }
     if (!missing.isEmpty())
         return usageError(KNFormat("Not filled: %@. Give NAME=VALUE.", missing.join(QStringLiteral(", "))));
-    return text;
+    return KNQueryTemplate::filled(text, values);
 }
 
 void addArguments(QCommandLineParser &parser)
@@ -77,6 +66,8 @@ void addArguments(QCommandLineParser &parser)
     ConnectionOptions::addTo(parser);
     parser.addOptions({
         {text("format"), text("table (the default), csv or json."), text("format"), text("table")},
+        {text("all"),
+         text("Try every query that only reads, on the first object that suits it: a line each.")},
         {text("show"), text("Print the query's text as it stands instead of running it.")},
         {{text("h"), text("help")}, text("Show this help.")},
     });
@@ -85,8 +76,9 @@ void addArguments(QCommandLineParser &parser)
                                  text("[NAME=VALUE...]"));
 }
 
-int runTitle(const QString &title, const QStringList &values, const ConnectionOptions &options,
-             const QString &format, const VantorDBCPtr &settings)
+/// Connects and does the work, which returns the exit status.
+int onServer(const ConnectionOptions &options, const VantorDBCPtr &settings,
+             const std::function<int(VantorDatabaseClient &client, InterruptWatcher &interrupts)> &work)
 {
     KNError error;
     ServerConnection connection;
@@ -95,10 +87,25 @@ int runTitle(const QString &title, const QStringList &values, const ConnectionOp
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
         return fail(status, error.localizedDescription());
-    const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
-    if (!text)
-        return fail(ExitUsage, error.localizedDescription());
-    return runText(connection.client(), *text, format, interrupts);
+    return work(connection.client(), interrupts);
+}
+
+int runTitle(const QString &title, const QStringList &values, const ConnectionOptions &options,
+             const QString &format, const VantorDBCPtr &settings)
+{
+    return onServer(options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+        KNError error;
+        const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
+        return text ? runText(client, *text, format, interrupts)
+                    : fail(ExitUsage, error.localizedDescription());
+    });
+}
+
+int runAll(const ConnectionOptions &options, const VantorDBCPtr &settings)
+{
+    return onServer(options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+        return runCatalogTrials(client, *settings->queryLoader(), interrupts);
+    });
 }
 
 } // namespace
@@ -122,9 +129,12 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
     const auto queries = emptySettings->queryLoader();
     const QString title = parser.positionalArguments().value(0);
     const QString format = parser.value(QStringLiteral("format"));
-    if (title.isEmpty())
+    const bool tryAll = parser.isSet(QStringLiteral("all"));
+    if (tryAll && (!title.isEmpty() || parser.isSet(QStringLiteral("show"))))
+        return fail(ExitUsage, QStringLiteral("--all takes no title and shows no text.") + hint);
+    if (title.isEmpty() && !tryAll)
         return listTitles(*queries);
-    if (!queries->titles().contains(title))
+    if (!tryAll && !queries->titles().contains(title))
         return fail(ExitUsage, KNFormat("There is no catalog query \"%@\".%@", title, hint));
     if (parser.isSet(QStringLiteral("show"))) {
         print(queries->plainQueryByTitle(title));
@@ -134,5 +144,7 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
         return fail(ExitUsage, KNFormat("\"%@\" is no format. Use table, csv or json.", format));
     if (!options->namesServer())
         return fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
+    if (tryAll)
+        return runAll(*options, emptySettings);
     return runTitle(title, parser.positionalArguments().mid(1), *options, format, emptySettings);
 }

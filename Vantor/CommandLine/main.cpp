@@ -3,6 +3,7 @@
 #include "CommandLine/QueryCommand.h"
 #include "CommandLine/SplitCommand.h"
 #include "CommandLine/Terminal.h"
+#include "CommandLine/TreeCommand.h"
 #include "Connector/KNConnectorLoader.h"
 #include "Connector/KNConnectorPlugin.h"
 #include "Foundation/KNAssert.h"
@@ -22,6 +23,8 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "Commands:\n"
                         "  query    run SQL on a server and write its results\n"
                         "  catalog  list and run the queries that the program itself uses\n"
+                        "  tree     print the objects of a server as a tree\n"
+                        "  menu     print the menu of an object\n"
                         "  split    print the batches of a script as JSON\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -33,9 +36,8 @@ struct Command
 };
 
 constexpr Command Commands[] = {
-    {"query", runQueryCommand},
-    {"catalog", runCatalogCommand},
-    {"split", runSplitCommand},
+    {"query", runQueryCommand}, {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
+    {"menu", runMenuCommand},   {"split", runSplitCommand},
 };
 
 /// The first connector beside the program that can be used. What is wrong with the others is told.

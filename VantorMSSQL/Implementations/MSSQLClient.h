@@ -66,7 +66,7 @@ public:
     /// Switches db-lib's protocol trace on, into "freetds.pid<n>.log" in the log's folder.
     static void enableFreeTDSLogging();
     /// Logs an error, unless it is a login failure that users are expected to run into.
-    static void reportError(const KNError &error, const QString &details);
+    static void reportError(const KNError &error, const QVariantMap &details);
     /// The one word of the batch that a message complains about, as a range of the editor text; not found
     /// when the message names none or the batch holds it more than once.
     static KNRange processErrorDetails(const DatabaseMessage &message, const KNQueryDetails &forQueryDetails);

@@ -78,7 +78,7 @@ QString MSSQLClient::escapeColumnValue(const KNValue &value)
     case KNValue::Kind::Text:
         return textLiteral(value.text());
     case KNValue::Kind::Bytes:
-        return KNFormat("0x%@", QString::fromLatin1(value.bytes().toHex()));
+        return QLatin1String("0x") + QString::fromLatin1(value.bytes().toHex());
     default:
         return value.displayText();
     }
@@ -92,7 +92,7 @@ QString MSSQLClient::databaseProviderEscape(const KNValue &value)
             return QStringLiteral("NULL");
         return textLiteral(value.text());
     case KNValue::Kind::Bytes:
-        return KNFormat("0x%@", QString::fromLatin1(value.bytes().toHex().toUpper()));
+        return QLatin1String("0x") + QString::fromLatin1(value.bytes().toHex().toUpper());
     case KNValue::Kind::Date:
         return KNFormat("'%@'", value.date().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
     default:

@@ -8,6 +8,7 @@
 #include "Implementations/MSSQLInstancePort.h"
 #include "Implementations/MSSQLQuerySplitter.h"
 #include "Implementations/MSSQLSystemDatabaseQueries.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
 #include <algorithm>
 
@@ -81,6 +82,14 @@ std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewC
 std::unique_ptr<KNQuerySplitter> MSSQLDatabaseConnectionDetails::createQuerySplitter() const
 {
     return std::make_unique<MSSQLQuerySplitter>(createPreParserOptions());
+}
+
+std::shared_ptr<DatabaseTreeEntryServerRoot>
+MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
+{
+    const auto server = MSSQLDatabaseTreeEntryServer::create();
+    server->setDatabaseConnectionDetails(this);
+    return server;
 }
 
 std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const

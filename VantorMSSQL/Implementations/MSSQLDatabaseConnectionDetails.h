@@ -50,6 +50,7 @@ public:
     VantorDBCPtr copy() const override;
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
+    std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override;
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     QString description() const override;
     QVariantMap connectedWithDetails() const override;
@@ -74,9 +75,10 @@ public:
     /// an instance's port when `port` is 0: blocks, and leaves it 0 when there is no answer.
     void getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const override;
 
-private:
+protected:
     MSSQLDatabaseConnectionDetails(const MSSQLDatabaseConnectionDetails &) = default;
 
+private:
     QString m_federationStatement;
     QString m_federationName;
     QString m_distributionName;

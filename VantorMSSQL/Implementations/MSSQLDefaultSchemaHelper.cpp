@@ -50,10 +50,9 @@ QString MSSQLDefaultSchemaHelper::findSchema(const MSSQLDatabaseConnectionDetail
         },
         dbc, &error, true);
     if (error) {
-        // Not the query's text, which is the same for everybody.
         MSSQLClient::reportError(KNError(QStringLiteral("mssql.schemaForDBC"), error.code(),
                                          error.localizedDescription(), error.userInfo()),
-                                 QStringLiteral("Query"));
+                                 {{QStringLiteral("Query"), QStringLiteral("(callback)")}});
         schema.clear();
     }
     if (!schema.isEmpty())

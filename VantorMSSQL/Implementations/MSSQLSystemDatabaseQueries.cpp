@@ -3,6 +3,7 @@
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNPropertyList.h"
+#include "Implementations/MSSQLQueryTrials.h"
 #include "Implementations/MSSQLVersionHelper.h"
 
 MSSQLSystemDatabaseQueries::MSSQLSystemDatabaseQueries(const MSSQLDatabaseConnectionDetails &dbc)
@@ -38,6 +39,19 @@ QStringList MSSQLSystemDatabaseQueries::titles() const
 QString MSSQLSystemDatabaseQueries::plainQueryByTitle(const QString &title) const
 {
     return allQueries().value(title).trimmed();
+}
+
+QList<KNQueryTrial> MSSQLSystemDatabaseQueries::trials() const
+{
+    MSSQLVersionHelper &versions = *MSSQLVersionHelper::sharedInstance();
+    QList<KNQueryTrial> trials = MSSQLQueryTrials::all();
+    QStringList unanswered;
+    if (versions.isSQL2000(*m_dbc))
+        unanswered = MSSQLQueryTrials::notOnSQL2000();
+    else if (versions.isDBCAzure(*m_dbc))
+        unanswered = MSSQLQueryTrials::notOnAzure();
+    trials.removeIf([&](const KNQueryTrial &trial) { return unanswered.contains(trial.title); });
+    return trials;
 }
 
 const QHash<QString, QString> &MSSQLSystemDatabaseQueries::allQueries()

@@ -20,6 +20,7 @@ public:
     QString queryByTitle(const QString &title) const override;
     QStringList titles() const override;
     QString plainQueryByTitle(const QString &title) const override;
+    QList<KNQueryTrial> trials() const override;
 
     /// All texts by title, the variants included. Any thread.
     static const QHash<QString, QString> &allQueries();

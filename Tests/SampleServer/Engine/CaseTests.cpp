@@ -1,4 +1,5 @@
 #include "CaseTests.h"
+#include "Engine/SampleDatabase.h"
 #include "Engine/Server.h"
 #include "Engine/Session.h"
 #include "Support/RecordingSink.h"
@@ -31,19 +32,41 @@ public:
 
     void TestBody() override
     {
-        const auto server = std::make_shared<Server>(Server::Options{});
+        // A server without the samples but for the tables that cases read.
+        Server::Options options;
+        options.samples = false;
+        const auto server = std::make_shared<Server>(options);
+        RecordingSink ignored;
+        Session(server, "sa", "master").executeBatch("CREATE DATABASE shop", ignored);
         Session session(server, "sa", "shop");
+        runScript(session, sampleScript("shop"), ignored);
         session.useOdbcDefaults();
         RecordingSink sink;
-        for (std::size_t at = 0; at != std::string::npos;) {
-            const std::size_t end = m_case.sql.find("\ngo\n", at);
-            session.executeBatch(std::string_view(m_case.sql).substr(at, end - at), sink);
-            at = end == std::string::npos ? end : end + 4;
-        }
+        runScript(session, m_case.sql, sink);
         EXPECT_EQ(sink.log(), m_case.expected) << m_case.title << '\n' << m_case.sql;
     }
 
 private:
+    static std::string_view sampleScript(std::string_view database)
+    {
+        for (const SampleScript &script : sampleScripts())
+            if (script.database == database)
+                return script.text;
+        throw std::logic_error("no script of the database");
+    }
+
+    /// Runs the batches of a text that has GO lines between them.
+    static void runScript(Session &session, std::string_view sql, RecordingSink &sink)
+    {
+        for (std::size_t at = 0; at < sql.size();) {
+            std::size_t end = at;
+            while (end < sql.size() && sql.substr(end, 4) != "\ngo\n" && sql.substr(end, 4) != "\nGO\n")
+                ++end;
+            session.executeBatch(sql.substr(at, end - at), sink);
+            at = end + 4;
+        }
+    }
+
     Case m_case;
 };
 

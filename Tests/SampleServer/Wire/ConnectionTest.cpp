@@ -190,7 +190,21 @@ TEST(Connection, RefusesAParameterOfATypeItDoesNotTake)
     EXPECT_TRUE(WireClient::contains(client.readMessage(), errorNumber(214, 2, 16)));
 }
 
-TEST(Connection, RefusesOtherProceduresByName)
+TEST(Connection, CallsAProcedureAndReturnsItsStatusAndItsOutput)
+{
+    LoopbackServer server;
+    WireClient client(server.port());
+    client.login();
+    client.sendMessage(3, {4,   0, 0,   0, 6,   0,   'd', 0,    'o', 0, 'u',  0, 'b', 0, 'l', 0,
+                           'e', 0, 0,   0, 2,   '@', 0,   'a',  0,   0, 0x26, 4, 4,   1, 0,   0,
+                           0,   2, '@', 0, 'b', 0,   1,   0x26, 4,   4, 21,   0, 0,   0});
+    const Bytes answer = client.readMessage();
+    EXPECT_TRUE(WireClient::contains(answer, {0x79, 2, 0, 0, 0})) << "the status";
+    EXPECT_TRUE(WireClient::contains(
+        answer, {0xAC, 0, 0, 2, '@', 0, 'b', 0, 1, 0, 0, 0, 0, 1, 0, 0x26, 4, 4, 42, 0, 0, 0, 0xFE}));
+}
+
+TEST(Connection, RefusesUnknownProceduresByName)
 {
     LoopbackServer server;
     WireClient client(server.port());

@@ -41,8 +41,21 @@ TEST(SampleServerOptions, AreReadInAnyOrder)
     EXPECT_TRUE(options.help);
 }
 
+TEST(SampleServerOptions, KnowTheProtocolOfAnEditionUnlessOneIsGiven)
+{
+    EXPECT_EQ(parsed({}).edition, Edition::Sql2022);
+    EXPECT_EQ(parsed({"--edition", "azure"}).edition, Edition::Azure);
+    EXPECT_EQ(parsed({"--edition", "2000"}).highestVersion, TdsVersion::V71);
+    EXPECT_EQ(parsed({"--edition", "2008"}).highestVersion, TdsVersion::V73B);
+    EXPECT_EQ(parsed({"--tds", "7.4", "--edition", "2000"}).highestVersion, TdsVersion::V74);
+    EXPECT_THROW(parsed({"--edition", "2005"}), UsageError);
+}
+
 TEST(SampleServerOptions, RefuseWhatTheyDoNotKnow)
 {
+    EXPECT_EQ(parsed({"--tables", "50000"}).tables, 50000);
+    EXPECT_THROW(parsed({"--tables", "-1"}), UsageError);
+    EXPECT_THROW(parsed({"--tables", "many"}), UsageError);
     EXPECT_THROW(parsed({"--nonsense"}), UsageError);
     EXPECT_THROW(parsed({"--port"}), UsageError);
     for (const char *port : {"", "x", "1x", "-1", "65536", " 1"})

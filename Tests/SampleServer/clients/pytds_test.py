@@ -121,6 +121,19 @@ class PythonTds(unittest.TestCase):
                 with self.subTest(parameter=str(parameter)[:40]):
                     self.assertEqual(self.value(connection, "SELECT %s", (parameter,)), parameter)
 
+    def test_calls_a_procedure_with_output_and_status(self):
+        for version in VERSIONS:
+            with self.connect(version) as connection, connection.cursor() as cursor:
+                cursor.execute("USE shop")
+                order = pytds.output(param_type=int)
+                total = pytds.output(param_type=decimal.Decimal)
+                given = cursor.callproc("sales.PlaceOrder", {"@CustomerId": 1, "@ProductId": 2, "@Quantity": 2,
+                                                             "@OrderId": order, "@Total": total})
+                self.assertEqual(cursor.get_proc_return_status(), 0)
+                values = dict(given) if isinstance(given, dict) else given
+                self.assertGreater(values["@OrderId"], 1010)
+                self.assertEqual(values["@Total"], 23)
+
     def test_reads_every_packet_size(self):
         for size in [512, 4096, 32767]:
             with self.connect(blocksize=size) as connection:

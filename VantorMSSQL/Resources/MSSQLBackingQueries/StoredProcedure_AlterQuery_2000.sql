@@ -49,8 +49,11 @@ IF @nocount = 0
     SET NOCOUNT OFF
 
 SELECT
-    CASE WHEN OBJECTPROPERTY(@id, N'ExecIsAnsiNullsOn') = 1 THEN N'SET ANSI_NULLS ON' ELSE N'SET ANSI_NULLS OFF' END
-        AS ansi_nulls,
+    CASE WHEN d.number > 1 THEN NCHAR(13) + NCHAR(10) ELSE N'' END
+        + CASE
+            WHEN OBJECTPROPERTY(@id, N'ExecIsAnsiNullsOn') = 1 THEN N'SET ANSI_NULLS ON'
+            ELSE N'SET ANSI_NULLS OFF'
+        END AS ansi_nulls,
     CASE
         WHEN OBJECTPROPERTY(@id, N'ExecIsQuotedIdentOn') = 1 THEN N'SET QUOTED_IDENTIFIER ON'
         ELSE N'SET QUOTED_IDENTIFIER OFF'

@@ -1,6 +1,9 @@
--- Numbered procedures follow the first one, each in its row. One whose definition cannot be read gives no row.
+-- Numbered procedures follow the first one, each in its row and on a line of its own. One whose definition cannot be
+-- read gives no row.
 SELECT
-    CASE WHEN d.uses_ansi_nulls = 1 THEN N'SET ANSI_NULLS ON' ELSE N'SET ANSI_NULLS OFF' END AS ansi_nulls,
+    CASE WHEN d.procedure_number > 1 THEN NCHAR(13) + NCHAR(10) ELSE N'' END
+        + CASE WHEN d.uses_ansi_nulls = 1 THEN N'SET ANSI_NULLS ON' ELSE N'SET ANSI_NULLS OFF' END
+        AS ansi_nulls,
     CASE WHEN d.uses_quoted_identifier = 1 THEN N'SET QUOTED_IDENTIFIER ON' ELSE N'SET QUOTED_IDENTIFIER OFF' END
         AS quoted_identifier,
     d.definition AS definition

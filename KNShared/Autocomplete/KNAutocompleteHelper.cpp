@@ -1,0 +1,3 @@
+#include "Autocomplete/KNAutocompleteHelper.h"
+
+KNAutocompleteHelper::~KNAutocompleteHelper() = default;

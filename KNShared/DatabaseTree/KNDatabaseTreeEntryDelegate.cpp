@@ -1,0 +1,3 @@
+#include "DatabaseTree/KNDatabaseTreeEntryDelegate.h"
+
+KNDatabaseTreeEntryDelegate::~KNDatabaseTreeEntryDelegate() = default;

@@ -1,0 +1,7 @@
+#include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
+
+KNDatabaseTreeErrorEntry::KNDatabaseTreeErrorEntry(const KNError &error)
+    : m_error(error)
+{
+    setDisplayName(error.localizedDescription());
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+
+/// An entry whose children are known without asking: they are made when it is first expanded, and kept.
+class KNSHARED_EXPORT KNDatabaseTreeFixedEntry : public KNDatabaseTreeEntry
+{
+public:
+    bool canHaveChildren() const override { return true; }
+    /// Always returns false, and ignores `force`.
+    bool loadEntriesAsync(bool force) override;
+
+protected:
+    /// The children, adopted. Any thread.
+    virtual List makeEntries() = 0;
+
+private:
+    std::mutex m_making;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "KNSharedExport.h"
+
+#include <QString>
+
+#include <memory>
+
+class KNQueryLoader;
+class VantorDBC;
+
+/// Receives the text that a KNQueryLoader makes.
+class KNSHARED_EXPORT KNQueryLoaderDelegate
+{
+public:
+    virtual ~KNQueryLoaderDelegate();
+
+    /// Once per start, also when it failed: the text then tells so, or is null. Called on whatever thread the
+    /// loader works.
+    virtual void queryLoaderLoadedQuery(KNQueryLoader &loader, const QString &query) = 0;
+};
+
+/// Makes one SQL text, such as the script of an object, and hands it to its delegate. It has no connection of
+/// its own. Held by std::shared_ptr; work in flight keeps it alive.
+class KNSHARED_EXPORT KNQueryLoader : public std::enable_shared_from_this<KNQueryLoader>
+{
+public:
+    virtual ~KNQueryLoader();
+
+    /// Not owned. To be set before the loading begins.
+    std::shared_ptr<KNQueryLoaderDelegate> delegate() const { return m_delegate.lock(); }
+    void setDelegate(const std::weak_ptr<KNQueryLoaderDelegate> &delegate) { m_delegate = delegate; }
+
+    /// Starts making the text for the server with these settings, of which it takes a copy if it works on.
+    /// A loader that asks the server returns at once and delivers on a thread of the global queue; one that
+    /// knows its text delivers before this returns. Any thread.
+    virtual void beginLoadingQuery(const VantorDBC &details) = 0;
+
+protected:
+    /// Hands the text to the delegate, if that is still there.
+    void deliver(const QString &query);
+
+private:
+    std::weak_ptr<KNQueryLoaderDelegate> m_delegate;
+};
+
+using KNQueryLoaderPtr = std::shared_ptr<KNQueryLoader>;

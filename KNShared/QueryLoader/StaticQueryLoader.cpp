@@ -1,0 +1,6 @@
+#include "QueryLoader/StaticQueryLoader.h"
+
+void StaticQueryLoader::beginLoadingQuery(const VantorDBC &)
+{
+    deliver(m_query);
+}

@@ -1,0 +1,133 @@
+#include "VantorMSSQL/Catalog/CatalogQuestions.h"
+
+#include "Foundation/KNFormat.h"
+
+namespace {
+
+CatalogQuestion question(const char *title,
+                         std::initializer_list<std::pair<const char *, const char *>> values = {})
+{
+    CatalogQuestion result{QString::fromUtf8(title)};
+    for (const auto &[placeholder, value] : values)
+        result.values.insert(QString::fromUtf8(placeholder), QString::fromUtf8(value));
+    return result;
+}
+
+CatalogQuestion varying(const char *title)
+{
+    CatalogQuestion result = question(title);
+    result.varies = true;
+    return result;
+}
+
+QList<CatalogQuestion> serverQuestions()
+{
+    return {question("General_ListDatabases"),
+            question("General_FindDefaultUserSchema"),
+            varying("DatabaseTree_ServerVersion"),
+            question("IsSQLServerAgentAvailable"),
+            question("List_AgentJobs"),
+            question("List_Federations"),
+            question("List_SearchableDatabaseEntries"),
+            question("List_SearchableDatabaseEntries_Azure"),
+            varying("Script_ListConnections"),
+            varying("Script_LongRunningQueries"),
+            varying("Script_SPWHO3")};
+}
+
+/// What is asked of one table, by its schema and name.
+QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
+{
+    const QByteArray path = QByteArray(schema) + '.' + table;
+    return {question("ColumnsForTable", {{"SCHEMA_NAME", schema}, {"TABLE_NAME", table}}),
+            question("List_IndexesForTable", {{"TABLE_NAME", path}}),
+            question("List_KeysForTable", {{"TABLE_NAME", path}}),
+            question("List_TriggersForTableWithDetails", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
+            question("List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
+            question("List_ForeignKeysForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
+            question("List_PrimaryKeysForTable", {{"SCHEMA_AND_TABLE_NAME", path}}),
+            question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}})};
+}
+
+QList<CatalogQuestion> tableQuestions()
+{
+    QList<CatalogQuestion> questions{question("DatabaseTree_ListTables")};
+    for (const auto &[schema, table] : std::initializer_list<std::pair<const char *, const char *>>{
+             {"dbo", "Orders"},      {"dbo", "OrderLines"},
+             {"dbo", "AllTypes"},    {"dbo", "Customers"},
+             {"dbo", "Products"},    {"dbo", "Settings"},
+             {"sales", "Invoices"},  {"sales", "Shipments"},
+             {"hr", "Absences"},     {"hr", "Salaries"},
+             {"dbo", "it's"},        {"dbo", "bracket]ed"},
+             {"dbo", "dotted.name"}, {"dbo", "Order Details, \"quoted\""},
+             {"dbo", "gifts 🎁"},     {"sales", "Payments"},
+             {"sales", "Events"},    {"sales", "Stores"},
+             {"hr", "Employees"},    {"hr", "Documents"},
+             {"hr", "NoSuchTable"}})
+        questions += questionsOf(schema, table);
+    return questions;
+}
+
+QList<CatalogQuestion> moduleQuestions()
+{
+    QList<CatalogQuestion> questions{question("List_ViewsInDatabase_NonSystem"),
+                                     question("List_StoredProceduresInDatabase_NonSystem")};
+    for (const char *view : {"sales.OrderTotals", "hr.Staff, by department", "dbo.SecretPrices"}) {
+        questions += question("List_IndexesForView", {{"TABLE_NAME", view}});
+        questions += question("View_AlterQuery", {{"VIEW_NAME", view}});
+    }
+    questions +=
+        question("INDEX_CREATION_QUERY", {{"INDEX_SRC", "sys.views"},
+                                          {"INDEX_CLAUSE", "t.object_id = OBJECT_ID('sales.OrderTotals')"},
+                                          {"VIEW_NAME", "sales.OrderTotals"}});
+    for (const auto &[schema, procedure] :
+         std::initializer_list<std::pair<const char *, const char *>>{{"sales", "PlaceOrder"},
+                                                                      {"sales", "AddLines"},
+                                                                      {"dbo", "List things; \"all\" of them"},
+                                                                      {"dbo", "SecretProcedure"},
+                                                                      {"hr", "RaiseSalaries"}}) {
+        for (const char *title : {"List_ParametersForStoredProcedure", "StoredProcedure_AlterQuery",
+                                  "StoredProcedure_ScriptCreateQuery"})
+            questions += question(title, {{"SCHEMA", schema}, {"PROCEDURE_NAME", procedure}});
+    }
+    for (const char *clause : {"", "AND DATA_TYPE = 'TABLE'", "AND DATA_TYPE != 'TABLE'"})
+        questions += question("List_FunctionsByTypeInDatabase_NonSystem", {{"EXTRA_WHERE_CLAUSE", clause}});
+    questions += question("Function_AlterQuery", {{"SCHEMA", "sales"}, {"FUNCTION_NAME", "OrderTotal"}});
+    questions += question("Function_AlterQuery", {{"SCHEMA", "hr"}, {"FUNCTION_NAME", "Subordinates"}});
+    questions += question("List_UserTypesByTypeInDatabase_NonSystem", {{"EXTRA_WHERE_CLAUSE", ""}});
+    questions += question("List_UserTypesByTypeInDatabase_NonSystem",
+                          {{"EXTRA_WHERE_CLAUSE", "AND is_table_type = 0"}});
+    questions += question("List_UserTypesByTypeInDatabase_NonSystem",
+                          {{"EXTRA_WHERE_CLAUSE", "AND is_table_type = 1"}});
+    questions +=
+        question("UserDefinedDataType_CreationQuery", {{"SCHEMA", "sales"}, {"TYPE", "PhoneNumber"}});
+    questions += question("UserDefinedDataType_CreationQuery", {{"SCHEMA", "dbo"}, {"TYPE", "Flag"}});
+    return questions;
+}
+
+QList<CatalogQuestion> databaseQuestions()
+{
+    QList<CatalogQuestion> questions{
+        question("List_EntriesForAutocomplete"), question("List_ExportableDatabaseEntries"),
+        question("List_TablesAndColumnsForImport"), question("Script_TableSizes")};
+    for (CatalogQuestion &question : questions)
+        question.database = QStringLiteral("library");
+    return questions;
+}
+
+} // namespace
+
+QString CatalogQuestion::name() const
+{
+    QStringList parts;
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+        parts.append(KNFormat("%@=%@", value.key(), *value));
+    return parts.join(QLatin1Char(' '));
+}
+
+const QList<CatalogQuestion> &catalogQuestions()
+{
+    static const QList<CatalogQuestion> questions =
+        serverQuestions() + tableQuestions() + moduleQuestions() + databaseQuestions();
+    return questions;
+}

@@ -1,0 +1,245 @@
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLSystemDatabaseQueries.h"
+#include "QueryLoader/KNQueryTemplate.h"
+#include "SQL/KNQuerySplitter.h"
+#include "VantorMSSQL/Catalog/CatalogQuestions.h"
+#include "VantorMSSQL/Wire/WireTest.h"
+
+using namespace WireTest;
+
+namespace {
+
+/// Titles that change something, or are templates, tried in an empty database of a server of each edition.
+class CatalogStatements : public testing::TestWithParam<const char *>
+{
+public:
+    CatalogStatements()
+        : m_sample({.arguments = {"--edition", GetParam()}})
+        , m_details(settings(m_sample.port()))
+    {
+    }
+
+    /// Works in a database with nothing in it from now on.
+    void useNewDatabase()
+    {
+        const QString name = KNFormat("scratch %d", ++m_databases);
+        run(*connectedClient(settings(m_sample.port())), KNFormat("CREATE DATABASE [%@]", name));
+        m_details = settings(m_sample.port());
+        m_details->setDatabase(name);
+        m_client =
+            connectedClient(std::static_pointer_cast<MSSQLDatabaseConnectionDetails>(m_details->copy()));
+    }
+
+    bool hasAgent() const { return QLatin1String(GetParam()) != QLatin1String("azure"); }
+
+    void dropPrimaryKey()
+    {
+        execute("CREATE TABLE dbo.[O'Brien's keys] (id int NOT NULL CONSTRAINT [PK of O'Brien] PRIMARY KEY)");
+        const QMap<QString, QString> table{
+            {QStringLiteral("SCHEMA_AND_TABLE_NAME"), QStringLiteral("dbo.O'Brien's keys")}};
+        EXPECT_EQ(rowsOf("List_PrimaryKeysForTable", table), 1);
+        statement("Table_DropPrimaryKey", {{QStringLiteral("TABLE_NAME"), QStringLiteral("O'Brien's keys")}});
+        EXPECT_EQ(rowsOf("List_PrimaryKeysForTable", table), 0);
+    }
+
+    void removeDefault()
+    {
+        execute("CREATE TABLE dbo.[a]]b] (id int, [it's] int NULL DEFAULT (7))");
+        statement("Table_RemoveDefaultForColumn", {{QStringLiteral("TABLE_NAME"), QStringLiteral("a]b")},
+                                                   {QStringLiteral("COLUMN_NAME"), QStringLiteral("it's")}});
+        execute("INSERT INTO dbo.[a]]b] DEFAULT VALUES");
+        EXPECT_TRUE(scalar(*m_client, QStringLiteral("SELECT [it's] FROM dbo.[a]]b]")).isNull());
+    }
+
+    void replaceDefault()
+    {
+        execute("CREATE TABLE dbo.t (a int, b varchar(20) CONSTRAINT [Named here] DEFAULT ('old'))");
+        const auto replace = [this](const char *column, const char *newDefault) {
+            statement("Table_ReplaceDefaultForColumn",
+                      {{QStringLiteral("TABLE_NAME"), QStringLiteral("t")},
+                       {QStringLiteral("COLUMN_NAME"), QString::fromLatin1(column)},
+                       {QStringLiteral("NEW_DEFAULT"), QString::fromLatin1(newDefault)}});
+        };
+        replace("b", "(\"new\")");
+        replace("a", "(5)");
+        execute("INSERT INTO dbo.t DEFAULT VALUES");
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT b FROM dbo.t")).text(), QStringLiteral("new"));
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT a FROM dbo.t")), KNValue(qint32(5)));
+        execute("ALTER TABLE dbo.t DROP CONSTRAINT [Named here]");
+    }
+
+    void newTable()
+    {
+        statement("NewTable");
+        execute("INSERT INTO dbo.NewTable (Name) VALUES ('x')");
+        EXPECT_EQ(
+            scalar(*m_client, QStringLiteral("SELECT Id FROM dbo.NewTable WHERE CreatedAt IS NOT NULL")),
+            KNValue(qint32(1)));
+        EXPECT_EQ(
+            rowsOf("List_IndexesForTable", {{QStringLiteral("TABLE_NAME"), QStringLiteral("dbo.NewTable")}}),
+            2);
+    }
+
+    void newProcedure()
+    {
+        statement("NewStoredProcedure");
+        const QString call = QStringLiteral("DECLARE @found int EXEC dbo.NewProcedure 3, @RowsFound = @found "
+                                            "OUTPUT SELECT @found");
+        EXPECT_EQ(run(*m_client, call).size(), 2);
+    }
+
+    void newFunction()
+    {
+        statement("NewFunction");
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT dbo.NewScalarFunction(4)")), KNValue(qint32(8)));
+        execute("CREATE TABLE dbo.t (a int)");
+        EXPECT_EQ(
+            scalar(*m_client, QStringLiteral("SELECT TABLE_NAME FROM dbo.NewTableFunction('t')")).text(),
+            QStringLiteral("t"));
+    }
+
+    void newTrigger()
+    {
+        execute("CREATE TABLE dbo.YourTable (a int)");
+        statement("NewTrigger");
+        const auto results =
+            run(*m_client, QStringLiteral("INSERT INTO dbo.YourTable SELECT 1 UNION ALL SELECT 2"));
+        EXPECT_TRUE(messageTexts(results).contains(QStringLiteral("Rows inserted: 2, deleted: 0")))
+            << messageTexts(results).join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(messageTexts(run(*m_client, QStringLiteral("DELETE FROM dbo.YourTable WHERE a = 9")))
+                      .filter(QStringLiteral("Rows inserted"))
+                      .size(),
+                  0);
+    }
+
+    void newAgentJob()
+    {
+        if (!hasAgent())
+            return;
+        const qsizetype before = rowsOf("List_AgentJobs");
+        statement("NewSQLAgentJob");
+        EXPECT_EQ(rowsOf("List_AgentJobs"), before + 1);
+        KNError error;
+        run(*m_client, text("NewSQLAgentJob"), &error);
+        EXPECT_TRUE(error) << "a second job of the same name";
+        EXPECT_EQ(rowsOf("List_AgentJobs"), before + 1);
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT @@TRANCOUNT")), KNValue(qint32(0)));
+        execute("EXEC msdb.dbo.sp_delete_job @job_name = N'New job'");
+    }
+
+    void startAndStopJob()
+    {
+        if (!hasAgent())
+            return;
+        statement("NewSQLAgentJob");
+        const QString job =
+            QStringLiteral("SELECT CONVERT(char(36), job_id) FROM msdb.dbo.sysjobs WHERE name = 'New job'");
+        const QMap<QString, QString> values{
+            {QStringLiteral("SQLAGENT_JOB_ID"), scalar(*m_client, job).text()}};
+        statement("SQLServerAgentStartJob", values);
+        statement("SQLServerAgentStopJob", values);
+        const QMap<QString, QString> nobody{
+            {QStringLiteral("SQLAGENT_JOB_ID"), QStringLiteral("00000000-0000-0000-0000-000000000000")}};
+        for (const char *title : {"SQLServerAgentStartJob", "SQLServerAgentStopJob"}) {
+            KNError error;
+            run(*m_client, text(title, nobody), &error);
+            EXPECT_TRUE(error) << title;
+        }
+        execute("EXEC msdb.dbo.sp_delete_job @job_name = N'New job'");
+    }
+
+    void clearDatabase()
+    {
+        execute("CREATE TABLE dbo.a (id int NOT NULL PRIMARY KEY, b int)");
+        execute("CREATE TABLE dbo.b (id int NOT NULL PRIMARY KEY REFERENCES dbo.a (id))");
+        execute("ALTER TABLE dbo.a ADD CONSTRAINT FK_round FOREIGN KEY (b) REFERENCES dbo.b (id)");
+        execute("CREATE VIEW dbo.[v]]1] AS SELECT id FROM dbo.a");
+        execute("CREATE PROCEDURE dbo.[p'1] AS SELECT 1");
+        execute("CREATE FUNCTION dbo.f () RETURNS int AS BEGIN RETURN 1 END");
+        execute("CREATE TRIGGER dbo.tr ON dbo.a FOR INSERT AS PRINT 'x'");
+        EXPECT_EQ(rowsOf("List_ExportableDatabaseEntries") > 0, true);
+        statement("Script_ClearDatabase");
+        EXPECT_EQ(rowsOf("DatabaseTree_ListTables"), 0);
+        EXPECT_EQ(rowsOf("List_ViewsInDatabase_NonSystem"), 0);
+        EXPECT_EQ(rowsOf("List_StoredProceduresInDatabase_NonSystem"), 0);
+        EXPECT_EQ(rowsOf("List_FunctionsByTypeInDatabase_NonSystem",
+                         {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString()}}),
+                  0);
+    }
+
+private:
+    QString text(const char *title, const QMap<QString, QString> &values = {})
+    {
+        return KNQueryTemplate::filled(
+            MSSQLSystemDatabaseQueries(*m_details).queryByTitle(QString::fromLatin1(title)), values);
+    }
+
+    void execute(const char *sql)
+    {
+        KNError error;
+        EXPECT_TRUE(m_client->executeNonQuery(QString::fromLatin1(sql), &error))
+            << sql << ": " << error.localizedDescription().toStdString();
+    }
+
+    /// Runs a title as a person would: all batches of its text.
+    void statement(const char *title, const QMap<QString, QString> &values = {})
+    {
+        const auto splitter = m_details->createQuerySplitter();
+        splitter->setRequiresFullSplit(true);
+        KNResultSetHolder holder;
+        KNError error;
+        m_client->executeQueryDetails(splitter->doSplitQuery(text(title, values)), holder, {}, &error);
+        EXPECT_FALSE(error) << title << ": " << error.localizedDescription().toStdString();
+    }
+
+    qsizetype rowsOf(const char *title, const QMap<QString, QString> &values = {})
+    {
+        KNError error;
+        const auto rows = m_client->executeQuery(text(title, values), &error);
+        EXPECT_FALSE(error) << title << ": " << error.localizedDescription().toStdString();
+        return rows ? rows->rowCount() : -1;
+    }
+
+    SampleServerFixture m_sample;
+    std::shared_ptr<MSSQLDatabaseConnectionDetails> m_details;
+    std::unique_ptr<MSSQLClient> m_client;
+    int m_databases = 0;
+};
+
+const QMap<QString, void (CatalogStatements::*)()> &trials()
+{
+    static const QMap<QString, void (CatalogStatements::*)()> map{
+        {QStringLiteral("Table_DropPrimaryKey"), &CatalogStatements::dropPrimaryKey},
+        {QStringLiteral("Table_RemoveDefaultForColumn"), &CatalogStatements::removeDefault},
+        {QStringLiteral("Table_ReplaceDefaultForColumn"), &CatalogStatements::replaceDefault},
+        {QStringLiteral("NewTable"), &CatalogStatements::newTable},
+        {QStringLiteral("NewStoredProcedure"), &CatalogStatements::newProcedure},
+        {QStringLiteral("NewFunction"), &CatalogStatements::newFunction},
+        {QStringLiteral("NewTrigger"), &CatalogStatements::newTrigger},
+        {QStringLiteral("NewSQLAgentJob"), &CatalogStatements::newAgentJob},
+        {QStringLiteral("SQLServerAgentStartJob"), &CatalogStatements::startAndStopJob},
+        {QStringLiteral("SQLServerAgentStopJob"), &CatalogStatements::startAndStopJob},
+        {QStringLiteral("Script_ClearDatabase"), &CatalogStatements::clearDatabase},
+    };
+    return map;
+}
+
+} // namespace
+
+const QStringList &catalogStatements()
+{
+    static const QStringList titles = trials().keys();
+    return titles;
+}
+
+TEST_P(CatalogStatements, DoWhatTheyAreFor)
+{
+    for (auto trial = trials().cbegin(); trial != trials().cend(); ++trial) {
+        SCOPED_TRACE(trial.key().toStdString());
+        useNewDatabase();
+        (this->*trial.value())();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Server, CatalogStatements, testing::Values("2000", "2008", "2022", "azure"),
+                         [](const auto &edition) { return "Of" + std::string(edition.param); });

@@ -1,0 +1,220 @@
+#include "DatabaseTree/DatabaseTreeEntryServerRoot.h"
+#include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
+#include "Foundation/KNUserDefaults.h"
+#include "Support/HostileServerRelay.h"
+#include "Support/TreeTesting.h"
+#include "VantorMSSQL/Wire/WireTest.h"
+
+using TreeTesting::find;
+using TreeTesting::list;
+using TreeTesting::load;
+using TreeTesting::names;
+using TreeTesting::Ptr;
+
+namespace {
+
+class WireTree : public testing::Test
+{
+protected:
+    WireTree() { KNDispatch::pumpMainQueue(0); } // this is the main thread
+    ~WireTree() override
+    {
+        EXPECT_TRUE(TreeTesting::settle());
+        KNUserDefaults::standardUserDefaults()->removeObject(QStringLiteral("MSSQLAgentEnabled"));
+        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+    }
+
+    std::shared_ptr<DatabaseTreeEntryServerRoot> root(const VantorDBC &settings)
+    {
+        const auto made = settings.createRootDatabaseTreeNode();
+        made->setDelegate(delegate);
+        return made;
+    }
+
+    /// Loads everything below an entry. The paths of all errors with their texts.
+    QStringList errorsBelow(const Ptr &entry, const QString &path = {})
+    {
+        QStringList errors;
+        if (!entry->canHaveChildren())
+            return errors;
+        load(entry);
+        for (const Ptr &child : *entry->childEntries()) {
+            const QString childPath = path + QLatin1Char('/') + child->displayName();
+            if (dynamic_cast<const KNDatabaseTreeErrorEntry *>(child.get()))
+                errors.append(childPath);
+            errors += errorsBelow(child, childPath);
+            ++count;
+        }
+        return errors;
+    }
+
+    const std::shared_ptr<RecordingTreeDelegate> delegate = std::make_shared<RecordingTreeDelegate>();
+    int count = 0; ///< entries that errorsBelow() has seen
+};
+
+struct Edition
+{
+    const char *name;
+    bool hasFederations;
+    bool hasAgent;
+};
+
+class WireTreeOfEdition : public WireTree, public testing::WithParamInterface<Edition>
+{
+};
+
+} // namespace
+
+TEST_P(WireTreeOfEdition, LoadsWholeWithoutAnError)
+{
+    KNUserDefaults::standardUserDefaults()->setObject(QStringLiteral("MSSQLAgentEnabled"), true);
+    const SampleServerFixture server({.arguments = {"--edition", GetParam().name}});
+    const auto tree = root(*WireTest::settings(server.port()));
+    load(tree);
+    EXPECT_TRUE(tree->allDatabaseNames().contains(QStringLiteral("shop")));
+    EXPECT_FALSE(tree->details().isEmpty());
+    const Ptr shop = find(tree, list({"shop"}));
+    load(shop);
+    EXPECT_EQ(names(shop), GetParam().hasFederations
+                               ? list({"Tables", "Views", "Programmability", "Federations"})
+                               : list({"Tables", "Views", "Programmability"}));
+    EXPECT_EQ(names(tree).contains(QStringLiteral("SQL Server Agent")), GetParam().hasAgent);
+    EXPECT_EQ(errorsBelow(tree), QStringList());
+    EXPECT_GT(count, 300);
+    for (const RecordingTreeDelegate::Event &event : delegate->events())
+        EXPECT_EQ(delegate->begins(*event.entry), delegate->finishes(*event.entry));
+}
+
+INSTANTIATE_TEST_SUITE_P(Editions, WireTreeOfEdition,
+                         testing::Values(Edition{"2000", false, false}, Edition{"2008", false, true},
+                                         Edition{"2022", false, true}, Edition{"azure", true, false}),
+                         [](const auto &edition) { return std::string("Of") + edition.param.name; });
+
+TEST_F(WireTree, ShowsColumnsKeysIndexesAndTriggersOfATable)
+{
+    const auto client = WireTest::connectedClient();
+    WireTest::run(*client, QStringLiteral("USE shop"));
+    WireTest::run(*client,
+                  QStringLiteral("CREATE TABLE TreeTable (id int NOT NULL CONSTRAINT PK_Tree PRIMARY KEY, "
+                                 "name nvarchar(20) NULL)"));
+    WireTest::run(*client, QStringLiteral("CREATE INDEX IX_Tree ON TreeTable (name)"));
+    WireTest::run(*client, QStringLiteral("create trigger TRG_Tree ON TreeTable AFTER INSERT AS SELECT 1"));
+    const auto tree = root(*WireTest::settings(SampleServerFixture::shared().port()));
+    const Ptr table = find(tree, list({"shop", "Tables", "TreeTable"}));
+    const auto below = [&](const char *section) {
+        const Ptr entry = find(table, list({section}));
+        load(entry);
+        return names(entry);
+    };
+    EXPECT_EQ(below("Columns"), list({"id", "name"}));
+    EXPECT_EQ(find(table, list({"Columns", "id"}))->details(), QStringLiteral("PK, int, not null"));
+    EXPECT_EQ(find(table, list({"Columns", "name"}))->details(), QStringLiteral("nvarchar(20), null"));
+    EXPECT_EQ(below("Keys"), list({"PK_Tree"}));
+    EXPECT_EQ(below("Indexes"), list({"IX_Tree", "PK_Tree"}));
+    EXPECT_EQ(below("Triggers"), list({"TRG_Tree"}));
+    WireTest::run(*client, QStringLiteral("DROP TABLE TreeTable"));
+}
+
+TEST_F(WireTree, TablesWithOddNamesHaveTheirColumns)
+{
+    const auto tree = root(*WireTest::settings(SampleServerFixture::shared().port()));
+    const Ptr tables = find(tree, list({"shop", "Tables"}));
+    load(tables);
+    int odd = 0;
+    for (const Ptr &table : *tables->childEntries()) {
+        const QString name = table->displayName();
+        const bool isOdd = std::any_of(name.begin(), name.end(), [](QChar character) {
+            return !character.isLetterOrNumber() && character != QLatin1Char('_');
+        });
+        if (!isOdd)
+            continue;
+        ++odd;
+        const Ptr columns = find(table, list({"Columns"}));
+        load(columns);
+        ASSERT_FALSE(columns->childEntries()->empty()) << name.toStdString();
+        EXPECT_FALSE(columns->childEntries()->front()->details().isEmpty()) << name.toStdString();
+    }
+    EXPECT_GT(odd, 5);
+}
+
+TEST_F(WireTree, ADatabaseThatIsGoneShowsItsErrorAndTheOthersWork)
+{
+    const SampleServerFixture server;
+    const auto client = WireTest::connectedClient(WireTest::settings(server.port()));
+    WireTest::run(*client, QStringLiteral("CREATE DATABASE passing"));
+    const auto tree = root(*WireTest::settings(server.port()));
+    const Ptr tables = find(tree, list({"passing", "Tables"}));
+    VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+    WireTest::run(*client, QStringLiteral("DROP DATABASE passing"));
+    load(tables);
+    ASSERT_EQ(names(tables).size(), 1);
+    EXPECT_NE(std::dynamic_pointer_cast<KNDatabaseTreeErrorEntry>(tables->childEntries()->front()), nullptr);
+    EXPECT_TRUE(names(tables).first().contains(QStringLiteral("passing")))
+        << names(tables).first().toStdString();
+    const Ptr shop = find(tree, list({"shop", "Tables"}));
+    load(shop);
+    EXPECT_TRUE(names(shop).contains(QStringLiteral("Customers")));
+    WireTest::run(*client, QStringLiteral("CREATE DATABASE passing"));
+    load(tables, true);
+    EXPECT_EQ(names(tables), QStringList());
+}
+
+TEST_F(WireTree, AConnectionThatIsLostWhileLoadingShowsOneErrorAndARefreshRecovers)
+{
+    const SampleServerFixture server;
+    constexpr std::uint64_t Never = std::uint64_t(1) << 60;
+    HostileServerRelay relay(server.port(), HostileServerRelay::Fault::Close, Never);
+    const auto tree = root(*WireTest::settings(relay.port()));
+    const Ptr tables = find(tree, list({"shop", "Tables"}));
+    const Ptr table = find(tree, list({"shop", "Tables", "Customers"}));
+    const Ptr keys = find(table, list({"Keys"}));
+    VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+
+    const std::uint64_t before = relay.bytesFromServer();
+    load(keys);
+    const std::uint64_t whole = relay.bytesFromServer() - before;
+    const QStringList all = names(keys);
+    EXPECT_FALSE(all.isEmpty());
+    // Cut at places from the login to the last rows; what is shown is all, or why there is nothing.
+    for (std::uint64_t place = whole / 8; place < whole; place += whole / 8) {
+        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+        relay.strikeAfter(place);
+        load(keys, true);
+        const auto children = *keys->childEntries();
+        if (names(keys) != all) {
+            ASSERT_EQ(children.size(), 1U) << place;
+            EXPECT_NE(std::dynamic_pointer_cast<KNDatabaseTreeErrorEntry>(children.front()), nullptr);
+            EXPECT_FALSE(children.front()->displayName().isEmpty());
+        }
+        relay.strikeAfter(Never);
+        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+        load(keys, true);
+        EXPECT_EQ(names(keys), all);
+    }
+}
+
+TEST_F(WireTree, AConnectionWithADatabaseShowsOnlyThat)
+{
+    const auto settings = WireTest::settings(SampleServerFixture::shared().port());
+    settings->setDatabase(QStringLiteral("SHOP"));
+    const auto tree = root(*settings);
+    load(tree);
+    EXPECT_EQ(names(tree), list({"shop"}));
+    EXPECT_GT(tree->allDatabaseNames().size(), 1);
+    EXPECT_FALSE(tree->allDatabaseNames().contains(QStringLiteral("master")));
+}
+
+TEST_F(WireTree, TheSearchFindsObjectsOfEveryDatabase)
+{
+    for (const char *edition : {"2008", "2022", "azure"}) {
+        const SampleServerFixture server({.arguments = {"--edition", edition}});
+        const auto tree = root(*WireTest::settings(server.port()));
+        load(tree);
+        const Ptr found = tree->copyWithSearchResults(QStringLiteral("LOAN"));
+        ASSERT_NE(found, nullptr) << edition;
+        EXPECT_EQ(names(found), list({"library"})) << edition;
+        const Ptr shop = find(tree->copyWithSearchResults(QStringLiteral("customers")), list({"shop"}));
+        EXPECT_TRUE(names(shop).contains(QStringLiteral("Customers"))) << edition;
+        EXPECT_EQ(tree->copyWithSearchResults(QStringLiteral("no such thing")), nullptr) << edition;
+    }
+}

@@ -1,0 +1,151 @@
+#include "CommandLine/TreeCommand.h"
+
+#include "CommandLine/InterruptWatcher.h"
+#include "CommandLine/MenuWriter.h"
+#include "CommandLine/ServerConnection.h"
+#include "CommandLine/Terminal.h"
+#include "CommandLine/TreePath.h"
+#include "CommandLine/TreeWriter.h"
+#include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
+#include "Foundation/KNFormat.h"
+
+#include <QCommandLineParser>
+
+#include <functional>
+
+namespace {
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+int fail(ExitStatus status, const QString &message)
+{
+    Terminal::printError(message, Terminal::Colour::Red);
+    return status;
+}
+
+void addArguments(QCommandLineParser &parser, const char *description)
+{
+    parser.setApplicationDescription(text(description));
+    ConnectionOptions::addTo(parser);
+    parser.addOption({{text("h"), text("help")}, text("Show this help.")});
+    parser.addPositionalArgument(
+        text("PATH"),
+        text("The names from the server down, with slashes between them; inside of a name, \\/ stands "
+             "for a slash and \\\\ for a backslash."),
+        text("[PATH]"));
+}
+
+/// What a command does with a tree, whose root is loaded, and the names of its path.
+using Work = std::function<int(TreeLoader &loader, const QStringList &names)>;
+
+int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const QStringList &names,
+           const Work &work)
+{
+    KNError error;
+    ServerConnection connection;
+    if (const ExitStatus status = connection.prepare(options, settings, &error))
+        return fail(status, error.localizedDescription());
+    const InterruptWatcher interrupts(ExitCancelled);
+    TreeLoader loader(*settings);
+    const auto children = loader.children(loader.root());
+    const auto *failed = children.size() == 1
+                             ? dynamic_cast<const KNDatabaseTreeErrorEntry *>(children.front().get())
+                             : nullptr;
+    return failed ? fail(ExitNoConnection, failed->displayName()) : work(loader, names);
+}
+
+/// Parses the arguments and runs the work. `name` is the command's.
+int runOnTree(QCommandLineParser &parser, const char *name, const QStringList &arguments,
+              const VantorDBCPtr &settings, const Work &work)
+{
+    const QString command = KNFormat("vantor-cli %@", name);
+    const QString hint = KNFormat("\nSee %@ --help.", command);
+    if (!parser.parse(QStringList{command} + arguments))
+        return fail(ExitUsage, parser.errorText() + hint);
+    if (parser.isSet(text("help"))) {
+        fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
+        return ExitSuccess;
+    }
+    KNError error;
+    const auto options = ConnectionOptions::from(parser, &error);
+    if (!options)
+        return fail(ExitUsage, error.localizedDescription() + hint);
+    if (!options->namesServer())
+        return fail(ExitUsage, text("Give either --server or --sample.") + hint);
+    if (parser.positionalArguments().size() > 1)
+        return fail(ExitUsage, text("Give one path; quote it when it has spaces.") + hint);
+    const auto names = TreePath::names(parser.positionalArguments().value(0), &error);
+    if (!names)
+        return fail(ExitUsage, error.localizedDescription());
+    return onTree(*options, settings, *names, work);
+}
+
+/// An entry that is not there is a usage error, one that could not be loaded an error of the server.
+int failToFind(const KNError &error)
+{
+    const bool isUsage = error.domain() == text("com.quorvex.vantor.cli");
+    return fail(isUsage ? ExitUsage : ExitSqlError, error.localizedDescription());
+}
+
+} // namespace
+
+int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings)
+{
+    QCommandLineParser parser;
+    addArguments(parser, "Prints the objects of a server as a tree.");
+    parser.addOptions({
+        {text("depth"), text("How many levels below the path; 1 when not given, 2 for a search."),
+         text("levels")},
+        {text("details"), text("Show what is known of each object beside its name.")},
+        {text("search"), text("Show only tables, views, procedures and functions with this in their names."),
+         text("text")},
+        {text("json"), text("Write JSON.")},
+    });
+    return runOnTree(parser, "tree", arguments, emptySettings,
+                     [&](TreeLoader &loader, const QStringList &names) {
+                         const bool isSearch = parser.isSet(text("search"));
+                         TreeWriter::Options options{isSearch ? 2 : 1, parser.isSet(text("details")),
+                                                     parser.isSet(text("json"))};
+                         if (parser.isSet(text("depth"))) {
+                             bool isNumber = false;
+                             options.depth = parser.value(text("depth")).toInt(&isNumber);
+                             if (!isNumber || options.depth < 0)
+                                 return fail(ExitUsage, text("--depth takes a number of levels from 0 on."));
+                         }
+                         KNError error;
+                         TreeLoader::Entry entry = loader.root();
+                         if (isSearch)
+                             entry = loader.search(parser.value(text("search")), &error);
+                         if (error)
+                             return fail(ExitSqlError, error.localizedDescription());
+                         if (!entry)
+                             return fail(ExitSuccess, text("Nothing was found."));
+                         entry = loader.find(entry, names, &error);
+                         if (!entry)
+                             return failToFind(error);
+                         TreeWriter writer(loader, options);
+                         writer.write(entry);
+                         return static_cast<int>(writer.hadErrors() ? ExitSqlError : ExitSuccess);
+                     });
+}
+
+int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings)
+{
+    QCommandLineParser parser;
+    addArguments(parser, "Prints the menu of an entry of the tree, with the names of its actions.");
+    return runOnTree(parser, "menu", arguments, emptySettings,
+                     [](TreeLoader &loader, const QStringList &names) {
+                         KNError error;
+                         const TreeLoader::Entry entry = loader.find(loader.root(), names, &error);
+                         if (!entry)
+                             return failToFind(error);
+                         const KNMenu menu = entry->menu();
+                         if (menu.items.empty())
+                             return fail(ExitSuccess, text("This entry has no menu."));
+                         writeMenu(menu);
+                         return static_cast<int>(ExitSuccess);
+                     });
+}

@@ -1,0 +1,95 @@
+#include "Implementations/MSSQLQueryTrials.h"
+
+namespace {
+
+constexpr QLatin1String tables("DatabaseTree_ListTables");                       // id, schema, name
+constexpr QLatin1String views("List_ViewsInDatabase_NonSystem");                 // id, schema, name
+constexpr QLatin1String procedures("List_StoredProceduresInDatabase_NonSystem"); // schema, name
+constexpr QLatin1String functions("List_FunctionsByTypeInDatabase_NonSystem");   // schema, name
+constexpr QLatin1String types("List_UserTypesByTypeInDatabase_NonSystem");       // schema, name
+
+KNQueryTrial trial(const char *title)
+{
+    return {QString::fromLatin1(title), {}, {}};
+}
+
+KNQueryTrial trialOf(QLatin1String objects, const char *title,
+                     std::initializer_list<std::pair<const char *, const char *>> values)
+{
+    KNQueryTrial result{QString::fromLatin1(title), {}, objects};
+    for (const auto &[placeholder, value] : values)
+        result.values.insert(QString::fromLatin1(placeholder), QString::fromLatin1(value));
+    return result;
+}
+
+/// One that takes a clause which may be left out.
+KNQueryTrial trialOfAll(QLatin1String title)
+{
+    return {title, {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString()}}, {}};
+}
+
+} // namespace
+
+QList<KNQueryTrial> MSSQLQueryTrials::all()
+{
+    return {
+        trial("DatabaseTree_ServerVersion"),
+        trial("General_FindDefaultUserSchema"),
+        trial("General_ListDatabases"),
+        trial("IsSQLServerAgentAvailable"),
+        trial("List_AgentJobs"),
+        trial("List_Federations"),
+
+        trial("DatabaseTree_ListTables"),
+        trialOf(tables, "ColumnsForTable", {{"SCHEMA_NAME", "{1}"}, {"TABLE_NAME", "{2}"}}),
+        trialOf(tables, "List_IndexesForTable", {{"TABLE_NAME", "{1}.{2}"}}),
+        trialOf(tables, "List_KeysForTable", {{"TABLE_NAME", "{1}.{2}"}}),
+        trialOf(tables, "List_TriggersForTableWithDetails", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
+        trialOf(tables, "List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
+        trialOf(tables, "List_ForeignKeysForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
+        trialOf(tables, "List_PrimaryKeysForTable", {{"SCHEMA_AND_TABLE_NAME", "{1}.{2}"}}),
+        trialOf(tables, "Table_CreationQuery", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
+
+        trial("List_ViewsInDatabase_NonSystem"),
+        trialOf(views, "List_IndexesForView", {{"TABLE_NAME", "{1}.{2}"}}),
+        trialOf(views, "View_AlterQuery", {{"VIEW_NAME", "{1}.{2}"}}),
+        trialOf(views, "INDEX_CREATION_QUERY",
+                {{"INDEX_SRC", "sys.views"},
+                 {"INDEX_CLAUSE", "t.object_id = OBJECT_ID('{2}')"},
+                 {"VIEW_NAME", "{2}"}}),
+
+        trial("List_StoredProceduresInDatabase_NonSystem"),
+        trialOf(procedures, "List_ParametersForStoredProcedure",
+                {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
+        trialOf(procedures, "StoredProcedure_AlterQuery", {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
+        trialOf(procedures, "StoredProcedure_ScriptCreateQuery",
+                {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
+        trialOfAll(functions),
+        trialOf(functions, "Function_AlterQuery", {{"SCHEMA", "{0}"}, {"FUNCTION_NAME", "{1}"}}),
+        trialOfAll(types),
+        trialOf(types, "UserDefinedDataType_CreationQuery", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
+
+        trial("List_EntriesForAutocomplete"),
+        trial("List_ExportableDatabaseEntries"),
+        trial("List_SearchableDatabaseEntries"),
+        trial("List_SearchableDatabaseEntries_Azure"),
+        trial("List_TablesAndColumnsForImport"),
+
+        trial("Script_ListConnections"),
+        trial("Script_LongRunningQueries"),
+        trial("Script_SPWHO3"),
+        trial("Script_TableSizes"),
+    };
+}
+
+QStringList MSSQLQueryTrials::notOnSQL2000()
+{
+    return {QStringLiteral("List_SearchableDatabaseEntries"),
+            QStringLiteral("List_SearchableDatabaseEntries_Azure"), QStringLiteral("List_Federations")};
+}
+
+QStringList MSSQLQueryTrials::notOnAzure()
+{
+    return {QStringLiteral("IsSQLServerAgentAvailable"), QStringLiteral("List_AgentJobs"),
+            QStringLiteral("List_SearchableDatabaseEntries")};
+}

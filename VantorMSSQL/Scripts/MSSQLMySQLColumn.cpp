@@ -1,0 +1,190 @@
+#include "Scripts/MSSQLMySQLColumn.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLScriptCatalog.h"
+
+#include <QHash>
+
+namespace {
+
+constexpr qint64 Unlimited = -1;
+constexpr qint64 LongestFixed = 255; ///< characters or bytes of a MySQL column of fixed length
+
+struct Declaration
+{
+    QString type; ///< with precision and scale where they belong to it
+    std::optional<qint64> size;
+};
+
+bool isNational(const QString &type)
+{
+    return type == QLatin1String("nchar") || type == QLatin1String("nvarchar");
+}
+
+/// How MySQL spells a type that it does not have, or means something else by. Types that the rules of
+/// translation speak of stay as they are.
+Declaration spelledForMySQL(const Declaration &column)
+{
+    static const QHash<QString, Declaration> others{
+        {QStringLiteral("bit"), {QStringLiteral("bit(1)"), {}}},
+        {QStringLiteral("tinyint"), {QStringLiteral("tinyint unsigned"), {}}},
+        {QStringLiteral("money"), {QStringLiteral("decimal(19,4)"), {}}},
+        {QStringLiteral("smallmoney"), {QStringLiteral("decimal(10,4)"), {}}},
+        {QStringLiteral("float"), {QStringLiteral("double"), {}}},
+        {QStringLiteral("real"), {QStringLiteral("float"), {}}},
+        {QStringLiteral("text"), {QStringLiteral("longtext"), {}}},
+        {QStringLiteral("ntext"), {QStringLiteral("longtext"), {}}},
+        {QStringLiteral("timestamp"), {QStringLiteral("binary"), 8}},
+        {QStringLiteral("rowversion"), {QStringLiteral("binary"), 8}},
+        {QStringLiteral("sysname"), {QStringLiteral("nvarchar"), 256}},
+        {QStringLiteral("sql_variant"), {QStringLiteral("longblob"), {}}},
+        {QStringLiteral("geography"), {QStringLiteral("longblob"), {}}},
+        {QStringLiteral("geometry"), {QStringLiteral("longblob"), {}}},
+    };
+    const QString type = column.type.toLower();
+    if (const auto other = others.constFind(type); other != others.constEnd())
+        return *other;
+    // MySQL keeps an instant without its offset, and six digits of a second.
+    if (type.startsWith(QLatin1String("datetimeoffset")))
+        return {QStringLiteral("varchar"), 34};
+    if (type == QLatin1String("time(7)"))
+        return {QStringLiteral("time(6)"), {}};
+    const qint64 units = column.size.value_or(0) / (isNational(type) ? 2 : 1);
+    if (units > LongestFixed && !type.contains(QLatin1String("var"))) {
+        const QString varying = isNational(type)                  ? QStringLiteral("nvarchar")
+                                : type == QLatin1String("char")   ? QStringLiteral("varchar")
+                                : type == QLatin1String("binary") ? QStringLiteral("varbinary")
+                                                                  : column.type;
+        return {varying, column.size};
+    }
+    return column;
+}
+
+/// Columns of "UserDefinedDataType_CreationQuery".
+enum AliasColumn { MaxLength = 4, Size = 5, BaseType = 17 };
+
+/// What the users' types of one table are made of.
+class AliasTypes
+{
+public:
+    explicit AliasTypes(const VantorDBC &details)
+        : m_details(details)
+    {
+    }
+
+    /// The declaration behind "[schema].[name]"; other types as they are. Blocks on the server.
+    Declaration resolved(const Declaration &column, KNError *error)
+    {
+        if (!column.type.startsWith(QLatin1Char('[')))
+            return column;
+        auto known = m_known.constFind(column.type);
+        if (known == m_known.constEnd())
+            known = m_known.insert(column.type, load(column.type, error));
+        return *known;
+    }
+
+private:
+    Declaration load(const QString &type, KNError *error) const
+    {
+        const auto name = [](QString part) { return part.replace(QLatin1String("]]"), QLatin1String("]")); };
+        const qsizetype dot = type.indexOf(QLatin1String("].["));
+        // A type of the CLR is not an alias: its values are bytes.
+        Declaration declaration{QStringLiteral("longblob"), {}};
+        const KNError failure = MSSQLScriptCatalog::readRows(
+            m_details, QStringLiteral("UserDefinedDataType_CreationQuery"),
+            {{QStringLiteral("SCHEMA"), name(type.mid(1, dot - 1))},
+             {QStringLiteral("TYPE"), name(type.mid(dot + 3).chopped(1))}},
+            [&](const DatabaseResultSet &row) { declaration = declarationOf(row); });
+        if (failure)
+            *error = failure;
+        return declaration;
+    }
+
+    static Declaration declarationOf(const DatabaseResultSet &row)
+    {
+        const QString base = row.stringForColumnIndex(BaseType).section(QLatin1Char(' '), 0, 0);
+        const QString size = row.stringForColumnIndex(Size);
+        if (base.contains(QLatin1String("char")) || base.contains(QLatin1String("binary")))
+            return {base, row.objectForColumnIndex(MaxLength).toInt64()};
+        const bool hasSize = base == QLatin1String("decimal") || base == QLatin1String("numeric") ||
+                             base == QLatin1String("time") || base.startsWith(QLatin1String("datetime"));
+        return {hasSize && size.at(0).isDigit() ? KNFormat("%@(%@)", base, size) : base, {}};
+    }
+
+    const VantorDBC &m_details;
+    QHash<QString, Declaration> m_known;
+};
+
+} // namespace
+
+QList<MSSQLMySQLColumn> MSSQLMySQLColumn::columnsOf(const VantorDBC &details, const QString &table,
+                                                    const QString &inSchema, KNError *error)
+{
+    QList<MSSQLMySQLColumn> columns;
+    *error = MSSQLScriptCatalog::readRowsAndReport(
+        details, QStringLiteral("ColumnsForTable"),
+        {{QStringLiteral("TABLE_NAME"), table}, {QStringLiteral("SCHEMA_NAME"), inSchema}},
+        "mssql.queryLoader.tableAsMySQL", [&](const DatabaseResultSet &row) {
+            const KNValue size = row.objectForColumnIndex(2);
+            columns.append({row.stringForColumnIndex(0), row.stringForColumnIndex(1),
+                            size.isNull() ? std::nullopt : std::optional(size.toInt64()),
+                            row.objectForColumnIndex(5).toBool(), row.objectForColumnIndex(6).toBool()});
+        });
+    AliasTypes aliases(details);
+    for (MSSQLMySQLColumn &column : columns) {
+        const Declaration spelled =
+            spelledForMySQL(aliases.resolved({column.columnType, column.columnSize}, error));
+        column.columnType = spelled.type;
+        column.columnSize = spelled.size;
+    }
+    return columns;
+}
+
+MSSQLMySQLTranslation MSSQLMySQLTranslation::of(const MSSQLMySQLColumn &column,
+                                                const std::function<qint64()> &largestSize)
+{
+    const auto has = [](const QString &type, const char *word) {
+        return type.contains(QLatin1String(word), Qt::CaseInsensitive);
+    };
+    static const QStringList sizeless{QStringLiteral("image"),
+                                      QStringLiteral("int"),
+                                      QStringLiteral("bigint"),
+                                      QStringLiteral("smallint"),
+                                      QStringLiteral("uniqueidentifier"),
+                                      QStringLiteral("xml")};
+    const QString &name = column.columnName;
+    QString type = column.columnType;
+    if (column.columnSize && !sizeless.contains(type, Qt::CaseInsensitive)) {
+        static const QStringList national{QStringLiteral("nvarchar"), QStringLiteral("nchar"),
+                                          QStringLiteral("ntext")};
+        const bool isHalved = national.contains(type, Qt::CaseInsensitive);
+        if (*column.columnSize == Unlimited)
+            type = KNFormat("%@(%ld)", type, SubstituteWidth);
+        else
+            type = KNFormat("%@(%@)", type, QString::number(*column.columnSize / (isHalved ? 2 : 1)));
+    }
+
+    MSSQLMySQLTranslation result;
+    result.selectExpression = MSSQLClient::escapeTableNameIfRequired(name);
+    if (has(type, "hierarchyid")) {
+        type = QStringLiteral("blob(892)");
+        result.selectExpression = KNFormat("CAST([%@] AS VARBINARY(892)) AS [%@]", name, name);
+    }
+    if (has(type, "uniqueidentifier")) {
+        type = QStringLiteral("binary(16)");
+        result.selectExpression = KNFormat("CAST([%@] AS BINARY(16)) AS [%@]", name, name);
+    }
+    if (has(type, "xml"))
+        type = KNFormat("nvarchar(%ld)", SubstituteWidth);
+    if (has(type, "datetime")) {
+        type = QStringLiteral("datetime");
+        result.selectExpression = KNFormat("convert(varchar(25), [%@], 120) AS [%@]", name, name);
+    }
+    if (has(type, "image")) {
+        type = KNFormat("blob(%ld)", largestSize());
+        result.notes.append(QStringLiteral("Size has been calculated by determining the largest field."));
+    }
+    result.type = type.replace(QLatin1String("(max)"), KNFormat("(%ld)", SubstituteWidth));
+    return result;
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Database/KNRowStore.h"
+#include "Database/VantorDBC.h"
+#include "Foundation/KNError.h"
+
+#include <functional>
+
+/// Rows of a query one after the other, without the result as a whole ever being in memory.
+namespace MSSQLRowStream {
+
+/// Runs the query on a pooled connection and calls `eachRow`, on the caller's thread, while rows arrive. The
+/// error, if any, comes back as it is; rows before it were handed out. Blocks on the server.
+KNError eachRow(const VantorDBC &details, const QString &sql,
+                const std::function<void(const KNRow &row)> &eachRow);
+
+} // namespace MSSQLRowStream

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Scripts/MSSQLScriptQueryLoader.h"
+
+/// The statement that makes an alias type. Names are taken, and written, as they are.
+class MSSQLScriptCreateTypeQueryLoader : public MSSQLScriptQueryLoader
+{
+public:
+    /// `queryLoaderType` is the kind of the tree entry that asks; it does not change the text.
+    MSSQLScriptCreateTypeQueryLoader(const QString &type, const QString &inSchema, int queryLoaderType)
+        : m_targetType(type)
+        , m_targetSchema(inSchema)
+        , m_targetQueryLoaderType(queryLoaderType)
+    {
+    }
+
+    const QString &targetType() const { return m_targetType; }
+    const QString &targetSchema() const { return m_targetSchema; }
+    int targetQueryLoaderType() const { return m_targetQueryLoaderType; }
+
+    /// The statement, or "Unhandled" when there is no such type; what fails is reported. Blocks on the
+    /// server.
+    static QString creationQueryForType(const QString &type, const QString &inSchema, int queryLoaderType,
+                                        const VantorDBC &withConnectionDetails);
+
+protected:
+    QString script(const VantorDBC &details) const override;
+
+private:
+    QString m_targetType;
+    QString m_targetSchema;
+    int m_targetQueryLoaderType;
+};

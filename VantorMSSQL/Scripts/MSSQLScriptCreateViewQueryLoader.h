@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Scripts/MSSQLScriptQueryLoader.h"
+
+/// The CREATE script of a view and its indexes. Names are not escaped.
+class MSSQLScriptCreateViewQueryLoader : public MSSQLScriptQueryLoader
+{
+public:
+    MSSQLScriptCreateViewQueryLoader(const QString &viewName, const QString &inSchema)
+        : m_viewName(viewName)
+        , m_targetSchema(inSchema)
+    {
+    }
+
+    const QString &viewName() const { return m_viewName; }
+    void setViewName(const QString &viewName) { m_viewName = viewName; }
+    const QString &targetSchema() const { return m_targetSchema; }
+
+    /// The script; what fails stands in it as a comment. Blocks on the server.
+    static QString creationQueryForView(const QString &view, const QString &inSchema,
+                                        const VantorDBC &withConnectionDetails);
+
+protected:
+    QString script(const VantorDBC &details) const override;
+
+private:
+    QString m_viewName;
+    QString m_targetSchema;
+};

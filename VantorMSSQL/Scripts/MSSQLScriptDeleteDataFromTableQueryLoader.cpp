@@ -1,0 +1,21 @@
+#include "Scripts/MSSQLScriptDeleteDataFromTableQueryLoader.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+
+void MSSQLScriptDeleteDataFromTableQueryLoader::beginLoadingQuery(const VantorDBC &)
+{
+    const QString table = MSSQLClient::escapeTablePaths(m_tablePath);
+    QString script = QStringLiteral("");
+    for (const QList<KNValue> &row : m_data) {
+        QString conditions = QStringLiteral("");
+        for (qsizetype i = 0; i < m_columns.size(); ++i)
+            conditions += KNFormat("%@%@ = %@", i == 0 ? "" : " AND ",
+                                   MSSQLClient::escapeTableNameIfRequired(m_columns[i]),
+                                   MSSQLClient::escapeColumnValue(row.value(i)));
+        if (!script.isEmpty())
+            script += QLatin1String("\r\n");
+        script += KNFormat("DELETE TOP (1) FROM %@ WHERE %@;", table, conditions);
+    }
+    deliver(script);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Foundation/KNValue.h"
+#include "QueryLoader/KNQueryLoader.h"
+
+#include <QList>
+#include <QStringList>
+
+/// Statements that delete rows of a table, each the one row (or one of the same rows) with all these values.
+/// Delivers on the caller's thread.
+class MSSQLScriptDeleteDataFromTableQueryLoader : public KNQueryLoader
+{
+public:
+    /// `tablePath` is the name, or schema and name. Each row of `data` has a value for each of the columns,
+    /// of which there must be one.
+    MSSQLScriptDeleteDataFromTableQueryLoader(const QStringList &tablePath, const QStringList &usingColumns,
+                                              const QList<QList<KNValue>> &data)
+        : m_tablePath(tablePath)
+        , m_columns(usingColumns)
+        , m_data(data)
+    {
+    }
+
+    const QStringList &tablePath() const { return m_tablePath; }
+    const QStringList &columns() const { return m_columns; }
+    const QList<QList<KNValue>> &data() const { return m_data; }
+
+    void beginLoadingQuery(const VantorDBC &details) override;
+
+private:
+    QStringList m_tablePath;
+    QStringList m_columns;
+    QList<QList<KNValue>> m_data;
+};

@@ -1,0 +1,14 @@
+#include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
+
+QString MSSQLScriptDropAndCreateViewQueryLoader::script(const VantorDBC &details) const
+{
+    const QString drop = KNFormat("DROP VIEW %@\r\nGO\r\n",
+                                  MSSQLClient::escapeSchemaAndTable(m_targetSchema, m_targetViewName));
+    const QString create =
+        MSSQLScriptCreateViewQueryLoader::creationQueryForView(m_targetViewName, m_targetSchema, details);
+    return KNFormat("%@\r\n%@", drop, create);
+}

@@ -1,0 +1,164 @@
+#include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLMySQLColumn.h"
+#include "Scripts/MSSQLMySQLValue.h"
+#include "Scripts/MSSQLRowStream.h"
+
+namespace {
+
+constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
+
+void report(const KNError &error, const QString &query)
+{
+    MSSQLClient::reportError(KNError(QString::fromLatin1(ErrorDomain), error.code(),
+                                     error.localizedDescription(), error.userInfo()),
+                             {{QStringLiteral("Query"), query}});
+}
+
+QString failureComment(const QString &table, const KNError &error)
+{
+    QString description = error.localizedDescription();
+    description.replace(QLatin1String("*/"), QLatin1String("* /"));
+    return KNFormat("/* Failed to load table %@. Error was:\r\n%@\r\n*/\r\n", table, description);
+}
+
+/// A name between backticks.
+QString backticked(QString name)
+{
+    return KNFormat("`%@`", name.replace(QLatin1Char('`'), QLatin1String("``")));
+}
+
+class TableScript
+{
+public:
+    TableScript(const QString &table, const QString &schema, const VantorDBC &details)
+        : m_table(table)
+        , m_schema(schema)
+        , m_name(backticked(MSSQLClient::escapeTableNameIfRequired(table)))
+        , m_details(details)
+    {
+    }
+
+    /// False, with an error, when the columns could not be read.
+    bool loadColumns(KNError *error)
+    {
+        m_columns = MSSQLMySQLColumn::columnsOf(m_details, m_table, m_schema, error);
+        for (const MSSQLMySQLColumn &column : std::as_const(m_columns)) {
+            m_translations.append(MSSQLMySQLTranslation::of(column, [&] {
+                return MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(
+                    column.columnName, m_table, m_schema, m_details);
+            }));
+        }
+        return !*error;
+    }
+
+    QString drop() const { return KNFormat("DROP TABLE IF EXISTS %@;\r\n\r\n", m_name); }
+
+    QString create() const
+    {
+        QStringList lines;
+        QStringList keys;
+        for (qsizetype i = 0; i < m_columns.size(); ++i) {
+            lines.append(columnLine(m_columns[i], m_translations[i]));
+            if (m_columns[i].isPrimaryKey)
+                keys.append(backticked(m_columns[i].columnName));
+        }
+        QString script = KNFormat("CREATE TABLE %@ (\r\n", m_name) + lines.join(QStringLiteral(",\r\n"));
+        if (!keys.isEmpty())
+            script += KNFormat(",\r\n\tPRIMARY KEY (%@)\r\n", keys.join(QStringLiteral(", ")));
+        return script + QLatin1String(");\r\n");
+    }
+
+    /// Appends the rows to the script as they arrive.
+    void appendInserts(QString &script) const
+    {
+        QStringList expressions;
+        for (const MSSQLMySQLTranslation &column : m_translations)
+            expressions.append(column.selectExpression);
+        const QString query =
+            KNFormat("SELECT %@ FROM [%@].[%@]", expressions.join(QLatin1Char(',')), m_schema, m_table);
+        const qsizetype start = script.size();
+        qint64 count = 0;
+        const KNError error = MSSQLRowStream::eachRow(m_details, query, [&](const KNRow &row) {
+            script += count++ == 0 ? QLatin1String("") : QLatin1String(";\r\n");
+            appendInsert(script, row);
+        });
+        script += count == 0 ? QLatin1String("") : QLatin1String(";");
+        script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, m_table));
+        if (!error)
+            return;
+        report(error, query);
+        script += QLatin1String("\r\n") + failureComment(m_table, error);
+    }
+
+private:
+    static QString columnLine(const MSSQLMySQLColumn &column, const MSSQLMySQLTranslation &translation)
+    {
+        QString line = KNFormat("\t%@ %@", backticked(column.columnName), translation.type);
+        line += column.isNullable ? QLatin1String(" NULL") : QLatin1String(" NOT NULL");
+        if (!translation.notes.isEmpty())
+            line += KNFormat(" /* %@ */", translation.notes.join(QStringLiteral("\r\n\t\t\t")));
+        return line;
+    }
+
+    void appendInsert(QString &script, const KNRow &row) const
+    {
+        script += KNFormat("INSERT INTO %@ VALUES (", m_name);
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            script += i == 0 ? QLatin1String("") : QLatin1String(",");
+            script += MSSQLMySQLValue::literal(row[i]);
+        }
+        script += QLatin1Char(')');
+    }
+
+    const QString m_table;
+    const QString m_schema;
+    const QString m_name; ///< as the script writes it everywhere
+    const VantorDBC &m_details;
+    QList<MSSQLMySQLColumn> m_columns;
+    QList<MSSQLMySQLTranslation> m_translations; ///< one for each of m_columns
+};
+
+} // namespace
+
+QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString &table,
+                                                                  const QString &inSchema, bool includeDrop,
+                                                                  bool includeCreate, bool includeInserts,
+                                                                  const VantorDBC &withConnectionDetails)
+{
+    TableScript tableScript(table, inSchema, withConnectionDetails);
+    KNError error;
+    if (!tableScript.loadColumns(&error))
+        return failureComment(table, error);
+    QString script = QStringLiteral("");
+    if (includeDrop)
+        script += tableScript.drop();
+    if (includeCreate)
+        script += tableScript.create();
+    if (includeInserts)
+        tableScript.appendInserts(script);
+    return script;
+}
+
+qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QString &column,
+                                                                       const QString &inTable,
+                                                                       const QString &inSchema,
+                                                                       const VantorDBC &connectionDetails)
+{
+    const QString query =
+        KNFormat("SELECT ISNULL(MAX(DATALENGTH([%@])),0) FROM [%@].[%@]", column, inSchema, inTable);
+    qint64 size = 0;
+    const KNError error = MSSQLRowStream::eachRow(connectionDetails, query,
+                                                  [&](const KNRow &row) { size = row.value(0).toInt64(); });
+    if (error)
+        report(error, query);
+    return size;
+}
+
+QString MSSQLScriptTableAsMySQLQueryLoader::script(const VantorDBC &details) const
+{
+    return creationQueryForTable(m_targetTableName, m_targetSchema, m_shouldIncldueDrop,
+                                 m_shouldIncludeCreate, m_shouldIncludeInserts, details);
+}

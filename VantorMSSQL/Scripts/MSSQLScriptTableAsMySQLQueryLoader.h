@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Scripts/MSSQLScriptQueryLoader.h"
+
+/// A table with its rows as a script for MySQL.
+class MSSQLScriptTableAsMySQLQueryLoader : public MSSQLScriptQueryLoader
+{
+public:
+    /// Names are not escaped.
+    MSSQLScriptTableAsMySQLQueryLoader(const QString &tableName, const QString &inSchema, bool includeDrop,
+                                       bool includeCreate, bool includeInserts)
+        : m_targetTableName(tableName)
+        , m_targetSchema(inSchema)
+        , m_shouldIncldueDrop(includeDrop)
+        , m_shouldIncludeCreate(includeCreate)
+        , m_shouldIncludeInserts(includeInserts)
+    {
+    }
+
+    const QString &targetTableName() const { return m_targetTableName; }
+    const QString &targetSchema() const { return m_targetSchema; }
+    bool shouldIncldueDrop() const { return m_shouldIncldueDrop; }
+    bool shouldIncludeCreate() const { return m_shouldIncludeCreate; }
+    bool shouldIncludeInserts() const { return m_shouldIncludeInserts; }
+
+    /// The script, with a comment in place of what failed, which is reported, too. Blocks on the server.
+    static QString creationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
+                                         bool includeCreate, bool includeInserts,
+                                         const VantorDBC &withConnectionDetails);
+
+    /// The bytes of the longest value in a column; 0 when there is none or it failed, which is reported.
+    /// Blocks on the server.
+    static qint64 largestSizeOfDatabaseColumn(const QString &column, const QString &inTable,
+                                              const QString &inSchema, const VantorDBC &connectionDetails);
+
+protected:
+    QString script(const VantorDBC &details) const override;
+
+private:
+    QString m_targetTableName;
+    QString m_targetSchema;
+    bool m_shouldIncldueDrop;
+    bool m_shouldIncludeCreate;
+    bool m_shouldIncludeInserts;
+};

@@ -1,0 +1,29 @@
+#include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
+
+#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLRowStream.h"
+#include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
+
+QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details) const
+{
+    const QString list = QStringLiteral(
+        "SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), SCHEMA_NAME(schema_id), name AS "
+        "SchemaTable FROM sys.tables ORDER BY QUOTENAME(SCHEMA_NAME(schema_id)) asc, QUOTENAME(name) ASC");
+    QList<std::pair<QString, QString>> tables;
+    const KNError error = MSSQLRowStream::eachRow(details, list, [&](const KNRow &row) {
+        tables.append({row.value(1).text(), row.value(2).text()});
+    });
+    if (error) {
+        MSSQLClient::reportError(KNError(QStringLiteral("mssql.queryLoader.tablesAsMySQL"), error.code(),
+                                         error.localizedDescription(), error.userInfo()),
+                                 {{QStringLiteral("Query"), list}});
+        return QStringLiteral("Failed to load table list");
+    }
+    QString script = QStringLiteral("");
+    for (const auto &[schema, table] : std::as_const(tables)) {
+        script += script.isEmpty() ? QLatin1String("") : QLatin1String("\r\n\r\n");
+        script += MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(table, schema, true, true, true,
+                                                                            details);
+    }
+    return script;
+}

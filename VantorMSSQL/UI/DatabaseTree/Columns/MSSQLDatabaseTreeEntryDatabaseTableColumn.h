@@ -1,0 +1,29 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+
+/// A column of a table or a view; its name is also what is shown.
+class MSSQLDatabaseTreeEntryDatabaseTableColumn : public KNDatabaseTreeEntry
+{
+public:
+    MSSQLDatabaseTreeEntryDatabaseTableColumn(const QString &schema, const QString &tableName,
+                                              const QString &columnName);
+
+    QString schema() const { return m_schema; }
+    QString tableName() const { return m_tableName; }
+    QString columnName() const { return m_columnName; }
+    bool isPrimaryKey() const { return m_isPrimaryKey; }
+    void setIsPrimaryKey(bool isPrimaryKey) { m_isPrimaryKey = isPrimaryKey; }
+
+    QString image() const override;
+    int tableCellHeight() const override { return 23; }
+    QString tableCellIdentifier() const override { return QStringLiteral("ColumnDetailsTableCellView"); }
+    QString dragDropString() const override { return m_columnName; }
+    KNMenu menu() override;
+
+private:
+    const QString m_schema;
+    const QString m_tableName;
+    const QString m_columnName;
+    bool m_isPrimaryKey = false;
+};

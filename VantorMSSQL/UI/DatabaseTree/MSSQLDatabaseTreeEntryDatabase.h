@@ -1,0 +1,38 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseSearchResult.h"
+#include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
+
+/// A user database. Its sections are made without asking the server. It keeps the objects that the search
+/// finds in it.
+class MSSQLDatabaseTreeEntryDatabase : public KNDatabaseTreeLoadingEntry
+{
+public:
+    MSSQLDatabaseTreeEntryDatabase();
+    /// A search copy, which keeps these children.
+    explicit MSSQLDatabaseTreeEntryDatabase(List searchResults);
+
+    /// The name; for a member of a federation that of the connection's database.
+    QString databaseName() const { return m_databaseName; }
+    void setDatabaseName(const QString &databaseName) { m_databaseName = databaseName; }
+
+    QString image() const override { return QStringLiteral("DatabaseTree-Database"); }
+    QString dragDropString() const override { return displayName(); }
+    KNMenu menu() override;
+
+    /// The objects that copyWithSearchResults() looks through; always returns true. Both on the UI thread.
+    bool updateSearchResults(const KNDatabaseSearchResults &results);
+    Ptr copyWithSearchResults(const QString &text) override;
+
+protected:
+    void willBeginLoading() override;
+    std::optional<List> loadEntries(KNError *error) override;
+
+private:
+    Ptr entryForSearchResult(const KNDatabaseSearchResult &result);
+    KNMenuItem createExportMenu() const;
+    KNMenuItem createScriptAsMenu() const;
+
+    QString m_databaseName;
+    KNDatabaseSearchResults m_searchResults;
+};

@@ -1,0 +1,120 @@
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
+
+#include "DatabaseTree/KNDatabaseTreeContextHelper.h"
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateTableQueryLoader.h"
+#include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
+#include "Scripts/MSSQLScriptDropViewQueryLoader.h"
+#include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
+#include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntrySectionTableColumns.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableIndexes.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableKeys.h"
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntrySectionTableTriggers.h"
+
+MSSQLDatabaseTreeEntryDatabaseTable::MSSQLDatabaseTreeEntryDatabaseTable(const QString &displayName,
+                                                                         const QString &schema,
+                                                                         const QString &tableName)
+    : m_schema(schema)
+    , m_tableName(tableName)
+{
+    setDisplayName(displayName);
+}
+
+KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryDatabaseTable::makeEntries()
+{
+    return {make<MSSQLDatabaseTreeEntrySectionTableColumns>(m_schema, m_tableName),
+            make<MSSQLDatabaseTreeEntrySectionTableKeys>(m_schema, m_tableName),
+            make<MSSQLDatabaseTreeEntrySectionTableIndexes>(m_schema, m_tableName, m_isView),
+            make<MSSQLDatabaseTreeEntrySectionTableTriggers>(m_schema, m_tableName)};
+}
+
+std::shared_ptr<DatabaseTreeDragDropEntry> MSSQLDatabaseTreeEntryDatabaseTable::dragDropEntry() const
+{
+    return std::make_shared<DatabaseTreeDragDropEntry>();
+}
+
+QString MSSQLDatabaseTreeEntryDatabaseTable::selectStatement() const
+{
+    return KNFormat("SELECT TOP 100 * FROM %@;",
+                    KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(m_schema),
+                             MSSQLClient::escapeTableNameIfRequired(m_tableName)));
+}
+
+void MSSQLDatabaseTreeEntryDatabaseTable::cmdDown()
+{
+    if (const auto helper = contextHelper())
+        helper->performAction(QStringLiteral("executeQueryTab:"), selectStatement());
+}
+
+void MSSQLDatabaseTreeEntryDatabaseTable::cmdRight()
+{
+    if (const auto helper = contextHelper())
+        helper->performAction(QStringLiteral("alterTable:"), shared_from_this());
+}
+
+KNMenu MSSQLDatabaseTreeEntryDatabaseTable::menu()
+{
+    return m_isView ? viewMenu() : tableMenu();
+}
+
+KNMenu MSSQLDatabaseTreeEntryDatabaseTable::tableMenu()
+{
+    const Ptr self = shared_from_this();
+    return {QStringLiteral("Root"),
+            {newQueryMenuItem(), KNMenuItem::separator(),
+             actionItem("New table", "addNewTable:", MSSQLTreeCatalog::text(*this, "NewTable")),
+             actionItem("Alter table", "alterTable:", self), actionItem("Rename table", "renameTable:", self),
+             actionItem("Drop table", "confirmDropTable:", self),
+             actionItem("Insert row", "displayInsertDialog:", self), KNMenuItem::separator(),
+             actionItem("Select top 100 rows", "executeQueryTab:", selectStatement()), createScriptAsMenu(),
+             KNMenuItem::separator(), createExportMenuItem(), importMenuItem(), KNMenuItem::separator(),
+             refreshMenuItem()}};
+}
+
+KNMenu MSSQLDatabaseTreeEntryDatabaseTable::viewMenu()
+{
+    return {QStringLiteral("Root"),
+            {newQueryMenuItem(), KNMenuItem::separator(),
+             actionItem("Alter view", "addQueryTabWithQueryLoader:",
+                        std::make_shared<MSSQLScriptAlterViewQueryLoader>(m_tableName, m_schema)),
+             actionItem("Drop view", "confirmDropView:", shared_from_this()), KNMenuItem::separator(),
+             actionItem("Select top 100 rows", "executeQueryTab:", selectStatement()),
+             createScriptAsForViewMenu(), KNMenuItem::separator(), KNMenuItem::separator(),
+             refreshMenuItem()}};
+}
+
+KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
+{
+    const QString title = QStringLiteral("Export");
+    // One text, as it is escaped: a dot in a name counts as that between schema and table.
+    const QString name = MSSQLClient::escapeTableNameIfRequired(KNFormat("%@.%@", m_schema, m_tableName));
+    return KNMenuItem::withSubmenu(
+        title, {title,
+                {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),
+                 createScriptToOptionsMenu("MySQL", std::make_shared<MSSQLScriptTableAsMySQLQueryLoader>(
+                                                        m_tableName, m_schema, true, true, true))}});
+}
+
+KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const
+{
+    // The script that drops a view is used for tables, too.
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
+}
+
+KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsForViewMenu() const
+{
+    return scriptAsMenuItem(
+        {{"CREATE to", std::make_shared<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP and CREATE to",
+          std::make_shared<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeFixedEntry.h"
+
+/// A table or a view. Expands into columns, keys, indexes and triggers.
+class MSSQLDatabaseTreeEntryDatabaseTable : public KNDatabaseTreeFixedEntry
+{
+public:
+    /// Names are not escaped.
+    MSSQLDatabaseTreeEntryDatabaseTable(const QString &displayName, const QString &schema,
+                                        const QString &tableName);
+
+    QString schema() const { return m_schema; }
+    QString tableName() const { return m_tableName; }
+    bool isView() const { return m_isView; }
+    void setIsView(bool isView) { m_isView = isView; }
+
+    QString image() const override { return QStringLiteral("DatabaseTree-Table"); }
+    QString dragDropString() const override { return displayName(); }
+    std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const override;
+    void onDoubleClicked() override { cmdDown(); }
+    /// Shows the first rows in a new query tab.
+    void cmdDown() override;
+    /// Opens the table designer.
+    void cmdRight() override;
+    KNMenu menu() override;
+
+protected:
+    List makeEntries() override;
+
+private:
+    QString selectStatement() const;
+    KNMenu tableMenu();
+    KNMenu viewMenu();
+    KNMenuItem createExportMenuItem() const;
+    KNMenuItem createScriptAsMenu() const;
+    KNMenuItem createScriptAsForViewMenu() const;
+
+    const QString m_schema;
+    const QString m_tableName;
+    bool m_isView = false;
+};

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Database/VantorDatabaseClient.h"
+#include "DatabaseTree/DatabaseTreeEntryServerRoot.h"
+#include "Foundation/KNNotificationCenter.h"
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+
+class MSSQLDatabaseTreeEntryDatabase;
+
+/// The root of the tree of one SQL Server: its databases, then the agent. Its details are the server's
+/// version. After every load, and when the application has made or dropped a table, the databases are
+/// supplied with what the search finds in them.
+class MSSQLDatabaseTreeEntryServer : public DatabaseTreeEntryServerRoot
+{
+public:
+    /// A root that listens to notifications.
+    static std::shared_ptr<MSSQLDatabaseTreeEntryServer> create();
+    MSSQLDatabaseTreeEntryServer();
+    /// A search copy, which keeps these children.
+    explicit MSSQLDatabaseTreeEntryServer(List searchResults);
+
+    /// Null is a programming error.
+    void setDatabaseConnectionDetails(const VantorDBC *details) override;
+    QString displayName() const override;
+    QString image() const override { return QStringLiteral("DatabaseTree-Server-MSSQL"); }
+    int tableCellHeight() const override;
+    QString tableCellIdentifier() const override;
+    QStringList allDatabaseNames() const override;
+    KNMenu menu() override;
+
+    bool updateSearchEntries(KNError *error) override;
+    Ptr copyWithSearchResults(const QString &text) override;
+
+protected:
+    std::optional<List> loadEntries(KNError *error) override;
+    void didLoadEntries(const Children &children) override;
+    void willFinishLoading() override;
+
+private:
+    using Database = std::shared_ptr<MSSQLDatabaseTreeEntryDatabase>;
+
+    const MSSQLDatabaseConnectionDetails &settings() const;
+    List loadDatabases(QStringList *allDatabaseNames, KNError *error);
+    Ptr databaseForRow(const DatabaseResultSet &row, const QString &name);
+    Ptr loadAgent(VantorDatabaseClient &client, KNError *error);
+
+    void loadSearchResults(const Children &entries);
+    bool updateSearchEntries(const Children &entries, KNError *error);
+    bool updateSearchEntriesAzure(const std::vector<Database> &databases);
+
+    struct Loaded
+    {
+        QString version;
+        QStringList databaseNames;
+    };
+    Loaded m_loaded; ///< what a load leaves for willFinishLoading()
+    mutable std::mutex m_namesMutex;
+    QStringList m_internalDatabaseNames; ///< guarded by m_namesMutex
+    KNSemaphore m_searchLoadSemaphore;   ///< held by the search feed that is running
+    KNNotificationCenter::Token m_tableAdded;
+    KNNotificationCenter::Token m_tableRemoved;
+};

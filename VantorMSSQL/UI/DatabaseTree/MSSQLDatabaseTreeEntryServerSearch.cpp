@@ -1,0 +1,140 @@
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "DatabaseTree/KNDatabaseSearchResult.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNLogHelper.h"
+#include "Foundation/MachTimer.h"
+#include "Implementations/MSSQLVersionHelper.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+
+namespace {
+
+constexpr double SlowSeconds = 5.0;
+
+/// Runs a search query and hands over its rows; failures are logged only.
+void readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnError,
+                    const std::function<void()> &begin,
+                    const std::function<void(const DatabaseResultSet &)> &readRow)
+{
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    KNError failure;
+    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+        [&](VantorDatabaseClient &client, KNError *error) {
+            begin();
+            const auto rows = client.executeQuery(sql, error);
+            if (*error) {
+                log->logMessage("Error executing query. %@.", error->localizedDescription());
+                return;
+            }
+            if (!rows) {
+                log->logMessage(QStringLiteral("Error executing searchabledatabaseentries query."));
+                return;
+            }
+            while (rows->next())
+                readRow(*rows);
+        },
+        settings, &failure, retryOnError);
+    if (failure)
+        log->logError(MSSQLTreeCatalog::wrapped(failure, "mssqsql.databaseTree.updateSearchEntries"),
+                      {{QStringLiteral("Query"), sql}});
+}
+
+/// The object of a row whose schema, name and type begin at `firstColumn`.
+KNDatabaseSearchResult resultOf(const DatabaseResultSet &row, qsizetype firstColumn)
+{
+    const QString name = row.stringForColumnIndex(firstColumn + 1);
+    return {name, row.stringForColumnIndex(firstColumn), name, row.stringForColumnIndex(firstColumn + 2)};
+}
+
+void logDuration(const char *domain, double seconds, qint64 resultCount, qint64 databaseCount,
+                 const QString &version)
+{
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    log->logMessage("MSSQL updateSearchEntries took: %f", seconds);
+    log->logErrorMessage(QStringLiteral("slow"), QString::fromLatin1(domain),
+                         {{QStringLiteral("resultCount"), resultCount},
+                          {QStringLiteral("databaseCount"), databaseCount},
+                          {QStringLiteral("databaseVersion"), version}},
+                         seconds, SlowSeconds);
+}
+
+} // namespace
+
+void MSSQLDatabaseTreeEntryServer::loadSearchResults(const Children &entries)
+{
+    const auto server = std::static_pointer_cast<MSSQLDatabaseTreeEntryServer>(shared_from_this());
+    KNDispatch::globalQueue([server, entries] {
+        if (!server->m_searchLoadSemaphore.tryWait())
+            return; // one is running; this one is dropped
+        KNError error;
+        server->updateSearchEntries(entries, &error);
+        server->m_searchLoadSemaphore.signal();
+    });
+}
+
+bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(KNError *error)
+{
+    return updateSearchEntries(childEntries(), error);
+}
+
+bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(const Children &entries, KNError *error)
+{
+    if (!entries || entries->empty())
+        return true;
+    KNLogHelper::sharedInstance()->logMessage("Want to filter %ld search results.", entries->size());
+    MSSQLVersionHelper *versions = MSSQLVersionHelper::sharedInstance();
+    if (versions->isSQL2000(settings())) {
+        *error = KNError(QStringLiteral("mssql.updateSearchEntries.2000"), 0,
+                         QStringLiteral("Search is not supported for SQL Server 2000."));
+        return false;
+    }
+    std::vector<Database> databases;
+    for (const Ptr &entry : *entries) {
+        if (Database database = std::dynamic_pointer_cast<MSSQLDatabaseTreeEntryDatabase>(entry))
+            databases.push_back(std::move(database));
+    }
+    if (versions->isDBCAzure(settings()))
+        return updateSearchEntriesAzure(databases);
+
+    const MachTimer timer;
+    QHash<QString, KNDatabaseSearchResults> results; // by database
+    qint64 rowCount = 0;
+    readSearchRows(
+        MSSQLTreeCatalog::text(*this, "List_SearchableDatabaseEntries"), settings(), false,
+        [&] {
+            results.clear();
+            rowCount = 0;
+        },
+        [&](const DatabaseResultSet &row) {
+            results[row.stringForColumnIndex(0)].append(resultOf(row, 1));
+            ++rowCount;
+        });
+    KNDispatch::mainQueueSync([&] {
+        for (const Database &database : databases)
+            database->updateSearchResults(results.value(database->databaseConnectionDetails()->database()));
+    });
+    logDuration("mssqsql.databaseTree.updateSearchEntries.slow", timer.seconds(), rowCount, results.size(),
+                versions->versionForDBC(settings()));
+    return true;
+}
+
+/// A database of Azure sees no other one: each is asked by itself.
+bool MSSQLDatabaseTreeEntryServer::updateSearchEntriesAzure(const std::vector<Database> &databases)
+{
+    const MachTimer timer;
+    const QString sql = MSSQLTreeCatalog::text(*this, "List_SearchableDatabaseEntries_Azure");
+    qint64 rowCount = 0;
+    for (const Database &database : databases) {
+        KNDatabaseSearchResults results;
+        readSearchRows(
+            sql, *database->databaseConnectionDetails(), true, [&] { results.clear(); },
+            [&](const DatabaseResultSet &row) { results.append(resultOf(row, 0)); });
+        rowCount += results.size();
+        KNDispatch::mainQueueSync([&] { database->updateSearchResults(results); });
+    }
+    logDuration("mssqsql.databaseTree.updateSearchEntries.azure.slow", timer.seconds(), rowCount,
+                static_cast<qint64>(databases.size()),
+                MSSQLVersionHelper::sharedInstance()->versionForDBC(settings()));
+    return true;
+}

@@ -1,0 +1,38 @@
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+
+#include "QueryLoader/KNQueryTemplate.h"
+#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+
+#include <QCollator>
+
+namespace MSSQLTreeCatalog {
+
+const MSSQLDatabaseConnectionDetails &settings(const KNDatabaseTreeEntry &entry)
+{
+    return static_cast<const MSSQLDatabaseConnectionDetails &>(*entry.databaseConnectionDetails());
+}
+
+QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QString, QString> &values)
+{
+    KNDatabaseTreeEntry::Settings details = entry.databaseConnectionDetails();
+    for (auto above = entry.parent(); above; above = above->parent())
+        details = above->databaseConnectionDetails();
+    return KNQueryTemplate::filled(details->queryLoader()->queryByTitle(QString::fromLatin1(title)), values);
+}
+
+KNError wrapped(const KNError &error, const char *domain)
+{
+    return KNError(QString::fromLatin1(domain), error.code(), error.localizedDescription(), error.userInfo());
+}
+
+int compareNames(const QString &left, const QString &right)
+{
+    thread_local const QCollator collator = [] {
+        QCollator ignoringCase;
+        ignoringCase.setCaseSensitivity(Qt::CaseInsensitive);
+        return ignoringCase;
+    }();
+    return collator.compare(left, right);
+}
+
+} // namespace MSSQLTreeCatalog

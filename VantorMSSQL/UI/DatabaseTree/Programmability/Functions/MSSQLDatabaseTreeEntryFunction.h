@@ -1,0 +1,24 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+
+/// A function of any kind.
+class MSSQLDatabaseTreeEntryFunction : public KNDatabaseTreeEntry
+{
+public:
+    /// Names are not escaped.
+    MSSQLDatabaseTreeEntryFunction(const QString &displayName, const QString &schema,
+                                   const QString &functionName);
+
+    QString schema() const { return m_schema; }
+    QString functionName() const { return m_functionName; }
+
+    QString image() const override { return QStringLiteral("DatabaseTree-Function"); }
+    KNMenu menu() override;
+
+private:
+    KNMenuItem createScriptAsMenu() const;
+
+    const QString m_schema;
+    const QString m_functionName;
+};

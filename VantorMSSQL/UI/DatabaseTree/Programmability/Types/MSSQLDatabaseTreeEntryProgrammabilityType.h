@@ -1,0 +1,23 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+
+/// A user-defined type.
+class MSSQLDatabaseTreeEntryProgrammabilityType : public KNDatabaseTreeEntry
+{
+public:
+    /// Names are not escaped; the kind is that of the section.
+    MSSQLDatabaseTreeEntryProgrammabilityType(const QString &displayName, const QString &schema,
+                                              const QString &typeName, int typeType);
+
+    QString schema() const { return m_schema; }
+    QString typeName() const { return m_typeName; }
+
+    QString image() const override { return QStringLiteral("DatabaseTree-UserType"); }
+    KNMenu menu() override;
+
+private:
+    const QString m_schema;
+    const QString m_typeName;
+    const int m_typeType;
+};

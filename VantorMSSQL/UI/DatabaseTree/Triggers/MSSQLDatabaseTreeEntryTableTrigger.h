@@ -1,0 +1,34 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+
+/// A trigger. Its scripts are derived from its text.
+class MSSQLDatabaseTreeEntryTableTrigger : public KNDatabaseTreeEntry
+{
+public:
+    MSSQLDatabaseTreeEntryTableTrigger(const QString &schema, const QString &triggerName);
+
+    QString schema() const { return m_schema; }
+    QString triggerName() const { return m_triggerName; }
+
+    /// The text that creates the trigger. Setting it without a name is a programming error.
+    QString triggerSQL() const { return m_triggerSQL; }
+    void setTriggerSQL(const QString &triggerSQL);
+    QString alterTriggerSQL() const { return m_alterTriggerSQL; }
+    QString dropTriggerSQL() const { return m_dropTriggerSQL; }
+    QString dropAndCreateTriggerSQL() const { return m_dropAndCreateTriggerSQL; }
+
+    QString image() const override { return QStringLiteral("DatabaseTree-Trigger"); }
+    QString dragDropString() const override { return displayName(); }
+    KNMenu menu() override;
+
+private:
+    KNMenuItem createScriptAsMenu() const;
+
+    const QString m_schema;
+    const QString m_triggerName;
+    QString m_triggerSQL;
+    QString m_alterTriggerSQL;
+    QString m_dropTriggerSQL;
+    QString m_dropAndCreateTriggerSQL;
+};
