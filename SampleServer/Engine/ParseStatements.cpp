@@ -282,11 +282,13 @@ ExpressionPtr Parser::parseCompound(ExpressionPtr target)
         {"%=", ArithmeticOperator::Modulo}};
     static constexpr std::pair<std::string_view, BitOperator> bits[] = {
         {"&=", BitOperator::And}, {"|=", BitOperator::Or}, {"^=", BitOperator::Xor}};
+    if (m_edition < Edition::Sql2008)
+        return nullptr;
     for (const auto &[symbol, op] : arithmetic)
-        if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
+        if (acceptSymbol(symbol))
             return make(Arithmetic{op, std::move(target), parseExpression()});
     for (const auto &[symbol, op] : bits)
-        if (m_edition >= Edition::Sql2008 && acceptSymbol(symbol))
+        if (acceptSymbol(symbol))
             return make(Bitwise{op, std::move(target), parseExpression()});
     return nullptr;
 }
