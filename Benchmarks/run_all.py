@@ -108,6 +108,7 @@ def main():
         fetch(programs, environment, tedious)
         bulk_insert(programs, environment, tedious)
         lines("Logging in", programs, "connect-benchmark", environment)
+        lines("A database of 50,000 tables", programs, "catalog-benchmark", environment)
         lines("Splitting scripts of 100 MB", programs, "split-benchmark", environment)
 
 
