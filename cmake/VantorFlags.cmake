@@ -27,6 +27,13 @@ if(VANTOR_SANITIZE)
   target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
 endif()
 
+# Precompiles the standard headers that nearly every file of a target without Qt includes.
+function(vantor_precompile_std target)
+  target_precompile_headers(${target} PRIVATE
+    <algorithm> <cstdint> <functional> <map> <memory> <mutex> <optional> <set> <span> <stdexcept> <string>
+    <string_view> <unordered_map> <variant> <vector>)
+endfunction()
+
 # Precompiles the Qt headers that nearly every file of a target includes.
 function(vantor_precompile_qt target)
   target_precompile_headers(${target} PRIVATE

@@ -1,4 +1,5 @@
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,8 @@
 /// the real ones.
 int main(int argumentCount, char **arguments)
 {
+    // Qt takes the first thread that asks for itself for the main one, and does not clean up behind the others.
+    QThread::currentThread();
     const QTemporaryDir folder;
     if (!folder.isValid())
         return EXIT_FAILURE;
