@@ -77,21 +77,27 @@ bool contains(std::span<const std::string_view> names, std::string_view name)
 
 std::string versionBannerOf(Edition edition)
 {
-    static constexpr const char *stands = " \n\tVantor sample server, a stand-in for trying and testing\n\t";
+    static const std::string stands = " \n\tVantor sample server, a stand-in for trying and testing\n\t";
+    const auto banner = [](std::string_view version, std::string_view system) {
+        std::string text(version);
+        text += stands;
+        text += system;
+        return text;
+    };
     switch (edition) {
     case Edition::Sql2000:
-        return std::string("Microsoft SQL Server  2000 - 8.00.194 (Intel X86)") + stands +
-               "Developer Edition on Windows NT 5.0\n";
+        return banner("Microsoft SQL Server  2000 - 8.00.194 (Intel X86)",
+                      "Developer Edition on Windows NT 5.0\n");
     case Edition::Sql2008:
-        return std::string("Microsoft SQL Server 2008 (RTM) - 10.0.1600.22 (X64)") + stands +
-               "Developer Edition (64-bit) on Windows NT 6.0 <X64>\n";
+        return banner("Microsoft SQL Server 2008 (RTM) - 10.0.1600.22 (X64)",
+                      "Developer Edition (64-bit) on Windows NT 6.0 <X64>\n");
     case Edition::Azure:
-        return std::string("Microsoft SQL Azure (RTM) - 12.0.2000.8") + stands;
+        return banner("Microsoft SQL Azure (RTM) - 12.0.2000.8", {});
     case Edition::Sql2022:
         break;
     }
-    return std::string("Microsoft SQL Server 2022 (RTM) - 16.0.1000.6 (X64)") + stands +
-           "Developer Edition (64-bit) on Linux";
+    return banner("Microsoft SQL Server 2022 (RTM) - 16.0.1000.6 (X64)",
+                  "Developer Edition (64-bit) on Linux");
 }
 
 bool hasFunction(Edition edition, std::string_view name)

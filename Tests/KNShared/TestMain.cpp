@@ -7,7 +7,8 @@
 /// the real ones.
 int main(int argumentCount, char **arguments)
 {
-    // Qt takes the first thread that asks for itself for the main one, and does not clean up behind the others.
+    // Qt takes the first thread that asks for itself for the main one, and does not clean up behind the
+    // others.
     QThread::currentThread();
     const QTemporaryDir folder;
     if (!folder.isValid())

@@ -261,7 +261,7 @@ TEST_F(LoadingEntry, FixedChildrenAreMadeOnceAndKept)
     const auto entry = std::make_shared<Fixed>();
     std::vector<std::thread> threads;
     for (int number = 0; number < 8; ++number)
-        threads.emplace_back([&] { EXPECT_FALSE(entry->loadEntriesAsync(number % 2 == 0)); });
+        threads.emplace_back([&entry, number] { EXPECT_FALSE(entry->loadEntriesAsync(number % 2 == 0)); });
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(entry->made, 1);
