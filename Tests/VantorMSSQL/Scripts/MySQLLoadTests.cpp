@@ -188,30 +188,31 @@ QByteArray actual(As as, const QByteArray &hexadecimal)
 class MySQLLoad : public testing::Test
 {
 protected:
-    MySQLLoad()
+    /// One server serves all tests of the process.
+    static void SetUpTestSuite()
     {
-        if (!MariaDb::isInstalled())
-            return;
-        m_mariaDb.emplace();
-        load(QStringLiteral("CREATE DATABASE target"), "mysql");
+        if (MariaDb::isInstalled())
+            s_mariaDb = new MariaDb;
     }
+    static void TearDownTestSuite() { delete std::exchange(s_mariaDb, nullptr); }
 
     void SetUp() override
     {
-        if (!m_mariaDb)
+        if (!s_mariaDb)
             GTEST_SKIP() << "MariaDB is not installed: scripts/setup installs it";
+        load(QStringLiteral("DROP DATABASE IF EXISTS target; CREATE DATABASE target"), "mysql");
     }
 
     /// Runs a script; the test fails when MariaDB refuses it.
-    QList<QList<QByteArray>> load(const QString &script, const char *database = "target")
+    static QList<QList<QByteArray>> load(const QString &script, const char *database = "target")
     {
         QString error;
-        const auto rows = m_mariaDb->run(script.toUtf8(), QString::fromLatin1(database), &error);
+        const auto rows = s_mariaDb->run(script.toUtf8(), QString::fromLatin1(database), &error);
         EXPECT_TRUE(error.isNull()) << error.toStdString() << script.left(300).toStdString();
         return rows;
     }
 
-    std::optional<MariaDb> m_mariaDb;
+    static inline MariaDb *s_mariaDb = nullptr;
 };
 
 } // namespace
@@ -272,7 +273,7 @@ TEST_F(MySQLLoad, RefusesTypesWithoutLimitAsTheyStand)
         run(*client, KNFormat("CREATE TABLE dbo.OneType (Id int NOT NULL, V %s NULL, W %s NULL, X %s NULL)",
                               type, type, type));
         QString error;
-        m_mariaDb->run(MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(
+        s_mariaDb->run(MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(
                            QStringLiteral("OneType"), QStringLiteral("dbo"), true, true, true, *details)
                            .toUtf8(),
                        QStringLiteral("target"), &error);
