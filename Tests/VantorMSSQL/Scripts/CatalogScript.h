@@ -34,7 +34,9 @@ protected:
             }
             return ScriptTest::rows(m_answers.value(sql));
         };
-        m_settings.setHost(utf8("catalog script"));
+        // The pool remembers the settings of hosts, and with these the server that is gone after the test.
+        static int tests = 0;
+        m_settings.setHost(KNFormat("catalog script %d", ++tests));
         m_settings.setDatabase(utf8("shop"));
         KNLogHelper::sharedInstance()->setObserver([this](const QString &record) {
             const std::lock_guard lock(m_mutex);
