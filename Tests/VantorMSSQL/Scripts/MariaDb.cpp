@@ -5,6 +5,8 @@
 
 #include <stdexcept>
 
+#include <unistd.h>
+
 namespace {
 
 constexpr int Patience = 60000; ///< ms
@@ -32,22 +34,24 @@ bool MariaDb::isInstalled()
 MariaDb::MariaDb()
 {
     const QString data = m_folder.filePath(QStringLiteral("data"));
-    const QString user = QStringLiteral("--user=") +
-                         QString::fromLocal8Bit(qgetenv("USER").isEmpty() ? "root" : qgetenv("USER"));
+    // As root it has to be told that this is meant.
+    const QStringList user = geteuid() == 0 ? QStringList{QStringLiteral("--user=root")} : QStringList();
     QProcess install;
     install.start(program("mariadb-install-db"),
-                  {QStringLiteral("--no-defaults"), QStringLiteral("--datadir=") + data, user,
-                   QStringLiteral("--auth-root-authentication-method=normal"),
-                   QStringLiteral("--skip-test-db")});
+                  QStringList{QStringLiteral("--no-defaults"), QStringLiteral("--datadir=") + data,
+                              QStringLiteral("--auth-root-authentication-method=normal"),
+                              QStringLiteral("--skip-test-db")} +
+                      user);
     if (!install.waitForFinished(Patience) || install.exitCode() != 0)
         fail("mariadb-install-db", install);
 
     m_server.start(program("mariadbd"),
-                   {QStringLiteral("--no-defaults"), QStringLiteral("--datadir=") + data, user,
-                    QStringLiteral("--socket=") + socket(), QStringLiteral("--skip-networking"),
-                    QStringLiteral("--character-set-server=utf8mb4"),
-                    QStringLiteral("--max-allowed-packet=64M"),
-                    QStringLiteral("--pid-file=") + m_folder.filePath(QStringLiteral("pid"))});
+                   QStringList{QStringLiteral("--no-defaults"), QStringLiteral("--datadir=") + data,
+                               QStringLiteral("--socket=") + socket(), QStringLiteral("--skip-networking"),
+                               QStringLiteral("--character-set-server=utf8mb4"),
+                               QStringLiteral("--max-allowed-packet=64M"),
+                               QStringLiteral("--pid-file=") + m_folder.filePath(QStringLiteral("pid"))} +
+                       user);
     QElapsedTimer timer;
     timer.start();
     for (QString error = QStringLiteral("not asked"); !error.isNull();) {
