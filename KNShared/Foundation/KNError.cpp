@@ -8,3 +8,8 @@ KNError::KNError(QString domain, int code, QString localizedDescription, QVarian
     , m_userInfo(std::move(userInfo))
 {
 }
+
+KNError KNError::inDomain(const QString &domain) const
+{
+    return KNError(domain, m_code, m_localizedDescription, m_userInfo);
+}

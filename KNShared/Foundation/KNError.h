@@ -23,6 +23,9 @@ public:
     const QString &localizedDescription() const { return m_localizedDescription; }
     const QVariantMap &userInfo() const { return m_userInfo; }
 
+    /// The same error, set in any case, as that of another domain.
+    KNError inDomain(const QString &domain) const;
+
 private:
     bool m_set = false;
     int m_code = 0;

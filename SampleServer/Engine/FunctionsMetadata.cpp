@@ -1,7 +1,7 @@
 #include "Engine/CatalogObjects.h"
 #include "Engine/CatalogTypes.h"
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 #include "Engine/NameText.h"
 #include "Engine/SystemCatalog.h"
 #include "Types/Collation.h"
@@ -17,49 +17,9 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType SysName{TypeId::NVarChar, 128, 0, 0};
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-
-SqlType nameResult(const ArgumentList &)
-{
-    return SysName;
-}
-SqlType intResult(const ArgumentList &)
-{
-    return IntType;
-}
-SqlType smallIntResult(const ArgumentList &)
-{
-    return {TypeId::SmallInt, 0, 0, 0};
-}
 SqlType longTextResult(const ArgumentList &)
 {
     return {TypeId::NVarChar, SqlType::Max, 0, 0};
-}
-SqlType variantResult(const ArgumentList &)
-{
-    return {TypeId::SqlVariant, 0, 0, 0};
-}
-SqlType identityResult(const ArgumentList &)
-{
-    return {TypeId::Decimal, 0, 38, 0};
-}
-
-Value variant(const SqlType &type, Value value)
-{
-    return std::make_shared<const VariantValue>(VariantValue{type, std::move(value)});
-}
-Value truth(bool value)
-{
-    return std::int64_t{value};
-}
-std::int64_t number(const Value &value)
-{
-    return std::get<std::int64_t>(value);
-}
-const std::string &text(const Value &value)
-{
-    return std::get<std::string>(value);
 }
 
 /// What an id stands for: an object, or a constraint and its table.

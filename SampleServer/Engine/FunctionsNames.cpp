@@ -1,7 +1,7 @@
 #include "Engine/Catalog.h"
 #include "Engine/CatalogTypes.h"
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 #include "Engine/NameText.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
@@ -12,38 +12,6 @@ namespace SampleServer::Functions {
 using namespace Bound;
 
 namespace {
-
-constexpr SqlType SysName{TypeId::NVarChar, 128, 0, 0};
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-
-SqlType nameResult(const ArgumentList &)
-{
-    return SysName;
-}
-SqlType intResult(const ArgumentList &)
-{
-    return IntType;
-}
-SqlType variantResult(const ArgumentList &)
-{
-    return {TypeId::SqlVariant, 0, 0, 0};
-}
-Value variant(const SqlType &type, Value value)
-{
-    return std::make_shared<const VariantValue>(VariantValue{type, std::move(value)});
-}
-Value truth(bool value)
-{
-    return std::int64_t{value};
-}
-std::int64_t number(const Value &value)
-{
-    return std::get<std::int64_t>(value);
-}
-const std::string &text(const Value &value)
-{
-    return std::get<std::string>(value);
-}
 
 Value schemaName(EvaluationContext &context, const Operation &, Arguments a)
 {

@@ -1,5 +1,5 @@
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 
 // What a statement can ask about the error that was caught and the transaction it runs in.
 namespace SampleServer::Functions {
@@ -7,23 +7,6 @@ namespace SampleServer::Functions {
 using namespace Bound;
 
 namespace {
-
-SqlType intResult(const ArgumentList &)
-{
-    return {TypeId::Int, 0, 0, 0};
-}
-SqlType smallIntResult(const ArgumentList &)
-{
-    return {TypeId::SmallInt, 0, 0, 0};
-}
-SqlType nameResult(const ArgumentList &)
-{
-    return {TypeId::NVarChar, 128, 0, 0};
-}
-SqlType messageResult(const ArgumentList &)
-{
-    return {TypeId::NVarChar, 4000, 0, 0};
-}
 
 template <auto Member>
 Value caughtNumber(EvaluationContext &context, const Operation &, Arguments)

@@ -1,7 +1,7 @@
 #include "Engine/Conversion.h"
 #include "Engine/Errors.h"
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 #include "Engine/XmlRows.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
@@ -15,10 +15,6 @@ using Bound::Operation;
 
 namespace {
 
-const std::string &text(const Value &value)
-{
-    return std::get<std::string>(value);
-}
 std::int64_t integer(const Value &value)
 {
     return std::get<std::int64_t>(value);
@@ -33,11 +29,6 @@ Value cut(std::string value, const SqlType &type)
 }
 
 // Result types
-
-SqlType intResult(const ArgumentList &)
-{
-    return {TypeId::Int, 0, 0, 0};
-}
 
 SqlType lengthResult(const ArgumentList &arguments)
 {

@@ -1,8 +1,8 @@
 #include "Engine/Binder.h"
 #include "Engine/Conversion.h"
 #include "Engine/Errors.h"
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 #include "Types/Guid.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -13,37 +13,9 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType SysName{TypeId::NVarChar, 128, 0, 0};
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-
-SqlType nameResult(const ArgumentList &)
-{
-    return SysName;
-}
-SqlType intResult(const ArgumentList &)
-{
-    return IntType;
-}
-SqlType smallIntResult(const ArgumentList &)
-{
-    return {TypeId::SmallInt, 0, 0, 0};
-}
 SqlType guidResult(const ArgumentList &)
 {
     return {TypeId::UniqueIdentifier, 0, 0, 0};
-}
-SqlType variantResult(const ArgumentList &)
-{
-    return {TypeId::SqlVariant, 0, 0, 0};
-}
-SqlType identityResult(const ArgumentList &)
-{
-    return {TypeId::Decimal, 0, 38, 0};
-}
-
-Value variant(const SqlType &type, Value value)
-{
-    return std::make_shared<const VariantValue>(VariantValue{type, std::move(value)});
 }
 
 Value newIdentifier(EvaluationContext &, const Operation &, Arguments)

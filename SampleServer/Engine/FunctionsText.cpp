@@ -1,7 +1,7 @@
 #include "Engine/Conversion.h"
 #include "Engine/EngineError.h"
+#include "Engine/FunctionResults.h"
 #include "Engine/FunctionTable.h"
-#include "Engine/Functions.h"
 #include "Engine/MessageFormat.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -13,11 +13,6 @@ using Bound::Operation;
 
 namespace {
 
-const std::string &text(const Value &value)
-{
-    return std::get<std::string>(value);
-}
-
 SqlType longText(const ArgumentList &arguments)
 {
     for (const auto &argument : arguments)
@@ -26,17 +21,9 @@ SqlType longText(const ArgumentList &arguments)
     return {TypeId::VarChar, 8000, 0, 0};
 }
 
-SqlType messageResult(const ArgumentList &)
-{
-    return {TypeId::NVarChar, 4000, 0, 0};
-}
 SqlType soundResult(const ArgumentList &)
 {
     return {TypeId::VarChar, 4, 0, 0};
-}
-SqlType intResult(const ArgumentList &)
-{
-    return {TypeId::Int, 0, 0, 0};
 }
 
 Value concatWithSeparator(EvaluationContext &, const Operation &operation, Arguments a)

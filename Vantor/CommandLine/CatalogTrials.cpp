@@ -20,8 +20,6 @@ public:
         : m_client(client)
         , m_queries(queries)
     {
-        for (const KNQueryTrial &trial : queries.trials())
-            m_trials.insert(trial.title, trial);
     }
 
     int run()
@@ -44,53 +42,38 @@ private:
     /// What there is to tell about one query.
     QString tryOut(const KNQueryTrial &trial)
     {
-        const Columns *object = trial.objectsTitle.isEmpty() ? &m_noObject : firstObject(trial.objectsTitle);
-        if (!object)
+        const Columns object = m_firstRows.value(trial.objectsTitle);
+        if (!trial.objectsTitle.isEmpty() && object.isEmpty())
             return KNFormat("not tried: %@ gave no object", trial.objectsTitle);
+        QMap<QString, QString> values = trial.values;
+        for (QString &value : values)
+            value = KNQueryTemplate::filled(value, object);
         QElapsedTimer timer;
         timer.start();
         KNError error;
-        const auto result = rowsOf(trial, *object, &error);
+        const auto rows = m_client.executeQuery(
+            KNQueryTemplate::filled(m_queries.queryByTitle(trial.title), values), &error);
         if (error) {
             ++m_failures;
             return KNFormat("ERROR %@", error.localizedDescription().simplified());
         }
-        return KNFormat("ok, %lld rows, %lld ms", result ? result->rowCount() : 0, timer.elapsed());
+        const qint64 milliseconds = timer.elapsed();
+        if (rows && rows->next())
+            m_firstRows.insert(trial.title, columnsOf(*rows));
+        return KNFormat("ok, %lld rows, %lld ms", rows ? rows->rowCount() : 0, milliseconds);
     }
 
-    std::unique_ptr<DatabaseResultSet> rowsOf(const KNQueryTrial &trial, const Columns &object,
-                                              KNError *error)
+    static Columns columnsOf(const DatabaseResultSet &row)
     {
-        QMap<QString, QString> values = trial.values;
-        for (QString &value : values)
-            value = KNQueryTemplate::filled(value, object);
-        return m_client.executeQuery(KNQueryTemplate::filled(m_queries.queryByTitle(trial.title), values),
-                                     error);
-    }
-
-    /// The first row of a query; null when it has none.
-    const Columns *firstObject(const QString &title)
-    {
-        auto found = m_objects.find(title);
-        if (found == m_objects.end()) {
-            KNError error;
-            const auto rows = rowsOf(m_trials.value(title), m_noObject, &error);
-            std::optional<Columns> row;
-            if (rows && rows->next()) {
-                row.emplace();
-                for (qsizetype i = 0; i < rows->columnCount(); ++i)
-                    row->insert(QString::number(i), rows->stringForColumnIndex(i));
-            }
-            found = m_objects.insert(title, row);
-        }
-        return *found ? &**found : nullptr;
+        Columns columns;
+        for (qsizetype i = 0; i < row.columnCount(); ++i)
+            columns.insert(QString::number(i), row.stringForColumnIndex(i));
+        return columns;
     }
 
     VantorDatabaseClient &m_client;
     const KNSystemDatabaseQueryHelper &m_queries;
-    QHash<QString, KNQueryTrial> m_trials;            ///< by title
-    QHash<QString, std::optional<Columns>> m_objects; ///< first rows by title
-    const Columns m_noObject;
+    QHash<QString, Columns> m_firstRows; ///< by title, of the queries that gave rows
     int m_failures = 0;
 };
 

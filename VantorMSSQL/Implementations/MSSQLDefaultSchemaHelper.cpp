@@ -50,16 +50,13 @@ QString MSSQLDefaultSchemaHelper::findSchema(const MSSQLDatabaseConnectionDetail
         },
         dbc, &error, true);
     if (error) {
-        MSSQLClient::reportError(KNError(QStringLiteral("mssql.schemaForDBC"), error.code(),
-                                         error.localizedDescription(), error.userInfo()),
+        MSSQLClient::reportError(error.inDomain(QStringLiteral("mssql.schemaForDBC")),
                                  {{QStringLiteral("Query"), QStringLiteral("(callback)")}});
         schema.clear();
     }
     if (!schema.isEmpty())
         return schema;
     log->logMessage("ERROR: Failed to find the default schema for user. Using blank.");
-    log->logError(KNError(QStringLiteral("mssql.schemaForDBC.nilResult"), error.code(),
-                          error.localizedDescription(), error.userInfo()),
-                  {});
+    log->logError(error.inDomain(QStringLiteral("mssql.schemaForDBC.nilResult")), {});
     return QStringLiteral("");
 }

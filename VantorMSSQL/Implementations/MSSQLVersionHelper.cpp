@@ -49,15 +49,12 @@ QString MSSQLVersionHelper::findVersion(const MSSQLDatabaseConnectionDetails &db
         },
         dbc, &error);
     if (error)
-        log->logError(KNError(QStringLiteral("mssql.versionForDBC"), error.code(),
-                              error.localizedDescription(), error.userInfo()),
+        log->logError(error.inDomain(QStringLiteral("mssql.versionForDBC")),
                       {{QStringLiteral("Query"), query}});
     if (!version.isEmpty())
         return version;
     log->logMessage("ERROR: Failed to find the version. Using blank.");
-    log->logError(KNError(QStringLiteral("mssql.versionForDBC.nilResult"), error.code(),
-                          error.localizedDescription(), error.userInfo()),
-                  {});
+    log->logError(error.inDomain(QStringLiteral("mssql.versionForDBC.nilResult")), {});
     return QStringLiteral("");
 }
 

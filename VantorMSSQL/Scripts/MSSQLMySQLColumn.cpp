@@ -8,6 +8,7 @@
 
 namespace {
 
+constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
 constexpr qint64 Unlimited = -1;
 constexpr qint64 LongestFixed = 255; ///< characters or bytes of a MySQL column of fixed length
 
@@ -91,11 +92,11 @@ private:
         const qsizetype dot = type.indexOf(QLatin1String("].["));
         // A type of the CLR is not an alias: its values are bytes.
         Declaration declaration{QStringLiteral("longblob"), {}};
-        const KNError failure = MSSQLScriptCatalog::readRows(
+        const KNError failure = MSSQLScriptCatalog::readRowsAndReport(
             m_details, QStringLiteral("UserDefinedDataType_CreationQuery"),
             {{QStringLiteral("SCHEMA"), name(type.mid(1, dot - 1))},
              {QStringLiteral("TYPE"), name(type.mid(dot + 3).chopped(1))}},
-            [&](const DatabaseResultSet &row) { declaration = declarationOf(row); });
+            ErrorDomain, [&](const DatabaseResultSet &row) { declaration = declarationOf(row); });
         if (failure)
             *error = failure;
         return declaration;
@@ -124,8 +125,8 @@ QList<MSSQLMySQLColumn> MSSQLMySQLColumn::columnsOf(const VantorDBC &details, co
     QList<MSSQLMySQLColumn> columns;
     *error = MSSQLScriptCatalog::readRowsAndReport(
         details, QStringLiteral("ColumnsForTable"),
-        {{QStringLiteral("TABLE_NAME"), table}, {QStringLiteral("SCHEMA_NAME"), inSchema}},
-        "mssql.queryLoader.tableAsMySQL", [&](const DatabaseResultSet &row) {
+        {{QStringLiteral("TABLE_NAME"), table}, {QStringLiteral("SCHEMA_NAME"), inSchema}}, ErrorDomain,
+        [&](const DatabaseResultSet &row) {
             const KNValue size = row.objectForColumnIndex(2);
             columns.append({row.stringForColumnIndex(0), row.stringForColumnIndex(1),
                             size.isNull() ? std::nullopt : std::optional(size.toInt64()),

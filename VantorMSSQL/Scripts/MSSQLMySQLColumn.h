@@ -18,7 +18,7 @@ struct MSSQLMySQLColumn
     bool isNullable = true;
     bool isPrimaryKey = false;
 
-    /// The columns of a table in their order. Blocks on the server.
+    /// The columns of a table in their order. What fails is reported. Blocks on the server.
     static QList<MSSQLMySQLColumn> columnsOf(const VantorDBC &details, const QString &table,
                                              const QString &inSchema, KNError *error);
 };

@@ -40,12 +40,14 @@ KNError readRowsAndReport(const VantorDBC &details, const QString &title,
 {
     const QString sql = queryText(details, title, values);
     const KNError failure = run(details, sql, eachRow);
-    if (!failure)
-        return failure;
-    const KNError error(QString::fromLatin1(domain), failure.code(), failure.localizedDescription(),
-                        failure.userInfo());
-    MSSQLClient::reportError(error, {{QStringLiteral("Query"), sql}});
-    return error;
+    return failure ? reported(failure, domain, sql) : failure;
+}
+
+KNError reported(const KNError &error, const char *domain, const QString &sql)
+{
+    const KNError own = error.inDomain(QString::fromLatin1(domain));
+    MSSQLClient::reportError(own, {{QStringLiteral("Query"), sql}});
+    return own;
 }
 
 } // namespace MSSQLScriptCatalog

@@ -22,4 +22,7 @@ KNError readRows(const VantorDBC &details, const QString &title, const QMap<QStr
 KNError readRowsAndReport(const VantorDBC &details, const QString &title,
                           const QMap<QString, QString> &values, const char *domain, const EachRow &eachRow);
 
+/// Reports an error of this query, in this domain, and gives it back so.
+KNError reported(const KNError &error, const char *domain, const QString &sql);
+
 } // namespace MSSQLScriptCatalog

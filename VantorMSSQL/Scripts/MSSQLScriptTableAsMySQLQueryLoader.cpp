@@ -5,17 +5,11 @@
 #include "Scripts/MSSQLMySQLColumn.h"
 #include "Scripts/MSSQLMySQLValue.h"
 #include "Scripts/MSSQLRowStream.h"
+#include "Scripts/MSSQLScriptCatalog.h"
 
 namespace {
 
 constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
-
-void report(const KNError &error, const QString &query)
-{
-    MSSQLClient::reportError(KNError(QString::fromLatin1(ErrorDomain), error.code(),
-                                     error.localizedDescription(), error.userInfo()),
-                             {{QStringLiteral("Query"), query}});
-}
 
 QString failureComment(const QString &table, const KNError &error)
 {
@@ -41,17 +35,21 @@ public:
     {
     }
 
-    /// False, with an error, when the columns could not be read.
-    bool loadColumns(KNError *error)
+    /// False, with an error, when the columns could not be read. Only what creates the table needs to know
+    /// how wide the values are, which may take a look at all of them.
+    bool loadColumns(bool isForCreation, KNError *error)
     {
         m_columns = MSSQLMySQLColumn::columnsOf(m_details, m_table, m_schema, error);
+        if (*error)
+            return false;
         for (const MSSQLMySQLColumn &column : std::as_const(m_columns)) {
             m_translations.append(MSSQLMySQLTranslation::of(column, [&] {
-                return MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(
-                    column.columnName, m_table, m_schema, m_details);
+                return isForCreation ? MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(
+                                           column.columnName, m_table, m_schema, m_details)
+                                     : 0;
             }));
         }
-        return !*error;
+        return true;
     }
 
     QString drop() const { return KNFormat("DROP TABLE IF EXISTS %@;\r\n\r\n", m_name); }
@@ -89,7 +87,7 @@ public:
         script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, m_table));
         if (!error)
             return;
-        report(error, query);
+        MSSQLScriptCatalog::reported(error, ErrorDomain, query);
         script += QLatin1String("\r\n") + failureComment(m_table, error);
     }
 
@@ -130,7 +128,7 @@ QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString 
 {
     TableScript tableScript(table, inSchema, withConnectionDetails);
     KNError error;
-    if (!tableScript.loadColumns(&error))
+    if (!tableScript.loadColumns(includeCreate, &error))
         return failureComment(table, error);
     QString script = QStringLiteral("");
     if (includeDrop)
@@ -153,7 +151,7 @@ qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QSt
     const KNError error = MSSQLRowStream::eachRow(connectionDetails, query,
                                                   [&](const KNRow &row) { size = row.value(0).toInt64(); });
     if (error)
-        report(error, query);
+        MSSQLScriptCatalog::reported(error, ErrorDomain, query);
     return size;
 }
 

@@ -1,7 +1,7 @@
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 
-#include "Implementations/MSSQLClient.h"
 #include "Scripts/MSSQLRowStream.h"
+#include "Scripts/MSSQLScriptCatalog.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
 QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details) const
@@ -14,9 +14,7 @@ QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &de
         tables.append({row.value(1).text(), row.value(2).text()});
     });
     if (error) {
-        MSSQLClient::reportError(KNError(QStringLiteral("mssql.queryLoader.tablesAsMySQL"), error.code(),
-                                         error.localizedDescription(), error.userInfo()),
-                                 {{QStringLiteral("Query"), list}});
+        MSSQLScriptCatalog::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
         return QStringLiteral("Failed to load table list");
     }
     QString script = QStringLiteral("");

@@ -29,3 +29,14 @@ TEST(KNError, KeepsEverythingAndForgetsItWhenCleared)
     EXPECT_TRUE(error.domain().isNull());
     EXPECT_TRUE(error.userInfo().isEmpty());
 }
+
+TEST(KNError, KeepsItsFactsInAnotherDomain)
+{
+    const KNError error(QStringLiteral("a"), 5, QStringLiteral("text"), {{QStringLiteral("key"), 1}});
+    const KNError other = error.inDomain(QStringLiteral("b"));
+    EXPECT_EQ(other.domain(), QStringLiteral("b"));
+    EXPECT_EQ(other.code(), 5);
+    EXPECT_EQ(other.localizedDescription(), QStringLiteral("text"));
+    EXPECT_EQ(other.userInfo(), error.userInfo());
+    EXPECT_TRUE(KNError().inDomain(QStringLiteral("b")));
+}

@@ -1,7 +1,6 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "QueryLoader/KNQueryTemplate.h"
-#include "SQL/KNQuerySplitter.h"
 #include "VantorMSSQL/Catalog/CatalogQuestions.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
@@ -184,11 +183,7 @@ private:
     /// Runs a title as a person would: all batches of its text.
     void statement(const char *title, const QMap<QString, QString> &values = {})
     {
-        const auto splitter = m_details->createQuerySplitter();
-        splitter->setRequiresFullSplit(true);
-        KNResultSetHolder holder;
-        KNError error;
-        m_client->executeQueryDetails(splitter->doSplitQuery(text(title, values)), holder, {}, &error);
+        const KNError error = runScript(*m_client, text(title, values));
         EXPECT_FALSE(error) << title << ": " << error.localizedDescription().toStdString();
     }
 

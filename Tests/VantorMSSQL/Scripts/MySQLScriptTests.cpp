@@ -195,6 +195,22 @@ TEST_F(MySQLScript, LooksBehindTheUsersTypes)
     EXPECT_EQ(m_asked.count(utf8("type dbo Price")), 1);
 }
 
+TEST_F(MySQLScript, LooksForTheWidestValueOnlyWhereItIsWritten)
+{
+    answer("columns dbo t", {column("a", "image")});
+    tableScript("t", true, false, true);
+    EXPECT_EQ(m_asked, (QStringList{utf8("columns dbo t"), utf8("SELECT a FROM [dbo].[t]")}));
+}
+
+TEST_F(MySQLScript, TellsWhichTypeItCouldNotLookBehind)
+{
+    answer("columns dbo t", {column("a", "[dbo].[Price]")});
+    fail("type dbo Price");
+    EXPECT_EQ(tableScript("t", true, true, true),
+              utf8("/* Failed to load table t. Error was:\r\nInvalid object name 'x'.\r\n*/\r\n"));
+    EXPECT_TRUE(wasReported("mssql.queryLoader.tableAsMySQL", "type dbo Price")) << m_log.toStdString();
+}
+
 TEST_F(MySQLScript, TellsWhatFails)
 {
     fail("columns dbo t");

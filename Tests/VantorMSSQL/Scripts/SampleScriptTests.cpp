@@ -175,14 +175,9 @@ protected:
     /// Runs a script as a person would, all batches of it; the server's error, if any.
     static KNError execute(const VantorDBC &details, const QString &script)
     {
-        const auto splitter = details.createQuerySplitter();
-        splitter->setRequiresFullSplit(true);
         KNError error;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-            [&](VantorDatabaseClient &client, KNError *failure) {
-                KNResultSetHolder holder;
-                client.executeQueryDetails(splitter->doSplitQuery(script), holder, {}, failure);
-            },
+            [&](VantorDatabaseClient &client, KNError *failure) { *failure = runScript(client, script); },
             details, &error);
         return error;
     }

@@ -1,5 +1,6 @@
 #include "VantorMSSQL/Wire/WireTest.h"
 
+#include "SQL/KNQuerySplitter.h"
 #include "Support/TestCertificates.h"
 
 #include <chrono>
@@ -59,6 +60,16 @@ QList<KNDatabaseResultSetPtr> run(MSSQLClient &client, const QString &sql, KNErr
     client.executeQueryDetails({{sql, {0, sql.size()}, 0}}, holder, {}, error ? error : &unexpected);
     EXPECT_FALSE(unexpected) << unexpected.localizedDescription().toStdString();
     return holder.resultSets();
+}
+
+KNError runScript(VantorDatabaseClient &client, const QString &script)
+{
+    const auto splitter = client.databaseConnectionDetails().createQuerySplitter();
+    splitter->setRequiresFullSplit(true);
+    KNResultSetHolder holder;
+    KNError error;
+    client.executeQueryDetails(splitter->doSplitQuery(script), holder, {}, &error);
+    return error;
 }
 
 KNValue scalar(MSSQLClient &client, const QString &sql)

@@ -29,6 +29,8 @@ std::unique_ptr<MSSQLClient> connectedClient(const std::shared_ptr<MSSQLDatabase
 
 /// Runs a text as one batch. `error` may be null where no error is expected.
 QList<KNDatabaseResultSetPtr> run(MSSQLClient &client, const QString &sql, KNError *error = nullptr);
+/// Runs a script batch by batch, as a person would; the error that stopped it, if any.
+KNError runScript(VantorDatabaseClient &client, const QString &script);
 /// The first value of the first row of the first result.
 KNValue scalar(MSSQLClient &client, const QString &sql);
 /// All texts of the server's messages of these results.

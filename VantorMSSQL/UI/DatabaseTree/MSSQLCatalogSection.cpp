@@ -36,7 +36,7 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLCatalogSection::loadEntries(KNErro
     if (!failure && entries)
         didReadRows(*entries, &failure);
     if (failure) {
-        *error = MSSQLTreeCatalog::wrapped(failure, m_load.errorDomain);
+        *error = failure.inDomain(QString::fromLatin1(m_load.errorDomain));
         KNLogHelper::sharedInstance()->logError(*error, {{QStringLiteral("Query"), sql}});
     }
     return entries;

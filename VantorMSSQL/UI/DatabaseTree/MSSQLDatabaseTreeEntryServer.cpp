@@ -119,6 +119,7 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLDatabaseTreeEntryServer::loadEntri
 
 void MSSQLDatabaseTreeEntryServer::didLoadEntries(const Children &children)
 {
+    m_loaded.databaseNames.removeDuplicates();
     std::sort(m_loaded.databaseNames.begin(), m_loaded.databaseNames.end(),
               [](const QString &left, const QString &right) {
                   return MSSQLTreeCatalog::compareNames(left, right) < 0;
@@ -148,8 +149,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
                 const QString name = rows->stringForColumnIndex(0);
                 if (name.isEmpty() || isSystemDatabase(name))
                     continue;
-                if (!allDatabaseNames->contains(name))
-                    allDatabaseNames->append(name);
+                allDatabaseNames->append(name);
                 if (Ptr database = databaseForRow(*rows, name))
                     entries.push_back(std::move(database));
             }
@@ -163,7 +163,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
         },
         settings(), &failure, true);
     if (failure) {
-        *error = MSSQLTreeCatalog::wrapped(failure, "mssqsql.databaseTree.loadServer");
+        *error = failure.inDomain(QStringLiteral("mssqsql.databaseTree.loadServer"));
         MSSQLClient::reportError(*error, {{QStringLiteral("Query"), sql}});
     }
     return entries;

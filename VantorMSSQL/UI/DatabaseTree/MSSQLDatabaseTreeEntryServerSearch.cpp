@@ -8,6 +8,8 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
+#include <QScopeGuard>
+
 namespace {
 
 constexpr double SlowSeconds = 5.0;
@@ -36,7 +38,7 @@ void readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnE
         },
         settings, &failure, retryOnError);
     if (failure)
-        log->logError(MSSQLTreeCatalog::wrapped(failure, "mssqsql.databaseTree.updateSearchEntries"),
+        log->logError(failure.inDomain(QStringLiteral("mssqsql.databaseTree.updateSearchEntries")),
                       {{QStringLiteral("Query"), sql}});
 }
 
@@ -67,9 +69,9 @@ void MSSQLDatabaseTreeEntryServer::loadSearchResults(const Children &entries)
     KNDispatch::globalQueue([server, entries] {
         if (!server->m_searchLoadSemaphore.tryWait())
             return; // one is running; this one is dropped
+        const auto signal = qScopeGuard([&] { server->m_searchLoadSemaphore.signal(); });
         KNError error;
         server->updateSearchEntries(entries, &error);
-        server->m_searchLoadSemaphore.signal();
     });
 }
 

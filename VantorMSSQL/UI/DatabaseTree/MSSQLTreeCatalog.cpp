@@ -20,11 +20,6 @@ QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QSt
     return KNQueryTemplate::filled(details->queryLoader()->queryByTitle(QString::fromLatin1(title)), values);
 }
 
-KNError wrapped(const KNError &error, const char *domain)
-{
-    return KNError(QString::fromLatin1(domain), error.code(), error.localizedDescription(), error.userInfo());
-}
-
 int compareNames(const QString &left, const QString &right)
 {
     thread_local const QCollator collator = [] {

@@ -16,9 +16,6 @@ const MSSQLDatabaseConnectionDetails &settings(const KNDatabaseTreeEntry &entry)
 /// server.
 QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QString, QString> &values = {});
 
-/// `error` in the domain of a load, with the same code and facts.
-KNError wrapped(const KNError &error, const char *domain);
-
 /// Orders names as the user's language does, without regard to case; null counts as empty.
 int compareNames(const QString &left, const QString &right);
 
