@@ -40,3 +40,10 @@ function(vantor_precompile_qt target)
     <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList> <QVariant>
     <atomic> <functional> <memory> <mutex> <optional> <string> <vector>)
 endfunction()
+
+# The same for targets with windows.
+function(vantor_precompile_widgets target)
+  target_precompile_headers(${target} PRIVATE
+    <QAction> <QBoxLayout> <QDialog> <QHash> <QLabel> <QLineEdit> <QList> <QMenu> <QPushButton> <QString> <QStringList>
+    <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
+endfunction()

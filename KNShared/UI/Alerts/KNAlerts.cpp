@@ -1,0 +1,77 @@
+#include "UI/Alerts/KNAlerts.h"
+
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace {
+
+/// Message boxes of the desktop, as sheets of their window.
+class MessageBoxes : public KNAlerts
+{
+public:
+    void showError(QWidget *parent, const KNError &error) override
+    {
+        open(parent, QMessageBox::Warning, QString(), error.localizedDescription());
+    }
+
+    void showMessage(QWidget *parent, const QString &title, const QString &text) override
+    {
+        open(parent, QMessageBox::Information, title, text);
+    }
+
+    void ask(QWidget *parent, const Question &question, Answer answer) override
+    {
+        QMessageBox *const box = make(parent, QMessageBox::Question, question.title, question.text);
+        for (const QString &title : question.buttons)
+            box->addButton(title, QMessageBox::ActionRole);
+        const auto buttons = box->buttons();
+        if (!buttons.isEmpty())
+            box->setDefaultButton(qobject_cast<QPushButton *>(buttons.first()));
+        QObject::connect(box, &QMessageBox::finished, parent ? parent : static_cast<QObject *>(box),
+                         [box, buttons, answer = std::move(answer)] {
+                             answer(static_cast<int>(buttons.indexOf(box->clickedButton())));
+                         });
+        box->open();
+    }
+
+private:
+    static QMessageBox *make(QWidget *parent, QMessageBox::Icon icon, const QString &title,
+                             const QString &text)
+    {
+        auto *const box = new QMessageBox(parent);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setIcon(icon);
+        box->setTextFormat(Qt::PlainText);
+        box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        box->setText(title.isEmpty() ? text : title);
+        if (!title.isEmpty())
+            box->setInformativeText(text);
+        return box;
+    }
+
+    static void open(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QString &text)
+    {
+        make(parent, icon, title, text)->open();
+    }
+};
+
+std::unique_ptr<KNAlerts> &instance()
+{
+    static std::unique_ptr<KNAlerts> alerts = std::make_unique<MessageBoxes>();
+    return alerts;
+}
+
+} // namespace
+
+KNAlerts::~KNAlerts() = default;
+
+KNAlerts &KNAlerts::shared()
+{
+    return *instance();
+}
+
+void KNAlerts::setShared(std::unique_ptr<KNAlerts> alerts)
+{
+    instance() = alerts ? std::move(alerts) : std::make_unique<MessageBoxes>();
+}

@@ -1,0 +1,3 @@
+#include "UI/KNConnectorUserInterface.h"
+
+KNConnectorUserInterface::~KNConnectorUserInterface() = default;

@@ -1,0 +1,61 @@
+#include "UI/KNPreferences.h"
+
+#include "Foundation/KNNotificationCenter.h"
+#include "Foundation/KNUserDefaults.h"
+
+#include <QFontDatabase>
+
+#include <algorithm>
+
+namespace {
+
+const QString EditorFont = QStringLiteral("EditorFont");
+const QString TabWidth = QStringLiteral("TabWidth");
+const QString RowLimit = QStringLiteral("RowLimit");
+const QString NullText = QStringLiteral("NullText");
+const QString DateFormatKey = QStringLiteral("DateFormat");
+const QString ThemeKey = QStringLiteral("Theme");
+const QString ReopensTabs = QStringLiteral("ReopensTabs");
+
+/// The number, or the default where there is none or it is out of bounds.
+int number(const QString &key, int defaultValue, int minimum, int maximum)
+{
+    bool isNumber = false;
+    const int value = KNUserDefaults::standardUserDefaults()->stringForKey(key).toInt(&isNumber);
+    return isNumber && value >= minimum && value <= maximum ? value : defaultValue;
+}
+
+} // namespace
+
+const QString KNPreferences::ChangedNotificationName = QStringLiteral("KNPreferencesChangedNotification");
+
+KNPreferences KNPreferences::current()
+{
+    const KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
+    KNPreferences preferences;
+    preferences.editorFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QString description = defaults.stringForKey(EditorFont);
+    if (QFont font; !description.isEmpty() && font.fromString(description))
+        preferences.editorFont = font;
+    preferences.tabWidth = number(TabWidth, preferences.tabWidth, 1, 16);
+    preferences.rowLimit = number(RowLimit, 0, 0, std::numeric_limits<int>::max());
+    preferences.nullText = defaults.stringForKey(NullText, preferences.nullText);
+    preferences.dateFormat = static_cast<DateFormat>(number(DateFormatKey, 0, 0, 1));
+    preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
+    preferences.reopensTabs = defaults.boolForKey(ReopensTabs, true);
+    return preferences;
+}
+
+void KNPreferences::save() const
+{
+    KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
+    defaults.setObject(EditorFont, editorFont.toString());
+    defaults.setObject(TabWidth, tabWidth);
+    defaults.setObject(RowLimit, rowLimit);
+    defaults.setObject(NullText, nullText);
+    defaults.setObject(DateFormatKey, static_cast<int>(dateFormat));
+    defaults.setObject(ThemeKey, static_cast<int>(theme));
+    defaults.setObject(ReopensTabs, reopensTabs);
+    defaults.synchronize();
+    KNNotificationCenter::defaultCenter()->post(ChangedNotificationName);
+}

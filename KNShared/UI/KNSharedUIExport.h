@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// Marks what KNSharedUI offers to programs and connectors.
+#if defined(KNSHAREDUI_LIBRARY)
+#define KNSHAREDUI_EXPORT Q_DECL_EXPORT
+#else
+#define KNSHAREDUI_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,6 @@
+#include "UI/MSSQLUserInterface.h"
+
+ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *) const
+{
+    return nullptr;
+}

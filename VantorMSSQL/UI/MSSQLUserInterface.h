@@ -1,0 +1,10 @@
+#pragma once
+
+#include "UI/KNConnectorUserInterface.h"
+
+/// The windows of the SQL Server connector.
+class MSSQLUserInterface : public KNConnectorUserInterface
+{
+public:
+    ConnectionWindowController *createConnectionWindowController(QWidget *parent) const override;
+};
