@@ -52,11 +52,10 @@ void KNFallbackStore::setText(const QString &key, const QString &text, Done done
 
 void KNFallbackStore::removeKey(const QString &key, Done done)
 {
-    m_stores->used->removeKey(key,
-                              [stores = m_stores, key, done = std::move(done)](const KNError &error) {
-                                  if (stores->fallsBack(error))
-                                      stores->used->removeKey(key, done);
-                                  else
-                                      done(error);
-                              });
+    m_stores->used->removeKey(key, [stores = m_stores, key, done = std::move(done)](const KNError &error) {
+        if (stores->fallsBack(error))
+            stores->used->removeKey(key, done);
+        else
+            done(error);
+    });
 }

@@ -49,9 +49,8 @@ struct KNFileStore::File : std::enable_shared_from_this<File>
         if (!file.exists())
             return {};
         if (!file.open(QIODevice::ReadOnly)) {
-            *error =
-                KNError(ErrorDomain, Refused,
-                        KNFormat("The file \"%@\" could not be read: %@.", path, file.errorString()));
+            *error = KNError(ErrorDomain, Refused,
+                             KNFormat("The file \"%@\" could not be read: %@.", path, file.errorString()));
             return {};
         }
         const QJsonDocument document = QJsonDocument::fromJson(file.readAll());

@@ -21,9 +21,9 @@ void decide(Decided decided)
         decided(KNKeyValueStore::NoService);
         return;
     }
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("NameHasOwner"));
     question << QStringLiteral("org.freedesktop.secrets");
     auto *const watcher = new QDBusPendingCallWatcher(bus.asyncCall(question));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, decided] {
@@ -37,11 +37,10 @@ void decide(Decided decided)
 void report(const QKeychain::Job &job, KNKeyValueStore::Problem refused, const KNKeyValueStore::Done &done)
 {
     const auto fail = [done, text = job.errorString()](KNKeyValueStore::Problem problem) {
-        const char *const what = problem == KNKeyValueStore::NoService
-                                     ? "No keyring is running: %@."
-                                     : problem == KNKeyValueStore::NotWritten
-                                           ? "The keyring did not keep the text: %@."
-                                           : "The keyring is locked or refused access: %@.";
+        const char *const what = problem == KNKeyValueStore::NoService ? "No keyring is running: %@."
+                                 : problem == KNKeyValueStore::NotWritten
+                                     ? "The keyring did not keep the text: %@."
+                                     : "The keyring is locked or refused access: %@.";
         done(KNError(KNKeyValueStore::ErrorDomain, problem, KNFormat(what, text)));
     };
     switch (job.error()) {

@@ -48,8 +48,8 @@ protected:
     static QString textIn(KNFileStore &store, const QString &key, KNError *problem = nullptr)
     {
         std::optional<std::pair<QString, KNError>> answer;
-        store.textForKey(
-            key, [&](const QString &text, const KNError &error) { answer = std::pair(text, error); });
+        store.textForKey(key,
+                         [&](const QString &text, const KNError &error) { answer = std::pair(text, error); });
         const auto [text, error] = waitFor(answer);
         if (problem)
             *problem = error;
@@ -159,7 +159,7 @@ TEST_F(FileStoreTest, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne)
 TEST(KeyValueStore, OfAProgramIsAFileBelowTheDataFolderUnlessAnotherIsPutInPlace)
 {
     KNKeyValueStore::setShared(nullptr);
-    EXPECT_EQ(KNKeyValueStore::shared()->name(),
-              QStringLiteral("the file ") + qEnvironmentVariable("XDG_DATA_HOME") +
-                  QStringLiteral("/vantor/credentials.json"));
+    EXPECT_EQ(KNKeyValueStore::shared()->name(), QStringLiteral("the file ") +
+                                                     qEnvironmentVariable("XDG_DATA_HOME") +
+                                                     QStringLiteral("/vantor/credentials.json"));
 }
