@@ -4,6 +4,7 @@
 #include "Foundation/KNUserDefaults.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 
 #include <algorithm>
 
@@ -32,7 +33,9 @@ const QString KNPreferences::ChangedNotificationName = QStringLiteral("KNPrefere
 KNPreferences KNPreferences::defaults()
 {
     KNPreferences preferences;
-    preferences.editorFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    // The system's font may be an alias that no list of fonts shows.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    preferences.editorFont = QFont(QFontInfo(fixed).family(), fixed.pointSize());
     return preferences;
 }
 

@@ -46,8 +46,9 @@ void StatusLine::showStatus(const QueryTabStatus &status)
 {
     m_database->setText(status.database);
     m_transaction->setText(status.hasOpenTransaction ? tr("Transaction open") : QString());
-    m_rows->setText(status.rowCount == 1 ? tr("1 row")
-                                         : KNFormat("%@ rows", QLocale::c().toString(status.rowCount)));
+    m_rows->setText(status.rowCount == 1
+                        ? tr("1 row")
+                        : KNFormat("%@ rows", QLocale(QLocale::English).toString(status.rowCount)));
     m_time->setText(durationText(status.elapsedMilliseconds));
 }
 
