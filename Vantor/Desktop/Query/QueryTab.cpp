@@ -55,3 +55,18 @@ void QueryTab::run() {}
 void QueryTab::runBatchAtCursor() {}
 
 void QueryTab::cancel() {}
+
+std::shared_ptr<const VantorDBC> QueryTab::databaseConnectionDetails() const
+{
+    return nullptr;
+}
+
+void QueryTab::prepareToClose(std::function<void()> proceed)
+{
+    proceed();
+}
+
+void QueryTab::prepareToEndSession(std::function<void()> proceed)
+{
+    proceed();
+}

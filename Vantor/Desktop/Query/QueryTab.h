@@ -44,6 +44,11 @@ public:
     void save(std::function<void()> saved = {});
     void saveAs(std::function<void()> saved = {});
 
+    /// The settings, with the database that the tab has come to.
+    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const;
+    void prepareToClose(std::function<void()> proceed);
+    void prepareToEndSession(std::function<void()> proceed);
+
     bool isRunning() const;
     QueryTabStatus status() const;
 

@@ -1,0 +1,376 @@
+#include "UI/Editor/KNSQLEditor.h"
+
+#include "UI/Editor/KNEditorText.h"
+#include "UI/Editor/KNSQLLexer.h"
+#include "UI/KNPreferences.h"
+
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QShortcut>
+
+namespace {
+
+constexpr int LineNumbers = 0; // the margins
+constexpr int Marks = 1;
+constexpr int Folds = 2;
+constexpr int ErrorMarker = 1;
+constexpr int ErrorIndicator = 8;
+
+/// Scintilla's colours are 0x00BBGGRR.
+long scintillaColour(const QColor &colour)
+{
+    return colour.red() | colour.green() << 8 | colour.blue() << 16;
+}
+
+QsciScintilla::EolMode lineEndsOf(const QString &text)
+{
+    const qsizetype lineFeed = text.indexOf(u'\n');
+    if (lineFeed < 0)
+        return text.contains(u'\r') ? QsciScintilla::EolMac : QsciScintilla::EolUnix;
+    return lineFeed > 0 && text[lineFeed - 1] == u'\r' ? QsciScintilla::EolWindows : QsciScintilla::EolUnix;
+}
+
+} // namespace
+
+KNSQLEditor::KNSQLEditor(QWidget *parent)
+    : QsciScintilla(parent)
+    , m_lexer(new KNSQLLexer(this))
+{
+    setAccessibleName(tr("SQL editor"));
+    configure();
+    releaseKeys();
+    addKeys();
+    setLexer(m_lexer);
+    applyPreferences();
+    connect(this, &QsciScintilla::linesChanged, this, &KNSQLEditor::fitMargins);
+    connect(this, &QsciScintillaBase::SCN_ZOOM, this, &KNSQLEditor::fitMargins);
+    connect(this, &QsciScintilla::textChanged, this, &KNSQLEditor::clearErrorMark);
+    m_preferencesObserver = KNNotificationCenter::defaultCenter()->addObserver(
+        KNPreferences::ChangedNotificationName,
+        [this](const QString &, const QVariantMap &) { applyPreferences(); });
+}
+
+void KNSQLEditor::configure()
+{
+    setUtf8(true);
+    setEolMode(EolUnix);
+    setAutoIndent(true);
+    setIndentationsUseTabs(true);
+    setBackspaceUnindents(true);
+    setBraceMatching(SloppyBraceMatch);
+    setCaretLineVisible(true);
+    setFolding(BoxedTreeFoldStyle, Folds);
+    setMarginLineNumbers(LineNumbers, true);
+    setMarginType(Marks, SymbolMargin);
+    setMarginMarkerMask(Marks, 1 << ErrorMarker);
+    markerDefine(RightTriangle, ErrorMarker);
+    SendScintilla(SCI_INDICSETSTYLE, ErrorIndicator, static_cast<long>(INDIC_SQUIGGLE));
+    SendScintilla(SCI_SETMULTIPLESELECTION, 1UL);
+    SendScintilla(SCI_SETADDITIONALSELECTIONTYPING, 1UL);
+    SendScintilla(SCI_SETMULTIPASTE, static_cast<unsigned long>(SC_MULTIPASTE_EACH));
+    SendScintilla(SCI_SETRECTANGULARSELECTIONMODIFIER, static_cast<unsigned long>(SCMOD_ALT));
+    SendScintilla(SCI_SETVIRTUALSPACEOPTIONS, static_cast<unsigned long>(SCVS_RECTANGULARSELECTION));
+    SendScintilla(SCI_ALLOCATELINECHARACTERINDEX, static_cast<unsigned long>(SC_LINECHARACTERINDEX_UTF16));
+    // As wide as what is in view, so that a short text needs no scroll bar.
+    SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1UL);
+    SendScintilla(SCI_SETSCROLLWIDTH, 1UL);
+}
+
+/// Keys that the program or this class uses otherwise: the component would keep them for itself.
+void KNSQLEditor::releaseKeys()
+{
+    static const QKeySequence keys[] = {
+        QKeySequence(Qt::Key_Escape),           QKeySequence(Qt::CTRL | Qt::Key_U),
+        QKeySequence(Qt::CTRL | Qt::Key_Slash), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_U),
+        QKeySequence(Qt::CTRL | Qt::Key_L),     QKeySequence(Qt::CTRL | Qt::Key_T),
+    };
+    const auto commands = standardCommands()->commands();
+    for (QsciCommand *const command : commands) {
+        for (const QKeySequence &key : keys) {
+            if (command->key() == key[0].toCombined())
+                command->setKey(0);
+            if (command->alternateKey() == key[0].toCombined())
+                command->setAlternateKey(0);
+        }
+    }
+}
+
+void KNSQLEditor::addKeys()
+{
+    const auto add = [this](const QKeySequence &key, void (KNSQLEditor::*slot)()) {
+        auto *const shortcut = new QShortcut(key, this);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, slot);
+    };
+    for (const int modifier : {int(Qt::CTRL), 0}) {
+        add(QKeySequence(int(Qt::CTRL) | Qt::Key_K, modifier | Qt::Key_C), &KNSQLEditor::commentLines);
+        add(QKeySequence(int(Qt::CTRL) | Qt::Key_K, modifier | Qt::Key_U), &KNSQLEditor::uncommentLines);
+    }
+}
+
+void KNSQLEditor::setWords(const QStringList &keywords, const QStringList &functions)
+{
+    m_lexer->setWords(keywords, functions);
+    recolor();
+}
+
+QString KNSQLEditor::wholeText() const
+{
+    return KNEditorText::text(*this, 0, length());
+}
+
+void KNSQLEditor::setWholeText(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    setEolMode(lineEndsOf(text));
+    SendScintilla(SCI_SETUNDOCOLLECTION, 0UL);
+    SendScintilla(SCI_CLEARALL);
+    SendScintilla(SCI_ADDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
+    SendScintilla(SCI_SETUNDOCOLLECTION, 1UL);
+    SendScintilla(SCI_EMPTYUNDOBUFFER);
+    SendScintilla(SCI_GOTOPOS, 0UL);
+    setModified(false);
+}
+
+KNRange KNSQLEditor::selectedRange() const
+{
+    const qsizetype start = locationOf(static_cast<int>(SendScintilla(SCI_GETSELECTIONSTART)));
+    const qsizetype end = locationOf(static_cast<int>(SendScintilla(SCI_GETSELECTIONEND)));
+    return {start, end - start};
+}
+
+void KNSQLEditor::selectRange(const KNRange &range)
+{
+    const int start = positionOf(range.location);
+    const int end = positionOf(range.location + range.length);
+    SendScintilla(SCI_ENSUREVISIBLEENFORCEPOLICY, SendScintilla(SCI_LINEFROMPOSITION, start));
+    SendScintilla(SCI_SETSEL, start, end);
+}
+
+QString KNSQLEditor::textOfRange(const KNRange &range) const
+{
+    return KNEditorText::text(*this, positionOf(range.location), positionOf(range.location + range.length));
+}
+
+void KNSQLEditor::replaceRanges(const QList<Replacement> &replacements)
+{
+    beginUndoAction();
+    // From the end, so that the places before stay what they are.
+    for (auto it = replacements.crbegin(); it != replacements.crend(); ++it) {
+        const QByteArray bytes = it->text.toUtf8();
+        SendScintilla(SCI_SETTARGETRANGE, positionOf(it->range.location),
+                      positionOf(it->range.location + it->range.length));
+        SendScintilla(SCI_REPLACETARGET, static_cast<unsigned long>(bytes.size()), bytes.constData());
+    }
+    endUndoAction();
+}
+
+void KNSQLEditor::insertText(const QString &text)
+{
+    const KNRange selection = selectedRange();
+    replaceRanges({{selection, text}});
+    selectRange({selection.location + text.size(), 0});
+}
+
+void KNSQLEditor::markError(const KNRange &range)
+{
+    const int start = positionOf(range.location);
+    markErrorLine(static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, start)) + 1);
+    SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ErrorIndicator));
+    SendScintilla(SCI_INDICATORFILLRANGE, start, positionOf(range.location + range.length) - start);
+    m_errorMark = range;
+}
+
+void KNSQLEditor::markErrorLine(int line)
+{
+    clearErrorMark();
+    markerAdd(line - 1, ErrorMarker);
+    m_hasErrorMark = true;
+}
+
+void KNSQLEditor::clearErrorMark()
+{
+    if (!m_hasErrorMark)
+        return;
+    m_hasErrorMark = false;
+    m_errorMark = {};
+    markerDeleteAll(ErrorMarker);
+    SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ErrorIndicator));
+    SendScintilla(SCI_INDICATORCLEARRANGE, 0UL, static_cast<long>(length()));
+}
+
+KNRange KNSQLEditor::errorMark() const
+{
+    return m_errorMark;
+}
+
+int KNSQLEditor::errorLine() const
+{
+    return static_cast<int>(SendScintilla(SCI_MARKERNEXT, 0UL, 1L << ErrorMarker)) + 1;
+}
+
+void KNSQLEditor::toggleComment()
+{
+    int firstLine = 0;
+    int lastLine = 0;
+    selectedLines(&firstLine, &lastLine);
+    bool allCommented = true;
+    for (int line = firstLine; line <= lastLine; ++line) {
+        const QString content = text(line).trimmed();
+        allCommented = allCommented && (content.isEmpty() || content.startsWith(u"--"));
+    }
+    editLines(!allCommented);
+}
+
+void KNSQLEditor::commentLines()
+{
+    editLines(true);
+}
+
+void KNSQLEditor::uncommentLines()
+{
+    editLines(false);
+}
+
+/// The lines (from 0) that the selection touches; a line at whose beginning it ends is none of them.
+void KNSQLEditor::selectedLines(int *firstLine, int *lastLine) const
+{
+    const auto start = SendScintilla(SCI_GETSELECTIONSTART);
+    const auto end = SendScintilla(SCI_GETSELECTIONEND);
+    *firstLine = static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, start));
+    *lastLine = static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, end));
+    if (*lastLine > *firstLine && SendScintilla(SCI_POSITIONFROMLINE, *lastLine) == end)
+        --*lastLine;
+}
+
+void KNSQLEditor::editLines(bool comments)
+{
+    int firstLine = 0;
+    int lastLine = 0;
+    selectedLines(&firstLine, &lastLine);
+    QList<Replacement> replacements;
+    for (int line = firstLine; line <= lastLine; ++line) {
+        const qsizetype begin = locationOf(static_cast<int>(SendScintilla(SCI_GETLINEINDENTPOSITION, line)));
+        const QString content = text(line).trimmed();
+        if (comments && !content.isEmpty())
+            replacements.append({{begin, 0}, QStringLiteral("-- ")});
+        else if (!comments && content.startsWith(u"--"))
+            replacements.append({{begin, content.startsWith(u"-- ") ? 3 : 2}, QString()});
+    }
+    replaceRanges(replacements);
+}
+
+void KNSQLEditor::goToLine(int line)
+{
+    const int index = std::clamp(line, 1, lines()) - 1;
+    SendScintilla(SCI_ENSUREVISIBLEENFORCEPOLICY, static_cast<unsigned long>(index));
+    SendScintilla(SCI_GOTOLINE, static_cast<unsigned long>(index));
+    setFocus();
+}
+
+void KNSQLEditor::askForLine()
+{
+    auto *const dialog = new QInputDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Go to Line"));
+    dialog->setLabelText(tr("Line (1 to %1):").arg(lines()));
+    dialog->setInputMode(QInputDialog::IntInput);
+    dialog->setIntRange(1, lines());
+    dialog->setIntValue(
+        static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETCURRENTPOS))) + 1);
+    connect(dialog, &QInputDialog::intValueSelected, this, &KNSQLEditor::goToLine);
+    dialog->open();
+}
+
+void KNSQLEditor::resetZoom()
+{
+    zoomTo(0);
+}
+
+void KNSQLEditor::changeEvent(QEvent *event)
+{
+    QsciScintilla::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        applyColours();
+}
+
+void KNSQLEditor::keyPressEvent(QKeyEvent *event)
+{
+    // Escape takes further cursors away; with one cursor it is for others.
+    if (event->key() == Qt::Key_Escape && SendScintilla(SCI_GETSELECTIONS) > 1)
+        SendScintilla(SCI_CANCEL);
+    else if (event->key() == Qt::Key_Escape)
+        event->ignore();
+    else
+        QsciScintilla::keyPressEvent(event);
+}
+
+void KNSQLEditor::applyPreferences()
+{
+    setTabWidth(KNPreferences::current().tabWidth);
+    applyColours();
+}
+
+void KNSQLEditor::applyColours()
+{
+    const KNSQLColours colours = KNSQLColours::forPalette(palette());
+    const QFont font = KNPreferences::current().editorFont;
+    m_lexer->setColours(colours, font);
+    setPaper(colours.background);
+    setColor(colours.text);
+    setCaretForegroundColor(colours.text);
+    setCaretLineBackgroundColor(colours.currentLine);
+    setSelectionBackgroundColor(colours.selection);
+    resetSelectionForegroundColor();
+    SendScintilla(SCI_SETSELFORE, 0UL, 0L);
+    setMarginsFont(font);
+    setMarginsForegroundColor(colours.lineNumber);
+    setMarginsBackgroundColor(colours.margin);
+    setFoldMarginColors(colours.margin, colours.margin);
+    for (int marker = SC_MARKNUM_FOLDEREND; marker <= int(SC_MARKNUM_FOLDEROPEN); ++marker) {
+        setMarkerForegroundColor(colours.margin, marker);
+        setMarkerBackgroundColor(colours.lineNumber, marker);
+    }
+    setMatchedBraceBackgroundColor(colours.matchedBrace);
+    setMatchedBraceForegroundColor(colours.text);
+    setUnmatchedBraceBackgroundColor(colours.background);
+    setUnmatchedBraceForegroundColor(colours.error);
+    setMarkerBackgroundColor(colours.error, ErrorMarker);
+    setMarkerForegroundColor(colours.error, ErrorMarker);
+    SendScintilla(SCI_INDICSETFORE, ErrorIndicator, scintillaColour(colours.error));
+    fitMargins();
+}
+
+void KNSQLEditor::fitMargins()
+{
+    const QString digits(std::max<qsizetype>(3, QString::number(lines()).size()), u'9');
+    setMarginWidth(LineNumbers, u' ' + digits + u' ');
+    const int lineHeight = static_cast<int>(SendScintilla(SCI_TEXTHEIGHT, 0UL));
+    setMarginWidth(Marks, lineHeight * 3 / 4);
+    setMarginWidth(Folds, lineHeight * 3 / 4);
+}
+
+int KNSQLEditor::positionOf(qsizetype location) const
+{
+    const auto line = SendScintilla(SCI_LINEFROMINDEXPOSITION, static_cast<unsigned long>(location),
+                                    static_cast<long>(SC_LINECHARACTERINDEX_UTF16));
+    const auto lineLocation = SendScintilla(SCI_INDEXPOSITIONFROMLINE, static_cast<unsigned long>(line),
+                                            static_cast<long>(SC_LINECHARACTERINDEX_UTF16));
+    const auto linePosition = SendScintilla(SCI_POSITIONFROMLINE, line);
+    if (location <= lineLocation)
+        return static_cast<int>(linePosition);
+    // 0 when the text ends before.
+    const auto position =
+        SendScintilla(SCI_POSITIONRELATIVECODEUNITS, static_cast<unsigned long>(linePosition),
+                      static_cast<long>(location - lineLocation));
+    return position > 0 ? static_cast<int>(position) : length();
+}
+
+qsizetype KNSQLEditor::locationOf(int position) const
+{
+    const auto line = SendScintilla(SCI_LINEFROMPOSITION, position);
+    const auto lineLocation = SendScintilla(SCI_INDEXPOSITIONFROMLINE, static_cast<unsigned long>(line),
+                                            static_cast<long>(SC_LINECHARACTERINDEX_UTF16));
+    return lineLocation + SendScintilla(SCI_COUNTCODEUNITS, SendScintilla(SCI_POSITIONFROMLINE, line),
+                                        static_cast<long>(position));
+}

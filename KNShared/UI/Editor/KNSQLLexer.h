@@ -1,0 +1,49 @@
+#pragma once
+
+#include "SQL/SQLMetadataTokenizer.h"
+#include "UI/Editor/KNSQLColours.h"
+#include "UI/Editor/KNScintilla.h"
+#include "UI/KNSharedUIExport.h"
+
+#include <QSet>
+
+/// Colours and folds SQL in an editor, by the house's own tokenizer: block comments nest, strings, names in
+/// brackets and names in quotes may run over lines. Begins at any line, because it keeps at each line's end
+/// what is open there. Folds BEGIN ... END, CASE ... END and block comments.
+class KNSHAREDUI_EXPORT KNSQLLexer : public QsciLexerCustom
+{
+public:
+    enum Style {
+        Text,
+        Keyword,
+        Function,
+        String,
+        Number,
+        Comment,
+        Variable,
+        QuotedName,
+        Operator,
+        StyleCount
+    };
+
+    explicit KNSQLLexer(QObject *parent);
+
+    /// The words of the dialect, in any case. A word of both lists is a function before a parenthesis.
+    void setWords(const QStringList &keywords, const QStringList &functions);
+    void setColours(const KNSQLColours &colours, const QFont &font);
+
+    const char *language() const override { return "SQL"; }
+    QString description(int style) const override;
+    const char *wordCharacters() const override;
+    int braceStyle() const override { return Operator; }
+    void styleText(int start, int end) override;
+
+private:
+    class Lines;
+
+    Style styleOf(const SQLToken &token, QStringView text) const;
+    Style styleOfWord(const SQLToken &token, QStringView text) const;
+
+    QSet<QString> m_keywords;  ///< in upper case
+    QSet<QString> m_functions; ///< in upper case
+};

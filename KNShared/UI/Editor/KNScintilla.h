@@ -1,0 +1,12 @@
+#pragma once
+
+// The editor component's headers, which need Qt's short keywords.
+#include <QObject>
+
+#define signals Q_SIGNALS
+#define slots Q_SLOTS
+#include <Qsci/qscicommandset.h>
+#include <Qsci/qscilexercustom.h>
+#include <Qsci/qsciscintilla.h>
+#undef signals
+#undef slots

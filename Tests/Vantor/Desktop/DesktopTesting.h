@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Database/VantorDBC.h"
+#include "Support/SampleServerFixture.h"
+
+/// What the tests of the desktop program share: the real connector and real sample servers.
+namespace DesktopTesting {
+
+/// New settings for a sample server, from the connector as the program loads it.
+VantorDBCPtr settingsFor(const SampleServerFixture &server, const QString &database = {});
+
+} // namespace DesktopTesting
