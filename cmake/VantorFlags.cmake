@@ -47,3 +47,9 @@ function(vantor_precompile_widgets target)
     <QAction> <QBoxLayout> <QDialog> <QHash> <QLabel> <QLineEdit> <QList> <QMenu> <QPushButton> <QString> <QStringList>
     <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
 endfunction()
+
+# Compiles a library's files several at a time: parsing headers is most of the work. Names in anonymous namespaces must
+# then differ within the library.
+function(vantor_compile_together target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+endfunction()

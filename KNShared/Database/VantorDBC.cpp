@@ -33,6 +33,7 @@ void VantorDBC::getHostAndPortForServer(const QString &server, quint16 *port, QS
 bool VantorDBC::opensSameSession(const VantorDBC &other) const
 {
     return m_host == other.m_host && m_port == other.m_port && m_username == other.m_username &&
-           m_password == other.m_password && m_database == other.m_database &&
-           sessionParameters() == other.sessionParameters() && description() == other.description();
+           m_password == other.m_password && m_sshTunnelModel == other.m_sshTunnelModel &&
+           m_database == other.m_database && sessionParameters() == other.sessionParameters() &&
+           description() == other.description();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KNSharedExport.h"
+#include "SSH/KNSSHTunnelModel.h"
 
 #include <QString>
 #include <QStringList>
@@ -46,6 +47,10 @@ public:
     quint16 port() const { return m_port; }
     void setPort(quint16 port) { m_port = port; }
 
+    /// The SSH server through which the connection goes, if any.
+    const KNSSHTunnelModel &sshTunnelModel() const { return m_sshTunnelModel; }
+    void setSSHTunnelModel(const KNSSHTunnelModel &model) { m_sshTunnelModel = model; }
+
     /// Further settings of a session that the kind of server knows, by name. All know "loginTimeout": the
     /// seconds that connecting may take (15 when not given).
     virtual QVariantMap sessionParameters() const = 0;
@@ -77,7 +82,7 @@ public:
     virtual const QStringList &functions() const = 0;
 
     /// Whether a session opened with one of both can stand in for a session opened with the other: the same
-    /// server, account, database and parameters. Identity and display name do not matter.
+    /// server, way to it, account, database and parameters. Identity and display name do not matter.
     bool opensSameSession(const VantorDBC &other) const;
 
     /// Splits "name:port" and "name,port". `port` keeps its value when the text holds none. An IPv6 address
@@ -95,4 +100,5 @@ private:
     QString m_host;
     QString m_database;
     quint16 m_port = 0;
+    KNSSHTunnelModel m_sshTunnelModel;
 };

@@ -59,8 +59,6 @@ public:
     virtual bool changeDatabase(const QString &name, KNError *error) = 0;
     /// The databases that the login may go to, sorted by name; empty with an error.
     virtual QStringList databaseNames(KNError *error) = 0;
-    /// What the server is, for the user: "SQL Server 2019 (15.0.2000.5)". Null with an error.
-    virtual QString serverDescription(KNError *error) = 0;
     /// Whether the session has a transaction open; empty with an error. Asking is a batch of its own, which
     /// later batches may notice.
     virtual std::optional<bool> isInTransaction(KNError *error) = 0;

@@ -4,6 +4,7 @@
 #include "Foundation/KNUserDefaults.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 
 #include <algorithm>
 
@@ -29,20 +30,28 @@ int number(const QString &key, int defaultValue, int minimum, int maximum)
 
 const QString KNPreferences::ChangedNotificationName = QStringLiteral("KNPreferencesChangedNotification");
 
+KNPreferences KNPreferences::defaults()
+{
+    KNPreferences preferences;
+    // The system's font may be an alias that no list of fonts shows.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    preferences.editorFont = QFont(QFontInfo(fixed).family(), fixed.pointSize());
+    return preferences;
+}
+
 KNPreferences KNPreferences::current()
 {
-    const KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
-    KNPreferences preferences;
-    preferences.editorFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    const QString description = defaults.stringForKey(EditorFont);
+    const KNUserDefaults &stored = *KNUserDefaults::standardUserDefaults();
+    KNPreferences preferences = defaults();
+    const QString description = stored.stringForKey(EditorFont);
     if (QFont font; !description.isEmpty() && font.fromString(description))
         preferences.editorFont = font;
     preferences.tabWidth = number(TabWidth, preferences.tabWidth, 1, 16);
     preferences.rowLimit = number(RowLimit, 0, 0, std::numeric_limits<int>::max());
-    preferences.nullText = defaults.stringForKey(NullText, preferences.nullText);
+    preferences.nullText = stored.stringForKey(NullText, preferences.nullText);
     preferences.dateFormat = static_cast<DateFormat>(number(DateFormatKey, 0, 0, 1));
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
-    preferences.reopensTabs = defaults.boolForKey(ReopensTabs, true);
+    preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
     return preferences;
 }
 

@@ -25,6 +25,8 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool reopensTabs = true; ///< the tabs of the last session come back when its connection is opened
 
     static KNPreferences current();
+    /// What holds as long as the user has chosen nothing.
+    static KNPreferences defaults();
     void save() const;
 
     friend bool operator==(const KNPreferences &, const KNPreferences &) = default;

@@ -13,8 +13,6 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-
 bool names(const Ast::TableSource &source, const std::string &folded)
 {
     if (const auto *named = std::get_if<Ast::NamedTable>(&source.node))

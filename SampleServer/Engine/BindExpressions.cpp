@@ -15,9 +15,6 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType BitType{TypeId::Bit, 0, 0, 0};
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-
 ExpressionPtr condition(decltype(Expression::node) node)
 {
     return std::make_shared<const Expression>(Expression{BitType, true, std::move(node)});

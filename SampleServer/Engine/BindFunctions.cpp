@@ -15,10 +15,6 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
-constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
-
 bool isAggregateName(const Ast::ObjectName &name)
 {
     static constexpr std::string_view names[] = {"AVG",    "COUNT", "COUNT_BIG", "MAX",  "MIN",       "STDEV",

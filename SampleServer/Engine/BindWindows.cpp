@@ -15,10 +15,6 @@ using namespace Bound;
 
 namespace {
 
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
-constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
-constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
-
 ExpressionPtr windowExpression(WindowCall call, const SqlType &type, bool nullable)
 {
     return std::make_shared<const Expression>(Expression{type, nullable, std::move(call)});

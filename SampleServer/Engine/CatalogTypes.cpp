@@ -5,49 +5,49 @@ namespace SampleServer {
 
 namespace {
 
-constexpr SystemType types[] = {{"image", 34, 34, {TypeId::Image}},
-                                {"text", 35, 35, {TypeId::Text}},
-                                {"uniqueidentifier", 36, 36, {TypeId::UniqueIdentifier}},
-                                {"date", 40, 40, {TypeId::Date}},
-                                {"time", 41, 41, {TypeId::Time, 0, 0, 7}},
-                                {"datetime2", 42, 42, {TypeId::DateTime2, 0, 0, 7}},
-                                {"datetimeoffset", 43, 43, {TypeId::DateTimeOffset, 0, 0, 7}},
-                                {"tinyint", 48, 48, {TypeId::TinyInt}},
-                                {"smallint", 52, 52, {TypeId::SmallInt}},
-                                {"int", 56, 56, {TypeId::Int}},
-                                {"smalldatetime", 58, 58, {TypeId::SmallDateTime}},
-                                {"real", 59, 59, {TypeId::Real}},
-                                {"money", 60, 60, {TypeId::Money}},
-                                {"datetime", 61, 61, {TypeId::DateTime}},
-                                {"float", 62, 62, {TypeId::Float}},
-                                {"sql_variant", 98, 98, {TypeId::SqlVariant}},
-                                {"ntext", 99, 99, {TypeId::NText}},
-                                {"bit", 104, 104, {TypeId::Bit}},
-                                {"decimal", 106, 106, {TypeId::Decimal, 0, 38, 38}},
-                                {"numeric", 108, 108, {TypeId::Decimal, 0, 38, 38}},
-                                {"smallmoney", 122, 122, {TypeId::SmallMoney}},
-                                {"bigint", 127, 127, {TypeId::BigInt}},
-                                {"hierarchyid", 240, 128, {TypeId::HierarchyId}},
-                                {"varbinary", 165, 165, {TypeId::VarBinary, 8000}},
-                                {"varchar", 167, 167, {TypeId::VarChar, 8000}},
-                                {"binary", 173, 173, {TypeId::Binary, 8000}},
-                                {"timestamp", RowVersionTypeId, RowVersionTypeId, {TypeId::Binary, 8}},
-                                {"char", 175, 175, {TypeId::Char, 8000}},
-                                {"nvarchar", 231, 231, {TypeId::NVarChar, 4000}},
-                                {"nchar", 239, 239, {TypeId::NChar, 4000}},
-                                {"xml", 241, 241, {TypeId::Xml}},
-                                {"sysname", 231, 256, {TypeId::NVarChar, 128}}};
+constexpr SystemType knownTypes[] = {{"image", 34, 34, {TypeId::Image}},
+                                     {"text", 35, 35, {TypeId::Text}},
+                                     {"uniqueidentifier", 36, 36, {TypeId::UniqueIdentifier}},
+                                     {"date", 40, 40, {TypeId::Date}},
+                                     {"time", 41, 41, {TypeId::Time, 0, 0, 7}},
+                                     {"datetime2", 42, 42, {TypeId::DateTime2, 0, 0, 7}},
+                                     {"datetimeoffset", 43, 43, {TypeId::DateTimeOffset, 0, 0, 7}},
+                                     {"tinyint", 48, 48, {TypeId::TinyInt}},
+                                     {"smallint", 52, 52, {TypeId::SmallInt}},
+                                     {"int", 56, 56, {TypeId::Int}},
+                                     {"smalldatetime", 58, 58, {TypeId::SmallDateTime}},
+                                     {"real", 59, 59, {TypeId::Real}},
+                                     {"money", 60, 60, {TypeId::Money}},
+                                     {"datetime", 61, 61, {TypeId::DateTime}},
+                                     {"float", 62, 62, {TypeId::Float}},
+                                     {"sql_variant", 98, 98, {TypeId::SqlVariant}},
+                                     {"ntext", 99, 99, {TypeId::NText}},
+                                     {"bit", 104, 104, {TypeId::Bit}},
+                                     {"decimal", 106, 106, {TypeId::Decimal, 0, 38, 38}},
+                                     {"numeric", 108, 108, {TypeId::Decimal, 0, 38, 38}},
+                                     {"smallmoney", 122, 122, {TypeId::SmallMoney}},
+                                     {"bigint", 127, 127, {TypeId::BigInt}},
+                                     {"hierarchyid", 240, 128, {TypeId::HierarchyId}},
+                                     {"varbinary", 165, 165, {TypeId::VarBinary, 8000}},
+                                     {"varchar", 167, 167, {TypeId::VarChar, 8000}},
+                                     {"binary", 173, 173, {TypeId::Binary, 8000}},
+                                     {"timestamp", RowVersionTypeId, RowVersionTypeId, {TypeId::Binary, 8}},
+                                     {"char", 175, 175, {TypeId::Char, 8000}},
+                                     {"nvarchar", 231, 231, {TypeId::NVarChar, 4000}},
+                                     {"nchar", 239, 239, {TypeId::NChar, 4000}},
+                                     {"xml", 241, 241, {TypeId::Xml}},
+                                     {"sysname", 231, 256, {TypeId::NVarChar, 128}}};
 
 } // namespace
 
 std::span<const SystemType> systemTypes()
 {
-    return types;
+    return knownTypes;
 }
 
 int systemTypeId(const SqlType &type)
 {
-    for (const SystemType &known : types)
+    for (const SystemType &known : knownTypes)
         if (known.type.id == type.id)
             return known.systemId;
     return 0;

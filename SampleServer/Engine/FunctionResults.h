@@ -8,7 +8,6 @@
 namespace SampleServer::Functions {
 
 inline constexpr SqlType SysName{TypeId::NVarChar, 128, 0, 0};
-inline constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
 
 inline SqlType nameResult(const ArgumentList &)
 {
@@ -55,6 +54,12 @@ inline std::int64_t number(const Value &value)
 inline const std::string &text(const Value &value)
 {
     return std::get<std::string>(value);
+}
+
+/// A function that is always true.
+inline Value yes(EvaluationContext &, const Bound::Operation &, Arguments)
+{
+    return std::int64_t{1};
 }
 
 } // namespace SampleServer::Functions

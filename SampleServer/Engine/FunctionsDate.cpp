@@ -337,7 +337,7 @@ SqlType fixedResult(const ArgumentList &)
     return {id, 0, 0, static_cast<std::uint8_t>(scale)};
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin dateBuiltins[] = {
     {"CURRENT_DATE", 0, 0, "a", fixedResult<TypeId::Date>, localTime},
     {"CURRENT_TIMESTAMP", 0, 0, "a", fixedResult<TypeId::DateTime>, localTime},
     {"DATEFROMPARTS", 3, 3, "i", fixedResult<TypeId::Date>, dateFromParts},
@@ -412,7 +412,7 @@ ExpressionPtr dateArgument(Binder &binder, const ExpressionPtr &argument, bool f
 
 std::span<const Builtin> dateFunctions()
 {
-    return table;
+    return dateBuiltins;
 }
 
 bool takesDatePart(const std::string &name)

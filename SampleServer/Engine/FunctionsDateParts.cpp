@@ -146,7 +146,7 @@ Value toDateTimeOffset(EvaluationContext &, const Operation &operation, Argument
     return value;
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin datePartsBuiltins[] = {
     {"DATETIME2FROMPARTS", 8, 8, "i", preciseResult<TypeId::DateTime2>, dateTime2FromParts},
     {"DATETIMEFROMPARTS", 7, 7, "i", plainResult<TypeId::DateTime>, dateTimeFromParts},
     {"DATETIMEOFFSETFROMPARTS", 10, 10, "i", preciseResult<TypeId::DateTimeOffset>, offsetFromParts},
@@ -160,7 +160,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> datePartFunctions()
 {
-    return table;
+    return datePartsBuiltins;
 }
 
 } // namespace SampleServer::Functions

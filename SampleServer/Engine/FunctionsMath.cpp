@@ -204,7 +204,7 @@ Value random(EvaluationContext &, const Operation &, Arguments a)
     return std::uniform_real_distribution<double>(0, 1)(generator);
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin mathBuiltins[] = {
     {"ABS", 1, 1, "n", likeFirst, absolute},
     {"ACOS", 1, 1, "f", floatResult, floatFunction<std::acos>},
     {"ASIN", 1, 1, "f", floatResult, floatFunction<std::asin>},
@@ -234,7 +234,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> mathFunctions()
 {
-    return table;
+    return mathBuiltins;
 }
 
 } // namespace SampleServer::Functions

@@ -359,16 +359,12 @@ Value identityValue(EvaluationContext &context, const Operation &, Arguments a)
                                            : counter.last().value_or(counter.seed()));
 }
 
-Value yes(EvaluationContext &, const Operation &, Arguments)
-{
-    return std::int64_t{1};
-}
 Value nothing(EvaluationContext &, const Operation &, Arguments)
 {
     return {};
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin metadataBuiltins[] = {
     {"COLUMNPROPERTY", 3, 3, "itt", intResult, columnProperty, true, false},
     {"COL_LENGTH", 2, 2, "tt", smallIntResult, columnLength, true, false},
     {"COL_NAME", 2, 2, "ii", nameResult, columnName, true, false},
@@ -394,7 +390,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> metadataFunctions()
 {
-    return table;
+    return metadataBuiltins;
 }
 
 } // namespace SampleServer::Functions

@@ -105,7 +105,7 @@ Value parseName(EvaluationContext &, const Operation &, Arguments a)
     return found.empty() ? Value() : Value(found);
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin namesBuiltins[] = {
     {"DATABASEPROPERTY", 2, 2, "tt", variantResult, databaseProperty},
     {"DATABASEPROPERTYEX", 2, 2, "tt", variantResult, databaseProperty},
     {"HAS_DBACCESS", 1, 1, "t", intResult, hasDatabaseAccess, true, false},
@@ -120,7 +120,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> nameFunctions()
 {
-    return table;
+    return namesBuiltins;
 }
 
 } // namespace SampleServer::Functions

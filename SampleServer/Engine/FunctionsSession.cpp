@@ -34,7 +34,7 @@ Value transactionState(EvaluationContext &context, const Operation &, Arguments)
     return std::int64_t{context.transactionCount > 0};
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin sessionBuiltins[] = {
     {"ERROR_LINE", 0, 0, "a", intResult, caughtNumber<&ServerMessage::line>},
     {"ERROR_MESSAGE", 0, 0, "a", messageResult, errorMessage},
     {"ERROR_NUMBER", 0, 0, "a", intResult, caughtNumber<&ServerMessage::number>},
@@ -48,7 +48,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> sessionFunctions()
 {
-    return table;
+    return sessionBuiltins;
 }
 
 } // namespace SampleServer::Functions

@@ -370,7 +370,7 @@ Value xmlText(EvaluationContext &, const Operation &, Arguments a)
 
 namespace {
 
-constexpr Builtin table[] = {
+constexpr Builtin stringBuiltins[] = {
     {"ASCII", 1, 1, "t", intResult, ascii},
     {"CHAR", 1, 1, "i", textResult<TypeId::Char, 1>, character},
     {"CHARINDEX", 2, 3, "tti", placeResult<1>, charIndex},
@@ -401,7 +401,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> stringFunctions()
 {
-    return table;
+    return stringBuiltins;
 }
 
 } // namespace SampleServer::Functions

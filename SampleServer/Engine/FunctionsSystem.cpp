@@ -153,12 +153,7 @@ Value variantProperty(EvaluationContext &, const Operation &operation, Arguments
     return {};
 }
 
-Value yes(EvaluationContext &, const Operation &, Arguments)
-{
-    return std::int64_t{1};
-}
-
-constexpr Builtin table[] = {
+constexpr Builtin systemBuiltins[] = {
     {"APP_NAME", 0, 0, "a", nameResult, applicationName},
     {"CURRENT_USER", 0, 0, "a", nameResult, userName},
     {"DB_ID", 0, 1, "t", smallIntResult, databaseId, false},
@@ -185,7 +180,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> systemFunctions()
 {
-    return table;
+    return systemBuiltins;
 }
 
 ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name)

@@ -103,7 +103,7 @@ Value difference(EvaluationContext &, const Operation &, Arguments a)
     return same;
 }
 
-constexpr Builtin table[] = {
+constexpr Builtin textBuiltins[] = {
     {"CONCAT_WS", 3, 254, "a", longText, concatWithSeparator, false},
     {"DIFFERENCE", 2, 2, "t", intResult, difference},
     {"FORMATMESSAGE", 1, 21, "ta", messageResult, formattedMessage, false},
@@ -115,7 +115,7 @@ constexpr Builtin table[] = {
 
 std::span<const Builtin> textFunctions()
 {
-    return table;
+    return textBuiltins;
 }
 
 } // namespace SampleServer::Functions

@@ -8,7 +8,6 @@ namespace SampleServer {
 
 namespace {
 
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
 constexpr SqlType MessageType{TypeId::NVarChar, 2048, 0, 0};
 
 /// Whether the error is about a name that means nothing: such a statement never started, so a TRY block

@@ -14,7 +14,6 @@ namespace SampleServer {
 
 namespace {
 
-constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
 constexpr SqlType LongText{TypeId::NVarChar, SqlType::Max, 0, 0};
 
 /// The milliseconds of 'hh:mm[:ss[.mmm]]'.

@@ -10,24 +10,18 @@
 
 namespace SampleServer {
 
-namespace {
-
-constexpr SqlType RowIdType{TypeId::BigInt, 0, 0, 0};
-
-/// The table that UPDATE and DELETE change, and the tables they look at to find its rows.
-struct Target
-{
-    Bound::TableScan scan;
-    std::string alias;
-    std::vector<Bound::SourcePtr> from;
-};
-
-} // namespace
-
 /// Binds what UPDATE and DELETE have in common and finds their rows.
 class RowSearch
 {
 public:
+    /// The table that UPDATE and DELETE change, and the tables they look at to find its rows.
+    struct Target
+    {
+        Bound::TableScan scan;
+        std::string alias;
+        std::vector<Bound::SourcePtr> from;
+    };
+
     RowSearch(Interpreter &interpreter, const Ast::ObjectName &name,
               const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with,
               const InsteadOf &instead, const char *verb)
@@ -66,7 +60,7 @@ public:
         const auto condition = where ? m_binder.bindCondition(*where) : nullptr;
         if (top && top->percent)
             throw Errors::notSupported("TOP ... PERCENT in UPDATE and DELETE");
-        const auto limit = top ? m_binder.bindValueAs(*top->count, RowIdType) : nullptr;
+        const auto limit = top ? m_binder.bindValueAs(*top->count, BigIntType) : nullptr;
         m_interpreter.lockUses();
         const Emitted emitted =
             emitSelection({m_target.alias + ".rowid"}, expressions, m_target.from, condition, limit);
@@ -78,7 +72,7 @@ public:
         const auto most = static_cast<std::size_t>(m_interpreter.m_options.rowLimit);
         while (statement.step()) {
             Value id;
-            statement.read(0, RowIdType, id);
+            statement.read(0, BigIntType, id);
             StoredRow row;
             row.rowId = std::get<std::int64_t>(id);
             if (joined && !seen.insert(row.rowId).second)

@@ -7,8 +7,6 @@ namespace SampleServer {
 
 namespace {
 
-constexpr SqlType RowIdType{TypeId::BigInt, 0, 0, 0};
-
 std::string condition(const Table &table, const std::vector<std::size_t> &columns)
 {
     std::string sql;
@@ -48,7 +46,7 @@ std::vector<StoredRow> RowWriter::read(const std::string &where, const std::vect
     std::vector<StoredRow> rows;
     while (statement.step()) {
         Value id;
-        statement.read(0, RowIdType, id);
+        statement.read(0, BigIntType, id);
         StoredRow row{std::get<std::int64_t>(id), std::vector<Value>(m_table->columns.size())};
         for (std::size_t i = 0; i < row.values.size(); ++i)
             statement.read(static_cast<int>(i) + 1, m_table->columns[i].type, row.values[i]);
@@ -112,9 +110,9 @@ void RowWriter::numberRows(const TableColumn &column, IdentityCounter &counter)
     const std::string set = "UPDATE " + m_place + " SET " + column.physicalName() + " = ? WHERE rowid = ?";
     for (const StoredRow &row : readAll()) {
         SqliteStatement statement(m_interpreter.m_connection, set);
-        const Value number = convertValue(counter.take(), RowIdType, column.type);
+        const Value number = convertValue(counter.take(), BigIntType, column.type);
         statement.bind(1, number, column.type);
-        statement.bind(2, row.rowId, RowIdType);
+        statement.bind(2, row.rowId, BigIntType);
         statement.step();
     }
 }
@@ -129,7 +127,7 @@ void RowWriter::convertColumn(const TableColumn &before, const TableColumn &afte
         SqliteStatement statement(m_interpreter.m_connection, set);
         requireFits(place, row.values[place], before.type, after.type);
         statement.bind(1, convertValue(row.values[place], before.type, after.type), after.type);
-        statement.bind(2, row.rowId, RowIdType);
+        statement.bind(2, row.rowId, BigIntType);
         statement.step();
     }
 }

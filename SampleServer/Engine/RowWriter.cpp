@@ -12,8 +12,6 @@ namespace SampleServer {
 
 namespace {
 
-constexpr SqlType RowIdType{TypeId::BigInt, 0, 0, 0};
-
 /// Whether a text or binary value is too long for its column; blanks at the end of a text do not count.
 bool wouldBeCut(const Value &value, const SqlType &from, const SqlType &to)
 {
@@ -105,7 +103,7 @@ std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,
                                               std::optional<std::int64_t> rowId)
 {
     SqliteStatement statement(m_interpreter.m_connection, m_insertSql);
-    statement.bind(1, rowId ? Value(*rowId) : Value(), RowIdType);
+    statement.bind(1, rowId ? Value(*rowId) : Value(), BigIntType);
     int parameter = 1;
     for (std::size_t i = 0; i < row.size(); ++i) {
         if (m_table->columns[i].computed)
@@ -133,7 +131,7 @@ std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,
 void RowWriter::remove(std::int64_t rowId)
 {
     SqliteStatement statement(m_interpreter.m_connection, "DELETE FROM " + m_place + " WHERE rowid = ?");
-    statement.bind(1, rowId, RowIdType);
+    statement.bind(1, rowId, BigIntType);
     statement.step();
 }
 
@@ -148,7 +146,7 @@ void RowWriter::update(std::int64_t rowId, const std::vector<std::size_t> &colum
         requireNotNull(columns[i], values[i], "UPDATE");
         statement.bind(static_cast<int>(i) + 1, values[i], m_table->columns[columns[i]].type);
     }
-    statement.bind(static_cast<int>(columns.size()) + 1, rowId, RowIdType);
+    statement.bind(static_cast<int>(columns.size()) + 1, rowId, BigIntType);
     statement.step();
 }
 

@@ -67,10 +67,10 @@ bool isText(const std::string &step)
 }
 
 /// Writes one row. The start tag of the row stays open for as long as attributes may come.
-class RowWriter
+class XmlRowWriter
 {
 public:
-    RowWriter(std::string &xml, const XmlShape &shape)
+    XmlRowWriter(std::string &xml, const XmlShape &shape)
         : m_xml(xml)
         , m_shape(shape)
     {
@@ -168,7 +168,7 @@ void appendEntity(std::string &text, std::string_view name)
 
 void appendXmlRow(std::string &xml, const XmlShape &shape, std::span<const Value> values)
 {
-    RowWriter writer(xml, shape);
+    XmlRowWriter writer(xml, shape);
     for (std::size_t i = 0; i < values.size(); ++i)
         writer.add(shape.columns[i], values[i]);
     writer.finish();

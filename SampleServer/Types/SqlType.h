@@ -53,6 +53,11 @@ struct SqlType
     friend bool operator==(const SqlType &, const SqlType &) = default;
 };
 
+inline constexpr SqlType BitType{TypeId::Bit, 0, 0, 0};
+inline constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
+inline constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
+inline constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
+
 /// The type as T-SQL writes it: "nvarchar(50)", "decimal(9,2)", "varbinary(max)".
 std::string displayName(const SqlType &type);
 

@@ -17,9 +17,9 @@ constexpr std::uint16_t InChunks = 0xFFFF;
 constexpr std::uint64_t NullChunks = 0xFFFF'FFFF'FFFF'FFFF;
 constexpr std::uint8_t HighestTimeScale = 7;
 
-using Content = std::optional<Bytes>; ///< empty for NULL
+using NullableBytes = std::optional<Bytes>; ///< empty for NULL
 
-Content takeCounted(ByteReader &reader, std::size_t length, bool null)
+NullableBytes takeCounted(ByteReader &reader, std::size_t length, bool null)
 {
     if (null)
         return std::nullopt;
@@ -27,7 +27,7 @@ Content takeCounted(ByteReader &reader, std::size_t length, bool null)
     return Bytes(bytes.begin(), bytes.end());
 }
 
-Content takeChunks(ByteReader &reader)
+NullableBytes takeChunks(ByteReader &reader)
 {
     if (reader.take<std::uint64_t>() == NullChunks)
         return std::nullopt;
@@ -126,7 +126,7 @@ std::optional<SqlType> sizedType(std::uint8_t code)
 }
 
 /// Completes a text or binary type with its length and takes the value behind it.
-Content takeSized(ByteReader &reader, std::uint8_t code, SqlType &type)
+NullableBytes takeSized(ByteReader &reader, std::uint8_t code, SqlType &type)
 {
     const bool isOldLarge = code == TypeCode::Text || code == TypeCode::NText || code == TypeCode::Image;
     const std::size_t longest = isOldLarge ? reader.take<std::uint32_t>() : reader.take<std::uint16_t>();

@@ -10,7 +10,7 @@ namespace SampleServer {
 
 namespace {
 
-using Content = std::span<const std::uint8_t>;
+using BytesView = std::span<const std::uint8_t>;
 
 /// 10 to the power of 38.
 constexpr UInt128 DecimalLimit = UInt128{10'000'000'000'000'000'000u} * 10'000'000'000'000'000'000u;
@@ -22,7 +22,7 @@ void require(bool fits)
 }
 
 /// A little-endian number of up to eight bytes.
-std::uint64_t unsignedFrom(Content bytes)
+std::uint64_t unsignedFrom(BytesView bytes)
 {
     require(bytes.size() <= sizeof(std::uint64_t));
     std::uint64_t number = 0;
@@ -32,7 +32,7 @@ std::uint64_t unsignedFrom(Content bytes)
 }
 
 /// The same of exactly that many bytes.
-std::uint64_t unsignedFrom(Content bytes, std::size_t length)
+std::uint64_t unsignedFrom(BytesView bytes, std::size_t length)
 {
     require(bytes.size() == length);
     return unsignedFrom(bytes);
@@ -48,7 +48,7 @@ Value moneyFrom(std::int64_t units)
 }
 
 /// A sign and a magnitude.
-Value decimalFrom(Content bytes, std::uint8_t scale)
+Value decimalFrom(BytesView bytes, std::uint8_t scale)
 {
     require(bytes.size() >= 2 && bytes.size() <= 1 + sizeof(UInt128));
     Decimal value;
@@ -81,7 +81,7 @@ Value dateTimeFrom(std::uint64_t bits)
 }
 
 /// date, time, datetime2 and datetimeoffset: a time, a date and an offset, each where the type has it.
-Value newDateFrom(const SqlType &type, Content bytes)
+Value newDateFrom(const SqlType &type, BytesView bytes)
 {
     static constexpr std::int64_t ticksPerUnit[] = {10'000'000, 1'000'000, 100'000, 10'000,
                                                     1'000,      100,       10,      1};
@@ -96,7 +96,7 @@ Value newDateFrom(const SqlType &type, Content bytes)
                        units * unit, static_cast<std::int16_t>(unsignedFrom(bytes.last(offsetLength))));
 }
 
-Value guidFrom(Content bytes)
+Value guidFrom(BytesView bytes)
 {
     Guid value;
     require(bytes.size() == value.bytes.size());

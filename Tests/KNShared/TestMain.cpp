@@ -14,6 +14,7 @@ int main(int argumentCount, char **arguments)
     if (!folder.isValid())
         return EXIT_FAILURE;
     qputenv("XDG_STATE_HOME", folder.filePath(QStringLiteral("state")).toUtf8());
+    qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("data")).toUtf8());
     qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
     testing::InitGoogleTest(&argumentCount, arguments);
     return RUN_ALL_TESTS();

@@ -148,7 +148,6 @@ public:
         return true;
     }
     QStringList databaseNames(KNError *) override { return {}; }
-    QString serverDescription(KNError *) override { return QStringLiteral("Fake"); }
     std::optional<bool> isInTransaction(KNError *) override { return false; }
     bool mayChangeTransaction(const QString &) const override { return false; }
     bool cancelCurrentQuery(KNError *) override

@@ -1,7 +1,7 @@
 #include "Foundation/KNDispatch.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/WatchedApplication.h"
 
-#include <QApplication>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // No secret service: a test's secrets stay in its folders.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-    const QApplication application(argc, argv);
+    const WatchedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("vantor"));
     RecordingAlerts::install();
     RecordingFilePanels::install();

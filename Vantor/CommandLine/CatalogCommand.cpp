@@ -14,12 +14,6 @@
 
 namespace {
 
-int fail(ExitStatus status, const QString &text)
-{
-    Terminal::printError(text, Terminal::Colour::Red);
-    return status;
-}
-
 void print(const QString &line)
 {
     fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
@@ -83,10 +77,10 @@ int onServer(const ConnectionOptions &options, const VantorDBCPtr &settings,
     KNError error;
     ServerConnection connection;
     if (const ExitStatus status = connection.prepare(options, settings, &error))
-        return fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.localizedDescription());
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
-        return fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.localizedDescription());
     return work(connection.client(), interrupts);
 }
 
@@ -97,7 +91,7 @@ int runTitle(const QString &title, const QStringList &values, const ConnectionOp
         KNError error;
         const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
         return text ? runText(client, *text, format, interrupts)
-                    : fail(ExitUsage, error.localizedDescription());
+                    : Terminal::fail(ExitUsage, error.localizedDescription());
     });
 }
 
@@ -116,7 +110,7 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
     addArguments(parser);
     const QString hint = QStringLiteral("\nSee vantor-cli catalog --help.");
     if (!parser.parse(QStringList{QStringLiteral("vantor-cli catalog")} + arguments))
-        return fail(ExitUsage, parser.errorText() + hint);
+        return Terminal::fail(ExitUsage, parser.errorText() + hint);
     if (parser.isSet(QStringLiteral("help"))) {
         fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
         return ExitSuccess;
@@ -124,26 +118,26 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
     KNError error;
     const auto options = ConnectionOptions::from(parser, &error);
     if (!options)
-        return fail(ExitUsage, error.localizedDescription() + hint);
+        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
 
     const auto queries = emptySettings->queryLoader();
     const QString title = parser.positionalArguments().value(0);
     const QString format = parser.value(QStringLiteral("format"));
     const bool tryAll = parser.isSet(QStringLiteral("all"));
     if (tryAll && (!title.isEmpty() || parser.isSet(QStringLiteral("show"))))
-        return fail(ExitUsage, QStringLiteral("--all takes no title and shows no text.") + hint);
+        return Terminal::fail(ExitUsage, QStringLiteral("--all takes no title and shows no text.") + hint);
     if (title.isEmpty() && !tryAll)
         return listTitles(*queries);
     if (!tryAll && !queries->titles().contains(title))
-        return fail(ExitUsage, KNFormat("There is no catalog query \"%@\".%@", title, hint));
+        return Terminal::fail(ExitUsage, KNFormat("There is no catalog query \"%@\".%@", title, hint));
     if (parser.isSet(QStringLiteral("show"))) {
         print(queries->plainQueryByTitle(title));
         return ExitSuccess;
     }
     if (format != QLatin1String("table") && format != QLatin1String("csv") && format != QLatin1String("json"))
-        return fail(ExitUsage, KNFormat("\"%@\" is no format. Use table, csv or json.", format));
+        return Terminal::fail(ExitUsage, KNFormat("\"%@\" is no format. Use table, csv or json.", format));
     if (!options->namesServer())
-        return fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
+        return Terminal::fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
     if (tryAll)
         return runAll(*options, emptySettings);
     return runTitle(title, parser.positionalArguments().mid(1), *options, format, emptySettings);

@@ -5,36 +5,26 @@
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TextRunner.h"
 
-namespace {
-
-int fail(ExitStatus status, const QString &text)
-{
-    Terminal::printError(text, Terminal::Colour::Red);
-    return status;
-}
-
-} // namespace
-
 int runQueryCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings)
 {
     KNError error;
     const auto options = QueryOptions::parse(arguments, &error);
     if (!options)
-        return fail(ExitUsage,
-                    error.localizedDescription() + QStringLiteral("\nSee vantor-cli query --help."));
+        return Terminal::fail(ExitUsage, error.localizedDescription() +
+                                             QStringLiteral("\nSee vantor-cli query --help."));
     if (options->showHelp) {
         fputs(QueryOptions::helpText().toLocal8Bit().constData(), stdout);
         return ExitSuccess;
     }
     ServerConnection connection;
     if (const ExitStatus status = connection.prepare(options->connection, emptySettings, &error))
-        return fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.localizedDescription());
     const auto text = options->readText(&error);
     if (!text)
-        return fail(ExitUsage, error.localizedDescription());
+        return Terminal::fail(ExitUsage, error.localizedDescription());
 
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
-        return fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.localizedDescription());
     return runText(connection.client(), *text, options->format, interrupts);
 }

@@ -2,7 +2,7 @@
 
 #include "CommandLine/ConnectionOptions.h"
 #include "CommandLine/ExitStatus.h"
-#include "CommandLine/SampleServerProcess.h"
+#include "Common/SampleServerProcess.h"
 #include "Database/VantorDatabaseClient.h"
 
 /// The server that a command works with, and its client.

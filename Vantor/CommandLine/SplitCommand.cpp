@@ -38,12 +38,6 @@ bool printBatches(const QList<KNQueryDetails> &queries)
     return fflush(stdout) == 0 && !ferror(stdout);
 }
 
-int fail(const QString &text)
-{
-    Terminal::printError(text, Terminal::Colour::Red);
-    return ExitUsage;
-}
-
 } // namespace
 
 int runSplitCommand(const QStringList &arguments, const VantorDBCPtr &emptySettings)
@@ -57,21 +51,22 @@ int runSplitCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
     parser.addOption(help);
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The script; - is standard input."));
     if (!parser.parse(QStringList{QStringLiteral("vantor-cli split")} + arguments))
-        return fail(parser.errorText());
+        return Terminal::fail(ExitUsage, parser.errorText());
     if (parser.isSet(help)) {
         fputs(parser.helpText().toLocal8Bit().constData(), stdout);
         return ExitSuccess;
     }
     if (parser.positionalArguments().size() != 1)
-        return fail(QStringLiteral("Give one file.\nSee vantor-cli split --help."));
+        return Terminal::fail(ExitUsage, QStringLiteral("Give one file.\nSee vantor-cli split --help."));
 
     KNError error;
     const auto text = readTextInput(parser.positionalArguments().constFirst(), &error);
     if (!text)
-        return fail(error.localizedDescription());
+        return Terminal::fail(ExitUsage, error.localizedDescription());
     const auto splitter = emptySettings->createQuerySplitter();
     splitter->setRequiresFullSplit(true);
     if (!printBatches(splitter->doSplitQuery(*text)))
-        return fail(QStringLiteral("The batches could not be written to standard output."));
+        return Terminal::fail(ExitUsage,
+                              QStringLiteral("The batches could not be written to standard output."));
     return ExitSuccess;
 }

@@ -84,6 +84,12 @@ void printError(const QString &line, Colour colour)
     writeToError((coloured ? codeOf(colour) : "") + line.toUtf8() + (coloured ? "\033[0m\n" : "\n"));
 }
 
+int fail(ExitStatus status, const QString &line)
+{
+    printError(line, Colour::Red);
+    return status;
+}
+
 std::optional<QString> promptWithoutEcho(const QString &prompt)
 {
     const int terminal = open("/dev/tty", O_RDWR | O_CLOEXEC);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CommandLine/ExitStatus.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -15,6 +17,8 @@ bool isOutputTerminal();
 bool isErrorTerminal();
 /// Writes a line to standard error, in a colour when that is a terminal (and NO_COLOR is not set).
 void printError(const QString &line, Colour colour = Colour::None);
+/// Writes a line to standard error, in red, and returns the status.
+int fail(ExitStatus status, const QString &line);
 /// Asks for a text on the controlling terminal without echo; empty when there is none.
 std::optional<QString> promptWithoutEcho(const QString &prompt);
 

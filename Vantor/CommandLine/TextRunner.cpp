@@ -13,12 +13,6 @@
 
 namespace {
 
-int fail(ExitStatus status, const QString &text)
-{
-    Terminal::printError(text, Terminal::Colour::Red);
-    return status;
-}
-
 QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
 {
     const auto splitter = settings.createQuerySplitter();
@@ -33,7 +27,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
 {
     QFile output;
     if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return fail(ExitUsage, QStringLiteral("Standard output cannot be written."));
+        return Terminal::fail(ExitUsage, QStringLiteral("Standard output cannot be written."));
     const auto writer = ResultWriter::create(format, output);
     KNResultSetHolder holder;
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
@@ -66,12 +60,13 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
 
     printer.printRest();
     if (!printer.isGood())
-        return fail(ExitUsage, QStringLiteral("The results could not be written to standard output."));
+        return Terminal::fail(ExitUsage,
+                              QStringLiteral("The results could not be written to standard output."));
     if (client.wasCancelled())
-        return fail(ExitCancelled, QStringLiteral("Query was cancelled."));
+        return Terminal::fail(ExitCancelled, QStringLiteral("Query was cancelled."));
     if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
         Terminal::printError(excerpt, Terminal::Colour::None);
     if (error && !printer.hadErrors())
-        return fail(ExitSqlError, error.localizedDescription());
+        return Terminal::fail(ExitSqlError, error.localizedDescription());
     return printer.hadErrors() ? ExitSqlError : ExitSuccess;
 }

@@ -22,12 +22,6 @@ QString text(const char *utf8)
     return QString::fromUtf8(utf8);
 }
 
-int fail(ExitStatus status, const QString &message)
-{
-    Terminal::printError(message, Terminal::Colour::Red);
-    return status;
-}
-
 void addArguments(QCommandLineParser &parser, const char *description)
 {
     parser.setApplicationDescription(text(description));
@@ -52,14 +46,14 @@ int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const
     KNError error;
     ServerConnection connection;
     if (const ExitStatus status = connection.prepare(options, settings, &error))
-        return fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.localizedDescription());
     const InterruptWatcher interrupts(ExitCancelled);
     TreeLoader loader(*settings);
     const auto children = loader.children(loader.root());
     const auto *failed = children.size() == 1
                              ? dynamic_cast<const KNDatabaseTreeErrorEntry *>(children.front().get())
                              : nullptr;
-    return failed ? fail(ExitNoConnection, failed->displayName()) : work(loader, names);
+    return failed ? Terminal::fail(ExitNoConnection, failed->displayName()) : work(loader, names);
 }
 
 /// Parses the arguments and runs the work. `name` is the command's.
@@ -69,7 +63,7 @@ int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCo
     const QString command = KNFormat("vantor-cli %@", name);
     const QString hint = KNFormat("\nSee %@ --help.", command);
     if (!parser.parse(QStringList{command} + arguments))
-        return fail(ExitUsage, parser.errorText() + hint);
+        return Terminal::fail(ExitUsage, parser.errorText() + hint);
     if (parser.isSet(text("help"))) {
         fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
         return ExitSuccess;
@@ -77,14 +71,14 @@ int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCo
     KNError error;
     const auto options = ConnectionOptions::from(parser, &error);
     if (!options)
-        return fail(ExitUsage, error.localizedDescription() + hint);
+        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
     if (!options->namesServer())
-        return fail(ExitUsage, text("Give either --server or --sample.") + hint);
+        return Terminal::fail(ExitUsage, text("Give either --server or --sample.") + hint);
     if (parser.positionalArguments().size() > argumentCount)
-        return fail(ExitUsage, text("Give one path; quote it when it has spaces.") + hint);
+        return Terminal::fail(ExitUsage, text("Give one path; quote it when it has spaces.") + hint);
     const auto names = TreePath::names(parser.positionalArguments().value(0), &error);
     if (!names)
-        return fail(ExitUsage, error.localizedDescription());
+        return Terminal::fail(ExitUsage, error.localizedDescription());
     return onTree(*options, settings, *names, work);
 }
 
@@ -92,7 +86,7 @@ int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCo
 int failToFind(const KNError &error)
 {
     const bool isUsage = error.domain() == text("com.quorvex.vantor.cli");
-    return fail(isUsage ? ExitUsage : ExitSqlError, error.localizedDescription());
+    return Terminal::fail(isUsage ? ExitUsage : ExitSqlError, error.localizedDescription());
 }
 
 /// Writes the script with this title that the entry's menu offers, or the titles when there is none given.
@@ -106,13 +100,14 @@ int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
     }
     const KNQueryLoaderPtr script = MenuScripts::find(menu, title);
     if (!script)
-        return fail(ExitUsage, titles.isEmpty()
-                                   ? text("This entry has no scripts.")
-                                   : KNFormat("There is no script \"%@\". There are:\n%@", title, titles));
+        return Terminal::fail(ExitUsage,
+                              titles.isEmpty()
+                                  ? text("This entry has no scripts.")
+                                  : KNFormat("There is no script \"%@\". There are:\n%@", title, titles));
     const QString sql = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
     if (sql.isNull())
-        return fail(ExitSqlError, KNFormat("The script could not be made. The log tells more: %@",
-                                           KNLogHelper::sharedInstance()->filePath()));
+        return Terminal::fail(ExitSqlError, KNFormat("The script could not be made. The log tells more: %@",
+                                                     KNLogHelper::sharedInstance()->filePath()));
     fputs((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8().constData(), stdout);
     return ExitSuccess;
 }
@@ -140,16 +135,17 @@ int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                              bool isNumber = false;
                              options.depth = parser.value(text("depth")).toInt(&isNumber);
                              if (!isNumber || options.depth < 0)
-                                 return fail(ExitUsage, text("--depth takes a number of levels from 0 on."));
+                                 return Terminal::fail(ExitUsage,
+                                                       text("--depth takes a number of levels from 0 on."));
                          }
                          KNError error;
                          TreeLoader::Entry entry = loader.root();
                          if (isSearch)
                              entry = loader.search(parser.value(text("search")), &error);
                          if (error)
-                             return fail(ExitSqlError, error.localizedDescription());
+                             return Terminal::fail(ExitSqlError, error.localizedDescription());
                          if (!entry)
-                             return fail(ExitSuccess, text("Nothing was found."));
+                             return Terminal::fail(ExitSuccess, text("Nothing was found."));
                          entry = loader.find(entry, names, &error);
                          if (!entry)
                              return failToFind(error);
@@ -171,7 +167,7 @@ int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                              return failToFind(error);
                          const KNMenu menu = entry->menu();
                          if (menu.items.empty())
-                             return fail(ExitSuccess, text("This entry has no menu."));
+                             return Terminal::fail(ExitSuccess, text("This entry has no menu."));
                          writeMenu(menu);
                          return static_cast<int>(ExitSuccess);
                      });

@@ -4,14 +4,12 @@
 #include "CommandLine/SplitCommand.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TreeCommand.h"
-#include "Connector/KNConnectorLoader.h"
+#include "Common/ConnectorFolder.h"
 #include "Connector/KNConnectorPlugin.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
-#include "Foundation/KNLogHelper.h"
 
 #include <QCoreApplication>
-#include <QDir>
 
 #include <algorithm>
 #include <clocale>
@@ -41,19 +39,14 @@ constexpr Command Commands[] = {
     {"menu", runMenuCommand},   {"script", runScriptCommand},   {"split", runSplitCommand},
 };
 
-/// The first connector beside the program that can be used. What is wrong with the others is told.
+/// The first connector that can be used. What is wrong with the others is told.
 KNConnectorPlugin *loadConnector()
 {
-    const QDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/connectors"));
-    const auto files = folder.entryInfoList({QStringLiteral("*.so")}, QDir::Files, QDir::Name);
-    for (const QFileInfo &file : files) {
-        KNError error;
-        if (KNConnectorPlugin *connector = KNConnectorLoader::load(file.filePath(), &error))
-            return connector;
-        Terminal::printError(error.localizedDescription(), Terminal::Colour::Yellow);
-    }
-    Terminal::printError(KNFormat("There is no connector in %@.", folder.path()), Terminal::Colour::Red);
-    return nullptr;
+    QStringList problems;
+    KNConnectorPlugin *const connector = ConnectorFolder::loadConnector(&problems);
+    for (const QString &problem : std::as_const(problems))
+        Terminal::printError(problem, connector ? Terminal::Colour::Yellow : Terminal::Colour::Red);
+    return connector;
 }
 
 int run(const QStringList &arguments)

@@ -60,7 +60,6 @@ public:
     QString currentDatabase() const override;
     bool changeDatabase(const QString &name, KNError *error) override;
     QStringList databaseNames(KNError *error) override;
-    QString serverDescription(KNError *error) override;
     std::optional<bool> isInTransaction(KNError *error) override;
     bool mayChangeTransaction(const QString &sql) const override;
     bool cancelCurrentQuery(KNError *error) override;

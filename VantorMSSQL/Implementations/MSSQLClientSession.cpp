@@ -1,10 +1,8 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
-#include "Implementations/MSSQLVersionHelper.h"
 #include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
-#include <QRegularExpression>
 #include <QSet>
 
 #include <sybdb.h>
@@ -47,24 +45,6 @@ QStringList MSSQLClient::databaseNames(KNError *error)
     while (!error->isSet() && rows && rows->next())
         names.append(rows->stringForColumnIndex(0));
     return names;
-}
-
-QString MSSQLClient::serverDescription(KNError *error)
-{
-    const QString banner = MSSQLVersionHelper::sharedInstance()->versionForDBC(*m_databaseConnectionDetails);
-    static const QRegularExpression product(QStringLiteral("SQL Server\\s+(\\d+(?: R2)?)"));
-    static const QRegularExpression number(QStringLiteral("\\d+\\.\\d+\\.\\d+(?:\\.\\d+)?"));
-    const auto build = number.match(banner);
-    if (!build.hasMatch()) {
-        *error = KNError(QStringLiteral("SQLClient"), 0,
-                         QStringLiteral("The server does not say which version it is."));
-        return QString();
-    }
-    const auto year = product.match(banner);
-    const QString name = banner.contains(QLatin1String("Azure")) ? QStringLiteral("Azure SQL")
-                         : year.hasMatch()                       ? KNFormat("SQL Server %@", year.captured(1))
-                                                                 : QStringLiteral("SQL Server");
-    return KNFormat("%@ (%@)", name, build.captured());
 }
 
 std::optional<bool> MSSQLClient::isInTransaction(KNError *error)

@@ -74,17 +74,14 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
         phase = Phase::Done;
         changed.notify_all();
     }
-    KNError ignored;
     outcome->database = client.currentDatabase();
-    if (request.asksForServer)
-        outcome->server = client.serverDescription(&ignored);
     const bool mayHaveChanged = std::any_of(batches.begin(), batches.end(), [&](const KNQueryDetails &batch) {
         return client.mayChangeTransaction(batch.targetQuery);
     });
     if (!client.isConnected()) {
         outcome->inTransaction = false;
     } else if (request.asksForTransaction || mayHaveChanged) {
-        ignored.clear();
+        KNError ignored;
         outcome->inTransaction = client.isInTransaction(&ignored);
     }
 }

@@ -19,7 +19,6 @@ struct QueryRequest
     Part part = Part::Everything;
     KNRange range = {};
     qsizetype rowLimit = 0;          ///< rows of each result that are kept; 0 for all
-    bool asksForServer = false;      ///< what the server is, too
     bool asksForTransaction = false; ///< whether one is open is asked for even if the text cannot change it
 };
 
@@ -29,7 +28,6 @@ struct QueryOutcome
     KNError error;
     bool wasCancelled = false;
     bool hadBatches = true;
-    QString server;                    ///< what the server is, when it was asked for
     QString database;                  ///< where the session is now; null when it is not known
     std::optional<bool> inTransaction; ///< empty when it was not asked for, or there was no answer
 };

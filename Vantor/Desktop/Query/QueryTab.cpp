@@ -43,7 +43,6 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_resultTabs(new QTabWidget)
     , m_ticker(new QTimer(this))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
-    , m_login(details.username())
 {
     m_editor->setWords(details.keywords(), details.functions());
     arrange();
@@ -166,9 +165,22 @@ void QueryTab::saveAs(std::function<void()> saved)
     m_document->saveAs(std::move(saved));
 }
 
-void QueryTab::canClose(std::function<void(bool)> answer)
+void QueryTab::prepareToClose(std::function<void()> proceed)
 {
-    askBeforeClosing(this, answer);
+    askAboutSession(*this, [this, proceed] { askAboutText(*this, proceed); });
+}
+
+void QueryTab::prepareToEndSession(std::function<void()> proceed)
+{
+    if (KNPreferences::current().reopensTabs)
+        askAboutSession(*this, proceed);
+    else
+        prepareToClose(std::move(proceed));
+}
+
+std::shared_ptr<const VantorDBC> QueryTab::databaseConnectionDetails() const
+{
+    return m_connection->connectionDetails();
 }
 
 bool QueryTab::isRunning() const
@@ -179,8 +191,6 @@ bool QueryTab::isRunning() const
 QueryTabStatus QueryTab::status() const
 {
     QueryTabStatus status;
-    status.server = m_server;
-    status.login = m_login;
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
     status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;
@@ -245,7 +255,6 @@ void QueryTab::start(QueryRequest request)
     request.text = text();
     request.rowLimit = KNPreferences::current().rowLimit;
     request.asksForTransaction = m_hasOpenTransaction;
-    request.asksForServer = m_server.isNull();
     m_editor->clearErrorMark();
     m_isEditedSinceRun = false;
     m_showsRows = false;
@@ -289,8 +298,6 @@ void QueryTab::finishRun()
     m_resultsPane->finishRun();
     m_messages->finishRun(outcome.error);
     m_databaseBox->setEnabled(true);
-    if (!outcome.server.isNull())
-        m_server = outcome.server;
     if (!outcome.database.isNull())
         showDatabase(outcome.database);
     if (outcome.inTransaction)

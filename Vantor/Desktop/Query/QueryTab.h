@@ -24,8 +24,6 @@ struct QueryRequest;
 /// What the status line says about a tab.
 struct QueryTabStatus
 {
-    QString server;   ///< "SQL Server 2019 (15.0.2000.5)"; null until the tab has run something
-    QString login;    ///< null where there is none
     QString database; ///< null while it is not known
     qint64 rowCount = 0;
     qint64 elapsedMilliseconds = 0; ///< of the run that goes on or was the last
@@ -60,9 +58,13 @@ public:
     /// Saves, asking for a file where there is none; `saved` is called when that has been done.
     void save(std::function<void()> saved = {});
     void saveAs(std::function<void()> saved = {});
-    /// Asks what has to be asked before the tab goes: about what runs, a transaction, unsaved text. `answer`
-    /// is told whether it may go, unless the tab is gone before.
-    void canClose(std::function<void(bool)> answer);
+    /// Asks what has to be asked before the tab goes: about what runs, a transaction, unsaved text. `proceed`
+    /// is called when it may go.
+    void prepareToClose(std::function<void()> proceed);
+    /// The same before the program ends: unsaved text is no matter when it comes back at the next start.
+    void prepareToEndSession(std::function<void()> proceed);
+    /// The settings, with the database that the tab's last run has ended in.
+    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const;
 
     bool isRunning() const;
     QueryTabStatus status() const;
@@ -120,8 +122,6 @@ private:
     std::unique_ptr<QueryRun> m_run; ///< the one that goes on or was the last
     std::function<void()> m_afterChangeOfDatabase;
     QString m_id;
-    QString m_server;
-    QString m_login;
     QString m_database;
     QDateTime m_runBegan;
     bool m_isChangingDatabase = false;

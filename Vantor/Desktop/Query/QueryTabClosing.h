@@ -2,5 +2,8 @@
 
 #include "Desktop/Query/QueryTab.h"
 
-/// Asks what has to be asked before a tab goes, one question after the other. See QueryTab::canClose().
-void askBeforeClosing(QueryTab *tab, const std::function<void(bool)> &answer);
+/// Asks whether what runs in the tab may be stopped, or what is open rolled back. `proceed` is called when
+/// nothing is there to ask, or the user agrees.
+void askAboutSession(QueryTab &tab, const std::function<void()> &proceed);
+/// Asks what becomes of text that is not saved, and saves it if so wanted. Likewise.
+void askAboutText(QueryTab &tab, const std::function<void()> &proceed);

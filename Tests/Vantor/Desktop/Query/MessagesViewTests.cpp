@@ -1,5 +1,7 @@
 #include "Desktop/Query/MessagesView.h"
-#include "DesktopTesting.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WindowTesting.h"
 
 #include <QElapsedTimer>
 #include <QTextBlock>

@@ -1,5 +1,8 @@
 #include "Desktop/Query/QueryBatches.h"
-#include "DesktopTesting.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WindowTesting.h"
+#include "Vantor/Desktop/DesktopTesting.h"
 
 namespace {
 
@@ -7,7 +10,7 @@ const QString Script = QStringLiteral("select 1\nGO\nselect 2,\n 2\ngo 3\n\n  se
 
 QList<KNQueryDetails> batches(const QueryRequest &request)
 {
-    return batchesOf(request, *DesktopTesting::connector().createConnectionDetails());
+    return batchesOf(request, *DesktopTesting::settingsFor(SampleServerFixture::shared()));
 }
 
 QString batchAt(qsizetype location)

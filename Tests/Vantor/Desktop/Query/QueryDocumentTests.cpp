@@ -1,5 +1,7 @@
 #include "Desktop/Query/QueryDocument.h"
-#include "DesktopTesting.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WindowTesting.h"
 #include "UI/Editor/KNSQLEditor.h"
 
 #include <QFile>

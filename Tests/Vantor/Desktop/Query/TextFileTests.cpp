@@ -1,5 +1,7 @@
 #include "Desktop/Query/TextFile.h"
-#include "DesktopTesting.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WindowTesting.h"
 
 #include <QFile>
 #include <QTemporaryDir>

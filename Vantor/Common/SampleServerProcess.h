@@ -17,9 +17,13 @@ public:
     SampleServerProcess(const SampleServerProcess &) = delete;
     SampleServerProcess &operator=(const SampleServerProcess &) = delete;
 
-    /// Starts the program "vantor-sample-server" that stands beside this one, and waits until it is ready (10
-    /// s at most).
-    bool start(KNError *error);
+    /// Starts the program "vantor-sample-server" that stands beside this one. On a thread that lives as long
+    /// as this program: the server ends with it.
+    bool launch(KNError *error);
+    /// Waits until the server that was launched is ready (10 s at most). Any thread.
+    bool waitUntilReady(KNError *error);
+    /// Both.
+    bool start(KNError *error) { return launch(error) && waitUntilReady(error); }
 
     /// "127.0.0.1,port"
     QString host() const { return m_host; }
@@ -28,6 +32,7 @@ public:
 
 private:
     pid_t m_process = -1;
+    int m_output = -1; ///< where the server says that it is ready
     QString m_host;
     QString m_password;
 };

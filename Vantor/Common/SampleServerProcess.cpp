@@ -1,4 +1,4 @@
-#include "CommandLine/SampleServerProcess.h"
+#include "Common/SampleServerProcess.h"
 
 #include "Foundation/KNFormat.h"
 
@@ -39,6 +39,18 @@ QByteArray readLine(int descriptor, int timeoutMilliseconds)
     return line;
 }
 
+QString programPath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-sample-server");
+}
+
+bool fail(const QString &why, KNError *error)
+{
+    *error = KNError(QStringLiteral("com.quorvex.vantor.sampleServer"), 0,
+                     KNFormat("The sample server %@ could not be started: %@", programPath(), why));
+    return false;
+}
+
 } // namespace
 
 QString SampleServerProcess::userName() const
@@ -46,20 +58,14 @@ QString SampleServerProcess::userName() const
     return QString::fromLatin1(UserName);
 }
 
-bool SampleServerProcess::start(KNError *error)
+bool SampleServerProcess::launch(KNError *error)
 {
-    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/vantor-sample-server");
-    const auto fail = [&](const QString &why) {
-        *error = KNError(QStringLiteral("com.quorvex.vantor.sampleServer"), 0,
-                         KNFormat("The sample server %@ could not be started: %@", program, why));
-        return false;
-    };
-
+    const QString program = programPath();
     m_password = QUuid::createUuid().toString(QUuid::WithoutBraces);
     qputenv(PasswordVariable.constData(), m_password.toLatin1());
     int output[2];
     if (pipe2(output, O_CLOEXEC) != 0)
-        return fail(QString::fromLocal8Bit(strerror(errno)));
+        return fail(QString::fromLocal8Bit(strerror(errno)), error);
 
     // Everything that allocates is made before the fork.
     const QByteArray path = QFile::encodeName(program);
@@ -89,14 +95,22 @@ bool SampleServerProcess::start(KNError *error)
     ::close(output[1]);
     if (m_process < 0) {
         ::close(output[0]);
-        return fail(QString::fromLocal8Bit(strerror(errno)));
+        return fail(QString::fromLocal8Bit(strerror(errno)), error);
     }
-    const QByteArray line = readLine(output[0], 10'000).trimmed();
-    ::close(output[0]);
+    m_output = output[0];
+    return true;
+}
+
+bool SampleServerProcess::waitUntilReady(KNError *error)
+{
+    constexpr int PatienceMilliseconds = 10'000;
+    const QByteArray line = readLine(m_output, PatienceMilliseconds).trimmed();
+    ::close(m_output);
     const int port = line.mid(line.lastIndexOf(':') + 1).toInt();
     if (!line.startsWith("Listening on ") || port <= 0)
         return fail(line.isEmpty() ? QStringLiteral("it did not become ready.")
-                                   : QString::fromLocal8Bit(line));
+                                   : QString::fromLocal8Bit(line),
+                    error);
     m_host = KNFormat("127.0.0.1,%d", port);
     return true;
 }

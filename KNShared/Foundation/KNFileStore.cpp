@@ -1,0 +1,134 @@
+#include "Foundation/KNFileStore.h"
+
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNPrivateFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <deque>
+
+/// The file, and what is still to be done with it: in order, by one thread at a time.
+struct KNFileStore::File : std::enable_shared_from_this<File>
+{
+    explicit File(QString filePath)
+        : path(std::move(filePath))
+    {
+    }
+
+    /// Any thread.
+    void add(std::function<void()> work)
+    {
+        const std::lock_guard lock(mutex);
+        queued.push_back(std::move(work));
+        if (queued.size() == 1)
+            KNDispatch::globalQueue([self = shared_from_this()] { self->workOff(); });
+    }
+
+    void workOff()
+    {
+        for (bool isLast = false; !isLast;) {
+            std::unique_lock lock(mutex);
+            const std::function<void()> work = queued.front();
+            lock.unlock();
+            work();
+            lock.lock();
+            queued.pop_front();
+            isLast = queued.empty();
+        }
+    }
+
+    QJsonObject read(KNError *error) const
+    {
+        QFile file(path);
+        if (!file.exists())
+            return {};
+        if (!file.open(QIODevice::ReadOnly)) {
+            *error = KNError(ErrorDomain, Refused,
+                             KNFormat("The file \"%@\" could not be read: %@.", path, file.errorString()));
+            return {};
+        }
+        const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+        if (!document.isObject())
+            *error = KNError(
+                ErrorDomain, Damaged,
+                KNFormat("The file \"%@\" is damaged. It will be kept as \"%@\" when a new one is written.",
+                         path, damagedPath()));
+        return document.object();
+    }
+
+    KNError change(const std::function<void(QJsonObject &)> &apply) const
+    {
+        KNError problem;
+        QJsonObject texts = read(&problem);
+        if (problem.code() == Refused)
+            return problem;
+        if (problem.code() == Damaged) {
+            QFile::remove(damagedPath());
+            QFile::rename(path, damagedPath());
+        }
+        apply(texts);
+        QSaveFile file(path);
+        if (KNMakePrivateFolder(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)) {
+            // Private before anything is in it.
+            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+            const QByteArray json = QJsonDocument(texts).toJson();
+            if (file.write(json) == json.size() && file.commit())
+                return {};
+        }
+        const QString why = file.error() == QFileDevice::NoError
+                                ? KNFormat("there is no folder \"%@\"", QFileInfo(path).path())
+                                : file.errorString();
+        return KNError(ErrorDomain, NotWritten,
+                       KNFormat("The file \"%@\" could not be written: %@.", path, why));
+    }
+
+    QString damagedPath() const { return path + QStringLiteral(".damaged"); }
+
+    const QString path;
+    std::mutex mutex;
+    std::deque<std::function<void()>> queued; ///< guarded by mutex; the first is being worked on
+};
+
+KNFileStore::KNFileStore(const QString &path)
+    : m_file(std::make_shared<File>(path))
+{
+}
+
+KNFileStore::~KNFileStore() = default;
+
+QString KNFileStore::name() const
+{
+    return KNFormat("the file %@", m_file->path);
+}
+
+void KNFileStore::textForKey(const QString &key, Read read)
+{
+    m_file->add([file = m_file.get(), key, read = std::move(read)] {
+        KNError error;
+        const QJsonValue value = file->read(&error).value(key);
+        const QString text = value.isString() ? value.toString() : QString();
+        KNDispatch::mainQueue([read, text, error] { read(text, error); });
+    });
+}
+
+void KNFileStore::setText(const QString &key, const QString &text, Done done)
+{
+    m_file->add([file = m_file.get(), key, text, done = std::move(done)] {
+        const KNError error = file->change([&](QJsonObject &texts) { texts.insert(key, text); });
+        KNDispatch::mainQueue([done, error] { done(error); });
+    });
+}
+
+void KNFileStore::removeKey(const QString &key, Done done)
+{
+    m_file->add([file = m_file.get(), key, done = std::move(done)] {
+        const KNError error = file->change([&](QJsonObject &texts) { texts.remove(key); });
+        KNDispatch::mainQueue([done, error] { done(error); });
+    });
+}

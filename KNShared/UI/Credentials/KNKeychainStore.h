@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Foundation/KNKeyValueStore.h"
+#include "UI/KNSharedUIExport.h"
+
+/// Keeps texts in the desktop's keyring (Secret Service), which may ask the user to unlock it. Errors are
+/// NoService where none runs, Refused and NotWritten.
+class KNSHAREDUI_EXPORT KNKeychainStore : public KNKeyValueStore
+{
+public:
+    /// `service` names the program in the keyring.
+    explicit KNKeychainStore(const QString &service);
+
+    QString name() const override;
+    void textForKey(const QString &key, Read read) override;
+    void setText(const QString &key, const QString &text, Done done) override;
+    void removeKey(const QString &key, Done done) override;
+
+private:
+    const QString m_service;
+};

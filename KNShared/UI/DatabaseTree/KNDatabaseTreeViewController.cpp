@@ -1,0 +1,187 @@
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+
+#include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+#include "UI/Menus/KNMenuView.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
+#include <QPointer>
+
+KNDatabaseTreeViewController::KNDatabaseTreeViewController(QWidget *parent)
+    : QWidget(parent)
+    , m_searchField(new QLineEdit)
+    , m_notice(new QLabel)
+    , m_view(new KNDatabaseTreeView)
+    , m_model(new KNDatabaseTreeModel(this))
+{
+    m_searchField->setPlaceholderText(tr("Search tables, views, procedures…"));
+    m_searchField->setAccessibleName(tr("Search objects"));
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->installEventFilter(this);
+    m_notice->setWordWrap(true);
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setMargin(6);
+    m_notice->hide();
+    m_view->setModel(m_model);
+
+    auto *const fieldLayout = new QHBoxLayout;
+    fieldLayout->setContentsMargins(6, 6, 6, 6);
+    fieldLayout->addWidget(m_searchField);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(fieldLayout);
+    layout->addWidget(m_notice);
+    layout->addWidget(m_view, 1);
+
+    constexpr int TypingPause = 150;
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(TypingPause);
+    connect(m_searchField, &QLineEdit::textChanged, &m_typing, qOverload<>(&QTimer::start));
+    connect(&m_typing, &QTimer::timeout, this, &KNDatabaseTreeViewController::search);
+    connect(m_view, &KNDatabaseTreeView::menuRequested, this, &KNDatabaseTreeViewController::showMenu);
+}
+
+void KNDatabaseTreeViewController::setRoot(const Root &root)
+{
+    ++m_generation;
+    m_feed = Feed::Outdated;
+    m_root = root;
+    m_searchField->clear();
+    m_typing.stop();
+    showNotice({});
+    m_model->setRoot(root);
+    if (root)
+        m_view->expand(m_model->index(0, 0));
+}
+
+void KNDatabaseTreeViewController::deselectAll()
+{
+    m_view->clearSelection();
+    m_view->setCurrentIndex({});
+}
+
+void KNDatabaseTreeViewController::refreshDatabaseTreeItem(const Entry &entry)
+{
+    if (!entry)
+        return;
+    m_feed = Feed::Outdated;
+    if (entry->canHaveChildren())
+        entry->loadEntriesAsync(true);
+    else
+        refreshDatabaseTreeItem(entry->parent());
+}
+
+void KNDatabaseTreeViewController::refreshSelected()
+{
+    const Entry selected = currentlySelectedDatabaseTreeEntry();
+    refreshDatabaseTreeItem(selected ? selected : m_root);
+}
+
+void KNDatabaseTreeViewController::focusSearchField()
+{
+    m_searchField->setFocus(Qt::ShortcutFocusReason);
+    m_searchField->selectAll();
+}
+
+void KNDatabaseTreeViewController::focusTree()
+{
+    m_view->setFocus(Qt::ShortcutFocusReason);
+    if (!m_view->currentIndex().isValid())
+        m_view->setCurrentIndex(m_model->index(0, 0));
+}
+
+QString KNDatabaseTreeViewController::notice() const
+{
+    return m_notice->isHidden() ? QString() : m_notice->text();
+}
+
+void KNDatabaseTreeViewController::showNotice(const QString &text)
+{
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+}
+
+void KNDatabaseTreeViewController::search()
+{
+    if (!m_root)
+        return;
+    if (m_searchField->text().trimmed().isEmpty()) {
+        showNotice({});
+        if (m_model->root() != m_root) {
+            m_model->setRoot(m_root);
+            m_view->expand(m_model->index(0, 0));
+        }
+        return;
+    }
+    if (m_feed == Feed::Outdated)
+        loadSearchEntries();
+    else if (m_feed == Feed::Loaded)
+        showSearchResults();
+}
+
+/// The objects of all databases are asked for when they are searched first, and again after a refresh.
+void KNDatabaseTreeViewController::loadSearchEntries()
+{
+    m_feed = Feed::Loading;
+    showNotice(tr("Loading the names of all objects…"));
+    const QPointer self(this);
+    KNDispatch::globalQueue([self, root = m_root, generation = m_generation] {
+        KNError error;
+        root->updateSearchEntries(&error);
+        KNDispatch::mainQueue([self, generation, error] {
+            if (!self || self->m_generation != generation)
+                return;
+            self->m_feed = error ? Feed::Outdated : Feed::Loaded;
+            if (error)
+                self->showNotice(error.localizedDescription());
+            else
+                self->search();
+        });
+    });
+}
+
+void KNDatabaseTreeViewController::showSearchResults()
+{
+    const QString text = m_searchField->text().trimmed();
+    const Entry found = m_root->copyWithSearchResults(text);
+    showNotice(found ? QString() : KNFormat("Nothing has \"%@\" in its name.", text));
+    m_model->setRoot(found);
+    m_view->expandLoaded();
+}
+
+bool KNDatabaseTreeViewController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_searchField && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Escape && !m_searchField->text().isEmpty()) {
+            m_searchField->clear();
+            return true;
+        }
+        if (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
+            focusTree();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void KNDatabaseTreeViewController::showMenu(const Entry &entry, const QPoint &globalPosition)
+{
+    auto *const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (dynamic_cast<const KNDatabaseTreeErrorEntry *>(entry.get())) {
+        menu->addAction(tr("Try again"), this, [this, entry] { refreshDatabaseTreeItem(entry); });
+        menu->addAction(tr("Copy message"), this,
+                        [entry] { QApplication::clipboard()->setText(entry->displayName()); });
+    } else {
+        KNMenuView::fill(*menu, entry->menu());
+    }
+    if (menu->isEmpty())
+        delete menu;
+    else
+        menu->popup(globalPosition);
+}

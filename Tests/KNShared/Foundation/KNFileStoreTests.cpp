@@ -1,0 +1,165 @@
+#include "Foundation/KNFileStore.h"
+
+#include "Foundation/KNDispatch.h"
+#include "Support/PrintQt.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+const QString Key = QStringLiteral("MSSQLRecentConnections");
+
+class FileStoreTest : public testing::Test
+{
+protected:
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath(QStringLiteral("data/vantor/credentials.json"));
+    KNFileStore m_store{m_path};
+
+    template <typename Answer>
+    static Answer waitFor(const std::optional<Answer> &answer)
+    {
+        for (int i = 0; i < 100 && !answer; ++i)
+            KNDispatch::pumpMainQueue(1000);
+        return answer.value_or(Answer());
+    }
+    KNError set(const QString &key, const QString &text)
+    {
+        std::optional<KNError> answer;
+        m_store.setText(key, text, [&](const KNError &error) { answer = error; });
+        return waitFor(answer);
+    }
+    KNError remove(const QString &key)
+    {
+        std::optional<KNError> answer;
+        m_store.removeKey(key, [&](const KNError &error) { answer = error; });
+        return waitFor(answer);
+    }
+    QString text(const QString &key, KNError *error = nullptr) { return textIn(m_store, key, error); }
+    static QString textIn(KNFileStore &store, const QString &key, KNError *problem = nullptr)
+    {
+        std::optional<std::pair<QString, KNError>> answer;
+        store.textForKey(key,
+                         [&](const QString &text, const KNError &error) { answer = std::pair(text, error); });
+        const auto [text, error] = waitFor(answer);
+        if (problem)
+            *problem = error;
+        else
+            EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+        return text;
+    }
+    void writeFile(const QByteArray &content)
+    {
+        EXPECT_FALSE(set(QStringLiteral("other"), QStringLiteral("x")));
+        QFile file(m_path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+};
+
+} // namespace
+
+TEST_F(FileStoreTest, GivesBackWhatWasKeptAlsoToTheNextProgram)
+{
+    const QString secret = QStringLiteral("p\"ä\\\n\U0001F511");
+    EXPECT_TRUE(text(Key).isNull());
+    EXPECT_FALSE(set(Key, secret));
+    EXPECT_FALSE(set(QStringLiteral("empty"), QStringLiteral("")));
+    EXPECT_EQ(text(Key), secret);
+    KNFileStore next(m_path);
+    EXPECT_EQ(textIn(next, Key), secret);
+    EXPECT_FALSE(textIn(next, QStringLiteral("empty")).isNull());
+}
+
+TEST_F(FileStoreTest, IsForTheUserAlone)
+{
+    ASSERT_FALSE(set(Key, QStringLiteral("secret")));
+    EXPECT_EQ(QFileInfo(m_path).permissions() & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser),
+              QFile::ReadOwner | QFile::WriteOwner);
+    EXPECT_FALSE(QFileInfo(QFileInfo(m_path).path()).permissions() & (QFile::ReadGroup | QFile::ReadOther));
+}
+
+TEST_F(FileStoreTest, ForgetsWhatIsRemovedAndNothingElse)
+{
+    set(Key, QStringLiteral("a"));
+    set(QStringLiteral("other"), QStringLiteral("b"));
+    EXPECT_FALSE(remove(Key));
+    EXPECT_FALSE(remove(QStringLiteral("never there")));
+    EXPECT_TRUE(text(Key).isNull());
+    EXPECT_EQ(text(QStringLiteral("other")), QStringLiteral("b"));
+}
+
+TEST_F(FileStoreTest, KeepsTheLastOfManyWritesThatWaitForNoAnswer)
+{
+    int answers = 0;
+    for (int i = 1; i <= 50; ++i)
+        m_store.setText(Key, QString::number(i), [&](const KNError &) { ++answers; });
+    EXPECT_EQ(text(Key), QStringLiteral("50"));
+    EXPECT_EQ(answers, 50);
+}
+
+TEST_F(FileStoreTest, PutsADamagedFileAsideWhenItWritesAnother)
+{
+    writeFile("{ \"MSSQLRecent");
+    KNError error;
+    EXPECT_TRUE(text(Key, &error).isNull());
+    EXPECT_EQ(error.code(), KNKeyValueStore::Damaged);
+    EXPECT_TRUE(error.localizedDescription().contains(m_path)) << error.localizedDescription().toStdString();
+    EXPECT_FALSE(set(Key, QStringLiteral("new")));
+    EXPECT_EQ(text(Key), QStringLiteral("new"));
+    QFile damaged(m_path + QStringLiteral(".damaged"));
+    ASSERT_TRUE(damaged.open(QIODevice::ReadOnly));
+    EXPECT_EQ(damaged.readAll(), QByteArray("{ \"MSSQLRecent"));
+}
+
+TEST_F(FileStoreTest, SaysWhenTheFileCannotBeReadAndLeavesItAsItIs)
+{
+    QFile inTheWay(m_folder.filePath(QStringLiteral("data")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    EXPECT_EQ(set(Key, QStringLiteral("x")).code(), KNKeyValueStore::NotWritten);
+
+    // A folder in the file's place cannot be opened, whoever asks.
+    ASSERT_TRUE(inTheWay.remove());
+    ASSERT_TRUE(QDir().mkpath(m_path));
+    KNError error;
+    text(Key, &error);
+    EXPECT_EQ(error.code(), KNKeyValueStore::Refused);
+    EXPECT_EQ(set(Key, QStringLiteral("x")).code(), KNKeyValueStore::Refused);
+    EXPECT_TRUE(QFileInfo(m_path).isDir());
+}
+
+TEST_F(FileStoreTest, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne)
+{
+    ASSERT_FALSE(set(Key, QStringLiteral("old")));
+    // As a full disk: no file of this process may become longer.
+    struct sigaction ignored = {}, before = {};
+    ignored.sa_handler = SIG_IGN;
+    sigaction(SIGXFSZ, &ignored, &before);
+    rlimit unlimited = {};
+    getrlimit(RLIMIT_FSIZE, &unlimited);
+    const rlimit limited = {4096, unlimited.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limited);
+    const KNError error = set(Key, QString(100000, QLatin1Char('x')));
+    setrlimit(RLIMIT_FSIZE, &unlimited);
+    sigaction(SIGXFSZ, &before, nullptr);
+
+    EXPECT_EQ(error.code(), KNKeyValueStore::NotWritten) << error.localizedDescription().toStdString();
+    EXPECT_EQ(text(Key), QStringLiteral("old"));
+}
+
+TEST(KeyValueStore, OfAProgramIsAFileBelowTheDataFolderUnlessAnotherIsPutInPlace)
+{
+    KNKeyValueStore::setShared(nullptr);
+    EXPECT_EQ(KNKeyValueStore::shared()->name(), QStringLiteral("the file ") +
+                                                     qEnvironmentVariable("XDG_DATA_HOME") +
+                                                     QStringLiteral("/vantor/credentials.json"));
+}

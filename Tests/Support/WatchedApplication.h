@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QApplication>
+#include <QEvent>
+
+#include <chrono>
+#include <ctime>
+#include <string>
+#include <sys/resource.h>
+#include <typeinfo>
+
+/// An application that measures how long each event holds the UI thread up.
+class WatchedApplication : public QApplication
+{
+public:
+    using QApplication::QApplication;
+
+    struct Call
+    {
+        double milliseconds = 0; ///< of the thread's own work, or altogether if it waited for something
+        std::string what;
+    };
+
+    static WatchedApplication &instance() { return *static_cast<WatchedApplication *>(qApp); }
+
+    /// Forgets what was measured so far.
+    void beginWatch() { m_longest = {}; }
+    /// The longest call since beginWatch().
+    const Call &longestCall() const { return m_longest; }
+
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        if (m_depth > 0)
+            return QApplication::notify(receiver, event); // a part of the call that is measured
+        const std::string what = std::string(typeid(*receiver).name()) + ", event " +
+                                 std::to_string(static_cast<int>(event->type()));
+        ++m_depth;
+        const Moment begin = now();
+        const bool answer = QApplication::notify(receiver, event);
+        const Moment end = now();
+        --m_depth;
+        // Another program may have had the processor meanwhile: only who waits of his own accord counts it.
+        const bool hasWaited = end.waits > begin.waits;
+        const double milliseconds = hasWaited ? end.wall - begin.wall : end.own - begin.own;
+        if (milliseconds > m_longest.milliseconds)
+            m_longest = {milliseconds, what};
+        return answer;
+    }
+
+private:
+    struct Moment
+    {
+        double wall; ///< milliseconds, as the next
+        double own;
+        long waits;
+    };
+
+    static double millisecondsOf(clockid_t clock)
+    {
+        timespec time{};
+        clock_gettime(clock, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    }
+    static Moment now()
+    {
+        rusage usage{};
+        getrusage(RUSAGE_THREAD, &usage);
+        return {millisecondsOf(CLOCK_MONOTONIC), millisecondsOf(CLOCK_THREAD_CPUTIME_ID), usage.ru_nvcsw};
+    }
+
+    int m_depth = 0;
+    Call m_longest;
+};

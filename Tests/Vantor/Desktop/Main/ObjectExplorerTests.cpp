@@ -1,0 +1,208 @@
+#include "Desktop/Tree/TreeActions.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WatchedApplication.h"
+#include "Support/WindowTesting.h"
+#include "Vantor/Desktop/DesktopTesting.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QMenu>
+#include <QTemporaryDir>
+
+using WindowTesting::waitFor;
+
+namespace {
+
+/// The object explorer on a real server, with the actions of the program.
+class ObjectExplorer : public testing::Test
+{
+protected:
+    struct Opened
+    {
+        QString text;
+        TreeActions::Settings details;
+        bool execute;
+    };
+
+    ObjectExplorer()
+    {
+        m_controller.resize(320, 700);
+        m_controller.show();
+        QObject::connect(&m_actions, &TreeActions::queryTabRequested, &m_actions,
+                         [this](const QString &text, const TreeActions::Settings &details, bool execute) {
+                             m_opened.push_back({text, details, execute});
+                         });
+    }
+
+    void connectTo(const SampleServerFixture &server)
+    {
+        const VantorDBCPtr details = DesktopTesting::settingsFor(server);
+        const auto root = details->createRootDatabaseTreeNode();
+        root->setDatabaseConnectionDetails(details.get());
+        root->setContextHelper(m_actions.helper());
+        m_controller.setRoot(root);
+    }
+    KNDatabaseTreeModel *model() const
+    {
+        return static_cast<KNDatabaseTreeModel *>(m_controller.view()->model());
+    }
+    QModelIndex child(const QModelIndex &parent, const QString &name) const
+    {
+        for (int row = 0; row < model()->rowCount(parent); ++row) {
+            if (model()->index(row, 0, parent).data().toString() == name)
+                return model()->index(row, 0, parent);
+        }
+        return {};
+    }
+    /// Expands level by level; the last entry.
+    QModelIndex open(const QStringList &path)
+    {
+        QModelIndex index = model()->index(0, 0);
+        for (const QString &name : path) {
+            EXPECT_TRUE(waitFor([&] { return child(index, name).isValid(); })) << qPrintable(name);
+            index = child(index, name);
+            m_controller.view()->expand(index);
+        }
+        return index;
+    }
+    /// Chooses an item of the entry's menu, which is opened as by its key.
+    void choose(const QModelIndex &index, const QStringList &titles)
+    {
+        m_controller.view()->setCurrentIndex(index);
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        QApplication::sendEvent(m_controller.view(), &event);
+        const QMenu *menu = m_controller.findChildren<QMenu *>(Qt::FindDirectChildrenOnly).last();
+        for (const QString &title : titles) {
+            for (QAction *const action : menu->actions()) {
+                if (action->text() != title)
+                    continue;
+                if (action->menu())
+                    menu = action->menu();
+                else
+                    action->trigger();
+                break;
+            }
+        }
+        for (QMenu *const opened : m_controller.findChildren<QMenu *>(Qt::FindDirectChildrenOnly))
+            opened->close();
+    }
+
+    KNDatabaseTreeViewController m_controller;
+    TreeActions m_actions{m_controller};
+    std::vector<Opened> m_opened;
+};
+
+const QStringList Orders = {QStringLiteral("shop"), QStringLiteral("Tables"), QStringLiteral("Orders")};
+const QStringList ScriptOrders = {QStringLiteral("Script as"), QStringLiteral("CREATE to")};
+
+} // namespace
+
+TEST_F(ObjectExplorer, LoadsLevelByLevelWhatIsExpanded)
+{
+    connectTo(SampleServerFixture::shared());
+    const QModelIndex columns = open(Orders + QStringList{QStringLiteral("Columns")});
+    EXPECT_TRUE(waitFor([&] { return child(columns, QStringLiteral("OrderId")).isValid(); }));
+    EXPECT_TRUE(waitFor([&] { return !model()->isBusy(); }));
+    EXPECT_TRUE(model()
+                    ->index(0, 0)
+                    .data(KNDatabaseTreeModel::DetailsRole)
+                    .toString()
+                    .contains(QStringLiteral("SQL Server")));
+}
+
+TEST_F(ObjectExplorer, RunsAQueryOnATableAtADoubleClick)
+{
+    connectTo(SampleServerFixture::shared());
+    m_controller.view()->setCurrentIndex(open(Orders));
+    QTest::keyClick(m_controller.view(), Qt::Key_Return);
+    ASSERT_EQ(m_opened.size(), 1u);
+    EXPECT_EQ(m_opened.front().text, QStringLiteral("SELECT TOP 100 * FROM dbo.Orders;"));
+    EXPECT_TRUE(m_opened.front().execute);
+    EXPECT_EQ(m_opened.front().details->database(), QStringLiteral("shop"));
+}
+
+TEST_F(ObjectExplorer, OpensAScriptOfTheMenuInANewTab)
+{
+    connectTo(SampleServerFixture::shared());
+    choose(open(Orders), ScriptOrders + QStringList{QStringLiteral("New query tab")});
+    ASSERT_TRUE(waitFor([&] { return !m_opened.empty(); }));
+    EXPECT_TRUE(m_opened.front().text.contains(QStringLiteral("CREATE TABLE")));
+    EXPECT_FALSE(m_opened.front().execute);
+}
+
+TEST_F(ObjectExplorer, CopiesAScriptOfTheMenu)
+{
+    QApplication::clipboard()->clear();
+    connectTo(SampleServerFixture::shared());
+    choose(open(Orders), ScriptOrders + QStringList{QStringLiteral("Clipboard")});
+    EXPECT_TRUE(
+        waitFor([] { return QApplication::clipboard()->text().contains(QStringLiteral("CREATE TABLE")); }));
+}
+
+TEST_F(ObjectExplorer, SavesAScriptOfTheMenuAndTellsWhenItCannotBeWritten)
+{
+    RecordingFilePanels &panels = RecordingFilePanels::install();
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("orders.sql"));
+    panels.answer = QStringList{path};
+    connectTo(SampleServerFixture::shared());
+    const QStringList toFile = ScriptOrders + QStringList{QStringLiteral("File")};
+    choose(open(Orders), toFile);
+    ASSERT_TRUE(waitFor([&] { return QFile::exists(path); }));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("CREATE TABLE"));
+
+    panels.answer = QStringList{QStringLiteral("/nonexistent/orders.sql")};
+    choose(open(Orders), toFile);
+    ASSERT_TRUE(waitFor([&] { return !alerts.errors.empty(); }));
+    EXPECT_TRUE(
+        alerts.errors.front().localizedDescription().contains(QStringLiteral("/nonexistent/orders.sql")));
+}
+
+TEST_F(ObjectExplorer, FindsObjectsInAllDatabases)
+{
+    connectTo(SampleServerFixture::shared());
+    open({QStringLiteral("shop")});
+    QTest::keyClicks(m_controller.searchField(), QStringLiteral("Customers"));
+    EXPECT_TRUE(waitFor([&] {
+        const QModelIndex shop = child(model()->index(0, 0), QStringLiteral("shop"));
+        return child(shop, QStringLiteral("Customers")).isValid() &&
+               !child(model()->index(0, 0), QStringLiteral("library")).isValid();
+    }));
+    QTest::keyClick(m_controller.searchField(), Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return child(model()->index(0, 0), QStringLiteral("library")).isValid(); }));
+}
+
+TEST_F(ObjectExplorer, SaysWhyAServerCannotBeReached)
+{
+    SampleServerFixture server;
+    server.stop();
+    connectTo(server);
+    const QModelIndex root = model()->index(0, 0);
+    ASSERT_TRUE(waitFor([&] { return model()->rowCount(root) == 1; }));
+    EXPECT_TRUE(model()->index(0, 0, root).data(KNDatabaseTreeModel::IsErrorRole).toBool());
+}
+
+TEST_F(ObjectExplorer, StaysResponsiveWhileFiftyThousandTablesLoadAndAreSearched)
+{
+    SampleServerFixture server({.arguments = {"--tables", "50000"}});
+    connectTo(server);
+    open({QStringLiteral("many")});
+    WatchedApplication::instance().beginWatch();
+    const QModelIndex tables = open({QStringLiteral("many"), QStringLiteral("Tables")});
+    EXPECT_TRUE(waitFor([&] { return model()->rowCount(tables) == 50000; }));
+    m_controller.view()->scrollToBottom();
+    QTest::keyClicks(m_controller.searchField(), QStringLiteral("tab"));
+    const auto found = [&] {
+        const QModelIndex many = child(model()->index(0, 0), QStringLiteral("many"));
+        return model()->rowCount(many) == 50000;
+    };
+    EXPECT_TRUE(waitFor(found));
+    QTest::keyClick(m_controller.searchField(), Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return child(model()->index(0, 0), QStringLiteral("library")).isValid(); }));
+    const auto &longest = WatchedApplication::instance().longestCall();
+    EXPECT_LT(longest.milliseconds, 100) << longest.what;
+    RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
+}

@@ -1,0 +1,49 @@
+#include "Desktop/Main/StatusLine.h"
+#include "Support/PrintQt.h"
+
+#include <QLabel>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// The texts that are shown, by the names under which they are read out.
+QString shown(const StatusLine &line, const char *name)
+{
+    for (const QLabel *const label : line.findChildren<QLabel *>()) {
+        if (label->accessibleName() == QLatin1String(name))
+            return label->text();
+    }
+    return {};
+}
+
+} // namespace
+
+TEST(StatusLine, ShowsServerLoginAndTheTabInFront)
+{
+    StatusLine line;
+    line.setServer(QStringLiteral("db1"),
+                   QStringLiteral("Microsoft SQL Server 2022 (RTM) - 16.0.1000.6 (X64)\n\tOct 8"));
+    line.setLogin(QStringLiteral("alice"));
+    line.showStatus({.database = QStringLiteral("shop"),
+                     .rowCount = 1234567,
+                     .elapsedMilliseconds = 61'005,
+                     .isRunning = true,
+                     .hasOpenTransaction = true});
+    EXPECT_EQ(shown(line, "Server"), QStringLiteral("db1 · Microsoft SQL Server 2022"));
+    EXPECT_EQ(shown(line, "Login"), QStringLiteral("alice"));
+    EXPECT_EQ(shown(line, "Database"), QStringLiteral("shop"));
+    EXPECT_EQ(shown(line, "Rows"), QStringLiteral("1,234,567 rows"));
+    EXPECT_EQ(shown(line, "Time"), QStringLiteral("1:01.005"));
+    EXPECT_EQ(shown(line, "Transaction"), QStringLiteral("Transaction open"));
+    line.clearStatus();
+    EXPECT_EQ(shown(line, "Rows"), QString());
+    EXPECT_EQ(shown(line, "Login"), QStringLiteral("alice"));
+}
+
+TEST(StatusLine, CountsHoursOnlyWhereThereAreAny)
+{
+    EXPECT_EQ(StatusLine::durationText(0), QStringLiteral("0:00.000"));
+    EXPECT_EQ(StatusLine::durationText(59'999), QStringLiteral("0:59.999"));
+    EXPECT_EQ(StatusLine::durationText(3'600'000 + 62'001), QStringLiteral("1:01:02.001"));
+}

@@ -1,0 +1,89 @@
+#include "Desktop/Application.h"
+
+#include "Common/ConnectorFolder.h"
+#include "Connector/KNConnectorPlugin.h"
+#include "Desktop/Main/MainWindow.h"
+#include "Foundation/KNDispatch.h"
+#include "UI/Alerts/KNAlerts.h"
+
+namespace {
+
+/// The identity under which what belongs to the sample server is kept.
+const QString SampleConnectionId = QStringLiteral("sample-server");
+
+} // namespace
+
+Application::Application(const Options &options, QObject *parent)
+    : QObject(parent)
+    , m_options(options)
+{
+}
+
+bool Application::start()
+{
+    QStringList problems;
+    m_connector = ConnectorFolder::loadConnector(&problems);
+    if (!m_connector) {
+        for (const QString &problem : std::as_const(problems))
+            std::fprintf(stderr, "%s\n", problem.toLocal8Bit().constData());
+        return false;
+    }
+    if (m_options.useSampleServer)
+        openSampleServer();
+    else
+        showConnections();
+    return true;
+}
+
+MainWindow *Application::openConnection(const VantorDBC &details)
+{
+    auto *const window = new MainWindow(details);
+    connect(window, &MainWindow::connectionsRequested, this, &Application::showConnections);
+    window->show();
+    window->openFiles(m_options.files);
+    m_options.files.clear();
+    return window;
+}
+
+void Application::openSampleServer()
+{
+    if (m_sampleServer) {
+        // One that is still starting opens its window by itself.
+        if (!m_sampleServer->host().isNull())
+            sampleServerIsReady({});
+        return;
+    }
+    KNError error;
+    m_sampleServer = std::make_shared<SampleServerProcess>();
+    if (!m_sampleServer->launch(&error)) {
+        sampleServerIsReady(error);
+        return;
+    }
+    KNDispatch::globalQueue([self = QPointer(this), server = m_sampleServer] {
+        KNError failure;
+        server->waitUntilReady(&failure);
+        KNDispatch::mainQueue([self, failure] {
+            if (self)
+                self->sampleServerIsReady(failure);
+        });
+    });
+}
+
+void Application::sampleServerIsReady(const KNError &error)
+{
+    if (error) {
+        m_sampleServer.reset();
+        KNAlerts::shared().showError(nullptr, error);
+        showConnections();
+        return;
+    }
+    const VantorDBCPtr details = m_connector->createConnectionDetails();
+    details->setConnectionId(SampleConnectionId);
+    details->setAlias(tr("Sample server"));
+    details->setHost(m_sampleServer->host());
+    details->setUsername(m_sampleServer->userName());
+    details->setPassword(m_sampleServer->password());
+    openConnection(*details);
+}
+
+void Application::showConnections() {}

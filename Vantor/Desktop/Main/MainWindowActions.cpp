@@ -1,0 +1,145 @@
+#include "Desktop/Main/MainWindowActions.h"
+
+#include "Desktop/Main/MainWindow.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/Icons/KNIcon.h"
+
+#include <QApplication>
+#include <QMenuBar>
+#include <QToolBar>
+
+namespace {
+
+QKeySequence keys(const char *text)
+{
+    return QKeySequence(QString::fromLatin1(text));
+}
+
+} // namespace
+
+MainWindowActions::MainWindowActions(MainWindow &window)
+    : QObject(&window)
+    , m_window(window)
+{
+    makeFileMenu();
+    makeEditMenu();
+    makeQueryMenu();
+    makeViewMenu();
+    makeHelpMenu();
+    makeToolBar();
+}
+
+QAction *MainWindowActions::action(const QString &name) const
+{
+    return m_actions.value(name);
+}
+
+QAction *MainWindowActions::add(QMenu *menu, const Description &description, std::function<void()> perform)
+{
+    QAction *const action = menu->addAction(tr(description.text), this, std::move(perform));
+    action->setObjectName(QString::fromLatin1(description.name));
+    action->setShortcuts(description.shortcuts);
+    if (description.icon)
+        action->setIcon(KNIcon::named(QString::fromLatin1(description.icon)));
+    m_actions.insert(action->objectName(), action);
+    return action;
+}
+
+QAction *MainWindowActions::addForTab(QMenu *menu, const Description &description,
+                                      std::function<void(QueryTab &)> perform)
+{
+    QAction *const action = add(menu, description, [this, perform = std::move(perform)] {
+        if (QueryTab *const tab = m_window.currentTab())
+            perform(*tab);
+    });
+    m_forTab.append(action);
+    return action;
+}
+
+void MainWindowActions::makeFileMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&File"));
+    add(menu, {"newQuery", "&New Query", "query-new", {keys("Ctrl+N"), keys("Ctrl+T")}},
+        [this] { m_window.newTab(); });
+    add(menu, {"open", "&Open…", "document-open", {keys("Ctrl+O")}}, [this] { m_window.chooseFiles(); });
+    addForTab(menu, {"save", "&Save", "document-save", {keys("Ctrl+S")}}, [](QueryTab &tab) { tab.save(); });
+    addForTab(menu, {"saveAs", "Save &As…", nullptr, {keys("Ctrl+Shift+S")}},
+              [](QueryTab &tab) { tab.saveAs(); });
+    addForTab(menu, {"closeTab", "&Close Tab", nullptr, {keys("Ctrl+W")}},
+              [this](QueryTab &tab) { m_window.closeTab(&tab); });
+    menu->addSeparator();
+    add(menu, {"connections", "Co&nnections…", "connection-new", {keys("Ctrl+Shift+N")}},
+        [this] { Q_EMIT m_window.connectionsRequested(); });
+    add(menu, {"disconnect", "&Disconnect", nullptr, {}}, [this] { m_window.close(); });
+    menu->addSeparator();
+    add(menu, {"preferences", "&Preferences…", "preferences", {keys("Ctrl+,")}},
+        [this] { m_window.showPreferences(); });
+    add(menu, {"quit", "&Quit", nullptr, {keys("Ctrl+Q")}}, [] { QApplication::closeAllWindows(); });
+}
+
+void MainWindowActions::makeEditMenu() {}
+
+void MainWindowActions::makeQueryMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&Query"));
+    addForTab(
+        menu,
+        {"run", "&Run", "query-run", {keys("F5"), keys("Ctrl+Return"), keys("Ctrl+Enter"), keys("Ctrl+E")}},
+        [](QueryTab &tab) { tab.run(); });
+    addForTab(menu,
+              {"runBatch",
+               "Run &Batch at Cursor",
+               "query-run-batch",
+               {keys("Ctrl+Shift+Return"), keys("Ctrl+Shift+Enter")}},
+              [](QueryTab &tab) { tab.runBatchAtCursor(); });
+    addForTab(menu, {"cancel", "&Cancel", "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
+              [](QueryTab &tab) { tab.cancel(); });
+}
+
+void MainWindowActions::makeViewMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&View"));
+    add(menu, {"explorer", "&Object Explorer", "sidebar", {keys("F8")}},
+        [this] { m_window.toggleExplorer(); });
+    add(menu, {"searchObjects", "&Search Objects", "edit-find", {keys("Ctrl+Shift+O")}},
+        [this] { m_window.searchObjects(); });
+    add(menu, {"refresh", "&Refresh", "view-refresh", {keys("Ctrl+Shift+R")}},
+        [this] { m_window.explorer()->refreshSelected(); });
+    menu->addSeparator();
+    add(menu, {"nextTab", "&Next Tab", nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
+        [this] { m_window.showNeighbouringTab(1); });
+    add(menu, {"previousTab", "&Previous Tab", nullptr, {keys("Ctrl+PgUp"), keys("Ctrl+Shift+Tab")}},
+        [this] { m_window.showNeighbouringTab(-1); });
+}
+
+void MainWindowActions::makeHelpMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&Help"));
+    add(menu, {"about", "&About Vantor", nullptr, {}}, [this] { m_window.showAbout(); });
+}
+
+void MainWindowActions::makeToolBar()
+{
+    QToolBar *const bar = m_window.addToolBar(tr("Tools"));
+    bar->setObjectName(QStringLiteral("tools"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    for (const char *const name :
+         {"newQuery", "open", "save", "", "run", "runBatch", "cancel", "", "refresh"}) {
+        if (QAction *const known = action(QString::fromLatin1(name)))
+            bar->addAction(known);
+        else
+            bar->addSeparator();
+    }
+}
+
+void MainWindowActions::update()
+{
+    const QueryTab *const tab = m_window.currentTab();
+    for (QAction *const action : std::as_const(m_forTab))
+        action->setEnabled(tab != nullptr);
+    const bool isRunning = tab && tab->isRunning();
+    action(QStringLiteral("run"))->setEnabled(tab && !isRunning);
+    action(QStringLiteral("runBatch"))->setEnabled(tab && !isRunning);
+    action(QStringLiteral("cancel"))->setEnabled(isRunning);
+}

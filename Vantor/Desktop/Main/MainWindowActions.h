@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QAction>
+#include <QHash>
+#include <QKeySequence>
+#include <QObject>
+
+#include <functional>
+
+class MainWindow;
+class QMenu;
+class QueryTab;
+
+/// The menus and the tool bar of a window. What works on a query tab works on the one in front.
+class MainWindowActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindowActions(MainWindow &window);
+
+    /// Enables what can be done now.
+    void update();
+    /// The action with this object name, such as "run"; null when there is none.
+    QAction *action(const QString &name) const;
+
+private:
+    struct Description
+    {
+        const char *name;
+        const char *text;
+        const char *icon = nullptr;
+        QList<QKeySequence> shortcuts = {};
+    };
+
+    QAction *add(QMenu *menu, const Description &description, std::function<void()> perform);
+    /// An action on the tab in front, disabled when there is none.
+    QAction *addForTab(QMenu *menu, const Description &description, std::function<void(QueryTab &)> perform);
+    void makeFileMenu();
+    void makeEditMenu();
+    void makeQueryMenu();
+    void makeViewMenu();
+    void makeHelpMenu();
+    void makeToolBar();
+
+    MainWindow &m_window;
+    QHash<QString, QAction *> m_actions;
+    QList<QAction *> m_forTab;
+};

@@ -1,0 +1,69 @@
+#include "Desktop/Main/StatusLine.h"
+
+#include "Foundation/KNFormat.h"
+
+#include <QLabel>
+#include <QLocale>
+
+StatusLine::StatusLine(QWidget *parent)
+    : QStatusBar(parent)
+    , m_server(addLabel(tr("Server")))
+    , m_login(addLabel(tr("Login")))
+    , m_database(addLabel(tr("Database")))
+    , m_transaction(addLabel(tr("Transaction")))
+    , m_rows(addLabel(tr("Rows")))
+    , m_time(addLabel(tr("Time")))
+{
+    setSizeGripEnabled(false);
+    clearStatus();
+}
+
+QLabel *StatusLine::addLabel(const QString &accessibleName)
+{
+    auto *const label = new QLabel(this);
+    label->setAccessibleName(accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    label->setContentsMargins(6, 0, 6, 0);
+    addPermanentWidget(label);
+    return label;
+}
+
+void StatusLine::setServer(const QString &server, const QString &version)
+{
+    // A version is a page of text; its first line names the product.
+    const QString product =
+        version.section(QLatin1Char('\n'), 0, 0).section(QStringLiteral(" ("), 0, 0).simplified();
+    m_server->setText(product.isEmpty() ? server : KNFormat("%@ · %@", server, product));
+    m_server->setToolTip(version);
+}
+
+void StatusLine::setLogin(const QString &login)
+{
+    m_login->setText(login);
+}
+
+void StatusLine::showStatus(const QueryTabStatus &status)
+{
+    m_database->setText(status.database);
+    m_transaction->setText(status.hasOpenTransaction ? tr("Transaction open") : QString());
+    m_rows->setText(status.rowCount == 1
+                        ? tr("1 row")
+                        : KNFormat("%@ rows", QLocale(QLocale::English).toString(status.rowCount)));
+    m_time->setText(durationText(status.elapsedMilliseconds));
+}
+
+void StatusLine::clearStatus()
+{
+    for (QLabel *const label : {m_database, m_transaction, m_rows, m_time})
+        label->clear();
+}
+
+QString StatusLine::durationText(qint64 milliseconds)
+{
+    const qint64 seconds = milliseconds / 1000;
+    const QString rest = KNFormat("%02ld.%@", seconds % 60,
+                                  QString::number(milliseconds % 1000).rightJustified(3, QLatin1Char('0')));
+    const qint64 hours = seconds / 3600;
+    return hours > 0 ? KNFormat("%ld:%02ld:%@", hours, seconds / 60 % 60, rest)
+                     : KNFormat("%ld:%@", seconds / 60, rest);
+}

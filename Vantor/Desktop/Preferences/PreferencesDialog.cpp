@@ -1,0 +1,112 @@
+#include "Desktop/Preferences/PreferencesDialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFontComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QSpinBox>
+
+#include <limits>
+
+PreferencesDialog::PreferencesDialog(QWidget *parent)
+    : QDialog(parent)
+    , m_font(new QFontComboBox)
+    , m_fontSize(new QSpinBox)
+    , m_tabWidth(new QSpinBox)
+    , m_rowLimit(new QSpinBox)
+    , m_nullText(new QLineEdit)
+    , m_dateFormat(new QComboBox)
+    , m_theme(new QComboBox)
+    , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
+{
+    setWindowTitle(tr("Preferences"));
+    auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
+                                               QDialogButtonBox::RestoreDefaults);
+    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesDialog::reject);
+    connect(buttons->button(QDialogButtonBox::RestoreDefaults), &QPushButton::clicked, this,
+            [this] { show(KNPreferences::defaults()); });
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(makeEditorGroup());
+    layout->addWidget(makeResultsGroup());
+    layout->addWidget(makeProgramGroup());
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    show(KNPreferences::current());
+}
+
+QWidget *PreferencesDialog::makeEditorGroup()
+{
+    auto *const group = new QGroupBox(tr("Editor"));
+    auto *const form = new QFormLayout(group);
+    m_font->setFontFilters(QFontComboBox::MonospacedFonts);
+    m_font->setEditable(false);
+    m_fontSize->setRange(6, 72);
+    m_fontSize->setSuffix(tr(" pt"));
+    m_tabWidth->setRange(1, 16);
+    m_tabWidth->setSuffix(tr(" spaces"));
+    form->addRow(tr("&Font:"), m_font);
+    form->addRow(tr("&Size:"), m_fontSize);
+    form->addRow(tr("&Tab width:"), m_tabWidth);
+    return group;
+}
+
+QWidget *PreferencesDialog::makeResultsGroup()
+{
+    auto *const group = new QGroupBox(tr("Results"));
+    auto *const form = new QFormLayout(group);
+    m_rowLimit->setRange(0, std::numeric_limits<int>::max());
+    m_rowLimit->setSingleStep(1000);
+    m_rowLimit->setGroupSeparatorShown(true);
+    m_rowLimit->setSpecialValueText(tr("All rows"));
+    m_rowLimit->setSuffix(tr(" rows"));
+    m_dateFormat->addItems({tr("To the millisecond"), tr("All digits, as stored")});
+    form->addRow(tr("Keep of each &result:"), m_rowLimit);
+    form->addRow(tr("Show &NULL as:"), m_nullText);
+    form->addRow(tr("Show &dates:"), m_dateFormat);
+    return group;
+}
+
+QWidget *PreferencesDialog::makeProgramGroup()
+{
+    auto *const group = new QGroupBox(tr("Program"));
+    auto *const form = new QFormLayout(group);
+    m_theme->addItems({tr("As the desktop"), tr("Light"), tr("Dark")});
+    form->addRow(tr("&Appearance:"), m_theme);
+    form->addRow(m_reopensTabs);
+    return group;
+}
+
+void PreferencesDialog::show(const KNPreferences &preferences)
+{
+    m_font->setCurrentFont(preferences.editorFont);
+    m_fontSize->setValue(preferences.editorFont.pointSize());
+    m_tabWidth->setValue(preferences.tabWidth);
+    m_rowLimit->setValue(preferences.rowLimit);
+    m_nullText->setText(preferences.nullText);
+    m_dateFormat->setCurrentIndex(static_cast<int>(preferences.dateFormat));
+    m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
+    m_reopensTabs->setChecked(preferences.reopensTabs);
+}
+
+KNPreferences PreferencesDialog::edited() const
+{
+    KNPreferences preferences;
+    preferences.editorFont = m_font->currentFont();
+    preferences.editorFont.setPointSize(m_fontSize->value());
+    preferences.tabWidth = m_tabWidth->value();
+    preferences.rowLimit = m_rowLimit->value();
+    preferences.nullText = m_nullText->text();
+    preferences.dateFormat = static_cast<KNPreferences::DateFormat>(m_dateFormat->currentIndex());
+    preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
+    preferences.reopensTabs = m_reopensTabs->isChecked();
+    return preferences;
+}
+
+void PreferencesDialog::accept()
+{
+    edited().save();
+    QDialog::accept();
+}

@@ -1,0 +1,8 @@
+#include "Implementations/MSSQLBrowserServiceClientEntry.h"
+
+#include "Foundation/KNFormat.h"
+
+QString MSSQLBrowserServiceClientEntry::connectionString() const
+{
+    return KNFormat("%@,%d\\%@", host, port, instance);
+}
