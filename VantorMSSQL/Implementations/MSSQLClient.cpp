@@ -73,10 +73,12 @@ bool MSSQLClient::isConnected() const
 
 void MSSQLClient::disconnect()
 {
-    const KNSemaphoreLocker handle(m_dbProcSemaphore);
+    KNSemaphoreLocker handle(m_dbProcSemaphore);
     if (m_dbProc)
         dbclose(m_dbProc);
     m_dbProc = nullptr;
+    handle.release();
+    m_tunnel.reset();
 }
 
 bool MSSQLClient::beginTransaction(KNError *error)

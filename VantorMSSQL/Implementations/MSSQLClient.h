@@ -10,6 +10,7 @@
 struct tds_dblib_dbprocess;
 struct tds_dblib_loginrec;
 struct MSSQLServerAddress;
+class KNSSHTunnel;
 class MSSQLHandleScope;
 class MSSQLLoginFile;
 
@@ -115,15 +116,18 @@ private:
 
     bool probe(bool useNTLMv2, KNError *error);
     std::optional<MSSQLServerAddress> resolveServer(const MSSQLEncryption &encryption, KNError *error) const;
+    std::optional<MSSQLServerAddress> resolveTunnel(MSSQLEncryption *encryption, KNError *error);
     bool openHandle(tds_dblib_loginrec *login, const MSSQLLoginFile &file);
     KNError loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const;
     bool resolveInstance(QString *server, KNError *error) const;
     bool configureSession(const MSSQLEncryption &encryption, KNError *error);
+    bool runInitialStatements(KNError *error);
     quint64 bytesWritten() const;
     quint64 sizeInClear(const QString &sql) const;
 
     bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error);
+    bool runBatch(const KNQueryDetails &details, KNResultSetHolder &withResultSet, KNError *error);
     Sent sendBatch(const QString &sql);
     bool failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
     bool readResults(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
@@ -143,4 +147,5 @@ private:
     mutable KNSemaphore m_dbProcSemaphore;   ///< taken around every db-lib call on the handle
     tds_dblib_dbprocess *m_dbProc = nullptr; ///< guarded by m_dbProcSemaphore
     MSSQLCancellation m_cancellation;
+    std::shared_ptr<KNSSHTunnel> m_tunnel; ///< while the connection goes through one; for who runs it
 };

@@ -1,18 +1,16 @@
 #include "Foundation/KNAssert.h"
-#include "Foundation/KNHostCache.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
 #include "Implementations/MSSQLBytesWritten.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLClientCallbacks.h"
 #include "Implementations/MSSQLEncryptionCheck.h"
-#include "Implementations/MSSQLInstancePort.h"
+#include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLLoginFile.h"
 #include "Implementations/MSSQLMessageList.h"
-
-#include <QHostAddress>
-#include <QRegularExpression>
-#include <QUrl>
+#include "SQL/KNQuerySplitter.h"
+#include "SSH/KNSSHCommand.h"
+#include "SSH/KNSSHTunnel.h"
 
 #include <sybdb.h>
 
@@ -22,8 +20,7 @@
 
 namespace {
 
-const QString LoginErrorDomain = QStringLiteral("com.quorvex.mssql.databaseConnection");
-constexpr int EncryptionFailed = 1; ///< the code of a login error that no other protocol version would mend
+using namespace MSSQLLoginError;
 const QString SourcePath = QStringLiteral("Implementations/MSSQLClient");
 
 struct LoginDeleter
@@ -42,49 +39,6 @@ KNSemaphore &connectSemaphore()
 const char *yesOrNo(bool flag)
 {
     return flag ? "YES" : "NO";
-}
-
-/// Where the name ends: the earliest separator, or the end. An IPv6 address in brackets is a name.
-qsizetype endOfServerName(const QString &text)
-{
-    static const QRegularExpression separators(QStringLiteral("[,:\\\\]"));
-    const qsizetype bracket = text.startsWith(QLatin1Char('[')) ? text.indexOf(QLatin1Char(']')) : -1;
-    const qsizetype end = text.indexOf(separators, bracket + 1);
-    return end < 0 ? text.size() : end;
-}
-
-/// server\instance:port as server:port\instance
-QString withPortBeforeInstance(const QString &text)
-{
-    const qsizetype backslash = text.indexOf(QLatin1Char('\\'));
-    const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
-    if (backslash < 0 || colon < backslash)
-        return text;
-    return text.left(backslash) + text.mid(colon) + text.mid(backslash, colon - backslash);
-}
-
-/// The name of the server without brackets, instance and port, as a look-up in DNS and a certificate take it;
-/// empty when it is none.
-QString hostNameOf(const QString &host)
-{
-    static const QRegularExpression name(QStringLiteral("\\A[A-Za-z0-9._:%-]{1,230}\\z"));
-    const bool isAddress = !QHostAddress(host).isNull();
-    QString text = isAddress ? host : host.left(endOfServerName(host));
-    text.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    if (std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() >= 0x80; }))
-        text = QString::fromLatin1(QUrl::toAce(text));
-    return name.match(text).hasMatch() ? text : QString();
-}
-
-/// The port in address:port and address:port\instance, the default one when there is none; 0 for what is no
-/// port.
-quint16 portIn(const QString &server)
-{
-    constexpr quint16 DefaultPort = 1433;
-    const qsizetype end = endOfServerName(server);
-    if (end == server.size())
-        return DefaultPort;
-    return server.mid(end + 1).section(QLatin1Char('\\'), 0, 0).toUShort();
 }
 
 /// Variables with which db-lib would let itself be sent elsewhere, or write passwords to a file. Logins are
@@ -108,7 +62,13 @@ KNError loginErrorFromMessages(const QList<DatabaseMessage> &messages)
     if (texts.isEmpty())
         KNLogHelper::sharedInstance()->logMessage("Failed to login. Unknown reason. %ld messages. (%@).",
                                                   messages.size(), texts.join(QLatin1Char(',')));
-    return KNError(LoginErrorDomain, 0, texts.join(QStringLiteral("\r\n")));
+    return KNError(Domain, 0, texts.join(QStringLiteral("\r\n")));
+}
+
+/// Whether no other protocol version would mend it.
+bool isHopeless(const KNError &error)
+{
+    return error.domain() == KNSSHCommand::ErrorDomain || error.code() == Hopeless;
 }
 
 } // namespace
@@ -139,7 +99,7 @@ bool MSSQLClient::connect(KNError *error)
     error->clear();
     if (probe(false, error))
         return true;
-    if (error->code() == EncryptionFailed ||
+    if (isHopeless(*error) ||
         error->localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
         return false;
     if (!m_databaseConnectionDetails->username().contains(QLatin1Char('\\')))
@@ -161,7 +121,7 @@ bool MSSQLClient::probe(bool useNTLMv2, KNError *error)
         if (isFirstAttempt &&
             failure.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
             return false;
-        if (failure.code() == EncryptionFailed)
+        if (isHopeless(failure))
             return false;
     }
     return false;
@@ -190,22 +150,24 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
              SourcePath);
     KNAssert(!details->username().isNull(), "Database connection username cannot be nil.",
              "Implementations/MSSQLClient");
+    const auto tunnel = m_tunnel; // the next attempt goes the same way
     disconnect();
     KNLogHelper *log = KNLogHelper::sharedInstance();
     log->registerSecret(details->password());
     log->logMessage("Going to dbopen with NTLMv2: %@. TDS: %ld.", yesOrNo(useNTLMv2), tdsVersion);
 
     MSSQLMessageList::sharedInstance().clearMessage();
-    const auto encryption = details->encryption(error);
+    auto encryption = details->encryption(error);
     if (!encryption)
         return false;
-    const auto server = resolveServer(*encryption, error);
+    const auto server = details->sshTunnelModel().isUsed() ? resolveTunnel(&*encryption, error)
+                                                           : resolveServer(*encryption, error);
     if (!server)
         return false;
     std::optional<MSSQLLoginFile> file(std::in_place, *server, *encryption);
     if (file->path().isEmpty()) {
         *error = KNError(
-            LoginErrorDomain, 0,
+            Domain, 0,
             QStringLiteral("A private file for the login could not be written to the folder for temporary "
                            "files (TMPDIR, or /tmp). Check that it exists, has room and may be written to."));
         return false;
@@ -221,6 +183,7 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     DBSETLAPP(login.get(), "Vantor for MSSQL (https://vantor.example)");
     dbsetlversion(login.get(), static_cast<BYTE>(tdsVersion));
     dbsetlbool(login.get(), useNTLMv2, DBSETNTLMV2);
+    dbsetlbool(login.get(), details->isReadOnlyIntended(), DBSETREADONLY);
     if (!details->database().isEmpty())
         DBSETLDBNAME(login.get(), details->database().toUtf8().constData());
 
@@ -241,32 +204,17 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     return configureSession(*encryption, error);
 }
 
-/// Where to connect to. The address is looked up here, before all other logins wait, except where the
-/// certificate must be for the name: db-lib compares it with what it connects to, and looks the name up
-/// itself.
-std::optional<MSSQLServerAddress> MSSQLClient::resolveServer(const MSSQLEncryption &encryption,
-                                                             KNError *error) const
-{
-    const QString host = m_databaseConnectionDetails->host();
-    QString server = serverTextForHost(host);
-    if (!resolveInstance(&server, error))
-        return std::nullopt;
-    const MSSQLServerAddress address = {hostNameOf(encryption.checksHostName ? host : server),
-                                        portIn(server)};
-    if (!address.host.isEmpty() && address.port != 0)
-        return address;
-    *error = KNError(LoginErrorDomain, 0,
-                     KNFormat("\"%@\" is not the name of a server. Give server, server,port or "
-                              "server\\instance.",
-                              host));
-    return std::nullopt;
-}
-
 /// The login failure from what the server and db-lib said, or, where neither knows why, from a look at how
 /// the server encrypts.
 KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const
 {
     constexpr int LongestCheck = 5; // seconds
+    if (m_tunnel && m_tunnel->couldNotReachHost())
+        return KNError(Domain, Hopeless,
+                       KNFormat("The SSH server %@ could not reach %@. Its name and port must be as that "
+                                "server sees them.",
+                                m_databaseConnectionDetails->sshTunnelModel().host,
+                                m_databaseConnectionDetails->host()));
     const QList<DatabaseMessage> messages = MSSQLMessageList::sharedInstance().messages();
     KNError error = loginErrorFromMessages(messages);
     const bool isExplained =
@@ -280,7 +228,7 @@ KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEnc
     const auto timeout =
         std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), LongestCheck));
     const QString problem = MSSQLEncryptionProblem(server.host, server.port, encryption, timeout);
-    return problem.isNull() ? error : KNError(LoginErrorDomain, EncryptionFailed, problem);
+    return problem.isNull() ? error : KNError(Domain, Hopeless, problem);
 }
 
 bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file)
@@ -298,31 +246,6 @@ bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file)
     const KNSemaphoreLocker locker(m_dbProcSemaphore);
     m_dbProc = handle;
     return handle != nullptr;
-}
-
-/// db-lib would look an instance's port up itself, but waits very long for a silent Browser while all other
-/// logins wait for it.
-bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
-{
-    const qsizetype backslash = server->indexOf(QLatin1Char('\\'));
-    if (backslash < 0 || endOfServerName(*server) < backslash)
-        return true;
-    const QString address = server->left(backslash);
-    const QString instance = server->mid(backslash + 1);
-    const auto timeout = std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), 3));
-    QString plainAddress = address;
-    plainAddress.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    const quint16 port = dbportforinstance(plainAddress, instance, timeout);
-    if (port == 0) {
-        *error = KNError(
-            LoginErrorDomain, 0,
-            KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
-                     "instance name, or give the port: server,port.",
-                     plainAddress, instance));
-        return false;
-    }
-    *server = KNFormat("%@:%d", address, port);
-    return true;
 }
 
 bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *error)
@@ -345,7 +268,7 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *e
     if (encryption.mode == MSSQLEncryption::Mode::Require && bytesWritten() - before <= sizeInClear(sql)) {
         disconnect();
         *error = KNError(
-            LoginErrorDomain, EncryptionFailed,
+            Domain, Hopeless,
             QStringLiteral(
                 "The server encrypts the login alone, and this connection requires that everything is "
                 "encrypted. Someone between you and the server may be changing what they say. Nothing "
@@ -353,7 +276,30 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *e
         return false;
     }
     KNLogHelper::sharedInstance()->logMessage("MSSQLClient::connect configure took %0.2f.", timer.seconds());
-    return true;
+    return runInitialStatements(error);
+}
+
+/// The user's own, batch by batch. The session is of no use without them.
+bool MSSQLClient::runInitialStatements(KNError *error)
+{
+    const QString sql = m_databaseConnectionDetails->initialStatements();
+    if (sql.trimmed().isEmpty())
+        return true;
+    const auto splitter = m_databaseConnectionDetails->createQuerySplitter();
+    splitter->setRequiresFullSplit(true);
+    KNResultSetHolder holder;
+    KNError failure;
+    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
+                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
+    executeQueryDetails(splitter->doSplitQuery(sql), holder, {}, &failure);
+    m_cancellation.clearDeadline();
+    if (!failure)
+        return true;
+    disconnect();
+    *error =
+        KNError(Domain, Hopeless,
+                KNFormat("The connection's initial statements failed. %@", failure.localizedDescription()));
+    return false;
 }
 
 quint64 MSSQLClient::bytesWritten() const
@@ -371,32 +317,4 @@ quint64 MSSQLClient::sizeInClear(const QString &sql) const
     const KNSemaphoreLocker locker(m_dbProcSemaphore);
     const bool hasHeaders = m_dbProc && dbtds(m_dbProc) >= DBTDS_7_2;
     return PacketHeader + (hasHeaders ? TransactionHeaders : 0) + 2 * static_cast<quint64>(sql.size());
-}
-
-QString MSSQLClient::serverTextForHost(const QString &host)
-{
-    if (const QHostAddress literal(host); literal.protocol() == QAbstractSocket::IPv6Protocol)
-        return KNFormat("[%@]", host);
-    QString text = host;
-    text.replace(QLatin1Char(','), QLatin1Char(':'));
-    text = withPortBeforeInstance(text);
-    const qsizetype end = endOfServerName(text);
-    QString name = text.left(end);
-    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
-        name = name.mid(1, name.size() - 2);
-    QString address = KNHostCache::sharedInstance()->cachedIPAddressForHost(name);
-    if (address.contains(QLatin1Char(':')))
-        address = QLatin1Char('[') + address + QLatin1Char(']');
-    return address + text.mid(end);
-}
-
-QString MSSQLClient::azureUserName(const QString &username, const QString &host)
-{
-    QString name = host.left(endOfServerName(host)).toLower();
-    const bool isAzure = name.endsWith(QLatin1String(".database.windows.net")) ||
-                         name.endsWith(QLatin1String(".database.secure.windows.net"));
-    if (!isAzure || username.contains(QLatin1Char('@')))
-        return QString();
-    const QString firstLabel = host.left(host.indexOf(QLatin1Char('.')));
-    return KNFormat("%@@%@", username, firstLabel);
 }

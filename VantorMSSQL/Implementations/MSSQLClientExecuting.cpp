@@ -4,6 +4,7 @@
 #include "Implementations/MSSQLDatabaseResultSet.h"
 #include "Implementations/MSSQLHandleScope.h"
 #include "Implementations/MSSQLMessageList.h"
+#include "Implementations/MSSQLQueryTimer.h"
 
 #include <sybdb.h>
 
@@ -117,6 +118,21 @@ bool MSSQLClient::executeQueryDetails(const KNQueryDetails &details, KNResultSet
                                       KNError *error)
 {
     const MSSQLRunScope run(m_cancellation);
+    const int timeout = m_databaseConnectionDetails->queryTimeout();
+    MSSQLQueryTimer timer(*this, std::chrono::seconds(timeout));
+    const bool complete = runBatch(details, withResultSet, error);
+    if (!timer.stop())
+        return complete;
+    *error =
+        KNError(QStringLiteral("SQLClient"), 0,
+                KNFormat("The batch took longer than the %d seconds that this connection allows, and was "
+                         "stopped.",
+                         timeout));
+    return false;
+}
+
+bool MSSQLClient::runBatch(const KNQueryDetails &details, KNResultSetHolder &withResultSet, KNError *error)
+{
     MSSQLMessageList::sharedInstance().clearMessage();
     if (details.targetQuery.trimmed().isEmpty())
         return true;

@@ -64,6 +64,22 @@ int MSSQLDatabaseConnectionDetails::loginTimeout() const
     return seconds > 0 ? seconds : DefaultLoginTimeout;
 }
 
+int MSSQLDatabaseConnectionDetails::queryTimeout() const
+{
+    return std::max(0, m_sessionParameters.value(QStringLiteral("queryTimeout")).toInt());
+}
+
+bool MSSQLDatabaseConnectionDetails::isReadOnlyIntended() const
+{
+    return m_sessionParameters.value(QStringLiteral("applicationIntent")).toString() ==
+           QLatin1String("readonly");
+}
+
+QString MSSQLDatabaseConnectionDetails::initialStatements() const
+{
+    return m_sessionParameters.value(QStringLiteral("initialStatements")).toString();
+}
+
 std::optional<MSSQLEncryption> MSSQLDatabaseConnectionDetails::encryption(KNError *error) const
 {
     return MSSQLEncryption::fromSessionParameters(m_sessionParameters, error);

@@ -34,6 +34,14 @@ public:
 
     /// Seconds that connecting may take: the session parameter "loginTimeout", 15 when it is not there.
     int loginTimeout() const;
+    /// Seconds that one batch may take: the session parameter "queryTimeout", 0 for any number.
+    int queryTimeout() const;
+    /// Whether the session parameter "applicationIntent" is "readonly": an availability group's listener may
+    /// lead such a session to a replica that can be read only.
+    bool isReadOnlyIntended() const;
+    /// What the user wants every session to begin with, batches of T-SQL: the session parameter
+    /// "initialStatements".
+    QString initialStatements() const;
     /// How the connection is encrypted: the session parameters
     /// - "encryption": "off", "request" (the default) or "require";
     /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified;

@@ -15,6 +15,8 @@ struct MSSQLEncryption
 
     Mode mode = Mode::Request;
     QString trustedCertificateFile; ///< absolute; null when none is named
+    /// PEM; when there is one, the server must show this very certificate, which has been verified.
+    QByteArray pinnedCertificate;
     bool verifiesCertificate = false;
     bool checksHostName = false; ///< never without verifiesCertificate
 

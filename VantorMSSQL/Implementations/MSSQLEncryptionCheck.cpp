@@ -197,8 +197,22 @@ private:
     QByteArray m_written;
 };
 
+/// The certificate that the server has shown, as PEM.
+QByteArray certificateOf(gnutls_session_t session)
+{
+    unsigned count = 0;
+    const gnutls_datum_t *const chain = gnutls_certificate_get_peers(session, &count);
+    gnutls_datum_t pem = {};
+    if (count == 0 || gnutls_pem_base64_encode2("CERTIFICATE", &chain[0], &pem) != GNUTLS_E_SUCCESS)
+        return QByteArray();
+    const QByteArray text(reinterpret_cast<const char *>(pem.data), static_cast<qsizetype>(pem.size));
+    gnutls_free(pem.data);
+    return text;
+}
+
 /// What the server shows in a handshake, measured by the settings.
-QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption)
+QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption,
+                         QByteArray *certificate)
 {
     Handshake handshake(socket, encryption);
     if (const int result = handshake.run(); result != GNUTLS_E_SUCCESS) {
@@ -218,13 +232,17 @@ QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQ
         handshake.session(), encryption.checksHostName ? name.constData() : nullptr, &status);
     if (result != GNUTLS_E_SUCCESS)
         return KNFormat("The server's certificate could not be verified: %@", gnutls_strerror(result));
-    return MSSQLCertificateText(handshake.session(), status, host);
+    const QString problem = MSSQLCertificateText(handshake.session(), status, host);
+    if (problem.isNull() && certificate)
+        *certificate = certificateOf(handshake.session());
+    return problem;
 }
 
 } // namespace
 
 QString MSSQLEncryptionProblem(const QString &host, quint16 port, const MSSQLEncryption &encryption,
-                               std::chrono::milliseconds timeout)
+                               std::chrono::milliseconds timeout, const QString &name,
+                               QByteArray *certificate)
 {
     PreloginSocket socket(timeout);
     if (!socket.connect(host, port) || !socket.sendPacket(preloginAsking(wishFor(encryption.mode))))
@@ -243,7 +261,7 @@ QString MSSQLEncryptionProblem(const QString &host, quint16 port, const MSSQLEnc
                                     "encryption to request or require.")
                    : QString();
     if (agreed != CannotEncrypt)
-        return handshakeProblem(socket, host, encryption);
+        return handshakeProblem(socket, name.isEmpty() ? host : name, encryption, certificate);
     if (encryption.mode != Mode::Require)
         return QString();
     return QStringLiteral(

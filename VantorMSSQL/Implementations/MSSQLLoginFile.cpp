@@ -42,14 +42,18 @@ MSSQLLoginFile::MSSQLLoginFile(const MSSQLServerAddress &server, const MSSQLEncr
     QByteArray text = "[" + m_entry + "]\nhost = " + server.host.toLatin1() +
                       "\nport = " + QByteArray::number(server.port) +
                       "\nencryption = " + modeName(encryption.mode) + '\n';
-    if (encryption.verifiesCertificate && encryption.trustedCertificateFile.isNull()) {
+    const QString trusted = m_folder.filePath(QStringLiteral("trusted.pem"));
+    if (!encryption.pinnedCertificate.isEmpty()) {
+        if (!writePrivate(trusted, encryption.pinnedCertificate))
+            return;
+        text += "ca file = " + QFile::encodeName(trusted) + '\n';
+    } else if (encryption.verifiesCertificate && encryption.trustedCertificateFile.isNull()) {
         text += "ca file = system\n";
     } else if (encryption.verifiesCertificate) {
         // A link, because db-lib cuts paths that are long or hold certain characters.
-        const QString link = m_folder.filePath(QStringLiteral("trusted.pem"));
-        if (!QFile::link(encryption.trustedCertificateFile, link))
+        if (!QFile::link(encryption.trustedCertificateFile, trusted))
             return;
-        text += "ca file = " + QFile::encodeName(link) + '\n';
+        text += "ca file = " + QFile::encodeName(trusted) + '\n';
     }
     text +=
         KNFormat("check certificate hostname = %@\n", encryption.checksHostName ? "yes" : "no").toLatin1();

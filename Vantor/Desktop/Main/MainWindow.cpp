@@ -5,6 +5,7 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNUserDefaults.h"
+#include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
@@ -24,6 +25,25 @@ const QString SplitterKey = QStringLiteral("MainWindowSplitter");
 QString nameOf(const VantorDBC &details)
 {
     return details.alias().isEmpty() ? details.host() : details.alias();
+}
+
+/// The widget below a strip in the connection's colour, where it has one.
+QWidget *withColour(QWidget *widget, const QString &colour)
+{
+    if (colour.isNull())
+        return widget;
+    constexpr int StripHeight = 3;
+    auto *const strip = new QWidget;
+    strip->setFixedHeight(StripHeight);
+    strip->setAutoFillBackground(true);
+    strip->setPalette(QPalette(QColor(colour)));
+    auto *const both = new QWidget;
+    auto *const layout = new QVBoxLayout(both);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(strip);
+    layout->addWidget(widget, 1);
+    return both;
 }
 
 } // namespace
@@ -46,7 +66,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     m_splitter->addWidget(m_tabWidget);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setChildrenCollapsible(false);
-    setCentralWidget(m_splitter);
+    setCentralWidget(withColour(m_splitter, KNDBCTabColorHelper::colorForId(m_details->connectionId())));
     setStatusBar(m_statusLine);
     m_treeActions = new TreeActions(*m_explorer);
     m_actions = new MainWindowActions(*this);
@@ -75,7 +95,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     m_statusLine->setLogin(m_details->username());
     updateServer();
     restoreLayout();
-    updateForCurrentTab();
+    newTab();
 }
 
 MainWindow::~MainWindow() = default;

@@ -1,0 +1,170 @@
+#include "SSH/KNSSHTunnel.h"
+
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+#include "SSH/KNSSHCommand.h"
+#include "SSH/KNSSHHostKey.h"
+#include "SSH/KNSSHProcess.h"
+
+#include <arpa/inet.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+/// The tunnels of the process.
+struct Tunnels
+{
+    std::mutex mutex;
+    std::vector<std::weak_ptr<KNSSHTunnel>> all; ///< guarded by mutex
+};
+
+Tunnels &tunnels()
+{
+    // Never destroyed: connections may still be opened while the program ends.
+    static auto *const instance = new Tunnels;
+    return *instance;
+}
+
+/// A port of the loopback on which nobody listens at the moment; 0 when there is none.
+quint16 freePort()
+{
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto *const generic = reinterpret_cast<sockaddr *>(&address);
+    const bool found = bind(descriptor, generic, size) == 0 && getsockname(descriptor, generic, &size) == 0;
+    close(descriptor);
+    return found ? ntohs(address.sin_port) : 0;
+}
+
+} // namespace
+
+std::shared_ptr<KNSSHTunnel> KNSSHTunnel::open(const KNSSHTunnelModel &model, const QString &host,
+                                               quint16 port, std::chrono::seconds timeout, KNError *error)
+{
+    std::shared_ptr<KNSSHTunnel> tunnel;
+    {
+        const std::lock_guard lock(tunnels().mutex);
+        std::erase_if(tunnels().all, [](const std::weak_ptr<KNSSHTunnel> &one) { return one.expired(); });
+        for (const std::weak_ptr<KNSSHTunnel> &one : tunnels().all) {
+            const auto other = one.lock();
+            if (other && other->leadsTo(model, host, port) && other->isAlive())
+                tunnel = other;
+        }
+        if (!tunnel) {
+            tunnel = std::make_shared<KNSSHTunnel>(Private(), model, host, port, timeout);
+            tunnels().all.push_back(tunnel);
+        }
+    }
+    return tunnel->waitUntilOpen(error) ? tunnel : nullptr;
+}
+
+KNSSHTunnel::KNSSHTunnel(Private, const KNSSHTunnelModel &model, const QString &host, quint16 port,
+                         std::chrono::seconds timeout)
+    : m_model(model)
+    , m_host(host)
+    , m_port(port)
+    , m_timeout(timeout)
+    , m_stop(eventfd(0, EFD_CLOEXEC))
+    , m_keeper([this] { keep(); })
+{
+}
+
+KNSSHTunnel::~KNSSHTunnel()
+{
+    eventfd_write(m_stop, 1);
+    m_keeper.join();
+    close(m_stop);
+}
+
+bool KNSSHTunnel::isAlive() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_state != State::Ended;
+}
+
+bool KNSSHTunnel::couldNotReachHost() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_process && m_process->complaints().contains(QLatin1String("open failed:"));
+}
+
+bool KNSSHTunnel::leadsTo(const KNSSHTunnelModel &model, const QString &host, quint16 port) const
+{
+    return m_model == model && m_host == host && m_port == port;
+}
+
+bool KNSSHTunnel::waitUntilOpen(KNError *error)
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_state != State::Opening; });
+    *error = m_error;
+    return m_state == State::Open;
+}
+
+void KNSSHTunnel::keep()
+{
+    // Somebody may take a port between its being found free and its being bound by ssh.
+    constexpr int Attempts = 3;
+    for (int attempt = 1; attempt <= Attempts; ++attempt) {
+        if (serve(attempt == Attempts))
+            return;
+    }
+}
+
+/// Whether that was all: the tunnel has served, or there is no use in another attempt.
+bool KNSSHTunnel::serve(bool isLastAttempt)
+{
+    const QDeadlineTimer deadline(m_timeout);
+    m_localPort = freePort();
+    KNSSHProcess process(
+        KNSSHCommand::toForward(m_model, m_localPort, m_host, m_port, static_cast<int>(m_timeout.count())));
+    KNSSHProcess::Event event = process.wait(m_stop, deadline);
+    if (event != KNSSHProcess::Event::Output) {
+        const QString complaints = process.complaints();
+        if (complaints.contains(QLatin1String("cannot listen to port")) && !isLastAttempt)
+            return false;
+        change(State::Ended,
+               event == KNSSHProcess::Event::TimedOut
+                   ? KNError(KNSSHCommand::ErrorDomain, KNSSHCommand::Failed,
+                             KNFormat("The SSH server %@ did not answer in time.", m_model.host))
+                   : explained(complaints));
+        return true;
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        m_process = &process;
+    }
+    change(State::Open);
+    while (event == KNSSHProcess::Event::Output)
+        event = process.wait(m_stop, QDeadlineTimer::Forever);
+    KNLogHelper::sharedInstance()->logMessage("The SSH tunnel through %@ has ended. %@", m_model.host,
+                                              process.complaints());
+    {
+        const std::lock_guard lock(m_mutex);
+        m_process = nullptr;
+    }
+    change(State::Ended);
+    return true;
+}
+
+void KNSSHTunnel::change(State state, const KNError &error)
+{
+    const std::lock_guard lock(m_mutex);
+    m_state = state;
+    m_error = error;
+    m_changed.notify_all();
+}
+
+KNError KNSSHTunnel::explained(const QString &complaints) const
+{
+    const KNError error = KNSSHCommand::errorFor(m_model, complaints);
+    if (error.code() != KNSSHCommand::UnknownHost)
+        return error;
+    const auto key = KNSSHHostKey::ask(m_model, QDeadlineTimer(m_timeout));
+    return key ? key->unknownHostError() : error;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Foundation/KNError.h"
+#include "KNSharedExport.h"
+#include "SSH/KNSSHTunnelModel.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+class KNSSHProcess;
+
+/// A port of the loopback that the system's `ssh` forwards to a host and port as an SSH server sees them.
+/// Everybody who goes the same way has the same tunnel; it ends with its last user. Any thread.
+class KNSHARED_EXPORT KNSSHTunnel
+{
+    struct Private
+    {
+    };
+
+public:
+    /// The tunnel, which is opened unless there is one that lives; null with an error in the domain
+    /// KNSSHCommand::ErrorDomain when that fails. Blocks for as long as twice the time-out.
+    static std::shared_ptr<KNSSHTunnel> open(const KNSSHTunnelModel &model, const QString &host, quint16 port,
+                                             std::chrono::seconds timeout, KNError *error);
+
+    KNSSHTunnel(Private, const KNSSHTunnelModel &model, const QString &host, quint16 port,
+                std::chrono::seconds timeout);
+    ~KNSSHTunnel();
+    KNSSHTunnel(const KNSSHTunnel &) = delete;
+    KNSSHTunnel &operator=(const KNSSHTunnel &) = delete;
+
+    /// On 127.0.0.1.
+    quint16 localPort() const { return m_localPort; }
+    bool isAlive() const;
+    /// Whether the SSH server could not reach the host, so far as it has said.
+    bool couldNotReachHost() const;
+
+private:
+    enum class State { Opening, Open, Ended };
+
+    bool leadsTo(const KNSSHTunnelModel &model, const QString &host, quint16 port) const;
+    bool waitUntilOpen(KNError *error);
+    void keep();
+    bool serve(bool isLastAttempt);
+    void change(State state, const KNError &error = {});
+    KNError explained(const QString &complaints) const;
+
+    const KNSSHTunnelModel m_model;
+    const QString m_host;
+    const quint16 m_port;
+    const std::chrono::seconds m_timeout;
+    const int m_stop; ///< an eventfd
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    State m_state = State::Opening;    ///< guarded by m_mutex
+    KNError m_error;                   ///< guarded by m_mutex
+    KNSSHProcess *m_process = nullptr; ///< guarded by m_mutex
+    quint16 m_localPort = 0;           ///< set before it is open
+    std::thread m_keeper;              ///< ssh ends with the thread that has started it
+};

@@ -1,0 +1,182 @@
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNHostCache.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLEncryptionCheck.h"
+#include "Implementations/MSSQLInstancePort.h"
+#include "Implementations/MSSQLLoginError.h"
+#include "Implementations/MSSQLLoginFile.h"
+#include "SSH/KNSSHTunnel.h"
+
+#include <QHostAddress>
+#include <QRegularExpression>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+/// Where the name ends: the earliest separator, or the end. An IPv6 address in brackets is a name.
+qsizetype endOfServerName(const QString &text)
+{
+    static const QRegularExpression separators(QStringLiteral("[,:\\\\]"));
+    const qsizetype bracket = text.startsWith(QLatin1Char('[')) ? text.indexOf(QLatin1Char(']')) : -1;
+    const qsizetype end = text.indexOf(separators, bracket + 1);
+    return end < 0 ? text.size() : end;
+}
+
+/// server\instance:port as server:port\instance
+QString withPortBeforeInstance(const QString &text)
+{
+    const qsizetype backslash = text.indexOf(QLatin1Char('\\'));
+    const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
+    if (backslash < 0 || colon < backslash)
+        return text;
+    return text.left(backslash) + text.mid(colon) + text.mid(backslash, colon - backslash);
+}
+
+/// The name of the server without brackets, instance and port, as a look-up in DNS and a certificate take it;
+/// empty when it is none.
+QString hostNameOf(const QString &host)
+{
+    static const QRegularExpression name(QStringLiteral("\\A[A-Za-z0-9._:%-]{1,230}\\z"));
+    const bool isAddress = !QHostAddress(host).isNull();
+    QString text = isAddress ? host : host.left(endOfServerName(host));
+    text.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
+    if (std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() >= 0x80; }))
+        text = QString::fromLatin1(QUrl::toAce(text));
+    return name.match(text).hasMatch() ? text : QString();
+}
+
+/// The port in address:port and address:port\instance, the default one when there is none; 0 for what is no
+/// port.
+quint16 portIn(const QString &server)
+{
+    constexpr quint16 DefaultPort = 1433;
+    const qsizetype end = endOfServerName(server);
+    if (end == server.size())
+        return DefaultPort;
+    return server.mid(end + 1).section(QLatin1Char('\\'), 0, 0).toUShort();
+}
+
+KNError noServerError(const QString &host)
+{
+    return KNError(MSSQLLoginError::Domain, 0,
+                   KNFormat("\"%@\" is not the name of a server. Give server, server,port or "
+                            "server\\instance.",
+                            host));
+}
+
+} // namespace
+
+/// Where to connect to. The address is looked up here, before all other logins wait, except where the
+/// certificate must be for the name: db-lib compares it with what it connects to, and looks the name up
+/// itself.
+std::optional<MSSQLServerAddress> MSSQLClient::resolveServer(const MSSQLEncryption &encryption,
+                                                             KNError *error) const
+{
+    const QString host = m_databaseConnectionDetails->host();
+    QString server = serverTextForHost(host);
+    if (!resolveInstance(&server, error))
+        return std::nullopt;
+    const MSSQLServerAddress address = {hostNameOf(encryption.checksHostName ? host : server),
+                                        portIn(server)};
+    if (!address.host.isEmpty() && address.port != 0)
+        return address;
+    *error = noServerError(host);
+    return std::nullopt;
+}
+
+/// The near end of the tunnel. Names are looked up at its far end. Where the certificate must be for the
+/// server's name, which db-lib would compare with the near end's, it is looked at here first, and db-lib
+/// takes that very certificate then and no other.
+std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *encryption, KNError *error)
+{
+    const MSSQLDatabaseConnectionDetails &details = *m_databaseConnectionDetails;
+    QString server = details.host();
+    server = withPortBeforeInstance(server.replace(QLatin1Char(','), QLatin1Char(':')));
+    const QString name = hostNameOf(details.host());
+    const qsizetype end = endOfServerName(server);
+    if (end < server.size() && server.at(end) == QLatin1Char('\\')) {
+        *error = KNError(MSSQLLoginError::Domain, MSSQLLoginError::Hopeless,
+                         QStringLiteral("The port of an instance cannot be asked for through an SSH tunnel. "
+                                        "Give it: server,port."));
+        return std::nullopt;
+    }
+    const quint16 port = portIn(server);
+    if (name.isEmpty() || port == 0) {
+        *error = noServerError(details.host());
+        return std::nullopt;
+    }
+    const std::chrono::seconds timeout(details.loginTimeout());
+    m_tunnel = KNSSHTunnel::open(details.sshTunnelModel(), name, port, timeout, error);
+    if (!m_tunnel)
+        return std::nullopt;
+    const MSSQLServerAddress nearEnd = {QStringLiteral("127.0.0.1"), m_tunnel->localPort()};
+    if (!encryption->checksHostName)
+        return nearEnd;
+    QByteArray certificate;
+    const QString problem =
+        MSSQLEncryptionProblem(nearEnd.host, nearEnd.port, *encryption, timeout, name, &certificate);
+    if (!problem.isNull()) {
+        *error = KNError(MSSQLLoginError::Domain, MSSQLLoginError::Hopeless, problem);
+        return std::nullopt;
+    }
+    if (!certificate.isEmpty()) {
+        encryption->pinnedCertificate = certificate;
+        encryption->checksHostName = false;
+    }
+    return nearEnd;
+}
+
+/// db-lib would look an instance's port up itself, but waits very long for a silent Browser while all other
+/// logins wait for it.
+bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
+{
+    const qsizetype backslash = server->indexOf(QLatin1Char('\\'));
+    if (backslash < 0 || endOfServerName(*server) < backslash)
+        return true;
+    const QString address = server->left(backslash);
+    const QString instance = server->mid(backslash + 1);
+    const auto timeout = std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), 3));
+    QString plainAddress = address;
+    plainAddress.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
+    const quint16 port = dbportforinstance(plainAddress, instance, timeout);
+    if (port == 0) {
+        *error = KNError(
+            MSSQLLoginError::Domain, 0,
+            KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
+                     "instance name, or give the port: server,port.",
+                     plainAddress, instance));
+        return false;
+    }
+    *server = KNFormat("%@:%d", address, port);
+    return true;
+}
+
+QString MSSQLClient::serverTextForHost(const QString &host)
+{
+    if (const QHostAddress literal(host); literal.protocol() == QAbstractSocket::IPv6Protocol)
+        return KNFormat("[%@]", host);
+    QString text = host;
+    text.replace(QLatin1Char(','), QLatin1Char(':'));
+    text = withPortBeforeInstance(text);
+    const qsizetype end = endOfServerName(text);
+    QString name = text.left(end);
+    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
+        name = name.mid(1, name.size() - 2);
+    QString address = KNHostCache::sharedInstance()->cachedIPAddressForHost(name);
+    if (address.contains(QLatin1Char(':')))
+        address = QLatin1Char('[') + address + QLatin1Char(']');
+    return address + text.mid(end);
+}
+
+QString MSSQLClient::azureUserName(const QString &username, const QString &host)
+{
+    QString name = host.left(endOfServerName(host)).toLower();
+    const bool isAzure = name.endsWith(QLatin1String(".database.windows.net")) ||
+                         name.endsWith(QLatin1String(".database.secure.windows.net"));
+    if (!isAzure || username.contains(QLatin1Char('@')))
+        return QString();
+    const QString firstLabel = host.left(host.indexOf(QLatin1Char('.')));
+    return KNFormat("%@@%@", username, firstLabel);
+}
