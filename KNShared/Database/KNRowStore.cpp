@@ -1,7 +1,5 @@
 #include "Database/KNRowStore.h"
 
-#include <QStringDecoder>
-
 #include <algorithm>
 #include <cstdlib>
 #include <new>
@@ -22,47 +20,12 @@ std::size_t writeVarint(unsigned char *place, std::size_t number)
     return written;
 }
 
-std::size_t readVarint(const unsigned char *&position)
-{
-    std::size_t number = 0;
-    int shift = 0;
-    while (*position & 0x80) {
-        number |= static_cast<std::size_t>(*position++ & 0x7F) << shift;
-        shift += 7;
-    }
-    return number | static_cast<std::size_t>(*position++) << shift;
-}
-
 template <typename Fixed>
 Fixed readFixed(const unsigned char *position)
 {
     Fixed value;
     std::memcpy(&value, position, sizeof value);
     return value;
-}
-
-QString guidText(const unsigned char *b)
-{
-    static constexpr int order[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-    static constexpr char digits[] = "0123456789ABCDEF";
-    QString text;
-    text.reserve(36);
-    for (int i = 0; i < 16; ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10)
-            text += QLatin1Char('-');
-        text += QLatin1Char(digits[b[order[i]] >> 4]);
-        text += QLatin1Char(digits[b[order[i]] & 15]);
-    }
-    return text;
-}
-
-KNValue textValue(const unsigned char *data, std::size_t length)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(QByteArrayView(data, static_cast<qsizetype>(length)));
-    if (decoder.hasError())
-        return KNValue();
-    return KNValue(text.isNull() ? QStringLiteral("") : text);
 }
 
 } // namespace
@@ -94,20 +57,10 @@ struct KNRowStore::Block
     qsizetype rows = 0; ///< rows ended in this block; writing thread only
 };
 
-/// An encoded cell: its tag, its payload and where the next cell begins.
-struct KNRowStore::Cell
-{
-    Tag tag;
-    const unsigned char *data;
-    std::size_t length;
-    const unsigned char *end() const { return data + length; }
-    KNValue value() const;
-};
-
 KNRowStore::KNRowStore() = default;
 KNRowStore::~KNRowStore() = default;
 
-void KNRowStore::appendVariable(Tag tag, const void *data, std::size_t length)
+void KNRowStore::appendVariable(KNRowCell::Tag tag, const void *data, std::size_t length)
 {
     // A tag, at most ten bytes of length, and the payload.
     unsigned char *place = reserve(11 + length);
@@ -121,14 +74,14 @@ void KNRowStore::appendVariable(Tag tag, const void *data, std::size_t length)
 void KNRowStore::appendGuid(const unsigned char *bytes)
 {
     unsigned char *place = reserve(17);
-    *place = TagGuid;
+    *place = KNRowCell::Guid;
     std::memcpy(place + 1, bytes, 16);
 }
 
 void KNRowStore::appendDate(const KNDateTime &value)
 {
     unsigned char *place = reserve(10);
-    place[0] = TagDate;
+    place[0] = KNRowCell::Date;
     place[1] = static_cast<unsigned char>(static_cast<int>(value.parts) << 4 | value.fractionDigits);
     std::memcpy(place + 2, &value.ticks, sizeof value.ticks);
 }
@@ -142,7 +95,7 @@ void KNRowStore::appendDecimal(const unsigned char *magnitude, std::size_t lengt
     if (length > 16)
         return appendNull();
     unsigned char *place = reserve(3 + length);
-    place[0] = negative ? TagNegativeDecimal : TagDecimal;
+    place[0] = negative ? KNRowCell::NegativeDecimal : KNRowCell::Decimal;
     place[1] = static_cast<unsigned char>(scale);
     place[2] = static_cast<unsigned char>(length);
     if (length)
@@ -245,6 +198,7 @@ qsizetype KNRowStore::droppedRowCount() const
 }
 
 const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount) const
+const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount, qsizetype *endRow) const
 {
     const std::lock_guard lock(m_mutex);
     *columnCount = m_columnCount;
@@ -252,76 +206,19 @@ const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCou
         return nullptr;
     const auto behind = std::upper_bound(m_blocks.begin(), m_blocks.end(), row,
                                          [](qsizetype r, const auto &block) { return r < block->firstRow; });
+    if (endRow)
+        *endRow = behind == m_blocks.end() ? m_published : std::min(m_published, (*behind)->firstRow);
     return std::prev(behind)->get();
 }
 
-KNRowStore::Cell KNRowStore::cellAt(const unsigned char *position)
+const unsigned char *KNRowStore::rowIn(const Block &block, qsizetype row)
 {
-    const auto tag = static_cast<Tag>(*position++);
-    switch (tag) {
-    case TagNull:
-    case TagFalse:
-    case TagTrue:
-        return {tag, position, 0};
-    case TagInt32:
-    case TagFloat:
-        return {tag, position, 4};
-    case TagInt64:
-    case TagDouble:
-        return {tag, position, 8};
-    case TagGuid:
-        return {tag, position, 16};
-    case TagDate:
-        return {tag, position, 9};
-    case TagDecimal:
-    case TagNegativeDecimal:
-        return {tag, position, 2 + std::size_t{position[1]}};
-    case TagText:
-    case TagBytes: {
-        const std::size_t length = readVarint(position);
-        return {tag, position, length};
-    }
-    }
-    return {TagNull, position, 0};
+    return block.row(row);
 }
 
-KNValue KNRowStore::Cell::value() const
+qsizetype KNRowStore::firstRowOf(const Block &block)
 {
-    switch (tag) {
-    case TagNull:
-        return KNValue();
-    case TagFalse:
-        return KNValue(false);
-    case TagTrue:
-        return KNValue(true);
-    case TagInt32:
-        return KNValue(readFixed<qint32>(data));
-    case TagInt64:
-        return KNValue(readFixed<qint64>(data));
-    case TagFloat:
-        return KNValue(readFixed<float>(data));
-    case TagDouble:
-        return KNValue(readFixed<double>(data));
-    case TagText:
-        return textValue(data, length);
-    case TagBytes:
-        return KNValue(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length)));
-    case TagGuid:
-        return KNValue(guidText(data));
-    case TagDate: {
-        KNDateTime date;
-        date.parts = static_cast<KNDateTime::Parts>(data[0] >> 4);
-        date.fractionDigits = data[0] & 15;
-        date.ticks = readFixed<qint64>(data + 1);
-        return KNValue(date);
-    }
-    case TagDecimal:
-    case TagNegativeDecimal: {
-        const auto decimal = KNDecimal::fromBigEndian(data + 2, data[1], tag == TagNegativeDecimal, data[0]);
-        return decimal ? KNValue(*decimal) : KNValue();
-    }
-    }
-    return KNValue();
+    return block.firstRow;
 }
 
 KNValue KNRowStore::value(qsizetype row, qsizetype column) const
@@ -330,9 +227,9 @@ KNValue KNRowStore::value(qsizetype row, qsizetype column) const
     const Block *block = blockOf(row, &columnCount);
     if (!block || column < 0 || column >= columnCount)
         return KNValue();
-    Cell cell = cellAt(block->row(row));
+    KNRowCell cell = KNRowCell::at(block->row(row));
     while (column-- > 0)
-        cell = cellAt(cell.end());
+        cell = KNRowCell::at(cell.end());
     return cell.value();
 }
 
@@ -346,7 +243,7 @@ KNRow KNRowStore::row(qsizetype row) const
     values.reserve(columnCount);
     const unsigned char *position = block->row(row);
     while (values.size() < columnCount) {
-        const Cell cell = cellAt(position);
+        const KNRowCell cell = KNRowCell::at(position);
         values.append(cell.value());
         position = cell.end();
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/KNValue.h"
+#include "Database/KNRowCell.h"
 #include "KNSharedExport.h"
 
 #include <QList>
@@ -35,15 +35,18 @@ public:
     /// \name Writing, on the one writing thread
     /// @{
     void beginRow() { m_rowStart = m_cursor; }
-    void appendNull() { *reserve(1) = TagNull; }
-    void appendBool(bool value) { *reserve(1) = value ? TagTrue : TagFalse; }
-    void appendInt32(qint32 value) { appendFixed(TagInt32, value); }
-    void appendInt64(qint64 value) { appendFixed(TagInt64, value); }
-    void appendFloat(float value) { appendFixed(TagFloat, value); }
-    void appendDouble(double value) { appendFixed(TagDouble, value); }
+    void appendNull() { *reserve(1) = KNRowCell::Null; }
+    void appendBool(bool value) { *reserve(1) = value ? KNRowCell::True : KNRowCell::False; }
+    void appendInt32(qint32 value) { appendFixed(KNRowCell::Int32, value); }
+    void appendInt64(qint64 value) { appendFixed(KNRowCell::Int64, value); }
+    void appendFloat(float value) { appendFixed(KNRowCell::Float, value); }
+    void appendDouble(double value) { appendFixed(KNRowCell::Double, value); }
     /// Text in UTF-8. Text that does not decode reads as null.
-    void appendText(const void *utf8, std::size_t length) { appendVariable(TagText, utf8, length); }
-    void appendBytes(const void *bytes, std::size_t length) { appendVariable(TagBytes, bytes, length); }
+    void appendText(const void *utf8, std::size_t length) { appendVariable(KNRowCell::Text, utf8, length); }
+    void appendBytes(const void *bytes, std::size_t length)
+    {
+        appendVariable(KNRowCell::Bytes, bytes, length);
+    }
     /// The sixteen bytes of a GUID as SQL Server stores it (the first three groups little-endian). Reads as
     /// its standard text form.
     void appendGuid(const unsigned char *bytes);
@@ -89,24 +92,8 @@ public:
     /// @}
 
 private:
-    enum Tag : unsigned char {
-        TagNull,
-        TagFalse,
-        TagTrue,
-        TagInt32,
-        TagInt64,
-        TagFloat,
-        TagDouble,
-        TagText,
-        TagBytes,
-        TagGuid,
-        TagDate,
-        TagDecimal,
-        TagNegativeDecimal,
-    };
-
+    friend class KNRowReader;
     struct Block;
-    struct Cell;
 
     unsigned char *reserve(std::size_t size)
     {
@@ -117,16 +104,18 @@ private:
         return place;
     }
     template <typename Fixed>
-    void appendFixed(Tag tag, Fixed value)
+    void appendFixed(KNRowCell::Tag tag, Fixed value)
     {
         unsigned char *place = reserve(1 + sizeof value);
         *place = tag;
         std::memcpy(place + 1, &value, sizeof value);
     }
-    void appendVariable(Tag tag, const void *data, std::size_t length);
+    void appendVariable(KNRowCell::Tag tag, const void *data, std::size_t length);
     void moveToBlockFor(std::size_t size);
-    const Block *blockOf(qsizetype row, qsizetype *columnCount) const;
-    static Cell cellAt(const unsigned char *position);
+    /// The block of a published row, and where it ends; null outside.
+    const Block *blockOf(qsizetype row, qsizetype *columnCount, qsizetype *endRow = nullptr) const;
+    static const unsigned char *rowIn(const Block &block, qsizetype row);
+    static qsizetype firstRowOf(const Block &block);
 
     unsigned char *m_rowStart =
         nullptr; ///< where the row being written begins; writing thread only, as all four

@@ -1,5 +1,7 @@
 #include "Database/VantorDBC.h"
 
+#include "RowEditing/ResultSetViewControllerHelper.h"
+
 VantorDBC::VantorDBC() = default;
 VantorDBC::~VantorDBC() = default;
 
@@ -28,6 +30,31 @@ void VantorDBC::getHostAndPortForServer(const QString &server, quint16 *port, QS
     const uint number = text.mid(separator + 1).trimmed().toUInt(&isNumber);
     if (isNumber && number > 0 && number <= 65535)
         *port = static_cast<quint16>(number);
+}
+
+std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewControllerHelper() const
+{
+    return std::make_unique<ResultSetViewControllerHelper>();
+}
+
+QString VantorDBC::quotedName(const QString &name) const
+{
+    QString inside = name;
+    inside.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    return QLatin1Char('"') + inside + QLatin1Char('"');
+}
+
+QString VantorDBC::literal(const KNValue &value) const
+{
+    if (value.isNull())
+        return QStringLiteral("NULL");
+    if (value.isNumber())
+        return value.displayText();
+    if (value.kind() == KNValue::Kind::Bytes)
+        return QStringLiteral("X'") + value.displayText().mid(2) + QLatin1Char('\'');
+    QString text = value.displayText();
+    text.replace(QLatin1Char('\''), QLatin1String("''"));
+    return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
 bool VantorDBC::opensSameSession(const VantorDBC &other) const

@@ -13,6 +13,8 @@ class DatabaseTreeEntryServerRoot;
 class KNAutocompleteHelper;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
+class KNValue;
+class ResultSetViewControllerHelper;
 class VantorDatabaseClient;
 class VantorDBC;
 
@@ -69,6 +71,14 @@ public:
     virtual KNAutocompleteHelper *sharedAutocompleteHelper() const { return nullptr; }
     /// The catalog queries for these settings' server.
     virtual std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const = 0;
+    /// What result grids ask about the values of these settings' server; by default it shows them as they
+    /// are.
+    virtual std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const;
+    /// A name of a table or column, quoted where the server's language wants it; "name" by default.
+    virtual QString quotedName(const QString &name) const;
+    /// A value as the server's language writes it in a statement, without loss where the language can; by
+    /// default as standard SQL has it.
+    virtual QString literal(const KNValue &value) const;
     /// A text for people and caches; never holds the password.
     virtual QString description() const = 0;
     /// What is worth remembering after a successful connect, so that the next one is quicker.

@@ -1,4 +1,4 @@
-#include "CommandLine/ResultWriter.h"
+#include "CommandLine/OutputFormat.h"
 #include "Support/PrintQt.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ QByteArray written(const char *format, const QList<Result> &results)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    const auto writer = ResultWriter::create(QString::fromLatin1(format), buffer);
+    const auto writer = createResultWriter(QString::fromLatin1(format), buffer);
     writer->beginRun();
     for (const Result &result : results) {
         writer->beginResult(result.columns);
@@ -138,7 +138,7 @@ TEST(ResultFormats, TellWhenTheOutputCannotBeWritten)
 {
     FullDevice device;
     device.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-    const auto writer = ResultWriter::create(QStringLiteral("csv"), device);
+    const auto writer = createResultWriter(QStringLiteral("csv"), device);
     writer->beginResult({QStringLiteral("a")});
     writer->endResult();
     EXPECT_FALSE(writer->isGood());
@@ -147,5 +147,5 @@ TEST(ResultFormats, TellWhenTheOutputCannotBeWritten)
 TEST(ResultFormats, AreThree)
 {
     QBuffer buffer;
-    EXPECT_EQ(ResultWriter::create(QStringLiteral("xml"), buffer), nullptr);
+    EXPECT_EQ(createResultWriter(QStringLiteral("xml"), buffer), nullptr);
 }

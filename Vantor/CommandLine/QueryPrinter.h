@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CommandLine/ResultWriter.h"
 #include "CommandLine/Terminal.h"
 #include "Database/KNResultSetHolder.h"
+#include "Export/ResultWriter.h"
 
 #include <QSet>
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "CommandLine/ResultWriter.h"
+#include "Export/DeviceWriter.h"
 
 /// A table for people: columns as wide as their first rows need, numbers to the right, NULL written out, line
 /// ends and tabs shown as signs. Wider values that come later push their row out of line rather than being
 /// cut.
-class TableWriter : public ResultWriter
+class TableWriter : public DeviceWriter
 {
 public:
     explicit TableWriter(QIODevice &device)
-        : ResultWriter(device)
+        : DeviceWriter(device)
     {
     }
 

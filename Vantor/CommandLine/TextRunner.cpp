@@ -2,6 +2,7 @@
 
 #include "CommandLine/ErrorExcerpt.h"
 #include "CommandLine/ExitStatus.h"
+#include "CommandLine/OutputFormat.h"
 #include "CommandLine/QueryPrinter.h"
 #include "CommandLine/Terminal.h"
 #include "Foundation/KNAssert.h"
@@ -28,7 +29,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     QFile output;
     if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Terminal::fail(ExitUsage, QStringLiteral("Standard output cannot be written."));
-    const auto writer = ResultWriter::create(format, output);
+    const auto writer = createResultWriter(format, output);
     KNResultSetHolder holder;
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
     holder.setReadAhead(QueryPrinter::ReadAhead);

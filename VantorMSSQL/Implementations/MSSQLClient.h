@@ -99,6 +99,12 @@ public:
     /// A literal for generated scripts: as escapeColumnValue(), but upper-case hexadecimal, dates in quotes
     /// to the second, and the text "null" in any case means NULL.
     static QString databaseProviderEscape(const KNValue &value);
+    /// One name, without parts, in brackets where it needs them; a "]" inside of them is doubled.
+    static QString quotedName(const QString &name);
+    /// A literal that gives the same value again whatever the session's language and the database's code page
+    /// are: as escapeColumnValue(), but text outside of ASCII has the prefix N, and dates stand in quotes in
+    /// the form of ISO 8601.
+    static QString literal(const KNValue &value);
     /// @}
 
     /// How db-lib is told of a server: the host text with its name replaced by its address, as

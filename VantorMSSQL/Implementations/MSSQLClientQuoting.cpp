@@ -99,3 +99,28 @@ QString MSSQLClient::databaseProviderEscape(const KNValue &value)
         return escapeColumnValue(value);
     }
 }
+
+QString MSSQLClient::quotedName(const QString &name)
+{
+    if (!name.isEmpty() && !needsBrackets(name))
+        return name;
+    QString inside = name;
+    inside.replace(QLatin1Char(']'), QLatin1String("]]"));
+    return QLatin1Char('[') + inside + QLatin1Char(']');
+}
+
+QString MSSQLClient::literal(const KNValue &value)
+{
+    switch (value.kind()) {
+    case KNValue::Kind::Text: {
+        const QString text = value.text();
+        const bool isAscii =
+            std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+        return isAscii ? textLiteral(text) : QLatin1Char('N') + textLiteral(text);
+    }
+    case KNValue::Kind::Date:
+        return textLiteral(value.displayText().replace(QLatin1Char(' '), QLatin1Char('T')));
+    default:
+        return escapeColumnValue(value);
+    }
+}

@@ -7,6 +7,7 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLInstancePort.h"
 #include "Implementations/MSSQLQuerySplitter.h"
+#include "Implementations/MSSQLResultSetViewControllerHelper.h"
 #include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
@@ -111,6 +112,22 @@ MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
 std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
 {
     return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
+}
+
+std::unique_ptr<ResultSetViewControllerHelper>
+MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
+{
+    return std::make_unique<MSSQLResultSetViewControllerHelper>();
+}
+
+QString MSSQLDatabaseConnectionDetails::quotedName(const QString &name) const
+{
+    return MSSQLClient::quotedName(name);
+}
+
+QString MSSQLDatabaseConnectionDetails::literal(const KNValue &value) const
+{
+    return MSSQLClient::literal(value);
 }
 
 QString MSSQLDatabaseConnectionDetails::description() const

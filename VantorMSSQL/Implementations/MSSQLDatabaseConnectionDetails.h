@@ -60,6 +60,9 @@ public:
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
     std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override;
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
+    std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
+    QString quotedName(const QString &name) const override;
+    QString literal(const KNValue &value) const override;
     QString description() const override;
     QVariantMap connectedWithDetails() const override;
     void setConnectedWithDetails(const QVariantMap &details) override;

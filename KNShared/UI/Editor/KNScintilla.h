@@ -7,6 +7,8 @@
 #define slots Q_SLOTS
 #include <Qsci/qscicommandset.h>
 #include <Qsci/qscilexercustom.h>
+#include <Qsci/qscilexerjson.h>
+#include <Qsci/qscilexerxml.h>
 #include <Qsci/qsciscintilla.h>
 #undef signals
 #undef slots

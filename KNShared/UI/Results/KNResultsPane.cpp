@@ -1,17 +1,263 @@
 #include "UI/Results/KNResultsPane.h"
 
-KNResultsPane::KNResultsPane(QWidget *parent)
-    : QWidget(parent)
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNUserDefaults.h"
+#include "RowEditing/ResultSetViewControllerHelper.h"
+#include "UI/Results/KNResultExportBar.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNResultSection.h"
+#include "UI/Results/KNResultStack.h"
+#include "UI/Results/KNResultTabs.h"
+
+#include <QBoxLayout>
+#include <QElapsedTimer>
+#include <QHeaderView>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int LookInterval = 33;    // milliseconds
+constexpr int LooksLongerApart = 4; // times as long as a look takes
+constexpr int RowsOfOneAmongSeveral = 10;
+constexpr int SectionsKeptAround = 4; // out of sight, on each side
+const QString ResultsAsTabs = QStringLiteral("ResultsAsTabs");
+
+QString titleOf(int result)
 {
+    return KNFormat("Result %d", result + 1);
 }
 
-void KNResultsPane::beginRun(const std::shared_ptr<KNResultSetHolder> &, const VantorDBC &) {}
+} // namespace
 
-void KNResultsPane::finishRun() {}
+KNResultsPane::KNResultsPane(QWidget *parent)
+    : QWidget(parent)
+    , m_showsTabs(KNUserDefaults::standardUserDefaults()->boolForKey(ResultsAsTabs))
+    , m_timer(new QTimer(this))
+    , m_tabs(new KNResultTabs(this))
+    , m_mode(new QToolButton(this))
+    , m_stack(new KNResultStack([this](int result) { return section(result); },
+                                [this](int result) { return wantedHeight(result); },
+                                [this](int first, int last) { dropSections(first, last); }, this))
+    , m_page(new QWidget(this))
+    , m_views(new QStackedWidget(this))
+    , m_exportBar(new KNResultExportBar(this))
+{
+    setAccessibleName(QStringLiteral("Results"));
+    m_mode->setAutoRaise(true);
+    auto *const pageLayout = new QVBoxLayout(m_page);
+    pageLayout->setContentsMargins({});
+    m_views->addWidget(m_stack);
+    m_views->addWidget(m_page);
 
-void KNResultsPane::clear() {}
+    auto *const head = new QHBoxLayout;
+    head->addWidget(m_tabs, 1);
+    head->addStretch();
+    head->addWidget(m_mode);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addLayout(head);
+    layout->addWidget(m_views, 1);
+    layout->addWidget(m_exportBar);
+
+    m_timer->setSingleShot(true);
+    connect(m_timer, &QTimer::timeout, this, &KNResultsPane::look);
+    connect(m_tabs, &KNResultTabs::currentChanged, this, [this](int result) {
+        if (m_showsTabs)
+            showTab(result);
+    });
+    connect(m_mode, &QToolButton::clicked, this, [this] { setShowsTabs(!m_showsTabs); });
+    setShowsTabs(m_showsTabs);
+}
+
+KNResultsPane::~KNResultsPane()
+{
+    clear();
+}
+
+void KNResultsPane::beginRun(const std::shared_ptr<KNResultSetHolder> &results, const VantorDBC &details)
+{
+    clear();
+    m_holder = results;
+    m_details = details.copy();
+    m_isRunning = true;
+    m_timer->start(LookInterval);
+}
+
+void KNResultsPane::finishRun()
+{
+    m_isRunning = false;
+    m_timer->stop();
+    look();
+}
+
+void KNResultsPane::clear()
+{
+    m_timer->stop();
+    m_isRunning = false;
+    qDeleteAll(std::exchange(m_sections, {}));
+    m_entries.clear();
+    m_awaitingColumns.clear();
+    m_holder = nullptr;
+    m_seen.clear();
+    m_firstUnfinished = 0;
+    showPlaces();
+    if (std::exchange(m_rowCount, 0) != 0)
+        Q_EMIT rowCountChanged(0);
+}
 
 qint64 KNResultsPane::rowCount() const
 {
-    return 0;
+    return m_rowCount;
+}
+
+/// Shows what has come since the last time.
+void KNResultsPane::look()
+{
+    if (!m_holder)
+        return;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    bool hasChanged = takeNewResults();
+    for (int result = m_firstUnfinished; result < resultCount(); ++result) {
+        KNResultTableModel &model = *m_entries[static_cast<std::size_t>(result)].model;
+        const int before = model.arrivedRowCount();
+        if (!model.showPublishedRows(!m_isRunning))
+            continue;
+        hasChanged = true;
+        m_rowCount += model.arrivedRowCount() - before;
+        if (KNResultSection *const shown = m_sections.value(result))
+            shown->updateCaption();
+    }
+    while (m_firstUnfinished < resultCount() &&
+           m_entries[static_cast<std::size_t>(m_firstUnfinished)].model->isFinished())
+        ++m_firstUnfinished;
+    if (hasChanged) {
+        showPlaces();
+        Q_EMIT rowCountChanged(m_rowCount);
+    }
+    // However slow the machine is, most of its time is left for other things.
+    if (m_isRunning)
+        m_timer->start(std::max(LookInterval, LooksLongerApart * static_cast<int>(elapsed.elapsed())));
+}
+
+/// Makes entries for results whose columns have become known.
+bool KNResultsPane::takeNewResults()
+{
+    const QList<KNDatabaseResultSetPtr> results = m_holder->resultSets();
+    for (const KNDatabaseResultSetPtr &result : results) {
+        if (m_seen.insert(result).second)
+            m_awaitingColumns.push_back(result);
+    }
+    const int before = resultCount();
+    std::erase_if(m_awaitingColumns, [this](const KNDatabaseResultSetPtr &result) {
+        const bool isFinished = result->isFinished(); // asked first: columns come before
+        if (result->columnNames().isEmpty())
+            return isFinished;
+        std::shared_ptr<ResultSetViewControllerHelper> helper =
+            m_details->createResultSetViewControllerHelper();
+        helper->setColumnTypes(result->columnTypes());
+        m_entries.push_back({std::make_unique<KNResultTableModel>(result, std::move(helper)), {}});
+        return true;
+    });
+    return resultCount() > before;
+}
+
+void KNResultsPane::showPlaces()
+{
+    m_tabs->setCount(resultCount());
+    m_tabs->setVisible(m_showsTabs && resultCount() > 1);
+    m_mode->setVisible(resultCount() > 1);
+    if (!m_showsTabs)
+        m_stack->setCount(resultCount());
+    else if (resultCount() > 0 && !m_sections.contains(m_tabs->current()))
+        showTab(m_tabs->current());
+}
+
+void KNResultsPane::showTab(int result)
+{
+    if (result < 0 || result >= resultCount())
+        return;
+    KNResultSection *const shown = section(result);
+    if (m_page->layout()->indexOf(shown) < 0)
+        m_page->layout()->addWidget(shown);
+    for (KNResultSection *const other : std::as_const(m_sections))
+        other->setVisible(other == shown);
+    dropSections(result, result);
+}
+
+void KNResultsPane::setShowsTabs(bool shows)
+{
+    m_showsTabs = shows;
+    KNUserDefaults::standardUserDefaults()->setObject(ResultsAsTabs, shows);
+    m_mode->setText(shows ? QStringLiteral("Show Stacked") : QStringLiteral("Show as Tabs"));
+    m_mode->setAccessibleName(m_mode->text());
+    // Sections belong to the one or the other: they are made again where they are shown now.
+    for (const int result : m_sections.keys())
+        m_entries[static_cast<std::size_t>(result)].columnWidths =
+            m_sections[result]->grid()->horizontalHeader()->saveState();
+    qDeleteAll(std::exchange(m_sections, {}));
+    m_stack->setCount(0);
+    m_views->setCurrentIndex(shows ? 1 : 0);
+    showPlaces();
+}
+
+KNResultSection *KNResultsPane::section(int result)
+{
+    if (KNResultSection *const existing = m_sections.value(result))
+        return existing;
+    const Entry &entry = m_entries[static_cast<std::size_t>(result)];
+    auto *const made = new KNResultSection(titleOf(result), *entry.model, *m_details, m_views);
+    if (!entry.columnWidths.isEmpty())
+        made->grid()->horizontalHeader()->restoreState(entry.columnWidths);
+    connect(made, &KNResultSection::exportRequested, this,
+            [this, made] { m_exportBar->exportRows(made->model().shownRows()); });
+    m_sections.insert(result, made);
+    return made;
+}
+
+KNResultSection *KNResultsPane::currentSection()
+{
+    if (m_entries.empty())
+        return nullptr;
+    for (KNResultSection *const each : std::as_const(m_sections)) {
+        if (each->isAncestorOf(focusWidget()))
+            return each;
+    }
+    if (m_showsTabs)
+        return section(m_tabs->current());
+    const QList<int> places = m_sections.keys();
+    return places.isEmpty() ? nullptr : m_sections.value(*std::min_element(places.begin(), places.end()));
+}
+
+/// Deletes the sections that are far from those in sight.
+void KNResultsPane::dropSections(int firstKept, int lastKept)
+{
+    for (const int result : m_sections.keys()) {
+        KNResultSection *const each = m_sections[result];
+        if (result >= firstKept && result <= lastKept)
+            continue;
+        if (result >= firstKept - SectionsKeptAround && result <= lastKept + SectionsKeptAround) {
+            each->hide();
+            continue;
+        }
+        m_entries[static_cast<std::size_t>(result)].columnWidths =
+            each->grid()->horizontalHeader()->saveState();
+        m_sections.remove(result);
+        each->hide();
+        each->deleteLater();
+    }
+}
+
+int KNResultsPane::wantedHeight(int result) const
+{
+    const int rows =
+        std::clamp(m_entries[static_cast<std::size_t>(result)].model->rowCount(), 1, RowsOfOneAmongSeveral);
+    const KNResultSection *const example =
+        m_sections.value(result, m_sections.isEmpty() ? nullptr : *m_sections.begin());
+    return example ? example->heightForRows(rows) : (rows + 4) * fontMetrics().height() * 3 / 2;
 }

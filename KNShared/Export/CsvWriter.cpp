@@ -1,4 +1,4 @@
-#include "CommandLine/CsvWriter.h"
+#include "Export/CsvWriter.h"
 
 namespace {
 

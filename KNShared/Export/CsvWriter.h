@@ -1,15 +1,15 @@
 #pragma once
 
-#include "CommandLine/ResultWriter.h"
+#include "Export/DeviceWriter.h"
 
 /// Comma-separated values after RFC 4180, with a header line and LF line ends. NULL is an empty field and
 /// empty text is
 /// "", so that both survive. An empty line stands between results.
-class CsvWriter : public ResultWriter
+class KNSHARED_EXPORT CsvWriter : public DeviceWriter
 {
 public:
     explicit CsvWriter(QIODevice &device)
-        : ResultWriter(device)
+        : DeviceWriter(device)
     {
     }
 

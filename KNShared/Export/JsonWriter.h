@@ -1,14 +1,14 @@
 #pragma once
 
-#include "CommandLine/ResultWriter.h"
+#include "Export/DeviceWriter.h"
 
 /// One JSON array with an object for each result: "columns", a list of names, and "rows", a list of lists.
 /// Numbers keep all their digits, dates and binary values (0x...) are strings.
-class JsonWriter : public ResultWriter
+class KNSHARED_EXPORT JsonWriter : public DeviceWriter
 {
 public:
     explicit JsonWriter(QIODevice &device)
-        : ResultWriter(device)
+        : DeviceWriter(device)
     {
     }
 

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Export/DeviceWriter.h"
+
+/// A table in Markdown. Signs that mean something there are escaped, line ends become <br>, and NULL is
+/// emphasised, which no text is.
+class KNSHARED_EXPORT MarkdownWriter : public DeviceWriter
+{
+public:
+    explicit MarkdownWriter(QIODevice &device)
+        : DeviceWriter(device)
+    {
+    }
+
+    void beginResult(const QStringList &columnNames) override;
+    void writeRow(const KNRow &row) override;
+    void endResult() override;
+
+private:
+    QStringList m_columnNames;
+    bool m_isFirstRow = true; ///< which decides what columns are aligned to the right
+
+    void writeHead(const KNRow &firstRow);
+};

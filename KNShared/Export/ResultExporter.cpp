@@ -1,0 +1,123 @@
+#include "Export/ResultExporter.h"
+
+#include "Export/CsvWriter.h"
+#include "Export/ExcelWriter.h"
+#include "Export/JsonObjectsWriter.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <cstdio>
+
+namespace {
+
+KNError exportError(const QString &text)
+{
+    return KNError(QStringLiteral("com.quorvex.vantor.export"), 0, text);
+}
+
+/// A file for the rows while they are written; it is gone in the end unless it has taken its place.
+class UnfinishedFile
+{
+public:
+    explicit UnfinishedFile(const QFileInfo &target)
+        : m_target(target.isSymLink() ? target.symLinkTarget() : target.absoluteFilePath())
+        , m_file(KNFormat("%@/.%@.%x.part", QFileInfo(m_target).absolutePath(),
+                          QFileInfo(m_target).fileName(), QRandomGenerator::global()->generate64()))
+    {
+    }
+    ~UnfinishedFile()
+    {
+        m_file.close();
+        QFile::remove(m_file.fileName());
+    }
+    bool open() { return m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered); }
+    QFile &file() { return m_file; }
+    /// Whether it took the target's place.
+    bool commit()
+    {
+        m_file.close();
+        if (const QFileInfo old(m_target); old.exists())
+            m_file.setPermissions(old.permissions());
+        return std::rename(QFile::encodeName(m_file.fileName()).constData(),
+                           QFile::encodeName(m_target).constData()) == 0;
+    }
+
+private:
+    const QString m_target;
+    QFile m_file;
+};
+
+/// Null for an unknown ending.
+std::unique_ptr<ResultWriter> fileWriterFor(const QString &ending, QFile &file)
+{
+    if (ending == QLatin1String("csv"))
+        return std::make_unique<CsvWriter>(file);
+    if (ending == QLatin1String("json"))
+        return std::make_unique<JsonObjectsWriter>(file);
+    if (ending == QLatin1String("xlsx"))
+        return std::make_unique<ExcelWriter>(file.fileName());
+    return nullptr;
+}
+
+} // namespace
+
+QStringList ResultExporter::fileFilters()
+{
+    return {QStringLiteral("CSV (*.csv)"), QStringLiteral("JSON (*.json)"), QStringLiteral("Excel (*.xlsx)")};
+}
+
+ResultExporter::ResultExporter(ResultRows rows, QString path)
+    : m_rows(std::move(rows))
+    , m_path(std::move(path))
+    , m_rowCount(m_rows.rowCount())
+{
+}
+
+void ResultExporter::start(Finished finished)
+{
+    KNDispatch::globalQueue(
+        [self = shared_from_this(), finished = std::move(finished)] { self->run(finished); });
+}
+
+void ResultExporter::run(const Finished &finished)
+{
+    KNError error;
+    QStringList remarks;
+    // Nothing of an unfinished file is left when the call comes.
+    const bool complete = writeFile(&error, &remarks);
+    KNDispatch::mainQueue([finished, complete, error, remarks] { finished(complete, error, remarks); });
+}
+
+/// False without an error when it was cancelled.
+bool ResultExporter::writeFile(KNError *error, QStringList *remarks)
+{
+    UnfinishedFile unfinished{QFileInfo(m_path)};
+    if (!unfinished.open()) {
+        *error = exportError(
+            KNFormat("The file %@ could not be written. %@", m_path, unfinished.file().errorString()));
+        return false;
+    }
+    const auto writer = fileWriterFor(QFileInfo(m_path).suffix().toLower(), unfinished.file());
+    if (!writer) {
+        *error = exportError(QStringLiteral("The file's name must end with .csv, .json or .xlsx."));
+        return false;
+    }
+    const bool isWritten = m_rows.writeTo(*writer, [this](qsizetype count) {
+        m_rowsWritten = count;
+        return !m_cancelled;
+    });
+    *remarks = writer->remarks();
+    if (!writer->isGood()) {
+        *error = exportError(KNFormat("The file %@ could not be written. Is the disk full?", m_path));
+        return false;
+    }
+    if (!isWritten || m_cancelled)
+        return false;
+    if (!unfinished.commit())
+        *error = exportError(KNFormat("The file %@ could not be replaced.", m_path));
+    return !*error;
+}

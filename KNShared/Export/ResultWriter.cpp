@@ -1,0 +1,3 @@
+#include "Export/ResultWriter.h"
+
+ResultWriter::~ResultWriter() = default;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Export/DeviceWriter.h"
+
+/// Tab-separated text as spreadsheets and editors take it. A value with tabs, line ends or quotes stands in
+/// quotes, as does text that reads like what stands for NULL. The last line has no end.
+class KNSHARED_EXPORT TabWriter : public DeviceWriter
+{
+public:
+    TabWriter(QIODevice &device, QString nullText, bool withHeader)
+        : DeviceWriter(device)
+        , m_nullText(std::move(nullText))
+        , m_withHeader(withHeader)
+    {
+    }
+
+    void beginResult(const QStringList &columnNames) override;
+    void writeRow(const KNRow &row) override;
+    void endResult() override;
+
+private:
+    QByteArray field(const QString &text) const;
+    void writeLine(const QByteArrayList &fields);
+
+    const QString m_nullText;
+    const bool m_withHeader;
+    bool m_isFirstLine = true;
+};

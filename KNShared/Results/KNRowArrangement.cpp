@@ -1,0 +1,134 @@
+#include "Results/KNRowArrangement.h"
+
+#include "Database/KNRowReader.h"
+#include "Results/KNRowSortKey.h"
+
+#include <QStringMatcher>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr quint32 StepsBetweenLooks = 4096; // at whether it was cancelled
+
+struct Cancelled
+{
+};
+
+/// Whether a cell's text holds another, whatever the case of letters.
+class CellMatcher
+{
+public:
+    CellMatcher(const QString &text, const KNRowArrangement::Display &display)
+        : m_matcher(text, Qt::CaseInsensitive)
+        , m_ascii(text.toLower().toLatin1())
+        , m_isAscii(std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; }))
+        , m_display(display)
+    {
+    }
+
+    bool matches(const KNRowCell &cell, qsizetype column) const
+    {
+        if (cell.tag == KNRowCell::Null)
+            return false;
+        if (cell.tag == KNRowCell::Text && m_isAscii)
+            return holdsAscii(cell);
+        return m_matcher.indexIn(m_display(cell.value(), column)) >= 0;
+    }
+
+private:
+    static char lower(unsigned char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c); }
+
+    /// In UTF-8 the bytes of other characters are never those of ASCII.
+    bool holdsAscii(const KNRowCell &cell) const
+    {
+        const auto same = [](unsigned char a, char b) { return lower(a) == b; };
+        return std::search(cell.data, cell.end(), m_ascii.begin(), m_ascii.end(), same) != cell.end();
+    }
+
+    const QStringMatcher m_matcher;
+    const QByteArray m_ascii;
+    const bool m_isAscii;
+    const KNRowArrangement::Display &m_display;
+};
+
+} // namespace
+
+KNRowOrderPtr KNRowArrangement::order(const KNDatabaseResultSet &result, const Display &display,
+                                      const std::atomic<bool> &cancelled) const
+{
+    auto rows = std::make_shared<KNRowOrder>();
+    if (!filterText.isEmpty()) {
+        if (!filter(*rows, result, display, cancelled))
+            return nullptr;
+    } else {
+        rows->resize(static_cast<std::size_t>(result.rows().rowCount()));
+        std::iota(rows->begin(), rows->end(), 0U);
+    }
+    if (sortColumn != NoColumn && !sort(*rows, result, cancelled))
+        return nullptr;
+    return rows;
+}
+
+bool KNRowArrangement::filter(KNRowOrder &rows, const KNDatabaseResultSet &result, const Display &display,
+                              const std::atomic<bool> &cancelled) const
+{
+    const CellMatcher matcher(filterText, display);
+    const qsizetype columns = result.columnNames().size();
+    KNRowReader reader(result.rows());
+    const auto isWanted = [&](qsizetype row) {
+        if (filterColumn != NoColumn)
+            return matcher.matches(reader.cell(row, filterColumn), filterColumn);
+        reader.seek(row);
+        for (qsizetype column = 0; column < columns; ++column) {
+            if (matcher.matches(reader.next(), column))
+                return true;
+        }
+        return false;
+    };
+    const qsizetype count = result.rows().rowCount();
+    for (qsizetype row = 0; row < count; ++row) {
+        if (row % StepsBetweenLooks == 0 && cancelled)
+            return false;
+        if (isWanted(row))
+            rows.push_back(static_cast<quint32>(row));
+    }
+    return !cancelled;
+}
+
+bool KNRowArrangement::sort(KNRowOrder &rows, const KNDatabaseResultSet &result,
+                            const std::atomic<bool> &cancelled) const
+{
+    struct Keyed
+    {
+        KNRowSortKey key;
+        quint32 row;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(rows.size());
+    KNRowReader reader(result.rows());
+    for (const quint32 row : rows) {
+        if (keyed.size() % StepsBetweenLooks == 0 && cancelled)
+            return false;
+        keyed.push_back({KNRowSortKey(reader.cell(row, sortColumn)), row});
+    }
+    quint32 steps = 0;
+    const bool descending = sortOrder == Qt::DescendingOrder;
+    try {
+        // The row makes it a strict order: what is equal stays as it arrived, in both directions.
+        std::sort(keyed.begin(), keyed.end(), [&](const Keyed &left, const Keyed &right) {
+            if (++steps % StepsBetweenLooks == 0 && cancelled)
+                throw Cancelled();
+            const Keyed &first = descending ? right : left;
+            const Keyed &second = descending ? left : right;
+            if (first.key < second.key)
+                return true;
+            return left.row < right.row && !(second.key < first.key);
+        });
+    } catch (const Cancelled &) {
+        return false;
+    }
+    std::transform(keyed.begin(), keyed.end(), rows.begin(), [](const Keyed &entry) { return entry.row; });
+    return !cancelled;
+}

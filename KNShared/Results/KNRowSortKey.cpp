@@ -1,0 +1,152 @@
+#include "Results/KNRowSortKey.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+constexpr quint64 SignBit = quint64{1} << 63;
+constexpr double ExactIntegers = 9007199254740992.0; // 2^53: up to here a double is one whole number only
+
+quint64 ordered(qint64 number)
+{
+    return static_cast<quint64>(number) ^ SignBit;
+}
+
+/// Bits in the order of the numbers; both zeros are the same.
+quint64 ordered(double number)
+{
+    const auto bits = std::bit_cast<quint64>(number == 0 ? 0.0 : number);
+    return bits & SignBit ? ~bits : bits | SignBit;
+}
+
+/// The code points of UTF-8 text, one by one, without regard to case. What is no UTF-8 counts byte by byte.
+class FoldedText
+{
+public:
+    FoldedText(const unsigned char *data, std::size_t length)
+        : m_next(data)
+        , m_end(data + length)
+    {
+    }
+    bool atEnd() const { return m_next == m_end; }
+    char32_t take()
+    {
+        const unsigned char first = *m_next++;
+        if (first < 0x80)
+            return first >= 'A' && first <= 'Z' ? first + ('a' - 'A') : first;
+        const int following = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0;
+        if (m_end - m_next < following)
+            return first;
+        char32_t point = first & (0x3F >> following);
+        for (int i = 0; i < following; ++i)
+            point = point << 6 | (*m_next++ & 0x3F);
+        return QChar::toCaseFolded(point);
+    }
+
+private:
+    const unsigned char *m_next;
+    const unsigned char *m_end;
+};
+
+/// The first folded code points, as many as fit at 21 bits each.
+quint64 foldedPrefix(const unsigned char *data, std::size_t length)
+{
+    FoldedText text(data, length);
+    quint64 prefix = 0;
+    for (int i = 0; i < 3; ++i)
+        prefix = prefix << 21 | (text.atEnd() ? 0 : text.take());
+    return prefix;
+}
+
+quint64 bytesPrefix(const unsigned char *data, std::size_t length)
+{
+    quint64 prefix = 0;
+    for (std::size_t i = 0; i < 8; ++i)
+        prefix = prefix << 8 | (i < length ? data[i] : 0);
+    return prefix;
+}
+
+int comparedBytes(const KNRowCell &left, const KNRowCell &right)
+{
+    const int order = std::memcmp(left.data, right.data, std::min(left.length, right.length));
+    if (order != 0)
+        return order;
+    return left.length < right.length ? -1 : left.length > right.length;
+}
+
+int comparedText(const KNRowCell &left, const KNRowCell &right)
+{
+    FoldedText a(left.data, left.length);
+    FoldedText b(right.data, right.length);
+    while (!a.atEnd() && !b.atEnd()) {
+        const char32_t pointOfA = a.take();
+        const char32_t pointOfB = b.take();
+        if (pointOfA != pointOfB)
+            return pointOfA < pointOfB ? -1 : 1;
+    }
+    if (!a.atEnd() || !b.atEnd())
+        return a.atEnd() ? -1 : 1;
+    return comparedBytes(left, right);
+}
+
+bool isFloating(KNRowCell::Tag tag)
+{
+    return tag == KNRowCell::Float || tag == KNRowCell::Double;
+}
+
+} // namespace
+
+KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
+    : m_data(cell.data)
+    , m_length(static_cast<quint32>(cell.length))
+    , m_tag(cell.tag)
+{
+    switch (cell.tag) {
+    case KNRowCell::Null:
+        return;
+    case KNRowCell::Date:
+        m_rank = Rank::Date;
+        m_prefix = ordered(cell.value().dateTime().ticks);
+        return;
+    case KNRowCell::Text:
+        m_rank = Rank::Text;
+        m_prefix = foldedPrefix(cell.data, cell.length);
+        m_isExact = false;
+        return;
+    case KNRowCell::Bytes:
+    case KNRowCell::Guid:
+        m_rank = Rank::Bytes;
+        m_prefix = bytesPrefix(cell.data, cell.length);
+        m_isExact = false;
+        return;
+    default:
+        break;
+    }
+    m_rank = Rank::Number;
+    const double number = cell.value().toDouble();
+    m_prefix = ordered(number);
+    m_isExact = isFloating(cell.tag) || (cell.tag <= KNRowCell::Int64 && std::abs(number) < ExactIntegers);
+}
+
+bool KNRowSortKey::isBelow(const KNRowSortKey &other) const
+{
+    switch (m_rank) {
+    case Rank::Number:
+        if (isFloating(m_tag) || isFloating(other.m_tag))
+            return false;
+        return cell().value().decimal() < other.cell().value().decimal();
+    case Rank::Text:
+        return comparedText(cell(), other.cell()) < 0;
+    case Rank::Bytes:
+        if (m_tag == KNRowCell::Guid && other.m_tag == KNRowCell::Guid)
+            return cell().value().text() < other.cell().value().text();
+        return comparedBytes(cell(), other.cell()) < 0;
+    case Rank::Null:
+    case Rank::Date:
+        break;
+    }
+    return false;
+}

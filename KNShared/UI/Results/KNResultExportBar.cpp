@@ -1,0 +1,99 @@
+#include "UI/Results/KNResultExportBar.h"
+
+#include "Foundation/KNFormat.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/Alerts/KNFilePanels.h"
+
+#include <QBoxLayout>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+constexpr int ProgressSteps = 1000;
+constexpr int ProgressInterval = 100; // milliseconds
+
+} // namespace
+
+KNResultExportBar::KNResultExportBar(QWidget *parent)
+    : QWidget(parent)
+    , m_label(new QLabel(this))
+    , m_progress(new QProgressBar(this))
+    , m_timer(new QTimer(this))
+{
+    m_progress->setRange(0, ProgressSteps);
+    m_progress->setAccessibleName(QStringLiteral("Progress of the export"));
+    m_label->setTextFormat(Qt::PlainText);
+    auto *const cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+    cancelButton->setAccessibleName(QStringLiteral("Cancel the export"));
+    auto *const layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(m_label);
+    layout->addWidget(m_progress, 1);
+    layout->addWidget(cancelButton);
+    hide();
+    m_timer->setInterval(ProgressInterval);
+    connect(cancelButton, &QPushButton::clicked, this, &KNResultExportBar::cancel);
+    connect(m_timer, &QTimer::timeout, this, [this] {
+        const auto total = static_cast<double>(std::max<qsizetype>(1, m_exporter->rowCount()));
+        m_progress->setValue(
+            static_cast<int>(ProgressSteps * static_cast<double>(m_exporter->rowsWritten()) / total));
+    });
+}
+
+KNResultExportBar::~KNResultExportBar()
+{
+    if (m_exporter)
+        m_exporter->cancel();
+}
+
+void KNResultExportBar::exportRows(const ResultRows &rows)
+{
+    if (m_exporter) {
+        KNAlerts::shared().showMessage(this, QStringLiteral("Export"),
+                                       QStringLiteral("Another export is being written. Cancel it or wait."));
+        return;
+    }
+    const KNFilePanels::Request request = {QStringLiteral("Export Rows"), QStringLiteral("result.csv"),
+                                           ResultExporter::fileFilters()};
+    const QPointer<KNResultExportBar> self(this);
+    KNFilePanels::shared().chooseFileToSave(window(), request, [self, rows](const QString &path) {
+        if (self && !self->m_exporter)
+            self->start(rows, path);
+    });
+}
+
+void KNResultExportBar::start(const ResultRows &rows, const QString &path)
+{
+    m_exporter = std::make_shared<ResultExporter>(rows, path);
+    m_label->setText(KNFormat("Exporting to %@", QFileInfo(path).fileName()));
+    m_progress->setValue(0);
+    m_timer->start();
+    show();
+    const QPointer<KNResultExportBar> self(this);
+    m_exporter->start([self](bool complete, const KNError &error, const QStringList &remarks) {
+        if (self)
+            self->finish(complete, error, remarks);
+    });
+}
+
+void KNResultExportBar::cancel()
+{
+    if (m_exporter)
+        m_exporter->cancel();
+}
+
+void KNResultExportBar::finish(bool complete, const KNError &error, const QStringList &remarks)
+{
+    m_timer->stop();
+    m_exporter = nullptr;
+    hide();
+    if (error)
+        KNAlerts::shared().showError(window(), error);
+    else if (complete && !remarks.isEmpty())
+        KNAlerts::shared().showMessage(window(), QStringLiteral("Export"), remarks.join(QLatin1Char('\n')));
+}

@@ -1,0 +1,364 @@
+#include "UI/Results/KNResultGridView.h"
+
+#include "Foundation/KNNotificationCenter.h"
+#include "UI/Results/KNRowNumberBar.h"
+
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int RowsForWidths = 100;
+
+} // namespace
+
+KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
+    : QAbstractItemView(parent)
+    , m_resultModel(model)
+    , m_header(new QHeaderView(Qt::Horizontal, this))
+    , m_rowNumbers(new KNRowNumberBar(this))
+{
+    setAccessibleName(QStringLiteral("Rows of the result"));
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectItems);
+    setEditTriggers(NoEditTriggers);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setTabKeyNavigation(false);
+    m_header->setAccessibleName(QStringLiteral("Columns of the result"));
+    m_header->setSectionsClickable(true);
+    m_header->setHighlightSections(false);
+    m_header->setSortIndicatorShown(false);
+    m_header->setFocusPolicy(Qt::NoFocus);
+    m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+
+    const auto readPreferences = [this] {
+        m_nullText = KNPreferences::current().nullText;
+        viewport()->update();
+    };
+    readPreferences();
+    m_preferencesObserver = KNNotificationCenter::defaultCenter()->addObserver(
+        KNPreferences::ChangedNotificationName,
+        [readPreferences](const QString &, const QVariantMap &) { readPreferences(); });
+
+    setModel(&model);
+    m_header->setModel(&model);
+    measure();
+    fitColumns();
+    connect(m_header, &QHeaderView::sectionResized, this, [this] {
+        m_wasResizedByUser = m_wasResizedByUser || !m_isFitting;
+        updateGeometries();
+        viewport()->update();
+    });
+    connect(m_header, &QHeaderView::sectionHandleDoubleClicked, this,
+            [this](int column) { m_header->resizeSection(column, sizeHintForColumn(column)); });
+    connect(m_header, &QHeaderView::sectionPressed, this, [this](int column) {
+        setFocus();
+        const bool adds = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
+        selectColumn(column, adds ? QItemSelectionModel::Toggle : QItemSelectionModel::ClearAndSelect);
+    });
+    connect(m_header, &QHeaderView::sectionDoubleClicked, this, &KNResultGridView::sortRequested);
+    // Behind the selection's own, which forgets the current cell.
+    connect(&model, &QAbstractItemModel::modelReset, this, [this] {
+        if (m_resultModel.rowCount() > 0)
+            selectionModel()->setCurrentIndex(m_resultModel.index(0, m_currentColumn),
+                                              QItemSelectionModel::NoUpdate);
+    });
+    connect(this, &QAbstractItemView::doubleClicked, this, &KNResultGridView::valueRequested);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_rowNumbers, qOverload<>(&QWidget::update));
+}
+
+int KNResultGridView::topRow() const
+{
+    return verticalScrollBar()->value();
+}
+
+int KNResultGridView::visibleRowCount() const
+{
+    return std::max(1, viewport()->height() / m_rowHeight);
+}
+
+int KNResultGridView::heightForRows(int rows) const
+{
+    const int scrollBar = horizontalScrollBar()->sizeHint().height();
+    return m_header->sizeHint().height() + rows * m_rowHeight + scrollBar + 2 * frameWidth();
+}
+
+int KNResultGridView::rowAt(int y) const
+{
+    return topRow() + (y >= 0 ? y / m_rowHeight : -((-y + m_rowHeight - 1) / m_rowHeight));
+}
+
+QModelIndex KNResultGridView::indexAt(const QPoint &point) const
+{
+    const int row = rowAt(point.y());
+    const int column = m_header->logicalIndexAt(point.x());
+    return row < 0 || column < 0 ? QModelIndex() : m_resultModel.index(row, column);
+}
+
+QRect KNResultGridView::visualRect(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return {};
+    return {m_header->sectionViewportPosition(index.column()), (index.row() - topRow()) * m_rowHeight,
+            m_header->sectionSize(index.column()), m_rowHeight};
+}
+
+void KNResultGridView::scrollTo(const QModelIndex &index, ScrollHint hint)
+{
+    if (!index.isValid())
+        return;
+    const int row = index.row();
+    const int fitting = visibleRowCount();
+    int top = topRow();
+    if (hint == PositionAtTop)
+        top = row;
+    else if (hint == PositionAtBottom)
+        top = row - fitting + 1;
+    else if (hint == PositionAtCenter)
+        top = row - fitting / 2;
+    else
+        top = std::clamp(top, row - fitting + 1, row);
+    verticalScrollBar()->setValue(top);
+
+    const int left = m_header->sectionPosition(index.column());
+    const int right = left + m_header->sectionSize(index.column());
+    QScrollBar *const bar = horizontalScrollBar();
+    if (left < bar->value() || right - left > viewport()->width())
+        bar->setValue(left);
+    else if (right > bar->value() + viewport()->width())
+        bar->setValue(right - viewport()->width());
+}
+
+QModelIndex KNResultGridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const int rows = m_resultModel.rowCount();
+    const int columns = m_resultModel.columnCount();
+    if (rows == 0 || columns == 0)
+        return {};
+    const QModelIndex current = currentIndex();
+    if (!current.isValid())
+        return m_resultModel.index(0, 0);
+    int row = current.row();
+    int column = current.column();
+    const bool isFar = modifiers & Qt::ControlModifier;
+    switch (action) {
+    case MoveUp:
+        row = isFar ? 0 : row - 1;
+        break;
+    case MoveDown:
+        row = isFar ? rows - 1 : row + 1;
+        break;
+    case MoveLeft:
+    case MovePrevious:
+        column = isFar ? 0 : column - 1;
+        break;
+    case MoveRight:
+    case MoveNext:
+        column = isFar ? columns - 1 : column + 1;
+        break;
+    case MovePageUp:
+        row -= visibleRowCount();
+        break;
+    case MovePageDown:
+        row += visibleRowCount();
+        break;
+    case MoveHome:
+        column = 0;
+        row = isFar ? 0 : row;
+        break;
+    case MoveEnd:
+        column = columns - 1;
+        row = isFar ? rows - 1 : row;
+        break;
+    }
+    return m_resultModel.index(std::clamp(row, 0, rows - 1), std::clamp(column, 0, columns - 1));
+}
+
+int KNResultGridView::horizontalOffset() const
+{
+    return m_header->offset();
+}
+
+int KNResultGridView::verticalOffset() const
+{
+    return topRow() * m_rowHeight;
+}
+
+bool KNResultGridView::isIndexHidden(const QModelIndex &) const
+{
+    return false;
+}
+
+void KNResultGridView::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command)
+{
+    const int rows = m_resultModel.rowCount();
+    const int columns = m_resultModel.columnCount();
+    if (rows == 0 || columns == 0)
+        return;
+    const auto columnAt = [&](int x) {
+        const int column = m_header->logicalIndexAt(x);
+        return column >= 0 ? column : x < 0 ? 0 : columns - 1;
+    };
+    const QRect area = rect.normalized();
+    const QModelIndex first =
+        m_resultModel.index(std::clamp(rowAt(area.top()), 0, rows - 1), columnAt(area.left()));
+    const QModelIndex last =
+        m_resultModel.index(std::clamp(rowAt(area.bottom()), 0, rows - 1), columnAt(area.right()));
+    selectionModel()->select(QItemSelection(first, last), command);
+}
+
+QRegion KNResultGridView::visualRegionForSelection(const QItemSelection &selection) const
+{
+    QRegion region;
+    for (const QItemSelectionRange &range : selection) {
+        const int first = std::max(range.top(), topRow());
+        const int last = std::min(range.bottom(), topRow() + visibleRowCount() + 1);
+        if (first > last)
+            continue;
+        region += visualRect(m_resultModel.index(first, range.left())) |
+                  visualRect(m_resultModel.index(last, range.right()));
+    }
+    return region & viewport()->rect();
+}
+
+void KNResultGridView::selectAll()
+{
+    selectRows(0, m_resultModel.rowCount() - 1, QItemSelectionModel::ClearAndSelect);
+}
+
+void KNResultGridView::selectRows(int first, int last, QItemSelectionModel::SelectionFlags command)
+{
+    const int columns = m_resultModel.columnCount();
+    if (first < 0 || last < first || columns == 0)
+        return;
+    selectionModel()->select({m_resultModel.index(first, 0), m_resultModel.index(last, columns - 1)},
+                             command);
+}
+
+void KNResultGridView::selectColumn(int column, QItemSelectionModel::SelectionFlags command)
+{
+    const int rows = m_resultModel.rowCount();
+    if (rows == 0)
+        return;
+    selectionModel()->setCurrentIndex(m_resultModel.index(topRow(), column), QItemSelectionModel::NoUpdate);
+    selectionModel()->select({m_resultModel.index(0, column), m_resultModel.index(rows - 1, column)},
+                             command);
+}
+
+ResultRows KNResultGridView::selectedRows() const
+{
+    ResultRows rows = m_resultModel.shownRows();
+    rows.ranges.clear();
+    rows.columns.clear();
+    const QItemSelection selection = selectionModel()->selection();
+    QList<QPair<int, int>> ranges;
+    std::vector<bool> columns(static_cast<std::size_t>(m_resultModel.columnCount()));
+    for (const QItemSelectionRange &range : selection) {
+        ranges.append({range.top(), range.bottom()});
+        std::fill(columns.begin() + range.left(), columns.begin() + range.right() + 1, true);
+    }
+    std::sort(ranges.begin(), ranges.end());
+    for (const auto &[top, bottom] : std::as_const(ranges)) {
+        const qsizetype end = rows.ranges.isEmpty() ? 0 : rows.ranges.last().first + rows.ranges.last().count;
+        const qsizetype first = rows.ranges.isEmpty() ? top : std::max<qsizetype>(top, end);
+        if (!rows.ranges.isEmpty() && top <= end)
+            rows.ranges.last().count += std::max<qsizetype>(0, bottom + 1 - end);
+        else
+            rows.ranges.append({first, bottom + 1 - first});
+    }
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+        if (columns[column])
+            rows.columns.append(static_cast<qsizetype>(column));
+    }
+    return rows;
+}
+
+void KNResultGridView::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    if (event->key() == Qt::Key_Space && current.isValid()) {
+        if (event->modifiers() == Qt::ControlModifier)
+            return selectColumn(current.column(), QItemSelectionModel::ClearAndSelect);
+        if (event->modifiers() == Qt::ShiftModifier)
+            return selectRows(current.row(), current.row(), QItemSelectionModel::ClearAndSelect);
+    }
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && current.isValid() &&
+        (event->modifiers() & ~Qt::KeypadModifier) == 0)
+        return valueRequested(current);
+    // Shortcuts of the desktop's program, not letters to search for.
+    if (!event->text().isEmpty() && event->text().at(0).isPrint() &&
+        (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0)
+        return event->ignore();
+    QAbstractItemView::keyPressEvent(event);
+}
+
+void KNResultGridView::changeEvent(QEvent *event)
+{
+    QAbstractItemView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        measure();
+        updateGeometries();
+    }
+}
+
+void KNResultGridView::scrollContentsBy(int dx, int)
+{
+    if (dx != 0)
+        m_header->setOffset(horizontalScrollBar()->value());
+    viewport()->update();
+}
+
+void KNResultGridView::rowsInserted(const QModelIndex &parent, int first, int last)
+{
+    QAbstractItemView::rowsInserted(parent, first, last);
+    if (first < RowsForWidths)
+        fitColumns();
+    updateGeometries();
+    if (first <= topRow() + visibleRowCount() + 1)
+        viewport()->update();
+}
+
+void KNResultGridView::reset()
+{
+    QAbstractItemView::reset();
+    updateGeometries();
+    verticalScrollBar()->setValue(0);
+    viewport()->update();
+    m_rowNumbers->update();
+}
+
+void KNResultGridView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QAbstractItemView::currentChanged(current, previous);
+    viewport()->update();
+    if (!current.isValid())
+        return;
+    m_currentColumn = current.column();
+    setAccessibleDescription(QStringLiteral("Row %1, %2: %3")
+                                 .arg(QString::number(current.row() + 1),
+                                      m_resultModel.columnName(current.column()),
+                                      current.data(Qt::AccessibleTextRole).toString()));
+}
+
+bool KNResultGridView::viewportEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractItemView::viewportEvent(event);
+    const auto *const help = static_cast<QHelpEvent *>(event);
+    const QModelIndex index = indexAt(help->pos());
+    const KNResultTableModel::Cell cell =
+        index.isValid() ? m_resultModel.cell(index.row(), index.column()) : KNResultTableModel::Cell();
+    const bool isElided =
+        fontMetrics().horizontalAdvance(cell.text) + 2 * m_padding > visualRect(index).width();
+    if (index.isValid() && isElided)
+        QToolTip::showText(help->globalPos(), cell.text.toHtmlEscaped(), viewport(), visualRect(index));
+    else
+        QToolTip::hideText();
+    return true;
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "UI/Results/KNResultTableModel.h"
+
+#include <QAbstractItemView>
+
+class KNRowNumberBar;
+class QHeaderView;
+
+/// A grid over the rows of one result. All rows have the same height, so that ten million of them cost no
+/// more than those on the screen. Cells, rows (by their numbers), columns (by their headers) and everything
+/// can be selected. On the UI thread.
+class KNSHAREDUI_EXPORT KNResultGridView : public QAbstractItemView
+{
+    Q_OBJECT
+
+public:
+    /// The model must outlive the view.
+    explicit KNResultGridView(KNResultTableModel &model, QWidget *parent = nullptr);
+
+    KNResultTableModel &resultModel() const { return m_resultModel; }
+    QHeaderView *horizontalHeader() const { return m_header; }
+    KNRowNumberBar *rowNumbers() const { return m_rowNumbers; }
+    int rowHeight() const { return m_rowHeight; }
+    /// The first row that is shown, and how many fit.
+    int topRow() const;
+    int visibleRowCount() const;
+    /// Headers, rows and scroll bar together, for that many rows.
+    int heightForRows(int rows) const;
+
+    /// What is selected; rows and columns are those that hold a selected cell.
+    ResultRows selectedRows() const;
+    void selectRows(int first, int last, QItemSelectionModel::SelectionFlags command);
+    void selectColumn(int column, QItemSelectionModel::SelectionFlags command);
+
+    QRect visualRect(const QModelIndex &index) const override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+    QModelIndex indexAt(const QPoint &point) const override;
+    /// Scrolls where that is needed, without looking at rows between.
+    void selectAll() override;
+
+Q_SIGNALS:
+    /// The whole value of a cell is wanted.
+    void valueRequested(const QModelIndex &index);
+    /// The header of a column was double-clicked.
+    void sortRequested(int column);
+
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    int horizontalOffset() const override;
+    int verticalOffset() const override;
+    bool isIndexHidden(const QModelIndex &index) const override;
+    void setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection &selection) const override;
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void rowsInserted(const QModelIndex &parent, int first, int last) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    bool viewportEvent(QEvent *event) override;
+    int sizeHintForColumn(int column) const override;
+
+protected Q_SLOTS:
+    void updateGeometries() override;
+
+public Q_SLOTS:
+    void reset() override;
+
+private:
+    void measure();
+    void fitColumns();
+    void paintRow(QPainter &painter, int row, const QItemSelection &selection);
+    void paintCell(QPainter &painter, const QRect &rect, const KNResultTableModel::Cell &cell,
+                   bool isSelected);
+    int rowAt(int y) const;
+
+    KNResultTableModel &m_resultModel;
+    QHeaderView *m_header;
+    KNRowNumberBar *m_rowNumbers;
+    std::shared_ptr<void> m_preferencesObserver;
+    QString m_nullText;
+    int m_rowHeight = 1;
+    int m_padding = 1;
+    int m_currentColumn = 0; ///< where the cursor was last
+    int m_fittedRows = 0;    ///< that the columns' widths were taken from
+    bool m_isFitting = false;
+    bool m_wasResizedByUser = false;
+    bool m_isUpdatingGeometries = false;
+};

@@ -1,0 +1,220 @@
+#include "UI/Results/KNResultSection.h"
+
+#include "Foundation/KNFormat.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/Results/KNResultFilterBar.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNValueViewer.h"
+
+#include <QLocale>
+#include <QMenu>
+#include <QStyle>
+#include <QToolButton>
+
+namespace {
+
+QString number(qint64 count)
+{
+    return QLocale(QLocale::English, QLocale::UnitedStates).toString(count);
+}
+
+} // namespace
+
+KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model, const VantorDBC &details,
+                                 QWidget *parent)
+    : QWidget(parent)
+    , m_title(title)
+    , m_model(model)
+    , m_grid(new KNResultGridView(model, this))
+    , m_filterBar(new KNResultFilterBar(model, this))
+    , m_copier(new KNResultCopier(details, this))
+    , m_caption(new QLabel(this))
+    , m_menu(new QMenu(this))
+    , m_cancel(new QToolButton(this))
+{
+    setAccessibleName(title);
+    addActions();
+    m_cancel->setText(QStringLiteral("Cancel"));
+    m_cancel->setAccessibleName(QStringLiteral("Cancel sorting or filtering"));
+    m_filterBar->setVisible(!model.arrangement().filterText.isEmpty());
+    m_caption->setTextFormat(Qt::PlainText);
+    m_caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+
+    auto *const head = new QHBoxLayout;
+    head->addWidget(m_caption, 1);
+    head->addWidget(m_cancel);
+    head->addWidget(newButton(m_filter));
+    head->addWidget(newButton(m_export));
+    auto *const layout = new QVBoxLayout(this);
+    const int space = style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing) / 2;
+    layout->setContentsMargins(space, 0, 0, 0);
+    layout->setSpacing(space);
+    layout->addLayout(head);
+    layout->addWidget(m_filterBar);
+    layout->addWidget(m_grid, 1);
+    setFocusProxy(m_grid);
+
+    m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_grid, &QWidget::customContextMenuRequested, this, &KNResultSection::showMenu);
+    connect(m_grid, &KNResultGridView::valueRequested, this, &KNResultSection::showValue);
+    connect(m_grid, &KNResultGridView::sortRequested, this, &KNResultSection::toggleSorting);
+    connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));
+    connect(m_cancel, &QToolButton::clicked, &m_model, &KNResultTableModel::cancelArranging);
+    connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
+    connect(m_copier, &KNResultCopier::copied, this, [this](qsizetype, const QString &remark) {
+        if (!remark.isEmpty())
+            KNAlerts::shared().showMessage(this, QStringLiteral("Copied"), remark);
+    });
+    updateCaption();
+}
+
+QString KNResultSection::caption() const
+{
+    return m_caption->text();
+}
+
+int KNResultSection::heightForRows(int rows) const
+{
+    const QMargins margins = layout()->contentsMargins();
+    int height = margins.top() + margins.bottom() + layout()->itemAt(0)->sizeHint().height() +
+                 layout()->spacing() + m_grid->heightForRows(rows);
+    if (m_filterBar->isVisibleTo(this))
+        height += m_filterBar->sizeHint().height() + layout()->spacing();
+    return height;
+}
+
+void KNResultSection::updateCaption()
+{
+    const KNRowArrangement &arrangement = m_model.arrangement();
+    const int rows = m_model.rowCount();
+    const int arrived = m_model.arrivedRowCount();
+    QString text = m_title + QStringLiteral(": ");
+    if (!arrangement.filterText.isEmpty())
+        text += KNFormat("%@ of ", number(rows));
+    text += number(arrived) + (arrived == 1 ? QStringLiteral(" row") : QStringLiteral(" rows"));
+    if (!m_model.isFinished())
+        text += QStringLiteral(" so far");
+    if (arrangement.sortColumn != KNRowArrangement::NoColumn)
+        text += KNFormat(", sorted by %@%@", m_model.columnName(static_cast<int>(arrangement.sortColumn)),
+                         arrangement.sortOrder == Qt::DescendingOrder ? " (descending)" : "");
+    if (m_model.isArranging())
+        text += QStringLiteral(" – working…");
+    m_caption->setText(text);
+    m_caption->setToolTip(text);
+    m_cancel->setVisible(m_model.isArranging());
+    for (QAction *const action : std::as_const(m_arrangingActions))
+        action->setEnabled(m_model.isFinished());
+}
+
+void KNResultSection::copySelection(ResultCopy::Format format)
+{
+    m_copier->copy(m_grid->selectedRows(), format);
+}
+
+void KNResultSection::openFilter()
+{
+    if (m_model.isFinished())
+        m_filterBar->open();
+}
+
+void KNResultSection::showValue()
+{
+    const QModelIndex index = m_grid->currentIndex();
+    if (!index.isValid())
+        return;
+    const QString type = m_model.typeName(index.column());
+    auto *const viewer =
+        new KNValueViewer(m_model.result(), m_model.storedRow(index.row()), index.column(), type, window());
+    viewer->show();
+}
+
+void KNResultSection::toggleSorting(int column)
+{
+    const KNRowArrangement &arrangement = m_model.arrangement();
+    if (arrangement.sortColumn != column)
+        sort(column, Qt::AscendingOrder);
+    else if (arrangement.sortOrder == Qt::AscendingOrder)
+        sort(column, Qt::DescendingOrder);
+    else
+        sort(static_cast<int>(KNRowArrangement::NoColumn), Qt::AscendingOrder);
+}
+
+void KNResultSection::sort(int column, Qt::SortOrder order)
+{
+    KNRowArrangement arrangement = m_model.arrangement();
+    arrangement.sortColumn = column;
+    arrangement.sortOrder = order;
+    m_model.arrange(arrangement);
+}
+
+void KNResultSection::addActions()
+{
+    addCopyActions();
+    m_menu->addSeparator();
+    addAction(QStringLiteral("Select &All"), QKeySequence::SelectAll, [this] { m_grid->selectAll(); });
+    addAction(QStringLiteral("Show &Value"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { showValue(); });
+    m_menu->addSeparator();
+    addArrangingActions();
+    m_menu->addSeparator();
+    m_export = addAction(QStringLiteral("&Export…"), {}, [this] { Q_EMIT exportRequested(); });
+}
+
+void KNResultSection::addCopyActions()
+{
+    using Format = ResultCopy::Format;
+    addAction(QStringLiteral("&Copy"), QKeySequence::Copy, [this] { copySelection(Format::Text); });
+    addAction(QStringLiteral("Copy with &Headers"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C),
+              [this] { copySelection(Format::TextWithHeaders); });
+    QMenu *const others = m_menu->addMenu(QStringLiteral("Copy A&s"));
+    const QList<QPair<QString, Format>> formats = {
+        {QStringLiteral("&CSV"), Format::Csv},
+        {QStringLiteral("&JSON"), Format::Json},
+        {QStringLiteral("&INSERT Statements"), Format::Insert},
+        {QStringLiteral("I&N List"), Format::InList},
+        {QStringLiteral("&Markdown"), Format::Markdown},
+    };
+    for (const auto &[text, format] : formats)
+        connect(others->addAction(text), &QAction::triggered, this, [this, f = format] { copySelection(f); });
+}
+
+void KNResultSection::addArrangingActions()
+{
+    m_arrangingActions = {
+        addAction(QStringLiteral("Sort As&cending"), {},
+                  [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::AscendingOrder); }),
+        addAction(QStringLiteral("Sort &Descending"), {},
+                  [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::DescendingOrder); }),
+        addAction(QStringLiteral("&Original Order"), {},
+                  [this] { sort(static_cast<int>(KNRowArrangement::NoColumn), Qt::AscendingOrder); }),
+    };
+    m_filter = addAction(QStringLiteral("&Filter…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F),
+                         [this] { openFilter(); });
+    m_arrangingActions += m_filter;
+    m_arrangingActions +=
+        addAction(QStringLiteral("Show All &Rows"), {}, [this] { m_filterBar->showAllRows(); });
+}
+
+QAction *KNResultSection::addAction(const QString &text, const QKeySequence &shortcut,
+                                    std::function<void()> triggered)
+{
+    QAction *const action = m_menu->addAction(text);
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    QWidget::addAction(action);
+    connect(action, &QAction::triggered, this, std::move(triggered));
+    return action;
+}
+
+QToolButton *KNResultSection::newButton(QAction *action)
+{
+    auto *const button = new QToolButton(this);
+    button->setDefaultAction(action);
+    button->setAutoRaise(true);
+    button->setAccessibleName(action->text().remove(QLatin1Char('&')));
+    return button;
+}
+
+void KNResultSection::showMenu(const QPoint &position)
+{
+    m_menu->popup(m_grid->viewport()->mapToGlobal(position));
+}

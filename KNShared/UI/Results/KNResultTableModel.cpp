@@ -1,0 +1,229 @@
+#include "UI/Results/KNResultTableModel.h"
+
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNNotificationCenter.h"
+
+#include <QPointer>
+
+#include <limits>
+
+namespace {
+
+// Of text that is longer than a grid shows no more is read: the largest character takes four bytes.
+constexpr std::size_t BytesForDisplay = 4 * (ResultSetViewControllerHelper::TruncatedLength + 1);
+
+/// A text in one line: line ends, tabs and other control characters as signs.
+QString inOneLine(QString text)
+{
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    for (QChar &c : text) {
+        if (c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = QChar(0x21B5);
+        else if (c == QLatin1Char('\t'))
+            c = QChar(0x21E5);
+        else if (c.unicode() < 0x20)
+            c = QChar(0x2400 + c.unicode());
+    }
+    return text;
+}
+
+bool isNumber(KNRowCell::Tag tag)
+{
+    return (tag >= KNRowCell::False && tag <= KNRowCell::Double) || tag == KNRowCell::Decimal ||
+           tag == KNRowCell::NegativeDecimal;
+}
+
+} // namespace
+
+KNResultTableModel::KNResultTableModel(KNDatabaseResultSetPtr result, Helper helper, QObject *parent)
+    : QAbstractTableModel(parent)
+    , m_result(std::move(result))
+    , m_helper(std::move(helper))
+    , m_columnNames(m_result->columnNames())
+    , m_dateFormat(KNPreferences::current().dateFormat)
+    , m_reader(m_result->rows())
+{
+    m_preferencesObserver = KNNotificationCenter::defaultCenter()->addObserver(
+        KNPreferences::ChangedNotificationName,
+        [this](const QString &, const QVariantMap &) { m_dateFormat = KNPreferences::current().dateFormat; });
+}
+
+KNResultTableModel::~KNResultTableModel()
+{
+    if (m_cancelled)
+        *m_cancelled = true;
+}
+
+bool KNResultTableModel::showPublishedRows(bool isLast)
+{
+    if (m_isFinished)
+        return false;
+    const bool isFinished = isLast || m_result->isFinished(); // asked first: no row comes behind it
+    const auto arrived =
+        static_cast<int>(std::min<qsizetype>(m_result->rows().rowCount(), std::numeric_limits<int>::max()));
+    if (arrived == m_arrivedRows && !isFinished)
+        return false;
+    if (arrived > m_arrivedRows) {
+        beginInsertRows({}, m_arrivedRows, arrived - 1);
+        m_arrivedRows = arrived;
+        endInsertRows();
+    }
+    m_isFinished = isFinished;
+    return true;
+}
+
+int KNResultTableModel::rowCount(const QModelIndex &parent) const
+{
+    if (parent.isValid())
+        return 0;
+    return m_order ? static_cast<int>(m_order->size()) : m_arrivedRows;
+}
+
+int KNResultTableModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_columnNames.size());
+}
+
+QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::AccessibleTextRole: {
+        const Cell shownCell = cell(index.row(), index.column());
+        return shownCell.isNull ? KNPreferences::current().nullText : shownCell.text;
+    }
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(
+            Qt::Alignment(cell(index.row(), index.column()).isNumber ? Qt::AlignRight : Qt::AlignLeft) |
+            Qt::AlignVCenter);
+    default:
+        return {};
+    }
+}
+
+QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Vertical)
+        return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+    switch (role) {
+    case Qt::DisplayRole: {
+        const QString name = m_columnNames.value(section);
+        const bool isSorted = m_arrangement.sortColumn == section;
+        const char16_t *const mark = m_arrangement.sortOrder == Qt::AscendingOrder ? u" ▲" : u" ▼";
+        return (name.isEmpty() ? QStringLiteral("(no name)") : inOneLine(name)) +
+               (isSorted ? QString::fromUtf16(mark) : QString());
+    }
+    case Qt::ToolTipRole: {
+        const QString type = m_helper->typeNameForColumn(section);
+        const QString name = m_columnNames.value(section);
+        return QString(type.isNull() ? name : name + QLatin1Char('\n') + type) +
+               QStringLiteral("\nClick to select, double-click to sort");
+    }
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));
+    default:
+        return {};
+    }
+}
+
+KNResultTableModel::Cell KNResultTableModel::cell(int row, int column) const
+{
+    return shown(m_reader.cell(storedRow(row), column), column);
+}
+
+void KNResultTableModel::visitCells(int row, int first, int last,
+                                    const std::function<void(int, const Cell &)> &visit) const
+{
+    if (!m_reader.seek(storedRow(row)))
+        return;
+    for (int column = 0; column <= last; ++column) {
+        const KNRowCell stored = m_reader.next();
+        if (column >= first)
+            visit(column, shown(stored, column));
+    }
+}
+
+qsizetype KNResultTableModel::storedRow(int row) const
+{
+    return m_order ? qsizetype{m_order->at(static_cast<std::size_t>(row))} : row;
+}
+
+ResultRows KNResultTableModel::shownRows() const
+{
+    ResultRows rows{m_result, m_order, {{0, rowCount()}}, {}};
+    for (int column = 0; column < columnCount(); ++column)
+        rows.columns.append(column);
+    return rows;
+}
+
+bool KNResultTableModel::arrange(const KNRowArrangement &arrangement)
+{
+    if (!m_isFinished)
+        return false;
+    cancelArranging();
+    if (arrangement.isPlain()) {
+        showOrder(arrangement, nullptr);
+        return true;
+    }
+    m_cancelled = std::make_shared<std::atomic<bool>>(false);
+    const QPointer<KNResultTableModel> self(this);
+    KNDispatch::globalQueue(
+        [self, arrangement, result = m_result, display = display(), cancelled = m_cancelled] {
+            const KNRowOrderPtr order = arrangement.order(*result, display, *cancelled);
+            KNDispatch::mainQueue([self, arrangement, order, cancelled] {
+                if (self && self->m_cancelled == cancelled && order)
+                    self->showOrder(arrangement, order);
+            });
+        });
+    Q_EMIT arrangingChanged();
+    return true;
+}
+
+void KNResultTableModel::cancelArranging()
+{
+    if (!m_cancelled)
+        return;
+    *m_cancelled = true;
+    m_cancelled = nullptr;
+    Q_EMIT arrangingChanged();
+}
+
+void KNResultTableModel::showOrder(const KNRowArrangement &arrangement, KNRowOrderPtr order)
+{
+    m_cancelled = nullptr;
+    beginResetModel();
+    m_order = std::move(order);
+    m_arrangement = arrangement;
+    endResetModel();
+    Q_EMIT arrangingChanged();
+}
+
+/// As cells are shown, but whole; for any thread.
+KNRowArrangement::Display KNResultTableModel::display() const
+{
+    return [helper = m_helper, asStored = m_dateFormat == KNPreferences::DateFormat::AsStored](
+               const KNValue &value, qsizetype column) {
+        if (asStored && value.kind() == KNValue::Kind::Date)
+            return value.displayText();
+        return helper->stringForValue(value, column, false);
+    };
+}
+
+KNResultTableModel::Cell KNResultTableModel::shown(const KNRowCell &stored, int column) const
+{
+    Cell cell;
+    const KNValue value = stored.value(BytesForDisplay);
+    if (value.isNull())
+        return cell;
+    cell.isNull = false;
+    cell.isNumber = isNumber(stored.tag);
+    const bool isDateAsStored =
+        stored.tag == KNRowCell::Date && m_dateFormat == KNPreferences::DateFormat::AsStored;
+    cell.text = isDateAsStored ? value.displayText() : m_helper->stringForValue(value, column, true);
+    if (stored.tag == KNRowCell::Text)
+        cell.text = inOneLine(cell.text);
+    return cell;
+}

@@ -1,0 +1,190 @@
+#include "Export/ResultExporter.h"
+#include "Foundation/KNDispatch.h"
+#include "Support/PrintQt.h"
+#include "Support/ResultTesting.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using namespace ResultTesting;
+
+namespace {
+
+struct Outcome
+{
+    bool complete = false;
+    KNError error;
+    QStringList remarks;
+};
+
+ResultRows rowsOf(const KNDatabaseResultSetPtr &result)
+{
+    return {result, nullptr, {{0, result->rows().rowCount()}}, {0, 1}};
+}
+
+/// Runs an export to its end. `begun` is called when it has been started.
+Outcome exported(const ResultRows &rows, const QString &path,
+                 const std::function<void(ResultExporter &)> &begun = {})
+{
+    const auto exporter = std::make_shared<ResultExporter>(rows, path);
+    Outcome outcome;
+    bool isFinished = false;
+    exporter->start([&](bool complete, const KNError &error, const QStringList &remarks) {
+        outcome = {complete, error, remarks};
+        isFinished = true;
+    });
+    if (begun)
+        begun(*exporter);
+    while (!isFinished)
+        KNDispatch::pumpMainQueue(1000);
+    return outcome;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+/// No file of this process grows beyond a size while it lives: writing fails as on a full disk.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before{};
+};
+
+class Exporting : public testing::Test
+{
+protected:
+    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    /// Everything in the folder, hidden files as well.
+    QStringList files() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(Exporting, WritesTheFormatThatTheFileNameTells)
+{
+    const ResultRows rows = rowsOf(numberedRows(2));
+    EXPECT_TRUE(exported(rows, path("a.csv")).complete);
+    EXPECT_EQ(contents(path("a.csv")), QByteArray("id,name\n0,row 0\n1,row 1\n"));
+    EXPECT_TRUE(exported(rows, path("a.JSON")).complete);
+    EXPECT_TRUE(contents(path("a.JSON")).startsWith("[\n  {\"id\": 0"));
+    EXPECT_TRUE(exported(rows, path("a.xlsx")).complete);
+    EXPECT_TRUE(contents(path("a.xlsx")).startsWith("PK"));
+    EXPECT_EQ(files().size(), 3);
+}
+
+TEST_F(Exporting, WritesTheRowsAsTheyAreShown)
+{
+    ResultRows rows = rowsOf(numberedRows(10));
+    rows.order = std::make_shared<KNRowOrder>(KNRowOrder{7, 3});
+    rows.ranges = {{0, 2}};
+    EXPECT_TRUE(exported(rows, path("a.csv")).complete);
+    EXPECT_EQ(contents(path("a.csv")), QByteArray("id,name\n7,row 7\n3,row 3\n"));
+}
+
+TEST_F(Exporting, RefusesAnUnknownFormatAndTouchesNothing)
+{
+    write(path("a.txt"), "before");
+    const Outcome outcome = exported(rowsOf(numberedRows(2)), path("a.txt"));
+    EXPECT_FALSE(outcome.complete);
+    EXPECT_TRUE(outcome.error.isSet());
+    EXPECT_EQ(contents(path("a.txt")), QByteArray("before"));
+    EXPECT_EQ(files(), QStringList{QStringLiteral("a.txt")});
+}
+
+TEST_F(Exporting, LeavesTheOldFileAndNoOtherWhenItIsCancelled)
+{
+    for (const char *const name : {"a.csv", "a.json", "a.xlsx"}) {
+        write(path(name), "before");
+        const Outcome outcome = exported(rowsOf(numberedRows(300'000)), path(name),
+                                         [](ResultExporter &exporter) { exporter.cancel(); });
+        EXPECT_FALSE(outcome.complete) << name;
+        EXPECT_FALSE(outcome.error.isSet()) << name;
+        EXPECT_EQ(contents(path(name)), QByteArray("before")) << name;
+    }
+    EXPECT_EQ(files().size(), 3);
+}
+
+TEST_F(Exporting, LeavesTheOldFileAndNoOtherWhenTheDiskIsFull)
+{
+    for (const char *const name : {"a.csv", "a.json", "a.xlsx"}) {
+        write(path(name), "before");
+        const FullDisk disk(100'000);
+        const Outcome outcome = exported(rowsOf(numberedRows(100'000)), path(name));
+        EXPECT_FALSE(outcome.complete) << name;
+        EXPECT_TRUE(outcome.error.isSet()) << name;
+        EXPECT_EQ(contents(path(name)), QByteArray("before")) << name;
+    }
+    EXPECT_EQ(files().size(), 3);
+}
+
+TEST_F(Exporting, TellsWhenThereIsNoSuchFolder)
+{
+    const Outcome outcome = exported(rowsOf(numberedRows(2)), QStringLiteral("/nonexistent/a.csv"));
+    EXPECT_FALSE(outcome.complete);
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(QStringLiteral("/nonexistent/a.csv")));
+}
+
+TEST_F(Exporting, KeepsAFilesPermissionsAndALinksTarget)
+{
+    write(path("a.csv"), "before");
+    const QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner;
+    QFile::setPermissions(path("a.csv"), permissions);
+    ASSERT_TRUE(QFile::link(path("a.csv"), path("link.csv")));
+    EXPECT_TRUE(exported(rowsOf(numberedRows(1)), path("link.csv")).complete);
+    EXPECT_EQ(contents(path("a.csv")), QByteArray("id,name\n0,row 0\n"));
+    EXPECT_EQ(QFile::permissions(path("a.csv")) & 0x7777, permissions | QFile::ReadUser | QFile::WriteUser);
+    EXPECT_TRUE(QFileInfo(path("link.csv")).isSymLink());
+}
+
+TEST_F(Exporting, CountsTheRowsOnTheWay)
+{
+    qsizetype counted = 0;
+    const auto exporter = std::make_shared<ResultExporter>(rowsOf(numberedRows(5000)), path("a.csv"));
+    bool isFinished = false;
+    exporter->start([&](bool, const KNError &, const QStringList &) {
+        counted = exporter->rowsWritten();
+        isFinished = true;
+    });
+    while (!isFinished)
+        KNDispatch::pumpMainQueue(1000);
+    EXPECT_EQ(counted, 5000);
+    EXPECT_EQ(exporter->rowCount(), 5000);
+}

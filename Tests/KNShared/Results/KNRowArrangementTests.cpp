@@ -1,0 +1,148 @@
+#include "Results/KNRowArrangement.h"
+#include "Support/PrintQt.h"
+#include "Support/ResultTesting.h"
+
+#include <gtest/gtest.h>
+
+using namespace ResultTesting;
+
+namespace {
+
+QString shown(const KNValue &value, qsizetype)
+{
+    return value.displayText();
+}
+
+/// The numbers of the rows as they are shown.
+std::vector<quint32> arranged(const KNDatabaseResultSetPtr &result, const KNRowArrangement &arrangement)
+{
+    const std::atomic<bool> cancelled = false;
+    const KNRowOrderPtr order = arrangement.order(*result, shown, cancelled);
+    return order ? *order : KNRowOrder{};
+}
+
+KNDatabaseResultSetPtr column(const QList<KNValue> &values)
+{
+    QList<KNRow> rows;
+    for (const KNValue &value : values)
+        rows.append({value});
+    return result({QStringLiteral("a")}, rows);
+}
+
+std::vector<quint32> sorted(const QList<KNValue> &values, Qt::SortOrder order = Qt::AscendingOrder)
+{
+    return arranged(column(values), {.sortColumn = 0, .sortOrder = order});
+}
+
+std::vector<quint32> filtered(const QList<KNValue> &values, const char *text)
+{
+    return arranged(column(values), {.filterText = QString::fromUtf8(text)});
+}
+
+using Rows = std::vector<quint32>;
+
+} // namespace
+
+TEST(SortedRows, HaveNumbersByTheirValue)
+{
+    EXPECT_EQ(sorted({KNValue(10), KNValue(9), KNValue(-1), KNValue(100)}), (Rows{2, 1, 0, 3}));
+    EXPECT_EQ(sorted({KNValue(0.5), KNValue(-0.5), KNValue(1e300), KNValue(-1e300)}), (Rows{3, 1, 0, 2}));
+    EXPECT_EQ(sorted({decimal(u"10.5"), decimal(u"9.5"), decimal(u"-10.5")}), (Rows{2, 1, 0}));
+}
+
+TEST(SortedRows, HaveNumbersBeyondADoublesDigitsInOrder)
+{
+    constexpr qint64 Large = std::numeric_limits<qint64>::max();
+    EXPECT_EQ(sorted({KNValue(Large), KNValue(Large - 1), KNValue(Large - 2)}), (Rows{2, 1, 0}));
+    EXPECT_EQ(sorted({KNValue(-Large), KNValue(-Large + 1), KNValue(-Large - 1)}), (Rows{2, 0, 1}));
+    EXPECT_EQ(sorted({decimal(u"12345678901234567890123456789012345678"),
+                      decimal(u"12345678901234567890123456789012345677"),
+                      decimal(u"-12345678901234567890123456789012345678")}),
+              (Rows{2, 1, 0}));
+}
+
+TEST(SortedRows, HaveDatesByTime)
+{
+    const auto day = [](int year) { return KNValue(QDateTime(QDate(year, 1, 1), QTime(0, 0), Qt::UTC)); };
+    EXPECT_EQ(sorted({day(2000), day(1), day(9999), day(1899)}), (Rows{1, 3, 0, 2}));
+}
+
+TEST(SortedRows, BeginWithNullAndEndWithItTheOtherWayRound)
+{
+    EXPECT_EQ(sorted({KNValue(1), KNValue(), KNValue(-1)}), (Rows{1, 2, 0}));
+    EXPECT_EQ(sorted({KNValue(1), KNValue(), KNValue(-1)}, Qt::DescendingOrder), (Rows{0, 2, 1}));
+    EXPECT_EQ(sorted({text(""), KNValue()}), (Rows{1, 0}));
+}
+
+TEST(SortedRows, HaveTextWithoutRegardToCaseAndThenExactly)
+{
+    EXPECT_EQ(sorted({text("b"), text("A"), text("a"), text("B"), text("")}), (Rows{4, 1, 2, 3, 0}));
+    EXPECT_EQ(sorted({text("abcdE"), text("ABCDd"), text("abcd")}), (Rows{2, 1, 0}));
+    EXPECT_EQ(sorted({text("Ärger"), text("ärger"), text("zebra"), text("Ärgeb")}), (Rows{2, 3, 0, 1}));
+    EXPECT_EQ(sorted({text("🐘"), text("z"), text("ö")}), (Rows{1, 2, 0}));
+}
+
+TEST(SortedRows, HaveBytesByTheirValueAndLength)
+{
+    const auto bytes = [](const char *data, qsizetype size) { return KNValue(QByteArray(data, size)); };
+    EXPECT_EQ(sorted({bytes("\xff", 1), bytes("\x00\x00", 2), bytes("\x00", 1), bytes("123456789", 9),
+                      bytes("123456788", 9)}),
+              (Rows{2, 1, 4, 3, 0}));
+}
+
+TEST(SortedRows, StayAsTheyArrivedWhereTheyAreEqualInBothDirections)
+{
+    const QList<KNValue> values = {KNValue(2), KNValue(1), KNValue(2), KNValue(1)};
+    EXPECT_EQ(sorted(values), (Rows{1, 3, 0, 2}));
+    EXPECT_EQ(sorted(values, Qt::DescendingOrder), (Rows{0, 2, 1, 3}));
+    EXPECT_EQ(sorted({decimal(u"1.0"), decimal(u"1.00"), KNValue(1)}), (Rows{0, 1, 2}));
+}
+
+TEST(SortedRows, AreThoseOfTheColumnInQuestion)
+{
+    const auto rows = result({QStringLiteral("a"), QStringLiteral("b")},
+                             {{text("x"), KNValue(2)}, {text("y"), KNValue(1)}});
+    EXPECT_EQ(arranged(rows, {.sortColumn = 1}), (Rows{1, 0}));
+    EXPECT_EQ(arranged(rows, {.sortColumn = 0}), (Rows{0, 1}));
+}
+
+TEST(FilteredRows, HoldTheTextInAnyCase)
+{
+    EXPECT_EQ(filtered({text("Anna"), text("Bob"), text("HANNA"), KNValue()}, "ann"), (Rows{0, 2}));
+    EXPECT_EQ(filtered({text("Straße"), text("ÄRGER"), text("ärger")}, "Ärg"), (Rows{1, 2}));
+    EXPECT_EQ(filtered({text("naïve"), text("native")}, "ve"), (Rows{0, 1}));
+    EXPECT_EQ(filtered({text("a")}, "longer than the value"), Rows{});
+}
+
+TEST(FilteredRows, LookAtWhatIsShown)
+{
+    EXPECT_EQ(
+        filtered({KNValue(1234), KNValue(5.25), decimal(u"12.50"), KNValue(QByteArray("\x12\xab", 2))}, "12"),
+        (Rows{0, 2, 3}));
+    EXPECT_EQ(filtered({KNValue(QByteArray("\xab", 1))}, "0xab"), Rows{0});
+    EXPECT_EQ(filtered({KNValue(), text("NULL")}, "null"), Rows{1});
+}
+
+TEST(FilteredRows, AreThoseOfOneColumnWhenItIsChosen)
+{
+    const auto rows =
+        result({QStringLiteral("a"), QStringLiteral("b")}, {{text("x"), text("y")}, {text("y"), text("x")}});
+    EXPECT_EQ(arranged(rows, {.filterText = QStringLiteral("x")}), (Rows{0, 1}));
+    EXPECT_EQ(arranged(rows, {.filterText = QStringLiteral("x"), .filterColumn = 1}), (Rows{1}));
+}
+
+TEST(FilteredRows, AreSortedAsWell)
+{
+    const KNRowArrangement arrangement{
+        .sortColumn = 0, .sortOrder = Qt::DescendingOrder, .filterText = QStringLiteral("9")};
+    EXPECT_EQ(arranged(numberedRows(100), arrangement).front(), 99U);
+    EXPECT_EQ(arranged(numberedRows(100), arrangement).size(), 19U);
+}
+
+TEST(Arranging, GivesUpWhenItIsCancelled)
+{
+    const auto rows = numberedRows(10'000);
+    const std::atomic<bool> cancelled = true;
+    EXPECT_EQ(KNRowArrangement{.sortColumn = 0}.order(*rows, shown, cancelled), nullptr);
+    EXPECT_EQ(KNRowArrangement{.filterText = QStringLiteral("1")}.order(*rows, shown, cancelled), nullptr);
+}

@@ -1,0 +1,312 @@
+#include "Foundation/KNUserDefaults.h"
+#include "Support/FakeDatabase.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/ResultTesting.h"
+#include "Support/WindowTesting.h"
+#include "UI/Results/KNResultExportBar.h"
+#include "UI/Results/KNResultFilterBar.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNResultSection.h"
+#include "UI/Results/KNResultTabs.h"
+#include "UI/Results/KNResultsPane.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QToolButton>
+
+#include <thread>
+
+using namespace ResultTesting;
+using namespace WindowTesting;
+
+namespace {
+
+/// A pane on the screen that watches a run.
+class Pane
+{
+public:
+    explicit Pane(const QList<KNDatabaseResultSetPtr> &results = {})
+    {
+        pane.setShowsTabs(false);
+        pane.resize(800, 600);
+        pane.show();
+        QApplication::setActiveWindow(&pane);
+        QObject::connect(&pane, &KNResultsPane::rowCountChanged, &pane,
+                         [this](qint64 count) { told = count; });
+        for (const KNDatabaseResultSetPtr &each : results)
+            holder->append(each);
+        pane.beginRun(holder, FakeDatabase::Settings(m_server));
+        if (!results.isEmpty())
+            pane.finishRun();
+    }
+
+    QString clipboardAfter(const std::function<void()> &copies)
+    {
+        QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+        copies();
+        EXPECT_TRUE(waitFor([&] { return !pane.currentSection()->copier()->isCopying(); }));
+        return QGuiApplication::clipboard()->text();
+    }
+
+    KNResultsPane pane;
+    std::shared_ptr<KNResultSetHolder> holder = std::make_shared<KNResultSetHolder>();
+    qint64 told = -1;
+
+private:
+    FakeDatabase::Server m_server;
+};
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    return file.readAll();
+}
+
+} // namespace
+
+TEST(ResultsPane, ShowsRowsWhileTheyArrive)
+{
+    Pane shown;
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    shown.holder->append(result);
+    result->setColumns({QStringLiteral("a")}, {56});
+    result->addRows({{KNValue(1)}});
+    ASSERT_TRUE(waitFor([&] { return shown.told == 1; }));
+    EXPECT_EQ(shown.pane.section(0)->caption(), QStringLiteral("Result 1: 1 row so far"));
+    result->addRows({{KNValue(2)}, {KNValue(3)}});
+    ASSERT_TRUE(waitFor([&] { return shown.told == 3; }));
+    result->setFinished();
+    shown.pane.finishRun();
+    EXPECT_EQ(shown.pane.rowCount(), 3);
+    EXPECT_EQ(shown.pane.section(0)->caption(), QStringLiteral("Result 1: 3 rows"));
+}
+
+TEST(ResultsPane, ShowsNothingForAResultWithoutColumns)
+{
+    const Pane shown({result({}, {}), numberedRows(2), result({}, {})});
+    EXPECT_EQ(shown.pane.resultCount(), 1);
+    EXPECT_EQ(shown.pane.rowCount(), 2);
+}
+
+TEST(ResultsPane, ShowsColumnsOfAResultWithoutRows)
+{
+    Pane shown({result({QStringLiteral("a")}, {})});
+    EXPECT_EQ(shown.pane.resultCount(), 1);
+    EXPECT_EQ(shown.pane.section(0)->caption(), QStringLiteral("Result 1: 0 rows"));
+}
+
+TEST(ResultsPane, LetsRowsOfALostRunBeSorted)
+{
+    Pane shown;
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    shown.holder->append(result);
+    result->setColumns({QStringLiteral("a")}, {56});
+    result->addRows({{KNValue(1)}});
+    shown.pane.finishRun();
+    EXPECT_TRUE(shown.pane.section(0)->model().isFinished());
+}
+
+TEST(ResultsPane, ForgetsTheRunBefore)
+{
+    Pane shown({numberedRows(5)});
+    shown.pane.clear();
+    EXPECT_EQ(shown.pane.rowCount(), 0);
+    EXPECT_EQ(shown.told, 0);
+    EXPECT_EQ(shown.pane.resultCount(), 0);
+    EXPECT_EQ(shown.pane.sectionCount(), 0);
+    EXPECT_EQ(shown.pane.currentSection(), nullptr);
+}
+
+TEST(ResultsPane, MakesFewWidgetsForManyResults)
+{
+    for (const bool asTabs : {false, true}) {
+        Pane shown;
+        shown.pane.setShowsTabs(asTabs);
+        for (int i = 0; i < 1000; ++i)
+            shown.holder->append(numberedRows(3));
+        shown.pane.finishRun();
+        EXPECT_EQ(shown.pane.resultCount(), 1000);
+        EXPECT_EQ(shown.pane.rowCount(), 3000);
+        EXPECT_LT(shown.pane.sectionCount(), 20);
+        EXPECT_LT(shown.pane.findChildren<QWidget *>().size(), 1000);
+        if (!asTabs) {
+            auto *const bar = shown.pane.findChild<QAbstractScrollArea *>()->verticalScrollBar();
+            bar->setValue(bar->maximum());
+            EXPECT_TRUE(shown.pane.section(999)->isVisible());
+            EXPECT_LT(shown.pane.sectionCount(), 20);
+        } else {
+            shown.pane.tabs()->setCurrent(999);
+            EXPECT_TRUE(shown.pane.section(999)->isVisible());
+            EXPECT_LT(shown.pane.sectionCount(), 20);
+        }
+    }
+}
+
+TEST(ResultsPane, RemembersWhetherResultsAreTabs)
+{
+    Pane shown({numberedRows(3), numberedRows(4)});
+    EXPECT_FALSE(shown.pane.showsTabs());
+    EXPECT_TRUE(shown.pane.section(0)->isVisible());
+    EXPECT_TRUE(shown.pane.section(1)->isVisible());
+    shown.pane.section(1)->grid()->horizontalHeader()->resizeSection(0, 231);
+    shown.pane.setShowsTabs(true);
+    EXPECT_TRUE(shown.pane.section(0)->isVisible());
+    EXPECT_EQ(shown.pane.currentSection(), shown.pane.section(0));
+    shown.pane.findChild<QTabBar *>()->setCurrentIndex(1);
+    EXPECT_TRUE(shown.pane.section(1)->isVisible());
+    EXPECT_EQ(shown.pane.section(1)->grid()->horizontalHeader()->sectionSize(0), 231);
+    EXPECT_TRUE(KNResultsPane().showsTabs());
+    shown.pane.setShowsTabs(false);
+    EXPECT_FALSE(KNResultsPane().showsTabs());
+}
+
+TEST(ResultSection, CopiesWhatIsSelected)
+{
+    Pane shown({result({QStringLiteral("id"), QStringLiteral("name")},
+                       {{KNValue(1), text("x")}, {KNValue(2), KNValue()}})});
+    KNResultSection &section = *shown.pane.section(0);
+    section.grid()->setFocus();
+    section.grid()->selectAll();
+    const auto press = [&](Qt::KeyboardModifiers modifiers) {
+        return shown.clipboardAfter([&] { QTest::keyClick(section.grid(), Qt::Key_C, modifiers); });
+    };
+    EXPECT_EQ(press(Qt::ControlModifier), QStringLiteral("1\tx\n2\tNULL"));
+    EXPECT_EQ(press(Qt::ControlModifier | Qt::ShiftModifier), QStringLiteral("id\tname\n1\tx\n2\tNULL"));
+    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::Insert); }),
+              QStringLiteral(
+                  "INSERT INTO table_name (\"id\", \"name\") VALUES\r\n\t(1, 'x'),\r\n\t(2, NULL);\r\n"));
+    section.grid()->selectColumn(0, QItemSelectionModel::ClearAndSelect);
+    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::InList); }),
+              QStringLiteral("(1, 2)"));
+    section.grid()->clearSelection();
+    EXPECT_EQ(press(Qt::ControlModifier), QStringLiteral("before")) << "nothing is selected";
+}
+
+TEST(ResultSection, SortsByDoubleClicksOnAHeader)
+{
+    Pane shown({numberedRows(100)});
+    KNResultSection &section = *shown.pane.section(0);
+    const auto doubleClick = [&] {
+        const QPoint header(section.grid()->horizontalHeader()->sectionViewportPosition(0) + 15, 5);
+        QTest::mouseDClick(section.grid()->horizontalHeader()->viewport(), Qt::LeftButton, {}, header);
+        EXPECT_TRUE(waitFor([&] { return !section.model().isArranging(); }));
+        return section.model().cell(0, 0).text + QLatin1Char('|') + section.caption();
+    };
+    EXPECT_EQ(doubleClick(), QStringLiteral("0|Result 1: 100 rows, sorted by id"));
+    EXPECT_EQ(doubleClick(), QStringLiteral("99|Result 1: 100 rows, sorted by id (descending)"));
+    EXPECT_EQ(doubleClick(), QStringLiteral("0|Result 1: 100 rows"));
+}
+
+TEST(ResultSection, FiltersByWhatIsTypedAndShowsAllRowsOnEscape)
+{
+    Pane shown({numberedRows(100)});
+    KNResultSection &section = *shown.pane.section(0);
+    section.grid()->setFocus();
+    EXPECT_FALSE(section.filterBar()->isVisible());
+    QTest::keyClick(section.grid(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(section.filterBar()->isVisible());
+    QTest::keyClicks(section.filterBar()->field(), QStringLiteral("row 9"));
+    ASSERT_TRUE(waitFor([&] { return section.model().rowCount() == 11; }));
+    EXPECT_EQ(section.caption(), QStringLiteral("Result 1: 11 of 100 rows"));
+    EXPECT_EQ(shown.pane.rowCount(), 100);
+    QTest::keyClick(section.filterBar()->field(), Qt::Key_Escape);
+    EXPECT_EQ(section.model().rowCount(), 100);
+    EXPECT_FALSE(section.filterBar()->isVisible());
+    EXPECT_TRUE(section.grid()->hasFocus());
+}
+
+TEST(ResultSection, CannotBeFilteredWhileRowsArrive)
+{
+    Pane shown;
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    shown.holder->append(result);
+    result->setColumns({QStringLiteral("a")}, {56});
+    result->addRows({{KNValue(1)}});
+    ASSERT_TRUE(waitFor([&] { return shown.told == 1; }));
+    shown.pane.section(0)->openFilter();
+    EXPECT_FALSE(shown.pane.section(0)->filterBar()->isVisible());
+}
+
+TEST(ResultExport, WritesTheShownRowsToAFile)
+{
+    const QTemporaryDir folder;
+    RecordingFilePanels &panels = RecordingFilePanels::install();
+    panels.answer = {folder.filePath(QStringLiteral("a.csv"))};
+    Pane shown({numberedRows(100)});
+    KNResultSection &section = *shown.pane.section(0);
+    section.model().arrange({.filterText = QStringLiteral("row 99")});
+    ASSERT_TRUE(waitFor([&] { return !section.model().isArranging(); }));
+    Q_EMIT section.exportRequested();
+    EXPECT_TRUE(shown.pane.exportBar()->isExporting());
+    EXPECT_TRUE(shown.pane.exportBar()->isVisible());
+    ASSERT_TRUE(waitFor([&] { return !shown.pane.exportBar()->isExporting(); }));
+    EXPECT_FALSE(shown.pane.exportBar()->isVisible());
+    EXPECT_EQ(contents(panels.answer.first()), QByteArray("id,name\n99,row 99\n"));
+    EXPECT_EQ(panels.requests.at(0).filters.size(), 3);
+}
+
+TEST(ResultExport, IsCancelledWithoutATrace)
+{
+    const QTemporaryDir folder;
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    RecordingFilePanels::install().answer = {folder.filePath(QStringLiteral("a.xlsx"))};
+    Pane shown({numberedRows(500'000)});
+    Q_EMIT shown.pane.section(0)->exportRequested();
+    shown.pane.exportBar()->cancel();
+    ASSERT_TRUE(waitFor([&] { return !shown.pane.exportBar()->isExporting(); }));
+    EXPECT_TRUE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).isEmpty());
+    EXPECT_TRUE(alerts.errors.empty());
+}
+
+TEST(ResultExport, TellsOfErrorsAndOfWhatTheFormatCouldNotHold)
+{
+    const QTemporaryDir folder;
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    RecordingFilePanels &panels = RecordingFilePanels::install();
+    panels.answer = {QStringLiteral("/nonexistent/a.csv")};
+    Pane shown({result({QStringLiteral("a")}, {{KNValue(std::numeric_limits<qint64>::max())}})});
+    Q_EMIT shown.pane.section(0)->exportRequested();
+    ASSERT_TRUE(waitFor([&] { return alerts.errors.size() == 1; }));
+    panels.answer = {folder.filePath(QStringLiteral("a.xlsx"))};
+    Q_EMIT shown.pane.section(0)->exportRequested();
+    ASSERT_TRUE(waitFor([&] { return alerts.messages.size() == 1; }));
+    EXPECT_TRUE(alerts.messages.at(0).at(1).startsWith(QStringLiteral("One number is text")));
+}
+
+TEST(ResultsPane, IsFreeWhileAMillionRowsStreamIn)
+{
+    Pane shown;
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    result->setColumns({QStringLiteral("id"), QStringLiteral("name")}, {56, 47});
+    shown.holder->append(result);
+    constexpr int Count = 1'000'000;
+    std::thread writer([&] {
+        for (int row = 0; row < Count; ++row) {
+            result->rows().beginRow();
+            result->rows().appendInt32(row);
+            result->rows().appendText("some text", 9);
+            result->rows().endRow();
+            if (row % 100 == 99)
+                result->rows().publish();
+        }
+        result->rows().publish();
+        result->setFinished();
+    });
+    QElapsedTimer sinceEvents;
+    sinceEvents.start();
+    qint64 longest = 0;
+    EXPECT_TRUE(waitFor([&] {
+        longest = std::max(longest, sinceEvents.restart());
+        return shown.told == Count;
+    }));
+    writer.join();
+    shown.pane.finishRun();
+    EXPECT_LT(longest, 100);
+}
