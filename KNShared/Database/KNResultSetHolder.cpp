@@ -10,6 +10,7 @@ void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
 {
     const std::lock_guard lock(m_mutex);
     resultSet->rows().setReadAhead(m_readAhead);
+    resultSet->rows().setRowLimit(m_rowLimit);
     m_resultSets.push_back(resultSet);
     m_appended.notify_all();
 }
@@ -36,6 +37,12 @@ void KNResultSetHolder::setReadAhead(qsizetype rows)
 {
     const std::lock_guard lock(m_mutex);
     m_readAhead = rows;
+}
+
+void KNResultSetHolder::setRowLimit(qsizetype rows)
+{
+    const std::lock_guard lock(m_mutex);
+    m_rowLimit = rows;
 }
 
 bool KNResultSetHolder::waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const

@@ -37,6 +37,9 @@ public:
     /// result set.
     void setReadAhead(qsizetype rows);
 
+    /// How many rows every later result set keeps; 0, the default, for all.
+    void setRowLimit(qsizetype rows);
+
     /// Waits until there are more than `count` result sets or the time has passed; true when there are.
     bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
 
@@ -46,4 +49,5 @@ private:
     std::vector<KNDatabaseResultSetPtr> m_resultSets; ///< guarded by m_mutex, as all below
     qint64 m_totalResultCount = 0;
     qsizetype m_readAhead = 0;
+    qsizetype m_rowLimit = 0;
 };

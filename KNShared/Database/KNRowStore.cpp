@@ -138,6 +138,11 @@ void KNRowStore::appendValue(const KNValue &value)
 
 void KNRowStore::endRow()
 {
+    if (m_rowLimit > 0 && m_endedRows >= m_rowLimit) {
+        m_cursor = m_rowStart;
+        ++m_endedBeyondLimit;
+        return;
+    }
     if (!m_writing || m_cursor > m_limit)
         moveToBlockFor(0);
     const auto offset = static_cast<quint32>(m_rowStart - m_writing->bytes);
@@ -174,6 +179,7 @@ qsizetype KNRowStore::publish()
     const std::lock_guard lock(m_mutex);
     const qsizetype count = m_endedRows - m_published;
     m_published = m_endedRows;
+    m_dropped = m_endedBeyondLimit;
     if (count > 0)
         m_changed.notify_all();
     return count;
@@ -185,6 +191,13 @@ qsizetype KNRowStore::rowCount() const
     return m_published;
 }
 
+qsizetype KNRowStore::droppedRowCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_dropped;
+}
+
+const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount) const
 const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount, qsizetype *endRow) const
 {
     const std::lock_guard lock(m_mutex);

@@ -56,6 +56,8 @@ public:
     void appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale);
     void appendValue(const KNValue &value);
     void endRow();
+    /// Rows beyond this number are not kept; 0, the default, keeps all. To be set before the first row.
+    void setRowLimit(qsizetype rows) { m_rowLimit = rows; }
     /// Makes all ended rows visible. Returns how many that were.
     qsizetype publish();
     /// @}
@@ -65,6 +67,8 @@ public:
     qsizetype rowCount() const;
     /// The value at a published row and a column of it, both from 0; null outside.
     KNValue value(qsizetype row, qsizetype column) const;
+    /// Rows that were ended, published and not kept.
+    qsizetype droppedRowCount() const;
     /// The whole row; empty outside.
     KNRow row(qsizetype row) const;
     /// Bytes of memory that the rows take.
@@ -118,6 +122,8 @@ private:
     unsigned char *m_cursor = nullptr; ///< where the next cell goes
     unsigned char *m_limit = nullptr;  ///< end of the room for cells; this row's offset slot stands behind it
     qsizetype m_endedRows = 0;         ///< rows ended, published or not
+    qsizetype m_rowLimit = 0;          ///< writing thread only, as the next
+    qsizetype m_endedBeyondLimit = 0;
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
@@ -125,6 +131,7 @@ private:
     qsizetype m_columnCount = 0;                 ///< guarded by m_mutex
     qsizetype m_published = 0;                   ///< guarded by m_mutex
     qsizetype m_discarded = 0;                   ///< guarded by m_mutex
+    qsizetype m_dropped = 0;                     ///< guarded by m_mutex
     qsizetype m_readAhead = 0;                   ///< guarded by m_mutex
     bool m_closed = false;                       ///< guarded by m_mutex
     Block *m_writing = nullptr;                  ///< the last block; writing thread only

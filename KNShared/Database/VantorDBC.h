@@ -88,6 +88,8 @@ public:
     virtual void setConnectedWithDetails(const QVariantMap &details) = 0;
     /// Keywords of the server's language, sorted without regard to case.
     virtual const QStringList &keywords() const = 0;
+    /// Functions of the server's language, sorted likewise.
+    virtual const QStringList &functions() const = 0;
 
     /// Whether a session opened with one of both can stand in for a session opened with the other: the same
     /// server, way to it, account, database and parameters. Identity and display name do not matter.

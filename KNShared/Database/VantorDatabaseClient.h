@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 /// One connection to a database server. One thread works with it at a time; every operation that talks to the
 /// server blocks its caller, and only cancelCurrentQuery(), wasCancelled() and isConnected() may come from
@@ -51,6 +52,18 @@ public:
     virtual bool beginTransaction(KNError *error) = 0;
     virtual bool commitTransaction(KNError *error) = 0;
     virtual bool rollbackTransaction(KNError *error) = 0;
+
+    /// The database that the session is in, as far as it is known here; null when it is not. Asks nobody.
+    virtual QString currentDatabase() const = 0;
+    /// Goes to another database. Where a session cannot do that a new one takes its place.
+    virtual bool changeDatabase(const QString &name, KNError *error) = 0;
+    /// The databases that the login may go to, sorted by name; empty with an error.
+    virtual QStringList databaseNames(KNError *error) = 0;
+    /// Whether the session has a transaction open; empty with an error. Asking is a batch of its own, which
+    /// later batches may notice.
+    virtual std::optional<bool> isInTransaction(KNError *error) = 0;
+    /// Whether running this text may open or end a transaction. Pure; any thread.
+    virtual bool mayChangeTransaction(const QString &sql) const = 0;
 
     /// Stops what runs on another thread; blocks until the server has let go. The session lives on, unless
     /// the server had stalled in the middle of a row. Any thread. Harmless when nothing runs.

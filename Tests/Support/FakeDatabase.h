@@ -76,6 +76,7 @@ public:
         static const QStringList none;
         return none;
     }
+    const QStringList &functions() const override { return keywords(); }
     Server &server() const { return m_server; }
 
 private:
@@ -140,6 +141,15 @@ public:
     bool beginTransaction(KNError *) override { return true; }
     bool commitTransaction(KNError *) override { return true; }
     bool rollbackTransaction(KNError *) override { return true; }
+    QString currentDatabase() const override { return database; }
+    bool changeDatabase(const QString &name, KNError *) override
+    {
+        database = name;
+        return true;
+    }
+    QStringList databaseNames(KNError *) override { return {}; }
+    std::optional<bool> isInTransaction(KNError *) override { return false; }
+    bool mayChangeTransaction(const QString &) const override { return false; }
     bool cancelCurrentQuery(KNError *) override
     {
         ++cancels;
@@ -155,13 +165,13 @@ public:
     void prepareForPool(VantorDBC &details, bool isUserQuery) override
     {
         ++m_settings->server().handedBack;
-        if (isUserQuery && !currentDatabase.isNull()) {
-            m_settings->setDatabase(currentDatabase);
-            details.setDatabase(currentDatabase);
+        if (isUserQuery && !database.isNull()) {
+            m_settings->setDatabase(database);
+            details.setDatabase(database);
         }
     }
 
-    QString currentDatabase; ///< what a USE has led to
+    QString database; ///< what a USE has led to
     std::atomic<int> cancels = 0;
 
 private:

@@ -231,6 +231,7 @@ public:
         static const QStringList none;
         return none;
     }
+    const QStringList &functions() const override { return keywords(); }
 };
 
 } // namespace

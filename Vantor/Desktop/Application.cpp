@@ -49,7 +49,7 @@ void Application::openSampleServer()
 {
     if (m_sampleServer) {
         // One that is still starting opens its window by itself.
-        if (!m_sampleServer->host().isNull())
+        if (m_isSampleServerReady)
             sampleServerIsReady({});
         return;
     }
@@ -77,6 +77,7 @@ void Application::sampleServerIsReady(const KNError &error)
         showConnections();
         return;
     }
+    m_isSampleServerReady = true;
     const VantorDBCPtr details = m_connector->createConnectionDetails();
     details->setConnectionId(SampleConnectionId);
     details->setAlias(tr("Sample server"));

@@ -36,4 +36,5 @@ private:
     Options m_options;
     KNConnectorPlugin *m_connector = nullptr;
     std::shared_ptr<SampleServerProcess> m_sampleServer; ///< null while there is none
+    bool m_isSampleServerReady = false;
 };

@@ -15,7 +15,7 @@ class MSSQLHandleScope;
 class MSSQLLoginFile;
 
 /// One connection to SQL Server through db-lib. The class has one header and one source file for each
-/// concern: connecting, executing, rows, values, messages.
+/// concern: connecting, executing, rows, values, messages, the session.
 class MSSQLClient : public VantorDatabaseClient
 {
 public:
@@ -58,6 +58,11 @@ public:
     bool beginTransaction(KNError *error) override;
     bool commitTransaction(KNError *error) override;
     bool rollbackTransaction(KNError *error) override;
+    QString currentDatabase() const override;
+    bool changeDatabase(const QString &name, KNError *error) override;
+    QStringList databaseNames(KNError *error) override;
+    std::optional<bool> isInTransaction(KNError *error) override;
+    bool mayChangeTransaction(const QString &sql) const override;
     bool cancelCurrentQuery(KNError *error) override;
     bool wasCancelled() const override { return m_cancellation.isRequested(); }
     bool hasHungUp() const override;

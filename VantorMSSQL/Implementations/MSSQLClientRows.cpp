@@ -98,7 +98,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
         }
     }
     holder.incrementTotalResultCountBy(resultSet->rows().publish());
-    resultSet->setNumberOfRowsAffected(resultSet->rows().rowCount());
+    resultSet->setNumberOfRowsAffected(resultSet->rows().rowCount() + resultSet->rows().droppedRowCount());
     if (compute)
         compute->setNumberOfRowsAffected(compute->rows().rowCount());
     return compute;

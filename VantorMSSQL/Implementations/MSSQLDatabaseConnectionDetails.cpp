@@ -156,6 +156,11 @@ const QStringList &MSSQLDatabaseConnectionDetails::keywords() const
     return sqlKeywords();
 }
 
+const QStringList &MSSQLDatabaseConnectionDetails::functions() const
+{
+    return sqlFunctions();
+}
+
 const QStringList &MSSQLDatabaseConnectionDetails::sqlKeywords()
 {
     static const QStringList words = wordsOfResource("MSSQLKeywords");

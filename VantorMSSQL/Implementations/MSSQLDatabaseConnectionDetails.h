@@ -67,9 +67,10 @@ public:
     QVariantMap connectedWithDetails() const override;
     void setConnectedWithDetails(const QVariantMap &details) override;
     const QStringList &keywords() const override;
+    const QStringList &functions() const override;
 
-    /// The same list as keywords(), for who has no connection at hand. All three are sorted without regard to
-    /// case and hold each word once.
+    /// The same lists as keywords() and functions(), for who has no connection at hand. All three are sorted
+    /// without regard to case and hold each word once.
     static const QStringList &sqlKeywords();
     static const QStringList &sqlFunctions();
     static const QStringList &functionsAndKeywords();

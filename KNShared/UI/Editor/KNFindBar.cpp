@@ -223,6 +223,14 @@ void KNFindBar::replaceAll()
     say(tr("%n replaced", nullptr, static_cast<int>(replacements.size())), replacements.isEmpty());
 }
 
+bool KNFindBar::event(QEvent *event)
+{
+    // Escape is the bar's before it is anybody's shortcut.
+    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        event->accept();
+    return QWidget::event(event);
+}
+
 void KNFindBar::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_Escape) {

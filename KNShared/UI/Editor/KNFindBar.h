@@ -39,6 +39,7 @@ public Q_SLOTS:
     void replaceAll();
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

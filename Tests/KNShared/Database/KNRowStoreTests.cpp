@@ -177,6 +177,25 @@ TEST(KNRowStore, ForgetsDiscardedRowsAndTheirMemory)
     EXPECT_EQ(rows.rowCount(), 10'000);
 }
 
+TEST(KNRowStore, KeepsNoMoreRowsThanItsLimit)
+{
+    KNRowStore rows;
+    rows.setColumnCount(1);
+    rows.setRowLimit(3);
+    const QString text(3000, u'x'); // so that blocks change in the middle of rows
+    for (int i = 0; i < 10; ++i) {
+        rows.beginRow();
+        rows.appendValue(KNValue(text + QString::number(i)));
+        rows.endRow();
+        rows.publish();
+    }
+    EXPECT_EQ(rows.rowCount(), 3);
+    EXPECT_EQ(rows.droppedRowCount(), 7);
+    EXPECT_EQ(rows.value(0, 0).text(), text + u'0');
+    EXPECT_EQ(rows.value(2, 0).text(), text + u'2');
+    EXPECT_TRUE(rows.value(3, 0).isNull());
+}
+
 TEST(KNRowStore, AWriterWithReadAheadWaitsForItsReader)
 {
     KNRowStore rows;

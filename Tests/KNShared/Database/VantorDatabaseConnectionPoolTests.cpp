@@ -351,7 +351,7 @@ TEST_F(ConnectionPool, ATabThatLostItsClientGoesOnInTheDatabaseItWasIn)
     KNError error;
     EXPECT_FALSE(tab->executeQuery(
         [](VantorDatabaseClient &client, KNError *failure) {
-            static_cast<FakeDatabase::Client &>(client).currentDatabase = QStringLiteral("shop");
+            static_cast<FakeDatabase::Client &>(client).database = QStringLiteral("shop");
             die(client, failure);
         },
         &error));

@@ -11,7 +11,7 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("test"), 7, QStringLiteral("It failed."));
+const KNError LoadFailure(QStringLiteral("test"), 7, QStringLiteral("It failed."));
 
 /// A section whose loads the test controls.
 class Section : public KNDatabaseTreeLoadingEntry
@@ -166,7 +166,7 @@ TEST_F(LoadingEntry, AnErrorWithoutChildrenIsShownInTheirPlace)
 {
     const auto entry = section();
     entry->loading = [](KNError *error) {
-        *error = Failure;
+        *error = LoadFailure;
         return std::nullopt;
     };
     load(entry);
@@ -185,7 +185,7 @@ TEST_F(LoadingEntry, AnErrorBesideChildrenIsNotShown)
     load(entry);
     const auto before = entry->childEntries();
     entry->loading = [](KNError *error) {
-        *error = Failure;
+        *error = LoadFailure;
         return std::nullopt;
     };
     load(entry, true);

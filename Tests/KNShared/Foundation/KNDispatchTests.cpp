@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int Bound = 30'000; // milliseconds
-constexpr std::chrono::milliseconds SemaphoreBound(Bound);
+constexpr int DispatchBound = 30'000; // milliseconds
+constexpr std::chrono::milliseconds SemaphoreBound(DispatchBound);
 
 } // namespace
 
@@ -20,7 +20,7 @@ TEST(KNDispatchGlobalQueue, RunsEveryPieceOfWork)
     std::atomic<int> ran = 0;
     for (int piece = 0; piece < 1000; ++piece)
         KNDispatch::globalQueue([&ran] { ++ran; });
-    ASSERT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    ASSERT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
     EXPECT_EQ(ran, 1000);
 }
 
@@ -40,7 +40,7 @@ TEST(KNDispatchGlobalQueue, LetsNoBlockedTaskHoldUpAnother)
         ASSERT_TRUE(arrived.waitFor(SemaphoreBound)) << "task " << task << " never started";
     for (int task = 0; task < Tasks; ++task)
         gate.signal();
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
 }
 
 TEST(KNDispatchGlobalQueue, RunsWorkThatWaitsForWorkItQueued)
@@ -61,7 +61,7 @@ TEST(KNDispatchGlobalQueue, RunsWorkThatWaitsForWorkItQueued)
         done.signal();
     });
     EXPECT_TRUE(done.waitFor(SemaphoreBound));
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
 }
 
 TEST(KNDispatchGlobalQueue, IsNotIdleWhileATaskRuns)
@@ -70,7 +70,7 @@ TEST(KNDispatchGlobalQueue, IsNotIdleWhileATaskRuns)
     KNDispatch::globalQueue([&gate] { gate.wait(); });
     EXPECT_FALSE(KNDispatch::waitUntilIdle(0));
     gate.signal();
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
 }
 
 TEST(KNDispatchGlobalQueue, LetsGoOfWhatTheWorkHeldBeforeItCountsAsDone)
@@ -78,7 +78,7 @@ TEST(KNDispatchGlobalQueue, LetsGoOfWhatTheWorkHeldBeforeItCountsAsDone)
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> observed = held;
     KNDispatch::globalQueue([held = std::move(held)] { ASSERT_EQ(*held, 1); });
-    ASSERT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    ASSERT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
     EXPECT_TRUE(observed.expired());
 }
 
@@ -93,9 +93,9 @@ TEST(KNDispatchGlobalQueue, LogsAnExceptionAndGoesOn)
     std::atomic<bool> ranAfterwards = false;
     KNDispatch::globalQueue([] { throw std::runtime_error("lost the thread"); });
     KNDispatch::globalQueue([] { throw 42; });
-    ASSERT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    ASSERT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
     KNDispatch::globalQueue([&] { ranAfterwards = true; });
-    ASSERT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    ASSERT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
     KNLogHelper::sharedInstance()->setObserver({});
     EXPECT_TRUE(ranAfterwards);
     const std::lock_guard lock(mutex);

@@ -16,7 +16,7 @@
 
 namespace {
 
-const QString Key = QStringLiteral("MSSQLRecentConnections");
+const QString ListKey = QStringLiteral("MSSQLRecentConnections");
 
 class FileStoreTest : public testing::Test
 {
@@ -71,18 +71,18 @@ protected:
 TEST_F(FileStoreTest, GivesBackWhatWasKeptAlsoToTheNextProgram)
 {
     const QString secret = QStringLiteral("p\"ä\\\n\U0001F511");
-    EXPECT_TRUE(text(Key).isNull());
-    EXPECT_FALSE(set(Key, secret));
+    EXPECT_TRUE(text(ListKey).isNull());
+    EXPECT_FALSE(set(ListKey, secret));
     EXPECT_FALSE(set(QStringLiteral("empty"), QStringLiteral("")));
-    EXPECT_EQ(text(Key), secret);
+    EXPECT_EQ(text(ListKey), secret);
     KNFileStore next(m_path);
-    EXPECT_EQ(textIn(next, Key), secret);
+    EXPECT_EQ(textIn(next, ListKey), secret);
     EXPECT_FALSE(textIn(next, QStringLiteral("empty")).isNull());
 }
 
 TEST_F(FileStoreTest, IsForTheUserAlone)
 {
-    ASSERT_FALSE(set(Key, QStringLiteral("secret")));
+    ASSERT_FALSE(set(ListKey, QStringLiteral("secret")));
     EXPECT_EQ(QFileInfo(m_path).permissions() & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser),
               QFile::ReadOwner | QFile::WriteOwner);
     EXPECT_FALSE(QFileInfo(QFileInfo(m_path).path()).permissions() & (QFile::ReadGroup | QFile::ReadOther));
@@ -90,11 +90,11 @@ TEST_F(FileStoreTest, IsForTheUserAlone)
 
 TEST_F(FileStoreTest, ForgetsWhatIsRemovedAndNothingElse)
 {
-    set(Key, QStringLiteral("a"));
+    set(ListKey, QStringLiteral("a"));
     set(QStringLiteral("other"), QStringLiteral("b"));
-    EXPECT_FALSE(remove(Key));
+    EXPECT_FALSE(remove(ListKey));
     EXPECT_FALSE(remove(QStringLiteral("never there")));
-    EXPECT_TRUE(text(Key).isNull());
+    EXPECT_TRUE(text(ListKey).isNull());
     EXPECT_EQ(text(QStringLiteral("other")), QStringLiteral("b"));
 }
 
@@ -102,8 +102,8 @@ TEST_F(FileStoreTest, KeepsTheLastOfManyWritesThatWaitForNoAnswer)
 {
     int answers = 0;
     for (int i = 1; i <= 50; ++i)
-        m_store.setText(Key, QString::number(i), [&](const KNError &) { ++answers; });
-    EXPECT_EQ(text(Key), QStringLiteral("50"));
+        m_store.setText(ListKey, QString::number(i), [&](const KNError &) { ++answers; });
+    EXPECT_EQ(text(ListKey), QStringLiteral("50"));
     EXPECT_EQ(answers, 50);
 }
 
@@ -111,11 +111,11 @@ TEST_F(FileStoreTest, PutsADamagedFileAsideWhenItWritesAnother)
 {
     writeFile("{ \"MSSQLRecent");
     KNError error;
-    EXPECT_TRUE(text(Key, &error).isNull());
+    EXPECT_TRUE(text(ListKey, &error).isNull());
     EXPECT_EQ(error.code(), KNKeyValueStore::Damaged);
     EXPECT_TRUE(error.localizedDescription().contains(m_path)) << error.localizedDescription().toStdString();
-    EXPECT_FALSE(set(Key, QStringLiteral("new")));
-    EXPECT_EQ(text(Key), QStringLiteral("new"));
+    EXPECT_FALSE(set(ListKey, QStringLiteral("new")));
+    EXPECT_EQ(text(ListKey), QStringLiteral("new"));
     QFile damaged(m_path + QStringLiteral(".damaged"));
     ASSERT_TRUE(damaged.open(QIODevice::ReadOnly));
     EXPECT_EQ(damaged.readAll(), QByteArray("{ \"MSSQLRecent"));
@@ -125,21 +125,21 @@ TEST_F(FileStoreTest, SaysWhenTheFileCannotBeReadAndLeavesItAsItIs)
 {
     QFile inTheWay(m_folder.filePath(QStringLiteral("data")));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    EXPECT_EQ(set(Key, QStringLiteral("x")).code(), KNKeyValueStore::NotWritten);
+    EXPECT_EQ(set(ListKey, QStringLiteral("x")).code(), KNKeyValueStore::NotWritten);
 
     // A folder in the file's place cannot be opened, whoever asks.
     ASSERT_TRUE(inTheWay.remove());
     ASSERT_TRUE(QDir().mkpath(m_path));
     KNError error;
-    text(Key, &error);
+    text(ListKey, &error);
     EXPECT_EQ(error.code(), KNKeyValueStore::Refused);
-    EXPECT_EQ(set(Key, QStringLiteral("x")).code(), KNKeyValueStore::Refused);
+    EXPECT_EQ(set(ListKey, QStringLiteral("x")).code(), KNKeyValueStore::Refused);
     EXPECT_TRUE(QFileInfo(m_path).isDir());
 }
 
 TEST_F(FileStoreTest, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne)
 {
-    ASSERT_FALSE(set(Key, QStringLiteral("old")));
+    ASSERT_FALSE(set(ListKey, QStringLiteral("old")));
     // As a full disk: no file of this process may become longer.
     struct sigaction ignored = {}, before = {};
     ignored.sa_handler = SIG_IGN;
@@ -148,12 +148,12 @@ TEST_F(FileStoreTest, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne)
     getrlimit(RLIMIT_FSIZE, &unlimited);
     const rlimit limited = {4096, unlimited.rlim_max};
     setrlimit(RLIMIT_FSIZE, &limited);
-    const KNError error = set(Key, QString(100000, QLatin1Char('x')));
+    const KNError error = set(ListKey, QString(100000, QLatin1Char('x')));
     setrlimit(RLIMIT_FSIZE, &unlimited);
     sigaction(SIGXFSZ, &before, nullptr);
 
     EXPECT_EQ(error.code(), KNKeyValueStore::NotWritten) << error.localizedDescription().toStdString();
-    EXPECT_EQ(text(Key), QStringLiteral("old"));
+    EXPECT_EQ(text(ListKey), QStringLiteral("old"));
 }
 
 TEST(KeyValueStore, OfAProgramIsAFileBelowTheDataFolderUnlessAnotherIsPutInPlace)

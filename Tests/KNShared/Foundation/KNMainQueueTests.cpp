@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int Bound = 30'000; // milliseconds
-constexpr int Threads = 20;
+constexpr int QueueBound = 30'000; // milliseconds
+constexpr int QueueThreads = 20;
 constexpr int PiecesEach = 100;
 
 /// A program with an event loop.
@@ -55,7 +55,7 @@ TEST_F(KNMainQueueTest, RunsWorkOnTheMainThreadInOrderOfArrival)
     ASSERT_EQ(order.size(), 500U);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
     EXPECT_TRUE(allOnMainThread);
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(QueueBound));
 }
 
 TEST_F(KNMainQueueTest, DoesNotRunQueuedWorkAtOnceEvenOnTheMainThread)
@@ -78,7 +78,7 @@ TEST_F(KNMainQueueTest, WaitsForSynchronousWorkFromAPoolThread)
         KNDispatch::mainQueue([] { QCoreApplication::quit(); });
     });
     QCoreApplication::exec();
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(QueueBound));
     EXPECT_TRUE(sawResult);
     EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
@@ -103,7 +103,7 @@ TEST_F(KNMainQueueTest, ThrowsInTheWaitingThreadWhatSynchronousWorkThrew)
         KNDispatch::mainQueue([] { QCoreApplication::quit(); });
     });
     QCoreApplication::exec();
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(QueueBound));
     EXPECT_EQ(caught, "there");
 }
 
@@ -138,11 +138,11 @@ TEST_F(KNMainQueueTest, LogsAnExceptionAndGoesOn)
 TEST_F(KNMainQueueTest, TakesWorkFromManyThreadsAtOnce)
 {
     int served = 0; // touched by the main thread only
-    for (int thread = 0; thread < Threads; ++thread) {
+    for (int thread = 0; thread < QueueThreads; ++thread) {
         KNDispatch::globalQueue([&] {
             for (int piece = 0; piece < PiecesEach; ++piece) {
                 const auto count = [&served] {
-                    if (++served == Threads * PiecesEach)
+                    if (++served == QueueThreads * PiecesEach)
                         QCoreApplication::quit();
                 };
                 if (piece % 10 == 0)
@@ -153,8 +153,8 @@ TEST_F(KNMainQueueTest, TakesWorkFromManyThreadsAtOnce)
         });
     }
     QCoreApplication::exec();
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
-    EXPECT_EQ(served, Threads * PiecesEach);
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(QueueBound));
+    EXPECT_EQ(served, QueueThreads * PiecesEach);
 }
 
 TEST(KNMainQueueWithoutAnEventLoop, RunsNothingUntilItIsPumped)
@@ -175,7 +175,7 @@ TEST(KNMainQueueWithoutAnEventLoop, WaitsForTheFirstPieceOfAnotherThread)
     KNDispatch::pumpMainQueue(0);
     std::thread::id ranOn;
     KNDispatch::globalQueue([&] { KNDispatch::mainQueueSync([&] { ranOn = std::this_thread::get_id(); }); });
-    EXPECT_TRUE(KNDispatch::pumpMainQueue(Bound));
+    EXPECT_TRUE(KNDispatch::pumpMainQueue(QueueBound));
     EXPECT_EQ(ranOn, std::this_thread::get_id());
-    EXPECT_TRUE(KNDispatch::waitUntilIdle(Bound));
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(QueueBound));
 }

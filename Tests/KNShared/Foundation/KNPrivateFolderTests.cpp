@@ -9,7 +9,7 @@
 
 namespace {
 
-mode_t modeOf(const QString &path)
+mode_t folderMode(const QString &path)
 {
     struct stat status
     {
@@ -24,8 +24,8 @@ TEST(KNPrivateFolder, IsMadeForTheUserAloneWithAllThatIsMissingAboveIt)
     const QTemporaryDir base;
     const QString folder = base.filePath(QStringLiteral("one/two/three"));
     ASSERT_TRUE(KNMakePrivateFolder(folder));
-    EXPECT_EQ(modeOf(folder), 0700U);
-    EXPECT_EQ(modeOf(base.filePath(QStringLiteral("one"))), 0700U);
+    EXPECT_EQ(folderMode(folder), 0700U);
+    EXPECT_EQ(folderMode(base.filePath(QStringLiteral("one"))), 0700U);
 }
 
 TEST(KNPrivateFolder, LeavesAnExistingFolderAsItIs)
@@ -35,7 +35,7 @@ TEST(KNPrivateFolder, LeavesAnExistingFolderAsItIs)
     ASSERT_EQ(mkdir(QFile::encodeName(folder).constData(), 0755), 0);
     ASSERT_EQ(chmod(QFile::encodeName(folder).constData(), 0755), 0);
     EXPECT_TRUE(KNMakePrivateFolder(folder + u'/'));
-    EXPECT_EQ(modeOf(folder), 0755U);
+    EXPECT_EQ(folderMode(folder), 0755U);
 }
 
 TEST(KNPrivateFolder, FailsBelowAFile)

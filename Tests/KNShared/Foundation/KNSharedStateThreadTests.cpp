@@ -15,15 +15,15 @@
 
 namespace {
 
-constexpr int Threads = 8;
+constexpr int SharingThreads = 8;
 constexpr int Steps = 50;
 
 /// Runs `step(thread, step)` on several threads at once.
 void onManyThreads(const std::function<void(int thread, int step)> &step)
 {
     std::vector<std::thread> threads;
-    threads.reserve(Threads);
-    for (int thread = 0; thread < Threads; ++thread) {
+    threads.reserve(SharingThreads);
+    for (int thread = 0; thread < SharingThreads; ++thread) {
         threads.emplace_back([&step, thread] {
             for (int number = 0; number < Steps; ++number)
                 step(thread, number);
@@ -54,7 +54,7 @@ TEST(KNLogHelperThreads, WriteWholeLinesAndRotateAtOnce)
             ++lines;
         }
     }
-    EXPECT_EQ(lines, Threads * Steps);
+    EXPECT_EQ(lines, SharingThreads * Steps);
 }
 
 TEST(KNHostCacheThreads, LookUpAndClearAtOnce)
@@ -83,7 +83,7 @@ TEST(KNNotificationCenterThreads, ObservePostAndEndAtOnce)
             center.addObserver(QStringLiteral("n"), [](const QString &, const QVariantMap &) {});
         center.post(QStringLiteral("n"));
     });
-    EXPECT_EQ(calls, Threads * Steps);
+    EXPECT_EQ(calls, SharingThreads * Steps);
 }
 
 TEST(KNUserDefaultsThreads, ReadAndWriteAtOnce)

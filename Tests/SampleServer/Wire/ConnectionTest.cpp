@@ -29,7 +29,7 @@ StatementEnd end(std::uint64_t rows)
     return result;
 }
 
-Bytes done(std::uint8_t status, std::uint8_t rows)
+Bytes doneToken(std::uint8_t status, std::uint8_t rows)
 {
     return {0xFD, status, 0, 0, 0, rows, 0, 0, 0, 0, 0, 0, 0};
 }
@@ -143,11 +143,12 @@ TEST(Connection, MarksEveryStatementButTheLastWithMore)
     ScriptedEngine::define("nothing", [](ResultSink &) {});
     WireClient client(server.port());
     client.login();
-    Bytes expected = done(DoneStatus::Count | DoneStatus::More, 1);
-    for (const Bytes &next : {done(DoneStatus::Count | DoneStatus::More, 2), done(DoneStatus::Count, 3)})
+    Bytes expected = doneToken(DoneStatus::Count | DoneStatus::More, 1);
+    for (const Bytes &next :
+         {doneToken(DoneStatus::Count | DoneStatus::More, 2), doneToken(DoneStatus::Count, 3)})
         expected.insert(expected.end(), next.begin(), next.end());
     EXPECT_EQ(client.batch(u"three"), expected);
-    EXPECT_EQ(client.batch(u"nothing"), done(0, 0));
+    EXPECT_EQ(client.batch(u"nothing"), doneToken(0, 0));
 }
 
 TEST(Connection, RunsTheStatementOfExecuteSqlAsAProcedure)

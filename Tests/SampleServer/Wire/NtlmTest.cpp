@@ -20,7 +20,7 @@ constexpr const char *SessionResponse1 =
     "75 37 F8 03 AE 36 71 28 CA 45 82 04 BD E7 CA F8 1E 97 ED 26 83 26 72 32";
 constexpr const char *Proof2 = "68 CD 0A B8 51 E5 1C 96 AA BC 92 7B EB EF 6A 1C";
 
-Bytes bytes(const std::string &text)
+Bytes bytesOf(const std::string &text)
 {
     Bytes result;
     for (std::size_t at = 0; at < text.size(); at += 3)
@@ -30,9 +30,9 @@ Bytes bytes(const std::string &text)
 
 /// What follows the proof in an NTLMv2 response to a server named "Server" of the domain "Domain".
 const Bytes Blob2 =
-    bytes("01 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 AA AA AA AA AA AA AA AA 00 00 00 00 "
-          "02 00 0C 00 44 00 6F 00 6D 00 61 00 69 00 6E 00 "
-          "01 00 0C 00 53 00 65 00 72 00 76 00 65 00 72 00 00 00 00 00 00 00 00 00");
+    bytesOf("01 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 AA AA AA AA AA AA AA AA 00 00 00 00 "
+            "02 00 0C 00 44 00 6F 00 6D 00 61 00 69 00 6E 00 "
+            "01 00 0C 00 53 00 65 00 72 00 76 00 65 00 72 00 00 00 00 00 00 00 00 00");
 
 Authentication authentication(Bytes ntResponse, Bytes lmResponse = Bytes(24), bool session = false)
 {
@@ -42,9 +42,9 @@ Authentication authentication(Bytes ntResponse, Bytes lmResponse = Bytes(24), bo
 /// An AUTHENTICATE_MESSAGE without workstation and session key.
 Bytes authenticateMessage(const Bytes &ntResponse, std::uint32_t flags)
 {
-    Bytes message = bytes("4E 54 4C 4D 53 53 50 00 03 00 00 00");
-    const Bytes domain = bytes("44 00 6F 00 6D 00");
-    const Bytes user = bytes("55 00 73 00");
+    Bytes message = bytesOf("4E 54 4C 4D 53 53 50 00 03 00 00 00");
+    const Bytes domain = bytesOf("44 00 6F 00 6D 00");
+    const Bytes user = bytesOf("55 00 73 00");
     const Bytes fields[] = {Bytes(24), ntResponse, domain, user, {}, {}};
     std::uint32_t offset = 64;
     for (const Bytes &field : fields) {
@@ -91,12 +91,13 @@ TEST(Ntlm, ProvesKnowledgeOfAPasswordInVersion2)
 
 TEST(Ntlm, AcceptsEachKindOfResponseToTheRightPasswordAlone)
 {
-    Bytes version2 = bytes(Proof2);
+    Bytes version2 = bytesOf(Proof2);
     version2.insert(version2.end(), Blob2.begin(), Blob2.end());
-    const Bytes sessionLm = bytes("AA AA AA AA AA AA AA AA 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
-    for (const Authentication &answer : {authentication(bytes(Response1)), authentication(version2),
-                                         authentication(bytes(SessionResponse1), sessionLm, true),
-                                         authentication(bytes(SessionResponse1), sessionLm, false)}) {
+    const Bytes sessionLm =
+        bytesOf("AA AA AA AA AA AA AA AA 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+    for (const Authentication &answer : {authentication(bytesOf(Response1)), authentication(version2),
+                                         authentication(bytesOf(SessionResponse1), sessionLm, true),
+                                         authentication(bytesOf(SessionResponse1), sessionLm, false)}) {
         EXPECT_TRUE(answer.proves(u"Password", ServerChallenge));
         EXPECT_FALSE(answer.proves(u"password", ServerChallenge));
         EXPECT_FALSE(answer.proves(u"Password", ClientChallenge));
@@ -112,7 +113,7 @@ TEST(Ntlm, RefusesResponsesThatAreNone)
 TEST(Ntlm, ChallengesWithItsNameAndTheFlagsThatTheClientKnows)
 {
     // Negotiate: Unicode, NTLM, extended session security.
-    const Bytes negotiate = bytes("4E 54 4C 4D 53 53 50 00 01 00 00 00 01 02 08 00");
+    const Bytes negotiate = bytesOf("4E 54 4C 4D 53 53 50 00 01 00 00 00 01 02 08 00");
     EXPECT_EQ(hex(challengeMessage(negotiate, ServerChallenge, "S")),
               "4E 54 4C 4D 53 53 50 00 02 00 00 00 02 00 02 00 30 00 00 00 05 02 8A 00 "
               "01 23 45 67 89 AB CD EF 00 00 00 00 00 00 00 00 10 00 10 00 32 00 00 00 "
@@ -125,7 +126,7 @@ TEST(Ntlm, RefusesAFirstMessageThatIsNoNegotiation)
                                 "4E 54 4C 4D 53 53 51 00 01 00 00 00 01 02 08 00", // with another signature
                                 "4E 54 4C 4D 53 53 50 00 01 00 00 00 02 02 08 00", // without Unicode
                                 "4E 54 4C 4D 53 53 50 00 01 00 00 00 01"})         // cut short
-        EXPECT_THROW(challengeMessage(bytes(message), ServerChallenge, "S"), ProtocolError) << message;
+        EXPECT_THROW(challengeMessage(bytesOf(message), ServerChallenge, "S"), ProtocolError) << message;
 }
 
 TEST(Ntlm, ReadsAnAuthentication)

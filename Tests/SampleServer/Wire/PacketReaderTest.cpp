@@ -26,7 +26,7 @@ Bytes packet(PacketType type, std::uint8_t status, const std::string &content)
     return bytes;
 }
 
-Bytes joined(Bytes first, const Bytes &second)
+Bytes chained(Bytes first, const Bytes &second)
 {
     first.insert(first.end(), second.begin(), second.end());
     return first;
@@ -38,7 +38,7 @@ std::string text(const Bytes &bytes)
 }
 
 const Bytes TwoPackets =
-    joined(packet(PacketType::SqlBatch, 0, "select "), packet(PacketType::SqlBatch, 1, "1"));
+    chained(packet(PacketType::SqlBatch, 0, "select "), packet(PacketType::SqlBatch, 1, "1"));
 const Bytes AttentionPacket = packet(PacketType::Attention, 1, "");
 
 } // namespace
@@ -70,7 +70,7 @@ TEST(PacketReader, KeepsTheNextMessageThatArrivedWithTheFirst)
 {
     MemoryTransport transport;
     transport.incoming = {
-        joined(packet(PacketType::SqlBatch, 1, "one"), packet(PacketType::SqlBatch, 1, "two"))};
+        chained(packet(PacketType::SqlBatch, 1, "one"), packet(PacketType::SqlBatch, 1, "two"))};
     PacketReader reader(transport);
     EXPECT_EQ(text(reader.read().payload), "one");
     EXPECT_EQ(text(reader.read().payload), "two");
@@ -101,7 +101,7 @@ TEST(PacketReader, RefusesALengthAboveTheLargestPacket)
 TEST(PacketReader, RefusesAMessageAboveTheLimitBeforeItIsRead)
 {
     MemoryTransport transport;
-    transport.incoming = {joined(packet(PacketType::SqlBatch, 0, "12345"), {1, 1, 0, 14, 0, 0, 1, 0})};
+    transport.incoming = {chained(packet(PacketType::SqlBatch, 0, "12345"), {1, 1, 0, 14, 0, 0, 1, 0})};
     PacketReader reader(transport);
     reader.setMessageLimit(10);
     EXPECT_THROW(reader.read(), ProtocolError);
@@ -110,7 +110,7 @@ TEST(PacketReader, RefusesAMessageAboveTheLimitBeforeItIsRead)
 TEST(PacketReader, RefusesAMessageThatChangesItsType)
 {
     MemoryTransport transport;
-    transport.incoming = {joined(packet(PacketType::SqlBatch, 0, "a"), packet(PacketType::Rpc, 1, "b"))};
+    transport.incoming = {chained(packet(PacketType::SqlBatch, 0, "a"), packet(PacketType::Rpc, 1, "b"))};
     EXPECT_THROW(PacketReader(transport).read(), ProtocolError);
 }
 
@@ -124,7 +124,7 @@ TEST(PacketReader, LosesTheConnectionInTheMiddleOfAPacket)
 TEST(PacketReader, GivesAnAttentionInPlaceOfTheMessageItCutsOff)
 {
     MemoryTransport transport;
-    transport.incoming = {joined(packet(PacketType::SqlBatch, 0, "select "), AttentionPacket)};
+    transport.incoming = {chained(packet(PacketType::SqlBatch, 0, "select "), AttentionPacket)};
     const RequestMessage message = PacketReader(transport).read();
     EXPECT_EQ(message.type, PacketType::Attention);
     EXPECT_TRUE(message.payload.empty());

@@ -9,7 +9,7 @@ using namespace SampleServer;
 
 namespace {
 
-Bytes bytes(const std::string &text)
+Bytes valueBytes(const std::string &text)
 {
     Bytes result;
     for (std::size_t at = 0; at < text.size(); at += 3)
@@ -99,7 +99,7 @@ TEST(ParameterReader, ReadsTheOldLargeTypesWithoutATextPointer)
         {"00 00 63 FF FF FF 7F 09 04 D0 00 34 FF FF FF FF", "nvarchar(max)", null},
     };
     for (const auto &[sent, type, value] : cases) {
-        const Bytes content = bytes(sent);
+        const Bytes content = valueBytes(sent);
         ByteReader reader(content);
         const CallParameter read = takeParameter(reader);
         EXPECT_EQ(displayName(read.type), type);
@@ -137,7 +137,7 @@ TEST(ParameterReader, RefusesValuesThatDoNotFitTheirType)
              "00 00 24 10 0F 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F", // a GUID of 15 bytes
              "00 00 E7 0A 00 09 04 D0 00 34 01 00 61",                      // half a character
          }) {
-        const Bytes content = bytes(sent);
+        const Bytes content = valueBytes(sent);
         ByteReader reader(content);
         EXPECT_THROW(takeParameter(reader), ProtocolError) << sent;
     }
@@ -146,7 +146,7 @@ TEST(ParameterReader, RefusesValuesThatDoNotFitTheirType)
 TEST(ParameterReader, NamesTheParameterOfATypeItDoesNotTake)
 {
     for (const char *sent : {"01 61 00 00 F1 00", "01 61 00 00 62", "01 61 00 00 F0", "01 61 00 00 F3"}) {
-        const Bytes content = bytes(sent);
+        const Bytes content = valueBytes(sent);
         ByteReader reader(content);
         try {
             takeParameter(reader);

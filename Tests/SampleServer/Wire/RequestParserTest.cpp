@@ -22,7 +22,7 @@ Bytes units(const std::u16string &text)
     return bytes;
 }
 
-Bytes joined(std::initializer_list<Bytes> pieces)
+Bytes joinedPieces(std::initializer_list<Bytes> pieces)
 {
     Bytes all;
     for (const Bytes &piece : pieces)
@@ -35,7 +35,7 @@ Bytes joined(std::initializer_list<Bytes> pieces)
 TEST(RequestParser, ReadsABatchBehindItsHeadersFrom72On)
 {
     const Bytes text = units(u"select é");
-    EXPECT_EQ(parseBatch(joined({Headers, text}), TdsVersion::V72), "select é");
+    EXPECT_EQ(parseBatch(joinedPieces({Headers, text}), TdsVersion::V72), "select é");
     EXPECT_EQ(parseBatch(text, TdsVersion::V71), "select é");
     EXPECT_EQ(parseBatch(Headers, TdsVersion::V74), "");
 }

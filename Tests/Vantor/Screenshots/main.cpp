@@ -76,6 +76,26 @@ void showMainWindow(MainWindow &window, const QString &folder, const char *name,
     save(&window, folder, name);
 }
 
+/// Runs a script whose results and messages are worth a look.
+void runDemo(MainWindow &window)
+{
+    QueryTab *const tab = window.currentTab();
+    tab->setText(QStringLiteral("-- What the customers of each country have ordered\n"
+                                "USE shop;\n"
+                                "\n"
+                                "SELECT c.Country, c.CompanyName, COUNT(*) AS Orders, SUM(o.Freight) AS Freight,\n"
+                                "       MAX(o.OrderedAt) AS [Last order]\n"
+                                "FROM dbo.Customers AS c\n"
+                                "JOIN dbo.Orders AS o ON o.CustomerId = c.CustomerId\n"
+                                "WHERE c.Country <> N'CH'\n"
+                                "GROUP BY c.Country, c.CompanyName\n"
+                                "ORDER BY Orders DESC;\n"
+                                "\n"
+                                "SELECT TOP 20 * FROM dbo.Products;\n"));
+    tab->run();
+    waitFor("end of the query", [&] { return !tab->isRunning(); });
+}
+
 } // namespace
 
 /// Takes pictures of the program's windows on its sample server: main FOLDER
@@ -101,6 +121,7 @@ int main(int argc, char **argv)
     waitFor("end of loading", [&] {
         return !static_cast<KNDatabaseTreeModel *>(window->explorer()->view()->model())->isBusy();
     });
+    runDemo(*window);
     showMainWindow(*window, folder, "main-light", KNPreferences::Theme::Light);
     showMainWindow(*window, folder, "main-dark", KNPreferences::Theme::Dark);
     return 0;

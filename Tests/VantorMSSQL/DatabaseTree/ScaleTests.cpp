@@ -8,7 +8,7 @@ using namespace TreeTesting;
 
 namespace {
 
-constexpr int TableCount = 50'000;
+constexpr int ManyTables = 50'000;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool CanMeasureMemory = false; // the sanitizers' own allocators keep no such account
@@ -27,10 +27,10 @@ class FiftyThousandTables : public TreeTest
 protected:
     FiftyThousandTables()
     {
-        rows.reserve(TableCount);
-        for (int number = 0; number < TableCount; ++number)
+        rows.reserve(ManyTables);
+        for (int number = 0; number < ManyTables; ++number)
             rows.append({number, number % 2 ? "dbo" : "warehouse",
-                         QStringLiteral("Measurements of the year %1").arg(number * 7919 % TableCount)});
+                         QStringLiteral("Measurements of the year %1").arg(number * 7919 % ManyTables)});
         server->answer("DatabaseTree_ListTables", rows);
     }
 
@@ -57,7 +57,7 @@ TEST_F(FiftyThousandTables, TakeLessThanAKilobyteEach)
     VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
     const std::size_t with = bytesInUse();
     const std::size_t count = tables->childEntries()->size();
-    ASSERT_EQ(count, std::size_t(TableCount));
+    ASSERT_EQ(count, std::size_t(ManyTables));
     server->answer("DatabaseTree_ListTables", {});
     load(tables, true);
     VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
@@ -78,7 +78,7 @@ TEST_F(FiftyThousandTables, OneMoreGoesToItsPlaceAtOnce)
     const double milliseconds = timer.seconds() * 1000 / 10;
     RecordProperty("microsecondsPerInsert", static_cast<int>(milliseconds * 1000));
     const auto children = tables->childEntries();
-    ASSERT_EQ(children->size(), std::size_t(TableCount + 11));
+    ASSERT_EQ(children->size(), std::size_t(ManyTables + 11));
     const auto isOrdered = [](const Ptr &left, const Ptr &right) {
         const bool leftIsDefault = !left->displayName().contains(QLatin1Char('.'));
         const bool rightIsDefault = !right->displayName().contains(QLatin1Char('.'));

@@ -6,8 +6,6 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."));
-
 class Search : public TreeTest
 {
 protected:

@@ -7,8 +7,6 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."));
-
 class ServerNode : public TreeTest
 {
 };

@@ -10,8 +10,6 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."));
-
 class TableSection : public TreeTest
 {
 protected:

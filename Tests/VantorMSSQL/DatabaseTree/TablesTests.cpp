@@ -7,8 +7,8 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."),
-                      {{QStringLiteral("key"), QStringLiteral("fact")}});
+const KNError FailureWithFact(QStringLiteral("SQLClient"), 911, QStringLiteral("No."),
+                              {{QStringLiteral("key"), QStringLiteral("fact")}});
 
 class Tables : public TreeTest
 {
@@ -94,7 +94,7 @@ TEST_F(Tables, OddNamesComeThroughAsTheyAre)
 
 TEST_F(Tables, AFailureIsLoggedAndShown)
 {
-    server->fail("DatabaseTree_ListTables", Failure);
+    server->fail("DatabaseTree_ListTables", FailureWithFact);
     const Ptr section = entry({"shop", "Tables"});
     load(section);
     EXPECT_EQ(names(section), list({"No."}));

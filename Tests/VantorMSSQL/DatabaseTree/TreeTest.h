@@ -7,6 +7,9 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
+/// What queries fail with.
+inline const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."));
+
 /// A tree over a server that exists in the test only.
 class TreeTest : public testing::Test
 {

@@ -6,7 +6,6 @@ using namespace TreeTesting;
 
 namespace {
 
-const KNError Failure(QStringLiteral("SQLClient"), 911, QStringLiteral("No."));
 constexpr char CurrentSchema[] = "SELECT SCHEMA_NAME()";
 
 class Views : public TreeTest

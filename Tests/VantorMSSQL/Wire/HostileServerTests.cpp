@@ -41,7 +41,7 @@ void talkTo(quint16 port, int tdsVersion = 8)
     }
 }
 
-int openDescriptors()
+int descriptorsOpen()
 {
     int count = 0;
     if (DIR *folder = opendir("/proc/self/fd")) {
@@ -83,13 +83,13 @@ TEST_P(CutConversation, EndsWithAnErrorAtEveryByte)
 {
     const quint64 total = bytesOfTheConversation();
     ASSERT_GT(total, 200U);
-    const int before = openDescriptors();
+    const int before = descriptorsOpen();
     for (quint64 at = 0; at < total; ++at) {
         SCOPED_TRACE(at);
         HostileServerRelay relay(SampleServerFixture::shared().port(), GetParam(), at);
         talkTo(relay.port());
     }
-    EXPECT_LE(openDescriptors(), before + 2);
+    EXPECT_LE(descriptorsOpen(), before + 2);
     expectNextConnectionWorks();
 }
 

@@ -95,7 +95,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     m_statusLine->setLogin(m_details->username());
     updateServer();
     restoreLayout();
-    updateForCurrentTab();
+    newTab();
 }
 
 MainWindow::~MainWindow() = default;

@@ -1,7 +1,10 @@
 #include "Desktop/Main/MainWindowActions.h"
 
 #include "Desktop/Main/MainWindow.h"
+#include "Desktop/Query/DatabaseBox.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/Editor/KNFindBar.h"
+#include "UI/Editor/KNSQLEditor.h"
 #include "UI/Icons/KNIcon.h"
 
 #include <QApplication>
@@ -56,6 +59,16 @@ QAction *MainWindowActions::addForTab(QMenu *menu, const Description &descriptio
     return action;
 }
 
+void MainWindowActions::addForFocus(QMenu *menu, const char *slot, const char *text)
+{
+    add(menu, {slot, text}, [slot] {
+        QWidget *const focus = QApplication::focusWidget();
+        const QByteArray signature = QByteArray(slot) + "()";
+        if (focus && focus->metaObject()->indexOfMethod(signature) >= 0)
+            QMetaObject::invokeMethod(focus, slot);
+    });
+}
+
 void MainWindowActions::makeFileMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&File"));
@@ -77,7 +90,34 @@ void MainWindowActions::makeFileMenu()
     add(menu, {"quit", "&Quit", nullptr, {keys("Ctrl+Q")}}, [] { QApplication::closeAllWindows(); });
 }
 
-void MainWindowActions::makeEditMenu() {}
+void MainWindowActions::makeEditMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&Edit"));
+    const auto forEditor = [&](const Description &description, void (KNSQLEditor::*slot)()) {
+        addForTab(menu, description, [slot](QueryTab &tab) { (tab.editor()->*slot)(); });
+    };
+    const auto forFindBar = [&](const Description &description, void (KNFindBar::*slot)()) {
+        addForTab(menu, description, [slot](QueryTab &tab) { (tab.findBar()->*slot)(); });
+    };
+    addForFocus(menu, "undo", "&Undo\tCtrl+Z");
+    addForFocus(menu, "redo", "&Redo\tCtrl+Y");
+    menu->addSeparator();
+    addForFocus(menu, "cut", "Cu&t\tCtrl+X");
+    addForFocus(menu, "copy", "&Copy\tCtrl+C");
+    addForFocus(menu, "paste", "&Paste\tCtrl+V");
+    addForFocus(menu, "selectAll", "Select &All\tCtrl+A");
+    menu->addSeparator();
+    forFindBar({"find", "&Find…", "edit-find", {keys("Ctrl+F")}}, &KNFindBar::showFind);
+    forFindBar({"replace", "R&eplace…", nullptr, {keys("Ctrl+H")}}, &KNFindBar::showReplace);
+    forFindBar({"findNext", "Find &Next", nullptr, {keys("F3")}}, &KNFindBar::findNext);
+    forFindBar({"findPrevious", "Find Pre&vious", nullptr, {keys("Shift+F3")}}, &KNFindBar::findPrevious);
+    menu->addSeparator();
+    forEditor({"toggleComment", "Toggle &Comment", "code-comment", {keys("Ctrl+/")}},
+              &KNSQLEditor::toggleComment);
+    forEditor({"comment", "C&omment Lines\tCtrl+K, C"}, &KNSQLEditor::commentLines);
+    forEditor({"uncomment", "Uncomment &Lines\tCtrl+K, U"}, &KNSQLEditor::uncommentLines);
+    forEditor({"goToLine", "&Go to Line…", nullptr, {keys("Ctrl+G")}}, &KNSQLEditor::askForLine);
+}
 
 void MainWindowActions::makeQueryMenu()
 {
@@ -94,6 +134,11 @@ void MainWindowActions::makeQueryMenu()
               [](QueryTab &tab) { tab.runBatchAtCursor(); });
     addForTab(menu, {"cancel", "&Cancel", "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
               [](QueryTab &tab) { tab.cancel(); });
+    menu->addSeparator();
+    addForTab(menu, {"database", "Change &Database", nullptr, {keys("Ctrl+U")}}, [](QueryTab &tab) {
+        tab.databaseBox()->setFocus(Qt::ShortcutFocusReason);
+        tab.databaseBox()->showPopup();
+    });
 }
 
 void MainWindowActions::makeViewMenu()
@@ -105,6 +150,15 @@ void MainWindowActions::makeViewMenu()
         [this] { m_window.searchObjects(); });
     add(menu, {"refresh", "&Refresh", "view-refresh", {keys("Ctrl+Shift+R")}},
         [this] { m_window.explorer()->refreshSelected(); });
+    menu->addSeparator();
+    addForTab(menu, {"results", "R&esults", nullptr, {keys("Ctrl+R")}},
+              [](QueryTab &tab) { tab.toggleResults(); });
+    addForTab(menu, {"zoomIn", "Zoom &In", nullptr, {keys("Ctrl++"), keys("Ctrl+=")}},
+              [](QueryTab &tab) { tab.editor()->zoomIn(); });
+    addForTab(menu, {"zoomOut", "Zoom &Out", nullptr, {keys("Ctrl+-")}},
+              [](QueryTab &tab) { tab.editor()->zoomOut(); });
+    addForTab(menu, {"resetZoom", "&Actual Size", nullptr, {keys("Ctrl+0")}},
+              [](QueryTab &tab) { tab.editor()->resetZoom(); });
     menu->addSeparator();
     add(menu, {"nextTab", "&Next Tab", nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
         [this] { m_window.showNeighbouringTab(1); });

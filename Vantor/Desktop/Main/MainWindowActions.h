@@ -36,6 +36,9 @@ private:
     QAction *add(QMenu *menu, const Description &description, std::function<void()> perform);
     /// An action on the tab in front, disabled when there is none.
     QAction *addForTab(QMenu *menu, const Description &description, std::function<void(QueryTab &)> perform);
+    /// An action on whatever has the focus, if that has this slot. Its keys are those that the widget knows
+    /// itself.
+    void addForFocus(QMenu *menu, const char *slot, const char *text);
     void makeFileMenu();
     void makeEditMenu();
     void makeQueryMenu();

@@ -1,72 +1,402 @@
 #include "Desktop/Query/QueryTab.h"
 
-QueryTab::QueryTab(const VantorDBC &, QWidget *parent)
-    : QWidget(parent)
+#include "Desktop/Query/DatabaseBox.h"
+#include "Desktop/Query/MessagesView.h"
+#include "Desktop/Query/QueryDocument.h"
+#include "Desktop/Query/QueryRun.h"
+#include "Desktop/Query/QueryTabClosing.h"
+#include "Foundation/KNDispatch.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/Editor/KNFindBar.h"
+#include "UI/Editor/KNSQLEditor.h"
+#include "UI/KNPreferences.h"
+#include "UI/Results/KNResultsPane.h"
+
+#include <QPointer>
+#include <QSplitter>
+#include <QTabWidget>
+#include <QUuid>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int TickInterval = 100; // milliseconds
+
+KNRange markedRange(const KNError &error)
 {
+    const QVariantList ranges =
+        error.userInfo().value(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges")).toList();
+    return ranges.isEmpty() ? KNRange() : ranges.constFirst().value<KNRange>();
+}
+
+} // namespace
+
+QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
+    : QWidget(parent)
+    , m_editor(new KNSQLEditor)
+    , m_document(new QueryDocument(m_editor))
+    , m_findBar(new KNFindBar(m_editor))
+    , m_databaseBox(new DatabaseBox)
+    , m_resultsPane(new KNResultsPane)
+    , m_messages(new MessagesView)
+    , m_resultTabs(new QTabWidget)
+    , m_ticker(new QTimer(this))
+    , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+{
+    m_editor->setWords(details.keywords(), details.functions());
+    arrange();
+    connectParts();
+    newConnection(details);
+    showDatabase(details.database());
+}
+
+QueryTab::~QueryTab()
+{
+    m_run.reset();
+    releaseConnection();
+}
+
+void QueryTab::arrange()
+{
+    auto *const databaseLabel = new QLabel(tr("&Database:"));
+    databaseLabel->setBuddy(m_databaseBox);
+    auto *const top = new QHBoxLayout;
+    top->setContentsMargins(6, 4, 6, 4);
+    top->addWidget(databaseLabel);
+    top->addWidget(m_databaseBox);
+    top->addStretch(1);
+
+    auto *const editing = new QWidget;
+    auto *const editingLayout = new QVBoxLayout(editing);
+    editingLayout->setContentsMargins(0, 0, 0, 0);
+    editingLayout->setSpacing(0);
+    editingLayout->addWidget(m_editor, 1);
+    editingLayout->addWidget(m_findBar);
+
+    m_editor->setFrameShape(QFrame::NoFrame);
+    m_messages->setFrameShape(QFrame::NoFrame);
+    m_resultTabs->setDocumentMode(true);
+    m_resultTabs->setAccessibleName(tr("Results and messages"));
+    m_resultTabs->addTab(m_resultsPane, tr("Results"));
+    m_resultTabs->addTab(m_messages, tr("Messages"));
+
+    auto *const splitter = new QSplitter(Qt::Vertical);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(editing);
+    splitter->addWidget(m_resultTabs);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(top);
+    layout->addWidget(splitter, 1);
+    setFocusProxy(m_editor);
+    setTabOrder(m_databaseBox, m_editor);
+}
+
+void QueryTab::connectParts()
+{
+    m_ticker->setInterval(TickInterval);
+    connect(m_ticker, &QTimer::timeout, this, &QueryTab::tick);
+    connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::titleChanged);
+    connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::stateChanged);
+    connect(m_editor, &KNSQLEditor::textChanged, this, [this] { m_isEditedSinceRun = true; });
+    connect(m_editor, &KNSQLEditor::textChanged, this, &QueryTab::stateChanged);
+    connect(m_editor, &KNSQLEditor::cursorPositionChanged, this, &QueryTab::stateChanged);
+    connect(m_messages, &MessagesView::lineActivated, m_editor, &KNSQLEditor::goToLine);
+    connect(m_messages, &MessagesView::errorCountChanged, this, [this](int count) {
+        m_resultTabs->setTabText(1, count == 0 ? tr("Messages") : tr("Messages (%1)").arg(count));
+    });
+    connect(m_databaseBox, &DatabaseBox::databaseChosen, this, &QueryTab::changeDatabase);
+    connect(m_databaseBox, &DatabaseBox::loadFailed, this,
+            [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
 }
 
 QString QueryTab::text() const
 {
-    return {};
+    return m_editor->wholeText();
 }
 
-void QueryTab::setText(const QString &) {}
-
-void QueryTab::insertText(const QString &) {}
-
-bool QueryTab::openFile(const QString &, KNError *)
+void QueryTab::setText(const QString &text)
 {
-    return false;
+    m_editor->setWholeText(text);
+}
+
+void QueryTab::insertText(const QString &text)
+{
+    m_editor->insertText(text);
+}
+
+bool QueryTab::openFile(const QString &path, KNError *error)
+{
+    return m_document->open(path, error);
 }
 
 QString QueryTab::filePath() const
 {
-    return {};
+    return m_document->filePath();
 }
 
 QString QueryTab::title() const
 {
-    return {};
+    return m_document->title();
 }
 
-void QueryTab::setUntitledName(const QString &) {}
+void QueryTab::setUntitledName(const QString &name)
+{
+    m_document->setUntitledName(name);
+}
 
 bool QueryTab::isModified() const
 {
-    return false;
+    return m_document->isModified();
 }
 
-void QueryTab::save(std::function<void()>) {}
-
-void QueryTab::saveAs(std::function<void()>) {}
-
-bool QueryTab::isRunning() const
+void QueryTab::save(std::function<void()> saved)
 {
-    return false;
+    m_document->save(std::move(saved));
 }
 
-QueryTabStatus QueryTab::status() const
+void QueryTab::saveAs(std::function<void()> saved)
 {
-    return {};
-}
-
-void QueryTab::run() {}
-
-void QueryTab::runBatchAtCursor() {}
-
-void QueryTab::cancel() {}
-
-std::shared_ptr<const VantorDBC> QueryTab::databaseConnectionDetails() const
-{
-    return nullptr;
+    m_document->saveAs(std::move(saved));
 }
 
 void QueryTab::prepareToClose(std::function<void()> proceed)
 {
-    proceed();
+    askAboutSession(*this, [this, proceed] { askAboutText(*this, proceed); });
 }
 
 void QueryTab::prepareToEndSession(std::function<void()> proceed)
 {
-    proceed();
+    if (KNPreferences::current().reopensTabs)
+        askAboutSession(*this, proceed);
+    else
+        prepareToClose(std::move(proceed));
+}
+
+std::shared_ptr<const VantorDBC> QueryTab::databaseConnectionDetails() const
+{
+    return m_connection->connectionDetails();
+}
+
+bool QueryTab::isRunning() const
+{
+    return m_run && !m_run->isFinished();
+}
+
+QueryTabStatus QueryTab::status() const
+{
+    QueryTabStatus status;
+    status.database = m_database;
+    status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
+    status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;
+    status.isRunning = isRunning();
+    status.hasOpenTransaction = m_hasOpenTransaction;
+    return status;
+}
+
+TabState QueryTab::state() const
+{
+    TabState state;
+    state.id = m_id;
+    state.untitledName = m_document->untitledName();
+    state.filePath = filePath();
+    state.isModified = isModified();
+    if (state.isModified || state.filePath.isNull())
+        state.text = text();
+    state.cursor = m_editor->selectedRange().location;
+    state.database = m_database;
+    return state;
+}
+
+void QueryTab::restore(const TabState &state)
+{
+    m_id = state.id;
+    m_document->setUntitledName(state.untitledName);
+    m_document->restore(state.filePath, state.text, state.isModified);
+    m_editor->selectRange({state.cursor, 0});
+    if (state.database.isEmpty() || state.database == m_database)
+        return;
+    const VantorDBCPtr details = m_connection->connectionDetails();
+    details->setDatabase(state.database);
+    newConnection(*details);
+    showDatabase(state.database);
+}
+
+void QueryTab::run()
+{
+    QueryRequest request;
+    request.range = m_editor->selectedRange();
+    if (request.range.length > 0)
+        request.part = QueryRequest::Part::Range;
+    start(std::move(request));
+}
+
+void QueryTab::runBatchAtCursor()
+{
+    QueryRequest request;
+    request.part = QueryRequest::Part::BatchAt;
+    request.range = m_editor->selectedRange();
+    start(std::move(request));
+}
+
+void QueryTab::start(QueryRequest request)
+{
+    if (isRunning())
+        return;
+    if (m_isChangingDatabase) {
+        m_afterChangeOfDatabase = [this, request] { start(request); };
+        return;
+    }
+    request.text = text();
+    request.rowLimit = KNPreferences::current().rowLimit;
+    request.asksForTransaction = m_hasOpenTransaction;
+    m_editor->clearErrorMark();
+    m_isEditedSinceRun = false;
+    m_showsRows = false;
+    m_databaseBox->setEnabled(false);
+    m_resultTabs->show();
+    m_run = std::make_unique<QueryRun>(m_connection, std::move(request), nullptr);
+    connect(m_run.get(), &QueryRun::finished, this, &QueryTab::finishRun);
+    m_resultsPane->beginRun(m_run->results(), *m_connection->connectionDetails());
+    m_messages->beginRun(m_run->results());
+    m_runBegan = QDateTime::currentDateTimeUtc();
+    m_run->start();
+    m_ticker->start();
+    Q_EMIT statusChanged(status());
+}
+
+void QueryTab::cancel()
+{
+    if (isRunning())
+        m_run->cancel();
+}
+
+void QueryTab::tick()
+{
+    if (!m_showsRows) {
+        const auto results = m_run->results()->resultSets();
+        m_showsRows = std::any_of(results.begin(), results.end(), [](const KNDatabaseResultSetPtr &result) {
+            return !result->columnNames().isEmpty();
+        });
+        if (m_showsRows)
+            m_resultTabs->setCurrentWidget(m_resultsPane);
+    }
+    Q_EMIT statusChanged(status());
+}
+
+void QueryTab::finishRun()
+{
+    m_ticker->stop();
+    const QueryOutcome &outcome = m_run->outcome();
+    if (m_run->hasLeftConnection())
+        newConnection(*m_connection->connectionDetails());
+    m_resultsPane->finishRun();
+    m_messages->finishRun(outcome.error);
+    m_databaseBox->setEnabled(true);
+    if (!outcome.database.isNull())
+        showDatabase(outcome.database);
+    if (outcome.inTransaction)
+        m_hasOpenTransaction = *outcome.inTransaction;
+    tick();
+    showOutcome();
+    const QueryRequest &request = m_run->request();
+    Q_EMIT runFinished({m_runBegan,
+                        request.part == QueryRequest::Part::Range
+                            ? request.text.mid(request.range.location, request.range.length)
+                            : request.text,
+                        m_database, m_run->elapsedMilliseconds(), m_run->results()->totalResultCount(),
+                        m_messages->firstError(), outcome.wasCancelled});
+}
+
+void QueryTab::showOutcome()
+{
+    const QueryOutcome &outcome = m_run->outcome();
+    if (m_run->hasLeftConnection())
+        m_messages->addText(tr("Connecting was cancelled."), false);
+    else if (!outcome.hadBatches && !outcome.error)
+        m_messages->addText(tr("There is nothing to run."), false);
+    if (m_messages->errorCount() > 0 || !m_showsRows)
+        m_resultTabs->setCurrentWidget(m_messages);
+    if (!m_isEditedSinceRun)
+        markError(outcome.error);
+}
+
+void QueryTab::markError(const KNError &error)
+{
+    if (const KNRange range = markedRange(error); range.isFound())
+        m_editor->markError(range);
+    else if (const int line = m_messages->firstErrorLine(); line > 0)
+        m_editor->markErrorLine(line);
+}
+
+void QueryTab::toggleResults()
+{
+    const bool hadFocus = m_resultTabs->isAncestorOf(focusWidget());
+    m_resultTabs->setVisible(m_resultTabs->isHidden());
+    if (hadFocus && m_resultTabs->isHidden())
+        m_editor->setFocus();
+}
+
+void QueryTab::changeDatabase(const QString &name)
+{
+    if (isRunning() || m_isChangingDatabase) {
+        m_databaseBox->showDatabase(m_database);
+        return;
+    }
+    m_isChangingDatabase = true;
+    KNDispatch::globalQueue([tab = QPointer(this), connection = m_connection, name] {
+        KNError error;
+        QString database;
+        connection->executeQuery(
+            [&](VantorDatabaseClient &client, KNError *failure) {
+                client.changeDatabase(name, failure);
+                database = client.currentDatabase();
+            },
+            &error);
+        KNDispatch::mainQueue([tab, database, error] {
+            if (tab)
+                tab->endChangeOfDatabase(database, error);
+        });
+    });
+}
+
+void QueryTab::endChangeOfDatabase(const QString &database, const KNError &error)
+{
+    m_isChangingDatabase = false;
+    if (error)
+        KNAlerts::shared().showError(this, error);
+    showDatabase(database.isNull() ? m_database : database);
+    if (const auto next = std::exchange(m_afterChangeOfDatabase, {}); next && !error)
+        next();
+}
+
+void QueryTab::showDatabase(const QString &name)
+{
+    const bool isNew = name != m_database;
+    m_database = name;
+    m_databaseBox->showDatabase(name);
+    if (!isNew)
+        return;
+    Q_EMIT statusChanged(status());
+    Q_EMIT stateChanged();
+}
+
+void QueryTab::newConnection(const VantorDBC &details)
+{
+    releaseConnection();
+    m_connection = VantorDatabaseConnectionPool::sharedInstance()->connectionForTab(details);
+    m_databaseBox->setConnectionDetails(details);
+    m_hasOpenTransaction = false;
+}
+
+/// Closing a connection may wait for the server.
+void QueryTab::releaseConnection()
+{
+    if (m_connection)
+        KNDispatch::globalQueue([connection = std::exchange(m_connection, nullptr)] {});
 }

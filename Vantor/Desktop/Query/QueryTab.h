@@ -1,12 +1,25 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "Desktop/Session/QueryHistoryEntry.h"
+#include "Desktop/Session/TabState.h"
 #include "Foundation/KNError.h"
 
-#include <QElapsedTimer>
 #include <QWidget>
 
 #include <functional>
+
+class DatabaseBox;
+class KNFindBar;
+class KNResultsPane;
+class KNSQLEditor;
+class MessagesView;
+class QSplitter;
+class QTabWidget;
+class QueryDocument;
+class QueryRun;
+class VantorTabConnection;
+struct QueryRequest;
 
 /// What the status line says about a tab.
 struct QueryTabStatus
@@ -27,6 +40,8 @@ class QueryTab : public QWidget
 
 public:
     explicit QueryTab(const VantorDBC &details, QWidget *parent = nullptr);
+    /// Stops what runs and closes the session, in the background.
+    ~QueryTab() override;
 
     QString text() const;
     /// Replaces the text of an empty, unnamed tab; the tab counts as unmodified.
@@ -43,14 +58,26 @@ public:
     /// Saves, asking for a file where there is none; `saved` is called when that has been done.
     void save(std::function<void()> saved = {});
     void saveAs(std::function<void()> saved = {});
-
-    /// The settings, with the database that the tab has come to.
-    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const;
+    /// Asks what has to be asked before the tab goes: about what runs, a transaction, unsaved text. `proceed`
+    /// is called when it may go.
     void prepareToClose(std::function<void()> proceed);
+    /// The same before the program ends: unsaved text is no matter when it comes back at the next start.
     void prepareToEndSession(std::function<void()> proceed);
+    /// The settings, with the database that the tab's last run has ended in.
+    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const;
 
     bool isRunning() const;
     QueryTabStatus status() const;
+    /// What is to come back after a crash or at the next start.
+    TabState state() const;
+    void restore(const TabState &state);
+
+    /// For what the menus offer: undo, comments, lines, zoom.
+    KNSQLEditor *editor() const { return m_editor; }
+    KNFindBar *findBar() const { return m_findBar; }
+    KNResultsPane *resultsPane() const { return m_resultsPane; }
+    MessagesView *messages() const { return m_messages; }
+    DatabaseBox *databaseBox() const { return m_databaseBox; }
 
 public Q_SLOTS:
     /// Runs the selection, or everything when nothing is selected.
@@ -58,9 +85,47 @@ public Q_SLOTS:
     /// Runs the batch in which the cursor stands.
     void runBatchAtCursor();
     void cancel();
+    /// Hides the results and messages, or shows them again.
+    void toggleResults();
+    void changeDatabase(const QString &name);
 
 Q_SIGNALS:
     /// Name, file or unsaved mark have changed.
     void titleChanged();
     void statusChanged(const QueryTabStatus &status);
+    /// What state() gives has changed.
+    void stateChanged();
+    void runFinished(const QueryHistoryEntry &entry);
+
+private:
+    void arrange();
+    void connectParts();
+    void start(QueryRequest request);
+    void tick();
+    void finishRun();
+    void showOutcome();
+    void markError(const KNError &error);
+    void endChangeOfDatabase(const QString &database, const KNError &error);
+    void showDatabase(const QString &name);
+    void newConnection(const VantorDBC &details);
+    void releaseConnection();
+
+    KNSQLEditor *const m_editor;
+    QueryDocument *const m_document;
+    KNFindBar *const m_findBar;
+    DatabaseBox *const m_databaseBox;
+    KNResultsPane *const m_resultsPane;
+    MessagesView *const m_messages;
+    QTabWidget *const m_resultTabs;
+    QTimer *const m_ticker;
+    std::shared_ptr<VantorTabConnection> m_connection;
+    std::unique_ptr<QueryRun> m_run; ///< the one that goes on or was the last
+    std::function<void()> m_afterChangeOfDatabase;
+    QString m_id;
+    QString m_database;
+    QDateTime m_runBegan;
+    bool m_isChangingDatabase = false;
+    bool m_hasOpenTransaction = false;
+    bool m_isEditedSinceRun = false;
+    bool m_showsRows = false; ///< the run has given a result with columns
 };

@@ -1,0 +1,197 @@
+#include "Desktop/Main/MainWindow.h"
+
+#include "Desktop/Main/MainWindowActions.h"
+#include "Desktop/Main/StatusLine.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WatchedApplication.h"
+#include "Support/WindowTesting.h"
+#include "UI/Editor/KNSQLEditor.h"
+#include "UI/Results/KNResultsPane.h"
+#include "Vantor/Desktop/DesktopTesting.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using WindowTesting::waitFor;
+
+namespace {
+
+/// The window of a connection to a sample server.
+class MainWindowTest : public testing::Test
+{
+protected:
+    MainWindowTest()
+        : m_alerts(RecordingAlerts::install())
+        , m_panels(RecordingFilePanels::install())
+    {
+        openWindow();
+    }
+    ~MainWindowTest() override
+    {
+        delete m_window;
+        EXPECT_TRUE(WindowTesting::settle());
+    }
+
+    void openWindow(const QString &connectionId = {})
+    {
+        delete m_window;
+        const VantorDBCPtr details =
+            DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"));
+        details->setConnectionId(connectionId);
+        details->setAlias(QStringLiteral("the shop"));
+        m_window = new MainWindow(*details);
+        m_window->resize(1000, 700);
+        m_window->show();
+        m_window->activateWindow();
+        EXPECT_TRUE(waitFor([&] { return m_window->isActiveWindow(); }));
+    }
+    /// What is typed goes to whatever has the focus.
+    void type(const char *text) { QTest::keyClicks(QApplication::focusWidget(), QString::fromUtf8(text)); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    }
+    QueryTab *tab() const { return m_window->currentTab(); }
+    void waitForRun()
+    {
+        EXPECT_TRUE(waitFor([&] { return !tab()->isRunning(); }));
+    }
+    QString statusText(const char *name) const
+    {
+        for (const QLabel *const label : m_window->statusBar()->findChildren<QLabel *>()) {
+            if (label->accessibleName() == QLatin1String(name))
+                return label->text();
+        }
+        return {};
+    }
+    QAction *action(const char *name) const { return m_window->actions()->action(QString::fromLatin1(name)); }
+
+    RecordingAlerts &m_alerts;
+    RecordingFilePanels &m_panels;
+    QPointer<MainWindow> m_window;
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, OpensWithAnEmptyTabInTheDatabaseOfItsConnection)
+{
+    ASSERT_EQ(m_window->tabs().size(), 1);
+    EXPECT_EQ(tab()->title(), QStringLiteral("Query 1"));
+    EXPECT_EQ(statusText("Database"), QStringLiteral("shop"));
+    EXPECT_EQ(statusText("Login"), QStringLiteral("sa"));
+    EXPECT_TRUE(waitFor([&] { return statusText("Server").contains(QStringLiteral("SQL Server")); }));
+    EXPECT_TRUE(action("run")->isEnabled());
+    EXPECT_FALSE(action("cancel")->isEnabled());
+}
+
+TEST_F(MainWindowTest, IsUsedWithoutAMouse)
+{
+    press(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(m_window->tabs().size(), 2);
+    type("SELECT CustomerId FROM Customers");
+    press(Qt::Key_F5);
+    waitForRun();
+    EXPECT_GT(tab()->resultsPane()->rowCount(), 0);
+    EXPECT_TRUE(statusText("Rows").endsWith(QStringLiteral("rows")));
+
+    press(Qt::Key_F8);
+    EXPECT_TRUE(m_window->explorer()->isHidden());
+    press(Qt::Key_F8);
+    EXPECT_TRUE(m_window->explorer()->view()->hasFocus());
+    press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(tab(), m_window->tabs().first());
+    press(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
+    type("Orders");
+    EXPECT_EQ(m_window->explorer()->searchField()->text(), QStringLiteral("Orders"));
+}
+
+TEST_F(MainWindowTest, CancelsWhatRunsWithEscape)
+{
+    type("WAITFOR DELAY '00:01:00'");
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(tab()->isRunning());
+    EXPECT_FALSE(action("run")->isEnabled());
+    EXPECT_TRUE(action("cancel")->isEnabled());
+    press(Qt::Key_Escape);
+    waitForRun();
+    EXPECT_TRUE(action("run")->isEnabled());
+    EXPECT_FALSE(action("cancel")->isEnabled());
+}
+
+TEST_F(MainWindowTest, OpensATabThatRunsWhereTheTreeAsksForOne)
+{
+    KNDatabaseTreeView *const view = m_window->explorer()->view();
+    const auto find = [&](const char *name) {
+        const auto found = view->model()->match(view->model()->index(0, 0), Qt::DisplayRole,
+                                                QString::fromUtf8(name), 1, Qt::MatchExactly | Qt::MatchRecursive);
+        return found.isEmpty() ? QModelIndex() : found.first();
+    };
+    for (const char *const name : {"shop", "Tables"}) {
+        ASSERT_TRUE(waitFor([&] { return find(name).isValid(); })) << name;
+        view->expand(find(name));
+    }
+    ASSERT_TRUE(waitFor([&] { return find("Customers").isValid(); }));
+    view->setCurrentIndex(find("Customers"));
+    QTest::keyClick(view, Qt::Key_Return);
+    ASSERT_EQ(m_window->tabs().size(), 2);
+    EXPECT_EQ(tab()->text(), QStringLiteral("SELECT TOP 100 * FROM dbo.Customers;"));
+    waitForRun();
+    EXPECT_GT(tab()->resultsPane()->rowCount(), 0);
+}
+
+TEST_F(MainWindowTest, OpensFilesOnceAndTellsOfThoseThatItCannotRead)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("SELECT 1");
+    file.close();
+    m_panels.answer = QStringList{path, folder.filePath(QStringLiteral("missing.sql")), path};
+    press(Qt::Key_O, Qt::ControlModifier);
+    ASSERT_EQ(m_window->tabs().size(), 2);
+    EXPECT_EQ(tab()->filePath(), path);
+    EXPECT_EQ(tab()->text(), QStringLiteral("SELECT 1"));
+    ASSERT_EQ(m_alerts.errors.size(), 1u);
+    EXPECT_TRUE(m_alerts.errors.front().localizedDescription().contains(QStringLiteral("missing.sql")));
+}
+
+TEST_F(MainWindowTest, AsksBeforeATabWithUnsavedTextIsClosed)
+{
+    type("SELECT 1");
+    press(Qt::Key_W, Qt::ControlModifier);
+    ASSERT_EQ(m_alerts.questions.size(), 1u);
+    const QStringList buttons = m_alerts.questions.front().buttons;
+    m_alerts.pending.front()(static_cast<int>(buttons.indexOf(QStringLiteral("Cancel"))));
+    EXPECT_EQ(m_window->tabs().size(), 1);
+
+    press(Qt::Key_W, Qt::ControlModifier);
+    ASSERT_EQ(m_alerts.pending.size(), 2u);
+    m_alerts.pending.back()(static_cast<int>(buttons.indexOf(QStringLiteral("Don't Save"))));
+    EXPECT_TRUE(waitFor([&] { return m_window->tabs().isEmpty(); }));
+    EXPECT_FALSE(action("run")->isEnabled());
+}
+
+TEST_F(MainWindowTest, AsksBeforeItIsClosedOverARunningQuery)
+{
+    type("WAITFOR DELAY '00:01:00'");
+    press(Qt::Key_F5);
+    m_window->close();
+    ASSERT_EQ(m_alerts.questions.size(), 1u);
+    EXPECT_TRUE(m_window->isVisible());
+    const QStringList buttons = m_alerts.questions.front().buttons;
+    m_alerts.pending.front()(static_cast<int>(buttons.indexOf(QStringLiteral("Stop and Close"))));
+    EXPECT_TRUE(waitFor([&] { return !m_window; }));
+}
+
+TEST_F(MainWindowTest, StaysResponsiveWhileAMillionRowsStreamIn)
+{
+    tab()->setText(QStringLiteral("SELECT * FROM generate_rows(1000000)"));
+    WatchedApplication::instance().beginWatch();
+    tab()->run();
+    waitForRun();
+    EXPECT_EQ(tab()->resultsPane()->rowCount(), 1'000'000);
+    const auto &longest = WatchedApplication::instance().longestCall();
+    EXPECT_LT(longest.milliseconds, 100) << longest.what;
+    RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
+}

@@ -1,0 +1,225 @@
+#include "Desktop/Query/MessagesView.h"
+
+#include "Foundation/KNFormat.h"
+#include "UI/Editor/KNSQLColours.h"
+
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTextBlock>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int ErrorSeverity = 11;
+constexpr int PollInterval = 100; // milliseconds
+constexpr int ShowingTime = 20;   // milliseconds for putting in messages before the program has its turn
+constexpr int PiecesAtOnce = 200;
+
+bool isError(const DatabaseMessage &message)
+{
+    return message.type == DatabaseMessage::ClientError || message.severity >= ErrorSeverity;
+}
+
+bool hasLine(const DatabaseMessage &message)
+{
+    return message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty() && message.line > 0;
+}
+
+QString textOf(const DatabaseMessage &message)
+{
+    const QString text = message.msgtext.trimmed();
+    if (message.type == DatabaseMessage::ClientError)
+        return KNFormat("Client error %d: %@", message.msgno, text);
+    if (message.severity == 0)
+        return text; // what PRINT says
+    QString head = KNFormat("Msg %d, Level %d, State %d", message.msgno, message.severity, message.msgstate);
+    if (!message.procname.isEmpty())
+        head += KNFormat(", Procedure %@, Line %lu", message.procname, message.line);
+    else
+        head += KNFormat(", Line %lu", message.calculatedLineNumber);
+    return head + u'\n' + text;
+}
+
+} // namespace
+
+MessagesView::MessagesView(QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_pollTimer(new QTimer(this))
+    , m_showTimer(new QTimer(this))
+{
+    setAccessibleName(tr("Messages"));
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setUndoRedoEnabled(false);
+    m_pollTimer->setInterval(PollInterval);
+    m_showTimer->setInterval(0);
+    connect(m_pollTimer, &QTimer::timeout, this, [this] { takeFinishedResults(false); });
+    connect(m_showTimer, &QTimer::timeout, this, &MessagesView::showPending);
+}
+
+void MessagesView::beginRun(const std::shared_ptr<KNResultSetHolder> &results)
+{
+    clearMessages();
+    m_results = results;
+    m_pollTimer->start();
+}
+
+void MessagesView::finishRun(const KNError &error)
+{
+    m_pollTimer->stop();
+    const int before = m_errorCount;
+    takeFinishedResults(true);
+    m_results.reset();
+    if (error && m_errorCount == 0 && before == 0)
+        addText(error.localizedDescription(), true);
+}
+
+void MessagesView::addText(const QString &text, bool isError)
+{
+    add({text, isError, 0});
+}
+
+void MessagesView::clearMessages()
+{
+    m_pollTimer->stop();
+    m_showTimer->stop();
+    m_results.reset();
+    m_pending.clear();
+    m_shownResults = 0;
+    m_firstErrorLine = 0;
+    m_errorCount = 0;
+    m_firstError.clear();
+    clear();
+    Q_EMIT errorCountChanged(0);
+}
+
+/// A result's messages are complete when the next result is there, or when the run is over.
+void MessagesView::takeFinishedResults(bool all)
+{
+    if (!m_results)
+        return;
+    const auto results = m_results->resultSets();
+    const int before = m_errorCount;
+    while (m_shownResults < results.size() - (all ? 0 : 1) && results[m_shownResults]->isFinished())
+        addResult(*results[m_shownResults++]);
+    if (m_errorCount != before)
+        Q_EMIT errorCountChanged(m_errorCount);
+}
+
+void MessagesView::addResult(const KNDatabaseResultSet &result)
+{
+    const auto serverMessages = result.serverMessages();
+    for (const DatabaseMessage &message : serverMessages)
+        addMessage(message);
+    const bool saysErrors = std::any_of(serverMessages.begin(), serverMessages.end(), isError);
+    const auto messages = result.messages();
+    for (const KNDisplayMessage &message : messages) {
+        const bool red = message.colour == KNDisplayMessage::Colour::Red;
+        if (!red || !saysErrors) // the red ones repeat what the server has said
+            add({message.text, red, 0});
+    }
+    if (const qsizetype dropped = result.rows().droppedRowCount())
+        add({tr("The row limit keeps %1 rows of this result; %2 more were read and not kept.")
+                 .arg(result.rows().rowCount())
+                 .arg(dropped),
+             false, 0});
+}
+
+void MessagesView::addMessage(const DatabaseMessage &message)
+{
+    const int line = hasLine(message) ? static_cast<int>(message.calculatedLineNumber) : 0;
+    if (isError(message)) {
+        if (m_errorCount++ == 0)
+            m_firstError = textOf(message);
+        if (m_firstErrorLine == 0)
+            m_firstErrorLine = line;
+    }
+    m_pending.push_back({message, isError(message), line});
+    m_showTimer->start();
+}
+
+void MessagesView::add(const Piece &piece)
+{
+    if (piece.isError) {
+        if (m_errorCount++ == 0)
+            m_firstError = std::get<QString>(piece.content);
+        Q_EMIT errorCountChanged(m_errorCount);
+    }
+    m_pending.push_back(piece);
+    m_showTimer->start();
+}
+
+void MessagesView::showPending()
+{
+    QElapsedTimer timer;
+    timer.start();
+    QTextCharFormat plain;
+    QTextCharFormat red;
+    red.setForeground(KNSQLColours::forPalette(palette()).error);
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::End);
+    while (!m_pending.empty() && timer.elapsed() < ShowingTime) {
+        cursor.beginEditBlock();
+        for (int i = 0; i < PiecesAtOnce && !m_pending.empty(); ++i) {
+            const Piece piece = std::move(m_pending.front());
+            m_pending.pop_front();
+            const auto *const message = std::get_if<DatabaseMessage>(&piece.content);
+            const QString text = message ? textOf(*message) : std::get<QString>(piece.content);
+            const auto lines = text.split(u'\n');
+            for (const QString &line : lines) {
+                if (!document()->isEmpty() || cursor.blockNumber() > 0)
+                    cursor.insertBlock();
+                cursor.block().setUserState(piece.line);
+                cursor.insertText(line.endsWith(u'\r') ? line.chopped(1) : line, piece.isError ? red : plain);
+            }
+        }
+        cursor.endEditBlock();
+    }
+    if (m_pending.empty())
+        m_showTimer->stop();
+}
+
+void MessagesView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QPlainTextEdit::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton && !textCursor().hasSelection())
+        activate(cursorForPosition(event->position().toPoint()));
+}
+
+void MessagesView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        activate(textCursor());
+    else
+        QPlainTextEdit::keyPressEvent(event);
+}
+
+void MessagesView::activate(const QTextCursor &cursor)
+{
+    if (const int line = cursor.block().userState(); line > 0)
+        Q_EMIT lineActivated(line);
+}
+
+/// Messages that are shown already change to the red that suits the background.
+void MessagesView::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    const QColor red = KNSQLColours::forPalette(palette()).error;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        const auto fragment = block.begin();
+        if (fragment == block.end() ||
+            !fragment.fragment().charFormat().hasProperty(QTextFormat::ForegroundBrush) ||
+            fragment.fragment().charFormat().foreground().color() == red)
+            continue;
+        QTextCursor cursor(block);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        QTextCharFormat format;
+        format.setForeground(red);
+        cursor.mergeCharFormat(format);
+    }
+}

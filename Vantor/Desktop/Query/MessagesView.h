@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Database/KNResultSetHolder.h"
+#include "Foundation/KNError.h"
+
+#include <QPlainTextEdit>
+
+#include <deque>
+#include <variant>
+
+/// What the server says about a run: for each result its messages and its summary. Errors are red. A click on
+/// a message, or Return, goes to its line. Long lists are put in piece by piece, so that the program stays
+/// free. On the UI thread.
+class MessagesView : public QPlainTextEdit
+{
+    Q_OBJECT
+
+public:
+    explicit MessagesView(QWidget *parent = nullptr);
+
+    /// Begins anew with the messages of a run, as they come.
+    void beginRun(const std::shared_ptr<KNResultSetHolder> &results);
+    /// The run is over; `error` is shown unless a result's messages have said it.
+    void finishRun(const KNError &error);
+    /// Adds a text of the program's own.
+    void addText(const QString &text, bool isError);
+    void clearMessages();
+
+    int errorCount() const { return m_errorCount; }
+    /// The text of the first error; null without one.
+    QString firstError() const { return m_firstError; }
+    /// The line (from 1) of the first error that has one and is not inside of a procedure; 0 without one.
+    int firstErrorLine() const { return m_firstErrorLine; }
+    /// Whether everything that was added is shown.
+    bool isComplete() const { return m_pending.empty(); }
+
+Q_SIGNALS:
+    void errorCountChanged(int count);
+    /// The user wants to see a line (from 1) of the whole text.
+    void lineActivated(int line);
+
+protected:
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct Piece
+    {
+        std::variant<QString, DatabaseMessage> content; ///< becomes a text when it is shown
+        bool isError;
+        int line; ///< 0 for none
+    };
+
+    void takeFinishedResults(bool all);
+    void addResult(const KNDatabaseResultSet &result);
+    void addMessage(const DatabaseMessage &message);
+    void add(const Piece &piece);
+    void showPending();
+    void activate(const QTextCursor &cursor);
+
+    std::shared_ptr<KNResultSetHolder> m_results;
+    qsizetype m_shownResults = 0;
+    std::deque<Piece> m_pending;
+    QTimer *m_pollTimer;
+    QTimer *m_showTimer;
+    int m_errorCount = 0;
+    QString m_firstError;
+    int m_firstErrorLine = 0;
+};

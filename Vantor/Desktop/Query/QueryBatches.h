@@ -1,0 +1,6 @@
+#pragma once
+
+#include "Desktop/Query/QueryRun.h"
+
+/// The batches that a request means, with ranges and lines in its whole text. Any thread.
+QList<KNQueryDetails> batchesOf(const QueryRequest &request, const VantorDBC &details);

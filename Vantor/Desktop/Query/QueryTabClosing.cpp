@@ -1,0 +1,45 @@
+#include "Desktop/Query/QueryTabClosing.h"
+
+#include "UI/Alerts/KNAlerts.h"
+
+#include <QPointer>
+
+void askAboutSession(QueryTab &tab, const std::function<void()> &proceed)
+{
+    const QueryTabStatus status = tab.status();
+    if (!status.isRunning && !status.hasOpenTransaction) {
+        proceed();
+        return;
+    }
+    KNAlerts::Question question;
+    if (status.isRunning)
+        question = {QueryTab::tr("%1 is running a query.").arg(tab.title()),
+                    QueryTab::tr("Closing the tab stops it and rolls back what is not committed."),
+                    {QueryTab::tr("Cancel"), QueryTab::tr("Stop and Close")}};
+    else
+        question = {QueryTab::tr("%1 has a transaction open.").arg(tab.title()),
+                    QueryTab::tr("Closing the tab rolls it back."),
+                    {QueryTab::tr("Cancel"), QueryTab::tr("Roll Back and Close")}};
+    KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
+        if (self && button == 1)
+            proceed();
+    });
+}
+
+void askAboutText(QueryTab &tab, const std::function<void()> &proceed)
+{
+    if (!tab.isModified() || (tab.filePath().isNull() && tab.text().isEmpty())) {
+        proceed();
+        return;
+    }
+    const KNAlerts::Question question{
+        QueryTab::tr("%1 has changes that are not saved.").arg(tab.title()),
+        QueryTab::tr("They are lost unless they are saved."),
+        {QueryTab::tr("Save"), QueryTab::tr("Don't Save"), QueryTab::tr("Cancel")}};
+    KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
+        if (self && button == 0)
+            self->save(proceed);
+        else if (self && button == 1)
+            proceed();
+    });
+}

@@ -1,0 +1,144 @@
+#include "Desktop/Query/TextFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStringConverter>
+
+namespace {
+
+using Encoding = TextFile::Encoding;
+
+KNError fileError(const QString &verb, const QString &path, const QString &reason)
+{
+    return KNError(
+        QStringLiteral("com.quorvex.vantor.file"), 0,
+        QStringLiteral("%1 could not be %2. %3").arg(QDir::toNativeSeparators(path), verb, reason));
+}
+
+QByteArray markOf(Encoding encoding)
+{
+    switch (encoding) {
+    case Encoding::UTF8WithMark:
+        return QByteArrayLiteral("\xef\xbb\xbf");
+    case Encoding::UTF16LittleEndian:
+        return QByteArrayLiteral("\xff\xfe");
+    case Encoding::UTF16BigEndian:
+        return QByteArrayLiteral("\xfe\xff");
+    case Encoding::UTF8:
+    case Encoding::Latin1:
+        break;
+    }
+    return {};
+}
+
+QStringConverter::Encoding converterFor(Encoding encoding)
+{
+    switch (encoding) {
+    case Encoding::UTF16LittleEndian:
+        return QStringConverter::Utf16LE;
+    case Encoding::UTF16BigEndian:
+        return QStringConverter::Utf16BE;
+    case Encoding::Latin1:
+        return QStringConverter::Latin1;
+    case Encoding::UTF8:
+    case Encoding::UTF8WithMark:
+        break;
+    }
+    return QStringConverter::Utf8;
+}
+
+bool decode(const QByteArray &bytes, Encoding encoding, QString *text)
+{
+    if (markOf(encoding).size() == 2 ? bytes.size() % 2 != 0
+                                     : encoding != Encoding::Latin1 && !QByteArrayView(bytes).isValidUtf8())
+        return false;
+    QStringDecoder decoder(converterFor(encoding), QStringConverter::Flag::ConvertInitialBom);
+    *text = decoder.decode(bytes.mid(markOf(encoding).size()));
+    return !decoder.hasError();
+}
+
+} // namespace
+
+bool TextFile::read(const QString &path, QString *text, KNError *error)
+{
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
+        *error = fileError(QStringLiteral("opened"), path, QStringLiteral("It is no file."));
+        return false;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = fileError(QStringLiteral("opened"), path, file.errorString());
+        return false;
+    }
+    if (file.size() > LargestSize) {
+        *error = fileError(QStringLiteral("opened"), path, QStringLiteral("It is too large for the editor."));
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        *error = fileError(QStringLiteral("read"), path, file.errorString());
+        return false;
+    }
+    Encoding encoding = Encoding::UTF8;
+    for (const Encoding marked :
+         {Encoding::UTF8WithMark, Encoding::UTF16LittleEndian, Encoding::UTF16BigEndian}) {
+        if (bytes.startsWith(markOf(marked)))
+            encoding = marked;
+    }
+    if (!decode(bytes, encoding, text)) {
+        encoding = Encoding::Latin1;
+        decode(bytes, encoding, text);
+    }
+    m_path = info.absoluteFilePath();
+    m_encoding = encoding;
+    rememberState();
+    return true;
+}
+
+QByteArray TextFile::encoded(const QString &text)
+{
+    QStringEncoder encoder(converterFor(m_encoding));
+    const QByteArray bytes = encoder.encode(text);
+    if (encoder.hasError() && m_encoding == Encoding::Latin1) {
+        m_encoding = Encoding::UTF8;
+        return text.toUtf8();
+    }
+    return markOf(m_encoding) + bytes;
+}
+
+bool TextFile::write(const QString &text, KNError *error)
+{
+    const QByteArray bytes = encoded(text);
+    // Devices cannot be replaced by a new file.
+    const bool isDevice = QFileInfo::exists(m_path) && !QFileInfo(m_path).isFile();
+    QFile device(m_path);
+    QSaveFile replacement(m_path);
+    QFileDevice &file = isDevice ? static_cast<QFileDevice &>(device) : replacement;
+    bool written =
+        file.open(isDevice ? QIODevice::WriteOnly | QIODevice::Unbuffered : QIODevice::WriteOnly) &&
+        file.write(bytes) == bytes.size();
+    if (!isDevice)
+        written = written && replacement.commit();
+    if (!written) {
+        *error = fileError(QStringLiteral("saved"), m_path, file.errorString());
+        return false;
+    }
+    rememberState();
+    return true;
+}
+
+bool TextFile::hasChangedOnDisk() const
+{
+    const QFileInfo info(m_path);
+    return m_size >= 0 && info.isFile() && (info.lastModified() != m_time || info.size() != m_size);
+}
+
+void TextFile::rememberState()
+{
+    const QFileInfo info(m_path);
+    m_time = info.lastModified();
+    m_size = info.isFile() ? info.size() : -1;
+}

@@ -1,0 +1,225 @@
+#include "Desktop/Session/TabSession.h"
+
+#include "Desktop/Query/QueryTab.h"
+#include "Desktop/Session/PrivateFiles.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+#include "Foundation/KNPrivateFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+struct StoredTab
+{
+    TabState state;
+    int position = 0;
+};
+
+QByteArray toJson(const TabState &state, int position)
+{
+    QJsonObject object{{QStringLiteral("id"), state.id},
+                       {QStringLiteral("name"), state.untitledName},
+                       {QStringLiteral("modified"), state.isModified},
+                       {QStringLiteral("cursor"), state.cursor},
+                       {QStringLiteral("position"), position}};
+    for (const auto &[key, text] :
+         {std::pair(QStringLiteral("file"), state.filePath), std::pair(QStringLiteral("text"), state.text),
+          std::pair(QStringLiteral("database"), state.database)}) {
+        if (!text.isNull())
+            object.insert(key, text);
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+std::optional<StoredTab> fromJson(const QByteArray &bytes)
+{
+    const QJsonObject object = QJsonDocument::fromJson(bytes).object();
+    const auto text = [&](const char *key) { return object.value(QLatin1String(key)).toString(); };
+    StoredTab tab;
+    tab.state.id = text("id");
+    tab.state.untitledName = text("name");
+    tab.state.filePath = text("file");
+    tab.state.text = text("text");
+    tab.state.database = text("database");
+    tab.state.isModified = object.value(QLatin1String("modified")).toBool();
+    tab.state.cursor = object.value(QLatin1String("cursor")).toInteger();
+    tab.position = object.value(QLatin1String("position")).toInt();
+    return tab.state.id.isEmpty() ? std::nullopt : std::optional(tab);
+}
+
+QList<TabState> read(const QString &folder)
+{
+    QList<StoredTab> tabs;
+    const QDir directory(folder);
+    const auto names = directory.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name);
+    for (const QString &name : names) {
+        QFile file(directory.filePath(name));
+        const auto tab = file.open(QIODevice::ReadOnly) ? fromJson(file.readAll()) : std::nullopt;
+        if (tab)
+            tabs.append(*tab);
+        else
+            KNLogHelper::sharedInstance()->logMessage("A remembered tab is damaged: %@", file.fileName());
+    }
+    std::stable_sort(tabs.begin(), tabs.end(),
+                     [](const StoredTab &a, const StoredTab &b) { return a.position < b.position; });
+    QList<TabState> states;
+    for (const StoredTab &tab : std::as_const(tabs))
+        states.append(tab.state);
+    return states;
+}
+
+QString fileOf(const QString &folder, const QString &id)
+{
+    return folder + u'/' + PrivateFiles::fileNameFor(id) + QStringLiteral(".json");
+}
+
+} // namespace
+
+/// What is to be written, and the one thread at a time that does it.
+struct TabSession::Writer
+{
+    QString folder;
+    std::mutex mutex;
+    std::map<QString, std::optional<StoredTab>> pending; ///< by tab, empty to remove it; guarded by mutex
+    std::mutex writing;                                  ///< held while files are written
+
+    bool write()
+    {
+        const std::lock_guard isWriting(writing);
+        std::map<QString, std::optional<StoredTab>> work;
+        {
+            const std::lock_guard lock(mutex);
+            work.swap(pending);
+        }
+        bool succeeded = true;
+        for (const auto &[id, tab] : work) {
+            const QString path = fileOf(folder, id);
+            const bool done = tab ? PrivateFiles::replace(path, toJson(tab->state, tab->position))
+                                  : !QFile::exists(path) || QFile::remove(path);
+            if (!done)
+                KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
+            succeeded = succeeded && done;
+        }
+        return succeeded;
+    }
+};
+
+TabSession::TabSession(const QString &connectionId, QObject *parent)
+    : QObject(parent)
+    , m_timer(new QTimer(this))
+    , m_writer(std::make_shared<Writer>())
+{
+    openFolder(connectionId);
+    m_writer->folder = m_folder;
+    for (const TabState &state : std::as_const(m_stored))
+        m_ids.append(state.id);
+    m_timer->setSingleShot(true);
+    m_timer->setInterval(WriteDelay);
+    connect(m_timer, &QTimer::timeout, this, &TabSession::write);
+}
+
+TabSession::~TabSession()
+{
+    flush();
+}
+
+/// The first folder that no other program has open is this session's. What programs that are gone have left
+/// in others comes to it.
+void TabSession::openFolder(const QString &connectionId)
+{
+    const QString base =
+        PrivateFiles::stateFolder(QStringLiteral("sessions/")) + PrivateFiles::fileNameFor(connectionId);
+    for (int number = 0;; ++number) {
+        const QString folder = number == 0 ? base : KNFormat("%@.%d", base, number);
+        if (m_lock && !QDir(folder).exists())
+            return;
+        if (!KNMakePrivateFolder(folder)) {
+            m_folder = m_folder.isEmpty() ? folder : m_folder;
+            return;
+        }
+        auto lock = std::make_unique<QLockFile>(folder + QStringLiteral("/lock"));
+        lock->setStaleLockTime(0); // however old: it counts while its program lives
+        if (!lock->tryLock())
+            continue;
+        const QList<TabState> states = read(folder);
+        m_stored += states;
+        if (!m_lock) {
+            m_folder = folder;
+            m_lock = std::move(lock);
+            continue;
+        }
+        int position = static_cast<int>(m_stored.size() - states.size());
+        for (const TabState &state : states) {
+            if (PrivateFiles::replace(fileOf(m_folder, state.id), toJson(state, position++)))
+                QFile::remove(fileOf(folder, state.id));
+        }
+    }
+}
+
+void TabSession::setTabs(const QList<QueryTab *> &tabs)
+{
+    QStringList ids;
+    for (QueryTab *const tab : tabs) {
+        ids.append(tab->state().id);
+        if (!m_tabs.contains(tab))
+            connect(tab, &QueryTab::stateChanged, this, [this, tab] { changed(tab); });
+    }
+    for (const QPointer<QueryTab> &tab : std::as_const(m_tabs)) {
+        if (tab && !tabs.contains(tab.data()))
+            disconnect(tab, nullptr, this, nullptr);
+    }
+    {
+        const std::lock_guard lock(m_writer->mutex);
+        for (const QString &id : std::as_const(m_ids)) {
+            if (!ids.contains(id))
+                m_writer->pending[id] = std::nullopt;
+        }
+    }
+    m_ids = ids;
+    m_tabs.clear();
+    for (QueryTab *const tab : tabs)
+        m_tabs.append(tab);
+    m_changed = m_tabs; // their places may have changed
+    m_timer->start();
+}
+
+void TabSession::changed(QueryTab *tab)
+{
+    if (!m_changed.contains(tab))
+        m_changed.append(tab);
+    if (!m_timer->isActive())
+        m_timer->start();
+}
+
+void TabSession::collect()
+{
+    const std::lock_guard lock(m_writer->mutex);
+    for (const QPointer<QueryTab> &tab : std::as_const(m_changed)) {
+        if (const auto place = m_tabs.indexOf(tab); tab && place >= 0) {
+            const TabState state = tab->state();
+            m_writer->pending[state.id] = StoredTab{state, static_cast<int>(place)};
+        }
+    }
+    m_changed.clear();
+}
+
+void TabSession::write()
+{
+    collect();
+    KNDispatch::globalQueue([writer = m_writer] { writer->write(); });
+}
+
+bool TabSession::flush()
+{
+    m_timer->stop();
+    collect();
+    return m_writer->write();
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Desktop/Session/TabState.h"
+
+#include <QLockFile>
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+
+class QueryTab;
+
+/// Remembers the tabs of one connection while the user works with them, in files below the XDG state folder,
+/// so that they come back at the next start, after a crash, too. Writes in the background, at most a second
+/// behind. Programs that have the same connection open at once have files of their own. On the UI thread.
+class TabSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Milliseconds between a change and the writing of it.
+    static constexpr int WriteDelay = 1000;
+
+    explicit TabSession(const QString &connectionId, QObject *parent = nullptr);
+    /// Writes what is not written yet.
+    ~TabSession() override;
+
+    /// The tabs that were there when the program ended last, in their order; files that are damaged are left
+    /// out. Read when the session was made.
+    QList<TabState> storedTabs() const { return m_stored; }
+    /// From now on these tabs are remembered, in this order, and no others.
+    void setTabs(const QList<QueryTab *> &tabs);
+    /// Writes what is not written yet before it returns; false when something could not be written. For the
+    /// program's end, before the tabs go.
+    bool flush();
+
+private:
+    struct Writer;
+
+    void openFolder(const QString &connectionId);
+    void changed(QueryTab *tab);
+    void collect();
+    void write();
+
+    QString m_folder;
+    std::unique_ptr<QLockFile> m_lock;
+    QList<TabState> m_stored;
+    QList<QPointer<QueryTab>> m_tabs;
+    QList<QPointer<QueryTab>> m_changed;
+    QStringList m_ids; ///< of the tabs and of stored ones that nobody has asked about yet
+    QTimer *m_timer;
+    std::shared_ptr<Writer> m_writer; ///< shared with the work in the background
+};
