@@ -121,6 +121,7 @@ def main():
         lines("Logging in", programs, "connect-benchmark", environment)
         lines("Listing 50,000 tables in the object tree", programs, "catalog-benchmark", environment)
         catalog_queries(programs)
+        lines("Showing results in a grid", programs, "grid-benchmark", environment)
         lines("Splitting scripts of 100 MB", programs, "split-benchmark", environment)
 
 

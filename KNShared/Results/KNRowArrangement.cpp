@@ -120,11 +120,10 @@ bool KNRowArrangement::sort(KNRowOrder &rows, const KNDatabaseResultSet &result,
         std::sort(keyed.begin(), keyed.end(), [&](const Keyed &left, const Keyed &right) {
             if (++steps % StepsBetweenLooks == 0 && cancelled)
                 throw Cancelled();
-            const Keyed &first = descending ? right : left;
-            const Keyed &second = descending ? left : right;
-            if (first.key < second.key)
-                return true;
-            return left.row < right.row && !(second.key < first.key);
+            const int order = KNRowSortKey::compared(left.key, right.key);
+            if (order == 0)
+                return left.row < right.row;
+            return descending ? order > 0 : order < 0;
         });
     } catch (const Cancelled &) {
         return false;

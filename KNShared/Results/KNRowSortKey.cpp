@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <compare>
 #include <cstring>
 
 namespace {
@@ -69,6 +70,15 @@ quint64 bytesPrefix(const unsigned char *data, std::size_t length)
     return prefix;
 }
 
+/// The first eight bytes of a GUID in the order of its text.
+quint64 guidPrefix(const unsigned char *data)
+{
+    quint64 prefix = 0;
+    for (const int place : {3, 2, 1, 0, 5, 4, 7, 6})
+        prefix = prefix << 8 | data[place];
+    return prefix;
+}
+
 int comparedBytes(const KNRowCell &left, const KNRowCell &right)
 {
     const int order = std::memcmp(left.data, right.data, std::min(left.length, right.length));
@@ -79,8 +89,13 @@ int comparedBytes(const KNRowCell &left, const KNRowCell &right)
 
 int comparedText(const KNRowCell &left, const KNRowCell &right)
 {
-    FoldedText a(left.data, left.length);
-    FoldedText b(right.data, right.length);
+    // What both begin with is the same in any case; the rest begins with a whole character.
+    std::size_t same = static_cast<std::size_t>(
+        std::mismatch(left.data, left.end(), right.data, right.end()).first - left.data);
+    while (same > 0 && same < left.length && (left.data[same] & 0xC0) == 0x80)
+        --same;
+    FoldedText a(left.data + same, left.length - same);
+    FoldedText b(right.data + same, right.length - same);
     while (!a.atEnd() && !b.atEnd()) {
         const char32_t pointOfA = a.take();
         const char32_t pointOfB = b.take();
@@ -116,8 +131,12 @@ KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
         m_prefix = foldedPrefix(cell.data, cell.length);
         m_isExact = false;
         return;
-    case KNRowCell::Bytes:
     case KNRowCell::Guid:
+        m_rank = Rank::Bytes;
+        m_prefix = guidPrefix(cell.data);
+        m_isExact = false;
+        return;
+    case KNRowCell::Bytes:
         m_rank = Rank::Bytes;
         m_prefix = bytesPrefix(cell.data, cell.length);
         m_isExact = false;
@@ -131,22 +150,25 @@ KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
     m_isExact = isFloating(cell.tag) || (cell.tag <= KNRowCell::Int64 && std::abs(number) < ExactIntegers);
 }
 
-bool KNRowSortKey::isBelow(const KNRowSortKey &other) const
+int KNRowSortKey::comparedWhole(const KNRowSortKey &other) const
 {
     switch (m_rank) {
-    case Rank::Number:
+    case Rank::Number: {
         if (isFloating(m_tag) || isFloating(other.m_tag))
-            return false;
-        return cell().value().decimal() < other.cell().value().decimal();
+            return 0;
+        const std::strong_ordering order = cell().value().decimal() <=> other.cell().value().decimal();
+        return order < 0 ? -1 : order > 0;
+    }
     case Rank::Text:
-        return comparedText(cell(), other.cell()) < 0;
+        return comparedText(cell(), other.cell());
     case Rank::Bytes:
+        // The first half of a GUID is in the prefix, in another order.
         if (m_tag == KNRowCell::Guid && other.m_tag == KNRowCell::Guid)
-            return cell().value().text() < other.cell().value().text();
-        return comparedBytes(cell(), other.cell()) < 0;
+            return std::memcmp(m_data + 8, other.m_data + 8, 8);
+        return comparedBytes(cell(), other.cell());
     case Rank::Null:
     case Rank::Date:
         break;
     }
-    return false;
+    return 0;
 }

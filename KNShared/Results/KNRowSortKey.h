@@ -12,20 +12,21 @@ public:
     KNRowSortKey() = default;
     explicit KNRowSortKey(const KNRowCell &cell);
 
-    friend bool operator<(const KNRowSortKey &left, const KNRowSortKey &right)
+    /// Below, at or above 0.
+    static int compared(const KNRowSortKey &left, const KNRowSortKey &right)
     {
         if (left.m_rank != right.m_rank)
-            return left.m_rank < right.m_rank;
+            return left.m_rank < right.m_rank ? -1 : 1;
         if (left.m_prefix != right.m_prefix)
-            return left.m_prefix < right.m_prefix;
-        return left.m_isExact && right.m_isExact ? false : left.isBelow(right);
+            return left.m_prefix < right.m_prefix ? -1 : 1;
+        return left.m_isExact && right.m_isExact ? 0 : left.comparedWhole(right);
     }
 
 private:
     enum class Rank : quint8 { Null, Number, Date, Text, Bytes };
 
     /// For keys of the same rank and prefix.
-    KNSHARED_EXPORT bool isBelow(const KNRowSortKey &other) const;
+    int comparedWhole(const KNRowSortKey &other) const;
 
     quint64 m_prefix = 0; ///< orders keys of the same rank as far as it goes
     const unsigned char *m_data = nullptr;

@@ -1,6 +1,7 @@
 #include "UI/Alerts/KNFilePanels.h"
 
 #include <QFileDialog>
+#include <QRegularExpression>
 
 namespace {
 
@@ -14,6 +15,13 @@ public:
         QFileDialog *const dialog = make(parent, request);
         dialog->setAcceptMode(QFileDialog::AcceptSave);
         dialog->setFileMode(QFileDialog::AnyFile);
+        // A name without an ending gets that of the chosen filter.
+        const auto takeEnding = [dialog](const QString &filter) {
+            static const QRegularExpression ending(QStringLiteral("\\*\\.(\\w+)"));
+            dialog->setDefaultSuffix(ending.match(filter).captured(1));
+        };
+        takeEnding(dialog->selectedNameFilter());
+        QObject::connect(dialog, &QFileDialog::filterSelected, dialog, takeEnding);
         QObject::connect(dialog, &QFileDialog::fileSelected, dialog, chosen);
         dialog->open();
     }

@@ -32,7 +32,8 @@ void KNResultGridView::measure()
 int KNResultGridView::sizeHintForColumn(int column) const
 {
     const int character = fontMetrics().averageCharWidth();
-    int width = m_header->sectionSizeHint(column);
+    // With room for the mark of a sorted column.
+    int width = m_header->sectionSizeHint(column) + fontMetrics().horizontalAdvance(QStringLiteral(" ▼"));
     // On a screen no more rows are looked at than it shows; at first those that came first.
     const int first = topRow();
     const int last = std::min(m_resultModel.rowCount(), first + std::max(RowsForWidths, visibleRowCount()));

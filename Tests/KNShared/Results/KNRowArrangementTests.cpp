@@ -90,6 +90,26 @@ TEST(SortedRows, HaveBytesByTheirValueAndLength)
               (Rows{2, 1, 4, 3, 0}));
 }
 
+TEST(SortedRows, HaveGuidsByTheirText)
+{
+    const auto guids = std::make_shared<KNDatabaseResultSet>();
+    guids->setColumns({QStringLiteral("a")}, {36});
+    const auto append = [&](int changed, unsigned char value) {
+        unsigned char bytes[16] = {};
+        bytes[changed] = value;
+        guids->rows().beginRow();
+        guids->rows().appendGuid(bytes);
+        guids->rows().endRow();
+    };
+    append(0, 1);  // 00000001-0000-...
+    append(3, 1);  // 01000000-0000-...
+    append(15, 9); // ...-000000000009
+    append(15, 1);
+    append(4, 1); // 00000000-0001-...
+    guids->rows().publish();
+    EXPECT_EQ(arranged(guids, {.sortColumn = 0}), (Rows{3, 2, 4, 0, 1}));
+}
+
 TEST(SortedRows, StayAsTheyArrivedWhereTheyAreEqualInBothDirections)
 {
     const QList<KNValue> values = {KNValue(2), KNValue(1), KNValue(2), KNValue(1)};

@@ -281,7 +281,7 @@ TEST(ResultGrid, ScrollsAndFiltersTenMillionRowsWithoutAStall)
         QElapsedTimer timer;
         timer.start();
         work();
-        grid.view.viewport()->repaint();
+        grid.view.viewport()->grab();
         longest = std::max(longest, timer.elapsed());
     };
     for (int jump = 0; jump <= 100; ++jump)

@@ -80,18 +80,19 @@ void showMainWindow(MainWindow &window, const QString &folder, const char *name,
 void runDemo(MainWindow &window)
 {
     QueryTab *const tab = window.currentTab();
-    tab->setText(QStringLiteral("-- What the customers of each country have ordered\n"
-                                "USE shop;\n"
-                                "\n"
-                                "SELECT c.Country, c.CompanyName, COUNT(*) AS Orders, SUM(o.Freight) AS Freight,\n"
-                                "       MAX(o.OrderedAt) AS [Last order]\n"
-                                "FROM dbo.Customers AS c\n"
-                                "JOIN dbo.Orders AS o ON o.CustomerId = c.CustomerId\n"
-                                "WHERE c.Country <> N'CH'\n"
-                                "GROUP BY c.Country, c.CompanyName\n"
-                                "ORDER BY Orders DESC;\n"
-                                "\n"
-                                "SELECT TOP 20 * FROM dbo.Products;\n"));
+    tab->setText(
+        QStringLiteral("-- What the customers of each country have ordered\n"
+                       "USE shop;\n"
+                       "\n"
+                       "SELECT c.Country, c.CompanyName, COUNT(*) AS Orders, SUM(o.Freight) AS Freight,\n"
+                       "       MAX(o.OrderedAt) AS [Last order]\n"
+                       "FROM dbo.Customers AS c\n"
+                       "JOIN dbo.Orders AS o ON o.CustomerId = c.CustomerId\n"
+                       "WHERE c.Country <> N'CH'\n"
+                       "GROUP BY c.Country, c.CompanyName\n"
+                       "ORDER BY Orders DESC;\n"
+                       "\n"
+                       "SELECT TOP 20 * FROM dbo.Products;\n"));
     tab->run();
     waitFor("end of the query", [&] { return !tab->isRunning(); });
 }

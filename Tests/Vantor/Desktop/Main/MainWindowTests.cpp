@@ -123,8 +123,9 @@ TEST_F(MainWindowTest, OpensATabThatRunsWhereTheTreeAsksForOne)
 {
     KNDatabaseTreeView *const view = m_window->explorer()->view();
     const auto find = [&](const char *name) {
-        const auto found = view->model()->match(view->model()->index(0, 0), Qt::DisplayRole,
-                                                QString::fromUtf8(name), 1, Qt::MatchExactly | Qt::MatchRecursive);
+        const auto found =
+            view->model()->match(view->model()->index(0, 0), Qt::DisplayRole, QString::fromUtf8(name), 1,
+                                 Qt::MatchExactly | Qt::MatchRecursive);
         return found.isEmpty() ? QModelIndex() : found.first();
     };
     for (const char *const name : {"shop", "Tables"}) {
