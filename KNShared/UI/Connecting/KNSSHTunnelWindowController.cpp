@@ -26,6 +26,7 @@ KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel 
     m_username->setPlaceholderText(QStringLiteral("As your SSH configuration says"));
     m_keyFile->setPath(model.keyFile);
     m_keyFile->lineEdit()->setPlaceholderText(QStringLiteral("SSH agent and usual keys"));
+    m_keyFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
     auto *const note = new QLabel(QStringLiteral(
         "The tunnel is made by the system's ssh, with your SSH configuration. It can use a key "
         "without a passphrase, or those that the SSH agent holds. With a tunnel the server's "

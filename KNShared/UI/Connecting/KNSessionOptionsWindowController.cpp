@@ -64,6 +64,7 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
     m_trustsAnyone->setToolTip(QStringLiteral("Listeners are kept out, impostors are not."));
     m_certificateFile->setPath(parameters.value(TrustedCertificateFile).toString());
     m_certificateFile->lineEdit()->setPlaceholderText(QStringLiteral("The system's authorities"));
+    m_certificateFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
     m_checksHostName->setChecked(parameters.value(CheckHostName, true).toBool());
     m_loginTimeout->setRange(1, 3600);
     m_loginTimeout->setSuffix(QStringLiteral(" s"));

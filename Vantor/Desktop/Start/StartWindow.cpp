@@ -16,7 +16,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
-#include <QStackedLayout>
 
 StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *parent)
     : QWidget(parent)
@@ -81,13 +80,9 @@ void StartWindow::layOut()
     m_state->setWordWrap(true);
     m_state->setTextFormat(Qt::PlainText);
 
-    auto *const shown = new QStackedLayout;
-    shown->setStackingMode(QStackedLayout::StackAll);
-    shown->addWidget(m_hint);
-    shown->addWidget(m_view);
-    m_hint->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_hint->raise();
-    shown->setCurrentWidget(m_hint);
+    m_hint->setForegroundRole(QPalette::PlaceholderText);
+    auto *const overList = new QVBoxLayout(m_view->viewport());
+    overList->addWidget(m_hint);
     auto *const state = new QHBoxLayout;
     state->addWidget(m_state, 1);
     state->addWidget(m_tryAgain);
@@ -98,7 +93,7 @@ void StartWindow::layOut()
     buttons->addWidget(m_connect);
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_filter);
-    layout->addLayout(shown, 1);
+    layout->addWidget(m_view, 1);
     layout->addLayout(state);
     layout->addLayout(buttons);
     resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 28);

@@ -103,11 +103,14 @@ protected:
     {
         return m_requests->value(index).value(0).value<VantorDBCPtr>();
     }
+    /// Whether a text can be seen, with nothing over it.
     bool shows(const char *text) const
     {
         const auto labels = m_window->findChildren<QLabel *>();
         return std::any_of(labels.begin(), labels.end(), [&](const QLabel *label) {
-            return label->isVisible() && label->text().contains(QString::fromUtf8(text));
+            const QPoint middle = label->mapTo(m_window.get(), label->rect().center());
+            return label->isVisible() && label->text().contains(QString::fromUtf8(text)) &&
+                   m_window->childAt(middle) == label;
         });
     }
     QPushButton *button(const char *title) const

@@ -14,6 +14,7 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -83,21 +84,19 @@ MSSQLConnectionWindowController::~MSSQLConnectionWindowController() = default;
 
 void MSSQLConnectionWindowController::makeButtons()
 {
-    auto *const cancel = new QPushButton(QStringLiteral("Cancel"));
-    m_save = new QPushButton(QStringLiteral("&Save"));
-    m_connect = new QPushButton(QStringLiteral("Save and &Connect"));
-    cancel->setAutoDefault(false);
+    auto *const buttons = new QDialogButtonBox;
+    buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
+    m_save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ApplyRole);
+    m_connect = buttons->addButton(QStringLiteral("Save and &Connect"), QDialogButtonBox::AcceptRole);
     m_connect->setAutoDefault(false);
     m_save->setDefault(true);
-    connect(cancel, &QPushButton::clicked, this, [this] { endSheetWithReturnCode(0); });
+    connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
     connect(m_save, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onSave);
     connect(m_connect, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onConnectAndSave);
     auto *const row = new QHBoxLayout;
     row->addWidget(m_progress);
     row->addStretch();
-    row->addWidget(cancel);
-    row->addWidget(m_save);
-    row->addWidget(m_connect);
+    row->addWidget(buttons);
     static_cast<QVBoxLayout *>(layout())->addLayout(row);
 }
 
