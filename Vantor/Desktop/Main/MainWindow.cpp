@@ -104,10 +104,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     restoreTabs();
 }
 
-MainWindow::~MainWindow()
-{
-    m_mayClose = true; // the tabs that go now are to come back
-}
+MainWindow::~MainWindow() = default;
 
 void MainWindow::updateServer()
 {
@@ -151,7 +148,8 @@ QueryTab *MainWindow::makeTab(const VantorDBC &details)
 /// The tabs of the last session, or an empty one.
 void MainWindow::restoreTabs()
 {
-    const QList<TabState> stored = KNPreferences::current().reopensTabs ? m_session->storedTabs() : QList<TabState>();
+    const QList<TabState> stored =
+        KNPreferences::current().reopensTabs ? m_session->storedTabs() : QList<TabState>();
     for (const TabState &state : stored) {
         makeTab(*m_details)->restore(state);
         const int number = state.untitledName.section(QLatin1Char(' '), -1).toInt();
@@ -178,11 +176,8 @@ void MainWindow::observeTab(QueryTab *tab)
         if (tab == currentTab())
             updateForCurrentTab();
     });
-    connect(tab, &QueryTab::runFinished, this, [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
-    connect(tab, &QObject::destroyed, this, [this] {
-        if (!m_mayClose)
-            rememberTabs();
-    });
+    connect(tab, &QueryTab::runFinished, this,
+            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
 }
 
 void MainWindow::updateTabTitle(QueryTab *tab)
@@ -236,7 +231,7 @@ void MainWindow::openFiles(const QStringList &paths)
         KNError error;
         QueryTab *const tab = addTab(*m_details);
         if (!tab->openFile(absolute, &error)) {
-            delete tab;
+            removeTab(tab);
             KNAlerts::shared().showError(this, error);
         }
     }
@@ -244,10 +239,17 @@ void MainWindow::openFiles(const QStringList &paths)
 
 void MainWindow::closeTab(QueryTab *tab)
 {
-    tab->prepareToClose([tab = QPointer(tab)] {
-        if (tab)
-            tab->deleteLater();
+    tab->prepareToClose([self = QPointer(this), tab = QPointer(tab)] {
+        if (self && tab)
+            self->removeTab(tab);
     });
+}
+
+void MainWindow::removeTab(QueryTab *tab)
+{
+    m_tabWidget->removeTab(m_tabWidget->indexOf(tab));
+    tab->deleteLater();
+    rememberTabs();
 }
 
 void MainWindow::showNeighbouringTab(int offset)
@@ -339,7 +341,8 @@ void MainWindow::closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk)
 {
     if (toAsk.isEmpty()) {
         m_mayClose = true;
-        close();
+        // This may still be inside the event that asked for it.
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
         return;
     }
     const auto goOn = [self = QPointer(this), rest = toAsk.mid(1)] {

@@ -61,6 +61,7 @@ protected:
 private:
     QueryTab *makeTab(const VantorDBC &details);
     void observeTab(QueryTab *tab);
+    void removeTab(QueryTab *tab);
     void restoreTabs();
     void rememberTabs();
     void updateTabTitle(QueryTab *tab);

@@ -139,7 +139,8 @@ void MainWindowActions::makeQueryMenu()
         tab.databaseBox()->setFocus(Qt::ShortcutFocusReason);
         tab.databaseBox()->showPopup();
     });
-    add(menu, {"history", "&History…", "history", {keys("Ctrl+Shift+H")}}, [this] { m_window.showHistory(); });
+    add(menu, {"history", "&History…", "history", {keys("Ctrl+Shift+H")}},
+        [this] { m_window.showHistory(); });
 }
 
 void MainWindowActions::makeViewMenu()

@@ -18,7 +18,6 @@ constexpr TypeKind TypeKinds[] = {
 };
 
 TypeKind typeKindOf(int typeType)
-TypeKind typeKind(int typeType)
 {
     return typeType >= 0 && typeType < 3 ? TypeKinds[typeType] : TypeKind{"User-Defined Data Types", ""};
 }
@@ -38,7 +37,6 @@ MSSQLDatabaseTreeEntrySectionTypeSection::MSSQLDatabaseTreeEntrySectionTypeSecti
 QString MSSQLDatabaseTreeEntrySectionTypeSection::displayName() const
 {
     return QString::fromLatin1(typeKindOf(m_typeType).name);
-    return QString::fromLatin1(typeKind(m_typeType).name);
 }
 
 void MSSQLDatabaseTreeEntrySectionTypeSection::removeChild(const Ptr &child)
@@ -57,7 +55,6 @@ QString MSSQLDatabaseTreeEntrySectionTypeSection::catalogQuery()
     return MSSQLTreeCatalog::text(
         *this, "List_UserTypesByTypeInDatabase_NonSystem",
         {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString::fromLatin1(typeKindOf(m_typeType).filter)}});
-        {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString::fromLatin1(typeKind(m_typeType).filter)}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTypeSection::entryForRow(const DatabaseResultSet &row)
