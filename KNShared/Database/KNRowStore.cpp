@@ -197,7 +197,6 @@ qsizetype KNRowStore::droppedRowCount() const
     return m_dropped;
 }
 
-const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount) const
 const KNRowStore::Block *KNRowStore::blockOf(qsizetype row, qsizetype *columnCount, qsizetype *endRow) const
 {
     const std::lock_guard lock(m_mutex);
