@@ -65,6 +65,14 @@ void KNResultFilterBar::showAllRows()
     Q_EMIT closed();
 }
 
+bool KNResultFilterBar::event(QEvent *event)
+{
+    // Escape is the bar's before it is anybody's shortcut.
+    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        event->accept();
+    return QWidget::event(event);
+}
+
 void KNResultFilterBar::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)

@@ -40,6 +40,8 @@ public:
     void selectAll() override;
 
 Q_SIGNALS:
+    /// What is selected is wanted on the clipboard.
+    void copyRequested();
     /// The whole value of a cell is wanted.
     void valueRequested(const QModelIndex &index);
     /// The header of a column was double-clicked.
@@ -66,6 +68,8 @@ protected Q_SLOTS:
 
 public Q_SLOTS:
     void reset() override;
+    /// What an Edit menu calls.
+    void copy() { Q_EMIT copyRequested(); }
 
 private:
     void measure();

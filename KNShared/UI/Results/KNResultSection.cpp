@@ -56,6 +56,8 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
 
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_grid, &QWidget::customContextMenuRequested, this, &KNResultSection::showMenu);
+    connect(m_grid, &KNResultGridView::copyRequested, this,
+            [this] { copySelection(ResultCopy::Format::Text); });
     connect(m_grid, &KNResultGridView::valueRequested, this, &KNResultSection::showValue);
     connect(m_grid, &KNResultGridView::sortRequested, this, &KNResultSection::toggleSorting);
     connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));

@@ -62,7 +62,8 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     m_editor->setAccessibleName(QStringLiteral("Value"));
     m_editor->setReadOnly(true);
     m_editor->setUtf8(true);
-    m_editor->setWrapMode(QsciScintilla::WrapWord);
+    m_editor->setScrollWidth(1);
+    m_editor->setScrollWidthTracking(true);
     m_editor->setMarginWidth(1, 0);
 
     auto *const type = new QLabel(typeName.isEmpty() ? kindName(m_value) : typeName, this);
@@ -82,8 +83,9 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     layout->addWidget(m_editor, 1);
     layout->addWidget(m_remark);
     layout->addWidget(buttons);
-    const QSize character(fontMetrics().averageCharWidth(), fontMetrics().height());
-    resize(90 * character.width(), 28 * character.height());
+    // Wide enough for a dump of bytes.
+    const QFontMetrics metrics(KNPreferences::current().editorFont);
+    resize(metrics.horizontalAdvance(QLatin1Char('0')) * 90, metrics.height() * 30);
 
     connect(save, &QPushButton::clicked, this, &KNValueViewer::saveToFile);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
@@ -132,6 +134,7 @@ void KNValueViewer::showText(Form form, const QString &text, bool linesWereBroke
     delete m_editor->lexer();
     m_editor->setLexer(lexer);
     paintEditor();
+    m_editor->setWrapMode(form == Form::Hex ? QsciScintilla::WrapNone : QsciScintilla::WrapWord);
     m_editor->setText(m_value.isNull() ? KNPreferences::current().nullText : text);
     QStringList remarks;
     if (m_byteCount > LargestShown)

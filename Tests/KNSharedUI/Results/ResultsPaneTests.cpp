@@ -16,6 +16,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -182,6 +183,8 @@ TEST(ResultSection, CopiesWhatIsSelected)
     EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::Insert); }),
               QStringLiteral(
                   "INSERT INTO table_name (\"id\", \"name\") VALUES\r\n\t(1, 'x'),\r\n\t(2, NULL);\r\n"));
+    EXPECT_EQ(shown.clipboardAfter([&] { QMetaObject::invokeMethod(section.grid(), "copy"); }),
+              QStringLiteral("1\tx\n2\tNULL"));
     section.grid()->selectColumn(0, QItemSelectionModel::ClearAndSelect);
     EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::InList); }),
               QStringLiteral("(1, 2)"));
@@ -216,7 +219,11 @@ TEST(ResultSection, FiltersByWhatIsTypedAndShowsAllRowsOnEscape)
     ASSERT_TRUE(waitFor([&] { return section.model().rowCount() == 11; }));
     EXPECT_EQ(section.caption(), QStringLiteral("Result 1: 11 of 100 rows"));
     EXPECT_EQ(shown.pane.rowCount(), 100);
+    int cancels = 0;
+    QShortcut cancel(QKeySequence(Qt::Key_Escape), &shown.pane);
+    QObject::connect(&cancel, &QShortcut::activated, &shown.pane, [&] { ++cancels; });
     QTest::keyClick(section.filterBar()->field(), Qt::Key_Escape);
+    EXPECT_EQ(cancels, 0);
     EXPECT_EQ(section.model().rowCount(), 100);
     EXPECT_FALSE(section.filterBar()->isVisible());
     EXPECT_TRUE(section.grid()->hasFocus());
