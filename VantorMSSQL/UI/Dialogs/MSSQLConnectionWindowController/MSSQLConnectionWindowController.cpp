@@ -86,7 +86,7 @@ void MSSQLConnectionWindowController::makeButtons()
 {
     auto *const buttons = new QDialogButtonBox;
     buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
-    m_save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ApplyRole);
+    m_save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::AcceptRole);
     m_connect = buttons->addButton(QStringLiteral("Save and &Connect"), QDialogButtonBox::AcceptRole);
     m_connect->setAutoDefault(false);
     m_save->setDefault(true);
