@@ -1,10 +1,23 @@
 #include "Desktop/Application.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/Theme.h"
+#include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Session/QueryHistoryDialog.h"
+#include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
+#include "Implementations/MSSQLRecentConnection.h"
+#include "Recent/KNDBCTabColorHelper.h"
+#include "Recent/SQLRecentConnectionList.h"
+#include "Support/SampleServerFixture.h"
+#include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
+#include "UI/MSSQLUserInterface.h"
+#include "UI/Results/KNValueViewer.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QTableWidget>
 #include <QTest>
 
 #include <cstdio>
@@ -67,13 +80,12 @@ void expand(MainWindow &window, const QStringList &path)
     }
 }
 
-void showMainWindow(MainWindow &window, const QString &folder, const char *name, KNPreferences::Theme theme)
+void setTheme(KNPreferences::Theme theme)
 {
     KNPreferences preferences = KNPreferences::current();
     preferences.theme = theme;
     preferences.save();
     QTest::qWait(50); // the palette goes through the event loop
-    save(&window, folder, name);
 }
 
 /// Runs a script whose results and messages are worth a look.
@@ -88,7 +100,7 @@ void runDemo(MainWindow &window)
                        "       MAX(o.OrderedAt) AS [Last order]\n"
                        "FROM dbo.Customers AS c\n"
                        "JOIN dbo.Orders AS o ON o.CustomerId = c.CustomerId\n"
-                       "WHERE c.Country <> N'CH'\n"
+                       "WHERE c.Country NOT IN (N'JP', N'NZ')\n"
                        "GROUP BY c.Country, c.CompanyName\n"
                        "ORDER BY Orders DESC;\n"
                        "\n"
@@ -97,9 +109,100 @@ void runDemo(MainWindow &window)
     waitFor("end of the query", [&] { return !tab->isRunning(); });
 }
 
+/// Connections as a user might have made them.
+void rememberConnections(const MSSQLUserInterface &connector)
+{
+    struct Made
+    {
+        const char *alias, *host, *user, *database;
+    };
+    SQLRecentConnectionList &list = connector.recentConnections();
+    waitFor("list of connections", [&] { return !list.isLoading(); });
+    for (const Made &made : {Made{"Reports", "reports.example.com", "analyst", "warehouse"},
+                             Made{"Test", "192.0.2.17,14330", "sa", "shop"},
+                             Made{"Azure, west", "shop.database.windows.net", "carla@shop", "shop"},
+                             Made{"Production", "db1.example.com\\SHOP", "EXAMPLE\\carla", "shop"}}) {
+        const SQLRecentConnectionPtr entry = list.makeEntry();
+        entry->connectionId = SQLRecentConnection::createConnectionId();
+        entry->alias = QString::fromUtf8(made.alias);
+        entry->serverHost = QString::fromUtf8(made.host);
+        entry->username = QString::fromUtf8(made.user);
+        std::static_pointer_cast<MSSQLRecentConnection>(entry)->database = QString::fromUtf8(made.database);
+        KNDBCTabColorHelper::setColorFromAliasTemporary(entry->alias, entry->connectionId);
+        list.update(entry);
+        QTest::qWait(5); // they are told apart by their times
+    }
+}
+
+void showConnecting(const QString &folder)
+{
+    const MSSQLUserInterface connector;
+    rememberConnections(connector);
+    StartWindow start(connector);
+    start.show();
+    QTest::qWait(50);
+    save(&start, folder, "start");
+
+    ConnectionWindowController *const dialog = connector.createConnectionWindowController(&start);
+    dialog->setRecentConnection(connector.recentConnections().connections().first());
+    dialog->beginSheet([](int) {});
+    QTest::qWait(50);
+    save(dialog, folder, "connection");
+    dialog->endSheetWithReturnCode(0);
+}
+
+void showBrowser(const QString &folder)
+{
+    const SampleServerFixture first({.arguments = {"--browser-port", "0", "--instance", "SHOP"}});
+    MSSQLBrowserServiceClient::setSearch({.address = QStringLiteral("127.0.0.1"),
+                                          .port = first.browserPort(),
+                                          .timeout = std::chrono::milliseconds(300),
+                                          .pause = std::chrono::seconds(10)});
+    auto *const browser = new MSSQLBrowseServersWindowController(nullptr);
+    browser->beginSheet([](int) {});
+    waitFor("server", [] { return !MSSQLBrowserServiceClient::allDatabases().isEmpty(); });
+    auto *const table = browser->findChild<QTableWidget *>();
+    waitFor("row", [&] { return table->rowCount() > 0; });
+    table->selectRow(0);
+    save(browser, folder, "browser");
+    browser->endSheetWithReturnCode(0);
+}
+
+void showViewer(MainWindow &window, const QString &folder)
+{
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    result->setColumns({QStringLiteral("Details")}, {47});
+    result->addRows({{KNValue(QStringLiteral(
+        "{\"order\":1001,\"customer\":{\"name\":\"Café Zürich\",\"city\":\"Zürich\",\"active\":true},"
+        "\"lines\":[{\"sku\":\"PEN-001\",\"quantity\":2,\"price\":49.90},"
+        "{\"sku\":\"INK-001\",\"quantity\":1,\"price\":14.25}],\"remark\":null}"))}});
+    result->setFinished();
+    auto *const viewer = new KNValueViewer(result, 0, 0, QStringLiteral("nvarchar"), &window);
+    viewer->show();
+    waitFor("value", [&] { return !viewer->isLoading(); });
+    QTest::qWait(50);
+    save(viewer, folder, "viewer");
+    viewer->close();
+}
+
+void showOtherWindows(MainWindow &window, const QString &folder)
+{
+    showViewer(window, folder);
+    PreferencesDialog preferences(&window);
+    preferences.show();
+    save(&preferences, folder, "preferences");
+    QueryHistoryDialog history(QueryHistory(window.databaseConnectionDetails()->connectionId()),
+                               *window.databaseConnectionDetails(), &window);
+    history.show();
+    waitFor("history", [&] { return history.isLoaded(); });
+    QTest::qWait(50);
+    save(&history, folder, "history");
+}
+
 } // namespace
 
-/// Takes pictures of the program's windows on its sample server: main FOLDER
+/// Takes pictures of the program's windows on its sample server: vantor-screenshots FOLDER. All windows are
+/// also taken in the dark when VANTOR_ALL_SCREENSHOTS is set.
 int main(int argc, char **argv)
 {
     if (argc != 2) {
@@ -123,7 +226,19 @@ int main(int argc, char **argv)
         return !static_cast<KNDatabaseTreeModel *>(window->explorer()->view()->model())->isBusy();
     });
     runDemo(*window);
-    showMainWindow(*window, folder, "main-light", KNPreferences::Theme::Light);
-    showMainWindow(*window, folder, "main-dark", KNPreferences::Theme::Dark);
+    setTheme(KNPreferences::Theme::Light);
+    save(window, folder, "main-light");
+    showOtherWindows(*window, folder);
+    showConnecting(folder);
+    showBrowser(folder);
+    setTheme(KNPreferences::Theme::Dark);
+    save(window, folder, "main-dark");
+    if (qEnvironmentVariableIsSet("VANTOR_ALL_SCREENSHOTS")) {
+        const QString dark = folder + QStringLiteral("/dark");
+        QDir().mkpath(dark);
+        showOtherWindows(*window, dark);
+        showConnecting(dark);
+        showBrowser(dark);
+    }
     return 0;
 }

@@ -27,14 +27,14 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesDialog::reject);
     connect(buttons->button(QDialogButtonBox::RestoreDefaults), &QPushButton::clicked, this,
-            [this] { show(KNPreferences::defaults()); });
+            [this] { fill(KNPreferences::defaults()); });
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(makeEditorGroup());
     layout->addWidget(makeResultsGroup());
     layout->addWidget(makeProgramGroup());
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    show(KNPreferences::current());
+    fill(KNPreferences::current());
 }
 
 QWidget *PreferencesDialog::makeEditorGroup()
@@ -79,7 +79,7 @@ QWidget *PreferencesDialog::makeProgramGroup()
     return group;
 }
 
-void PreferencesDialog::show(const KNPreferences &preferences)
+void PreferencesDialog::fill(const KNPreferences &preferences)
 {
     m_font->setCurrentFont(preferences.editorFont);
     m_fontSize->setValue(preferences.editorFont.pointSize());

@@ -21,7 +21,7 @@ public:
 
 private:
     KNPreferences edited() const;
-    void show(const KNPreferences &preferences);
+    void fill(const KNPreferences &preferences);
     QWidget *makeEditorGroup();
     QWidget *makeResultsGroup();
     QWidget *makeProgramGroup();
