@@ -11,6 +11,7 @@
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
@@ -298,6 +299,25 @@ TEST(LazyComboBox, AsksForItsTextsAndKeepsWhatItHolds)
     box.setEditText(string("b"));
     box.setTexts({string("a"), string("b")});
     EXPECT_EQ(box.currentIndex(), 1);
+}
+
+TEST(LazyComboBox, KnowsWhatIsChosenFromWhatIsTyped)
+{
+    KNLazyComboBox box;
+    box.setTexts({string("a"), string("b")});
+    box.show();
+    QSignalSpy chosen(&box, &KNLazyComboBox::chosen);
+    QTest::keyClicks(box.lineEdit(), string("b"));
+    QTest::keyClick(box.lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(chosen.size(), 0);
+    box.showPopup();
+    box.view()->setCurrentIndex(box.model()->index(0, 0));
+    QTest::keyClick(box.view(), Qt::Key_Return);
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.value(0).value(0), QVariant(0));
+    box.showPopup();
+    QTest::keyClick(box.view(), Qt::Key_Escape);
+    EXPECT_EQ(chosen.size(), 1);
 }
 
 TEST(ProgressMark, ShowsEitherThatSomethingGoesOnOrWhyItFailed)

@@ -259,3 +259,30 @@ TEST(Client, MissingSettingsOrUserNameAreAProgrammingError)
         EXPECT_EQ(failure.message(), QStringLiteral("Database connection username cannot be nil."));
     }
 }
+
+TEST(ConnectionDetails, AreOfAnotherServerAtTheEndOfAnotherTunnel)
+{
+    MSSQLDatabaseConnectionDetails details;
+    details.setUsername(QStringLiteral("sa"));
+    details.setHost(QStringLiteral("localhost"));
+    const QString description = details.description();
+    const VantorDBCPtr direct = details.copy();
+    EXPECT_TRUE(details.opensSameSession(*direct));
+
+    details.setSSHTunnelModel({QStringLiteral("gate"), 22, QStringLiteral("me"), {}});
+    EXPECT_EQ(details.description(), description + QStringLiteral(" through me@gate:22"));
+    EXPECT_FALSE(details.opensSameSession(*direct));
+    EXPECT_TRUE(details.opensSameSession(*details.copy()));
+}
+
+TEST(ConnectionDetails, TakeSessionParametersThatMakeNoSenseForTheirDefaults)
+{
+    MSSQLDatabaseConnectionDetails details;
+    EXPECT_EQ(details.queryTimeout(), 0);
+    EXPECT_FALSE(details.isReadOnlyIntended());
+    EXPECT_TRUE(details.initialStatements().isEmpty());
+    details.setSessionParameters({{QStringLiteral("queryTimeout"), -5},
+                                  {QStringLiteral("applicationIntent"), QStringLiteral("perhaps")}});
+    EXPECT_EQ(details.queryTimeout(), 0);
+    EXPECT_FALSE(details.isReadOnlyIntended());
+}

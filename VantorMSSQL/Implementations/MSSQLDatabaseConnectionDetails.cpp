@@ -132,9 +132,14 @@ QString MSSQLDatabaseConnectionDetails::literal(const KNValue &value) const
 
 QString MSSQLDatabaseConnectionDetails::description() const
 {
-    if (database().isEmpty())
-        return KNFormat("%@@@%@:%lu:%@", username(), host(), port(), m_federationStatement);
-    return KNFormat("%@@@%@:%lu - %@:%@", username(), host(), port(), database(), m_federationStatement);
+    QString text =
+        database().isEmpty()
+            ? KNFormat("%@@@%@:%lu:%@", username(), host(), port(), m_federationStatement)
+            : KNFormat("%@@@%@:%lu - %@:%@", username(), host(), port(), database(), m_federationStatement);
+    // The same name is another server at the end of another tunnel.
+    if (const KNSSHTunnelModel &tunnel = sshTunnelModel(); tunnel.isUsed())
+        text += KNFormat(" through %@@%@:%d", tunnel.username, tunnel.host, tunnel.port);
+    return text;
 }
 
 QVariantMap MSSQLDatabaseConnectionDetails::connectedWithDetails() const

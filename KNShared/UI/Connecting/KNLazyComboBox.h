@@ -4,7 +4,7 @@
 
 #include <QComboBox>
 
-/// An editable list that is filled when the user opens it. On the UI thread.
+/// A field with a list of texts, which may be filled only when the user opens it. On the UI thread.
 class KNSHAREDUI_EXPORT KNLazyComboBox : public QComboBox
 {
     Q_OBJECT
@@ -15,8 +15,14 @@ public:
     /// Puts the texts into the list; what the field holds stays.
     void setTexts(const QStringList &texts);
     void showPopup() override;
+    void hidePopup() override;
 
 Q_SIGNALS:
     /// The list is about to open and is empty.
     void needsTexts();
+    /// The user has chosen from the open list; a text that is typed chooses nothing, be it that of an item.
+    void chosen(int index);
+
+private:
+    bool m_isBeingClosed = false;
 };

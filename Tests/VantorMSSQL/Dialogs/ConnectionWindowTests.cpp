@@ -15,6 +15,7 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QFile>
 #include <QLabel>
@@ -226,6 +227,28 @@ TEST_F(ConnectionWindow, ShowsAnEntryWholeAndTheServersOfTheOthers)
     EXPECT_EQ(details->sessionParameters(), shown->connectionSessionParameters);
     EXPECT_EQ(details->sshTunnelModel(), shown->sshTunnelDetails);
     EXPECT_TRUE(m_form->state->text().contains(QStringLiteral("gate")));
+}
+
+TEST_F(ConnectionWindow, TakesTheFieldsOfAServerThatIsChosenFromTheListAndOnlyThen)
+{
+    auto other = entry("two", "b");
+    other->username = QStringLiteral("bob");
+    MSSQLRecentConnection::UpdateRecentConnection(other);
+    MSSQLRecentConnection::UpdateRecentConnection(entry("one", "a"));
+    open(entry("one", "a"));
+    const int index = m_form->server->findText(QStringLiteral("b"));
+    m_form->server->showPopup();
+    m_form->server->view()->setCurrentIndex(m_form->server->model()->index(index, 0));
+    QTest::keyClick(m_form->server->view(), Qt::Key_Return);
+    EXPECT_EQ(m_form->account->text(), QStringLiteral("bob"));
+
+    m_form->account->setText(QStringLiteral("carol"));
+    m_form->server->setFocus();
+    m_form->server->setEditText(QStringLiteral("a"));
+    QTest::keyClick(m_form->server->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(m_result, KNModalResponseSaveWithoutConnecting);
+    ASSERT_EQ(remembered(0)->connectionId, QStringLiteral("one"));
+    EXPECT_EQ(remembered(0)->username, QStringLiteral("carol"));
 }
 
 TEST_F(ConnectionWindow, SaysWhereConnectionsAreKeptAndWhatIsWrongWithThat)

@@ -35,7 +35,7 @@ QPushButton *plainButton(const char *title)
 MSSQLConnectionForm::MSSQLConnectionForm(QWidget *parent)
     : QWidget(parent)
     , alias(new QLineEdit)
-    , server(new QComboBox)
+    , server(new KNLazyComboBox)
     , browse(plainButton("&Browse…"))
     , authentication(new QComboBox)
     , account(new QLineEdit)
@@ -49,11 +49,7 @@ MSSQLConnectionForm::MSSQLConnectionForm(QWidget *parent)
 {
     alias->setPlaceholderText(QStringLiteral("A name of your own (optional)"));
     alias->setAccessibleName(QStringLiteral("Name"));
-    server->setEditable(true);
-    server->setInsertPolicy(QComboBox::NoInsert);
-    server->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     server->setMinimumContentsLength(34);
-    server->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     server->lineEdit()->setPlaceholderText(QStringLiteral("server, server,port or server\\instance"));
     server->setAccessibleName(QStringLiteral("Server"));
     authentication->addItem(QStringLiteral("SQL Server login"));

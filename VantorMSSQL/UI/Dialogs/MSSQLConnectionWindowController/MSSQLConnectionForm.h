@@ -19,7 +19,7 @@ public:
     explicit MSSQLConnectionForm(QWidget *parent = nullptr);
 
     QLineEdit *const alias;
-    QComboBox *const server;
+    KNLazyComboBox *const server;
     QPushButton *const browse;
     QComboBox *const authentication;
     QLineEdit *const account;

@@ -66,7 +66,7 @@ MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent
     connect(m_form->sessionOptions, &QPushButton::clicked, this, [this] { showSessionOptions(); });
     connect(m_form->database, &KNLazyComboBox::needsTexts, this,
             &MSSQLConnectionWindowController::listDatabases);
-    connect(m_form->server, &QComboBox::activated, this, [this](int index) {
+    connect(m_form->server, &KNLazyComboBox::chosen, this, [this](int index) {
         const auto chosen = std::dynamic_pointer_cast<MSSQLRecentConnection>(
             MSSQLRecentConnection::RecentConnections().value(index));
         if (chosen)
@@ -111,11 +111,10 @@ void MSSQLConnectionWindowController::fillServers()
 {
     const QString current = m_form->server->currentText();
     const auto connections = MSSQLRecentConnection::RecentConnections();
-    m_form->server->clear();
+    QStringList hosts;
     for (const SQLRecentConnectionPtr &connection : connections)
-        m_form->server->addItem(connection->serverHost);
-    m_form->server->setCurrentIndex(-1);
-    m_form->server->setEditText(current);
+        hosts.append(connection->serverHost);
+    m_form->server->setTexts(hosts);
 
     const SQLRecentConnectionPtr shown = recentConnection() ? recentConnection() : connections.value(0);
     const bool isUntouched = current.isEmpty() && m_form->account->text().isEmpty();
