@@ -89,7 +89,7 @@ TEST(SQLColouring, ContrastsWithLightAndDarkBackgrounds)
         return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
     };
     const auto contrast = [&](const QColor &a, const QColor &b) {
-        const auto [low, high] = std::minmax(luminance(a), luminance(b));
+        const auto [low, high] = std::minmax({luminance(a), luminance(b)});
         return (high + 0.05) / (low + 0.05);
     };
     for (const QColor &base : {QColor(Qt::white), QColor(Qt::black)}) {
