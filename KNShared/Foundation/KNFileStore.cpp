@@ -3,6 +3,7 @@
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNPrivateFolder.h"
+#include "Foundation/KNSerialQueue.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,36 +12,12 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
-#include <deque>
-
-/// The file, and what is still to be done with it: in order, by one thread at a time.
-struct KNFileStore::File : std::enable_shared_from_this<File>
+/// The file, and what is still to be done with it, in order.
+struct KNFileStore::File
 {
     explicit File(QString filePath)
         : path(std::move(filePath))
     {
-    }
-
-    /// Any thread.
-    void add(std::function<void()> work)
-    {
-        const std::lock_guard lock(mutex);
-        queued.push_back(std::move(work));
-        if (queued.size() == 1)
-            KNDispatch::globalQueue([self = shared_from_this()] { self->workOff(); });
-    }
-
-    void workOff()
-    {
-        for (bool isLast = false; !isLast;) {
-            std::unique_lock lock(mutex);
-            const std::function<void()> work = queued.front();
-            lock.unlock();
-            work();
-            lock.lock();
-            queued.pop_front();
-            isLast = queued.empty();
-        }
     }
 
     QJsonObject read(KNError *error) const
@@ -91,8 +68,7 @@ struct KNFileStore::File : std::enable_shared_from_this<File>
     QString damagedPath() const { return path + QStringLiteral(".damaged"); }
 
     const QString path;
-    std::mutex mutex;
-    std::deque<std::function<void()>> queued; ///< guarded by mutex; the first is being worked on
+    KNSerialQueue queue; ///< of what is to be done with the file
 };
 
 KNFileStore::KNFileStore(const QString &path)
@@ -109,7 +85,7 @@ QString KNFileStore::name() const
 
 void KNFileStore::textForKey(const QString &key, Read read)
 {
-    m_file->add([file = m_file.get(), key, read = std::move(read)] {
+    m_file->queue.add([file = m_file, key, read = std::move(read)] {
         KNError error;
         const QJsonValue value = file->read(&error).value(key);
         const QString text = value.isString() ? value.toString() : QString();
@@ -119,7 +95,7 @@ void KNFileStore::textForKey(const QString &key, Read read)
 
 void KNFileStore::setText(const QString &key, const QString &text, Done done)
 {
-    m_file->add([file = m_file.get(), key, text, done = std::move(done)] {
+    m_file->queue.add([file = m_file, key, text, done = std::move(done)] {
         const KNError error = file->change([&](QJsonObject &texts) { texts.insert(key, text); });
         KNDispatch::mainQueue([done, error] { done(error); });
     });
@@ -127,7 +103,7 @@ void KNFileStore::setText(const QString &key, const QString &text, Done done)
 
 void KNFileStore::removeKey(const QString &key, Done done)
 {
-    m_file->add([file = m_file.get(), key, done = std::move(done)] {
+    m_file->queue.add([file = m_file, key, done = std::move(done)] {
         const KNError error = file->change([&](QJsonObject &texts) { texts.remove(key); });
         KNDispatch::mainQueue([done, error] { done(error); });
     });

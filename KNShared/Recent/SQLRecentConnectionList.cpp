@@ -46,7 +46,6 @@ SQLRecentConnectionList::SQLRecentConnectionList(const QString &key, MakeEntry m
     , m_makeEntry(std::move(makeEntry))
     , m_store(KNKeyValueStore::shared())
 {
-    load();
 }
 
 SQLRecentConnectionList::~SQLRecentConnectionList() = default;

@@ -17,11 +17,13 @@ public:
     /// Posted when the list, or what is known of its store, has changed.
     static const QString ChangedNotificationName;
 
-    /// Begins to read.
     SQLRecentConnectionList(const QString &key, MakeEntry makeEntry);
     ~SQLRecentConnectionList();
     SQLRecentConnectionList(const SQLRecentConnectionList &) = delete;
     SQLRecentConnectionList &operator=(const SQLRecentConnectionList &) = delete;
+
+    /// Begins to read. To be called once.
+    void load();
 
     /// The latest first.
     QList<SQLRecentConnectionPtr> connections() const;
@@ -47,7 +49,6 @@ public:
 private:
     enum class State { Loading, NotRead, Loaded, Dropped };
 
-    void load();
     void finishLoading(const QString &text, const KNError &error);
     void save();
     void write();

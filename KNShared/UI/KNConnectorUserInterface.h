@@ -7,7 +7,7 @@
 
 class ConnectionWindowController;
 class QWidget;
-class SQLRecentConnection;
+class SQLRecentConnectionList;
 
 /// The windows that a connector brings with it. The module's root object implements it beside
 /// KNConnectorPlugin. On the UI thread.
@@ -18,6 +18,8 @@ public:
 
     /// A new dialog that edits a connection, not shown yet. It belongs to its parent.
     virtual ConnectionWindowController *createConnectionWindowController(QWidget *parent) const = 0;
+    /// The connections that the user has made before; loaded when asked for first.
+    virtual SQLRecentConnectionList &recentConnections() const = 0;
 };
 
 #define KNConnectorUserInterface_iid "com.quorvex.vantor.connector-windows/1"

@@ -94,8 +94,10 @@ SSHServer::SSHServer()
               .arg(m_port)
               .arg(path("host_key"), path("authorized_keys")));
     write(path("ssh_config"),
-          QStringLiteral("IdentityAgent none\nIdentityFile %1\nGlobalKnownHostsFile /dev/null\n")
-              .arg(strangersKeyFile()));
+          QStringLiteral("IdentityAgent none\nIdentityFile %1\nGlobalKnownHostsFile /dev/null\n"
+                         "Host %2\nHostName 127.0.0.1\nPort %3\n")
+              .arg(strangersKeyFile(), QString::fromLatin1(Alias))
+              .arg(m_port));
     write(client(), QStringLiteral("#!/bin/sh\nexec ssh -F '%1' \"$@\"\n").arg(path("ssh_config")),
           QFile::ExeOwner);
     start();

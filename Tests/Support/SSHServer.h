@@ -12,6 +12,9 @@
 class SSHServer
 {
 public:
+    /// What client() knows the server as, beside its address and port.
+    static constexpr const char *Alias = "gate";
+
     /// Why no sshd can be run here; null when one can.
     static QString whatIsMissing();
 

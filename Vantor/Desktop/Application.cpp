@@ -3,8 +3,10 @@
 #include "Common/ConnectorFolder.h"
 #include "Connector/KNConnectorPlugin.h"
 #include "Desktop/Main/MainWindow.h"
+#include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/KNConnectorUserInterface.h"
 
 namespace {
 
@@ -42,6 +44,8 @@ MainWindow *Application::openConnection(const VantorDBC &details)
     window->show();
     window->openFiles(m_options.files);
     m_options.files.clear();
+    if (m_startWindow)
+        m_startWindow->close();
     return window;
 }
 
@@ -87,4 +91,19 @@ void Application::sampleServerIsReady(const KNError &error)
     openConnection(*details);
 }
 
-void Application::showConnections() {}
+void Application::showConnections()
+{
+    if (!m_startWindow) {
+        const auto *const windows = dynamic_cast<const KNConnectorUserInterface *>(m_connector);
+        if (!windows)
+            return; // a connector for the terminal only
+        m_startWindow = new StartWindow(*windows);
+        m_startWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_startWindow, &StartWindow::sampleServerRequested, this, &Application::openSampleServer);
+        connect(m_startWindow, &StartWindow::connectionRequested, this,
+                [this](const VantorDBCPtr &details) { openConnection(*details); });
+    }
+    m_startWindow->show();
+    m_startWindow->raise();
+    m_startWindow->activateWindow();
+}

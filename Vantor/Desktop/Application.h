@@ -11,6 +11,7 @@
 
 class KNConnectorPlugin;
 class MainWindow;
+class StartWindow;
 
 /// The desktop program: which windows there are, and how one leads to the other.
 class Application : public QObject
@@ -35,6 +36,7 @@ private:
 
     Options m_options;
     KNConnectorPlugin *m_connector = nullptr;
+    QPointer<StartWindow> m_startWindow;
     std::shared_ptr<SampleServerProcess> m_sampleServer; ///< null while there is none
     bool m_isSampleServerReady = false;
 };

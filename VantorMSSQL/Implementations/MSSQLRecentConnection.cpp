@@ -21,11 +21,13 @@ MSSQLRecentConnection::~MSSQLRecentConnection() = default;
 
 SQLRecentConnectionList &MSSQLRecentConnection::list()
 {
-    if (!listInstance())
+    if (!listInstance()) {
         listInstance() =
             std::make_unique<SQLRecentConnectionList>(QStringLiteral("MSSQLRecentConnections"), [] {
                 return std::make_shared<MSSQLRecentConnection>();
             });
+        listInstance()->load();
+    }
     return *listInstance();
 }
 

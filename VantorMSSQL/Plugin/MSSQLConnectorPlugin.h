@@ -1,15 +1,16 @@
 #pragma once
 
 #include "Connector/KNConnectorPlugin.h"
+#include "UI/MSSQLUserInterface.h"
 
 #include <QObject>
 
 /// The root object of the SQL Server connector.
-class MSSQLConnectorPlugin : public QObject, public KNConnectorPlugin
+class MSSQLConnectorPlugin : public QObject, public KNConnectorPlugin, public MSSQLUserInterface
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID KNConnectorPlugin_iid FILE "MSSQLConnector.json")
-    Q_INTERFACES(KNConnectorPlugin)
+    Q_INTERFACES(KNConnectorPlugin KNConnectorUserInterface)
 
 public:
     QString name() const override;

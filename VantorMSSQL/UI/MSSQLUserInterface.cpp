@@ -1,6 +1,13 @@
 #include "UI/MSSQLUserInterface.h"
 
-ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *) const
+#include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
+
+ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *parent) const
 {
-    return nullptr;
+    return new MSSQLConnectionWindowController(parent);
+}
+
+SQLRecentConnectionList &MSSQLUserInterface::recentConnections() const
+{
+    return MSSQLRecentConnection::list();
 }

@@ -7,4 +7,5 @@ class MSSQLUserInterface : public KNConnectorUserInterface
 {
 public:
     ConnectionWindowController *createConnectionWindowController(QWidget *parent) const override;
+    SQLRecentConnectionList &recentConnections() const override;
 };

@@ -5,33 +5,48 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusVariant>
 
 #include <qt6keychain/keychain.h>
 
 namespace {
 
-using Decided = std::function<void(KNKeyValueStore::Problem)>;
-
-/// Whether an error that says little comes from a keyring that does not work, or from there being none.
-void decide(Decided decided)
+/// Asks the secret service's bus something that is answered by yes or no; no answer is no. `answered` is
+/// called later, or at once where there is no bus.
+void ask(QDBusMessage question, const QVariantList &arguments, std::function<void(bool)> answered)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
-        decided(KNKeyValueStore::NoService);
+        answered(false);
         return;
     }
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("NameHasOwner"));
-    question << QStringLiteral("org.freedesktop.secrets");
+    question.setArguments(arguments);
     auto *const watcher = new QDBusPendingCallWatcher(bus.asyncCall(question));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, decided] {
-        const QDBusPendingReply<bool> hasOwner = *watcher;
-        watcher->deleteLater();
-        decided(hasOwner.isValid() && hasOwner.value() ? KNKeyValueStore::Refused
-                                                       : KNKeyValueStore::NoService);
-    });
+    QObject::connect(
+        watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, answered = std::move(answered)] {
+            const QVariant answer = watcher->reply().arguments().value(0);
+            watcher->deleteLater();
+            answered(answer.canConvert<QDBusVariant>() ? answer.value<QDBusVariant>().variant().toBool()
+                                                       : answer.toBool());
+        });
+}
+
+/// Whether an error that says little comes from a keyring that does not work, not from there being none.
+void askForService(std::function<void(bool isThere)> answered)
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    ask(QDBusMessage::createMethodCall(bus, QStringLiteral("/"), bus, QStringLiteral("NameHasOwner")),
+        {QStringLiteral("org.freedesktop.secrets")}, std::move(answered));
+}
+
+/// Whether the keyring is locked. It does not find then what it holds, and says no more than that.
+void askForLock(std::function<void(bool isLocked)> answered)
+{
+    ask(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.secrets"),
+                                       QStringLiteral("/org/freedesktop/secrets/aliases/default"),
+                                       QStringLiteral("org.freedesktop.DBus.Properties"),
+                                       QStringLiteral("Get")),
+        {QStringLiteral("org.freedesktop.Secret.Collection"), QStringLiteral("Locked")}, std::move(answered));
 }
 
 void report(const QKeychain::Job &job, KNKeyValueStore::Problem refused, const KNKeyValueStore::Done &done)
@@ -53,9 +68,8 @@ void report(const QKeychain::Job &job, KNKeyValueStore::Problem refused, const K
         fail(KNKeyValueStore::NoService);
         break;
     case QKeychain::OtherError:
-        decide([fail, refused](KNKeyValueStore::Problem problem) {
-            fail(problem == KNKeyValueStore::Refused ? refused : problem);
-        });
+        askForService(
+            [fail, refused](bool isThere) { fail(isThere ? refused : KNKeyValueStore::NoService); });
         break;
     default:
         fail(refused);
@@ -81,6 +95,14 @@ void KNKeychainStore::textForKey(const QString &key, Read read)
     auto *const job = new QKeychain::ReadPasswordJob(m_service);
     job->setKey(key);
     QObject::connect(job, &QKeychain::Job::finished, job, [job, read = std::move(read)] {
+        if (job->error() == QKeychain::EntryNotFound) {
+            askForLock([read](bool isLocked) {
+                read(QString(), isLocked
+                                    ? KNError(ErrorDomain, Refused, QStringLiteral("The keyring is locked."))
+                                    : KNError());
+            });
+            return;
+        }
         const bool isThere = job->error() == QKeychain::NoError;
         report(*job, Refused, [read, text = isThere ? job->textData() : QString()](const KNError &error) {
             read(text, error);

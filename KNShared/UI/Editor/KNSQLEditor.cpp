@@ -328,8 +328,9 @@ void KNSQLEditor::applyColours()
     setMarginsBackgroundColor(colours.margin);
     setFoldMarginColors(colours.margin, colours.margin);
     for (int marker = SC_MARKNUM_FOLDEREND; marker <= int(SC_MARKNUM_FOLDEROPEN); ++marker) {
-        setMarkerForegroundColor(colours.margin, marker);
-        setMarkerBackgroundColor(colours.lineNumber, marker);
+        SendScintilla(SCI_MARKERSETFORE, static_cast<unsigned long>(marker), scintillaColour(colours.margin));
+        SendScintilla(SCI_MARKERSETBACK, static_cast<unsigned long>(marker),
+                      scintillaColour(colours.lineNumber));
     }
     setMatchedBraceBackgroundColor(colours.matchedBrace);
     setMatchedBraceForegroundColor(colours.text);
@@ -348,6 +349,7 @@ void KNSQLEditor::fitMargins()
     const int lineHeight = static_cast<int>(SendScintilla(SCI_TEXTHEIGHT, 0UL));
     setMarginWidth(Marks, lineHeight * 3 / 4);
     setMarginWidth(Folds, lineHeight * 3 / 4);
+    SendScintilla(SCI_SETMARGINLEFT, 0UL, static_cast<long>(lineHeight / 4)); // before the text
 }
 
 int KNSQLEditor::positionOf(qsizetype location) const

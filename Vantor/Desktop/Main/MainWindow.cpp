@@ -3,12 +3,15 @@
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Session/QueryHistoryDialog.h"
+#include "Desktop/Session/TabSession.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNUserDefaults.h"
 #include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/KNPreferences.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -54,6 +57,8 @@ MainWindow::MainWindow(const VantorDBC &details)
     , m_tabWidget(new QTabWidget)
     , m_splitter(new QSplitter(Qt::Horizontal))
     , m_statusLine(new StatusLine)
+    , m_session(new TabSession(m_details->connectionId(), this))
+    , m_history(m_details->connectionId())
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(nameOf(*m_details));
@@ -74,6 +79,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     connect(m_tabWidget, &QTabWidget::currentChanged, this, &MainWindow::updateForCurrentTab);
     connect(m_tabWidget, &QTabWidget::tabCloseRequested, this,
             [this](int index) { closeTab(qobject_cast<QueryTab *>(m_tabWidget->widget(index))); });
+    connect(m_tabWidget->tabBar(), &QTabBar::tabMoved, this, &MainWindow::rememberTabs);
     connect(m_treeActions, &TreeActions::queryTabRequested, this,
             [this](const QString &text, const Settings &tabDetails, bool execute) {
                 QueryTab *const tab = addTab(*tabDetails, text);
@@ -95,7 +101,7 @@ MainWindow::MainWindow(const VantorDBC &details)
     m_statusLine->setLogin(m_details->username());
     updateServer();
     restoreLayout();
-    newTab();
+    restoreTabs();
 }
 
 MainWindow::~MainWindow() = default;
@@ -120,16 +126,47 @@ QueryTab *MainWindow::currentTab() const
 
 QueryTab *MainWindow::addTab(const VantorDBC &details, const QString &text)
 {
-    auto *const tab = new QueryTab(details);
-    tab->setUntitledName(KNFormat("Query %d", ++m_untitledCount));
+    QueryTab *const tab = makeTab(details);
     if (!text.isNull())
         tab->setText(text);
+    m_tabWidget->setCurrentWidget(tab);
+    tab->setFocus();
+    rememberTabs();
+    return tab;
+}
+
+QueryTab *MainWindow::makeTab(const VantorDBC &details)
+{
+    auto *const tab = new QueryTab(details);
+    tab->setUntitledName(KNFormat("Query %d", ++m_untitledCount));
     m_tabWidget->addTab(tab, QString());
     observeTab(tab);
     updateTabTitle(tab);
-    m_tabWidget->setCurrentWidget(tab);
-    tab->setFocus();
     return tab;
+}
+
+/// The tabs of the last session, or an empty one.
+void MainWindow::restoreTabs()
+{
+    const QList<TabState> stored =
+        KNPreferences::current().reopensTabs ? m_session->storedTabs() : QList<TabState>();
+    for (const TabState &state : stored) {
+        makeTab(*m_details)->restore(state);
+        const int number = state.untitledName.section(QLatin1Char(' '), -1).toInt();
+        m_untitledCount = std::max(m_untitledCount, number);
+    }
+    if (stored.isEmpty()) {
+        newTab();
+        return;
+    }
+    currentTab()->setFocus();
+    rememberTabs();
+    updateForCurrentTab();
+}
+
+void MainWindow::rememberTabs()
+{
+    m_session->setTabs(tabs());
 }
 
 void MainWindow::observeTab(QueryTab *tab)
@@ -139,6 +176,8 @@ void MainWindow::observeTab(QueryTab *tab)
         if (tab == currentTab())
             updateForCurrentTab();
     });
+    connect(tab, &QueryTab::runFinished, this,
+            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
 }
 
 void MainWindow::updateTabTitle(QueryTab *tab)
@@ -192,7 +231,7 @@ void MainWindow::openFiles(const QStringList &paths)
         KNError error;
         QueryTab *const tab = addTab(*m_details);
         if (!tab->openFile(absolute, &error)) {
-            delete tab;
+            removeTab(tab);
             KNAlerts::shared().showError(this, error);
         }
     }
@@ -200,10 +239,17 @@ void MainWindow::openFiles(const QStringList &paths)
 
 void MainWindow::closeTab(QueryTab *tab)
 {
-    tab->prepareToClose([tab = QPointer(tab)] {
-        if (tab)
-            tab->deleteLater();
+    tab->prepareToClose([self = QPointer(this), tab = QPointer(tab)] {
+        if (self && tab)
+            self->removeTab(tab);
     });
+}
+
+void MainWindow::removeTab(QueryTab *tab)
+{
+    m_tabWidget->removeTab(m_tabWidget->indexOf(tab));
+    tab->deleteLater();
+    rememberTabs();
 }
 
 void MainWindow::showNeighbouringTab(int offset)
@@ -211,6 +257,21 @@ void MainWindow::showNeighbouringTab(int offset)
     const int count = m_tabWidget->count();
     if (count > 0)
         m_tabWidget->setCurrentIndex((m_tabWidget->currentIndex() + offset + count) % count);
+}
+
+void MainWindow::showHistory()
+{
+    auto *const dialog = new QueryHistoryDialog(m_history, *m_details, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QueryHistoryDialog::insertRequested, this, [this](const QString &text) {
+        if (QueryTab *const tab = currentTab())
+            tab->insertText(text);
+    });
+    connect(dialog, &QueryHistoryDialog::newTabRequested, this, [this](const QString &text) {
+        newTab();
+        currentTab()->insertText(text);
+    });
+    dialog->show();
 }
 
 void MainWindow::showPreferences()
@@ -264,6 +325,7 @@ void MainWindow::saveLayout() const
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (m_mayClose) {
+        m_session->flush();
         saveLayout();
         event->accept();
         return;
@@ -279,15 +341,19 @@ void MainWindow::closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk)
 {
     if (toAsk.isEmpty()) {
         m_mayClose = true;
-        close();
+        // This may still be inside the event that asked for it.
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
         return;
     }
     const auto goOn = [self = QPointer(this), rest = toAsk.mid(1)] {
         if (self)
             self->closeWhenTabsAgree(rest);
     };
-    if (QueryTab *const tab = toAsk.first())
+    QueryTab *const tab = toAsk.first();
+    if (!tab)
+        goOn();
+    else if (KNPreferences::current().reopensTabs)
         tab->prepareToEndSession(goOn);
     else
-        goOn();
+        tab->prepareToClose(goOn);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desktop/Query/QueryTab.h"
+#include "Desktop/Session/QueryHistory.h"
 #include "Desktop/Tree/TreeActions.h"
 
 #include <QMainWindow>
@@ -10,6 +11,7 @@ class MainWindowActions;
 class QSplitter;
 class QTabWidget;
 class StatusLine;
+class TabSession;
 
 /// The window of one connection: the object explorer at the left, query tabs at the right.
 class MainWindow : public QMainWindow
@@ -43,6 +45,7 @@ public Q_SLOTS:
     void closeTab(QueryTab *tab);
     /// The tab so many places to the right of the one in front, round the end.
     void showNeighbouringTab(int offset);
+    void showHistory();
     void showPreferences();
     void showAbout();
     void toggleExplorer();
@@ -56,7 +59,11 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    QueryTab *makeTab(const VantorDBC &details);
     void observeTab(QueryTab *tab);
+    void removeTab(QueryTab *tab);
+    void restoreTabs();
+    void rememberTabs();
     void updateTabTitle(QueryTab *tab);
     void updateForCurrentTab();
     void updateServer();
@@ -70,6 +77,8 @@ private:
     QTabWidget *const m_tabWidget;
     QSplitter *const m_splitter;
     StatusLine *const m_statusLine;
+    TabSession *const m_session;
+    const QueryHistory m_history;
     TreeActions *m_treeActions = nullptr;
     MainWindowActions *m_actions = nullptr;
     int m_untitledCount = 0;

@@ -139,6 +139,8 @@ void MainWindowActions::makeQueryMenu()
         tab.databaseBox()->setFocus(Qt::ShortcutFocusReason);
         tab.databaseBox()->showPopup();
     });
+    add(menu, {"history", "&History…", "history", {keys("Ctrl+Shift+H")}},
+        [this] { m_window.showHistory(); });
 }
 
 void MainWindowActions::makeViewMenu()
@@ -179,7 +181,7 @@ void MainWindowActions::makeToolBar()
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonIconOnly);
     for (const char *const name :
-         {"newQuery", "open", "save", "", "run", "runBatch", "cancel", "", "refresh"}) {
+         {"newQuery", "open", "save", "", "run", "runBatch", "cancel", "", "history", "refresh"}) {
         if (QAction *const known = action(QString::fromLatin1(name)))
             bar->addAction(known);
         else

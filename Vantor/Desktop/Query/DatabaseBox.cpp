@@ -76,7 +76,7 @@ void DatabaseBox::load()
             box->setCurrentIndex(static_cast<int>(names.indexOf(text)));
             box->setEditText(text);
             Q_EMIT box->loaded();
-            if (box->isVisible())
+            if (box->isVisible() && box->hasFocus())
                 box->QComboBox::showPopup();
         });
     });

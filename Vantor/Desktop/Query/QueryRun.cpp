@@ -111,8 +111,11 @@ QueryRun::QueryRun(std::shared_ptr<VantorTabConnection> connection, QueryRequest
 
 QueryRun::~QueryRun()
 {
+    blockSignals(true);
     if (!m_isFinished)
         cancel();
+    // What was left behind may close its connection, which waits for the server.
+    KNDispatch::globalQueue([work = std::move(m_work)] {});
 }
 
 void QueryRun::start()

@@ -66,7 +66,7 @@ private:
 
     const QueryRequest m_request;
     const std::shared_ptr<KNResultSetHolder> m_results;
-    const std::shared_ptr<Work> m_work;
+    std::shared_ptr<Work> m_work;
     QueryOutcome m_outcome;
     QElapsedTimer m_timer;
     qint64 m_elapsed = 0;

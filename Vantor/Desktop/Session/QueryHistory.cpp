@@ -4,6 +4,7 @@
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNPrivateFolder.h"
+#include "Foundation/KNSerialQueue.h"
 #include "SQL/KNSQLSecrets.h"
 
 #include <QFile>
@@ -11,46 +12,16 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <deque>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
-/// Does what is asked for one after the other, whichever history asks.
-class Queue
+/// One for all: two histories of a connection have the same file.
+KNSerialQueue &queue()
 {
-public:
-    void add(std::function<void()> work)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_queued.push_back(std::move(work));
-        if (m_queued.size() == 1)
-            KNDispatch::globalQueue([this] { workOff(); });
-    }
-
-private:
-    void workOff()
-    {
-        for (bool isLast = false; !isLast;) {
-            std::unique_lock lock(m_mutex);
-            const std::function<void()> work = m_queued.front();
-            lock.unlock();
-            work();
-            lock.lock();
-            m_queued.pop_front();
-            isLast = m_queued.empty();
-        }
-    }
-
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_queued; ///< guarded by m_mutex; the first is being worked on
-};
-
-Queue &queue()
-{
-    static auto *const queue = new Queue; // work of the global queue may outlive main()
-    return *queue;
+    static KNSerialQueue queue;
+    return queue;
 }
 
 QByteArray toLine(const QueryHistoryEntry &entry)

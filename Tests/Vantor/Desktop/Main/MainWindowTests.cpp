@@ -2,6 +2,7 @@
 
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
+#include "Desktop/Session/QueryHistoryDialog.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
@@ -24,7 +25,7 @@ protected:
         : m_alerts(RecordingAlerts::install())
         , m_panels(RecordingFilePanels::install())
     {
-        openWindow();
+        openWindow(QString::fromLatin1(testing::UnitTest::GetInstance()->current_test_info()->name()));
     }
     ~MainWindowTest() override
     {
@@ -32,7 +33,7 @@ protected:
         EXPECT_TRUE(WindowTesting::settle());
     }
 
-    void openWindow(const QString &connectionId = {})
+    void openWindow(const QString &connectionId)
     {
         delete m_window;
         const VantorDBCPtr details =
@@ -183,6 +184,40 @@ TEST_F(MainWindowTest, AsksBeforeItIsClosedOverARunningQuery)
     const QStringList buttons = m_alerts.questions.front().buttons;
     m_alerts.pending.front()(static_cast<int>(buttons.indexOf(QStringLiteral("Stop and Close"))));
     EXPECT_TRUE(waitFor([&] { return !m_window; }));
+}
+
+TEST_F(MainWindowTest, BringsTheTabsOfTheLastSessionBackWithTheirUnsavedText)
+{
+    openWindow(QStringLiteral("remembered"));
+    tab()->insertText(QStringLiteral("SELECT 'not saved 🐘'"));
+    press(Qt::Key_N, Qt::ControlModifier);
+    type("SELECT 2");
+    m_window->close();
+    EXPECT_TRUE(m_alerts.questions.empty());
+    EXPECT_TRUE(waitFor([&] { return !m_window; }));
+
+    openWindow(QStringLiteral("remembered"));
+    ASSERT_TRUE(waitFor([&] { return m_window->tabs().size() == 2; }));
+    EXPECT_EQ(m_window->tabs().at(0)->text(), QStringLiteral("SELECT 'not saved 🐘'"));
+    EXPECT_EQ(m_window->tabs().at(1)->text(), QStringLiteral("SELECT 2"));
+    EXPECT_TRUE(m_window->tabs().at(0)->isModified());
+    EXPECT_EQ(m_window->tabs().at(1)->title(), QStringLiteral("Query 2"));
+}
+
+TEST_F(MainWindowTest, RemembersWhatWasRunAndBringsItBackIntoANewTab)
+{
+    openWindow(QStringLiteral("with history"));
+    type("SELECT 42 AS answer");
+    press(Qt::Key_F5);
+    waitForRun();
+    press(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
+    auto *const dialog = m_window->findChild<QueryHistoryDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    ASSERT_TRUE(waitFor([&] { return dialog->isLoaded(); }));
+    Q_EMIT dialog->newTabRequested(QStringLiteral("SELECT 42 AS answer"));
+    ASSERT_EQ(m_window->tabs().size(), 2);
+    EXPECT_EQ(tab()->text(), QStringLiteral("SELECT 42 AS answer"));
+    EXPECT_EQ(dialog->findChild<QAbstractItemView *>()->model()->rowCount(), 1);
 }
 
 TEST_F(MainWindowTest, StaysResponsiveWhileAMillionRowsStreamIn)

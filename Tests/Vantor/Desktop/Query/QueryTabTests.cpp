@@ -347,6 +347,23 @@ TEST_F(QueryTabs, GoWhileTheyRun)
     EXPECT_TRUE(WindowTesting::settle());
 }
 
+TEST_F(QueryTabs, GoWhileTheyConnect)
+{
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
+    const VantorDBCPtr details = sampleSettings();
+    details->setHost(QStringLiteral("127.0.0.1,%1").arg(silent.serverPort()));
+    auto other = std::make_unique<QueryTab>(*details);
+    other->setText(QStringLiteral("select 1"));
+    other->run();
+    ASSERT_TRUE(waitFor([&] { return silent.hasPendingConnections(); }));
+    other.reset();
+    silent.close();
+    while (QTcpSocket *const socket = silent.nextPendingConnection())
+        delete socket;
+    EXPECT_TRUE(WindowTesting::settle());
+}
+
 TEST_F(QueryTabs, ComeBackAsTheyWere)
 {
     tab.setUntitledName(QStringLiteral("Query 4"));

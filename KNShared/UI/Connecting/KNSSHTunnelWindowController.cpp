@@ -1,0 +1,74 @@
+#include "UI/Connecting/KNSSHTunnelWindowController.h"
+
+#include "UI/Connecting/KNFileField.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+
+KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel &model, QWidget *parent)
+    : KNWindowController(parent)
+    , m_isUsed(new QCheckBox(QStringLiteral("&Connect through an SSH server")))
+    , m_host(new QLineEdit(model.host))
+    , m_port(new QSpinBox)
+    , m_username(new QLineEdit(model.username))
+    , m_keyFile(new KNFileField(QStringLiteral("Private key")))
+{
+    setWindowTitle(QStringLiteral("SSH Tunnel"));
+    m_isUsed->setChecked(model.isUsed());
+    m_port->setRange(0, 65535);
+    m_port->setSpecialValueText(QStringLiteral("Default"));
+    m_port->setValue(model.port);
+    m_username->setPlaceholderText(QStringLiteral("As your SSH configuration says"));
+    m_keyFile->setPath(model.keyFile);
+    m_keyFile->lineEdit()->setPlaceholderText(QStringLiteral("SSH agent and usual keys"));
+    m_keyFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
+    auto *const note = new QLabel(QStringLiteral(
+        "The tunnel is made by the system's ssh, with your SSH configuration. It can use a key "
+        "without a passphrase, or those that the SSH agent holds. With a tunnel the server's "
+        "name and port are looked up by the SSH server."));
+    note->setWordWrap(true);
+
+    auto *const form = new QFormLayout;
+    form->addRow(QStringLiteral("SSH &server:"), m_host);
+    form->addRow(QStringLiteral("&Port:"), m_port);
+    form->addRow(QStringLiteral("&User name:"), m_username);
+    form->addRow(QStringLiteral("Private &key:"), m_keyFile);
+    QDialogButtonBox *const buttons = makeButtons(QStringLiteral("OK"));
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(m_isUsed);
+    layout->addLayout(form);
+    layout->addWidget(note);
+    layout->addStretch();
+    layout->addWidget(buttons);
+
+    const auto update = [this, buttons] {
+        const bool isUsed = m_isUsed->isChecked();
+        for (QWidget *const widget : {static_cast<QWidget *>(m_host), static_cast<QWidget *>(m_port),
+                                      static_cast<QWidget *>(m_username), static_cast<QWidget *>(m_keyFile)})
+            widget->setEnabled(isUsed);
+        for (QAbstractButton *const button : buttons->buttons()) {
+            if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
+                button->setEnabled(!isUsed || !m_host->text().trimmed().isEmpty());
+        }
+    };
+    connect(m_isUsed, &QCheckBox::toggled, this, [this, update] {
+        update();
+        if (m_isUsed->isChecked())
+            m_host->setFocus();
+    });
+    connect(m_host, &QLineEdit::textChanged, this, update);
+    update();
+}
+
+KNSSHTunnelModel KNSSHTunnelWindowController::sshTunnelModel() const
+{
+    if (!m_isUsed->isChecked())
+        return {};
+    return {m_host->text().trimmed(), static_cast<quint16>(m_port->value()), m_username->text().trimmed(),
+            m_keyFile->path()};
+}

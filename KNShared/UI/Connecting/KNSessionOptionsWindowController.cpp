@@ -1,0 +1,132 @@
+#include "UI/Connecting/KNSessionOptionsWindowController.h"
+
+#include "UI/Connecting/KNFileField.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSpinBox>
+
+namespace {
+
+const QString Encryption = QStringLiteral("encryption");
+const QString TrustedCertificateFile = QStringLiteral("trustedCertificateFile");
+const QString TrustServerCertificate = QStringLiteral("trustServerCertificate");
+const QString CheckHostName = QStringLiteral("checkHostName");
+const QString LoginTimeout = QStringLiteral("loginTimeout");
+const QString QueryTimeout = QStringLiteral("queryTimeout");
+const QString ApplicationIntent = QStringLiteral("applicationIntent");
+const QString InitialStatements = QStringLiteral("initialStatements");
+constexpr int DefaultLoginTimeout = 15;
+
+QString off()
+{
+    return QStringLiteral("off");
+}
+
+QString request()
+{
+    return QStringLiteral("request");
+}
+
+void select(QComboBox *box, const QString &value)
+{
+    box->setCurrentIndex(std::max(0, box->findData(value)));
+}
+
+} // namespace
+
+KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVariantMap &parameters,
+                                                                   QWidget *parent)
+    : KNWindowController(parent)
+    , m_parameters(parameters)
+    , m_encryption(new QComboBox)
+    , m_trustsAnyone(new QCheckBox(QStringLiteral("&Trust any server certificate")))
+    , m_certificateFile(new KNFileField(
+          QStringLiteral("Trusted certificate"),
+          {QStringLiteral("Certificates (*.pem *.crt *.cer)"), QStringLiteral("All files (*)")}))
+    , m_checksHostName(new QCheckBox(QStringLiteral("Certificate must be for this &host")))
+    , m_loginTimeout(new QSpinBox)
+    , m_queryTimeout(new QSpinBox)
+    , m_intent(new QComboBox)
+    , m_statements(new QPlainTextEdit)
+{
+    setWindowTitle(QStringLiteral("Connection Options"));
+    m_encryption->addItem(QStringLiteral("If the server can (login at least)"), request());
+    m_encryption->addItem(QStringLiteral("Required, with a valid certificate"), QStringLiteral("require"));
+    m_encryption->addItem(QStringLiteral("Off"), off());
+    select(m_encryption, parameters.value(Encryption, request()).toString());
+    m_trustsAnyone->setChecked(parameters.value(TrustServerCertificate).toBool());
+    m_trustsAnyone->setToolTip(QStringLiteral("Listeners are kept out, impostors are not."));
+    m_certificateFile->setPath(parameters.value(TrustedCertificateFile).toString());
+    m_certificateFile->lineEdit()->setPlaceholderText(QStringLiteral("The system's authorities"));
+    m_certificateFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
+    m_checksHostName->setChecked(parameters.value(CheckHostName, true).toBool());
+    m_loginTimeout->setRange(1, 3600);
+    m_loginTimeout->setSuffix(QStringLiteral(" s"));
+    m_loginTimeout->setValue(parameters.value(LoginTimeout, DefaultLoginTimeout).toInt());
+    m_queryTimeout->setRange(0, 86400);
+    m_queryTimeout->setSuffix(QStringLiteral(" s"));
+    m_queryTimeout->setSpecialValueText(QStringLiteral("None"));
+    m_queryTimeout->setValue(parameters.value(QueryTimeout).toInt());
+    m_intent->addItem(QStringLiteral("Read and write"), QString());
+    m_intent->addItem(QStringLiteral("Read only"), QStringLiteral("readonly"));
+    select(m_intent, parameters.value(ApplicationIntent).toString());
+    m_statements->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_statements->setPlainText(parameters.value(InitialStatements).toString());
+    m_statements->setPlaceholderText(QStringLiteral("SET LOCK_TIMEOUT 5000"));
+    m_statements->setTabChangesFocus(true);
+    m_statements->setMinimumHeight(m_statements->fontMetrics().lineSpacing() * 5);
+
+    auto *const form = new QFormLayout;
+    form->addRow(QStringLiteral("&Encryption:"), m_encryption);
+    form->addRow(QStringLiteral("Trusted &certificate:"), m_certificateFile);
+    form->addRow(QString(), m_checksHostName);
+    form->addRow(QString(), m_trustsAnyone);
+    form->addRow(QStringLiteral("&Login time-out:"), m_loginTimeout);
+    form->addRow(QStringLiteral("&Query time-out:"), m_queryTimeout);
+    form->addRow(QStringLiteral("Application &intent:"), m_intent);
+    form->addRow(QStringLiteral("Initial &statements:"), m_statements);
+    auto *const layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(makeButtons(QStringLiteral("OK")));
+
+    connect(m_encryption, &QComboBox::currentIndexChanged, this,
+            &KNSessionOptionsWindowController::updateControls);
+    connect(m_trustsAnyone, &QCheckBox::toggled, this, &KNSessionOptionsWindowController::updateControls);
+    updateControls();
+}
+
+void KNSessionOptionsWindowController::updateControls()
+{
+    const bool isEncrypted = m_encryption->currentData() != off();
+    const bool isVerified = isEncrypted && !m_trustsAnyone->isChecked();
+    m_trustsAnyone->setEnabled(isEncrypted);
+    m_certificateFile->setEnabled(isVerified);
+    m_checksHostName->setEnabled(isVerified);
+}
+
+QVariantMap KNSessionOptionsWindowController::connectionSessionParameters() const
+{
+    QVariantMap parameters = m_parameters;
+    const auto set = [&](const QString &key, const QVariant &value, const QVariant &defaultValue) {
+        if (value == defaultValue)
+            parameters.remove(key);
+        else
+            parameters.insert(key, value);
+    };
+    const bool isVerified = m_checksHostName->isEnabled();
+    set(Encryption, m_encryption->currentData(), request());
+    set(TrustServerCertificate, m_trustsAnyone->isEnabled() && m_trustsAnyone->isChecked(), false);
+    set(TrustedCertificateFile, isVerified ? m_certificateFile->path() : QString(), QString());
+    set(CheckHostName, !isVerified || m_checksHostName->isChecked(), true);
+    set(LoginTimeout, m_loginTimeout->value(), DefaultLoginTimeout);
+    set(QueryTimeout, m_queryTimeout->value(), 0);
+    set(ApplicationIntent, m_intent->currentData(), QString());
+    set(InitialStatements, m_statements->toPlainText().trimmed(), QString());
+    return parameters;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "UI/Connecting/KNWindowController.h"
+
+#include <QVariantMap>
+
+class KNFileField;
+class QCheckBox;
+class QComboBox;
+class QPlainTextEdit;
+class QSpinBox;
+
+/// Edits the session parameters of a connection. Ends with 1 when the user accepts them, 0 otherwise.
+class KNSHAREDUI_EXPORT KNSessionOptionsWindowController : public KNWindowController
+{
+    Q_OBJECT
+
+public:
+    KNSessionOptionsWindowController(const QVariantMap &parameters, QWidget *parent);
+
+    /// As they are edited. What has its default is left out, what this dialog does not know stays.
+    QVariantMap connectionSessionParameters() const;
+
+private:
+    void updateControls();
+
+    const QVariantMap m_parameters;
+    QComboBox *const m_encryption;
+    QCheckBox *const m_trustsAnyone;
+    KNFileField *const m_certificateFile;
+    QCheckBox *const m_checksHostName;
+    QSpinBox *const m_loginTimeout;
+    QSpinBox *const m_queryTimeout;
+    QComboBox *const m_intent;
+    QPlainTextEdit *const m_statements;
+};

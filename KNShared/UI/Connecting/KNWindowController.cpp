@@ -1,0 +1,44 @@
+#include "UI/Connecting/KNWindowController.h"
+
+#include <QDialogButtonBox>
+
+KNWindowController::KNWindowController(QWidget *parent)
+    : QDialog(parent)
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::WindowModal);
+}
+
+KNWindowController::~KNWindowController() = default;
+
+void KNWindowController::beginSheet(std::function<void(int)> ended)
+{
+    connect(this, &QDialog::finished, this, [ended = std::move(ended)](int code) {
+        if (ended)
+            ended(code);
+    });
+    open();
+}
+
+void KNWindowController::endSheetWithReturnCode(int code)
+{
+    done(code);
+}
+
+void KNWindowController::done(int code)
+{
+    if (m_closed)
+        return;
+    m_closed = true;
+    QDialog::done(code);
+}
+
+QDialogButtonBox *KNWindowController::makeButtons(const QString &acceptTitle)
+{
+    auto *const buttons = new QDialogButtonBox(this);
+    buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
+    buttons->addButton(acceptTitle, QDialogButtonBox::AcceptRole)->setDefault(true);
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] { endSheetWithReturnCode(1); });
+    connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
+    return buttons;
+}

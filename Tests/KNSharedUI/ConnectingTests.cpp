@@ -1,0 +1,317 @@
+#include "SSH/KNSSHHostKey.h"
+#include "Support/FakeDatabase.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/WindowTesting.h"
+#include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNFileField.h"
+#include "UI/Connecting/KNLazyComboBox.h"
+#include "UI/Connecting/KNPasswordWindowController.h"
+#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Connecting/KNSSHTunnelWindowController.h"
+#include "UI/Connecting/KNSessionOptionsWindowController.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSpinBox>
+
+using WindowTesting::waitFor;
+
+namespace {
+
+class Dialog : public ConnectionWindowController
+{
+public:
+    using ConnectionWindowController::checkSSHFingerprintError;
+    using ConnectionWindowController::checkSSHToLocalhost;
+    using ConnectionWindowController::connectionSessionParameters;
+    using ConnectionWindowController::ConnectionWindowController;
+    using ConnectionWindowController::showSessionOptions;
+    using ConnectionWindowController::showSSHTunnel;
+    using ConnectionWindowController::sshTunnelModel;
+};
+
+QString string(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+QPushButton *acceptButton(const QWidget &window)
+{
+    const auto buttons = window.findChildren<QPushButton *>();
+    for (QPushButton *const button : buttons) {
+        if (button->isDefault())
+            return button;
+    }
+    return nullptr;
+}
+
+KNSSHHostKey unknownKey()
+{
+    return *KNSSHHostKey::fromKnownHostsLine(
+        string("gate ssh-ed25519 AAAAC3NzaC1lZDI1NTE5AAAAIJwJ+4mPqwbY1vGcsSxvDKIMVcH3j2xYUIYn4Vd3Fj9n"));
+}
+
+/// Whether a tunnel through `ssh` to `server` is let pass.
+bool passes(const char *ssh, const char *server)
+{
+    QWidget parent;
+    Dialog dialog(&parent);
+    FakeDatabase::Server database;
+    FakeDatabase::Settings details(database);
+    details.setSSHTunnelModel({string(ssh), 0, {}, {}});
+    details.setHost(string(server));
+    return dialog.checkSSHToLocalhost(details);
+}
+
+} // namespace
+
+TEST(Sheets, EndOnceAndAreGoneThen)
+{
+    QWidget parent;
+    QPointer sheet = new KNWindowController(&parent);
+    std::vector<int> codes;
+    sheet->beginSheet([&](int code) { codes.push_back(code); });
+    EXPECT_TRUE(sheet->isVisible());
+    EXPECT_TRUE(codes.empty()); // nobody waits
+    sheet->endSheetWithReturnCode(7);
+    sheet->endSheetWithReturnCode(8);
+    EXPECT_EQ(codes, std::vector<int>{7});
+    EXPECT_TRUE(waitFor([&] { return !sheet; }));
+}
+
+TEST(Sheets, EndWithZeroOnEscape)
+{
+    QWidget parent;
+    auto *const sheet = new KNWindowController(&parent);
+    std::optional<int> ended;
+    sheet->beginSheet([&](int code) { ended = code; });
+    QTest::keyClick(sheet, Qt::Key_Escape);
+    EXPECT_EQ(ended, 0);
+}
+
+TEST(SSHTunnelSheet, GivesBackWhatItWasGiven)
+{
+    QWidget parent;
+    const KNSSHTunnelModel model = {string("gate"), 2222, string("me"), string("/home/me/key")};
+    const KNSSHTunnelWindowController sheet(model, &parent);
+    EXPECT_EQ(sheet.sshTunnelModel(), model);
+}
+
+TEST(SSHTunnelSheet, NeedsAServerWhereATunnelIsUsed)
+{
+    QWidget parent;
+    KNSSHTunnelWindowController sheet({}, &parent);
+    sheet.show();
+    auto *const isUsed = sheet.findChild<QCheckBox *>();
+    const QPushButton *const accept = acceptButton(sheet);
+    EXPECT_FALSE(isUsed->isChecked());
+    EXPECT_TRUE(accept->isEnabled());
+    isUsed->click();
+    EXPECT_FALSE(accept->isEnabled());
+    QTest::keyClicks(sheet.focusWidget(), string("gate"));
+    EXPECT_TRUE(accept->isEnabled());
+    EXPECT_EQ(sheet.sshTunnelModel().host, string("gate"));
+    isUsed->click();
+    EXPECT_FALSE(sheet.sshTunnelModel().isUsed());
+}
+
+TEST(SSHTunnelSheet, TakesTheKeyThatIsChosen)
+{
+    QWidget parent;
+    const KNSSHTunnelWindowController sheet({string("gate"), 0, {}, {}}, &parent);
+    RecordingFilePanels &panels = RecordingFilePanels::install();
+    panels.answer = {string("/home/me/.ssh/id")};
+    sheet.findChild<KNFileField *>()->findChild<QPushButton *>()->click();
+    EXPECT_EQ(sheet.sshTunnelModel().keyFile, string("/home/me/.ssh/id"));
+    EXPECT_EQ(panels.requests.size(), 1U);
+}
+
+TEST(SessionOptionsSheet, LeavesOutWhatHasItsDefault)
+{
+    QWidget parent;
+    EXPECT_EQ(KNSessionOptionsWindowController({}, &parent).connectionSessionParameters(), QVariantMap());
+}
+
+TEST(SessionOptionsSheet, GivesBackWhatItWasGivenAndWhatItDoesNotKnow)
+{
+    const QVariantMap parameters = {{string("encryption"), string("require")},
+                                    {string("trustedCertificateFile"), string("/ca.pem")},
+                                    {string("checkHostName"), false},
+                                    {string("loginTimeout"), 5},
+                                    {string("queryTimeout"), 60},
+                                    {string("applicationIntent"), string("readonly")},
+                                    {string("initialStatements"), string("SET LANGUAGE German\nGO")},
+                                    {string("fromTheFuture"), 1}};
+    QWidget parent;
+    EXPECT_EQ(KNSessionOptionsWindowController(parameters, &parent).connectionSessionParameters(),
+              parameters);
+}
+
+TEST(SessionOptionsSheet, CanTrustAnyoneOnlyWithoutACertificateFile)
+{
+    QWidget parent;
+    KNSessionOptionsWindowController sheet(
+        {{string("encryption"), string("require")}, {string("trustedCertificateFile"), string("/ca.pem")}},
+        &parent);
+    const auto boxes = sheet.findChildren<QCheckBox *>();
+    for (QCheckBox *const box : boxes) {
+        if (box->text().contains(string("any server certificate")))
+            box->click();
+    }
+    EXPECT_FALSE(sheet.findChild<KNFileField *>()->isEnabled());
+    const QVariantMap parameters = sheet.connectionSessionParameters();
+    EXPECT_EQ(parameters.value(string("trustServerCertificate")), QVariant(true));
+    EXPECT_FALSE(parameters.contains(string("trustedCertificateFile")));
+}
+
+TEST(SessionOptionsSheet, HasNothingToTrustWithoutEncryption)
+{
+    QWidget parent;
+    KNSessionOptionsWindowController sheet({{string("trustServerCertificate"), true}}, &parent);
+    auto *const encryption = sheet.findChildren<QComboBox *>().first();
+    encryption->setCurrentIndex(encryption->findData(string("off")));
+    EXPECT_EQ(sheet.connectionSessionParameters(), (QVariantMap{{string("encryption"), string("off")}}));
+    EXPECT_FALSE(sheet.findChild<KNFileField *>()->isEnabled());
+}
+
+TEST(PasswordSheet, GivesThePasswordAndNamesTheAccount)
+{
+    QWidget parent;
+    auto *const sheet = new KNPasswordWindowController(string("sa at R&D"), &parent);
+    std::optional<int> ended;
+    QString password;
+    sheet->beginSheet([&](int code) {
+        ended = code;
+        password = sheet->password();
+    });
+    EXPECT_TRUE(sheet->findChild<QLabel *>()->text().contains(string("sa at R&&D")));
+    auto *const field = sheet->findChild<QLineEdit *>();
+    EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+    QTest::keyClicks(field, string(" secret "));
+    QTest::keyClick(sheet, Qt::Key_Return);
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(password, string(" secret "));
+}
+
+TEST(ConnectionDialog, RefusesATunnelFromThisComputerToItself)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    EXPECT_FALSE(passes("localhost", "localhost,1433"));
+    EXPECT_FALSE(passes("127.0.0.1", "LOCALHOST\\SQLEXPRESS"));
+    EXPECT_EQ(alerts.messages.size(), 2U);
+    EXPECT_TRUE(passes("gate.example", "localhost"));
+    EXPECT_TRUE(passes("localhost", "db.example"));
+    EXPECT_TRUE(passes("", "localhost"));
+    EXPECT_EQ(alerts.messages.size(), 2U);
+}
+
+TEST(ConnectionDialog, RemembersAnSSHServersKeyThatTheUserHasAccepted)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    QWidget parent;
+    Dialog dialog(&parent);
+    const KNSSHHostKey key = unknownKey();
+    std::vector<bool> answers;
+    const auto answered = [&](bool isAccepted) { answers.push_back(isAccepted); };
+
+    dialog.checkSSHFingerprintError(KNError(string("other"), 1, string("no key")), answered);
+    EXPECT_EQ(answers, std::vector<bool>{false});
+    EXPECT_TRUE(alerts.questions.empty());
+
+    alerts.answer = 0;
+    dialog.checkSSHFingerprintError(key.unknownHostError(), answered);
+    EXPECT_EQ(answers, (std::vector<bool>{false, false}));
+    EXPECT_FALSE(QFile::exists(KNSSHHostKey::knownHostsFile()));
+    ASSERT_EQ(alerts.questions.size(), 1U);
+    EXPECT_TRUE(alerts.questions[0].text.contains(key.fingerprint()));
+    EXPECT_TRUE(alerts.questions[0].text.contains(string("ED25519")));
+
+    alerts.answer = 1;
+    dialog.checkSSHFingerprintError(key.unknownHostError(), answered);
+    EXPECT_EQ(answers, (std::vector<bool>{false, false, true}));
+    QFile file(KNSSHHostKey::knownHostsFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().startsWith("gate ssh-ed25519 "));
+    file.remove();
+}
+
+TEST(ConnectionDialog, HearsNoAnswerAfterItHasEnded)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    QWidget parent;
+    auto *const dialog = new Dialog(&parent);
+    bool isAnswered = false;
+    dialog->checkSSHFingerprintError(unknownKey().unknownHostError(), [&](bool) { isAnswered = true; });
+    ASSERT_EQ(alerts.pending.size(), 1U);
+    delete dialog;
+    alerts.pending[0](1);
+    EXPECT_FALSE(isAnswered);
+    EXPECT_FALSE(QFile::exists(KNSSHHostKey::knownHostsFile()));
+}
+
+TEST(ConnectionDialog, TakesWhatItsSheetsHaveEdited)
+{
+    QWidget parent;
+    Dialog dialog(&parent);
+    QSignalSpy changed(&dialog, &ConnectionWindowController::optionsChanged);
+    dialog.showSSHTunnel();
+    auto *const tunnel = dialog.findChild<KNSSHTunnelWindowController *>();
+    tunnel->findChild<QCheckBox *>()->click();
+    tunnel->findChild<QLineEdit *>()->setText(string("gate"));
+    acceptButton(*tunnel)->click();
+    EXPECT_EQ(dialog.sshTunnelModel().host, string("gate"));
+
+    dialog.showSessionOptions();
+    auto *const options = dialog.findChild<KNSessionOptionsWindowController *>();
+    options->findChild<QPlainTextEdit *>()->setPlainText(string("SET NOCOUNT ON"));
+    acceptButton(*options)->click();
+    EXPECT_EQ(dialog.connectionSessionParameters().value(string("initialStatements")),
+              QVariant(string("SET NOCOUNT ON")));
+    EXPECT_EQ(changed.size(), 2);
+
+    dialog.showSSHTunnel();
+    QTest::keyClick(dialog.findChildren<KNSSHTunnelWindowController *>().last(), Qt::Key_Escape);
+    EXPECT_EQ(dialog.sshTunnelModel().host, string("gate"));
+}
+
+TEST(LazyComboBox, AsksForItsTextsAndKeepsWhatItHolds)
+{
+    KNLazyComboBox box;
+    QSignalSpy needed(&box, &KNLazyComboBox::needsTexts);
+    box.setEditText(string("typed"));
+    box.showPopup();
+    EXPECT_EQ(needed.size(), 1);
+    box.setTexts({string("a"), string("b")});
+    EXPECT_EQ(box.currentText(), string("typed"));
+    EXPECT_EQ(box.count(), 2);
+    box.showPopup();
+    box.hidePopup();
+    EXPECT_EQ(needed.size(), 1);
+    box.setEditText(string("b"));
+    box.setTexts({string("a"), string("b")});
+    EXPECT_EQ(box.currentIndex(), 1);
+}
+
+TEST(ProgressMark, ShowsEitherThatSomethingGoesOnOrWhyItFailed)
+{
+    KNProgressMark mark(string("Connecting"));
+    EXPECT_FALSE(mark.isRunning());
+    EXPECT_TRUE(mark.problem().isNull());
+    mark.start();
+    EXPECT_TRUE(mark.isRunning());
+    mark.fail(string("why"));
+    EXPECT_FALSE(mark.isRunning());
+    EXPECT_EQ(mark.problem(), string("why"));
+    mark.start();
+    EXPECT_TRUE(mark.problem().isNull());
+    mark.stop();
+    EXPECT_FALSE(mark.isRunning());
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Recent/SQLRecentConnectionList.h"
+
+#include <QAbstractListModel>
+
+/// The remembered connections, the latest first. On the UI thread.
+class RecentConnectionsModel : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum Role {
+        DetailRole = Qt::UserRole, ///< account, server and database in one line
+        DateRole,                  ///< when it was made last, for people
+        ColourRole,                ///< a QColor, invalid for none
+        SearchRole,                ///< all texts
+    };
+
+    explicit RecentConnectionsModel(SQLRecentConnectionList &list, QObject *parent = nullptr);
+
+    /// Shows the list as it is now.
+    void reload();
+    SQLRecentConnectionPtr connection(const QModelIndex &index) const;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+
+private:
+    SQLRecentConnectionList &m_list;
+    QList<SQLRecentConnectionPtr> m_connections;
+};

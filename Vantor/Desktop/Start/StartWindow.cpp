@@ -1,0 +1,249 @@
+#include "Desktop/Start/StartWindow.h"
+
+#include "Desktop/Start/RecentConnectionDelegate.h"
+#include "Desktop/Start/RecentConnectionsModel.h"
+#include "Foundation/KNFormat.h"
+#include "Recent/KNDBCTabColorHelper.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNPasswordWindowController.h"
+#include "UI/KNConnectorUserInterface.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListView>
+#include <QMenu>
+#include <QPointer>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+
+StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *parent)
+    : QWidget(parent)
+    , m_connector(connector)
+    , m_model(new RecentConnectionsModel(connector.recentConnections(), this))
+    , m_filtered(new QSortFilterProxyModel(this))
+    , m_filter(new QLineEdit)
+    , m_view(new QListView)
+    , m_hint(new QLabel)
+    , m_state(new QLabel)
+    , m_tryAgain(new QPushButton(QStringLiteral("Try &Again")))
+    , m_connect(new QPushButton(QStringLiteral("&Connect")))
+    , m_listChanged(KNNotificationCenter::defaultCenter()->addObserver(
+          SQLRecentConnectionList::ChangedNotificationName,
+          [this](const QString &, const QVariantMap &) { showList(); }))
+{
+    setWindowTitle(tr("Connections"));
+    m_filtered->setSourceModel(m_model);
+    m_filtered->setFilterRole(RecentConnectionsModel::SearchRole);
+    m_filtered->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    m_filter->setPlaceholderText(tr("Filter connections"));
+    m_filter->setAccessibleName(tr("Filter connections"));
+    m_filter->setClearButtonEnabled(true);
+    m_filter->installEventFilter(this);
+    m_view->setModel(m_filtered);
+    m_view->setItemDelegate(new RecentConnectionDelegate(m_view));
+    m_view->setAccessibleName(tr("Connections"));
+    m_view->setUniformItemSizes(true);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    layOut();
+    makeContextMenu();
+
+    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
+        m_filtered->setFilterFixedString(text);
+        if (!m_view->currentIndex().isValid())
+            m_view->setCurrentIndex(m_filtered->index(0, 0));
+        showState();
+    });
+    connect(m_filter, &QLineEdit::returnPressed, this, &StartWindow::connectToSelected);
+    connect(m_view, &QListView::activated, this, &StartWindow::connectToSelected);
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &StartWindow::showState);
+    connect(m_connect, &QPushButton::clicked, this, &StartWindow::connectToSelected);
+    connect(m_tryAgain, &QPushButton::clicked, this, [this] { m_connector.recentConnections().tryAgain(); });
+    showList();
+    m_view->setFocus();
+}
+
+StartWindow::~StartWindow() = default;
+
+void StartWindow::layOut()
+{
+    auto *const newConnection = new QPushButton(tr("&New Connection…"));
+    auto *const sample = new QPushButton(tr("Try the &Sample Server"));
+    sample->setToolTip(tr("Starts a small server of your own, with two databases to try things on."));
+    connect(newConnection, &QPushButton::clicked, this, &StartWindow::newConnection);
+    connect(sample, &QPushButton::clicked, this, &StartWindow::sampleServerRequested);
+    m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setWordWrap(true);
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setMargin(fontMetrics().height());
+    m_state->setWordWrap(true);
+    m_state->setTextFormat(Qt::PlainText);
+
+    m_hint->setForegroundRole(QPalette::PlaceholderText);
+    auto *const overList = new QVBoxLayout(m_view->viewport());
+    overList->addWidget(m_hint);
+    auto *const state = new QHBoxLayout;
+    state->addWidget(m_state, 1);
+    state->addWidget(m_tryAgain);
+    auto *const buttons = new QHBoxLayout;
+    buttons->addWidget(newConnection);
+    buttons->addWidget(sample);
+    buttons->addStretch();
+    buttons->addWidget(m_connect);
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(m_filter);
+    layout->addWidget(m_view, 1);
+    layout->addLayout(state);
+    layout->addLayout(buttons);
+    resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 28);
+}
+
+void StartWindow::makeContextMenu()
+{
+    const auto add = [this](const QString &title, const QKeySequence &shortcut, void (StartWindow::*slot)()) {
+        auto *const action = new QAction(title, m_view);
+        action->setShortcut(shortcut);
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, slot);
+        m_view->addAction(action);
+    };
+    // The Return key comes through the view.
+    add(tr("Connect"), {}, &StartWindow::connectToSelected);
+    add(tr("Edit…"), QKeySequence(Qt::Key_F2), &StartWindow::editSelected);
+    add(tr("Duplicate"), QKeySequence(Qt::CTRL | Qt::Key_D), &StartWindow::duplicateSelected);
+    add(tr("Remove…"), QKeySequence(QKeySequence::Delete), &StartWindow::removeSelected);
+    m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+/// In the filter's field the arrow keys go through the list.
+bool StartWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_filter && event->type() == QEvent::KeyPress) {
+        const auto *const key = static_cast<QKeyEvent *>(event);
+        if (key->key() == Qt::Key_Down || key->key() == Qt::Key_Up) {
+            const int step = key->key() == Qt::Key_Down ? 1 : -1;
+            const QModelIndex next = m_filtered->index(m_view->currentIndex().row() + step, 0);
+            if (next.isValid())
+                m_view->setCurrentIndex(next);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+SQLRecentConnectionPtr StartWindow::selected() const
+{
+    return m_model->connection(m_filtered->mapToSource(m_view->currentIndex()));
+}
+
+void StartWindow::newConnection()
+{
+    edit(nullptr);
+}
+
+void StartWindow::editSelected()
+{
+    if (const SQLRecentConnectionPtr connection = selected())
+        edit(connection);
+}
+
+void StartWindow::edit(const SQLRecentConnectionPtr &connection)
+{
+    ConnectionWindowController *const dialog = m_connector.createConnectionWindowController(this);
+    dialog->setRecentConnection(connection);
+    dialog->beginSheet([this, dialog](int code) {
+        if (code == KNModalResponseSaveAndConnect)
+            Q_EMIT connectionRequested(dialog->databaseConnectionDetails());
+    });
+}
+
+void StartWindow::connectToSelected()
+{
+    const SQLRecentConnectionPtr connection = selected();
+    if (!connection)
+        return;
+    if (connection->rememberPassword || !connection->password.isEmpty()) {
+        request(connection);
+        return;
+    }
+    auto *const sheet = new KNPasswordWindowController(
+        KNFormat("%@ at %@", connection->username, connection->serverHost), this);
+    sheet->beginSheet([this, sheet, connection](int code) {
+        if (code != 1)
+            return;
+        const SQLRecentConnectionPtr withPassword = connection->copy();
+        withPassword->password = sheet->password();
+        request(withPassword);
+    });
+}
+
+void StartWindow::request(const SQLRecentConnectionPtr &connection)
+{
+    m_connector.recentConnections().update(connection);
+    Q_EMIT connectionRequested(connection->createDatabaseConnectionDetails());
+}
+
+void StartWindow::duplicateSelected()
+{
+    const SQLRecentConnectionPtr connection = selected();
+    if (!connection)
+        return;
+    const SQLRecentConnectionPtr duplicate = connection->copy();
+    duplicate->connectionId = SQLRecentConnection::createConnectionId();
+    duplicate->alias = KNFormat("%@ copy", connection->hostDisplay());
+    KNDBCTabColorHelper::setColorFromAliasTemporary(duplicate->alias, duplicate->connectionId);
+    m_connector.recentConnections().update(duplicate);
+    select(duplicate->connectionId);
+}
+
+void StartWindow::removeSelected()
+{
+    const SQLRecentConnectionPtr connection = selected();
+    if (!connection)
+        return;
+    KNAlerts::Question question;
+    question.title = KNFormat(tr("Remove the connection \"%@\"?"), connection->hostDisplay());
+    question.text = tr("It is forgotten with its password. The server is not touched.");
+    question.buttons = QStringList{tr("Remove"), tr("Cancel")};
+    KNAlerts::shared().ask(this, question, [this, connection](int button) {
+        SQLRecentConnectionList &list = m_connector.recentConnections();
+        if (button == 0 && list.contains(connection))
+            list.remove(connection);
+    });
+}
+
+void StartWindow::showList()
+{
+    const SQLRecentConnectionPtr current = selected();
+    m_model->reload();
+    if (current)
+        select(current->connectionId);
+    if (!m_view->currentIndex().isValid())
+        m_view->setCurrentIndex(m_filtered->index(0, 0));
+    showState();
+}
+
+void StartWindow::select(const QString &connectionId)
+{
+    for (int row = 0; row < m_filtered->rowCount(); ++row) {
+        const QModelIndex index = m_filtered->index(row, 0);
+        if (m_model->connection(m_filtered->mapToSource(index))->connectionId == connectionId)
+            m_view->setCurrentIndex(index);
+    }
+}
+
+void StartWindow::showState()
+{
+    const SQLRecentConnectionList &list = m_connector.recentConnections();
+    m_connect->setEnabled(selected() != nullptr);
+    m_tryAgain->setVisible(list.problem().isSet());
+    m_state->setText(list.problem() ? list.problem().localizedDescription()
+                                    : KNFormat(tr("Connections are kept in %@."), list.storeName()));
+    m_hint->setVisible(m_filtered->rowCount() == 0);
+    m_hint->setText(list.isLoading() ? tr("Remembered connections are being read…")
+                    : m_model->rowCount() > 0
+                        ? tr("No connection matches the filter.")
+                        : tr("The servers that you connect to will be listed here.\n\nMake a "
+                             "new connection, or try things on the sample server."));
+}

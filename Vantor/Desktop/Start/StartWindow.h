@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Database/VantorDBC.h"
+#include "Foundation/KNNotificationCenter.h"
+#include "Recent/SQLRecentConnection.h"
+
+#include <QWidget>
+
+class KNConnectorUserInterface;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QPushButton;
+class QSortFilterProxyModel;
+class RecentConnectionsModel;
+
+/// Where the program begins: the connections that the user has made before, and ways to new ones. It connects
+/// nothing itself. On the UI thread.
+class StartWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit StartWindow(const KNConnectorUserInterface &connector, QWidget *parent = nullptr);
+    ~StartWindow() override;
+
+public Q_SLOTS:
+    void newConnection();
+    /// Opens the connection that is selected; asks for its password first where that is not known.
+    void connectToSelected();
+    void editSelected();
+    void duplicateSelected();
+    /// Asks before it forgets.
+    void removeSelected();
+
+Q_SIGNALS:
+    /// The user wants to work with this connection.
+    void connectionRequested(const VantorDBCPtr &details);
+    void sampleServerRequested();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void layOut();
+    void makeContextMenu();
+    SQLRecentConnectionPtr selected() const;
+    void edit(const SQLRecentConnectionPtr &connection);
+    void request(const SQLRecentConnectionPtr &connection);
+    void showList();
+    void showState();
+    void select(const QString &connectionId);
+
+    const KNConnectorUserInterface &m_connector;
+    RecentConnectionsModel *const m_model;
+    QSortFilterProxyModel *const m_filtered;
+    QLineEdit *const m_filter;
+    QListView *const m_view;
+    QLabel *const m_hint;
+    QLabel *const m_state;
+    QPushButton *const m_tryAgain;
+    QPushButton *const m_connect;
+    const KNNotificationCenter::Token m_listChanged;
+};

@@ -1,0 +1,307 @@
+#include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
+
+#include "Database/DatabaseResultSet.h"
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNLogHelper.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLSystemDatabaseQueries.h"
+#include "Recent/KNDBCTabColorHelper.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/Connecting/KNLazyComboBox.h"
+#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
+#include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+
+const QString SourcePath =
+    QStringLiteral("UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController");
+
+/// The databases that a login sees. The one in the settings may be half typed. Blocks.
+QStringList databasesSeenBy(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &details, KNError *error)
+{
+    QStringList names;
+    MSSQLClient client(details);
+    if (!client.connect(error)) {
+        if (details->database().isEmpty())
+            return names;
+        details->setDatabase(QString());
+        return databasesSeenBy(details, error);
+    }
+    const auto queries = details->queryLoader();
+    const auto resultSet =
+        client.executeQuery(queries->queryByTitle(QStringLiteral("General_ListDatabases")), error);
+    while (resultSet && !error->isSet() && resultSet->next())
+        names.append(resultSet->objectForColumnIndex(0).displayText());
+    return names;
+}
+
+} // namespace
+
+MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent)
+    : ConnectionWindowController(parent)
+    , m_form(new MSSQLConnectionForm)
+    , m_progress(new KNProgressMark(QStringLiteral("Connecting")))
+    , m_listChanged(KNNotificationCenter::defaultCenter()->addObserver(
+          SQLRecentConnectionList::ChangedNotificationName, [this](const QString &, const QVariantMap &) {
+              fillServers();
+              showState();
+          }))
+{
+    setWindowTitle(QStringLiteral("Connect to SQL Server"));
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(m_form);
+    layout->addStretch();
+    makeButtons();
+    connect(m_form->browse, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onBrowse);
+    connect(m_form->sshTunnel, &QPushButton::clicked, this, [this] { showSSHTunnel(); });
+    connect(m_form->sessionOptions, &QPushButton::clicked, this, [this] { showSessionOptions(); });
+    connect(m_form->database, &KNLazyComboBox::needsTexts, this,
+            &MSSQLConnectionWindowController::listDatabases);
+    connect(m_form->server, &QComboBox::activated, this, [this](int index) {
+        const auto chosen = std::dynamic_pointer_cast<MSSQLRecentConnection>(
+            MSSQLRecentConnection::RecentConnections().value(index));
+        if (chosen)
+            populateRecentConnection(*chosen);
+    });
+    // Another server or login sees other databases.
+    for (const QLineEdit *const field : {m_form->server->lineEdit(), m_form->account, m_form->password})
+        connect(field, &QLineEdit::textEdited, m_form->database, [this] { m_form->database->setTexts({}); });
+    connect(this, &ConnectionWindowController::optionsChanged, this,
+            &MSSQLConnectionWindowController::showState);
+    showState();
+}
+
+MSSQLConnectionWindowController::~MSSQLConnectionWindowController() = default;
+
+void MSSQLConnectionWindowController::makeButtons()
+{
+    auto *const buttons = new QDialogButtonBox;
+    buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
+    m_save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::AcceptRole);
+    m_connect = buttons->addButton(QStringLiteral("Save and &Connect"), QDialogButtonBox::AcceptRole);
+    m_connect->setAutoDefault(false);
+    m_save->setDefault(true);
+    connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
+    connect(m_save, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onSave);
+    connect(m_connect, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onConnectAndSave);
+    auto *const row = new QHBoxLayout;
+    row->addWidget(m_progress);
+    row->addStretch();
+    row->addWidget(buttons);
+    static_cast<QVBoxLayout *>(layout())->addLayout(row);
+}
+
+void MSSQLConnectionWindowController::showEvent(QShowEvent *event)
+{
+    fillServers();
+    ConnectionWindowController::showEvent(event);
+}
+
+/// The list of servers, and, once, the fields: of the entry that is edited, or of the first one.
+void MSSQLConnectionWindowController::fillServers()
+{
+    const QString current = m_form->server->currentText();
+    const auto connections = MSSQLRecentConnection::RecentConnections();
+    m_form->server->clear();
+    for (const SQLRecentConnectionPtr &connection : connections)
+        m_form->server->addItem(connection->serverHost);
+    m_form->server->setCurrentIndex(-1);
+    m_form->server->setEditText(current);
+
+    const SQLRecentConnectionPtr shown = recentConnection() ? recentConnection() : connections.value(0);
+    const bool isUntouched = current.isEmpty() && m_form->account->text().isEmpty();
+    if (const auto entry = std::dynamic_pointer_cast<MSSQLRecentConnection>(shown);
+        entry && !m_isPopulated && isUntouched)
+        populateRecentConnection(*entry);
+}
+
+void MSSQLConnectionWindowController::populateRecentConnection(const MSSQLRecentConnection &connection)
+{
+    m_isPopulated = true;
+    m_form->alias->setText(connection.alias);
+    m_form->server->setEditText(connection.serverHost);
+    m_form->account->setText(connection.username);
+    m_form->password->setText(connection.password);
+    m_form->database->clear();
+    m_form->database->setEditText(connection.database);
+    m_form->remembersPassword->setChecked(connection.rememberPassword);
+    m_form->authentication->setCurrentIndex(connection.dumbAuthenticationType != 0 ? 1 : 0);
+    setConnectionSessionParameters(connection.connectionSessionParameters);
+    setSSHTunnelModel(connection.sshTunnelDetails);
+}
+
+void MSSQLConnectionWindowController::showState()
+{
+    const SQLRecentConnectionList &list = MSSQLRecentConnection::list();
+    QStringList lines;
+    if (sshTunnelModel().isUsed())
+        lines.append(KNFormat("Through the SSH server %@.", sshTunnelModel().host));
+    if (list.isLoading())
+        lines.append(QStringLiteral("Remembered connections are being read…"));
+    else if (list.problem())
+        lines.append(list.problem().localizedDescription());
+    lines.append(KNFormat("Connections are kept in %@.", list.storeName()));
+    m_form->state->setText(lines.join(QLatin1Char('\n')));
+}
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails>
+MSSQLConnectionWindowController::connectionDetailsForCurrentState() const
+{
+    auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
+    details->setAlias(m_form->alias->text());
+    details->setHost(m_form->server->currentText().trimmed());
+    details->setUsername(m_form->account->text());
+    details->setPassword(m_form->password->text());
+    details->setDatabase(m_form->database->currentText().trimmed());
+    details->setSessionParameters(connectionSessionParameters());
+    details->setSSHTunnelModel(sshTunnelModel());
+    return details;
+}
+
+void MSSQLConnectionWindowController::onSave()
+{
+    if (m_form->account->text().isEmpty()) {
+        KNAlerts::shared().showError(
+            this, KNError(QStringLiteral("MSSQL"), 0, QStringLiteral("A username is required.")));
+        m_form->account->setFocus();
+        return;
+    }
+    saveConnectionDetails(connectionDetailsForCurrentState());
+    endSheetWithReturnCode(KNModalResponseSaveWithoutConnecting);
+}
+
+/// Remembers them, and gives them the identity of their entry.
+void MSSQLConnectionWindowController::saveConnectionDetails(const Details &details)
+{
+    const auto entry = std::make_shared<MSSQLRecentConnection>();
+    entry->connectionId =
+        recentConnection() ? recentConnection()->connectionId : SQLRecentConnection::createConnectionId();
+    entry->serverHost = details->host();
+    entry->alias = m_form->alias->text();
+    entry->username = details->username();
+    entry->password = details->password();
+    entry->serverPort = details->port();
+    entry->database = details->database();
+    entry->connectionSessionParameters = details->sessionParameters();
+    entry->sshTunnelDetails = details->sshTunnelModel();
+    entry->dumbAuthenticationType = m_form->authentication->currentIndex();
+    entry->rememberPassword = m_form->remembersPassword->isChecked();
+    details->setConnectionId(entry->connectionId);
+    KNDBCTabColorHelper::setColorFromAliasTemporary(entry->alias, entry->connectionId);
+    MSSQLRecentConnection::UpdateRecentConnection(entry);
+}
+
+void MSSQLConnectionWindowController::onConnectAndSave()
+{
+    const Details details = connectionDetailsForCurrentState();
+    if (!checkSSHToLocalhost(*details)) {
+        m_form->server->setFocus();
+        return;
+    }
+    m_progress->start();
+    setButtonsEnabled(false);
+    tryToConnect(details, true);
+}
+
+/// The background alone works with the settings until it has answered.
+void MSSQLConnectionWindowController::tryToConnect(const Details &details, bool mayAskForHostKey)
+{
+    KNAssert(details != nullptr, "localDatabaseConnectionDetails cannot be nil", SourcePath.toUtf8());
+    KNDispatch::globalQueue([this, guard = QPointer(this), details, mayAskForHostKey] {
+        KNError error;
+        const bool isConnected = MSSQLClient(details).connect(&error);
+        KNDispatch::mainQueue([this, guard, details, mayAskForHostKey, isConnected, error] {
+            if (!guard || closed())
+                return;
+            if (!isConnected) {
+                connectFailed(details, error, mayAskForHostKey);
+                return;
+            }
+            saveConnectionDetails(details);
+            setDatabaseConnectionDetails(details);
+            endSheetWithReturnCode(KNModalResponseSaveAndConnect);
+        });
+    });
+}
+
+void MSSQLConnectionWindowController::connectFailed(const Details &details, const KNError &error,
+                                                    bool mayAskForHostKey)
+{
+    const auto giveUp = [this, error] {
+        KNAlerts::shared().showError(this, error);
+        m_progress->fail(error.localizedDescription());
+        setButtonsEnabled(true);
+    };
+    if (!mayAskForHostKey) {
+        giveUp();
+        return;
+    }
+    checkSSHFingerprintError(error, [this, details, giveUp](bool isAccepted) {
+        if (isAccepted)
+            tryToConnect(details, false);
+        else
+            giveUp();
+    });
+}
+
+void MSSQLConnectionWindowController::setButtonsEnabled(bool enabled)
+{
+    for (QPushButton *const button :
+         {m_save, m_connect, m_form->browse, m_form->sshTunnel, m_form->sessionOptions})
+        button->setEnabled(enabled);
+}
+
+void MSSQLConnectionWindowController::listDatabases()
+{
+    const Details details = connectionDetailsForCurrentState();
+    if (details->host().isEmpty() || details->username().isEmpty() || m_isListing)
+        return;
+    m_isListing = true;
+    m_databaseListerConnectionDetails = details;
+    m_form->databaseProgress->start();
+    KNDispatch::globalQueue([this, guard = QPointer(this), details] {
+        KNError error;
+        const QStringList names = databasesSeenBy(details, &error);
+        KNDispatch::mainQueue([this, guard, names, error] {
+            if (guard && !closed())
+                databasesListed(names, error);
+        });
+    });
+}
+
+void MSSQLConnectionWindowController::databasesListed(const QStringList &names, const KNError &error)
+{
+    m_isListing = false;
+    // The fields may be of another server by now.
+    const bool isCurrent =
+        m_databaseListerConnectionDetails->host() == m_form->server->currentText().trimmed();
+    if (error) {
+        KNLogHelper::sharedInstance()->logMessage("Setting tooltip to be: %@", error.localizedDescription());
+        m_form->databaseProgress->fail(error.localizedDescription());
+        return;
+    }
+    m_form->databaseProgress->stop();
+    if (!isCurrent)
+        return;
+    m_form->database->setTexts(names);
+    if (m_form->database->hasFocus() && !names.isEmpty())
+        m_form->database->showPopup();
+}
+
+void MSSQLConnectionWindowController::onBrowse()
+{
+    auto *const browser = new MSSQLBrowseServersWindowController(this);
+    browser->beginSheet([this, browser](int code) {
+        if (code == 1)
+            m_form->server->setEditText(browser->currentConnectionString());
+    });
+}
