@@ -6,7 +6,8 @@
 
 TEST(Preferences, ComeBackAsTheyWereSaved)
 {
-    KNPreferences preferences = KNPreferences::current();
+    const KNPreferences before = KNPreferences::current();
+    KNPreferences preferences = before;
     EXPECT_EQ(preferences.nullText, QStringLiteral("NULL"));
     EXPECT_EQ(preferences.rowLimit, 0);
     preferences.tabWidth = 8;
@@ -24,6 +25,7 @@ TEST(Preferences, ComeBackAsTheyWereSaved)
 
     EXPECT_EQ(notified, 1);
     EXPECT_EQ(KNPreferences::current(), preferences);
+    before.save();
 }
 
 TEST(Preferences, FallBackWhereAFileSaysWhatMakesNoSense)

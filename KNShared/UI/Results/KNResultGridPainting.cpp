@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int RowsForWidths = 100;
 constexpr int NarrowestColumn = 4; // in characters, as the widest
 constexpr int WidestColumn = 45;
 

@@ -12,12 +12,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr int RowsForWidths = 100;
-
-} // namespace
-
 KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     : QAbstractItemView(parent)
     , m_resultModel(model)

@@ -72,6 +72,8 @@ public Q_SLOTS:
     void copy() { Q_EMIT copyRequested(); }
 
 private:
+    static constexpr int RowsForWidths = 100; ///< rows from which columns take their widths
+
     void measure();
     void fitColumns();
     void paintRow(QPainter &painter, int row, const QItemSelection &selection);

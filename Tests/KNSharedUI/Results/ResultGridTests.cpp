@@ -38,6 +38,12 @@ public:
     KNResultGridView view;
 };
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int ManyRows = 1'000'000; // sanitizers take ten times as long
+#else
+constexpr int ManyRows = 10'000'000;
+#endif
+
 using Place = QPair<int, int>;
 using Ranges = QList<ResultRows::Range>;
 
@@ -274,8 +280,8 @@ TEST(ResultGrid, DrawsNullUnlikeTheTextNull)
 
 TEST(ResultGrid, ScrollsAndFiltersTenMillionRowsWithoutAStall)
 {
-    Grid grid(numberedRows(10'000'000));
-    ASSERT_EQ(grid.model.rowCount(), 10'000'000);
+    Grid grid(numberedRows(ManyRows));
+    ASSERT_EQ(grid.model.rowCount(), ManyRows);
     qint64 longest = 0;
     const auto timed = [&](const std::function<void()> &work) {
         QElapsedTimer timer;
@@ -285,13 +291,13 @@ TEST(ResultGrid, ScrollsAndFiltersTenMillionRowsWithoutAStall)
         longest = std::max(longest, timer.elapsed());
     };
     for (int jump = 0; jump <= 100; ++jump)
-        timed([&] { grid.view.verticalScrollBar()->setValue(jump * 99'999); });
+        timed([&] { grid.view.verticalScrollBar()->setValue(jump * (ManyRows / 100 - 1)); });
     timed([&] { grid.press(Qt::Key_A, Qt::ControlModifier); });
     timed([&] { grid.view.selectColumn(1, QItemSelectionModel::ClearAndSelect); });
     timed([&] { grid.press(Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier); });
-    EXPECT_EQ(grid.view.selectedRows().rowCount(), 10'000'000);
+    EXPECT_EQ(grid.view.selectedRows().rowCount(), ManyRows);
     QElapsedTimer sinceEvents;
-    timed([&] { grid.model.arrange({.filterText = QStringLiteral("9999999")}); });
+    timed([&] { grid.model.arrange({.filterText = QString::number(ManyRows - 1)}); });
     sinceEvents.start();
     ASSERT_TRUE(waitFor([&] {
         longest = std::max(longest, sinceEvents.restart() - 10); // the time that waiting itself takes
