@@ -122,6 +122,7 @@ def main():
         lines("Listing 50,000 tables in the object tree", programs, "catalog-benchmark", environment)
         catalog_queries(programs)
         lines("Showing results in a grid", programs, "grid-benchmark", environment)
+        lines("The desktop program", programs, "desktop-benchmark", environment)
         lines("Splitting scripts of 100 MB", programs, "split-benchmark", environment)
 
 
