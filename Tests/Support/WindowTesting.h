@@ -3,7 +3,10 @@
 #include "Foundation/KNDispatch.h"
 
 #include <QAbstractItemModel>
+#include <QAbstractSpinBox>
+#include <QAccessible>
 #include <QApplication>
+#include <QComboBox>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -23,6 +26,23 @@ inline bool waitFor(const std::function<bool()> &condition)
 inline bool settle()
 {
     return waitFor([] { return KNDispatch::waitUntilIdle(1); });
+}
+
+/// The widgets of a window that can have the focus and are read out without a name.
+inline QStringList namelessWidgets(QWidget &window)
+{
+    QStringList nameless;
+    for (QWidget *const widget : window.findChildren<QWidget *>()) {
+        // A part of a combo or spin box is read out as the whole.
+        if (!widget->isVisible() || (widget->focusPolicy() & Qt::TabFocus) == 0 || widget->focusProxy() ||
+            qobject_cast<QComboBox *>(widget->parent()) || qobject_cast<QAbstractSpinBox *>(widget->parent()))
+            continue;
+        const QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(widget);
+        if (!interface || interface->text(QAccessible::Name).isEmpty())
+            nameless.append(QString::fromLatin1(widget->metaObject()->className()) + QLatin1Char(' ') +
+                            widget->objectName());
+    }
+    return nameless;
 }
 
 } // namespace WindowTesting

@@ -155,6 +155,8 @@ void MainWindowActions::makeViewMenu()
     menu->addSeparator();
     addForTab(menu, {"results", "R&esults", nullptr, {keys("Ctrl+R")}},
               [](QueryTab &tab) { tab.toggleResults(); });
+    addForTab(menu, {"nextPane", "Editor or &Results", nullptr, {keys("F6")}},
+              [](QueryTab &tab) { tab.showNextPane(); });
     addForTab(menu, {"zoomIn", "Zoom &In", nullptr, {keys("Ctrl++"), keys("Ctrl+=")}},
               [](QueryTab &tab) { tab.editor()->zoomIn(); });
     addForTab(menu, {"zoomOut", "Zoom &Out", nullptr, {keys("Ctrl+-")}},

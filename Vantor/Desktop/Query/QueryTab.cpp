@@ -10,6 +10,8 @@
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
 
 #include <QPointer>
@@ -340,6 +342,21 @@ void QueryTab::toggleResults()
     m_resultTabs->setVisible(m_resultTabs->isHidden());
     if (hadFocus && m_resultTabs->isHidden())
         m_editor->setFocus();
+}
+
+void QueryTab::showNextPane()
+{
+    if (m_resultTabs->isAncestorOf(focusWidget())) {
+        m_editor->setFocus(Qt::ShortcutFocusReason);
+        return;
+    }
+    m_resultTabs->show();
+    KNResultSection *const section =
+        m_resultTabs->currentWidget() == m_resultsPane ? m_resultsPane->currentSection() : nullptr;
+    QWidget *const target = section ? static_cast<QWidget *>(section->grid()) : m_messages;
+    if (!section)
+        m_resultTabs->setCurrentWidget(m_messages);
+    target->setFocus(Qt::ShortcutFocusReason);
 }
 
 void QueryTab::changeDatabase(const QString &name)

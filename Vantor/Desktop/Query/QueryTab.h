@@ -87,6 +87,8 @@ public Q_SLOTS:
     void cancel();
     /// Hides the results and messages, or shows them again.
     void toggleResults();
+    /// Goes from the editor to the results or messages that are in front, and back.
+    void showNextPane();
     void changeDatabase(const QString &name);
 
 Q_SIGNALS:

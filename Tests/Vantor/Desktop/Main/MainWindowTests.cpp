@@ -2,14 +2,19 @@
 
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
+#include "Desktop/Preferences/PreferencesDialog.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
+#include <QClipboard>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -95,6 +100,14 @@ TEST_F(MainWindowTest, IsUsedWithoutAMouse)
     EXPECT_GT(tab()->resultsPane()->rowCount(), 0);
     EXPECT_TRUE(statusText("Rows").endsWith(QStringLiteral("rows")));
 
+    press(Qt::Key_F6);
+    EXPECT_TRUE(tab()->resultsPane()->isAncestorOf(QApplication::focusWidget()));
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([] { return QApplication::clipboard()->text().startsWith(QLatin1Char('1')); }));
+    press(Qt::Key_F6);
+    EXPECT_TRUE(tab()->editor()->hasFocus());
+
     press(Qt::Key_F8);
     EXPECT_TRUE(m_window->explorer()->isHidden());
     press(Qt::Key_F8);
@@ -104,6 +117,22 @@ TEST_F(MainWindowTest, IsUsedWithoutAMouse)
     press(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     type("Orders");
     EXPECT_EQ(m_window->explorer()->searchField()->text(), QStringLiteral("Orders"));
+}
+
+TEST_F(MainWindowTest, NamesEverythingThatCanHaveTheFocus)
+{
+    tab()->setText(QStringLiteral("SELECT 1 AS a"));
+    tab()->run();
+    waitForRun();
+    tab()->findBar()->showReplace();
+    tab()->resultsPane()->currentSection()->openFilter();
+    EXPECT_EQ(WindowTesting::namelessWidgets(*m_window), QStringList());
+    PreferencesDialog preferences;
+    preferences.open();
+    EXPECT_EQ(WindowTesting::namelessWidgets(preferences), QStringList());
+    QueryHistoryDialog history(QueryHistory(QStringLiteral("any")), *m_window->databaseConnectionDetails());
+    history.show();
+    EXPECT_EQ(WindowTesting::namelessWidgets(history), QStringList());
 }
 
 TEST_F(MainWindowTest, CancelsWhatRunsWithEscape)
