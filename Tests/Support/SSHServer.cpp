@@ -7,9 +7,10 @@
 #include <QNetworkProxy>
 #include <QProcess>
 #include <QTcpServer>
-#include <QTcpSocket>
 
+#include <netinet/in.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -44,6 +45,18 @@ void write(const QString &path, const QString &text, QFile::Permissions permissi
     if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
         throw std::runtime_error(file.errorString().toStdString());
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | permissions);
+}
+
+bool isListening(quint16 port)
+{
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    const bool isConnected = connect(descriptor, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+    close(descriptor);
+    return isConnected;
 }
 
 /// Ends a process and all that it has started: sshd's sessions are in no group of its.
@@ -120,14 +133,9 @@ void SSHServer::start()
         _exit(127);
     }
     const QDeadlineTimer deadline(30000);
-    for (QTcpSocket socket; socket.state() != QAbstractSocket::ConnectedState;) {
-        socket.setProxy(QNetworkProxy::NoProxy);
-        socket.connectToHost(QHostAddress::LocalHost, m_port);
-        if (socket.waitForConnected(1000))
-            break;
+    while (!isListening(m_port)) {
         if (deadline.hasExpired())
             throw std::runtime_error("sshd does not listen.");
-        socket.abort();
         usleep(2000);
     }
 }
