@@ -1,8 +1,10 @@
 #include "Desktop/Application.h"
 #include "Desktop/Main/Theme.h"
 #include "Foundation/KNAssert.h"
+#include "Foundation/KNFallbackStore.h"
 #include "Foundation/KNLogHelper.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Credentials/KNKeychainStore.h"
 
 #include <QApplication>
 
@@ -56,6 +58,9 @@ int main(int argc, char **argv)
     QApplication::setApplicationDisplayName(QStringLiteral("Vantor"));
     QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvex.vantor"));
+    // Passwords are the desktop's secrets where it keeps any, and in a private file otherwise.
+    KNKeyValueStore::setShared(std::make_shared<KNFallbackStore>(
+        std::make_shared<KNKeychainStore>(QStringLiteral("vantor")), KNKeyValueStore::shared()));
     new Theme(qApp);
     Application program(*options);
     return program.start() ? QApplication::exec() : 3;

@@ -56,7 +56,7 @@ private:
     }
 };
 
-std::unique_ptr<KNAlerts> &instance()
+std::unique_ptr<KNAlerts> &sharedAlerts()
 {
     static std::unique_ptr<KNAlerts> alerts = std::make_unique<MessageBoxes>();
     return alerts;
@@ -68,10 +68,10 @@ KNAlerts::~KNAlerts() = default;
 
 KNAlerts &KNAlerts::shared()
 {
-    return *instance();
+    return *sharedAlerts();
 }
 
 void KNAlerts::setShared(std::unique_ptr<KNAlerts> alerts)
 {
-    instance() = alerts ? std::move(alerts) : std::make_unique<MessageBoxes>();
+    sharedAlerts() = alerts ? std::move(alerts) : std::make_unique<MessageBoxes>();
 }

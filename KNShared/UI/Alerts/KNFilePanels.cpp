@@ -46,7 +46,7 @@ private:
     }
 };
 
-std::unique_ptr<KNFilePanels> &instance()
+std::unique_ptr<KNFilePanels> &sharedPanels()
 {
     static std::unique_ptr<KNFilePanels> panels = std::make_unique<FileDialogs>();
     return panels;
@@ -58,10 +58,10 @@ KNFilePanels::~KNFilePanels() = default;
 
 KNFilePanels &KNFilePanels::shared()
 {
-    return *instance();
+    return *sharedPanels();
 }
 
 void KNFilePanels::setShared(std::unique_ptr<KNFilePanels> panels)
 {
-    instance() = panels ? std::move(panels) : std::make_unique<FileDialogs>();
+    sharedPanels() = panels ? std::move(panels) : std::make_unique<FileDialogs>();
 }

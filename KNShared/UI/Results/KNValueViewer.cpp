@@ -17,6 +17,7 @@ namespace {
 
 using Form = KNValueText::Form;
 
+constexpr int DarkEnoughForLight = 80;  // of 255, for letters on a light ground
 constexpr qsizetype LongestLine = 5000; // an editor takes long for longer ones
 
 QString kindName(const KNValue &value)
@@ -148,7 +149,14 @@ void KNValueViewer::showText(Form form, const QString &text, bool linesWereBroke
     m_remark->setVisible(!remarks.isEmpty());
 }
 
-/// Font and colours of the editor: those of the palette, and on a dark one light shades of the lexer's.
+void KNValueViewer::changeEvent(QEvent *event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        paintEditor();
+}
+
+/// Font and colours of the editor: those of the palette, and shades of the lexer's that can be read on it.
 void KNValueViewer::paintEditor()
 {
     const QFont font = KNPreferences::current().editorFont;
@@ -161,9 +169,11 @@ void KNValueViewer::paintEditor()
         lexer->setDefaultPaper(ground);
         for (int style = 0; style < 128; ++style) {
             QColor colour = lexer->defaultColor(style);
-            if (isDark)
-                colour.setHsl(colour.hslHue(), colour.hslSaturation(), 255 - colour.lightness() * 2 / 5);
-            lexer->setColor(colour.lightness() < 20 ? ink : colour, style);
+            const bool isInk = colour.lightness() < 20;
+            const int lightness =
+                isDark ? 255 - colour.lightness() * 2 / 5 : std::min(colour.lightness(), DarkEnoughForLight);
+            colour.setHsl(colour.hslHue(), colour.hslSaturation(), lightness);
+            lexer->setColor(isInk ? ink : colour, style);
         }
     }
     m_editor->setFont(font);

@@ -33,6 +33,9 @@ public:
 public Q_SLOTS:
     void saveToFile();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     void prepare(std::optional<KNValueText::Form> form);
     void showText(KNValueText::Form form, const QString &text, bool linesWereBroken);

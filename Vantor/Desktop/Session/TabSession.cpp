@@ -55,7 +55,7 @@ std::optional<StoredTab> fromJson(const QByteArray &bytes)
     return tab.state.id.isEmpty() ? std::nullopt : std::optional(tab);
 }
 
-QList<TabState> read(const QString &folder)
+QList<TabState> readTabs(const QString &folder)
 {
     QList<StoredTab> tabs;
     const QDir directory(folder);
@@ -149,7 +149,7 @@ void TabSession::openFolder(const QString &connectionId)
         lock->setStaleLockTime(0); // however old: it counts while its program lives
         if (!lock->tryLock())
             continue;
-        const QList<TabState> states = read(folder);
+        const QList<TabState> states = readTabs(folder);
         m_stored += states;
         if (!m_lock) {
             m_folder = folder;
