@@ -1,3 +1,4 @@
+USE shop
 PRINT 'Hello from the sample server.'
 SELECT TOP 5 * FROM Customers
 SELECT CAST(12345678901234567890.123456789 AS decimal(38, 9)) AS exact,

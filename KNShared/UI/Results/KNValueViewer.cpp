@@ -17,8 +17,9 @@ namespace {
 
 using Form = KNValueText::Form;
 
-constexpr int DarkEnoughForLight = 80;  // of 255, for letters on a light ground
-constexpr qsizetype LongestLine = 5000; // an editor takes long for longer ones
+constexpr int DarkEnoughForLight = 80;       // of 255, for letters on a light ground
+constexpr qsizetype LongestLine = 5000;      // an editor takes long for longer ones
+constexpr qsizetype LongestWrapped = 50'000; // as it does to wrap them
 
 QString kindName(const KNValue &value)
 {
@@ -135,7 +136,8 @@ void KNValueViewer::showText(Form form, const QString &text, bool linesWereBroke
     delete m_editor->lexer();
     m_editor->setLexer(lexer);
     paintEditor();
-    m_editor->setWrapMode(form == Form::Hex ? QsciScintilla::WrapNone : QsciScintilla::WrapWord);
+    const bool wraps = form != Form::Hex && text.size() <= LongestWrapped;
+    m_editor->setWrapMode(wraps ? QsciScintilla::WrapWord : QsciScintilla::WrapNone);
     m_editor->setText(m_value.isNull() ? KNPreferences::current().nullText : text);
     QStringList remarks;
     if (m_byteCount > LargestShown)

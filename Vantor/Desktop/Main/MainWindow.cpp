@@ -229,11 +229,13 @@ void MainWindow::openFiles(const QStringList &paths)
             continue;
         }
         KNError error;
-        QueryTab *const tab = addTab(*m_details);
-        if (!tab->openFile(absolute, &error)) {
+        const bool isUnused = currentTab() && currentTab()->isUnused();
+        QueryTab *const tab = isUnused ? currentTab() : addTab(*m_details);
+        if (tab->openFile(absolute, &error))
+            continue;
+        if (!isUnused)
             removeTab(tab);
-            KNAlerts::shared().showError(this, error);
-        }
+        KNAlerts::shared().showError(this, error);
     }
 }
 

@@ -157,6 +157,11 @@ bool QueryTab::isModified() const
     return m_document->isModified();
 }
 
+bool QueryTab::isUnused() const
+{
+    return filePath().isNull() && !isModified() && !isRunning() && m_editor->length() == 0;
+}
+
 void QueryTab::save(std::function<void()> saved)
 {
     m_document->save(std::move(saved));

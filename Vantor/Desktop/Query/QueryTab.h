@@ -55,6 +55,8 @@ public:
     QString title() const;
     void setUntitledName(const QString &name);
     bool isModified() const;
+    /// Whether nothing has been done with the tab: it has no text and no file.
+    bool isUnused() const;
     /// Saves, asking for a file where there is none; `saved` is called when that has been done.
     void save(std::function<void()> saved = {});
     void saveAs(std::function<void()> saved = {});

@@ -180,7 +180,7 @@ TEST_F(MainWindowTest, OpensFilesOnceAndTellsOfThoseThatItCannotRead)
     file.close();
     m_panels.answer = QStringList{path, folder.filePath(QStringLiteral("missing.sql")), path};
     press(Qt::Key_O, Qt::ControlModifier);
-    ASSERT_EQ(m_window->tabs().size(), 2);
+    ASSERT_EQ(m_window->tabs().size(), 1) << "the empty tab was to be used";
     EXPECT_EQ(tab()->filePath(), path);
     EXPECT_EQ(tab()->text(), QStringLiteral("SELECT 1"));
     ASSERT_EQ(m_alerts.errors.size(), 1u);
@@ -257,6 +257,6 @@ TEST_F(MainWindowTest, StaysResponsiveWhileAMillionRowsStreamIn)
     waitForRun();
     EXPECT_EQ(tab()->resultsPane()->rowCount(), 1'000'000);
     const auto &longest = WatchedApplication::instance().longestCall();
-    EXPECT_LT(longest.milliseconds, 100) << longest.what;
+    EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
     RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
 }

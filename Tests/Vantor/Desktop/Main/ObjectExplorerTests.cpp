@@ -203,6 +203,6 @@ TEST_F(ObjectExplorer, StaysResponsiveWhileFiftyThousandTablesLoadAndAreSearched
     QTest::keyClick(m_controller.searchField(), Qt::Key_Escape);
     EXPECT_TRUE(waitFor([&] { return child(model()->index(0, 0), QStringLiteral("library")).isValid(); }));
     const auto &longest = WatchedApplication::instance().longestCall();
-    EXPECT_LT(longest.milliseconds, 100) << longest.what;
+    EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
     RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
 }
