@@ -3,6 +3,7 @@
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Query/MessagesView.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WatchedApplication.h"
@@ -16,6 +17,7 @@
 
 #include <QClipboard>
 #include <QFile>
+#include <QMenuBar>
 #include <QTemporaryDir>
 
 using WindowTesting::waitFor;
@@ -133,6 +135,45 @@ TEST_F(MainWindowTest, NamesEverythingThatCanHaveTheFocus)
     QueryHistoryDialog history(QueryHistory(QStringLiteral("any")), *m_window->databaseConnectionDetails());
     history.show();
     EXPECT_EQ(WindowTesting::namelessWidgets(history), QStringList());
+}
+
+TEST_F(MainWindowTest, HearsEachShortcutWhereverTheFocusIs)
+{
+    tab()->setText(QStringLiteral("SELECT 1 AS a"));
+    tab()->run();
+    waitForRun();
+    ASSERT_TRUE(waitFor([&] {
+        return m_window->explorer()->view()->model()->rowCount(m_window->explorer()->view()->rootIndex()) > 0;
+    }));
+    m_window->explorer()->focusTree();
+    QStringList triggered;
+    QList<QAction *> actions;
+    for (QAction *const action :
+         m_window->menuBar()->findChildren<QAction *>() + m_window->actions()->findChildren<QAction *>()) {
+        if (action->shortcuts().isEmpty() || actions.contains(action))
+            continue;
+        actions.append(action);
+        action->disconnect(); // what they do is tested elsewhere
+        action->setEnabled(true);
+        QObject::connect(action, &QAction::triggered, m_window,
+                         [&triggered, action] { triggered.append(action->objectName()); });
+    }
+    ASSERT_GT(actions.size(), 20);
+    const QList<QWidget *> places = {tab()->editor(), m_window->explorer()->view(),
+                                     tab()->resultsPane()->currentSection()->grid(), tab()->messages()};
+    for (QWidget *const place : places) {
+        for (const QAction *const action : std::as_const(actions)) {
+            if (place == tab()->editor() && action->objectName().startsWith(QLatin1String("zoom")))
+                continue; // it zooms by itself
+            for (const QKeySequence &keys : action->shortcuts()) {
+                place->setFocus();
+                triggered.clear();
+                QTest::keyClick(place, keys[0].key(), keys[0].keyboardModifiers());
+                EXPECT_EQ(triggered, QStringList{action->objectName()})
+                    << qPrintable(keys.toString()) << " in " << place->metaObject()->className();
+            }
+        }
+    }
 }
 
 TEST_F(MainWindowTest, CancelsWhatRunsWithEscape)
