@@ -5,7 +5,11 @@
 
 #include <QtPlugin>
 
+#include <functional>
+
 class ConnectionWindowController;
+class KNDatabaseTreeContextHelper;
+class KNDatabaseTreeViewController;
 class QWidget;
 class SQLRecentConnectionList;
 
@@ -20,6 +24,13 @@ public:
     virtual ConnectionWindowController *createConnectionWindowController(QWidget *parent) const = 0;
     /// The connections that the user has made before; loaded when asked for first.
     virtual SQLRecentConnectionList &recentConnections() const = 0;
+
+    /// Opens a window of its own on a server.
+    using OpenConnection = std::function<void(const VantorDBC &details)>;
+    /// Adds the actions of this kind of server to the helper of a tree. They do nothing once the tree is
+    /// gone.
+    virtual void addTreeActions(KNDatabaseTreeContextHelper &helper, KNDatabaseTreeViewController &tree,
+                                const OpenConnection &openConnection) const = 0;
 };
 
 #define KNConnectorUserInterface_iid "com.quorvex.vantor.connector-windows/1"

@@ -25,7 +25,14 @@ inline bool waitFor(const std::function<bool()> &condition)
 /// Lets the program go on until no work is left in the background or for the UI thread.
 inline bool settle()
 {
-    return waitFor([] { return KNDispatch::waitUntilIdle(1); });
+    // What runs may still queue something for the UI thread, and that something for the background.
+    constexpr int Rounds = 3;
+    for (int round = 0; round < Rounds; ++round) {
+        if (!waitFor([] { return KNDispatch::waitUntilIdle(1); }))
+            return false;
+        QTest::qWait(0); // every event that is there, and what is to be deleted
+    }
+    return true;
 }
 
 /// The widgets of a window that can have the focus and are read out without a name.

@@ -41,12 +41,23 @@ MainWindow *Application::openConnection(const VantorDBC &details)
 {
     auto *const window = new MainWindow(details);
     connect(window, &MainWindow::connectionsRequested, this, &Application::showConnections);
+    if (const KNConnectorUserInterface *const windows = connectorWindows())
+        windows->addTreeActions(window->treeContextHelper(), *window->explorer(),
+                                [self = QPointer(this)](const VantorDBC &member) {
+                                    if (self)
+                                        self->openConnection(member);
+                                });
     window->show();
     window->openFiles(m_options.files);
     m_options.files.clear();
     if (m_startWindow)
         m_startWindow->close();
     return window;
+}
+
+const KNConnectorUserInterface *Application::connectorWindows() const
+{
+    return dynamic_cast<const KNConnectorUserInterface *>(m_connector);
 }
 
 void Application::openSampleServer()
@@ -94,7 +105,7 @@ void Application::sampleServerIsReady(const KNError &error)
 void Application::showConnections()
 {
     if (!m_startWindow) {
-        const auto *const windows = dynamic_cast<const KNConnectorUserInterface *>(m_connector);
+        const KNConnectorUserInterface *const windows = connectorWindows();
         if (!windows)
             return; // a connector for the terminal only
         m_startWindow = new StartWindow(*windows);

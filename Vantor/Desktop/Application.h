@@ -10,6 +10,7 @@
 #include <memory>
 
 class KNConnectorPlugin;
+class KNConnectorUserInterface;
 class MainWindow;
 class StartWindow;
 
@@ -32,6 +33,8 @@ public Q_SLOTS:
     void showConnections();
 
 private:
+    /// Null for a connector that has none.
+    const KNConnectorUserInterface *connectorWindows() const;
     void sampleServerIsReady(const KNError &error);
 
     Options m_options;

@@ -8,4 +8,6 @@ class MSSQLUserInterface : public KNConnectorUserInterface
 public:
     ConnectionWindowController *createConnectionWindowController(QWidget *parent) const override;
     SQLRecentConnectionList &recentConnections() const override;
+    void addTreeActions(KNDatabaseTreeContextHelper &helper, KNDatabaseTreeViewController &tree,
+                        const OpenConnection &openConnection) const override;
 };

@@ -1,10 +1,15 @@
 #include "UI/Dialogs/MSSQLFederationMemberConnectionWindowController/MSSQLFederationMemberConnectionWindowController.h"
 
+#include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 #include "Foundation/KNLogHelper.h"
+#include "Support/FakeTree.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/SampleServerFixture.h"
 #include "Support/WindowTesting.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryFederation.h"
+#include "UI/MSSQLUserInterface.h"
 
 #include <QLineEdit>
 #include <QPointer>
@@ -82,4 +87,46 @@ TEST_F(FederationMemberWindow, StaysOpenWithoutAMessageWhenItCannotConnect)
     EXPECT_TRUE(m_alerts.errors.empty());
     QTest::keyClick(m_window, Qt::Key_Escape);
     EXPECT_EQ(m_result, 0);
+}
+
+TEST_F(FederationMemberWindow, IsOpenedByTheMenuOfAFederationAndLeadsToAWindowOnItsMember)
+{
+    MSSQLDatabaseConnectionDetails details;
+    details.setHost(QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()));
+    details.setUsername(QString::fromLatin1(SampleServerFixture::User));
+    details.setPassword(QString::fromLatin1(SampleServerFixture::Password));
+    const auto root = std::make_shared<FakeTree::Root>([](KNError *) { return QStringList(); });
+    root->setDatabaseConnectionDetails(&details);
+    const auto federation = std::make_shared<MSSQLDatabaseTreeEntryFederation>(
+        QStringLiteral("id"), QStringLiteral("bigint"), QStringLiteral("RANGE"));
+    federation->setDisplayName(QStringLiteral("Customers"));
+    root->adopt(*federation);
+    root->setChildEntries(KNDatabaseTreeEntry::List{federation});
+    const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();
+    root->setContextHelper(helper);
+    KNDatabaseTreeViewController tree;
+    tree.show();
+    tree.setRoot(root);
+    QStringList opened;
+    MSSQLUserInterface().addTreeActions(*helper, tree, [&](const VantorDBC &member) {
+        opened.append(static_cast<const MSSQLDatabaseConnectionDetails &>(member).federationStatement());
+    });
+
+    const KNMenuItem connectItem = federation->menu().items.front();
+    EXPECT_TRUE(connectItem.isEnabled());
+    EXPECT_TRUE(connectItem.perform());
+    EXPECT_EQ(tree.findChild<Window *>(), nullptr) << "the root is no federation";
+
+    tree.view()->setCurrentIndex(tree.view()->model()->index(0, 0, tree.view()->model()->index(0, 0)));
+    EXPECT_TRUE(connectItem.perform());
+    auto *const window = tree.findChild<Window *>();
+    ASSERT_NE(window, nullptr);
+    const auto fields = window->findChildren<QLineEdit *>();
+    EXPECT_EQ(fields[0]->text(), QStringLiteral("Customers"));
+    EXPECT_EQ(fields[1]->text(), QStringLiteral("id"));
+    fields[2]->setText(QStringLiteral("42"));
+    window->onAccept();
+    ASSERT_TRUE(waitFor([&] { return !opened.isEmpty(); }));
+    EXPECT_EQ(opened,
+              QStringList{QStringLiteral("USE FEDERATION Customers(id=42) WITH RESET, FILTERING=OFF")});
 }

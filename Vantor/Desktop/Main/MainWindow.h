@@ -28,6 +28,8 @@ public:
     const Settings &databaseConnectionDetails() const { return m_details; }
     KNDatabaseTreeViewController *explorer() const { return m_explorer; }
     MainWindowActions *actions() const { return m_actions; }
+    /// Carries the actions of the tree's menus out; a connector adds its own.
+    KNDatabaseTreeContextHelper &treeContextHelper() const { return *m_treeActions->helper(); }
     QList<QueryTab *> tabs() const;
     /// Null when there is none.
     QueryTab *currentTab() const;

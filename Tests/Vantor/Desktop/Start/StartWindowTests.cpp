@@ -55,6 +55,10 @@ public:
         return new Dialog(parent);
     }
     SQLRecentConnectionList &recentConnections() const override { return m_list; }
+    void addTreeActions(KNDatabaseTreeContextHelper &, KNDatabaseTreeViewController &,
+                        const OpenConnection &) const override
+    {
+    }
 
 private:
     mutable SQLRecentConnectionList m_list{QStringLiteral("Connections"),
