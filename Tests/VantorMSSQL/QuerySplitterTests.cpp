@@ -8,7 +8,7 @@
 
 namespace {
 
-QList<KNQueryDetails> split(const QString &text, bool full = true)
+QList<KNQueryDetails> splitText(const QString &text, bool full = true)
 {
     const auto splitter = MSSQLDatabaseConnectionDetails().createQuerySplitter();
     splitter->setRequiresFullSplit(full);
@@ -18,7 +18,7 @@ QList<KNQueryDetails> split(const QString &text, bool full = true)
 QStringList queries(const char *text)
 {
     QStringList texts;
-    const auto batches = split(QString::fromUtf8(text));
+    const auto batches = splitText(QString::fromUtf8(text));
     for (const KNQueryDetails &batch : batches)
         texts.append(batch.targetQuery);
     return texts;
@@ -45,7 +45,7 @@ double processorTime()
 TEST(QuerySplitter, CutsAtALineWithGo)
 {
     const QString text = QStringLiteral("SELECT 1\r\nGO\r\n\r\nSELECT 2\r\n");
-    const auto batches = split(text);
+    const auto batches = splitText(text);
     ASSERT_EQ(batches.size(), 2);
     EXPECT_EQ(batches[0].targetQuery, QStringLiteral("SELECT 1"));
     EXPECT_EQ(batches[0].queryRange, (KNRange{0, 8}));
@@ -66,13 +66,13 @@ TEST(QuerySplitter, TakesGoInAnyCaseAndWithWhiteSpaceAroundIt)
 TEST(QuerySplitter, LeavesNoRecordForAnEmptyBatch)
 {
     EXPECT_EQ(queries("GO\nGO\n\nSELECT 1\nGO\n  \nGO\n"), list({"SELECT 1"}));
-    EXPECT_TRUE(split(QString()).isEmpty());
-    EXPECT_TRUE(split(QStringLiteral(" \r\n\t")).isEmpty());
+    EXPECT_TRUE(splitText(QString()).isEmpty());
+    EXPECT_TRUE(splitText(QStringLiteral(" \r\n\t")).isEmpty());
 }
 
 TEST(QuerySplitter, AnEmptyBatchStillCountsItsLines)
 {
-    const auto batches = split(QStringLiteral("GO\n\nGO\n  x"));
+    const auto batches = splitText(QStringLiteral("GO\n\nGO\n  x"));
     ASSERT_EQ(batches.size(), 1);
     EXPECT_EQ(batches[0].lineNumberOffset, 3U);
     EXPECT_EQ(batches[0].queryRange, (KNRange{9, 1}));
@@ -81,7 +81,7 @@ TEST(QuerySplitter, AnEmptyBatchStillCountsItsLines)
 TEST(QuerySplitter, TakesACountAndAComment)
 {
     const auto batches =
-        split(QStringLiteral("a\nGO 5\nb\nGO 3 -- thrice\nc\nGO -- once\nd\nGO/* x */ 2\ne"));
+        splitText(QStringLiteral("a\nGO 5\nb\nGO 3 -- thrice\nc\nGO -- once\nd\nGO/* x */ 2\ne"));
     ASSERT_EQ(batches.size(), 5);
     const QList<quint32> counts = {5, 3, 1, 2, 1};
     for (qsizetype i = 0; i < batches.size(); ++i)
@@ -137,7 +137,7 @@ TEST(QuerySplitter, TakesTheLineEndsOfAllSystems)
 
 TEST(QuerySplitter, AByteOrderMarkBelongsToNoBatch)
 {
-    const auto batches = split(QStringLiteral("\uFEFFGO\nSELECT 1"));
+    const auto batches = splitText(QStringLiteral("\uFEFFGO\nSELECT 1"));
     ASSERT_EQ(batches.size(), 1);
     EXPECT_EQ(batches[0].targetQuery, QStringLiteral("SELECT 1"));
     EXPECT_EQ(queries("\xEF\xBB\xBFSELECT 1"), list({"SELECT 1"}));
@@ -146,7 +146,7 @@ TEST(QuerySplitter, AByteOrderMarkBelongsToNoBatch)
 TEST(QuerySplitter, EveryRangeHoldsItsBatch)
 {
     const QString text = QStringLiteral("\U0001F600 a\n GO 2\n\tb 'x\nGO\n'  \nGO\n--\nGO\n");
-    const auto batches = split(text);
+    const auto batches = splitText(text);
     ASSERT_EQ(batches.size(), 3);
     for (const KNQueryDetails &batch : batches) {
         const QString part = text.mid(batch.queryRange.location, batch.queryRange.length);
@@ -160,10 +160,10 @@ TEST(QuerySplitter, EveryRangeHoldsItsBatch)
 TEST(QuerySplitter, APartialSplitLooksAtTenThousandCharacters)
 {
     const QString text = QStringLiteral("SELECT 12\nGO\n").repeated(1539).left(20000);
-    EXPECT_EQ(split(text, false).size(), 770);
-    EXPECT_EQ(split(text, true).size(), 1539);
+    EXPECT_EQ(splitText(text, false).size(), 770);
+    EXPECT_EQ(splitText(text, true).size(), 1539);
     const QString atLimit = QStringLiteral("x").repeated(10000) + QStringLiteral("\nGO\ny");
-    EXPECT_EQ(split(atLimit, false).size(), 1);
+    EXPECT_EQ(splitText(atLimit, false).size(), 1);
 }
 
 TEST(QuerySplitter, StopsWhenItIsCancelled)
@@ -181,10 +181,10 @@ TEST(QuerySplitter, TakesTimeInProportionToTheText)
          {"GO x\n", "GO /*\n*/ x\n", "[\n", "'\nGO\n", "/* /*\n", "a\nGO\n", "GO 1 2\n", " \n"}) {
         const QString text = QString::fromLatin1(piece).repeated(20000);
         double begin = processorTime();
-        split(text);
+        splitText(text);
         const double once = processorTime() - begin;
         begin = processorTime();
-        split(text.repeated(10));
+        splitText(text.repeated(10));
         EXPECT_LT(processorTime() - begin, 30 * once + 0.05) << piece;
     }
 }

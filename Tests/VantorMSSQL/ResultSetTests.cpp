@@ -23,7 +23,7 @@ MSSQLDatabaseResultSet oneValue(const KNValue &value)
     return oneRow({QStringLiteral("c")}, {value});
 }
 
-KNValue text(const char *utf8)
+KNValue textValue(const char *utf8)
 {
     return KNValue(QString::fromUtf8(utf8));
 }
@@ -57,7 +57,7 @@ TEST(ResultSet, TakesTheFirstOfColumnsWithOneName)
 
 TEST(ResultSet, AColumnNameInAnotherCaseIsAProgrammingError)
 {
-    const auto cursor = oneRow({QStringLiteral("Name")}, {text("x")});
+    const auto cursor = oneRow({QStringLiteral("Name")}, {textValue("x")});
     EXPECT_EQ(cursor.stringForColumn(QStringLiteral("Name")), QStringLiteral("x"));
     for (const auto &read : std::initializer_list<std::function<void()>>{
              [&] { cursor.stringForColumn(QStringLiteral("name")); },
@@ -83,14 +83,14 @@ TEST(ResultSet, NullGivesNothingInEveryForm)
 
 TEST(ResultSet, EmptyTextIsNotNull)
 {
-    const auto cursor = oneValue(text(""));
+    const auto cursor = oneValue(textValue(""));
     EXPECT_FALSE(cursor.stringForColumnIndex(0).isNull());
     EXPECT_FALSE(cursor.objectForColumnIndex(0).isNull());
 }
 
 TEST(ResultSet, TrimsTextAndLeavesTheRest)
 {
-    EXPECT_EQ(oneValue(text(" \r\n a b\t")).trimmedStringForColumnIndex(0), text("a b"));
+    EXPECT_EQ(oneValue(textValue(" \r\n a b\t")).trimmedStringForColumnIndex(0), textValue("a b"));
     EXPECT_EQ(oneValue(KNValue(7)).trimmedStringForColumnIndex(0), KNValue(7));
 }
 
@@ -98,8 +98,8 @@ TEST(ResultSet, ReadsBooleansFromNumbersAndText)
 {
     EXPECT_EQ(oneValue(KNValue(2)).boolForColumnIndex(0), true);
     EXPECT_EQ(oneValue(KNValue(false)).boolForColumnIndex(0), false);
-    EXPECT_EQ(oneValue(text("YES")).boolForColumnIndex(0), true);
-    EXPECT_EQ(oneValue(text("no")).boolForColumnIndex(0), false);
+    EXPECT_EQ(oneValue(textValue("YES")).boolForColumnIndex(0), true);
+    EXPECT_EQ(oneValue(textValue("no")).boolForColumnIndex(0), false);
 }
 
 TEST(ResultSet, ABooleanOfBytesIsAProgrammingError)
@@ -114,8 +114,8 @@ TEST(ResultSet, ABooleanOfBytesIsAProgrammingError)
 
 TEST(ResultSet, ReadsNumbersFromText)
 {
-    EXPECT_EQ(oneValue(text("12")).numberForColumnIndex(0), KNValue(qint64{12}));
-    EXPECT_TRUE(oneValue(text("abc")).numberForColumnIndex(0).isNull());
+    EXPECT_EQ(oneValue(textValue("12")).numberForColumnIndex(0), KNValue(qint64{12}));
+    EXPECT_TRUE(oneValue(textValue("abc")).numberForColumnIndex(0).isNull());
     EXPECT_EQ(oneValue(KNValue(1.5)).numberForColumnIndex(0), KNValue(1.5));
     EXPECT_EQ(oneValue(KNValue(QByteArray("x"))).numberForColumnIndex(0), KNValue(QByteArray("x")));
 }
@@ -124,6 +124,6 @@ TEST(ResultSet, ReadsNumbersInTheUsersLocale)
 {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
-    EXPECT_EQ(oneValue(text("1.234,5")).numberForColumnIndex(0), KNValue(1234.5));
+    EXPECT_EQ(oneValue(textValue("1.234,5")).numberForColumnIndex(0), KNValue(1234.5));
     QLocale::setDefault(before);
 }
