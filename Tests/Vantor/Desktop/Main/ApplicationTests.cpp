@@ -1,0 +1,75 @@
+#include "Desktop/Application.h"
+
+#include "Desktop/Main/MainWindow.h"
+#include "Desktop/Start/StartWindow.h"
+#include "Support/PrintQt.h"
+#include "Support/WindowTesting.h"
+#include "Vantor/Desktop/DesktopTesting.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using WindowTesting::waitFor;
+
+namespace {
+
+/// The visible window of this kind; null when there is none.
+template <typename Window>
+Window *visible()
+{
+    for (QWidget *const widget : QApplication::topLevelWidgets()) {
+        if (auto *const window = qobject_cast<Window *>(widget); window && window->isVisible())
+            return window;
+    }
+    return nullptr;
+}
+
+/// Closes the main window as its user does, and waits until it is gone.
+void closeMainWindow()
+{
+    visible<MainWindow>()->close();
+    EXPECT_TRUE(waitFor([] { return !visible<MainWindow>(); }));
+    EXPECT_TRUE(WindowTesting::settle());
+}
+
+} // namespace
+
+TEST(DesktopApplication, BeginsWithTheRememberedConnectionsAndLeadsToTheOneThatIsChosen)
+{
+    Application program({});
+    ASSERT_TRUE(program.start());
+    auto *const start = visible<StartWindow>();
+    ASSERT_NE(start, nullptr);
+
+    Q_EMIT start->connectionRequested(
+        DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("library")));
+    auto *const window = visible<MainWindow>();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(waitFor([] { return !visible<StartWindow>(); }));
+    EXPECT_EQ(window->currentTab()->status().database, QStringLiteral("library"));
+
+    Q_EMIT window->connectionsRequested();
+    EXPECT_NE(visible<StartWindow>(), nullptr);
+    visible<StartWindow>()->close();
+    closeMainWindow();
+}
+
+TEST(DesktopApplication, OpensTheSampleServerAndTheFilesOfItsCommandLine)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("a.sql")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("SELECT 1");
+    file.close();
+    Options options;
+    options.useSampleServer = true;
+    options.files = QStringList{file.fileName()};
+    Application program(options);
+    ASSERT_TRUE(program.start());
+    ASSERT_TRUE(waitFor([] { return visible<MainWindow>() != nullptr; }));
+    MainWindow &window = *visible<MainWindow>();
+    EXPECT_EQ(window.currentTab()->filePath(), file.fileName());
+    const QAbstractItemModel &tree = *window.explorer()->view()->model();
+    EXPECT_TRUE(waitFor([&] { return tree.rowCount(tree.index(0, 0)) == 2; })) << "library and shop";
+    closeMainWindow();
+}
