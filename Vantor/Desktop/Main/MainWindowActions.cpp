@@ -18,6 +18,15 @@ QKeySequence keys(const char *text)
     return QKeySequence(QString::fromLatin1(text));
 }
 
+/// Each by itself: a window that has something to ask keeps no other from closing.
+void closeEveryWindow()
+{
+    for (QWidget *const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && !window->parentWidget())
+            window->close();
+    }
+}
+
 } // namespace
 
 MainWindowActions::MainWindowActions(MainWindow &window)
@@ -87,7 +96,7 @@ void MainWindowActions::makeFileMenu()
     menu->addSeparator();
     add(menu, {"preferences", "&Preferences…", "preferences", {keys("Ctrl+,")}},
         [this] { m_window.showPreferences(); });
-    add(menu, {"quit", "&Quit", nullptr, {keys("Ctrl+Q")}}, [] { QApplication::closeAllWindows(); });
+    add(menu, {"quit", "&Quit", nullptr, {keys("Ctrl+Q")}}, [] { closeEveryWindow(); });
 }
 
 void MainWindowActions::makeEditMenu()

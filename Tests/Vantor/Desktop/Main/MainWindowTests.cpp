@@ -256,6 +256,14 @@ TEST_F(MainWindowTest, AsksBeforeItIsClosedOverARunningQuery)
     EXPECT_TRUE(waitFor([&] { return !m_window; }));
 }
 
+TEST_F(MainWindowTest, IsLeftTogetherWithAllOthers)
+{
+    const QPointer other = new MainWindow(*m_window->databaseConnectionDetails());
+    other->show();
+    action("quit")->trigger();
+    EXPECT_TRUE(waitFor([&] { return !m_window && !other; }));
+}
+
 TEST_F(MainWindowTest, BringsTheTabsOfTheLastSessionBackWithTheirUnsavedText)
 {
     openWindow(QStringLiteral("remembered"));
