@@ -5,12 +5,9 @@
 #include "Foundation/KNPrivateFolder.h"
 #include "Foundation/KNSerialQueue.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 /// The file, and what is still to be done with it, in order.
 struct KNFileStore::File
@@ -50,17 +47,9 @@ struct KNFileStore::File
             QFile::rename(path, damagedPath());
         }
         apply(texts);
-        QSaveFile file(path);
-        if (KNMakePrivateFolder(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)) {
-            // Private before anything is in it.
-            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-            const QByteArray json = QJsonDocument(texts).toJson();
-            if (file.write(json) == json.size() && file.commit())
-                return {};
-        }
-        const QString why = file.error() == QFileDevice::NoError
-                                ? KNFormat("there is no folder \"%@\"", QFileInfo(path).path())
-                                : file.errorString();
+        QString why;
+        if (KNReplacePrivateFile(path, QJsonDocument(texts).toJson(), &why))
+            return {};
         return KNError(ErrorDomain, NotWritten,
                        KNFormat("The file \"%@\" could not be written: %@.", path, why));
     }

@@ -1,9 +1,9 @@
 #include "Foundation/KNLogHelper.h"
 
 #include "Foundation/KNLogFile.h"
+#include "Foundation/KNPrivateFolder.h"
 
 #include <QDateTime>
-#include <QStandardPaths>
 
 #include <algorithm>
 #include <mutex>
@@ -13,15 +13,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// XDG asks to ignore a folder that is not absolute.
-QString stateFolder()
-{
-    QString folder = qEnvironmentVariable("XDG_STATE_HOME");
-    if (folder.startsWith(u'/'))
-        return folder;
-    return QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + QStringLiteral("/.local/state");
-}
 
 /// Replaces every place where a secret stands; where secrets overlap, all that they cover.
 QString withoutSecrets(const QString &text, const QStringList &secrets)
@@ -109,7 +100,7 @@ struct KNLogHelper::Private
 KNLogHelper *KNLogHelper::sharedInstance()
 {
     // Never destroyed: threads may still log while the program ends.
-    static auto *const log = new KNLogHelper(stateFolder() + QStringLiteral("/vantor/logs"));
+    static auto *const log = new KNLogHelper(KNStateFolder() + QStringLiteral("/vantor/logs"));
     return log;
 }
 

@@ -1,8 +1,11 @@
 #include "Foundation/KNPrivateFolder.h"
 
+#include "Foundation/KNFormat.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <sys/stat.h>
 
@@ -15,4 +18,27 @@ bool KNMakePrivateFolder(const QString &path)
         return false;
     // Another thread or program may have been quicker.
     return mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0 || QFileInfo(folder).isDir();
+}
+
+QString KNStateFolder()
+{
+    // XDG asks to ignore a folder that is not absolute.
+    const QString folder = qEnvironmentVariable("XDG_STATE_HOME");
+    return QDir::isAbsolutePath(folder) ? folder : QDir::homePath() + QStringLiteral("/.local/state");
+}
+
+bool KNReplacePrivateFile(const QString &path, const QByteArray &content, QString *why)
+{
+    const QString folder = QFileInfo(path).path();
+    QSaveFile file(path);
+    if (KNMakePrivateFolder(folder) && file.open(QIODevice::WriteOnly)) {
+        // Private before anything is in it.
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+        if (file.write(content) == content.size() && file.commit())
+            return true;
+    }
+    if (why)
+        *why = file.error() == QFileDevice::NoError ? KNFormat("there is no folder \"%@\"", folder)
+                                                    : file.errorString();
+    return false;
 }

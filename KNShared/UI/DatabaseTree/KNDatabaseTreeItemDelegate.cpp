@@ -12,10 +12,10 @@ namespace {
 
 constexpr int Gap = 6;
 
-/// Whether the row is the head of a connection: its details then stand below its name.
+/// Whether the details stand below the name.
 bool isHead(const QModelIndex &index)
 {
-    return !index.parent().isValid();
+    return index.data(KNDatabaseTreeModel::IsHeadRole).toBool();
 }
 
 QFont nameFont(const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -103,6 +103,7 @@ QSize KNDatabaseTreeItemDelegate::sizeHint(const QStyleOptionViewItem &option, c
     const int lines = isHead(index) ? 2 : 1;
     const int detailsWidth =
         details.isEmpty() || isHead(index) ? 0 : metrics.horizontalAdvance(details) + Gap;
-    const int height = std::max(option.decorationSize.height(), metrics.height() * lines) + Gap;
+    const int height = std::max({option.decorationSize.height() + Gap, metrics.height() * lines + Gap,
+                                 index.data(KNDatabaseTreeModel::HeightRole).toInt()});
     return {option.decorationSize.width() + 2 * Gap + metrics.horizontalAdvance(text) + detailsWidth, height};
 }

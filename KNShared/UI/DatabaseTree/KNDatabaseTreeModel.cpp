@@ -167,6 +167,10 @@ QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
         return m_loading.contains(&entry);
     case IsErrorRole:
         return dynamic_cast<const KNDatabaseTreeErrorEntry *>(&entry) != nullptr;
+    case IsHeadRole:
+        return entry.tableCellIdentifier().startsWith(QLatin1String("HeaderCell"));
+    case HeightRole:
+        return entry.tableCellHeight();
     default:
         return {};
     }

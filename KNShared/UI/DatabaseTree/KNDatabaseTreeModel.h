@@ -19,6 +19,8 @@ public:
         DetailsRole = Qt::UserRole, ///< the secondary text; null for none
         IsBusyRole,                 ///< the children are being loaded
         IsErrorRole,                ///< the row tells why there are no others
+        IsHeadRole, ///< the row is the head of a connection, with its details on a line of their own
+        HeightRole, ///< in points, at least
     };
 
     explicit KNDatabaseTreeModel(QObject *parent = nullptr);

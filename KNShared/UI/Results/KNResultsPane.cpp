@@ -192,8 +192,9 @@ void KNResultsPane::showTab(int result)
 
 void KNResultsPane::setShowsTabs(bool shows)
 {
+    if (shows != m_showsTabs)
+        KNUserDefaults::standardUserDefaults()->setObject(ResultsAsTabs, shows);
     m_showsTabs = shows;
-    KNUserDefaults::standardUserDefaults()->setObject(ResultsAsTabs, shows);
     m_mode->setText(shows ? QStringLiteral("Show Stacked") : QStringLiteral("Show as Tabs"));
     m_mode->setAccessibleName(m_mode->text());
     // Sections belong to the one or the other: they are made again where they are shown now.

@@ -4,7 +4,7 @@
 #include "SSH/KNSSHHostKey.h"
 #include "SSH/KNSSHProcess.h"
 #include "Support/PrintQt.h"
-#include "Support/SSHServer.h"
+#include "Support/SSHServerTest.h"
 
 #include <gtest/gtest.h>
 
@@ -75,24 +75,9 @@ QByteArray heardFrom(quint16 port)
     return heard;
 }
 
-class Tunnel : public testing::Test
+class Tunnel : public SSHServerTest
 {
 protected:
-    void SetUp() override
-    {
-        if (const QString missing = SSHServer::whatIsMissing(); !missing.isNull())
-            GTEST_SKIP() << missing.toStdString();
-        m_server = std::make_unique<SSHServer>();
-        KNSSHProcess::setProgram(m_server->client());
-        m_model.host = QStringLiteral("127.0.0.1");
-        m_model.port = m_server->port();
-        m_model.keyFile = m_server->keyFile();
-    }
-    void TearDown() override
-    {
-        KNSSHProcess::setProgram(QStringLiteral("ssh"));
-        QFile::remove(KNSSHHostKey::knownHostsFile());
-    }
     std::shared_ptr<KNSSHTunnel> open(KNError *error) const
     {
         return KNSSHTunnel::open(m_model, QStringLiteral("127.0.0.1"), m_greeter.port(), 20s, error);
@@ -114,9 +99,7 @@ protected:
         ASSERT_TRUE(key->accept(&error));
     }
 
-    std::unique_ptr<SSHServer> m_server;
     Greeter m_greeter;
-    KNSSHTunnelModel m_model;
 };
 
 /// An `ssh` of the test's own.

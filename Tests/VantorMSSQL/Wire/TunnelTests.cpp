@@ -1,7 +1,7 @@
 #include "SSH/KNSSHCommand.h"
 #include "SSH/KNSSHHostKey.h"
 #include "SSH/KNSSHProcess.h"
-#include "Support/SSHServer.h"
+#include "Support/SSHServerTest.h"
 #include "Support/TestCertificates.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
@@ -10,24 +10,9 @@
 namespace {
 
 /// Connections through a real sshd that is known.
-class Tunnelled : public testing::Test
+class Tunnelled : public SSHServerTest
 {
 protected:
-    void SetUp() override
-    {
-        if (const QString missing = SSHServer::whatIsMissing(); !missing.isNull())
-            GTEST_SKIP() << missing.toStdString();
-        m_server = std::make_unique<SSHServer>();
-        KNSSHProcess::setProgram(m_server->client());
-        m_model.host = QStringLiteral("127.0.0.1");
-        m_model.port = m_server->port();
-        m_model.keyFile = m_server->keyFile();
-    }
-    void TearDown() override
-    {
-        KNSSHProcess::setProgram(QStringLiteral("ssh"));
-        QFile::remove(KNSSHHostKey::knownHostsFile());
-    }
     void acceptHostKey() const
     {
         KNError error;
@@ -46,9 +31,6 @@ protected:
         EXPECT_FALSE(MSSQLClient(through(details)).connect(&error));
         return error;
     }
-
-    std::unique_ptr<SSHServer> m_server;
-    KNSSHTunnelModel m_model;
 };
 
 } // namespace

@@ -352,10 +352,8 @@ void MainWindow::closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk)
             self->closeWhenTabsAgree(rest);
     };
     QueryTab *const tab = toAsk.first();
-    if (!tab)
-        goOn();
-    else if (KNPreferences::current().reopensTabs)
+    if (tab)
         tab->prepareToEndSession(goOn);
     else
-        tab->prepareToClose(goOn);
+        goOn();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 
 /// Files of the program that only the user can read. Any thread.
@@ -12,8 +11,5 @@ QString stateFolder(const QString &name);
 QString dataFolder(const QString &name);
 /// A name for a file or folder that stands for any text.
 QString fileNameFor(const QString &text);
-/// Replaces the file as a whole, with its folder where need be. False, and the file as it was, when that
-/// fails.
-bool replace(const QString &path, const QByteArray &content);
 
 } // namespace PrivateFiles

@@ -96,7 +96,7 @@ void shorten(const QString &path)
             break;
         kept.prepend(line);
     }
-    PrivateFiles::replace(path, kept);
+    KNReplacePrivateFile(path, kept);
 }
 
 } // namespace

@@ -102,7 +102,7 @@ struct TabSession::Writer
         bool succeeded = true;
         for (const auto &[id, tab] : work) {
             const QString path = fileOf(folder, id);
-            const bool done = tab ? PrivateFiles::replace(path, toJson(tab->state, tab->position))
+            const bool done = tab ? KNReplacePrivateFile(path, toJson(tab->state, tab->position))
                                   : !QFile::exists(path) || QFile::remove(path);
             if (!done)
                 KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
@@ -158,7 +158,7 @@ void TabSession::openFolder(const QString &connectionId)
         }
         int position = static_cast<int>(m_stored.size() - states.size());
         for (const TabState &state : states) {
-            if (PrivateFiles::replace(fileOf(m_folder, state.id), toJson(state, position++)))
+            if (KNReplacePrivateFile(fileOf(m_folder, state.id), toJson(state, position++)))
                 QFile::remove(fileOf(folder, state.id));
         }
     }

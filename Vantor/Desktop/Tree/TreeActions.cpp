@@ -1,14 +1,13 @@
 #include "Desktop/Tree/TreeActions.h"
 
+#include "Desktop/Query/TextFile.h"
 #include "Foundation/KNDispatch.h"
-#include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QPointer>
-#include <QSaveFile>
 
 namespace {
 
@@ -35,15 +34,6 @@ private:
     std::shared_ptr<ScriptReceiver> m_self;
     std::function<void(const QString &)> m_use;
 };
-
-KNError writeFile(const QString &path, const QString &text)
-{
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit())
-        return {};
-    return KNError(QStringLiteral("com.quorvex.vantor.files"), 0,
-                   KNFormat("\"%@\" could not be written: %@", path, file.errorString()));
-}
 
 } // namespace
 
@@ -134,10 +124,18 @@ void TreeActions::saveScript(const QString &text)
 {
     const KNFilePanels::Request request{
         tr("Save script"), QStringLiteral("script.sql"), {tr("SQL scripts (*.sql)"), tr("All files (*)")}};
-    KNFilePanels::shared().chooseFileToSave(&m_tree, request,
-                                            [self = QPointer(this), text](const QString &path) {
-                                                const KNError error = writeFile(path, text);
-                                                if (error && self)
-                                                    KNAlerts::shared().showError(&self->m_tree, error);
-                                            });
+    KNFilePanels::shared().chooseFileToSave(
+        &m_tree, request, [self = QPointer(this), text](const QString &path) {
+            KNDispatch::globalQueue([self, text, path] {
+                KNError error;
+                TextFile file;
+                file.setPath(path);
+                if (file.write(text, &error))
+                    return;
+                KNDispatch::mainQueue([self, error] {
+                    if (self)
+                        KNAlerts::shared().showError(&self->m_tree, error);
+                });
+            });
+        });
 }

@@ -110,6 +110,19 @@ TEST_F(ObjectExplorer, LoadsLevelByLevelWhatIsExpanded)
                     .contains(QStringLiteral("SQL Server")));
 }
 
+TEST_F(ObjectExplorer, GivesTheHeadOfTheConnectionTheRoomThatItWants)
+{
+    connectTo(SampleServerFixture::shared());
+    const QModelIndex table = open(Orders);
+    const QModelIndex head = model()->index(0, 0);
+    EXPECT_TRUE(head.data(KNDatabaseTreeModel::IsHeadRole).toBool());
+    EXPECT_FALSE(table.data(KNDatabaseTreeModel::IsHeadRole).toBool());
+    EXPECT_GE(m_controller.view()->visualRect(head).height(), 34);
+    EXPECT_GE(m_controller.view()->visualRect(table).height(), 23);
+    EXPECT_LT(m_controller.view()->visualRect(table).height(),
+              m_controller.view()->visualRect(head).height());
+}
+
 TEST_F(ObjectExplorer, RunsAQueryOnATableAtADoubleClick)
 {
     connectTo(SampleServerFixture::shared());
