@@ -7,6 +7,18 @@ bool DatabaseMessage::isError() const
     return type == ClientError || (type == ServerMessage && severity >= 16);
 }
 
+bool DatabaseMessage::isFailure() const
+{
+    constexpr qint32 ValueConversion = 4;
+    constexpr qint32 Information = 10;
+    return severity > (type == ClientError ? ValueConversion : Information);
+}
+
+QString DatabaseMessage::failureText() const
+{
+    return KNFormat("Msg %d, Level %d, State %d.\r\n%@", msgno, severity, msgstate, msgtext);
+}
+
 QString DatabaseMessage::description() const
 {
     const QString location =

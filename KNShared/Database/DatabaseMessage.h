@@ -26,6 +26,11 @@ struct KNSHARED_EXPORT DatabaseMessage
 
     /// Client errors always are; server messages from severity 16 on.
     bool isError() const;
+    /// Whether the statement that the message belongs to failed: server messages from severity 11 on, and
+    /// client errors but those that concern the text of single values (severity 4) or only inform.
+    bool isFailure() const;
+    /// "Msg 208, Level 16, State 1." and the text, joined with CR LF.
+    QString failureText() const;
     /// "Msg 208, Level 16, State 1, Line 2" and the text, joined with CR LF.
     QString description() const;
 

@@ -21,6 +21,22 @@ void KNResultSetHolder::remove(const KNDatabaseResultSetPtr &resultSet)
     std::erase(m_resultSets, resultSet);
 }
 
+KNError KNResultSetHolder::failure() const
+{
+    constexpr qsizetype MostTexts = 100;
+    QStringList texts;
+    const auto all = resultSets();
+    for (const KNDatabaseResultSetPtr &resultSet : all) {
+        const auto messages = resultSet->serverMessages();
+        for (const DatabaseMessage &message : messages) {
+            if (message.isFailure() && texts.size() < MostTexts && !texts.contains(message.failureText()))
+                texts.append(message.failureText());
+        }
+    }
+    return texts.isEmpty() ? KNError()
+                           : KNError(QStringLiteral("SQLClient"), 0, texts.join(QStringLiteral("\r\n")));
+}
+
 void KNResultSetHolder::incrementTotalResultCountBy(qint64 count)
 {
     const std::lock_guard lock(m_mutex);

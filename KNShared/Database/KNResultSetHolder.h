@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/KNDatabaseResultSet.h"
+#include "Foundation/KNError.h"
 #include "KNSharedExport.h"
 
 #include <QList>
@@ -27,6 +28,10 @@ public:
     void append(const KNDatabaseResultSetPtr &resultSet);
     /// Takes a result set out again; nothing happens when it is not there.
     void remove(const KNDatabaseResultSetPtr &resultSet);
+
+    /// The error of a run whose results are all here, from the messages of statements that failed; not set
+    /// when none did. A run may succeed although one of its later statements failed.
+    KNError failure() const;
 
     void incrementTotalResultCountBy(qint64 count);
     void incrementTotalResultCount() { incrementTotalResultCountBy(1); }

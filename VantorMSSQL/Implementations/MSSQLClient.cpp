@@ -83,17 +83,20 @@ void MSSQLClient::disconnect()
 
 bool MSSQLClient::beginTransaction(KNError *error)
 {
-    return executeNonQuery(QStringLiteral("BEGIN TRANSACTION"), error) && !error->isSet();
+    executeNonQuery(QStringLiteral("BEGIN TRANSACTION"), error);
+    return !error->isSet();
 }
 
 bool MSSQLClient::commitTransaction(KNError *error)
 {
-    return executeNonQuery(QStringLiteral("COMMIT TRANSACTION"), error) && !error->isSet();
+    executeNonQuery(QStringLiteral("COMMIT TRANSACTION"), error);
+    return !error->isSet();
 }
 
 bool MSSQLClient::rollbackTransaction(KNError *error)
 {
-    return executeNonQuery(QStringLiteral("ROLLBACK TRANSACTION"), error) && !error->isSet();
+    executeNonQuery(QStringLiteral("ROLLBACK TRANSACTION"), error);
+    return !error->isSet();
 }
 
 bool MSSQLClient::cancelCurrentQuery(KNError *error)

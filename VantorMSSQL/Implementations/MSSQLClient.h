@@ -116,6 +116,7 @@ public:
 private:
     struct ConnectOption;
     enum class Sent { Executed, Failed, NotSent };
+    enum class Next { Result, End, Unreadable };
 
     static const ConnectOption connectOptions[4];
     static void initializeOnce();
@@ -133,13 +134,17 @@ private:
 
     bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error);
-    bool runBatch(const KNQueryDetails &details, KNResultSetHolder &withResultSet, KNError *error);
+    void executeWhole(const QString &sql, KNResultSetHolder &holder, KNError *error);
+    bool runBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
     Sent sendBatch(const QString &sql);
     bool failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
-    bool readResults(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
+    static KNDatabaseResultSetPtr appendFailure(const KNQueryDetails &details, const KNError &error,
+                                                quint64 line, KNResultSetHolder &holder);
+    bool readResults(const KNQueryDetails &details, KNDatabaseResultSetPtr previous,
+                     KNResultSetHolder &holder, KNError *error);
     KNError batchError(const KNQueryDetails &details, quint64 *lastLine) const;
     bool isLost() const;
-    bool nextResult();
+    Next nextResult();
     void readColumns(KNDatabaseResultSet &resultSet);
     KNDatabaseResultSetPtr readRows(const KNDatabaseResultSetPtr &resultSet, KNResultSetHolder &holder);
     KNDatabaseResultSetPtr newComputeResultSet(int computeId, const QString &query,

@@ -1,4 +1,3 @@
-#include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
 #include "Implementations/MSSQLClient.h"
@@ -123,12 +122,7 @@ bool MSSQLClient::performBulkInsert(const QStringList &rows, const QString &head
     KNLogHelper *log = KNLogHelper::sharedInstance();
     log->logMessage("Started importing %ld rows.", rows.size());
     const QString insert = KNFormat("%@ VALUES %@;", header, rows.join(QStringLiteral(",\r\n")));
-    try {
-        executeNonQuery(insert, error);
-    } catch (const KNAssertionFailure &unexpected) {
-        // A trigger of the table gives results.
-        *error = KNError(QStringLiteral("com.quorvex.vantor.import"), 0, unexpected.message());
-    }
+    executeNonQuery(insert, error);
     if (error->isSet()) {
         log->logMessage("Bulk insert failed. Insert string was:\r\n%@", insert);
         log->logMessage("Failed to perform insert with error: %@", error->localizedDescription());

@@ -8,23 +8,28 @@
 
 #include <sybdb.h>
 
+#include <algorithm>
+
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
+
+const QString RunDomain = QStringLiteral("SQLClient");
 
 KNQueryDetails wholeText(const QString &sql)
 {
     return {sql, {0, sql.size()}};
 }
 
-/// The messages that were collected meanwhile, with their lines in the whole text.
-QList<DatabaseMessage> takeMessages(const KNQueryDetails &details)
+/// Adds messages to those of a result set, with their lines in the whole text.
+void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDatabaseResultSet &resultSet)
 {
-    QList<DatabaseMessage> messages = MSSQLMessageList::sharedInstance().takeMessages();
+    if (messages.isEmpty())
+        return;
     for (DatabaseMessage &message : messages)
         message.calculatedLineNumber = message.line + details.lineNumberOffset;
-    return messages;
+    resultSet.setServerMessages(resultSet.serverMessages() + messages);
 }
 
 KNDisplayMessage summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancelled)
@@ -43,6 +48,45 @@ QString withFullStop(const QString &text)
 {
     const QString trimmed = text.trimmed();
     return trimmed.endsWith(QLatin1Char('.')) ? trimmed : trimmed + QLatin1Char('.');
+}
+
+void showFailure(const KNError &error, KNDatabaseResultSet &resultSet)
+{
+    resultSet.setMessages({{withFullStop(error.localizedDescription()), KNDisplayMessage::Colour::Red}});
+}
+
+/// The first character that cannot be sent: U+0000 ends a text for db-lib, and half of a surrogate pair has
+/// no UTF-8. -1 when there is none.
+qsizetype unsendablePosition(const QString &sql)
+{
+    for (qsizetype i = 0; i < sql.size(); ++i) {
+        const QChar character = sql[i];
+        const bool isPair = character.isHighSurrogate() && i + 1 < sql.size() && sql[i + 1].isLowSurrogate();
+        if (isPair)
+            ++i;
+        else if (character.isNull() || character.isSurrogate())
+            return i;
+    }
+    return -1;
+}
+
+/// The error for a batch that cannot be sent as it is; not set when it can.
+KNError unsendable(const KNQueryDetails &details, quint64 *line)
+{
+    const qsizetype position = unsendablePosition(details.targetQuery);
+    if (position < 0)
+        return KNError();
+    const qsizetype lineFeeds = QStringView(details.targetQuery).first(position).count(u'\n');
+    *line = details.lineNumberOffset + static_cast<quint64>(lineFeeds) + 1;
+    return KNError(
+        RunDomain, 0,
+        details.targetQuery[position].isNull()
+            ? KNFormat("Line %lu holds the character U+0000, behind which a server would see nothing. "
+                       "The batch was not sent.",
+                       *line)
+            : KNFormat("Line %lu holds half of a surrogate pair, which is no character. The batch was "
+                       "not sent.",
+                       *line));
 }
 
 } // namespace
@@ -72,10 +116,22 @@ bool MSSQLClient::executeQueryInternal(const QString &sql, KNResultSetHolder &wi
     return executeQueryDetails(wholeText(sql), withResultSet, error);
 }
 
+/// Runs a text as one batch. Unlike the run alone, it fails with any statement that fails.
+void MSSQLClient::executeWhole(const QString &sql, KNResultSetHolder &holder, KNError *error)
+{
+    const bool complete = executeQueryInternal(sql, holder, error);
+    if (error->isSet())
+        return;
+    *error = holder.failure();
+    if (!complete && !error->isSet())
+        *error =
+            KNError(RunDomain, 0, QStringLiteral("The batch could not be handed to the client library."));
+}
+
 std::unique_ptr<DatabaseResultSet> MSSQLClient::executeQuery(const QString &sql, KNError *error)
 {
     KNResultSetHolder holder;
-    executeQueryInternal(sql, holder, error);
+    executeWhole(sql, holder, error);
     const auto resultSets = holder.resultSets();
     for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
         if (!resultSet->columnNames().isEmpty())
@@ -87,9 +143,15 @@ std::unique_ptr<DatabaseResultSet> MSSQLClient::executeQuery(const QString &sql,
 bool MSSQLClient::executeNonQuery(const QString &sql, KNError *error)
 {
     KNResultSetHolder holder;
-    executeQueryInternal(sql, holder, error);
-    KNAssert(holder.resultSets().size() <= 1, "executeQuery can only return a single resultset.",
-             "Implementations/MSSQLClient");
+    executeWhole(sql, holder, error);
+    const auto resultSets = holder.resultSets();
+    const auto withColumns =
+        std::count_if(resultSets.begin(), resultSets.end(), [](const KNDatabaseResultSetPtr &resultSet) {
+            return !resultSet->columnNames().isEmpty();
+        });
+    // A trigger decides how many there are: this is no programming error.
+    if (withColumns > 1 && !error->isSet())
+        *error = KNError(RunDomain, 0, QStringLiteral("executeQuery can only return a single resultset."));
     return true;
 }
 
@@ -120,31 +182,40 @@ bool MSSQLClient::executeQueryDetails(const KNQueryDetails &details, KNResultSet
     const MSSQLRunScope run(m_cancellation);
     const int timeout = m_databaseConnectionDetails->queryTimeout();
     MSSQLQueryTimer timer(*this, std::chrono::seconds(timeout));
+    error->clear();
     const bool complete = runBatch(details, withResultSet, error);
     if (!timer.stop())
         return complete;
     *error =
-        KNError(QStringLiteral("SQLClient"), 0,
+        KNError(RunDomain, 0,
                 KNFormat("The batch took longer than the %d seconds that this connection allows, and was "
                          "stopped.",
                          timeout));
     return false;
 }
 
-bool MSSQLClient::runBatch(const KNQueryDetails &details, KNResultSetHolder &withResultSet, KNError *error)
+bool MSSQLClient::runBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error)
 {
     MSSQLMessageList::sharedInstance().clearMessage();
     if (details.targetQuery.trimmed().isEmpty())
         return true;
+    quint64 line = 0;
+    if (const KNError refusal = unsendable(details, &line)) {
+        *error = refusal;
+        appendFailure(details, refusal, line, holder);
+        return false;
+    }
+    bool complete = false;
     switch (sendBatch(details.targetQuery)) {
     case Sent::NotSent:
         return false;
     case Sent::Failed:
-        return failBatch(details, withResultSet, error);
+        complete = failBatch(details, holder, error);
+        break;
     case Sent::Executed:
+        complete = readResults(details, nullptr, holder, error);
         break;
     }
-    const bool complete = readResults(details, withResultSet, error);
     MSSQLMessageList::sharedInstance().clearMessage();
     stopBatch();
     return complete;
@@ -188,42 +259,53 @@ bool MSSQLClient::isLost() const
     return !m_dbProc || dbdead(m_dbProc);
 }
 
-bool MSSQLClient::failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error)
+/// Shows a batch's failure as a result of its own.
+KNDatabaseResultSetPtr MSSQLClient::appendFailure(const KNQueryDetails &details, const KNError &error,
+                                                  quint64 line, KNResultSetHolder &holder)
 {
-    KNLogHelper *log = KNLogHelper::sharedInstance();
-    stopBatch();
     const auto resultSet = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
-    holder.append(resultSet);
-
-    quint64 lastLine = 0;
-    *error = batchError(details, &lastLine);
-    int remaining = 0;
-    while (nextResult())
-        ++remaining;
-    const QString description = error->localizedDescription();
-    if (remaining > 0) {
-        log->logMessage("Had count. Didn't expect count.");
-        log->logMessage("Error executing command: %@. Still had %ld results.", description, remaining);
-    } else {
-        log->logMessage("Error executing command: %@.", description);
-    }
-
-    resultSet->setServerMessages(takeMessages(details));
-    resultSet->setMessages({{withFullStop(description), KNDisplayMessage::Colour::Red}});
-    resultSet->setCalculatedLineNumber(lastLine);
+    showFailure(error, *resultSet);
+    resultSet->setCalculatedLineNumber(line);
     resultSet->setQueryTextRange(details.queryRange);
     resultSet->setFinished();
+    holder.append(resultSet);
+    return resultSet;
+}
+
+/// A batch whose first statement failed: its later statements may have run all the same, and their results
+/// follow the failure.
+bool MSSQLClient::failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error)
+{
+    quint64 lastLine = 0;
+    const KNError failure = batchError(details, &lastLine);
+    const KNDatabaseResultSetPtr resultSet = appendFailure(details, failure, lastLine, holder);
+    const qsizetype before = holder.resultSets().size();
+    readResults(details, resultSet, holder, error);
+    *error = failure;
+
+    KNLogHelper *log = KNLogHelper::sharedInstance();
+    const qsizetype remaining = holder.resultSets().size() - before;
+    if (remaining > 0) {
+        log->logMessage("Had count. Didn't expect count.");
+        log->logMessage("Error executing command: %@. Still had %ld results.", failure.localizedDescription(),
+                        remaining);
+    } else {
+        log->logMessage("Error executing command: %@.", failure.localizedDescription());
+    }
     return false;
 }
 
-/// Reads everything that the batch gives. False, with an error, when the connection was lost on the way.
-bool MSSQLClient::readResults(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error)
+/// Reads everything that the batch gives, behind the failure of its first statement if it failed. False, with
+/// an error, when the answer could not be read to its end.
+bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSetPtr previous,
+                              KNResultSetHolder &holder, KNError *error)
 {
-    KNDatabaseResultSetPtr previous;
+    MSSQLMessageList &messages = MSSQLMessageList::sharedInstance();
     bool previousHadCompute = false;
-    while (nextResult()) {
-        if (previous && !MSSQLMessageList::sharedInstance().isEmpty())
-            previous->setServerMessages(takeMessages(details));
+    Next next = nextResult();
+    for (; next == Next::Result; next = nextResult()) {
+        if (previous)
+            attach(messages.takeMessages(), details, *previous);
         const auto resultSet = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
         holder.append(resultSet);
         readColumns(*resultSet);
@@ -240,32 +322,45 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNResultSetHolder &
         previousHadCompute = compute != nullptr;
     }
 
-    const bool lost = !isConnected();
     quint64 lastLine = 0;
-    if (lost)
+    if (!isConnected())
         *error = batchError(details, &lastLine);
-    if (previous) {
-        previous->setServerMessages(previous->serverMessages() + takeMessages(details));
-        if (lost)
-            previous->setMessages(
-                {{withFullStop(error->localizedDescription()), KNDisplayMessage::Colour::Red}});
+    else if (next == Next::Unreadable)
+        *error =
+            KNError(RunDomain, 0,
+                    QStringLiteral("The rest of the server's answer could not be read. It was cancelled."));
+    const QList<DatabaseMessage> last = messages.takeLastMessages();
+    if (!previous && !last.isEmpty()) {
+        previous = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
+        previous->setMessages({summaryOf(*previous, wasCancelled())});
+        previous->setFinished();
+        holder.append(previous);
     }
-    return !lost;
+    if (previous) {
+        attach(last, details, *previous);
+        if (error->isSet())
+            showFailure(*error, *previous);
+    }
+    return !error->isSet();
 }
 
-/// Goes to the next result; false when there is none, or when the run is to stop. A statement that failed in
-/// the middle of a batch has no result, but the ones after it have.
-bool MSSQLClient::nextResult()
+/// Goes to the next result. A statement that failed in the middle of a batch has none, but the ones after it
+/// have.
+MSSQLClient::Next MSSQLClient::nextResult()
 {
     for (;;) {
-        MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
+        const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
         if (!m_dbProc || m_cancellation.isRequested())
-            return false;
+            return Next::End;
         const RETCODE code = dbresults(m_dbProc);
         if (code == SUCCEED)
-            return !m_cancellation.isRequested();
+            return m_cancellation.isRequested() ? Next::End : Next::Result;
         if (code == NO_MORE_RESULTS || dbdead(m_dbProc))
-            return false;
+            return Next::End;
+        // db-lib has rows left that it could not read, and would say so for ever. Its error handler has
+        // cancelled.
+        if (MSSQLMessageList::sharedInstance().newestNumber() == SYBERPND)
+            return Next::Unreadable;
     }
 }
 
@@ -276,6 +371,6 @@ void MSSQLClient::stopBatch()
     const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
     if (m_cancellation.isRequested())
         stopAtServer();
-    else if (!isLost())
-        dbcanquery(m_dbProc);
+    else if (!isLost() && dbcanquery(m_dbProc) != SUCCEED)
+        stopAtServer();
 }

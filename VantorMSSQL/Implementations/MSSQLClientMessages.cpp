@@ -172,15 +172,17 @@ KNError MSSQLClient::batchError(const KNQueryDetails &details, quint64 *lastLine
     constexpr qint32 DeadConnection = 20047;
 
     QStringList texts;
+    QSet<QString> known;
     KNRange range;
     for (const DatabaseMessage &message : MSSQLMessageList::sharedInstance().messages()) {
         *lastLine = message.line + details.lineNumberOffset - 1;
         if (message.msgno == DeadConnection)
             continue;
-        const QString text = KNFormat("Msg %d, Level %d, State %d.\r\n%@", message.msgno, message.severity,
-                                      message.msgstate, message.msgtext);
-        if (!texts.contains(text))
-            texts.append(text);
+        const QString text = message.failureText();
+        if (known.contains(text))
+            continue;
+        known.insert(text);
+        texts.append(text);
         if (!range.isFound())
             range = processErrorDetails(message, details);
     }

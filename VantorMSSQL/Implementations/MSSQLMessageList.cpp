@@ -1,11 +1,19 @@
 #include "Implementations/MSSQLMessageList.h"
 
-#include <algorithm>
+#include "Foundation/KNFormat.h"
+
+#include <utility>
 
 namespace {
 
 /// The generic failure of a login, which follows whatever the server said about it.
 constexpr qint32 ConnectionFailed = 20002;
+
+qsizetype bytesOf(const DatabaseMessage &message)
+{
+    return static_cast<qsizetype>(sizeof(QChar)) *
+           (message.msgtext.size() + message.srvname.size() + message.procname.size());
+}
 
 } // namespace
 
@@ -17,44 +25,68 @@ MSSQLMessageList &MSSQLMessageList::sharedInstance()
 
 void MSSQLMessageList::addMessage(const DatabaseMessage &message)
 {
-    const auto thread = std::this_thread::get_id();
     const std::lock_guard lock(m_mutex);
-    if (message.msgno == ConnectionFailed &&
-        std::any_of(m_records.begin(), m_records.end(), [&](const Record &r) { return r.thread == thread; }))
+    Batch &batch = m_batches[std::this_thread::get_id()];
+    if (message.msgno == ConnectionFailed && !batch.messages.isEmpty())
         return;
-    m_records.push_back({thread, message});
+    batch.newestNumber = message.msgno;
+    const qsizetype bytes = bytesOf(message);
+    if (batch.keptMessages >= MostMessages || batch.keptBytes + bytes > MostBytes) {
+        if (batch.dropped++ == 0 || message.severity > batch.worstDropped.severity)
+            batch.worstDropped = message;
+        return;
+    }
+    ++batch.keptMessages;
+    batch.keptBytes += bytes;
+    batch.messages.append(message);
 }
 
 void MSSQLMessageList::clearMessage()
 {
-    const auto thread = std::this_thread::get_id();
     const std::lock_guard lock(m_mutex);
-    std::erase_if(m_records, [&](const Record &record) { return record.thread == thread; });
+    m_batches.erase(std::this_thread::get_id());
 }
 
 QList<DatabaseMessage> MSSQLMessageList::messages() const
 {
-    const auto thread = std::this_thread::get_id();
-    QList<DatabaseMessage> own;
     const std::lock_guard lock(m_mutex);
-    for (const Record &record : m_records) {
-        if (record.thread == thread)
-            own.append(record.message);
-    }
-    return own;
+    const auto batch = m_batches.find(std::this_thread::get_id());
+    return batch == m_batches.end() ? QList<DatabaseMessage>() : batch->second.messages;
 }
 
 bool MSSQLMessageList::isEmpty() const
 {
-    const auto thread = std::this_thread::get_id();
     const std::lock_guard lock(m_mutex);
-    return std::none_of(m_records.begin(), m_records.end(),
-                        [&](const Record &r) { return r.thread == thread; });
+    const auto batch = m_batches.find(std::this_thread::get_id());
+    return batch == m_batches.end() || batch->second.messages.isEmpty();
+}
+
+qint32 MSSQLMessageList::newestNumber() const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto batch = m_batches.find(std::this_thread::get_id());
+    return batch == m_batches.end() ? 0 : batch->second.newestNumber;
 }
 
 QList<DatabaseMessage> MSSQLMessageList::takeMessages()
 {
-    const QList<DatabaseMessage> own = messages();
-    clearMessage();
-    return own;
+    const std::lock_guard lock(m_mutex);
+    const auto batch = m_batches.find(std::this_thread::get_id());
+    return batch == m_batches.end() ? QList<DatabaseMessage>() : std::exchange(batch->second.messages, {});
+}
+
+QList<DatabaseMessage> MSSQLMessageList::takeLastMessages()
+{
+    const std::lock_guard lock(m_mutex);
+    const auto node = m_batches.extract(std::this_thread::get_id());
+    if (node.empty())
+        return {};
+    Batch &batch = node.mapped();
+    if (batch.dropped > 0) {
+        DatabaseMessage note = batch.worstDropped;
+        note.msgtext = KNFormat("%ld more messages were not kept. The most severe of them: %@", batch.dropped,
+                                batch.worstDropped.msgtext);
+        batch.messages.append(note);
+    }
+    return batch.messages;
 }

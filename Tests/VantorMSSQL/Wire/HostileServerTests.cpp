@@ -65,14 +65,6 @@ quint64 bytesOfTheConversation(int tdsVersion = 8)
     return relay.bytesFromServer();
 }
 
-HostileServer::Script afterLogin(const HostileServer::Script &steps)
-{
-    const HostileServer::Script configured = {HostileServer::expect(BatchPacket),
-                                              HostileServer::send(packet(done())),
-                                              HostileServer::expect(BatchPacket)};
-    return HostileServer::joined(HostileServer::acceptedLogin(), HostileServer::joined(configured, steps));
-}
-
 } // namespace
 
 class CutConversation : public testing::TestWithParam<HostileServerRelay::Fault>

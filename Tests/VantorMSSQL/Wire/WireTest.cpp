@@ -1,6 +1,7 @@
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include "SQL/KNQuerySplitter.h"
+#include "Support/HostileServerBytes.h"
 #include "Support/TestCertificates.h"
 
 #include <chrono>
@@ -91,6 +92,15 @@ QStringList messageTexts(const QList<KNDatabaseResultSetPtr> &resultSets)
             texts.append(message.msgtext);
     }
     return texts;
+}
+
+HostileServer::Script afterLogin(const HostileServer::Script &steps)
+{
+    using namespace HostileServerBytes;
+    const HostileServer::Script configured = {HostileServer::expect(BatchPacket),
+                                              HostileServer::send(packet(done())),
+                                              HostileServer::expect(BatchPacket)};
+    return HostileServer::joined(HostileServer::acceptedLogin(), HostileServer::joined(configured, steps));
 }
 
 bool waitFor(const std::function<bool()> &condition)

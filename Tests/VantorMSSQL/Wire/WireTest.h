@@ -35,6 +35,9 @@ KNError runScript(VantorDatabaseClient &client, const QString &script);
 KNValue scalar(MSSQLClient &client, const QString &sql);
 /// All texts of the server's messages of these results.
 QStringList messageTexts(const QList<KNDatabaseResultSetPtr> &resultSets);
+/// A hostile server's side up to the first batch behind the session's set-up, which it reads, and then
+/// `steps`.
+HostileServer::Script afterLogin(const HostileServer::Script &steps);
 /// Waits until `condition` holds; false after half a minute.
 bool waitFor(const std::function<bool()> &condition);
 
