@@ -55,6 +55,22 @@ bool isControl(const Ast::Statement &statement)
            std::holds_alternative<Ast::TryCatch>(statement.node);
 }
 
+/// Whether a statement that succeeded still owes its end: queries, changes of rows, calls and RAISERROR send
+/// theirs themselves. Declarations and control flow have none (MS-TDS 2.2.7.6).
+bool owesItsEnd(const Ast::Statement &statement)
+{
+    return std::visit(
+        [](const auto &node) {
+            using Node = std::decay_t<decltype(node)>;
+            return !std::is_same_v<Node, Ast::Select> && !std::is_same_v<Node, Ast::Insert> &&
+                   !std::is_same_v<Node, Ast::Update> && !std::is_same_v<Node, Ast::Delete> &&
+                   !std::is_same_v<Node, Ast::Execute> && !std::is_same_v<Node, Ast::RaiseError> &&
+                   !std::is_same_v<Node, Ast::Declare> && !std::is_same_v<Node, Ast::Break> &&
+                   !std::is_same_v<Node, Ast::Continue> && !std::is_same_v<Node, Ast::Return>;
+        },
+        statement.node);
+}
+
 } // namespace
 
 Interpreter::Interpreter(std::shared_ptr<Server> server, ServerState &state, std::string_view login,
@@ -212,6 +228,8 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
         m_transactions.begin({});
     try {
         const Flow flow = runLeaf(statement);
+        if (owesItsEnd(statement))
+            endWithoutCount();
         const bool keepsError = std::holds_alternative<Ast::RaiseError>(statement.node) ||
                                 std::holds_alternative<Ast::Execute>(statement.node);
         if (!keepsError)
@@ -222,6 +240,18 @@ Interpreter::Flow Interpreter::runGuarded(const Ast::Statement &statement)
         report(error, statement.line, changesRows(statement) || meetsRows(statement, error));
         throw;
     }
+}
+
+/// Sends the end of a statement that has neither rows nor a count. SET NOCOUNT ON leaves it out inside
+/// modules.
+void Interpreter::endWithoutCount()
+{
+    const bool inModule = m_frame->module != nullptr;
+    if (m_callbacks > 0 || (inModule && m_options.noCount))
+        return;
+    StatementEnd end;
+    end.inProcedure = inModule;
+    m_sink->endStatement(end);
 }
 
 /// Runs a statement that holds no others, again when the tables it was bound to changed before it got its

@@ -165,6 +165,7 @@ Interpreter::Flow Interpreter::run(const Ast::Select &node)
 {
     if (assignsVariables(node)) {
         runAssignments(node);
+        endWithoutCount();
         return Flow::Next;
     }
     if (intoTarget(*node.query)) {

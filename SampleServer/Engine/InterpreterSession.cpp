@@ -182,6 +182,7 @@ Interpreter::Flow Interpreter::run(const Ast::RaiseError &node)
         if (message.severity == 10) // clients see 0
             message.severity = 0;
         m_sink->message(message);
+        endWithoutCount();
     }
     if (node.noWait)
         m_sink->flush();
