@@ -52,7 +52,8 @@ std::optional<bool> MSSQLClient::isInTransaction(KNError *error)
     const auto rows = executeQuery(QStringLiteral("SELECT @@TRANCOUNT"), error);
     if (error->isSet() || !rows || !rows->next())
         return std::nullopt;
-    return rows->boolForColumnIndex(0);
+    const KNValue depth = rows->numberForColumnIndex(0);
+    return depth.isNumber() ? std::optional(depth.toBool()) : std::nullopt;
 }
 
 bool MSSQLClient::mayChangeTransaction(const QString &sql) const

@@ -119,7 +119,7 @@ public:
         statement("NewSQLAgentJob");
         EXPECT_EQ(rowsOf("List_AgentJobs"), before + 1);
         KNError error;
-        run(*m_client, text("NewSQLAgentJob"), &error);
+        m_client->executeNonQuery(text("NewSQLAgentJob"), &error);
         EXPECT_TRUE(error) << "a second job of the same name";
         EXPECT_EQ(rowsOf("List_AgentJobs"), before + 1);
         EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT @@TRANCOUNT")), KNValue(qint32(0)));
