@@ -1,11 +1,11 @@
 #include "Foundation/KNPrivateFolder.h"
 
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNReplaceFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <sys/stat.h>
 
@@ -30,15 +30,9 @@ QString KNStateFolder()
 bool KNReplacePrivateFile(const QString &path, const QByteArray &content, QString *why)
 {
     const QString folder = QFileInfo(path).path();
-    QSaveFile file(path);
-    if (KNMakePrivateFolder(folder) && file.open(QIODevice::WriteOnly)) {
-        // Private before anything is in it.
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-        if (file.write(content) == content.size() && file.commit())
-            return true;
-    }
+    if (KNMakePrivateFolder(folder))
+        return KNReplaceFile(path, content, why, QFile::ReadOwner | QFile::WriteOwner);
     if (why)
-        *why = file.error() == QFileDevice::NoError ? KNFormat("there is no folder \"%@\"", folder)
-                                                    : file.errorString();
+        *why = KNFormat("there is no folder \"%@\"", folder);
     return false;
 }

@@ -3,6 +3,7 @@
 #include "Database/KNRowReader.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNReplaceFile.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/Editor/KNScintilla.h"
@@ -11,7 +12,6 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QPointer>
-#include <QSaveFile>
 
 namespace {
 
@@ -208,11 +208,11 @@ void KNValueViewer::writeTo(const QString &path)
         const KNValue value = result->rows().value(row, column);
         const QByteArray bytes =
             value.kind() == KNValue::Kind::Bytes ? value.bytes() : value.displayText().toUtf8();
-        QSaveFile file(path);
-        if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        QString why;
+        if (KNReplaceFile(path, bytes, &why))
             return;
         const KNError error(QStringLiteral("com.quorvex.vantor.export"), 0,
-                            KNFormat("The file %@ could not be written. %@", path, file.errorString()));
+                            KNFormat("The file %@ could not be written. %@", path, why));
         KNDispatch::mainQueue([self, error] {
             if (self)
                 KNAlerts::shared().showError(self, error);

@@ -1,5 +1,6 @@
 #include "Export/ResultExporter.h"
 #include "Foundation/KNDispatch.h"
+#include "Support/FullDisk.h"
 #include "Support/PrintQt.h"
 #include "Support/ResultTesting.h"
 
@@ -8,9 +9,6 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace ResultTesting;
 
@@ -59,28 +57,6 @@ void write(const QString &path, const QByteArray &bytes)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
 }
-
-/// No file of this process grows beyond a size while it lives: writing fails as on a full disk.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
 
 class Exporting : public testing::Test
 {

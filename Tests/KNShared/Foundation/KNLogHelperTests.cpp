@@ -1,4 +1,5 @@
 #include "Foundation/KNLogHelper.h"
+#include "Support/FullDisk.h"
 
 #include "Support/PrintQt.h"
 
@@ -9,9 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -29,30 +27,6 @@ mode_t modeOf(const QString &path)
     };
     return stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 0777 : 0;
 }
-
-/// Makes every file of this process full at `bytes`, as a disk would.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-        : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_formerLimit);
-        const rlimit limit{bytes, m_formerLimit.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_formerLimit);
-        std::signal(SIGXFSZ, m_formerHandler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    void (*m_formerHandler)(int);
-    rlimit m_formerLimit{};
-};
 
 class KNLogHelperTest : public testing::Test
 {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-// A DONE is sent for each statement of a batch except variable declarations, a DONEINPROC for each statement of a
-// procedure (MS-TDS 2.2.7.6, 2.2.7.7). Control flow has none of its own.
+// A DONE is sent for each statement of a batch except variable declarations, a DONEINPROC for each statement
+// of a procedure (MS-TDS 2.2.7.6, 2.2.7.7). Control flow has none of its own.
 
 namespace {
 
@@ -13,7 +13,8 @@ using Bytes = WireClient::Bytes;
 
 constexpr std::uint8_t More = 1;
 
-/// The DONE tokens of an answer without columns, as "done", "inproc" and "proc", each with "+" when more follows.
+/// The DONE tokens of an answer without columns, as "done", "inproc" and "proc", each with "+" when more
+/// follows.
 std::string endsOf(const Bytes &answer)
 {
     static constexpr const char *names[] = {"done", "proc", "inproc"};
@@ -46,10 +47,11 @@ std::string endsOf(const std::u16string &sql)
 
 TEST(StatementEnd, IsSentForEachSettingOfABatch)
 {
-    EXPECT_EQ(endsOf(u"SET TEXTSIZE 2147483647\r\n"
-                     u"SET ANSI_NULLS, QUOTED_IDENTIFIER, CONCAT_NULL_YIELDS_NULL, ANSI_WARNINGS, ANSI_PADDING, "
-                     u"ANSI_NULL_DFLT_ON ON"),
-              "done+ done");
+    EXPECT_EQ(
+        endsOf(u"SET TEXTSIZE 2147483647\r\n"
+               u"SET ANSI_NULLS, QUOTED_IDENTIFIER, CONCAT_NULL_YIELDS_NULL, ANSI_WARNINGS, ANSI_PADDING, "
+               u"ANSI_NULL_DFLT_ON ON"),
+        "done+ done");
 }
 
 TEST(StatementEnd, IsSentForStatementsWithoutRows)

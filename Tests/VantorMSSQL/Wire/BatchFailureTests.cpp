@@ -53,9 +53,8 @@ const std::vector<std::pair<const char *, Bytes>> &lateFailures()
          joined({intColumns({"a"}), intRow({1}), done(DoneCount | DoneMore, 1), refusal(), done(DoneError)})},
         {"behind an empty reply", joined({done(DoneMore), refusal(), done(DoneError)})},
         {"behind a row count", joined({done(DoneCount | DoneMore, 3), refusal(), done(DoneError)})},
-        {"in front of a result",
-         joined({done(DoneMore), refusal(), done(DoneError | DoneMore), intColumns({"a"}), intRow({1}),
-                 done(DoneCount, 1)})},
+        {"in front of a result", joined({done(DoneMore), refusal(), done(DoneError | DoneMore),
+                                         intColumns({"a"}), intRow({1}), done(DoneCount, 1)})},
     };
     return replies;
 }
@@ -80,12 +79,12 @@ TEST_P(FailedFirstStatement, IsFollowedByTheResultsOfTheOthers)
     EXPECT_EQ(scalar(*client, QStringLiteral("SELECT 5")), KNValue(5)) << "the next batch works";
 }
 
-INSTANTIATE_TEST_SUITE_P(Statements, FailedFirstStatement,
-                         testing::Values("RAISERROR('b.', 16, 1) SELECT 3 AS later",
-                                         "INSERT INTO #k VALUES (1) SELECT 3 AS later",
-                                         "DROP TABLE dbo.not_there SELECT 3 AS later",
-                                         "RAISERROR('b.', 16, 1) RAISERROR('c', 16, 1) SELECT 2 AS a SELECT 3 AS "
-                                         "later"));
+INSTANTIATE_TEST_SUITE_P(
+    Statements, FailedFirstStatement,
+    testing::Values("RAISERROR('b.', 16, 1) SELECT 3 AS later", "INSERT INTO #k VALUES (1) SELECT 3 AS later",
+                    "DROP TABLE dbo.not_there SELECT 3 AS later",
+                    "RAISERROR('b.', 16, 1) RAISERROR('c', 16, 1) SELECT 2 AS a SELECT 3 AS "
+                    "later"));
 
 TEST(FailedStatements, AThousandWithResultsBetweenThemAreAllShown)
 {
@@ -144,10 +143,9 @@ TEST(LateFailure, OfABulkInsertIsAnErrorThatRollsBack)
     for (const auto &[name, tokens] : lateFailures()) {
         SCOPED_TRACE(name);
         using Server = HostileServer;
-        Server server(Server::joined(
-            afterLogin({Server::send(packet(done()))}), // BEGIN TRANSACTION
-            {Server::expect(BatchPacket), Server::send(packet(tokens)), Server::expect(BatchPacket),
-             Server::send(packet(done()))}));
+        Server server(Server::joined(afterLogin({Server::send(packet(done()))}), // BEGIN TRANSACTION
+                                     {Server::expect(BatchPacket), Server::send(packet(tokens)),
+                                      Server::expect(BatchPacket), Server::send(packet(done()))}));
         const auto client = connectedClient(settings(server.port()));
         KNError error;
         EXPECT_FALSE(client->bulkInsert({{KNValue(1)}}, {QStringLiteral("t")}, {QStringLiteral("a")},
@@ -191,12 +189,15 @@ TEST(UnsendableText, IsRefusedWithItsLine)
     const auto client = connectedClient();
     run(*client, QStringLiteral("CREATE TABLE #t (a int) INSERT INTO #t VALUES (1)"));
     const std::vector<std::pair<QChar, QString>> characters = {
-        {QChar(0), QStringLiteral("Line 13 holds the character U+0000, behind which a server would see nothing. The "
-                                  "batch was not sent.")},
-        {QChar(0xD83D), QStringLiteral("Line 13 holds half of a surrogate pair, which is no character. The batch was "
-                                       "not sent.")},
-        {QChar(0xDE00), QStringLiteral("Line 13 holds half of a surrogate pair, which is no character. The batch was "
-                                       "not sent.")},
+        {QChar(0),
+         QStringLiteral("Line 13 holds the character U+0000, behind which a server would see nothing. The "
+                        "batch was not sent.")},
+        {QChar(0xD83D),
+         QStringLiteral("Line 13 holds half of a surrogate pair, which is no character. The batch was "
+                        "not sent.")},
+        {QChar(0xDE00),
+         QStringLiteral("Line 13 holds half of a surrogate pair, which is no character. The batch was "
+                        "not sent.")},
     };
     for (const auto &[character, text] : characters) {
         SCOPED_TRACE(int{character.unicode()});
@@ -210,7 +211,8 @@ TEST(UnsendableText, IsRefusedWithItsLine)
         EXPECT_EQ(holder.resultSets().first()->calculatedLineNumber(), 13U);
     }
     EXPECT_EQ(scalar(*client, QStringLiteral("SELECT COUNT(*) FROM #t")), KNValue(1));
-    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT LEN(N'\U0001F600')")), KNValue(2)) << "a whole pair is sent";
+    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT LEN(N'\U0001F600')")), KNValue(2))
+        << "a whole pair is sent";
 }
 
 TEST(MessagesOfABatch, HaveALimitAndACountOfTheRest)

@@ -80,6 +80,13 @@ MainWindow::MainWindow(const VantorDBC &details)
     connect(m_tabWidget, &QTabWidget::tabCloseRequested, this,
             [this](int index) { closeTab(qobject_cast<QueryTab *>(m_tabWidget->widget(index))); });
     connect(m_tabWidget->tabBar(), &QTabBar::tabMoved, this, &MainWindow::rememberTabs);
+    connect(m_session, &TabSession::writingFailed, this, [this](bool failed) {
+        if (failed)
+            KNAlerts::shared().showMessage(this, tr("The tabs could not be remembered."),
+                                           tr("Unsaved texts are only in this window for now. Check that "
+                                              "your home folder has room; the program "
+                                              "tries again every few seconds."));
+    });
     connect(m_treeActions, &TreeActions::queryTabRequested, this,
             [this](const QString &text, const Settings &tabDetails, bool execute) {
                 QueryTab *const tab = addTab(*tabDetails, text);
@@ -327,9 +334,13 @@ void MainWindow::saveLayout() const
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (m_mayClose) {
-        m_session->flush();
-        saveLayout();
-        event->accept();
+        if (m_session->flush() || m_mayLoseTabs) {
+            saveLayout();
+            event->accept();
+            return;
+        }
+        event->ignore();
+        askWhetherTabsMayBeLost();
         return;
     }
     event->ignore();
@@ -337,6 +348,19 @@ void MainWindow::closeEvent(QCloseEvent *event)
     for (QueryTab *const tab : tabs())
         toAsk.append(tab);
     closeWhenTabsAgree(toAsk);
+}
+
+void MainWindow::askWhetherTabsMayBeLost()
+{
+    const KNAlerts::Question question = {
+        tr("The tabs could not be remembered."),
+        tr("Unsaved texts would be lost. Check that your home folder has room."),
+        {tr("Keep Window"), tr("Close Anyway")}};
+    KNAlerts::shared().ask(this, question, [this](int button) {
+        m_mayClose = m_mayLoseTabs = button == 1;
+        if (m_mayClose)
+            QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+    });
 }
 
 void MainWindow::closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk)

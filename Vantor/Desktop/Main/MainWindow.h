@@ -72,6 +72,7 @@ private:
     void restoreLayout();
     void saveLayout() const;
     /// Closes the window once no tab has anything against it.
+    void askWhetherTabsMayBeLost();
     void closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk);
 
     const Settings m_details;
@@ -84,5 +85,6 @@ private:
     TreeActions *m_treeActions = nullptr;
     MainWindowActions *m_actions = nullptr;
     int m_untitledCount = 0;
-    bool m_mayClose = false; ///< every tab has agreed
+    bool m_mayClose = false;    ///< every tab has agreed
+    bool m_mayLoseTabs = false; ///< the user accepts that tabs could not be remembered
 };

@@ -1,9 +1,10 @@
 #include "Desktop/Query/TextFile.h"
 
+#include "Foundation/KNReplaceFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStringConverter>
 
 namespace {
@@ -47,6 +48,22 @@ QStringConverter::Encoding converterFor(Encoding encoding)
         break;
     }
     return QStringConverter::Utf8;
+}
+
+/// Devices cannot be replaced by a new file.
+bool isDevice(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
+}
+
+bool writeToDevice(const QString &path, const QByteArray &bytes, QString *why)
+{
+    QFile device(path);
+    if (device.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && device.write(bytes) == bytes.size())
+        return true;
+    *why = device.errorString();
+    return false;
 }
 
 bool decode(const QByteArray &bytes, Encoding encoding, QString *text)
@@ -112,18 +129,9 @@ QByteArray TextFile::encoded(const QString &text)
 bool TextFile::write(const QString &text, KNError *error)
 {
     const QByteArray bytes = encoded(text);
-    // Devices cannot be replaced by a new file.
-    const bool isDevice = QFileInfo::exists(m_path) && !QFileInfo(m_path).isFile();
-    QFile device(m_path);
-    QSaveFile replacement(m_path);
-    QFileDevice &file = isDevice ? static_cast<QFileDevice &>(device) : replacement;
-    bool written =
-        file.open(isDevice ? QIODevice::WriteOnly | QIODevice::Unbuffered : QIODevice::WriteOnly) &&
-        file.write(bytes) == bytes.size();
-    if (!isDevice)
-        written = written && replacement.commit();
-    if (!written) {
-        *error = fileError(QStringLiteral("saved"), m_path, file.errorString());
+    QString why;
+    if (isDevice(m_path) ? !writeToDevice(m_path, bytes, &why) : !KNReplaceFile(m_path, bytes, &why)) {
+        *error = fileError(QStringLiteral("saved"), m_path, why);
         return false;
     }
     rememberState();

@@ -13,6 +13,7 @@
 #include <QJsonObject>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -76,7 +77,12 @@ bool append(const QString &path, const QByteArray &line)
         ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
     if (file < 0)
         return false;
-    const bool written = ::write(file, line.constData(), static_cast<size_t>(line.size())) == line.size();
+    struct stat before = {};
+    const bool written = ::fstat(file, &before) == 0 &&
+                         ::write(file, line.constData(), static_cast<size_t>(line.size())) == line.size();
+    // Half a line would spoil the next one.
+    if (!written && ::ftruncate(file, before.st_size) != 0)
+        KNLogHelper::sharedInstance()->logMessage("The history may hold half an entry: %@", path);
     ::close(file);
     return written;
 }

@@ -104,9 +104,12 @@ struct TabSession::Writer
             const QString path = fileOf(folder, id);
             const bool done = tab ? KNReplacePrivateFile(path, toJson(tab->state, tab->position))
                                   : !QFile::exists(path) || QFile::remove(path);
-            if (!done)
-                KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
-            succeeded = succeeded && done;
+            if (done)
+                continue;
+            KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
+            succeeded = false;
+            const std::lock_guard lock(mutex);
+            pending.emplace(id, tab); // unless a newer state is there
         }
         return succeeded;
     }
@@ -214,7 +217,24 @@ void TabSession::collect()
 void TabSession::write()
 {
     collect();
-    KNDispatch::globalQueue([writer = m_writer] { writer->write(); });
+    KNDispatch::globalQueue([writer = m_writer, self = QPointer(this)] {
+        const bool succeeded = writer->write();
+        KNDispatch::mainQueue([self, succeeded] {
+            if (self)
+                self->finishWriting(succeeded);
+        });
+    });
+}
+
+void TabSession::finishWriting(bool succeeded)
+{
+    m_timer->setInterval(succeeded ? WriteDelay : RetryDelay);
+    if (!succeeded && !m_timer->isActive())
+        m_timer->start();
+    if (m_hasFailed != succeeded)
+        return;
+    m_hasFailed = !succeeded;
+    Q_EMIT writingFailed(m_hasFailed);
 }
 
 bool TabSession::flush()

@@ -20,6 +20,8 @@ class TabSession : public QObject
 public:
     /// Milliseconds between a change and the writing of it.
     static constexpr int WriteDelay = 1000;
+    /// Milliseconds until what could not be written is tried again.
+    static constexpr int RetryDelay = 10'000;
 
     explicit TabSession(const QString &connectionId, QObject *parent = nullptr);
     /// Writes what is not written yet.
@@ -34,6 +36,11 @@ public:
     /// program's end, before the tabs go.
     bool flush();
 
+Q_SIGNALS:
+    /// What could not be written is tried again every RetryDelay. Emitted at the first failure and at the
+    /// first success after one.
+    void writingFailed(bool failed);
+
 private:
     struct Writer;
 
@@ -41,6 +48,7 @@ private:
     void changed(QueryTab *tab);
     void collect();
     void write();
+    void finishWriting(bool succeeded);
 
     QString m_folder;
     std::unique_ptr<QLockFile> m_lock;
@@ -49,5 +57,6 @@ private:
     QList<QPointer<QueryTab>> m_changed;
     QStringList m_ids; ///< of the tabs and of stored ones that nobody has asked about yet
     QTimer *m_timer;
+    bool m_hasFailed = false;
     std::shared_ptr<Writer> m_writer; ///< shared with the work in the background
 };

@@ -1,13 +1,11 @@
 #include "Desktop/Query/TextFile.h"
+#include "Support/FullDisk.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -104,15 +102,10 @@ TEST_F(TextFiles, KeepWhatTheyHadWhenANewTextHasNoRoom)
 {
     put("precious");
     ASSERT_TRUE(file.read(path(), &text, &error));
-    rlimit before = {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit small = {1000, before.rlim_max};
-    const auto handler = signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool written = file.write(QString(100'000, u'x'), &error);
-    setrlimit(RLIMIT_FSIZE, &before);
-    signal(SIGXFSZ, handler);
-    EXPECT_FALSE(written);
-    EXPECT_TRUE(error);
-    EXPECT_EQ(bytes(), QByteArrayLiteral("precious"));
+    for (const int size : {336, 100'000}) {
+        const FullDisk disk;
+        EXPECT_FALSE(file.write(QString(size, u'x'), &error));
+        EXPECT_TRUE(error);
+        EXPECT_EQ(bytes(), QByteArrayLiteral("precious"));
+    }
 }

@@ -2,6 +2,7 @@
 
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/PrivateFiles.h"
+#include "Support/FullDisk.h"
 #include "Support/PrintQt.h"
 #include "Support/WindowTesting.h"
 #include "UI/Editor/KNSQLEditor.h"
@@ -168,6 +169,26 @@ TEST_F(TabSessions, OfTwoProgramsAtOnceLeaveEachOtherAlone)
             texts.append(state.text);
         EXPECT_EQ(texts, (QStringList{QStringLiteral("mine"), QStringLiteral("theirs")}));
     }
+}
+
+TEST_F(TabSessions, KeepTheOldTextOnAFullDiskAndWriteTheNewOneLater)
+{
+    TabSession session(name);
+    const auto tab = newTab(QStringLiteral("one"));
+    session.setTabs({tab.get()});
+    ASSERT_TRUE(session.flush());
+    QList<bool> reports;
+    QObject::connect(&session, &TabSession::writingFailed, &session,
+                     [&](bool failed) { reports.append(failed); });
+    tab->insertText(QStringLiteral("!"));
+    {
+        const FullDisk disk;
+        EXPECT_TRUE(WindowTesting::waitFor([&] { return reports == QList<bool>{true}; }));
+        EXPECT_FALSE(session.flush());
+    }
+    EXPECT_EQ(textsAfterCrash(), QStringList{QStringLiteral("one")});
+    EXPECT_TRUE(session.flush());
+    EXPECT_EQ(textsAfterCrash(), QStringList{QStringLiteral("one!")});
 }
 
 TEST_F(TabSessions, SayWhenTheyCannotBeWritten)
