@@ -21,8 +21,8 @@ void syncFolder(const QString &folder)
     close(descriptor);
 }
 
-/// Empty when everything is on the disk, or the reason. QSaveFile buffers, and its commit() succeeds although the
-/// buffer could not be written (Qt 6.4). Files that cannot be synchronised answer EINVAL.
+/// Empty when everything is on the disk, or the reason. QSaveFile buffers, and its commit() succeeds although
+/// the buffer could not be written (Qt 6.4). Files that cannot be synchronised answer EINVAL.
 QString writeThrough(QSaveFile &file, const QByteArray &content)
 {
     if (file.write(content) != content.size() || !file.flush())

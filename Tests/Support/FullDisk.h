@@ -4,8 +4,8 @@
 
 #include <sys/resource.h>
 
-/// While it lives no file of this process can grow beyond `room` bytes: writes fail as they do on a full disk, in every
-/// thread.
+/// While it lives no file of this process can grow beyond `room` bytes: writes fail as they do on a full
+/// disk, in every thread.
 class FullDisk
 {
 public:

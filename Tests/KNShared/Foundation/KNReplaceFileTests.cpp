@@ -34,13 +34,14 @@ void fillUp(const QString &folder)
     close(file);
 }
 
-/// Runs `work` on a thread that sees a small file system of its own mounted on `folder`; false where that is not
-/// allowed.
+/// Runs `work` on a thread that sees a small file system of its own mounted on `folder`; false where that is
+/// not allowed.
 bool onSmallFileSystem(const QString &folder, const std::function<void()> &work)
 {
     bool allowed = false;
     std::thread([&] {
-        allowed = unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+        allowed = unshare(CLONE_NEWNS) == 0 &&
+                  mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                   mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, "size=256k") == 0;
         if (allowed)
             work();

@@ -116,7 +116,9 @@ QueryHistory::QueryHistory(const QString &connectionId)
 void QueryHistory::add(const QueryHistoryEntry &entry) const
 {
     queue().add([path = m_path, masked = QueryHistoryEntry(entry)]() mutable {
-        masked.text = KNSQLWithoutSecrets(masked.text).left(LongestText);
+        QStringList secrets;
+        masked.text = KNSQLWithoutSecrets(masked.text, &secrets).left(LongestText);
+        masked.error = KNTextWithoutSecrets(masked.error, secrets);
         if (!append(path, toLine(masked)))
             KNLogHelper::sharedInstance()->logMessage("The query history could not be written: %@", path);
         shorten(path);
