@@ -80,6 +80,17 @@ void requireSortable(const SqlType &type)
             ErrorEffect::EndsBatch);
 }
 
+void requireColumnsBelowLimit(const Query &query)
+{
+    constexpr std::size_t MostColumns = 4096;
+    if (query.columns.size() > MostColumns)
+        throw EngineError(
+            1056, 15, 1,
+            "The number of elements in the select list exceeds the maximum allowed number of 4096 "
+            "elements.",
+            ErrorEffect::EndsBatch);
+}
+
 } // namespace
 
 QueryPtr Binder::bindSelect(const Ast::Select &select)
@@ -200,6 +211,7 @@ void Binder::bindGrouping(const Ast::QuerySpecification &specification, Scope &s
 void Binder::bindItems(const Ast::QuerySpecification &specification, Scope &scope, Query &query)
 {
     for (const Ast::SelectItem &item : specification.items) {
+        requireColumnsBelowLimit(query);
         if (item.star) {
             bindStar(*item.star, scope, query);
             continue;
@@ -222,6 +234,7 @@ void Binder::bindItems(const Ast::QuerySpecification &specification, Scope &scop
                               ErrorEffect::EndsBatch);
         query.columns.push_back(std::move(column));
     }
+    requireColumnsBelowLimit(query);
 }
 
 void Binder::bindStar(const Ast::ObjectName &qualifier, Scope &scope, Query &query)

@@ -106,6 +106,10 @@ SourcePtr Binder::bindTarget(const TableScan &scan, const std::string &name, Sco
 
 SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool lateral)
 {
+    // A chain of common tables or views, each of which names the one before it twice, doubles at every step.
+    constexpr int MostSources = 10'000;
+    if (++m_context.boundSources > MostSources)
+        throw Errors::outOfMemory();
     if (const auto *named = std::get_if<Ast::NamedTable>(&source.node)) {
         if (auto common = findCommon(source, named->name, scope))
             return common;

@@ -163,6 +163,27 @@ EngineError explicitConversion(TypeId from, TypeId to)
             ErrorEffect::EndsBatch};
 }
 
+EngineError outOfMemory()
+{
+    return {701, 17, 123, "There is insufficient system memory in resource pool 'default' to run this query.",
+            ErrorEffect::EndsBatch};
+}
+
+void requireRoom(std::size_t bytes)
+{
+    if (bytes > LargestValue)
+        throw outOfMemory();
+}
+
+EngineError stackLimit()
+{
+    return {8631, 17, 1,
+            "Internal error: Server stack limit has been reached. Please look for potentially deep nesting "
+            "in your "
+            "query, and try to simplify it.",
+            ErrorEffect::EndsBatch};
+}
+
 EngineError divideByZero()
 {
     return {8134, 16, 1, "Divide by zero error encountered."};

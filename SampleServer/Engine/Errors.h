@@ -34,6 +34,13 @@ EngineError invalidOperand(std::string_view type, std::string_view operation); /
 EngineError implicitConversion(TypeId from, TypeId to);                        ///< 257
 EngineError explicitConversion(TypeId from, TypeId to);                        ///< 529
 
+/// The largest value that is made, in bytes.
+inline constexpr std::size_t LargestValue = 256U * 1024 * 1024;
+EngineError outOfMemory(); ///< 701
+/// Throws outOfMemory() for a value that would be larger than LargestValue.
+void requireRoom(std::size_t bytes);
+EngineError stackLimit(); ///< 8631
+
 EngineError divideByZero();                                                                       ///< 8134
 EngineError overflow(std::string_view from, std::string_view to, int state);                      ///< 8115
 EngineError conversionFailed(std::string_view from, std::string_view value, std::string_view to); ///< 245

@@ -35,6 +35,8 @@ struct EvaluationContext
     bool concatNullYieldsNull = true;
     std::uint64_t optionBits = 0; ///< what @@OPTIONS answers
 
+    int boundSources = 0; ///< by the statement, those inside of views and common tables included
+
     std::int64_t rowCount = 0;
     std::int32_t lastError = 0;
     std::int32_t transactionCount = 0;

@@ -174,6 +174,7 @@ Value concatenate(EvaluationContext &, const Operation &operation, Arguments arg
     for (const Value &argument : arguments)
         if (!isNull(argument))
             text += std::get<std::string>(argument);
+    Errors::requireRoom(text.size());
     if (operation.result.length == SqlType::Max ||
         text.size() <= static_cast<std::size_t>(operation.result.length))
         return text;
@@ -186,6 +187,7 @@ Value concatenateBinary(EvaluationContext &, const Operation &operation, Argumen
     for (const Value &argument : arguments)
         if (const auto *part = std::get_if<Bytes>(&argument))
             bytes.insert(bytes.end(), part->begin(), part->end());
+    Errors::requireRoom(bytes.size());
     if (operation.result.length != SqlType::Max)
         bytes.resize(std::min(bytes.size(), static_cast<std::size_t>(operation.result.length)));
     return bytes;

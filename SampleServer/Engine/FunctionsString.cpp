@@ -232,6 +232,8 @@ Value replicate(EvaluationContext &, const Operation &operation, Arguments a)
                                   ? 0x7FFFFFFF
                                   : 4 * static_cast<std::size_t>(operation.result.length);
     const std::string &part = text(a[0]);
+    if (part.size() > 0 && static_cast<std::size_t>(count) > Errors::LargestValue / part.size())
+        Errors::requireRoom(limit);
     std::string result;
     result.reserve(std::min(limit, part.size() * static_cast<std::size_t>(count)));
     for (std::int64_t i = 0; i < count && !part.empty() && result.size() < limit; ++i)
@@ -358,6 +360,7 @@ Value concat(EvaluationContext &, const Operation &operation, Arguments a)
     for (std::size_t i = 0; i < a.size(); ++i)
         if (!isNull(a[i]))
             result += textOf(a[i], operation.arguments[i], 0);
+    Errors::requireRoom(result.size());
     return cut(std::move(result), operation.result);
 }
 

@@ -138,6 +138,8 @@ void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std:
             // It was reported where it happened.
         }
         endDoomedTransaction();
+    } catch (const std::bad_alloc &) {
+        reportLackOfMemory();
     } catch (const BatchCancelled &) {
         // The client knows that it asked for this; its session goes on.
     } catch (...) {
@@ -145,6 +147,13 @@ void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std:
         throw;
     }
     leave();
+}
+
+void Interpreter::reportLackOfMemory()
+{
+    m_tries.clear();
+    EngineError error = Errors::outOfMemory();
+    report(error, m_line);
 }
 
 /// Tells the other sessions what this one does; without a text it keeps the last one.
@@ -264,6 +273,7 @@ Interpreter::Flow Interpreter::runLeaf(const Ast::Statement &statement)
             m_context.statementTimeUtc = currentUtcTime();
         }
         m_uses.clear();
+        m_context.boundSources = 0;
         try {
             return std::visit([this](const auto &node) { return run(node); }, statement.node);
         } catch (const DefinitionsChanged &) {
@@ -330,6 +340,7 @@ bool Interpreter::holds(const Ast::Expression &condition)
     Value value;
     for (bool bound = false; !bound;) {
         m_uses.clear();
+        m_context.boundSources = 0;
         try {
             value = evaluate(*binder().bindCondition(condition));
             bound = true;

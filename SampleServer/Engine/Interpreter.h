@@ -59,6 +59,7 @@ private:
     Flow runStatement(const Ast::Statement &statement);
     Flow runGuarded(const Ast::Statement &statement);
     Flow runLeaf(const Ast::Statement &statement);
+    void reportLackOfMemory();
     void endWithoutCount();
     void endStatement();
     void checkAttention();

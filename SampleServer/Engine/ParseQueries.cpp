@@ -93,11 +93,20 @@ ForXml Parser::parseForXml()
     return result;
 }
 
+/// Queries that are combined stand one inside of the other.
+void Parser::countSetOperator()
+{
+    constexpr int MostSetOperators = 499; // SQLite combines 500 queries
+    if (++m_setOperators > MostSetOperators)
+        fail(Errors::stackLimit(), current().line);
+}
+
 std::unique_ptr<Query> Parser::parseQuery()
 {
     const NestingGuard guard(*this);
     auto left = parseIntersection();
     while (isKeyword("UNION") || isKeyword("EXCEPT")) {
+        countSetOperator();
         auto combined = std::make_unique<Query>();
         combined->line = left->line;
         if (acceptKeyword("UNION"))
@@ -119,6 +128,7 @@ std::unique_ptr<Query> Parser::parseIntersection()
 {
     auto left = parseQueryTerm();
     while (isKeyword("INTERSECT")) {
+        countSetOperator();
         require(Edition::Sql2008);
         ++m_at;
         auto combined = std::make_unique<Query>();

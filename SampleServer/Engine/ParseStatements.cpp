@@ -15,6 +15,7 @@ StatementPtr Parser::parseStatement()
     }
     const int line = current().line;
     m_statementLine = line;
+    m_setOperators = 0;
     const bool isFirst = m_at == 0;
     const std::string keyword = current().keyword;
     StatementPtr result;

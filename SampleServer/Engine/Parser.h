@@ -156,6 +156,7 @@ private:
     Ast::TableSourcePtr parseJoinedTable();
     Ast::TableSourcePtr parseJoin(Ast::JoinKind kind, Ast::TableSourcePtr left);
     Ast::TableSourcePtr parseNamedTable();
+    void countSetOperator();
     void requireNoInto(const Ast::Query &query) const;
     Ast::TableSourcePtr parseTable();
     Ast::TableSourcePtr parseParenthesizedTable();
@@ -203,6 +204,7 @@ private:
     const Edition m_edition;
     std::size_t m_at = 0;
     int m_nesting = 0;
+    int m_setOperators = 0; ///< of the statement
     int m_statementLine = 1;
     int m_loops = 0;                        ///< how many WHILE loops are around
     std::string m_module;                   ///< the one that is defined here, for errors

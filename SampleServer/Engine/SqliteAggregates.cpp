@@ -182,7 +182,7 @@ State &stateOf(sqlite3_context *context)
 {
     auto **place = static_cast<State **>(sqlite3_aggregate_context(context, sizeof(State *)));
     if (!place)
-        throw EngineError(701, 17, 1, "There is insufficient system memory to run this query.");
+        throw Errors::outOfMemory();
     if (!*place)
         *place = new State();
     return **place;

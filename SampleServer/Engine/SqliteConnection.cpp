@@ -1,5 +1,6 @@
 #include "Engine/SqliteConnection.h"
 #include "Engine/EngineError.h"
+#include "Engine/Errors.h"
 #include "Engine/RowProvider.h"
 #include "Engine/ScopedValue.h"
 #include "Engine/SqliteCodec.h"
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::size_t MaxIdleStatements = 100;
 constexpr std::size_t MaxAttached = 9; ///< SQLite's limit is ten
+constexpr int LargestJoin = 200;       ///< tables; SQLite's limit
 constexpr int ProgressSteps = 2000;    ///< instructions between two looks at the client
 
 } // namespace
@@ -126,9 +128,10 @@ SqliteConnection::SqliteConnection(EvaluationContext &context,
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(":memory:", &m_db, flags, nullptr) != SQLITE_OK) {
         sqlite3_close(m_db);
-        throw EngineError(701, 17, 1, "There is insufficient system memory to run this query.");
+        throw Errors::outOfMemory();
     }
     sqlite3_extended_result_codes(m_db, 1);
+    sqlite3_limit(m_db, SQLITE_LIMIT_LENGTH, static_cast<int>(Errors::LargestValue));
     registerFunctions(m_db, *this);
     registerRowGenerator(m_db);
     registerRowProviders(m_db, *this);
@@ -229,7 +232,14 @@ void SqliteConnection::throwError(int code)
         throw BatchCancelled();
     if ((code & 0xFF) == SQLITE_CONSTRAINT)
         throw SqliteConstraintError();
+    if ((code & 0xFF) == SQLITE_TOOBIG || (code & 0xFF) == SQLITE_NOMEM)
+        throw Errors::outOfMemory();
     const std::string text = sqlite3_errmsg(m_db);
+    if (text.find("too many FROM clause terms") != std::string::npos)
+        throw EngineError(106, 15, 1,
+                          "Too many table names in the query. The maximum allowable is " +
+                              std::to_string(LargestJoin) + '.',
+                          ErrorEffect::EndsBatch);
     if (text.find("Expression tree is too large") != std::string::npos ||
         text.find("parser stack overflow") != std::string::npos)
         throw EngineError(

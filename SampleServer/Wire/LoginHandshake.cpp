@@ -6,6 +6,9 @@
 #include "Wire/ProtocolError.h"
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
+
 #include <sys/random.h>
 
 namespace SampleServer {
@@ -33,6 +36,30 @@ Ntlm::Challenge randomChallenge()
     if (::getrandom(challenge.data(), challenge.size(), 0) != static_cast<ssize_t>(challenge.size()))
         throw std::runtime_error("There are no random numbers for a challenge.");
     return challenge;
+}
+
+/// Passwords are not to be tried by the thousand: each further failure in a row is answered a little later.
+class LoginBrake
+{
+public:
+    void failed()
+    {
+        constexpr int FreeFailures = 20;
+        constexpr int LongestPause = 500; // milliseconds
+        const int failures = ++m_failures;
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(std::clamp(25 * (failures - FreeFailures), 0, LongestPause)));
+    }
+    void succeeded() { m_failures = 0; }
+
+private:
+    std::atomic<int> m_failures = 0; ///< in a row
+};
+
+LoginBrake &loginBrake()
+{
+    static LoginBrake brake;
+    return brake;
 }
 
 } // namespace
@@ -116,8 +143,11 @@ std::optional<std::string> LoginHandshake::provenAccount(const Login7 &login, To
     const bool known = login.integratedSecurity ? authenticateNtlm(login.sspi, account)
                                                 : sameName(login.userName, m_settings.user) &&
                                                       login.password == m_settings.password;
-    if (known)
+    if (known) {
+        loginBrake().succeeded();
         return account;
+    }
+    loginBrake().failed();
     refuse(tokens, account);
     return std::nullopt;
 }

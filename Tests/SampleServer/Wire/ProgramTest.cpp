@@ -68,6 +68,18 @@ TEST(SampleServerProgram, TakesItsPasswordFromTheEnvironment)
     EXPECT_TRUE(accepts(named, login));
 }
 
+TEST(SampleServerProgram, AnswersManyFailedLoginsLater)
+{
+    const SampleServerFixture server;
+    for (int i = 0; i < 20; ++i)
+        EXPECT_FALSE(accepts(server, loginWith(u"wrong")));
+    const auto start = Clock::now();
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FALSE(accepts(server, loginWith(u"wrong")));
+    EXPECT_GE(Clock::now() - start, 25ms + 50ms + 75ms + 100ms);
+    EXPECT_TRUE(accepts(server, loginWith(u"Sample-1")));
+}
+
 TEST(SampleServerProgram, OffersNoHigherVersionThanItIsTold)
 {
     const SampleServerFixture server({{"--tds", "7.1"}, {}});

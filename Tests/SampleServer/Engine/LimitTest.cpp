@@ -1,0 +1,79 @@
+#include "Engine/Server.h"
+#include "Engine/Session.h"
+#include "Support/RecordingSink.h"
+
+#include <gtest/gtest.h>
+
+using namespace SampleServer;
+
+// Statements that would take the machine's stack or memory are refused with the server's errors, and the session goes on.
+
+namespace {
+
+std::string repeated(const std::string &part, int count)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += part;
+    return text;
+}
+
+/// The errors of a batch; 0 when the session does not answer afterwards.
+std::vector<std::int32_t> errorsOf(const std::string &sql)
+{
+    Session session(std::make_shared<Server>(Server::Options()), "sa", "shop");
+    RecordingSink sink;
+    session.executeBatch(sql, sink);
+    RecordingSink next;
+    session.executeBatch("SELECT 5", next);
+    return next.scalar() == "5" ? sink.errors() : std::vector<std::int32_t>{0};
+}
+
+using Errors = std::vector<std::int32_t>;
+
+} // namespace
+
+TEST(Limits, OfCombinedQueriesAreAnError)
+{
+    EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 20'000)), Errors{8631});
+    EXPECT_EQ(errorsOf("SELECT 1" + repeated(" INTERSECT SELECT 1", 20'000)), Errors{8631});
+    EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 10)), Errors{});
+}
+
+TEST(Limits, OfColumnsAreAnError)
+{
+    EXPECT_EQ(errorsOf("SELECT 1" + repeated(", 1", 70'000)), Errors{1056});
+    EXPECT_EQ(errorsOf("SELECT * FROM Customers" + repeated(", Customers c", 1)), Errors{});
+}
+
+TEST(Limits, OfTablesAreAnError)
+{
+    std::string sql = "SELECT 1 FROM (SELECT 1 AS a) t0";
+    for (int i = 1; i < 300; ++i)
+        sql += " CROSS JOIN (SELECT 1 AS a) t" + std::to_string(i);
+    EXPECT_EQ(errorsOf(sql), Errors{106});
+}
+
+TEST(Limits, OfCommonTablesThatDoubleAreAnError)
+{
+    std::string sql = "WITH c0 AS (SELECT 1 AS x)";
+    for (int i = 1; i < 30; ++i) {
+        const std::string before = std::to_string(i - 1);
+        sql += ", c" + std::to_string(i) + " AS (SELECT a.x FROM c" + before + " a CROSS JOIN c" + before + " b)";
+    }
+    EXPECT_EQ(errorsOf(sql + " SELECT COUNT(*) FROM c29"), Errors{701});
+}
+
+TEST(Limits, OfValuesAreAnError)
+{
+    EXPECT_EQ(errorsOf("SELECT LEN(REPLICATE(CAST('x' AS varchar(max)), 2147483647))"), Errors{701});
+    EXPECT_EQ(errorsOf("DECLARE @v varchar(max) = REPLICATE(CAST('x' AS varchar(max)), 200000000) "
+                       "SET @v = @v + @v"),
+              Errors{701});
+}
+
+TEST(Limits, OfNestingAreAnError)
+{
+    EXPECT_EQ(errorsOf("SELECT " + repeated("(", 20'000) + "1" + repeated(")", 20'000)), Errors{191});
+    EXPECT_EQ(errorsOf("SELECT 1 WHERE 1=1" + repeated(" AND 1=1", 20'000)), Errors{191});
+}
