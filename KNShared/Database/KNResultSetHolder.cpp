@@ -1,9 +1,36 @@
 #include "Database/KNResultSetHolder.h"
 
+#include <algorithm>
+
 QList<KNDatabaseResultSetPtr> KNResultSetHolder::resultSets() const
 {
     const std::lock_guard lock(m_mutex);
-    return QList<KNDatabaseResultSetPtr>(m_resultSets.begin(), m_resultSets.end());
+    QList<KNDatabaseResultSetPtr> resultSets;
+    resultSets.reserve(std::ssize(m_entries));
+    for (const Entry &entry : m_entries)
+        resultSets.append(entry.resultSet);
+    return resultSets;
+}
+
+QList<KNDatabaseResultSetPtr> KNResultSetHolder::newResultSets(Position *position) const
+{
+    const std::lock_guard lock(m_mutex);
+    auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), *position,
+                                  [](const Entry &e, Position p) { return e.number < p; });
+    QList<KNDatabaseResultSetPtr> resultSets;
+    for (; entry != m_entries.end(); ++entry)
+        resultSets.append(entry->resultSet);
+    *position = m_nextNumber;
+    return resultSets;
+}
+
+QList<KNDatabaseResultSetPtr> KNResultSetHolder::takeResultSets()
+{
+    Position position = 0;
+    QList<KNDatabaseResultSetPtr> resultSets = newResultSets(&position);
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_entries, [position](const Entry &entry) { return entry.number < position; });
+    return resultSets;
 }
 
 void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
@@ -11,14 +38,18 @@ void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
     const std::lock_guard lock(m_mutex);
     resultSet->rows().setReadAhead(m_readAhead);
     resultSet->rows().setRowLimit(m_rowLimit);
-    m_resultSets.push_back(resultSet);
+    m_entries.push_back({m_nextNumber++, resultSet});
     m_appended.notify_all();
 }
 
 void KNResultSetHolder::remove(const KNDatabaseResultSetPtr &resultSet)
 {
     const std::lock_guard lock(m_mutex);
-    std::erase(m_resultSets, resultSet);
+    // It is nearly always the last one.
+    const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                    [&](const Entry &entry) { return entry.resultSet == resultSet; });
+    if (found != m_entries.rend())
+        m_entries.erase(std::prev(found.base()));
 }
 
 KNError KNResultSetHolder::failure() const
@@ -64,6 +95,6 @@ void KNResultSetHolder::setRowLimit(qsizetype rows)
 bool KNResultSetHolder::waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const
 {
     std::unique_lock lock(m_mutex);
-    m_appended.wait_for(lock, timeout, [&] { return std::ssize(m_resultSets) > count; });
-    return std::ssize(m_resultSets) > count;
+    m_appended.wait_for(lock, timeout, [&] { return std::ssize(m_entries) > count; });
+    return std::ssize(m_entries) > count;
 }

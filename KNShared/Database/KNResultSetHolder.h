@@ -23,8 +23,16 @@ public:
     KNResultSetHolder(const KNResultSetHolder &) = delete;
     KNResultSetHolder &operator=(const KNResultSetHolder &) = delete;
 
-    /// A copy of the list; the result sets themselves are shared.
+    /// A reader's position in the list: which result sets it has seen, counting those that were taken out.
+    using Position = quint64;
+
+    /// A copy of the list; the result sets themselves are shared. It costs as much as the list is long: what
+    /// looks again and again asks for newResultSets().
     QList<KNDatabaseResultSetPtr> resultSets() const;
+    /// The result sets that were appended behind `*position`, which begins as 0 and is moved behind them.
+    QList<KNDatabaseResultSetPtr> newResultSets(Position *position) const;
+    /// Takes all result sets out, for a reader that prints and forgets them.
+    QList<KNDatabaseResultSetPtr> takeResultSets();
     void append(const KNDatabaseResultSetPtr &resultSet);
     /// Takes a result set out again; nothing happens when it is not there.
     void remove(const KNDatabaseResultSetPtr &resultSet);
@@ -49,9 +57,16 @@ public:
     bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
 
 private:
+    struct Entry
+    {
+        Position number; ///< ascending from 0; not reused
+        KNDatabaseResultSetPtr resultSet;
+    };
+
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_appended;
-    std::vector<KNDatabaseResultSetPtr> m_resultSets; ///< guarded by m_mutex, as all below
+    std::vector<Entry> m_entries; ///< guarded by m_mutex, as all below
+    Position m_nextNumber = 0;
     qint64 m_totalResultCount = 0;
     qsizetype m_readAhead = 0;
     qsizetype m_rowLimit = 0;

@@ -1,7 +1,11 @@
 #include "Database/KNRowCell.h"
 
+#include "Database/KNReadFixed.h"
+#include "Foundation/KNFormat.h"
+
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -15,14 +19,6 @@ std::size_t readVarint(const unsigned char *&position)
         shift += 7;
     }
     return number | static_cast<std::size_t>(*position++) << shift;
-}
-
-template <typename Fixed>
-Fixed readFixed(const unsigned char *position)
-{
-    Fixed value;
-    std::memcpy(&value, position, sizeof value);
-    return value;
 }
 
 QString guidText(const unsigned char *b)
@@ -49,6 +45,37 @@ KNValue textValue(const unsigned char *data, std::size_t length)
     return KNValue(text.isNull() ? QStringLiteral("") : text);
 }
 
+QString replacedText(const unsigned char *data, std::size_t length)
+{
+    const QString text = QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(length)));
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+QByteArray bytesOf(const unsigned char *data, std::size_t length)
+{
+    return QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length));
+}
+
+/// "2020-01-02 05:04:05:1234567 +02:00": connectors' code expects the fraction behind a colon, "000" for none
+/// and for the first second of a day in UTC, and a minus sign from an hour on.
+QString offsetDateText(const KNDateTime &date)
+{
+    const int offset = date.offsetMinutes;
+    const KNDateTime local = {.ticks = date.ticks + offset * KNDateTime::TicksPerMinute, .fractionDigits = 0};
+    const qint64 remainder = date.ticks % KNDateTime::TicksPerDay;
+    const qint64 ticksOfDay = remainder < 0 ? remainder + KNDateTime::TicksPerDay : remainder;
+    QString fraction = QStringLiteral("000");
+    if (date.fractionDigits > 0 && ticksOfDay >= KNDateTime::TicksPerSecond)
+        fraction = QString::number(ticksOfDay).right(7).left(date.fractionDigits);
+    return KNFormat("%@:%@ %@%02ld:%02ld", local.toString(), fraction, offset < -59 ? "-" : "+",
+                    std::abs(offset) / 60, std::abs(offset) % 60);
+}
+
+bool isFlagSet(const unsigned char *data, std::size_t length)
+{
+    return std::any_of(data, data + std::min<std::size_t>(length, 4), [](unsigned char b) { return b != 0; });
+}
+
 } // namespace
 
 KNRowCell KNRowCell::at(const unsigned char *position)
@@ -61,6 +88,7 @@ KNRowCell KNRowCell::at(const unsigned char *position)
         return {tag, position, 0};
     case Int32:
     case Float:
+    case FloatMoney:
         return {tag, position, 4};
     case Int64:
     case Double:
@@ -69,11 +97,14 @@ KNRowCell KNRowCell::at(const unsigned char *position)
         return {tag, position, 16};
     case Date:
         return {tag, position, 9};
+    case OffsetDate:
+        return {tag, position, 11};
     case Decimal:
     case NegativeDecimal:
         return {tag, position, 2 + std::size_t{position[1]}};
     case Text:
-    case Bytes: {
+    case Bytes:
+    case FlagBytes: {
         const std::size_t length = readVarint(position);
         return {tag, position, length};
     }
@@ -91,26 +122,27 @@ KNValue KNRowCell::value() const
     case True:
         return KNValue(true);
     case Int32:
-        return KNValue(readFixed<qint32>(data));
+        return KNValue(KNReadFixed<qint32>(data));
     case Int64:
-        return KNValue(readFixed<qint64>(data));
+        return KNValue(KNReadFixed<qint64>(data));
     case Float:
-        return KNValue(readFixed<float>(data));
+        return KNValue(KNReadFixed<float>(data));
     case Double:
-        return KNValue(readFixed<double>(data));
+        return KNValue(KNReadFixed<double>(data));
     case Text:
         return textValue(data, length);
     case Bytes:
-        return KNValue(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length)));
+        return KNValue(bytesOf(data, length));
+    case FlagBytes:
+        return KNValue(isFlagSet(data, length));
+    case FloatMoney:
+        return KNValue(static_cast<float>(KNReadFixed<qint32>(data) / 10000.0));
+    case OffsetDate:
+        return KNValue(offsetDateText(dateTime()));
     case Guid:
         return KNValue(guidText(data));
-    case Date: {
-        KNDateTime date;
-        date.parts = static_cast<KNDateTime::Parts>(data[0] >> 4);
-        date.fractionDigits = data[0] & 15;
-        date.ticks = readFixed<qint64>(data + 1);
-        return KNValue(date);
-    }
+    case Date:
+        return KNValue(dateTime());
     case Decimal:
     case NegativeDecimal: {
         const auto decimal = KNDecimal::fromBigEndian(data + 2, data[1], tag == NegativeDecimal, data[0]);
@@ -122,12 +154,56 @@ KNValue KNRowCell::value() const
 
 KNValue KNRowCell::value(std::size_t limit) const
 {
+    return limitedTo(limit).value();
+}
+
+KNValue KNRowCell::storedValue() const
+{
+    switch (tag) {
+    case Text:
+        return KNValue(replacedText(data, length));
+    case FlagBytes:
+        return KNValue(bytesOf(data, length));
+    case OffsetDate:
+        return KNValue(dateTime());
+    case FloatMoney:
+        return KNValue(*KNDecimal(KNReadFixed<qint32>(data)).multipliedByPowerOf10(-4));
+    default:
+        return value();
+    }
+}
+
+KNValue KNRowCell::storedValue(std::size_t limit) const
+{
+    return limitedTo(limit).storedValue();
+}
+
+bool KNRowCell::isNumber() const
+{
+    return (tag >= False && tag <= Double) || tag == Decimal || tag == NegativeDecimal || tag == FloatMoney;
+}
+
+KNDateTime KNRowCell::dateTime() const
+{
+    KNDateTime date;
+    if (tag != Date && tag != OffsetDate)
+        return date;
+    date.parts = static_cast<KNDateTime::Parts>(data[0] >> 4);
+    date.fractionDigits = data[0] & 15;
+    date.ticks = KNReadFixed<qint64>(data + 1);
+    if (tag == OffsetDate)
+        date.offsetMinutes = KNReadFixed<qint16>(data + 9);
+    return date;
+}
+
+KNRowCell KNRowCell::limitedTo(std::size_t limit) const
+{
     KNRowCell cut = *this;
-    if ((tag == Text || tag == Bytes) && length > limit) {
+    if ((tag == Text || tag == Bytes || tag == FlagBytes) && length > limit) {
         cut.length = limit;
-        // A byte of the form 10xxxxxx goes on with a character.
+        // A byte of the form 10xxxxxx continues a character.
         while (tag == Text && cut.length > 0 && (data[cut.length] & 0xC0) == 0x80)
             --cut.length;
     }
-    return cut.value();
+    return cut;
 }

@@ -1,5 +1,7 @@
 #include "Database/KNRowStore.h"
 
+#include "Database/KNReadFixed.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
@@ -18,14 +20,6 @@ std::size_t writeVarint(unsigned char *place, std::size_t number)
     }
     place[written++] = static_cast<unsigned char>(number);
     return written;
-}
-
-template <typename Fixed>
-Fixed readFixed(const unsigned char *position)
-{
-    Fixed value;
-    std::memcpy(&value, position, sizeof value);
-    return value;
 }
 
 } // namespace
@@ -49,7 +43,10 @@ struct KNRowStore::Block
     {
         return bytes + capacity - SlotSize * static_cast<std::size_t>(indexInBlock + 1);
     }
-    const unsigned char *row(qsizetype row) const { return bytes + readFixed<quint32>(slot(row - firstRow)); }
+    const unsigned char *row(qsizetype row) const
+    {
+        return bytes + KNReadFixed<quint32>(slot(row - firstRow));
+    }
 
     qsizetype firstRow;
     std::size_t capacity;
@@ -80,10 +77,13 @@ void KNRowStore::appendGuid(const unsigned char *bytes)
 
 void KNRowStore::appendDate(const KNDateTime &value)
 {
-    unsigned char *place = reserve(10);
-    place[0] = KNRowCell::Date;
+    const bool hasOffset = value.offsetMinutes != KNDateTime::NoOffset;
+    unsigned char *place = reserve(hasOffset ? 12 : 10);
+    place[0] = hasOffset ? KNRowCell::OffsetDate : KNRowCell::Date;
     place[1] = static_cast<unsigned char>(static_cast<int>(value.parts) << 4 | value.fractionDigits);
     std::memcpy(place + 2, &value.ticks, sizeof value.ticks);
+    if (hasOffset)
+        std::memcpy(place + 10, &value.offsetMinutes, sizeof value.offsetMinutes);
 }
 
 void KNRowStore::appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale)
@@ -289,8 +289,10 @@ void KNRowStore::discardBefore(qsizetype row)
 {
     const std::lock_guard lock(m_mutex);
     m_discarded = std::clamp(row, m_discarded, m_published);
-    while (m_blocks.size() > 1 && m_blocks[1]->firstRow <= m_discarded)
-        m_blocks.pop_front();
+    const auto behind = std::upper_bound(m_blocks.begin(), m_blocks.end(), m_discarded,
+                                         [](qsizetype r, const auto &block) { return r < block->firstRow; });
+    if (behind - m_blocks.begin() > 1)
+        m_blocks.erase(m_blocks.begin(), std::prev(behind));
     m_changed.notify_all();
 }
 

@@ -8,9 +8,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
-#include <deque>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 /// One row of values, in column order.
 using KNRow = QList<KNValue>;
@@ -50,7 +50,15 @@ public:
     /// The sixteen bytes of a GUID as SQL Server stores it (the first three groups little-endian). Reads as
     /// its standard text form.
     void appendGuid(const unsigned char *bytes);
+    /// With an offset, value() of the cell is text; see KNRowCell.
     void appendDate(const KNDateTime &value);
+    /// An amount in ten-thousandths, which a connector's code reads as a float.
+    void appendFloatMoney(qint32 amount) { appendFixed(KNRowCell::FloatMoney, amount); }
+    /// Bytes whose type is not known, which a connector's code reads as a boolean.
+    void appendFlagBytes(const void *bytes, std::size_t length)
+    {
+        appendVariable(KNRowCell::FlagBytes, bytes, length);
+    }
     /// A decimal as its magnitude in big-endian bytes; see KNDecimal::fromBigEndian. Reads as null when it is
     /// none.
     void appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale);
@@ -127,13 +135,13 @@ private:
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
-    std::deque<std::unique_ptr<Block>> m_blocks; ///< guarded by m_mutex; ordered by their first row
-    qsizetype m_columnCount = 0;                 ///< guarded by m_mutex
-    qsizetype m_published = 0;                   ///< guarded by m_mutex
-    qsizetype m_discarded = 0;                   ///< guarded by m_mutex
-    qsizetype m_dropped = 0;                     ///< guarded by m_mutex
-    qsizetype m_readAhead = 0;                   ///< guarded by m_mutex
-    bool m_closed = false;                       ///< guarded by m_mutex
-    Block *m_writing = nullptr;                  ///< the last block; writing thread only
-    std::size_t m_nextBlockSize = 1024;          ///< writing thread only
+    std::vector<std::unique_ptr<Block>> m_blocks; ///< guarded by m_mutex; ordered by their first row
+    qsizetype m_columnCount = 0;                  ///< guarded by m_mutex
+    qsizetype m_published = 0;                    ///< guarded by m_mutex
+    qsizetype m_discarded = 0;                    ///< guarded by m_mutex
+    qsizetype m_dropped = 0;                      ///< guarded by m_mutex
+    qsizetype m_readAhead = 0;                    ///< guarded by m_mutex
+    bool m_closed = false;                        ///< guarded by m_mutex
+    Block *m_writing = nullptr;                   ///< the last block; writing thread only
+    std::size_t m_nextBlockSize = 1024;           ///< writing thread only
 };

@@ -3,8 +3,8 @@
 #include "Export/DeviceWriter.h"
 
 /// Comma-separated values after RFC 4180, with a header line and LF line ends. NULL is an empty field and
-/// empty text is
-/// "", so that both survive. An empty line stands between results.
+/// empty text is "". In a result of one column, where an empty field would be an empty line, NULL is the word
+/// NULL and the text NULL is in quotes. An empty line stands between results.
 class KNSHARED_EXPORT CsvWriter : public DeviceWriter
 {
 public:
@@ -14,9 +14,11 @@ public:
     }
 
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override;
 
 private:
+    void writeField(const KNRowCell &cell, bool isOnly);
+
     bool m_isFirst = true;
 };

@@ -2,18 +2,24 @@
 
 #include <QFileDevice>
 
-void DeviceWriter::write(const QByteArray &utf8)
+void DeviceWriter::write(QByteArrayView utf8)
 {
-    constexpr qsizetype PieceSize = 64 * 1024;
-    m_pending += utf8;
+    m_pending.append(utf8);
+    flushLargePiece();
+}
+
+void DeviceWriter::flushLargePiece()
+{
+    constexpr std::size_t PieceSize = 64 * 1024;
     if (m_pending.size() >= PieceSize)
         flush();
 }
 
 void DeviceWriter::flush()
 {
-    if (m_good && !m_pending.isEmpty())
-        m_good = m_device.write(m_pending) == m_pending.size();
+    const auto size = static_cast<qint64>(m_pending.size());
+    if (m_good && size > 0)
+        m_good = m_device.write(m_pending.data(), size) == size;
     m_pending.clear();
     // A file device buffers as well.
     if (auto *file = qobject_cast<QFileDevice *>(&m_device); file && m_good)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Database/KNByteBuffer.h"
 #include "Export/ResultWriter.h"
 
-#include <QByteArray>
 #include <QIODevice>
 
 /// A writer of text in UTF-8 onto a device, which must outlive it.
@@ -16,12 +16,15 @@ protected:
         : m_device(device)
     {
     }
-    /// Collects text in UTF-8 and hands it over in large pieces.
-    void write(const QByteArray &utf8);
+    /// What is collected for the device. After a row, call flushLargePiece().
+    KNByteBuffer &buffer() { return m_pending; }
+    void write(QByteArrayView utf8);
+    /// Writes to the device once there is enough to be worth a call.
+    void flushLargePiece();
     void flush();
 
 private:
     QIODevice &m_device;
-    QByteArray m_pending;
+    KNByteBuffer m_pending;
     bool m_good = true;
 };

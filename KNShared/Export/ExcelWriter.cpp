@@ -77,15 +77,15 @@ void ExcelWriter::beginResult(const QStringList &columnNames)
     beginSheet();
 }
 
-void ExcelWriter::writeRow(const KNRow &row)
+void ExcelWriter::writeRow(Cells cells)
 {
     if (!m_good)
         return;
     if (m_row >= m_rowsPerSheet)
         beginSheet();
     quint16 column = 0;
-    for (const KNValue &value : row)
-        writeCell(column++, value);
+    for (const KNRowCell &cell : cells)
+        writeCell(column++, cell.storedValue());
     ++m_row;
 }
 
@@ -126,9 +126,12 @@ QStringList ExcelWriter::remarks() const
         remarks.append(remark(m_roundedNumbers, "One floating number was rounded to 16 digits.",
                               "%lld floating numbers were rounded to 16 digits."));
     if (m_datesAsText > 0)
-        remarks.append(
-            remark(m_datesAsText, "One date is text: it is finer than a millisecond or before March 1900.",
-                   "%lld dates are text: they are finer than a millisecond or before March 1900."));
+        remarks.append(remark(
+            m_datesAsText,
+            "One date is text: a cell's date has no offset, no parts of a millisecond and begins in March "
+            "1900.",
+            "%lld dates are text: a cell's date has no offset, no parts of a millisecond and begins in "
+            "March 1900."));
     return remarks;
 }
 
@@ -192,6 +195,9 @@ void ExcelWriter::writeText(quint16 column, const QString &text, lxw_format *for
 bool ExcelWriter::writeDate(quint16 column, const KNDateTime &date)
 {
     const bool isTime = date.parts == KNDateTime::Parts::Time;
+    // A cell's date has no offset, and its longest time of day ends before 24:00.
+    if (date.offsetMinutes != KNDateTime::NoOffset || (isTime && date.ticks >= TicksOfDay))
+        return false;
     if (date.ticks % TicksOfMillisecond != 0 || date.ticks < (isTime ? 0 : FirstDay * TicksOfDay))
         return false;
     double serial = static_cast<double>(date.ticks) / static_cast<double>(TicksOfDay);

@@ -9,8 +9,8 @@ struct lxw_worksheet;
 struct lxw_format;
 
 /// An Excel workbook with the rows of one result. What a cell cannot hold exactly is text as it is stored:
-/// exact numbers of more than 15 digits, dates before March 1900 or finer than a millisecond. Rows beyond
-/// what a sheet holds go on in a further one. NULL is an empty cell.
+/// exact numbers of more than 15 digits, dates with an offset, before March 1900 or finer than a millisecond.
+/// Rows beyond what a sheet holds go on in a further one. NULL is an empty cell.
 class KNSHARED_EXPORT ExcelWriter : public ResultWriter
 {
 public:
@@ -23,7 +23,7 @@ public:
     ~ExcelWriter() override;
 
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override {}
     void endRun() override;
     bool isGood() const override { return m_good; }

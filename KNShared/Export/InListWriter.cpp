@@ -7,9 +7,10 @@ void InListWriter::beginResult(const QStringList &)
     write("(");
 }
 
-void InListWriter::writeRow(const KNRow &row)
+void InListWriter::writeRow(Cells cells)
 {
-    for (const KNValue &value : row) {
+    for (const KNRowCell &cell : cells) {
+        const KNValue value = cell.storedValue();
         if (value.isNull()) {
             m_hadNull = true;
             continue;

@@ -17,7 +17,7 @@ public:
     }
 
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override;
     QStringList remarks() const override;
 

@@ -12,15 +12,15 @@ void InsertWriter::beginResult(const QStringList &columnNames)
     m_rowsInStatement = 0;
 }
 
-void InsertWriter::writeRow(const KNRow &row)
+void InsertWriter::writeRow(Cells cells)
 {
     if (m_rowsInStatement == RowsPerStatement) {
         write(";\r\n");
         m_rowsInStatement = 0;
     }
     QStringList values;
-    for (const KNValue &value : row)
-        values.append(m_details->literal(value));
+    for (const KNRowCell &cell : cells)
+        values.append(m_details->literal(cell.storedValue()));
     write((m_rowsInStatement == 0 ? m_head : QByteArray(",\r\n")) + "\t(" +
           values.join(QLatin1String(", ")).toUtf8() + ')');
     ++m_rowsInStatement;

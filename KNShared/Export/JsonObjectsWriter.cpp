@@ -26,16 +26,18 @@ void JsonObjectsWriter::beginResult(const QStringList &columnNames)
     write("[");
 }
 
-void JsonObjectsWriter::writeRow(const KNRow &row)
+void JsonObjectsWriter::writeRow(Cells cells)
 {
-    QByteArray object = m_isFirstRow ? "\n  {" : ",\n  {";
+    buffer().append(m_isFirstRow ? "\n  {" : ",\n  {");
     m_isFirstRow = false;
-    for (qsizetype i = 0; i < row.size(); ++i) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
         if (i > 0)
-            object += ", ";
-        object += m_keys[i] + jsonValue(row[i]);
+            buffer().append(", ");
+        buffer().append(m_keys[static_cast<qsizetype>(i)]);
+        appendJsonValue(buffer(), cells[i]);
     }
-    write(object + '}');
+    buffer().append('}');
+    flushLargePiece();
 }
 
 void JsonObjectsWriter::endResult()

@@ -13,7 +13,7 @@ public:
     }
 
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override;
 
 private:

@@ -1,57 +1,78 @@
 #include "Export/JsonText.h"
 
-QByteArray jsonString(const QString &text)
+#include "Database/KNCellText.h"
+
+#include <array>
+
+namespace {
+
+/// What stands for a byte behind a backslash: itself, a letter, or 'u' for \u00xx; 0 when it needs none.
+constexpr auto JsonEscapes = [] {
+    std::array<char, 256> escapes = {};
+    for (std::size_t byte = 0; byte < 0x20; ++byte)
+        escapes[byte] = 'u';
+    escapes['\n'] = 'n';
+    escapes['\r'] = 'r';
+    escapes['\t'] = 't';
+    escapes['"'] = '"';
+    escapes['\\'] = '\\';
+    return escapes;
+}();
+
+void appendJsonString(KNByteBuffer &to, QByteArrayView utf8)
 {
     static constexpr char digits[] = "0123456789abcdef";
-    QByteArray json = "\"";
-    const QByteArray utf8 = text.toUtf8();
-    for (const char c : utf8) {
-        switch (c) {
-        case '"':
-            json += "\\\"";
+    to.append('"');
+    const char *const end = utf8.end();
+    for (const char *run = utf8.begin(); run != end;) {
+        const char *const special =
+            std::find_if(run, end, [](char c) { return JsonEscapes[static_cast<unsigned char>(c)] != 0; });
+        to.append(run, static_cast<std::size_t>(special - run));
+        if (special == end)
             break;
-        case '\\':
-            json += "\\\\";
-            break;
-        case '\n':
-            json += "\\n";
-            break;
-        case '\r':
-            json += "\\r";
-            break;
-        case '\t':
-            json += "\\t";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                json += "\\u00";
-                json += digits[c >> 4];
-                json += digits[c & 15];
-            } else {
-                json += c;
-            }
+        const char escape = JsonEscapes[static_cast<unsigned char>(*special)];
+        to.append('\\');
+        to.append(escape);
+        if (escape == 'u') {
+            to.append("00");
+            to.append(digits[*special >> 4]);
+            to.append(digits[*special & 15]);
         }
+        run = special + 1;
     }
-    return json + '"';
+    to.append('"');
 }
 
-QByteArray jsonValue(const KNValue &value)
+bool isNoJsonNumber(const KNRowCell &cell)
 {
-    switch (value.kind()) {
-    case KNValue::Kind::Null:
-        return "null";
-    case KNValue::Kind::Bool:
-        return value.toBool() ? "true" : "false";
-    case KNValue::Kind::Int32:
-    case KNValue::Kind::Int64:
-    case KNValue::Kind::Float:
-    case KNValue::Kind::Double:
-    case KNValue::Kind::Decimal:
-        return value.displayText().toUtf8();
-    case KNValue::Kind::Text:
-    case KNValue::Kind::Date:
-    case KNValue::Kind::Bytes:
-        return jsonString(value.displayText());
+    return (cell.tag == KNRowCell::Float || cell.tag == KNRowCell::Double) &&
+           !qIsFinite(cell.value().toDouble());
+}
+
+} // namespace
+
+QByteArray jsonString(const QString &text)
+{
+    KNByteBuffer json;
+    appendJsonString(json, text.toUtf8());
+    return QByteArray(json.data(), static_cast<qsizetype>(json.size()));
+}
+
+void appendJsonValue(KNByteBuffer &to, const KNRowCell &cell)
+{
+    if (cell.tag == KNRowCell::Text) {
+        QByteArray repaired;
+        return appendJsonString(to, KNCellText::validText(cell, repaired));
     }
-    return "null";
+    if (cell.tag == KNRowCell::False || cell.tag == KNRowCell::True)
+        return to.append(cell.tag == KNRowCell::True ? "true" : "false");
+    const bool isQuoted = (!cell.isNumber() && cell.tag != KNRowCell::Null) || isNoJsonNumber(cell);
+    if (isQuoted)
+        to.append('"');
+    const std::size_t begin = to.size();
+    KNCellText::append(to, cell);
+    if (isQuoted)
+        to.append('"');
+    else if (to.size() == begin)
+        to.append("null");
 }

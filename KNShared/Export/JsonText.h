@@ -1,8 +1,12 @@
 #pragma once
 
-#include "Foundation/KNValue.h"
+#include "Database/KNByteBuffer.h"
+#include "Database/KNRowCell.h"
+
+#include <QString>
 
 /// A JSON string with its quotes, in UTF-8.
 QByteArray jsonString(const QString &text);
-/// A value in JSON: null, booleans and numbers with all their digits, everything else as a string.
-QByteArray jsonValue(const KNValue &value);
+/// Appends a stored value in JSON: null, booleans and numbers with all their digits, everything else as a
+/// string. JSON has no numbers for "nan", "inf" and "-inf": they are strings as well.
+void appendJsonValue(KNByteBuffer &to, const KNRowCell &cell);

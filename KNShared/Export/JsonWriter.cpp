@@ -24,13 +24,17 @@ void JsonWriter::beginResult(const QStringList &columnNames)
     m_isFirstRow = true;
 }
 
-void JsonWriter::writeRow(const KNRow &row)
+void JsonWriter::writeRow(Cells cells)
 {
-    QByteArrayList values;
-    for (const KNValue &value : row)
-        values.append(jsonValue(value));
-    write((m_isFirstRow ? QByteArray("\n  [") : QByteArray(",\n  [")) + values.join(", ") + ']');
+    buffer().append(m_isFirstRow ? "\n  [" : ",\n  [");
     m_isFirstRow = false;
+    for (const KNRowCell &cell : cells) {
+        if (&cell != &cells.front())
+            buffer().append(", ");
+        appendJsonValue(buffer(), cell);
+    }
+    buffer().append(']');
+    flushLargePiece();
 }
 
 void JsonWriter::endResult()

@@ -3,7 +3,8 @@
 #include "Export/DeviceWriter.h"
 
 /// One JSON array with an object for each result: "columns", a list of names, and "rows", a list of lists.
-/// Numbers keep all their digits, dates and binary values (0x...) are strings.
+/// Numbers keep all their digits, dates, binary values (0x...) and what is no
+/// number in JSON (nan, inf, -inf) are strings.
 class KNSHARED_EXPORT JsonWriter : public DeviceWriter
 {
 public:
@@ -15,7 +16,7 @@ public:
     void beginRun() override;
     void endRun() override;
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override;
 
 private:

@@ -28,13 +28,15 @@ void MarkdownWriter::beginResult(const QStringList &columnNames)
     m_isFirstRow = true;
 }
 
-void MarkdownWriter::writeRow(const KNRow &row)
+void MarkdownWriter::writeRow(Cells cells)
 {
     if (m_isFirstRow)
-        writeHead(row);
+        writeHead(cells);
     QByteArray line;
-    for (const KNValue &value : row)
+    for (const KNRowCell &stored : cells) {
+        const KNValue value = stored.storedValue();
         line += "| " + (value.isNull() ? QByteArray("*NULL*") : cell(value.displayText())) + ' ';
+    }
     write(line + "|\n");
 }
 
@@ -45,14 +47,15 @@ void MarkdownWriter::endResult()
     flush();
 }
 
-void MarkdownWriter::writeHead(const KNRow &firstRow)
+void MarkdownWriter::writeHead(Cells firstRow)
 {
     m_isFirstRow = false;
     QByteArray names;
     QByteArray rule;
     for (qsizetype i = 0; i < m_columnNames.size(); ++i) {
         names += "| " + cell(m_columnNames[i]) + ' ';
-        rule += firstRow.value(i).isNumber() ? "| ---: " : "| --- ";
+        const auto index = static_cast<std::size_t>(i);
+        rule += index < firstRow.size() && firstRow[index].isNumber() ? "| ---: " : "| --- ";
     }
     write(names + "|\n" + rule + "|\n");
 }

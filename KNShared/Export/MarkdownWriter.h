@@ -13,12 +13,12 @@ public:
     }
 
     void beginResult(const QStringList &columnNames) override;
-    void writeRow(const KNRow &row) override;
+    void writeRow(Cells cells) override;
     void endResult() override;
 
 private:
     QStringList m_columnNames;
     bool m_isFirstRow = true; ///< which decides what columns are aligned to the right
 
-    void writeHead(const KNRow &firstRow);
+    void writeHead(Cells firstRow);
 };

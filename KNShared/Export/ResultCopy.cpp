@@ -19,7 +19,7 @@ class SingleValue : public ResultWriter
 {
 public:
     void beginResult(const QStringList &) override {}
-    void writeRow(const KNRow &row) override { value = row.first(); }
+    void writeRow(Cells cells) override { value = cells.front().storedValue(); }
     void endResult() override {}
     bool isGood() const override { return true; }
 

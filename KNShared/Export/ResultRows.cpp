@@ -21,7 +21,7 @@ bool ResultRows::writeTo(ResultWriter &writer, const GoOn &goOn) const
     writer.beginRun();
     writer.beginResult(chosenNames);
     KNRowReader reader(result->rows());
-    KNRow row;
+    std::vector<KNRowCell> row;
     qsizetype written = 0;
     std::size_t bytes = 0; // since the last question
     bool goesOn = true;
@@ -34,7 +34,7 @@ bool ResultRows::writeTo(ResultWriter &writer, const GoOn &goOn) const
             KNRowCell cell;
             for (; next <= column; ++next)
                 cell = reader.next();
-            row.append(cell.value());
+            row.push_back(cell);
             bytes += 8 + cell.length;
         }
         writer.writeRow(row);

@@ -10,11 +10,13 @@ void TabWriter::beginResult(const QStringList &columnNames)
     writeLine(fields);
 }
 
-void TabWriter::writeRow(const KNRow &row)
+void TabWriter::writeRow(Cells cells)
 {
     QByteArrayList fields;
-    for (const KNValue &value : row)
+    for (const KNRowCell &cell : cells) {
+        const KNValue value = cell.storedValue();
         fields.append(value.isNull() ? m_nullText.toUtf8() : field(value.displayText()));
+    }
     writeLine(fields);
 }
 

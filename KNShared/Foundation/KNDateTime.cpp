@@ -8,7 +8,6 @@
 namespace {
 
 constexpr qint64 TicksPerMillisecond = KNDateTime::TicksPerSecond / 1000;
-constexpr qint64 TicksPerDay = KNDateTime::TicksPerSecond * 24 * 60 * 60;
 constexpr int MaximumFractionDigits = 7;
 
 const QDate &baseDate()
@@ -29,28 +28,55 @@ qint64 flooredQuotient(qint64 dividend, qint64 divisor)
     return dividend / divisor - (dividend % divisor < 0 ? 1 : 0);
 }
 
-QString paddedNumber(qint64 number, int width)
+/// Writes a number of 0 or more with at least `width` digits.
+char *writePadded(char *to, qint64 number, int width)
 {
-    return QString::number(number).rightJustified(width, u'0');
+    char digits[20];
+    int count = 0;
+    for (; number > 0 || count < width; number /= 10)
+        digits[count++] = static_cast<char>('0' + number % 10);
+    while (count > 0)
+        *to++ = digits[--count];
+    return to;
 }
 
-QString dateText(qint64 day)
+char *writeDate(char *to, qint64 day)
 {
-    const QDate date = baseDate().addDays(day);
-    return paddedNumber(date.year(), 4) + u'-' + paddedNumber(date.month(), 2) + u'-' +
-           paddedNumber(date.day(), 2);
+    int year = 0;
+    int month = 0;
+    int dayOfMonth = 0;
+    baseDate().addDays(day).getDate(&year, &month, &dayOfMonth);
+    if (year < 0)
+        *to++ = '-';
+    to = writePadded(to, std::abs(year), 4);
+    *to++ = '-';
+    to = writePadded(to, month, 2);
+    *to++ = '-';
+    return writePadded(to, dayOfMonth, 2);
 }
 
-QString timeText(qint64 ticksOfDay, int fractionDigits)
+char *writeTime(char *to, qint64 ticksOfDay, int fractionDigits)
 {
     const qint64 seconds = ticksOfDay / KNDateTime::TicksPerSecond;
-    QString text = paddedNumber(seconds / 3600, 2) + u':' + paddedNumber(seconds / 60 % 60, 2) + u':' +
-                   paddedNumber(seconds % 60, 2);
-    if (fractionDigits > 0) {
-        const QString fraction = paddedNumber(ticksOfDay % KNDateTime::TicksPerSecond, MaximumFractionDigits);
-        text += u'.' + fraction.left(fractionDigits);
-    }
-    return text;
+    to = writePadded(to, seconds / 3600, 2);
+    *to++ = ':';
+    to = writePadded(to, seconds / 60 % 60, 2);
+    *to++ = ':';
+    to = writePadded(to, seconds % 60, 2);
+    if (fractionDigits <= 0)
+        return to;
+    *to++ = '.';
+    writePadded(to, ticksOfDay % KNDateTime::TicksPerSecond, MaximumFractionDigits);
+    return to + std::min(fractionDigits, MaximumFractionDigits);
+}
+
+char *writeOffset(char *to, int minutes)
+{
+    *to++ = ' ';
+    *to++ = minutes < 0 ? '-' : '+';
+    to = writePadded(to, std::abs(minutes) / 60, 2);
+    *to++ = ':';
+    return writePadded(to, std::abs(minutes) % 60, 2);
 }
 
 } // namespace
@@ -73,15 +99,25 @@ QDateTime KNDateTime::toQDateTime() const
 
 QString KNDateTime::toString() const
 {
-    const qint64 day = flooredQuotient(ticks, TicksPerDay);
-    const qint64 ticksOfDay = ticks - day * TicksPerDay;
-    switch (parts) {
-    case Parts::Date:
-        return dateText(day);
-    case Parts::Time:
-        return timeText(ticksOfDay, fractionDigits);
-    case Parts::DateAndTime:
-        break;
-    }
-    return dateText(day) + u' ' + timeText(ticksOfDay, fractionDigits);
+    char text[LongestText];
+    return QString::fromLatin1(text, write(text) - text);
+}
+
+char *KNDateTime::write(char *to) const
+{
+    const bool hasOffset = offsetMinutes != NoOffset;
+    const qint64 local = ticks + (hasOffset ? offsetMinutes * TicksPerMinute : 0);
+    // Servers that round up a time of day send the end of the day, which is not the beginning of the next.
+    if (parts == Parts::Time && local == TicksPerDay)
+        return writeTime(to, local, fractionDigits);
+    const qint64 day = flooredQuotient(local, TicksPerDay);
+    const qint64 ticksOfDay = local - day * TicksPerDay;
+    if (parts == Parts::Time)
+        return writeTime(to, ticksOfDay, fractionDigits);
+    to = writeDate(to, day);
+    if (parts == Parts::Date)
+        return to;
+    *to++ = ' ';
+    to = writeTime(to, ticksOfDay, fractionDigits);
+    return hasOffset ? writeOffset(to, offsetMinutes) : to;
 }

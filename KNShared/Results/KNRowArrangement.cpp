@@ -34,7 +34,7 @@ public:
             return false;
         if (cell.tag == KNRowCell::Text && m_isAscii)
             return holdsAscii(cell);
-        return m_matcher.indexIn(m_display(cell.value(), column)) >= 0;
+        return m_matcher.indexIn(m_display(cell, column)) >= 0;
     }
 
 private:

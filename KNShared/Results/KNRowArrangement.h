@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Database/KNRowCell.h"
 #include "Export/ResultRows.h"
 #include "KNSharedExport.h"
 
@@ -10,8 +11,8 @@ struct KNSHARED_EXPORT KNRowArrangement
 {
     static constexpr qsizetype NoColumn = -1;
 
-    /// How a value is shown in a column; a null QString for null. Called on any thread.
-    using Display = std::function<QString(const KNValue &value, qsizetype column)>;
+    /// How a cell is shown in a column; a null QString for null. Called on any thread.
+    using Display = std::function<QString(const KNRowCell &cell, qsizetype column)>;
 
     qsizetype sortColumn = NoColumn; ///< none: in the order of arrival
     Qt::SortOrder sortOrder = Qt::AscendingOrder;

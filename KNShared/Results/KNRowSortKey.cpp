@@ -123,8 +123,9 @@ KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
     case KNRowCell::Null:
         return;
     case KNRowCell::Date:
+    case KNRowCell::OffsetDate:
         m_rank = Rank::Date;
-        m_prefix = ordered(cell.value().dateTime().ticks);
+        m_prefix = ordered(cell.dateTime().ticks);
         return;
     case KNRowCell::Text:
         m_rank = Rank::Text;
@@ -137,6 +138,7 @@ KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
         m_isExact = false;
         return;
     case KNRowCell::Bytes:
+    case KNRowCell::FlagBytes:
         m_rank = Rank::Bytes;
         m_prefix = bytesPrefix(cell.data, cell.length);
         m_isExact = false;
@@ -145,7 +147,7 @@ KNRowSortKey::KNRowSortKey(const KNRowCell &cell)
         break;
     }
     m_rank = Rank::Number;
-    const double number = cell.value().toDouble();
+    const double number = cell.storedValue().toDouble();
     m_prefix = ordered(number);
     m_isExact = isFloating(cell.tag) || (cell.tag <= KNRowCell::Int64 && std::abs(number) < ExactIntegers);
 }
@@ -156,7 +158,8 @@ int KNRowSortKey::comparedWhole(const KNRowSortKey &other) const
     case Rank::Number: {
         if (isFloating(m_tag) || isFloating(other.m_tag))
             return 0;
-        const std::strong_ordering order = cell().value().decimal() <=> other.cell().value().decimal();
+        const std::strong_ordering order =
+            cell().storedValue().decimal() <=> other.cell().storedValue().decimal();
         return order < 0 ? -1 : order > 0;
     }
     case Rank::Text:

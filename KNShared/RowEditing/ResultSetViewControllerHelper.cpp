@@ -35,6 +35,11 @@ QString ResultSetViewControllerHelper::typeNameForColumn(qsizetype) const
     return {};
 }
 
+QString ResultSetViewControllerHelper::remarkForColumn(qsizetype) const
+{
+    return {};
+}
+
 QString ResultSetViewControllerHelper::stringForValue(const KNValue &value, qsizetype,
                                                       bool allowTruncate) const
 {

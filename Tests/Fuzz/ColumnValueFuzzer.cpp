@@ -1,3 +1,5 @@
+#include "Database/KNCellText.h"
+#include "Database/KNRowReader.h"
 #include "Fuzz/Fuzzer.h"
 #include "Implementations/MSSQLColumnValue.h"
 
@@ -22,5 +24,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(rows.rowCount() == 1 && rows.row(0).size() == 1);
     const KNValue value = rows.row(0).constFirst();
     require(value.isNull() || !value.displayText().isNull());
+    const KNRowCell cell = KNRowReader(rows).cell(0, 0);
+    KNByteBuffer text;
+    KNCellText::append(text, cell);
+    const QByteArray shown(text.data(), static_cast<qsizetype>(text.size()));
+    require(shown == cell.storedValue().displayText().toUtf8());
     return 0;
 }

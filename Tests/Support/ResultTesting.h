@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Database/KNResultSetHolder.h"
+#include "Database/KNRowReader.h"
+#include "Export/ResultWriter.h"
 
 /// Result sets that tests make without a server.
 namespace ResultTesting {
@@ -43,6 +45,24 @@ inline KNDatabaseResultSetPtr numberedRows(int count)
     rows.publish();
     result->setFinished();
     return result;
+}
+
+/// Writes the rows of a result as whoever prints or exports them does.
+inline void writeRows(ResultWriter &writer, const KNDatabaseResultSet &result)
+{
+    KNRowReader reader(result.rows());
+    std::vector<KNRowCell> cells(static_cast<std::size_t>(result.columnNames().size()));
+    for (qsizetype row = 0; reader.seek(row); ++row) {
+        for (KNRowCell &cell : cells)
+            cell = reader.next();
+        writer.writeRow(cells);
+    }
+}
+
+inline void writeRows(ResultWriter &writer, const QList<KNRow> &rows)
+{
+    if (!rows.isEmpty())
+        writeRows(writer, *result(QStringList(rows.first().size()), rows));
 }
 
 } // namespace ResultTesting

@@ -36,7 +36,7 @@ TEST(CommandLine, ReadsTheTextFromStandardInput)
 {
     EXPECT_EQ(
         query({QStringLiteral("--format"), QStringLiteral("csv")}, "SELECT 1 AS a\nSELECT NULL AS b").output,
-        QByteArray("a\n1\n\nb\n\n"));
+        QByteArray("a\n1\n\nb\nNULL\n"));
 }
 
 TEST(CommandLine, SendsMessagesAndErrorsToStandardError)

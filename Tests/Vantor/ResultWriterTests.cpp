@@ -1,5 +1,6 @@
 #include "CommandLine/OutputFormat.h"
 #include "Support/PrintQt.h"
+#include "Support/ResultTesting.h"
 
 #include <gtest/gtest.h>
 
@@ -29,8 +30,7 @@ QByteArray written(const char *format, const QList<Result> &results)
     writer->beginRun();
     for (const Result &result : results) {
         writer->beginResult(result.columns);
-        for (const KNRow &row : result.rows)
-            writer->writeRow(row);
+        ResultTesting::writeRows(*writer, result.rows);
         writer->endResult();
     }
     writer->endRun();
@@ -71,6 +71,22 @@ TEST(CsvFormat, QuotesNamesAndOuterBlanks)
               QByteArray("\"a,b\",\"\"\n\" x\",naïve\n"));
 }
 
+TEST(CsvFormat, HasNoEmptyLineForARowThatIsNull)
+{
+    EXPECT_EQ(written("csv", {{{QStringLiteral("a")},
+                               {{KNValue()}, {text("")}, {text("NULL")}, {text("null")}, {KNValue(1)}}}}),
+              QByteArray("a\nNULL\n\"\"\n\"NULL\"\nnull\n1\n"));
+    EXPECT_EQ(written("csv", {{{QStringLiteral("a"), QStringLiteral("b")}, {{KNValue(), text("NULL")}}}}),
+              QByteArray("a,b\n,NULL\n"));
+}
+
+TEST(CsvFormat, QuotesBlanksBeyondAscii)
+{
+    EXPECT_EQ(written("csv", {{{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
+                               {{text("\u00A0x"), text("x\u3000"), text("あい…")}}}}),
+              QByteArray("a,b,c\n\"\u00A0x\",\"x\u3000\",あい…\n"));
+}
+
 TEST(CsvFormat, PutsAnEmptyLineBetweenResults)
 {
     EXPECT_EQ(written("csv", {{{QStringLiteral("a")}, {}}, {{QStringLiteral("b")}, {{KNValue(1)}}}}),
@@ -106,6 +122,27 @@ TEST(JsonFormat, EscapesControlCharacters)
     const QByteArray json =
         written("json", {{{QStringLiteral("a")}, {{KNValue(QString::fromUtf16(u"\x01\\\t🐘", 5))}}}});
     EXPECT_TRUE(json.contains("\"\\u0001\\\\\\t🐘\"")) << json.toStdString();
+}
+
+TEST(JsonFormat, HasStringsForWhatIsNoNumberInJson)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const QByteArray json = written("json", {{{QStringLiteral("a")},
+                                              {{KNValue(infinity)},
+                                               {KNValue(-infinity)},
+                                               {KNValue(std::numeric_limits<double>::quiet_NaN())},
+                                               {KNValue(std::numeric_limits<float>::infinity())}}}});
+    EXPECT_TRUE(json.contains("[\"inf\"],\n  [\"-inf\"],\n  [\"nan\"],\n  [\"inf\"]")) << json.toStdString();
+}
+
+TEST(TableFormat, EscapesWhatWouldControlATerminal)
+{
+    const QByteArray table =
+        written("table", {{{QString::fromUtf8("h\u202e")},
+                           {{KNValue(QString::fromUtf16(u"\x1b[31m\x1b]0;t\a\u202E\u0085\u2066\u007F"))}}}});
+    EXPECT_EQ(table, QByteArray("h\\u202e\n"
+                                "--------------------------------------------------\n"
+                                "\\u001b[31m\\u001b]0;t\\u0007\\u202e\\u0085\\u2066\\u007f\n\n"));
 }
 
 TEST(TableFormat, AlignsColumnsAndPutsNumbersToTheRight)

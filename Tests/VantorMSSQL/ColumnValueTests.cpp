@@ -1,3 +1,5 @@
+#include "Database/KNCellText.h"
+#include "Database/KNRowReader.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLColumnValue.h"
 #include "Support/PrintQt.h"
@@ -17,17 +19,36 @@ QByteArray bytesOf(const Fixed &...parts)
     return bytes;
 }
 
-KNValue convert(int type, const QByteArray &bytes, const QString &name = QStringLiteral("c"))
+/// A store with the one value.
+std::unique_ptr<KNRowStore> storeOf(int type, const QByteArray &bytes,
+                                    const QString &name = QStringLiteral("c"))
 {
-    KNRowStore rows;
-    rows.setColumnCount(1);
-    rows.beginRow();
-    appendColumnValue(rows, {name, type, 0, 0},
+    auto rows = std::make_unique<KNRowStore>();
+    rows->setColumnCount(1);
+    rows->beginRow();
+    appendColumnValue(*rows, {name, type, 0, 0},
                       bytes.isNull() ? nullptr : reinterpret_cast<const unsigned char *>(bytes.constData()),
                       static_cast<int>(bytes.size()));
-    rows.endRow();
-    rows.publish();
-    return rows.value(0, 0);
+    rows->endRow();
+    rows->publish();
+    return rows;
+}
+
+KNValue convert(int type, const QByteArray &bytes, const QString &name = QStringLiteral("c"))
+{
+    return storeOf(type, bytes, name)->value(0, 0);
+}
+
+/// The value as copies and exports have it: as text and as what quotes it.
+QString stored(int type, const QByteArray &bytes)
+{
+    const auto rows = storeOf(type, bytes);
+    const KNRowCell cell = KNRowReader(*rows).cell(0, 0);
+    KNByteBuffer text;
+    KNCellText::append(text, cell);
+    const QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    EXPECT_EQ(shown, cell.storedValue().displayText());
+    return shown;
 }
 
 DBDATETIMEALL record(int days, quint64 ticks, int precision)
@@ -173,7 +194,7 @@ TEST(ColumnValue, DatesThatNoServerCanHoldAreNull)
     EXPECT_FALSE(convert(SYBMSDATETIME2, bytesOf(record(-693595, 0, 7))).isNull());
     EXPECT_FALSE(
         convert(SYBMSDATETIME2, bytesOf(record(2958463, ticksAt(23, 59, 59, 9'999'999), 7))).isNull());
-    EXPECT_TRUE(convert(SYBMSDATETIME2, bytesOf(record(0, ticksAt(24, 0, 0, 0), 7))).isNull());
+    EXPECT_TRUE(convert(SYBMSDATETIME2, bytesOf(record(0, ticksAt(24, 0, 0, 1), 7))).isNull());
     EXPECT_TRUE(convert(SYBDATETIME, bytesOf(qint32{0}, qint32{-1})).isNull());
     EXPECT_TRUE(convert(SYBDATETIME, bytesOf(qint32{0}, qint32{24 * 60 * 60 * 300})).isNull());
 }
@@ -193,6 +214,81 @@ TEST(ColumnValue, ShowsADateTimeOffsetInItsOwnTimeWithTheFractionBehindAColon)
     value.time_prec = 0;
     EXPECT_EQ(convert(SYBMSDATETIMEOFFSET, bytesOf(value)),
               KNValue(QStringLiteral("2020-01-02 02:34:05:000 +00:30")));
+}
+
+TEST(ColumnValue, KeepsADateTimeOffsetAsStoredBesideItsText)
+{
+    auto value = record(DaysTo20200102, ticksAt(3, 4, 5, 1234567), 7);
+    value.has_offset = 1;
+    value.offset = 120;
+    EXPECT_EQ(stored(SYBMSDATETIMEOFFSET, bytesOf(value)),
+              QStringLiteral("2020-01-02 05:04:05.1234567 +02:00"));
+    value.offset = -30;
+    value.time_prec = 0;
+    EXPECT_EQ(stored(SYBMSDATETIMEOFFSET, bytesOf(value)), QStringLiteral("2020-01-02 02:34:05 -00:30"));
+    value = record(DaysTo20200102, ticksAt(0, 0, 0, 500'0000), 3);
+    value.has_offset = 1;
+    value.offset = -1;
+    EXPECT_EQ(stored(SYBMSDATETIMEOFFSET, bytesOf(value)), QStringLiteral("2020-01-01 23:59:00.500 -00:01"));
+    EXPECT_EQ(convert(SYBMSDATETIMEOFFSET, bytesOf(value)),
+              KNValue(QStringLiteral("2020-01-01 23:59:00:000 +00:01")));
+}
+
+TEST(ColumnValue, KeepsSmallMoneyExactlyBesideItsFloat)
+{
+    EXPECT_EQ(stored(SYBMONEY4, bytesOf(qint32{2147483647})), QStringLiteral("214748.3647"));
+    EXPECT_EQ(stored(SYBMONEY4, bytesOf(std::numeric_limits<qint32>::min())), QStringLiteral("-214748.3648"));
+    EXPECT_EQ(stored(SYBMONEY4, bytesOf(qint32{-1})), QStringLiteral("-0.0001"));
+    EXPECT_EQ(stored(SYBMONEY4, bytesOf(qint32{0})), QStringLiteral("0.0000"));
+}
+
+TEST(ColumnValue, KeepsTheBytesOfAVariantBesideItsBoolean)
+{
+    EXPECT_EQ(stored(98, bytesOf(qint32{7})), QStringLiteral("0x07000000"));
+    EXPECT_EQ(stored(98, QByteArray("")), QStringLiteral("0x"));
+    EXPECT_EQ(convert(98, QByteArray("\0\0\0\0\1", 5)), KNValue(false));
+}
+
+TEST(ColumnValue, ATimeOfNoDigitsHasNoFraction)
+{
+    auto time = record(0, ticksAt(12, 34, 56, 0), 0);
+    time.has_date = 0;
+    EXPECT_EQ(stored(SYBMSTIME, bytesOf(time)), QStringLiteral("12:34:56"));
+}
+
+TEST(ColumnValue, ATimeThatWasRoundedUpIsTheEndOfTheDay)
+{
+    auto time = record(0, ticksAt(24, 0, 0, 0), 3);
+    time.has_date = 0;
+    EXPECT_EQ(stored(SYBMSTIME, bytesOf(time)), QStringLiteral("24:00:00.000"));
+    EXPECT_EQ(stored(SYBMSDATETIME2, bytesOf(record(DaysTo20200102, ticksAt(24, 0, 0, 0), 0))),
+              QStringLiteral("2020-01-03 00:00:00"));
+}
+
+TEST(ColumnValue, TextThatDoesNotDecodeIsShownWithReplacements)
+{
+    EXPECT_EQ(stored(SYBCHAR, QByteArray("a\xff\xc3\xb1")), QStringLiteral("a\uFFFDñ"));
+}
+
+TEST(ColumnValue, OtherTypesAreStoredAsTheyRead)
+{
+    DBNUMERIC number = {};
+    number.precision = 9;
+    number.scale = 9;
+    number.array[0] = 1;
+    number.array[4] = 5;
+    EXPECT_EQ(stored(SYBNUMERIC, bytesOf(number)), QStringLiteral("-0.000000005"));
+    EXPECT_EQ(stored(SYBINT8, bytesOf(std::numeric_limits<qint64>::min())),
+              QStringLiteral("-9223372036854775808"));
+    EXPECT_EQ(stored(SYBREAL, bytesOf(0.1F)), QStringLiteral("0.1"));
+    EXPECT_EQ(stored(SYBFLT8, bytesOf(1e300)), QStringLiteral("1e+300"));
+    EXPECT_EQ(stored(SYBBIT, bytesOf(quint8{1})), QStringLiteral("1"));
+    EXPECT_EQ(stored(SYBBINARY, QByteArray("\x0a\xff", 2)), QStringLiteral("0x0AFF"));
+    EXPECT_EQ(stored(36, QByteArray("\x33\x22\x11\x00\x55\x44\x77\x66\x88\x99\xaa\xbb\xcc\xdd\xee\xff", 16)),
+              QStringLiteral("00112233-4455-6677-8899-AABBCCDDEEFF"));
+    EXPECT_EQ(stored(SYBMONEY, bytesOf(qint32{-1}, quint32{0xFFFFFFFF})), QStringLiteral("-0.0001"));
+    EXPECT_EQ(stored(SYBDATETIME, bytesOf(qint32{DaysTo20200102}, qint32{2})),
+              QStringLiteral("2020-01-02 00:00:00.007"));
 }
 
 TEST(ColumnValue, TellsOfATypeItDoesNotKnow)

@@ -104,6 +104,20 @@ TEST(ResultDates, AreCutToTheMillisecondAndReachAllYears)
     EXPECT_EQ(shown(42, last), QStringLiteral("9999-12-31 23:59:59:999"));
 }
 
+TEST(ResultDates, TheEndOfTheDayIsNotItsBeginning)
+{
+    const KNValue end(KNDateTime{.ticks = KNDateTime::TicksPerDay, .parts = KNDateTime::Parts::Time});
+    EXPECT_EQ(shown(41, end), QStringLiteral("24:00:00:000"));
+}
+
+TEST(ResultValues, OfAVariantComeWithAHint)
+{
+    const auto helper = helperFor({56, 98});
+    EXPECT_TRUE(helper->remarkForColumn(0).isNull());
+    EXPECT_TRUE(helper->remarkForColumn(1).contains(QStringLiteral("CAST(")));
+    EXPECT_TRUE(helper->remarkForColumn(2).isNull());
+}
+
 TEST(ResultValues, ThatAreNoDatesShowAsTheyAre)
 {
     EXPECT_TRUE(shown(61, KNValue()).isNull());
@@ -134,6 +148,9 @@ TEST(StatementLiteral, GivesTheSameValueAgain)
     EXPECT_EQ(details.literal(KNValue(QByteArray("\x0a\xff", 2))), QStringLiteral("0x0aff"));
     EXPECT_EQ(details.literal(KNValue(true)), QStringLiteral("1"));
     EXPECT_EQ(details.literal(leapDay), QStringLiteral("'2024-02-29T13:45:07.123'"));
+    const KNDateTime offset{
+        .ticks = 1, .parts = KNDateTime::Parts::DateAndTime, .fractionDigits = 7, .offsetMinutes = -30};
+    EXPECT_EQ(details.literal(KNValue(offset)), QStringLiteral("'1899-12-31T23:30:00.0000001-00:30'"));
     const KNDateTime date{.parts = KNDateTime::Parts::Date};
     EXPECT_EQ(details.literal(KNValue(date)), QStringLiteral("'1900-01-01'"));
 }

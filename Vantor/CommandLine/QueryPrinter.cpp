@@ -2,30 +2,22 @@
 
 #include "Foundation/KNFormat.h"
 
+#include <thread>
+
 namespace {
 
 constexpr int ErrorSeverity = 11;
 
 } // namespace
 
-QueryPrinter::QueryPrinter(const KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries)
+QueryPrinter::QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries)
     : m_holder(holder)
     , m_writer(writer)
     , m_withSummaries(withSummaries || Terminal::isErrorTerminal())
+    , m_showsProgress(!Terminal::isOutputTerminal())
     , m_spinner(Terminal::isErrorTerminal())
 {
     m_writer.beginRun();
-}
-
-/// The first result set that was not begun yet; a set may be taken out of the holder meanwhile.
-KNDatabaseResultSetPtr QueryPrinter::nextResultSet() const
-{
-    const auto resultSets = m_holder.resultSets();
-    for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
-        if (!m_begun.contains(resultSet.get()))
-            return resultSet;
-    }
-    return nullptr;
 }
 
 bool QueryPrinter::printUntil(const std::atomic<bool> &done)
@@ -33,20 +25,25 @@ bool QueryPrinter::printUntil(const std::atomic<bool> &done)
     for (;;) {
         // Read before looking for results: whatever comes later comes before it turns true.
         const bool wasDone = done;
-        if (const KNDatabaseResultSetPtr resultSet = nextResultSet()) {
-            m_begun.insert(resultSet.get());
+        const QList<KNDatabaseResultSetPtr> resultSets = m_holder.takeResultSets();
+        for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
+            if (!goesOn())
+                return false;
+            // The messages of a result are complete when the next one is there.
             for (const KNDatabaseResultSetPtr &finished : std::as_const(m_awaitingMessages))
                 printMessages(*finished);
             m_awaitingMessages = {resultSet};
             printRows(*resultSet);
-        } else if (wasDone) {
-            return isGood();
-        } else {
-            m_holder.waitForMoreThan(m_begun.size(), std::chrono::milliseconds(20));
-            m_spinner.tick(m_holder.totalResultCount());
         }
-        if (!isGood())
+        if (!goesOn())
             return false;
+        if (!resultSets.isEmpty())
+            continue;
+        if (wasDone)
+            return true;
+        // Not woken by each of thousands of small results: that would cost more than printing them.
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        m_spinner.tick(m_holder.totalResultCount());
     }
 }
 
@@ -63,28 +60,49 @@ void QueryPrinter::printRows(KNDatabaseResultSet &resultSet)
 {
     KNRowStore &rows = resultSet.rows();
     qsizetype next = 0;
-    bool begun = false;
-    while (isGood()) {
+    QStringList columnNames;
+    while (goesOn()) {
         const bool finished = resultSet.isFinished();
         if (rows.waitForMoreThan(next, std::chrono::milliseconds(finished ? 0 : 50))) {
-            if (!std::exchange(begun, true)) {
+            if (next == 0) {
                 m_spinner.clear();
-                m_writer.beginResult(resultSet.columnNames());
+                columnNames = resultSet.columnNames();
+                m_writer.beginResult(columnNames);
             }
-            for (const qsizetype end = rows.rowCount(); next < end; ++next)
-                m_writer.writeRow(rows.row(next));
+            next = printRowsFrom(next, rows, columnNames.size());
             rows.discardBefore(next);
         } else if (finished) {
             break;
         }
-        if (!Terminal::isOutputTerminal())
+        if (m_showsProgress)
             m_spinner.tick(m_holder.totalResultCount());
     }
     m_spinner.clear();
-    if (!begun && !resultSet.columnNames().isEmpty())
-        m_writer.beginResult(resultSet.columnNames());
-    if (begun || !resultSet.columnNames().isEmpty())
+    if (next == 0) {
+        columnNames = resultSet.columnNames();
+        if (!columnNames.isEmpty())
+            m_writer.beginResult(columnNames);
+    }
+    if (!columnNames.isEmpty())
         m_writer.endResult();
+}
+
+/// Writes the published rows from a number on; returns the number of the first one that was not written.
+qsizetype QueryPrinter::printRowsFrom(qsizetype first, const KNRowStore &rows, qsizetype columnCount)
+{
+    constexpr qsizetype RowsBetweenQuestions = 256;
+    KNRowReader reader(rows); // a new one, for blocks of memory go when rows are discarded
+    m_cells.resize(static_cast<std::size_t>(columnCount));
+    const qsizetype end = rows.rowCount();
+    for (qsizetype row = first; row < end; ++row) {
+        if (row % RowsBetweenQuestions == 0 && !goesOn())
+            return row;
+        reader.seek(row);
+        for (KNRowCell &cell : m_cells)
+            cell = reader.next();
+        m_writer.writeRow(m_cells);
+    }
+    return end;
 }
 
 void QueryPrinter::printMessages(const KNDatabaseResultSet &resultSet)

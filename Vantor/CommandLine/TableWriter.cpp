@@ -8,54 +8,38 @@ namespace {
 
 constexpr qsizetype RowsForWidths = 200;
 
-QString cellText(const KNValue &value)
+QString cellText(const KNRowCell &cell)
 {
-    if (value.isNull())
+    if (cell.tag == KNRowCell::Null)
         return QStringLiteral("NULL");
-    QString text = value.displayText();
-    for (QChar &c : text) {
-        if (c == QLatin1Char('\n') || c == QLatin1Char('\r'))
-            c = QChar(0x21B5);
-        else if (c == QLatin1Char('\t'))
-            c = QChar(0x21E5);
-        else if (c.unicode() < 0x20 || c.unicode() == 0x7F)
-            c = QChar(0xFFFD);
-    }
-    return text;
-}
-
-QStringList cellTexts(const KNRow &row)
-{
-    QStringList cells;
-    for (const KNValue &value : row)
-        cells.append(cellText(value));
-    return cells;
+    return Terminal::escapedInOneLine(cell.storedValue().displayText());
 }
 
 } // namespace
 
 void TableWriter::beginResult(const QStringList &columnNames)
 {
-    m_columnNames = columnNames;
+    m_columnNames.clear();
     m_widths.clear();
-    for (const QString &name : columnNames)
-        m_widths.append(Terminal::displayWidth(name));
+    for (const QString &name : columnNames) {
+        m_columnNames.append(Terminal::escapedInOneLine(name));
+        m_widths.append(Terminal::displayWidth(m_columnNames.last()));
+    }
     m_held.clear();
     m_holding = true;
 }
 
-void TableWriter::writeRow(const KNRow &row)
+void TableWriter::writeRow(Cells cells)
 {
-    if (m_holding) {
-        m_held.append(row);
-        if (m_held.size() >= RowsForWidths)
-            writeHeld();
-        return;
-    }
-    QList<bool> rightAligned;
-    for (const KNValue &value : row)
-        rightAligned.append(value.isNumber());
-    writeLine(cellTexts(row), rightAligned);
+    Line line;
+    line.reserve(std::ssize(cells));
+    for (const KNRowCell &cell : cells)
+        line.append({cellText(cell), cell.isNumber()});
+    if (!m_holding)
+        return writeLine(line);
+    m_held.append(line);
+    if (m_held.size() >= RowsForWidths)
+        writeHeld();
 }
 
 void TableWriter::endResult()
@@ -69,32 +53,36 @@ void TableWriter::endResult()
 void TableWriter::writeHeld()
 {
     m_holding = false;
-    for (const KNRow &row : std::as_const(m_held)) {
-        const QStringList cells = cellTexts(row);
-        for (qsizetype i = 0; i < cells.size(); ++i)
-            m_widths[i] = std::max(m_widths[i], Terminal::displayWidth(cells[i]));
+    for (const Line &line : std::as_const(m_held)) {
+        for (qsizetype i = 0; i < line.size(); ++i)
+            m_widths[i] = std::max(m_widths[i], Terminal::displayWidth(line[i].text));
     }
-    writeLine(m_columnNames, QList<bool>(m_columnNames.size(), false));
+    Line head;
+    for (const QString &name : std::as_const(m_columnNames))
+        head.append({name, false});
+    writeLine(head);
     QByteArrayList rules;
     for (const int width : std::as_const(m_widths))
         rules.append(QByteArray(width, '-'));
     write(rules.join("  ") + '\n');
-    const QList<KNRow> held = std::exchange(m_held, {});
-    for (const KNRow &row : held)
-        writeRow(row);
+    for (const Line &line : std::as_const(m_held))
+        writeLine(line);
+    m_held.clear();
 }
 
-void TableWriter::writeLine(const QStringList &cells, const QList<bool> &rightAligned)
+void TableWriter::writeLine(const Line &line)
 {
-    QString line;
-    for (qsizetype i = 0; i < cells.size(); ++i) {
-        const QString padding(std::max(0, m_widths[i] - Terminal::displayWidth(cells[i])), QLatin1Char(' '));
+    QString text;
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        const Field &field = line[i];
+        const QString padding(std::max(0, m_widths[i] - Terminal::displayWidth(field.text)),
+                              QLatin1Char(' '));
         if (i > 0)
-            line += QStringLiteral("  ");
-        if (rightAligned[i])
-            line += padding + cells[i];
+            text += QStringLiteral("  ");
+        if (field.isNumber)
+            text += padding + field.text;
         else
-            line += i + 1 < cells.size() ? cells[i] + padding : cells[i];
+            text += i + 1 < line.size() ? field.text + padding : field.text;
     }
-    write(line.toUtf8() + '\n');
+    write(text.toUtf8() + '\n');
 }

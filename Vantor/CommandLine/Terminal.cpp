@@ -2,9 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 
-#include <fcntl.h>
 #include <stdio.h>
-#include <termios.h>
 #include <unistd.h>
 #include <wchar.h>
 
@@ -35,28 +33,48 @@ const char *codeOf(Colour colour)
     return "";
 }
 
-/// Switches a terminal's echo off for its life.
-class SilentTerminal
+bool isControl(QChar c)
 {
-public:
-    explicit SilentTerminal(int descriptor)
-        : m_descriptor(descriptor)
-    {
-        tcgetattr(m_descriptor, &m_saved);
-        termios silent = m_saved;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        tcsetattr(m_descriptor, TCSAFLUSH, &silent);
-    }
-    ~SilentTerminal() { tcsetattr(m_descriptor, TCSAFLUSH, &m_saved); }
-    SilentTerminal(const SilentTerminal &) = delete;
-    SilentTerminal &operator=(const SilentTerminal &) = delete;
+    const char16_t unit = c.unicode();
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
+           unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
 
-private:
-    const int m_descriptor;
-    termios m_saved = {};
-};
+template <typename Sign>
+QString escapedWith(const QString &text, const Sign &signFor)
+{
+    if (std::none_of(text.begin(), text.end(), isControl))
+        return text;
+    QString result;
+    for (const QChar c : text) {
+        const QChar sign = signFor(c);
+        if (isControl(c) && sign.isNull())
+            result +=
+                QLatin1String("\\u") + QString::number(c.unicode(), 16).rightJustified(4, QLatin1Char('0'));
+        else
+            result += isControl(c) ? sign : c;
+    }
+    return result;
+}
 
 } // namespace
+
+QString escaped(const QString &text)
+{
+    QString lines = text;
+    lines.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    return escapedWith(
+        lines, [](QChar c) { return c == QLatin1Char('\n') || c == QLatin1Char('\t') ? c : QChar(); });
+}
+
+QString escapedInOneLine(const QString &text)
+{
+    return escapedWith(text, [](QChar c) {
+        if (c == QLatin1Char('\n') || c == QLatin1Char('\r'))
+            return QChar(0x21B5);
+        return c == QLatin1Char('\t') ? QChar(0x21E5) : QChar();
+    });
+}
 
 int displayWidth(const QString &text)
 {
@@ -77,42 +95,29 @@ bool isErrorTerminal()
     return isatty(STDERR_FILENO);
 }
 
+void printLine(const QString &line)
+{
+    const QByteArray bytes = escapedInOneLine(line).toUtf8() + '\n';
+    fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
+
+void printJson(const QByteArray &json)
+{
+    const QByteArray bytes = isOutputTerminal() ? escaped(QString::fromUtf8(json)).toUtf8() : json;
+    fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
+
 void printError(const QString &line, Colour colour)
 {
     const bool coloured =
         colour != Colour::None && isErrorTerminal() && qEnvironmentVariableIsEmpty("NO_COLOR");
-    writeToError((coloured ? codeOf(colour) : "") + line.toUtf8() + (coloured ? "\033[0m\n" : "\n"));
+    writeToError((coloured ? codeOf(colour) : "") + escaped(line).toUtf8() + (coloured ? "\033[0m\n" : "\n"));
 }
 
 int fail(ExitStatus status, const QString &line)
 {
     printError(line, Colour::Red);
     return status;
-}
-
-std::optional<QString> promptWithoutEcho(const QString &prompt)
-{
-    const int terminal = open("/dev/tty", O_RDWR | O_CLOEXEC);
-    if (terminal < 0)
-        return std::nullopt;
-    const QByteArray question = prompt.toUtf8();
-    QByteArray answer;
-    bool complete = false;
-    if (write(terminal, question.constData(), static_cast<size_t>(question.size())) >= 0) {
-        const SilentTerminal silent(terminal);
-        for (char c = 0; read(terminal, &c, 1) == 1;) {
-            if (c == '\n') {
-                complete = true;
-                break;
-            }
-            answer += c;
-        }
-    }
-    complete = write(terminal, "\n", 1) == 1 && complete;
-    close(terminal);
-    if (!complete)
-        return std::nullopt;
-    return QString::fromUtf8(answer);
 }
 
 void Spinner::tick(qint64 rows)

@@ -15,11 +15,22 @@ enum class Colour { None, Red, Yellow, Grey };
 
 bool isOutputTerminal();
 bool isErrorTerminal();
-/// Writes a line to standard error, in a colour when that is a terminal (and NO_COLOR is not set).
+/// The text with "\u001b" and the like for characters that would control a terminal: control characters but
+/// line feeds and tabs, and those that change the direction of text.
+QString escaped(const QString &text);
+/// The same for text of one line, in which line ends and tabs are shown as signs.
+QString escapedInOneLine(const QString &text);
+
+/// Writes a line to standard output, escaped.
+void printLine(const QString &line);
+/// Writes JSON to standard output, escaped when that is a terminal.
+void printJson(const QByteArray &json);
+/// Writes a line to standard error, escaped, in a colour when that is a terminal (and NO_COLOR is not set).
 void printError(const QString &line, Colour colour = Colour::None);
 /// Writes a line to standard error, in red, and returns the status.
 int fail(ExitStatus status, const QString &line);
-/// Asks for a text on the controlling terminal without echo; empty when there is none.
+/// Asks for a text on the controlling terminal without echo; empty when there is none. A signal that ends or
+/// stops the program meanwhile does so with the echo on; Ctrl-C ends it with ExitCancelled.
 std::optional<QString> promptWithoutEcho(const QString &prompt);
 
 /// Places on a terminal that a text takes: wide characters take two, combining ones none.

@@ -4,11 +4,10 @@
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/OutputFormat.h"
 #include "CommandLine/QueryPrinter.h"
+#include "CommandLine/StandardOutput.h"
 #include "CommandLine/Terminal.h"
 #include "Foundation/KNAssert.h"
 #include "SQL/KNQuerySplitter.h"
-
-#include <QFile>
 
 #include <thread>
 
@@ -26,9 +25,7 @@ QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
 int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
             InterruptWatcher &interrupts)
 {
-    QFile output;
-    if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return Terminal::fail(ExitUsage, QStringLiteral("Standard output cannot be written."));
+    StandardOutput output;
     const auto writer = createResultWriter(format, output);
     KNResultSetHolder holder;
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
@@ -45,26 +42,25 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
         }
         done = true;
     });
-    interrupts.setTarget([&client] {
+    interrupts.setTarget([&] {
+        printer.stop();
+        output.abandon();
         KNError ignored;
         client.cancelCurrentQuery(&ignored);
     });
     if (!printer.printUntil(done)) {
         KNError ignored;
         client.cancelCurrentQuery(&ignored);
-        holder.setReadAhead(0);
-        for (const auto &resultSet : holder.resultSets())
-            resultSet->rows().setReadAhead(0);
     }
     worker.join();
     interrupts.setTarget({});
 
     printer.printRest();
+    if (printer.isStopped() || (printer.isGood() && client.wasCancelled()))
+        return Terminal::fail(ExitCancelled, QStringLiteral("Query was cancelled."));
     if (!printer.isGood())
         return Terminal::fail(ExitUsage,
                               QStringLiteral("The results could not be written to standard output."));
-    if (client.wasCancelled())
-        return Terminal::fail(ExitCancelled, QStringLiteral("Query was cancelled."));
     if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
         Terminal::printError(excerpt, Terminal::Colour::None);
     if (error && !printer.hadErrors())

@@ -118,8 +118,13 @@ QString MSSQLClient::literal(const KNValue &value)
             std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
         return isAscii ? textLiteral(text) : QLatin1Char('N') + textLiteral(text);
     }
-    case KNValue::Kind::Date:
-        return textLiteral(value.displayText().replace(QLatin1Char(' '), QLatin1Char('T')));
+    case KNValue::Kind::Date: {
+        // ISO 8601 reads the same whatever SET DATEFORMAT says; it has no blank before an offset.
+        QString text = value.displayText();
+        if (const qsizetype blank = text.indexOf(QLatin1Char(' ')); blank >= 0)
+            text[blank] = QLatin1Char('T');
+        return textLiteral(text.remove(QLatin1Char(' ')));
+    }
     default:
         return escapeColumnValue(value);
     }

@@ -2,9 +2,6 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLColumnValue.h"
 
-#include <QDate>
-#include <QTime>
-
 #include <sybdb.h>
 
 #include <algorithm>
@@ -19,9 +16,8 @@ constexpr int SYBMSUDT = 240;
 constexpr int SYBMSXML = 241;
 
 constexpr qint64 TicksPerMillisecond = 10'000;
-constexpr qint64 TicksPerSecond = KNDateTime::TicksPerSecond;
-constexpr qint64 TicksPerMinute = 60 * TicksPerSecond;
-constexpr qint64 TicksPerDay = 86'400 * TicksPerSecond;
+constexpr qint64 TicksPerMinute = KNDateTime::TicksPerMinute;
+constexpr qint64 TicksPerDay = KNDateTime::TicksPerDay;
 
 template <typename Fixed>
 Fixed read(const unsigned char *data)
@@ -129,26 +125,26 @@ void appendDateTime(KNRowStore &rows, const unsigned char *data)
     rows.appendDate(date);
 }
 
-/// Whether a record holds what the server's types can hold (MS-TDS 2.2.5.4.2).
+/// Whether a record holds what the server's types can hold (MS-TDS 2.2.5.4.2). A time of day that was rounded
+/// up may be the end of the day.
 bool isValid(const DBDATETIMEALL &record)
 {
     constexpr int LargestOffset = 14 * 60;
     return (!record.has_date || isDay(record.date)) &&
-           (!record.has_time || record.time < static_cast<DBUBIGINT>(TicksPerDay)) &&
+           (!record.has_time || record.time <= static_cast<DBUBIGINT>(TicksPerDay)) &&
            (!record.has_offset || std::abs(record.offset) <= LargestOffset);
 }
 
-/// db-lib's record for the newer date types, as ticks since 1900 with the offset applied.
-qint64 ticksOf(const DBDATETIMEALL &record)
+/// The instant and the digits of db-lib's record for the newer date types, which is in UTC.
+KNDateTime dateOf(const DBDATETIMEALL &record)
 {
-    qint64 ticks = 0;
+    KNDateTime date;
     if (record.has_date)
-        ticks += record.date * TicksPerDay;
+        date.ticks += record.date * TicksPerDay;
     if (record.has_time)
-        ticks += static_cast<qint64>(record.time);
-    if (record.has_offset)
-        ticks += record.offset * TicksPerMinute;
-    return ticks;
+        date.ticks += static_cast<qint64>(record.time);
+    date.fractionDigits = static_cast<quint8>(record.time_prec);
+    return date;
 }
 
 void appendDateRecord(KNRowStore &rows, const unsigned char *data)
@@ -156,23 +152,11 @@ void appendDateRecord(KNRowStore &rows, const unsigned char *data)
     const auto record = read<DBDATETIMEALL>(data);
     if (!isValid(record))
         return rows.appendNull();
-    KNDateTime date;
-    date.ticks = ticksOf(record);
+    KNDateTime date = dateOf(record);
     date.parts = !record.has_time   ? KNDateTime::Parts::Date
                  : !record.has_date ? KNDateTime::Parts::Time
                                     : KNDateTime::Parts::DateAndTime;
-    date.fractionDigits = static_cast<quint8>(record.time_prec);
     rows.appendDate(date);
-}
-
-/// The digits of a second that a datetimeoffset shows: the raw count of 100 ns steps cut to the declared
-/// digits.
-QString fractionText(const DBDATETIMEALL &record)
-{
-    const QString count = QString::number(record.time);
-    if (!record.has_time || record.time_prec == 0 || count.size() < 8)
-        return QStringLiteral("000");
-    return count.right(7).left(record.time_prec);
 }
 
 void appendDateTimeOffset(KNRowStore &rows, const unsigned char *data)
@@ -180,14 +164,9 @@ void appendDateTimeOffset(KNRowStore &rows, const unsigned char *data)
     const auto record = read<DBDATETIMEALL>(data);
     if (!isValid(record))
         return rows.appendNull();
-    KNDateTime date;
-    date.ticks = ticksOf(record);
-    date.fractionDigits = 0;
-    const int offset = record.offset;
-    const QString text = KNFormat("%@:%@ %@%02ld:%02ld", date.toString(), fractionText(record),
-                                  offset < -59 ? "-" : "+", std::abs(offset) / 60, std::abs(offset) % 60);
-    const QByteArray utf8 = text.toUtf8();
-    rows.appendText(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+    KNDateTime date = dateOf(record);
+    date.offsetMinutes = record.has_offset ? static_cast<qint16>(record.offset) : qint16{0};
+    rows.appendDate(date);
 }
 
 void appendUnknown(KNRowStore &rows, const MSSQLColumn &column)
@@ -224,8 +203,9 @@ void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsign
     case SYBINT1:
         return rows.appendInt32(data[0]);
     case SYBBIT:
-    case SYBVARIANT:
         return rows.appendBool(firstWord(data, length) != 0);
+    case SYBVARIANT:
+        return rows.appendFlagBytes(data, size);
     case SYBINT2:
         return rows.appendInt32(read<qint16>(data));
     case SYBINT4:
@@ -238,9 +218,8 @@ void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsign
         return rows.appendDouble(read<double>(data));
     case SYBMONEY:
         return appendMoney(rows, data);
-    // A float on purpose, unlike the larger money type.
     case SYBMONEY4:
-        return rows.appendFloat(static_cast<float>(read<qint32>(data) / 10000.0));
+        return rows.appendFloatMoney(read<qint32>(data));
     case SYBDECIMAL:
     case SYBNUMERIC:
         return appendDecimal(rows, data, length);

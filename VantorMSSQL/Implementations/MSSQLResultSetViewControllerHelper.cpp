@@ -72,6 +72,15 @@ QString MSSQLResultSetViewControllerHelper::typeNameForColumn(qsizetype column) 
     return type ? QString::fromLatin1(type->name) : QString();
 }
 
+QString MSSQLResultSetViewControllerHelper::remarkForColumn(qsizetype column) const
+{
+    constexpr int Variant = 98;
+    if (columnTypes().value(column) != Variant)
+        return {};
+    return QStringLiteral("The type of a sql_variant's value is not known here, so its bytes are shown. "
+                          "CAST(column AS nvarchar(4000)) in the query shows it as text.");
+}
+
 QString MSSQLResultSetViewControllerHelper::stringForValue(const KNValue &value, qsizetype column,
                                                            bool allowTruncate) const
 {
@@ -81,6 +90,8 @@ QString MSSQLResultSetViewControllerHelper::stringForValue(const KNValue &value,
     case DateAndTime:
         return value.date().toString(DateAndTimeFormat);
     case Time:
+        if (value.dateTime().ticks == KNDateTime::TicksPerDay)
+            return QStringLiteral("24:00:00:000"); // which a QTime cannot be
         return value.date().toString(TimeFormat);
     default:
         return value.date().toString(DateFormat);

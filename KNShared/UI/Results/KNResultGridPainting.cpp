@@ -132,7 +132,7 @@ void KNResultGridView::paintCell(QPainter &painter, const QRect &rect, const KNR
     painter.fillRect(rect, cell.isNull && !isSelected ? mixed(palette().color(QPalette::Text), ground, 0.05F)
                                                       : ground);
     const QRect inside = rect.adjusted(m_padding, 0, -m_padding - 1, -1);
-    if (!cell.isNull) {
+    if (!cell.isNull && !cell.isMarked) {
         painter.setPen(ink);
         const QString text = fontMetrics().elidedText(cell.text, Qt::ElideRight, inside.width());
         painter.drawText(
@@ -144,6 +144,8 @@ void KNResultGridView::paintCell(QPainter &painter, const QRect &rect, const KNR
     italic.setItalic(true);
     painter.setFont(italic);
     painter.setPen(isSelected ? ink : mixed(ink, ground, 0.6F));
-    painter.drawText(inside, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, m_nullText);
+    const QString &text = cell.isNull ? m_nullText : cell.text;
+    painter.drawText(inside, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                     QFontMetrics(italic).elidedText(text, Qt::ElideRight, inside.width()));
     painter.setFont(font());
 }

@@ -28,10 +28,9 @@ QString inOneLine(QString text)
     return text;
 }
 
-bool isNumber(KNRowCell::Tag tag)
+bool isDate(KNRowCell::Tag tag)
 {
-    return (tag >= KNRowCell::False && tag <= KNRowCell::Double) || tag == KNRowCell::Decimal ||
-           tag == KNRowCell::NegativeDecimal;
+    return tag == KNRowCell::Date || tag == KNRowCell::OffsetDate;
 }
 
 } // namespace
@@ -99,9 +98,19 @@ QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
         return QVariant::fromValue(
             Qt::Alignment(cell(index.row(), index.column()).isNumber ? Qt::AlignRight : Qt::AlignLeft) |
             Qt::AlignVCenter);
+    case Qt::ToolTipRole:
+        return cell(index.row(), index.column()).isMarked ? m_helper->remarkForColumn(index.column())
+                                                          : QVariant();
     default:
         return {};
     }
+}
+
+/// What there is to know about a column's values, in a line of its own.
+QString KNResultTableModel::remarkOn(int column) const
+{
+    const QString remark = m_helper->remarkForColumn(column);
+    return remark.isNull() ? QString() : QLatin1Char('\n') + remark;
 }
 
 QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -119,7 +128,7 @@ QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);
-        return QString(type.isNull() ? name : name + QLatin1Char('\n') + type) +
+        return QString(type.isNull() ? name : name + QLatin1Char('\n') + type) + remarkOn(section) +
                QStringLiteral("\nClick to select, double-click to sort");
     }
     case Qt::TextAlignmentRole:
@@ -204,25 +213,32 @@ void KNResultTableModel::showOrder(const KNRowArrangement &arrangement, KNRowOrd
 /// As cells are shown, but whole; for any thread.
 KNRowArrangement::Display KNResultTableModel::display() const
 {
-    return [helper = m_helper, asStored = m_dateFormat == KNPreferences::DateFormat::AsStored](
-               const KNValue &value, qsizetype column) {
-        if (asStored && value.kind() == KNValue::Kind::Date)
-            return value.displayText();
-        return helper->stringForValue(value, column, false);
+    return [helper = m_helper, format = m_dateFormat](const KNRowCell &cell, qsizetype column) {
+        return textOf(*helper, format, cell, cell.length, column, false);
     };
+}
+
+/// The text of a cell, of which no more than `limit` bytes are read; a null QString for null.
+QString KNResultTableModel::textOf(const ResultSetViewControllerHelper &helper,
+                                   KNPreferences::DateFormat format, const KNRowCell &cell, std::size_t limit,
+                                   qsizetype column, bool allowTruncate)
+{
+    if (!isDate(cell.tag))
+        return helper.stringForValue(cell.storedValue(limit), column, allowTruncate);
+    if (format == KNPreferences::DateFormat::AsStored)
+        return cell.dateTime().toString();
+    return helper.stringForValue(cell.value(), column, allowTruncate);
 }
 
 KNResultTableModel::Cell KNResultTableModel::shown(const KNRowCell &stored, int column) const
 {
     Cell cell;
-    const KNValue value = stored.value(BytesForDisplay);
-    if (value.isNull())
+    cell.text = textOf(*m_helper, m_dateFormat, stored, BytesForDisplay, column, true);
+    if (cell.text.isNull())
         return cell;
     cell.isNull = false;
-    cell.isNumber = isNumber(stored.tag);
-    const bool isDateAsStored =
-        stored.tag == KNRowCell::Date && m_dateFormat == KNPreferences::DateFormat::AsStored;
-    cell.text = isDateAsStored ? value.displayText() : m_helper->stringForValue(value, column, true);
+    cell.isNumber = stored.isNumber();
+    cell.isMarked = stored.tag == KNRowCell::FlagBytes;
     if (stored.tag == KNRowCell::Text)
         cell.text = inOneLine(cell.text);
     return cell;

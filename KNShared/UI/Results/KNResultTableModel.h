@@ -23,6 +23,7 @@ public:
         QString text; ///< empty for NULL
         bool isNull = true;
         bool isNumber = false;
+        bool isMarked = false; ///< shown apart: what the value is could not be known
     };
 
     /// The result's columns must be known.
@@ -73,7 +74,10 @@ Q_SIGNALS:
 private:
     void showOrder(const KNRowArrangement &arrangement, KNRowOrderPtr order);
     KNRowArrangement::Display display() const;
+    static QString textOf(const ResultSetViewControllerHelper &helper, KNPreferences::DateFormat format,
+                          const KNRowCell &cell, std::size_t limit, qsizetype column, bool allowTruncate);
     Cell shown(const KNRowCell &stored, int column) const;
+    QString remarkOn(int column) const;
 
     const KNDatabaseResultSetPtr m_result;
     const Helper m_helper;

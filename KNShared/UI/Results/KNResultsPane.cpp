@@ -103,7 +103,7 @@ void KNResultsPane::clear()
     m_entries.clear();
     m_awaitingColumns.clear();
     m_holder = nullptr;
-    m_seen.clear();
+    m_position = 0;
     m_firstUnfinished = 0;
     showPlaces();
     if (std::exchange(m_rowCount, 0) != 0)
@@ -148,11 +148,8 @@ void KNResultsPane::look()
 /// Makes entries for results whose columns have become known.
 bool KNResultsPane::takeNewResults()
 {
-    const QList<KNDatabaseResultSetPtr> results = m_holder->resultSets();
-    for (const KNDatabaseResultSetPtr &result : results) {
-        if (m_seen.insert(result).second)
-            m_awaitingColumns.push_back(result);
-    }
+    const QList<KNDatabaseResultSetPtr> results = m_holder->newResultSets(&m_position);
+    m_awaitingColumns.insert(m_awaitingColumns.end(), results.begin(), results.end());
     const int before = resultCount();
     std::erase_if(m_awaitingColumns, [this](const KNDatabaseResultSetPtr &result) {
         const bool isFinished = result->isFinished(); // asked first: columns come before

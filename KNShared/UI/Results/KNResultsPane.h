@@ -7,7 +7,6 @@
 #include <QHash>
 #include <QWidget>
 
-#include <unordered_set>
 #include <vector>
 
 class KNResultExportBar;
@@ -71,7 +70,7 @@ private:
 
     std::shared_ptr<KNResultSetHolder> m_holder;
     VantorDBCPtr m_details;
-    std::unordered_set<KNDatabaseResultSetPtr> m_seen; ///< result sets that the holder has had
+    KNResultSetHolder::Position m_position = 0; ///< behind the result sets that were taken
     std::vector<KNDatabaseResultSetPtr> m_awaitingColumns;
     std::vector<Entry> m_entries;
     QHash<int, KNResultSection *> m_sections; ///< by result

@@ -54,7 +54,7 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     setWindowTitle(
         KNFormat("%@, row %lld", name.isEmpty() ? QStringLiteral("(no name)") : name, storedRow + 1));
     const KNRowCell cell = KNRowReader(m_result->rows()).cell(storedRow, column);
-    m_value = cell.value(LargestShown);
+    m_value = cell.storedValue(LargestShown);
     m_byteCount = static_cast<qsizetype>(cell.length);
 
     m_forms->addItems({QStringLiteral("Text"), QStringLiteral("JSON"), QStringLiteral("XML"),
@@ -205,7 +205,7 @@ void KNValueViewer::writeTo(const QString &path)
 {
     const QPointer<KNValueViewer> self(this);
     KNDispatch::globalQueue([self, path, result = m_result, row = m_row, column = m_column] {
-        const KNValue value = result->rows().value(row, column);
+        const KNValue value = KNRowReader(result->rows()).cell(row, column).storedValue();
         const QByteArray bytes =
             value.kind() == KNValue::Kind::Bytes ? value.bytes() : value.displayText().toUtf8();
         QString why;

@@ -73,6 +73,38 @@ TEST(KNResultSetHolder, TakesAResultSetOutAgain)
     EXPECT_EQ(holder.resultSets(), QList<KNDatabaseResultSetPtr>{first});
 }
 
+TEST(KNResultSetHolder, GivesEachReaderWhatIsNewToIt)
+{
+    KNResultSetHolder holder;
+    KNResultSetHolder::Position position = 0;
+    EXPECT_TRUE(holder.newResultSets(&position).isEmpty());
+    const auto first = std::make_shared<KNDatabaseResultSet>();
+    const auto second = std::make_shared<KNDatabaseResultSet>();
+    const auto third = std::make_shared<KNDatabaseResultSet>();
+    holder.append(first);
+    holder.append(second);
+    EXPECT_EQ(holder.newResultSets(&position), (QList<KNDatabaseResultSetPtr>{first, second}));
+    holder.remove(second);
+    EXPECT_TRUE(holder.newResultSets(&position).isEmpty());
+    holder.append(third);
+    EXPECT_EQ(holder.newResultSets(&position), QList<KNDatabaseResultSetPtr>{third});
+    KNResultSetHolder::Position other = 0;
+    EXPECT_EQ(holder.newResultSets(&other), (QList<KNDatabaseResultSetPtr>{first, third}));
+}
+
+TEST(KNResultSetHolder, IsEmptyWhenItsResultSetsAreTaken)
+{
+    KNResultSetHolder holder;
+    const auto first = std::make_shared<KNDatabaseResultSet>();
+    holder.append(first);
+    EXPECT_EQ(holder.takeResultSets(), QList<KNDatabaseResultSetPtr>{first});
+    EXPECT_TRUE(holder.takeResultSets().isEmpty());
+    EXPECT_TRUE(holder.resultSets().isEmpty());
+    holder.remove(first);
+    holder.append(first);
+    EXPECT_EQ(holder.takeResultSets().size(), 1);
+}
+
 TEST(KNResultSetHolder, HandsItsReadAheadToLaterResultSets)
 {
     KNResultSetHolder holder;

@@ -36,8 +36,7 @@ public:
     {
         writer.beginRun();
         writer.beginResult(columns);
-        for (const KNRow &row : rows)
-            writer.writeRow(row);
+        writeRows(writer, rows);
         writer.endResult();
         writer.endRun();
         EXPECT_TRUE(writer.isGood());
@@ -204,7 +203,7 @@ TEST(ExcelWriter, TellsWhenTheFileCannotBeWritten)
     ExcelWriter writer(QStringLiteral("/nonexistent/a.xlsx"));
     writer.beginRun();
     writer.beginResult({QStringLiteral("a")});
-    writer.writeRow({KNValue(1)});
+    writeRows(writer, {{KNValue(1)}});
     writer.endResult();
     writer.endRun();
     EXPECT_FALSE(writer.isGood());

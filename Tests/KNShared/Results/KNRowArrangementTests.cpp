@@ -8,9 +8,9 @@ using namespace ResultTesting;
 
 namespace {
 
-QString shown(const KNValue &value, qsizetype)
+QString shown(const KNRowCell &cell, qsizetype)
 {
-    return value.displayText();
+    return cell.storedValue().displayText();
 }
 
 /// The numbers of the rows as they are shown.

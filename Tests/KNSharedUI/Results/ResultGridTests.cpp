@@ -104,6 +104,49 @@ TEST(ResultModel, ShowsDatesAsThePreferenceSays)
     before.save();
 }
 
+TEST(ResultModel, ShowsADateWithAnOffsetAsThePreferenceSays)
+{
+    const KNDateTime date = {.ticks = 5, .fractionDigits = 2, .offsetMinutes = -30};
+    Grid grid(result({QStringLiteral("a")}, {{KNValue(date)}}));
+    const KNPreferences before = KNPreferences::current();
+    KNPreferences preferences = before;
+    preferences.dateFormat = KNPreferences::DateFormat::Milliseconds;
+    preferences.save();
+    EXPECT_EQ(grid.model.cell(0, 0).text, QStringLiteral("1899-12-31 23:30:00:000 +00:30"));
+    preferences.dateFormat = KNPreferences::DateFormat::AsStored;
+    preferences.save();
+    EXPECT_EQ(grid.model.cell(0, 0).text, QStringLiteral("1899-12-31 23:30:00.00 -00:30"));
+    before.save();
+}
+
+TEST(ResultModel, MarksBytesWhoseTypeIsNotKnownAndSaysWhy)
+{
+    /// Has something to say about its columns.
+    class Helper : public ResultSetViewControllerHelper
+    {
+        QString remarkForColumn(qsizetype) const override { return QStringLiteral("Use CAST."); }
+    };
+    const auto bytes = std::make_shared<KNDatabaseResultSet>();
+    bytes->setColumns({QStringLiteral("a"), QStringLiteral("b")}, {98, 122});
+    bytes->rows().beginRow();
+    bytes->rows().appendFlagBytes("\x01\x02", 2);
+    bytes->rows().appendFloatMoney(2147483647);
+    bytes->rows().endRow();
+    bytes->rows().publish();
+    bytes->setFinished();
+    KNResultTableModel model(bytes, std::make_shared<Helper>());
+    model.showPublishedRows();
+    EXPECT_EQ(model.cell(0, 0).text, QStringLiteral("0x0102"));
+    EXPECT_TRUE(model.cell(0, 0).isMarked);
+    EXPECT_EQ(model.index(0, 0).data(Qt::ToolTipRole).toString(), QStringLiteral("Use CAST."));
+    EXPECT_EQ(model.cell(0, 1).text, QStringLiteral("214748.3647"));
+    EXPECT_FALSE(model.cell(0, 1).isMarked);
+    EXPECT_TRUE(model.cell(0, 1).isNumber);
+    EXPECT_TRUE(model.index(0, 1).data(Qt::ToolTipRole).isNull());
+    EXPECT_TRUE(
+        model.headerData(0, Qt::Horizontal, Qt::ToolTipRole).toString().contains(QStringLiteral("CAST")));
+}
+
 TEST(ResultModel, ShowsRowsWhenTheyArePublishedAndAsked)
 {
     const auto result = std::make_shared<KNDatabaseResultSet>();

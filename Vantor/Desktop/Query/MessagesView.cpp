@@ -88,7 +88,8 @@ void MessagesView::clearMessages()
     m_showTimer->stop();
     m_results.reset();
     m_pending.clear();
-    m_shownResults = 0;
+    m_position = 0;
+    m_awaitingMessages.clear();
     m_firstErrorLine = 0;
     m_errorCount = 0;
     m_firstError.clear();
@@ -101,10 +102,13 @@ void MessagesView::takeFinishedResults(bool all)
 {
     if (!m_results)
         return;
-    const auto results = m_results->resultSets();
+    m_awaitingMessages += m_results->newResultSets(&m_position);
     const int before = m_errorCount;
-    while (m_shownResults < results.size() - (all ? 0 : 1) && results[m_shownResults]->isFinished())
-        addResult(*results[m_shownResults++]);
+    const qsizetype complete = m_awaitingMessages.size() - (all ? 0 : 1);
+    qsizetype shown = 0;
+    while (shown < complete && m_awaitingMessages[shown]->isFinished())
+        addResult(*m_awaitingMessages[shown++]);
+    m_awaitingMessages.remove(0, shown);
     if (m_errorCount != before)
         Q_EMIT errorCountChanged(m_errorCount);
 }

@@ -60,7 +60,8 @@ private:
     void activate(const QTextCursor &cursor);
 
     std::shared_ptr<KNResultSetHolder> m_results;
-    qsizetype m_shownResults = 0;
+    KNResultSetHolder::Position m_position = 0; ///< behind the result sets that were taken
+    QList<KNDatabaseResultSetPtr> m_awaitingMessages;
     std::deque<Piece> m_pending;
     QTimer *m_pollTimer;
     QTimer *m_showTimer;

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstring>
+
+/// A number that stands at any address, in the machine's byte order.
+template <typename Fixed>
+Fixed KNReadFixed(const unsigned char *position)
+{
+    Fixed value;
+    std::memcpy(&value, position, sizeof value);
+    return value;
+}
