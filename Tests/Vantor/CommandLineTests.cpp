@@ -1,9 +1,12 @@
+#include "Support/HostileServer.h"
+#include "Support/HostileServerBytes.h"
 #include "Support/TestCertificates.h"
 #include "Vantor/Program.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -87,15 +90,45 @@ TEST(CommandLine, PrintsTheBatchesOfAFileAsJson)
         Program({QStringLiteral("split"), QStringLiteral("-")}, "SELECT 'a\"'\nGO 2\n\nSELECT 2\n").wait();
     EXPECT_EQ(outcome.status, 0);
     const QJsonArray batches = QJsonDocument::fromJson(outcome.output).array();
-    ASSERT_EQ(batches.size(), 3) << outcome.output.toStdString();
-    EXPECT_EQ(batches[1], batches[0]);
+    ASSERT_EQ(batches.size(), 2) << outcome.output.toStdString();
     EXPECT_EQ(batches[0].toObject(),
               (QJsonObject{{QStringLiteral("targetQuery"), QStringLiteral("SELECT 'a\"'")},
                            {QStringLiteral("location"), 0},
                            {QStringLiteral("length"), 11},
+                           {QStringLiteral("count"), 2},
                            {QStringLiteral("lineNumberOffset"), 0}}));
-    EXPECT_EQ(batches[2].toObject()[QStringLiteral("location")], 18);
-    EXPECT_EQ(batches[2].toObject()[QStringLiteral("lineNumberOffset")], 3);
+    EXPECT_EQ(batches[1].toObject()[QStringLiteral("location")], 18);
+    EXPECT_EQ(batches[1].toObject()[QStringLiteral("lineNumberOffset")], 3);
+    EXPECT_EQ(batches[1].toObject()[QStringLiteral("count")], 1);
+}
+
+TEST(CommandLine, PrintsABatchOnceHoweverOftenItRuns)
+{
+    const Outcome outcome =
+        Program({QStringLiteral("split"), QStringLiteral("-")}, "SELECT 1\nGO 2000000000\n").wait();
+    EXPECT_EQ(outcome.status, 0);
+    const QJsonArray batches = QJsonDocument::fromJson(outcome.output).array();
+    ASSERT_EQ(batches.size(), 1);
+    EXPECT_EQ(batches[0].toObject()[QStringLiteral("count")], 2'000'000'000);
+}
+
+TEST(CommandLine, WritesValuesAsStored)
+{
+    const QStringList values = {
+        QStringLiteral("CAST('2020-01-02 05:04:05.1234567 +02:00' AS datetimeoffset(7)) AS a"),
+        QStringLiteral("CAST('2020-01-02 05:04:05.12 -00:30' AS datetimeoffset(2)) AS b"),
+        QStringLiteral("CAST(214748.3647 AS smallmoney) AS c"),
+        QStringLiteral("CAST('12:34:56' AS time(0)) AS d"),
+        QStringLiteral("CAST('2020-01-02 03:04:05.123' AS datetime2(3)) AS e"),
+    };
+    const QString sql = QStringLiteral("SELECT ") + values.join(QStringLiteral(", "));
+    EXPECT_EQ(query({QStringLiteral("--format"), QStringLiteral("csv"), sql}).output,
+              QByteArray("a,b,c,d,e\n2020-01-02 05:04:05.1234567 +02:00,2020-01-02 05:04:05.12 -00:30,"
+                         "214748.3647,12:34:56,2020-01-02 03:04:05.123\n"));
+    const QByteArray json = query({QStringLiteral("--format"), QStringLiteral("json"), sql}).output;
+    EXPECT_TRUE(json.contains("[\"2020-01-02 05:04:05.1234567 +02:00\", \"2020-01-02 05:04:05.12 -00:30\", "
+                              "214748.3647, \"12:34:56\", \"2020-01-02 03:04:05.123\"]"))
+        << json.toStdString();
 }
 
 TEST(CommandLine, SplittingAFileThatIsNotThereEndsWithStatus2)
@@ -269,6 +302,91 @@ TEST(CommandLine, CtrlCCancelsTheQuery)
     EXPECT_EQ(outcome.status, 130);
     EXPECT_TRUE(outcome.errors.contains("Query was cancelled.")) << outcome.errors.toStdString();
     EXPECT_TRUE(outcome.output.endsWith('\n'));
+}
+
+TEST(CommandLine, CtrlCEndsAProgramWhoseOutputNobodyReads)
+{
+    for (const char *format : {"csv", "table"}) {
+        Program program({QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("--format"),
+                         QString::fromLatin1(format),
+                         QStringLiteral("SELECT * FROM generate_rows(100000000)")});
+        ASSERT_TRUE(program.waitUntilOutputIsFull());
+        program.interrupt();
+        EXPECT_TRUE(program.endsWithin(4000)) << format;
+        EXPECT_EQ(program.wait().status, 130) << format;
+    }
+}
+
+TEST(CommandLine, CtrlCEndsThousandsOfResults)
+{
+    for (const char *script : {"SELECT 1 AS a\nGO 1000000\n", "PRINT 'x'\nSELECT 1 AS a\nGO 1000000\n"}) {
+        Program program({QStringLiteral("query"), QStringLiteral("--sample")}, script);
+        program.readOutput(10'000);
+        program.interrupt();
+        // A reader that reads on.
+        const Outcome outcome = program.wait();
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_TRUE(outcome.errors.endsWith("Query was cancelled.\n"));
+    }
+}
+
+TEST(CommandLine, CtrlCEndsAServerThatSendsWithoutEnd)
+{
+    using namespace HostileServerBytes;
+    const HostileServer::Script configured = {
+        HostileServer::expect(BatchPacket), HostileServer::send(packet(done())),
+        HostileServer::expect(BatchPacket), HostileServer::send(packet(intColumns({"a"}), false)),
+        [](HostileServer::Peer &peer) {
+            const Bytes rows = packet(joined({intRow({1}), intRow({2}), intRow({3})}), false);
+            for (;;)
+                peer.send(rows);
+        }};
+    HostileServer server(HostileServer::joined(HostileServer::acceptedLogin(), configured));
+    for (const bool twice : {false, true}) {
+        Program program({QStringLiteral("query"), QStringLiteral("--server"),
+                         QStringLiteral("127.0.0.1,%1").arg(server.port()), QStringLiteral("--user"),
+                         QStringLiteral("sa"), QStringLiteral("--format"), QStringLiteral("csv"),
+                         QStringLiteral("SELECT a FROM t")});
+        program.readOutput(1000);
+        program.interrupt();
+        if (twice) {
+            usleep(100'000);
+            program.interrupt();
+            EXPECT_TRUE(program.endsWithin(1000));
+        }
+        EXPECT_TRUE(program.endsWithin(4000));
+        EXPECT_EQ(program.wait().status, 130);
+    }
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(CommandLine, TakesTwiceTheTimeForTwiceTheResults)
+{
+    for (const char *statement : {"PRINT 'x'\n", "SELECT 1 AS a\n"}) {
+        const auto secondsFor = [&](int count) {
+            QTemporaryDir folder;
+            QFile file(folder.filePath(QStringLiteral("many.sql")));
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(QByteArray(statement).repeated(count));
+            file.close();
+            const Outcome outcome = query({QStringLiteral("--file"), file.fileName()});
+            EXPECT_EQ(outcome.status, 0);
+            return outcome.processorSeconds;
+        };
+        const double few = secondsFor(10'000);
+        const double many = secondsFor(40'000);
+        EXPECT_LE(many, 8 * few) << statement << few;
+    }
+}
+#endif
+
+TEST(CommandLine, MemoryDoesNotGrowWithResults)
+{
+    const auto kilobytesFor = [](int count) {
+        return query({}, QByteArray("SELECT 1 AS a\nGO ") + QByteArray::number(count) + '\n')
+            .maximumKilobytes;
+    };
+    EXPECT_LT(kilobytesFor(4000), kilobytesFor(100) + 3000);
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

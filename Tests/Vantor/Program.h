@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,14 +26,16 @@ struct Outcome
     QByteArray output;
     QByteArray errors;
     long maximumKilobytes = 0;
+    double processorSeconds = 0; ///< of the program and what it waited for
 };
 
 /// vantor-cli as a child process.
 class Program
 {
 public:
+    /// `outputFile`: a file for standard output, which is not read then.
     explicit Program(const QStringList &arguments, const QByteArray &input = {},
-                     const char *password = SampleServerFixture::Password)
+                     const char *password = SampleServerFixture::Password, const char *outputFile = nullptr)
     {
         int in[2];
         EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
@@ -42,7 +45,7 @@ public:
         if (m_process == 0) {
             setsid();
             dup2(in[0], STDIN_FILENO);
-            dup2(m_output[1], STDOUT_FILENO);
+            dup2(outputFile ? ::open(outputFile, O_WRONLY) : m_output[1], STDOUT_FILENO);
             dup2(m_errors[1], STDERR_FILENO);
             if (password)
                 setenv("VANTOR_PASSWORD", password, 1);
@@ -67,6 +70,33 @@ public:
 
     void interrupt() const { kill(m_process, SIGINT); }
 
+    /// Waits until the program has filled the pipe of its output, which nobody reads.
+    bool waitUntilOutputIsFull() const
+    {
+        int before = -1;
+        for (int tries = 0; tries < 300; ++tries) {
+            int available = 0;
+            ioctl(m_output[0], FIONREAD, &available);
+            if (available > 0 && available == before)
+                return true;
+            before = available;
+            usleep(100'000);
+        }
+        return false;
+    }
+    /// Waits for the end without reading; false when it takes longer.
+    bool endsWithin(int milliseconds) const
+    {
+        for (int waited = 0; waited < milliseconds; waited += 10) {
+            siginfo_t info = {};
+            if (waitid(P_PID, static_cast<id_t>(m_process), &info, WEXITED | WNOWAIT | WNOHANG) == 0 &&
+                info.si_pid == m_process)
+                return true;
+            usleep(10'000);
+        }
+        return false;
+    }
+
     /// Reads until `amount` bytes of output are there, or its end.
     void readOutput(qsizetype amount)
     {
@@ -82,6 +112,9 @@ public:
         rusage usage = {};
         wait4(m_process, &status, 0, &usage);
         m_outcome.maximumKilobytes = usage.ru_maxrss;
+        m_outcome.processorSeconds =
+            static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+            static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
         m_outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         return m_outcome;
     }

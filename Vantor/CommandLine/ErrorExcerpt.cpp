@@ -38,8 +38,8 @@ QString errorExcerpt(const QString &text, const KNError &error)
     const qsizetype indent = text.indexOf(line, begin) - begin;
 
     const QString head = KNFormat("%ld: ", before.count(QLatin1Char('\n')) + 1);
-    const QString lead = line.left(range.location - begin - indent);
-    const qsizetype width = Terminal::displayWidth(text.mid(range.location, range.length));
+    const QString lead = Terminal::escaped(line.left(range.location - begin - indent));
+    const qsizetype width = Terminal::displayWidth(Terminal::escaped(text.mid(range.location, range.length)));
     return KNFormat("%@%@\n%@%@%@", head, line, QString(head.size(), QLatin1Char(' ')), blanksFor(lead),
                     QString(width, QLatin1Char('^')));
 }

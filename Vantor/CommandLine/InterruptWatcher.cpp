@@ -8,16 +8,33 @@
 
 namespace {
 
-// What the signal handler touches: it may do no more than write to a descriptor.
+constexpr unsigned SecondsToEnd = 2;
+constexpr eventfd_t EndOfWatching = 1u << 30;
+
+// What the signal handlers touch: they may do no more than write to a descriptor, set an alarm or exit.
 std::atomic<int> wakeUp = -1;
-std::atomic<bool> isCalling = false;
-std::atomic<int> statusOfImpatience = 1;
+std::atomic<int> interruptCount = 0;
+std::atomic<int> statusOfInterrupt = 1;
+
+void endProgram(int)
+{
+    _exit(statusOfInterrupt);
+}
 
 void handleInterrupt(int)
 {
-    if (isCalling)
-        _exit(statusOfImpatience);
+    if (interruptCount.fetch_add(1) > 0)
+        _exit(statusOfInterrupt);
+    alarm(SecondsToEnd);
     eventfd_write(wakeUp, 1);
+}
+
+void handle(int signal, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigaction(signal, &action, nullptr);
 }
 
 } // namespace
@@ -25,20 +42,17 @@ void handleInterrupt(int)
 InterruptWatcher::InterruptWatcher(int exitStatus)
     : m_exitStatus(exitStatus)
 {
-    statusOfImpatience = exitStatus;
+    statusOfInterrupt = exitStatus;
     wakeUp = eventfd(0, EFD_CLOEXEC);
     m_thread = std::thread([this] { watch(); });
-    struct sigaction action = {};
-    action.sa_handler = handleInterrupt;
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
+    handle(SIGALRM, endProgram);
+    handle(SIGINT, handleInterrupt);
 }
 
 InterruptWatcher::~InterruptWatcher()
 {
     signal(SIGINT, SIG_DFL);
-    constexpr eventfd_t End = 1u << 30;
-    eventfd_write(wakeUp, End);
+    eventfd_write(wakeUp, EndOfWatching);
     m_thread.join();
     close(wakeUp.exchange(-1));
 }
@@ -51,18 +65,15 @@ void InterruptWatcher::setTarget(std::function<void()> target)
 
 void InterruptWatcher::watch()
 {
-    constexpr eventfd_t End = 1u << 30;
     for (;;) {
         eventfd_t count = 0;
         if (eventfd_read(wakeUp, &count) != 0)
             continue;
-        if (count >= End)
+        if (count >= EndOfWatching)
             return;
         const std::lock_guard lock(m_mutex);
         if (!m_target)
             _exit(m_exitStatus);
-        isCalling = true;
         m_target();
-        isCalling = false;
     }
 }

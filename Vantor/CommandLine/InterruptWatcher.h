@@ -8,8 +8,8 @@
 class InterruptWatcher
 {
 public:
-    /// While there is no target, and when a second Ctrl-C comes before the first one's target has returned,
-    /// the program ends with `exitStatus`.
+    /// The program ends with `exitStatus` at once when there is no target and at the second Ctrl-C, and two
+    /// seconds after the first one whatever it waits for.
     explicit InterruptWatcher(int exitStatus);
     ~InterruptWatcher();
     InterruptWatcher(const InterruptWatcher &) = delete;

@@ -1,5 +1,6 @@
 #include "CommandLine/MenuWriter.h"
 
+#include "CommandLine/Terminal.h"
 #include "CommandLine/TreePath.h"
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "Foundation/KNFormat.h"
@@ -13,11 +14,12 @@ QString describe(const KNMenuRepresentedObject &object)
 {
     if (const auto *text = std::get_if<QString>(&object)) {
         const QString line = TreePath::escaped(*text);
-        return line.size() > LongestText ? KNFormat("text %@...", line.left(LongestText))
-                                         : KNFormat("text \"%@\"", line);
+        if (line.size() > LongestText)
+            return KNFormat("text %@...", line.left(LongestText));
+        return QLatin1String("text \"") + line + QLatin1Char('"');
     }
     if (const auto *entry = std::get_if<std::shared_ptr<KNDatabaseTreeEntry>>(&object))
-        return *entry ? KNFormat("entry %@", TreePath::escaped((*entry)->displayName())) : QString();
+        return *entry ? QLatin1String("entry ") + TreePath::escaped((*entry)->displayName()) : QString();
     if (const auto *script = std::get_if<std::shared_ptr<KNQueryLoader>>(&object))
         return *script ? QStringLiteral("script") : QStringLiteral("no script");
     return QString();
@@ -47,8 +49,7 @@ void writeItem(const KNMenuItem &item, int level)
         if (!item.submenu && !item.isEnabled())
             parts.append(QStringLiteral("(disabled)"));
     }
-    const QString line = QString(level * 2, QLatin1Char(' ')) + parts.join(QStringLiteral("  "));
-    fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
+    Terminal::printLine(QString(level * 2, QLatin1Char(' ')) + parts.join(QStringLiteral("  ")));
     if (item.submenu)
         writeItems(*item.submenu, level + 1);
 }
@@ -57,6 +58,6 @@ void writeItem(const KNMenuItem &item, int level)
 
 void writeMenu(const KNMenu &menu)
 {
-    fputs((menu.title + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
+    Terminal::printLine(menu.title);
     writeItems(menu, 1);
 }

@@ -18,24 +18,17 @@ QByteArray toJson(const KNQueryDetails &query)
     return QJsonDocument(QJsonObject{{QStringLiteral("targetQuery"), query.targetQuery},
                                      {QStringLiteral("location"), query.queryRange.location},
                                      {QStringLiteral("length"), query.queryRange.length},
+                                     {QStringLiteral("count"), qint64(query.repeatCount)},
                                      {QStringLiteral("lineNumberOffset"), qint64(query.lineNumberOffset)}})
         .toJson(QJsonDocument::Compact);
 }
 
-/// One object per run of a batch, so that a batch that is repeated stands there as often.
-bool printBatches(const QList<KNQueryDetails> &queries)
+void printBatches(const QList<KNQueryDetails> &queries)
 {
-    const char *separator = "[\n";
-    for (const KNQueryDetails &query : queries) {
-        const QByteArray json = toJson(query);
-        for (quint32 run = 0; run < query.repeatCount && !ferror(stdout); ++run) {
-            fputs(separator, stdout);
-            fwrite(json.constData(), 1, static_cast<std::size_t>(json.size()), stdout);
-            separator = ",\n";
-        }
-    }
-    fputs(queries.isEmpty() ? "[]\n" : "\n]\n", stdout);
-    return fflush(stdout) == 0 && !ferror(stdout);
+    QByteArray json = "[";
+    for (const KNQueryDetails &query : queries)
+        json += (&query == &queries.front() ? "\n" : ",\n") + toJson(query);
+    Terminal::printJson(json + (queries.isEmpty() ? "]\n" : "\n]\n"));
 }
 
 } // namespace
@@ -45,7 +38,7 @@ int runSplitCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Prints the batches of a script, cut at its GO lines, as a JSON array. Locations and "
-                       "lengths count UTF-16 units."));
+                       "lengths count UTF-16 units; count is how often a batch runs."));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Show this help."));
     parser.addOption(help);
@@ -65,8 +58,6 @@ int runSplitCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
         return Terminal::fail(ExitUsage, error.localizedDescription());
     const auto splitter = emptySettings->createQuerySplitter();
     splitter->setRequiresFullSplit(true);
-    if (!printBatches(splitter->doSplitQuery(*text)))
-        return Terminal::fail(ExitUsage,
-                              QStringLiteral("The batches could not be written to standard output."));
+    printBatches(splitter->doSplitQuery(*text));
     return ExitSuccess;
 }

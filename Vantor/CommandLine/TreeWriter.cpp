@@ -1,5 +1,6 @@
 #include "CommandLine/TreeWriter.h"
 
+#include "CommandLine/Terminal.h"
 #include "CommandLine/TreePath.h"
 #include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
 
@@ -9,7 +10,7 @@
 void TreeWriter::write(const TreeLoader::Entry &entry)
 {
     if (m_options.asJson)
-        fputs(QJsonDocument(json(entry, 0)).toJson().constData(), stdout);
+        Terminal::printJson(QJsonDocument(json(entry, 0)).toJson());
     else
         writeLines(entry, 0);
 }
@@ -31,7 +32,7 @@ void TreeWriter::writeLines(const TreeLoader::Entry &entry, int level)
     line += TreePath::escaped(entry->displayName());
     if (m_options.showDetails && !entry->details().isEmpty())
         line += QStringLiteral("  ") + TreePath::escaped(entry->details());
-    fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
+    Terminal::printLine(line);
     for (const TreeLoader::Entry &child : children)
         writeLines(child, level + 1);
 }

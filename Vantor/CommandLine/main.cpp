@@ -8,11 +8,13 @@
 #include "Connector/KNConnectorPlugin.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
 #include <clocale>
+#include <string>
 
 namespace {
 
@@ -39,6 +41,22 @@ constexpr Command Commands[] = {
     {"menu", runMenuCommand},   {"script", runScriptCommand},   {"split", runSplitCommand},
 };
 
+/// Null when there is none of that name.
+const Command *findCommand(const QString &name)
+{
+    const auto *found = std::find_if(std::begin(Commands), std::end(Commands),
+                                     [&](const Command &known) { return name == QLatin1String(known.name); });
+    return found == std::end(Commands) ? nullptr : found;
+}
+
+QStringList argumentTexts(int count, char **arguments)
+{
+    QStringList texts;
+    for (int i = 0; i < count; ++i)
+        texts.append(QString::fromLocal8Bit(arguments[i]));
+    return texts;
+}
+
 /// The first connector that can be used. What is wrong with the others is told.
 KNConnectorPlugin *loadConnector()
 {
@@ -61,10 +79,8 @@ int run(const QStringList &arguments)
         printf("vantor-cli %s\n", VANTOR_VERSION);
         return ExitSuccess;
     }
-    const auto *found = std::find_if(std::begin(Commands), std::end(Commands), [&](const Command &known) {
-        return command == QLatin1String(known.name);
-    });
-    if (found == std::end(Commands)) {
+    const Command *const found = findCommand(command);
+    if (!found) {
         if (!command.isEmpty())
             Terminal::printError(KNFormat("There is no command \"%@\".", command), Terminal::Colour::Red);
         fputs(HelpText, stderr);
@@ -76,16 +92,39 @@ int run(const QStringList &arguments)
     return found->run(arguments.mid(2), connector->createConnectionDetails());
 }
 
+/// Qt's own complaints go to the log: standard error holds messages of the server and of this program.
+void logQtMessage(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    KNLogHelper::sharedInstance()->logMessage(text);
+}
+
+/// Fails for what the C library could not write, which a command does not look at.
+int withOutputChecked(int status)
+{
+    const bool isWritten = fflush(stdout) == 0 && !ferror(stdout);
+    if (isWritten || status != ExitSuccess)
+        return status;
+    return Terminal::fail(ExitUsage, QStringLiteral("The output could not be written to standard output."));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
+    qInstallMessageHandler(logQtMessage);
+    // Usage lines begin with the program's name as Qt knows it: with the command's.
+    std::string name = "vantor-cli";
+    if (argc > 1 && findCommand(QString::fromLocal8Bit(argv[1])))
+        name = name + ' ' + argv[1];
+    const QStringList arguments = argumentTexts(argc, argv);
+    if (argc > 0)
+        argv[0] = name.data();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vantor-cli"));
     // The width of characters on the terminal follows its locale; numbers do not.
     std::setlocale(LC_CTYPE, "");
     try {
-        return run(QCoreApplication::arguments());
+        return withOutputChecked(run(arguments));
     } catch (const KNAssertionFailure &failure) {
         Terminal::printError(KNFormat("Internal error: %@ (%@)", failure.message(), failure.sourcePath()),
                              Terminal::Colour::Red);
