@@ -7,11 +7,15 @@ bool DatabaseMessage::isError() const
     return type == ClientError || (type == ServerMessage && severity >= 16);
 }
 
+bool DatabaseMessage::isValueWarning() const
+{
+    return type == ClientError && severity <= ValueSeverity;
+}
+
 bool DatabaseMessage::isFailure() const
 {
-    constexpr qint32 ValueConversion = 4;
     constexpr qint32 Information = 10;
-    return severity > (type == ClientError ? ValueConversion : Information);
+    return type == ClientError ? !isValueWarning() : severity > Information;
 }
 
 QString DatabaseMessage::failureText() const

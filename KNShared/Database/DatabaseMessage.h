@@ -11,6 +11,8 @@ struct KNSHARED_EXPORT DatabaseMessage
 {
     enum Type : qint32 { ClientError = 0, ServerMessage = 1 };
 
+    /// Up to this severity a client error concerns a single value.
+    static constexpr qint32 ValueSeverity = 4;
     /// The line of a message that has none.
     static constexpr quint64 NotFound = std::numeric_limits<qint64>::max();
 
@@ -27,10 +29,13 @@ struct KNSHARED_EXPORT DatabaseMessage
     /// Client errors always are; server messages from severity 16 on.
     bool isError() const;
     /// Whether the statement that the message belongs to failed: server messages from severity 11 on, and
-    /// client errors but those that concern the text of single values (severity 4) or only inform.
+    /// client errors other than isValueWarning().
     bool isFailure() const;
     /// "Msg 208, Level 16, State 1." and the text, joined with CR LF.
     QString failureText() const;
+    /// Whether it is a client error that concerns a single value, such as a character that could not be
+    /// converted: the statement went on. Programs show these as warnings.
+    bool isValueWarning() const;
     /// "Msg 208, Level 16, State 1, Line 2" and the text, joined with CR LF.
     QString description() const;
 

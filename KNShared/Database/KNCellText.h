@@ -14,8 +14,8 @@ KNSHARED_EXPORT void append(KNByteBuffer &to, const KNRowCell &cell);
 /// and bytes.
 bool isPlain(const KNRowCell &cell);
 
-/// Text in UTF-8 that is certainly valid: `cell`, which must be of the kind Text, or a copy in `repaired` with
-/// U+FFFD for what does not decode.
+/// Text in UTF-8 that is certainly valid: `cell`, which must be of the kind Text, or a copy in `repaired`
+/// with U+FFFD for what does not decode.
 KNSHARED_EXPORT QByteArrayView validText(const KNRowCell &cell, QByteArray &repaired);
 
 inline bool isPlain(const KNRowCell &cell)

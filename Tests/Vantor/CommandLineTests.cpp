@@ -330,6 +330,28 @@ TEST(CommandLine, CtrlCEndsThousandsOfResults)
     }
 }
 
+TEST(CommandLine, HalfACharacterIsAWarningAndNoError)
+{
+    using namespace HostileServerBytes;
+    // "x" and the first half of an emoji, as LEFT() cuts it off.
+    const Bytes row = {0xD1, 4, 0, 'x', 0, 0x3D, 0xD8};
+    const HostileServer::Script queried = {
+        HostileServer::expect(BatchPacket), HostileServer::send(packet(done())),
+        HostileServer::expect(BatchPacket),
+        HostileServer::send(packet(joined({textColumn("a"), row, done(DoneCount, 1)})))};
+    HostileServer server(HostileServer::joined(HostileServer::acceptedLogin(), queried));
+    const Outcome outcome =
+        Program({QStringLiteral("query"), QStringLiteral("--server"),
+                 QStringLiteral("127.0.0.1,%1").arg(server.port()), QStringLiteral("--user"),
+                 QStringLiteral("sa"), QStringLiteral("--format"), QStringLiteral("csv"),
+                 QStringLiteral("SELECT LEFT(a, 2) AS a FROM t")})
+            .wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, QByteArray("a\nx\n"));
+    EXPECT_EQ(outcome.errors,
+              QByteArray("Client warning 2401: Half of a character at the end of a value is left out.\n"));
+}
+
 TEST(CommandLine, CtrlCEndsAServerThatSendsWithoutEnd)
 {
     using namespace HostileServerBytes;

@@ -128,7 +128,8 @@ private:
         while (waitpid(program, &status, WUNTRACED) == program && WIFSTOPPED(status)) {
             termios settings = {};
             tcgetattr(STDIN_FILENO, &settings);
-            const char *const report = (settings.c_lflag & ECHO) ? "stopped with echo\n" : "stopped, silent\n";
+            const char *const report =
+                (settings.c_lflag & ECHO) ? "stopped with echo\n" : "stopped, silent\n";
             if (write(STDOUT_FILENO, report, std::strlen(report)) < 0)
                 _exit(126);
             kill(-program, SIGCONT);

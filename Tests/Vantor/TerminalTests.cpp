@@ -87,7 +87,8 @@ TEST(PasswordPrompt, IsStoppedWithEchoAndAsksAgainWhenContinued)
 
 TEST(OnATerminal, NoValueNameOrMessageControlsIt)
 {
-    const QString sql = QStringLiteral("PRINT N'%1'\nSELECT N'%1' AS %2").arg(ControlText, quotedControlName({}));
+    const QString sql =
+        QStringLiteral("PRINT N'%1'\nSELECT N'%1' AS %2").arg(ControlText, quotedControlName({}));
     for (const char *format : {"table", "csv", "json"}) {
         SCOPED_TRACE(format);
         TerminalProgram program(
@@ -149,8 +150,7 @@ TEST(InAPipe, CsvAndJsonHoldControlCharactersAsTheyAre)
 TEST(Help, NamesTheCommand)
 {
     for (const char *command : {"query", "catalog", "tree", "menu", "script", "split"}) {
-        const Outcome outcome =
-            Program({QString::fromLatin1(command), QStringLiteral("--help")}).wait();
+        const Outcome outcome = Program({QString::fromLatin1(command), QStringLiteral("--help")}).wait();
         EXPECT_EQ(outcome.status, 0);
         EXPECT_TRUE(outcome.output.startsWith("Usage: vantor-cli " + QByteArray(command) + " [options]"))
             << outcome.output.toStdString();

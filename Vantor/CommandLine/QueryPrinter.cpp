@@ -122,6 +122,11 @@ void QueryPrinter::printMessages(const KNDatabaseResultSet &resultSet)
 
 void QueryPrinter::printMessage(const DatabaseMessage &message)
 {
+    if (message.isValueWarning()) {
+        Terminal::printError(KNFormat("Client warning %d: %@", message.msgno, message.msgtext),
+                             Terminal::Colour::Yellow);
+        return;
+    }
     if (message.type == DatabaseMessage::ClientError) {
         m_hadErrors = true;
         Terminal::printError(KNFormat("Client error %d: %@", message.msgno, message.msgtext),

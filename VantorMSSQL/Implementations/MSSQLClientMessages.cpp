@@ -66,7 +66,12 @@ bool holdsNoNames(SQLTokenKind kind)
 
 int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr, char *)
 {
-    QString text = QString::fromUtf8(dberrstr);
+    constexpr int EndsInHalfACharacter = 2401;
+
+    // db-lib's own text names two character sets, both of them "(null)".
+    QString text = dberr == EndsInHalfACharacter
+                       ? QStringLiteral("Half of a character at the end of a value is left out.")
+                       : QString::fromUtf8(dberrstr);
     if (isEmptyOfContent(text) || !dbproc || dberr == 0)
         return INT_CANCEL;
     text = text.remove(QStringLiteral("Server name not found in configuration files")).trimmed();
@@ -78,7 +83,11 @@ int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr,
     message.msgno = dberr;
     message.severity = severity;
     message.msgtext = text;
-    MSSQLMessageList::sharedInstance().addMessage(message);
+    // Such a message comes for each value: it is said once for each result.
+    MSSQLMessageList &list = MSSQLMessageList::sharedInstance();
+    if (message.isValueWarning() && list.messages().contains(message))
+        return INT_CANCEL;
+    list.addMessage(message);
     if (dberr == SYBERPND)
         dbcancel(dbproc);
     return INT_CANCEL;

@@ -19,7 +19,9 @@ constexpr int PiecesAtOnce = 200;
 
 bool isError(const DatabaseMessage &message)
 {
-    return message.type == DatabaseMessage::ClientError || message.severity >= ErrorSeverity;
+    if (message.type == DatabaseMessage::ClientError)
+        return !message.isValueWarning();
+    return message.severity >= ErrorSeverity;
 }
 
 bool hasLine(const DatabaseMessage &message)
@@ -30,6 +32,8 @@ bool hasLine(const DatabaseMessage &message)
 QString textOf(const DatabaseMessage &message)
 {
     const QString text = message.msgtext.trimmed();
+    if (message.isValueWarning())
+        return KNFormat("Client warning %d: %@", message.msgno, text);
     if (message.type == DatabaseMessage::ClientError)
         return KNFormat("Client error %d: %@", message.msgno, text);
     if (message.severity == 0)
