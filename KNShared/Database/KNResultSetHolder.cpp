@@ -30,12 +30,15 @@ QList<KNDatabaseResultSetPtr> KNResultSetHolder::takeResultSets()
     QList<KNDatabaseResultSetPtr> resultSets = newResultSets(&position);
     const std::lock_guard lock(m_mutex);
     std::erase_if(m_entries, [position](const Entry &entry) { return entry.number < position; });
+    m_hasRoom.notify_all();
     return resultSets;
 }
 
 void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
 {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
+    m_hasRoom.wait(lock,
+                   [this] { return m_resultReadAhead == 0 || std::ssize(m_entries) < m_resultReadAhead; });
     resultSet->rows().setReadAhead(m_readAhead);
     resultSet->rows().setRowLimit(m_rowLimit);
     m_entries.push_back({m_nextNumber++, resultSet});
@@ -84,6 +87,13 @@ void KNResultSetHolder::setReadAhead(qsizetype rows)
 {
     const std::lock_guard lock(m_mutex);
     m_readAhead = rows;
+}
+
+void KNResultSetHolder::setResultReadAhead(qsizetype resultSets)
+{
+    const std::lock_guard lock(m_mutex);
+    m_resultReadAhead = resultSets;
+    m_hasRoom.notify_all();
 }
 
 void KNResultSetHolder::setRowLimit(qsizetype rows)

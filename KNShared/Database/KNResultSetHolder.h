@@ -33,6 +33,7 @@ public:
     QList<KNDatabaseResultSetPtr> newResultSets(Position *position) const;
     /// Takes all result sets out, for a reader that prints and forgets them.
     QList<KNDatabaseResultSetPtr> takeResultSets();
+    /// May wait for the reader; see setResultReadAhead().
     void append(const KNDatabaseResultSetPtr &resultSet);
     /// Takes a result set out again; nothing happens when it is not there.
     void remove(const KNDatabaseResultSetPtr &resultSet);
@@ -50,6 +51,10 @@ public:
     /// result set.
     void setReadAhead(qsizetype rows);
 
+    /// For a reader that takes result sets: append() waits while that many have not been taken. 0, the
+    /// default, and again when the reader gives up, for no limit.
+    void setResultReadAhead(qsizetype resultSets);
+
     /// How many rows every later result set keeps; 0, the default, for all.
     void setRowLimit(qsizetype rows);
 
@@ -65,9 +70,11 @@ private:
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_appended;
+    std::condition_variable m_hasRoom;
     std::vector<Entry> m_entries; ///< guarded by m_mutex, as all below
     Position m_nextNumber = 0;
     qint64 m_totalResultCount = 0;
     qsizetype m_readAhead = 0;
+    qsizetype m_resultReadAhead = 0;
     qsizetype m_rowLimit = 0;
 };

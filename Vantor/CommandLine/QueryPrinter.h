@@ -15,6 +15,8 @@ class QueryPrinter
 public:
     /// Rows that the run may be ahead of the printer.
     static constexpr qsizetype ReadAhead = 20'000;
+    /// Results that the run may be ahead of the printer.
+    static constexpr qsizetype ResultReadAhead = 5'000;
 
     /// `withSummaries` shows what each statement gave.
     QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries);

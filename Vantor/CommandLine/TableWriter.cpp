@@ -1,6 +1,7 @@
 #include "CommandLine/TableWriter.h"
 
 #include "CommandLine/Terminal.h"
+#include "Database/KNCellText.h"
 
 #include <algorithm>
 
@@ -8,11 +9,13 @@ namespace {
 
 constexpr qsizetype RowsForWidths = 200;
 
-QString cellText(const KNRowCell &cell)
+/// Whether every byte takes one place and needs no escape.
+bool isPrintableAscii(const char *text, std::size_t size)
 {
-    if (cell.tag == KNRowCell::Null)
-        return QStringLiteral("NULL");
-    return Terminal::escapedInOneLine(cell.storedValue().displayText());
+    bool isPrintable = true;
+    for (std::size_t i = 0; i < size; ++i)
+        isPrintable &= static_cast<unsigned char>(text[i] - 0x20) < 0x7F - 0x20;
+    return isPrintable;
 }
 
 } // namespace
@@ -22,8 +25,9 @@ void TableWriter::beginResult(const QStringList &columnNames)
     m_columnNames.clear();
     m_widths.clear();
     for (const QString &name : columnNames) {
-        m_columnNames.append(Terminal::escapedInOneLine(name));
-        m_widths.append(Terminal::displayWidth(m_columnNames.last()));
+        const QString escaped = Terminal::escapedInOneLine(name);
+        m_columnNames.append(escaped.toUtf8());
+        m_widths.append(Terminal::displayWidth(escaped));
     }
     m_held.clear();
     m_holding = true;
@@ -31,12 +35,18 @@ void TableWriter::beginResult(const QStringList &columnNames)
 
 void TableWriter::writeRow(Cells cells)
 {
-    Line line;
+    if (!m_holding) {
+        qsizetype column = 0;
+        for (const KNRowCell &cell : cells)
+            writeField(column++, fieldOf(cell));
+        return endLine();
+    }
+    QList<HeldField> line;
     line.reserve(std::ssize(cells));
-    for (const KNRowCell &cell : cells)
-        line.append({cellText(cell), cell.isNumber()});
-    if (!m_holding)
-        return writeLine(line);
+    for (const KNRowCell &cell : cells) {
+        const Field field = fieldOf(cell);
+        line.append({field.text.toByteArray(), field.width, field.isNumber});
+    }
     m_held.append(line);
     if (m_held.size() >= RowsForWidths)
         writeHeld();
@@ -50,39 +60,74 @@ void TableWriter::endResult()
     flush();
 }
 
+/// The text of a cell, which stands in m_text until the next call.
+TableWriter::Field TableWriter::fieldOf(const KNRowCell &cell)
+{
+    m_text.clear();
+    if (cell.tag == KNRowCell::Null)
+        m_text.append("NULL");
+    else
+        KNCellText::append(m_text, cell);
+    if (!isPrintableAscii(m_text.data(), m_text.size())) {
+        const QString escaped = Terminal::escapedInOneLine(
+            QString::fromUtf8(m_text.data(), static_cast<qsizetype>(m_text.size())));
+        m_text.clear();
+        m_text.append(escaped.toUtf8());
+        return {textOf(m_text), Terminal::displayWidth(escaped), false};
+    }
+    return {textOf(m_text), static_cast<qsizetype>(m_text.size()), cell.isNumber()};
+}
+
+QByteArrayView TableWriter::textOf(const KNByteBuffer &buffer)
+{
+    return QByteArrayView(buffer.data(), static_cast<qsizetype>(buffer.size()));
+}
+
 void TableWriter::writeHeld()
 {
     m_holding = false;
-    for (const Line &line : std::as_const(m_held)) {
+    for (const QList<HeldField> &line : std::as_const(m_held)) {
         for (qsizetype i = 0; i < line.size(); ++i)
-            m_widths[i] = std::max(m_widths[i], Terminal::displayWidth(line[i].text));
+            m_widths[i] = std::max(m_widths[i], line[i].width);
     }
-    Line head;
-    for (const QString &name : std::as_const(m_columnNames))
-        head.append({name, false});
-    writeLine(head);
-    QByteArrayList rules;
-    for (const int width : std::as_const(m_widths))
-        rules.append(QByteArray(width, '-'));
-    write(rules.join("  ") + '\n');
-    for (const Line &line : std::as_const(m_held))
-        writeLine(line);
+    for (qsizetype i = 0; i < m_columnNames.size(); ++i)
+        writeField(i, {m_columnNames[i], Terminal::displayWidth(QString::fromUtf8(m_columnNames[i])), false});
+    endLine();
+    for (qsizetype i = 0; i < m_widths.size(); ++i) {
+        if (i > 0)
+            buffer().append("  ");
+        appendTimes('-', m_widths[i]);
+    }
+    endLine();
+    for (const QList<HeldField> &line : std::as_const(m_held)) {
+        for (qsizetype i = 0; i < line.size(); ++i)
+            writeField(i, {line[i].text, line[i].width, line[i].isNumber});
+        endLine();
+    }
     m_held.clear();
 }
 
-void TableWriter::writeLine(const Line &line)
+/// Fields of a line are written in the order of the columns. The last one has no blanks behind it.
+void TableWriter::writeField(qsizetype column, const Field &field)
 {
-    QString text;
-    for (qsizetype i = 0; i < line.size(); ++i) {
-        const Field &field = line[i];
-        const QString padding(std::max(0, m_widths[i] - Terminal::displayWidth(field.text)),
-                              QLatin1Char(' '));
-        if (i > 0)
-            text += QStringLiteral("  ");
-        if (field.isNumber)
-            text += padding + field.text;
-        else
-            text += i + 1 < line.size() ? field.text + padding : field.text;
-    }
-    write(text.toUtf8() + '\n');
+    const qsizetype padding = std::max<qsizetype>(0, m_widths[column] - field.width);
+    if (column > 0)
+        buffer().append("  ");
+    if (field.isNumber)
+        appendTimes(' ', padding);
+    buffer().append(field.text);
+    if (!field.isNumber && column + 1 < m_widths.size())
+        appendTimes(' ', padding);
+}
+
+void TableWriter::appendTimes(char byte, qsizetype times)
+{
+    char *const place = buffer().reserve(static_cast<std::size_t>(times));
+    buffer().advanceTo(std::fill_n(place, times, byte));
+}
+
+void TableWriter::endLine()
+{
+    buffer().append('\n');
+    flushLargePiece();
 }

@@ -18,18 +18,30 @@ public:
     void endResult() override;
 
 private:
+    /// A field of a line; numbers stand to the right.
     struct Field
     {
-        QString text;
-        bool isNumber = false; ///< and stands to the right
+        QByteArrayView text; ///< escaped, in UTF-8
+        qsizetype width = 0; ///< places on a terminal
+        bool isNumber = false;
     };
-    using Line = QList<Field>;
+    struct HeldField
+    {
+        QByteArray text;
+        qsizetype width = 0;
+        bool isNumber = false;
+    };
 
+    Field fieldOf(const KNRowCell &cell);
+    static QByteArrayView textOf(const KNByteBuffer &buffer);
     void writeHeld();
-    void writeLine(const Line &line);
+    void writeField(qsizetype column, const Field &field);
+    void appendTimes(char byte, qsizetype times);
+    void endLine();
 
-    QStringList m_columnNames;
-    QList<int> m_widths;
-    QList<Line> m_held; ///< the rows that the widths are taken from
+    QByteArrayList m_columnNames;
+    QList<qsizetype> m_widths;
+    QList<QList<HeldField>> m_held; ///< the rows that the widths are taken from
     bool m_holding = true;
+    KNByteBuffer m_text; ///< of the cell that is written
 };

@@ -30,6 +30,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     KNResultSetHolder holder;
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
     holder.setReadAhead(QueryPrinter::ReadAhead);
+    holder.setResultReadAhead(QueryPrinter::ResultReadAhead);
 
     const QList<KNQueryDetails> batches = batchesOf(text, client.databaseConnectionDetails());
     KNError error;
@@ -49,6 +50,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
         client.cancelCurrentQuery(&ignored);
     });
     if (!printer.printUntil(done)) {
+        holder.setResultReadAhead(0);
         KNError ignored;
         client.cancelCurrentQuery(&ignored);
     }

@@ -64,3 +64,25 @@ TEST(KNResultSetHolderThreads, TheGridReadsWhileTheWorkerAppendsResults)
     worker.join();
     EXPECT_EQ(holder.totalResultCount(), 500);
 }
+
+TEST(KNResultSetHolderThreads, TheWorkerWaitsForAReaderThatTakesResults)
+{
+    constexpr int Count = 1000;
+    constexpr qsizetype ReadAhead = 10;
+    KNResultSetHolder holder;
+    holder.setResultReadAhead(ReadAhead);
+    std::thread worker([&] {
+        for (int i = 0; i < Count; ++i)
+            holder.append(std::make_shared<KNDatabaseResultSet>(QString::number(i)));
+    });
+    int taken = 0;
+    while (taken < Count / 2 && holder.waitForMoreThan(0, std::chrono::seconds(30))) {
+        const auto resultSets = holder.takeResultSets();
+        EXPECT_LE(resultSets.size(), ReadAhead);
+        for (const KNDatabaseResultSetPtr &resultSet : resultSets)
+            EXPECT_EQ(resultSet->executedQuery(), QString::number(taken++));
+    }
+    holder.setResultReadAhead(0); // the reader gives up
+    worker.join();
+    EXPECT_EQ(holder.resultSets().size(), Count - taken);
+}

@@ -9,7 +9,8 @@ namespace {
 /// A row of an nvarchar column with any UTF-16 units.
 Bytes rowOfUnits(std::u16string_view units)
 {
-    Bytes row{0xD1, static_cast<std::uint8_t>(units.size() * 2), static_cast<std::uint8_t>(units.size() * 2 >> 8)};
+    Bytes row{0xD1, static_cast<std::uint8_t>(units.size() * 2),
+              static_cast<std::uint8_t>(units.size() * 2 >> 8)};
     for (const char16_t unit : units) {
         row.push_back(static_cast<std::uint8_t>(unit));
         row.push_back(static_cast<std::uint8_t>(unit >> 8));
@@ -21,7 +22,7 @@ Bytes rowOfUnits(std::u16string_view units)
 
 TEST(LoneSurrogates, CostNoMoreThanThemselvesAndAreAWarning)
 {
-    const std::u16string_view values[] = {u"\xD83D", u"a\xD83D",  u"\xDE00", u"a\xDE00z",
+    const std::u16string_view values[] = {u"\xD83D", u"a\xD83D",      u"\xDE00", u"a\xDE00z",
                                           u"",       u"\xD83D\xDC18", u"next"};
     Bytes answer = textColumn("a");
     for (const std::u16string_view value : values)
