@@ -47,6 +47,37 @@ def table(head, rows):
     print()
 
 
+def query(programs, environment, arguments):
+    """Runs vantor-cli query; its processor seconds and memory."""
+    _, seconds, _, memory = measure(
+        [programs / "vantor-cli", "query", "--server", f"127.0.0.1,{environment['VANTOR_BENCHMARK_PORT']}", "--user", "sa",
+         *arguments], {**environment, "VANTOR_PASSWORD": "Sample-1"}, stderr=subprocess.DEVNULL)
+    return seconds, memory
+
+
+def tsql(environment):
+    """Runs FreeTDS's own client on the same rows; its processor seconds and memory."""
+    with tempfile.TemporaryDirectory() as folder:
+        script = pathlib.Path(folder) / "query.sql"
+        script.write_text(f"{SQL}\nGO\n")
+        with script.open() as source:
+            _, seconds, _, memory = measure(
+                ["tsql", "-H", "127.0.0.1", "-p", environment["VANTOR_BENCHMARK_PORT"], "-U", "sa", "-P", "Sample-1"],
+                {**environment, "TDSVER": "7.4"}, stdin=source, stderr=subprocess.DEVNULL)
+    return seconds, memory
+
+
+def printing(programs, environment):
+    print(f"### Printing {ROWS:,} rows of nine columns\n")
+    peer, peer_memory = tsql(environment)
+    rows = []
+    for form in ["csv", "json", "table"]:
+        seconds, memory = query(programs, environment, ["--format", form, SQL])
+        rows.append([f"vantor-cli query --format {form}", f"{seconds:.2f} s", f"{seconds / peer:.2f}", f"{memory:.0f} MB"])
+    rows.append(["FreeTDS tsql", f"{peer:.2f} s", "1.00", f"{peer_memory:.0f} MB"])
+    table(["program", "processor time", "ratio", "memory"], rows)
+
+
 def fetch(programs, environment, tedious):
     text, _, _, _ = measure([programs / "fetch-benchmark"], environment)
     bare = figure(text, "bare loop, processor time")
@@ -58,14 +89,7 @@ def fetch(programs, environment, tedious):
         [ "bare loop, nothing kept", f"{bare:.2f} s", "1.00", "" ],
         row("Vantor, rows kept", figure(text, "result set, processor time"), figure(text, "resident memory of the result set")),
     ]
-    with tempfile.TemporaryDirectory() as folder:
-        query = pathlib.Path(folder) / "query.sql"
-        query.write_text(f"{SQL}\nGO\n")
-        with query.open() as source:
-            _, seconds, _, memory = measure(
-                ["tsql", "-H", "127.0.0.1", "-p", environment["VANTOR_BENCHMARK_PORT"], "-U", "sa", "-P", "Sample-1"],
-                {**environment, "TDSVER": "7.4"}, stdin=source, stderr=subprocess.DEVNULL)
-        rows.append(row("FreeTDS tsql, printing", seconds, memory))
+    rows.append(row("FreeTDS tsql, printing", *tsql(environment)))
     _, seconds, _, memory = measure(["/usr/bin/python3", HERE / "peers/pytds_fetch.py"], environment)
     rows.append(row("python3-tds, fetchall", seconds, memory))
     if tedious:
@@ -76,6 +100,21 @@ def fetch(programs, environment, tedious):
     print(f"Delivered by db-lib: {figure(text, 'bytes that db-lib delivered'):.1f} MB, kept in "
           f"{figure(text, 'ratio of memory'):.2f} times as much; first 100 rows visible after "
           f"{figure(text, 'first 100 rows visible after'):.2f} % of the time.\n")
+
+
+def many_results(programs, environment):
+    """Scripts with thousands of results, each size and its double."""
+    print("### Thousands of results in a terminal\n")
+    rows = []
+    with tempfile.TemporaryDirectory() as folder:
+        script = pathlib.Path(folder) / "many.sql"
+        for name, text in [("PRINT messages", lambda n: "PRINT 'x'\n" * n), ("results of one row", lambda n: "SELECT 1 AS a\n" * n),
+                           ("batches of one row (GO)", lambda n: f"SELECT 1 AS a\nGO {n}\n")]:
+            for count in [10_000, 20_000, 40_000]:
+                script.write_text(text(count))
+                seconds, memory = query(programs, environment, ["--file", str(script)])
+                rows.append([f"{count:,} {name}", f"{seconds:.2f} s", f"{memory:.0f} MB"])
+    table(["script", "processor time", "memory"], rows)
 
 
 def bulk_insert(programs, environment, tedious):
@@ -117,6 +156,8 @@ def main():
         environment = {**os.environ, "VANTOR_BENCHMARK_PORT": str(server.port), "VANTOR_BENCHMARK_SQL": SQL,
                        "NODE_PATH": str(modules / "node_modules")}
         fetch(programs, environment, tedious)
+        printing(programs, environment)
+        many_results(programs, environment)
         bulk_insert(programs, environment, tedious)
         lines("Logging in", programs, "connect-benchmark", environment)
         lines("Listing 50,000 tables in the object tree", programs, "catalog-benchmark", environment)
