@@ -1,4 +1,5 @@
 #include "UI/Connecting/KNProgressMark.h"
+#include "UI/KNPlainToolTip.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -39,7 +40,7 @@ void KNProgressMark::stop()
 void KNProgressMark::fail(const QString &why)
 {
     m_progress->hide();
-    m_warning->setToolTip(why);
+    m_warning->setToolTip(KNPlainToolTip(why));
     m_warning->setAccessibleDescription(why);
     m_warning->show();
 }

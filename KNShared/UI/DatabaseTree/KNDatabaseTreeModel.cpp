@@ -4,11 +4,22 @@
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "UI/Icons/KNIcon.h"
+#include "UI/KNPlainToolTip.h"
 
 #include <QMimeData>
 #include <QPointer>
 
 #include <algorithm>
+
+namespace {
+
+QString nameWithDetails(const KNDatabaseTreeEntry &entry)
+{
+    return entry.details().isEmpty() ? entry.displayName()
+                                     : KNFormat("%@ %@", entry.displayName(), entry.details());
+}
+
+} // namespace
 
 /// A row that is shown. Its children are those that the view was told of, which may be behind the entry's.
 struct KNDatabaseTreeModel::Node
@@ -158,9 +169,9 @@ QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         return KNIcon::named(entry.image());
     case Qt::ToolTipRole:
+        return KNPlainToolTip(nameWithDetails(entry));
     case Qt::AccessibleTextRole:
-        return entry.details().isEmpty() ? entry.displayName()
-                                         : KNFormat("%@ %@", entry.displayName(), entry.details());
+        return nameWithDetails(entry);
     case DetailsRole:
         return entry.details();
     case IsBusyRole:

@@ -1,6 +1,7 @@
 #include "UI/Results/KNResultGridView.h"
 
 #include "Foundation/KNNotificationCenter.h"
+#include "UI/KNPlainToolTip.h"
 #include "UI/Results/KNRowNumberBar.h"
 
 #include <QGuiApplication>
@@ -351,7 +352,7 @@ bool KNResultGridView::viewportEvent(QEvent *event)
     const bool isElided =
         fontMetrics().horizontalAdvance(cell.text) + 2 * m_padding > visualRect(index).width();
     if (index.isValid() && isElided)
-        QToolTip::showText(help->globalPos(), cell.text.toHtmlEscaped(), viewport(), visualRect(index));
+        QToolTip::showText(help->globalPos(), KNPlainToolTip(cell.text), viewport(), visualRect(index));
     else
         QToolTip::hideText();
     return true;

@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/KNPlainToolTip.h"
 #include "UI/Results/KNResultFilterBar.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNValueViewer.h"
@@ -102,7 +103,7 @@ void KNResultSection::updateCaption()
     if (m_model.isArranging())
         text += QStringLiteral(" – working…");
     m_caption->setText(text);
-    m_caption->setToolTip(text);
+    m_caption->setToolTip(KNPlainToolTip(text));
     m_cancel->setVisible(m_model.isArranging());
     for (QAction *const action : std::as_const(m_arrangingActions))
         action->setEnabled(m_model.isFinished());

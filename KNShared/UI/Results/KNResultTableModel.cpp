@@ -2,6 +2,7 @@
 
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNNotificationCenter.h"
+#include "UI/KNPlainToolTip.h"
 
 #include <QPointer>
 
@@ -128,8 +129,8 @@ QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);
-        return QString(type.isNull() ? name : name + QLatin1Char('\n') + type) + remarkOn(section) +
-               QStringLiteral("\nClick to select, double-click to sort");
+        return KNPlainToolTip((type.isNull() ? name : name + QLatin1Char('\n') + type) + remarkOn(section) +
+                              QStringLiteral("\nClick to select, double-click to sort"));
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));

@@ -61,6 +61,7 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
                        QStringLiteral("Hexadecimal")});
     m_forms->setAccessibleName(QStringLiteral("Form in which the value is shown"));
     m_remark->setWordWrap(true);
+    m_remark->setTextFormat(Qt::PlainText);
     m_editor->setAccessibleName(QStringLiteral("Value"));
     m_editor->setReadOnly(true);
     m_editor->setUtf8(true);
@@ -69,6 +70,7 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     m_editor->setMarginWidth(1, 0);
 
     auto *const type = new QLabel(typeName.isEmpty() ? kindName(m_value) : typeName, this);
+    type->setTextFormat(Qt::PlainText);
     auto *const head = new QHBoxLayout;
     head->addWidget(type, 1);
     auto *const formsLabel = new QLabel(QStringLiteral("Show &as:"), this);

@@ -7,6 +7,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QTextDocument>
 
 using namespace ResultTesting;
 using namespace WindowTesting;
@@ -201,7 +202,21 @@ TEST(ResultModel, TellsTheTypeOfAColumn)
     };
     KNResultTableModel model(numberedRows(1), std::make_shared<Helper>());
     const QString tip = model.headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString();
-    EXPECT_TRUE(tip.startsWith(QStringLiteral("name\nnvarchar\n"))) << tip.toStdString();
+    EXPECT_TRUE(tip.contains(QStringLiteral(">name\nnvarchar\n"))) << tip.toStdString();
+}
+
+TEST(ResultModel, ShowsAColumnNameThatLooksLikeHtmlAsItIs)
+{
+    const QString name = QStringLiteral("<img src=/dev/zero> & <b>");
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    result->setColumns({name}, {56});
+    result->setFinished();
+    KNResultTableModel model(result, std::make_shared<ResultSetViewControllerHelper>());
+    const QString tip = model.headerData(0, Qt::Horizontal, Qt::ToolTipRole).toString();
+    EXPECT_FALSE(tip.contains(QStringLiteral("<img"))) << tip.toStdString();
+    QTextDocument shown;
+    shown.setHtml(tip);
+    EXPECT_TRUE(shown.toPlainText().startsWith(name)) << shown.toPlainText().toStdString();
 }
 
 TEST(ResultGrid, MovesByKeyboard)

@@ -6,7 +6,8 @@
 
 using namespace SampleServer;
 
-// Statements that would take the machine's stack or memory are refused with the server's errors, and the session goes on.
+// Statements that would take the machine's stack or memory are refused with the server's errors, and the
+// session goes on.
 
 namespace {
 
@@ -59,7 +60,8 @@ TEST(Limits, OfCommonTablesThatDoubleAreAnError)
     std::string sql = "WITH c0 AS (SELECT 1 AS x)";
     for (int i = 1; i < 30; ++i) {
         const std::string before = std::to_string(i - 1);
-        sql += ", c" + std::to_string(i) + " AS (SELECT a.x FROM c" + before + " a CROSS JOIN c" + before + " b)";
+        sql += ", c" + std::to_string(i) + " AS (SELECT a.x FROM c" + before + " a CROSS JOIN c" + before +
+               " b)";
     }
     EXPECT_EQ(errorsOf(sql + " SELECT COUNT(*) FROM c29"), Errors{701});
 }

@@ -11,6 +11,7 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/KNPlainToolTip.h"
 #include "UI/KNPreferences.h"
 
 #include <QApplication>
@@ -194,7 +195,7 @@ void MainWindow::updateTabTitle(QueryTab *tab)
         return;
     const QString title = tab->title();
     m_tabWidget->setTabText(index, tab->isModified() ? KNFormat("%@ •", title) : title);
-    m_tabWidget->setTabToolTip(index, tab->filePath().isNull() ? title : tab->filePath());
+    m_tabWidget->setTabToolTip(index, KNPlainToolTip(tab->filePath().isNull() ? title : tab->filePath()));
 }
 
 void MainWindow::updateForCurrentTab()

@@ -1,6 +1,7 @@
 #include "Desktop/Main/StatusLine.h"
 
 #include "Foundation/KNFormat.h"
+#include "UI/KNPlainToolTip.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -34,7 +35,7 @@ void StatusLine::setServer(const QString &server, const QString &version)
     const QString product =
         version.section(QLatin1Char('\n'), 0, 0).section(QStringLiteral(" ("), 0, 0).simplified();
     m_server->setText(product.isEmpty() ? server : KNFormat("%@ · %@", server, product));
-    m_server->setToolTip(version);
+    m_server->setToolTip(KNPlainToolTip(version));
 }
 
 void StatusLine::setLogin(const QString &login)

@@ -1,6 +1,7 @@
 #include "Desktop/Session/QueryHistoryModel.h"
 
 #include "UI/Editor/KNSQLColours.h"
+#include "UI/KNPlainToolTip.h"
 
 #include <QApplication>
 
@@ -34,7 +35,7 @@ QVariant QueryHistoryModel::data(const QModelIndex &index, int role) const
     case Qt::ForegroundRole:
         return entry.error.isNull() ? QVariant() : KNSQLColours::forPalette(QApplication::palette()).error;
     case Qt::ToolTipRole:
-        return entry.error.isNull() ? QVariant() : entry.error;
+        return entry.error.isNull() ? QVariant() : KNPlainToolTip(entry.error);
     case SearchRole:
         return QString(entry.text + u'\n' + entry.database + u'\n' + entry.error);
     default:

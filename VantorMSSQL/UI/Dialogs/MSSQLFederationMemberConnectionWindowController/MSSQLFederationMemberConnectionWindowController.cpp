@@ -40,8 +40,11 @@ MSSQLFederationMemberConnectionWindowController::MSSQLFederationMemberConnection
     auto *const form = new QFormLayout;
     form->addRow(QStringLiteral("&Federation:"), m_federationName);
     form->addRow(QStringLiteral("Distribution &name:"), m_distributionName);
-    if (!distributionType.isEmpty())
-        form->addRow(QStringLiteral("Distribution type:"), new QLabel(distributionType));
+    if (!distributionType.isEmpty()) {
+        auto *const type = new QLabel(distributionType);
+        type->setTextFormat(Qt::PlainText);
+        form->addRow(QStringLiteral("Distribution type:"), type);
+    }
     form->addRow(QStringLiteral("Distribution &value:"), m_distributionValue);
     auto *const layout = new QVBoxLayout(this);
     layout->addLayout(form);
