@@ -169,6 +169,17 @@ TEST(StandardError, HoldsNothingButMessages)
     EXPECT_EQ(outcome.errors, QByteArray("größer\n"));
 }
 
+TEST(MenuCommand, SaysNothingWhereAnItemWorksOnNothing)
+{
+    const Outcome outcome = Program({QStringLiteral("menu"), QStringLiteral("--server"), terminalServer(),
+                                     QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("shop")})
+                                .wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.contains("MySQL  exportDatabaseAsMySQL:  (disabled)"))
+        << outcome.output.toStdString();
+    EXPECT_FALSE(outcome.output.contains("(null)"));
+}
+
 TEST(FullDisk, IsAnErrorOfEveryCommand)
 {
     const QStringList server = {QStringLiteral("--server"), terminalServer(), QStringLiteral("--user"),

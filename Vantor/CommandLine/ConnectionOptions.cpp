@@ -95,6 +95,6 @@ QString ConnectionOptions::helpText()
 {
     return QStringLiteral(
         "\nThe password is taken from the environment variable VANTOR_PASSWORD, or asked for on the "
-        "terminal.\nExit status: 0 success, 1 SQL error, 2 usage, 3 no connection, 130 "
-        "cancelled (Ctrl-C).\n");
+        "terminal.\nExit status: 0 success, 1 SQL error, 2 usage or output that could not be written, 3 no "
+        "connection, 130 cancelled (Ctrl-C).\n");
 }

@@ -13,6 +13,8 @@ constexpr qsizetype LongestText = 60;
 QString describe(const KNMenuRepresentedObject &object)
 {
     if (const auto *text = std::get_if<QString>(&object)) {
+        if (text->isEmpty())
+            return QString();
         const QString line = TreePath::escaped(*text);
         if (line.size() > LongestText)
             return KNFormat("text %@...", line.left(LongestText));

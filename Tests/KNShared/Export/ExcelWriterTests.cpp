@@ -156,6 +156,20 @@ TEST_F(ExcelFile, HoldsDatesAsDatesWhereTheyStayExact)
     EXPECT_TRUE(workbook.part(QStringLiteral("xl/styles.xml")).contains("yyyy-mm-dd hh:mm:ss.000"));
 }
 
+TEST_F(ExcelFile, WritesDatesThatACellCannotHoldAsText)
+{
+    Workbook workbook;
+    const KNValue offset(KNDateTime{.ticks = 50'000 * KNDateTime::TicksPerDay, .offsetMinutes = -30});
+    const KNValue endOfDay(KNDateTime{KNDateTime::TicksPerDay, KNDateTime::Parts::Time, 0});
+    workbook.write({QStringLiteral("a"), QStringLiteral("b")}, {{offset, endOfDay}});
+    const auto cells = workbook.cells();
+    EXPECT_EQ(cells[QStringLiteral("A2")].type, QStringLiteral("inlineStr"));
+    EXPECT_TRUE(cells[QStringLiteral("A2")].content.endsWith(QStringLiteral(" 23:30:00.000 -00:30")));
+    EXPECT_EQ(cells[QStringLiteral("B2")].type, QStringLiteral("inlineStr"));
+    EXPECT_EQ(cells[QStringLiteral("B2")].content, QStringLiteral("24:00:00"));
+    EXPECT_EQ(workbook.writer.remarks().size(), 1);
+}
+
 TEST_F(ExcelFile, LeavesNullEmptyAndWritesTextAndBytes)
 {
     Workbook workbook;

@@ -155,3 +155,28 @@ TEST(CopiedRows, StopAtTheBoundAndSaySo)
     EXPECT_EQ(copy.text.count(QLatin1Char('\n')) + 1, 100'000 - copy.rowsLeftOut);
     EXPECT_EQ(copyOf(all(numberedRows(100'000)), Format::Text).rowsLeftOut, 0);
 }
+
+TEST(CopiedRows, HoldWhatIsStoredInEveryFormat)
+{
+    const auto stored = std::make_shared<KNDatabaseResultSet>();
+    stored->setColumns({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}, {43, 122, 98});
+    KNRowStore &rows = stored->rows();
+    rows.beginRow();
+    rows.appendDate({.ticks = 0, .fractionDigits = 3, .offsetMinutes = 90});
+    rows.appendFloatMoney(2147483647);
+    rows.appendFlagBytes("\x0a\xff", 2);
+    rows.endRow();
+    rows.publish();
+    stored->setFinished();
+    const QString date = QStringLiteral("1900-01-01 01:30:00.000 +01:30");
+    const QString money = QStringLiteral("214748.3647");
+    EXPECT_EQ(copied(stored, Format::Text), date + QLatin1Char('\t') + money + QStringLiteral("\t0x0AFF"));
+    EXPECT_EQ(copied(stored, Format::Csv),
+              QStringLiteral("a,b,c\n") + date + QLatin1Char(',') + money + QStringLiteral(",0x0AFF\n"));
+    for (const Format format : {Format::Json, Format::Insert, Format::InList, Format::Markdown}) {
+        const QString text = copied(stored, format);
+        EXPECT_TRUE(text.contains(QStringLiteral("01:30:00.000"))) << text.toStdString();
+        EXPECT_TRUE(text.contains(money)) << text.toStdString();
+        EXPECT_TRUE(text.contains(QStringLiteral("0AFF"))) << text.toStdString();
+    }
+}

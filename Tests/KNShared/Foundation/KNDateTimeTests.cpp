@@ -99,3 +99,21 @@ TEST(KNDateTime, TakesTheBaseDateForAnInvalidOneAndStaysInReachForAFarOne)
     EXPECT_GT(farthest(std::numeric_limits<qint64>::max()), at(9999, 12, 31).ticks);
     EXPECT_LT(farthest(std::numeric_limits<qint64>::min()), at(1, 1, 1).ticks);
 }
+
+TEST(KNDateTime, ShowsLocalTimeWithItsOffset)
+{
+    const KNDateTime evening = {
+        .ticks = KNDateTime::TicksPerDay, .fractionDigits = 0, .offsetMinutes = -14 * 60};
+    EXPECT_EQ(evening.toString(), QStringLiteral("1900-01-01 10:00:00 -14:00"));
+    const KNDateTime utc = {.ticks = 1, .fractionDigits = 7, .offsetMinutes = 0};
+    EXPECT_EQ(utc.toString(), QStringLiteral("1900-01-01 00:00:00.0000001 +00:00"));
+    const KNDateTime half = {.ticks = 0, .fractionDigits = 0, .offsetMinutes = -30};
+    EXPECT_EQ(half.toString(), QStringLiteral("1899-12-31 23:30:00 -00:30"));
+}
+
+TEST(KNDateTime, ShowsTheEndOfADayApartFromItsBeginning)
+{
+    EXPECT_EQ((KNDateTime{KNDateTime::TicksPerDay, KNDateTime::Parts::Time, 2}).toString(),
+              QStringLiteral("24:00:00.00"));
+    EXPECT_EQ((KNDateTime{0, KNDateTime::Parts::Time, 2}).toString(), QStringLiteral("00:00:00.00"));
+}

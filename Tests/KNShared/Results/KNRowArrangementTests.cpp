@@ -166,3 +166,32 @@ TEST(Arranging, GivesUpWhenItIsCancelled)
     EXPECT_EQ(KNRowArrangement{.sortColumn = 0}.order(*rows, shown, cancelled), nullptr);
     EXPECT_EQ(KNRowArrangement{.filterText = QStringLiteral("1")}.order(*rows, shown, cancelled), nullptr);
 }
+
+TEST(SortedRows, PutDatesWithOffsetsInTheOrderOfTheirInstants)
+{
+    const auto at = [](qint64 minutes, qint16 offset) {
+        return KNValue(KNDateTime{.ticks = minutes * KNDateTime::TicksPerMinute, .offsetMinutes = offset});
+    };
+    // 12:00 +02:00 is earlier than 11:00 +00:00 and later than 09:30 +00:00.
+    EXPECT_EQ(sorted({at(600, 120), at(660, 0), at(570, 0)}), (std::vector<quint32>{2, 0, 1}));
+}
+
+TEST(SortedRows, PutWhatHasTwoValuesInTheOrderOfWhatIsStored)
+{
+    const auto result = std::make_shared<KNDatabaseResultSet>();
+    result->setColumns({QStringLiteral("a"), QStringLiteral("b")}, {122, 98});
+    KNRowStore &rows = result->rows();
+    // As floats the first two amounts are equal.
+    const std::pair<qint32, const char *> values[] = {{2147483647, "\2"}, {2147483646, "\3"}, {-1, "\1"}};
+    for (const auto &[amount, byte] : values) {
+        rows.beginRow();
+        rows.appendFloatMoney(amount);
+        rows.appendFlagBytes(byte, 1);
+        rows.endRow();
+    }
+    rows.publish();
+    result->setFinished();
+    EXPECT_EQ(arranged(result, {.sortColumn = 0}), (std::vector<quint32>{2, 1, 0}));
+    EXPECT_EQ(arranged(result, {.sortColumn = 1}), (std::vector<quint32>{2, 0, 1}));
+    EXPECT_EQ(arranged(result, {.filterText = QStringLiteral("214748.3646")}), (std::vector<quint32>{1}));
+}
