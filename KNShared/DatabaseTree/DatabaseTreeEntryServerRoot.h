@@ -10,9 +10,10 @@ class KNSHARED_EXPORT DatabaseTreeEntryServerRoot : public KNDatabaseTreeLoading
 public:
     /// All user databases of the server, sorted, whether they are shown or not; empty before the first load.
     virtual QStringList allDatabaseNames() const = 0;
-    /// Asks the server for the objects that copyWithSearchResults() finds, in all databases. Blocks; not on
-    /// the UI thread, which must be free to take up what was found. False with an error when the server's
-    /// objects cannot be searched.
+    /// Asks the server for the objects that copyWithSearchResults() finds, in all databases; one that is
+    /// running already is waited for instead. Blocks; not on the UI thread, which must be free to take up
+    /// what was found. False with an error when the server's objects cannot be searched at all; true with an
+    /// error when some or all databases could not be asked.
     virtual bool updateSearchEntries(KNError *error) = 0;
 
     std::shared_ptr<KNDatabaseTreeContextHelper> contextHelper() const override { return m_contextHelper; }

@@ -44,7 +44,7 @@ public:
     {
         ++searchUpdates;
         *error = searchError;
-        return !searchError;
+        return isSearched || !searchError;
     }
     Ptr copyWithSearchResults(const QString &text) override
     {
@@ -65,6 +65,7 @@ public:
 
     std::atomic<int> searchUpdates = 0;
     KNError searchError;
+    bool isSearched = false; ///< with an error: whether anything was searched at all
     KNMenu shownMenu;
 
 protected:

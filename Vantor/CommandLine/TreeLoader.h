@@ -22,7 +22,8 @@ public:
     KNDatabaseTreeEntry::List children(const Entry &entry);
     /// The entry that these names lead to from `entry`; null with an error when there is none.
     Entry find(Entry entry, const QStringList &names, KNError *error);
-    /// A copy of the tree with what matches the text; null without an error when nothing does.
+    /// A copy of the tree with what matches the text; null when nothing does. An error when not everything
+    /// could be searched.
     Entry search(const QString &text, KNError *error);
 
 private:

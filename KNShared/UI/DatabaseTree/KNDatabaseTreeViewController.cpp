@@ -42,6 +42,8 @@ KNDatabaseTreeViewController::KNDatabaseTreeViewController(QWidget *parent)
     m_typing.setInterval(TypingPause);
     connect(m_searchField, &QLineEdit::textChanged, &m_typing, qOverload<>(&QTimer::start));
     connect(&m_typing, &QTimer::timeout, this, &KNDatabaseTreeViewController::search);
+    connect(m_model, &KNDatabaseTreeModel::busyChanged, this,
+            &KNDatabaseTreeViewController::searchOnceLoaded);
     connect(m_view, &KNDatabaseTreeView::menuRequested, this, &KNDatabaseTreeViewController::showMenu);
 }
 
@@ -49,6 +51,7 @@ void KNDatabaseTreeViewController::setRoot(const Root &root)
 {
     ++m_generation;
     m_feed = Feed::Outdated;
+    m_waitsForTree = false;
     m_root = root;
     m_searchField->clear();
     m_typing.stop();
@@ -109,18 +112,29 @@ void KNDatabaseTreeViewController::search()
 {
     if (!m_root)
         return;
+    m_waitsForTree = false;
     if (m_searchField->text().trimmed().isEmpty()) {
         showNotice({});
-        if (m_model->root() != m_root) {
-            m_model->setRoot(m_root);
-            m_view->expand(m_model->index(0, 0));
-        }
+        if (m_feedError && m_feed != Feed::Loading)
+            m_feed = Feed::Outdated; // a new search asks again
+        showWholeTree();
+        return;
+    }
+    if (!m_root->childEntries()) {
+        m_waitsForTree = true;
+        showNotice(tr("Loading the databases…"));
         return;
     }
     if (m_feed == Feed::Outdated)
         loadSearchEntries();
-    else if (m_feed == Feed::Loaded)
+    else if (m_feed != Feed::Loading)
         showSearchResults();
+}
+
+void KNDatabaseTreeViewController::searchOnceLoaded()
+{
+    if (m_waitsForTree && m_root && m_root->childEntries())
+        search();
 }
 
 /// The objects of all databases are asked for when they are searched first, and again after a refresh.
@@ -131,15 +145,13 @@ void KNDatabaseTreeViewController::loadSearchEntries()
     const QPointer self(this);
     KNDispatch::globalQueue([self, root = m_root, generation = m_generation] {
         KNError error;
-        root->updateSearchEntries(&error);
-        KNDispatch::mainQueue([self, generation, error] {
+        const bool isSearched = root->updateSearchEntries(&error);
+        KNDispatch::mainQueue([self, generation, isSearched, error] {
             if (!self || self->m_generation != generation)
                 return;
-            self->m_feed = error ? Feed::Outdated : Feed::Loaded;
-            if (error)
-                self->showNotice(error.localizedDescription());
-            else
-                self->search();
+            self->m_feed = isSearched ? Feed::Loaded : Feed::Refused;
+            self->m_feedError = error;
+            self->search();
         });
     });
 }
@@ -147,10 +159,29 @@ void KNDatabaseTreeViewController::loadSearchEntries()
 void KNDatabaseTreeViewController::showSearchResults()
 {
     const QString text = m_searchField->text().trimmed();
-    const Entry found = m_root->copyWithSearchResults(text);
-    showNotice(found ? QString() : KNFormat("Nothing has \"%@\" in its name.", text));
+    const Entry found = m_feed == Feed::Refused ? nullptr : m_root->copyWithSearchResults(text);
+    if (!m_feedError)
+        showNotice(found ? QString() : KNFormat("Nothing has \"%@\" in its name.", text));
+    else if (m_feed == Feed::Refused)
+        showNotice(m_feedError.localizedDescription());
+    else
+        showNotice(KNFormat(found ? "The search is incomplete: %@" : "The search failed: %@",
+                            m_feedError.localizedDescription()));
+    // That a failed search finds nothing does not mean that there is nothing: the tree stays.
+    if (m_feedError && !found) {
+        showWholeTree();
+        return;
+    }
     m_model->setRoot(found);
     m_view->expandLoaded();
+}
+
+void KNDatabaseTreeViewController::showWholeTree()
+{
+    if (m_model->root() == m_root)
+        return;
+    m_model->setRoot(m_root);
+    m_view->expand(m_model->index(0, 0));
 }
 
 bool KNDatabaseTreeViewController::eventFilter(QObject *watched, QEvent *event)

@@ -44,10 +44,12 @@ private:
     void search();
     void loadSearchEntries();
     void showSearchResults();
+    void showWholeTree();
+    void searchOnceLoaded();
     void showNotice(const QString &text);
     void showMenu(const Entry &entry, const QPoint &globalPosition);
 
-    enum class Feed { Outdated, Loading, Loaded };
+    enum class Feed { Outdated, Loading, Loaded, Refused };
 
     QLineEdit *const m_searchField;
     QLabel *const m_notice;
@@ -56,5 +58,7 @@ private:
     Root m_root;
     QTimer m_typing;
     Feed m_feed = Feed::Outdated; ///< the objects that the search looks through
+    KNError m_feedError;          ///< why the feed is incomplete
+    bool m_waitsForTree = false;  ///< a search was typed before the root was loaded
     quint64 m_generation = 0;     ///< of the root that the feed is loaded for
 };

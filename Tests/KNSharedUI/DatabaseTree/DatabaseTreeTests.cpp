@@ -218,6 +218,41 @@ TEST_F(DatabaseTree, SaysWhyItsObjectsCannotBeSearched)
     EXPECT_EQ(shown(), list({"a"}));
 }
 
+TEST_F(DatabaseTree, SaysThatASearchHasFailedOrIsIncomplete)
+{
+    m_root->isSearched = true;
+    m_root->searchError = KNError(QStringLiteral("test"), 229, QStringLiteral("SELECT was denied."));
+    show(list({"a", "b"}));
+    type("a");
+    EXPECT_TRUE(waitFor([&] {
+        return m_controller.notice() == QStringLiteral("The search is incomplete: SELECT was denied.");
+    }));
+    EXPECT_EQ(shown(), list({"a"}));
+    type("x");
+    EXPECT_TRUE(waitFor(
+        [&] { return m_controller.notice() == QStringLiteral("The search failed: SELECT was denied."); }));
+    EXPECT_EQ(shown(), list({"a", "b"})) << "that nothing was found does not mean that there is nothing";
+    m_controller.searchField()->clear();
+    EXPECT_TRUE(waitFor([&] { return m_controller.notice().isNull(); }));
+    m_root->searchError = {};
+    type("b");
+    EXPECT_TRUE(waitFor([&] { return shown() == list({"b"}); })) << "a new search asks again";
+    EXPECT_TRUE(m_controller.notice().isNull());
+}
+
+TEST_F(DatabaseTree, RunsASearchThatWasTypedBeforeTheTreeWasLoaded)
+{
+    m_isGated = true;
+    setNames(list({"Customers", "Orders"}));
+    m_controller.setRoot(m_root);
+    type("Ord");
+    EXPECT_TRUE(waitFor([&] { return m_controller.notice() == QStringLiteral("Loading the databases…"); }));
+    EXPECT_EQ(m_root->searchUpdates, 0);
+    m_gate.signal();
+    EXPECT_TRUE(waitFor([&] { return shown() == list({"Orders"}); }));
+    EXPECT_TRUE(m_controller.notice().isNull());
+}
+
 TEST_F(DatabaseTree, ShowsTheMenuOfAnEntryWithWhatIsNotThereYetDisabled)
 {
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();

@@ -150,6 +150,69 @@ TEST_F(Search, AFailureIsLoggedAndTheTreeStands)
     EXPECT_TRUE(wasLogged("Error mssqsql.databaseTree.updateSearchEntries 911: No."));
 }
 
+TEST_F(Search, ReportsAFailedQuery)
+{
+    server->fail("List_SearchableDatabaseEntries", Failure);
+    const auto node = root();
+    load(node);
+    KNError error;
+    bool isSearched = false;
+    KNDispatch::globalQueue([&] { isSearched = node->updateSearchEntries(&error); });
+    EXPECT_TRUE(settle());
+    EXPECT_TRUE(isSearched);
+    EXPECT_EQ(error.domain(), QStringLiteral("mssqsql.databaseTree.updateSearchEntries"));
+    EXPECT_EQ(error.localizedDescription(), QStringLiteral("No."));
+    EXPECT_EQ(node->copyWithSearchResults(QStringLiteral("ord")), nullptr);
+}
+
+TEST_F(Search, WaitsForTheFeedThatRunsInsteadOfRunningASecondOne)
+{
+    KNSemaphore isRunning(QStringLiteral("test"), 0);
+    KNSemaphore mayEnd(QStringLiteral("test"), 0);
+    server->setDuringQuery([&](const QString &title) {
+        if (title != QStringLiteral("List_SearchableDatabaseEntries"))
+            return;
+        isRunning.signal();
+        mayEnd.wait();
+    });
+    const auto node = root();
+    node->loadEntriesAsync(false);
+    EXPECT_TRUE(waitFor([&] { return node->childEntries() != nullptr; }));
+    isRunning.wait();
+    std::atomic<bool> isOver = false;
+    KNDispatch::globalQueue([&] {
+        KNError error;
+        EXPECT_TRUE(node->updateSearchEntries(&error));
+        EXPECT_FALSE(error);
+        isOver = true;
+    });
+    KNDispatch::waitUntilIdle(20);
+    EXPECT_FALSE(isOver);
+    mayEnd.signal();
+    EXPECT_TRUE(waitFor([&] { return isOver.load(); }));
+    EXPECT_TRUE(settle());
+    EXPECT_EQ(server->count("List_SearchableDatabaseEntries"), 1);
+    EXPECT_NE(node->copyWithSearchResults(QStringLiteral("ord")), nullptr);
+}
+
+TEST_F(Search, ShowsTheSchemaOfEachResult)
+{
+    server->answer("List_SearchableDatabaseEntries", {{"shop", "sales", "Orders", "TABLE"},
+                                                      {"shop", "hr", "v_orders", "VIEW"},
+                                                      {"shop", "dbo", "PlaceOrder", "PROCEDURE"},
+                                                      {"shop", "dbo", "OrderTotal", "FUNCTION"}});
+    const auto node = root();
+    load(node);
+    const Ptr found = node->copyWithSearchResults(QStringLiteral("order"));
+    ASSERT_NE(found, nullptr);
+    const Ptr shop = found->childEntries()->front();
+    EXPECT_EQ(names(shop), list({"Orders", "v_orders", "PlaceOrder", "dbo.OrderTotal"}));
+    QStringList details;
+    for (const Ptr &entry : *shop->childEntries())
+        details.append(entry->details());
+    EXPECT_EQ(details, list({"sales", "hr", "dbo", ""}));
+}
+
 TEST_F(Search, AnEmptyServerIsNotSearched)
 {
     server->answer("General_ListDatabases", {{"master", 1}});
@@ -185,6 +248,17 @@ TEST_F(AzureSearch, ADatabaseThatFailsDoesNotKeepTheOthersFromBeingSearched)
     load(node);
     EXPECT_EQ(names(node->copyWithSearchResults(QStringLiteral("ord"))), list({"shop"}));
     EXPECT_TRUE(wasLogged("Error executing query. No.."));
+}
+
+TEST_F(AzureSearch, NamesTheDatabasesThatWereNotSearched)
+{
+    const auto node = root();
+    load(node);
+    server->fail("List_SearchableDatabaseEntries_Azure", Failure);
+    KNError error;
+    KNDispatch::globalQueue([&] { node->updateSearchEntries(&error); });
+    EXPECT_TRUE(settle());
+    EXPECT_EQ(error.localizedDescription(), QStringLiteral("Not searched: Sales, shop. No."));
 }
 
 TEST_F(OldSearch, IsRefused)

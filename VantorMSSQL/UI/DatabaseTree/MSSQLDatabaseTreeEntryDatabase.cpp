@@ -61,6 +61,7 @@ MSSQLDatabaseTreeEntryDatabase::entryForSearchResult(const KNDatabaseSearchResul
         auto table =
             make<MSSQLDatabaseTreeEntryDatabaseTable>(result.display, result.schema, result.objectName);
         table->setIsView(isType("VIEW"));
+        table->setDetails(result.schema);
         return table;
     }
     if (isType("FUNCTION")) {
@@ -69,8 +70,12 @@ MSSQLDatabaseTreeEntryDatabase::entryForSearchResult(const KNDatabaseSearchResul
                                  : KNFormat("%@.%@", result.schema, result.objectName);
         return make<MSSQLDatabaseTreeEntryFunction>(name, result.schema, result.objectName);
     }
-    if (isType("PROCEDURE"))
-        return make<MSSQLDatabaseTreeEntryStoredProcedure>(result.display, result.schema, result.objectName);
+    if (isType("PROCEDURE")) {
+        auto procedure =
+            make<MSSQLDatabaseTreeEntryStoredProcedure>(result.display, result.schema, result.objectName);
+        procedure->setDetails(result.schema);
+        return procedure;
+    }
     KNLogHelper::sharedInstance()->logMessage(QStringLiteral("Unknown"));
     return nullptr;
 }

@@ -44,9 +44,20 @@ private:
     Ptr databaseForRow(const DatabaseResultSet &row, const QString &name);
     Ptr loadAgent(VantorDatabaseClient &client, KNError *error);
 
+    /// What came of a search feed.
+    struct SearchFeed
+    {
+        quint64 number = 0; ///< counted from 1
+        Children entries;   ///< that it supplied
+        bool isSearched = true;
+        KNError error;
+    };
+
     void loadSearchResults(const Children &entries);
+    void runSearchFeed(const Children &entries);
+    SearchFeed lastSearchFeed() const;
     bool updateSearchEntries(const Children &entries, KNError *error);
-    bool updateSearchEntriesAzure(const std::vector<Database> &databases);
+    bool updateSearchEntriesAzure(const std::vector<Database> &databases, KNError *error);
 
     struct Loaded
     {
@@ -57,6 +68,8 @@ private:
     mutable std::mutex m_namesMutex;
     QStringList m_internalDatabaseNames; ///< guarded by m_namesMutex
     KNSemaphore m_searchLoadSemaphore;   ///< held by the search feed that is running
+    mutable std::mutex m_searchFeedMutex;
+    SearchFeed m_lastSearchFeed; ///< guarded by m_searchFeedMutex
     KNNotificationCenter::Token m_tableAdded;
     KNNotificationCenter::Token m_tableRemoved;
 };

@@ -1,6 +1,7 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "DatabaseTree/KNDatabaseSearchResult.h"
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
 #include "Implementations/MSSQLVersionHelper.h"
@@ -14,10 +15,11 @@ namespace {
 
 constexpr double SlowSeconds = 5.0;
 
-/// Runs a search query and hands over its rows; failures are logged only.
-void readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnError,
-                    const std::function<void()> &begin,
-                    const std::function<void(const DatabaseResultSet &)> &readRow)
+/// Runs a search query and passes its rows. A failure is logged and returned; the rows that came before it
+/// are not all there are.
+KNError readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnError,
+                       const std::function<void()> &begin,
+                       const std::function<void(const DatabaseResultSet &)> &readRow)
 {
     KNLogHelper *log = KNLogHelper::sharedInstance();
     KNError failure;
@@ -37,9 +39,11 @@ void readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnE
                 readRow(*rows);
         },
         settings, &failure, retryOnError);
-    if (failure)
-        log->logError(failure.inDomain(QStringLiteral("mssqsql.databaseTree.updateSearchEntries")),
-                      {{QStringLiteral("Query"), sql}});
+    if (!failure)
+        return failure;
+    failure = failure.inDomain(QStringLiteral("mssqsql.databaseTree.updateSearchEntries"));
+    log->logError(failure, {{QStringLiteral("Query"), sql}});
+    return failure;
 }
 
 /// The object of a row whose schema, name and type begin at `firstColumn`.
@@ -69,15 +73,41 @@ void MSSQLDatabaseTreeEntryServer::loadSearchResults(const Children &entries)
     KNDispatch::globalQueue([server, entries] {
         if (!server->m_searchLoadSemaphore.tryWait())
             return; // one is running; this one is dropped
-        const auto signal = qScopeGuard([&] { server->m_searchLoadSemaphore.signal(); });
-        KNError error;
-        server->updateSearchEntries(entries, &error);
+        server->runSearchFeed(entries);
     });
+}
+
+MSSQLDatabaseTreeEntryServer::SearchFeed MSSQLDatabaseTreeEntryServer::lastSearchFeed() const
+{
+    const std::lock_guard lock(m_searchFeedMutex);
+    return m_lastSearchFeed;
+}
+
+/// Runs a feed and gives the semaphore back, which the caller holds.
+void MSSQLDatabaseTreeEntryServer::runSearchFeed(const Children &entries)
+{
+    const auto signal = qScopeGuard([&] { m_searchLoadSemaphore.signal(); });
+    KNError error;
+    const bool isSearched = updateSearchEntries(entries, &error);
+    const std::lock_guard lock(m_searchFeedMutex);
+    m_lastSearchFeed = {m_lastSearchFeed.number + 1, entries, isSearched, error};
 }
 
 bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(KNError *error)
 {
-    return updateSearchEntries(childEntries(), error);
+    const quint64 before = lastSearchFeed().number;
+    const bool isFree = m_searchLoadSemaphore.tryWait();
+    if (!isFree)
+        m_searchLoadSemaphore.wait();
+    // The feed that was waited for has just brought what is asked for, unless a refresh came between.
+    const SearchFeed last = lastSearchFeed();
+    if (!isFree && last.number > before && last.entries == childEntries())
+        m_searchLoadSemaphore.signal();
+    else
+        runSearchFeed(childEntries());
+    const SearchFeed feed = lastSearchFeed();
+    *error = feed.error;
+    return feed.isSearched;
 }
 
 bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(const Children &entries, KNError *error)
@@ -97,12 +127,12 @@ bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(const Children &entries, 
             databases.push_back(std::move(database));
     }
     if (versions->isDBCAzure(settings()))
-        return updateSearchEntriesAzure(databases);
+        return updateSearchEntriesAzure(databases, error);
 
     const MachTimer timer;
     QHash<QString, KNDatabaseSearchResults> results; // by database
     qint64 rowCount = 0;
-    readSearchRows(
+    *error = readSearchRows(
         MSSQLTreeCatalog::text(*this, "List_SearchableDatabaseEntries"), settings(), false,
         [&] {
             results.clear();
@@ -121,20 +151,33 @@ bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(const Children &entries, 
     return true;
 }
 
-/// A database of Azure sees no other one: each is asked by itself.
-bool MSSQLDatabaseTreeEntryServer::updateSearchEntriesAzure(const std::vector<Database> &databases)
+/// A database of Azure sees no other one: each is asked by itself. Those that refuse do not keep the others
+/// from being searched; the error names them.
+bool MSSQLDatabaseTreeEntryServer::updateSearchEntriesAzure(const std::vector<Database> &databases,
+                                                            KNError *error)
 {
     const MachTimer timer;
     const QString sql = MSSQLTreeCatalog::text(*this, "List_SearchableDatabaseEntries_Azure");
     qint64 rowCount = 0;
+    QStringList refused;
+    KNError firstFailure;
     for (const Database &database : databases) {
         KNDatabaseSearchResults results;
-        readSearchRows(
+        const KNError failure = readSearchRows(
             sql, *database->databaseConnectionDetails(), true, [&] { results.clear(); },
             [&](const DatabaseResultSet &row) { results.append(resultOf(row, 0)); });
+        if (failure) {
+            refused.append(database->displayName());
+            firstFailure = firstFailure ? firstFailure : failure;
+        }
         rowCount += results.size();
         KNDispatch::mainQueueSync([&] { database->updateSearchResults(results); });
     }
+    if (firstFailure)
+        *error = KNError(firstFailure.domain(), firstFailure.code(),
+                         KNFormat("Not searched: %@. %@", refused.join(QStringLiteral(", ")),
+                                  firstFailure.localizedDescription()),
+                         firstFailure.userInfo());
     logDuration("mssqsql.databaseTree.updateSearchEntries.azure.slow", timer.seconds(), rowCount,
                 static_cast<qint64>(databases.size()),
                 MSSQLVersionHelper::sharedInstance()->versionForDBC(settings()));
