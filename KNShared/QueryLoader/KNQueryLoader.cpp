@@ -4,8 +4,20 @@ KNQueryLoaderDelegate::~KNQueryLoaderDelegate() = default;
 
 KNQueryLoader::~KNQueryLoader() = default;
 
-void KNQueryLoader::deliver(const QString &query)
+KNQueryReport KNQueryLoader::report() const
 {
+    const std::lock_guard lock(m_mutex);
+    return m_report;
+}
+
+void KNQueryLoader::deliver(const QString &query, KNQueryReport report)
+{
+    if (m_review && !query.isNull())
+        report.notices += m_review(query);
+    {
+        const std::lock_guard lock(m_mutex);
+        m_report = std::move(report);
+    }
     if (const auto delegate = m_delegate.lock())
         delegate->queryLoaderLoadedQuery(*this, query);
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "KNSharedExport.h"
+#include "QueryLoader/KNQueryReport.h"
 
 #include <QString>
 
+#include <functional>
 #include <memory>
+#include <mutex>
 
 class KNQueryLoader;
 class VantorDBC;
@@ -15,8 +18,8 @@ class KNSHARED_EXPORT KNQueryLoaderDelegate
 public:
     virtual ~KNQueryLoaderDelegate();
 
-    /// Once per start, also when it failed: the text then tells so, or is null. Called on whatever thread the
-    /// loader works.
+    /// Once per start, also when it failed: the text then says so, or is null, and the loader's report()
+    /// holds the failure. Called on whatever thread the loader works.
     virtual void queryLoaderLoadedQuery(KNQueryLoader &loader, const QString &query) = 0;
 };
 
@@ -31,17 +34,28 @@ public:
     std::shared_ptr<KNQueryLoaderDelegate> delegate() const { return m_delegate.lock(); }
     void setDelegate(const std::weak_ptr<KNQueryLoaderDelegate> &delegate) { m_delegate = delegate; }
 
+    /// Looks at a finished text and returns sentences to report as notices.
+    using Review = std::function<QStringList(const QString &text)>;
+    /// To be set before the loading begins; runs on the thread that delivers.
+    void setReview(Review review) { m_review = std::move(review); }
+
+    /// What belongs to the text that was delivered last. Any thread.
+    KNQueryReport report() const;
+
     /// Starts making the text for the server with these settings, of which it takes a copy if it works on.
     /// A loader that asks the server returns at once and delivers on a thread of the global queue; one that
     /// knows its text delivers before this returns. Any thread.
     virtual void beginLoadingQuery(const VantorDBC &details) = 0;
 
 protected:
-    /// Hands the text to the delegate, if that is still there.
-    void deliver(const QString &query);
+    /// Passes the text to the delegate, if that is still there.
+    void deliver(const QString &query, KNQueryReport report = {});
 
 private:
     std::weak_ptr<KNQueryLoaderDelegate> m_delegate;
+    Review m_review;
+    mutable std::mutex m_mutex;
+    KNQueryReport m_report; ///< guarded by m_mutex
 };
 
 using KNQueryLoaderPtr = std::shared_ptr<KNQueryLoader>;

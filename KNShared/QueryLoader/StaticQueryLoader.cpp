@@ -2,5 +2,5 @@
 
 void StaticQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
-    deliver(m_query);
+    deliver(m_query, m_report);
 }

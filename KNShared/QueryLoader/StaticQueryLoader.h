@@ -2,12 +2,13 @@
 
 #include "QueryLoader/KNQueryLoader.h"
 
-/// A loader that was given its text.
+/// A loader that was given its text, and what it reports beside it.
 class KNSHARED_EXPORT StaticQueryLoader : public KNQueryLoader
 {
 public:
-    explicit StaticQueryLoader(const QString &query)
+    explicit StaticQueryLoader(const QString &query, const KNQueryReport &report = {})
         : m_query(query)
+        , m_report(report)
     {
     }
 
@@ -17,4 +18,5 @@ public:
 
 private:
     const QString m_query;
+    const KNQueryReport m_report;
 };

@@ -203,7 +203,7 @@ TEST(ScriptCommand, ListsTheScriptsOfAnObject)
 
 TEST(ScriptCommand, PrintsTheScriptWithThisTitle)
 {
-    EXPECT_EQ(script({"shop/Tables/Orders", "drop TO"}).output, "DROP VIEW dbo.Orders\n");
+    EXPECT_TRUE(script({"shop/Tables/Orders", "drop TO"}).output.endsWith("\r\nDROP VIEW dbo.Orders\n"));
     const Outcome create = script({"shop/Tables/Order Details, \"quoted\"", "CREATE to"});
     EXPECT_EQ(create.status, 0) << create.errors.toStdString();
     EXPECT_TRUE(create.output.contains("CREATE TABLE [dbo].[Order Details, \"quoted\"] (\r\n"))
@@ -221,4 +221,29 @@ TEST(ScriptCommand, ATitleThatIsNotThereEndsWithStatus2AndTheTitles)
         << outcome.errors.toStdString();
     EXPECT_EQ(script({"shop/Tables/Nothing", "CREATE to"}).status, 2);
     EXPECT_EQ(script({"shop", "CREATE to", "more"}).status, 2);
+}
+
+TEST(ScriptCommand, SaysThatAStatementActsOnAnotherObject)
+{
+    const Outcome outcome = script({"shop/Tables/sales.Invoices", "DROP to"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "-- The statement below is DROP VIEW, but the script was asked for the table "
+                              "sales.Invoices.\r\nDROP VIEW sales.Invoices\n");
+    const Outcome anew =
+        script({"shop/Programmability/Stored Procedures/sales.PlaceOrder", "DROP and CREATE to"});
+    EXPECT_EQ(anew.status, 0);
+    EXPECT_TRUE(anew.output.startsWith("-- The statement DROP PROCEDURE names no schema: "))
+        << anew.output.toStdString();
+}
+
+TEST(ScriptCommand, NeverDropsWhatItCannotCreate)
+{
+    const Outcome outcome =
+        script({"shop/Programmability/Stored Procedures/dbo.SecretProcedure", "DROP and CREATE to"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains("-- This script is incomplete: "));
+    EXPECT_TRUE(outcome.output.contains("\n-- DROP PROCEDURE SecretProcedure\r\n-- GO\r\n"))
+        << outcome.output.toStdString();
+    EXPECT_FALSE(outcome.output.contains("\nDROP")) << outcome.output.toStdString();
+    EXPECT_FALSE(outcome.errors.isEmpty());
 }

@@ -154,10 +154,11 @@ const QMap<QString, QStringList> &titles()
     static const QStringList schemaAndProcedure{QStringLiteral("{SCHEMA}"),
                                                 QStringLiteral("{PROCEDURE_NAME}")};
     static const QStringList schemaAndTable{QStringLiteral("{TABLE_SCHEMA}"), QStringLiteral("{TABLE_NAME}")};
-    static const QStringList table{QStringLiteral("{TABLE_NAME}")};
+    static const QStringList ofTable{QStringLiteral("{SCHEMA}"), QStringLiteral("{TABLE}")};
     static const QStringList extraClause{QStringLiteral("{EXTRA_WHERE_CLAUSE}")};
     static const QStringList job{QStringLiteral("{SQLAGENT_JOB_ID}")};
-    static const QStringList columnDefault{QStringLiteral("{TABLE_NAME}"), QStringLiteral("{COLUMN_NAME}")};
+    static const QStringList columnDefault{QStringLiteral("{TABLE_SCHEMA}"), QStringLiteral("{TABLE_NAME}"),
+                                           QStringLiteral("{COLUMN_NAME}")};
     static const QMap<QString, QStringList> map{
         {QStringLiteral("General_ListDatabases"), {}},
         {QStringLiteral("General_FindDefaultUserSchema"), {}},
@@ -166,9 +167,9 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_SearchableDatabaseEntries"), {}},
         {QStringLiteral("List_SearchableDatabaseEntries_Azure"), {}},
         {QStringLiteral("List_ViewsInDatabase_NonSystem"), {}},
-        {QStringLiteral("List_IndexesForTable"), table},
-        {QStringLiteral("List_IndexesForView"), table},
-        {QStringLiteral("List_KeysForTable"), table},
+        {QStringLiteral("List_IndexesForTable"), ofTable},
+        {QStringLiteral("List_IndexesForView"), ofTable},
+        {QStringLiteral("List_KeysForTable"), ofTable},
         {QStringLiteral("List_TriggersForTableWithDetails"), schemaAndTable},
         {QStringLiteral("ColumnsForTable"),
          {QStringLiteral("{TABLE_NAME}"), QStringLiteral("{SCHEMA_NAME}")}},
@@ -196,18 +197,18 @@ const QMap<QString, QStringList> &titles()
          {QStringLiteral("{SCHEMA}"), QStringLiteral("{FUNCTION_NAME}")}},
         {QStringLiteral("StoredProcedure_AlterQuery"), schemaAndProcedure},
         {QStringLiteral("StoredProcedure_ScriptCreateQuery"), schemaAndProcedure},
-        {QStringLiteral("View_AlterQuery"), {QStringLiteral("{VIEW_NAME}")}},
+        {QStringLiteral("View_AlterQuery"), {QStringLiteral("{SCHEMA}"), QStringLiteral("{VIEW}")}},
         {QStringLiteral("INDEX_CREATION_QUERY"),
          {QStringLiteral("{INDEX_SRC}"), QStringLiteral("{INDEX_CLAUSE}")}},
         {QStringLiteral("UserDefinedDataType_CreationQuery"),
          {QStringLiteral("{TYPE}"), QStringLiteral("{SCHEMA}")}},
-        {QStringLiteral("Table_DropPrimaryKey"), table},
+        {QStringLiteral("Table_DropPrimaryKey"), schemaAndTable},
         {QStringLiteral("Table_RemoveDefaultForColumn"), columnDefault},
         {QStringLiteral("Table_ReplaceDefaultForColumn"),
          columnDefault + QStringList{QStringLiteral("{NEW_DEFAULT}")}},
         {QStringLiteral("List_IndexesAndColumnsForTable"), schemaAndTable},
         {QStringLiteral("List_ForeignKeysForTable"), schemaAndTable},
-        {QStringLiteral("List_PrimaryKeysForTable"), {QStringLiteral("{SCHEMA_AND_TABLE_NAME}")}},
+        {QStringLiteral("List_PrimaryKeysForTable"), ofTable},
         {QStringLiteral("List_TablesAndColumnsForImport"), {}},
         {QStringLiteral("List_EntriesForAutocomplete"), {}},
         {QStringLiteral("List_ExportableDatabaseEntries"), {}},
@@ -330,7 +331,7 @@ TEST(BackingQueryTexts, HoldNoOtherPlaceholdersInTheVariantsForSQLServer2000)
         const QStringList filled = titles().value(titleOf(entry.key()));
         QSet<QString> allowed(filled.cbegin(), filled.cend());
         if (entry.key() == QStringLiteral("INDEX_CREATION_QUERY_2000"))
-            allowed = {QStringLiteral("{VIEW_NAME}")};
+            allowed = {QStringLiteral("{VIEW_PATH}")};
         EXPECT_EQ(placeholdersIn(entry.value()), allowed) << entry.key().toStdString();
     }
 }

@@ -39,28 +39,55 @@ private:
         fflush(stdout);
     }
 
-    /// What there is to tell about one query.
+    /// What came of one query.
+    struct Outcome
+    {
+        KNError error;
+        qint64 rowCount = 0;
+        qint64 milliseconds = 0;
+    };
+
+    /// Tries one query on one object after the other until one has what it asks for: not every table has
+    /// foreign keys.
     QString tryOut(const KNQueryTrial &trial)
     {
-        const Columns object = m_firstRows.value(trial.objectsTitle);
-        if (!trial.objectsTitle.isEmpty() && object.isEmpty())
+        const QList<Columns> objects =
+            trial.objectsTitle.isEmpty() ? QList<Columns>{{}} : m_firstRows.value(trial.objectsTitle);
+        if (objects.isEmpty())
             return KNFormat("not tried: %@ gave no object", trial.objectsTitle);
+        Outcome outcome;
+        for (const Columns &object : objects) {
+            outcome = ask(trial, object);
+            if (outcome.error || outcome.rowCount > 0 || m_client.wasCancelled())
+                break;
+        }
+        if (!outcome.error)
+            return KNFormat("ok, %lld rows, %lld ms", outcome.rowCount, outcome.milliseconds);
+        ++m_failures;
+        return KNFormat("ERROR %@", outcome.error.localizedDescription().simplified());
+    }
+
+    Outcome ask(const KNQueryTrial &trial, const Columns &object)
+    {
         QMap<QString, QString> values = trial.values;
         for (QString &value : values)
             value = KNQueryTemplate::filled(value, object);
         QElapsedTimer timer;
         timer.start();
-        KNError error;
+        Outcome outcome;
         const auto rows = m_client.executeQuery(
-            KNQueryTemplate::filled(m_queries.queryByTitle(trial.title), values), &error);
-        if (error) {
-            ++m_failures;
-            return KNFormat("ERROR %@", error.localizedDescription().simplified());
-        }
-        const qint64 milliseconds = timer.elapsed();
-        if (rows && rows->next())
-            m_firstRows.insert(trial.title, columnsOf(*rows));
-        return KNFormat("ok, %lld rows, %lld ms", rows ? rows->rowCount() : 0, milliseconds);
+            KNQueryTemplate::filled(m_queries.queryByTitle(trial.title), values), &outcome.error);
+        outcome.milliseconds = timer.elapsed();
+        if (!rows && !outcome.error)
+            outcome.error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0,
+                                    QStringLiteral("The server returned no result."));
+        if (!rows || outcome.error)
+            return outcome;
+        outcome.rowCount = rows->rowCount();
+        QList<Columns> &kept = m_firstRows[trial.title];
+        while (kept.size() < MostObjects && rows->next())
+            kept.append(columnsOf(*rows));
+        return outcome;
     }
 
     static Columns columnsOf(const DatabaseResultSet &row)
@@ -71,9 +98,11 @@ private:
         return columns;
     }
 
+    static constexpr qsizetype MostObjects = 50; ///< that one query is tried on
+
     VantorDatabaseClient &m_client;
     const KNSystemDatabaseQueryHelper &m_queries;
-    QHash<QString, Columns> m_firstRows; ///< by title, of the queries that gave rows
+    QHash<QString, QList<Columns>> m_firstRows; ///< by title, of the queries that gave rows
     int m_failures = 0;
 };
 

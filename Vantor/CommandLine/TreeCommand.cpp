@@ -104,11 +104,15 @@ int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
                               titles.isEmpty()
                                   ? text("This entry has no scripts.")
                                   : KNFormat("There is no script \"%@\". There are:\n%@", title, titles));
-    const QString sql = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
-    if (sql.isNull())
-        return Terminal::fail(ExitSqlError, KNFormat("The script could not be made. The log tells more: %@",
+    const QString made = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
+    const KNQueryReport report = script->report();
+    if (const QString sql = report.guardedText(made); !sql.isNull())
+        fputs((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    if (report.failure)
+        return Terminal::fail(ExitSqlError, report.failure.localizedDescription());
+    if (made.isNull())
+        return Terminal::fail(ExitSqlError, KNFormat("The script could not be made. See the log: %@",
                                                      KNLogHelper::sharedInstance()->filePath()));
-    fputs((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8().constData(), stdout);
     return ExitSuccess;
 }
 
@@ -139,11 +143,12 @@ int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                                                        text("--depth takes a number of levels from 0 on."));
                          }
                          KNError error;
+                         KNError searchError;
                          TreeLoader::Entry entry = loader.root();
                          if (isSearch)
-                             entry = loader.search(parser.value(text("search")), &error);
-                         if (error)
-                             return Terminal::fail(ExitSqlError, error.localizedDescription());
+                             entry = loader.search(parser.value(text("search")), &searchError);
+                         if (!entry && searchError)
+                             return Terminal::fail(ExitSqlError, searchError.localizedDescription());
                          if (!entry)
                              return Terminal::fail(ExitSuccess, text("Nothing was found."));
                          entry = loader.find(entry, names, &error);
@@ -151,6 +156,8 @@ int runTreeCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                              return failToFind(error);
                          TreeWriter writer(loader, options);
                          writer.write(entry);
+                         if (searchError)
+                             return Terminal::fail(ExitSqlError, searchError.localizedDescription());
                          return static_cast<int>(writer.hadErrors() ? ExitSqlError : ExitSuccess);
                      });
 }

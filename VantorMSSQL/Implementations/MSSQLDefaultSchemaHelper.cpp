@@ -32,6 +32,16 @@ QString MSSQLDefaultSchemaHelper::schemaForDBC(const MSSQLDatabaseConnectionDeta
     return schema;
 }
 
+std::optional<QString> MSSQLDefaultSchemaHelper::knownSchemaForDBC(const MSSQLDatabaseConnectionDetails &dbc)
+{
+    if (!m_defaultSchemaSemaphore.tryWait())
+        return std::nullopt;
+    const auto known = m_lookup.constFind(dbc.description());
+    const auto schema = known == m_lookup.constEnd() ? std::nullopt : std::optional(*known);
+    m_defaultSchemaSemaphore.signal();
+    return schema;
+}
+
 QString MSSQLDefaultSchemaHelper::findSchema(const MSSQLDatabaseConnectionDetails &dbc)
 {
     KNLogHelper *log = KNLogHelper::sharedInstance();

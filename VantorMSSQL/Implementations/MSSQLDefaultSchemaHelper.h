@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <optional>
+
 /// Knows the default schema of the user behind a connection. Asks once for each connection; what it was told,
 /// or that it was told nothing, is kept for the life of the process. Any thread but the UI's: the first
 /// question waits for the server, and all lookups wait for each other.
@@ -19,6 +21,10 @@ public:
 
     /// Empty, never null, when it cannot be found.
     QString schemaForDBC(const MSSQLDatabaseConnectionDetails &dbc);
+
+    /// What schemaForDBC() has found before for this connection; nothing when it was not asked yet, or is
+    /// being asked. Asks no server and does not wait, so the UI thread may call it.
+    std::optional<QString> knownSchemaForDBC(const MSSQLDatabaseConnectionDetails &dbc);
 
 private:
     static QString findSchema(const MSSQLDatabaseConnectionDetails &dbc);

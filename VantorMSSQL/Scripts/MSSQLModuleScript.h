@@ -1,20 +1,21 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
-#include "Foundation/KNError.h"
+#include "QueryLoader/KNQueryReport.h"
 
-#include <QMap>
-
-/// The script of a procedure or function: the settings it was made with and its definition, from a catalog
-/// query with a row of setting, setting and definition for each part.
+/// The script of a procedure or function: the settings that it was created with and its definition, from a
+/// catalog query with one row of setting, setting and definition for each part.
 struct MSSQLModuleScript
 {
-    QString title;                 ///< of the catalog query
-    QMap<QString, QString> values; ///< what fills it, beside the database
+    const char *title;           ///< of the catalog query
+    const char *namePlaceholder; ///< that the object's name fills, beside SCHEMA and DATABASE
+    QString schema;
+    QString name; ///< not quoted
     const char *errorDomain;
-    QString failureComment; ///< the text when the query gives none
-    QString keywords = {};  ///< "PROCEDURE" or "FUNCTION" when CREATE is to become ALTER; else empty
+    QString failureComment; ///< the text when the query returns none
+    QString keyword = {};   ///< "PROCEDURE" or "FUNCTION" when CREATE is to become ALTER; else empty
 
-    /// The text. `error` may be null; what fails is reported. Blocks on the server.
-    QString load(const VantorDBC &details, KNError *error) const;
+    /// The text. A failed query is reported to the user, comes back in `queryFailure` (may be null) and, as a
+    /// definition that cannot be read, in `report`. Blocks on the server.
+    QString load(const VantorDBC &details, KNQueryReport *report, KNError *queryFailure = nullptr) const;
 };

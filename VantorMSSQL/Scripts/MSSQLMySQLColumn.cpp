@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
+#include "QueryLoader/KNQueryTemplate.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
 #include <QHash>
@@ -16,7 +17,33 @@ struct Declaration
 {
     QString type; ///< with precision and scale where they belong to it
     std::optional<qint64> size;
+    QString conversion = {}; ///< as in MSSQLMySQLColumn
 };
+
+/// The values of a variant as text behind a t, or as hexadecimal digits behind an x. Style 2 of CONVERT gives
+/// hexadecimal digits from SQL Server 2008 on, and sixteen digits of a float.
+const QString VariantConversion = QStringLiteral(
+    "CASE"
+    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('binary', 'varbinary')"
+    " THEN N'x' + CONVERT(nvarchar(max), CONVERT(varbinary(8000), {0}), 2)"
+    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('char', 'varchar')"
+    " THEN N't' + CONVERT(nvarchar(max), CONVERT(varchar(8000), {0}))"
+    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('float', 'real')"
+    " THEN N't' + CONVERT(nvarchar(max), CONVERT(float, {0}), 2)"
+    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('money', 'smallmoney')"
+    " THEN N't' + CONVERT(nvarchar(max), CONVERT(money, {0}), 2)"
+    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('datetime', 'smalldatetime')"
+    " THEN N't' + CONVERT(nvarchar(max), CONVERT(datetime, {0}), 121)"
+    " ELSE N't' + CONVERT(nvarchar(max), CONVERT(nvarchar(4000), {0}))"
+    " END");
+
+/// The instant in UTC, with the digits of seconds that the type has.
+QString offsetConversion(const QString &type)
+{
+    const QString digits =
+        type.contains(QLatin1Char('(')) ? type.section(QLatin1Char('('), 1).chopped(1) : QStringLiteral("7");
+    return KNFormat("CONVERT(varchar(34), CONVERT(datetime2(%@), SWITCHOFFSET({0}, '+00:00')), 121)", digits);
+}
 
 bool isNational(const QString &type)
 {
@@ -30,8 +57,10 @@ Declaration spelledForMySQL(const Declaration &column)
     static const QHash<QString, Declaration> others{
         {QStringLiteral("bit"), {QStringLiteral("bit(1)"), {}}},
         {QStringLiteral("tinyint"), {QStringLiteral("tinyint unsigned"), {}}},
-        {QStringLiteral("money"), {QStringLiteral("decimal(19,4)"), {}}},
-        {QStringLiteral("smallmoney"), {QStringLiteral("decimal(10,4)"), {}}},
+        {QStringLiteral("money"),
+         {QStringLiteral("decimal(19,4)"), {}, QStringLiteral("CONVERT(decimal(19,4), {0})")}},
+        {QStringLiteral("smallmoney"),
+         {QStringLiteral("decimal(10,4)"), {}, QStringLiteral("CONVERT(decimal(10,4), {0})")}},
         {QStringLiteral("float"), {QStringLiteral("double"), {}}},
         {QStringLiteral("real"), {QStringLiteral("float"), {}}},
         {QStringLiteral("text"), {QStringLiteral("longtext"), {}}},
@@ -39,7 +68,7 @@ Declaration spelledForMySQL(const Declaration &column)
         {QStringLiteral("timestamp"), {QStringLiteral("binary"), 8}},
         {QStringLiteral("rowversion"), {QStringLiteral("binary"), 8}},
         {QStringLiteral("sysname"), {QStringLiteral("nvarchar"), 256}},
-        {QStringLiteral("sql_variant"), {QStringLiteral("longblob"), {}}},
+        {QStringLiteral("sql_variant"), {QStringLiteral("longblob"), {}, VariantConversion}},
         {QStringLiteral("geography"), {QStringLiteral("longblob"), {}}},
         {QStringLiteral("geometry"), {QStringLiteral("longblob"), {}}},
     };
@@ -48,7 +77,7 @@ Declaration spelledForMySQL(const Declaration &column)
         return *other;
     // MySQL keeps an instant without its offset, and six digits of a second.
     if (type.startsWith(QLatin1String("datetimeoffset")))
-        return {QStringLiteral("varchar"), 34};
+        return {QStringLiteral("varchar"), 34, offsetConversion(type)};
     if (type == QLatin1String("time(7)"))
         return {QStringLiteral("time(6)"), {}};
     const qint64 units = column.size.value_or(0) / (isNational(type) ? 2 : 1);
@@ -138,6 +167,8 @@ QList<MSSQLMySQLColumn> MSSQLMySQLColumn::columnsOf(const VantorDBC &details, co
             spelledForMySQL(aliases.resolved({column.columnType, column.columnSize}, error));
         column.columnType = spelled.type;
         column.columnSize = spelled.size;
+        column.conversion = spelled.conversion;
+        column.isVariant = spelled.conversion == VariantConversion;
     }
     return columns;
 }
@@ -168,6 +199,11 @@ MSSQLMySQLTranslation MSSQLMySQLTranslation::of(const MSSQLMySQLColumn &column,
 
     MSSQLMySQLTranslation result;
     result.selectExpression = MSSQLClient::escapeTableNameIfRequired(name);
+    if (!column.conversion.isEmpty()) {
+        QString quoted = KNFormat("[%@]", QString(name).replace(QLatin1Char(']'), QLatin1String("]]")));
+        result.selectExpression = KNFormat(
+            "%@ AS %@", KNQueryTemplate::filled(column.conversion, {{QStringLiteral("0"), quoted}}), quoted);
+    }
     if (has(type, "hierarchyid")) {
         type = QStringLiteral("blob(892)");
         result.selectExpression = KNFormat("CAST([%@] AS VARBINARY(892)) AS [%@]", name, name);

@@ -17,6 +17,12 @@ struct MSSQLMySQLColumn
     std::optional<qint64> columnSize = {}; ///< in bytes, -1 for max; empty where the type stands alone
     bool isNullable = true;
     bool isPrimaryKey = false;
+    /// The SELECT expression for a type whose values the client would change; {0} stands for the quoted name.
+    /// Empty where the column itself is selected.
+    QString conversion = {};
+    /// Whether that expression returns text whose first character says what the rest is: t for text, x for
+    /// bytes in hexadecimal.
+    bool isVariant = false;
 
     /// The columns of a table in their order. What fails is reported. Blocks on the server.
     static QList<MSSQLMySQLColumn> columnsOf(const VantorDBC &details, const QString &table,

@@ -39,3 +39,13 @@ QString MSSQLMySQLValue::literal(const KNValue &value)
         return value.displayText();
     }
 }
+
+QString MSSQLMySQLValue::variantLiteral(const KNValue &value)
+{
+    if (value.isNull())
+        return literal(value);
+    const QString marked = value.text();
+    const QString rest = marked.mid(1);
+    return marked.startsWith(QLatin1Char('x')) ? QLatin1String("x'") + rest.toLower() + QLatin1Char('\'')
+                                               : quoted(rest);
+}

@@ -1,5 +1,6 @@
 #include "Scripts/MSSQLRowStream.h"
 
+#include "Database/DatabaseMessage.h"
 #include "Database/VantorDatabaseClient.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 
@@ -35,6 +36,18 @@ void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
     }
 }
 
+/// The first error among the messages of the results. Rows that came before it are not all there were.
+KNError messageError(const KNResultSetHolder &holder)
+{
+    for (const auto &resultSet : holder.resultSets()) {
+        for (const DatabaseMessage &message : resultSet->serverMessages()) {
+            if (message.isError())
+                return KNError(QStringLiteral("SQLClient"), message.msgno, message.msgtext);
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 KNError MSSQLRowStream::eachRow(const VantorDBC &details, const QString &sql,
@@ -52,6 +65,8 @@ KNError MSSQLRowStream::eachRow(const VantorDBC &details, const QString &sql,
             });
             drain(holder, done, eachRow);
             worker.join();
+            if (!*failure)
+                *failure = messageError(holder);
         },
         details, &error);
     return error;

@@ -9,8 +9,9 @@
 /// Rows of a query one after the other, without the result as a whole ever being in memory.
 namespace MSSQLRowStream {
 
-/// Runs the query on a pooled connection and calls `eachRow`, on the caller's thread, while rows arrive. The
-/// error, if any, comes back as it is; rows before it were handed out. Blocks on the server.
+/// Runs the query on a pooled connection and calls `eachRow`, on the caller's thread, while rows arrive.
+/// Returns the error, if any, also one that came as a message behind rows: what `eachRow` got is incomplete
+/// then. Blocks on the server.
 KNError eachRow(const VantorDBC &details, const QString &sql,
                 const std::function<void(const KNRow &row)> &eachRow);
 

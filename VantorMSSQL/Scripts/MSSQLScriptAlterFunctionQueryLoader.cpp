@@ -3,15 +3,16 @@
 #include "Foundation/KNFormat.h"
 #include "Scripts/MSSQLModuleScript.h"
 
-QString MSSQLScriptAlterFunctionQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptAlterFunctionQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
     const MSSQLModuleScript alter{
-        QStringLiteral("Function_AlterQuery"),
-        {{QStringLiteral("FUNCTION_NAME"), m_targetFunctionName},
-         {QStringLiteral("SCHEMA"), m_targetFunctionSchema}},
+        "Function_AlterQuery",
+        "FUNCTION_NAME",
+        m_targetFunctionSchema,
+        m_targetFunctionName,
         "mssql.queryLoader.alterFunction",
         KNFormat("-- Failed to load creation query for function %@.%@ in database %@.",
                  m_targetFunctionSchema, m_targetFunctionName, details.database()),
         QStringLiteral("FUNCTION")};
-    return alter.load(details, nullptr);
+    return alter.load(details, report);
 }

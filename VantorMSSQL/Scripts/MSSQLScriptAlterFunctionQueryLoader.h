@@ -16,7 +16,7 @@ public:
     const QString &targetFunctionSchema() const { return m_targetFunctionSchema; }
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetFunctionName;

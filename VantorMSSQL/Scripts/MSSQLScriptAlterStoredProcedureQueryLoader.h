@@ -16,7 +16,7 @@ public:
     const QString &schema() const { return m_schema; }
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetStoredProcedure;

@@ -2,23 +2,77 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "QueryLoader/KNQueryTemplate.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
+#include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
+#include <algorithm>
+
 namespace {
+
+constexpr auto AlterViewDomain = "mssql.queryLoader.alterView";
 
 QString onOrOff(std::optional<bool> setting)
 {
     return setting.value_or(false) ? QStringLiteral("ON") : QStringLiteral("OFF");
 }
 
+QString doubledBrackets(QString name)
+{
+    return name.replace(QLatin1Char(']'), QLatin1String("]]"));
+}
+
+/// The bare name finds a view in the login's default schema only, and some characters of it mean something
+/// else to OBJECT_ID or get lost in a literal without N.
+bool isFoundByBareName(const VantorDBC &details, const QString &view, const QString &schema)
+{
+    const bool isPlain = std::none_of(view.begin(), view.end(), [](QChar c) {
+        return c.unicode() >= 0x80 || c == QLatin1Char('.') || c == QLatin1Char('[') ||
+               c == QLatin1Char(']') || c == QLatin1Char('"');
+    });
+    const auto *own = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&details);
+    const QString defaultSchema =
+        own ? MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(*own) : QStringLiteral("dbo");
+    return isPlain && schema == defaultSchema;
+}
+
+/// The definition as the rest of the script wants it, with what there is to report about it.
+QString preparedDefinition(const QString &definition, const QString &view, const QString &schema,
+                           KNQueryReport *report)
+{
+    if (!MSSQLModuleHeader::ofDefinition(definition)) {
+        if (!report->failure)
+            report->failure = KNError(
+                QString::fromLatin1(AlterViewDomain), 0,
+                KNFormat("The definition of view %@.%@ is encrypted or may not be seen by this login.",
+                         schema, view));
+        return definition;
+    }
+    const QString prepared =
+        MSSQLModuleHeader::withPlainHeader(MSSQLModuleHeader::withCurrentName(definition, schema, view));
+    if (MSSQLCorrectedStatements::areUsed())
+        return MSSQLModuleHeader::altering(prepared);
+    const qsizetype places = prepared.count(QLatin1String("CREATE VIEW"), Qt::CaseInsensitive) +
+                             prepared.count(QLatin1String("ALTER VIEW"));
+    if (places > 1)
+        report->notices.append(QStringLiteral("The words CREATE VIEW or ALTER VIEW also stand in a comment "
+                                              "or literal of the definition. They are "
+                                              "changed there, too."));
+    return prepared;
+}
+
 } // namespace
 
 QString MSSQLScriptAlterViewQueryLoader::alterQueryForView(const QString &view, const QString &inSchema,
-                                                           const VantorDBC &withConnectionDetails)
+                                                           const VantorDBC &withConnectionDetails,
+                                                           KNQueryReport *report)
 {
+    KNQueryReport own;
+    KNQueryReport &result = report ? *report : own;
     KNError error;
-    QString query = loadQueryForDatabaseConnection(withConnectionDetails, view, inSchema, &error);
+    QString query = loadQueryForDatabaseConnection(withConnectionDetails, view, inSchema, &error, &result);
     if (error)
         query = KNFormat("/* Failed to load query for view %@. Error was:\r\n%@\r\n*/", view,
                          error.localizedDescription());
@@ -30,40 +84,63 @@ QString MSSQLScriptAlterViewQueryLoader::alterQueryForView(const QString &view, 
             KNFormat("%@\r\nGO\r\n\r\n-- For a view, we need to re-create all indexes, as they get dropped "
                      "when an alter view executes.\r\n%@",
                      query, indexes);
-    if (error)
+    if (error) {
         query = KNFormat("%@\r\n/* Failed to load query for view %@. Error was:\r\n%@\r\n*/", query, view,
                          error.localizedDescription());
+        if (!result.failure)
+            result.failure = error;
+    }
     return query;
 }
 
 QString MSSQLScriptAlterViewQueryLoader::loadQueryForDatabaseConnection(const VantorDBC &details,
                                                                         const QString &targetView,
                                                                         const QString &targetSchema,
-                                                                        KNError *error)
+                                                                        KNError *error, KNQueryReport *report)
 {
+    KNQueryReport own;
+    KNQueryReport &result = report ? *report : own;
     const QString name = KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(targetSchema),
                                   MSSQLClient::escapeTableNameIfRequired(targetView));
     QString query = QStringLiteral("");
     *error = MSSQLScriptCatalog::readRowsAndReport(
-        details, QStringLiteral("View_AlterQuery"), {{QStringLiteral("VIEW_NAME"), name}},
-        "mssql.queryLoader.alterView", [&](const DatabaseResultSet &row) {
+        details, QStringLiteral("View_AlterQuery"),
+        {{QStringLiteral("VIEW_NAME"), name},
+         {QStringLiteral("SCHEMA"), targetSchema},
+         {QStringLiteral("VIEW"), targetView}},
+        AlterViewDomain, [&](const DatabaseResultSet &row) {
             query += KNFormat("SET ANSI_NULLS %@\r\nGO\r\n", onOrOff(row.boolForColumnIndex(1)));
             query += KNFormat("SET QUOTED_IDENTIFIER %@\r\nGO\r\n\r\n", onOrOff(row.boolForColumnIndex(0)));
-            query += row.objectForColumnIndex(2).text().trimmed();
-            query.replace(QLatin1String("CREATE VIEW"), QLatin1String("ALTER VIEW"), Qt::CaseInsensitive);
+            query += preparedDefinition(row.objectForColumnIndex(2).text().trimmed(), targetView,
+                                        targetSchema, &result);
+            if (!MSSQLCorrectedStatements::areUsed())
+                query.replace(QLatin1String("CREATE VIEW"), QLatin1String("ALTER VIEW"), Qt::CaseInsensitive);
         });
+    if (*error)
+        result.failure = *error;
+    else if (query.isEmpty())
+        result.failure = KNError(QString::fromLatin1(AlterViewDomain), 0,
+                                 KNFormat("The view %@.%@ is not there, or may not be seen by this login.",
+                                          targetSchema, targetView));
     return query;
 }
 
 QString MSSQLScriptAlterViewQueryLoader::loadIndexesForDatabaseConnection(const VantorDBC &details,
                                                                           const QString &targetView,
-                                                                          const QString &, KNError *error)
+                                                                          const QString &targetSchema,
+                                                                          KNError *error)
 {
-    const QString clause = KNQueryTemplate::filled(QStringLiteral("t.object_id = OBJECT_ID('{0}')"),
-                                                   {{QStringLiteral("0"), targetView}});
+    const bool isBare = isFoundByBareName(details, targetView, targetSchema);
+    const QString path =
+        isBare ? targetView
+               : KNFormat("[%@].[%@]", doubledBrackets(targetSchema), doubledBrackets(targetView));
+    const QString clause = KNQueryTemplate::filled(isBare ? QStringLiteral("t.object_id = OBJECT_ID('{0}')")
+                                                          : QStringLiteral("t.object_id = OBJECT_ID(N'{0}')"),
+                                                   {{QStringLiteral("0"), path}});
     QStringList statements;
     *error = MSSQLScriptCatalog::readRows(details, QStringLiteral("INDEX_CREATION_QUERY"),
                                           {{QStringLiteral("VIEW_NAME"), targetView},
+                                           {QStringLiteral("VIEW_PATH"), path},
                                            {QStringLiteral("INDEX_SRC"), QStringLiteral("sys.views")},
                                            {QStringLiteral("INDEX_CLAUSE"), clause}},
                                           [&](const DatabaseResultSet &row) {
@@ -75,7 +152,7 @@ QString MSSQLScriptAlterViewQueryLoader::loadIndexesForDatabaseConnection(const 
     return statements.join(QStringLiteral("\r\nGO\r\n\r\n"));
 }
 
-QString MSSQLScriptAlterViewQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptAlterViewQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    return alterQueryForView(m_targetView, m_targetSchema, details);
+    return alterQueryForView(m_targetView, m_targetSchema, details, report);
 }

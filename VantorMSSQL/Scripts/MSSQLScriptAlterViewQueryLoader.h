@@ -16,19 +16,23 @@ public:
     const QString &targetView() const { return m_targetView; }
     const QString &targetSchema() const { return m_targetSchema; }
 
-    /// The script; what fails stands in it as a comment. Blocks on the server.
+    /// The script; what fails stands in it as a comment, and in `report`, which may be null. Blocks on the
+    /// server.
     static QString alterQueryForView(const QString &view, const QString &inSchema,
-                                     const VantorDBC &withConnectionDetails);
+                                     const VantorDBC &withConnectionDetails, KNQueryReport *report = nullptr);
 
-    /// The view's settings and its definition, altering. An error is reported, too.
+    /// The view's settings and its definition as an ALTER statement. A failed query is shown to the user,
+    /// too; `report`, which may be null, also gets a definition that cannot be read.
     static QString loadQueryForDatabaseConnection(const VantorDBC &details, const QString &targetView,
-                                                  const QString &targetSchema, KNError *error);
-    /// The statements that make the view's indexes, which is looked up by its bare name; empty without any.
+                                                  const QString &targetSchema, KNError *error,
+                                                  KNQueryReport *report = nullptr);
+    /// The statements that create the view's indexes; empty without any. A view of another schema than the
+    /// login's default one is looked up with its schema.
     static QString loadIndexesForDatabaseConnection(const VantorDBC &details, const QString &targetView,
                                                     const QString &targetSchema, KNError *error);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetView;

@@ -5,21 +5,25 @@
 #include "Scripts/MSSQLModuleScript.h"
 
 QString MSSQLScriptCreateFunctionQueryLoader::creationQueryForFunction(const QString &function,
-                                                                       const VantorDBC &withConnectionDetails)
+                                                                       const VantorDBC &withConnectionDetails,
+                                                                       KNQueryReport *report)
 {
     const QStringList names = function.split(QLatin1Char('.'));
     KNAssert(names.size() > 1, "A function is scripted by its schema, a dot and its name.",
              "Scripts/MSSQLScriptCreateFunctionQueryLoader");
     const MSSQLModuleScript create{
-        QStringLiteral("Function_AlterQuery"),
-        {{QStringLiteral("FUNCTION_NAME"), names[1]}, {QStringLiteral("SCHEMA"), names[0]}},
+        "Function_AlterQuery",
+        "FUNCTION_NAME",
+        names[0],
+        names[1],
         "mssql.queryLoader.createFunction",
         KNFormat("-- Failed to load creation query for function %@.%@ in database %@.", names[0], names[1],
                  withConnectionDetails.database())};
-    return create.load(withConnectionDetails, nullptr);
+    KNQueryReport unused;
+    return create.load(withConnectionDetails, report ? report : &unused);
 }
 
-QString MSSQLScriptCreateFunctionQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptCreateFunctionQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    return creationQueryForFunction(m_targetFunction, details);
+    return creationQueryForFunction(m_targetFunction, details, report);
 }

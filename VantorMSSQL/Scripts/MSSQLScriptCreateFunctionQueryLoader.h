@@ -14,11 +14,13 @@ public:
     const QString &targetFunction() const { return m_targetFunction; }
 
     /// The script, or a comment when there is none; what fails is reported. A name without a dot is a
-    /// programming error. Blocks on the server.
-    static QString creationQueryForFunction(const QString &function, const VantorDBC &withConnectionDetails);
+    /// programming error. `report` may be null.
+    /// Blocks on the server.
+    static QString creationQueryForFunction(const QString &function, const VantorDBC &withConnectionDetails,
+                                            KNQueryReport *report = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetFunction;

@@ -4,18 +4,24 @@
 #include "Scripts/MSSQLModuleScript.h"
 
 QString MSSQLScriptCreateStoredProcedureQueryLoader::creationQueryForStoredProcedure(
-    const QString &storedProcedure, const QString &inSchema, const VantorDBC &withConnectionDetails)
+    const QString &storedProcedure, const QString &inSchema, const VantorDBC &withConnectionDetails,
+    KNQueryReport *report)
 {
     const MSSQLModuleScript create{
-        QStringLiteral("StoredProcedure_ScriptCreateQuery"),
-        {{QStringLiteral("PROCEDURE_NAME"), storedProcedure}, {QStringLiteral("SCHEMA"), inSchema}},
+        "StoredProcedure_ScriptCreateQuery",
+        "PROCEDURE_NAME",
+        inSchema,
+        storedProcedure,
         "mssql.queryLoader.createStoredProcedure",
         KNFormat("-- Failed to load creation query for stored procedure %@.%@ in database %@.", inSchema,
                  storedProcedure, withConnectionDetails.database())};
-    return create.load(withConnectionDetails, nullptr);
+    KNQueryReport unused;
+    return create.load(withConnectionDetails, report ? report : &unused);
 }
 
-QString MSSQLScriptCreateStoredProcedureQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptCreateStoredProcedureQueryLoader::script(const VantorDBC &details,
+                                                            KNQueryReport *report) const
 {
-    return creationQueryForStoredProcedure(m_targetStoredProcedure, m_targetStoredProcedureSchema, details);
+    return creationQueryForStoredProcedure(m_targetStoredProcedure, m_targetStoredProcedureSchema, details,
+                                           report);
 }

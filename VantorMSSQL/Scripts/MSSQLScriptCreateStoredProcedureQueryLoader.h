@@ -15,12 +15,14 @@ public:
     const QString &targetStoredProcedure() const { return m_targetStoredProcedure; }
     const QString &targetStoredProcedureSchema() const { return m_targetStoredProcedureSchema; }
 
-    /// The script, or a comment when there is none; what fails is reported. Blocks on the server.
+    /// The script, or a comment when there is none; what fails is reported. `report` may be null.
+    /// Blocks on the server.
     static QString creationQueryForStoredProcedure(const QString &storedProcedure, const QString &inSchema,
-                                                   const VantorDBC &withConnectionDetails);
+                                                   const VantorDBC &withConnectionDetails,
+                                                   KNQueryReport *report = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetStoredProcedure;

@@ -1,21 +1,59 @@
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 
+#include "Foundation/KNFormat.h"
+#include "SQL/SQLMetadataTokenizer.h"
 #include "Scripts/MSSQLScriptCatalog.h"
+
+namespace {
+
+constexpr auto CreateTableDomain = "mssql.queryLoader.createTableQuery";
+
+/// Whether the catalog query has put a comment in place of something that this login may not see. Such a
+/// script fails, or makes another table.
+bool hasHiddenPart(const QString &script)
+{
+    const QLatin1String mark("may not be seen by this login");
+    if (!script.contains(mark))
+        return false;
+    SQLMetadataTokenizer tokenizer(script, {.nestedComments = true, .recognizesMSSQLVariables = true});
+    for (SQLToken token{}; tokenizer.next(&token);) {
+        const bool isComment =
+            token.kind == SQLTokenKind::LineComment || token.kind == SQLTokenKind::BlockComment;
+        if (isComment && token.text.contains(mark))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
 
 QString MSSQLScriptCreateTableQueryLoader::creationQueryForTable(const QString &table,
                                                                  const QString &inSchema,
-                                                                 const VantorDBC &withConnectionDetails)
+                                                                 const VantorDBC &withConnectionDetails,
+                                                                 KNQueryReport *report)
 {
     QString query;
-    MSSQLScriptCatalog::readRowsAndReport(
+    KNError failure = MSSQLScriptCatalog::readRowsAndReport(
         withConnectionDetails, QStringLiteral("Table_CreationQuery"),
         {{QStringLiteral("TABLE_SCHEMA"), inSchema}, {QStringLiteral("TABLE_NAME"), table}},
-        "mssql.queryLoader.createTableQuery",
-        [&](const DatabaseResultSet &row) { query = row.stringForColumnIndex(0); });
+        CreateTableDomain, [&](const DatabaseResultSet &row) { query = row.stringForColumnIndex(0); });
+    const QString domain = QString::fromLatin1(CreateTableDomain);
+    if (!failure && query.isNull())
+        failure = KNError(
+            domain, 0,
+            KNFormat("The table %@.%@ is not there, or may not be seen by this login.", inSchema, table));
+    else if (!failure && hasHiddenPart(query))
+        failure =
+            KNError(domain, 0,
+                    KNFormat("Parts of the table %@.%@ may not be seen by this login. Comments stand in "
+                             "their place.",
+                             inSchema, table));
+    if (report)
+        report->failure = failure;
     return query;
 }
 
-QString MSSQLScriptCreateTableQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptCreateTableQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    return creationQueryForTable(m_tableName, m_targetSchema, details);
+    return creationQueryForTable(m_tableName, m_targetSchema, details, report);
 }

@@ -16,12 +16,14 @@ public:
     void setTableName(const QString &tableName) { m_tableName = tableName; }
     const QString &targetSchema() const { return m_targetSchema; }
 
-    /// The script; null when there is no such table or it failed, which is reported. Blocks on the server.
+    /// The script; null when there is no such table or it failed, which is reported. `report` may be null.
+    /// Blocks on the server.
     static QString creationQueryForTable(const QString &table, const QString &inSchema,
-                                         const VantorDBC &withConnectionDetails);
+                                         const VantorDBC &withConnectionDetails,
+                                         KNQueryReport *report = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_tableName;

@@ -20,21 +20,30 @@ QString createStatement(const DatabaseResultSet &row)
 } // namespace
 
 QString MSSQLScriptCreateTypeQueryLoader::creationQueryForType(const QString &type, const QString &inSchema,
-                                                               int, const VantorDBC &withConnectionDetails)
+                                                               int, const VantorDBC &withConnectionDetails,
+                                                               KNQueryReport *report)
 {
     QString query = QStringLiteral("Unhandled");
     bool isFirst = true;
-    MSSQLScriptCatalog::readRowsAndReport(
+    KNError failure = MSSQLScriptCatalog::readRowsAndReport(
         withConnectionDetails, QStringLiteral("UserDefinedDataType_CreationQuery"),
         {{QStringLiteral("TYPE"), type}, {QStringLiteral("SCHEMA"), inSchema}},
         "mssql.queryLoader.createType", [&](const DatabaseResultSet &row) {
             if (std::exchange(isFirst, false))
                 query = createStatement(row);
         });
+    if (!failure && isFirst)
+        failure =
+            KNError(QStringLiteral("mssql.queryLoader.createType"), 0,
+                    KNFormat("%@.%@ is no alias type, or may not be seen by this login.", inSchema, type));
+    if (report) {
+        report->failure = failure;
+        report->unsafeLength = isFirst ? query.size() : 0; // "Unhandled" is no SQL
+    }
     return query;
 }
 
-QString MSSQLScriptCreateTypeQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptCreateTypeQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    return creationQueryForType(m_targetType, m_targetSchema, m_targetQueryLoaderType, details);
+    return creationQueryForType(m_targetType, m_targetSchema, m_targetQueryLoaderType, details, report);
 }

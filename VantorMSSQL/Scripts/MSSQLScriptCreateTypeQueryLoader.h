@@ -18,13 +18,14 @@ public:
     const QString &targetSchema() const { return m_targetSchema; }
     int targetQueryLoaderType() const { return m_targetQueryLoaderType; }
 
-    /// The statement, or "Unhandled" when there is no such type; what fails is reported. Blocks on the
-    /// server.
+    /// The statement, or "Unhandled" when there is no such type; what fails is reported. `report` may
+    /// be null. Blocks on the server.
     static QString creationQueryForType(const QString &type, const QString &inSchema, int queryLoaderType,
-                                        const VantorDBC &withConnectionDetails);
+                                        const VantorDBC &withConnectionDetails,
+                                        KNQueryReport *report = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetType;

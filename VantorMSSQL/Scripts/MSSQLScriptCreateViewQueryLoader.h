@@ -16,12 +16,14 @@ public:
     void setViewName(const QString &viewName) { m_viewName = viewName; }
     const QString &targetSchema() const { return m_targetSchema; }
 
-    /// The script; what fails stands in it as a comment. Blocks on the server.
+    /// The script; what fails stands in it as a comment. `report` may be null.
+    /// Blocks on the server.
     static QString creationQueryForView(const QString &view, const QString &inSchema,
-                                        const VantorDBC &withConnectionDetails);
+                                        const VantorDBC &withConnectionDetails,
+                                        KNQueryReport *report = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_viewName;

@@ -14,7 +14,7 @@ public:
     const QString &targetFunction() const { return m_targetFunction; }
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetFunction;

@@ -9,5 +9,5 @@ public:
     using MSSQLScriptCreateStoredProcedureQueryLoader::MSSQLScriptCreateStoredProcedureQueryLoader;
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 };

@@ -16,7 +16,7 @@ public:
     const QString &targetSchema() const { return m_targetSchema; }
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetTableName;

@@ -2,8 +2,10 @@
 
 #include "Foundation/KNFormat.h"
 
-QString MSSQLScriptDropAndCreateTypeQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptDropAndCreateTypeQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    const QString drop = KNFormat("DROP TYPE %@.%@\r\nGO\r\n", targetSchema(), targetType());
-    return KNFormat("%@\r\n%@\r\nGO", drop, MSSQLScriptCreateTypeQueryLoader::script(details));
+    const QString drop = KNFormat("DROP TYPE %@.%@\r\nGO\r\n\r\n", targetSchema(), targetType());
+    const QString create = MSSQLScriptCreateTypeQueryLoader::script(details, report);
+    guardDrop(drop.size(), report);
+    return KNFormat("%@%@\r\nGO", drop, create);
 }

@@ -4,11 +4,12 @@
 #include "Implementations/MSSQLClient.h"
 #include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
 
-QString MSSQLScriptDropAndCreateViewQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptDropAndCreateViewQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    const QString drop = KNFormat("DROP VIEW %@\r\nGO\r\n",
+    const QString drop = KNFormat("DROP VIEW %@\r\nGO\r\n\r\n",
                                   MSSQLClient::escapeSchemaAndTable(m_targetSchema, m_targetViewName));
-    const QString create =
-        MSSQLScriptCreateViewQueryLoader::creationQueryForView(m_targetViewName, m_targetSchema, details);
-    return KNFormat("%@\r\n%@", drop, create);
+    const QString create = MSSQLScriptCreateViewQueryLoader::creationQueryForView(
+        m_targetViewName, m_targetSchema, details, report);
+    guardDrop(drop.size(), report);
+    return drop + create;
 }

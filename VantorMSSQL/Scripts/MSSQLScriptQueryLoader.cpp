@@ -8,11 +8,19 @@ void MSSQLScriptQueryLoader::beginLoadingQuery(const VantorDBC &details)
     const auto self = std::static_pointer_cast<MSSQLScriptQueryLoader>(shared_from_this());
     KNDispatch::globalQueue([self, copy = details.copy()] {
         QString text;
+        KNQueryReport report;
         try {
-            text = self->script(*copy);
-        } catch (const KNAssertionFailure &) {
-            // It has been logged. Whoever waits for the text is told that there is none.
+            text = self->script(*copy, &report);
+        } catch (const KNAssertionFailure &failure) {
+            // It has been logged. The delegate gets no text.
+            report.failure = KNError(QStringLiteral("mssql.queryLoader"), 0, failure.message());
         }
-        self->deliver(text);
+        self->deliver(text, std::move(report));
     });
+}
+
+void MSSQLScriptQueryLoader::guardDrop(qsizetype drop, KNQueryReport *report)
+{
+    if (report->failure)
+        report->unsafeLength += drop;
 }

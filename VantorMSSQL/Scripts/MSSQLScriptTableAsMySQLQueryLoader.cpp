@@ -44,12 +44,13 @@ public:
             return false;
         for (const MSSQLMySQLColumn &column : std::as_const(m_columns)) {
             m_translations.append(MSSQLMySQLTranslation::of(column, [&] {
-                return isForCreation ? MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(
-                                           column.columnName, m_table, m_schema, m_details)
-                                     : 0;
+                return isForCreation && !*error
+                           ? MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(
+                                 column.columnName, m_table, m_schema, m_details, error)
+                           : 0;
             }));
         }
-        return true;
+        return !*error;
     }
 
     QString drop() const { return KNFormat("DROP TABLE IF EXISTS %@;\r\n\r\n", m_name); }
@@ -69,8 +70,8 @@ public:
         return script + QLatin1String(");\r\n");
     }
 
-    /// Appends the rows to the script as they arrive.
-    void appendInserts(QString &script) const
+    /// Appends the rows to the script as they arrive. An error when the script does not hold all of them.
+    KNError appendInserts(QString &script) const
     {
         QStringList expressions;
         for (const MSSQLMySQLTranslation &column : m_translations)
@@ -86,9 +87,9 @@ public:
         script += count == 0 ? QLatin1String("") : QLatin1String(";");
         script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, m_table));
         if (!error)
-            return;
-        MSSQLScriptCatalog::reported(error, ErrorDomain, query);
+            return error;
         script += QLatin1String("\r\n") + failureComment(m_table, error);
+        return MSSQLScriptCatalog::reported(error, ErrorDomain, query);
     }
 
 private:
@@ -106,7 +107,8 @@ private:
         script += KNFormat("INSERT INTO %@ VALUES (", m_name);
         for (qsizetype i = 0; i < row.size(); ++i) {
             script += i == 0 ? QLatin1String("") : QLatin1String(",");
-            script += MSSQLMySQLValue::literal(row[i]);
+            script += i < m_columns.size() && m_columns[i].isVariant ? MSSQLMySQLValue::variantLiteral(row[i])
+                                                                     : MSSQLMySQLValue::literal(row[i]);
         }
         script += QLatin1Char(')');
     }
@@ -124,39 +126,49 @@ private:
 QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString &table,
                                                                   const QString &inSchema, bool includeDrop,
                                                                   bool includeCreate, bool includeInserts,
-                                                                  const VantorDBC &withConnectionDetails)
+                                                                  const VantorDBC &withConnectionDetails,
+                                                                  KNQueryReport *report)
 {
     TableScript tableScript(table, inSchema, withConnectionDetails);
     KNError error;
-    if (!tableScript.loadColumns(includeCreate, &error))
+    if (!tableScript.loadColumns(includeCreate, &error)) {
+        if (report)
+            report->failure = error;
         return failureComment(table, error);
+    }
     QString script = QStringLiteral("");
     if (includeDrop)
         script += tableScript.drop();
     if (includeCreate)
         script += tableScript.create();
     if (includeInserts)
-        tableScript.appendInserts(script);
+        error = tableScript.appendInserts(script);
+    if (report)
+        report->failure = error;
     return script;
 }
 
 qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QString &column,
                                                                        const QString &inTable,
                                                                        const QString &inSchema,
-                                                                       const VantorDBC &connectionDetails)
+                                                                       const VantorDBC &connectionDetails,
+                                                                       KNError *error)
 {
     const QString query =
         KNFormat("SELECT ISNULL(MAX(DATALENGTH([%@])),0) FROM [%@].[%@]", column, inSchema, inTable);
     qint64 size = 0;
-    const KNError error = MSSQLRowStream::eachRow(connectionDetails, query,
-                                                  [&](const KNRow &row) { size = row.value(0).toInt64(); });
+    const KNError failure = MSSQLRowStream::eachRow(connectionDetails, query,
+                                                    [&](const KNRow &row) { size = row.value(0).toInt64(); });
+    if (!failure)
+        return size;
+    const KNError reported = MSSQLScriptCatalog::reported(failure, ErrorDomain, query);
     if (error)
-        MSSQLScriptCatalog::reported(error, ErrorDomain, query);
-    return size;
+        *error = reported;
+    return 0;
 }
 
-QString MSSQLScriptTableAsMySQLQueryLoader::script(const VantorDBC &details) const
+QString MSSQLScriptTableAsMySQLQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
     return creationQueryForTable(m_targetTableName, m_targetSchema, m_shouldIncldueDrop,
-                                 m_shouldIncludeCreate, m_shouldIncludeInserts, details);
+                                 m_shouldIncludeCreate, m_shouldIncludeInserts, details, report);
 }

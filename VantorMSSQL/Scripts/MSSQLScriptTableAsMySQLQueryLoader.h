@@ -23,18 +23,21 @@ public:
     bool shouldIncludeCreate() const { return m_shouldIncludeCreate; }
     bool shouldIncludeInserts() const { return m_shouldIncludeInserts; }
 
-    /// The script, with a comment in place of what failed, which is reported, too. Blocks on the server.
+    /// The script, with a comment in place of what failed, which is shown to the user and stands in `report`,
+    /// too; that may be null. Blocks on the server.
     static QString creationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
                                          bool includeCreate, bool includeInserts,
-                                         const VantorDBC &withConnectionDetails);
+                                         const VantorDBC &withConnectionDetails,
+                                         KNQueryReport *report = nullptr);
 
-    /// The bytes of the longest value in a column; 0 when there is none or it failed, which is reported.
-    /// Blocks on the server.
+    /// The bytes of the longest value in a column; 0 when there is none or it failed, which is shown to the
+    /// user and set in `error`; that may be null. Blocks on the server.
     static qint64 largestSizeOfDatabaseColumn(const QString &column, const QString &inTable,
-                                              const QString &inSchema, const VantorDBC &connectionDetails);
+                                              const QString &inSchema, const VantorDBC &connectionDetails,
+                                              KNError *error = nullptr);
 
 protected:
-    QString script(const VantorDBC &details) const override;
+    QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetTableName;

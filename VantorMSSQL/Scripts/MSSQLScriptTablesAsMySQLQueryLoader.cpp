@@ -4,7 +4,8 @@
 #include "Scripts/MSSQLScriptCatalog.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
-QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details) const
+QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details,
+                                                             KNQueryReport *report) const
 {
     const QString list = QStringLiteral(
         "SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), SCHEMA_NAME(schema_id), name AS "
@@ -14,14 +15,22 @@ QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &de
         tables.append({row.value(1).text(), row.value(2).text()});
     });
     if (error) {
-        MSSQLScriptCatalog::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
-        return QStringLiteral("Failed to load table list");
+        const KNError failure = MSSQLScriptCatalog::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
+        const QString text = QStringLiteral("Failed to load table list");
+        if (report) {
+            report->failure = failure;
+            report->unsafeLength = text.size(); // it is no SQL
+        }
+        return text;
     }
     QString script = QStringLiteral("");
     for (const auto &[schema, table] : std::as_const(tables)) {
         script += script.isEmpty() ? QLatin1String("") : QLatin1String("\r\n\r\n");
+        KNQueryReport tableReport;
         script += MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(table, schema, true, true, true,
-                                                                            details);
+                                                                            details, &tableReport);
+        if (report && !report->failure)
+            report->failure = tableReport.failure;
     }
     return script;
 }

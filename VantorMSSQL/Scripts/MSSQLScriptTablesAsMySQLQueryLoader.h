@@ -6,9 +6,13 @@
 class MSSQLScriptTablesAsMySQLQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
-    /// The script; what fails is reported. Blocks on the server.
-    QString doActualLoading(const VantorDBC &details) const;
+    /// The script; what fails is shown to the user, and the first failure stands in `report`, which may be
+    /// null. Blocks on the server.
+    QString doActualLoading(const VantorDBC &details, KNQueryReport *report = nullptr) const;
 
 protected:
-    QString script(const VantorDBC &details) const override { return doActualLoading(details); }
+    QString script(const VantorDBC &details, KNQueryReport *report) const override
+    {
+        return doActualLoading(details, report);
+    }
 };

@@ -38,14 +38,13 @@ QList<CatalogQuestion> serverQuestions()
 /// What is asked of one table, by its schema and name.
 QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
 {
-    const QByteArray path = QByteArray(schema) + '.' + table;
     return {question("ColumnsForTable", {{"SCHEMA_NAME", schema}, {"TABLE_NAME", table}}),
-            question("List_IndexesForTable", {{"TABLE_NAME", path}}),
-            question("List_KeysForTable", {{"TABLE_NAME", path}}),
+            question("List_IndexesForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
+            question("List_KeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             question("List_TriggersForTableWithDetails", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_ForeignKeysForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
-            question("List_PrimaryKeysForTable", {{"SCHEMA_AND_TABLE_NAME", path}}),
+            question("List_PrimaryKeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}})};
 }
 
@@ -72,14 +71,15 @@ QList<CatalogQuestion> moduleQuestions()
 {
     QList<CatalogQuestion> questions{question("List_ViewsInDatabase_NonSystem"),
                                      question("List_StoredProceduresInDatabase_NonSystem")};
-    for (const char *view : {"sales.OrderTotals", "hr.Staff, by department", "dbo.SecretPrices"}) {
-        questions += question("List_IndexesForView", {{"TABLE_NAME", view}});
-        questions += question("View_AlterQuery", {{"VIEW_NAME", view}});
+    for (const auto &[schema, view] : std::initializer_list<std::pair<const char *, const char *>>{
+             {"sales", "OrderTotals"}, {"hr", "Staff, by department"}, {"dbo", "SecretPrices"}}) {
+        questions += question("List_IndexesForView", {{"SCHEMA", schema}, {"TABLE", view}});
+        questions += question("View_AlterQuery", {{"SCHEMA", schema}, {"VIEW", view}});
     }
     questions +=
         question("INDEX_CREATION_QUERY", {{"INDEX_SRC", "sys.views"},
                                           {"INDEX_CLAUSE", "t.object_id = OBJECT_ID('sales.OrderTotals')"},
-                                          {"VIEW_NAME", "sales.OrderTotals"}});
+                                          {"VIEW_PATH", "sales.OrderTotals"}});
     for (const auto &[schema, procedure] :
          std::initializer_list<std::pair<const char *, const char *>>{{"sales", "PlaceOrder"},
                                                                       {"sales", "AddLines"},

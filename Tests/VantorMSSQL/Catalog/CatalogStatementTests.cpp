@@ -31,21 +31,65 @@ public:
 
     bool hasAgent() const { return QLatin1String(GetParam()) != QLatin1String("azure"); }
 
+    /// The values of the placeholders that name a table.
+    static QMap<QString, QString> tableOf(const char *schema, const char *table)
+    {
+        return {{QStringLiteral("SCHEMA"), QString::fromLatin1(schema)},
+                {QStringLiteral("TABLE"), QString::fromLatin1(table)},
+                {QStringLiteral("TABLE_SCHEMA"), QString::fromLatin1(schema)},
+                {QStringLiteral("TABLE_NAME"), QString::fromLatin1(table)}};
+    }
+
     void dropPrimaryKey()
     {
         execute("CREATE TABLE dbo.[O'Brien's keys] (id int NOT NULL CONSTRAINT [PK of O'Brien] PRIMARY KEY)");
-        const QMap<QString, QString> table{
-            {QStringLiteral("SCHEMA_AND_TABLE_NAME"), QStringLiteral("dbo.O'Brien's keys")}};
+        const auto table = tableOf("dbo", "O'Brien's keys");
         EXPECT_EQ(rowsOf("List_PrimaryKeysForTable", table), 1);
-        statement("Table_DropPrimaryKey", {{QStringLiteral("TABLE_NAME"), QStringLiteral("O'Brien's keys")}});
+        statement("Table_DropPrimaryKey", tableOf("", "O'Brien's keys"));
         EXPECT_EQ(rowsOf("List_PrimaryKeysForTable", table), 0);
+    }
+
+    /// Two tables whose schema and name, joined by a dot, are the same text.
+    void tellTablesApart()
+    {
+        for (const char *schema : {"CREATE SCHEMA [a.b]", "CREATE SCHEMA a"})
+            execute(schema);
+        execute("CREATE TABLE [a.b].c (id int NOT NULL CONSTRAINT PK_first PRIMARY KEY, v int DEFAULT (1))");
+        execute("CREATE TABLE a.[b.c] (id int NOT NULL CONSTRAINT PK_second PRIMARY KEY, v int DEFAULT (2))");
+        EXPECT_EQ(firstOf("List_KeysForTable", tableOf("a.b", "c")), QStringLiteral("PK_first"));
+        EXPECT_EQ(firstOf("List_KeysForTable", tableOf("a", "b.c")), QStringLiteral("PK_second"));
+        EXPECT_EQ(rowsOf("List_IndexesForTable", tableOf("a.b", "c")), 1);
+        EXPECT_EQ(firstOf("List_IndexesForTable", tableOf("a", "b.c")), QStringLiteral("PK_second"));
+        EXPECT_EQ(rowsOf("List_PrimaryKeysForTable", tableOf("a.b", "c")), 1);
+        execute("CREATE TABLE a.c (id int NOT NULL CONSTRAINT PK_third PRIMARY KEY, v int DEFAULT (3))");
+        statement("Table_DropPrimaryKey", tableOf("a", "c"));
+        EXPECT_EQ(rowsOf("List_KeysForTable", tableOf("a", "c")), 0);
+        EXPECT_EQ(rowsOf("List_KeysForTable", tableOf("a.b", "c")), 1);
+        auto column = tableOf("a", "c");
+        column.insert(QStringLiteral("COLUMN_NAME"), QStringLiteral("v"));
+        statement("Table_RemoveDefaultForColumn", column);
+        execute("INSERT INTO a.c (id) VALUES (1)");
+        execute("INSERT INTO [a.b].c (id) VALUES (1)");
+        EXPECT_TRUE(scalar(*m_client, QStringLiteral("SELECT v FROM a.c")).isNull());
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT v FROM [a.b].c")), KNValue(qint32(1)));
+        column = tableOf("a.b", "c");
+        column.insert(QStringLiteral("COLUMN_NAME"), QStringLiteral("v"));
+        column.insert(QStringLiteral("NEW_DEFAULT"), QStringLiteral("(7)"));
+        statement("Table_ReplaceDefaultForColumn", column);
+        execute("INSERT INTO [a.b].c (id) VALUES (2)");
+        EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT v FROM [a.b].c WHERE id = 2")),
+                  KNValue(qint32(7)));
+        KNError error;
+        run(*m_client, text("Table_DropPrimaryKey", tableOf("nowhere", "c")), &error);
+        EXPECT_TRUE(error) << "the table of another schema is not taken instead";
     }
 
     void removeDefault()
     {
         execute("CREATE TABLE dbo.[a]]b] (id int, [it's] int NULL DEFAULT (7))");
-        statement("Table_RemoveDefaultForColumn", {{QStringLiteral("TABLE_NAME"), QStringLiteral("a]b")},
-                                                   {QStringLiteral("COLUMN_NAME"), QStringLiteral("it's")}});
+        auto column = tableOf("", "a]b");
+        column.insert(QStringLiteral("COLUMN_NAME"), QStringLiteral("it's"));
+        statement("Table_RemoveDefaultForColumn", column);
         execute("INSERT INTO dbo.[a]]b] DEFAULT VALUES");
         EXPECT_TRUE(scalar(*m_client, QStringLiteral("SELECT [it's] FROM dbo.[a]]b]")).isNull());
     }
@@ -54,10 +98,10 @@ public:
     {
         execute("CREATE TABLE dbo.t (a int, b varchar(20) CONSTRAINT [Named here] DEFAULT ('old'))");
         const auto replace = [this](const char *column, const char *newDefault) {
-            statement("Table_ReplaceDefaultForColumn",
-                      {{QStringLiteral("TABLE_NAME"), QStringLiteral("t")},
-                       {QStringLiteral("COLUMN_NAME"), QString::fromLatin1(column)},
-                       {QStringLiteral("NEW_DEFAULT"), QString::fromLatin1(newDefault)}});
+            auto values = tableOf("dbo", "t");
+            values.insert(QStringLiteral("COLUMN_NAME"), QString::fromLatin1(column));
+            values.insert(QStringLiteral("NEW_DEFAULT"), QString::fromLatin1(newDefault));
+            statement("Table_ReplaceDefaultForColumn", values);
         };
         replace("b", "(\"new\")");
         replace("a", "(5)");
@@ -74,9 +118,7 @@ public:
         EXPECT_EQ(
             scalar(*m_client, QStringLiteral("SELECT Id FROM dbo.NewTable WHERE CreatedAt IS NOT NULL")),
             KNValue(qint32(1)));
-        EXPECT_EQ(
-            rowsOf("List_IndexesForTable", {{QStringLiteral("TABLE_NAME"), QStringLiteral("dbo.NewTable")}}),
-            2);
+        EXPECT_EQ(rowsOf("List_IndexesForTable", tableOf("dbo", "NewTable")), 2);
     }
 
     void newProcedure()
@@ -195,6 +237,15 @@ private:
         return rows ? rows->rowCount() : -1;
     }
 
+    /// The first cell of what a title returns.
+    QString firstOf(const char *title, const QMap<QString, QString> &values)
+    {
+        KNError error;
+        const auto rows = m_client->executeQuery(text(title, values), &error);
+        EXPECT_FALSE(error) << title << ": " << error.localizedDescription().toStdString();
+        return rows && rows->next() ? rows->stringForColumnIndex(0) : QString();
+    }
+
     SampleServerFixture m_sample;
     std::shared_ptr<MSSQLDatabaseConnectionDetails> m_details;
     std::unique_ptr<MSSQLClient> m_client;
@@ -225,6 +276,14 @@ const QStringList &catalogStatements()
 {
     static const QStringList titles = trials().keys();
     return titles;
+}
+
+TEST_P(CatalogStatements, TellTablesApartWhoseJoinedNamesAreTheSame)
+{
+    if (QLatin1String(GetParam()) == QLatin1String("2000"))
+        GTEST_SKIP() << "SQL Server 2000 has owners, which are users, instead of schemas.";
+    useNewDatabase();
+    tellTablesApart();
 }
 
 TEST_P(CatalogStatements, DoWhatTheyAreFor)

@@ -253,9 +253,9 @@ TEST_F(TableSection, NamesStandInTheQueriesAsTheyAreButForApostrophes)
     load(section("Triggers", table));
     EXPECT_TRUE(server->texts("ColumnsForTable").first().contains(QStringLiteral("N'%1'").arg(inLiteral)));
     EXPECT_TRUE(server->texts("ColumnsForTable").first().contains(QStringLiteral("N'dbo'")));
-    const QString joined = QStringLiteral("N'dbo.%1'").arg(inLiteral);
-    EXPECT_TRUE(server->texts("List_KeysForTable").first().contains(joined));
-    EXPECT_TRUE(server->texts("List_IndexesForTable").first().contains(joined));
+    const QString path = QStringLiteral("QUOTENAME(N'dbo') + N'.' + QUOTENAME(N'%1')").arg(inLiteral);
+    EXPECT_TRUE(server->texts("List_KeysForTable").first().contains(path));
+    EXPECT_TRUE(server->texts("List_IndexesForTable").first().contains(path));
     const QString triggers = server->texts("List_TriggersForTableWithDetails").first();
     EXPECT_TRUE(triggers.contains(QStringLiteral("N'%1'").arg(inLiteral)));
     EXPECT_TRUE(triggers.contains(QStringLiteral("N'dbo'")));

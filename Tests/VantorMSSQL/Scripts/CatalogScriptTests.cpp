@@ -53,17 +53,19 @@ TEST_F(CatalogScript, OfATableThatFailsIsReportedAndNoText)
 TEST_F(CatalogScript, OfAViewBeginsWithItsSettings)
 {
     answer("view dbo.[my view]",
-           {{KNValue(true), KNValue(false), text("\r\ncreate view v AS SELECT 1\r\n ")}});
-    EXPECT_EQ(
-        (script<MSSQLScriptAlterViewQueryLoader>(utf8("my view"), utf8("dbo"))),
-        utf8("SET ANSI_NULLS OFF\r\nGO\r\nSET QUOTED_IDENTIFIER ON\r\nGO\r\n\r\nALTER VIEW v AS SELECT 1"));
-    EXPECT_EQ(
-        (script<MSSQLScriptCreateViewQueryLoader>(utf8("my view"), utf8("dbo"))),
-        utf8("SET ANSI_NULLS OFF\r\nGO\r\nSET QUOTED_IDENTIFIER ON\r\nGO\r\n\r\nCREATE VIEW v AS SELECT 1"));
+           {{KNValue(true), KNValue(false), text("\r\ncreate view [my view] AS SELECT 1\r\n ")}});
+    EXPECT_EQ((script<MSSQLScriptAlterViewQueryLoader>(utf8("my view"), utf8("dbo"))),
+              utf8("SET ANSI_NULLS OFF\r\nGO\r\nSET QUOTED_IDENTIFIER ON\r\nGO\r\n\r\nALTER VIEW [my view] "
+                   "AS SELECT "
+                   "1"));
+    EXPECT_EQ((script<MSSQLScriptCreateViewQueryLoader>(utf8("my view"), utf8("dbo"))),
+              utf8("SET ANSI_NULLS OFF\r\nGO\r\nSET QUOTED_IDENTIFIER ON\r\nGO\r\n\r\nCREATE VIEW [my view] "
+                   "AS SELECT "
+                   "1"));
     EXPECT_EQ(
         (script<MSSQLScriptDropAndCreateViewQueryLoader>(utf8("my view"), utf8("dbo"))),
         utf8("DROP VIEW dbo.[my view]\r\nGO\r\n\r\nSET ANSI_NULLS OFF\r\nGO\r\nSET QUOTED_IDENTIFIER ON\r\n"
-             "GO\r\n\r\nCREATE VIEW v AS SELECT 1"));
+             "GO\r\n\r\nCREATE VIEW [my view] AS SELECT 1"));
 }
 
 TEST_F(CatalogScript, OfAViewMakesItsIndexesAnew)
@@ -107,10 +109,11 @@ TEST_F(CatalogScript, LooksForAnIndexWithAnApostropheInTheViewsName)
 
 TEST_F(CatalogScript, OfAProcedureHasItsSettingsInBatchesOfTheirOwn)
 {
-    answer("create sales do it shop", {{text("SET ANSI_NULLS ON"), text("SET QUOTED_IDENTIFIER OFF"),
-                                        text("\r\nCREATE PROCEDURE p AS SELECT 1 -- create procedure\r\n")}});
+    answer("create sales do it shop",
+           {{text("SET ANSI_NULLS ON"), text("SET QUOTED_IDENTIFIER OFF"),
+             text("\r\nCREATE PROCEDURE [do it] AS SELECT 1 -- create procedure\r\n")}});
     const QString create = utf8("SET ANSI_NULLS ON\r\nGO\r\nSET QUOTED_IDENTIFIER OFF\r\nGO\r\n"
-                                "CREATE PROCEDURE p AS SELECT 1 -- create procedure\r\nGO");
+                                "CREATE PROCEDURE [do it] AS SELECT 1 -- create procedure\r\nGO");
     EXPECT_EQ((script<MSSQLScriptCreateStoredProcedureQueryLoader>(utf8("do it"), utf8("sales"))), create);
     EXPECT_EQ((script<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(utf8("do it"), utf8("sales"))),
               utf8("DROP PROCEDURE do it\r\nGO\r\n") + create);

@@ -11,12 +11,13 @@
 
 namespace {
 
-/// Hands a script over on the UI thread. It keeps itself alive until then.
+/// Passes a script and its report on to the UI thread. It keeps itself alive until then.
 class ScriptReceiver : public KNQueryLoaderDelegate
 {
 public:
-    static void load(const KNQueryLoaderPtr &loader, const VantorDBC &details,
-                     std::function<void(const QString &)> use)
+    using Use = std::function<void(const QString &text, const KNQueryReport &report)>;
+
+    static void load(const KNQueryLoaderPtr &loader, const VantorDBC &details, Use use)
     {
         const auto receiver = std::make_shared<ScriptReceiver>();
         receiver->m_self = receiver;
@@ -25,14 +26,15 @@ public:
         loader->beginLoadingQuery(details);
     }
 
-    void queryLoaderLoadedQuery(KNQueryLoader &, const QString &query) override
+    void queryLoaderLoadedQuery(KNQueryLoader &loader, const QString &query) override
     {
-        KNDispatch::mainQueue([self = std::move(m_self), query] { self->m_use(query); });
+        KNDispatch::mainQueue([self = std::move(m_self), text = loader.report().guardedText(query),
+                               report = loader.report()] { self->m_use(text, report); });
     }
 
 private:
     std::shared_ptr<ScriptReceiver> m_self;
-    std::function<void(const QString &)> m_use;
+    Use m_use;
 };
 
 } // namespace
@@ -62,7 +64,7 @@ TreeActions::TreeActions(KNDatabaseTreeViewController &tree)
     addTextAction("addQueryTab:", open);
     addTextAction("executeQueryTab:", execute);
     addScriptAction("addQueryTabWithQueryLoader:", open);
-    addScriptAction("addAndExecuteQueryTabWithQueryLoader:", execute);
+    addScriptAction("addAndExecuteQueryTabWithQueryLoader:", execute, open);
     addScriptAction("saveQueryWithQueryLoader:",
                     [this](const QString &text, const Settings &) { saveScript(text); });
     addScriptAction("copyQueryWithQueryLoader:",
@@ -79,38 +81,41 @@ void TreeActions::addAction(const char *name, KNDatabaseTreeContextHelper::Actio
     });
 }
 
-void TreeActions::addTextAction(const char *name,
-                                std::function<void(const QString &, const Settings &)> action)
+void TreeActions::addTextAction(const char *name, const ScriptAction &action)
 {
-    addAction(name, [this, action = std::move(action)](const KNMenuRepresentedObject &object) {
+    addAction(name, [this, action](const KNMenuRepresentedObject &object) {
         if (const auto *text = std::get_if<QString>(&object))
             action(*text, selectedSettings());
     });
 }
 
-void TreeActions::addScriptAction(const char *name,
-                                  std::function<void(const QString &, const Settings &)> action)
+void TreeActions::addScriptAction(const char *name, const ScriptAction &action,
+                                  const ScriptAction &whenReported)
 {
-    addAction(name, [this, action = std::move(action)](const KNMenuRepresentedObject &object) {
+    addAction(name, [this, action, whenReported](const KNMenuRepresentedObject &object) {
         const auto *loader = std::get_if<KNQueryLoaderPtr>(&object);
         if (!loader || !*loader)
             return;
         const Settings details = selectedSettings();
-        load(*loader, details, [action, details](const QString &text) { action(text, details); });
+        load(*loader, details, [action, whenReported, details](const QString &text, bool isReported) {
+            (isReported && whenReported ? whenReported : action)(text, details);
+        });
     });
 }
 
 void TreeActions::load(const KNQueryLoaderPtr &loader, const Settings &details, Use use)
 {
     ScriptReceiver::load(
-        loader, *details, [self = QPointer(this), use = std::move(use)](const QString &text) {
+        loader, *details,
+        [self = QPointer(this), use = std::move(use)](const QString &text, const KNQueryReport &report) {
             if (!self)
                 return;
             if (text.isNull())
                 KNAlerts::shared().showMessage(&self->m_tree, tr("The script could not be made."),
-                                               tr("The log tells more."));
+                                               report.failure ? report.failure.localizedDescription()
+                                                              : tr("The log tells more."));
             else
-                use(text);
+                use(text, report.failure || !report.notices.isEmpty());
         });
 }
 

@@ -27,12 +27,15 @@ Q_SIGNALS:
     void disconnectRequested();
 
 private:
-    using Use = std::function<void(const QString &text)>;
+    using Use = std::function<void(const QString &text, bool isReported)>;
+    using ScriptAction = std::function<void(const QString &text, const Settings &details)>;
 
     void addAction(const char *name, KNDatabaseTreeContextHelper::Action action);
-    /// An action that works on a text, or on one that a script loader makes; failures are told.
-    void addTextAction(const char *name, std::function<void(const QString &, const Settings &)> action);
-    void addScriptAction(const char *name, std::function<void(const QString &, const Settings &)> action);
+    void addTextAction(const char *name, const ScriptAction &action);
+    /// An action on the text that a script loader makes, with what it reports as comments. A loader without a
+    /// text leads to an alert. `whenReported`, when given, takes the place of `action` for a script that is
+    /// incomplete or acts on another object: such a script is not run at once.
+    void addScriptAction(const char *name, const ScriptAction &action, const ScriptAction &whenReported = {});
     void load(const KNQueryLoaderPtr &loader, const Settings &details, Use use);
     Settings selectedSettings() const;
     void saveScript(const QString &text);

@@ -12,7 +12,7 @@ DECLARE @index TABLE (
 
 SET @nocount = @@OPTIONS & 512
 SET NOCOUNT ON
-SET @id = OBJECT_ID(N'{VIEW_NAME}')
+SET @id = OBJECT_ID(N'{VIEW_PATH}')
 
 INSERT INTO @index (index_id, head, key_columns, options)
 SELECT

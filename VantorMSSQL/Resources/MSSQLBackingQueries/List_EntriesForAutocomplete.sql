@@ -1,5 +1,5 @@
 -- Tables and views. columnType carries precision and scale; dataSize (in bytes, -1 for max) is given only where a
--- length belongs behind the type's name.
+-- length belongs behind the type's name. Azure has views of its own in sys that are not marked as shipped.
 SELECT
     c.schema_name AS schemaName,
     c.table_name AS tableName,
@@ -40,5 +40,14 @@ FROM (
     LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
     WHERE o.type IN ('U', 'V')
         AND o.is_ms_shipped = 0
+        AND s.name <> N'sys'
+        AND NOT EXISTS (
+            SELECT 1
+            FROM sys.extended_properties AS p
+            WHERE p.class = 1
+                AND p.major_id = o.object_id
+                AND p.minor_id = 0
+                AND p.name = N'microsoft_database_tools_support'
+        )
 ) AS c
 ORDER BY c.schema_name, c.table_name, c.object_id, c.column_id

@@ -2,8 +2,7 @@
 SELECT i.name AS index_name
 FROM dbo.sysindexes AS i
 INNER JOIN dbo.sysobjects AS o ON o.id = i.id
-INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
-WHERE u.name + N'.' + o.name = N'{TABLE_NAME}'
+WHERE o.id = OBJECT_ID(QUOTENAME(N'{SCHEMA}') + N'.' + QUOTENAME(N'{TABLE}'))
     AND o.xtype = 'V'
     AND i.indid BETWEEN 1 AND 254
     AND INDEXPROPERTY(i.id, i.name, N'IsStatistics') = 0

@@ -4,8 +4,8 @@ SELECT
     CASE WHEN k.xtype = 'PK' THEN 1 ELSE 0 END AS is_primary_key
 FROM dbo.sysobjects AS k
 INNER JOIN dbo.sysobjects AS o ON o.id = k.parent_obj
-INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
-WHERE u.name + N'.' + o.name = N'{TABLE_NAME}'
+WHERE o.id = OBJECT_ID(QUOTENAME(N'{SCHEMA}') + N'.' + QUOTENAME(N'{TABLE}'))
+    AND o.xtype = 'U'
     AND k.xtype IN ('PK', 'UQ', 'F')
 ORDER BY
     CASE k.xtype WHEN 'PK' THEN 0 WHEN 'UQ' THEN 1 ELSE 2 END,

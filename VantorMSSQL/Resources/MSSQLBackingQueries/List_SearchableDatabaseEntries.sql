@@ -41,6 +41,7 @@ BEGIN
         FROM ' + @prefix + N'sys.objects AS o
         INNER JOIN ' + @prefix + N'sys.schemas AS s ON s.schema_id = o.schema_id
         WHERE o.is_ms_shipped = 0
+            AND s.name <> N''sys''
             AND o.type IN (''U'', ''V'', ''P'', ''PC'', ''FN'', ''IF'', ''TF'', ''FS'', ''FT'')
             AND NOT EXISTS (
                 SELECT 1

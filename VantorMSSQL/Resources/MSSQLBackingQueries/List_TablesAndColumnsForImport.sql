@@ -1,4 +1,4 @@
--- Columns that take no value from a row (computed, timestamp) are left out.
+-- Columns that take no value from a row (computed, timestamp, GENERATED ALWAYS) are left out.
 SELECT
     c.schema_name,
     c.table_name,
@@ -38,6 +38,7 @@ FROM (
     WHERE o.is_ms_shipped = 0
         AND col.is_computed = 0
         AND col.system_type_id <> 189
+        AND ISNULL(COLUMNPROPERTY(col.object_id, col.name, N'GeneratedAlwaysType'), 0) = 0
         AND NOT EXISTS (
             SELECT 1
             FROM sys.extended_properties AS p

@@ -1,8 +1,9 @@
 -- DROPS EVERY USER OBJECT OF THE CURRENT DATABASE, WITH ALL DATA. There is no way back but a backup.
--- In this order: database triggers, system versioning, foreign keys, check constraints, then views, procedures,
--- functions, synonyms, sequences, tables, rules, defaults, types, XML schema collections, partition schemes and
--- functions, and schemas. What still depends on another object is tried again after the others. Users, roles,
--- assemblies, full-text catalogs, keys and Service Broker objects stay.
+-- In this order: database triggers, security policies, system versioning, foreign keys, check constraints, then views,
+-- procedures, functions, synonyms, sequences, tables, rules, defaults, types, XML schema collections, partition schemes
+-- and functions, and schemas. What still depends on another object is tried again after the others. Users, roles,
+-- assemblies, full-text catalogs, keys and Service Broker objects stay. The server keeps a ledger table that is
+-- dropped, with its history and its view, under another name.
 SET NOCOUNT ON
 
 IF DB_NAME() IN (N'master', N'model', N'msdb', N'tempdb')
@@ -22,6 +23,9 @@ DECLARE @todo TABLE (
 	is_done bit NOT NULL DEFAULT (0),
 	message nvarchar(4000) NULL
 )
+DECLARE @ledger TABLE (
+	statement nvarchar(1000) NOT NULL
+)
 
 -- A database trigger could forbid the rest.
 INSERT INTO @todo (statement)
@@ -29,6 +33,14 @@ SELECT N'DROP TRIGGER ' + QUOTENAME(tr.name) + N' ON DATABASE'
 FROM sys.triggers AS tr
 WHERE tr.parent_class = 0
 	AND tr.is_ms_shipped = 0
+
+-- A security policy forbids to drop the tables and functions that it names.
+IF OBJECT_ID(N'sys.security_policies') IS NOT NULL
+	INSERT INTO @todo (statement)
+	EXEC sp_executesql N'
+		SELECT N''DROP SECURITY POLICY '' + QUOTENAME(s.name) + N''.'' + QUOTENAME(p.name)
+		FROM sys.security_policies AS p
+		INNER JOIN sys.schemas AS s ON s.schema_id = p.schema_id'
 
 -- Temporal and external tables are newer than 2005: only dynamic SQL may name their columns.
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'temporal_type')
@@ -117,6 +129,30 @@ INSERT INTO @todo (statement)
 SELECT N'DROP SCHEMA ' + QUOTENAME(s.name)
 FROM sys.schemas AS s
 WHERE s.schema_id BETWEEN 5 AND 16383
+
+-- What belongs to a ledger table goes with it, and one that was dropped before cannot be dropped again.
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'ledger_type')
+BEGIN
+	INSERT INTO @ledger (statement)
+	EXEC sp_executesql N'
+		SELECT N''DROP TABLE '' + QUOTENAME(s.name) + N''.'' + QUOTENAME(t.name)
+		FROM sys.tables AS t
+		INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id
+		WHERE t.ledger_type = 1 OR t.is_dropped_ledger_table = 1
+		UNION ALL
+		SELECT N''ALTER TABLE '' + QUOTENAME(s.name) + N''.'' + QUOTENAME(t.name) + N'' SET (SYSTEM_VERSIONING = OFF)''
+		FROM sys.tables AS t
+		INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id
+		WHERE t.ledger_type = 2
+		UNION ALL
+		SELECT N''DROP VIEW '' + QUOTENAME(s.name) + N''.'' + QUOTENAME(v.name)
+		FROM sys.views AS v
+		INNER JOIN sys.schemas AS s ON s.schema_id = v.schema_id
+		WHERE v.ledger_view_type = 1 OR v.is_dropped_ledger_view = 1'
+
+	DELETE FROM @todo
+	WHERE statement IN (SELECT l.statement FROM @ledger AS l)
+END
 
 -- Pass after pass, until nothing is left or nothing more goes.
 SET @dropped = 1

@@ -2,7 +2,7 @@
 SELECT
 	p.spid AS session_id,
 	DATEDIFF(second, p.last_batch, GETDATE()) AS running_seconds,
-	CASE WHEN p.blocked > 0 AND p.blocked <> p.spid THEN p.blocked END AS blocked_by,
+	CASE WHEN p.blocked <> 0 AND p.blocked <> p.spid THEN p.blocked END AS blocked_by,
 	DB_NAME(p.dbid) AS database_name,
 	RTRIM(p.loginame) AS login_name,
 	RTRIM(p.hostname) AS host_name,

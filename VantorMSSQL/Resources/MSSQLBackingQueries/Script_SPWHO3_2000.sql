@@ -1,8 +1,8 @@
 -- Who is connected, what runs and who waits for whom: sp_who with waits, load and idle time. Blocked sessions come
--- first.
+-- first. A negative blocked_by is no session: -2 is an orphaned distributed transaction, -3 a deferred recovery.
 SELECT
 	p.spid AS session_id,
-	CASE WHEN p.blocked > 0 AND p.blocked <> p.spid THEN p.blocked END AS blocked_by,
+	CASE WHEN p.blocked <> 0 AND p.blocked <> p.spid THEN p.blocked END AS blocked_by,
 	(
 		SELECT COUNT(*)
 		FROM master.dbo.sysprocesses AS b
@@ -25,9 +25,8 @@ SELECT
 	p.login_time
 FROM master.dbo.sysprocesses AS p
 WHERE p.spid > 50
-	AND p.spid <> @@SPID
 	AND p.ecid = 0
 ORDER BY
-	CASE WHEN p.blocked > 0 AND p.blocked <> p.spid THEN 0 WHEN RTRIM(p.status) <> 'sleeping' THEN 1 ELSE 2 END,
+	CASE WHEN p.blocked <> 0 AND p.blocked <> p.spid THEN 0 WHEN RTRIM(p.status) <> 'sleeping' THEN 1 ELSE 2 END,
 	p.cpu DESC,
 	p.spid

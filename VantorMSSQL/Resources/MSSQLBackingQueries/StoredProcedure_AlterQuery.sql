@@ -1,17 +1,12 @@
 -- Numbered procedures follow the first one, each in its row and on a line of its own. One whose definition cannot be
--- read gives no row. The caller looks for CREATE PROCEDURE: the short form and the three blanks that CREATE OR ALTER
--- leaves are spelled so.
+-- read gives no row.
 SELECT
     CASE WHEN d.procedure_number > 1 THEN NCHAR(13) + NCHAR(10) ELSE N'' END
         + CASE WHEN d.uses_ansi_nulls = 1 THEN N'SET ANSI_NULLS ON' ELSE N'SET ANSI_NULLS OFF' END
         AS ansi_nulls,
     CASE WHEN d.uses_quoted_identifier = 1 THEN N'SET QUOTED_IDENTIFIER ON' ELSE N'SET QUOTED_IDENTIFIER OFF' END
         AS quoted_identifier,
-    REPLACE(
-        REPLACE(d.definition COLLATE Latin1_General_CI_AS, N'CREATE   PROC', N'CREATE PROC'),
-        N'CREATE PROC ',
-        N'CREATE PROCEDURE '
-    ) AS definition
+    d.definition AS definition
 FROM (
     SELECT
         m.object_id,

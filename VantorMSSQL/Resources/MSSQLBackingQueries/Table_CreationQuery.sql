@@ -34,7 +34,11 @@ DECLARE @filestream TABLE (
 DECLARE @storage TABLE (
     index_id int NOT NULL PRIMARY KEY,
     filter nvarchar(max) NULL,
-    compression nvarchar(60) NULL
+    compression nvarchar(60) NULL,
+    is_mixed bit NOT NULL
+)
+DECLARE @loss TABLE (
+    note nvarchar(500) NOT NULL
 )
 DECLARE @index TABLE (
     index_id int NOT NULL PRIMARY KEY,
@@ -96,12 +100,13 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.colum
         @table
 
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes') AND name = N'filter_definition')
-    INSERT INTO @storage (index_id, filter, compression)
+    INSERT INTO @storage (index_id, filter, compression, is_mixed)
     EXEC sp_executesql N'
         SELECT
             i.index_id,
             i.filter_definition,
-            CASE WHEN p.lowest = p.highest AND p.lowest IN (1, 2, 4) THEN p.name END
+            CASE WHEN p.lowest = p.highest AND p.lowest IN (1, 2, 4) THEN p.name END,
+            CASE WHEN p.lowest <> p.highest THEN 1 ELSE 0 END
         FROM sys.indexes AS i
         LEFT JOIN (
             SELECT
@@ -269,6 +274,95 @@ SET @table_options = ISNULL(N', SYSTEM_VERSIONING = ON (HISTORY_TABLE = ' + @his
 SELECT @table_options = @table_options + x.options
 FROM @index AS x
 WHERE x.index_id = 0
+
+-- What the script loses is named at its head.
+INSERT INTO @loss (note)
+SELECT N'The compression of ' + CASE WHEN i.type = 0 THEN N'the heap' ELSE N'index ' + QUOTENAME(i.name) END
+    + N', which differs by partition.'
+FROM @storage AS g
+INNER JOIN sys.indexes AS i ON i.object_id = @table AND i.index_id = g.index_id
+WHERE g.is_mixed = 1
+
+INSERT INTO @loss (note)
+SELECT N'The full-text index of the table.'
+WHERE OBJECTPROPERTY(@table, N'TableHasActiveFulltextIndex') = 1
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'is_external')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The table is external; this script makes a plain one.''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.is_external = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
+    AND name = N'history_retention_period')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''How long the history of rows is kept.''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.history_retention_period > 0',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'is_node')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The table is a node or an edge of a graph; this script makes a plain one.''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND (t.is_node = 1 OR t.is_edge = 1)',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'ledger_type')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The table is a ledger table; this script makes one without a ledger.''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.ledger_type <> 0',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.columns') AND name = N'encryption_type')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The encryption of column '' + QUOTENAME(c.name) + N''.''
+        FROM sys.columns AS c
+        WHERE c.object_id = @table
+            AND c.encryption_type IS NOT NULL',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes')
+    AND name = N'optimize_for_sequential_key')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''OPTIMIZE_FOR_SEQUENTIAL_KEY of index '' + QUOTENAME(i.name) + N''.''
+        FROM sys.indexes AS i
+        WHERE i.object_id = @table
+            AND i.optimize_for_sequential_key = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.partitions') AND name = N'xml_compression')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT DISTINCT N''The compression of xml in the table.''
+        FROM sys.partitions AS p
+        WHERE p.object_id = @table
+            AND p.xml_compression = 1',
+        N'@table int',
+        @table
+
+INSERT INTO @piece (body)
+SELECT N'-- Not part of this script: ' + l.note + @crlf
+FROM @loss AS l
+ORDER BY l.note
 
 INSERT INTO @piece (body)
 SELECT N'-- The table is memory-optimized; this script makes one on disk.' + @crlf

@@ -1,12 +1,16 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else under whichever owner has it
--- alone.
+-- Without an owner the table is looked up as a statement would, and else under whichever owner has it alone.
+DECLARE @schema_name nvarchar(128)
 DECLARE @table_name nvarchar(128)
 DECLARE @table int
 DECLARE @statement nvarchar(1000)
 
+SET @schema_name = N'{TABLE_SCHEMA}'
 SET @table_name = N'{TABLE_NAME}'
-SET @table = OBJECT_ID(QUOTENAME(@table_name))
-IF @table IS NULL
+IF @schema_name <> N''
+    SET @table = OBJECT_ID(QUOTENAME(@schema_name) + N'.' + QUOTENAME(@table_name))
+ELSE
+    SET @table = OBJECT_ID(QUOTENAME(@table_name))
+IF @table IS NULL AND @schema_name = N''
     SELECT @table = MIN(o.id)
     FROM dbo.sysobjects AS o
     WHERE o.name = @table_name

@@ -1,5 +1,5 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it
--- alone.
+-- Without a schema the table is looked up as a statement would, and else in whichever schema has it alone.
+DECLARE @schema_name nvarchar(128)
 DECLARE @table_name nvarchar(128)
 DECLARE @column_name nvarchar(128)
 DECLARE @table int
@@ -8,10 +8,14 @@ DECLARE @default nvarchar(128)
 DECLARE @bound nvarchar(1000)
 DECLARE @statement nvarchar(max)
 
+SET @schema_name = N'{TABLE_SCHEMA}'
 SET @table_name = N'{TABLE_NAME}'
 SET @column_name = N'{COLUMN_NAME}'
-SET @table = OBJECT_ID(QUOTENAME(@table_name), N'U')
-IF @table IS NULL
+IF @schema_name <> N''
+    SET @table = OBJECT_ID(QUOTENAME(@schema_name) + N'.' + QUOTENAME(@table_name), N'U')
+ELSE
+    SET @table = OBJECT_ID(QUOTENAME(@table_name), N'U')
+IF @table IS NULL AND @schema_name = N''
     SELECT @table = MIN(t.object_id)
     FROM sys.tables AS t
     WHERE t.name = @table_name

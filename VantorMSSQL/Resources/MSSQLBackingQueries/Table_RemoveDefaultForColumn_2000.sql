@@ -1,5 +1,5 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else under whichever owner has it
--- alone.
+-- Without an owner the table is looked up as a statement would, and else under whichever owner has it alone.
+DECLARE @schema_name nvarchar(128)
 DECLARE @table_name nvarchar(128)
 DECLARE @column_name nvarchar(128)
 DECLARE @table int
@@ -8,10 +8,14 @@ DECLARE @default nvarchar(128)
 DECLARE @bound nvarchar(1000)
 DECLARE @statement nvarchar(4000)
 
+SET @schema_name = N'{TABLE_SCHEMA}'
 SET @table_name = N'{TABLE_NAME}'
 SET @column_name = N'{COLUMN_NAME}'
-SET @table = OBJECT_ID(QUOTENAME(@table_name))
-IF @table IS NULL
+IF @schema_name <> N''
+    SET @table = OBJECT_ID(QUOTENAME(@schema_name) + N'.' + QUOTENAME(@table_name))
+ELSE
+    SET @table = OBJECT_ID(QUOTENAME(@table_name))
+IF @table IS NULL AND @schema_name = N''
     SELECT @table = MIN(o.id)
     FROM dbo.sysobjects AS o
     WHERE o.name = @table_name

@@ -1,6 +1,6 @@
--- Only the table's bare name is known: it is looked up as a statement would, and else in whichever schema has it
--- alone. The new default arrives with a double quote in place of every apostrophe. It gets the name that a user gave
--- the old one.
+-- Without a schema the table is looked up as a statement would, and else in whichever schema has it alone. The new
+-- default arrives with a double quote in place of every apostrophe. It gets the name that a user gave the old one.
+DECLARE @schema_name nvarchar(128)
 DECLARE @table_name nvarchar(128)
 DECLARE @column_name nvarchar(128)
 DECLARE @table int
@@ -11,10 +11,14 @@ DECLARE @new_default nvarchar(max)
 DECLARE @bound nvarchar(1000)
 DECLARE @statement nvarchar(max)
 
+SET @schema_name = N'{TABLE_SCHEMA}'
 SET @table_name = N'{TABLE_NAME}'
 SET @column_name = N'{COLUMN_NAME}'
-SET @table = OBJECT_ID(QUOTENAME(@table_name), N'U')
-IF @table IS NULL
+IF @schema_name <> N''
+    SET @table = OBJECT_ID(QUOTENAME(@schema_name) + N'.' + QUOTENAME(@table_name), N'U')
+ELSE
+    SET @table = OBJECT_ID(QUOTENAME(@table_name), N'U')
+IF @table IS NULL AND @schema_name = N''
     SELECT @table = MIN(t.object_id)
     FROM sys.tables AS t
     WHERE t.name = @table_name

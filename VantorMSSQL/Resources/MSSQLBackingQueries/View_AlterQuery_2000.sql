@@ -1,5 +1,4 @@
 -- A definition longer than 4000 characters stands in several rows of syscomments: they are put together in an ntext.
--- The name arrives with brackets where the caller found them needed, so brackets are left out on both sides.
 DECLARE @nocount int
 DECLARE @id int
 DECLARE @number int
@@ -12,10 +11,8 @@ SET NOCOUNT ON
 
 SELECT @id = o.id
 FROM dbo.sysobjects AS o
-INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
 WHERE o.xtype = 'V'
-    AND REPLACE(REPLACE(u.name + N'.' + o.name, N'[', N''), N']', N'')
-    = REPLACE(REPLACE(N'{VIEW_NAME}', N'[', N''), N']', N'')
+    AND o.id = OBJECT_ID(QUOTENAME(N'{SCHEMA}') + N'.' + QUOTENAME(N'{VIEW}'))
 
 IF OBJECT_ID(N'tempdb..#vantor_module') IS NOT NULL
     DROP TABLE #vantor_module

@@ -38,6 +38,12 @@ std::shared_ptr<DatabaseTreeDragDropEntry> MSSQLDatabaseTreeEntryDatabaseTable::
     return std::make_shared<DatabaseTreeDragDropEntry>();
 }
 
+MSSQLScriptSubject MSSQLDatabaseTreeEntryDatabaseTable::scriptSubject() const
+{
+    return {m_isView ? QStringLiteral("VIEW") : QStringLiteral("TABLE"), m_schema, m_tableName,
+            databaseConnectionDetails()};
+}
+
 QString MSSQLDatabaseTreeEntryDatabaseTable::selectStatement() const
 {
     return KNFormat("SELECT TOP 100 * FROM %@;",
@@ -81,7 +87,7 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::viewMenu()
     return {QStringLiteral("Root"),
             {newQueryMenuItem(), KNMenuItem::separator(),
              actionItem("Alter view", "addQueryTabWithQueryLoader:",
-                        std::make_shared<MSSQLScriptAlterViewQueryLoader>(m_tableName, m_schema)),
+                        scriptSubject().script<MSSQLScriptAlterViewQueryLoader>(m_tableName, m_schema)),
              actionItem("Drop view", "confirmDropView:", shared_from_this()), KNMenuItem::separator(),
              actionItem("Select top 100 rows", "executeQueryTab:", selectStatement()),
              createScriptAsForViewMenu(), KNMenuItem::separator(), KNMenuItem::separator(),
@@ -103,18 +109,20 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const
 {
     // The script that drops a view is used for tables, too.
+    const MSSQLScriptSubject table = scriptSubject();
     return scriptAsMenuItem(
-        {{"CREATE to", std::make_shared<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
-         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+        {{"CREATE to", table.script<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", table.script<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
          {"DROP and CREATE to",
-          std::make_shared<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
+          table.script<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsForViewMenu() const
 {
+    const MSSQLScriptSubject view = scriptSubject();
     return scriptAsMenuItem(
-        {{"CREATE to", std::make_shared<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
-         {"DROP to", std::make_shared<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
+        {{"CREATE to", view.script<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
+         {"DROP to", view.script<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
          {"DROP and CREATE to",
-          std::make_shared<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
+          view.script<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
 }

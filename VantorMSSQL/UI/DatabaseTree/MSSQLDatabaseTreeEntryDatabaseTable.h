@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeFixedEntry.h"
+#include "Scripts/MSSQLScriptSubject.h"
 
 /// A table or a view. Expands into columns, keys, indexes and triggers.
 class MSSQLDatabaseTreeEntryDatabaseTable : public KNDatabaseTreeFixedEntry
@@ -30,6 +31,7 @@ protected:
 
 private:
     QString selectStatement() const;
+    MSSQLScriptSubject scriptSubject() const;
     KNMenu tableMenu();
     KNMenu viewMenu();
     KNMenuItem createExportMenuItem() const;

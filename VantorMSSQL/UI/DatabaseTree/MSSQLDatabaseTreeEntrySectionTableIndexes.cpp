@@ -25,7 +25,9 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableIndexes::menu()
 QString MSSQLDatabaseTreeEntrySectionTableIndexes::catalogQuery()
 {
     return MSSQLTreeCatalog::text(*this, m_isView ? "List_IndexesForView" : "List_IndexesForTable",
-                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)}});
+                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)},
+                                   {QStringLiteral("SCHEMA"), m_schema},
+                                   {QStringLiteral("TABLE"), m_tableName}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableIndexes::entryForRow(const DatabaseResultSet &row)

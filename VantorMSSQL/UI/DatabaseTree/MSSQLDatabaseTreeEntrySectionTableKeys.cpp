@@ -22,7 +22,9 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableKeys::menu()
 QString MSSQLDatabaseTreeEntrySectionTableKeys::catalogQuery()
 {
     return MSSQLTreeCatalog::text(*this, "List_KeysForTable",
-                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)}});
+                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)},
+                                   {QStringLiteral("SCHEMA"), m_schema},
+                                   {QStringLiteral("TABLE"), m_tableName}});
 }
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableKeys::entryForRow(const DatabaseResultSet &row)

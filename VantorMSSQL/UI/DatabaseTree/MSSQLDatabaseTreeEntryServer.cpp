@@ -183,6 +183,9 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryServer::databaseForRow(const Data
     auto database = make<MSSQLDatabaseTreeEntryDatabase>();
     database->setDisplayName(name);
     database->setDatabaseName(isFederated ? boundTo : name);
+    // Why it cannot be opened; a server without the column, as tests have, knows no reason.
+    if (constexpr qsizetype Unavailable = 2; row.columnCount() > Unavailable)
+        database->setDetails(row.stringForColumnIndex(Unavailable));
     const VantorDBCPtr details = settings().copy();
     details->setDatabase(database->databaseName());
     database->setDatabaseConnectionDetails(details.get());
@@ -196,7 +199,7 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryServer::loadAgent(VantorDatabaseC
         return nullptr;
     Ptr agent;
     const auto rows = client.executeQuery(MSSQLTreeCatalog::text(*this, "IsSQLServerAgentAvailable"), error);
-    while (rows && rows->next()) {
+    while (rows && !*error && rows->next()) {
         if (rows->boolForColumnIndex(0).value_or(false))
             agent = make<MSSQLDatabaseTreeEntrySectionAgent>();
     }

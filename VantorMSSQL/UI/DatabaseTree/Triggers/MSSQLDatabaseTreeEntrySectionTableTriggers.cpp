@@ -1,6 +1,7 @@
 #include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntrySectionTableTriggers.h"
 
 #include "Foundation/KNFormat.h"
+#include "Scripts/MSSQLModuleHeader.h"
 #include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntryTableTrigger.h"
 
 MSSQLDatabaseTreeEntrySectionTableTriggers::MSSQLDatabaseTreeEntrySectionTableTriggers(
@@ -37,6 +38,6 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryForRow
     const QString text = row.stringForColumnIndex(3);
     trigger->setTriggerSQL(
         text.isNull() ? KNFormat("-- Failed to load trigger SQL for %@.%@.%@.", m_schema, m_tableName, name)
-                      : text.trimmed());
+                      : MSSQLModuleHeader::withCurrentName(text.trimmed(), m_schema, name));
     return trigger;
 }

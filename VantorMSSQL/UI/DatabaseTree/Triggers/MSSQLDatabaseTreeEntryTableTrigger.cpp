@@ -3,6 +3,9 @@
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
 #include "QueryLoader/StaticQueryLoader.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
+#include "Scripts/MSSQLModuleHeader.h"
+#include "Scripts/MSSQLScriptSubject.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 MSSQLDatabaseTreeEntryTableTrigger::MSSQLDatabaseTreeEntryTableTrigger(const QString &schema,
@@ -31,16 +34,51 @@ KNMenu MSSQLDatabaseTreeEntryTableTrigger::menu()
     return {QStringLiteral("Test"),
             {newQueryMenuItem(),
              actionItem("New trigger", "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewTrigger")),
-             actionItem("Modify", "addQueryTabWithQueryLoader:",
-                        std::make_shared<StaticQueryLoader>(m_alterTriggerSQL)),
-             createScriptAsMenu()}};
+             actionItem("Modify", "addQueryTabWithQueryLoader:", alterScript()), createScriptAsMenu()}};
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryTableTrigger::createScriptAsMenu() const
 {
+    const qsizetype drop = m_dropTriggerSQL.size() + qsizetype(qstrlen("\r\n\r\n"));
     return scriptAsMenuItem(
-        {{"CREATE to", std::make_shared<StaticQueryLoader>(m_triggerSQL)},
-         {"ALTER to", std::make_shared<StaticQueryLoader>(m_alterTriggerSQL)},
-         {"DROP to", std::make_shared<StaticQueryLoader>(m_dropTriggerSQL)},
-         {"DROP and CREATE to", std::make_shared<StaticQueryLoader>(m_dropAndCreateTriggerSQL)}});
+        {{"CREATE to", script(m_triggerSQL, definitionReport())},
+         {"ALTER to", alterScript()},
+         {"DROP to", script(m_dropTriggerSQL, {})},
+         {"DROP and CREATE to", script(m_dropAndCreateTriggerSQL, definitionReport(drop))}});
+}
+
+KNQueryLoaderPtr MSSQLDatabaseTreeEntryTableTrigger::script(const QString &text,
+                                                            const KNQueryReport &report) const
+{
+    const MSSQLScriptSubject trigger{QStringLiteral("TRIGGER"), m_schema, m_triggerName,
+                                     databaseConnectionDetails()};
+    return trigger.script<StaticQueryLoader>(text, report);
+}
+
+KNQueryLoaderPtr MSSQLDatabaseTreeEntryTableTrigger::alterScript() const
+{
+    KNQueryReport report = definitionReport();
+    const auto header = MSSQLModuleHeader::ofDefinition(m_alterTriggerSQL);
+    if (header && header->verb != QLatin1String("ALTER")) {
+        // The first CREATE stands in a comment before the statement.
+        if (MSSQLCorrectedStatements::areUsed())
+            return script(MSSQLModuleHeader::altering(m_triggerSQL), report);
+        report.notices.append(QStringLiteral(
+            "The statement below still creates the trigger: the word CREATE was replaced in a comment before "
+            "it."));
+    }
+    return script(m_alterTriggerSQL, report);
+}
+
+KNQueryReport MSSQLDatabaseTreeEntryTableTrigger::definitionReport(qsizetype drop) const
+{
+    KNQueryReport report;
+    if (MSSQLModuleHeader::ofDefinition(m_triggerSQL))
+        return report;
+    report.failure =
+        KNError(QStringLiteral("mssqsql.databaseTree.loadTriggers"), 0,
+                KNFormat("The definition of trigger %@.%@ is encrypted or may not be seen by this login.",
+                         m_schema, m_triggerName));
+    report.unsafeLength = drop;
+    return report;
 }

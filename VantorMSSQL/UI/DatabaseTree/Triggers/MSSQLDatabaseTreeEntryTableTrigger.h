@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "QueryLoader/KNQueryLoader.h"
 
 /// A trigger. Its scripts are derived from its text.
 class MSSQLDatabaseTreeEntryTableTrigger : public KNDatabaseTreeEntry
@@ -24,6 +25,10 @@ public:
 
 private:
     KNMenuItem createScriptAsMenu() const;
+    KNQueryLoaderPtr script(const QString &text, const KNQueryReport &report) const;
+    KNQueryLoaderPtr alterScript() const;
+    /// A failure when the text is no definition; then the first `drop` units of a script must not run.
+    KNQueryReport definitionReport(qsizetype drop = 0) const;
 
     const QString m_schema;
     const QString m_triggerName;

@@ -61,7 +61,7 @@ void MSSQLDatabaseTreeEntrySectionViews::didReadRows(const List &entries, KNErro
     VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
         [&](VantorDatabaseClient &client, KNError *failure) {
             const auto rows = client.executeQuery(QStringLiteral("SELECT SCHEMA_NAME()"), failure);
-            while (rows && rows->next()) {
+            while (rows && !*failure && rows->next()) {
                 const QString current = rows->stringForColumnIndex(0);
                 if (current.isNull() || !schemas.contains(current))
                     continue;

@@ -16,23 +16,29 @@ MSSQLDatabaseTreeEntryFunction::MSSQLDatabaseTreeEntryFunction(const QString &di
     setDisplayName(displayName);
 }
 
+MSSQLScriptSubject MSSQLDatabaseTreeEntryFunction::scriptSubject() const
+{
+    return {QStringLiteral("FUNCTION"), m_schema, m_functionName, databaseConnectionDetails()};
+}
+
 KNMenu MSSQLDatabaseTreeEntryFunction::menu()
 {
-    return {QStringLiteral("Test"),
-            {actionItem("New function", "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewFunction")),
-             actionItem("Modify", "addQueryTabWithQueryLoader:",
-                        std::make_shared<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)),
-             newQueryMenuItem(), createScriptAsMenu(),
-             actionItem("Drop function", "confirmDropFunction:", shared_from_this())}};
+    return {
+        QStringLiteral("Test"),
+        {actionItem("New function", "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewFunction")),
+         actionItem("Modify", "addQueryTabWithQueryLoader:",
+                    scriptSubject().script<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)),
+         newQueryMenuItem(), createScriptAsMenu(),
+         actionItem("Drop function", "confirmDropFunction:", shared_from_this())}};
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryFunction::createScriptAsMenu() const
 {
     const QString qualifiedName = KNFormat("%@.%@", m_schema, m_functionName);
     return scriptAsMenuItem(
-        {{"CREATE to", std::make_shared<MSSQLScriptCreateFunctionQueryLoader>(qualifiedName)},
-         {"ALTER to", std::make_shared<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)},
-         {"DROP to", std::make_shared<MSSQLScriptDropFunctionQueryLoader>(m_functionName, m_schema)},
+        {{"CREATE to", scriptSubject().script<MSSQLScriptCreateFunctionQueryLoader>(qualifiedName)},
+         {"ALTER to", scriptSubject().script<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)},
+         {"DROP to", scriptSubject().script<MSSQLScriptDropFunctionQueryLoader>(m_functionName, m_schema)},
          {"DROP and CREATE to",
-          std::make_shared<MSSQLScriptDropAndCreateFunctionQueryLoader>(qualifiedName)}});
+          scriptSubject().script<MSSQLScriptDropAndCreateFunctionQueryLoader>(qualifiedName)}});
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "Scripts/MSSQLScriptSubject.h"
 
 /// A function of any kind.
 class MSSQLDatabaseTreeEntryFunction : public KNDatabaseTreeEntry
@@ -17,6 +18,7 @@ public:
     KNMenu menu() override;
 
 private:
+    MSSQLScriptSubject scriptSubject() const;
     KNMenuItem createScriptAsMenu() const;
 
     const QString m_schema;

@@ -44,28 +44,35 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryForRow(cons
     return parameter;
 }
 
+MSSQLScriptSubject MSSQLDatabaseTreeEntryStoredProcedure::scriptSubject() const
+{
+    return {QStringLiteral("PROCEDURE"), m_schema, m_procedureName, databaseConnectionDetails()};
+}
+
 KNMenu MSSQLDatabaseTreeEntryStoredProcedure::menu()
 {
     const QString escapedName = KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(m_schema),
                                          MSSQLClient::escapeTableNameIfRequired(m_procedureName));
-    return {
-        QStringLiteral("Test"),
-        {actionItem("New Stored Procedure",
-                    "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewStoredProcedure")),
-         actionItem("Modify", "addQueryTabWithQueryLoader:",
-                    std::make_shared<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)),
-         actionItem("Execute stored procedure", "executeStoredProcedure:", escapedName), newQueryMenuItem(),
-         createScriptAsMenu(), actionItem("Drop procedure", "confirmDropProcedure:", shared_from_this())}};
+    return {QStringLiteral("Test"),
+            {actionItem("New Stored Procedure",
+                        "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewStoredProcedure")),
+             actionItem("Modify", "addQueryTabWithQueryLoader:",
+                        scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName,
+                                                                                           m_schema)),
+             actionItem("Execute stored procedure", "executeStoredProcedure:", escapedName),
+             newQueryMenuItem(), createScriptAsMenu(),
+             actionItem("Drop procedure", "confirmDropProcedure:", shared_from_this())}};
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryStoredProcedure::createScriptAsMenu() const
 {
     return scriptAsMenuItem(
         {{"CREATE to",
-          std::make_shared<MSSQLScriptCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+          scriptSubject().script<MSSQLScriptCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)},
          {"ALTER to",
-          std::make_shared<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)},
-         {"DROP to", std::make_shared<MSSQLScriptDropStoredProcedureQueryLoader>(m_procedureName, m_schema)},
-         {"DROP and CREATE to",
-          std::make_shared<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)}});
+          scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+         {"DROP to",
+          scriptSubject().script<MSSQLScriptDropStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+         {"DROP and CREATE to", scriptSubject().script<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(
+                                    m_procedureName, m_schema)}});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Scripts/MSSQLScriptSubject.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
 /// A stored procedure, which expands into its parameters.
@@ -22,6 +23,7 @@ protected:
     Ptr entryForRow(const DatabaseResultSet &row) override;
 
 private:
+    MSSQLScriptSubject scriptSubject() const;
     KNMenuItem createScriptAsMenu() const;
 
     const QString m_schema;

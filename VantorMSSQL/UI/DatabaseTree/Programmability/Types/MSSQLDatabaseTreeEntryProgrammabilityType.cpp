@@ -3,6 +3,7 @@
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
+#include "Scripts/MSSQLScriptSubject.h"
 
 MSSQLDatabaseTreeEntryProgrammabilityType::MSSQLDatabaseTreeEntryProgrammabilityType(
     const QString &displayName, const QString &schema, const QString &typeName, int typeType)
@@ -15,12 +16,12 @@ MSSQLDatabaseTreeEntryProgrammabilityType::MSSQLDatabaseTreeEntryProgrammability
 
 KNMenu MSSQLDatabaseTreeEntryProgrammabilityType::menu()
 {
+    const MSSQLScriptSubject type{QStringLiteral("TYPE"), m_schema, m_typeName, databaseConnectionDetails()};
     return {
         QStringLiteral("Menu"),
         {scriptAsMenuItem(
-            {{"CREATE to",
-              std::make_shared<MSSQLScriptCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
-             {"DROP to", std::make_shared<MSSQLScriptDropTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
-             {"DROP and CREATE to", std::make_shared<MSSQLScriptDropAndCreateTypeQueryLoader>(
-                                        m_typeName, m_schema, m_typeType)}})}};
+            {{"CREATE to", type.script<MSSQLScriptCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
+             {"DROP to", type.script<MSSQLScriptDropTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
+             {"DROP and CREATE to",
+              type.script<MSSQLScriptDropAndCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)}})}};
 }

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Foundation/KNError.h"
+#include "KNSharedExport.h"
+
+#include <QStringList>
+
+/// What a KNQueryLoader reports beside its text. The text itself never changes because of it; programs show
+/// guardedText() instead.
+struct KNSHARED_EXPORT KNQueryReport
+{
+    /// Set when the text is not the whole script: a catalog query failed, or a definition cannot be read.
+    KNError failure;
+    /// With a failure: UTF-16 units at the beginning of the text that must not run, such as the DROP before a
+    /// CREATE that is missing.
+    qsizetype unsafeLength = 0;
+    /// Sentences that belong before the script, such as that it acts on another object.
+    QStringList notices;
+
+    /// The text with the notices and the failure as comment lines before it, and the unsafe part commented
+    /// out. Lines end with CR LF. Null for a null text.
+    QString guardedText(const QString &text) const;
+};

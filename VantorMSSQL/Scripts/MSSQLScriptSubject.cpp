@@ -1,0 +1,60 @@
+#include "Scripts/MSSQLScriptSubject.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLDefaultSchemaHelper.h"
+#include "Scripts/MSSQLModuleHeader.h"
+
+namespace {
+
+QString subjectName(const MSSQLScriptSubject &subject)
+{
+    return KNFormat("%@ %@.%@", subject.kind.toLower(), subject.schema, subject.name);
+}
+
+bool isDefaultSchema(const MSSQLScriptSubject &subject)
+{
+    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(subject.details.get());
+    return details &&
+           MSSQLDefaultSchemaHelper::sharedInstance()->knownSchemaForDBC(*details) == subject.schema;
+}
+
+/// Why the statement with this header acts on another object; null when it does not.
+QString noticeAbout(const MSSQLModuleHeader &header, const MSSQLScriptSubject &subject)
+{
+    if (header.kind != subject.kind)
+        return KNFormat("The statement below is %@ %@, but the script was asked for the %@.", header.verb,
+                        header.kind, subjectName(subject));
+    if (header.objectName() != subject.name ||
+        (!header.schema().isEmpty() && header.schema() != subject.schema))
+        return KNFormat("The statement %@ %@ names %@, but the script was asked for the %@.", header.verb,
+                        header.kind, header.name.join(QLatin1Char('.')), subjectName(subject));
+    if (!header.schema().isEmpty() || isDefaultSchema(subject))
+        return {};
+    // Definitions in dbo are often written without it; dropping the wrong object is worse.
+    if (header.verb != QLatin1String("DROP") && subject.schema == QLatin1String("dbo"))
+        return {};
+    return KNFormat("The statement %@ %@ names no schema: it acts on %@ in the default schema of the login "
+                    "that runs it. The script was asked for the %@.",
+                    header.verb, header.kind, header.objectName(), subjectName(subject));
+}
+
+} // namespace
+
+QStringList MSSQLScriptSubject::notices(const QString &script) const
+{
+    QStringList notices;
+    const auto add = [&](const MSSQLModuleHeader &header) {
+        if (const QString notice = noticeAbout(header, *this); !notice.isNull())
+            notices.append(notice);
+    };
+    auto header = MSSQLModuleHeader::firstIn(script);
+    if (!header)
+        return notices;
+    add(*header);
+    if (header->verb != QLatin1String("DROP"))
+        return notices;
+    // The statement that drops the object is followed by the one that creates it.
+    if (const auto next = MSSQLModuleHeader::firstIn(script, header->nameEnd))
+        add(*next);
+    return notices;
+}
