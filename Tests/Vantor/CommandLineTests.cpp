@@ -196,6 +196,15 @@ TEST(CommandLine, TriesEveryCatalogQueryThatOnlyReads)
     for (const QByteArray &line : lines)
         EXPECT_TRUE(line.contains("  ok, ")) << line.toStdString();
     EXPECT_TRUE(outcome.output.contains("Table_CreationQuery                         ok, 1 rows, "));
+    for (const char *title :
+         {"List_ForeignKeysForTable", "List_KeysForTable", "List_TriggersForTableWithDetails",
+          "UserDefinedDataType_CreationQuery", "INDEX_CREATION_QUERY"}) {
+        const auto line = std::find_if(lines.begin(), lines.end(), [&](const QByteArray &candidate) {
+            return candidate.startsWith(QByteArray(title) + ' ');
+        });
+        ASSERT_NE(line, lines.end()) << title;
+        EXPECT_FALSE(line->contains("ok, 0 rows")) << line->toStdString() << ": another object has some";
+    }
 }
 
 TEST(CommandLine, CatalogQueriesWithoutAnObjectAreToldAndNoFailure)

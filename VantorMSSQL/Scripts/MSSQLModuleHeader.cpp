@@ -160,9 +160,9 @@ QString MSSQLModuleHeader::withCurrentName(const QString &definition, const QStr
     if (header->objectName() == objectName && !isMoved)
         return definition;
     QString text = definition;
-    return text.replace(header->nameStart, header->nameEnd - header->nameStart,
-                        KNFormat("%@.%@", MSSQLClient::quotedName(schema),
-                                 MSSQLClient::quotedName(objectName)));
+    return text.replace(
+        header->nameStart, header->nameEnd - header->nameStart,
+        KNFormat("%@.%@", MSSQLClient::quotedName(schema), MSSQLClient::quotedName(objectName)));
 }
 
 QString MSSQLModuleHeader::withPlainHeader(const QString &definition)

@@ -29,7 +29,8 @@ struct MSSQLModuleHeader
 
     /// The definition with the object's name as it is now: sp_rename and ALTER SCHEMA leave the stored text
     /// as it was. A text without a header stays as it is.
-    static QString withCurrentName(const QString &definition, const QString &schema, const QString &objectName);
+    static QString withCurrentName(const QString &definition, const QString &schema,
+                                   const QString &objectName);
     /// The definition with its header spelled "CREATE PROCEDURE": one blank, PROC written out, without OR
     /// ALTER. A header that is spelled so in any case stays, as does a text without one.
     static QString withPlainHeader(const QString &definition);

@@ -10,7 +10,7 @@ struct MSSQLScriptSubject
 {
     QString kind; ///< "TABLE", "VIEW", "PROCEDURE", "FUNCTION", "TRIGGER" or "TYPE"
     QString schema;
-    QString name;                         ///< not quoted
+    QString name;                             ///< not quoted
     std::shared_ptr<const VantorDBC> details; ///< whose default schema counts, when it is known already
 
     /// A sentence for each statement at the script's beginning that acts on another object. Asks no server.

@@ -84,6 +84,44 @@ public:
         EXPECT_TRUE(error) << "the table of another schema is not taken instead";
     }
 
+    /// The scripts that show what a server does, for a login without the rights: the server refuses them as
+    /// the injected error does.
+    void answerWithoutRights()
+    {
+        const KNValue own = scalar(*m_client, QStringLiteral("SELECT @@SPID"));
+        for (const char *title : {"Script_ListConnections", "Script_SPWHO3", "Script_LongRunningQueries"}) {
+            KNError error;
+            const auto rows = m_client->executeQuery(refused(title), &error);
+            ASSERT_TRUE(rows) << title << ": " << error.localizedDescription().toStdString();
+            EXPECT_EQ(rows->rowCount(), 1) << title;
+            ASSERT_TRUE(rows->next()) << title;
+            EXPECT_EQ(rows->objectForColumnIndex(0).toInt64(), own.toInt64()) << title;
+            EXPECT_EQ(rows->stringForColumnIndex(rows->columnCount() - 1), QStringLiteral("denied")) << title;
+        }
+        execute("CREATE TABLE dbo.t (a int)");
+        KNError error;
+        const auto sizes = m_client->executeQuery(refused("Script_TableSizes"), &error);
+        ASSERT_TRUE(sizes) << error.localizedDescription().toStdString();
+        ASSERT_TRUE(sizes->next());
+        EXPECT_EQ(sizes->stringForColumnIndex(1), QStringLiteral("t"));
+        EXPECT_EQ(sizes->columnNames(),
+                  m_client->executeQuery(text("Script_TableSizes"), &error)->columnNames());
+    }
+
+    void showOwnSession()
+    {
+        const qint64 own = scalar(*m_client, QStringLiteral("SELECT @@SPID")).toInt64();
+        for (const char *title : {"Script_ListConnections", "Script_SPWHO3"}) {
+            KNError error;
+            const auto rows = m_client->executeQuery(text(title), &error);
+            ASSERT_TRUE(rows) << title;
+            bool isShown = false;
+            while (rows->next())
+                isShown |= rows->objectForColumnIndex(0).toInt64() == own;
+            EXPECT_TRUE(isShown) << title;
+        }
+    }
+
     void removeDefault()
     {
         execute("CREATE TABLE dbo.[a]]b] (id int, [it's] int NULL DEFAULT (7))");
@@ -215,6 +253,15 @@ private:
             MSSQLSystemDatabaseQueries(*m_details).queryByTitle(QString::fromLatin1(title)), values);
     }
 
+    /// The text with an error in front of its first query, as a server raises it that refuses the query.
+    QString refused(const char *title)
+    {
+        QString sql = text(title);
+        const QString begin = QStringLiteral("BEGIN TRY");
+        EXPECT_TRUE(sql.contains(begin)) << title;
+        return sql.replace(begin, begin + QStringLiteral(" RAISERROR (N'denied', 14, 1)"));
+    }
+
     void execute(const char *sql)
     {
         KNError error;
@@ -284,6 +331,20 @@ TEST_P(CatalogStatements, TellTablesApartWhoseJoinedNamesAreTheSame)
         GTEST_SKIP() << "SQL Server 2000 has owners, which are users, instead of schemas.";
     useNewDatabase();
     tellTablesApart();
+}
+
+TEST_P(CatalogStatements, AnswerALoginWithoutRightsWithItsOwnSession)
+{
+    if (QLatin1String(GetParam()) == QLatin1String("2000"))
+        GTEST_SKIP() << "SQL Server 2000 shows everybody's processes to every login.";
+    useNewDatabase();
+    answerWithoutRights();
+}
+
+TEST_P(CatalogStatements, ShowTheSessionThatAsks)
+{
+    useNewDatabase();
+    showOwnSession();
 }
 
 TEST_P(CatalogStatements, DoWhatTheyAreFor)

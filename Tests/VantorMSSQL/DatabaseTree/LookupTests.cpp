@@ -104,7 +104,8 @@ TEST_F(Lookups, AVariantForSqlServer2000IsTakenAsItStandsAndOnlyThere)
     const auto old = FakeCatalog::Server::create("Microsoft SQL Server  2000 - 8.00.2039 (Intel X86)");
     const auto &texts = MSSQLSystemDatabaseQueries::allQueries();
     const QString title = QStringLiteral("List_KeysForTable");
-    EXPECT_EQ(old->settings()->queryLoader()->queryByTitle(title), texts.value(QStringLiteral("List_KeysForTable_2000")));
+    EXPECT_EQ(old->settings()->queryLoader()->queryByTitle(title),
+              texts.value(QStringLiteral("List_KeysForTable_2000")));
     EXPECT_TRUE(texts.value(QStringLiteral("List_KeysForTable_2000")).endsWith(QLatin1Char('\n')));
     EXPECT_EQ(server->settings()->queryLoader()->queryByTitle(title), texts.value(title).trimmed());
 }

@@ -30,8 +30,7 @@ protected:
         answering.answer("IsSQLServerAgentAvailable", {{1}});
         answering.answer("List_AgentJobs", {{"1", "nightly"}});
         answering.answer("DatabaseTree_ListTables", {{1, "dbo", "Orders"}});
-        answering.answer("ColumnsForTable",
-                         {{"Id", "int", nullptr, nullptr, nullptr, 0, 1, nullptr, 0}});
+        answering.answer("ColumnsForTable", {{"Id", "int", nullptr, nullptr, nullptr, 0, 1, nullptr, 0}});
         answering.answer("List_KeysForTable", {{"PK_Orders", 1}});
         answering.answer("List_IndexesForTable", {{"PK_Orders"}});
         answering.answer("List_TriggersForTableWithDetails",
@@ -137,10 +136,9 @@ TEST_P(RefusedQuery, CostsNoMoreThanTheBranchThatNeedsIt)
         EXPECT_EQ(*branch, isRefused ? error : expected.value(branch.key())) << branch.key().toStdString();
     }
     for (auto branch = expected.cbegin(); branch != expected.cend(); ++branch) {
-        const bool isBelowRefused =
-            std::any_of(refused.begin(), refused.end(), [&](const QString &path) {
-                return branch.key().startsWith(path + QLatin1Char('/')) || branch.key() == path;
-            });
+        const bool isBelowRefused = std::any_of(refused.begin(), refused.end(), [&](const QString &path) {
+            return branch.key().startsWith(path + QLatin1Char('/')) || branch.key() == path;
+        });
         const bool isRenamed =
             title.contains(QLatin1String("chema")) || title.contains(QLatin1String("SCHEMA_NAME"));
         const bool isAgent = title == QLatin1String("IsSQLServerAgentAvailable") &&
@@ -155,8 +153,8 @@ TEST_P(RefusedQuery, CostsNoMoreThanTheBranchThatNeedsIt)
 INSTANTIATE_TEST_SUITE_P(
     Title, RefusedQuery,
     testing::Values("DatabaseTree_ServerVersion", "General_ListDatabases", "General_FindDefaultUserSchema",
-                    "IsSQLServerAgentAvailable", "List_AgentJobs", "DatabaseTree_ListTables", "ColumnsForTable",
-                    "List_KeysForTable", "List_IndexesForTable", "List_IndexesForView",
+                    "IsSQLServerAgentAvailable", "List_AgentJobs", "DatabaseTree_ListTables",
+                    "ColumnsForTable", "List_KeysForTable", "List_IndexesForTable", "List_IndexesForView",
                     "List_TriggersForTableWithDetails", "List_ViewsInDatabase_NonSystem",
                     "List_StoredProceduresInDatabase_NonSystem", "List_ParametersForStoredProcedure",
                     "List_FunctionsByTypeInDatabase_NonSystem", "List_UserTypesByTypeInDatabase_NonSystem",

@@ -42,15 +42,17 @@ TEST(ModuleHeader, UnquotesNames)
 
 TEST(ModuleHeader, IsNoneInATextThatBeginsOtherwise)
 {
-    for (const char *text : {"", "-- encrypted", "SELECT 'CREATE VIEW v'", "CREATE", "CREATE PROC", "CREATE OR",
-                             "CREATE INDEX i ON t (a)", "CREATE VIEW", "CREATE VIEW a.", "'CREATE VIEW v'"})
+    for (const char *text :
+         {"", "-- encrypted", "SELECT 'CREATE VIEW v'", "CREATE", "CREATE PROC", "CREATE OR",
+          "CREATE INDEX i ON t (a)", "CREATE VIEW", "CREATE VIEW a.", "'CREATE VIEW v'"})
         EXPECT_FALSE(MSSQLModuleHeader::ofDefinition(u(text))) << text;
 }
 
 TEST(ModuleHeader, TakesTheCurrentNameOfARenamedObject)
 {
-    EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u("create proc dbo.old as exec dbo.old"), u("dbo"), u("fresh")),
-              u("create proc dbo.fresh as exec dbo.old"));
+    EXPECT_EQ(
+        MSSQLModuleHeader::withCurrentName(u("create proc dbo.old as exec dbo.old"), u("dbo"), u("fresh")),
+        u("create proc dbo.fresh as exec dbo.old"));
     EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u("CREATE VIEW old AS SELECT 1"), u("my s"), u("a]b")),
               u("CREATE VIEW [my s].[a]]b] AS SELECT 1"));
     EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u("CREATE PROC [x].p;2 AS"), u("dbo"), u("p")),
@@ -60,7 +62,8 @@ TEST(ModuleHeader, TakesTheCurrentNameOfARenamedObject)
 
 TEST(ModuleHeader, LeavesTheNameOfAnObjectThatWasNotRenamed)
 {
-    for (const char *text : {"CREATE VIEW dbo.v AS", "CREATE VIEW [dbo].[v] AS", "CREATE VIEW v AS", "-- nothing"})
+    for (const char *text :
+         {"CREATE VIEW dbo.v AS", "CREATE VIEW [dbo].[v] AS", "CREATE VIEW v AS", "-- nothing"})
         EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u(text), u("dbo"), u("v")), u(text));
 }
 
@@ -88,8 +91,9 @@ TEST(ScriptSubject, HasNothingToSayAboutItsOwnObject)
               QStringList());
     EXPECT_EQ(noticesOf("VIEW", "dbo", "v", "DROP VIEW dbo.v\r\nGO\r\n\r\nCREATE VIEW v AS SELECT 1"),
               QStringList());
-    EXPECT_EQ(noticesOf("PROCEDURE", "s", "p", "DROP PROCEDURE s.p\r\nGO\r\nCREATE PROC s.p AS DROP TABLE #t"),
-              QStringList());
+    EXPECT_EQ(
+        noticesOf("PROCEDURE", "s", "p", "DROP PROCEDURE s.p\r\nGO\r\nCREATE PROC s.p AS DROP TABLE #t"),
+        QStringList());
     EXPECT_EQ(noticesOf("TRIGGER", "s", "t", "-- Failed to load trigger SQL"), QStringList());
 }
 
@@ -102,9 +106,10 @@ TEST(ScriptSubject, SaysThatAStatementIsOfAnotherKind)
 
 TEST(ScriptSubject, SaysThatAStatementNamesNoSchema)
 {
-    EXPECT_EQ(noticesOf("PROCEDURE", "sales", "p", "DROP PROCEDURE p\r\nGO\r\nCREATE PROC sales.p AS"),
-              QStringList{u("The statement DROP PROCEDURE names no schema: it acts on p in the default schema of "
-                            "the login that runs it. The script was asked for the procedure sales.p.")});
+    EXPECT_EQ(
+        noticesOf("PROCEDURE", "sales", "p", "DROP PROCEDURE p\r\nGO\r\nCREATE PROC sales.p AS"),
+        QStringList{u("The statement DROP PROCEDURE names no schema: it acts on p in the default schema of "
+                      "the login that runs it. The script was asked for the procedure sales.p.")});
     EXPECT_EQ(noticesOf("TRIGGER", "dbo", "tr", "DROP TRIGGER tr\r\nGO").size(), 1);
     EXPECT_EQ(noticesOf("PROCEDURE", "sales", "p", "CREATE PROCEDURE p AS").size(), 1);
     EXPECT_EQ(noticesOf("PROCEDURE", "dbo", "p", "CREATE PROCEDURE p AS"), QStringList());

@@ -1,6 +1,7 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNFormat.h"
 #include "SQL/KNQuerySplitter.h"
+#include "Scripts/MSSQLRowStream.h"
 #include "Scripts/MSSQLScriptAlterFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptAlterStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
@@ -324,3 +325,17 @@ TEST_P(ScriptRoundTrip, DropAndMakeAnObjectAnew)
 
 INSTANTIATE_TEST_SUITE_P(Server, ScriptRoundTrip, testing::Values("2008", "2022", "azure"),
                          [](const auto &edition) { return "Of" + std::string(edition.param); });
+
+TEST(RowStream, ReportsAnErrorThatCameBehindRows)
+{
+    QStringList read;
+    const auto details = WireTest::settings(SampleServerFixture::shared().port());
+    const auto keep = [&](const KNRow &row) { read.append(row.value(0).displayText()); };
+    const KNError cutOff = MSSQLRowStream::eachRow(
+        *details, QStringLiteral("SELECT 1 AS a UNION ALL SELECT 2 RAISERROR (N'cut off', 16, 1)"), keep);
+    EXPECT_EQ(read, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    EXPECT_TRUE(cutOff);
+    EXPECT_EQ(cutOff.localizedDescription(), QStringLiteral("cut off"));
+    EXPECT_FALSE(MSSQLRowStream::eachRow(*details, QStringLiteral("SELECT 3 AS a PRINT N'done'"), keep));
+    EXPECT_TRUE(MSSQLRowStream::eachRow(*details, QStringLiteral("SELECT a FROM dbo.NoSuchTable"), keep));
+}

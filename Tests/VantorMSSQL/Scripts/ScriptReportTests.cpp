@@ -22,10 +22,7 @@ namespace {
 class ScriptReport : public CatalogScript
 {
 protected:
-    ~ScriptReport() override
-    {
-        KNUserDefaults::standardUserDefaults()->removeObject(CorrectedKey);
-    }
+    ~ScriptReport() override { KNUserDefaults::standardUserDefaults()->removeObject(CorrectedKey); }
 
     template <typename Loader, typename... Arguments>
     void load(const Arguments &...arguments)
@@ -81,12 +78,13 @@ TEST_F(ScriptReport, NeverLetsATableBeDroppedWhosePartsAreHidden)
 TEST_F(ScriptReport, NeverLetsAnEncryptedModuleBeDropped)
 {
     load<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(utf8("p"), utf8("dbo"));
-    EXPECT_EQ(guarded(),
-              utf8("-- This script is incomplete: The definition of dbo.p is encrypted, may not be seen by this "
-                   "login, or is not there any more.\r\n"
-                   "-- What must not run without the missing part is commented out.\r\n"
-                   "-- DROP PROCEDURE p\r\n-- GO\r\n"
-                   "-- Failed to load creation query for stored procedure dbo.p in database shop."));
+    EXPECT_EQ(
+        guarded(),
+        utf8("-- This script is incomplete: The definition of dbo.p is encrypted, may not be seen by this "
+             "login, or is not there any more.\r\n"
+             "-- What must not run without the missing part is commented out.\r\n"
+             "-- DROP PROCEDURE p\r\n-- GO\r\n"
+             "-- Failed to load creation query for stored procedure dbo.p in database shop."));
     load<MSSQLScriptDropAndCreateFunctionQueryLoader>(utf8("dbo.f"));
     EXPECT_EQ(m_report.unsafeLength, utf8("DROP FUNCTION dbo.f\r\nGO\r\n").size());
     answer("view dbo.v", {{KNValue(true), KNValue(true), text("-- The definition of view v is encrypted")}});
@@ -109,7 +107,8 @@ TEST_F(ScriptReport, CommentsOutWhatIsNoScript)
     fail("alter dbo p shop");
     load<MSSQLScriptAlterStoredProcedureQueryLoader>(utf8("p"), utf8("dbo"));
     EXPECT_EQ(m_report.failure.code(), 208);
-    EXPECT_TRUE(guarded().endsWith(utf8("-- Failed to load query. Error was:\r\n-- Invalid object name 'x'.\r\n")))
+    EXPECT_TRUE(
+        guarded().endsWith(utf8("-- Failed to load query. Error was:\r\n-- Invalid object name 'x'.\r\n")))
         << guarded().toStdString();
 }
 
@@ -142,25 +141,29 @@ TEST_F(ScriptReport, AltersAModuleHoweverItsHeaderIsWritten)
 
 TEST_F(ScriptReport, UsesTheNameThatARenamedObjectHasNow)
 {
-    const QList<QList<KNValue>> row{{text("SET A"), text("SET B"), text("CREATE PROC dbo.old AS SELECT 'old'")}};
+    const QList<QList<KNValue>> row{
+        {text("SET A"), text("SET B"), text("CREATE PROC dbo.old AS SELECT 'old'")}};
     answer("alter dbo fresh shop", row);
     load<MSSQLScriptAlterStoredProcedureQueryLoader>(utf8("fresh"), utf8("dbo"));
     EXPECT_TRUE(m_text.contains(utf8("ALTER PROCEDURE dbo.fresh AS SELECT 'old'"))) << m_text.toStdString();
     answer("create dbo fresh shop", row);
     load<MSSQLScriptCreateStoredProcedureQueryLoader>(utf8("fresh"), utf8("dbo"));
     EXPECT_TRUE(m_text.contains(utf8("CREATE PROC dbo.fresh AS SELECT 'old'"))) << m_text.toStdString();
-    answer("view s.fresh", {{KNValue(true), KNValue(true), text("CREATE VIEW [dbo].[old] AS SELECT 1 AS a")}});
+    answer("view s.fresh",
+           {{KNValue(true), KNValue(true), text("CREATE VIEW [dbo].[old] AS SELECT 1 AS a")}});
     load<MSSQLScriptCreateViewQueryLoader>(utf8("fresh"), utf8("s"));
     EXPECT_TRUE(m_text.contains(utf8("CREATE VIEW s.fresh AS SELECT 1 AS a"))) << m_text.toStdString();
 }
 
 TEST_F(ScriptReport, SaysWhereWordsOfALiteralWereChanged)
 {
-    answer("view dbo.v", {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 'CREATE VIEW' AS a")}});
+    answer("view dbo.v",
+           {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 'CREATE VIEW' AS a")}});
     load<MSSQLScriptAlterViewQueryLoader>(utf8("v"), utf8("dbo"));
     EXPECT_TRUE(m_text.endsWith(utf8("ALTER VIEW v AS SELECT 'ALTER VIEW' AS a"))) << m_text.toStdString();
     EXPECT_EQ(m_report.notices.size(), 1);
-    answer("alter dbo p shop", {{text("SET A"), text("SET B"), text("CREATE PROC p AS -- create procedure")}});
+    answer("alter dbo p shop",
+           {{text("SET A"), text("SET B"), text("CREATE PROC p AS -- create procedure")}});
     load<MSSQLScriptAlterStoredProcedureQueryLoader>(utf8("p"), utf8("dbo"));
     EXPECT_EQ(m_report.notices.size(), 1);
 }
@@ -168,7 +171,8 @@ TEST_F(ScriptReport, SaysWhereWordsOfALiteralWereChanged)
 TEST_F(ScriptReport, ChangesTheHeaderOnlyWhenStatementsAreCorrected)
 {
     KNUserDefaults::standardUserDefaults()->setObject(CorrectedKey, true);
-    answer("view dbo.v", {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 'CREATE VIEW' AS a")}});
+    answer("view dbo.v",
+           {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 'CREATE VIEW' AS a")}});
     load<MSSQLScriptAlterViewQueryLoader>(utf8("v"), utf8("dbo"));
     EXPECT_TRUE(m_text.endsWith(utf8("ALTER VIEW v AS SELECT 'CREATE VIEW' AS a"))) << m_text.toStdString();
     EXPECT_TRUE(m_report.notices.isEmpty());

@@ -272,3 +272,65 @@ TEST_F(WireTree, AListOfTablesIsThereSoonAfterTheQueryHasAnswered)
     RecordProperty("addedMicroseconds", static_cast<int>(added * 1e6));
     EXPECT_LT(added, querySeconds / 2);
 }
+
+namespace {
+
+std::string utf16(const QString &text)
+{
+    return std::string(reinterpret_cast<const char *>(text.utf16()),
+                       static_cast<std::size_t>(text.size()) * 2);
+}
+
+/// Makes a server refuse one catalog query: its views are called by names that do not exist.
+void refuse(HostileServerRelay &relay, const QString &title)
+{
+    const auto queries = WireTest::settings(1)->queryLoader();
+    const QString text = queries->plainQueryByTitle(title);
+    const std::string beginning = utf16(text.section(QLatin1Char('{'), 0, 0));
+    const std::string views = utf16(QStringLiteral("sys."));
+    relay.changeClient([beginning, views](std::span<std::uint8_t> bytes) {
+        const std::string_view said(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+        const std::size_t start = said.find(beginning);
+        if (start == std::string_view::npos)
+            return;
+        for (std::size_t at = said.find(views, start); at != std::string_view::npos;
+             at = said.find(views, at + 1))
+            bytes[at + 4] = 'z'; // the second s, in UTF-16
+    });
+}
+
+class RefusedOnTheWire : public WireTree, public testing::WithParamInterface<const char *>
+{
+};
+
+} // namespace
+
+TEST_P(RefusedOnTheWire, CostsTheBranchesThatNeedItAndNoOthers)
+{
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    const QStringList parameters = QString::fromLatin1(GetParam()).split(QLatin1Char(' '));
+    refuse(relay, parameters[0]);
+    const auto settings = WireTest::settings(relay.port());
+    settings->setDatabase(QStringLiteral("library"));
+    const auto tree = root(*settings);
+    load(tree);
+    const Ptr library = find(tree, list({"library"}));
+    ASSERT_NE(library, nullptr);
+    const QStringList errors = errorsBelow(library);
+    EXPECT_FALSE(errors.isEmpty());
+    for (const QString &error : errors) {
+        EXPECT_TRUE(error.contains(parameters[1])) << error.toStdString();
+        EXPECT_TRUE(error.contains(QStringLiteral("syz."))) << error.toStdString();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Title, RefusedOnTheWire,
+                         testing::Values("DatabaseTree_ListTables /Tables/", "List_KeysForTable /Keys/",
+                                         "List_ViewsInDatabase_NonSystem /Views/",
+                                         "List_StoredProceduresInDatabase_NonSystem /Stored"),
+                         [](const auto &parameter) {
+                             return QString::fromLatin1(parameter.param)
+                                 .section(QLatin1Char(' '), 0, 0)
+                                 .remove(QLatin1Char('_'))
+                                 .toStdString();
+                         });

@@ -143,6 +143,33 @@ TEST_F(ObjectExplorer, OpensAScriptOfTheMenuInANewTab)
     EXPECT_FALSE(m_opened.front().execute);
 }
 
+TEST_F(ObjectExplorer, CommentsTheDropOutOfAScriptThatCannotCreate)
+{
+    connectTo(SampleServerFixture::shared());
+    const QModelIndex procedure =
+        open({QStringLiteral("shop"), QStringLiteral("Programmability"), QStringLiteral("Stored Procedures"),
+              QStringLiteral("dbo.SecretProcedure")});
+    choose(procedure, {QStringLiteral("Script as"), QStringLiteral("DROP and CREATE to"),
+                       QStringLiteral("New query tab")});
+    ASSERT_TRUE(waitFor([&] { return !m_opened.empty(); }));
+    const QString text = m_opened.front().text;
+    EXPECT_TRUE(text.contains(QStringLiteral("-- This script is incomplete: "))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("\n-- DROP PROCEDURE SecretProcedure\r\n")))
+        << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral("\nDROP"))) << text.toStdString();
+}
+
+TEST_F(ObjectExplorer, SaysInAScriptThatItActsOnAnotherObject)
+{
+    connectTo(SampleServerFixture::shared());
+    choose(open(Orders),
+           {QStringLiteral("Script as"), QStringLiteral("DROP to"), QStringLiteral("New query tab")});
+    ASSERT_TRUE(waitFor([&] { return !m_opened.empty(); }));
+    EXPECT_EQ(m_opened.front().text,
+              QStringLiteral("-- The statement below is DROP VIEW, but the script was asked for the table "
+                             "dbo.Orders.\r\nDROP VIEW dbo.Orders"));
+}
+
 TEST_F(ObjectExplorer, CopiesAScriptOfTheMenu)
 {
     QApplication::clipboard()->clear();
