@@ -73,6 +73,18 @@ HostileServerRelay::HostileServerRelay(std::uint16_t serverPort, Fault fault, st
 
 HostileServerRelay::~HostileServerRelay() = default;
 
+void HostileServerRelay::replaceInBatches(std::u16string_view text, std::u16string_view replacement)
+{
+    const auto bytesOf = [](std::u16string_view units) {
+        return std::string(reinterpret_cast<const char *>(units.data()), units.size() * sizeof(char16_t));
+    };
+    changeClient([from = bytesOf(text), to = bytesOf(replacement)](std::span<std::uint8_t> bytes) {
+        const std::string_view said(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+        for (std::size_t at = said.find(from); at != std::string_view::npos; at = said.find(from, at + 1))
+            std::copy(to.begin(), to.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    });
+}
+
 std::uint16_t HostileServerRelay::port() const
 {
     return m_listener->port();

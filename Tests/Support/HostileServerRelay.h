@@ -7,6 +7,7 @@
 #include <mutex>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace SampleServer {
 class TcpListener;
@@ -35,6 +36,9 @@ public:
     /// Lets a test change what the client says, piece by piece as it comes, on the connection's thread. To be
     /// called before anybody connects.
     void changeClient(std::function<void(std::span<std::uint8_t>)> change) { m_change = std::move(change); }
+    /// Replaces a text in the client's batches by another one of the same length, wherever it stands: so that
+    /// the server refuses one kind of query. To be called before anybody connects.
+    void replaceInBatches(std::u16string_view text, std::u16string_view replacement);
     /// Moves the place of the fault.
     void strikeAfter(std::uint64_t bytes) { m_afterBytes = bytes; }
 

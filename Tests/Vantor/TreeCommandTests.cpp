@@ -1,3 +1,4 @@
+#include "Support/HostileServerRelay.h"
 #include "Vantor/Program.h"
 
 #include <QFile>
@@ -13,15 +14,20 @@ QString serverAt(quint16 port)
     return QStringLiteral("127.0.0.1,%1").arg(port);
 }
 
-/// Runs a command on a server.
-Outcome run(const SampleServerFixture &server, const char *command,
-            std::initializer_list<const char *> arguments)
+/// Runs a command on a server that listens on this port.
+Outcome runAt(quint16 port, const char *command, std::initializer_list<const char *> arguments)
 {
-    QStringList texts{QString::fromUtf8(command), QStringLiteral("--server"), serverAt(server.port()),
+    QStringList texts{QString::fromUtf8(command), QStringLiteral("--server"), serverAt(port),
                       QStringLiteral("--user"), QStringLiteral("sa")};
     for (const char *argument : arguments)
         texts.append(QString::fromUtf8(argument));
     return Program(texts).wait();
+}
+
+Outcome run(const SampleServerFixture &server, const char *command,
+            std::initializer_list<const char *> arguments)
+{
+    return runAt(server.port(), command, arguments);
 }
 
 Outcome tree(std::initializer_list<const char *> arguments)
@@ -246,4 +252,36 @@ TEST(ScriptCommand, NeverDropsWhatItCannotCreate)
         << outcome.output.toStdString();
     EXPECT_FALSE(outcome.output.contains("\nDROP")) << outcome.output.toStdString();
     EXPECT_FALSE(outcome.errors.isEmpty());
+}
+
+TEST(TreeCommand, ASearchThatTheServerRefusesIsNoSearchWithoutResults)
+{
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    relay.replaceInBatches(u"FROM @entry AS e", u"FROM @entrY9AS e");
+    const Outcome outcome = runAt(relay.port(), "tree", {"--search", "Orders"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_FALSE(outcome.errors.contains("Nothing was found.")) << outcome.errors.toStdString();
+    EXPECT_FALSE(outcome.errors.isEmpty());
+}
+
+TEST(ScriptCommand, AQueryThatTheServerRefusesEndsWithStatus1)
+{
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    relay.replaceInBatches(u"-- Scripts one table", u"SELECT FROM nothing ");
+    const Outcome outcome = runAt(relay.port(), "script", {"shop/Tables/Orders", "DROP and CREATE to"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains("\n-- DROP TABLE dbo.Orders\r\n")) << outcome.output.toStdString();
+    EXPECT_FALSE(outcome.output.contains("\nDROP"));
+    EXPECT_FALSE(outcome.errors.isEmpty());
+}
+
+TEST(CatalogCommand, ARefusedQueryIsAnErrorAndNoEmptyAnswer)
+{
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    relay.replaceInBatches(u"FROM sys.objects AS k", u"FROM syz.objects AS k");
+    const Outcome outcome = runAt(relay.port(), "catalog", {"--all", "--database", "shop"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.output.contains("List_KeysForTable                           ERROR "))
+        << outcome.output.toStdString();
+    EXPECT_TRUE(outcome.output.contains("List_IndexesForTable                        ok, "));
 }

@@ -2,6 +2,7 @@
 
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/MessagesView.h"
+#include "Support/HostileServerRelay.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
@@ -235,6 +236,25 @@ TEST_F(QueryTabs, GoToTheDatabaseThatIsChosen)
         << alerts.errors[0].localizedDescription().toStdString();
     EXPECT_EQ(name.text(), QStringLiteral("library"));
     EXPECT_EQ(tab.status().database, QStringLiteral("library"));
+}
+
+TEST_F(QueryTabs, StayUsableWhenTheListOfDatabasesIsRefused)
+{
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    relay.replaceInBatches(u"FROM sys.databases AS d", u"FROM syz.databases AS d");
+    const VantorDBCPtr details = sampleSettings();
+    details->setHost(QStringLiteral("127.0.0.1,%1").arg(relay.port()));
+    QueryTab other(*details);
+    other.show();
+    other.databaseBox()->showPopup();
+    ASSERT_TRUE(waitFor([&] { return !alerts.errors.empty(); }));
+    EXPECT_TRUE(alerts.errors[0].localizedDescription().contains(QStringLiteral("syz.databases")))
+        << alerts.errors[0].localizedDescription().toStdString();
+    other.setText(QStringLiteral("select db_name()"));
+    other.run();
+    ASSERT_TRUE(finish(other));
+    EXPECT_EQ(other.messages()->errorCount(), 0);
+    EXPECT_EQ(other.status().database, QStringLiteral("shop"));
 }
 
 TEST_F(QueryTabs, KnowWhetherATransactionIsOpen)
