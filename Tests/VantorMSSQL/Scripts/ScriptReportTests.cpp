@@ -63,6 +63,48 @@ TEST_F(ScriptReport, NeverLetsATableBeDroppedWithoutItsCreatePart)
     EXPECT_EQ(m_report.unsafeLength, m_text.size());
 }
 
+TEST_F(ScriptReport, SaysBeforeTheDropWhatTheNewTableLacks)
+{
+    answer("table dbo t", {{text("-- Not part of this script: The full-text index of the table.\r\n"
+                                 "SET ANSI_NULLS ON\r\nGO\r\nCREATE TABLE dbo.t (a int)")}});
+    load<MSSQLScriptDropAndCreateTableQueryLoader>(utf8("t"), utf8("dbo"));
+    EXPECT_TRUE(guarded().startsWith(
+        utf8("-- The table that this script makes is not the one that it drops:\r\n"
+             "-- Not part of this script: The full-text index of the table.\r\nDROP TABLE dbo.t\r\n")))
+        << guarded().toStdString();
+}
+
+TEST_F(ScriptReport, HasTheFailureOfEveryRefusedQuery)
+{
+    for (const char *query : {"table dbo x", "view dbo.x", "index sys.views t.object_id = OBJECT_ID('x') x",
+                              "create dbo x shop", "alter dbo x shop", "function dbo x shop", "type dbo x"})
+        fail(query);
+    const QString name = utf8("x");
+    const QString schema = utf8("dbo");
+    const auto expectFailure = [this](const char *what) {
+        EXPECT_EQ(m_report.failure.code(), 208) << what;
+        EXPECT_EQ(m_report.failure.localizedDescription(), utf8("Invalid object name 'x'.")) << what;
+    };
+    load<MSSQLScriptCreateTableQueryLoader>(name, schema);
+    EXPECT_TRUE(m_text.isNull());
+    expectFailure("CREATE TABLE");
+    load<MSSQLScriptCreateViewQueryLoader>(name, schema);
+    expectFailure("CREATE VIEW");
+    load<MSSQLScriptCreateStoredProcedureQueryLoader>(name, schema);
+    expectFailure("CREATE PROCEDURE");
+    load<MSSQLScriptAlterStoredProcedureQueryLoader>(name, schema);
+    expectFailure("ALTER PROCEDURE");
+    load<MSSQLScriptCreateFunctionQueryLoader>(utf8("dbo.x"));
+    expectFailure("CREATE FUNCTION");
+    load<MSSQLScriptAlterFunctionQueryLoader>(name, schema);
+    expectFailure("ALTER FUNCTION");
+    load<MSSQLScriptCreateTypeQueryLoader>(name, schema, 0);
+    expectFailure("CREATE TYPE");
+    load<MSSQLScriptDropAndCreateViewQueryLoader>(name, schema);
+    expectFailure("DROP and CREATE VIEW");
+    EXPECT_GT(m_report.unsafeLength, 0);
+}
+
 TEST_F(ScriptReport, NeverLetsATableBeDroppedWhosePartsAreHidden)
 {
     answer("table dbo t",
