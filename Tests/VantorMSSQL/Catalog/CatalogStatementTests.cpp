@@ -108,6 +108,31 @@ public:
                   m_client->executeQuery(text("Script_TableSizes"), &error)->columnNames());
     }
 
+    /// The objects of database diagrams, which a tool makes and marks.
+    void leaveToolsOut(bool is2000)
+    {
+        if (is2000) {
+            execute("CREATE TABLE dbo.dtproperties (id int)");
+        } else {
+            const auto mark = [this](const char *type, const char *name) {
+                execute(QStringLiteral("EXEC sp_addextendedproperty N'microsoft_database_tools_support', 1, "
+                                       "N'SCHEMA', N'dbo', N'%1', N'%2'")
+                            .arg(QLatin1String(type), QLatin1String(name))
+                            .toLatin1());
+            };
+            execute("CREATE TABLE dbo.sysdiagrams (id int)");
+            mark("TABLE", "sysdiagrams");
+            execute("CREATE VIEW dbo.v_diagrams AS SELECT id FROM dbo.sysdiagrams");
+            mark("VIEW", "v_diagrams");
+            EXPECT_EQ(rowsOf("List_ViewsInDatabase_NonSystem"), 0);
+        }
+        for (const char *title : {"DatabaseTree_ListTables", "List_EntriesForAutocomplete",
+                                  "List_TablesAndColumnsForImport", "List_ExportableDatabaseEntries"})
+            EXPECT_EQ(rowsOf(title), 0) << title;
+        execute("CREATE TABLE dbo.mine (id int)");
+        EXPECT_EQ(rowsOf("List_EntriesForAutocomplete"), 1);
+    }
+
     void showOwnSession()
     {
         const qint64 own = scalar(*m_client, QStringLiteral("SELECT @@SPID")).toInt64();
@@ -339,6 +364,12 @@ TEST_P(CatalogStatements, AnswerALoginWithoutRightsWithItsOwnSession)
         GTEST_SKIP() << "SQL Server 2000 shows everybody's processes to every login.";
     useNewDatabase();
     answerWithoutRights();
+}
+
+TEST_P(CatalogStatements, LeaveOutTheObjectsOfTools)
+{
+    useNewDatabase();
+    leaveToolsOut(QLatin1String(GetParam()) == QLatin1String("2000"));
 }
 
 TEST_P(CatalogStatements, ShowTheSessionThatAsks)

@@ -10,6 +10,7 @@ DECLARE @index TABLE (
     key_columns nvarchar(max) NOT NULL,
     included_columns nvarchar(max) NOT NULL,
     options nvarchar(max) NOT NULL,
+    place nvarchar(1000) NOT NULL,
     PRIMARY KEY (object_id, index_id)
 )
 DECLARE @compression TABLE (
@@ -21,7 +22,7 @@ DECLARE @compression TABLE (
 SET @nocount = @@OPTIONS & 512
 SET NOCOUNT ON
 
-INSERT INTO @index (object_id, index_id, head, key_columns, included_columns, options)
+INSERT INTO @index (object_id, index_id, head, key_columns, included_columns, options, place)
 SELECT
     i.object_id,
     i.index_id,
@@ -36,11 +37,22 @@ SELECT
         + CASE WHEN i.ignore_dup_key = 1 THEN N', IGNORE_DUP_KEY = ON' ELSE N'' END
         + CASE WHEN st.no_recompute = 1 THEN N', STATISTICS_NORECOMPUTE = ON' ELSE N'' END
         + CASE WHEN i.allow_row_locks = 0 THEN N', ALLOW_ROW_LOCKS = OFF' ELSE N'' END
-        + CASE WHEN i.allow_page_locks = 0 THEN N', ALLOW_PAGE_LOCKS = OFF' ELSE N'' END
+        + CASE WHEN i.allow_page_locks = 0 THEN N', ALLOW_PAGE_LOCKS = OFF' ELSE N'' END,
+    CASE
+        WHEN d.type = 'PS' THEN N' ON ' + QUOTENAME(d.name) + N'(' + ISNULL(QUOTENAME(pc.name), N'') + N')'
+        WHEN d.type = 'FG' AND d.is_default = 0 THEN N' ON ' + QUOTENAME(d.name)
+        ELSE N''
+    END
 FROM {INDEX_SRC} AS t
 INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id
 INNER JOIN sys.indexes AS i ON i.object_id = t.object_id
 LEFT JOIN sys.stats AS st ON st.object_id = i.object_id AND st.stats_id = i.index_id
+LEFT JOIN sys.data_spaces AS d ON d.data_space_id = i.data_space_id
+LEFT JOIN sys.index_columns AS ic
+    ON ic.object_id = i.object_id
+    AND ic.index_id = i.index_id
+    AND ic.partition_ordinal = 1
+LEFT JOIN sys.columns AS pc ON pc.object_id = ic.object_id AND pc.column_id = ic.column_id
 WHERE {INDEX_CLAUSE}
     AND i.type IN (1, 2)
     AND i.is_hypothetical = 0
@@ -108,6 +120,6 @@ SELECT
     x.head + x.key_columns + N')'
         + CASE WHEN x.included_columns = N'' THEN N'' ELSE N' INCLUDE (' + x.included_columns + N')' END
         + CASE WHEN x.options = N'' THEN N'' ELSE N' WITH (' + STUFF(x.options, 1, 2, N'') + N')' END
-        AS index_statement
+        + x.place AS index_statement
 FROM @index AS x
 ORDER BY x.object_id, x.index_id

@@ -22,4 +22,5 @@ INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
 INNER JOIN dbo.systypes AS t ON t.xusertype = c.xusertype
 WHERE o.xtype IN ('U', 'V')
     AND OBJECTPROPERTY(o.id, N'IsMSShipped') = 0
+    AND o.name <> N'dtproperties'
 ORDER BY u.name, o.name, c.colorder
