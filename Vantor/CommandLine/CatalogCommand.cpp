@@ -80,7 +80,7 @@ int onServer(const ConnectionOptions &options, const VantorDBCPtr &settings,
         return Terminal::fail(status, error.localizedDescription());
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
-        return Terminal::fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.descriptionWithSuggestion());
     return work(connection.client(), interrupts);
 }
 

@@ -25,6 +25,6 @@ int runQueryCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
 
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
-        return Terminal::fail(status, error.localizedDescription());
+        return Terminal::fail(status, error.descriptionWithSuggestion());
     return runText(connection.client(), *text, options->format, interrupts);
 }

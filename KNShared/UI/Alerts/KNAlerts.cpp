@@ -12,7 +12,9 @@ class MessageBoxes : public KNAlerts
 public:
     void showError(QWidget *parent, const KNError &error) override
     {
-        open(parent, QMessageBox::Warning, QString(), error.localizedDescription());
+        const QString suggestion = error.recoverySuggestion();
+        open(parent, QMessageBox::Warning, suggestion.isEmpty() ? QString() : error.localizedDescription(),
+             suggestion.isEmpty() ? error.localizedDescription() : suggestion);
     }
 
     void showMessage(QWidget *parent, const QString &title, const QString &text) override

@@ -78,7 +78,7 @@ void MessagesView::finishRun(const KNError &error)
     takeFinishedResults(true);
     m_results.reset();
     if (error && m_errorCount == 0 && before == 0)
-        addText(error.localizedDescription(), true);
+        addText(error.descriptionWithSuggestion(), true);
 }
 
 void MessagesView::addText(const QString &text, bool isError)
