@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QNetworkProxy>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QTcpServer>
 
 #include <netinet/in.h>
@@ -45,6 +46,25 @@ void write(const QString &path, const QString &text, QFile::Permissions permissi
     if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
         throw std::runtime_error(file.errorString().toStdString());
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | permissions);
+}
+
+/// A port on which nobody listens and that the system gives to no outgoing connection: one of those could
+/// take it before sshd does, and isListening() could connect to itself.
+quint16 unusedPort()
+{
+    QFile range(QStringLiteral("/proc/sys/net/ipv4/ip_local_port_range"));
+    const int firstOutgoing =
+        range.open(QIODevice::ReadOnly) ? range.readLine().split('\t').value(0).toInt() : 0;
+    constexpr int First = 10000;
+    const int end = firstOutgoing > First + 1000 ? firstOutgoing : 32768;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const auto port = static_cast<quint16>(QRandomGenerator::global()->bounded(First, end));
+        QTcpServer server;
+        server.setProxy(QNetworkProxy::NoProxy);
+        if (server.listen(QHostAddress::LocalHost, port))
+            return port;
+    }
+    throw std::runtime_error("There is no unused port for sshd.");
 }
 
 bool isListening(quint16 port)
@@ -94,12 +114,7 @@ SSHServer::SSHServer()
     makeKey(keyFile());
     makeKey(strangersKeyFile());
     QFile::copy(keyFile() + QStringLiteral(".pub"), path("authorized_keys"));
-    {
-        QTcpServer server;
-        server.setProxy(QNetworkProxy::NoProxy);
-        server.listen(QHostAddress::LocalHost);
-        m_port = server.serverPort();
-    }
+    m_port = unusedPort();
     write(path("sshd_config"),
           QStringLiteral("ListenAddress 127.0.0.1:%1\nHostKey %2\nAuthorizedKeysFile %3\nPidFile none\n"
                          "StrictModes no\nUsePAM no\nPasswordAuthentication no\nPermitRootLogin yes\n"
