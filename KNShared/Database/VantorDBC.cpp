@@ -37,6 +37,11 @@ std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewCon
     return std::make_unique<ResultSetViewControllerHelper>();
 }
 
+QString VantorDBC::startProtocolTrace() const
+{
+    return QString();
+}
+
 QString VantorDBC::quotedName(const QString &name) const
 {
     QString inside = name;
@@ -57,10 +62,14 @@ QString VantorDBC::literal(const KNValue &value) const
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
-bool VantorDBC::opensSameSession(const VantorDBC &other) const
+bool VantorDBC::usesSameLogin(const VantorDBC &other) const
 {
     return m_host == other.m_host && m_port == other.m_port && m_username == other.m_username &&
-           m_password == other.m_password && m_sshTunnelModel == other.m_sshTunnelModel &&
-           m_database == other.m_database && sessionParameters() == other.sessionParameters() &&
-           description() == other.description();
+           m_password == other.m_password && m_sshTunnelModel == other.m_sshTunnelModel;
+}
+
+bool VantorDBC::opensSameSession(const VantorDBC &other) const
+{
+    return usesSameLogin(other) && m_database == other.m_database &&
+           sessionParameters() == other.sessionParameters() && description() == other.description();
 }

@@ -79,6 +79,10 @@ public:
     /// A value as the server's language writes it in a statement, without loss where the language can; by
     /// default as standard SQL has it.
     virtual QString literal(const KNValue &value) const;
+    /// Begins to write what is sent and received by all connections to this kind of server into a file, which
+    /// holds no password of a login. Returns the file's path; null when there is no such trace or it cannot
+    /// be written.
+    virtual QString startProtocolTrace() const;
     /// A text for people and caches; never holds the password.
     virtual QString description() const = 0;
     /// What is worth remembering after a successful connect, so that the next one is quicker.
@@ -94,6 +98,9 @@ public:
     /// Whether a session opened with one of both can stand in for a session opened with the other: the same
     /// server, way to it, account, database and parameters. Identity and display name do not matter.
     bool opensSameSession(const VantorDBC &other) const;
+
+    /// Whether both log in with the same account on the same server, in whatever database.
+    bool usesSameLogin(const VantorDBC &other) const;
 
     /// Splits "name:port" and "name,port". `port` keeps its value when the text holds none. An IPv6 address
     /// stands in brackets, or alone without a port. May ask the network in subclasses.

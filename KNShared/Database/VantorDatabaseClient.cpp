@@ -1,3 +1,8 @@
 #include "Database/VantorDatabaseClient.h"
 
 VantorDatabaseClient::~VantorDatabaseClient() = default;
+
+VantorSessionState VantorDatabaseClient::sessionStateAfter(const QString &) const
+{
+    return {};
+}

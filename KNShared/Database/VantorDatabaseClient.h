@@ -13,6 +13,14 @@
 #include <memory>
 #include <optional>
 
+/// What a session holds that is lost with its connection.
+struct VantorSessionState
+{
+    bool hasTransaction = false;
+    bool hasTemporaryTables = false;
+    bool hasOptions = false; ///< set by statements of the user
+};
+
 /// One connection to a database server. One thread works with it at a time; every operation that talks to the
 /// server blocks its caller, and only cancelCurrentQuery(), wasCancelled() and isConnected() may come from
 /// another thread meanwhile. Nothing here may be called from a UI thread but those three's tests and getters.
@@ -27,6 +35,7 @@ public:
     /// The client's own copy of the settings.
     virtual VantorDBC &databaseConnectionDetails() = 0;
 
+    /// Opens the connection; cancelCurrentQuery() ends the attempt.
     virtual bool connect(KNError *error) = 0;
     /// Whether the connection is open as far as it is known here; asks nobody.
     virtual bool isConnected() const = 0;
@@ -64,6 +73,8 @@ public:
     virtual std::optional<bool> isInTransaction(KNError *error) = 0;
     /// Whether running this text may open or end a transaction. Pure; any thread.
     virtual bool mayChangeTransaction(const QString &sql) const = 0;
+    /// What running this text may leave in the session; nothing by default. Pure; any thread.
+    virtual VantorSessionState sessionStateAfter(const QString &sql) const;
 
     /// Stops what runs on another thread; blocks until the server has let go. The session lives on, unless
     /// the server had stalled in the middle of a row. Any thread. Harmless when nothing runs.

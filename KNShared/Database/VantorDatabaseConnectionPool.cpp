@@ -1,9 +1,12 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 
+#include "Database/VantorLoginProblem.h"
 #include "Database/VantorTabConnection.h"
 #include "Foundation/KNLogHelper.h"
 
 #include <QCoreApplication>
+
+#include <algorithm>
 
 namespace {
 
@@ -11,6 +14,66 @@ namespace {
 constexpr std::chrono::seconds TrustedIdleTime(1);
 
 } // namespace
+
+/// A login of an account that has not logged in yet.
+struct VantorDatabaseConnectionPool::FirstLogin
+{
+    const VantorDBC &details; ///< valid until it is over
+    bool isOver = false;      ///< guarded by the pool's mutex, as the rest
+    KNError error = {};
+};
+
+/// Lets the first logins of an account through one by one: the others learn from it whether the password is
+/// right and the server answers.
+class VantorDatabaseConnectionPool::LoginTurn
+{
+public:
+    LoginTurn(VantorDatabaseConnectionPool &pool, const VantorDBC &details)
+        : m_pool(pool)
+    {
+        std::unique_lock lock(m_pool.m_mutex);
+        while (!m_pool.hasLoggedIn(details)) {
+            const auto other =
+                std::find_if(m_pool.m_firstLogins.begin(), m_pool.m_firstLogins.end(),
+                             [&](const auto &login) { return login->details.usesSameLogin(details); });
+            if (other == m_pool.m_firstLogins.end()) {
+                m_own = std::make_shared<FirstLogin>(FirstLogin{details});
+                m_pool.m_firstLogins.push_back(m_own);
+                return;
+            }
+            const std::shared_ptr<FirstLogin> login = *other;
+            m_pool.m_firstLoginEnded.wait(lock, [&] { return login->isOver; });
+            if (VantorLoginProblemOf(login->error) == VantorLoginProblem::ServerUnreachable) {
+                m_error = login->error;
+                return;
+            }
+        }
+    }
+    ~LoginTurn()
+    {
+        if (!m_own)
+            return;
+        {
+            const std::lock_guard lock(m_pool.m_mutex);
+            m_own->isOver = true;
+            m_own->error = m_error;
+            std::erase(m_pool.m_firstLogins, m_own);
+        }
+        m_pool.m_firstLoginEnded.notify_all();
+    }
+    LoginTurn(const LoginTurn &) = delete;
+    LoginTurn &operator=(const LoginTurn &) = delete;
+
+    /// Of the login that was waited for, when another one would end as it did.
+    const KNError &error() const { return m_error; }
+    /// How this login has failed.
+    void setError(const KNError &error) { m_error = error; }
+
+private:
+    VantorDatabaseConnectionPool &m_pool;
+    std::shared_ptr<FirstLogin> m_own; ///< null when nobody waits for this login
+    KNError m_error;
+};
 
 VantorDatabaseConnectionPool *VantorDatabaseConnectionPool::sharedInstance()
 {
@@ -70,8 +133,40 @@ std::unique_ptr<VantorTabConnection> VantorDatabaseConnectionPool::connectionFor
     return std::make_unique<VantorTabConnection>(*this, details);
 }
 
-VantorDatabaseConnectionPool::Client VantorDatabaseConnectionPool::connectedClient(const VantorDBC &details,
-                                                                                   KNError *error)
+VantorDatabaseConnectionPool::Client
+VantorDatabaseConnectionPool::connectedClient(const VantorDBC &details, KNError *error,
+                                              const Connecting &connecting)
+{
+    LoginTurn turn(*this, details);
+    if (turn.error()) {
+        *error = turn.error();
+        return nullptr;
+    }
+    if (isRefused(details, error))
+        return nullptr;
+    Client client = connect(details, error, connecting);
+    if (client) {
+        error->clear();
+    } else {
+        rememberRefusal(details, *error);
+        turn.setError(*error);
+    }
+    return client;
+}
+
+bool VantorDatabaseConnectionPool::connectClient(VantorDatabaseClient &client, KNError *error,
+                                                 const Connecting &connecting)
+{
+    if (connecting)
+        connecting(&client);
+    const bool isConnected = client.connect(error);
+    if (connecting)
+        connecting(nullptr);
+    return isConnected;
+}
+
+VantorDatabaseConnectionPool::Client
+VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, const Connecting &connecting)
 {
     Experience experience = experienceWith(details);
     const bool isInformed = experience.learned && !experience.isUnreliable;
@@ -79,25 +174,65 @@ VantorDatabaseConnectionPool::Client VantorDatabaseConnectionPool::connectedClie
     if (experience.isUnreliable)
         settings->setConnectedWithDetails({});
     Client client = settings->createNewClient();
-    bool isConnected = client->connect(error);
-    if (!isConnected) {
+    bool isConnected = connectClient(*client, error, connecting);
+    if (!isConnected && VantorLoginProblemOf(*error) == VantorLoginProblem::Unknown) {
         experience.isUnreliable = true;
         if (isInformed) {
             // The same login has succeeded before, so it is what was learned that does not hold any more.
-            // Only then another attempt is safe: wrong passwords lock accounts.
             const VantorDBCPtr uninformed = details.copy();
             uninformed->setConnectedWithDetails({});
             client = uninformed->createNewClient();
-            isConnected = client->connect(error);
+            isConnected = connectClient(*client, error, connecting);
         }
     }
     if (isConnected)
         experience.learned = client->databaseConnectionDetails().copy();
     remember(experience);
-    if (!isConnected)
-        return nullptr;
-    error->clear();
-    return client;
+    return isConnected ? std::move(client) : nullptr;
+}
+
+void VantorDatabaseConnectionPool::forgetRefusals(const VantorDBC &details)
+{
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_refusals,
+                  [&](const Refusal &refusal) { return refusal.details->usesSameLogin(details); });
+}
+
+bool VantorDatabaseConnectionPool::isRefused(const VantorDBC &details, KNError *error) const
+{
+    const std::lock_guard lock(m_mutex);
+    for (const Refusal &refusal : m_refusals) {
+        const bool isLogin = VantorLoginProblemOf(refusal.error) == VantorLoginProblem::LoginRefused;
+        if (isLogin ? refusal.details->usesSameLogin(details) : refusal.details->opensSameSession(details)) {
+            *error = refusal.error;
+            return true;
+        }
+    }
+    return false;
+}
+
+void VantorDatabaseConnectionPool::rememberRefusal(const VantorDBC &details, const KNError &error)
+{
+    const VantorLoginProblem problem = VantorLoginProblemOf(error);
+    if (problem != VantorLoginProblem::LoginRefused && problem != VantorLoginProblem::DatabaseRefused)
+        return;
+    const std::lock_guard lock(m_mutex);
+    m_refusals.push_back({details.copy(), error});
+    if (problem != VantorLoginProblem::LoginRefused)
+        return;
+    // The password has changed since: the next logins wait for each other again.
+    for (Experience &experience : m_experiences) {
+        if (experience.details->usesSameLogin(details))
+            experience.learned = nullptr;
+    }
+}
+
+/// Whether the account has logged in before. The mutex must be held.
+bool VantorDatabaseConnectionPool::hasLoggedIn(const VantorDBC &details) const
+{
+    return std::any_of(m_experiences.begin(), m_experiences.end(), [&](const Experience &experience) {
+        return experience.learned && experience.details->usesSameLogin(details);
+    });
 }
 
 std::size_t VantorDatabaseConnectionPool::idleCount() const

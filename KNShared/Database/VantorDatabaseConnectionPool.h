@@ -43,8 +43,15 @@ public:
     std::unique_ptr<VantorTabConnection> connectionForTab(const VantorDBC &details);
 
     /// A client for whoever keeps it, connected; null with an error when that fails. What a login finds out
-    /// about the server is remembered for the next one with the same settings.
-    std::unique_ptr<VantorDatabaseClient> connectedClient(const VantorDBC &details, KNError *error);
+    /// about the server is remembered for the next one with the same settings. A login that the server has
+    /// refused is not tried again until forgetRefusals() is called: attempts count against the account. The
+    /// same goes for a refused database. `connecting`, if there is one, is called with each client before it
+    /// connects, so that another thread can cancel it, and with null behind that.
+    std::unique_ptr<VantorDatabaseClient>
+    connectedClient(const VantorDBC &details, KNError *error,
+                    const std::function<void(VantorDatabaseClient *client)> &connecting = {});
+    /// The user wants to try again with this login.
+    void forgetRefusals(const VantorDBC &details);
 
     std::size_t idleCount() const;
     void closeIdleClients();
@@ -62,6 +69,20 @@ private:
         bool isUnreliable = false; ///< it did not hold once: every login has to find out anew
     };
 
+    struct Refusal
+    {
+        VantorDBCPtr details;
+        KNError error;
+    };
+    struct FirstLogin;
+    class LoginTurn;
+
+    using Connecting = std::function<void(VantorDatabaseClient *client)>;
+    Client connect(const VantorDBC &details, KNError *error, const Connecting &connecting);
+    static bool connectClient(VantorDatabaseClient &client, KNError *error, const Connecting &connecting);
+    bool isRefused(const VantorDBC &details, KNError *error) const;
+    void rememberRefusal(const VantorDBC &details, const KNError &error);
+    bool hasLoggedIn(const VantorDBC &details) const;
     Client borrow(const VantorDBC &details, KNError *error);
     void giveBack(const VantorDBC &details, Client client);
     void dropIdle(const VantorDBC &details);
@@ -71,9 +92,12 @@ private:
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;     ///< a client has become idle, or this is the end
-    VantorIdleClients m_idle;              ///< guarded by m_mutex
-    std::vector<Experience> m_experiences; ///< guarded by m_mutex
-    bool m_isEnding = false;               ///< guarded by m_mutex
-    std::thread m_caretaker;               ///< closes what was idle for too long
+    std::condition_variable m_changed;                      ///< a client has become idle, or this is the end
+    VantorIdleClients m_idle;                               ///< guarded by m_mutex
+    std::vector<Experience> m_experiences;                  ///< guarded by m_mutex
+    std::vector<Refusal> m_refusals;                        ///< guarded by m_mutex
+    std::vector<std::shared_ptr<FirstLogin>> m_firstLogins; ///< that are going on; guarded by m_mutex
+    std::condition_variable m_firstLoginEnded;
+    bool m_isEnding = false; ///< guarded by m_mutex
+    std::thread m_caretaker; ///< closes what was idle for too long
 };

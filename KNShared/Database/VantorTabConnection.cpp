@@ -1,5 +1,14 @@
 #include "Database/VantorTabConnection.h"
 
+#include "Foundation/KNFormat.h"
+
+namespace {
+
+const QString SessionErrorDomain = QStringLiteral("com.quorvex.vantor.session");
+constexpr int SessionLost = 1;
+
+} // namespace
+
 VantorTabConnection::VantorTabConnection(VantorDatabaseConnectionPool &pool, const VantorDBC &details)
     : m_pool(pool)
     , m_details(details.copy())
@@ -11,18 +20,15 @@ VantorTabConnection::~VantorTabConnection() = default;
 bool VantorTabConnection::executeQuery(const VantorDatabaseConnectionPool::Work &work, KNError *error)
 {
     KNError failure;
-    std::shared_ptr<VantorDatabaseClient> client = this->client();
-    if (!client || !client->isConnected() || client->hasHungUp()) {
-        client = m_pool.connectedClient(*connectionDetails(), &failure);
-        const std::lock_guard lock(m_mutex);
-        m_client = client;
-    }
+    const std::shared_ptr<VantorDatabaseClient> client = connectedClient(&failure);
     if (client) {
         work(*client, &failure);
         const VantorDBCPtr details = connectionDetails();
         client->prepareForPool(*details, true);
+        const QString database = client->currentDatabase();
         const std::lock_guard lock(m_mutex);
         m_details = details;
+        m_lastDatabase = database;
     }
     const bool succeeded = !failure;
     if (error)
@@ -30,10 +36,89 @@ bool VantorTabConnection::executeQuery(const VantorDatabaseConnectionPool::Work 
     return succeeded;
 }
 
+/// The session's client, or one of a new session; null with an error.
+std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNError *error)
+{
+    if (const auto client = this->client()) {
+        if (client->isConnected() && !client->hasHungUp())
+            return client;
+        if (const QStringList lost = losses(); !lost.isEmpty()) {
+            *error = KNError(SessionErrorDomain, SessionLost,
+                             KNFormat("The session was lost: %@.", lost.join(QStringLiteral("; "))));
+            return nullptr;
+        }
+    }
+    const VantorDBCPtr details = connectionDetails();
+    m_pool.forgetRefusals(*details); // each run is the user's wish
+    const std::shared_ptr<VantorDatabaseClient> client =
+        m_pool.connectedClient(*details, error, [this](VantorDatabaseClient *connecting) {
+            const std::lock_guard lock(m_connectingMutex);
+            m_connecting = connecting;
+        });
+    const QString database = client ? client->currentDatabase() : QString();
+    const std::lock_guard lock(m_mutex);
+    m_client = client;
+    m_state = {};
+    m_firstDatabase = m_lastDatabase = database;
+    return client;
+}
+
 bool VantorTabConnection::cancelCurrentQuery(KNError *error)
 {
+    {
+        const std::lock_guard lock(m_connectingMutex);
+        if (m_connecting)
+            return m_connecting->cancelCurrentQuery(error);
+    }
     const auto client = this->client();
     return !client || client->cancelCurrentQuery(error);
+}
+
+void VantorTabConnection::addSessionState(const VantorSessionState &state)
+{
+    const std::lock_guard lock(m_mutex);
+    m_state.hasTransaction |= state.hasTransaction;
+    m_state.hasTemporaryTables |= state.hasTemporaryTables;
+    m_state.hasOptions |= state.hasOptions;
+}
+
+void VantorTabConnection::setHasTransaction(bool hasTransaction)
+{
+    const std::lock_guard lock(m_mutex);
+    m_state.hasTransaction = hasTransaction;
+}
+
+bool VantorTabConnection::isSessionLost(const KNError &error)
+{
+    return error.code() == SessionLost && error.domain() == SessionErrorDomain;
+}
+
+void VantorTabConnection::beginNewSession()
+{
+    const std::lock_guard lock(m_mutex);
+    m_state = {};
+    m_firstDatabase = m_lastDatabase;
+}
+
+bool VantorTabConnection::hasSessionState() const
+{
+    return !losses().isEmpty();
+}
+
+/// What goes with the session, in words.
+QStringList VantorTabConnection::losses() const
+{
+    const std::lock_guard lock(m_mutex);
+    QStringList losses;
+    if (m_state.hasTransaction)
+        losses.append(QStringLiteral("its open transaction was rolled back by the server"));
+    if (m_state.hasTemporaryTables)
+        losses.append(QStringLiteral("its temporary tables are gone"));
+    if (m_state.hasOptions)
+        losses.append(QStringLiteral("its SET options are gone"));
+    if (m_lastDatabase.compare(m_firstDatabase, Qt::CaseInsensitive) != 0)
+        losses.append(KNFormat("it was in the database \"%@\", in which a new one begins", m_lastDatabase));
+    return losses;
 }
 
 bool VantorTabConnection::isConnected() const

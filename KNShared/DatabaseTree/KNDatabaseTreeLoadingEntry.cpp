@@ -1,5 +1,6 @@
 #include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
 
+#include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 
@@ -18,6 +19,9 @@ bool KNDatabaseTreeLoadingEntry::loadEntriesAsync(bool force)
 {
     if (!m_canRefresh || (!force && childEntries()))
         return false;
+    // The user wants to try again, also with a login that was refused.
+    if (const auto &details = databaseConnectionDetails(); force && details)
+        VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(*details);
     if (force && m_protocol.clearsFirst)
         setChildEntries(nullptr);
     if (!m_dataLoadSemaphore.tryWait())

@@ -60,7 +60,7 @@ std::optional<KNSSHHostKey> KNSSHHostKey::ask(const KNSSHTunnelModel &model, con
     {
         KNSSHProcess process(KNSSHCommand::toLearnTheHostKey(model, file));
         KNSSHProcess::Event event = KNSSHProcess::Event::Output;
-        while (event == KNSSHProcess::Event::Output)
+        while (event == KNSSHProcess::Event::Output || event == KNSSHProcess::Event::Complaint)
             event = process.wait(-1, deadline);
     }
     QFile learned(file);

@@ -113,8 +113,8 @@ KNSSHProcess::Event KNSSHProcess::wait(int stopDescriptor, const QDeadlineTimer 
             continue;
         if (descriptors[2].revents != 0)
             return Event::Stopped;
-        if (descriptors[1].revents != 0 && !readErrors())
-            return Event::Ended;
+        if (descriptors[1].revents != 0)
+            return readErrors() ? Event::Complaint : Event::Ended;
         if (descriptors[0].revents == 0)
             continue;
         char buffer[256];

@@ -12,7 +12,7 @@
 class KNSHARED_EXPORT KNSSHProcess
 {
 public:
-    enum class Event { Output, Ended, Stopped, TimedOut };
+    enum class Event { Output, Complaint, Ended, Stopped, TimedOut };
 
     explicit KNSSHProcess(const QStringList &arguments);
     /// Ends the program: SIGTERM, and SIGKILL when it does not heed that.
@@ -20,8 +20,8 @@ public:
     KNSSHProcess(const KNSSHProcess &) = delete;
     KNSSHProcess &operator=(const KNSSHProcess &) = delete;
 
-    /// Waits until the program has written something to its standard output, has ended, `stopDescriptor` can
-    /// be read or the time is over.
+    /// Waits until the program has written something to its standard output or error, has ended,
+    /// `stopDescriptor` can be read or the time is over.
     Event wait(int stopDescriptor, const QDeadlineTimer &deadline);
     /// What it has written to standard error so far. Any thread.
     QString complaints() const;

@@ -87,10 +87,11 @@ bool KNSSHTunnel::isAlive() const
     return m_state != State::Ended;
 }
 
-bool KNSSHTunnel::couldNotReachHost() const
+bool KNSSHTunnel::couldNotReachHost(std::chrono::milliseconds timeout)
 {
-    const std::lock_guard lock(m_mutex);
-    return m_process && m_process->complaints().contains(QLatin1String("open failed:"));
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, timeout, [this] { return m_couldNotReachHost || m_state == State::Ended; });
+    return m_couldNotReachHost;
 }
 
 bool KNSSHTunnel::leadsTo(const KNSSHTunnelModel &model, const QString &host, quint16 port) const
@@ -123,7 +124,9 @@ bool KNSSHTunnel::serve(bool isLastAttempt)
     m_localPort = freePort();
     KNSSHProcess process(
         KNSSHCommand::toForward(m_model, m_localPort, m_host, m_port, static_cast<int>(m_timeout.count())));
-    KNSSHProcess::Event event = process.wait(m_stop, deadline);
+    KNSSHProcess::Event event = KNSSHProcess::Event::Complaint;
+    while (event == KNSSHProcess::Event::Complaint)
+        event = process.wait(m_stop, deadline);
     if (event != KNSSHProcess::Event::Output) {
         const QString complaints = process.complaints();
         if (complaints.contains(QLatin1String("cannot listen to port")) && !isLastAttempt)
@@ -135,19 +138,14 @@ bool KNSSHTunnel::serve(bool isLastAttempt)
                    : explained(complaints));
         return true;
     }
-    {
-        const std::lock_guard lock(m_mutex);
-        m_process = &process;
-    }
     change(State::Open);
-    while (event == KNSSHProcess::Event::Output)
+    while (event == KNSSHProcess::Event::Output || event == KNSSHProcess::Event::Complaint) {
+        if (process.complaints().contains(QLatin1String("open failed:")))
+            noteUnreachableHost();
         event = process.wait(m_stop, QDeadlineTimer::Forever);
+    }
     KNLogHelper::sharedInstance()->logMessage("The SSH tunnel through %@ has ended. %@", m_model.host,
                                               process.complaints());
-    {
-        const std::lock_guard lock(m_mutex);
-        m_process = nullptr;
-    }
     change(State::Ended);
     return true;
 }
@@ -157,6 +155,13 @@ void KNSSHTunnel::change(State state, const KNError &error)
     const std::lock_guard lock(m_mutex);
     m_state = state;
     m_error = error;
+    m_changed.notify_all();
+}
+
+void KNSSHTunnel::noteUnreachableHost()
+{
+    const std::lock_guard lock(m_mutex);
+    m_couldNotReachHost = true;
     m_changed.notify_all();
 }
 

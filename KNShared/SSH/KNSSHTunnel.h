@@ -10,8 +10,6 @@
 #include <mutex>
 #include <thread>
 
-class KNSSHProcess;
-
 /// A port of the loopback that the system's `ssh` forwards to a host and port as an SSH server sees them.
 /// Everybody who goes the same way has the same tunnel; it ends with its last user. Any thread.
 class KNSHARED_EXPORT KNSSHTunnel
@@ -35,8 +33,9 @@ public:
     /// On 127.0.0.1.
     quint16 localPort() const { return m_localPort; }
     bool isAlive() const;
-    /// Whether the SSH server could not reach the host, so far as it has said.
-    bool couldNotReachHost() const;
+    /// Whether ssh has reported that its server could not reach the host. The report may come after the
+    /// forwarded connection has ended, so this waits for it, for `timeout` at most.
+    bool couldNotReachHost(std::chrono::milliseconds timeout);
 
 private:
     enum class State { Opening, Open, Ended };
@@ -45,6 +44,7 @@ private:
     bool waitUntilOpen(KNError *error);
     void keep();
     bool serve(bool isLastAttempt);
+    void noteUnreachableHost();
     void change(State state, const KNError &error = {});
     KNError explained(const QString &complaints) const;
 
@@ -55,9 +55,9 @@ private:
     const int m_stop; ///< an eventfd
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    State m_state = State::Opening;    ///< guarded by m_mutex
-    KNError m_error;                   ///< guarded by m_mutex
-    KNSSHProcess *m_process = nullptr; ///< guarded by m_mutex
-    quint16 m_localPort = 0;           ///< set before it is open
-    std::thread m_keeper;              ///< ssh ends with the thread that has started it
+    State m_state = State::Opening;   ///< guarded by m_mutex
+    KNError m_error;                  ///< guarded by m_mutex
+    bool m_couldNotReachHost = false; ///< guarded by m_mutex
+    quint16 m_localPort = 0;          ///< set before it is open
+    std::thread m_keeper;             ///< ssh ends with the thread that has started it
 };

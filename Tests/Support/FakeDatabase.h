@@ -23,6 +23,8 @@ struct Server
     std::atomic<bool> refusesKnownVersion = false; ///< refuses logins that do not probe
     std::atomic<bool> resetsFail = false;
     std::atomic<bool> hangsUp = false; ///< idle clients find their connection closed
+    std::atomic<int> cancels = 0;
+    KNError refusal{QStringLiteral("fake"), 1, QStringLiteral("refused")};
     std::function<void()> duringLogin; ///< runs on the thread that connects
 
     QMap<QString, QString> queries; ///< the texts of the catalog queries by title
@@ -103,7 +105,7 @@ public:
             server.duringLogin();
         const bool isKnown = !m_settings->connectedWithDetails().isEmpty();
         if (server.refusesLogins || (isKnown && server.refusesKnownVersion)) {
-            *error = KNError(QStringLiteral("fake"), 1, QStringLiteral("refused"));
+            *error = server.refusal;
             return false;
         }
         m_settings->setConnectedWithDetails({{QStringLiteral("version"), 1}});
@@ -153,6 +155,7 @@ public:
     bool cancelCurrentQuery(KNError *) override
     {
         ++cancels;
+        ++m_settings->server().cancels;
         return true;
     }
     bool wasCancelled() const override { return cancels > 0; }

@@ -64,6 +64,21 @@ Unit nextUnit(int socket)
     return {};
 }
 
+/// poll() that goes on after signals, until the deadline.
+void pollUntil(MSSQLCancellation::Clock::time_point deadline, pollfd *descriptors, nfds_t count)
+{
+    int ready = 0;
+    do {
+        int timeout = -1;
+        if (deadline != MSSQLCancellation::Clock::time_point::max()) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(deadline - MSSQLCancellation::Clock::now());
+            timeout = static_cast<int>(std::max<std::int64_t>(0, left.count()));
+        }
+        ready = poll(descriptors, count, timeout);
+    } while (ready < 0 && errno == EINTR);
+}
+
 /// A socket counts as readable from that many bytes on.
 void setLowWaterMark(int socket, int bytes)
 {
@@ -126,16 +141,14 @@ void MSSQLCancellation::waitForAnswer(int socket, int packetSize)
 void MSSQLCancellation::waitFor(int socket) const
 {
     pollfd descriptors[] = {{socket, POLLIN, 0}, {m_wakeUp, POLLIN, 0}};
-    const Clock::time_point deadline = m_deadline;
-    int ready = 0;
-    do {
-        int timeout = -1;
-        if (deadline != Clock::time_point::max()) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-            timeout = static_cast<int>(std::max<std::int64_t>(0, left.count()));
-        }
-        ready = poll(descriptors, 2, timeout);
-    } while (ready < 0 && errno == EINTR);
+    pollUntil(m_deadline, descriptors, 2);
+}
+
+bool MSSQLCancellation::waitForStop(int endDescriptor) const
+{
+    pollfd descriptors[] = {{endDescriptor, POLLIN, 0}, {m_wakeUp, POLLIN, 0}};
+    pollUntil(m_deadline, descriptors, 2);
+    return descriptors[0].revents == 0;
 }
 
 void MSSQLCancellation::enterLibrary()

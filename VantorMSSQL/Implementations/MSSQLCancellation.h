@@ -42,6 +42,10 @@ public:
     /// Gives the connection up when the server has not answered by then. For the time of a login.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
     void clearDeadline() { m_deadline = Clock::time_point::max(); }
+    bool hasDeadline() const { return deadline() != Clock::time_point::max(); }
+    /// time_point::max() if there is none.
+    Clock::time_point deadline() const { return m_deadline; }
+    bool isDeadlineOver() const { return Clock::now() >= deadline(); }
     /// Waits until the first packet of an answer, or its first TLS record, is there whole, a request comes or
     /// the deadline passes.
     /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
@@ -72,6 +76,11 @@ public:
     void interruptLibrary();
     /// Whether the current or the last run was asked to stop.
     bool isRequested() const { return m_requested.load(std::memory_order_acquire); }
+    /// Can be read as long as the current run is asked to stop. It belongs to this object.
+    int requestDescriptor() const { return m_wakeUp; }
+    /// Waits until the current run is asked to stop or its deadline has passed; false when `endDescriptor`
+    /// can be read first.
+    bool waitForStop(int endDescriptor) const;
     /// @}
 
 private:
@@ -91,6 +100,30 @@ private:
     int m_runs = 0;              ///< guarded by m_mutex
     bool m_inLibrary = false;    ///< guarded by m_mutex
     pthread_t m_libraryThread{}; ///< guarded by m_mutex
+};
+
+/// The time of a login: sets a deadline for its duration, unless there is one already.
+class MSSQLDeadlineScope
+{
+public:
+    MSSQLDeadlineScope(MSSQLCancellation &cancellation, std::chrono::milliseconds timeout)
+        : m_cancellation(cancellation)
+        , m_isOutermost(!cancellation.hasDeadline())
+    {
+        if (m_isOutermost)
+            m_cancellation.setDeadline(MSSQLCancellation::Clock::now() + timeout);
+    }
+    ~MSSQLDeadlineScope()
+    {
+        if (m_isOutermost)
+            m_cancellation.clearDeadline();
+    }
+    MSSQLDeadlineScope(const MSSQLDeadlineScope &) = delete;
+    MSSQLDeadlineScope &operator=(const MSSQLDeadlineScope &) = delete;
+
+private:
+    MSSQLCancellation &m_cancellation;
+    const bool m_isOutermost;
 };
 
 /// Marks a run for its duration, so that a cancel finds something to stop.

@@ -71,6 +71,11 @@ bool MSSQLClient::isConnected() const
     return true;
 }
 
+bool MSSQLClient::connect(KNError *error, KNSSHTunnelDelegate *)
+{
+    return connect(error);
+}
+
 void MSSQLClient::disconnect()
 {
     KNSemaphoreLocker handle(m_dbProcSemaphore);
@@ -119,16 +124,18 @@ bool MSSQLClient::cancelCurrentQuery(KNError *error)
     return stopped;
 }
 
-/// Tells the server to stop and waits until it has. The handle must be held.
+/// Tells the server to stop and waits until it has; false when it did not acknowledge that, which loses the
+/// connection. The handle must be held.
 bool MSSQLClient::stopAtServer()
 {
     if (!m_dbProc || dbdead(m_dbProc))
-        return true;
+        return !m_dbProc;
     m_cancellation.attentionSent();
-    return dbcancel(m_dbProc) == SUCCEED;
+    // dbcancel() reports success also where the server has not answered.
+    return dbcancel(m_dbProc) == SUCCEED && !dbdead(m_dbProc);
 }
 
-void MSSQLClient::enableFreeTDSLogging()
+QString MSSQLClient::enableFreeTDSLogging()
 {
     const QString logFile = KNLogHelper::sharedInstance()->filePath();
     const QString path = KNFormat("%@/%@/freetds.pid%d.log", QFileInfo(logFile).path(),
@@ -136,4 +143,5 @@ void MSSQLClient::enableFreeTDSLogging()
     const QString filtered = MSSQLTraceFile::openFiltered(path);
     const int result = filtered.isNull() ? 0 : tdsdump_open(QFile::encodeName(filtered).constData());
     KNLogHelper::sharedInstance()->logMessage("Open LogFile (%@) result was %d", path, result);
+    return result == 0 ? QString() : path;
 }

@@ -11,6 +11,7 @@ struct tds_dblib_dbprocess;
 struct tds_dblib_loginrec;
 struct MSSQLServerAddress;
 class KNSSHTunnel;
+class KNSSHTunnelDelegate;
 class MSSQLHandleScope;
 class MSSQLLoginFile;
 
@@ -30,6 +31,8 @@ public:
     }
 
     bool connect(KNError *error) override;
+    /// connect(). The delegate, which may be null, is not asked anything.
+    bool connect(KNError *error, KNSSHTunnelDelegate *sshDelegate);
     /// One row of the protocol table, with bookkeeping in the settings and in the log.
     bool tryConnect(int connectOption, bool useNTLMv2, KNError *error);
     /// One login attempt with a db-lib protocol constant.
@@ -63,14 +66,16 @@ public:
     QStringList databaseNames(KNError *error) override;
     std::optional<bool> isInTransaction(KNError *error) override;
     bool mayChangeTransaction(const QString &sql) const override;
+    VantorSessionState sessionStateAfter(const QString &sql) const override;
     bool cancelCurrentQuery(KNError *error) override;
     bool wasCancelled() const override { return m_cancellation.isRequested(); }
     bool hasHungUp() const override;
     bool resetSession() override;
     void prepareForPool(VantorDBC &details, bool isUserQuery) override;
 
-    /// Switches db-lib's protocol trace on, into "freetds.pid<n>.log" in the log's folder.
-    static void enableFreeTDSLogging();
+    /// Switches db-lib's protocol trace on for the whole process, into "freetds.pid<n>.log" in the log's
+    /// folder. Returns the file's path; null with a line in the log when it cannot be written.
+    static QString enableFreeTDSLogging();
     /// Logs an error, unless it is a login failure that users are expected to run into.
     static void reportError(const KNError &error, const QVariantMap &details);
     /// The one word of the batch that a message complains about, as a range of the editor text; not found
@@ -124,10 +129,22 @@ private:
     bool probe(bool useNTLMv2, KNError *error);
     std::optional<MSSQLServerAddress> resolveServer(const MSSQLEncryption &encryption, KNError *error) const;
     std::optional<MSSQLServerAddress> resolveTunnel(MSSQLEncryption *encryption, KNError *error);
-    bool openHandle(tds_dblib_loginrec *login, const MSSQLLoginFile &file);
-    KNError loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const;
+    bool checkLoginTexts(KNError *error) const;
+    static bool fitsLogin(const QString &text);
+    bool isServerThere(const MSSQLServerAddress &server, KNError *error);
+    bool logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &file, const MSSQLServerAddress &server,
+               KNError *error);
+    const char *fillLogin(tds_dblib_loginrec *login, bool useNTLMv2, int tdsVersion) const;
+    bool openHandle(tds_dblib_loginrec *login, const MSSQLLoginFile &file, const MSSQLServerAddress &server);
+    QString serverNameForUsers() const;
+    quint16 portForUsers(const MSSQLServerAddress &server) const;
+    std::chrono::milliseconds loginTimeLeft() const;
+    KNError timeoutError(const MSSQLServerAddress &server, const char *what) const;
+    KNError loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption);
     bool resolveInstance(QString *server, KNError *error) const;
-    bool configureSession(const MSSQLEncryption &encryption, KNError *error);
+    bool configureSession(const MSSQLEncryption &encryption, const MSSQLServerAddress &server,
+                          KNError *error);
+    bool reachDatabase(KNError *error);
     bool runInitialStatements(KNError *error);
     quint64 bytesWritten() const;
     quint64 sizeInClear(const QString &sql) const;

@@ -60,13 +60,28 @@ quint16 portIn(const QString &server)
 
 KNError noServerError(const QString &host)
 {
-    return KNError(MSSQLLoginError::Domain, 0,
-                   KNFormat("\"%@\" is not the name of a server. Give server, server,port or "
-                            "server\\instance.",
-                            host));
+    return MSSQLLoginError::hopeless(
+        KNFormat("\"%@\" is not the name of a server. Give server, server,port or server\\instance.", host));
 }
 
 } // namespace
+
+/// The server as the user knows it, without instance and port.
+QString MSSQLClient::serverNameForUsers() const
+{
+    const QString host = m_databaseConnectionDetails->host();
+    const QString name = hostNameOf(host);
+    return name.isEmpty() ? host : name;
+}
+
+/// The server's own port, also where a tunnel leads to it.
+quint16 MSSQLClient::portForUsers(const MSSQLServerAddress &server) const
+{
+    if (!m_databaseConnectionDetails->sshTunnelModel().isUsed())
+        return server.port;
+    QString host = m_databaseConnectionDetails->host();
+    return portIn(withPortBeforeInstance(host.replace(QLatin1Char(','), QLatin1Char(':'))));
+}
 
 /// Where to connect to. The address is looked up here, before all other logins wait, except where the
 /// certificate must be for the name: db-lib compares it with what it connects to, and looks the name up
@@ -97,9 +112,8 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *en
     const QString name = hostNameOf(details.host());
     const qsizetype end = endOfServerName(server);
     if (end < server.size() && server.at(end) == QLatin1Char('\\')) {
-        *error = KNError(MSSQLLoginError::Domain, MSSQLLoginError::Hopeless,
-                         QStringLiteral("The port of an instance cannot be asked for through an SSH tunnel. "
-                                        "Give it: server,port."));
+        *error = MSSQLLoginError::hopeless(QStringLiteral(
+            "The port of an instance cannot be asked for through an SSH tunnel. Give it: server,port."));
         return std::nullopt;
     }
     const quint16 port = portIn(server);
@@ -107,18 +121,23 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *en
         *error = noServerError(details.host());
         return std::nullopt;
     }
-    const std::chrono::seconds timeout(details.loginTimeout());
-    m_tunnel = KNSSHTunnel::open(details.sshTunnelModel(), name, port, timeout, error);
+    const auto tunnelTimeout =
+        std::max(std::chrono::seconds(1), std::chrono::ceil<std::chrono::seconds>(loginTimeLeft()));
+    m_tunnel = KNSSHTunnel::open(details.sshTunnelModel(), name, port, tunnelTimeout, error);
     if (!m_tunnel)
         return std::nullopt;
     const MSSQLServerAddress nearEnd = {QStringLiteral("127.0.0.1"), m_tunnel->localPort()};
     if (!encryption->checksHostName)
         return nearEnd;
     QByteArray certificate;
-    const QString problem =
-        MSSQLEncryptionProblem(nearEnd.host, nearEnd.port, *encryption, timeout, name, &certificate);
+    const QString problem = MSSQLEncryptionProblem(nearEnd.host, nearEnd.port, *encryption, loginTimeLeft(),
+                                                   name, &certificate, m_cancellation.requestDescriptor());
+    if (m_cancellation.isRequested()) {
+        *error = MSSQLLoginError::cancelled();
+        return std::nullopt;
+    }
     if (!problem.isNull()) {
-        *error = KNError(MSSQLLoginError::Domain, MSSQLLoginError::Hopeless, problem);
+        *error = MSSQLLoginError::hopeless(problem);
         return std::nullopt;
     }
     if (!certificate.isEmpty()) {
@@ -137,13 +156,13 @@ bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
         return true;
     const QString address = server->left(backslash);
     const QString instance = server->mid(backslash + 1);
-    const auto timeout = std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), 3));
+    constexpr std::chrono::milliseconds LongestWait(3000);
+    const auto timeout = std::min(loginTimeLeft(), LongestWait);
     QString plainAddress = address;
     plainAddress.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
     const quint16 port = dbportforinstance(plainAddress, instance, timeout);
     if (port == 0) {
-        *error = KNError(
-            MSSQLLoginError::Domain, 0,
+        *error = MSSQLLoginError::hopeless(
             KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
                      "instance name, or give the port: server,port.",
                      plainAddress, instance));

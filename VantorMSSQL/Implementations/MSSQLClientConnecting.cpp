@@ -3,11 +3,11 @@
 #include "Foundation/MachTimer.h"
 #include "Implementations/MSSQLBytesWritten.h"
 #include "Implementations/MSSQLClient.h"
-#include "Implementations/MSSQLClientCallbacks.h"
 #include "Implementations/MSSQLEncryptionCheck.h"
 #include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLLoginFile.h"
 #include "Implementations/MSSQLMessageList.h"
+#include "Implementations/MSSQLServerCheck.h"
 #include "SQL/KNQuerySplitter.h"
 #include "SSH/KNSSHCommand.h"
 #include "SSH/KNSSHTunnel.h"
@@ -15,60 +15,31 @@
 #include <sybdb.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace {
 
 using namespace MSSQLLoginError;
 const QString SourcePath = QStringLiteral("Implementations/MSSQLClient");
 
-struct LoginDeleter
-{
-    void operator()(LOGINREC *login) const { dbloginfree(login); }
-};
-using Login = std::unique_ptr<LOGINREC, LoginDeleter>;
-
-/// Serialises every login of the process.
-KNSemaphore &connectSemaphore()
-{
-    static KNSemaphore semaphore(QStringLiteral("com.quorvex.vantor.mssql.connectSemaphore"));
-    return semaphore;
-}
-
 const char *yesOrNo(bool flag)
 {
     return flag ? "YES" : "NO";
 }
 
-/// Variables with which db-lib would let itself be sent elsewhere, or write passwords to a file. Logins are
-/// serialised where this is called; once gone, nothing is written here any more.
-void shieldFromEnvironment()
+/// Whether neither another protocol version nor the other kind of NTLM can help. A Windows login that was
+/// refused may be accepted with NTLMv2.
+bool isHopeless(const KNError &error, const QString &username)
 {
-    for (const char *variable : {"TDSVER", "TDSPORT", "TDSHOST", "TDSDUMP", "TDSDUMPCONFIG"})
-        unsetenv(variable);
-}
-
-/// The login failure from what the server and db-lib said.
-KNError loginErrorFromMessages(const QList<DatabaseMessage> &messages)
-{
-    QStringList texts;
-    for (const DatabaseMessage &message : messages) {
-        const QString text =
-            KNFormat("%@ (Msg %d, Level %d).", message.msgtext, message.msgno, message.severity);
-        if (!texts.contains(text))
-            texts.append(text);
+    if (error.domain() == KNSSHCommand::ErrorDomain || error.code() == Hopeless)
+        return true;
+    switch (VantorLoginProblemOf(error)) {
+    case VantorLoginProblem::DatabaseRefused:
+        return true;
+    case VantorLoginProblem::LoginRefused:
+        return !username.contains(QLatin1Char('\\'));
+    default:
+        return false;
     }
-    if (texts.isEmpty())
-        KNLogHelper::sharedInstance()->logMessage("Failed to login. Unknown reason. %ld messages. (%@).",
-                                                  messages.size(), texts.join(QLatin1Char(',')));
-    return KNError(Domain, 0, texts.join(QStringLiteral("\r\n")));
-}
-
-/// Whether no other protocol version would mend it.
-bool isHopeless(const KNError &error)
-{
-    return error.domain() == KNSSHCommand::ErrorDomain || error.code() == Hopeless;
 }
 
 } // namespace
@@ -88,6 +59,9 @@ const MSSQLClient::ConnectOption MSSQLClient::connectOptions[4] = {
 
 bool MSSQLClient::connect(KNError *error)
 {
+    const MSSQLRunScope run(m_cancellation);
+    const MSSQLDeadlineScope time(m_cancellation,
+                                  std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
     const auto remembered = m_databaseConnectionDetails->tdsVersion();
     const auto rememberedNTLMv2 = m_databaseConnectionDetails->useNTLMv2();
     if (remembered && rememberedNTLMv2) {
@@ -99,12 +73,11 @@ bool MSSQLClient::connect(KNError *error)
     error->clear();
     if (probe(false, error))
         return true;
-    if (isHopeless(*error) ||
+    const QString username = m_databaseConnectionDetails->username();
+    if (isHopeless(*error, username) ||
         error->localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
         return false;
-    if (!m_databaseConnectionDetails->username().contains(QLatin1Char('\\')))
-        return false;
-    return probe(true, error);
+    return username.contains(QLatin1Char('\\')) && probe(true, error);
 }
 
 bool MSSQLClient::probe(bool useNTLMv2, KNError *error)
@@ -121,7 +94,7 @@ bool MSSQLClient::probe(bool useNTLMv2, KNError *error)
         if (isFirstAttempt &&
             failure.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
             return false;
-        if (isHopeless(failure))
+        if (isHopeless(failure, m_databaseConnectionDetails->username()))
             return false;
     }
     return false;
@@ -150,6 +123,8 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
              SourcePath);
     KNAssert(!details->username().isNull(), "Database connection username cannot be nil.",
              "Implementations/MSSQLClient");
+    const MSSQLRunScope run(m_cancellation);
+    const MSSQLDeadlineScope time(m_cancellation, std::chrono::seconds(details->loginTimeout()));
     const auto tunnel = m_tunnel; // the next attempt goes the same way
     disconnect();
     KNLogHelper *log = KNLogHelper::sharedInstance();
@@ -157,98 +132,109 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     log->logMessage("Going to dbopen with NTLMv2: %@. TDS: %ld.", yesOrNo(useNTLMv2), tdsVersion);
 
     MSSQLMessageList::sharedInstance().clearMessage();
+    if (!checkLoginTexts(error))
+        return false;
     auto encryption = details->encryption(error);
     if (!encryption)
         return false;
     const auto server = details->sshTunnelModel().isUsed() ? resolveTunnel(&*encryption, error)
                                                            : resolveServer(*encryption, error);
-    if (!server)
+    if (!server || !isServerThere(*server, error))
         return false;
-    std::optional<MSSQLLoginFile> file(std::in_place, *server, *encryption);
-    if (file->path().isEmpty()) {
-        *error = KNError(
-            Domain, 0,
+    const MSSQLLoginFile file(*server, *encryption);
+    if (file.path().isEmpty()) {
+        *error = hopeless(
             QStringLiteral("A private file for the login could not be written to the folder for temporary "
                            "files (TMPDIR, or /tmp). Check that it exists, has room and may be written to."));
         return false;
     }
-
-    dbsetversion(DBVERSION_UNKNOWN);
-    const Login login(dblogin());
-    MSSQLMessageList::sharedInstance().clearMessage();
-    DBSETLCHARSET(login.get(), "UTF-8");
-    DBSETLPWD(login.get(), details->password().toUtf8().constData());
-    DBSETLUSER(login.get(), details->username().toUtf8().constData());
-    dbsetlbool(login.get(), 1, DBSETBCP);
-    DBSETLAPP(login.get(), "Vantor for MSSQL (https://vantor.example)");
-    dbsetlversion(login.get(), static_cast<BYTE>(tdsVersion));
-    dbsetlbool(login.get(), useNTLMv2, DBSETNTLMV2);
-    dbsetlbool(login.get(), details->isReadOnlyIntended(), DBSETREADONLY);
-    if (!details->database().isEmpty())
-        DBSETLDBNAME(login.get(), details->database().toUtf8().constData());
-
-    bool isOpen = openHandle(login.get(), *file);
-    if (const QString completed = azureUserName(details->username(), details->host());
-        !isOpen && !completed.isNull()) {
-        log->logMessage("Failed to login into Azure. Attempting to add suffix to username.");
-        MSSQLMessageList::sharedInstance().clearMessage();
-        details->setUsername(completed);
-        DBSETLUSER(login.get(), completed.toUtf8().constData());
-        isOpen = openHandle(login.get(), *file);
-    }
-    file.reset();
-    if (!isOpen) {
-        *error = loginError(*server, *encryption);
+    if (!logIn(useNTLMv2, tdsVersion, file, *server, error)) {
+        if (!error->isSet())
+            *error = loginError(*server, *encryption);
         return false;
     }
-    return configureSession(*encryption, error);
+    MSSQLServerCheck::noteAnswer(*server);
+    return configureSession(*encryption, *server, error);
+}
+
+/// Whether db-lib may try to log in: false with an error when the server does not answer.
+bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error)
+{
+    using MSSQLServerCheck::Answer;
+    QString reason;
+    const Answer answer =
+        MSSQLServerCheck::ask(server, m_cancellation.deadline(), m_cancellation.requestDescriptor(), &reason);
+    switch (answer) {
+    case Answer::Given:
+    case Answer::Uncertain:
+        return true;
+    case Answer::Silent:
+        *error = timeoutError(server, "took the connection and then said nothing");
+        return false;
+    case Answer::Unreachable:
+        *error = unreachable(serverNameForUsers(), portForUsers(server), reason);
+        return false;
+    case Answer::Cancelled:
+        break;
+    }
+    *error = cancelled();
+    return false;
+}
+
+/// What is left of the time for connecting; not below 0.
+std::chrono::milliseconds MSSQLClient::loginTimeLeft() const
+{
+    using std::chrono::milliseconds;
+    const auto left = m_cancellation.deadline() - MSSQLCancellation::Clock::now();
+    return std::max(milliseconds(0), std::chrono::ceil<milliseconds>(left));
+}
+
+KNError MSSQLClient::timeoutError(const MSSQLServerAddress &server, const char *what) const
+{
+    return timedOut(serverNameForUsers(), portForUsers(server),
+                    std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()), what);
 }
 
 /// The login failure from what the server and db-lib said, or, where neither knows why, from a look at how
 /// the server encrypts.
-KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption) const
+KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption)
 {
-    constexpr int LongestCheck = 5; // seconds
-    if (m_tunnel && m_tunnel->couldNotReachHost())
-        return KNError(Domain, Hopeless,
-                       KNFormat("The SSH server %@ could not reach %@. Its name and port must be as that "
-                                "server sees them.",
-                                m_databaseConnectionDetails->sshTunnelModel().host,
-                                m_databaseConnectionDetails->host()));
+    constexpr std::chrono::milliseconds LongestCheck(5000);
+    constexpr std::chrono::milliseconds LongestComplaint(2000); // ssh's, which may follow its socket's end
+    if (m_cancellation.isRequested())
+        return cancelled();
     const QList<DatabaseMessage> messages = MSSQLMessageList::sharedInstance().messages();
-    KNError error = loginErrorFromMessages(messages);
-    const bool isExplained =
-        std::any_of(messages.begin(), messages.end(),
-                    [](const DatabaseMessage &m) { return m.type == DatabaseMessage::ServerMessage; }) ||
-        error.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist"));
+    KNError error = fromMessages(messages, serverNameForUsers(), portForUsers(server));
+    const bool hasServerSpoken = std::any_of(messages.begin(), messages.end(), [](const DatabaseMessage &m) {
+        return m.type == DatabaseMessage::ServerMessage;
+    });
+    if (hasServerSpoken)
+        return error;
     const bool isByDefault =
         encryption.mode == MSSQLEncryption::Mode::Request && !encryption.verifiesCertificate;
-    if (isExplained || isByDefault)
-        return error;
-    const auto timeout =
-        std::chrono::seconds(std::min(m_databaseConnectionDetails->loginTimeout(), LongestCheck));
-    const QString problem = MSSQLEncryptionProblem(server.host, server.port, encryption, timeout);
-    return problem.isNull() ? error : KNError(Domain, Hopeless, problem);
-}
-
-bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file)
-{
-    const KNSemaphoreLocker connecting(connectSemaphore());
-    shieldFromEnvironment();
-    dbsetifile(file.path().data());
-    // The time-out is db-lib's for the whole process; logins are serialised here, so each runs under its own.
-    dbsetlogintime(m_databaseConnectionDetails->loginTimeout());
-    DBPROCESS *handle = tdsdbopen(login, file.entry().constData(), 1);
-    if (handle) {
-        dbsetuserdata(handle, reinterpret_cast<BYTE *>(&m_cancellation));
-        dbsetinterrupt(handle, check_interrupt, handle_interrupt);
+    if (m_cancellation.isDeadlineOver()) {
+        MSSQLServerCheck::forget(server);
+        return timeoutError(server, isByDefault ? "did not finish the login"
+                                                : "did not finish the TLS handshake and the login");
     }
-    const KNSemaphoreLocker locker(m_dbProcSemaphore);
-    m_dbProc = handle;
-    return handle != nullptr;
+    const std::chrono::milliseconds left = loginTimeLeft();
+    const bool hasAnswered = MSSQLServerCheck::hasAnswered(server);
+    if (m_tunnel && !hasAnswered && m_tunnel->couldNotReachHost(std::min(left, LongestComplaint)))
+        return hopeless(KNFormat("The SSH server %@ could not reach %@. Its name and port must be as that "
+                                 "server sees them.",
+                                 m_databaseConnectionDetails->sshTunnelModel().host,
+                                 m_databaseConnectionDetails->host()));
+    if (isByDefault ||
+        error.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
+        return error;
+    const QString problem =
+        MSSQLEncryptionProblem(server.host, server.port, encryption, std::min(left, LongestCheck), {},
+                               nullptr, m_cancellation.requestDescriptor());
+    return problem.isNull() ? error : hopeless(problem);
 }
 
-bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *error)
+bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, const MSSQLServerAddress &server,
+                                   KNError *error)
 {
     const QString sql =
         QStringLiteral("SET TEXTSIZE 2147483647\r\n"
@@ -257,26 +243,41 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, KNError *e
     const MachTimer timer;
     KNError failure;
     const quint64 before = bytesWritten();
-    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
-                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
     executeNonQuery(sql, &failure);
-    m_cancellation.clearDeadline();
     if (failure) {
-        *error = failure;
+        *error = m_cancellation.isRequested()      ? cancelled()
+                 : m_cancellation.isDeadlineOver() ? timeoutError(server, "did not finish the login")
+                                                   : failure;
         return false;
     }
     if (encryption.mode == MSSQLEncryption::Mode::Require && bytesWritten() - before <= sizeInClear(sql)) {
         disconnect();
-        *error = KNError(
-            Domain, Hopeless,
-            QStringLiteral(
-                "The server encrypts the login alone, and this connection requires that everything is "
-                "encrypted. Someone between you and the server may be changing what they say. Nothing "
-                "of yours was sent in clear; the connection was closed."));
+        *error = hopeless(QStringLiteral(
+            "The server encrypts the login alone, and this connection requires that everything is "
+            "encrypted. Someone between you and the server may be changing what they say. Nothing "
+            "of yours was sent in clear; the connection was closed."));
         return false;
     }
     KNLogHelper::sharedInstance()->logMessage("MSSQLClient::connect configure took %0.2f.", timer.seconds());
-    return runInitialStatements(error);
+    return reachDatabase(error) && runInitialStatements(error);
+}
+
+/// Goes to the database of the settings where the login could not carry its name.
+bool MSSQLClient::reachDatabase(KNError *error)
+{
+    const QString database = m_databaseConnectionDetails->database();
+    if (fitsLogin(database))
+        return true;
+    KNError failure;
+    executeNonQuery(QStringLiteral("USE ") + quotedName(database), &failure);
+    if (!failure)
+        return true;
+    disconnect();
+    *error = KNError(
+        Domain, Hopeless,
+        KNFormat("The database \"%@\" could not be opened. %@", database, failure.localizedDescription()),
+        VantorLoginProblemInfo(VantorLoginProblem::DatabaseRefused));
+    return false;
 }
 
 /// The user's own, batch by batch. The session is of no use without them.
@@ -289,16 +290,14 @@ bool MSSQLClient::runInitialStatements(KNError *error)
     splitter->setRequiresFullSplit(true);
     KNResultSetHolder holder;
     KNError failure;
-    m_cancellation.setDeadline(MSSQLCancellation::Clock::now() +
-                               std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()));
     executeQueryDetails(splitter->doSplitQuery(sql), holder, {}, &failure);
-    m_cancellation.clearDeadline();
-    if (!failure)
+    const bool wasStopped = m_cancellation.isRequested();
+    if (!failure && !wasStopped)
         return true;
     disconnect();
-    *error =
-        KNError(Domain, Hopeless,
-                KNFormat("The connection's initial statements failed. %@", failure.localizedDescription()));
+    *error = wasStopped ? cancelled()
+                        : hopeless(KNFormat("The connection's initial statements failed. %@",
+                                            failure.localizedDescription()));
     return false;
 }
 

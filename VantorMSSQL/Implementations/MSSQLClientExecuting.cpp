@@ -3,6 +3,7 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseResultSet.h"
 #include "Implementations/MSSQLHandleScope.h"
+#include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLMessageList.h"
 #include "Implementations/MSSQLQueryTimer.h"
 
@@ -27,8 +28,10 @@ void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDa
 {
     if (messages.isEmpty())
         return;
-    for (DatabaseMessage &message : messages)
+    for (DatabaseMessage &message : messages) {
         message.calculatedLineNumber = message.line + details.lineNumberOffset;
+        message.msgtext = MSSQLLoginError::textForUsers(message);
+    }
     resultSet.setServerMessages(resultSet.serverMessages() + messages);
 }
 

@@ -2,6 +2,7 @@
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLMessageList.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
@@ -181,21 +182,28 @@ KNError MSSQLClient::batchError(const KNQueryDetails &details, quint64 *lastLine
     constexpr qint32 DeadConnection = 20047;
 
     QStringList texts;
+    QStringList libraryTexts;
     QSet<QString> known;
     KNRange range;
     for (const DatabaseMessage &message : MSSQLMessageList::sharedInstance().messages()) {
         *lastLine = message.line + details.lineNumberOffset - 1;
         if (message.msgno == DeadConnection)
             continue;
-        const QString text = message.failureText();
+        DatabaseMessage shown = message;
+        shown.msgtext = MSSQLLoginError::textForUsers(message);
+        const QString text = shown.failureText();
         if (known.contains(text))
             continue;
         known.insert(text);
         texts.append(text);
+        if (message.type == DatabaseMessage::ClientError)
+            libraryTexts.append(message.msgtext);
         if (!range.isFound())
             range = processErrorDetails(message, details);
     }
     QVariantMap userInfo;
+    if (!libraryTexts.isEmpty())
+        userInfo.insert(MSSQLLoginError::LibraryTextsKey, libraryTexts);
     if (range.isFound())
         userInfo.insert(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges"),
                         QVariantList{QVariant::fromValue(range)});

@@ -15,6 +15,31 @@ bool needsSessionOfItsOwn(const KNError &error)
     return error.localizedDescription().contains(QLatin1String("Msg 40508,"));
 }
 
+/// What stands behind SET where it changes the session (T-SQL, "SET statements").
+const QSet<QString> &sessionOptions()
+{
+    static const QSet<QString> options = [] {
+        const char *const names =
+            "ANSI_DEFAULTS ANSI_NULLS ANSI_NULL_DFLT_OFF ANSI_NULL_DFLT_ON ANSI_PADDING ANSI_WARNINGS "
+            "ARITHABORT ARITHIGNORE CONCAT_NULL_YIELDS_NULL CONTEXT_INFO CURSOR_CLOSE_ON_COMMIT DATEFIRST "
+            "DATEFORMAT DEADLOCK_PRIORITY FIPS_FLAGGER FMTONLY FORCEPLAN IDENTITY_INSERT "
+            "IMPLICIT_TRANSACTIONS LANGUAGE LOCK_TIMEOUT NOCOUNT NOEXEC NUMERIC_ROUNDABORT OFFSETS PARSEONLY "
+            "QUERY_GOVERNOR_COST_LIMIT QUOTED_IDENTIFIER REMOTE_PROC_TRANSACTIONS "
+            "RESULT_SET_CACHING ROWCOUNT SHOWPLAN_ALL SHOWPLAN_TEXT SHOWPLAN_XML STATISTICS TEXTSIZE "
+            "TRANSACTION XACT_ABORT";
+        const QStringList list = QString::fromLatin1(names).split(QLatin1Char(' '));
+        return QSet<QString>(list.begin(), list.end());
+    }();
+    return options;
+}
+
+/// A name without its brackets or quotation marks.
+QStringView bareName(QStringView token)
+{
+    const bool isQuoted = token.startsWith(QLatin1Char('[')) || token.startsWith(QLatin1Char('"'));
+    return isQuoted ? token.mid(1) : token;
+}
+
 } // namespace
 
 QString MSSQLClient::currentDatabase() const
@@ -28,6 +53,13 @@ bool MSSQLClient::changeDatabase(const QString &name, KNError *error)
     const QString quoted = QString(name).replace(u']', QLatin1String("]]"));
     executeNonQuery(KNFormat("USE [%@]", quoted), error);
     if (needsSessionOfItsOwn(*error)) {
+        KNError ignored;
+        if (isInTransaction(&ignored).value_or(true)) {
+            *error = KNError(QStringLiteral("SQLClient"), 0,
+                             QStringLiteral("This server needs a new session for another database, and this "
+                                            "one has a transaction open. Commit it or roll it back first."));
+            return false;
+        }
         error->clear();
         disconnect();
         m_databaseConnectionDetails->setDatabase(name);
@@ -69,4 +101,29 @@ bool MSSQLClient::mayChangeTransaction(const QString &sql) const
             return true;
     }
     return false;
+}
+
+VantorSessionState MSSQLClient::sessionStateAfter(const QString &sql) const
+{
+    VantorSessionState state;
+    state.hasTransaction = mayChangeTransaction(sql);
+    QString last;          // the word or sign before, in upper case
+    bool isOption = false; // "SET option" was read: "SET column =" is part of an UPDATE
+    SQLMetadataTokenizer tokenizer(sql, MSSQLDatabaseConnectionDetails::createPreParserOptions());
+    for (SQLToken token{}; tokenizer.next(&token);) {
+        if (token.kind == SQLTokenKind::Whitespace || token.kind == SQLTokenKind::LineComment ||
+            token.kind == SQLTokenKind::BlockComment)
+            continue;
+        // Strings may be long, and mean nothing here.
+        const QString text = token.kind == SQLTokenKind::String ? QString() : token.text.toString().toUpper();
+        state.hasOptions |= isOption && text != QLatin1String("=");
+        isOption = last == QLatin1String("SET") && sessionOptions().contains(text);
+        const bool isExecuteAs = text == QLatin1String("AS") &&
+                                 (last == QLatin1String("EXECUTE") || last == QLatin1String("EXEC"));
+        state.hasOptions |= isExecuteAs || text == QLatin1String("SP_SET_SESSION_CONTEXT");
+        const bool mayBeNew = last == QLatin1String("TABLE") || last == QLatin1String("INTO");
+        state.hasTemporaryTables |= mayBeNew && bareName(text).startsWith(QLatin1Char('#'));
+        last = text;
+    }
+    return state;
 }

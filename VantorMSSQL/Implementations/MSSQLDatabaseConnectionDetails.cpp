@@ -120,6 +120,11 @@ MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
     return std::make_unique<MSSQLResultSetViewControllerHelper>();
 }
 
+QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const
+{
+    return MSSQLClient::enableFreeTDSLogging();
+}
+
 QString MSSQLDatabaseConnectionDetails::quotedName(const QString &name) const
 {
     return MSSQLClient::quotedName(name);

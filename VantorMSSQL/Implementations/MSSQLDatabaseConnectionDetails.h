@@ -6,10 +6,19 @@
 
 #include <optional>
 
+class MSSQLClient;
+class MSSQLRecentConnection;
+
 /// The settings of one SQL Server connection, and the factory of every SQL Server specific object.
 class MSSQLDatabaseConnectionDetails : public VantorDBC
 {
 public:
+    /// \name The classes of clients and remembered connections
+    /// @{
+    using DatabaseClientClass = MSSQLClient;
+    using RecentConnectionClass = MSSQLRecentConnection;
+    /// @}
+
     MSSQLDatabaseConnectionDetails();
     ~MSSQLDatabaseConnectionDetails() override;
 
@@ -61,6 +70,7 @@ public:
     std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override;
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
+    QString startProtocolTrace() const override;
     QString quotedName(const QString &name) const override;
     QString literal(const KNValue &value) const override;
     QString description() const override;

@@ -1,25 +1,18 @@
 #include "Implementations/MSSQLEncryptionCheck.h"
 
 #include "Foundation/KNFormat.h"
-#include "Foundation/KNHostCache.h"
 #include "Implementations/MSSQLCertificateText.h"
-
-#include <QDeadlineTimer>
-#include <QNetworkProxy>
-#include <QTcpSocket>
+#include "Implementations/MSSQLPreloginSocket.h"
+#include "Implementations/MSSQLServerCheck.h"
 
 #include <gnutls/gnutls.h>
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
 using Mode = MSSQLEncryption::Mode;
 
-constexpr qsizetype HeaderSize = 8;
-constexpr char PreloginPacket = 0x12;
-constexpr char EndOfMessage = 1;
 constexpr char EncryptionOption = 1;
 constexpr char LastOption = '\xFF';
 
@@ -29,85 +22,6 @@ enum Answer : char { EncryptLogin = 0, EncryptAll = 1, CannotEncrypt = 2, MustEn
 char wishFor(Mode mode)
 {
     return mode == Mode::Off ? CannotEncrypt : mode == Mode::Require ? EncryptAll : EncryptLogin;
-}
-
-/// A socket that says and hears PRELOGIN packets before a deadline.
-class PreloginSocket
-{
-public:
-    explicit PreloginSocket(std::chrono::milliseconds timeout)
-        : m_deadline(timeout)
-    {
-        m_socket.setProxy(QNetworkProxy::NoProxy);
-    }
-
-    bool connect(const QString &host, quint16 port)
-    {
-        m_socket.connectToHost(KNHostCache::sharedInstance()->cachedIPAddressForHost(host), port);
-        return m_socket.waitForConnected(remaining());
-    }
-    bool hasTimedOut() const { return m_deadline.hasExpired(); }
-
-    bool sendPacket(const QByteArray &content)
-    {
-        const auto length = HeaderSize + content.size();
-        const char header[HeaderSize] = {PreloginPacket,
-                                         EndOfMessage,
-                                         static_cast<char>(length >> 8),
-                                         static_cast<char>(length),
-                                         0,
-                                         0,
-                                         0,
-                                         0};
-        m_socket.write(header, HeaderSize);
-        m_socket.write(content);
-        while (m_socket.bytesToWrite() > 0) {
-            if (!m_socket.waitForBytesWritten(remaining()))
-                return false;
-        }
-        return true;
-    }
-
-    /// At most `size` bytes of the content of the server's packets; nothing when it ends or the time is over.
-    QByteArray readContent(qsizetype size)
-    {
-        while (m_contentLeft == 0) {
-            const QByteArray header = readExactly(HeaderSize);
-            if (header.isEmpty() || hasTimedOut())
-                return QByteArray();
-            const auto byte = [&](int index) { return static_cast<unsigned char>(header.at(index)); };
-            m_contentLeft = std::max<qsizetype>(0, (byte(2) << 8 | byte(3)) - HeaderSize);
-        }
-        QByteArray content = readExactly(std::min(size, m_contentLeft));
-        m_contentLeft -= content.size();
-        return content;
-    }
-    /// The rest of the packet that was begun, or the whole next one.
-    QByteArray readPacket() { return readContent(std::numeric_limits<qsizetype>::max()); }
-
-private:
-    int remaining() const { return static_cast<int>(m_deadline.remainingTime()); }
-
-    QByteArray readExactly(qsizetype size)
-    {
-        while (m_socket.bytesAvailable() < size) {
-            if (!m_socket.waitForReadyRead(remaining()))
-                return QByteArray();
-        }
-        return m_socket.read(size);
-    }
-
-    const QDeadlineTimer m_deadline;
-    QTcpSocket m_socket;
-    qsizetype m_contentLeft = 0;
-};
-
-QByteArray preloginAsking(char encryption)
-{
-    constexpr char VersionOption = 0;
-    const char message[] = {
-        VersionOption, 0, 11, 0, 6, EncryptionOption, 0, 17, 0, 1, LastOption, 0, 0, 0, 0, 0, 0, encryption};
-    return QByteArray(message, sizeof message);
 }
 
 /// What a prelogin answers about encryption; empty when it does not.
@@ -128,7 +42,7 @@ std::optional<char> encryptionIn(const QByteArray &prelogin)
 class Handshake
 {
 public:
-    Handshake(PreloginSocket &socket, const MSSQLEncryption &encryption)
+    Handshake(MSSQLPreloginSocket &socket, const MSSQLEncryption &encryption)
         : m_socket(socket)
     {
         gnutls_certificate_allocate_credentials(&m_credentials);
@@ -191,7 +105,7 @@ private:
         return static_cast<ssize_t>(size);
     }
 
-    PreloginSocket &m_socket;
+    MSSQLPreloginSocket &m_socket;
     gnutls_certificate_credentials_t m_credentials = nullptr;
     gnutls_session_t m_session = nullptr;
     QByteArray m_written;
@@ -211,7 +125,7 @@ QByteArray certificateOf(gnutls_session_t session)
 }
 
 /// What the server shows in a handshake, measured by the settings.
-QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption,
+QString handshakeProblem(MSSQLPreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption,
                          QByteArray *certificate)
 {
     Handshake handshake(socket, encryption);
@@ -242,10 +156,11 @@ QString handshakeProblem(PreloginSocket &socket, const QString &host, const MSSQ
 
 QString MSSQLEncryptionProblem(const QString &host, quint16 port, const MSSQLEncryption &encryption,
                                std::chrono::milliseconds timeout, const QString &name,
-                               QByteArray *certificate)
+                               QByteArray *certificate, int cancelDescriptor)
 {
-    PreloginSocket socket(timeout);
-    if (!socket.connect(host, port) || !socket.sendPacket(preloginAsking(wishFor(encryption.mode))))
+    MSSQLPreloginSocket socket(MSSQLPreloginSocket::Clock::now() + timeout, cancelDescriptor);
+    if (!socket.connect(host, port) ||
+        !socket.sendPacket(MSSQLServerCheck::preloginAsking(wishFor(encryption.mode))))
         return QString();
     const QByteArray answer = socket.readPacket();
     if (answer.isEmpty())

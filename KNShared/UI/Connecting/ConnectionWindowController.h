@@ -3,6 +3,7 @@
 #include "Database/VantorDBC.h"
 #include "Foundation/KNError.h"
 #include "Recent/SQLRecentConnection.h"
+#include "SSH/KNSSHTunnelDelegate.h"
 #include "UI/Connecting/KNWindowController.h"
 
 /// What a connection dialog ends with, beside 0 for cancelled.
@@ -12,7 +13,7 @@ enum KNModalResponse {
 };
 
 /// A dialog that edits one connection, tests and remembers it. A connector subclasses it. On the UI thread.
-class KNSHAREDUI_EXPORT ConnectionWindowController : public KNWindowController
+class KNSHAREDUI_EXPORT ConnectionWindowController : public KNWindowController, public KNSSHTunnelDelegate
 {
     Q_OBJECT
 

@@ -1,5 +1,6 @@
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 
+#include "Database/VantorDatabaseConnectionPool.h"
 #include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
@@ -57,8 +58,12 @@ void KNDatabaseTreeViewController::setRoot(const Root &root)
     m_typing.stop();
     showNotice({});
     m_model->setRoot(root);
-    if (root)
-        m_view->expand(m_model->index(0, 0));
+    if (!root)
+        return;
+    // A new window is the user's wish to try again.
+    if (const auto &details = root->databaseConnectionDetails())
+        VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(*details);
+    m_view->expand(m_model->index(0, 0));
 }
 
 void KNDatabaseTreeViewController::deselectAll()

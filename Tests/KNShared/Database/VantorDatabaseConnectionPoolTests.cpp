@@ -1,4 +1,5 @@
 #include "Database/VantorDatabaseConnectionPool.h"
+#include "Database/VantorLoginProblem.h"
 #include "Database/VantorTabConnection.h"
 
 #include "Support/FakeDatabase.h"
@@ -356,6 +357,10 @@ TEST_F(ConnectionPool, ATabThatLostItsClientGoesOnInTheDatabaseItWasIn)
         },
         &error));
     EXPECT_FALSE(tab->isConnected());
+    EXPECT_FALSE(tab->executeQuery([](VantorDatabaseClient &, KNError *) { FAIL(); }, &error));
+    EXPECT_TRUE(VantorTabConnection::isSessionLost(error));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("\"shop\"")));
+    tab->beginNewSession();
     EXPECT_TRUE(tab->executeQuery(
         [](VantorDatabaseClient &client, KNError *) {
             EXPECT_EQ(client.databaseConnectionDetails().database(), QStringLiteral("shop"));
@@ -363,6 +368,82 @@ TEST_F(ConnectionPool, ATabThatLostItsClientGoesOnInTheDatabaseItWasIn)
         &error));
     EXPECT_FALSE(error);
     EXPECT_EQ(tab->connectionDetails()->database(), QStringLiteral("shop"));
+}
+
+TEST_F(ConnectionPool, ATabThatLostWhatItsSessionHeldRunsNothingUntilItIsConfirmed)
+{
+    VantorSessionState transaction;
+    transaction.hasTransaction = true;
+    VantorSessionState tables;
+    tables.hasTemporaryTables = true;
+    VantorSessionState options;
+    options.hasOptions = true;
+    const std::vector<std::pair<VantorSessionState, QString>> cases = {
+        {transaction,
+         QStringLiteral("The session was lost: its open transaction was rolled back by the server.")},
+        {tables, QStringLiteral("The session was lost: its temporary tables are gone.")},
+        {options, QStringLiteral("The session was lost: its SET options are gone.")}};
+    for (const auto &[state, text] : cases) {
+        const auto tab = pool.connectionForTab(settings);
+        EXPECT_TRUE(tab->executeQuery(doNothing, nullptr));
+        EXPECT_FALSE(tab->hasSessionState());
+        tab->addSessionState(state);
+        EXPECT_TRUE(tab->hasSessionState());
+        const int logins = server.logins;
+        server.hangsUp = true;
+        KNError error;
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_FALSE(tab->executeQuery([](VantorDatabaseClient &, KNError *) { FAIL(); }, &error));
+            EXPECT_TRUE(VantorTabConnection::isSessionLost(error));
+            EXPECT_EQ(error.localizedDescription(), text);
+        }
+        EXPECT_EQ(server.logins, logins);
+        server.hangsUp = false;
+        tab->beginNewSession();
+        EXPECT_TRUE(tab->executeQuery(doNothing, &error));
+        EXPECT_FALSE(tab->hasSessionState());
+    }
+}
+
+TEST_F(ConnectionPool, ATabThatLostAnEmptySessionConnectsAgainByItself)
+{
+    const auto tab = pool.connectionForTab(settings);
+    EXPECT_TRUE(tab->executeQuery(doNothing, nullptr));
+    VantorSessionState transaction;
+    transaction.hasTransaction = true;
+    tab->addSessionState(transaction);
+    tab->setHasTransaction(false); // it was committed
+    server.hangsUp = true;
+    EXPECT_TRUE(tab->executeQuery(doNothing, nullptr));
+    EXPECT_EQ(server.logins, 2);
+}
+
+TEST_F(ConnectionPool, ARefusedLoginIsNotTriedAgainWithWhatItWouldFindOut)
+{
+    pool.executeQuery(doNothing, settings, nullptr);
+    pool.closeIdleClients();
+    server.refusal = KNError(QStringLiteral("fake"), 1, QStringLiteral("wrong password"),
+                             VantorLoginProblemInfo(VantorLoginProblem::LoginRefused));
+    server.refusesLogins = true;
+    for (int round = 0; round < 3; ++round)
+        EXPECT_FALSE(pool.executeQuery(doNothing, settings, nullptr));
+    EXPECT_EQ(server.logins, 2);
+    server.refusesLogins = false;
+    pool.forgetRefusals(settings);
+    EXPECT_TRUE(pool.executeQuery(doNothing, settings, nullptr));
+    EXPECT_EQ(server.logins, 3);
+}
+
+TEST_F(ConnectionPool, ATabThatConnectsCanBeCancelled)
+{
+    const auto tab = pool.connectionForTab(settings);
+    server.duringLogin = [&] { EXPECT_TRUE(waitFor([&] { return server.cancels > 0; })); };
+    std::thread runner([&] { tab->executeQuery(doNothing, nullptr); });
+    EXPECT_TRUE(waitFor([&] { return server.logins == 1; }));
+    KNError error;
+    EXPECT_TRUE(tab->cancelCurrentQuery(&error));
+    runner.join();
+    EXPECT_EQ(server.cancels, 1);
 }
 
 TEST_F(ConnectionPool, ATabIsCancelledFromAnotherThread)

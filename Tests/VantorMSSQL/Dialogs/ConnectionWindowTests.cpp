@@ -3,6 +3,7 @@
 #include "SSH/KNSSHHostKey.h"
 #include "SSH/KNSSHProcess.h"
 #include "Support/HostileServerRelay.h"
+#include "Support/LoginCounter.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingStore.h"
@@ -175,6 +176,21 @@ TEST_F(ConnectionWindow, StaysOpenWithAWrongPasswordAndASecondAttemptWorks)
     ASSERT_TRUE(waitFor([this] { return m_result.has_value(); }));
     EXPECT_EQ(m_result, KNModalResponseSaveAndConnect);
     EXPECT_EQ(m_alerts.errors.size(), 1U);
+}
+
+TEST_F(ConnectionWindow, CostsOneLoginForEachActionThatTheServerRefuses)
+{
+    const LoginCounter server;
+    open();
+    fillIn("wrong", server.port());
+    m_form->database->setEditText(QStringLiteral("shop"));
+    m_dialog->onConnectAndSave();
+    ASSERT_TRUE(waitFor([this] { return !m_alerts.errors.empty(); }));
+    EXPECT_EQ(server.logins(), 1);
+    m_form->database->showPopup();
+    ASSERT_TRUE(waitFor([this] { return !m_form->databaseProgress->problem().isNull(); }));
+    m_form->database->hidePopup();
+    EXPECT_EQ(server.logins(), 2);
 }
 
 TEST_F(ConnectionWindow, KeepsTheIdOfTheEntryThatIsEdited)

@@ -3,6 +3,7 @@
 #include "Support/TestCertificates.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
+#include <algorithm>
 #include <thread>
 
 using namespace WireTest;
@@ -32,15 +33,18 @@ public:
 
     KNResultSetHolder &holder() { return m_holder; }
     const KNError &error() const { return m_error; }
+    /// What the last cancel() has reported.
+    const KNError &cancelError() const { return m_cancelError; }
 
     /// Cancels, and gives the milliseconds until both threads had control again.
     double cancel()
     {
         const auto start = Clock::now();
-        KNError error;
         // On a busy machine the first request may come before the run has begun.
         do {
-            EXPECT_TRUE(m_client.cancelCurrentQuery(&error)) << error.localizedDescription().toStdString();
+            m_cancelError.clear();
+            const bool isCancelled = m_client.cancelCurrentQuery(&m_cancelError);
+            EXPECT_EQ(isCancelled, !m_cancelError);
         } while (!m_client.wasCancelled() && !m_done);
         EXPECT_TRUE(waitFor([this] { return m_done.load(); }));
         return millisecondsSince(start);
@@ -50,6 +54,7 @@ private:
     MSSQLClient &m_client;
     KNResultSetHolder m_holder;
     KNError m_error;
+    KNError m_cancelError;
     std::atomic<bool> m_done = false;
     std::thread m_thread;
 };
@@ -141,18 +146,23 @@ TEST_P(Cancelling, ALockWaitGivesControlBackAtOnce)
 
 TEST_P(Cancelling, StreamingRowsStopAndStay)
 {
-    for (int i = 0; i < 10; ++i) {
+    std::vector<double> times;
+    for (int i = 0; i < 11; ++i) {
         Running batch(*client, QStringLiteral("SELECT * FROM generate_rows(100000000)"));
         ASSERT_TRUE(batch.holder().waitForMoreThan(0, std::chrono::seconds(30)));
         const auto resultSet = batch.holder().resultSets().first();
         ASSERT_TRUE(waitFor([&] { return resultSet->rows().rowCount() > 5000; }));
-        EXPECT_LT(batch.cancel(), WhileStreaming);
+        times.push_back(batch.cancel());
         EXPECT_FALSE(batch.error());
         EXPECT_GT(resultSet->rows().rowCount(), 5000);
         EXPECT_EQ(resultSet->numberOfRowsAffected(), resultSet->rows().rowCount());
         EXPECT_TRUE(resultSet->messages().first().text.startsWith(QStringLiteral("Query was cancelled.")));
         EXPECT_TRUE(resultSet->isFinished());
     }
+    // A busy machine holds single rounds up.
+    std::sort(times.begin(), times.end());
+    EXPECT_LT(times[times.size() / 2], WhileStreaming);
+    EXPECT_LT(times.back(), 20 * WhileStreaming);
     expectSessionLivesOn();
 }
 
@@ -235,8 +245,10 @@ TEST(CancellingAStalledServer, InTheMiddleOfATlsRecordLosesTheSessionWithinTwoSe
 {
     static const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
     HostileServerRelay relay(server.port(), HostileServerRelay::Fault::Stall, UINT64_MAX);
+    connectedClient(encryptedSettings(relay.port())); // the next login needs one connection only
+    const std::uint64_t before = relay.bytesFromServer();
     const auto client = connectedClient(encryptedSettings(relay.port()));
-    relay.strikeAfter(relay.bytesFromServer() + 30);
+    relay.strikeAfter(relay.bytesFromServer() - before + 30);
     Running batch(*client, QStringLiteral("SELECT 1"));
     isWaitingAtServer(*client);
     EXPECT_LT(batch.cancel(), 2000 * Slowness);
@@ -256,6 +268,9 @@ TEST(CancellingAStalledServer, ThatNeverAcknowledgesEndsWithThePatience)
     isWaitingAtServer(*client);
     EXPECT_LT(batch.cancel(), 5000);
     EXPECT_FALSE(client->isConnected());
+    EXPECT_EQ(batch.cancelError().localizedDescription(), QStringLiteral("Failed to cancel query."));
+    EXPECT_EQ(batch.cancelError().domain(), QString());
+    EXPECT_EQ(batch.cancelError().code(), 0);
 }
 
 TEST(CancellingAStalledServer, ThatTakesItsTimeToUndoWorkKeepsTheSession)

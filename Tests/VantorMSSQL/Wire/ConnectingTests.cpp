@@ -118,8 +118,7 @@ TEST(Connecting, AWrongPasswordIsReportedWithTheServersWords)
     EXPECT_EQ(error.code(), 0);
     EXPECT_EQ(error.localizedDescription(),
               QStringLiteral("Login failed for user 'sa'. (Msg 18456, Level 14)."));
-    EXPECT_EQ(log.filter(QStringLiteral("Going to dbopen with NTLMv2: NO")).size(), 4);
-    EXPECT_TRUE(log.filter(QStringLiteral("Going to dbopen with NTLMv2: YES")).isEmpty());
+    EXPECT_EQ(log.filter(QStringLiteral("Going to dbopen")).size(), 1); // others would count as well
     EXPECT_TRUE(log.filter(details->password()).isEmpty());
     EXPECT_FALSE(details->description().contains(details->password()));
     EXPECT_FALSE(client.isConnected());

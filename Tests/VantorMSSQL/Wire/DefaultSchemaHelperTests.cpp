@@ -55,7 +55,7 @@ TEST(DefaultSchemaHelper, NoRowsGiveAnEmptySchemaThatIsKept)
     MSSQLDefaultSchemaHelper helper;
     EXPECT_EQ(helper.schemaForDBC(*details), QStringLiteral(""));
     EXPECT_EQ(helper.schemaForDBC(*details), QStringLiteral(""));
-    EXPECT_EQ(server.connectionCount(), 1U);
+    EXPECT_EQ(server.connectionCount(), 2U); // the look whether it answers, and the login
 }
 
 TEST(DefaultSchemaHelper, ConnectionsShareByTheirDescription)

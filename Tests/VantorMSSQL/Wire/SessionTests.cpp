@@ -75,3 +75,37 @@ TEST(Session, KnowsWhichTextsMayChangeATransaction)
     for (const char *text : {"select 'commit'", "-- exec", "select [rollback] from transactions", ""})
         EXPECT_FALSE(client->mayChangeTransaction(QString::fromLatin1(text))) << text;
 }
+
+TEST(SessionState, IsWhatStatementsMayLeaveInTheSession)
+{
+    const MSSQLClient client(settings(1));
+    const auto after = [&](const char *sql) { return client.sessionStateAfter(QString::fromUtf8(sql)); };
+    for (const char *sql : {"BEGIN TRAN", "begin transaction", "SET IMPLICIT_TRANSACTIONS ON", "EXEC p"})
+        EXPECT_TRUE(after(sql).hasTransaction) << sql;
+    for (const char *sql : {"CREATE TABLE #t (a int)", "SELECT 1 AS a INTO #t", "select * into [#t] from x",
+                            "create /* a */ table\n ##all (a int)"})
+        EXPECT_TRUE(after(sql).hasTemporaryTables) << sql;
+    for (const char *sql :
+         {"SET NOCOUNT ON", "set transaction isolation level snapshot", "SET ROWCOUNT 5",
+          "SET LANGUAGE 'German'", "EXECUTE AS USER = 'x'", "EXEC sp_set_session_context N'a', 1"})
+        EXPECT_TRUE(after(sql).hasOptions) << sql;
+    for (const char *sql :
+         {"SELECT 1", "UPDATE t SET language = 'x', a = 1", "SET @x = 1", "PRINT 'SET NOCOUNT ON'",
+          "-- SET NOCOUNT ON\nSELECT 1", "SELECT * FROM #t", "CREATE TABLE t (a int)"}) {
+        EXPECT_FALSE(after(sql).hasTransaction) << sql;
+        EXPECT_FALSE(after(sql).hasTemporaryTables) << sql;
+        EXPECT_FALSE(after(sql).hasOptions) << sql;
+    }
+}
+
+TEST(Session, WithATransactionIsNotReplacedForAnotherDatabase)
+{
+    SampleServerFixture server({.arguments = {"--edition", "azure"}});
+    const auto client = connectedClient(settings(server.port()));
+    run(*client, QStringLiteral("BEGIN TRANSACTION"));
+    KNError error;
+    EXPECT_FALSE(client->changeDatabase(QStringLiteral("library"), &error));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("transaction")))
+        << error.localizedDescription().toStdString();
+    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT @@TRANCOUNT")), KNValue(1));
+}

@@ -1,6 +1,7 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
 #include "Database/DatabaseResultSet.h"
+#include "Database/VantorLoginProblem.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNLogHelper.h"
@@ -25,13 +26,16 @@ namespace {
 const QString SourcePath =
     QStringLiteral("UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController");
 
-/// The databases that a login sees. The one in the settings may be half typed. Blocks.
+/// The databases that a login sees. The one in the settings may be half typed, so another login without it is
+/// made if the server refuses that database; never after a refused login, which counts against the account.
+/// Blocks.
 QStringList databasesSeenBy(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &details, KNError *error)
 {
     QStringList names;
     MSSQLClient client(details);
     if (!client.connect(error)) {
-        if (details->database().isEmpty())
+        const bool isDatabase = VantorLoginProblemOf(*error) == VantorLoginProblem::DatabaseRefused;
+        if (details->database().isEmpty() || !isDatabase)
             return names;
         details->setDatabase(QString());
         return databasesSeenBy(details, error);
@@ -217,7 +221,8 @@ void MSSQLConnectionWindowController::tryToConnect(const Details &details, bool 
     KNAssert(details != nullptr, "localDatabaseConnectionDetails cannot be nil", SourcePath.toUtf8());
     KNDispatch::globalQueue([this, guard = QPointer(this), details, mayAskForHostKey] {
         KNError error;
-        const bool isConnected = MSSQLClient(details).connect(&error);
+        const bool isConnected =
+            MSSQLClient(details).connect(&error, static_cast<KNSSHTunnelDelegate *>(this));
         KNDispatch::mainQueue([this, guard, details, mayAskForHostKey, isConnected, error] {
             if (!guard || closed())
                 return;

@@ -1,0 +1,3 @@
+#include "SSH/KNSSHTunnelDelegate.h"
+
+KNSSHTunnelDelegate::~KNSSHTunnelDelegate() = default;

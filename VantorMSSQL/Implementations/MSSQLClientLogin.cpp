@@ -1,0 +1,180 @@
+#include "Foundation/KNLogHelper.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLLoginError.h"
+#include "Implementations/MSSQLLoginFile.h"
+#include "Implementations/MSSQLLoginWatch.h"
+#include "Implementations/MSSQLMessageList.h"
+
+#include <sybdb.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+struct LoginDeleter
+{
+    void operator()(LOGINREC *login) const { dbloginfree(login); }
+};
+
+constexpr qsizetype LongestLoginText = 128; ///< bytes that db-lib takes for each text of a login
+
+/// Serialises every login of the process.
+KNSemaphore &connectSemaphore()
+{
+    static KNSemaphore semaphore(QStringLiteral("com.quorvex.vantor.mssql.connectSemaphore"));
+    return semaphore;
+}
+
+/// Waits for the turn of a login, until its deadline or until it is cancelled; false then.
+bool waitForTurn(const MSSQLCancellation &cancellation)
+{
+    constexpr std::chrono::milliseconds Step(50);
+    while (!cancellation.isRequested() && !cancellation.isDeadlineOver()) {
+        if (connectSemaphore().waitFor(Step))
+            return true;
+    }
+    return false;
+}
+
+struct TurnEnd
+{
+    ~TurnEnd() { connectSemaphore().signal(); }
+};
+
+/// Variables with which db-lib would let itself be sent elsewhere, or write passwords to a file. Logins are
+/// serialised where this is called; once gone, nothing is written here any more.
+void shieldFromEnvironment()
+{
+    for (const char *variable : {"TDSVER", "TDSPORT", "TDSHOST", "TDSDUMP", "TDSDUMPCONFIG"})
+        unsetenv(variable);
+}
+
+/// What keeps a text out of a login; null when nothing does.
+QString problemOfLoginText(const char *name, const QString &text)
+{
+    if (text.contains(QChar::Null))
+        return KNFormat("The %@ contains a NUL character, which no login can carry.", name);
+    const qsizetype size = text.toUtf8().size();
+    if (size > LongestLoginText)
+        return KNFormat("The %@ has %ld bytes in UTF-8. A login can carry %ld.", name, size,
+                        LongestLoginText);
+    return QString();
+}
+
+KNError libraryError(const char *what)
+{
+    return MSSQLLoginError::hopeless(KNFormat("The database library does not accept the login's %@.", what));
+}
+
+} // namespace
+
+bool MSSQLClient::fitsLogin(const QString &text)
+{
+    return text.toUtf8().size() <= LongestLoginText;
+}
+
+/// False with an error when db-lib cannot carry the user name or the password. A database with a long name is
+/// reached after the login.
+bool MSSQLClient::checkLoginTexts(KNError *error) const
+{
+    QString problem = problemOfLoginText("user name", m_databaseConnectionDetails->username());
+    if (problem.isNull())
+        problem = problemOfLoginText("password", m_databaseConnectionDetails->password());
+    if (problem.isNull() && m_databaseConnectionDetails->database().contains(QChar::Null))
+        problem = QStringLiteral("The name of the database contains a NUL character.");
+    if (problem.isNull())
+        return true;
+    *error = MSSQLLoginError::hopeless(problem);
+    return false;
+}
+
+/// Logs in, and once more with the completed user name where the server is one of Azure. False when no
+/// connection was opened; the error is set only if the reason is not in the messages.
+bool MSSQLClient::logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &file,
+                        const MSSQLServerAddress &server, KNError *error)
+{
+    MSSQLDatabaseConnectionDetails *details = m_databaseConnectionDetails.get();
+    dbsetversion(DBVERSION_UNKNOWN); // fails with an "Illegal version" that has no effect
+    const std::unique_ptr<LOGINREC, LoginDeleter> login(dblogin());
+    MSSQLMessageList::sharedInstance().clearMessage();
+    if (!login) {
+        *error = libraryError("record");
+        return false;
+    }
+    if (const char *refused = fillLogin(login.get(), useNTLMv2, tdsVersion)) {
+        *error = libraryError(refused);
+        return false;
+    }
+    error->clear();
+    if (openHandle(login.get(), file, server))
+        return true;
+    const QString completed = azureUserName(details->username(), details->host());
+    if (completed.isNull() || m_cancellation.isRequested() || m_cancellation.isDeadlineOver())
+        return false;
+    KNLogHelper::sharedInstance()->logMessage(
+        "Failed to login into Azure. Attempting to add suffix to username.");
+    MSSQLMessageList::sharedInstance().clearMessage();
+    details->setUsername(completed);
+    if (!checkLoginTexts(error))
+        return false;
+    if (DBSETLUSER(login.get(), completed.toUtf8().constData()) != SUCCEED) {
+        *error = libraryError("user name");
+        return false;
+    }
+    return openHandle(login.get(), file, server);
+}
+
+/// The name of the setting that db-lib does not take; null when it has taken all.
+const char *MSSQLClient::fillLogin(LOGINREC *login, bool useNTLMv2, int tdsVersion) const
+{
+    const MSSQLDatabaseConnectionDetails &details = *m_databaseConnectionDetails;
+    if (DBSETLCHARSET(login, "UTF-8") != SUCCEED)
+        return "character set";
+    if (DBSETLPWD(login, details.password().toUtf8().constData()) != SUCCEED)
+        return "password";
+    if (DBSETLUSER(login, details.username().toUtf8().constData()) != SUCCEED)
+        return "user name";
+    if (dbsetlbool(login, 1, DBSETBCP) != SUCCEED)
+        return "bulk copy flag";
+    if (DBSETLAPP(login, "Vantor for MSSQL (https://vantor.example)") != SUCCEED)
+        return "application name";
+    if (dbsetlversion(login, static_cast<BYTE>(tdsVersion)) != SUCCEED)
+        return "protocol version";
+    if (dbsetlbool(login, useNTLMv2, DBSETNTLMV2) != SUCCEED)
+        return "NTLMv2 flag";
+    if (dbsetlbool(login, details.isReadOnlyIntended(), DBSETREADONLY) != SUCCEED)
+        return "application intent";
+    const QString database = details.database();
+    if (!database.isEmpty() && fitsLogin(database) &&
+        DBSETLDBNAME(login, database.toUtf8().constData()) != SUCCEED)
+        return "database";
+    return nullptr;
+}
+
+bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file, const MSSQLServerAddress &server)
+{
+    if (!waitForTurn(m_cancellation))
+        return false;
+    const TurnEnd turn;
+    shieldFromEnvironment();
+    dbsetifile(file.path().data());
+    // The time-out is db-lib's for the whole process; logins are serialised here, so each runs under its own.
+    const auto left = std::chrono::ceil<std::chrono::seconds>(loginTimeLeft());
+    if (dbsetlogintime(static_cast<int>(std::max<qint64>(1, left.count()))) != SUCCEED)
+        return false;
+    DBPROCESS *handle = nullptr;
+    {
+        const MSSQLLoginWatch watch(m_cancellation, server.port);
+        handle = tdsdbopen(login, file.entry().constData(), 1);
+    }
+    if (handle) {
+        dbsetuserdata(handle, reinterpret_cast<BYTE *>(&m_cancellation));
+        dbsetinterrupt(handle, check_interrupt, handle_interrupt);
+    }
+    const KNSemaphoreLocker locker(m_dbProcSemaphore);
+    m_dbProc = handle;
+    return handle != nullptr;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+
+/// A TCP connection of our own on which PRELOGIN packets (MS-TDS 2.2.3, 2.2.6.5) are exchanged before a
+/// deadline. Blocks; used by one thread.
+class MSSQLPreloginSocket
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    enum class State { Good, TimedOut, Cancelled, Refused, Closed, Failed };
+
+    /// `cancelDescriptor` ends every wait when it can be read; -1 for none. It must outlive the socket.
+    explicit MSSQLPreloginSocket(Clock::time_point deadline, int cancelDescriptor = -1);
+    ~MSSQLPreloginSocket();
+    MSSQLPreloginSocket(const MSSQLPreloginSocket &) = delete;
+    MSSQLPreloginSocket &operator=(const MSSQLPreloginSocket &) = delete;
+
+    bool connect(const QString &host, quint16 port);
+    /// Sends one packet, which may hold up to 65527 bytes of content.
+    bool sendPacket(const QByteArray &content);
+    /// At most `size` bytes of the content of the server's packets; empty when there are no more.
+    QByteArray readContent(qsizetype size);
+    /// The rest of the packet that was begun, or the whole next one.
+    QByteArray readPacket();
+
+    /// Why the last call failed.
+    State state() const { return m_state; }
+    bool hasTimedOut() const { return m_state == State::TimedOut || Clock::now() >= m_deadline; }
+    /// The operating system's words for a state of Failed; null otherwise.
+    QString reason() const { return m_reason; }
+
+private:
+    bool wait(short events);
+    bool fail(int error);
+    QByteArray readExactly(qsizetype size);
+
+    const Clock::time_point m_deadline;
+    const int m_cancelDescriptor;
+    int m_socket = -1;
+    qsizetype m_contentLeft = 0;
+    State m_state = State::Good;
+    QString m_reason;
+};
