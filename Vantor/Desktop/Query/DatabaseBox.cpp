@@ -57,6 +57,7 @@ void DatabaseBox::load()
     KNDispatch::globalQueue([box = QPointer(this), details = m_details->copy()] {
         KNError error;
         QStringList names;
+        VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(*details);
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
             [&](VantorDatabaseClient &client, KNError *failure) { names = client.databaseNames(failure); },
             *details, &error, true);

@@ -67,6 +67,9 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
         phase = Phase::Running;
     }
     results->setRowLimit(request.rowLimit);
+    // Before they run: the session may be lost with what they have done.
+    for (const KNQueryDetails &batch : batches)
+        connection->addSessionState(client.sessionStateAfter(batch.targetQuery));
     client.executeQueryDetails(batches, *results, {}, error);
     outcome->wasCancelled = client.wasCancelled();
     {
@@ -83,6 +86,8 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
     } else if (request.asksForTransaction || mayHaveChanged) {
         KNError ignored;
         outcome->inTransaction = client.isInTransaction(&ignored);
+        if (outcome->inTransaction)
+            connection->setHasTransaction(*outcome->inTransaction);
     }
 }
 
@@ -91,12 +96,10 @@ void QueryRun::Work::cancelUntilDone()
 {
     std::unique_lock lock(mutex);
     while (phase != Phase::Done) {
-        if (phase == Phase::Running) {
-            lock.unlock();
-            KNError ignored;
-            connection->cancelCurrentQuery(&ignored);
-            lock.lock();
-        }
+        lock.unlock();
+        KNError ignored;
+        connection->cancelCurrentQuery(&ignored);
+        lock.lock();
         changed.wait_for(lock, std::chrono::milliseconds(20), [this] { return phase == Phase::Done; });
     }
 }
@@ -137,15 +140,15 @@ void QueryRun::cancel()
         if (m_work->isCancelled || m_work->phase == Work::Phase::Done)
             return;
         m_work->isCancelled = true;
-        m_hasLeftConnection = m_work->phase == Work::Phase::Connecting && !m_work->connection->isConnected();
+        m_hasLeftConnection = m_work->phase == Work::Phase::Connecting &&
+                              !m_work->connection->isConnected() && !m_work->connection->hasSessionState();
     }
+    KNDispatch::globalQueue([work = m_work] { work->cancelUntilDone(); });
     if (m_hasLeftConnection) {
         QueryOutcome outcome;
         outcome.wasCancelled = true;
         finish(outcome);
-        return;
     }
-    KNDispatch::globalQueue([work = m_work] { work->cancelUntilDone(); });
 }
 
 qint64 QueryRun::elapsedMilliseconds() const

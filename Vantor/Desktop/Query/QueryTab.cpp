@@ -312,6 +312,10 @@ void QueryTab::finishRun()
     tick();
     showOutcome();
     const QueryRequest &request = m_run->request();
+    if (VantorTabConnection::isSessionLost(outcome.error)) {
+        askAboutLostSession(outcome.error, [this, request] { start(request); });
+        return;
+    }
     Q_EMIT runFinished({m_runBegan,
                         request.part == QueryRequest::Part::Range
                             ? request.text.mid(request.range.location, request.range.length)
@@ -380,21 +384,40 @@ void QueryTab::changeDatabase(const QString &name)
                 database = client.currentDatabase();
             },
             &error);
-        KNDispatch::mainQueue([tab, database, error] {
+        KNDispatch::mainQueue([tab, name, database, error] {
             if (tab)
-                tab->endChangeOfDatabase(database, error);
+                tab->endChangeOfDatabase(name, database, error);
         });
     });
 }
 
-void QueryTab::endChangeOfDatabase(const QString &database, const KNError &error)
+/// `name` is the database that was wanted, `database` the one that the session is in.
+void QueryTab::endChangeOfDatabase(const QString &name, const QString &database, const KNError &error)
 {
     m_isChangingDatabase = false;
-    if (error)
+    if (VantorTabConnection::isSessionLost(error))
+        askAboutLostSession(error, [this, name] { changeDatabase(name); });
+    else if (error)
         KNAlerts::shared().showError(this, error);
     showDatabase(database.isNull() ? m_database : database);
     if (const auto next = std::exchange(m_afterChangeOfDatabase, {}); next && !error)
         next();
+}
+
+/// Nothing runs on a new session before the user knows what was lost with the old one.
+void QueryTab::askAboutLostSession(const KNError &error, std::function<void()> proceed)
+{
+    const KNAlerts::Question question{error.localizedDescription(),
+                                      tr("Run on a new connection?"),
+                                      {tr("Cancel"), tr("Run on New Connection")}};
+    KNAlerts::shared().ask(this, question,
+                           [self = QPointer(this), connection = m_connection, proceed](int button) {
+                               if (!self || button != 1 || self->isRunning())
+                                   return;
+                               connection->beginNewSession();
+                               self->m_hasOpenTransaction = false;
+                               proceed();
+                           });
 }
 
 void QueryTab::showDatabase(const QString &name)

@@ -109,7 +109,8 @@ private:
     void finishRun();
     void showOutcome();
     void markError(const KNError &error);
-    void endChangeOfDatabase(const QString &database, const KNError &error);
+    void endChangeOfDatabase(const QString &name, const QString &database, const KNError &error);
+    void askAboutLostSession(const KNError &error, std::function<void()> proceed);
     void showDatabase(const QString &name);
     void newConnection(const VantorDBC &details);
     void releaseConnection();

@@ -194,6 +194,40 @@ TEST_F(QueryTabs, SayWhyThereIsNoConnection)
     EXPECT_EQ(other.messages()->errorCount(), 1);
 }
 
+TEST_F(QueryTabs, RunNothingOnANewConnectionUntilTheLossOfATransactionIsConfirmed)
+{
+    auto server = std::make_unique<SampleServerFixture>();
+    const std::uint16_t port = server->port();
+    QueryTab other(*DesktopTesting::settingsFor(*server, QStringLiteral("shop")));
+    run(other, QStringLiteral("begin transaction"));
+    EXPECT_TRUE(other.status().hasOpenTransaction);
+    server->kill();
+    server = std::make_unique<SampleServerFixture>(
+        SampleServerFixture::Options{{"--port", std::to_string(port)}, {}});
+
+    run(other, QStringLiteral("create table shop.dbo.committed (a int)"));
+    ASSERT_EQ(alerts.questions.size(), 1u);
+    EXPECT_EQ(alerts.questions[0].title,
+              QStringLiteral("The session was lost: its open transaction was rolled back by the server."));
+    EXPECT_EQ(alerts.questions[0].text, QStringLiteral("Run on a new connection?"));
+    alerts.pending.at(0)(0);
+    EXPECT_FALSE(other.isRunning());
+    QueryTab reader(*DesktopTesting::settingsFor(*server, QStringLiteral("shop")));
+    const QString count = QStringLiteral("select 1 from sys.tables where name = 'committed'");
+    run(reader, count);
+    EXPECT_EQ(reader.status().rowCount, 0);
+
+    other.run(); // asks again
+    ASSERT_TRUE(finish(other));
+    ASSERT_EQ(alerts.pending.size(), 2u);
+    alerts.pending.at(1)(1);
+    ASSERT_TRUE(finish(other));
+    EXPECT_FALSE(other.status().hasOpenTransaction);
+    reader.run();
+    ASSERT_TRUE(finish(reader));
+    EXPECT_EQ(reader.status().rowCount, 1);
+}
+
 TEST_F(QueryTabs, HaveSessionsOfTheirOwn)
 {
     QueryTab other(*sampleSettings());
