@@ -17,6 +17,7 @@ const QString NullText = QStringLiteral("NullText");
 const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
+const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
 /// The number, or the default where there is none or it is out of bounds.
 int number(const QString &key, int defaultValue, int minimum, int maximum)
@@ -52,6 +53,7 @@ KNPreferences KNPreferences::current()
     preferences.dateFormat = static_cast<DateFormat>(number(DateFormatKey, 0, 0, 1));
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
     preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
+    preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
     return preferences;
 }
 
@@ -65,6 +67,7 @@ void KNPreferences::save() const
     defaults.setObject(DateFormatKey, static_cast<int>(dateFormat));
     defaults.setObject(ThemeKey, static_cast<int>(theme));
     defaults.setObject(ReopensTabs, reopensTabs);
+    defaults.setObject(TracesProtocol, tracesProtocol);
     defaults.synchronize();
     KNNotificationCenter::defaultCenter()->post(ChangedNotificationName);
 }

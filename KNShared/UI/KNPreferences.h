@@ -24,6 +24,8 @@ struct KNSHAREDUI_EXPORT KNPreferences
     Theme theme = Theme::FollowsDesktop;
     bool reopensTabs = true; ///< the tabs of the last session come back when its connection is opened
 
+    bool tracesProtocol = false; ///< from the program's start on
+
     static KNPreferences current();
     /// What holds as long as the user has chosen nothing.
     static KNPreferences defaults();

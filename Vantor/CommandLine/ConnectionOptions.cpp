@@ -52,6 +52,7 @@ void ConnectionOptions::addTo(QCommandLineParser &parser)
         {text("user"), text("The login name; DOMAIN\\user for a Windows login."), text("name")},
         {text("database"), text("The database to begin in."), text("name")},
         {text("login-timeout"), text("How long connecting may take; 15 when not given."), text("seconds")},
+        {text("trace"), text("Write a trace of the protocol, and print the path of its file.")},
         {text("encrypt"),
          text("Encryption: off; request (the default: the login, when the server can); or require "
               "(everything, with a certificate that is verified; the default with one of the next three)."),
@@ -72,6 +73,7 @@ std::optional<ConnectionOptions> ConnectionOptions::from(const QCommandLineParse
     };
     ConnectionOptions options;
     options.useSampleServer = parser.isSet(QStringLiteral("sample"));
+    options.writesTrace = parser.isSet(QStringLiteral("trace"));
     options.server = value("server");
     options.user = value("user");
     options.database = value("database");

@@ -14,9 +14,10 @@ struct ConnectionOptions
     bool useSampleServer = false;
     QString server; ///< HOST[,PORT][\INSTANCE]
     QString user;
-    QString database;       ///< null when not given
-    int loginTimeout = 15;  ///< seconds
-    QVariantMap encryption; ///< session parameters for the connection; empty for its defaults
+    QString database;         ///< null when not given
+    int loginTimeout = 15;    ///< seconds
+    bool writesTrace = false; ///< of the protocol
+    QVariantMap encryption;   ///< session parameters for the connection; empty for its defaults
 
     bool namesServer() const { return useSampleServer || !server.isEmpty(); }
 

@@ -23,6 +23,12 @@ ExitStatus ServerConnection::prepare(const ConnectionOptions &options, const Van
                                      KNError *error)
 {
     m_settings = settings;
+    if (options.writesTrace) {
+        const QString trace = settings->startProtocolTrace();
+        Terminal::printError(trace.isNull() ? QStringLiteral("The trace of the protocol cannot be written.")
+                                            : KNFormat("The trace of the protocol is written to %@", trace),
+                             Terminal::Colour::Yellow);
+    }
     settings->setDatabase(options.database);
     QVariantMap sessionParameters = options.encryption;
     sessionParameters.insert(QStringLiteral("loginTimeout"), options.loginTimeout);

@@ -5,8 +5,10 @@
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/KNConnectorUserInterface.h"
+#include "UI/KNPreferences.h"
 
 namespace {
 
@@ -30,11 +32,21 @@ bool Application::start()
             std::fprintf(stderr, "%s\n", problem.toLocal8Bit().constData());
         return false;
     }
+    if (m_options.writesTrace || KNPreferences::current().tracesProtocol)
+        startProtocolTrace();
     if (m_options.useSampleServer)
         openSampleServer();
     else
         showConnections();
     return true;
+}
+
+void Application::startProtocolTrace() const
+{
+    const QString path = m_connector->createConnectionDetails()->startProtocolTrace();
+    const QString text = path.isNull() ? QStringLiteral("The trace of the protocol cannot be written.")
+                                       : KNFormat("The trace of the protocol is written to %@", path);
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
 MainWindow *Application::openConnection(const VantorDBC &details)

@@ -30,6 +30,7 @@ public:
 
 public Q_SLOTS:
     void openSampleServer();
+    void startProtocolTrace() const;
     void showConnections();
 
 private:

@@ -12,6 +12,7 @@ const char HelpText[] =
     "\n"
     "Options:\n"
     "  --sample   start a private sample server and open its window\n"
+    "  --trace    write a trace of the protocol into the folder of the logs\n"
     "  --version  print the version\n"
     "  --help     print this\n"
     "\n"
@@ -30,6 +31,8 @@ std::optional<Options> Options::parse(const QStringList &arguments, int *exitSta
             areOptionsOver = true;
         } else if (argument == QLatin1String("--sample")) {
             options.useSampleServer = true;
+        } else if (argument == QLatin1String("--trace")) {
+            options.writesTrace = true;
         } else if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
             std::fputs(HelpText, stdout);
             *exitStatus = 0;

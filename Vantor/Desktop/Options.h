@@ -8,6 +8,7 @@
 struct Options
 {
     bool useSampleServer = false;
+    bool writesTrace = false; ///< of the protocol
     QStringList files;
 
     /// Empty when the program is to end at once, with `exitStatus`: what was asked for is printed, or what is

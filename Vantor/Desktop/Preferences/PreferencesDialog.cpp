@@ -20,6 +20,7 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     , m_dateFormat(new QComboBox)
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
+    , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
 {
     setWindowTitle(tr("Preferences"));
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
@@ -76,6 +77,10 @@ QWidget *PreferencesDialog::makeProgramGroup()
     m_theme->addItems({tr("As the desktop"), tr("Light"), tr("Dark")});
     form->addRow(tr("&Appearance:"), m_theme);
     form->addRow(m_reopensTabs);
+    m_tracesProtocol->setToolTip(
+        tr("The trace is a file in the folder of the logs. It holds statements and results, "
+           "but no password of a login."));
+    form->addRow(m_tracesProtocol);
     return group;
 }
 
@@ -89,6 +94,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_dateFormat->setCurrentIndex(static_cast<int>(preferences.dateFormat));
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
+    m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
 
 KNPreferences PreferencesDialog::edited() const
@@ -102,6 +108,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.dateFormat = static_cast<KNPreferences::DateFormat>(m_dateFormat->currentIndex());
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
+    preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;
 }
 

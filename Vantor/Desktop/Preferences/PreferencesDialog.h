@@ -34,4 +34,5 @@ private:
     QComboBox *const m_dateFormat;
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
+    QCheckBox *const m_tracesProtocol;
 };

@@ -17,9 +17,11 @@ QStringList arguments(std::initializer_list<const char *> texts)
 TEST(Options, KnowFilesAndTheSampleServer)
 {
     int status = -1;
-    const auto options = Options::parse(arguments({"a.sql", "--sample", "--", "--b.sql"}), &status);
+    const auto options =
+        Options::parse(arguments({"a.sql", "--sample", "--trace", "--", "--b.sql"}), &status);
     ASSERT_TRUE(options);
     EXPECT_TRUE(options->useSampleServer);
+    EXPECT_TRUE(options->writesTrace);
     EXPECT_EQ(options->files, (QStringList{QStringLiteral("a.sql"), QStringLiteral("--b.sql")}));
 }
 
