@@ -1,4 +1,5 @@
 #include "Support/HostileServerRelay.h"
+#include "Support/LoginCounter.h"
 #include "Vantor/Program.h"
 
 #include <QFile>
@@ -284,4 +285,37 @@ TEST(CatalogCommand, ARefusedQueryIsAnErrorAndNoEmptyAnswer)
     EXPECT_TRUE(outcome.output.contains("List_KeysForTable                           ERROR "))
         << outcome.output.toStdString();
     EXPECT_TRUE(outcome.output.contains("List_IndexesForTable                        ok, "));
+}
+
+TEST(RefusedLogin, CostsATerminalCommandOneAttempt)
+{
+    for (const char *command : {"query", "tree", "catalog"}) {
+        const LoginCounter server;
+        QStringList arguments{QString::fromUtf8(command), QStringLiteral("--server"), serverAt(server.port()),
+                              QStringLiteral("--user"), QStringLiteral("sa")};
+        if (arguments[0] == QLatin1String("query"))
+            arguments.append(QStringLiteral("SELECT 1"));
+        if (arguments[0] == QLatin1String("catalog"))
+            arguments.append(QStringLiteral("General_ListDatabases"));
+        const Outcome outcome = Program(arguments).wait();
+        EXPECT_EQ(outcome.status, 3) << command << outcome.errors.toStdString();
+        EXPECT_TRUE(outcome.errors.contains("Login failed for user 'sa'.")) << outcome.errors.toStdString();
+        EXPECT_EQ(server.logins(), 1) << command;
+    }
+}
+
+TEST(Trace, OfTheProtocolIsWrittenWhereTheCommandSays)
+{
+    const Outcome outcome =
+        run(SampleServerFixture::shared(), "query", {"--trace", "SELECT 'a-traced-text' AS a"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
+    QString path = QString::fromLocal8Bit(outcome.errors)
+                       .section(QStringLiteral("is written to "), 1)
+                       .section(u'\n', 0, 0);
+    QFile file(path.remove(QRegularExpression(QStringLiteral("\\x1b\\[[0-9;]*m"))).trimmed());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << outcome.errors.toStdString();
+    const QByteArray trace = file.readAll();
+    EXPECT_TRUE(trace.contains("tdsdbopen")) << trace.left(500).toStdString();
+    EXPECT_FALSE(trace.contains(SampleServerFixture::Password));
+    file.remove();
 }

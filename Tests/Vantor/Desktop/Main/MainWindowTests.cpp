@@ -3,11 +3,14 @@
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
+#include "Support/LoginCounter.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/Results/KNResultGridView.h"
@@ -308,4 +311,29 @@ TEST_F(MainWindowTest, StaysResponsiveWhileAMillionRowsStreamIn)
     const auto &longest = WatchedApplication::instance().longestCall();
     EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
     RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
+}
+
+TEST_F(MainWindowTest, OneActionOfTheUserCostsOneRefusedLogin)
+{
+    const LoginCounter server;
+    const VantorDBCPtr details =
+        DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"));
+    details->setHost(QStringLiteral("127.0.0.1,%1").arg(server.port()));
+    details->setConnectionId(QStringLiteral("refused"));
+    MainWindow window(*details);
+    window.setAttribute(Qt::WA_DeleteOnClose, false);
+    window.show();
+    ASSERT_TRUE(waitFor([&] { return server.logins() == 1; }));
+    ASSERT_TRUE(WindowTesting::settle());
+    EXPECT_EQ(server.logins(), 1) << "the tree";
+    window.currentTab()->setText(QStringLiteral("select 1"));
+    window.currentTab()->run();
+    ASSERT_TRUE(waitFor([&] { return !window.currentTab()->isRunning(); }));
+    EXPECT_EQ(server.logins(), 2) << "the query";
+    window.currentTab()->databaseBox()->showPopup();
+    ASSERT_TRUE(WindowTesting::settle());
+    EXPECT_EQ(server.logins(), 3) << "the list of databases";
+    window.explorer()->refreshSelected();
+    ASSERT_TRUE(WindowTesting::settle());
+    EXPECT_EQ(server.logins(), 4) << "the refresh";
 }
