@@ -141,7 +141,7 @@ std::optional<MSSQLModuleHeader> MSSQLModuleHeader::firstIn(const QString &scrip
     HeaderReader reader(script, from);
     while (!reader.atEnd()) {
         const qsizetype start = reader.token().location;
-        if (const auto header = reader.header())
+        if (auto header = reader.header())
             return header;
         // What began like a header has moved the reader already.
         if (!reader.atEnd() && reader.token().location == start)

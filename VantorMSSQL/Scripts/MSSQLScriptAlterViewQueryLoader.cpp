@@ -50,7 +50,7 @@ QString preparedDefinition(const QString &definition, const QString &view, const
                          schema, view));
         return definition;
     }
-    const QString prepared =
+    QString prepared =
         MSSQLModuleHeader::withPlainHeader(MSSQLModuleHeader::withCurrentName(definition, schema, view));
     if (MSSQLCorrectedStatements::areUsed())
         return MSSQLModuleHeader::altering(prepared);
