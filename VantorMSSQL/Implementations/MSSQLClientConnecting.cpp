@@ -291,6 +291,8 @@ bool MSSQLClient::runInitialStatements(KNError *error)
     KNResultSetHolder holder;
     KNError failure;
     executeQueryDetails(splitter->doSplitQuery(sql), holder, {}, &failure);
+    if (!failure)
+        failure = holder.failure();
     const bool wasStopped = m_cancellation.isRequested();
     if (!failure && !wasStopped)
         return true;
