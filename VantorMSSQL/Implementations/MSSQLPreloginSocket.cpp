@@ -146,7 +146,8 @@ bool MSSQLPreloginSocket::wait(short events)
         const int ready = poll(descriptors, 2, static_cast<int>(timeout));
         if (ready < 0 && errno != EINTR)
             return fail(errno);
-        if (ready <= 0 && Clock::now() >= m_deadline) {
+        // Also where there is something to read: a server may send packets without content for ever.
+        if (Clock::now() >= m_deadline) {
             m_state = State::TimedOut;
             return false;
         }

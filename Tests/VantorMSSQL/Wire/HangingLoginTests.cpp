@@ -50,6 +50,15 @@ HostileServer::Script drippingLogin()
             }};
 }
 
+/// Answers PRELOGIN with packets without content, without end.
+HostileServer::Script floodOfEmptyPackets()
+{
+    return {HostileServer::expect(PreloginPacket), [](HostileServer::Peer &peer) {
+                for (;;)
+                    peer.send(packet({}, false));
+            }};
+}
+
 double secondsOfFiftyLogins()
 {
     const Clock::time_point begin = Clock::now();
@@ -158,8 +167,10 @@ TEST(HangingLogin, EndsWithinASecondOfTheTimeOfAllAttempts)
     HostileServer silent({HostileServer::stall()});
     HostileServer stalled(silentBehindPrelogin());
     HostileServer dripping(drippingLogin());
+    HostileServer flooding(floodOfEmptyPackets());
     const FullPort full;
-    for (const quint16 port : {silent.port(), stalled.port(), dripping.port(), full.port()}) {
+    for (const quint16 port :
+         {silent.port(), stalled.port(), dripping.port(), flooding.port(), full.port()}) {
         MSSQLClient client(settingsWithTimeout(port, 2));
         const Clock::time_point begin = Clock::now();
         KNError error;
