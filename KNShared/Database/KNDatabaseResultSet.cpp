@@ -77,6 +77,12 @@ void KNDatabaseResultSet::setServerMessages(const QList<DatabaseMessage> &messag
     m_serverMessages = messages;
 }
 
+void KNDatabaseResultSet::appendServerMessages(const QList<DatabaseMessage> &messages)
+{
+    const std::lock_guard lock(m_mutex);
+    m_serverMessages += messages;
+}
+
 quint64 KNDatabaseResultSet::calculatedLineNumber() const
 {
     const std::lock_guard lock(m_mutex);

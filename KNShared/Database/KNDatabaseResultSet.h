@@ -51,6 +51,7 @@ public:
     void setMessages(const QList<KNDisplayMessage> &messages);
     QList<DatabaseMessage> serverMessages() const;
     void setServerMessages(const QList<DatabaseMessage> &messages);
+    void appendServerMessages(const QList<DatabaseMessage> &messages);
     quint64 calculatedLineNumber() const;
     void setCalculatedLineNumber(quint64 line);
     KNRange queryTextRange() const;

@@ -55,6 +55,12 @@ void KNResultSetHolder::remove(const KNDatabaseResultSetPtr &resultSet)
         m_entries.erase(std::prev(found.base()));
 }
 
+qsizetype KNResultSetHolder::count() const
+{
+    const std::lock_guard lock(m_mutex);
+    return std::ssize(m_entries);
+}
+
 KNError KNResultSetHolder::failure() const
 {
     constexpr qsizetype MostTexts = 100;

@@ -29,6 +29,8 @@ public:
     /// A copy of the list; the result sets themselves are shared. It costs as much as the list is long: what
     /// looks again and again asks for newResultSets().
     QList<KNDatabaseResultSetPtr> resultSets() const;
+    /// How many there are, without those that were taken out.
+    qsizetype count() const;
     /// The result sets that were appended behind `*position`, which begins as 0 and is moved behind them.
     QList<KNDatabaseResultSetPtr> newResultSets(Position *position) const;
     /// Takes all result sets out, for a reader that prints and forgets them.

@@ -6,5 +6,6 @@ QString KNPlainToolTip(const QString &text)
     if (text.isEmpty())
         return text;
     const QString shown = text.size() > MostCharacters ? text.first(MostCharacters) + u'…' : text;
-    return QStringLiteral("<div style=\"white-space:pre-wrap\">") + shown.toHtmlEscaped() + QStringLiteral("</div>");
+    return QStringLiteral("<div style=\"white-space:pre-wrap\">") + shown.toHtmlEscaped() +
+           QStringLiteral("</div>");
 }

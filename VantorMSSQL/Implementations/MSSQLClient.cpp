@@ -18,6 +18,9 @@ extern "C" int tdsdump_open(const char *filename);
 
 namespace {
 
+/// How long a cancelled server may send on before the guard looks at it.
+constexpr std::chrono::milliseconds FloodPatience(2000);
+
 std::shared_ptr<MSSQLDatabaseConnectionDetails> mssqlDetails(const VantorDBCPtr &details)
 {
     auto mssql = std::dynamic_pointer_cast<MSSQLDatabaseConnectionDetails>(details);
@@ -79,11 +82,24 @@ bool MSSQLClient::connect(KNError *error, KNSSHTunnelDelegate *)
 void MSSQLClient::disconnect()
 {
     KNSemaphoreLocker handle(m_dbProcSemaphore);
+    setSocket({});
     if (m_dbProc)
         dbclose(m_dbProc);
     m_dbProc = nullptr;
     handle.release();
     m_tunnel.reset();
+}
+
+MSSQLSocketReference MSSQLClient::socket() const
+{
+    const std::lock_guard lock(m_socketMutex);
+    return m_socket;
+}
+
+void MSSQLClient::setSocket(const MSSQLSocketReference &socket)
+{
+    const std::lock_guard lock(m_socketMutex);
+    m_socket = socket;
 }
 
 bool MSSQLClient::beginTransaction(KNError *error)
@@ -108,6 +124,7 @@ bool MSSQLClient::cancelCurrentQuery(KNError *error)
 {
     if (!m_cancellation.request())
         return true;
+    const MSSQLFloodGuard guard(socket(), FloodPatience);
     // The running thread is made to let go of the handle: it may be waiting for the server inside db-lib.
     do {
         m_cancellation.interruptLibrary();
@@ -131,6 +148,7 @@ bool MSSQLClient::stopAtServer()
     if (!m_dbProc || dbdead(m_dbProc))
         return !m_dbProc;
     m_cancellation.attentionSent();
+    const MSSQLFloodGuard guard(socket(), FloodPatience);
     // dbcancel() reports success also where the server has not answered.
     return dbcancel(m_dbProc) == SUCCEED && !dbdead(m_dbProc);
 }

@@ -4,6 +4,7 @@
 #include "Foundation/KNSemaphore.h"
 #include "Implementations/MSSQLCancellation.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "Implementations/MSSQLFloodGuard.h"
 
 #include <QVariant>
 
@@ -121,7 +122,7 @@ public:
 private:
     struct ConnectOption;
     enum class Sent { Executed, Failed, NotSent };
-    enum class Next { Result, End, Unreadable };
+    enum class Next { Result, End, Unreadable, TooMany };
 
     static const ConnectOption connectOptions[4];
     static void initializeOnce();
@@ -146,6 +147,8 @@ private:
                           KNError *error);
     bool reachDatabase(KNError *error);
     bool runInitialStatements(KNError *error);
+    MSSQLSocketReference socket() const;
+    void setSocket(const MSSQLSocketReference &socket);
     quint64 bytesWritten() const;
     quint64 sizeInClear(const QString &sql) const;
 
@@ -162,6 +165,7 @@ private:
     KNError batchError(const KNQueryDetails &details, quint64 *lastLine) const;
     bool isLost() const;
     Next nextResult();
+    void abandonBatch();
     void readColumns(KNDatabaseResultSet &resultSet);
     KNDatabaseResultSetPtr readRows(const KNDatabaseResultSetPtr &resultSet, KNResultSetHolder &holder);
     KNDatabaseResultSetPtr newComputeResultSet(int computeId, const QString &query,
@@ -174,6 +178,8 @@ private:
     const std::shared_ptr<MSSQLDatabaseConnectionDetails> m_databaseConnectionDetails;
     mutable KNSemaphore m_dbProcSemaphore;   ///< taken around every db-lib call on the handle
     tds_dblib_dbprocess *m_dbProc = nullptr; ///< guarded by m_dbProcSemaphore
+    mutable std::mutex m_socketMutex;
+    MSSQLSocketReference m_socket; ///< of m_dbProc, for threads without the handle; guarded by m_socketMutex
     MSSQLCancellation m_cancellation;
     std::shared_ptr<KNSSHTunnel> m_tunnel; ///< while the connection goes through one; for who runs it
 };

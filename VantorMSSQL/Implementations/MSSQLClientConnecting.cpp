@@ -243,6 +243,7 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, const MSSQ
     const MachTimer timer;
     KNError failure;
     const quint64 before = bytesWritten();
+    const MSSQLFloodGuard guard(socket(), loginTimeLeft());
     executeNonQuery(sql, &failure);
     if (failure) {
         *error = m_cancellation.isRequested()      ? cancelled()

@@ -32,7 +32,7 @@ void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDa
         message.calculatedLineNumber = message.line + details.lineNumberOffset;
         message.msgtext = MSSQLLoginError::textForUsers(message);
     }
-    resultSet.setServerMessages(resultSet.serverMessages() + messages);
+    resultSet.appendServerMessages(messages);
 }
 
 KNDisplayMessage summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancelled)
@@ -52,6 +52,26 @@ QString withFullStop(const QString &text)
     const QString trimmed = text.trimmed();
     return trimmed.endsWith(QLatin1Char('.')) ? trimmed : trimmed + QLatin1Char('.');
 }
+
+/// Of one run: further ones without columns are only counted, further ones with columns cancel it.
+constexpr qsizetype MostResultsWithoutColumns = 50'000;
+constexpr qsizetype MostResults = 200'000;
+
+/// Marks a result set as finished when its reading ends, however that is.
+class FinishedInTheEnd
+{
+public:
+    explicit FinishedInTheEnd(KNDatabaseResultSet &resultSet)
+        : m_resultSet(resultSet)
+    {
+    }
+    ~FinishedInTheEnd() { m_resultSet.setFinished(); }
+    FinishedInTheEnd(const FinishedInTheEnd &) = delete;
+    FinishedInTheEnd &operator=(const FinishedInTheEnd &) = delete;
+
+private:
+    KNDatabaseResultSet &m_resultSet;
+};
 
 void showFailure(const KNError &error, KNDatabaseResultSet &resultSet)
 {
@@ -186,7 +206,15 @@ bool MSSQLClient::executeQueryDetails(const KNQueryDetails &details, KNResultSet
     const int timeout = m_databaseConnectionDetails->queryTimeout();
     MSSQLQueryTimer timer(*this, std::chrono::seconds(timeout));
     error->clear();
-    const bool complete = runBatch(details, withResultSet, error);
+    bool complete = false;
+    try {
+        complete = runBatch(details, withResultSet, error);
+    } catch (const std::bad_alloc &) {
+        abandonBatch();
+        *error =
+            KNError(RunDomain, 0,
+                    QStringLiteral("There is not enough memory for the results. The batch was cancelled."));
+    }
     if (!timer.stop())
         return complete;
     *error =
@@ -282,12 +310,12 @@ bool MSSQLClient::failBatch(const KNQueryDetails &details, KNResultSetHolder &ho
     quint64 lastLine = 0;
     const KNError failure = batchError(details, &lastLine);
     const KNDatabaseResultSetPtr resultSet = appendFailure(details, failure, lastLine, holder);
-    const qsizetype before = holder.resultSets().size();
+    const qsizetype before = holder.count();
     readResults(details, resultSet, holder, error);
     *error = failure;
 
     KNLogHelper *log = KNLogHelper::sharedInstance();
-    const qsizetype remaining = holder.resultSets().size() - before;
+    const qsizetype remaining = holder.count() - before;
     if (remaining > 0) {
         log->logMessage("Had count. Didn't expect count.");
         log->logMessage("Error executing command: %@. Still had %ld results.", failure.localizedDescription(),
@@ -305,16 +333,27 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
 {
     MSSQLMessageList &messages = MSSQLMessageList::sharedInstance();
     bool previousHadCompute = false;
+    qint64 unlisted = 0; // results without columns that the list has no room for
     Next next = nextResult();
     for (; next == Next::Result; next = nextResult()) {
         if (previous)
             attach(messages.takeMessages(), details, *previous);
         const auto resultSet = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
-        holder.append(resultSet);
+        const FinishedInTheEnd finished(*resultSet);
         readColumns(*resultSet);
+        const qsizetype listed = holder.count();
+        if (listed >= MostResults) {
+            next = Next::TooMany;
+            break;
+        }
+        if (previous && listed >= MostResultsWithoutColumns && resultSet->columnNames().isEmpty()) {
+            ++unlisted;
+            readRows(resultSet, holder);
+            continue;
+        }
+        holder.append(resultSet);
         const KNDatabaseResultSetPtr compute = readRows(resultSet, holder);
         resultSet->setMessages({summaryOf(*resultSet, wasCancelled())});
-        resultSet->setFinished();
         if (previousHadCompute && resultSet->numberOfRowsAffected() == KNDatabaseResultSet::UnknownCount &&
             resultSet->rows().rowCount() == 0)
             holder.remove(resultSet);
@@ -325,6 +364,8 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
         previousHadCompute = compute != nullptr;
     }
 
+    if (next == Next::TooMany)
+        abandonBatch();
     quint64 lastLine = 0;
     if (!isConnected())
         *error = batchError(details, &lastLine);
@@ -332,6 +373,9 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
         *error =
             KNError(RunDomain, 0,
                     QStringLiteral("The rest of the server's answer could not be read. It was cancelled."));
+    else if (next == Next::TooMany)
+        *error = KNError(RunDomain, 0,
+                         KNFormat("There are more than %ld results. The batch was cancelled.", MostResults));
     const QList<DatabaseMessage> last = messages.takeLastMessages();
     if (!previous && !last.isEmpty()) {
         previous = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
@@ -341,6 +385,10 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
     }
     if (previous) {
         attach(last, details, *previous);
+        if (unlisted > 0)
+            previous->setMessages(
+                previous->messages() +
+                QList<KNDisplayMessage>{{KNFormat("%ld more statements without rows.", unlisted)}});
         if (error->isSet())
             showFailure(*error, *previous);
     }
@@ -365,6 +413,14 @@ MSSQLClient::Next MSSQLClient::nextResult()
         if (MSSQLMessageList::sharedInstance().newestNumber() == SYBERPND)
             return Next::Unreadable;
     }
+}
+
+/// Stops a batch that cannot be read any further.
+void MSSQLClient::abandonBatch()
+{
+    MSSQLMessageList::sharedInstance().clearMessage();
+    const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
+    stopAtServer();
 }
 
 /// Ends the batch, so that the next one never meets what this one left. A cancelled run is cancelled at the

@@ -176,5 +176,6 @@ bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file, const 
     }
     const KNSemaphoreLocker locker(m_dbProcSemaphore);
     m_dbProc = handle;
+    setSocket(handle ? MSSQLSocketReference(DBIORDESC(handle)) : MSSQLSocketReference());
     return handle != nullptr;
 }
