@@ -29,6 +29,24 @@ struct Outcome
     double processorSeconds = 0; ///< of the program and what it waited for
 };
 
+/// Turns a child process into vantor-cli. `password` goes into its environment; null for none.
+[[noreturn]] inline void becomeProgram(const QStringList &arguments, const char *password)
+{
+    if (password)
+        setenv("VANTOR_PASSWORD", password, 1);
+    else
+        unsetenv("VANTOR_PASSWORD");
+    QList<QByteArray> texts = {VANTOR_CLI};
+    for (const QString &argument : arguments)
+        texts.append(argument.toUtf8());
+    std::vector<char *> pointers;
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    execv(VANTOR_CLI, pointers.data());
+    _exit(127);
+}
+
 /// vantor-cli as a child process.
 class Program
 {
@@ -47,19 +65,7 @@ public:
             dup2(in[0], STDIN_FILENO);
             dup2(outputFile ? ::open(outputFile, O_WRONLY) : m_output[1], STDOUT_FILENO);
             dup2(m_errors[1], STDERR_FILENO);
-            if (password)
-                setenv("VANTOR_PASSWORD", password, 1);
-            else
-                unsetenv("VANTOR_PASSWORD");
-            QList<QByteArray> texts = {VANTOR_CLI};
-            for (const QString &argument : arguments)
-                texts.append(argument.toUtf8());
-            std::vector<char *> pointers;
-            for (QByteArray &text : texts)
-                pointers.push_back(text.data());
-            pointers.push_back(nullptr);
-            execv(VANTOR_CLI, pointers.data());
-            _exit(127);
+            becomeProgram(arguments, password);
         }
         close(in[0]);
         close(m_output[1]);

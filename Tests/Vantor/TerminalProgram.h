@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vantor/Program.h"
+
 #include "Support/SampleServerFixture.h"
 
 #include <gtest/gtest.h>
@@ -140,19 +142,7 @@ private:
     [[noreturn]] static void runProgram(const QStringList &arguments, const char *password)
     {
         setenv("NO_COLOR", "1", 1);
-        if (password)
-            setenv("VANTOR_PASSWORD", password, 1);
-        else
-            unsetenv("VANTOR_PASSWORD");
-        QList<QByteArray> texts = {VANTOR_CLI};
-        for (const QString &argument : arguments)
-            texts.append(argument.toUtf8());
-        std::vector<char *> pointers;
-        for (QByteArray &text : texts)
-            pointers.push_back(text.data());
-        pointers.push_back(nullptr);
-        execv(VANTOR_CLI, pointers.data());
-        _exit(127);
+        becomeProgram(arguments, password);
     }
 
     int m_master = -1;

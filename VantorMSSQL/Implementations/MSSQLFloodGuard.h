@@ -21,11 +21,11 @@ private:
     ino_t m_inode = 0; ///< a descriptor's number is used again for other files, an open socket's inode is not
 };
 
-/// Ends a connection whose server sends without end. db-lib looks at time-outs and interrupts only while it waits, and
-/// it never waits while there is something to read.
+/// Ends a connection whose server sends without end. db-lib looks at time-outs and interrupts only while it
+/// waits, and it never waits while there is something to read.
 ///
-/// While it lives, a thread looks at the socket once `patience` has passed; when more has come in each quarter of a
-/// second for three seconds, it shuts the connection down.
+/// While it lives, a thread looks at the socket once `patience` has passed; when more has come in each
+/// quarter of a second for three seconds, it shuts the connection down.
 class MSSQLFloodGuard
 {
 public:

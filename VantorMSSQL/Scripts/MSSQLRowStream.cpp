@@ -1,6 +1,5 @@
 #include "Scripts/MSSQLRowStream.h"
 
-#include "Database/DatabaseMessage.h"
 #include "Database/VantorDatabaseClient.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 
@@ -12,16 +11,31 @@ namespace {
 constexpr qsizetype ReadAhead = 5000; ///< rows that the worker may be ahead
 constexpr std::chrono::milliseconds Patience(50);
 
-/// Hands out the rows of the first result while a worker fills it, and waits until that is done.
+/// Waits for the first result that has columns; null when the run ends without one.
+KNDatabaseResultSetPtr firstRows(const KNResultSetHolder &holder, const std::atomic<bool> &done)
+{
+    for (qsizetype seen = 0;;) {
+        // Read before looking for results: whatever comes later comes before it turns true.
+        const bool wasDone = done;
+        const auto resultSets = holder.resultSets();
+        for (; seen < resultSets.size(); ++seen) {
+            if (!resultSets[seen]->columnNames().isEmpty())
+                return resultSets[seen];
+        }
+        if (wasDone)
+            return nullptr;
+        holder.waitForMoreThan(seen, Patience);
+    }
+}
+
+/// Passes the rows of the first result on while a worker fills it, and waits until that is done.
 void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
            const std::function<void(const KNRow &row)> &eachRow)
 {
-    while (!done && !holder.waitForMoreThan(0, Patience))
-        ;
-    const auto resultSets = holder.resultSets();
-    if (resultSets.isEmpty())
+    const KNDatabaseResultSetPtr resultSet = firstRows(holder, done);
+    if (!resultSet)
         return;
-    KNRowStore &rows = resultSets.first()->rows();
+    KNRowStore &rows = resultSet->rows();
     qsizetype next = 0;
     for (;;) {
         // Read before looking for rows: whatever comes later comes before it turns true.
@@ -34,18 +48,6 @@ void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
             return;
         }
     }
-}
-
-/// The first error among the messages of the results. Rows that came before it are not all there were.
-KNError messageError(const KNResultSetHolder &holder)
-{
-    for (const auto &resultSet : holder.resultSets()) {
-        for (const DatabaseMessage &message : resultSet->serverMessages()) {
-            if (message.isError())
-                return KNError(QStringLiteral("SQLClient"), message.msgno, message.msgtext);
-        }
-    }
-    return {};
 }
 
 } // namespace
@@ -66,7 +68,7 @@ KNError MSSQLRowStream::eachRow(const VantorDBC &details, const QString &sql,
             drain(holder, done, eachRow);
             worker.join();
             if (!*failure)
-                *failure = messageError(holder);
+                *failure = holder.failure();
         },
         details, &error);
     return error;

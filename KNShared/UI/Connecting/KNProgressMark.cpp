@@ -52,5 +52,5 @@ bool KNProgressMark::isRunning() const
 
 QString KNProgressMark::problem() const
 {
-    return m_warning->isHidden() ? QString() : m_warning->toolTip();
+    return m_warning->isHidden() ? QString() : m_warning->accessibleDescription();
 }

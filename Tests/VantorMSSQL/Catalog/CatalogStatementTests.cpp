@@ -80,7 +80,7 @@ public:
         EXPECT_EQ(scalar(*m_client, QStringLiteral("SELECT v FROM [a.b].c WHERE id = 2")),
                   KNValue(qint32(7)));
         KNError error;
-        run(*m_client, text("Table_DropPrimaryKey", tableOf("nowhere", "c")), &error);
+        m_client->executeNonQuery(text("Table_DropPrimaryKey", tableOf("nowhere", "c")), &error);
         EXPECT_TRUE(error) << "the table of another schema is not taken instead";
     }
 
@@ -290,8 +290,8 @@ private:
     void execute(const char *sql)
     {
         KNError error;
-        EXPECT_TRUE(m_client->executeNonQuery(QString::fromLatin1(sql), &error))
-            << sql << ": " << error.localizedDescription().toStdString();
+        m_client->executeNonQuery(QString::fromLatin1(sql), &error);
+        EXPECT_FALSE(error) << sql << ": " << error.localizedDescription().toStdString();
     }
 
     /// Runs a title as a person would: all batches of its text.

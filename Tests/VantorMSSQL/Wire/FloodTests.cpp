@@ -50,7 +50,8 @@ std::vector<Flood> floods()
             {"errors", message(50000, 16, "no"), message(50000, 16, "no")},
             {"rows", intColumns({"a"}), intRow({1})},
             {"results without columns", done(DoneMore), done(DoneMore)},
-            {"failures", joined({message(50000, 16, "no"), done(DoneMore | DoneError)}), done(DoneMore | DoneError)}};
+            {"failures", joined({message(50000, 16, "no"), done(DoneMore | DoneError)}),
+             done(DoneMore | DoneError)}};
 }
 
 } // namespace
@@ -66,7 +67,9 @@ TEST(FloodingServer, CanBeCancelledInAnyPhase)
         KNResultSetHolder holder;
         holder.setRowLimit(1000);
         KNError error;
-        std::thread worker([&] { client->executeQueryDetails({{sql, {0, sql.size()}, 0}}, holder, {}, &error); });
+        std::thread worker([&] {
+            client->executeQueryDetails({{sql, {0, sql.size()}, 0}}, holder, {}, &error);
+        });
         std::this_thread::sleep_for(300ms);
         const auto start = Clock::now();
         KNError ignored;
@@ -82,7 +85,8 @@ TEST(FloodingServer, EndsALoginAtItsTime)
 {
     HostileServer server(HostileServer::Script{
         HostileServer::expect(PreloginPacket), HostileServer::send(packet(preloginAnswer())),
-        HostileServer::expect(LoginPacket), flood(message(50000, 0, "hello"), message(50000, 0, "hello again"))});
+        HostileServer::expect(LoginPacket),
+        flood(message(50000, 0, "hello"), message(50000, 0, "hello again"))});
     const auto details = settings(server.port());
     details->setSessionParameters({{QStringLiteral("loginTimeout"), 1}});
     MSSQLClient client(details);
@@ -95,9 +99,10 @@ TEST(FloodingServer, EndsALoginAtItsTime)
 
 TEST(FloodingServer, EndsTheSetUpOfASessionAtItsTime)
 {
-    HostileServer server(HostileServer::joined(
-        HostileServer::acceptedLogin(),
-        {HostileServer::expect(BatchPacket), flood(message(50000, 0, "hello"), message(50000, 0, "hello again"))}));
+    HostileServer server(
+        HostileServer::joined(HostileServer::acceptedLogin(),
+                              {HostileServer::expect(BatchPacket),
+                               flood(message(50000, 0, "hello"), message(50000, 0, "hello again"))}));
     const auto details = settings(server.port());
     details->setSessionParameters({{QStringLiteral("loginTimeout"), 1}});
     details->setTdsVersion(8);

@@ -70,7 +70,7 @@ KNError runScript(VantorDatabaseClient &client, const QString &script)
     KNResultSetHolder holder;
     KNError error;
     client.executeQueryDetails(splitter->doSplitQuery(script), holder, {}, &error);
-    return error;
+    return error ? error : holder.failure();
 }
 
 KNValue scalar(MSSQLClient &client, const QString &sql)

@@ -57,6 +57,10 @@ IF @bound IS NOT NULL
     EXEC sp_unbindefault @bound
 
 SET @new_default = REPLACE(N'{NEW_DEFAULT}', N'"', N'''')
-SET @statement = N'ALTER TABLE ' + @target + N' ADD DEFAULT ' + @new_default + N' FOR ' + QUOTENAME(@column_name)
+-- A name that the server made up, such as DF__table__column__0A1B2C3D, is not kept.
+SET @statement = N'ALTER TABLE ' + @target + N' ADD '
+    + CASE WHEN @default NOT LIKE N'DF[_][_]%[_][_]________'
+        THEN N'CONSTRAINT ' + QUOTENAME(@default) + N' ' ELSE N'' END
+    + N'DEFAULT ' + @new_default + N' FOR ' + QUOTENAME(@column_name)
 IF @table IS NOT NULL
     EXEC sp_executesql @statement
