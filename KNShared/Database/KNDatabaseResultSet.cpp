@@ -53,6 +53,12 @@ void KNDatabaseResultSet::setNumberOfRowsAffected(qint64 count)
     m_numberOfRowsAffected = count;
 }
 
+bool KNDatabaseResultSet::isSilent() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_columnNames.isEmpty() && m_numberOfRowsAffected == UnknownCount && m_messages.size() <= 1;
+}
+
 QList<KNDisplayMessage> KNDatabaseResultSet::messages() const
 {
     const std::lock_guard lock(m_mutex);

@@ -47,6 +47,9 @@ public:
 
     qint64 numberOfRowsAffected() const;
     void setNumberOfRowsAffected(qint64 count);
+    /// Whether there are neither columns nor a count of rows: its summary only says that a statement
+    /// succeeded. A script has many of these, so programs show one summary for a run that had nothing else.
+    bool isSilent() const;
     QList<KNDisplayMessage> messages() const;
     void setMessages(const QList<KNDisplayMessage> &messages);
     QList<DatabaseMessage> serverMessages() const;

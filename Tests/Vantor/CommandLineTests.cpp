@@ -35,6 +35,16 @@ TEST(CommandLine, RunsAQueryAndShowsItsRows)
     EXPECT_EQ(outcome.errors, QByteArray("Command completed successfully. (1 result).\n"));
 }
 
+TEST(CommandLine, SaysOnceThatStatementsWithoutResultsSucceeded)
+{
+    EXPECT_EQ(query({QStringLiteral("SET NOCOUNT ON\nSET NOCOUNT OFF\nGO\nSET NOCOUNT OFF")}).errors,
+              QByteArray("Command completed successfully.\n"));
+    EXPECT_EQ(query({QStringLiteral("SET NOCOUNT OFF\nSELECT 1 AS a\nSET NOCOUNT OFF")}).errors,
+              QByteArray("Command completed successfully. (1 result).\n"));
+    EXPECT_FALSE(query({QStringLiteral("SET NOCOUNT OFF\nSELECT nope FROM shop.dbo.Customers")})
+                     .errors.contains("completed successfully"));
+}
+
 TEST(CommandLine, ReadsTheTextFromStandardInput)
 {
     EXPECT_EQ(

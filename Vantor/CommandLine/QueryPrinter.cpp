@@ -53,6 +53,8 @@ void QueryPrinter::printRest()
     for (const KNDatabaseResultSetPtr &resultSet : std::as_const(m_awaitingMessages))
         printMessages(*resultSet);
     m_awaitingMessages.clear();
+    if (m_isSilent)
+        printSummary(m_silentSummary);
     m_writer.endRun();
 }
 
@@ -110,14 +112,22 @@ void QueryPrinter::printMessages(const KNDatabaseResultSet &resultSet)
     const auto serverMessages = resultSet.serverMessages();
     for (const DatabaseMessage &message : serverMessages)
         printMessage(message);
-    if (!m_withSummaries)
-        return;
     const auto messages = resultSet.messages();
-    for (const KNDisplayMessage &message : messages) {
-        // The red ones repeat what was printed above.
-        if (message.colour == KNDisplayMessage::Colour::Black)
-            Terminal::printError(message.text, Terminal::Colour::Grey);
-    }
+    const bool isSilent = resultSet.isSilent();
+    m_isSilent = m_isSilent && isSilent && serverMessages.isEmpty();
+    if (isSilent && !messages.isEmpty())
+        m_silentSummary = messages.first();
+    if (isSilent)
+        return;
+    for (const KNDisplayMessage &message : messages)
+        printSummary(message);
+}
+
+void QueryPrinter::printSummary(const KNDisplayMessage &message) const
+{
+    // The red ones repeat what was printed as messages of the server.
+    if (m_withSummaries && message.colour == KNDisplayMessage::Colour::Black && !message.text.isEmpty())
+        Terminal::printError(message.text, Terminal::Colour::Grey);
 }
 
 void QueryPrinter::printMessage(const DatabaseMessage &message)

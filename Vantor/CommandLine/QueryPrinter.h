@@ -40,6 +40,7 @@ private:
     void printRows(KNDatabaseResultSet &resultSet);
     qsizetype printRowsFrom(qsizetype first, const KNRowStore &rows, qsizetype columnCount);
     void printMessages(const KNDatabaseResultSet &resultSet);
+    void printSummary(const KNDisplayMessage &message) const;
     void printMessage(const DatabaseMessage &message);
 
     KNResultSetHolder &m_holder;
@@ -51,4 +52,6 @@ private:
     std::atomic<bool> m_isStopped = false;
     QList<KNDatabaseResultSetPtr> m_awaitingMessages; ///< messages may come until the run has ended
     bool m_hadErrors = false;
+    bool m_isSilent = true; ///< so far the run had nothing but statements that succeeded
+    KNDisplayMessage m_silentSummary;
 };

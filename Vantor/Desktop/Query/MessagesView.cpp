@@ -79,6 +79,8 @@ void MessagesView::finishRun(const KNError &error)
     m_results.reset();
     if (error && m_errorCount == 0 && before == 0)
         addText(error.descriptionWithSuggestion(), true);
+    else if (m_isSilent && !m_silentSummary.isEmpty())
+        addText(m_silentSummary, false);
 }
 
 void MessagesView::addText(const QString &text, bool isError)
@@ -97,6 +99,8 @@ void MessagesView::clearMessages()
     m_firstErrorLine = 0;
     m_errorCount = 0;
     m_firstError.clear();
+    m_isSilent = true;
+    m_silentSummary.clear();
     clear();
     Q_EMIT errorCountChanged(0);
 }
@@ -124,7 +128,11 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
         addMessage(message);
     const bool saysErrors = std::any_of(serverMessages.begin(), serverMessages.end(), isError);
     const auto messages = result.messages();
-    for (const KNDisplayMessage &message : messages) {
+    const bool isSilent = result.isSilent() && messages.value(0).colour == KNDisplayMessage::Colour::Black;
+    m_isSilent = m_isSilent && isSilent && serverMessages.isEmpty();
+    if (isSilent)
+        m_silentSummary = messages.value(0).text;
+    for (const KNDisplayMessage &message : isSilent ? QList<KNDisplayMessage>() : messages) {
         const bool red = message.colour == KNDisplayMessage::Colour::Red;
         if (!red || !saysErrors) // the red ones repeat what the server has said
             add({message.text, red, 0});

@@ -66,6 +66,8 @@ private:
     QTimer *m_pollTimer;
     QTimer *m_showTimer;
     int m_errorCount = 0;
+    bool m_isSilent = true; ///< so far the run had nothing but statements that succeeded
+    QString m_silentSummary;
     QString m_firstError;
     int m_firstErrorLine = 0;
 };

@@ -30,6 +30,7 @@ protected:
         const auto result = std::make_shared<KNDatabaseResultSet>();
         result->setServerMessages(messages);
         result->setMessages({summary});
+        result->setNumberOfRowsAffected(1);
         result->setFinished();
         holder->append(result);
     }

@@ -61,14 +61,21 @@ protected:
 
 } // namespace
 
+TEST_F(QueryTabs, SayOnceThatStatementsWithoutResultsSucceeded)
+{
+    run(QStringLiteral("SET NOCOUNT ON\nSET NOCOUNT OFF\nGO\nDECLARE @a int SET @a = 1"));
+    EXPECT_EQ(messages(), QStringLiteral("Command completed successfully."));
+    run(QStringLiteral("SET NOCOUNT OFF\nSELECT 1 AS a\nSET NOCOUNT OFF"));
+    EXPECT_EQ(messages(), QStringLiteral("Command completed successfully. (1 result)."));
+}
+
 TEST_F(QueryTabs, RunATextAndSayHowItWent)
 {
     std::vector<QueryHistoryEntry> history;
     QObject::connect(&tab, &QueryTab::runFinished, &tab,
                      [&](const QueryHistoryEntry &entry) { history.push_back(entry); });
     run(QStringLiteral("select 1 as a union all select 2\nGO\nprint 'hello'"));
-    EXPECT_EQ(messages(), QStringLiteral("Command completed successfully. (2 results).\nhello\n"
-                                         "Command completed successfully."));
+    EXPECT_EQ(messages(), QStringLiteral("Command completed successfully. (2 results).\nhello"));
     EXPECT_EQ(resultTabs().currentWidget(), tab.resultsPane());
     const QueryTabStatus status = tab.status();
     EXPECT_EQ(status.rowCount, 2);
