@@ -28,15 +28,19 @@ KNSemaphore &connectSemaphore()
     return semaphore;
 }
 
-/// Waits for the turn of a login, until its deadline or until it is cancelled; false then.
-bool waitForTurn(const MSSQLCancellation &cancellation)
+/// Waits for the turn of a login; false when it is cancelled meanwhile. The wait does not count as the
+/// login's time: the logins before it are bounded, and its own server has no part in it.
+bool waitForTurn(MSSQLCancellation &cancellation)
 {
     constexpr std::chrono::milliseconds Step(50);
-    while (!cancellation.isRequested() && !cancellation.isDeadlineOver()) {
-        if (connectSemaphore().waitFor(Step))
-            return true;
+    const auto begin = MSSQLCancellation::Clock::now();
+    while (!connectSemaphore().waitFor(Step)) {
+        if (cancellation.isRequested())
+            return false;
     }
-    return false;
+    if (cancellation.hasDeadline())
+        cancellation.setDeadline(cancellation.deadline() + (MSSQLCancellation::Clock::now() - begin));
+    return true;
 }
 
 struct TurnEnd

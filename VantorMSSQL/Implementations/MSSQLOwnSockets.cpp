@@ -3,7 +3,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -11,6 +10,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <string>
 
 namespace MSSQLOwnSockets {
 
@@ -28,13 +28,16 @@ Marked &marked()
     return *instance;
 }
 
-/// The inode of a socket; empty for everything else.
+/// The inode of a socket; empty for everything else. Read by name, "socket:[123]" (proc(5)): the descriptor
+/// belongs to another thread, which may close it meanwhile.
 std::optional<ino_t> socketInode(int descriptor)
 {
-    struct stat status = {};
-    if (fstat(descriptor, &status) != 0 || !S_ISSOCK(status.st_mode))
+    char name[64] = {};
+    unsigned long inode = 0;
+    const std::string path = "/proc/self/fd/" + std::to_string(descriptor);
+    if (readlink(path.c_str(), name, sizeof name - 1) < 0 || std::sscanf(name, "socket:[%lu]", &inode) != 1)
         return std::nullopt;
-    return status.st_ino;
+    return inode;
 }
 
 void forEachDescriptor(const std::function<void(int descriptor)> &work)
