@@ -10,10 +10,10 @@ KNQueryReport KNQueryLoader::report() const
     return m_report;
 }
 
-void KNQueryLoader::deliver(const QString &query, KNQueryReport report)
+void KNQueryLoader::deliver(QString query, KNQueryReport report)
 {
     if (m_review && !query.isNull())
-        report.notices += m_review(query);
+        m_review(&query, &report);
     {
         const std::lock_guard lock(m_mutex);
         m_report = std::move(report);

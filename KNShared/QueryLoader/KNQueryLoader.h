@@ -34,9 +34,9 @@ public:
     std::shared_ptr<KNQueryLoaderDelegate> delegate() const { return m_delegate.lock(); }
     void setDelegate(const std::weak_ptr<KNQueryLoaderDelegate> &delegate) { m_delegate = delegate; }
 
-    /// Looks at a finished text and returns sentences to report as notices.
-    using Review = std::function<QStringList(const QString &text)>;
-    /// To be set before the loading begins; runs on the thread that delivers.
+    /// Checks a finished text before it is delivered: mends it, and adds notices or a failure to its report.
+    using Review = std::function<void(QString *text, KNQueryReport *report)>;
+    /// To be set before the loading begins; runs on the thread that delivers. Not called for a null text.
     void setReview(Review review) { m_review = std::move(review); }
 
     /// What belongs to the text that was delivered last. Any thread.
@@ -49,7 +49,7 @@ public:
 
 protected:
     /// Passes the text to the delegate, if that is still there.
-    void deliver(const QString &query, KNQueryReport report = {});
+    void deliver(QString query, KNQueryReport report = {});
 
 private:
     std::weak_ptr<KNQueryLoaderDelegate> m_delegate;

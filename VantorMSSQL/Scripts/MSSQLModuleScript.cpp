@@ -1,6 +1,7 @@
 #include "Scripts/MSSQLModuleScript.h"
 
 #include "Foundation/KNFormat.h"
+#include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptCatalog.h"
@@ -27,7 +28,7 @@ QString MSSQLModuleScript::load(const VantorDBC &details, KNQueryReport *report,
         QString script = text.trimmed();
         if (isAltering && !altersHeaderOnly)
             script.replace(create, KNFormat("ALTER %@", keyword), Qt::CaseInsensitive);
-        return script.isEmpty() ? failureComment : script;
+        return script.isEmpty() ? KNSQLComment::inOneLine(failureComment) : script;
     };
     const QMap<QString, QString> filling{{QString::fromLatin1(namePlaceholder), name},
                                          {QStringLiteral("SCHEMA"), schema},

@@ -1,8 +1,8 @@
 #include "Scripts/MSSQLMySQLColumn.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
 #include "QueryLoader/KNQueryTemplate.h"
+#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
 #include <QHash>
@@ -186,6 +186,7 @@ MSSQLMySQLTranslation MSSQLMySQLTranslation::of(const MSSQLMySQLColumn &column,
                                       QStringLiteral("uniqueidentifier"),
                                       QStringLiteral("xml")};
     const QString &name = column.columnName;
+    const QString bracketed = MSSQLObjectPath::bracketed(name);
     QString type = column.columnType;
     if (column.columnSize && !sizeless.contains(type, Qt::CaseInsensitive)) {
         static const QStringList national{QStringLiteral("nvarchar"), QStringLiteral("nchar"),
@@ -198,25 +199,25 @@ MSSQLMySQLTranslation MSSQLMySQLTranslation::of(const MSSQLMySQLColumn &column,
     }
 
     MSSQLMySQLTranslation result;
-    result.selectExpression = MSSQLClient::escapeTableNameIfRequired(name);
+    result.selectExpression = MSSQLObjectPath::quoted({name});
     if (!column.conversion.isEmpty()) {
-        QString quoted = KNFormat("[%@]", QString(name).replace(QLatin1Char(']'), QLatin1String("]]")));
         result.selectExpression = KNFormat(
-            "%@ AS %@", KNQueryTemplate::filled(column.conversion, {{QStringLiteral("0"), quoted}}), quoted);
+            "%@ AS %@", KNQueryTemplate::filled(column.conversion, {{QStringLiteral("0"), bracketed}}),
+            bracketed);
     }
     if (has(type, "hierarchyid")) {
         type = QStringLiteral("blob(892)");
-        result.selectExpression = KNFormat("CAST([%@] AS VARBINARY(892)) AS [%@]", name, name);
+        result.selectExpression = KNFormat("CAST(%@ AS VARBINARY(892)) AS %@", bracketed, bracketed);
     }
     if (has(type, "uniqueidentifier")) {
         type = QStringLiteral("binary(16)");
-        result.selectExpression = KNFormat("CAST([%@] AS BINARY(16)) AS [%@]", name, name);
+        result.selectExpression = KNFormat("CAST(%@ AS BINARY(16)) AS %@", bracketed, bracketed);
     }
     if (has(type, "xml"))
         type = KNFormat("nvarchar(%ld)", SubstituteWidth);
     if (has(type, "datetime")) {
         type = QStringLiteral("datetime");
-        result.selectExpression = KNFormat("convert(varchar(25), [%@], 120) AS [%@]", name, name);
+        result.selectExpression = KNFormat("convert(varchar(25), %@, 120) AS %@", bracketed, bracketed);
     }
     if (has(type, "image")) {
         type = KNFormat("blob(%ld)", largestSize());

@@ -4,8 +4,10 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "QueryLoader/KNQueryTemplate.h"
+#include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLModuleHeader.h"
+#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
 #include <algorithm>
@@ -19,9 +21,10 @@ QString onOrOff(std::optional<bool> setting)
     return setting.value_or(false) ? QStringLiteral("ON") : QStringLiteral("OFF");
 }
 
-QString doubledBrackets(QString name)
+QString failureComment(const QString &view, const KNError &error)
 {
-    return name.replace(QLatin1Char(']'), QLatin1String("]]"));
+    return KNFormat("/* Failed to load query for view %@. Error was:\r\n%@\r\n*/",
+                    KNSQLComment::inBlock(view), KNSQLComment::inBlock(error.localizedDescription()));
 }
 
 /// The bare name finds a view in the login's default schema only, and some characters of it mean something
@@ -74,8 +77,7 @@ QString MSSQLScriptAlterViewQueryLoader::alterQueryForView(const QString &view, 
     KNError error;
     QString query = loadQueryForDatabaseConnection(withConnectionDetails, view, inSchema, &error, &result);
     if (error)
-        query = KNFormat("/* Failed to load query for view %@. Error was:\r\n%@\r\n*/", view,
-                         error.localizedDescription());
+        query = failureComment(view, error);
 
     error.clear();
     const QString indexes = loadIndexesForDatabaseConnection(withConnectionDetails, view, inSchema, &error);
@@ -85,8 +87,7 @@ QString MSSQLScriptAlterViewQueryLoader::alterQueryForView(const QString &view, 
                      "when an alter view executes.\r\n%@",
                      query, indexes);
     if (error) {
-        query = KNFormat("%@\r\n/* Failed to load query for view %@. Error was:\r\n%@\r\n*/", query, view,
-                         error.localizedDescription());
+        query = KNFormat("%@\r\n%@", query, failureComment(view, error));
         if (!result.failure)
             result.failure = error;
     }
@@ -131,9 +132,9 @@ QString MSSQLScriptAlterViewQueryLoader::loadIndexesForDatabaseConnection(const 
                                                                           KNError *error)
 {
     const bool isBare = isFoundByBareName(details, targetView, targetSchema);
-    const QString path =
-        isBare ? targetView
-               : KNFormat("[%@].[%@]", doubledBrackets(targetSchema), doubledBrackets(targetView));
+    const QString path = isBare ? targetView
+                                : KNFormat("%@.%@", MSSQLObjectPath::bracketed(targetSchema),
+                                           MSSQLObjectPath::bracketed(targetView));
     const QString clause = KNQueryTemplate::filled(isBare ? QStringLiteral("t.object_id = OBJECT_ID('{0}')")
                                                           : QStringLiteral("t.object_id = OBJECT_ID(N'{0}')"),
                                                    {{QStringLiteral("0"), path}});

@@ -8,16 +8,21 @@ QString MSSQLScriptCreateFunctionQueryLoader::creationQueryForFunction(const QSt
                                                                        const VantorDBC &withConnectionDetails,
                                                                        KNQueryReport *report)
 {
-    const QStringList names = function.split(QLatin1Char('.'));
-    KNAssert(names.size() > 1, "A function is scripted by its schema, a dot and its name.",
-             "Scripts/MSSQLScriptCreateFunctionQueryLoader");
+    return MSSQLScriptCreateFunctionQueryLoader(function).script(withConnectionDetails, report);
+}
+
+QString MSSQLScriptCreateFunctionQueryLoader::creationQueryForFunction(const QString &function,
+                                                                       const QString &inSchema,
+                                                                       const VantorDBC &withConnectionDetails,
+                                                                       KNQueryReport *report)
+{
     const MSSQLModuleScript create{
         "Function_AlterQuery",
         "FUNCTION_NAME",
-        names[0],
-        names[1],
+        inSchema,
+        function,
         "mssql.queryLoader.createFunction",
-        KNFormat("-- Failed to load creation query for function %@.%@ in database %@.", names[0], names[1],
+        KNFormat("-- Failed to load creation query for function %@.%@ in database %@.", inSchema, function,
                  withConnectionDetails.database())};
     KNQueryReport unused;
     return create.load(withConnectionDetails, report ? report : &unused);
@@ -25,5 +30,7 @@ QString MSSQLScriptCreateFunctionQueryLoader::creationQueryForFunction(const QSt
 
 QString MSSQLScriptCreateFunctionQueryLoader::script(const VantorDBC &details, KNQueryReport *report) const
 {
-    return creationQueryForFunction(m_targetFunction, details, report);
+    KNAssert(m_name.size() > 1, "A function is scripted by its schema, a dot and its name.",
+             "Scripts/MSSQLScriptCreateFunctionQueryLoader");
+    return creationQueryForFunction(m_name[1], m_name[0], details, report);
 }

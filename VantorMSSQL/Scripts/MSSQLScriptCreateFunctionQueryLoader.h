@@ -2,12 +2,19 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// The CREATE script of a function, which is named by schema, a dot and its name, not escaped.
+/// The CREATE script of a function. Names are not escaped.
 class MSSQLScriptCreateFunctionQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
+    /// The function is named by schema, a dot and its name; neither holds a dot.
     explicit MSSQLScriptCreateFunctionQueryLoader(const QString &function)
         : m_targetFunction(function)
+        , m_name(function.split(QLatin1Char('.')))
+    {
+    }
+    MSSQLScriptCreateFunctionQueryLoader(const QString &function, const QString &inSchema)
+        : m_targetFunction(inSchema + QLatin1Char('.') + function)
+        , m_name{inSchema, function}
     {
     }
 
@@ -18,10 +25,14 @@ public:
     /// Blocks on the server.
     static QString creationQueryForFunction(const QString &function, const VantorDBC &withConnectionDetails,
                                             KNQueryReport *report = nullptr);
+    /// The same for a function whose names may hold dots.
+    static QString creationQueryForFunction(const QString &function, const QString &inSchema,
+                                            const VantorDBC &withConnectionDetails, KNQueryReport *report);
 
 protected:
     QString script(const VantorDBC &details, KNQueryReport *report) const override;
 
 private:
     QString m_targetFunction;
+    QStringList m_name; ///< schema and function
 };

@@ -10,8 +10,11 @@ QString MSSQLScriptCreateViewQueryLoader::creationQueryForView(const QString &vi
 {
     QString query =
         MSSQLScriptAlterViewQueryLoader::alterQueryForView(view, inSchema, withConnectionDetails, report);
+    // The indexes name the view, too.
+    const bool isNamedSo =
+        view.contains(QLatin1String("ALTER VIEW")) || inSchema.contains(QLatin1String("ALTER VIEW"));
     const auto header =
-        MSSQLCorrectedStatements::areUsed() ? MSSQLModuleHeader::firstIn(query) : std::nullopt;
+        isNamedSo || MSSQLCorrectedStatements::areUsed() ? MSSQLModuleHeader::firstIn(query) : std::nullopt;
     if (header)
         return query.replace(header->verbStart, header->verb.size(), QStringLiteral("CREATE"));
     return query.replace(QLatin1String("ALTER VIEW"), QLatin1String("CREATE VIEW"));

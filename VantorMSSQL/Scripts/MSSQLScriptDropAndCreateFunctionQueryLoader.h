@@ -1,21 +1,13 @@
 #pragma once
 
-#include "Scripts/MSSQLScriptQueryLoader.h"
+#include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
 
 /// Drops a function, named by schema, a dot and its name as they are, and makes it anew.
-class MSSQLScriptDropAndCreateFunctionQueryLoader : public MSSQLScriptQueryLoader
+class MSSQLScriptDropAndCreateFunctionQueryLoader : public MSSQLScriptCreateFunctionQueryLoader
 {
 public:
-    explicit MSSQLScriptDropAndCreateFunctionQueryLoader(const QString &function)
-        : m_targetFunction(function)
-    {
-    }
-
-    const QString &targetFunction() const { return m_targetFunction; }
+    using MSSQLScriptCreateFunctionQueryLoader::MSSQLScriptCreateFunctionQueryLoader;
 
 protected:
     QString script(const VantorDBC &details, KNQueryReport *report) const override;
-
-private:
-    QString m_targetFunction;
 };

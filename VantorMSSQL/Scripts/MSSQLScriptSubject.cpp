@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "Scripts/MSSQLModuleHeader.h"
+#include "Scripts/MSSQLScriptReview.h"
 
 namespace {
 
@@ -39,6 +40,19 @@ QString noticeAbout(const MSSQLModuleHeader &header, const MSSQLScriptSubject &s
 }
 
 } // namespace
+
+void MSSQLScriptSubject::review(QString *script, KNQueryReport *report) const
+{
+    if (MSSQLScriptReview(*this, script, &report->unsafeLength).mend()) {
+        report->notices += notices(*script);
+        return;
+    }
+    if (!report->failure)
+        report->failure =
+            KNError(QStringLiteral("mssql.scripts"), 0,
+                    KNFormat("It holds a statement that may not act on the %@.", subjectName(*this)));
+    report->unsafeLength = script->size();
+}
 
 QStringList MSSQLScriptSubject::notices(const QString &script) const
 {

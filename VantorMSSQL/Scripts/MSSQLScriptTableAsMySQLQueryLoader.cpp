@@ -2,8 +2,10 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
+#include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLMySQLColumn.h"
 #include "Scripts/MSSQLMySQLValue.h"
+#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLRowStream.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
@@ -13,10 +15,11 @@ constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
 
 QString failureComment(const QString &table, const KNError &error)
 {
-    QString description = error.localizedDescription();
-    description.replace(QLatin1String("*/"), QLatin1String("* /"));
-    return KNFormat("/* Failed to load table %@. Error was:\r\n%@\r\n*/\r\n", table, description);
+    return KNFormat("/* Failed to load table %@. Error was:\r\n%@\r\n*/\r\n", KNSQLComment::inBlock(table),
+                    KNSQLComment::inBlock(error.localizedDescription()));
 }
+
+using MSSQLObjectPath::bracketed;
 
 /// A name between backticks.
 QString backticked(QString name)
@@ -76,8 +79,8 @@ public:
         QStringList expressions;
         for (const MSSQLMySQLTranslation &column : m_translations)
             expressions.append(column.selectExpression);
-        const QString query =
-            KNFormat("SELECT %@ FROM [%@].[%@]", expressions.join(QLatin1Char(',')), m_schema, m_table);
+        const QString query = KNFormat("SELECT %@ FROM %@.%@", expressions.join(QLatin1Char(',')),
+                                       bracketed(m_schema), bracketed(m_table));
         const qsizetype start = script.size();
         qint64 count = 0;
         const KNError error = MSSQLRowStream::eachRow(m_details, query, [&](const KNRow &row) {
@@ -85,7 +88,8 @@ public:
             appendInsert(script, row);
         });
         script += count == 0 ? QLatin1String("") : QLatin1String(";");
-        script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, m_table));
+        script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count,
+                                      KNSQLComment::inOneLine(m_table)));
         if (!error)
             return error;
         script += QLatin1String("\r\n") + failureComment(m_table, error);
@@ -154,8 +158,8 @@ qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QSt
                                                                        const VantorDBC &connectionDetails,
                                                                        KNError *error)
 {
-    const QString query =
-        KNFormat("SELECT ISNULL(MAX(DATALENGTH([%@])),0) FROM [%@].[%@]", column, inSchema, inTable);
+    const QString query = KNFormat("SELECT ISNULL(MAX(DATALENGTH(%@)),0) FROM %@.%@", bracketed(column),
+                                   bracketed(inSchema), bracketed(inTable));
     qint64 size = 0;
     const KNError failure = MSSQLRowStream::eachRow(connectionDetails, query,
                                                     [&](const KNRow &row) { size = row.value(0).toInt64(); });

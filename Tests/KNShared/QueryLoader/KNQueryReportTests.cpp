@@ -68,11 +68,14 @@ TEST(QueryReport, IsThereWhenTheDelegateGetsTheText)
     FakeDatabase::Server server;
     const FakeDatabase::Settings settings(server);
     const auto loader = std::make_shared<StaticQueryLoader>(latin("text"), KNQueryReport{failure(), 4, {}});
-    loader->setReview([](const QString &text) { return QStringList{latin("seen ") + text}; });
+    loader->setReview([](QString *text, KNQueryReport *report) {
+        report->notices.append(latin("seen ") + *text);
+        *text += latin(" -- reviewed");
+    });
     const auto delegate = std::make_shared<TextKeeper>();
     loader->setDelegate(delegate);
     loader->beginLoadingQuery(settings);
-    EXPECT_EQ(delegate->text, latin("text"));
+    EXPECT_EQ(delegate->text, latin("text -- reviewed"));
     EXPECT_EQ(delegate->report.failure.code(), 229);
     EXPECT_EQ(delegate->report.notices, QStringList{latin("seen text")});
 }

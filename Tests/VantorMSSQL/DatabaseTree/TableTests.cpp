@@ -116,8 +116,9 @@ TEST_F(Table, ItsExportNamesTheTableInOneText)
     const KNMenuItem csv = item(menu, list({"Export", "CSV"}));
     EXPECT_EQ(csv.action, QStringLiteral("exportTableAsCSV:"));
     EXPECT_EQ(text(csv), QStringLiteral("dbo.[Order Details]"));
-    // The joined text is escaped as one, whose dots are three here.
-    EXPECT_EQ(text(item(table("a.b", "c.d")->menu(), list({"Export", "CSV"}))), QStringLiteral("[a.b.c.d]"));
+    // Dots of names are not those between them.
+    EXPECT_EQ(text(item(table("a.b", "c.d")->menu(), list({"Export", "CSV"}))),
+              QStringLiteral("[a.b].[c.d]"));
 }
 
 TEST_F(Table, AViewHasItsOwnMenu)

@@ -275,3 +275,40 @@ TEST(MySQLExporter, WithoutRowsSaysSo)
               utf8("-- Add 0 rows for t.\r\n"));
     EXPECT_THROW(MSSQL2MySQLExporter::exportData({}, utf8("t"), {utf8("Id")}, false, 0), KNAssertionFailure);
 }
+
+TEST_F(MySQLScript, ReadsAndWritesNothingButTheTableWhateverItsName)
+{
+    const char *const name = "a]; DROP TABLE victim; --\nDROP TABLE victim; /* ` */";
+    const char *const bracketed = "[a]]; DROP TABLE victim; --\nDROP TABLE victim; /* ` */]";
+    answer((std::string("columns dbo ") + name).c_str(),
+           {column(name, "image"), column("[x]", "int"), column("a.b", "datetime"),
+            column("c]d", "uniqueidentifier")});
+    answer(
+        (std::string("SELECT ISNULL(MAX(DATALENGTH(") + bracketed + ")),0) FROM [dbo]." + bracketed).c_str(),
+        {{KNValue(3)}});
+    answer((std::string("SELECT ") + bracketed +
+            ",[[x]]],convert(varchar(25), [a.b], 120) AS [a.b],CAST([c]]d] AS BINARY(16)) AS [c]]d] FROM "
+            "[dbo]." +
+            bracketed)
+               .c_str(),
+           {{KNValue(1), KNValue(2), KNValue(3), KNValue(4)}});
+    const QString script = tableScript(name, true, true, true);
+    // The table keeps its brackets between the backticks.
+    const QString table = utf8("`[") + utf8(name).replace(utf8("`"), utf8("``")) + utf8("]`");
+    EXPECT_TRUE(
+        script.startsWith(utf8("DROP TABLE IF EXISTS ") + table + utf8(";\r\n\r\nCREATE TABLE ") + table))
+        << script.toStdString();
+    EXPECT_TRUE(script.endsWith(
+        utf8("\r\n-- Insert 1 entries into a]; DROP TABLE victim; -- DROP TABLE victim; /* ` */\r\n"
+             "INSERT INTO ") +
+        table + utf8(" VALUES (1,2,3,4);")))
+        << script.toStdString();
+}
+
+TEST_F(MySQLScript, EndsNoCommentByTheNameOfATableThatFailed)
+{
+    fail("columns dbo a*/ DROP TABLE victim; /*\nb");
+    EXPECT_EQ(tableScript("a*/ DROP TABLE victim; /*\nb", true, true, true),
+              utf8("/* Failed to load table a* / DROP TABLE victim; / * b. Error was:\r\n"
+                   "Invalid object name 'x'.\r\n*/\r\n"));
+}

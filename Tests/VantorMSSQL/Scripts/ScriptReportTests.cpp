@@ -241,3 +241,39 @@ TEST_F(ScriptReport, LooksForTheIndexesOfAViewOfAnotherSchemaWithTheSchema)
     load<MSSQLScriptAlterViewQueryLoader>(utf8("a.b"), utf8("dbo"));
     EXPECT_TRUE(m_text.contains(utf8("CREATE INDEX dotted;"))) << m_text.toStdString();
 }
+
+TEST_F(ScriptReport, HoldsNamesInsideOfItsComments)
+{
+    const char *const name = "p\nDROP TABLE victim */ DROP TABLE victim /*";
+    load<MSSQLScriptCreateStoredProcedureQueryLoader>(utf8(name), utf8("dbo"));
+    EXPECT_EQ(m_text, utf8("-- Failed to load creation query for stored procedure dbo.p DROP TABLE victim */ "
+                           "DROP TABLE victim /* in database shop."));
+    load<MSSQLScriptCreateFunctionQueryLoader>(utf8(name), utf8("dbo"));
+    EXPECT_FALSE(m_text.contains(QLatin1Char('\n'))) << m_text.toStdString();
+    load<MSSQLScriptAlterFunctionQueryLoader>(utf8(name), utf8("dbo"));
+    EXPECT_FALSE(m_text.contains(QLatin1Char('\n'))) << m_text.toStdString();
+    fail((std::string("view dbo.[") + name + "]").c_str());
+    load<MSSQLScriptAlterViewQueryLoader>(utf8(name), utf8("dbo"));
+    EXPECT_EQ(m_text, utf8("/* Failed to load query for view p DROP TABLE victim * / DROP TABLE victim / *. "
+                           "Error was:\r\nInvalid object name 'x'.\r\n*/"));
+}
+
+TEST_F(ScriptReport, ScriptsAFunctionWhoseNamesHoldDots)
+{
+    answer("function a.b c.d shop", {{text("SET A"), text("SET B"), text("CREATE FUNCTION [a.b].[c.d]()")}});
+    load<MSSQLScriptCreateFunctionQueryLoader>(utf8("c.d"), utf8("a.b"));
+    EXPECT_TRUE(m_text.contains(utf8("CREATE FUNCTION [a.b].[c.d]()"))) << m_text.toStdString();
+    load<MSSQLScriptDropAndCreateFunctionQueryLoader>(utf8("c.d"), utf8("a.b"));
+    EXPECT_TRUE(m_text.startsWith(utf8("DROP FUNCTION a.b.c.d\r\nGO\r\nSET A"))) << m_text.toStdString();
+}
+
+TEST_F(ScriptReport, KeepsTheNameOfAViewThatHoldsTheWordsOfTheStatement)
+{
+    answer("view dbo.[ALTER VIEW]",
+           {{KNValue(true), KNValue(true), text("CREATE VIEW [ALTER VIEW] AS SELECT 1")}});
+    answer("index sys.views t.object_id = OBJECT_ID('ALTER VIEW') ALTER VIEW",
+           {{text("CREATE INDEX i ON [dbo].[ALTER VIEW] (a)")}});
+    load<MSSQLScriptCreateViewQueryLoader>(utf8("ALTER VIEW"), utf8("dbo"));
+    EXPECT_TRUE(m_text.contains(utf8("CREATE VIEW [ALTER VIEW] AS SELECT 1"))) << m_text.toStdString();
+    EXPECT_TRUE(m_text.endsWith(utf8("ON [dbo].[ALTER VIEW] (a);"))) << m_text.toStdString();
+}

@@ -360,22 +360,26 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.parti
         @table
 
 INSERT INTO @piece (body)
-SELECT N'-- Not part of this script: ' + l.note + @crlf
+SELECT N'-- Not part of this script: ' + l.note
 FROM @loss AS l
 ORDER BY l.note
 
 INSERT INTO @piece (body)
-SELECT N'-- The table is memory-optimized; this script makes one on disk.' + @crlf
+SELECT N'-- The table is memory-optimized; this script makes one on disk.'
 WHERE OBJECTPROPERTY(@table, N'TableIsMemoryOptimized') = 1
 
 INSERT INTO @piece (body)
 SELECT N'-- Index ' + QUOTENAME(i.name) + N' (' + i.type_desc COLLATE DATABASE_DEFAULT
-    + N') is not part of this script.' + @crlf
+    + N') is not part of this script.'
 FROM sys.indexes AS i
 WHERE i.object_id = @table
     AND i.is_hypothetical = 0
     AND i.type NOT IN (0, 1, 2, 3, 5, 6)
 ORDER BY i.name
+
+-- So far there are comments only. A line end in a name would end them.
+UPDATE @piece
+SET body = REPLACE(REPLACE(body, NCHAR(13), N' '), NCHAR(10), N' ') + @crlf
 
 INSERT INTO @piece (body)
 SELECT N'SET ANSI_NULLS ' + CASE WHEN @ansi_nulls = 0 THEN N'OFF' ELSE N'ON' END + @go
@@ -634,7 +638,9 @@ SELECT
     + N'SET QUOTED_IDENTIFIER ' + CASE WHEN tr.uses_quoted_identifier = 0 THEN N'OFF' ELSE N'ON' END + @go
     + CASE
         WHEN tr.definition IS NULL
-            THEN N'-- Trigger ' + QUOTENAME(tr.name) + N' is encrypted or may not be seen by this login.' + @go
+            THEN N'-- Trigger '
+                + REPLACE(REPLACE(QUOTENAME(tr.name), NCHAR(13), N' '), NCHAR(10), N' ')
+                + N' is encrypted or may not be seen by this login.' + @go
         ELSE SUBSTRING(
                 tr.definition,
                 tr.first_visible,

@@ -304,7 +304,9 @@ FROM (
             + CASE WHEN OBJECTPROPERTY(tr.id, N'ExecIsQuotedIdentOn') = 0 THEN N'OFF' ELSE N'ON' END + @go
             + CASE
                 WHEN EXISTS (SELECT 1 FROM dbo.syscomments AS m WHERE m.id = tr.id AND m.encrypted = 1)
-                    THEN N'-- Trigger ' + QUOTENAME(tr.name) + N' is encrypted.'
+                    THEN N'-- Trigger '
+                        + REPLACE(REPLACE(QUOTENAME(tr.name), NCHAR(13), N' '), NCHAR(10), N' ')
+                        + N' is encrypted.'
                 ELSE N''
             END AS body
     FROM dbo.sysobjects AS tr

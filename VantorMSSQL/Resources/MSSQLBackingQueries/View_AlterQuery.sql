@@ -3,7 +3,8 @@ SELECT
     m.uses_ansi_nulls,
     CASE
         WHEN m.definition IS NULL
-            THEN N'-- The definition of view ' + QUOTENAME(s.name) + N'.' + QUOTENAME(v.name)
+            THEN N'-- The definition of view '
+                + REPLACE(REPLACE(QUOTENAME(s.name) + N'.' + QUOTENAME(v.name), NCHAR(13), N' '), NCHAR(10), N' ')
                 + N' is encrypted or may not be seen by this login.'
         ELSE m.definition
     END AS definition

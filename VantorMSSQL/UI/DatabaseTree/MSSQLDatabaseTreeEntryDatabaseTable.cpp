@@ -2,7 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
@@ -46,9 +46,7 @@ MSSQLScriptSubject MSSQLDatabaseTreeEntryDatabaseTable::scriptSubject() const
 
 QString MSSQLDatabaseTreeEntryDatabaseTable::selectStatement() const
 {
-    return KNFormat("SELECT TOP 100 * FROM %@;",
-                    KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(m_schema),
-                             MSSQLClient::escapeTableNameIfRequired(m_tableName)));
+    return KNFormat("SELECT TOP 100 * FROM %@;", MSSQLObjectPath::quoted({m_schema, m_tableName}));
 }
 
 void MSSQLDatabaseTreeEntryDatabaseTable::cmdDown()
@@ -97,8 +95,7 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::viewMenu()
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
 {
     const QString title = QStringLiteral("Export");
-    // One text, as it is escaped: a dot in a name counts as that between schema and table.
-    const QString name = MSSQLClient::escapeTableNameIfRequired(KNFormat("%@.%@", m_schema, m_tableName));
+    const QString name = MSSQLObjectPath::quoted({m_schema, m_tableName});
     return KNMenuItem::withSubmenu(
         title, {title,
                 {actionItem("CSV", "exportTableAsCSV:", name), KNMenuItem::separator(),

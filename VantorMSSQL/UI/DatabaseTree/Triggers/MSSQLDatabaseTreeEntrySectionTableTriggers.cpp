@@ -1,6 +1,7 @@
 #include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntrySectionTableTriggers.h"
 
 #include "Foundation/KNFormat.h"
+#include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLModuleHeader.h"
 #include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntryTableTrigger.h"
 
@@ -37,7 +38,8 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryForRow
     auto trigger = make<MSSQLDatabaseTreeEntryTableTrigger>(m_schema, name);
     const QString text = row.stringForColumnIndex(3);
     trigger->setTriggerSQL(
-        text.isNull() ? KNFormat("-- Failed to load trigger SQL for %@.%@.%@.", m_schema, m_tableName, name)
+        text.isNull() ? KNSQLComment::inOneLine(KNFormat("-- Failed to load trigger SQL for %@.%@.%@.",
+                                                         m_schema, m_tableName, name))
                       : MSSQLModuleHeader::withCurrentName(text.trimmed(), m_schema, name));
     return trigger;
 }

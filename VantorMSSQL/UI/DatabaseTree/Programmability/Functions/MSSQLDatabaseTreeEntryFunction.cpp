@@ -34,11 +34,11 @@ KNMenu MSSQLDatabaseTreeEntryFunction::menu()
 
 KNMenuItem MSSQLDatabaseTreeEntryFunction::createScriptAsMenu() const
 {
-    const QString qualifiedName = KNFormat("%@.%@", m_schema, m_functionName);
     return scriptAsMenuItem(
-        {{"CREATE to", scriptSubject().script<MSSQLScriptCreateFunctionQueryLoader>(qualifiedName)},
+        {{"CREATE to",
+          scriptSubject().script<MSSQLScriptCreateFunctionQueryLoader>(m_functionName, m_schema)},
          {"ALTER to", scriptSubject().script<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)},
          {"DROP to", scriptSubject().script<MSSQLScriptDropFunctionQueryLoader>(m_functionName, m_schema)},
          {"DROP and CREATE to",
-          scriptSubject().script<MSSQLScriptDropAndCreateFunctionQueryLoader>(qualifiedName)}});
+          scriptSubject().script<MSSQLScriptDropAndCreateFunctionQueryLoader>(m_functionName, m_schema)}});
 }

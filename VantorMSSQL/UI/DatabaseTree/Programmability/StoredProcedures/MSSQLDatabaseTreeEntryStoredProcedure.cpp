@@ -1,7 +1,7 @@
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedure.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptAlterStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateStoredProcedureQueryLoader.h"
@@ -51,8 +51,7 @@ MSSQLScriptSubject MSSQLDatabaseTreeEntryStoredProcedure::scriptSubject() const
 
 KNMenu MSSQLDatabaseTreeEntryStoredProcedure::menu()
 {
-    const QString escapedName = KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(m_schema),
-                                         MSSQLClient::escapeTableNameIfRequired(m_procedureName));
+    const QString escapedName = MSSQLObjectPath::quoted({m_schema, m_procedureName});
     return {QStringLiteral("Test"),
             {actionItem("New Stored Procedure",
                         "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewStoredProcedure")),

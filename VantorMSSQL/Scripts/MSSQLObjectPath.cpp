@@ -1,0 +1,68 @@
+#include "Scripts/MSSQLObjectPath.h"
+
+#include "Implementations/MSSQLClient.h"
+#include "SQL/SQLMetadataTokenizer.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Letters and digits of Unicode 3.2, to which identifiers are held; @, $, # and _ may follow the first.
+bool isRegularIdentifier(QStringView word)
+{
+    const auto isLetter = [](QChar c) { return c.isLetter() && c.unicodeVersion() <= QChar::Unicode_3_2; };
+    const auto continues = [&](QChar c) {
+        return isLetter(c) || c.category() == QChar::Number_DecimalDigit || c == QLatin1Char('_') ||
+               c == QLatin1Char('@') || c == QLatin1Char('$') || c == QLatin1Char('#');
+    };
+    return !word.isEmpty() && (isLetter(word.front()) || word.front() == QLatin1Char('_')) &&
+           std::all_of(word.begin(), word.end(), continues);
+}
+
+/// Keywords consist of letters, digits and underscores of ASCII only, and quotedName() knows them.
+bool isPlainName(QStringView word)
+{
+    const QString name = word.toString();
+    if (MSSQLClient::quotedName(name) == name)
+        return true;
+    const bool isKeywordLike = std::all_of(word.begin(), word.end(), [](QChar c) {
+        return c.unicode() < 0x80 && (c.isLetterOrNumber() || c == QLatin1Char('_'));
+    });
+    return !isKeywordLike && isRegularIdentifier(word);
+}
+
+bool readsAs(const SQLToken &token, const QString &name)
+{
+    if (token.kind == SQLTokenKind::Word)
+        return token.text == name && isPlainName(token.text);
+    return token.kind == SQLTokenKind::BracketedIdentifier && token.text == MSSQLObjectPath::bracketed(name);
+}
+
+} // namespace
+
+QString MSSQLObjectPath::bracketed(QString name)
+{
+    name.replace(QLatin1Char(']'), QLatin1String("]]"));
+    return QLatin1Char('[') + name + QLatin1Char(']');
+}
+
+QString MSSQLObjectPath::quoted(const QStringList &parts)
+{
+    QStringList names;
+    for (const QString &part : parts)
+        names.append(part.isEmpty() ? part : MSSQLClient::quotedName(part));
+    return names.join(QLatin1Char('.'));
+}
+
+bool MSSQLObjectPath::reads(const QString &text, const QStringList &parts)
+{
+    SQLMetadataTokenizer tokenizer(text, {.nestedComments = true, .recognizesMSSQLVariables = true});
+    SQLToken token{};
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (i > 0 && !(tokenizer.next(&token) && token.text == QLatin1String(".")))
+            return false;
+        if (!parts[i].isEmpty() && !(tokenizer.next(&token) && readsAs(token, parts[i])))
+            return false;
+    }
+    return !tokenizer.next(&token);
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Names of objects as statements hold them: "schema.[table]".
+namespace MSSQLObjectPath {
+
+/// The name in brackets, needed or not, "]" doubled.
+QString bracketed(QString name);
+
+/// The parts with dots between them, each in brackets where it needs them, "]" doubled. An empty part is
+/// left out, its dot is not: "", "t" gives ".t".
+QString quoted(const QStringList &parts);
+
+/// Whether the text is a path and nothing else, and a server reads these very parts in it. Words without
+/// brackets count when they are regular identifiers and no keywords.
+bool reads(const QString &text, const QStringList &parts);
+
+} // namespace MSSQLObjectPath
