@@ -2,6 +2,7 @@
 
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
+#include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLMySQLValue.h"
 
 namespace {
@@ -21,7 +22,7 @@ QString MSSQL2MySQLExporter::exportData(const QList<KNRow> &rows, const QString 
 {
     KNAssert(batch > 0, "A batch has one row at least.", "Export/MSSQL2MySQLExporter");
     const QString insert = KNFormat("INSERT INTO %@ (%@) ", forTable, withColumns.join(QStringLiteral(", ")));
-    QString script = KNFormat("-- Add %ld rows for %@.\r\n", rows.size(), forTable);
+    QString script = KNFormat("-- Add %ld rows for %@.\r\n", rows.size(), KNSQLComment::inOneLine(forTable));
     if (hasIdentity)
         script += KNFormat("SET IDENTITY_INSERT %@ ON\r\n", forTable);
     for (qsizetype i = 0; i < rows.size(); ++i) {

@@ -1,6 +1,7 @@
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 #include <QRegularExpression>
 
@@ -55,9 +56,8 @@ QString statementHead(const QStringList &table, const QStringList &columnNames)
 {
     QStringList names;
     for (const QString &name : columnNames)
-        names.append(MSSQLClient::escapeTableNameIfRequired(name));
-    return KNFormat("INSERT INTO %@ (%@)", MSSQLClient::escapeTablePaths(table),
-                    names.join(QLatin1Char(',')));
+        names.append(MSSQLObjectPath::quoted({name}));
+    return KNFormat("INSERT INTO %@ (%@)", MSSQLObjectPath::ofTable(table), names.join(QLatin1Char(',')));
 }
 
 } // namespace

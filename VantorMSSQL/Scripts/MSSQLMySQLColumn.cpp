@@ -1,8 +1,8 @@
 #include "Scripts/MSSQLMySQLColumn.h"
 
 #include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryTemplate.h"
-#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
 #include <QHash>

@@ -3,11 +3,11 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDefaultSchemaHelper.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryTemplate.h"
 #include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLModuleHeader.h"
-#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 
 #include <algorithm>

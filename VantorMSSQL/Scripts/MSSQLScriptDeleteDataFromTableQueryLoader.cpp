@@ -2,28 +2,11 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
-#include "Scripts/MSSQLObjectPath.h"
-
-namespace {
-
-QString quotedPath(const QStringList &path)
-{
-    const QString escaped = MSSQLClient::escapeTablePaths(path);
-    if (path.size() > 1) {
-        const QStringList ends{path.first(), path.last()};
-        return MSSQLObjectPath::reads(escaped, ends) ? escaped : MSSQLObjectPath::quoted(ends);
-    }
-    // One text may hold a schema, a dot and a name.
-    const QString name = path.value(0);
-    return MSSQLObjectPath::reads(escaped, name.split(QLatin1Char('.'))) ? escaped
-                                                                         : MSSQLObjectPath::quoted({name});
-}
-
-} // namespace
+#include "Implementations/MSSQLObjectPath.h"
 
 void MSSQLScriptDeleteDataFromTableQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
-    const QString table = quotedPath(m_tablePath);
+    const QString table = MSSQLObjectPath::ofTable(m_tablePath);
     QString script = QStringLiteral("");
     for (const QList<KNValue> &row : m_data) {
         QString conditions = QStringLiteral("");

@@ -2,9 +2,9 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "SQL/SQLMetadataTokenizer.h"
 #include "Scripts/MSSQLModuleHeader.h"
-#include "Scripts/MSSQLObjectPath.h"
 
 #include <algorithm>
 

@@ -2,10 +2,10 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLMySQLColumn.h"
 #include "Scripts/MSSQLMySQLValue.h"
-#include "Scripts/MSSQLObjectPath.h"
 #include "Scripts/MSSQLRowStream.h"
 #include "Scripts/MSSQLScriptCatalog.h"
 

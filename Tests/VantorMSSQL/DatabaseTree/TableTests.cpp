@@ -54,6 +54,16 @@ TEST_F(Table, IsDraggedByItsDisplayName)
     EXPECT_NE(orders->dragDropEntry(), nullptr);
 }
 
+TEST_F(Table, IsDraggedInBracketsWhereItsNameWouldReadAsSomethingElse)
+{
+    EXPECT_EQ(table("dbo", "a]; DROP TABLE victim; --")->dragDropString(),
+              QStringLiteral("[a]]; DROP TABLE victim; --]"));
+    EXPECT_EQ(table("dbo", "DROP TABLE victim")->dragDropString(), QStringLiteral("[DROP TABLE victim]"));
+    const Ptr other = table("my schema", "a.b");
+    other->setDisplayName(QStringLiteral("my schema.a.b"));
+    EXPECT_EQ(other->dragDropString(), QStringLiteral("[my schema].[a.b]"));
+}
+
 TEST_F(Table, ADoubleClickSelectsFromItWithBothNamesEscaped)
 {
     QStringList executed;

@@ -79,6 +79,19 @@ TEST(DeleteScript, DeletesOneRowWithEveryStatement)
              "DELETE TOP (1) FROM sales.[Order Lines] WHERE Id = 2 AND [the name] = NULL;"));
 }
 
+TEST(DeleteScript, NamesNothingButTheTableAndItsColumns)
+{
+    const auto of = [](const QStringList &path) {
+        return textAtOnce<MSSQLScriptDeleteDataFromTableQueryLoader>(
+            path, QStringList{name("a] = 1; DROP TABLE v; --")}, QList<QList<KNValue>>{{KNValue(1)}});
+    };
+    const QString condition = name(" WHERE [a]] = 1; DROP TABLE v; --] = 1;");
+    EXPECT_EQ(of({name("dbo"), name("a.b")}), name("DELETE TOP (1) FROM dbo.[a.b]") + condition);
+    EXPECT_EQ(of({name("dbo"), name("a]b")}), name("DELETE TOP (1) FROM dbo.[a]]b]") + condition);
+    EXPECT_EQ(of({name("dbo.Order Lines")}), name("DELETE TOP (1) FROM dbo.[Order Lines]") + condition);
+    EXPECT_EQ(of({name("t; DROP TABLE v")}), name("DELETE TOP (1) FROM [t; DROP TABLE v]") + condition);
+}
+
 TEST(DeleteScript, RendersBytesAsHexadecimal)
 {
     EXPECT_EQ(deletion({name("b")}, {{KNValue(QByteArray("\x00\xff", 2))}}),

@@ -1,4 +1,4 @@
-#include "Scripts/MSSQLObjectPath.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptDropColumnInTableQueryLoader.h"
 #include "Scripts/MSSQLScriptDropFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptDropIndexQueryLoader.h"
@@ -138,14 +138,12 @@ TEST(ScriptReview, QuotesSchemasTablesIndexesAndColumns)
         EXPECT_EQ(reviewed<MSSQLScriptDropViewQueryLoader>(subject("VIEW", name, "v"), u("v"), u(name)),
                   u("DROP VIEW ") + u(bracketed) + u(".v"));
         const MSSQLScriptSubject index{u("INDEX"), u("dbo"), u(name), {}, u(name)};
-        EXPECT_EQ(
-            reviewed<MSSQLScriptDropIndexQueryLoader>(index, index.name, index.table, index.schema),
-            u("DROP INDEX dbo.") + u(bracketed) + u(".") + u(bracketed));
+        EXPECT_EQ(reviewed<MSSQLScriptDropIndexQueryLoader>(index, index.name, index.table, index.schema),
+                  u("DROP INDEX dbo.") + u(bracketed) + u(".") + u(bracketed));
         const MSSQLScriptSubject column{u("COLUMN"), u("dbo"), u(name), {}, u(name)};
-        EXPECT_EQ(
-            reviewed<MSSQLScriptDropColumnInTableQueryLoader>(column, column.name, column.table,
-                                                              column.schema),
-            u("ALTER TABLE dbo.") + u(bracketed) + u(" DROP COLUMN ") + u(bracketed));
+        EXPECT_EQ(reviewed<MSSQLScriptDropColumnInTableQueryLoader>(column, column.name, column.table,
+                                                                    column.schema),
+                  u("ALTER TABLE dbo.") + u(bracketed) + u(" DROP COLUMN ") + u(bracketed));
     }
 }
 
@@ -155,8 +153,8 @@ TEST(ScriptReview, QuotesBothNamesOfATypeThatIsMadeAnew)
         const QString raw = u("dbo.") + u(name);
         const QString path = u("dbo.") + u(bracketed);
         const Reviewed result =
-            review(subject("TYPE", "dbo", name), u("DROP TYPE ") + raw + u("\r\nGO\r\n\r\nCREATE TYPE ") + raw +
-                                                     u(" FROM nvarchar(12) NULL\r\nGO"));
+            review(subject("TYPE", "dbo", name), u("DROP TYPE ") + raw + u("\r\nGO\r\n\r\nCREATE TYPE ") +
+                                                     raw + u(" FROM nvarchar(12) NULL\r\nGO"));
         EXPECT_EQ(result.text, u("DROP TYPE ") + path + u("\r\nGO\r\n\r\nCREATE TYPE ") + path +
                                    u(" FROM nvarchar(12) NULL\r\nGO"));
         EXPECT_FALSE(result.report.failure);

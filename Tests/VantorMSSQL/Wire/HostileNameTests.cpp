@@ -198,7 +198,8 @@ protected:
         EXPECT_TRUE(rest.startsWith(QLatin1String("DROP TABLE IF EXISTS `"))) << script.toStdString();
     }
 
-    /// Drops the object by its script and makes it again by the one that was written before, then both at once.
+    /// Drops the object by its script and makes it again by the one that was written before, then both at
+    /// once.
     void dropAndMake(const Ptr &entry, const QString &name, const char *schema, const char *drop)
     {
         ASSERT_EQ(count(name, schema), 1) << name.toStdString();
@@ -338,6 +339,34 @@ TEST_F(HostileNames, OfTriggersActOnTheTrigger)
     EXPECT_EQ(triggers, hostileNames().size());
 }
 
+TEST_F(HostileNames, OfEncryptedModulesStayInTheirComments)
+{
+    make(QStringLiteral("CREATE TABLE dbo.watched (a int)"));
+    for (const char *schema : {"v", "p", "f"})
+        make(KNFormat("CREATE SCHEMA %s", schema));
+    for (const QString &name : hostileNames()) {
+        make(KNFormat("CREATE VIEW v.%@ WITH ENCRYPTION AS SELECT 1 AS a", bracketed(name)));
+        make(KNFormat("CREATE PROCEDURE p.%@ WITH ENCRYPTION AS SELECT 1", bracketed(name)));
+        make(KNFormat("CREATE FUNCTION f.%@() RETURNS int WITH ENCRYPTION AS BEGIN RETURN 1 END",
+                      bracketed(name)));
+        make(KNFormat("CREATE TRIGGER %@ ON dbo.watched WITH ENCRYPTION AFTER INSERT AS SELECT 1",
+                      bracketed(name)));
+    }
+    qsizetype entries = 0;
+    for (const auto &section : {children({"Views"}), children({"Programmability", "Stored Procedures"}),
+                                children({"Programmability", "Functions", "Scalar-valued Functions"}),
+                                children({"Tables", "watched", "Triggers"})}) {
+        for (const Ptr &entry : section) {
+            ++entries;
+            KNQueryReport report;
+            textOf(item(entry, "Script as/CREATE to"), entry, &report);
+            EXPECT_TRUE(report.failure) << entry->displayName().toStdString();
+            runAll(entry);
+        }
+    }
+    EXPECT_EQ(entries, 4 * hostileNames().size());
+}
+
 TEST_F(HostileNames, OfSchemasActOnTheirTable)
 {
     for (const QString &name : hostileNames()) {
@@ -352,5 +381,6 @@ TEST_F(HostileNames, OfSchemasActOnTheirTable)
         runAll(entry);
     }
     EXPECT_EQ(tables, hostileNames().size());
-    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT COUNT(*) FROM sys.tables WHERE name = 't'")).toInt64(), tables);
+    EXPECT_EQ(scalar(*client, QStringLiteral("SELECT COUNT(*) FROM sys.tables WHERE name = 't'")).toInt64(),
+              tables);
 }

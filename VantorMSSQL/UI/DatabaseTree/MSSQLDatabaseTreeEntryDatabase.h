@@ -2,6 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseSearchResult.h"
 #include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 /// A user database. Its sections are made without asking the server. It keeps the objects that the search
 /// finds in it.
@@ -17,7 +18,7 @@ public:
     void setDatabaseName(const QString &databaseName) { m_databaseName = databaseName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Database"); }
-    QString dragDropString() const override { return displayName(); }
+    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
 
     /// The objects that copyWithSearchResults() looks through; always returns true. Both on the UI thread.

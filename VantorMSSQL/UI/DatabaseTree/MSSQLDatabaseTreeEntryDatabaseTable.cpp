@@ -2,7 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 #include "Foundation/KNFormat.h"
-#include "Scripts/MSSQLObjectPath.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
@@ -31,6 +31,12 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryDatabaseTable::makeEntries()
             make<MSSQLDatabaseTreeEntrySectionTableKeys>(m_schema, m_tableName),
             make<MSSQLDatabaseTreeEntrySectionTableIndexes>(m_schema, m_tableName, m_isView),
             make<MSSQLDatabaseTreeEntrySectionTableTriggers>(m_schema, m_tableName)};
+}
+
+QString MSSQLDatabaseTreeEntryDatabaseTable::dragDropString() const
+{
+    return displayName() == m_tableName ? MSSQLObjectPath::readable({m_tableName})
+                                        : MSSQLObjectPath::readable({m_schema, m_tableName});
 }
 
 std::shared_ptr<DatabaseTreeDragDropEntry> MSSQLDatabaseTreeEntryDatabaseTable::dragDropEntry() const

@@ -17,7 +17,8 @@ public:
     void setIsView(bool isView) { m_isView = isView; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Table"); }
-    QString dragDropString() const override { return displayName(); }
+    /// The display name, its parts in brackets where a server would read them otherwise.
+    QString dragDropString() const override;
     std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const override;
     void onDoubleClicked() override { cmdDown(); }
     /// Shows the first rows in a new query tab.

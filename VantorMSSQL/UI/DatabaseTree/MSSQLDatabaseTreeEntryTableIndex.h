@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 /// An index of a table or a view.
 class MSSQLDatabaseTreeEntryTableIndex : public KNDatabaseTreeEntry
@@ -14,7 +15,7 @@ public:
     QString indexName() const { return m_indexName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Index"); }
-    QString dragDropString() const override { return displayName(); }
+    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 /// A column of a table or a view; its name is also what is shown.
 class MSSQLDatabaseTreeEntryDatabaseTableColumn : public KNDatabaseTreeEntry
@@ -18,7 +19,7 @@ public:
     QString image() const override;
     int tableCellHeight() const override { return 23; }
     QString tableCellIdentifier() const override { return QStringLiteral("ColumnDetailsTableCellView"); }
-    QString dragDropString() const override { return m_columnName; }
+    QString dragDropString() const override { return MSSQLObjectPath::readable({m_columnName}); }
     KNMenu menu() override;
 
 private:

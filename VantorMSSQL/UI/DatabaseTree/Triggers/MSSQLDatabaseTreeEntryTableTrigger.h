@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryLoader.h"
 
 /// A trigger. Its scripts are derived from its text.
@@ -20,7 +21,7 @@ public:
     QString dropAndCreateTriggerSQL() const { return m_dropAndCreateTriggerSQL; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Trigger"); }
-    QString dragDropString() const override { return displayName(); }
+    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
 
 private:

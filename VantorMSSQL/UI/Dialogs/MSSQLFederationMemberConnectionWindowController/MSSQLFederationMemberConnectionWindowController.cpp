@@ -4,6 +4,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -59,7 +60,8 @@ void MSSQLFederationMemberConnectionWindowController::onAccept()
     details->setDistributionName(m_distributionName->text());
     details->setDistributionValue(m_distributionValue->text());
     details->setFederationStatement(KNFormat("USE FEDERATION %@(%@=%@) WITH RESET, FILTERING=OFF",
-                                             details->federationName(), details->distributionName(),
+                                             MSSQLObjectPath::readable({details->federationName()}),
+                                             MSSQLObjectPath::readable({details->distributionName()}),
                                              details->distributionValue()));
     KNLogHelper::sharedInstance()->logMessage("Federation statement: %@", details->federationStatement());
     m_details = details;

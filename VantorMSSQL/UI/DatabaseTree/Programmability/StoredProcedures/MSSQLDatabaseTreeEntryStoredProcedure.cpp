@@ -1,7 +1,7 @@
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedure.h"
 
 #include "Foundation/KNFormat.h"
-#include "Scripts/MSSQLObjectPath.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptAlterStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateStoredProcedureQueryLoader.h"

@@ -17,4 +17,11 @@ QString quoted(const QStringList &parts);
 /// brackets count when they are regular identifiers and no keywords.
 bool reads(const QString &text, const QStringList &parts);
 
+/// The parts with dots between them as they are where a server reads them so, and quoted() otherwise.
+QString readable(const QStringList &parts);
+
+/// The path of a table: its first and its last part. A single part may hold a schema, a dot and a name.
+/// Escaped by MSSQLClient where a server reads that rightly, and quoted() otherwise.
+QString ofTable(const QStringList &path);
+
 } // namespace MSSQLObjectPath

@@ -1,4 +1,4 @@
-#include "Scripts/MSSQLObjectPath.h"
+#include "Implementations/MSSQLObjectPath.h"
 
 #include "Implementations/MSSQLClient.h"
 #include "SQL/SQLMetadataTokenizer.h"
@@ -65,4 +65,18 @@ bool MSSQLObjectPath::reads(const QString &text, const QStringList &parts)
             return false;
     }
     return !tokenizer.next(&token);
+}
+
+QString MSSQLObjectPath::readable(const QStringList &parts)
+{
+    const QString text = parts.join(QLatin1Char('.'));
+    return reads(text, parts) ? text : quoted(parts);
+}
+
+QString MSSQLObjectPath::ofTable(const QStringList &path)
+{
+    const QString escaped = MSSQLClient::escapeTablePaths(path);
+    const QStringList parts = path.size() > 1 ? QStringList{path.first(), path.last()} : path;
+    const bool isRead = reads(escaped, path.size() > 1 ? parts : path.value(0).split(QLatin1Char('.')));
+    return isRead ? escaped : quoted(parts);
 }
