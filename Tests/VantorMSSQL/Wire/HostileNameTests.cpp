@@ -112,7 +112,7 @@ protected:
     void make(const QString &sql)
     {
         KNError error;
-        run(*client, sql, &error);
+        client->executeNonQuery(sql, &error);
         EXPECT_FALSE(error) << sql.toStdString() << ": " << error.localizedDescription().toStdString();
     }
 
