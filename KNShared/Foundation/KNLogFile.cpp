@@ -15,7 +15,7 @@ namespace {
 
 constexpr int OlderGenerations = 4;
 
-bool writeAll(int descriptor, const QByteArray &bytes)
+void writeAll(int descriptor, const QByteArray &bytes)
 {
     qsizetype written = 0;
     while (written < bytes.size()) {
@@ -24,10 +24,18 @@ bool writeAll(int descriptor, const QByteArray &bytes)
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
-            return false;
+            return;
         written += count;
     }
-    return true;
+}
+
+/// A FIFO or a device in place of the file could hold the program up at every line.
+bool isRegularFile(int descriptor)
+{
+    struct stat status
+    {
+    };
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 qint64 sizeOf(int descriptor)
@@ -71,10 +79,12 @@ bool KNLogFile::open()
     if (!KNMakePrivateFolder(m_folder))
         return false;
     const QByteArray name = QFile::encodeName(pathOfGeneration(0));
-    m_descriptor =
-        ::open(name.constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-    // A file from elsewhere may be open to others; one whose mode cannot be mended is not used.
-    if (m_descriptor >= 0 && fchmod(m_descriptor, S_IRUSR | S_IWUSR) != 0)
+    // O_NONBLOCK: opening a FIFO would wait for its reader. It changes nothing for a regular file.
+    m_descriptor = ::open(name.constData(),
+                          O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
+                          S_IRUSR | S_IWUSR);
+    // An existing file may be readable by others; it is not used when its mode cannot be restricted.
+    if (m_descriptor >= 0 && (!isRegularFile(m_descriptor) || fchmod(m_descriptor, S_IRUSR | S_IWUSR) != 0))
         close();
     return m_descriptor >= 0;
 }
@@ -101,6 +111,6 @@ void KNLogFile::append(const QByteArray &lines)
         if (size > 0 && size + lines.size() > m_maximumBytes)
             rotate();
     }
-    if (!open() || !writeAll(m_descriptor, lines))
-        writeAll(STDERR_FILENO, lines);
+    if (open())
+        writeAll(m_descriptor, lines);
 }

@@ -13,7 +13,8 @@ public:
     KNLogFile(const KNLogFile &) = delete;
     KNLogFile &operator=(const KNLogFile &) = delete;
 
-    /// Appends whole lines, to standard error instead when the file cannot take them.
+    /// Appends whole lines. Lines that cannot be written are dropped; standard error stays free for the
+    /// program's own output. Never blocks on a FIFO or a device in place of the file.
     void append(const QByteArray &lines);
     /// The file being written; empty when none could be opened.
     QString path() const;

@@ -43,7 +43,7 @@ public:
     /// Every later line shows `secret` as "********". Texts shorter than 3 characters are not registered.
     /// Texts stay registered for the life of the log.
     void registerSecret(const QString &secret);
-    /// The file being written; empty when no file could be opened (lines then go to standard error).
+    /// The file being written; empty when no file could be opened (lines are dropped then).
     QString filePath() const;
     /// Hands every record (one per call of the functions above, later lines indented) to `observer` as well,
     /// as it is written, on the logging thread; an empty one ends it. For tests.
