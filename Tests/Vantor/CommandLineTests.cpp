@@ -3,10 +3,14 @@
 #include "Support/TestCertificates.h"
 #include "Vantor/Program.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -25,7 +29,63 @@ Outcome query(const QStringList &arguments, const QByteArray &input = {},
         .wait();
 }
 
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
+
+TEST(CommandLine, RemovesThePasswordFromItsEnvironmentAndThatOfItsChildren)
+{
+    const char *const password = "a-password-of-the-environment";
+    const Program program(
+        {QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("WAITFOR DELAY '00:01:00'")}, {},
+        password);
+    const QString process = QStringLiteral("/proc/%1").arg(program.processId());
+    QByteArray child;
+    const auto isServerRunning = [&] {
+        child = contentOf(process + QStringLiteral("/task/%1/children").arg(program.processId())).trimmed();
+        return !child.isEmpty() &&
+               contentOf(QStringLiteral("/proc/%1/cmdline").arg(QString::fromLatin1(child)))
+                   .contains("vantor-sample-server");
+    };
+    for (int tries = 0; tries < 300 && !isServerRunning(); ++tries)
+        usleep(50'000);
+    ASSERT_TRUE(isServerRunning());
+    const QByteArray ofServer = contentOf(QStringLiteral("/proc/%1/environ").arg(QString::fromLatin1(child)));
+    EXPECT_TRUE(ofServer.contains("PATH="));
+    EXPECT_FALSE(ofServer.contains("VANTOR_PASSWORD"));
+    EXPECT_FALSE(ofServer.contains(password));
+    const QByteArray ofProgram = contentOf(process + QStringLiteral("/environ"));
+    EXPECT_TRUE(ofProgram.contains("PATH="));
+    EXPECT_FALSE(ofProgram.contains(password));
+    kill(program.processId(), SIGKILL);
+    waitpid(program.processId(), nullptr, 0);
+}
+
+TEST(CommandLine, IsNeitherDelayedNorDisturbedByALogThatIsAFifo)
+{
+    const QTemporaryDir folder;
+    const QString logs = folder.filePath(QStringLiteral("vantor/logs"));
+    ASSERT_TRUE(QDir().mkpath(logs));
+    ASSERT_EQ(mkfifo(QFile::encodeName(logs + QStringLiteral("/vantor.log")).constData(), 0600), 0);
+    const QByteArray before = qgetenv("XDG_STATE_HOME");
+    qputenv("XDG_STATE_HOME", QFile::encodeName(folder.path()));
+    Program program({QStringLiteral("query"), QStringLiteral("--server"), server(), QStringLiteral("--user"),
+                     QStringLiteral("sa"), QStringLiteral("--format"), QStringLiteral("csv"),
+                     QStringLiteral("SELECT 1 AS a")});
+    qputenv("XDG_STATE_HOME", before);
+    const bool hasEnded = program.endsWithin(30'000);
+    EXPECT_TRUE(hasEnded);
+    if (!hasEnded)
+        kill(program.processId(), SIGKILL);
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, QByteArray("a\n1\n"));
+    EXPECT_EQ(outcome.errors, QByteArray());
+}
 
 TEST(CommandLine, RunsAQueryAndShowsItsRows)
 {

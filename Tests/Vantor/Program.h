@@ -74,6 +74,7 @@ public:
         close(in[1]);
     }
 
+    pid_t processId() const { return m_process; }
     void interrupt() const { kill(m_process, SIGINT); }
 
     /// Waits until the program has filled the pipe of its output, which nobody reads.

@@ -1,28 +1,15 @@
 #include "CommandLine/ServerConnection.h"
 
 #include "CommandLine/Terminal.h"
+#include "Common/EnvironmentPassword.h"
 #include "Foundation/KNFormat.h"
-
-namespace {
-
-/// The password from the environment, which is then emptied of it, or from the terminal.
-std::optional<QString> readPassword(const QString &user)
-{
-    constexpr char Variable[] = "VANTOR_PASSWORD";
-    if (qEnvironmentVariableIsSet(Variable)) {
-        const QString password = qEnvironmentVariable(Variable);
-        qunsetenv(Variable);
-        return password;
-    }
-    return Terminal::promptWithoutEcho(KNFormat("Password for %@: ", user));
-}
-
-} // namespace
 
 ExitStatus ServerConnection::prepare(const ConnectionOptions &options, const VantorDBCPtr &settings,
                                      KNError *error)
 {
     m_settings = settings;
+    // Before any child process starts, and also where no password is needed.
+    auto password = TakeEnvironmentPassword();
     if (options.writesTrace) {
         const QString trace = settings->startProtocolTrace();
         Terminal::printError(trace.isNull() ? QStringLiteral("The trace of the protocol cannot be written.")
@@ -41,7 +28,8 @@ ExitStatus ServerConnection::prepare(const ConnectionOptions &options, const Van
         settings->setPassword(m_sampleServer.password());
         return ExitSuccess;
     }
-    const auto password = readPassword(options.user);
+    if (!password)
+        password = Terminal::promptWithoutEcho(KNFormat("Password for %@: ", options.user));
     if (!password) {
         *error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0,
                          QStringLiteral("There is no password: set VANTOR_PASSWORD, or run in a terminal."));

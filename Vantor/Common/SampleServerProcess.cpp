@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -62,7 +63,6 @@ bool SampleServerProcess::launch(KNError *error)
 {
     const QString program = programPath();
     m_password = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    qputenv(PasswordVariable.constData(), m_password.toLatin1());
     int output[2];
     if (pipe2(output, O_CLOEXEC) != 0)
         return fail(QString::fromLocal8Bit(strerror(errno)), error);
@@ -79,6 +79,13 @@ bool SampleServerProcess::launch(KNError *error)
                                        const_cast<char *>("--password-env"),
                                        variable.data(),
                                        nullptr};
+    // The password is in the server's environment only, not in this program's, which other children inherit.
+    QByteArray passwordEntry = PasswordVariable + '=' + m_password.toLatin1();
+    std::vector<char *> environment;
+    for (char **entry = environ; *entry; ++entry)
+        environment.push_back(*entry);
+    environment.push_back(passwordEntry.data());
+    environment.push_back(nullptr);
     const pid_t parent = getpid();
     m_process = fork();
     if (m_process == 0) {
@@ -88,10 +95,9 @@ bool SampleServerProcess::launch(KNError *error)
         if (getppid() != parent)
             _exit(1);
         dup2(output[1], STDOUT_FILENO);
-        execv(path.constData(), arguments.data());
+        execve(path.constData(), arguments.data(), environment.data());
         _exit(127);
     }
-    qunsetenv(PasswordVariable.constData());
     ::close(output[1]);
     if (m_process < 0) {
         ::close(output[0]);

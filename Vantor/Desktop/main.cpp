@@ -1,3 +1,4 @@
+#include "Common/EnvironmentPassword.h"
 #include "Desktop/Application.h"
 #include "Desktop/Main/Theme.h"
 #include "Foundation/KNAssert.h"
@@ -42,6 +43,7 @@ bool hasDisplay()
 
 int main(int argc, char **argv)
 {
+    TakeEnvironmentPassword(); // not used here; ssh and the sample server must not inherit it
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
