@@ -124,11 +124,14 @@ bool MSSQLClient::performBulkInsert(const QStringList &rows, const QString &head
     const QString insert = KNFormat("%@ VALUES %@;", header, rows.join(QStringLiteral(",\r\n")));
     executeNonQuery(insert, error);
     if (error->isSet()) {
-        log->logMessage("Bulk insert failed. Insert string was:\r\n%@", insert);
+        // The rows are the user's data: the log gets their number only.
+        const QString statement = KNFormat("%@ VALUES (%ld rows);", header, rows.size());
+        log->logMessage("Bulk insert failed. Insert string was:\r\n%@", statement);
         log->logMessage("Failed to perform insert with error: %@", error->localizedDescription());
-        log->logError(KNError(QStringLiteral("com.quorvex.vantor.import"), error->code(),
-                              error->localizedDescription(), error->userInfo()),
-                      {{QStringLiteral("dataTypes"), dataTypes}, {QStringLiteral("insertString"), insert}});
+        log->logError(
+            KNError(QStringLiteral("com.quorvex.vantor.import"), error->code(), error->localizedDescription(),
+                    error->userInfo()),
+            {{QStringLiteral("dataTypes"), dataTypes}, {QStringLiteral("insertString"), statement}});
         return false;
     }
     log->logMessage("Finised importing %ld rows in %0.2f seconds.", rows.size(), timer.seconds());

@@ -1,4 +1,5 @@
 #include "Foundation/KNLogHelper.h"
+#include "Support/HostileServerRelay.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include <thread>
@@ -43,6 +44,14 @@ private:
     mutable std::mutex m_mutex;
     QStringList m_records; ///< guarded by m_mutex
 };
+
+/// Whether a batch on the wire holds this text, in UTF-16 as the protocol sends it.
+bool holdsUtf16(const std::string &bytes, const char *text)
+{
+    const QString wide = QString::fromUtf8(text);
+    return bytes.find(std::string(reinterpret_cast<const char *>(wide.utf16()),
+                                  static_cast<std::size_t>(wide.size()) * 2)) != std::string::npos;
+}
 
 class BulkInsert : public testing::Test
 {
@@ -122,12 +131,14 @@ TEST_F(BulkInsert, NumbersGoWithoutQuotesCommasAndDollars)
               text("1234.50|-1000.2500|9007199254740993|5|1000"));
 }
 
-/// What a failed load says in the log is what it sent.
-TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsIt)
+/// A failed load: what went over the wire, and what the log holds of it.
+TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsItAndNoneIntoTheLog)
 {
+    const HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    const auto relayed = connectedClient(settings(relay.port()));
     KNError error;
     const LogRecords log;
-    EXPECT_FALSE(client->bulkInsert(
+    EXPECT_FALSE(relayed->bulkInsert(
         {{text("$1,234.50"), text("5"), text(""), text("O'Brien"), KNValue(), KNValue(QByteArray("\x0a\xff")),
           KNValue(7)},
          {text("NULL"), text("6"), text("1); DROP TABLE x --"), text("null"), KNValue(), KNValue(),
@@ -136,16 +147,20 @@ TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsIt)
         list({"money", "int", "numeric", "nvarchar(10)", "varchar(5)", "varbinary(2)", "bigint"}), {},
         &error));
     EXPECT_TRUE(error);
-    const QStringList sent = log.containing("Bulk insert failed. Insert string was:");
-    ASSERT_EQ(sent.size(), 1);
-    EXPECT_TRUE(sent.first().contains(
-        QString::fromUtf8("INSERT INTO dbo.[no such table] (m,i,e,[Last Name],[select],b,n) VALUES "
-                          "(1234.50,'5','','O''Brien',NULL,0x0aff,7),")))
-        << sent.first().toStdString();
-    EXPECT_TRUE(
-        sent.first().contains(QString::fromUtf8("(NULL,'6','1); DROP TABLE x --','null',NULL,NULL,1);")))
-        << sent.first().toStdString();
+    const std::string sent = relay.saidByClient();
+    EXPECT_TRUE(holdsUtf16(sent, "INSERT INTO dbo.[no such table] (m,i,e,[Last Name],[select],b,n) VALUES "
+                                 "(1234.50,'5','','O''Brien',NULL,0x0aff,7),\r\n"
+                                 "(NULL,'6','1); DROP TABLE x --','null',NULL,NULL,1);"));
+    const QStringList logged = log.containing("Bulk insert failed. Insert string was:");
+    ASSERT_EQ(logged.size(), 1);
+    EXPECT_TRUE(logged.first().endsWith(
+        QString::fromUtf8("\n    INSERT INTO dbo.[no such table] (m,i,e,[Last Name],[select],b,n) VALUES "
+                          "(2 rows);")))
+        << logged.first().toStdString();
     EXPECT_EQ(log.containing("com.quorvex.vantor.import").size(), 1);
+    EXPECT_EQ(log.containing("insertString: INSERT INTO dbo.[no such table]").size(), 1);
+    for (const char *value : {"1234.50", "Brien", "DROP TABLE", "0x0aff"})
+        EXPECT_TRUE(log.containing(value).isEmpty()) << value;
 }
 
 TEST_F(BulkInsert, AFailureLeavesNothingBehind)
