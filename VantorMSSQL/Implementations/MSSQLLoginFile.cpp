@@ -5,9 +5,45 @@
 #include <QDir>
 #include <QFile>
 
+#include <ctime>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr int LongestServerName = 128; ///< that a login may carry
+const QString FolderPrefix = QStringLiteral("vantor-login-");
+constexpr char ConfigurationName[] = "freetds.conf";
+constexpr char TrustedName[] = "trusted.pem";
+
+/// Opens and locks a folder; -1 when it is a link, another process has locked it, or it cannot be opened.
+int lockFolder(const QString &path)
+{
+    const int folder =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder >= 0 && ::flock(folder, LOCK_EX | LOCK_NB) == 0)
+        return folder;
+    if (folder >= 0)
+        ::close(folder);
+    return -1;
+}
+
+/// Empties and removes a locked folder, if it is this user's.
+void removeLoginFolder(int folder, const QString &path)
+{
+    constexpr std::time_t CreationTime = 60; ///< seconds in which a new folder surely is locked
+    struct stat status = {};
+    if (::fstat(folder, &status) != 0 || status.st_uid != ::geteuid())
+        return;
+    bool isUsed = false;
+    for (const char *const name : {ConfigurationName, TrustedName})
+        isUsed = ::unlinkat(folder, name, 0) == 0 || isUsed;
+    if (isUsed || std::time(nullptr) - status.st_mtime > CreationTime)
+        ::rmdir(QFile::encodeName(path).constData()); // fails when it holds anything else
+}
 
 const char *modeName(MSSQLEncryption::Mode mode)
 {
@@ -34,15 +70,18 @@ bool writePrivate(const QString &path, const QByteArray &content)
 } // namespace
 
 MSSQLLoginFile::MSSQLLoginFile(const MSSQLServerAddress &server, const MSSQLEncryption &encryption)
-    : m_folder(QDir::tempPath() + QStringLiteral("/vantor-login-XXXXXX"))
+    : m_folder(QDir::tempPath() + QLatin1Char('/') + FolderPrefix + QStringLiteral("XXXXXX"))
     , m_entry(KNFormat("port %d on %@", server.port, server.host).left(LongestServerName).toLatin1())
 {
     if (!m_folder.isValid())
         return;
+    m_lock = lockFolder(m_folder.path());
+    if (m_lock < 0)
+        return;
     QByteArray text = "[" + m_entry + "]\nhost = " + server.host.toLatin1() +
                       "\nport = " + QByteArray::number(server.port) +
                       "\nencryption = " + modeName(encryption.mode) + '\n';
-    const QString trusted = m_folder.filePath(QStringLiteral("trusted.pem"));
+    const QString trusted = m_folder.filePath(QLatin1String(TrustedName));
     if (!encryption.pinnedCertificate.isEmpty()) {
         if (!writePrivate(trusted, encryption.pinnedCertificate))
             return;
@@ -57,7 +96,28 @@ MSSQLLoginFile::MSSQLLoginFile(const MSSQLServerAddress &server, const MSSQLEncr
     }
     text +=
         KNFormat("check certificate hostname = %@\n", encryption.checksHostName ? "yes" : "no").toLatin1();
-    const QString path = m_folder.filePath(QStringLiteral("freetds.conf"));
+    const QString path = m_folder.filePath(QLatin1String(ConfigurationName));
     if (writePrivate(path, text))
         m_path = QFile::encodeName(path);
+}
+
+MSSQLLoginFile::~MSSQLLoginFile()
+{
+    if (m_lock >= 0)
+        ::close(m_lock);
+}
+
+void MSSQLLoginFile::removeAbandoned()
+{
+    const QDir temporary(QDir::tempPath());
+    const QStringList names =
+        temporary.entryList({FolderPrefix + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden);
+    for (const QString &name : names) {
+        const QString path = temporary.filePath(name);
+        const int folder = lockFolder(path);
+        if (folder < 0)
+            continue;
+        removeLoginFolder(folder, path);
+        ::close(folder);
+    }
 }

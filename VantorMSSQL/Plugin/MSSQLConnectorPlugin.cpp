@@ -1,6 +1,12 @@
 #include "Plugin/MSSQLConnectorPlugin.h"
 
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "Implementations/MSSQLLoginFile.h"
+
+MSSQLConnectorPlugin::MSSQLConnectorPlugin()
+{
+    MSSQLLoginFile::removeAbandoned();
+}
 
 QString MSSQLConnectorPlugin::name() const
 {

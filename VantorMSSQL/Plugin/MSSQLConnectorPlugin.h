@@ -13,6 +13,9 @@ class MSSQLConnectorPlugin : public QObject, public KNConnectorPlugin, public MS
     Q_INTERFACES(KNConnectorPlugin KNConnectorUserInterface)
 
 public:
+    /// Removes what killed processes have left behind.
+    MSSQLConnectorPlugin();
+
     QString name() const override;
     std::shared_ptr<VantorDBC> createConnectionDetails() const override;
 };
