@@ -173,6 +173,33 @@ TEST(SessionOptionsSheet, CanTrustAnyoneOnlyWithoutACertificateFile)
     EXPECT_FALSE(parameters.contains(string("trustedCertificateFile")));
 }
 
+TEST(SessionOptionsSheet, RequiresEncryptionOnceACertificateIsNamed)
+{
+    QWidget parent;
+    KNSessionOptionsWindowController sheet({}, &parent);
+    auto *const encryption = sheet.findChildren<QComboBox *>().first();
+    EXPECT_EQ(encryption->currentData(), QVariant(string("request")));
+    sheet.findChild<KNFileField *>()->setPath(string("/ca.pem"));
+    EXPECT_EQ(encryption->currentData(), QVariant(string("require")));
+    EXPECT_EQ(sheet.connectionSessionParameters().value(string("encryption")), QVariant(string("require")));
+    encryption->setCurrentIndex(encryption->findData(string("request")));
+    EXPECT_EQ(encryption->currentData(), QVariant(string("require")));
+    sheet.findChild<KNFileField *>()->setPath(QString());
+    encryption->setCurrentIndex(encryption->findData(string("request")));
+    EXPECT_EQ(sheet.connectionSessionParameters(), QVariantMap());
+}
+
+TEST(SessionOptionsSheet, ShowsARememberedRequestWithACertificateAsRequired)
+{
+    QWidget parent;
+    const KNSessionOptionsWindowController sheet(
+        {{string("encryption"), string("request")}, {string("trustedCertificateFile"), string("/ca.pem")}},
+        &parent);
+    EXPECT_EQ(sheet.connectionSessionParameters(),
+              (QVariantMap{{string("encryption"), string("require")},
+                           {string("trustedCertificateFile"), string("/ca.pem")}}));
+}
+
 TEST(SessionOptionsSheet, HasNothingToTrustWithoutEncryption)
 {
     QWidget parent;

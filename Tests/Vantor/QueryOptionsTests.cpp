@@ -56,7 +56,8 @@ TEST(QueryOptions, AboutEncryptionBecomeSessionParameters)
     QVariantMap expected = mode("require");
     expected.insert(QStringLiteral("trustServerCertificate"), true);
     EXPECT_EQ(parametersOf({"--trust-server-certificate"}), expected);
-    expected = mode("request");
+    // A certificate that is named must not be skipped.
+    expected = mode("require");
     expected.insert(QStringLiteral("trustedCertificateFile"), QStringLiteral("ca.pem"));
     expected.insert(QStringLiteral("checkHostName"), false);
     EXPECT_EQ(parametersOf({"--encrypt", "request", "--trust", "ca.pem", "--no-host-check"}), expected);

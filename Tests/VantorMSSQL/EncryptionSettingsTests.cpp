@@ -1,6 +1,7 @@
 #include "Implementations/MSSQLEncryption.h"
 
 #include "Support/PrintQt.h"
+#include "Support/TestCertificates.h"
 
 #include <gtest/gtest.h>
 
@@ -51,6 +52,18 @@ TEST(EncryptionSettings, ThatRequireItVerifyTheServerUnlessToldNotTo)
     EXPECT_EQ(trusting.mode, Mode::Require);
     EXPECT_FALSE(trusting.verifiesCertificate);
     EXPECT_FALSE(trusting.checksHostName);
+}
+
+TEST(EncryptionSettings, ThatNameACertificateRequireEncryption)
+{
+    const QVariantMap file = {{QStringLiteral("trustedCertificateFile"),
+                               QString::fromStdString(TestCertificates::shared().authority())}};
+    for (const MSSQLEncryption &encryption :
+         {settingsFor(file), settingsFor(with("request", file)), settingsFor(with("require", file))}) {
+        EXPECT_EQ(encryption.mode, Mode::Require);
+        EXPECT_TRUE(encryption.verifiesCertificate);
+        EXPECT_TRUE(encryption.checksHostName);
+    }
 }
 
 TEST(EncryptionSettings, ThatCannotBeUnderstoodAreNeverWeaker)

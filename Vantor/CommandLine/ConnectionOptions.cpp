@@ -28,7 +28,8 @@ std::optional<QVariantMap> encryptionFrom(const QCommandLineParser &parser, KNEr
                 error, KNFormat("\"%@\" is no kind of encryption. Use off, request or require.", mode));
         if (mode == QLatin1String("off") && saysWhomToTrust)
             return usageError(error, QStringLiteral("Without encryption there is no certificate to trust."));
-        parameters.insert(QStringLiteral("encryption"), mode);
+        // A certificate can be verified only where the server cannot be made to do without encryption.
+        parameters.insert(QStringLiteral("encryption"), isSet("trust") ? QStringLiteral("require") : mode);
     }
     if (isSet("trust") && isSet("trust-server-certificate"))
         return usageError(error, QStringLiteral("Give either --trust or --trust-server-certificate."));
@@ -58,7 +59,8 @@ void ConnectionOptions::addTo(QCommandLineParser &parser)
               "(everything, with a certificate that is verified; the default with one of the next three)."),
          text("mode")},
         {text("trust"),
-         text("Trust the certificates of this PEM file, and no others, to vouch for the server."),
+         text("Trust the certificates of this PEM file, and no others, to vouch for the server. Always means "
+              "--encrypt require."),
          text("file")},
         {text("no-host-check"), text("Take a certificate that is for another host.")},
         {text("trust-server-certificate"), text("Take any certificate, whoever shows it.")},

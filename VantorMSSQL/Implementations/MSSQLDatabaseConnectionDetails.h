@@ -53,8 +53,9 @@ public:
     QString initialStatements() const;
     /// How the connection is encrypted: the session parameters
     /// - "encryption": "off", "request" (the default) or "require";
-    /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified;
-    ///   without one it is verified against the system's authorities when encryption is required;
+    /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified,
+    ///   and encryption is required then, also where "request" is set; without one it is verified against the
+    ///   system's authorities when encryption is required;
     /// - "trustServerCertificate": true to take any certificate then (false);
     /// - "checkHostName": false to take a certificate that is for another host (true).
     /// Empty, with an error for the user, for values that make no sense and for a file that cannot be read or

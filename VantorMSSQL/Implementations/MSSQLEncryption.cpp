@@ -81,11 +81,12 @@ std::optional<MSSQLEncryption> MSSQLEncryption::fromSessionParameters(const QVar
         return std::nullopt;
     }
     if (!path.isEmpty()) {
+        encryption.mode = Mode::Require;
         encryption.trustedCertificateFile = QFileInfo(path).absoluteFilePath();
         if (!checkCertificateFile(encryption.trustedCertificateFile, error))
             return std::nullopt;
     }
-    encryption.verifiesCertificate = !path.isEmpty() || (*mode == Mode::Require && !trustsAnyone);
+    encryption.verifiesCertificate = encryption.mode == Mode::Require && !trustsAnyone;
     encryption.checksHostName =
         encryption.verifiesCertificate && parameters.value(QStringLiteral("checkHostName"), true).toBool();
     return encryption;

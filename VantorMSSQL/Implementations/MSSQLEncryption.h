@@ -10,7 +10,9 @@
 struct MSSQLEncryption
 {
     /// Off: never. Request: the login when the server can, everything when it insists; that keeps listeners
-    /// out, but not who pretends to be the server. Require: everything, or no connection.
+    /// out, but not who pretends to be the server. Require: everything, or no connection; the mode of every
+    /// connection for which a certificate is named, since a changed PRELOGIN could switch Request to clear
+    /// text.
     enum class Mode { Off, Request, Require };
 
     Mode mode = Mode::Request;

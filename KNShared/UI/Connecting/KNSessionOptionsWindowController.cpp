@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSpinBox>
+#include <QStandardItemModel>
 
 namespace {
 
@@ -31,6 +32,11 @@ QString off()
 QString request()
 {
     return QStringLiteral("request");
+}
+
+QString required()
+{
+    return QStringLiteral("require");
 }
 
 void select(QComboBox *box, const QString &value)
@@ -57,7 +63,7 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
 {
     setWindowTitle(QStringLiteral("Connection Options"));
     m_encryption->addItem(QStringLiteral("If the server can (login at least)"), request());
-    m_encryption->addItem(QStringLiteral("Required, with a valid certificate"), QStringLiteral("require"));
+    m_encryption->addItem(QStringLiteral("Required, with a valid certificate"), required());
     m_encryption->addItem(QStringLiteral("Off"), off());
     select(m_encryption, parameters.value(Encryption, request()).toString());
     m_trustsAnyone->setChecked(parameters.value(TrustServerCertificate).toBool());
@@ -97,6 +103,8 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
 
     connect(m_encryption, &QComboBox::currentIndexChanged, this,
             &KNSessionOptionsWindowController::updateControls);
+    connect(m_certificateFile->lineEdit(), &QLineEdit::textChanged, this,
+            &KNSessionOptionsWindowController::updateControls);
     connect(m_trustsAnyone, &QCheckBox::toggled, this, &KNSessionOptionsWindowController::updateControls);
     updateControls();
 }
@@ -108,6 +116,12 @@ void KNSessionOptionsWindowController::updateControls()
     m_trustsAnyone->setEnabled(isEncrypted);
     m_certificateFile->setEnabled(isVerified);
     m_checksHostName->setEnabled(isVerified);
+    // A certificate that is named must not be skipped, which a request would allow.
+    const bool namesCertificate = isVerified && !m_certificateFile->path().isEmpty();
+    if (auto *const modes = qobject_cast<QStandardItemModel *>(m_encryption->model()))
+        modes->item(m_encryption->findData(request()))->setEnabled(!namesCertificate);
+    if (namesCertificate && m_encryption->currentData() == request())
+        select(m_encryption, required());
 }
 
 QVariantMap KNSessionOptionsWindowController::connectionSessionParameters() const

@@ -5,6 +5,8 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
+
 using namespace WireTest;
 using namespace HostileServerBytes;
 
@@ -45,10 +47,10 @@ bool canReadPassword(const std::string &bytes, const QString &password)
     return canRead(bytes, password) || bytes.find(obfuscated(password)) != std::string::npos;
 }
 
-/// What stands behind the packets at the start that are of this type.
-std::string behindPackets(std::string bytes, char type)
+/// What follows the packets at the start, all of one of these types.
+std::string behindPackets(std::string bytes, std::initializer_list<char> types)
 {
-    while (bytes.size() >= 8 && bytes[0] == type)
+    while (bytes.size() >= 8 && std::find(types.begin(), types.end(), bytes[0]) != types.end())
         bytes.erase(0, static_cast<unsigned char>(bytes[2]) << 8 | static_cast<unsigned char>(bytes[3]));
     return bytes;
 }
@@ -69,6 +71,8 @@ std::shared_ptr<MSSQLDatabaseConnectionDetails> settingsOf(quint16 port, const c
     auto details = encryptedSettings(port);
     QVariantMap parameters = details->sessionParameters();
     parameters.insert(QStringLiteral("encryption"), QString::fromLatin1(encryption));
+    if (QLatin1String(encryption) == QLatin1String("request"))
+        parameters.remove(QStringLiteral("trustedCertificateFile")); // which would require encryption
     details->setSessionParameters(parameters);
     details->setUsername(QStringLiteral("username-of-the-tests"));
     details->setPassword(QStringLiteral("password-of-the-tests"));
@@ -121,8 +125,8 @@ TEST(EncryptedBytes, AreTlsRecordsBehindTheHandshake)
     const std::string server = listening.relay.saidByServer();
     ASSERT_TRUE(client.starts_with(PreloginType));
     ASSERT_TRUE(server.starts_with(AnswerType));
-    const std::string clientRest = behindPackets(client, PreloginType);
-    const std::string serverRest = behindPackets(behindPackets(server, AnswerType), PreloginType);
+    const std::string clientRest = behindPackets(client, {PreloginType});
+    const std::string serverRest = behindPackets(server, {AnswerType, PreloginType});
     EXPECT_GT(clientRest.size(), 300U);
     EXPECT_GT(serverRest.size(), 300U);
     EXPECT_TRUE(isAllRecords(clientRest));
@@ -150,21 +154,47 @@ TEST(EncryptedBytes, OfTheLoginAloneHideThePasswordAndNoMore)
     EXPECT_TRUE(canRead(listening.relay.saidByServer(), Result));
 }
 
+/// Makes the client's PRELOGIN say this about encryption (MS-TDS 2.2.6.5).
+void changeWish(HostileServerRelay &relay, std::uint8_t wish)
+{
+    relay.changeClient([wish](std::span<std::uint8_t> bytes) {
+        // A PRELOGIN message begins with the version option; a TLS handshake has its own packets inside.
+        constexpr std::uint8_t Prelogin = 18;
+        constexpr std::uint8_t VersionOption = 0;
+        if (bytes.size() < 16 || bytes[0] != Prelogin || bytes[8] != VersionOption)
+            return;
+        // The second option holds the offset of the wish about encryption.
+        bytes[std::size_t{8} + bytes[14] * 256U + bytes[15]] = wish;
+    });
+}
+
+TEST(EncryptedBytes, StayEncryptedWithANamedCertificateWhateverThePreloginIsChangedTo)
+{
+    constexpr std::uint8_t EncryptOff = 0, EncryptNotSupported = 2;
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
+    for (const std::uint8_t wish : {EncryptOff, EncryptNotSupported}) {
+        SCOPED_TRACE(int(wish));
+        HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+        changeWish(relay, wish);
+        const auto details = encryptedSettings(relay.port());
+        QVariantMap parameters = details->sessionParameters();
+        parameters.insert(QStringLiteral("encryption"), QStringLiteral("request"));
+        details->setSessionParameters(parameters);
+        MSSQLClient client(details);
+        KNError error;
+        EXPECT_FALSE(client.connect(&error));
+        EXPECT_FALSE(client.isConnected());
+        EXPECT_FALSE(canReadPassword(relay.saidByClient(), details->password()));
+    }
+}
+
 TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
 {
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
     for (int row = 0; row < 4; ++row) {
         SCOPED_TRACE(row);
         HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
-        relay.changeClient([&](std::span<std::uint8_t> bytes) {
-            // A PRELOGIN message begins with the version option; a TLS handshake has its own packets inside.
-            constexpr std::uint8_t PreloginType = 18;
-            constexpr std::uint8_t VersionOption = 0;
-            if (bytes.size() < 16 || bytes[0] != PreloginType || bytes[8] != VersionOption)
-                return;
-            // The second option holds the offset of the wish about encryption.
-            bytes[std::size_t{8} + bytes[14] * 256U + bytes[15]] = 0;
-        });
+        changeWish(relay, 0);
         MSSQLClient client(encryptedSettings(relay.port()));
         KNError error;
         EXPECT_FALSE(client.tryConnect(row, false, &error));
