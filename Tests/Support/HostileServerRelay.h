@@ -39,6 +39,8 @@ public:
     /// Replaces a text in the client's batches by another one of the same length, wherever it stands: so that
     /// the server refuses one kind of query. To be called before anybody connects.
     void replaceInBatches(std::u16string_view text, std::u16string_view replacement);
+    /// Relays connections from now on to another server.
+    void leadTo(std::uint16_t serverPort) { m_serverPort = serverPort; }
     /// Moves the place of the fault.
     void strikeAfter(std::uint64_t bytes) { m_afterBytes = bytes; }
 
@@ -56,7 +58,7 @@ private:
     void relay(int client);
     bool passToClient(int server, int client, std::uint64_t &passed);
 
-    std::uint16_t m_serverPort;
+    std::atomic<std::uint16_t> m_serverPort;
     Fault m_fault;
     std::atomic<std::uint64_t> m_afterBytes;
     std::atomic<std::uint64_t> m_bytesFromServer = 0;

@@ -89,7 +89,8 @@ TestCertificates::Files TestCertificates::issue(const Subject &subject)
 {
     const Key key = newKey();
     const Certificate certificate = newCertificate(key.get(), "Test server", subject);
-    check(gnutls_x509_crt_set_key_purpose_oid(certificate.get(), GNUTLS_KP_TLS_WWW_SERVER, 0));
+    const char *const purpose = subject.isForClients ? GNUTLS_KP_TLS_WWW_CLIENT : GNUTLS_KP_TLS_WWW_SERVER;
+    check(gnutls_x509_crt_set_key_purpose_oid(certificate.get(), purpose, 0));
     check(gnutls_x509_crt_set_key_usage(certificate.get(), GNUTLS_KEY_DIGITAL_SIGNATURE));
     for (const std::string &name : subject.dnsNames)
         check(gnutls_x509_crt_set_subject_alt_name(certificate.get(), GNUTLS_SAN_DNSNAME, name.data(),

@@ -20,6 +20,7 @@ public:
         int validFromDays = -1;                  ///< from today
         int validUntilDays = 30;
         bool isSelfSigned = false;
+        bool isForClients = false; ///< extended key usage clientAuth alone, instead of serverAuth
     };
     /// Paths of PEM files.
     struct Files

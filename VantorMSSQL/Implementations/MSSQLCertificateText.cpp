@@ -70,6 +70,16 @@ QString dateText(time_t time)
     return QDateTime::fromSecsSinceEpoch(time, Qt::UTC).toString(QStringLiteral("yyyy-MM-dd hh:mm 'UTC'"));
 }
 
+/// Null when the certificate may be used for servers.
+QString purposeText(gnutls_x509_crt_t certificate)
+{
+    if (gnutls_x509_crt_check_key_purpose(certificate, GNUTLS_KP_TLS_WWW_SERVER, 0) != 0)
+        return QString();
+    return QStringLiteral("The server's certificate may not be used for servers: its extended key usage does "
+                          "not include server authentication. Ask the server's administrator for one that "
+                          "does; otherwise this is not the server it says it is.");
+}
+
 QString otherText(unsigned status)
 {
     gnutls_datum_t text = {};
@@ -84,11 +94,11 @@ QString otherText(unsigned status)
 
 QString MSSQLCertificateText(gnutls_session_int *session, unsigned status, const QString &host)
 {
-    if (status == 0)
-        return QString();
     const Certificate certificate = serverCertificate(session);
     if (!certificate)
         return QStringLiteral("The server showed a certificate that cannot be read.");
+    if (status == 0)
+        return purposeText(certificate.get());
     if (status & GNUTLS_CERT_REVOKED)
         return QStringLiteral(
             "The server's certificate was revoked. Do not connect before who runs the server "

@@ -133,6 +133,7 @@ private:
     bool checkLoginTexts(KNError *error) const;
     static bool fitsLogin(const QString &text);
     bool isServerThere(const MSSQLServerAddress &server, KNError *error);
+    bool checkCertificate(const MSSQLServerAddress &server, MSSQLEncryption *encryption, KNError *error);
     bool logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &file, const MSSQLServerAddress &server,
                KNError *error);
     const char *fillLogin(tds_dblib_loginrec *login, bool useNTLMv2, int tdsVersion) const;

@@ -8,6 +8,7 @@
 #include "Implementations/MSSQLLoginFile.h"
 #include "Implementations/MSSQLMessageList.h"
 #include "Implementations/MSSQLServerCheck.h"
+#include "Implementations/MSSQLVerifiedCertificates.h"
 #include "SQL/KNQuerySplitter.h"
 #include "SSH/KNSSHCommand.h"
 #include "SSH/KNSSHTunnel.h"
@@ -139,7 +140,7 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
         return false;
     const auto server = details->sshTunnelModel().isUsed() ? resolveTunnel(&*encryption, error)
                                                            : resolveServer(*encryption, error);
-    if (!server || !isServerThere(*server, error))
+    if (!server || !isServerThere(*server, error) || !checkCertificate(*server, &*encryption, error))
         return false;
     const MSSQLLoginFile file(*server, *encryption);
     if (file.path().isEmpty()) {
@@ -181,6 +182,45 @@ bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error
     return false;
 }
 
+/// Looks at the server's certificate before a password is sent, where the settings ask for it: db-lib does
+/// not look at the extended key usage. db-lib then accepts only the certificate that was shown here, except
+/// where a gateway may route the session to another server with a certificate of its own (MS-TDS 2.2.7.9,
+/// ENVCHANGE type 20): in the cloud, whose certificates the system's authorities sign, and with read-only
+/// intent.
+bool MSSQLClient::checkCertificate(const MSSQLServerAddress &server, MSSQLEncryption *encryption,
+                                   KNError *error)
+{
+    if (!encryption->verifiesCertificate || !encryption->pinnedCertificate.isEmpty())
+        return true;
+    QByteArray certificate = MSSQLVerifiedCertificates::find(server, *encryption);
+    if (certificate.isEmpty()) {
+        const QString problem = MSSQLEncryptionProblem(server.host, server.port, *encryption, loginTimeLeft(),
+                                                       {}, &certificate, m_cancellation.requestDescriptor());
+        KNError failure;
+        if (m_cancellation.isRequested())
+            failure = cancelled();
+        else if (m_cancellation.isDeadlineOver())
+            failure = timeoutError(server, "did not finish the TLS handshake and the login");
+        else if (!problem.isNull())
+            failure = hopeless(problem);
+        else if (certificate.isEmpty())
+            failure =
+                unreachable(serverNameForUsers(), portForUsers(server),
+                            QStringLiteral("The connection ended before the server showed its certificate."));
+        if (failure) {
+            MSSQLServerCheck::forget(server);
+            *error = failure;
+            return false;
+        }
+        MSSQLVerifiedCertificates::remember(server, *encryption, certificate);
+    }
+    const bool mayBeRouted =
+        encryption->trustedCertificateFile.isNull() || m_databaseConnectionDetails->isReadOnlyIntended();
+    if (!mayBeRouted)
+        encryption->pinnedCertificate = certificate;
+    return true;
+}
+
 /// What is left of the time for connecting; not below 0.
 std::chrono::milliseconds MSSQLClient::loginTimeLeft() const
 {
@@ -210,6 +250,7 @@ KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEnc
     });
     if (hasServerSpoken)
         return error;
+    MSSQLVerifiedCertificates::forget(server, encryption);
     const bool isByDefault =
         encryption.mode == MSSQLEncryption::Mode::Request && !encryption.verifiesCertificate;
     if (m_cancellation.isDeadlineOver()) {

@@ -1,4 +1,5 @@
 #include "Foundation/KNFormat.h"
+#include "Support/HostileServerRelay.h"
 #include "Support/TestCertificates.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
@@ -236,7 +237,35 @@ TEST(Certificate, OfAnotherHostIsTakenOnlyWithoutTheCheck)
     EXPECT_EQ(failureOf(withParameters(details, parameter("checkHostName", false))), Connected);
 }
 
-TEST(Certificate, IsVerifiedForTheLoginAloneToo)
+TEST(Certificate, ForClientsOnlyIsRefused)
+{
+    for (const bool isSelfSigned : {false, true}) {
+        const auto files = certificates().issue({{}, {"127.0.0.1"}, -1, 30, isSelfSigned, true});
+        const SampleServerFixture server(serving(files));
+        const auto details = encryptedSettings(server.port());
+        if (isSelfSigned)
+            withParameters(details,
+                           parameter("trustedCertificateFile", QString::fromStdString(files.certificate)));
+        for (const bool checksHostName : {true, false})
+            EXPECT_TRUE(says(failureOf(withParameters(details, parameter("checkHostName", checksHostName))),
+                             {"does not include server authentication"}));
+    }
+}
+
+TEST(Certificate, IsCheckedBeforeAndInTheLoginThatFollows)
+{
+    // The server that answers the check is not the one that answers the login.
+    const SampleServerFixture forServers(serving(certificates().usual()));
+    const SampleServerFixture forClients(
+        serving(certificates().issue({{}, {"127.0.0.1"}, -1, 30, false, true})));
+    HostileServerRelay relay(forServers.port(), HostileServerRelay::Fault::None, 0);
+    const auto details = encryptedSettings(relay.port());
+    EXPECT_EQ(failureOf(details), Connected);
+    relay.leadTo(forClients.port());
+    EXPECT_NE(failureOf(details), Connected);
+}
+
+TEST(Certificate, ThatIsNamedIsVerifiedWhereEncryptionIsOnlyRequested)
 {
     const SampleServerFixture server(serving(certificates().issue({{"sql.example"}, {}}), "request"));
     const auto details = withParameters(encryptedSettings(server.port()), encryption("request"));
