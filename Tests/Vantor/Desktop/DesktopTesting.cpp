@@ -22,9 +22,14 @@ KNConnectorPlugin &connector()
 
 VantorDBCPtr DesktopTesting::settingsFor(const SampleServerFixture &server, const QString &database)
 {
+    return settingsFor(server.port(), database);
+}
+
+VantorDBCPtr DesktopTesting::settingsFor(quint16 port, const QString &database)
+{
     const VantorDBCPtr settings = connector().createConnectionDetails();
     settings->setHost(
-        KNFormat("%@,%d", QString::fromLatin1(SampleServerFixture::Host), static_cast<int>(server.port())));
+        KNFormat("%@,%d", QString::fromLatin1(SampleServerFixture::Host), static_cast<int>(port)));
     settings->setUsername(QString::fromLatin1(SampleServerFixture::User));
     settings->setPassword(QString::fromLatin1(SampleServerFixture::Password));
     settings->setDatabase(database);

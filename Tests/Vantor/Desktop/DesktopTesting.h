@@ -8,5 +8,7 @@ namespace DesktopTesting {
 
 /// New settings for a sample server, from the connector as the program loads it.
 VantorDBCPtr settingsFor(const SampleServerFixture &server, const QString &database = {});
+/// The same for a sample server that another process has started.
+VantorDBCPtr settingsFor(quint16 port, const QString &database = {});
 
 } // namespace DesktopTesting
