@@ -107,6 +107,8 @@ TEST_F(Pool, BearsTwoHundredThreads)
     const auto end = std::chrono::steady_clock::now() + Duration;
     std::atomic<int> wrong = 0;
     std::atomic<int> right = 0;
+    std::mutex mutex;
+    QString firstError; // guarded by mutex
     std::vector<std::thread> threads;
     for (int number = 0; number < 200; ++number) {
         threads.emplace_back([&, number] {
@@ -132,13 +134,16 @@ TEST_F(Pool, BearsTwoHundredThreads)
                     *own, &error, true);
                 const bool shouldFail = round % 5 == 1;
                 const bool hasValue = round % 5 == 1 || round % 5 == 2 || value == KNValue(number);
-                (ran != shouldFail && hasValue ? right : wrong) += 1;
+                const bool isRight = ran != shouldFail && hasValue;
+                (isRight ? right : wrong) += 1;
+                if (const std::lock_guard lock(mutex); !isRight && firstError.isEmpty())
+                    firstError = QStringLiteral("round %1: ").arg(round) + error.localizedDescription();
             }
         });
     }
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(wrong, 0) << firstError.toStdString();
     EXPECT_GE(right, 200);
     EXPECT_LE(pool.idleCount(), 16U);
 }

@@ -52,7 +52,8 @@ void typeAndCrash(int signal)
     // The folders of this process stay empty when it is killed, so they go first.
     QDir(qEnvironmentVariable("XDG_CONFIG_HOME")).removeRecursively();
     const QString state = qEnvironmentVariable(StateVariable);
-    for (const char *const variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"})
+    for (const char *const variable :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"})
         qputenv(variable, QFile::encodeName(state));
     const auto window = newWindow(static_cast<quint16>(qEnvironmentVariableIntValue(PortVariable)));
     window->currentTab()->insertText(unsavedText());
