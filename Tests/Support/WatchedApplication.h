@@ -4,10 +4,13 @@
 #include <QEvent>
 
 #include <chrono>
+#include <cstdio>
 #include <ctime>
+#include <fcntl.h>
 #include <string>
 #include <sys/resource.h>
 #include <typeinfo>
+#include <unistd.h>
 
 /// An application that measures how long each event holds the UI thread up.
 class WatchedApplication : public QApplication
@@ -71,6 +74,7 @@ private:
     {
         double wall; ///< milliseconds, as the next
         double own;
+        double queued; ///< ready to run, while other threads had the processors
         long waits;
     };
 
@@ -80,19 +84,32 @@ private:
         clock_gettime(clock, &time);
         return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
     }
+    /// The second number of the thread's schedstat, in nanoseconds; 0 where the kernel does not count it.
+    static double millisecondsQueued()
+    {
+        static const int file = ::open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
+        char text[96] = {};
+        unsigned long long running = 0, queued = 0;
+        if (file < 0 || ::pread(file, text, sizeof text - 1, 0) <= 0 ||
+            std::sscanf(text, "%llu %llu", &running, &queued) != 2)
+            return 0;
+        return static_cast<double>(queued) / 1e6;
+    }
     static Moment now()
     {
         rusage usage{};
         getrusage(RUSAGE_THREAD, &usage);
-        return {millisecondsOf(CLOCK_MONOTONIC), millisecondsOf(CLOCK_THREAD_CPUTIME_ID), usage.ru_nvcsw};
+        return {millisecondsOf(CLOCK_MONOTONIC), millisecondsOf(CLOCK_THREAD_CPUTIME_ID),
+                millisecondsQueued(), usage.ru_nvcsw};
     }
 
     void record(const Moment &begin, const char *what)
     {
         const Moment end = now();
-        // Another program may have had the processor meanwhile: only who waits of his own accord counts it.
+        // Other programs may have had the processors meanwhile: that time is not the call's.
         const bool hasWaited = end.waits > begin.waits;
-        const double milliseconds = hasWaited ? end.wall - begin.wall : end.own - begin.own;
+        const double waited = end.wall - begin.wall - (end.queued - begin.queued);
+        const double milliseconds = hasWaited ? waited : end.own - begin.own;
         if (milliseconds > m_longest.milliseconds)
             m_longest = {milliseconds, what};
     }
