@@ -13,7 +13,7 @@
 #include <memory>
 #include <optional>
 
-/// What a session holds that is lost with its connection.
+/// State of a session that is lost with its connection.
 struct VantorSessionState
 {
     bool hasTransaction = false;
@@ -73,7 +73,7 @@ public:
     virtual std::optional<bool> isInTransaction(KNError *error) = 0;
     /// Whether running this text may open or end a transaction. Pure; any thread.
     virtual bool mayChangeTransaction(const QString &sql) const = 0;
-    /// What running this text may leave in the session; nothing by default. Pure; any thread.
+    /// The state that running this text may leave in the session; none by default. Pure; any thread.
     virtual VantorSessionState sessionStateAfter(const QString &sql) const;
 
     /// Stops what runs on another thread; blocks until the server has let go. The session lives on, unless

@@ -105,7 +105,7 @@ bool VantorTabConnection::hasSessionState() const
     return !losses().isEmpty();
 }
 
-/// What goes with the session, in words.
+/// The parts of the session's state, in words for the user.
 QStringList VantorTabConnection::losses() const
 {
     const std::lock_guard lock(m_mutex);

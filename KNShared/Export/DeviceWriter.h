@@ -16,7 +16,7 @@ protected:
         : m_device(device)
     {
     }
-    /// What is collected for the device. After a row, call flushLargePiece().
+    /// The bytes collected for the device. After a row, call flushLargePiece().
     KNByteBuffer &buffer() { return m_pending; }
     void write(QByteArrayView utf8);
     /// Writes to the device once there is enough to be worth a call.

@@ -6,7 +6,8 @@
 
 namespace {
 
-/// What stands for a byte behind a backslash: itself, a letter, or 'u' for \u00xx; 0 when it needs none.
+/// Character behind the backslash that escapes a byte: itself, a letter, or 'u' for \u00xx; 0 when it needs
+/// none.
 constexpr auto JsonEscapes = [] {
     std::array<char, 256> escapes = {};
     for (std::size_t byte = 0; byte < 0x20; ++byte)
