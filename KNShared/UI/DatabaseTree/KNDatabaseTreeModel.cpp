@@ -195,7 +195,9 @@ Qt::ItemFlags KNDatabaseTreeModel::flags(const QModelIndex &index) const
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     if (!node->entry->canHaveChildren())
         flags |= Qt::ItemNeverHasChildren;
-    if (!node->entry->dragDropString().isNull())
+    // A layout asks for the flags of all rows, and making the text of a drag takes time: mimeData() asks for
+    // it, and without a text there is no drag.
+    if (node->parent)
         flags |= Qt::ItemIsDragEnabled;
     return flags;
 }
@@ -212,6 +214,8 @@ QMimeData *KNDatabaseTreeModel::mimeData(const QModelIndexList &indexes) const
         if (const QString text = entry(index)->dragDropString(); !text.isNull())
             texts.append(text);
     }
+    if (texts.isEmpty())
+        return nullptr;
     auto *const data = new QMimeData;
     data->setText(texts.join(QStringLiteral(", ")));
     return data;
