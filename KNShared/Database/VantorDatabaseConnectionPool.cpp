@@ -71,7 +71,7 @@ public:
 
 private:
     VantorDatabaseConnectionPool &m_pool;
-    std::shared_ptr<FirstLogin> m_own; ///< null when nobody waits for this login
+    std::shared_ptr<FirstLogin> m_own; ///< null when no thread waits for this login
     KNError m_error;
 };
 

@@ -22,7 +22,7 @@ public:
     int code() const { return m_code; }
     const QString &localizedDescription() const { return m_localizedDescription; }
     const QVariantMap &userInfo() const { return m_userInfo; }
-    /// What the user can do about it, in whole sentences: the text under RecoverySuggestionKey in the user
+    /// Suggests what to do about it, in whole sentences: the text under RecoverySuggestionKey in the user
     /// info; null when there is none.
     QString recoverySuggestion() const { return m_userInfo.value(RecoverySuggestionKey).toString(); }
     /// The description, and the suggestion on a line of its own where there is one.

@@ -39,7 +39,7 @@ public:
     /// To be set before the loading begins; runs on the thread that delivers. Not called for a null text.
     void setReview(Review review) { m_review = std::move(review); }
 
-    /// What belongs to the text that was delivered last. Any thread.
+    /// The report on the text that was delivered last. Any thread.
     KNQueryReport report() const;
 
     /// Starts making the text for the server with these settings, of which it takes a copy if it works on.

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-/// What a KNQueryLoader reports beside its text. The text itself never changes because of it; programs show
+/// A KNQueryLoader's report on its text. The text itself never changes because of it; programs show
 /// guardedText() instead.
 struct KNSHARED_EXPORT KNQueryReport
 {

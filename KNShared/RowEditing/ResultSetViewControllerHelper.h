@@ -38,7 +38,7 @@ public:
     int dataTypeForTableColumn(const QVariant &identifier, const KNValue &object) const;
     /// The name of a column's type; null where it is not known.
     virtual QString typeNameForColumn(qsizetype column) const;
-    /// What the user should know about the values of a column that are shown as bytes; null for nothing.
+    /// A remark on the values of a column that are shown as bytes, for the user; null for none.
     virtual QString remarkForColumn(qsizetype column) const;
 
     /// A value as it is shown in that column; a null QString for null. `allowTruncate` cuts what is long.

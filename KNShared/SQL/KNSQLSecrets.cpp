@@ -124,7 +124,7 @@ public:
     }
 
 private:
-    /// What a literal may follow as a secret: the name that announces it, or its equals sign.
+    /// The token before a literal that makes it a secret: the name that announces it, or its equals sign.
     enum class Awaited { Nothing, AfterName, AfterVariable, Value };
 
     static QString contentOf(QStringView literal)
