@@ -1,9 +1,40 @@
 #include "Database/KNDatabaseResultSet.h"
 
+#include <array>
+#include <mutex>
+
+namespace {
+
+/// The lock of a result set. Many share one, because a mutex of its own would cost a third of a small result
+/// set. No operation holds two of them.
+std::mutex &lockOf(const KNDatabaseResultSet *resultSet)
+{
+    static std::array<std::mutex, 64> locks;
+    return locks[reinterpret_cast<quintptr>(resultSet) / 64 % locks.size()];
+}
+
+KNRowStore &noRows()
+{
+    static KNRowStore rows;
+    [[maybe_unused]] static const bool closed = (rows.close(), true);
+    return rows;
+}
+
+} // namespace
+
+struct KNDatabaseResultSet::Table
+{
+    KNRowStore rows;
+    QStringList columnNames;
+    QList<int> columnTypes;
+};
+
 KNDatabaseResultSet::KNDatabaseResultSet(QString executedQuery)
     : m_executedQuery(std::move(executedQuery))
 {
 }
+
+KNDatabaseResultSet::~KNDatabaseResultSet() = default;
 
 QString KNDatabaseResultSet::executedQuery() const
 {
@@ -12,118 +43,132 @@ QString KNDatabaseResultSet::executedQuery() const
 
 void KNDatabaseResultSet::setColumns(const QStringList &names, const QList<int> &types)
 {
-    m_rows.setColumnCount(names.size());
-    const std::lock_guard lock(m_mutex);
-    m_columnNames = names;
-    m_columnTypes = types;
+    if (names.isEmpty())
+        return;
+    m_table = std::make_unique<Table>();
+    m_table->rows.setColumnCount(names.size());
+    m_table->columnNames = names;
+    m_table->columnTypes = types;
 }
 
 QStringList KNDatabaseResultSet::columnNames() const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_columnNames;
+    return m_table ? m_table->columnNames : QStringList();
 }
 
 QList<int> KNDatabaseResultSet::columnTypes() const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_columnTypes;
+    return m_table ? m_table->columnTypes : QList<int>();
+}
+
+KNRowStore &KNDatabaseResultSet::rows()
+{
+    return m_table ? m_table->rows : noRows();
+}
+
+const KNRowStore &KNDatabaseResultSet::rows() const
+{
+    return m_table ? m_table->rows : noRows();
 }
 
 void KNDatabaseResultSet::addRows(const QList<KNRow> &rows)
 {
+    if (!m_table)
+        return;
+    KNRowStore &store = m_table->rows;
     for (const KNRow &row : rows) {
-        m_rows.beginRow();
+        store.beginRow();
         for (const KNValue &value : row)
-            m_rows.appendValue(value);
-        m_rows.endRow();
+            store.appendValue(value);
+        store.endRow();
     }
-    m_rows.publish();
+    store.publish();
 }
 
 qint64 KNDatabaseResultSet::numberOfRowsAffected() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_numberOfRowsAffected;
 }
 
 void KNDatabaseResultSet::setNumberOfRowsAffected(qint64 count)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_numberOfRowsAffected = count;
 }
 
 bool KNDatabaseResultSet::isSilent() const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_columnNames.isEmpty() && m_numberOfRowsAffected == UnknownCount && m_messages.size() <= 1;
+    const std::lock_guard lock(lockOf(this));
+    return !m_table && m_numberOfRowsAffected == UnknownCount && m_messages.size() <= 1;
 }
 
 QList<KNDisplayMessage> KNDatabaseResultSet::messages() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_messages;
 }
 
 void KNDatabaseResultSet::setMessages(const QList<KNDisplayMessage> &messages)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_messages = messages;
 }
 
 QList<DatabaseMessage> KNDatabaseResultSet::serverMessages() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_serverMessages;
 }
 
 void KNDatabaseResultSet::setServerMessages(const QList<DatabaseMessage> &messages)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_serverMessages = messages;
 }
 
 void KNDatabaseResultSet::appendServerMessages(const QList<DatabaseMessage> &messages)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_serverMessages += messages;
 }
 
 quint64 KNDatabaseResultSet::calculatedLineNumber() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_calculatedLineNumber;
 }
 
 void KNDatabaseResultSet::setCalculatedLineNumber(quint64 line)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_calculatedLineNumber = line;
 }
 
 KNRange KNDatabaseResultSet::queryTextRange() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_queryTextRange;
 }
 
 void KNDatabaseResultSet::setQueryTextRange(const KNRange &range)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     m_queryTextRange = range;
 }
 
 bool KNDatabaseResultSet::isFinished() const
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(lockOf(this));
     return m_finished;
 }
 
 void KNDatabaseResultSet::setFinished()
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(lockOf(this));
         m_finished = true;
     }
-    m_rows.close();
+    if (m_table)
+        m_table->rows.close();
 }

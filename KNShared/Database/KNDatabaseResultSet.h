@@ -7,7 +7,7 @@
 
 #include <QStringList>
 
-#include <mutex>
+#include <memory>
 
 /// A text for the user about a result, with its colour.
 struct KNDisplayMessage
@@ -21,27 +21,30 @@ struct KNDisplayMessage
 };
 
 /// One result of a batch: columns, rows, how many rows were affected, and what the server said meanwhile.
-/// Filled by one worker while others read it: every operation may be called from any thread.
+/// Filled by one worker while others read it: every operation may be called from any thread. Without columns
+/// it takes little memory, since a script can have tens of thousands of such results.
 class KNSHARED_EXPORT KNDatabaseResultSet
 {
 public:
     static constexpr qint64 UnknownCount = -1;
 
     explicit KNDatabaseResultSet(QString executedQuery = {});
+    ~KNDatabaseResultSet();
     KNDatabaseResultSet(const KNDatabaseResultSet &) = delete;
     KNDatabaseResultSet &operator=(const KNDatabaseResultSet &) = delete;
 
     QString executedQuery() const;
 
-    /// Names may be empty or occur twice. Types are the connector's numbers. Both are set before the first
-    /// row.
+    /// Names may be empty or occur twice. Types are the connector's numbers. Called once, on the writing
+    /// thread, before another thread can see this result set.
     void setColumns(const QStringList &names, const QList<int> &types);
     QStringList columnNames() const;
     QList<int> columnTypes() const;
 
-    /// The rows: the worker writes into them, readers read what was published.
-    KNRowStore &rows() { return m_rows; }
-    const KNRowStore &rows() const { return m_rows; }
+    /// The rows: the worker writes into them, readers read what was published. Without columns there are
+    /// none: a closed, empty store that all such result sets share.
+    KNRowStore &rows();
+    const KNRowStore &rows() const;
     /// Appends rows of columnNames().size() values each and publishes them. On the writing thread.
     void addRows(const QList<KNRow> &rows);
 
@@ -64,11 +67,11 @@ public:
     void setFinished();
 
 private:
+    struct Table; ///< columns and rows
+
     const QString m_executedQuery;
-    KNRowStore m_rows;
-    mutable std::mutex m_mutex;
-    QStringList m_columnNames; ///< guarded by m_mutex, as all below
-    QList<int> m_columnTypes;
+    std::unique_ptr<Table> m_table; ///< null without columns; set before other threads see this
+    // All below are guarded by a lock of a small pool; see the source file.
     qint64 m_numberOfRowsAffected = UnknownCount;
     QList<KNDisplayMessage> m_messages;
     QList<DatabaseMessage> m_serverMessages;

@@ -39,8 +39,10 @@ void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
     std::unique_lock lock(m_mutex);
     m_hasRoom.wait(lock,
                    [this] { return m_resultReadAhead == 0 || std::ssize(m_entries) < m_resultReadAhead; });
-    resultSet->rows().setReadAhead(m_readAhead);
-    resultSet->rows().setRowLimit(m_rowLimit);
+    if (!resultSet->columnNames().isEmpty()) {
+        resultSet->rows().setReadAhead(m_readAhead);
+        resultSet->rows().setRowLimit(m_rowLimit);
+    }
     m_entries.push_back({m_nextNumber++, resultSet});
     m_appended.notify_all();
 }

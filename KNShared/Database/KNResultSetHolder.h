@@ -35,7 +35,7 @@ public:
     QList<KNDatabaseResultSetPtr> newResultSets(Position *position) const;
     /// Takes all result sets out, for a reader that prints and forgets them.
     QList<KNDatabaseResultSetPtr> takeResultSets();
-    /// May wait for the reader; see setResultReadAhead().
+    /// Appends a result set whose columns are set. May wait for the reader; see setResultReadAhead().
     void append(const KNDatabaseResultSetPtr &resultSet);
     /// Takes a result set out again; nothing happens when it is not there.
     void remove(const KNDatabaseResultSetPtr &resultSet);

@@ -51,9 +51,11 @@ struct Outcome
 class Program
 {
 public:
-    /// `outputFile`: a file for standard output, which is not read then.
+    /// `outputFile`: a file for standard output, which is not read then. `memory`: the most address space
+    /// that it may take, in bytes.
     explicit Program(const QStringList &arguments, const QByteArray &input = {},
-                     const char *password = SampleServerFixture::Password, const char *outputFile = nullptr)
+                     const char *password = SampleServerFixture::Password, const char *outputFile = nullptr,
+                     rlim_t memory = RLIM_INFINITY)
     {
         int in[2];
         EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
@@ -65,6 +67,8 @@ public:
             dup2(in[0], STDIN_FILENO);
             dup2(outputFile ? ::open(outputFile, O_WRONLY) : m_output[1], STDOUT_FILENO);
             dup2(m_errors[1], STDERR_FILENO);
+            const rlimit limit = {memory, memory};
+            setrlimit(RLIMIT_AS, &limit);
             becomeProgram(arguments, password);
         }
         close(in[0]);

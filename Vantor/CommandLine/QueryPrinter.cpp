@@ -60,15 +60,16 @@ void QueryPrinter::printRest()
 
 void QueryPrinter::printRows(KNDatabaseResultSet &resultSet)
 {
+    const QStringList columnNames = resultSet.columnNames();
+    if (columnNames.isEmpty())
+        return;
     KNRowStore &rows = resultSet.rows();
     qsizetype next = 0;
-    QStringList columnNames;
     while (goesOn()) {
         const bool finished = resultSet.isFinished();
         if (rows.waitForMoreThan(next, std::chrono::milliseconds(finished ? 0 : 50))) {
             if (next == 0) {
                 m_spinner.clear();
-                columnNames = resultSet.columnNames();
                 m_writer.beginResult(columnNames);
             }
             next = printRowsFrom(next, rows, columnNames.size());
@@ -80,13 +81,9 @@ void QueryPrinter::printRows(KNDatabaseResultSet &resultSet)
             m_spinner.tick(m_holder.totalResultCount());
     }
     m_spinner.clear();
-    if (next == 0) {
-        columnNames = resultSet.columnNames();
-        if (!columnNames.isEmpty())
-            m_writer.beginResult(columnNames);
-    }
-    if (!columnNames.isEmpty())
-        m_writer.endResult();
+    if (next == 0)
+        m_writer.beginResult(columnNames);
+    m_writer.endResult();
 }
 
 /// Writes the published rows from a number on; returns the number of the first one that was not written.

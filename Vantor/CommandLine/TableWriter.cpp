@@ -8,6 +8,8 @@
 namespace {
 
 constexpr qsizetype RowsForWidths = 200;
+constexpr qsizetype WidestColumn =
+    4096; ///< wider values stand out; padding every row to them would cost memory
 
 /// Whether every byte takes one place and needs no escape.
 bool isPrintableAscii(const char *text, std::size_t size)
@@ -88,7 +90,7 @@ void TableWriter::writeHeld()
     m_holding = false;
     for (const QList<HeldField> &line : std::as_const(m_held)) {
         for (qsizetype i = 0; i < line.size(); ++i)
-            m_widths[i] = std::max(m_widths[i], line[i].width);
+            m_widths[i] = std::max(m_widths[i], std::min(line[i].width, WidestColumn));
     }
     for (qsizetype i = 0; i < m_columnNames.size(); ++i)
         writeField(i, {m_columnNames[i], Terminal::displayWidth(QString::fromUtf8(m_columnNames[i])), false});

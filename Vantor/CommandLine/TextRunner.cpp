@@ -9,6 +9,7 @@
 #include "Foundation/KNAssert.h"
 #include "SQL/KNQuerySplitter.h"
 
+#include <new>
 #include <thread>
 
 namespace {
@@ -18,6 +19,18 @@ QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
     const auto splitter = settings.createQuerySplitter();
     splitter->setRequiresFullSplit(true);
     return splitter->doSplitQuery(text);
+}
+
+/// Prints results until the run is done. False when printing ended before, for a reader that went away or for
+/// lack of memory.
+bool printResults(QueryPrinter &printer, const std::atomic<bool> &done, bool *isOutOfMemory)
+{
+    try {
+        return printer.printUntil(done);
+    } catch (const std::bad_alloc &) {
+        *isOutOfMemory = true;
+        return false;
+    }
 }
 
 } // namespace
@@ -49,13 +62,17 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
         KNError ignored;
         client.cancelCurrentQuery(&ignored);
     });
-    if (!printer.printUntil(done)) {
+    bool isOutOfMemory = false;
+    if (!printResults(printer, done, &isOutOfMemory)) {
         holder.setResultReadAhead(0);
         KNError ignored;
         client.cancelCurrentQuery(&ignored);
     }
     worker.join();
     interrupts.setTarget({});
+    if (isOutOfMemory)
+        return Terminal::fail(ExitSqlError,
+                              QStringLiteral("There is not enough memory to print the results."));
 
     printer.printRest();
     if (printer.isStopped() || (printer.isGood() && client.wasCancelled()))

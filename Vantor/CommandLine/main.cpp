@@ -14,7 +14,9 @@
 
 #include <algorithm>
 #include <clocale>
+#include <new>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -128,6 +130,12 @@ int main(int argc, char **argv)
     } catch (const KNAssertionFailure &failure) {
         Terminal::printError(KNFormat("Internal error: %@ (%@)", failure.message(), failure.sourcePath()),
                              Terminal::Colour::Red);
+        return ExitSqlError;
+    } catch (const std::bad_alloc &) {
+        fputs("There is not enough memory.\n", stderr);
+        return ExitSqlError;
+    } catch (const std::system_error &failure) { // a thread could not be started
+        fprintf(stderr, "%s.\n", failure.what());
         return ExitSqlError;
     }
 }

@@ -7,9 +7,12 @@
 #include "Implementations/MSSQLMessageList.h"
 #include "Implementations/MSSQLQueryTimer.h"
 
+#include <QHash>
+
 #include <sybdb.h>
 
 #include <algorithm>
+#include <new>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -35,7 +38,7 @@ void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDa
     resultSet.appendServerMessages(messages);
 }
 
-KNDisplayMessage summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancelled)
+QList<KNDisplayMessage> summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancelled)
 {
     QString summary = wasCancelled ? QStringLiteral("Query was cancelled.")
                                    : QStringLiteral("Command completed successfully.");
@@ -44,8 +47,31 @@ KNDisplayMessage summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancell
         summary += KNFormat(" (%ld result%@).", rows, rows == 1 ? "" : "s");
     else if (resultSet.numberOfRowsAffected() != KNDatabaseResultSet::UnknownCount)
         summary += KNFormat(" (%ld rows affected).", resultSet.numberOfRowsAffected());
-    return {summary, wasCancelled ? KNDisplayMessage::Colour::Red : KNDisplayMessage::Colour::Black};
+    return {{summary, wasCancelled ? KNDisplayMessage::Colour::Red : KNDisplayMessage::Colour::Black}};
 }
+
+/// The summaries of a batch's results. Results without columns share one text for each count of rows: the
+/// texts would take more memory than the results.
+class Summaries
+{
+public:
+    QList<KNDisplayMessage> of(const KNDatabaseResultSet &resultSet, bool wasCancelled)
+    {
+        constexpr qsizetype MostTexts = 1000;
+        if (wasCancelled || !resultSet.columnNames().isEmpty())
+            return summaryOf(resultSet, wasCancelled);
+        QList<KNDisplayMessage> &texts = m_texts[resultSet.numberOfRowsAffected()];
+        if (texts.isEmpty())
+            texts = summaryOf(resultSet, false);
+        const QList<KNDisplayMessage> found = texts;
+        if (m_texts.size() > MostTexts)
+            m_texts.clear();
+        return found;
+    }
+
+private:
+    QHash<qint64, QList<KNDisplayMessage>> m_texts;
+};
 
 QString withFullStop(const QString &text)
 {
@@ -332,6 +358,7 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
                               KNResultSetHolder &holder, KNError *error)
 {
     MSSQLMessageList &messages = MSSQLMessageList::sharedInstance();
+    Summaries summaries;
     bool previousHadCompute = false;
     qint64 unlisted = 0; // results without columns that the list has no room for
     Next next = nextResult();
@@ -353,7 +380,7 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
         }
         holder.append(resultSet);
         const KNDatabaseResultSetPtr compute = readRows(resultSet, holder);
-        resultSet->setMessages({summaryOf(*resultSet, wasCancelled())});
+        resultSet->setMessages(summaries.of(*resultSet, wasCancelled()));
         if (previousHadCompute && resultSet->numberOfRowsAffected() == KNDatabaseResultSet::UnknownCount &&
             resultSet->rows().rowCount() == 0)
             holder.remove(resultSet);
@@ -379,7 +406,7 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
     const QList<DatabaseMessage> last = messages.takeLastMessages();
     if (!previous && !last.isEmpty()) {
         previous = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
-        previous->setMessages({summaryOf(*previous, wasCancelled())});
+        previous->setMessages(summaryOf(*previous, wasCancelled()));
         previous->setFinished();
         holder.append(previous);
     }
@@ -404,6 +431,8 @@ MSSQLClient::Next MSSQLClient::nextResult()
         if (!m_dbProc || m_cancellation.isRequested())
             return Next::End;
         const RETCODE code = dbresults(m_dbProc);
+        if (MSSQLMessageList::lacksMemory())
+            throw std::bad_alloc();
         if (code == SUCCEED)
             return m_cancellation.isRequested() ? Next::End : Next::Result;
         if (code == NO_MORE_RESULTS || dbdead(m_dbProc))

@@ -63,9 +63,7 @@ bool holdsNoNames(SQLTokenKind kind)
     return static_cast<int>(kind) >= 1 && static_cast<int>(kind) <= 4;
 }
 
-} // namespace
-
-int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr, char *)
+int addClientError(DBPROCESS *dbproc, int severity, int dberr, const char *dberrstr)
 {
     constexpr int EndsInHalfACharacter = 2401;
 
@@ -94,8 +92,8 @@ int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr,
     return INT_CANCEL;
 }
 
-int msg_handler(DBPROCESS *, DBINT msgno, int msgstate, int severity, char *msgtext, char *srvname,
-                char *procname, int line)
+int addServerMessage(DBINT msgno, int msgstate, int severity, const char *msgtext, const char *srvname,
+                     const char *procname, int line)
 {
     constexpr int ChangedDatabase = 5701;
     constexpr int ChangedLanguage = 5703;
@@ -117,6 +115,33 @@ int msg_handler(DBPROCESS *, DBINT msgno, int msgstate, int severity, char *msgt
     message.procname = QString::fromUtf8(procname);
     MSSQLMessageList::sharedInstance().addMessage(message);
     return 0;
+}
+
+/// Runs the body of a handler. No exception may pass through db-lib: without memory the message is lost, and
+/// the list says so.
+template <typename Body>
+int withoutExceptions(const Body &body) noexcept
+{
+    try {
+        return body();
+    } catch (const std::bad_alloc &) {
+        MSSQLMessageList::noteLackOfMemory();
+        return INT_CANCEL;
+    }
+}
+
+} // namespace
+
+int err_handler(DBPROCESS *dbproc, int severity, int dberr, int, char *dberrstr, char *)
+{
+    return withoutExceptions([&] { return addClientError(dbproc, severity, dberr, dberrstr); });
+}
+
+int msg_handler(DBPROCESS *, DBINT msgno, int msgstate, int severity, char *msgtext, char *srvname,
+                char *procname, int line)
+{
+    return withoutExceptions(
+        [&] { return addServerMessage(msgno, msgstate, severity, msgtext, srvname, procname, line); });
 }
 
 int interruptible_err_handler(DBPROCESS *dbproc, int severity, int dberr, int oserr, char *dberrstr,

@@ -79,6 +79,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
     }
 
     const QList<MSSQLColumn> columns = columnsOf(m_dbProc);
+    KNRowStore &rows = resultSet->rows();
     KNDatabaseResultSetPtr compute;
     m_cancellation.beginRows();
     for (qint64 index = 0; !m_cancellation.isRequested(); ++index) {
@@ -86,7 +87,8 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
             showRows(*resultSet, holder, handle);
         const STATUS status = dbnextrow(m_dbProc);
         if (status == REG_ROW) {
-            appendRow(m_dbProc, columns, resultSet->rows());
+            if (!columns.isEmpty())
+                appendRow(m_dbProc, columns, rows);
         } else if (status > 0) {
             if (!compute)
                 compute = newComputeResultSet(status, resultSet->executedQuery(), holder);
@@ -97,8 +99,8 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
             break;
         }
     }
-    holder.incrementTotalResultCountBy(resultSet->rows().publish());
-    resultSet->setNumberOfRowsAffected(resultSet->rows().rowCount() + resultSet->rows().droppedRowCount());
+    holder.incrementTotalResultCountBy(rows.publish());
+    resultSet->setNumberOfRowsAffected(rows.rowCount() + rows.droppedRowCount());
     if (compute)
         compute->setNumberOfRowsAffected(compute->rows().rowCount());
     return compute;

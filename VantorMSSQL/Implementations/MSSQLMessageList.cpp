@@ -9,6 +9,8 @@ namespace {
 /// The generic failure of a login, which follows whatever the server said about it.
 constexpr qint32 ConnectionFailed = 20002;
 
+thread_local bool threadLacksMemory = false;
+
 qsizetype bytesOf(const DatabaseMessage &message)
 {
     return static_cast<qsizetype>(sizeof(QChar)) *
@@ -43,6 +45,7 @@ void MSSQLMessageList::addMessage(const DatabaseMessage &message)
 
 void MSSQLMessageList::clearMessage()
 {
+    threadLacksMemory = false;
     const std::lock_guard lock(m_mutex);
     m_batches.erase(std::this_thread::get_id());
 }
@@ -89,4 +92,14 @@ QList<DatabaseMessage> MSSQLMessageList::takeLastMessages()
         batch.messages.append(note);
     }
     return batch.messages;
+}
+
+void MSSQLMessageList::noteLackOfMemory() noexcept
+{
+    threadLacksMemory = true;
+}
+
+bool MSSQLMessageList::lacksMemory() noexcept
+{
+    return threadLacksMemory;
 }

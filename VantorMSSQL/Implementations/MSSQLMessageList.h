@@ -37,6 +37,11 @@ public:
     /// the highest severity among them.
     QList<DatabaseMessage> takeLastMessages();
 
+    /// Notes that a message of the calling thread was lost for lack of memory.
+    static void noteLackOfMemory() noexcept;
+    /// Whether that happened since the calling thread's last clearMessage().
+    static bool lacksMemory() noexcept;
+
 private:
     /// What one thread has collected since its batch began.
     struct Batch

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 TEST(DatabaseMessage, EveryClientErrorIsAnError)
 {
     DatabaseMessage message;
@@ -110,8 +112,28 @@ TEST(KNResultSetHolder, HandsItsReadAheadToLaterResultSets)
     KNResultSetHolder holder;
     holder.setReadAhead(1);
     const auto resultSet = std::make_shared<KNDatabaseResultSet>();
-    holder.append(resultSet);
     resultSet->setColumns({QStringLiteral("a")}, {56});
+    holder.append(resultSet);
     resultSet->addRows({{KNValue(1)}});
     EXPECT_FALSE(resultSet->rows().waitForRoom(std::chrono::milliseconds(0)));
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(KNResultSetHolder, TakesAtMost200BytesForAResultWithoutColumns)
+{
+    constexpr int Count = 10'000;
+    const QString sql = QStringLiteral("DELETE FROM dbo.t");
+    const QList<KNDisplayMessage> summary = {{QStringLiteral("Command completed successfully.")}};
+    KNResultSetHolder holder;
+    const size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    for (int i = 0; i < Count; ++i) {
+        const auto resultSet = std::make_shared<KNDatabaseResultSet>(sql);
+        resultSet->setColumns({}, {});
+        holder.append(resultSet);
+        resultSet->setNumberOfRowsAffected(i);
+        resultSet->setMessages(summary);
+        resultSet->setFinished();
+    }
+    EXPECT_LE((mallinfo2().uordblks + mallinfo2().hblkhd - before) / Count, 200U);
+}
+#endif

@@ -1,0 +1,60 @@
+#include "Vantor/Program.h"
+
+// What vantor-cli takes of memory and time. Sanitizers take more of both.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+namespace {
+
+QStringList queryArguments(const QStringList &more)
+{
+    return QStringList{QStringLiteral("query"), QStringLiteral("--server"),
+                       QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()),
+                       QStringLiteral("--user"), QStringLiteral("sa")} +
+           more;
+}
+
+} // namespace
+
+TEST(CommandLineLimits, LackOfMemoryIsAnErrorAndNeverAnEmptySuccess)
+{
+    const QString sql = QStringLiteral("SELECT REPLICATE(CAST('x' AS varchar(max)), 12000000) AS a");
+    int failures = 0;
+    for (const char *format : {"table", "csv"}) {
+        for (rlim_t megabytes = 110; megabytes <= 230; megabytes += 20) {
+            SCOPED_TRACE(testing::Message() << format << " with " << megabytes << " MB");
+            const Outcome outcome =
+                Program(queryArguments({QStringLiteral("--format"), QString::fromLatin1(format), sql}), {},
+                        SampleServerFixture::Password, nullptr, megabytes * 1'000'000)
+                    .wait();
+            if (outcome.status == 0) {
+                EXPECT_GE(outcome.output.size(), 12'000'000);
+                continue;
+            }
+            ++failures;
+            EXPECT_LT(outcome.status, 128) << outcome.errors.toStdString();
+            EXPECT_FALSE(outcome.errors.isEmpty());
+        }
+    }
+    EXPECT_GT(failures, 0);
+}
+
+TEST(CommandLineLimits, ManySmallAnswersTakeLittleProcessorTime)
+{
+    constexpr double MostSeconds = 2; // half a second to one on an idle machine
+    const struct
+    {
+        const char *sql;
+        int status;
+    } cases[] = {
+        {"DECLARE @i int = 0; WHILE @i < 40000 BEGIN SET @i = @i + 1; SELECT 1 AS a END", 0},
+        {"DECLARE @i int = 0; WHILE @i < 80000 BEGIN SET @i = @i + 1; PRINT 'x' END; SELECT 1/0", 1},
+        {"PRINT 'x'\nGO 20000\n", 0},
+    };
+    for (const auto &one : cases) {
+        const Outcome outcome = Program(queryArguments({}), one.sql).wait();
+        EXPECT_EQ(outcome.status, one.status) << one.sql;
+        EXPECT_LE(outcome.processorSeconds, MostSeconds) << one.sql;
+    }
+}
+
+#endif
