@@ -28,7 +28,7 @@ void printBatches(const QList<KNQueryDetails> &queries)
     QByteArray json = "[";
     for (const KNQueryDetails &query : queries)
         json += (&query == &queries.front() ? "\n" : ",\n") + toJson(query);
-    Terminal::printJson(json + (queries.isEmpty() ? "]\n" : "\n]\n"));
+    Terminal::printText(json + (queries.isEmpty() ? "]\n" : "\n]\n"));
 }
 
 } // namespace

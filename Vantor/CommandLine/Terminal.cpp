@@ -101,9 +101,9 @@ void printLine(const QString &line)
     fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
 }
 
-void printJson(const QByteArray &json)
+void printText(const QByteArray &utf8)
 {
-    const QByteArray bytes = isOutputTerminal() ? escaped(QString::fromUtf8(json)).toUtf8() : json;
+    const QByteArray bytes = isOutputTerminal() ? escaped(QString::fromUtf8(utf8)).toUtf8() : utf8;
     fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
 }
 

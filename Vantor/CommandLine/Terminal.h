@@ -23,8 +23,8 @@ QString escapedInOneLine(const QString &text);
 
 /// Writes a line to standard output, escaped.
 void printLine(const QString &line);
-/// Writes JSON to standard output, escaped when that is a terminal.
-void printJson(const QByteArray &json);
+/// Writes text that programs read (JSON, scripts) to standard output, escaped when that is a terminal.
+void printText(const QByteArray &utf8);
 /// Writes a line to standard error, escaped, in a colour when that is a terminal (and NO_COLOR is not set).
 void printError(const QString &line, Colour colour = Colour::None);
 /// Writes a line to standard error, in red, and returns the status.

@@ -95,7 +95,7 @@ int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
     const KNMenu menu = entry.menu();
     const QString titles = MenuScripts::titles(menu).join(QLatin1Char('\n'));
     if (title.isNull()) {
-        fputs((titles + QLatin1String(titles.isEmpty() ? "" : "\n")).toLocal8Bit().constData(), stdout);
+        Terminal::printText((titles + QLatin1String(titles.isEmpty() ? "" : "\n")).toUtf8());
         return ExitSuccess;
     }
     const KNQueryLoaderPtr script = MenuScripts::find(menu, title);
@@ -107,7 +107,7 @@ int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
     const QString made = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
     const KNQueryReport report = script->report();
     if (const QString sql = report.guardedText(made); !sql.isNull())
-        fputs((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8().constData(), stdout);
+        Terminal::printText((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8());
     if (report.failure)
         return Terminal::fail(ExitSqlError, report.failure.localizedDescription());
     if (made.isNull())

@@ -10,7 +10,7 @@
 void TreeWriter::write(const TreeLoader::Entry &entry)
 {
     if (m_options.asJson)
-        Terminal::printJson(QJsonDocument(json(entry, 0)).toJson());
+        Terminal::printText(QJsonDocument(json(entry, 0)).toJson());
     else
         writeLines(entry, 0);
 }
