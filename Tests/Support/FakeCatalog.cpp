@@ -1,7 +1,7 @@
 #include "Support/FakeCatalog.h"
 
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Implementations/MSSQLDatabaseResultSet.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
 
 #include <atomic>
 

@@ -71,8 +71,8 @@ constexpr int DaysTo20200102 = 43830;
 
 QString display(const char *type, qint64 length)
 {
-    return MSSQLClient::displayForColumnType(QString::fromLatin1(type), KNValue(length), KNValue(9),
-                                             KNValue(2));
+    return MSSQLQuoting::displayForColumnType(QString::fromLatin1(type), KNValue(length), KNValue(9),
+                                              KNValue(2));
 }
 
 } // namespace
@@ -324,6 +324,6 @@ TEST(ColumnTypeDisplay, ShowsLengthsWhereATypeHasOne)
     EXPECT_EQ(display("decimal", 9), QStringLiteral("decimal(9)"));
     EXPECT_EQ(display("Int", 4), QStringLiteral("Int"));
     EXPECT_EQ(display("hierarchyid", 892), QStringLiteral("hierarchyid"));
-    EXPECT_EQ(MSSQLClient::displayForColumnType(QStringLiteral("varchar"), KNValue(), KNValue(), KNValue()),
+    EXPECT_EQ(MSSQLQuoting::displayForColumnType(QStringLiteral("varchar"), KNValue(), KNValue(), KNValue()),
               QStringLiteral("varchar"));
 }

@@ -1,5 +1,5 @@
-#include "Implementations/MSSQLQueryTrials.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
+#include "Catalog/MSSQLQueryTrials.h"
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "QueryLoader/KNQueryTemplate.h"
 #include "Support/PrintQt.h"
 

@@ -7,12 +7,12 @@ namespace {
 
 QString quoted(const QString &name)
 {
-    return MSSQLClient::escapeTableNameIfRequired(name);
+    return MSSQLQuoting::escapeTableNameIfRequired(name);
 }
 
 QString plain(const char *name)
 {
-    return MSSQLClient::unescapeTableNameIfRequired(QString::fromUtf8(name));
+    return MSSQLQuoting::unescapeTableNameIfRequired(QString::fromUtf8(name));
 }
 
 } // namespace
@@ -54,48 +54,48 @@ TEST(QuotedName, LosesItsBracketsAgain)
     EXPECT_EQ(plain("abc]"), QStringLiteral("abc"));
     EXPECT_EQ(plain("[[x]]"), QStringLiteral("[x]"));
     EXPECT_EQ(plain(""), QStringLiteral(""));
-    EXPECT_TRUE(MSSQLClient::unescapeTableNameIfRequired(QString()).isNull());
+    EXPECT_TRUE(MSSQLQuoting::unescapeTableNameIfRequired(QString()).isNull());
 }
 
 TEST(QuotedName, OfATableHasItsSchemaWhenThereIsOne)
 {
-    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QStringLiteral("my schema"), QStringLiteral("t")),
+    EXPECT_EQ(MSSQLQuoting::escapeSchemaAndTable(QStringLiteral("my schema"), QStringLiteral("t")),
               QStringLiteral("[my schema].t"));
-    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QString(), QStringLiteral("my table")),
+    EXPECT_EQ(MSSQLQuoting::escapeSchemaAndTable(QString(), QStringLiteral("my table")),
               QStringLiteral("[my table]"));
-    EXPECT_EQ(MSSQLClient::escapeSchemaAndTable(QStringLiteral(""), QStringLiteral("t")),
+    EXPECT_EQ(MSSQLQuoting::escapeSchemaAndTable(QStringLiteral(""), QStringLiteral("t")),
               QStringLiteral("t"));
 }
 
 TEST(ValueLiteral, OfTextDoublesQuotes)
 {
     const KNValue name(QStringLiteral("O'Brien"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(name), QStringLiteral("'O''Brien'"));
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(name), QStringLiteral("'O''Brien'"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue(QStringLiteral(""))), QStringLiteral("''"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(name), QStringLiteral("'O''Brien'"));
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(name), QStringLiteral("'O''Brien'"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(KNValue(QStringLiteral(""))), QStringLiteral("''"));
 }
 
 TEST(ValueLiteral, OfTheTextNullIsNullInScriptsOnly)
 {
     const KNValue text(QStringLiteral("Null"));
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(text), QStringLiteral("NULL"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(text), QStringLiteral("'Null'"));
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(KNValue()), QStringLiteral("NULL"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue()), QStringLiteral("NULL"));
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(text), QStringLiteral("NULL"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(text), QStringLiteral("'Null'"));
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(KNValue()), QStringLiteral("NULL"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(KNValue()), QStringLiteral("NULL"));
 }
 
 TEST(ValueLiteral, OfBytesIsHexadecimal)
 {
     const KNValue bytes(QByteArray("\x0a\xff", 2));
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(bytes), QStringLiteral("0x0AFF"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(bytes), QStringLiteral("0x0aff"));
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(KNValue(QByteArray(""))), QStringLiteral("0x"));
-    EXPECT_EQ(MSSQLClient::escapeColumnValue(KNValue(QByteArray(""))), QStringLiteral("0x"));
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(bytes), QStringLiteral("0x0AFF"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(bytes), QStringLiteral("0x0aff"));
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(KNValue(QByteArray(""))), QStringLiteral("0x"));
+    EXPECT_EQ(MSSQLQuoting::escapeColumnValue(KNValue(QByteArray(""))), QStringLiteral("0x"));
 }
 
 TEST(ValueLiteral, OfNumbersIsTheNumber)
 {
-    for (const auto &literal : {&MSSQLClient::escapeColumnValue, &MSSQLClient::databaseProviderEscape}) {
+    for (const auto &literal : {&MSSQLQuoting::escapeColumnValue, &MSSQLQuoting::databaseProviderEscape}) {
         EXPECT_EQ(literal(KNValue(-5)), QStringLiteral("-5"));
         EXPECT_EQ(literal(KNValue(0.1)), QStringLiteral("0.1"));
         EXPECT_EQ(literal(KNValue(true)), QStringLiteral("1"));
@@ -105,7 +105,7 @@ TEST(ValueLiteral, OfNumbersIsTheNumber)
 
 TEST(ValueLiteral, OfADateIsQuotedInScripts)
 {
-    EXPECT_EQ(MSSQLClient::databaseProviderEscape(
+    EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(
                   KNValue(QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5, 999), Qt::UTC))),
               QStringLiteral("'2020-01-02 03:04:05'"));
 }

@@ -4,7 +4,9 @@
 #include "Foundation/KNSemaphore.h"
 #include "Implementations/MSSQLCancellation.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "Implementations/MSSQLErrorReport.h"
 #include "Implementations/MSSQLFloodGuard.h"
+#include "Implementations/MSSQLQuoting.h"
 
 #include <QVariant>
 
@@ -18,7 +20,7 @@ class MSSQLLoginFile;
 
 /// One connection to SQL Server through db-lib. The class has one header and one source file for each
 /// concern: connecting, executing, rows, values, messages, the session.
-class MSSQLClient : public VantorDatabaseClient
+class MSSQLClient : public VantorDatabaseClient, public MSSQLQuoting, public MSSQLErrorReport
 {
 public:
     /// The settings must be an MSSQLDatabaseConnectionDetails; the client keeps them, so pass a copy.
@@ -77,41 +79,9 @@ public:
     /// Switches db-lib's protocol trace on for the whole process, into "freetds.pid<n>.log" in the log's
     /// folder. Returns the file's path; null with a line in the log when it cannot be written.
     static QString enableFreeTDSLogging();
-    /// Logs an error, unless it is a login failure that users are expected to run into.
-    static void reportError(const KNError &error, const QVariantMap &details);
     /// The one word of the batch that a message complains about, as a range of the editor text; not found
     /// when the message names none or the batch holds it more than once.
     static KNRange processErrorDetails(const DatabaseMessage &message, const KNQueryDetails &forQueryDetails);
-
-    /// How a catalog's column type is shown: "nvarchar(50)". `maxLength` counts bytes, -1 stands for (max),
-    /// null for none. Precision and scale are not shown.
-    static QString displayForColumnType(const QString &typeName, const KNValue &maxLength,
-                                        const KNValue &precision, const KNValue &scale);
-    /// \name Quoting of names and values. Pure; any thread.
-    /// @{
-
-    /// A name, or schema.name, in brackets where it needs them. A null text gives null; text in brackets
-    /// stays. A "]" inside a name is not doubled.
-    static QString escapeTableNameIfRequired(const QString &name);
-    /// A name, or names joined by dots, without their brackets. A null text gives null.
-    static QString unescapeTableNameIfRequired(const QString &name);
-    /// schema.table, each in brackets where it needs them; the table alone when the schema is null or empty.
-    static QString escapeSchemaAndTable(const QString &schema, const QString &table);
-    /// The table with this path, the name or schema and name, quoted as the above.
-    static QString escapeTablePaths(const QStringList &path);
-    /// A literal for row editing: text without N prefix, lower-case hexadecimal, NULL for null, the rest as
-    /// it shows.
-    static QString escapeColumnValue(const KNValue &value);
-    /// A literal for generated scripts: as escapeColumnValue(), but upper-case hexadecimal, dates in quotes
-    /// to the second, and the text "null" in any case means NULL.
-    static QString databaseProviderEscape(const KNValue &value);
-    /// One name, without parts, in brackets where it needs them; a "]" inside of them is doubled.
-    static QString quotedName(const QString &name);
-    /// A literal that gives the same value again whatever the session's language and the database's code page
-    /// are: as escapeColumnValue(), but text outside of ASCII has the prefix N, and dates stand in quotes in
-    /// the form of ISO 8601.
-    static QString literal(const KNValue &value);
-    /// @}
 
     /// How db-lib is told of a server: the host text with its name replaced by its address, as
     /// address:port, address\instance or address:port\instance.

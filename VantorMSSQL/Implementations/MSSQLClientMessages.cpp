@@ -169,16 +169,6 @@ int handle_interrupt(void *)
     return INT_CANCEL;
 }
 
-void MSSQLClient::reportError(const KNError &error, const QVariantMap &details)
-{
-    for (const char *expected : {"use the Windows Azure Management Portal", "login failed for user",
-                                 "login is from an untrusted domain"}) {
-        if (error.localizedDescription().contains(QLatin1String(expected)))
-            return;
-    }
-    KNLogHelper::sharedInstance()->logError(error, details);
-}
-
 KNRange MSSQLClient::processErrorDetails(const DatabaseMessage &message,
                                          const KNQueryDetails &forQueryDetails)
 {

@@ -1,6 +1,7 @@
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLClient.h"
-#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 #include <QSet>
@@ -70,10 +71,11 @@ bool MSSQLClient::changeDatabase(const QString &name, KNError *error)
 
 QStringList MSSQLClient::databaseNames(KNError *error)
 {
-    const auto query =
-        m_databaseConnectionDetails->queryLoader()->queryByTitle(QStringLiteral("General_ListDatabases"));
+    MSSQLVersionHelper::sharedInstance()->learnFrom(*this, *m_databaseConnectionDetails);
     QStringList names;
-    const auto rows = executeQuery(query, error);
+    const auto rows = executeQuery(
+        MSSQLCatalogReader::text(*m_databaseConnectionDetails, QStringLiteral("General_ListDatabases")),
+        error);
     while (!error->isSet() && rows && rows->next())
         names.append(rows->stringForColumnIndex(0));
     return names;

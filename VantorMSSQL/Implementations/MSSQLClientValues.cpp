@@ -175,13 +175,6 @@ void appendUnknown(KNRowStore &rows, const MSSQLColumn &column)
     rows.appendText(text.constData(), static_cast<std::size_t>(text.size()));
 }
 
-bool isOneOf(const QString &typeName, std::initializer_list<const char *> names)
-{
-    return std::any_of(names.begin(), names.end(), [&](const char *name) {
-        return typeName.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
-    });
-}
-
 } // namespace
 
 void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsigned char *data, int length)
@@ -242,24 +235,4 @@ void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsign
     default:
         return appendUnknown(rows, column);
     }
-}
-
-QString MSSQLClient::displayForColumnType(const QString &typeName, const KNValue &maxLength, const KNValue &,
-                                          const KNValue &)
-{
-    if (maxLength.isNull())
-        return typeName;
-    const qint64 length = maxLength.toInt64();
-    if (length == -1) {
-        if (isOneOf(typeName, {"nvarchar", "varchar", "binary", "varbinary"}))
-            return typeName + QStringLiteral("(max)");
-        if (isOneOf(typeName, {"xml"}))
-            return typeName;
-    }
-    if (isOneOf(typeName, {"nvarchar", "nchar", "ntext"}))
-        return KNFormat("%@(%@)", typeName, QString::number(static_cast<double>(length) / 2));
-    if (isOneOf(typeName, {"datetime", "date", "time", "bit", "int", "image", "tinyint", "smallint",
-                           "uniqueidentifier", "hierarchyid"}))
-        return typeName;
-    return KNFormat("%@(%@)", typeName, maxLength.displayText());
 }

@@ -1,15 +1,11 @@
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 
-#include "Foundation/KNAssert.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNHostCache.h"
 #include "Foundation/KNPropertyList.h"
-#include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLInstancePort.h"
-#include "Implementations/MSSQLQuerySplitter.h"
-#include "Implementations/MSSQLResultSetViewControllerHelper.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
-#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
+#include "Implementations/MSSQLQuoting.h"
+#include "Implementations/MSSQLWordLists.h"
 
 #include <algorithm>
 
@@ -18,28 +14,6 @@ namespace {
 constexpr int DefaultLoginTimeout = 15;
 const QString ConnectedTds = QStringLiteral("TDS");
 const QString ConnectedNTLMv2 = QStringLiteral("NTLMv2");
-
-QStringList sortedWithoutCase(QStringList words)
-{
-    const auto less = [](const QString &a, const QString &b) {
-        return a.compare(b, Qt::CaseInsensitive) < 0;
-    };
-    const auto same = [](const QString &a, const QString &b) {
-        return a.compare(b, Qt::CaseInsensitive) == 0;
-    };
-    std::sort(words.begin(), words.end(), less);
-    words.erase(std::unique(words.begin(), words.end(), same), words.end());
-    return words;
-}
-
-QStringList wordsOfResource(const char *name)
-{
-    KNError error;
-    const QStringList words = KNPropertyList::stringList(KNFormat(":/VantorMSSQL/%@.plist", name), &error);
-    KNAssert(!error, KNFormat("Resource %@ could not be read. %@", name, error.localizedDescription()),
-             QStringLiteral("Implementations/MSSQLDatabaseConnectionDetails"));
-    return sortedWithoutCase(words);
-}
 
 /// Two texts of which neither is nil and that are the same.
 bool areEqualTexts(const QString &left, const QString &right)
@@ -91,48 +65,14 @@ VantorDBCPtr MSSQLDatabaseConnectionDetails::copy() const
     return VantorDBCPtr(new MSSQLDatabaseConnectionDetails(*this));
 }
 
-std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewClient() const
-{
-    return std::make_unique<MSSQLClient>(copy());
-}
-
-std::unique_ptr<KNQuerySplitter> MSSQLDatabaseConnectionDetails::createQuerySplitter() const
-{
-    return std::make_unique<MSSQLQuerySplitter>(createPreParserOptions());
-}
-
-std::shared_ptr<DatabaseTreeEntryServerRoot>
-MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
-{
-    const auto server = MSSQLDatabaseTreeEntryServer::create();
-    server->setDatabaseConnectionDetails(this);
-    return server;
-}
-
-std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
-{
-    return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
-}
-
-std::unique_ptr<ResultSetViewControllerHelper>
-MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
-{
-    return std::make_unique<MSSQLResultSetViewControllerHelper>();
-}
-
-QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const
-{
-    return MSSQLClient::enableFreeTDSLogging();
-}
-
 QString MSSQLDatabaseConnectionDetails::quotedName(const QString &name) const
 {
-    return MSSQLClient::quotedName(name);
+    return MSSQLQuoting::quotedName(name);
 }
 
 QString MSSQLDatabaseConnectionDetails::literal(const KNValue &value) const
 {
-    return MSSQLClient::literal(value);
+    return MSSQLQuoting::literal(value);
 }
 
 QString MSSQLDatabaseConnectionDetails::description() const
@@ -173,20 +113,17 @@ const QStringList &MSSQLDatabaseConnectionDetails::functions() const
 
 const QStringList &MSSQLDatabaseConnectionDetails::sqlKeywords()
 {
-    static const QStringList words = wordsOfResource("MSSQLKeywords");
-    return words;
+    return MSSQLWordLists::keywords();
 }
 
 const QStringList &MSSQLDatabaseConnectionDetails::sqlFunctions()
 {
-    static const QStringList words = wordsOfResource("MSSQLFunctions");
-    return words;
+    return MSSQLWordLists::functions();
 }
 
 const QStringList &MSSQLDatabaseConnectionDetails::functionsAndKeywords()
 {
-    static const QStringList words = sortedWithoutCase(sqlKeywords() + sqlFunctions());
-    return words;
+    return MSSQLWordLists::functionsAndKeywords();
 }
 
 SQLTokenizerOptions MSSQLDatabaseConnectionDetails::createPreParserOptions()

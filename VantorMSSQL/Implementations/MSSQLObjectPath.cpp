@@ -1,6 +1,6 @@
 #include "Implementations/MSSQLObjectPath.h"
 
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ bool isRegularIdentifier(QStringView word)
 bool isPlainName(QStringView word)
 {
     const QString name = word.toString();
-    if (MSSQLClient::quotedName(name) == name)
+    if (MSSQLQuoting::quotedName(name) == name)
         return true;
     const bool isKeywordLike = std::all_of(word.begin(), word.end(), [](QChar c) {
         return c.unicode() < 0x80 && (c.isLetterOrNumber() || c == QLatin1Char('_'));
@@ -50,7 +50,7 @@ QString MSSQLObjectPath::quoted(const QStringList &parts)
 {
     QStringList names;
     for (const QString &part : parts)
-        names.append(part.isEmpty() ? part : MSSQLClient::quotedName(part));
+        names.append(part.isEmpty() ? part : MSSQLQuoting::quotedName(part));
     return names.join(QLatin1Char('.'));
 }
 
@@ -75,7 +75,7 @@ QString MSSQLObjectPath::readable(const QStringList &parts)
 
 QString MSSQLObjectPath::ofTable(const QStringList &path)
 {
-    const QString escaped = MSSQLClient::escapeTablePaths(path);
+    const QString escaped = MSSQLQuoting::escapeTablePaths(path);
     const QStringList parts = path.size() > 1 ? QStringList{path.first(), path.last()} : path;
     const bool isRead = reads(escaped, path.size() > 1 ? parts : path.value(0).split(QLatin1Char('.')));
     return isRead ? escaped : quoted(parts);

@@ -1,7 +1,7 @@
 #include "Scripts/MSSQLModuleHeader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 namespace {
@@ -162,7 +162,7 @@ QString MSSQLModuleHeader::withCurrentName(const QString &definition, const QStr
     QString text = definition;
     return text.replace(
         header->nameStart, header->nameEnd - header->nameStart,
-        KNFormat("%@.%@", MSSQLClient::quotedName(schema), MSSQLClient::quotedName(objectName)));
+        KNFormat("%@.%@", MSSQLQuoting::quotedName(schema), MSSQLQuoting::quotedName(objectName)));
 }
 
 QString MSSQLModuleHeader::withPlainHeader(const QString &definition)

@@ -1,10 +1,10 @@
 #include "Scripts/MSSQLModuleScript.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
 #include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLModuleHeader.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 QString MSSQLModuleScript::load(const VantorDBC &details, KNQueryReport *report, KNError *queryFailure) const
 {
@@ -34,7 +34,7 @@ QString MSSQLModuleScript::load(const VantorDBC &details, KNQueryReport *report,
                                          {QStringLiteral("SCHEMA"), schema},
                                          {QStringLiteral("DATABASE"), details.database()}};
     QString script;
-    const KNError failure = MSSQLScriptCatalog::readRowsAndReport(
+    const KNError failure = MSSQLCatalogReader::read(
         details, QString::fromLatin1(title), filling, errorDomain, [&](const DatabaseResultSet &row) {
             script += KNFormat("%@\r\nGO\r\n", row.stringForColumnIndex(0));
             script += KNFormat("%@\r\nGO\r\n", row.stringForColumnIndex(1));

@@ -1,9 +1,9 @@
 #include "Scripts/MSSQLMySQLColumn.h"
 
+#include "Catalog/MSSQLColumnRecord.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryTemplate.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 #include <QHash>
 
@@ -121,7 +121,7 @@ private:
         const qsizetype dot = type.indexOf(QLatin1String("].["));
         // A type of the CLR is not an alias: its values are bytes.
         Declaration declaration{QStringLiteral("longblob"), {}};
-        const KNError failure = MSSQLScriptCatalog::readRowsAndReport(
+        const KNError failure = MSSQLCatalogReader::read(
             m_details, QStringLiteral("UserDefinedDataType_CreationQuery"),
             {{QStringLiteral("SCHEMA"), name(type.mid(1, dot - 1))},
              {QStringLiteral("TYPE"), name(type.mid(dot + 3).chopped(1))}},
@@ -152,15 +152,14 @@ QList<MSSQLMySQLColumn> MSSQLMySQLColumn::columnsOf(const VantorDBC &details, co
                                                     const QString &inSchema, KNError *error)
 {
     QList<MSSQLMySQLColumn> columns;
-    *error = MSSQLScriptCatalog::readRowsAndReport(
-        details, QStringLiteral("ColumnsForTable"),
-        {{QStringLiteral("TABLE_NAME"), table}, {QStringLiteral("SCHEMA_NAME"), inSchema}}, ErrorDomain,
-        [&](const DatabaseResultSet &row) {
-            const KNValue size = row.objectForColumnIndex(2);
-            columns.append({row.stringForColumnIndex(0), row.stringForColumnIndex(1),
-                            size.isNull() ? std::nullopt : std::optional(size.toInt64()),
-                            row.objectForColumnIndex(5).toBool(), row.objectForColumnIndex(6).toBool()});
-        });
+    const auto records =
+        MSSQLCatalogReader::records<MSSQLColumnRecord>(details, inSchema, table, ErrorDomain, error);
+    for (const MSSQLColumnRecord &record : records) {
+        const KNValue &size = record.maxLength;
+        columns.append({record.columnName, record.typeName,
+                        size.isNull() ? std::nullopt : std::optional(size.toInt64()), record.isNullable,
+                        record.isPrimaryKey});
+    }
     AliasTypes aliases(details);
     for (MSSQLMySQLColumn &column : columns) {
         const Declaration spelled =

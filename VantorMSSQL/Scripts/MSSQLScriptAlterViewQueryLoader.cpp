@@ -1,14 +1,14 @@
 #include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "QueryLoader/KNQueryTemplate.h"
 #include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLModuleHeader.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 #include <algorithm>
 
@@ -101,10 +101,10 @@ QString MSSQLScriptAlterViewQueryLoader::loadQueryForDatabaseConnection(const Va
 {
     KNQueryReport own;
     KNQueryReport &result = report ? *report : own;
-    const QString name = KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(targetSchema),
-                                  MSSQLClient::escapeTableNameIfRequired(targetView));
+    const QString name = KNFormat("%@.%@", MSSQLQuoting::escapeTableNameIfRequired(targetSchema),
+                                  MSSQLQuoting::escapeTableNameIfRequired(targetView));
     QString query = QStringLiteral("");
-    *error = MSSQLScriptCatalog::readRowsAndReport(
+    *error = MSSQLCatalogReader::read(
         details, QStringLiteral("View_AlterQuery"),
         {{QStringLiteral("VIEW_NAME"), name},
          {QStringLiteral("SCHEMA"), targetSchema},
@@ -139,17 +139,18 @@ QString MSSQLScriptAlterViewQueryLoader::loadIndexesForDatabaseConnection(const 
                                                           : QStringLiteral("t.object_id = OBJECT_ID(N'{0}')"),
                                                    {{QStringLiteral("0"), path}});
     QStringList statements;
-    *error = MSSQLScriptCatalog::readRows(details, QStringLiteral("INDEX_CREATION_QUERY"),
-                                          {{QStringLiteral("VIEW_NAME"), targetView},
-                                           {QStringLiteral("VIEW_PATH"), path},
-                                           {QStringLiteral("INDEX_SRC"), QStringLiteral("sys.views")},
-                                           {QStringLiteral("INDEX_CLAUSE"), clause}},
-                                          [&](const DatabaseResultSet &row) {
-                                              QString statement = row.stringForColumnIndex(0).trimmed();
-                                              if (!statement.endsWith(QLatin1Char(';')))
-                                                  statement += QLatin1Char(';');
-                                              statements.append(statement);
-                                          });
+    const QString sql = MSSQLCatalogReader::text(details, QStringLiteral("INDEX_CREATION_QUERY"),
+                                                 {{QStringLiteral("VIEW_NAME"), targetView},
+                                                  {QStringLiteral("VIEW_PATH"), path},
+                                                  {QStringLiteral("INDEX_SRC"), QStringLiteral("sys.views")},
+                                                  {QStringLiteral("INDEX_CLAUSE"), clause}});
+    *error = MSSQLCatalogReader::run(details, {sql, nullptr}, [&](DatabaseResultSet *rows, const KNError &) {
+        while (rows && rows->next()) {
+            const QString statement = rows->stringForColumnIndex(0).trimmed();
+            statements.append(statement.endsWith(QLatin1Char(';')) ? statement
+                                                                   : statement + QLatin1Char(';'));
+        }
+    });
     return statements.join(QStringLiteral("\r\nGO\r\n\r\n"));
 }
 

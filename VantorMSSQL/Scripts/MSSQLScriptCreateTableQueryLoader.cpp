@@ -1,8 +1,8 @@
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
 #include "SQL/SQLMetadataTokenizer.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ QString MSSQLScriptCreateTableQueryLoader::creationQueryForTable(const QString &
                                                                  KNQueryReport *report)
 {
     QString query;
-    KNError failure = MSSQLScriptCatalog::readRowsAndReport(
+    KNError failure = MSSQLCatalogReader::read(
         withConnectionDetails, QStringLiteral("Table_CreationQuery"),
         {{QStringLiteral("TABLE_SCHEMA"), inSchema}, {QStringLiteral("TABLE_NAME"), table}},
         CreateTableDomain, [&](const DatabaseResultSet &row) { query = row.stringForColumnIndex(0); });

@@ -1,7 +1,7 @@
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 namespace {
 
@@ -25,13 +25,13 @@ QString MSSQLScriptCreateTypeQueryLoader::creationQueryForType(const QString &ty
 {
     QString query = QStringLiteral("Unhandled");
     bool isFirst = true;
-    KNError failure = MSSQLScriptCatalog::readRowsAndReport(
-        withConnectionDetails, QStringLiteral("UserDefinedDataType_CreationQuery"),
-        {{QStringLiteral("TYPE"), type}, {QStringLiteral("SCHEMA"), inSchema}},
-        "mssql.queryLoader.createType", [&](const DatabaseResultSet &row) {
-            if (std::exchange(isFirst, false))
-                query = createStatement(row);
-        });
+    KNError failure =
+        MSSQLCatalogReader::read(withConnectionDetails, QStringLiteral("UserDefinedDataType_CreationQuery"),
+                                 {{QStringLiteral("TYPE"), type}, {QStringLiteral("SCHEMA"), inSchema}},
+                                 "mssql.queryLoader.createType", [&](const DatabaseResultSet &row) {
+                                     if (std::exchange(isFirst, false))
+                                         query = createStatement(row);
+                                 });
     if (!failure && isFirst)
         failure =
             KNError(QStringLiteral("mssql.queryLoader.createType"), 0,

@@ -1,8 +1,8 @@
 #include "Scripts/MSSQLScriptDeleteDataFromTableQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDeleteDataFromTableQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
@@ -13,7 +13,7 @@ void MSSQLScriptDeleteDataFromTableQueryLoader::beginLoadingQuery(const VantorDB
         for (qsizetype i = 0; i < m_columns.size(); ++i)
             conditions +=
                 KNFormat("%@%@ = %@", i == 0 ? "" : " AND ", MSSQLObjectPath::quoted({m_columns[i]}),
-                         MSSQLClient::escapeColumnValue(row.value(i)));
+                         MSSQLQuoting::escapeColumnValue(row.value(i)));
         if (!script.isEmpty())
             script += QLatin1String("\r\n");
         script += KNFormat("DELETE TOP (1) FROM %@ WHERE %@;", table, conditions);

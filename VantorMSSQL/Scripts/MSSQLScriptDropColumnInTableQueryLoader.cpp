@@ -1,12 +1,12 @@
 #include "Scripts/MSSQLScriptDropColumnInTableQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDropColumnInTableQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
     deliver(KNFormat("ALTER TABLE %@.%@ DROP COLUMN %@",
-                     MSSQLClient::escapeTableNameIfRequired(m_targetSchema),
-                     MSSQLClient::escapeTableNameIfRequired(m_targetTableName),
-                     MSSQLClient::escapeTableNameIfRequired(m_targetColumnName)));
+                     MSSQLQuoting::escapeTableNameIfRequired(m_targetSchema),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_targetTableName),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_targetColumnName)));
 }

@@ -1,11 +1,11 @@
 #include "Scripts/MSSQLScriptDropIndexQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDropIndexQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
-    deliver(KNFormat("DROP INDEX %@.%@.%@", MSSQLClient::escapeTableNameIfRequired(m_schema),
-                     MSSQLClient::escapeTableNameIfRequired(m_tableName),
-                     MSSQLClient::escapeTableNameIfRequired(m_indexName)));
+    deliver(KNFormat("DROP INDEX %@.%@.%@", MSSQLQuoting::escapeTableNameIfRequired(m_schema),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_tableName),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_indexName)));
 }

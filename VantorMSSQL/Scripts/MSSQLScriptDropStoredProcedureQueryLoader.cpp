@@ -1,10 +1,10 @@
 #include "Scripts/MSSQLScriptDropStoredProcedureQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDropStoredProcedureQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
     deliver(KNFormat("DROP PROCEDURE %@",
-                     MSSQLClient::escapeSchemaAndTable(m_targetSchema, m_targetStoredProcedure)));
+                     MSSQLQuoting::escapeSchemaAndTable(m_targetSchema, m_targetStoredProcedure)));
 }

@@ -1,10 +1,10 @@
 #include "Scripts/MSSQLScriptDropTableQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDropTableQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
-    deliver(KNFormat("DROP TABLE %@.%@", MSSQLClient::escapeTableNameIfRequired(m_targetSchema),
-                     MSSQLClient::escapeTableNameIfRequired(m_targetTableName)));
+    deliver(KNFormat("DROP TABLE %@.%@", MSSQLQuoting::escapeTableNameIfRequired(m_targetSchema),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_targetTableName)));
 }

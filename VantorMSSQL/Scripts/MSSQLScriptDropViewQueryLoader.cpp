@@ -1,10 +1,10 @@
 #include "Scripts/MSSQLScriptDropViewQueryLoader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLQuoting.h"
 
 void MSSQLScriptDropViewQueryLoader::beginLoadingQuery(const VantorDBC &)
 {
-    deliver(KNFormat("DROP VIEW %@.%@", MSSQLClient::escapeTableNameIfRequired(m_targetSchema),
-                     MSSQLClient::escapeTableNameIfRequired(m_targetViewName)));
+    deliver(KNFormat("DROP VIEW %@.%@", MSSQLQuoting::escapeTableNameIfRequired(m_targetSchema),
+                     MSSQLQuoting::escapeTableNameIfRequired(m_targetViewName)));
 }

@@ -1,8 +1,8 @@
 #include "Scripts/MSSQLScriptReview.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "SQL/SQLMetadataTokenizer.h"
 #include "Scripts/MSSQLModuleHeader.h"
 
@@ -84,9 +84,9 @@ bool MSSQLScriptReview::mendHeader(const SQLToken &verb)
 QStringList MSSQLScriptReview::spellings() const
 {
     QStringList spellings{KNFormat("%@.%@", m_subject.schema, m_subject.name),
-                          KNFormat("%@.%@", MSSQLClient::escapeTableNameIfRequired(m_subject.schema),
-                                   MSSQLClient::escapeTableNameIfRequired(m_subject.name)),
-                          MSSQLClient::escapeSchemaAndTable(m_subject.schema, m_subject.name),
+                          KNFormat("%@.%@", MSSQLQuoting::escapeTableNameIfRequired(m_subject.schema),
+                                   MSSQLQuoting::escapeTableNameIfRequired(m_subject.name)),
+                          MSSQLQuoting::escapeSchemaAndTable(m_subject.schema, m_subject.name),
                           m_subject.name};
     std::stable_sort(spellings.begin(), spellings.end(),
                      [](const QString &a, const QString &b) { return a.size() > b.size(); });

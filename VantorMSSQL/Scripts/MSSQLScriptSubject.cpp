@@ -1,7 +1,7 @@
 #include "Scripts/MSSQLScriptSubject.h"
 
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptReview.h"
 

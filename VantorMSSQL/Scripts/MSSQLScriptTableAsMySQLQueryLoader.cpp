@@ -1,13 +1,13 @@
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Database/KNRowStream.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "SQL/KNSQLComment.h"
 #include "Scripts/MSSQLMySQLColumn.h"
 #include "Scripts/MSSQLMySQLValue.h"
-#include "Scripts/MSSQLRowStream.h"
-#include "Scripts/MSSQLScriptCatalog.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ public:
     TableScript(const QString &table, const QString &schema, const VantorDBC &details)
         : m_table(table)
         , m_schema(schema)
-        , m_name(backticked(MSSQLClient::escapeTableNameIfRequired(table)))
+        , m_name(backticked(MSSQLQuoting::escapeTableNameIfRequired(table)))
         , m_details(details)
     {
     }
@@ -83,7 +83,7 @@ public:
                                        bracketed(m_schema), bracketed(m_table));
         const qsizetype start = script.size();
         qint64 count = 0;
-        const KNError error = MSSQLRowStream::eachRow(m_details, query, [&](const KNRow &row) {
+        const KNError error = KNRowStream::eachRow(m_details, query, [&](const KNRow &row) {
             script += count++ == 0 ? QLatin1String("") : QLatin1String(";\r\n");
             appendInsert(script, row);
         });
@@ -93,7 +93,7 @@ public:
         if (!error)
             return error;
         script += QLatin1String("\r\n") + failureComment(m_table, error);
-        return MSSQLScriptCatalog::reported(error, ErrorDomain, query);
+        return MSSQLCatalogReader::reported(error, ErrorDomain, query);
     }
 
 private:
@@ -161,11 +161,11 @@ qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QSt
     const QString query = KNFormat("SELECT ISNULL(MAX(DATALENGTH(%@)),0) FROM %@.%@", bracketed(column),
                                    bracketed(inSchema), bracketed(inTable));
     qint64 size = 0;
-    const KNError failure = MSSQLRowStream::eachRow(connectionDetails, query,
-                                                    [&](const KNRow &row) { size = row.value(0).toInt64(); });
+    const KNError failure = KNRowStream::eachRow(connectionDetails, query,
+                                                 [&](const KNRow &row) { size = row.value(0).toInt64(); });
     if (!failure)
         return size;
-    const KNError reported = MSSQLScriptCatalog::reported(failure, ErrorDomain, query);
+    const KNError reported = MSSQLCatalogReader::reported(failure, ErrorDomain, query);
     if (error)
         *error = reported;
     return 0;

@@ -1,7 +1,7 @@
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 
-#include "Scripts/MSSQLRowStream.h"
-#include "Scripts/MSSQLScriptCatalog.h"
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Database/KNRowStream.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
 QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details,
@@ -11,11 +11,11 @@ QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &de
         "SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), SCHEMA_NAME(schema_id), name AS "
         "SchemaTable FROM sys.tables ORDER BY QUOTENAME(SCHEMA_NAME(schema_id)) asc, QUOTENAME(name) ASC");
     QList<std::pair<QString, QString>> tables;
-    const KNError error = MSSQLRowStream::eachRow(details, list, [&](const KNRow &row) {
+    const KNError error = KNRowStream::eachRow(details, list, [&](const KNRow &row) {
         tables.append({row.value(1).text(), row.value(2).text()});
     });
     if (error) {
-        const KNError failure = MSSQLScriptCatalog::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
+        const KNError failure = MSSQLCatalogReader::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
         const QString text = QStringLiteral("Failed to load table list");
         if (report) {
             report->failure = failure;

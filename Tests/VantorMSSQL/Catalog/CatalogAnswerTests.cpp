@@ -1,6 +1,6 @@
+#include "Catalog/MSSQLQueryTrials.h"
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLQueryTrials.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "QueryLoader/KNQueryTemplate.h"
 #include "VantorMSSQL/Catalog/AnswerFile.h"
 #include "VantorMSSQL/Catalog/CatalogQuestions.h"

@@ -1,5 +1,5 @@
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "QueryLoader/KNQueryTemplate.h"
 #include "VantorMSSQL/Catalog/CatalogQuestions.h"
 #include "VantorMSSQL/Wire/WireTest.h"

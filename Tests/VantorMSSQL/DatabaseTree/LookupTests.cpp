@@ -1,6 +1,6 @@
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
-#include "Implementations/MSSQLVersionHelper.h"
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
 
 #include <thread>

@@ -1,7 +1,7 @@
+#include "Database/KNRowStream.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNFormat.h"
 #include "SQL/KNQuerySplitter.h"
-#include "Scripts/MSSQLRowStream.h"
 #include "Scripts/MSSQLScriptAlterFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptAlterStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptAlterViewQueryLoader.h"
@@ -331,11 +331,11 @@ TEST(RowStream, ReportsAnErrorThatCameBehindRows)
     QStringList read;
     const auto details = WireTest::settings(SampleServerFixture::shared().port());
     const auto keep = [&](const KNRow &row) { read.append(row.value(0).displayText()); };
-    const KNError cutOff = MSSQLRowStream::eachRow(
+    const KNError cutOff = KNRowStream::eachRow(
         *details, QStringLiteral("SELECT 1 AS a UNION ALL SELECT 2 RAISERROR (N'cut off', 16, 1)"), keep);
     EXPECT_EQ(read, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
     EXPECT_TRUE(cutOff);
     EXPECT_EQ(cutOff.localizedDescription(), QStringLiteral("Msg 50000, Level 16, State 1.\r\ncut off"));
-    EXPECT_FALSE(MSSQLRowStream::eachRow(*details, QStringLiteral("SELECT 3 AS a PRINT N'done'"), keep));
-    EXPECT_TRUE(MSSQLRowStream::eachRow(*details, QStringLiteral("SELECT a FROM dbo.NoSuchTable"), keep));
+    EXPECT_FALSE(KNRowStream::eachRow(*details, QStringLiteral("SELECT 3 AS a PRINT N'done'"), keep));
+    EXPECT_TRUE(KNRowStream::eachRow(*details, QStringLiteral("SELECT a FROM dbo.NoSuchTable"), keep));
 }

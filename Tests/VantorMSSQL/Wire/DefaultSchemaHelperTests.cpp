@@ -1,4 +1,4 @@
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Support/HostileServerBytes.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 

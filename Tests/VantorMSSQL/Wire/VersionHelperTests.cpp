@@ -1,7 +1,7 @@
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNAssert.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
-#include "Implementations/MSSQLVersionHelper.h"
 #include "Support/HostileServerBytes.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 

@@ -1,7 +1,6 @@
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-#include "Database/VantorDatabaseClient.h"
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNLogHelper.h"
 
 MSSQLCatalogSection::MSSQLCatalogSection(const Load &load)
@@ -23,16 +22,14 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLCatalogSection::loadEntries(KNErro
 {
     const QString sql = catalogQuery();
     std::optional<List> entries;
-    KNError failure;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &client, KNError *queryFailure) {
-            entries.emplace();
-            const auto rows = client.executeQuery(sql, queryFailure);
-            // A list that was cut short would pass for a whole one.
-            if (rows && !*queryFailure)
-                readRows(*rows, &*entries);
-        },
-        MSSQLTreeCatalog::settings(*this), &failure, m_load.retry == Retry::OnError);
+    KNError failure = MSSQLCatalogReader::run(MSSQLTreeCatalog::settings(*this),
+                                              {sql, m_load.errorDomain, m_load.retry == Retry::OnError},
+                                              [&](DatabaseResultSet *rows, const KNError &queryFailure) {
+                                                  entries.emplace();
+                                                  // A list that was cut short would pass for a whole one.
+                                                  if (rows && !queryFailure)
+                                                      readRows(*rows, &*entries);
+                                              });
     if (!failure && entries)
         didReadRows(*entries, &failure);
     if (failure) {

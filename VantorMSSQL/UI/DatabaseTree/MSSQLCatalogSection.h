@@ -27,8 +27,8 @@ protected:
     /// The query, with its placeholders filled. On the background thread, as all below.
     virtual QString catalogQuery() = 0;
     /// The child for the current row; null for none.
-    virtual Ptr entryForRow(const DatabaseResultSet &row) = 0;
-    /// Makes the children; called again when the query had to be repeated.
+    virtual Ptr entryForRow(const DatabaseResultSet &) { return nullptr; }
+    /// Makes the children, by default one for each row; called again when the query had to be repeated.
     virtual void readRows(DatabaseResultSet &rows, List *entries);
     /// The rows are read. What fails here is logged, and the entries are shown all the same.
     virtual void didReadRows(const List &, KNError *) {}
@@ -37,4 +37,37 @@ protected:
 
 private:
     const Load m_load;
+};
+
+/// A section whose children are the records of one table, view or procedure.
+template <typename Record>
+class MSSQLRecordSection : public MSSQLCatalogSection
+{
+protected:
+    MSSQLRecordSection(const Load &load, const QString &schema, const QString &object)
+        : MSSQLCatalogSection(load)
+        , m_schema(schema)
+        , m_object(object)
+    {
+    }
+
+    const QString &schema() const { return m_schema; }
+    /// The name of the table, view or procedure.
+    const QString &object() const { return m_object; }
+
+    virtual Ptr entryFor(const Record &record) = 0;
+
+    QString catalogQuery() override
+    {
+        return MSSQLTreeCatalog::text(*this, Record::Title, Record::values(m_schema, m_object));
+    }
+    void readRows(DatabaseResultSet &rows, List *entries) override
+    {
+        for (const Record &record : Record::listFrom(rows))
+            entries->push_back(entryFor(record));
+    }
+
+private:
+    const QString m_schema;
+    const QString m_object;
 };

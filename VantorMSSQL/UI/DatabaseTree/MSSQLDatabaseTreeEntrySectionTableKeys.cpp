@@ -1,16 +1,14 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableKeys.h"
 
-#include "Foundation/KNFormat.h"
-
 MSSQLDatabaseTreeEntrySectionTableKeys::MSSQLDatabaseTreeEntrySectionTableKeys(const QString &schema,
                                                                                const QString &tableName)
-    : MSSQLCatalogSection({
-          .errorDomain = "mssqsql.databaseTree.loadTableKeys",
-          .retry = Retry::Never,
-          .protocol = {.finishes = Finishes::OnMainQueue},
-      })
-    , m_schema(schema)
-    , m_tableName(tableName)
+    : MSSQLRecordSection(
+          {
+              .errorDomain = "mssqsql.databaseTree.loadTableKeys",
+              .retry = Retry::Never,
+              .protocol = {.finishes = Finishes::OnMainQueue},
+          },
+          schema, tableName)
 {
 }
 
@@ -19,19 +17,11 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableKeys::menu()
     return {QStringLiteral("Root"), {refreshMenuItem()}};
 }
 
-QString MSSQLDatabaseTreeEntrySectionTableKeys::catalogQuery()
-{
-    return MSSQLTreeCatalog::text(*this, "List_KeysForTable",
-                                  {{QStringLiteral("TABLE_NAME"), KNFormat("%@.%@", m_schema, m_tableName)},
-                                   {QStringLiteral("SCHEMA"), m_schema},
-                                   {QStringLiteral("TABLE"), m_tableName}});
-}
-
-KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableKeys::entryForRow(const DatabaseResultSet &row)
+KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableKeys::entryFor(const MSSQLKeyRecord &record)
 {
     auto key = make<KNDatabaseTreeEntry>();
-    key->setDisplayName(row.stringForColumnIndex(0));
-    key->setImage(row.numberForColumnIndex(1).toInt64() == 1 ? QStringLiteral("DatabaseTree-PK")
-                                                             : QStringLiteral("DatabaseTree-Column"));
+    key->setDisplayName(record.keyName);
+    key->setImage(record.isPrimaryKey ? QStringLiteral("DatabaseTree-PK")
+                                      : QStringLiteral("DatabaseTree-Column"));
     return key;
 }

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Catalog/MSSQLKeyRecord.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
 /// The primary, unique and foreign keys of a table, as plain leaves.
-class MSSQLDatabaseTreeEntrySectionTableKeys : public MSSQLCatalogSection
+class MSSQLDatabaseTreeEntrySectionTableKeys : public MSSQLRecordSection<MSSQLKeyRecord>
 {
 public:
     MSSQLDatabaseTreeEntrySectionTableKeys(const QString &schema, const QString &tableName);
@@ -12,10 +13,5 @@ public:
     KNMenu menu() override;
 
 protected:
-    QString catalogQuery() override;
-    Ptr entryForRow(const DatabaseResultSet &row) override;
-
-private:
-    const QString m_schema;
-    const QString m_tableName;
+    Ptr entryFor(const MSSQLKeyRecord &record) override;
 };

@@ -1,8 +1,8 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTables.h"
 
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNLogHelper.h"
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTableOrder.h"

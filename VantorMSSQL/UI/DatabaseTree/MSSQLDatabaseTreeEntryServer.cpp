@@ -1,12 +1,12 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNUserDefaults.h"
-#include "Implementations/MSSQLClient.h"
-#include "Implementations/MSSQLVersionHelper.h"
+#include "Implementations/MSSQLErrorReport.h"
 #include "UI/DatabaseTree/Agent/MSSQLDatabaseTreeEntrySectionAgent.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
@@ -164,7 +164,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
         settings(), &failure, true);
     if (failure) {
         *error = failure.inDomain(QStringLiteral("mssqsql.databaseTree.loadServer"));
-        MSSQLClient::reportError(*error, {{QStringLiteral("Query"), sql}});
+        MSSQLErrorReport::reportError(*error, {{QStringLiteral("Query"), sql}});
     }
     return entries;
 }

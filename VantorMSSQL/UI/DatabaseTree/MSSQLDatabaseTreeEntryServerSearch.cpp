@@ -1,10 +1,10 @@
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "DatabaseTree/KNDatabaseSearchResult.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/MachTimer.h"
-#include "Implementations/MSSQLVersionHelper.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
@@ -22,26 +22,19 @@ KNError readSearchRows(const QString &sql, const VantorDBC &settings, bool retry
                        const std::function<void(const DatabaseResultSet &)> &readRow)
 {
     KNLogHelper *log = KNLogHelper::sharedInstance();
-    KNError failure;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &client, KNError *error) {
+    const KNError failure = MSSQLCatalogReader::run(
+        settings, {sql, "mssqsql.databaseTree.updateSearchEntries", retryOnError},
+        [&](DatabaseResultSet *rows, const KNError &error) {
             begin();
-            const auto rows = client.executeQuery(sql, error);
-            if (*error) {
-                log->logMessage("Error executing query. %@.", error->localizedDescription());
-                return;
-            }
-            if (!rows) {
+            if (error)
+                log->logMessage("Error executing query. %@.", error.localizedDescription());
+            else if (!rows)
                 log->logMessage(QStringLiteral("Error executing searchabledatabaseentries query."));
-                return;
-            }
-            while (rows->next())
+            while (rows && !error && rows->next())
                 readRow(*rows);
-        },
-        settings, &failure, retryOnError);
+        });
     if (!failure)
         return failure;
-    failure = failure.inDomain(QStringLiteral("mssqsql.databaseTree.updateSearchEntries"));
     log->logError(failure, {{QStringLiteral("Query"), sql}});
     return failure;
 }

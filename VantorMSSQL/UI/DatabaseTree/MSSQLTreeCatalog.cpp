@@ -1,7 +1,6 @@
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
-#include "QueryLoader/KNQueryTemplate.h"
-#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+#include "Catalog/MSSQLCatalogReader.h"
 
 #include <QCollator>
 
@@ -17,7 +16,7 @@ QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QSt
     KNDatabaseTreeEntry::Settings details = entry.databaseConnectionDetails();
     for (auto above = entry.parent(); above; above = above->parent())
         details = above->databaseConnectionDetails();
-    return KNQueryTemplate::filled(details->queryLoader()->queryByTitle(QString::fromLatin1(title)), values);
+    return MSSQLCatalogReader::text(*details, QString::fromLatin1(title), values);
 }
 
 int compareNames(const QString &left, const QString &right)

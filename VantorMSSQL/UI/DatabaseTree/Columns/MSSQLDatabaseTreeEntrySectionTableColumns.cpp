@@ -1,19 +1,16 @@
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntrySectionTableColumns.h"
 
-#include "Implementations/MSSQLClient.h"
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntryDatabaseTableColumn.h"
-
-#include <QSet>
 
 MSSQLDatabaseTreeEntrySectionTableColumns::MSSQLDatabaseTreeEntrySectionTableColumns(const QString &schema,
                                                                                      const QString &tableName)
-    : MSSQLCatalogSection({
-          .errorDomain = "mssqsql.databaseTree.loadColumns",
-          .retry = Retry::OnError,
-          .protocol = {.finishes = Finishes::OnMainQueue},
-      })
-    , m_schema(schema)
-    , m_tableName(tableName)
+    : MSSQLRecordSection(
+          {
+              .errorDomain = "mssqsql.databaseTree.loadColumns",
+              .retry = Retry::OnError,
+              .protocol = {.finishes = Finishes::OnMainQueue},
+          },
+          schema, tableName)
 {
 }
 
@@ -38,39 +35,15 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableColumns::menu()
     return {QStringLiteral("Root"), {refreshMenuItem()}};
 }
 
-QString MSSQLDatabaseTreeEntrySectionTableColumns::catalogQuery()
+KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableColumns::entryFor(const MSSQLColumnRecord &record)
 {
-    return MSSQLTreeCatalog::text(
-        *this, "ColumnsForTable",
-        {{QStringLiteral("TABLE_NAME"), m_tableName}, {QStringLiteral("SCHEMA_NAME"), m_schema}});
-}
-
-void MSSQLDatabaseTreeEntrySectionTableColumns::readRows(DatabaseResultSet &rows, List *entries)
-{
-    QSet<QString> seen; // the first row for a column wins
-    while (rows.next()) {
-        const QString name = rows.stringForColumnIndex(0);
-        if (seen.contains(name))
-            continue;
-        seen.insert(name);
-        entries->push_back(entryForRow(rows));
-    }
-}
-
-KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableColumns::entryForRow(const DatabaseResultSet &row)
-{
-    const bool isPrimaryKey = row.numberForColumnIndex(6).toInt64() == 1;
-    const bool isNullable = row.numberForColumnIndex(5).toInt64() != 0;
-    auto column =
-        make<MSSQLDatabaseTreeEntryDatabaseTableColumn>(m_schema, m_tableName, row.stringForColumnIndex(0));
-    column->setIsPrimaryKey(isPrimaryKey);
+    auto column = make<MSSQLDatabaseTreeEntryDatabaseTableColumn>(schema(), object(), record.columnName);
+    column->setIsPrimaryKey(record.isPrimaryKey);
     QStringList details;
-    if (isPrimaryKey)
+    if (record.isPrimaryKey)
         details.append(QStringLiteral("PK"));
-    details.append(MSSQLClient::displayForColumnType(row.stringForColumnIndex(1), row.objectForColumnIndex(2),
-                                                     row.objectForColumnIndex(3),
-                                                     row.objectForColumnIndex(4)));
-    details.append(isNullable ? QStringLiteral("null") : QStringLiteral("not null"));
+    details.append(record.displayType());
+    details.append(record.isNullable ? QStringLiteral("null") : QStringLiteral("not null"));
     column->setDetails(details.join(QStringLiteral(", ")));
     return column;
 }

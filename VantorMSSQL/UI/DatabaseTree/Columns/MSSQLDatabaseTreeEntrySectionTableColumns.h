@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Catalog/MSSQLColumnRecord.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
 /// The columns of a table or a view, with their types as details.
-class MSSQLDatabaseTreeEntrySectionTableColumns : public MSSQLCatalogSection
+class MSSQLDatabaseTreeEntrySectionTableColumns : public MSSQLRecordSection<MSSQLColumnRecord>
 {
 public:
     MSSQLDatabaseTreeEntrySectionTableColumns(const QString &schema, const QString &tableName);
@@ -15,11 +16,5 @@ public:
     KNMenu menu() override;
 
 protected:
-    QString catalogQuery() override;
-    void readRows(DatabaseResultSet &rows, List *entries) override;
-    Ptr entryForRow(const DatabaseResultSet &row) override;
-
-private:
-    const QString m_schema;
-    const QString m_tableName;
+    Ptr entryFor(const MSSQLColumnRecord &record) override;
 };

@@ -7,13 +7,13 @@
 
 MSSQLDatabaseTreeEntrySectionTableTriggers::MSSQLDatabaseTreeEntrySectionTableTriggers(
     const QString &schema, const QString &tableName)
-    : MSSQLCatalogSection({
-          .errorDomain = "mssqsql.databaseTree.loadTriggers",
-          .retry = Retry::Never,
-          .protocol = {.finishes = Finishes::OnBackgroundThread},
-      })
-    , m_schema(schema)
-    , m_tableName(tableName)
+    : MSSQLRecordSection(
+          {
+              .errorDomain = "mssqsql.databaseTree.loadTriggers",
+              .retry = Retry::Never,
+              .protocol = {.finishes = Finishes::OnBackgroundThread},
+          },
+          schema, tableName)
 {
 }
 
@@ -25,21 +25,14 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableTriggers::menu()
              refreshMenuItem()}};
 }
 
-QString MSSQLDatabaseTreeEntrySectionTableTriggers::catalogQuery()
+KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryFor(const MSSQLTriggerEntry &record)
 {
-    return MSSQLTreeCatalog::text(
-        *this, "List_TriggersForTableWithDetails",
-        {{QStringLiteral("TABLE_NAME"), m_tableName}, {QStringLiteral("TABLE_SCHEMA"), m_schema}});
-}
-
-KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryForRow(const DatabaseResultSet &row)
-{
-    const QString name = row.stringForColumnIndex(0);
-    auto trigger = make<MSSQLDatabaseTreeEntryTableTrigger>(m_schema, name);
-    const QString text = row.stringForColumnIndex(3);
+    const QString &name = record.triggerName;
+    auto trigger = make<MSSQLDatabaseTreeEntryTableTrigger>(schema(), name);
     trigger->setTriggerSQL(
-        text.isNull() ? KNSQLComment::inOneLine(KNFormat("-- Failed to load trigger SQL for %@.%@.%@.",
-                                                         m_schema, m_tableName, name))
-                      : MSSQLModuleHeader::withCurrentName(text.trimmed(), m_schema, name));
+        record.statement.isNull()
+            ? KNSQLComment::inOneLine(
+                  KNFormat("-- Failed to load trigger SQL for %@.%@.%@.", schema(), object(), name))
+            : MSSQLModuleHeader::withCurrentName(record.statement.trimmed(), schema(), name));
     return trigger;
 }

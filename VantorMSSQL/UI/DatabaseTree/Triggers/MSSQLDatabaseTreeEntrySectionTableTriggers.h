@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Catalog/MSSQLTriggerEntry.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
 /// The triggers of a table or a view, with their texts.
-class MSSQLDatabaseTreeEntrySectionTableTriggers : public MSSQLCatalogSection
+class MSSQLDatabaseTreeEntrySectionTableTriggers : public MSSQLRecordSection<MSSQLTriggerEntry>
 {
 public:
     MSSQLDatabaseTreeEntrySectionTableTriggers(const QString &schema, const QString &tableName);
@@ -12,10 +13,5 @@ public:
     KNMenu menu() override;
 
 protected:
-    QString catalogQuery() override;
-    Ptr entryForRow(const DatabaseResultSet &row) override;
-
-private:
-    const QString m_schema;
-    const QString m_tableName;
+    Ptr entryFor(const MSSQLTriggerEntry &record) override;
 };

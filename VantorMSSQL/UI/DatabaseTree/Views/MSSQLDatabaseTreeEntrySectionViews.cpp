@@ -1,7 +1,6 @@
 #include "UI/DatabaseTree/Views/MSSQLDatabaseTreeEntrySectionViews.h"
 
-#include "Database/VantorDatabaseClient.h"
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 
@@ -58,16 +57,15 @@ void MSSQLDatabaseTreeEntrySectionViews::didReadRows(const List &entries, KNErro
         schemas.insert(viewOf(entry).schema());
     if (schemas.size() != 1)
         return;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &client, KNError *failure) {
-            const auto rows = client.executeQuery(QStringLiteral("SELECT SCHEMA_NAME()"), failure);
-            while (rows && !*failure && rows->next()) {
-                const QString current = rows->stringForColumnIndex(0);
-                if (current.isNull() || !schemas.contains(current))
-                    continue;
-                for (const Ptr &entry : entries)
-                    entry->setDisplayName(viewOf(entry).tableName());
-            }
-        },
-        MSSQLTreeCatalog::settings(*this), error);
+    *error = MSSQLCatalogReader::run(MSSQLTreeCatalog::settings(*this),
+                                     {QStringLiteral("SELECT SCHEMA_NAME()"), nullptr},
+                                     [&](DatabaseResultSet *rows, const KNError &failure) {
+                                         while (rows && !failure && rows->next()) {
+                                             const QString current = rows->stringForColumnIndex(0);
+                                             if (current.isNull() || !schemas.contains(current))
+                                                 continue;
+                                             for (const Ptr &entry : entries)
+                                                 entry->setDisplayName(viewOf(entry).tableName());
+                                         }
+                                     });
 }

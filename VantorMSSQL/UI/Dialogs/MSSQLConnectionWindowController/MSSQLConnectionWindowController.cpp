@@ -1,12 +1,12 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Database/DatabaseResultSet.h"
 #include "Database/VantorLoginProblem.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
 #include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/KNLazyComboBox.h"
@@ -40,12 +40,7 @@ QStringList databasesSeenBy(const std::shared_ptr<MSSQLDatabaseConnectionDetails
         details->setDatabase(QString());
         return databasesSeenBy(details, error);
     }
-    const auto queries = details->queryLoader();
-    const auto resultSet =
-        client.executeQuery(queries->queryByTitle(QStringLiteral("General_ListDatabases")), error);
-    while (resultSet && !error->isSet() && resultSet->next())
-        names.append(resultSet->objectForColumnIndex(0).displayText());
-    return names;
+    return client.databaseNames(error);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
-#include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLObjectPath.h"
 
 #include <QDialogButtonBox>

@@ -11,13 +11,13 @@
 MSSQLDatabaseTreeEntryStoredProcedure::MSSQLDatabaseTreeEntryStoredProcedure(const QString &displayName,
                                                                              const QString &schema,
                                                                              const QString &procedureName)
-    : MSSQLCatalogSection({
-          .errorDomain = "mssqsql.databaseTree.loadParameterProcedures",
-          .retry = Retry::Never,
-          .protocol = {.finishes = Finishes::OnBackgroundThread},
-      })
-    , m_schema(schema)
-    , m_procedureName(procedureName)
+    : MSSQLRecordSection(
+          {
+              .errorDomain = "mssqsql.databaseTree.loadParameterProcedures",
+              .retry = Retry::Never,
+              .protocol = {.finishes = Finishes::OnBackgroundThread},
+          },
+          schema, procedureName)
 {
     setDisplayName(displayName);
 }
@@ -29,35 +29,28 @@ void MSSQLDatabaseTreeEntryStoredProcedure::removeChild(const Ptr &child)
         "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedure");
 }
 
-QString MSSQLDatabaseTreeEntryStoredProcedure::catalogQuery()
-{
-    return MSSQLTreeCatalog::text(
-        *this, "List_ParametersForStoredProcedure",
-        {{QStringLiteral("SCHEMA"), m_schema}, {QStringLiteral("PROCEDURE_NAME"), m_procedureName}});
-}
-
-KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryForRow(const DatabaseResultSet &row)
+KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryFor(const MSSQLParameterRecord &record)
 {
     auto parameter = make<MSSQLDatabaseTreeEntryStoredProcedureParameter>();
-    parameter->setDisplayName(row.stringForColumnIndex(0));
-    parameter->setDetails(row.stringForColumnIndex(1));
+    parameter->setDisplayName(record.parameterName);
+    parameter->setDetails(record.typeName);
     return parameter;
 }
 
 MSSQLScriptSubject MSSQLDatabaseTreeEntryStoredProcedure::scriptSubject() const
 {
-    return {QStringLiteral("PROCEDURE"), m_schema, m_procedureName, databaseConnectionDetails()};
+    return {QStringLiteral("PROCEDURE"), schema(), procedureName(), databaseConnectionDetails()};
 }
 
 KNMenu MSSQLDatabaseTreeEntryStoredProcedure::menu()
 {
-    const QString escapedName = MSSQLObjectPath::quoted({m_schema, m_procedureName});
+    const QString escapedName = MSSQLObjectPath::quoted({schema(), procedureName()});
     return {QStringLiteral("Test"),
             {actionItem("New Stored Procedure",
                         "addQueryTab:", MSSQLTreeCatalog::text(*this, "NewStoredProcedure")),
              actionItem("Modify", "addQueryTabWithQueryLoader:",
-                        scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName,
-                                                                                           m_schema)),
+                        scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(procedureName(),
+                                                                                           schema())),
              actionItem("Execute stored procedure", "executeStoredProcedure:", escapedName),
              newQueryMenuItem(), createScriptAsMenu(),
              actionItem("Drop procedure", "confirmDropProcedure:", shared_from_this())}};
@@ -67,11 +60,11 @@ KNMenuItem MSSQLDatabaseTreeEntryStoredProcedure::createScriptAsMenu() const
 {
     return scriptAsMenuItem(
         {{"CREATE to",
-          scriptSubject().script<MSSQLScriptCreateStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+          scriptSubject().script<MSSQLScriptCreateStoredProcedureQueryLoader>(procedureName(), schema())},
          {"ALTER to",
-          scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+          scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(procedureName(), schema())},
          {"DROP to",
-          scriptSubject().script<MSSQLScriptDropStoredProcedureQueryLoader>(m_procedureName, m_schema)},
+          scriptSubject().script<MSSQLScriptDropStoredProcedureQueryLoader>(procedureName(), schema())},
          {"DROP and CREATE to", scriptSubject().script<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(
-                                    m_procedureName, m_schema)}});
+                                    procedureName(), schema())}});
 }

@@ -1,8 +1,8 @@
-#include "Implementations/MSSQLVersionHelper.h"
+#include "Catalog/MSSQLVersionHelper.h"
 
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Catalog/MSSQLCatalogReader.h"
+#include "Database/VantorDatabaseClient.h"
 #include "Foundation/KNLogHelper.h"
-#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
 
 MSSQLVersionHelper *MSSQLVersionHelper::sharedInstance()
 {
@@ -17,6 +17,24 @@ MSSQLVersionHelper::MSSQLVersionHelper()
 
 QString MSSQLVersionHelper::versionForDBC(const MSSQLDatabaseConnectionDetails &dbc)
 {
+    return lookUp(dbc, KeepFailure::Yes, [&dbc](const QString &query, const ReadRows &readRows) {
+        return MSSQLCatalogReader::run(dbc, {query, nullptr},
+                                       [&](DatabaseResultSet *rows, const KNError &) { readRows(rows); });
+    });
+}
+
+void MSSQLVersionHelper::learnFrom(VantorDatabaseClient &client, const MSSQLDatabaseConnectionDetails &dbc)
+{
+    lookUp(dbc, KeepFailure::No, [&client](const QString &query, const ReadRows &readRows) {
+        KNError error;
+        readRows(client.executeQuery(query, &error).get());
+        return error;
+    });
+}
+
+QString MSSQLVersionHelper::lookUp(const MSSQLDatabaseConnectionDetails &dbc, KeepFailure keepFailure,
+                                   const RunQuery &runQuery)
+{
     KNLogHelper *log = KNLogHelper::sharedInstance();
     const QString key = dbc.connectionId().isNull() ? dbc.description() : dbc.connectionId();
     log->logMessage("MSSQLVersionHelper finding version for %@", key);
@@ -25,29 +43,26 @@ QString MSSQLVersionHelper::versionForDBC(const MSSQLDatabaseConnectionDetails &
         log->logMessage("MSSQLVersionHelper version was cached for %@ (%@)", key, *known);
         return *known;
     }
-    const QString version = findVersion(dbc);
-    m_lookup.insert(key, version);
+    const QString version = findVersion(dbc, runQuery);
+    if (!version.isEmpty() || keepFailure == KeepFailure::Yes)
+        m_lookup.insert(key, version);
     log->logMessage("MSSQLVersionHelper version was found for %@ (%@)", key, version);
     return version;
 }
 
-QString MSSQLVersionHelper::findVersion(const MSSQLDatabaseConnectionDetails &dbc)
+QString MSSQLVersionHelper::findVersion(const MSSQLDatabaseConnectionDetails &dbc, const RunQuery &runQuery)
 {
     KNLogHelper *log = KNLogHelper::sharedInstance();
-    const QString query = dbc.queryLoader()->queryByTitle(QStringLiteral("DatabaseTree_ServerVersion"));
+    const QString query = MSSQLCatalogReader::text(dbc, QStringLiteral("DatabaseTree_ServerVersion"));
     QString version;
-    KNError error;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &client, KNError *failure) {
-            log->logMessage("MSSQLVersionHelper is loading the default version.");
-            const auto rows = client.executeQuery(query, failure);
-            while (version.isEmpty() && rows && rows->next()) {
-                const KNValue value = rows->objectForColumnIndex(0);
-                log->logMessage("MSSQLVersionHelper found a row. Object 1 is: %@", value.displayText());
-                version = value.text();
-            }
-        },
-        dbc, &error);
+    const KNError error = runQuery(query, [&](DatabaseResultSet *rows) {
+        log->logMessage("MSSQLVersionHelper is loading the default version.");
+        while (version.isEmpty() && rows && rows->next()) {
+            const KNValue value = rows->objectForColumnIndex(0);
+            log->logMessage("MSSQLVersionHelper found a row. Object 1 is: %@", value.displayText());
+            version = value.text();
+        }
+    });
     if (error)
         log->logError(error.inDomain(QStringLiteral("mssql.versionForDBC")),
                       {{QStringLiteral("Query"), query}});

@@ -1,4 +1,4 @@
-#include "Implementations/MSSQLQueryTrials.h"
+#include "Catalog/MSSQLQueryTrials.h"
 
 namespace {
 

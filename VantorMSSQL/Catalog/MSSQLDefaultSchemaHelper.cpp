@@ -1,9 +1,8 @@
-#include "Implementations/MSSQLDefaultSchemaHelper.h"
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
 
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNLogHelper.h"
-#include "Implementations/MSSQLClient.h"
-#include "QueryLoader/KNSystemDatabaseQueryHelper.h"
+#include "Implementations/MSSQLErrorReport.h"
 
 MSSQLDefaultSchemaHelper *MSSQLDefaultSchemaHelper::sharedInstance()
 {
@@ -45,23 +44,20 @@ std::optional<QString> MSSQLDefaultSchemaHelper::knownSchemaForDBC(const MSSQLDa
 QString MSSQLDefaultSchemaHelper::findSchema(const MSSQLDatabaseConnectionDetails &dbc)
 {
     KNLogHelper *log = KNLogHelper::sharedInstance();
-    const QString query = dbc.queryLoader()->queryByTitle(QStringLiteral("General_FindDefaultUserSchema"));
+    const QString query = MSSQLCatalogReader::text(dbc, QStringLiteral("General_FindDefaultUserSchema"));
     QString schema;
-    KNError error;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &client, KNError *failure) {
+    const KNError error =
+        MSSQLCatalogReader::run(dbc, {query, nullptr, true}, [&](DatabaseResultSet *rows, const KNError &) {
             log->logMessage("MSSQLDefaultSchemaHelper is loading the default schema.");
-            const auto rows = client.executeQuery(query, failure);
             while (schema.isEmpty() && rows && rows->next()) {
                 const KNValue value = rows->objectForColumnIndex(0);
                 log->logMessage("MSSQLDefaultSchemaHelper found a row. Object 1 is: %@", value.displayText());
                 schema = value.text();
             }
-        },
-        dbc, &error, true);
+        });
     if (error) {
-        MSSQLClient::reportError(error.inDomain(QStringLiteral("mssql.schemaForDBC")),
-                                 {{QStringLiteral("Query"), QStringLiteral("(callback)")}});
+        MSSQLErrorReport::reportError(error.inDomain(QStringLiteral("mssql.schemaForDBC")),
+                                      {{QStringLiteral("Query"), QStringLiteral("(callback)")}});
         schema.clear();
     }
     if (!schema.isEmpty())

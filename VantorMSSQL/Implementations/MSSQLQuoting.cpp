@@ -1,5 +1,7 @@
+#include "Implementations/MSSQLQuoting.h"
+
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLWordLists.h"
 
 #include <QRegularExpression>
 
@@ -9,7 +11,7 @@ namespace {
 
 bool isKeyword(const QString &word)
 {
-    const QStringList &keywords = MSSQLDatabaseConnectionDetails::sqlKeywords();
+    const QStringList &keywords = MSSQLWordLists::keywords();
     return std::binary_search(keywords.begin(), keywords.end(), word, [](const QString &a, const QString &b) {
         return a.compare(b, Qt::CaseInsensitive) < 0;
     });
@@ -30,9 +32,16 @@ QString textLiteral(QString text)
     return KNFormat("'%@'", text);
 }
 
+bool isOneOf(const QString &typeName, std::initializer_list<const char *> names)
+{
+    return std::any_of(names.begin(), names.end(), [&](const char *name) {
+        return typeName.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+    });
+}
+
 } // namespace
 
-QString MSSQLClient::escapeTableNameIfRequired(const QString &name)
+QString MSSQLQuoting::escapeTableNameIfRequired(const QString &name)
 {
     if (name.isNull())
         return QString();
@@ -43,7 +52,7 @@ QString MSSQLClient::escapeTableNameIfRequired(const QString &name)
     return needsBrackets(name) ? KNFormat("[%@]", name) : name;
 }
 
-QString MSSQLClient::unescapeTableNameIfRequired(const QString &name)
+QString MSSQLQuoting::unescapeTableNameIfRequired(const QString &name)
 {
     if (name.isNull())
         return QString();
@@ -58,19 +67,19 @@ QString MSSQLClient::unescapeTableNameIfRequired(const QString &name)
     return plain;
 }
 
-QString MSSQLClient::escapeSchemaAndTable(const QString &schema, const QString &table)
+QString MSSQLQuoting::escapeSchemaAndTable(const QString &schema, const QString &table)
 {
     if (schema.isEmpty())
         return escapeTableNameIfRequired(table);
     return KNFormat("%@.%@", escapeTableNameIfRequired(schema), escapeTableNameIfRequired(table));
 }
 
-QString MSSQLClient::escapeTablePaths(const QStringList &path)
+QString MSSQLQuoting::escapeTablePaths(const QStringList &path)
 {
     return escapeSchemaAndTable(path.size() > 1 ? path.first() : QString(), path.value(path.size() - 1));
 }
 
-QString MSSQLClient::escapeColumnValue(const KNValue &value)
+QString MSSQLQuoting::escapeColumnValue(const KNValue &value)
 {
     switch (value.kind()) {
     case KNValue::Kind::Null:
@@ -84,7 +93,7 @@ QString MSSQLClient::escapeColumnValue(const KNValue &value)
     }
 }
 
-QString MSSQLClient::databaseProviderEscape(const KNValue &value)
+QString MSSQLQuoting::databaseProviderEscape(const KNValue &value)
 {
     switch (value.kind()) {
     case KNValue::Kind::Text:
@@ -100,7 +109,7 @@ QString MSSQLClient::databaseProviderEscape(const KNValue &value)
     }
 }
 
-QString MSSQLClient::quotedName(const QString &name)
+QString MSSQLQuoting::quotedName(const QString &name)
 {
     if (!name.isEmpty() && !needsBrackets(name))
         return name;
@@ -109,7 +118,7 @@ QString MSSQLClient::quotedName(const QString &name)
     return QLatin1Char('[') + inside + QLatin1Char(']');
 }
 
-QString MSSQLClient::literal(const KNValue &value)
+QString MSSQLQuoting::literal(const KNValue &value)
 {
     switch (value.kind()) {
     case KNValue::Kind::Text: {
@@ -128,4 +137,24 @@ QString MSSQLClient::literal(const KNValue &value)
     default:
         return escapeColumnValue(value);
     }
+}
+
+QString MSSQLQuoting::displayForColumnType(const QString &typeName, const KNValue &maxLength, const KNValue &,
+                                           const KNValue &)
+{
+    if (maxLength.isNull())
+        return typeName;
+    const qint64 length = maxLength.toInt64();
+    if (length == -1) {
+        if (isOneOf(typeName, {"nvarchar", "varchar", "binary", "varbinary"}))
+            return typeName + QStringLiteral("(max)");
+        if (isOneOf(typeName, {"xml"}))
+            return typeName;
+    }
+    if (isOneOf(typeName, {"nvarchar", "nchar", "ntext"}))
+        return KNFormat("%@(%@)", typeName, QString::number(static_cast<double>(length) / 2));
+    if (isOneOf(typeName, {"datetime", "date", "time", "bit", "int", "image", "tinyint", "smallint",
+                           "uniqueidentifier", "hierarchyid"}))
+        return typeName;
+    return KNFormat("%@(%@)", typeName, maxLength.displayText());
 }

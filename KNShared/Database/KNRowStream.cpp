@@ -1,4 +1,4 @@
-#include "Scripts/MSSQLRowStream.h"
+#include "Database/KNRowStream.h"
 
 #include "Database/VantorDatabaseClient.h"
 #include "Database/VantorDatabaseConnectionPool.h"
@@ -14,17 +14,17 @@ constexpr std::chrono::milliseconds Patience(50);
 /// Waits for the first result that has columns; null when the run ends without one.
 KNDatabaseResultSetPtr firstRows(const KNResultSetHolder &holder, const std::atomic<bool> &done)
 {
-    for (qsizetype seen = 0;;) {
-        // Read before looking for results: whatever comes later comes before it turns true.
+    for (KNResultSetHolder::Position seen = 0;;) {
+        // Read before looking for results: all results are in the holder before it turns true.
         const bool wasDone = done;
-        const auto resultSets = holder.resultSets();
-        for (; seen < resultSets.size(); ++seen) {
-            if (!resultSets[seen]->columnNames().isEmpty())
-                return resultSets[seen];
+        const auto resultSets = holder.newResultSets(&seen);
+        for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
+            if (!resultSet->columnNames().isEmpty())
+                return resultSet;
         }
         if (wasDone)
             return nullptr;
-        holder.waitForMoreThan(seen, Patience);
+        holder.waitForMoreThan(holder.count(), Patience);
     }
 }
 
@@ -52,8 +52,8 @@ void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
 
 } // namespace
 
-KNError MSSQLRowStream::eachRow(const VantorDBC &details, const QString &sql,
-                                const std::function<void(const KNRow &row)> &eachRow)
+KNError KNRowStream::eachRow(const VantorDBC &details, const QString &sql,
+                             const std::function<void(const KNRow &row)> &eachRow)
 {
     KNError error;
     VantorDatabaseConnectionPool::sharedInstance()->executeQuery(

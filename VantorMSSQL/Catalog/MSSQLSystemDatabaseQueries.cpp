@@ -1,10 +1,10 @@
-#include "Implementations/MSSQLSystemDatabaseQueries.h"
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
 
+#include "Catalog/MSSQLQueryTrials.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNPropertyList.h"
-#include "Implementations/MSSQLQueryTrials.h"
-#include "Implementations/MSSQLVersionHelper.h"
 
 MSSQLSystemDatabaseQueries::MSSQLSystemDatabaseQueries(const MSSQLDatabaseConnectionDetails &dbc)
 {

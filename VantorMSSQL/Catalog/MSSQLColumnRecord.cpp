@@ -1,0 +1,43 @@
+#include "Catalog/MSSQLColumnRecord.h"
+
+#include "Implementations/MSSQLQuoting.h"
+
+#include <QSet>
+
+namespace {
+
+enum Position { Name, Type, MaxLength, Precision, Scale, Nullable, PrimaryKey, Default, Identity };
+
+} // namespace
+
+MSSQLCatalogReader::Values MSSQLColumnRecord::values(const QString &schema, const QString &table)
+{
+    return {{QStringLiteral("TABLE_NAME"), table}, {QStringLiteral("SCHEMA_NAME"), schema}};
+}
+
+QList<MSSQLColumnRecord> MSSQLColumnRecord::listFrom(DatabaseResultSet &rows)
+{
+    QList<MSSQLColumnRecord> columns;
+    QSet<QString> seen;
+    while (rows.next()) {
+        const QString name = rows.stringForColumnIndex(Name);
+        if (seen.contains(name))
+            continue;
+        seen.insert(name);
+        columns.append({.columnName = name,
+                        .typeName = rows.stringForColumnIndex(Type),
+                        .maxLength = rows.objectForColumnIndex(MaxLength),
+                        .precision = rows.objectForColumnIndex(Precision),
+                        .scale = rows.objectForColumnIndex(Scale),
+                        .isNullable = rows.numberForColumnIndex(Nullable).toBool(),
+                        .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
+                        .defaultValue = rows.stringForColumnIndex(Default),
+                        .isIdentity = rows.numberForColumnIndex(Identity).toBool()});
+    }
+    return columns;
+}
+
+QString MSSQLColumnRecord::displayType() const
+{
+    return MSSQLQuoting::displayForColumnType(typeName, maxLength, precision, scale);
+}

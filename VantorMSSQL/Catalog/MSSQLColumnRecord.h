@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Catalog/MSSQLCatalogReader.h"
+
+/// A column of a table or a view, as the catalog describes it.
+struct MSSQLColumnRecord
+{
+    static constexpr auto Title = "ColumnsForTable";
+    static MSSQLCatalogReader::Values values(const QString &schema, const QString &table);
+    /// In the table's order; the first row for a name counts.
+    static QList<MSSQLColumnRecord> listFrom(DatabaseResultSet &rows);
+
+    QString columnName;
+    QString typeName; ///< with precision and scale where they belong to it; [schema].[name] for a user's type
+    KNValue maxLength; ///< in bytes, -1 for max; null where the type stands alone
+    KNValue precision;
+    KNValue scale;
+    bool isNullable = true;
+    bool isPrimaryKey = false;
+    QString defaultValue; ///< the expression; null without one
+    bool isIdentity = false;
+
+    /// The type with its size, such as nvarchar(50).
+    QString displayType() const;
+};

@@ -1,0 +1,43 @@
+// The factory operations of the settings, which know every class of the connector. They stand in a file of
+// their own, so that the settings themselves include none of these.
+
+#include "Catalog/MSSQLSystemDatabaseQueries.h"
+#include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "Implementations/MSSQLQuerySplitter.h"
+#include "Implementations/MSSQLResultSetViewControllerHelper.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
+
+std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewClient() const
+{
+    return std::make_unique<MSSQLClient>(copy());
+}
+
+std::unique_ptr<KNQuerySplitter> MSSQLDatabaseConnectionDetails::createQuerySplitter() const
+{
+    return std::make_unique<MSSQLQuerySplitter>(createPreParserOptions());
+}
+
+std::shared_ptr<DatabaseTreeEntryServerRoot>
+MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
+{
+    const auto server = MSSQLDatabaseTreeEntryServer::create();
+    server->setDatabaseConnectionDetails(this);
+    return server;
+}
+
+std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
+{
+    return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
+}
+
+std::unique_ptr<ResultSetViewControllerHelper>
+MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
+{
+    return std::make_unique<MSSQLResultSetViewControllerHelper>();
+}
+
+QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const
+{
+    return MSSQLClient::enableFreeTDSLogging();
+}

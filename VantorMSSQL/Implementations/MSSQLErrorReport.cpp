@@ -1,0 +1,13 @@
+#include "Implementations/MSSQLErrorReport.h"
+
+#include "Foundation/KNLogHelper.h"
+
+void MSSQLErrorReport::reportError(const KNError &error, const QVariantMap &details)
+{
+    for (const char *expected : {"use the Windows Azure Management Portal", "login failed for user",
+                                 "login is from an untrusted domain"}) {
+        if (error.localizedDescription().contains(QLatin1String(expected)))
+            return;
+    }
+    KNLogHelper::sharedInstance()->logError(error, details);
+}

@@ -1,0 +1,51 @@
+#include "Implementations/MSSQLWordLists.h"
+
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNPropertyList.h"
+
+#include <algorithm>
+
+namespace {
+
+QStringList sortedWithoutCase(QStringList words)
+{
+    const auto less = [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    };
+    const auto same = [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) == 0;
+    };
+    std::sort(words.begin(), words.end(), less);
+    words.erase(std::unique(words.begin(), words.end(), same), words.end());
+    return words;
+}
+
+QStringList wordsOfResource(const char *name)
+{
+    KNError error;
+    const QStringList words = KNPropertyList::stringList(KNFormat(":/VantorMSSQL/%@.plist", name), &error);
+    KNAssert(!error, KNFormat("Resource %@ could not be read. %@", name, error.localizedDescription()),
+             QStringLiteral("Implementations/MSSQLWordLists"));
+    return sortedWithoutCase(words);
+}
+
+} // namespace
+
+const QStringList &MSSQLWordLists::keywords()
+{
+    static const QStringList words = wordsOfResource("MSSQLKeywords");
+    return words;
+}
+
+const QStringList &MSSQLWordLists::functions()
+{
+    static const QStringList words = wordsOfResource("MSSQLFunctions");
+    return words;
+}
+
+const QStringList &MSSQLWordLists::functionsAndKeywords()
+{
+    static const QStringList words = sortedWithoutCase(keywords() + functions());
+    return words;
+}

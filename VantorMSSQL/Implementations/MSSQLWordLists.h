@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QStringList>
+
+/// The words of T-SQL, from the connector's resources. Sorted without regard to case; each word stands once.
+/// Any thread.
+namespace MSSQLWordLists {
+
+const QStringList &keywords();
+const QStringList &functions();
+const QStringList &functionsAndKeywords();
+
+} // namespace MSSQLWordLists
