@@ -91,6 +91,72 @@ void requireColumnsBelowLimit(const Query &query)
             ErrorEffect::EndsBatch);
 }
 
+/// The columns of two queries combined.
+std::vector<OutputColumn> combinedColumns(const std::vector<OutputColumn> &left,
+                                          const std::vector<OutputColumn> &right, Ast::SetOperator op)
+{
+    if (left.size() != right.size())
+        throw EngineError(
+            205, 16, 1,
+            "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number "
+            "of expressions in their target lists.",
+            ErrorEffect::EndsBatch);
+    std::vector<OutputColumn> columns;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        const OutputColumn &l = left[i], &r = right[i];
+        OutputColumn column;
+        column.info.name = l.info.name;
+        column.info.nullable = l.info.nullable || r.info.nullable;
+        if (l.expression && isNullLiteral(*l.expression))
+            column.info.type = r.info.type;
+        else if (r.expression && isNullLiteral(*r.expression))
+            column.info.type = l.info.type;
+        else
+            column.info.type = commonType(l.info.type, r.info.type);
+        if (op != Ast::SetOperator::UnionAll && !isSortable(column.info.type))
+            throw EngineError(5335, 16, 1,
+                              std::string("The data type ") + baseTypeName(column.info.type.id) +
+                                  " cannot be used as an operand to the UNION, INTERSECT or EXCEPT operators "
+                                  "because it is not comparable.",
+                              ErrorEffect::EndsBatch);
+        columns.push_back(std::move(column));
+    }
+    return columns;
+}
+
+/// Whether every value of one type is in the other, and none equals another there that it did not equal
+/// before.
+bool holdsAll(const SqlType &wide, const SqlType &narrow)
+{
+    if (wide == narrow)
+        return true;
+    if (isInteger(wide.id) && isInteger(narrow.id))
+        return precedence(wide.id) > precedence(narrow.id);
+    if (wide.id != narrow.id)
+        return false;
+    if (wide.id == TypeId::Decimal)
+        return wide.scale >= narrow.scale && wide.precision - wide.scale >= narrow.precision - narrow.scale;
+    if (isText(wide.id) || isBinary(wide.id))
+        return !isFixedLength(wide.id) && (wide.length == SqlType::Max || wide.length >= narrow.length);
+    return wide.scale >= narrow.scale;
+}
+
+/// Gives columns the types of those that they are going to be converted to, where nothing gets lost.
+void widen(std::vector<OutputColumn> &columns, const std::vector<OutputColumn> &next)
+{
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        if (holdsAll(next[i].info.type, columns[i].info.type))
+            columns[i].info.type = next[i].info.type;
+}
+
+std::vector<SqlType> typesOf(const std::vector<OutputColumn> &columns)
+{
+    std::vector<SqlType> types;
+    for (const OutputColumn &column : columns)
+        types.push_back(column.info.type);
+    return types;
+}
+
 } // namespace
 
 QueryPtr Binder::bindSelect(const Ast::Select &select)
@@ -364,41 +430,33 @@ void Binder::bindLimit(const Ast::QuerySpecification &specification, const Ast::
         query.limit = count(*whole->fetch, "FETCH");
 }
 
+/// Binds a op b op c as one list. Nested, each operand would take a level of SQLite's parser, which has few.
 QueryPtr Binder::bindCombination(const Ast::Query &query, const Ast::Select *whole)
 {
-    auto left = bindQuery(*query.left, nullptr), right = bindQuery(*query.right, nullptr);
-    if (left->columns.size() != right->columns.size())
-        throw EngineError(
-            205, 16, 1,
-            "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number "
-            "of expressions in their target lists.",
-            ErrorEffect::EndsBatch);
-    std::vector<SqlType> types;
-    for (std::size_t i = 0; i < left->columns.size(); ++i) {
-        const OutputColumn &l = left->columns[i], &r = right->columns[i];
-        if (l.expression && isNullLiteral(*l.expression))
-            types.push_back(r.info.type);
-        else if (r.expression && isNullLiteral(*r.expression))
-            types.push_back(l.info.type);
-        else
-            types.push_back(commonType(l.info.type, r.info.type));
-        if (*query.op != Ast::SetOperator::UnionAll && !isSortable(types.back()))
-            throw EngineError(5335, 16, 1,
-                              std::string("The data type ") + baseTypeName(types.back().id) +
-                                  " cannot be used as an operand to the UNION, INTERSECT or EXCEPT operators "
-                                  "because it is not comparable.",
-                              ErrorEffect::EndsBatch);
+    std::vector<const Ast::Query *> steps; // from the first operator to the last
+    for (const Ast::Query *step = &query; step->op; step = step->left.get())
+        steps.push_back(step);
+    std::reverse(steps.begin(), steps.end());
+    const QueryPtr first = bindQuery(*steps.front()->left, nullptr);
+    std::vector<QueryPtr> operands;
+    std::vector<std::vector<OutputColumn>> columns; // after each operator
+    for (const Ast::Query *step : steps) {
+        operands.push_back(bindQuery(*step->right, nullptr));
+        columns.push_back(combinedColumns(columns.empty() ? first->columns : columns.back(),
+                                          operands.back()->columns, *step->op));
     }
-    auto result = std::make_shared<Query>();
-    result->op = query.op;
-    result->left = withColumnTypes(left, types);
-    result->right = withColumnTypes(right, types);
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        OutputColumn column;
-        column.info.name = left->columns[i].info.name;
-        column.info.type = types[i];
-        column.info.nullable = left->columns[i].info.nullable || right->columns[i].info.nullable;
-        result->columns.push_back(std::move(column));
+    for (std::size_t i = columns.size() - 1; i-- > 0;)
+        widen(columns[i], columns[i + 1]);
+    QueryPtr left = first;
+    std::shared_ptr<Query> result;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const std::vector<SqlType> types = typesOf(columns[i]);
+        result = std::make_shared<Query>();
+        result->op = steps[i]->op;
+        result->left = withColumnTypes(left, types);
+        result->right = withColumnTypes(operands[i], types);
+        result->columns = std::move(columns[i]);
+        left = result;
     }
     if (whole) {
         bindOrder(*whole, *result, true);

@@ -541,9 +541,13 @@ private:
         text(") AS a" + place);
     }
 
+    /// a op b op c in one list: SQLite takes its operators from left to right, too.
     void combination(const Query &query)
     {
         static constexpr const char *operators[] = {" UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
+        std::vector<const Query *> steps{&query}; // from the last operator to the first
+        while (isPlainCombination(*steps.back()->left))
+            steps.push_back(steps.back()->left.get());
         text("SELECT ");
         const char *separator = "";
         for (std::size_t i = 0; i < query.columns.size(); ++i) {
@@ -552,10 +556,19 @@ private:
             separator = ", ";
         }
         text(" FROM (");
-        this->query(*query.left);
-        text(std::string(")") + operators[static_cast<int>(*query.op)] + "SELECT * FROM (");
-        this->query(*query.right);
+        this->query(*steps.back()->left);
         text(")");
+        for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+            text(operators[static_cast<int>(*(*step)->op)] + std::string("SELECT * FROM ("));
+            this->query(*(*step)->right);
+            text(")");
+        }
+    }
+
+    /// Whether the query is a combination that has neither order nor limit of its own.
+    static bool isPlainCombination(const Query &query)
+    {
+        return query.op && query.orderBy.empty() && !query.limit && !query.offset;
     }
 
     void orderAndLimit(const Query &query)

@@ -93,7 +93,7 @@ ForXml Parser::parseForXml()
     return result;
 }
 
-/// Queries that are combined stand one inside of the other.
+/// Bounds what the binder and SQLite take on the stack for one statement.
 void Parser::countSetOperator()
 {
     constexpr int MostSetOperators = 499; // SQLite combines 500 queries

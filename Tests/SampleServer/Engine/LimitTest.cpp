@@ -30,6 +30,15 @@ std::vector<std::int32_t> errorsOf(const std::string &sql)
     return next.scalar() == "5" ? sink.errors() : std::vector<std::int32_t>{0};
 }
 
+/// The value that a batch selects; its errors where there are any.
+std::string scalarOf(const std::string &sql)
+{
+    Session session(std::make_shared<Server>(Server::Options()), "sa", "shop");
+    RecordingSink sink;
+    session.executeBatch(sql, sink);
+    return sink.errors().empty() ? sink.scalar() : "error " + std::to_string(sink.errors().front());
+}
+
 using Errors = std::vector<std::int32_t>;
 
 } // namespace
@@ -38,7 +47,28 @@ TEST(Limits, OfCombinedQueriesAreAnError)
 {
     EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 20'000)), Errors{8631});
     EXPECT_EQ(errorsOf("SELECT 1" + repeated(" INTERSECT SELECT 1", 20'000)), Errors{8631});
-    EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 10)), Errors{});
+}
+
+TEST(Limits, HundredsOfQueriesAreCombined)
+{
+    EXPECT_EQ(scalarOf("SELECT COUNT(*) FROM (SELECT 1 AS a" + repeated(" UNION ALL SELECT 1", 499) + ") q"),
+              "500");
+    EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 500)), Errors{8631});
+    EXPECT_EQ(scalarOf("SELECT 1" + repeated(" UNION SELECT 1", 499)), "1");
+    EXPECT_EQ(scalarOf("SELECT 1" + repeated(" INTERSECT SELECT 1", 499)), "1");
+    EXPECT_EQ(scalarOf("SELECT 7" + repeated(" EXCEPT SELECT 1", 499)), "7");
+    EXPECT_EQ(
+        scalarOf("SELECT 1 AS a" + repeated(" UNION ALL SELECT 1", 498) + " UNION ALL SELECT 0 ORDER BY a"),
+        "0");
+}
+
+TEST(Limits, CombinedQueriesMayWidenTheirColumnsAtEachStep)
+{
+    std::string sql = "SELECT MAX(LEN(a)) FROM (SELECT CAST('x' AS varchar(1)) AS a";
+    for (int length = 2; length <= 100; ++length)
+        sql += " UNION SELECT CAST(REPLICATE('x', " + std::to_string(length) + ") AS varchar(" +
+               std::to_string(length) + "))";
+    EXPECT_EQ(scalarOf(sql + ") q"), "100");
 }
 
 TEST(Limits, OfColumnsAreAnError)
