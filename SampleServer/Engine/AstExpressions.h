@@ -22,7 +22,14 @@ using SelectPtr = std::unique_ptr<Select>;
 struct ObjectName
 {
     std::vector<std::string> parts;
+    bool isVariable =
+        false; ///< @name: a table variable. [@name] is a table, type or procedure like any other
 
+    /// Whether a table of this name belongs to the session alone: a table variable, or #name but not ##name.
+    bool isTemporaryTable() const
+    {
+        return isVariable || (object().starts_with('#') && !object().starts_with("##"));
+    }
     const std::string &object() const { return parts.back(); }
     /// The part `fromEnd` places before the object (1: schema, 2: database), empty when there is none.
     std::string qualifier(std::size_t fromEnd) const

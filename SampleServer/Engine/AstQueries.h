@@ -126,4 +126,7 @@ struct Select
     std::vector<Compute> compute;
 };
 
+/// SELECT * FROM table
+Select selectAll(const ObjectName &table);
+
 } // namespace SampleServer::Ast

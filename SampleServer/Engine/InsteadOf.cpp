@@ -63,15 +63,7 @@ void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableC
     change.finish();
     if (!withRows)
         return;
-    Ast::Select select;
-    select.query = std::make_unique<Ast::Query>();
-    Ast::SelectItem star;
-    star.star = Ast::ObjectName();
-    select.query->specification.items.push_back(std::move(star));
-    auto source = std::make_unique<Ast::TableSource>();
-    source->node = Ast::NamedTable{name, false};
-    select.query->specification.from.push_back(std::move(source));
-    const Bound::QueryPtr query = m_interpreter.binder().bindSelect(select);
+    const Bound::QueryPtr query = m_interpreter.binder().bindSelect(Ast::selectAll(name));
     std::vector<std::vector<Value>> rows;
     m_interpreter.fetch(*query,
                         [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });

@@ -185,6 +185,8 @@ private:
     };
     /// Throws 2714 when the name is taken, 2760 and 911 when schema or database are not there.
     Place placeOfNew(const Ast::ObjectName &name, bool mayExist = false);
+    /// The same for what #name does not make temporary: types.
+    Place placeOfPermanent(const Ast::ObjectName &name, bool mayExist);
     void createStorage(Table &definition, const DatabasePtr &database);
     TablePtr stored(const TablePtr &table, const DatabasePtr &database);
     Bound::TableScan createTable(Table definition, const DatabasePtr &database);

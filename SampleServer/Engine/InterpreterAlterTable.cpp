@@ -67,7 +67,10 @@ void requireIndependent(const Table &table, std::size_t column, bool dropping)
 
 Bound::TableScan Interpreter::tableToAlter(const Ast::ObjectName &name)
 {
-    const DatabasePtr database = name.object().starts_with('#') ? nullptr : findDatabase(name.qualifier(2));
+    const DatabasePtr database =
+        name.isTemporaryTable()
+            ? nullptr
+            : findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
     if (database)
         m_transactions.changeDefinitions(*database);
     const Bound::TableScan scan = findOrNull(name);

@@ -264,9 +264,8 @@ std::vector<std::vector<Value>> Interpreter::callTableFunction(const Module &mod
         const TablePtr table = result.tables.find(module.resultTable->name);
         frame.tableParameters.insert(table);
         runFunction(module, frame);
-        static const auto select = parseBatch("SELECT * FROM [@result]", {});
         result.tableParameters.insert(renamed(*table, "@result"));
-        const auto query = binder().bindSelect(std::get<Ast::Select>(select.at(0)->node));
+        const auto query = binder().bindSelect(Ast::selectAll({{"@result"}, true}));
         fetch(*query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
         dropTables(result.tables, false);
     }

@@ -9,11 +9,6 @@ namespace SampleServer {
 
 namespace {
 
-bool isTemporary(const std::string &name)
-{
-    return name.starts_with('@') || (name.starts_with('#') && !name.starts_with("##"));
-}
-
 EngineError nameTaken(const std::string &name)
 {
     return {2714, 16, 6, "There is already an object named '" + name + "' in the database.",
@@ -38,11 +33,16 @@ EngineError cannotDrop(const std::string &kind, const std::string &name, int sta
 
 Interpreter::Place Interpreter::placeOfNew(const Ast::ObjectName &name, bool mayExist)
 {
-    if (isTemporary(name.object())) {
+    if (name.isTemporaryTable()) {
         if (m_frame->tables.find(name.object()))
             throw nameTaken(name.object());
         return {nullptr, "dbo"};
     }
+    return placeOfPermanent(name, mayExist);
+}
+
+Interpreter::Place Interpreter::placeOfPermanent(const Ast::ObjectName &name, bool mayExist)
+{
     requireOutsideFunction("CREATE");
     Place place;
     place.database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
@@ -140,7 +140,7 @@ Interpreter::Flow Interpreter::run(const Ast::DropTable &node)
 {
     for (const Ast::ObjectName &name : node.names) {
         const Bound::TableScan scan = [&]() -> Bound::TableScan {
-            if (isTemporary(name.object()))
+            if (name.isTemporaryTable())
                 return findOrNull(name);
             const DatabasePtr database =
                 findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
@@ -246,7 +246,7 @@ void Interpreter::dropSchema(const std::string &name, bool ifExists)
 
 Interpreter::Flow Interpreter::run(const Ast::CreateType &node)
 {
-    const Place place = placeOfNew({{node.name.qualifier(1), node.name.object()}}, true);
+    const Place place = placeOfPermanent({{node.name.qualifier(1), node.name.object()}}, true);
     if (place.database->findType(place.schema, node.name.object()))
         throw EngineError(219, 16, 1,
                           "The type '" + node.name.toString() +
@@ -309,6 +309,8 @@ void Interpreter::dropType(const Ast::ObjectName &name, bool ifExists)
 Interpreter::Flow Interpreter::run(const Ast::CreateSynonym &node)
 {
     const Place place = placeOfNew(node.name);
+    if (!place.database)
+        throw Errors::notSupported("temporary synonyms");
     auto synonym = std::make_shared<Synonym>();
     synonym->id = newObjectId();
     synonym->database = place.database->id();

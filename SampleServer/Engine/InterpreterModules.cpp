@@ -79,7 +79,7 @@ void Interpreter::defineModule(const Ast::CreateModule &node)
     const Ast::ModuleDefinition &definition = *node.definition;
     Place place = placeOfNew(definition.name, true);
     if (!place.database)
-        throw Errors::notSupported("temporary procedures");
+        throw Errors::notSupported("temporary " + toLower(kindWord(definition.kind)) + 's');
     auto module = std::make_shared<Module>(definition.kind);
     if (definition.kind == ObjectKind::Trigger) {
         const FoundObject parent = findObject(definition.parent);

@@ -11,15 +11,6 @@
 
 namespace SampleServer {
 
-namespace {
-
-bool isTemporary(const std::string &name)
-{
-    return name.starts_with('@') || (name.starts_with('#') && !name.starts_with("##"));
-}
-
-} // namespace
-
 DatabasePtr Interpreter::findDatabase(const std::string &name) const
 {
     return name.empty() ? m_database : m_state.databases.find(name);
@@ -35,9 +26,11 @@ std::string Interpreter::fullName(const Table &table) const
 Interpreter::FoundObject Interpreter::findObject(const Ast::ObjectName &name, bool followSynonyms)
 {
     // The tables of a trigger, and what parameters hand over, come before everything else.
-    if (const TablePtr own = name.parts.size() == 1 ? m_frame->tables.find(name.object()) : nullptr)
+    const bool isVariable = name.object().starts_with('@');
+    const TablePtr own = name.parts.size() == 1 ? m_frame->tables.find(name.object()) : nullptr;
+    if (own && isVariable == name.isVariable)
         return {own, nullptr};
-    if (isTemporary(name.object()))
+    if (name.isTemporaryTable())
         return {findTemporary(name.object()), nullptr};
     // Global temporary tables live in tempdb, wherever they are named.
     const DatabasePtr database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));

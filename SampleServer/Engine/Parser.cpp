@@ -163,7 +163,7 @@ ObjectName Parser::parseTableName()
                          ErrorEffect::EndsBatch),
              token.line);
     ++m_at;
-    return {{token.value}};
+    return {{token.value}, true};
 }
 
 TypeName Parser::parseTypeName()
