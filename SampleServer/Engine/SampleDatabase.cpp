@@ -1,5 +1,5 @@
 #include "Engine/SampleDatabase.h"
-#include "Engine/Catalog.h"
+#include "Engine/Catalog/Catalog.h"
 #include "Engine/Server.h"
 #include "Engine/Session.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Engine/Catalog.h"
-#include "Engine/LockManager.h"
+#include "Engine/Catalog/Catalog.h"
 #include "Engine/Server.h"
+#include "Engine/Storage/LockManager.h"
 
 #include <map>
 #include <mutex>

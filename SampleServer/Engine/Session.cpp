@@ -1,5 +1,5 @@
 #include "Engine/Session.h"
-#include "Engine/Interpreter.h"
+#include "Engine/Run/Interpreter.h"
 #include "Engine/ServerState.h"
 
 namespace SampleServer {

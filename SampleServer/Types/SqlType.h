@@ -56,6 +56,7 @@ struct SqlType
 inline constexpr SqlType BitType{TypeId::Bit, 0, 0, 0};
 inline constexpr SqlType IntType{TypeId::Int, 0, 0, 0};
 inline constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
+inline constexpr SqlType LongTextType{TypeId::NVarChar, SqlType::Max, 0, 0};
 inline constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
 
 /// The type as T-SQL writes it: "nvarchar(50)", "decimal(9,2)", "varbinary(max)".

@@ -1,5 +1,5 @@
 #include "Support/RecordingSink.h"
-#include "Engine/Conversion.h"
+#include "Engine/Functions/Conversion.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 

@@ -1,8 +1,0 @@
-#include "Engine/AstStatements.h"
-
-namespace SampleServer::Ast {
-
-ModuleDefinition::ModuleDefinition() = default;
-ModuleDefinition::~ModuleDefinition() = default;
-
-} // namespace SampleServer::Ast

@@ -1,0 +1,8 @@
+#include "Engine/Parse/AstStatements.h"
+
+namespace SampleServer::Ast {
+
+ModuleDefinition::ModuleDefinition() = default;
+ModuleDefinition::~ModuleDefinition() = default;
+
+} // namespace SampleServer::Ast

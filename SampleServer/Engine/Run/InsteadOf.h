@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Engine/Run/TableChange.h"
+
+namespace SampleServer {
+
+/// A statement that changes a table or view for which an INSTEAD OF trigger stands in: it runs on a copy of
+/// the rows, and the trigger is told what would have changed.
+class InsteadOf
+{
+public:
+    InsteadOf(Interpreter &interpreter, const Ast::ObjectName &name, TableChange::Event event);
+    ~InsteadOf();
+    InsteadOf(const InsteadOf &) = delete;
+    InsteadOf &operator=(const InsteadOf &) = delete;
+
+    bool isActive() const { return m_trigger != nullptr; }
+    /// The copy.
+    const Bound::TableScan &target() const { return m_target; }
+    void fire(const TableChange &change);
+
+private:
+    void makeTarget(const Ast::ObjectName &name, const std::vector<TableColumn> &columns, bool withRows);
+
+    Interpreter &m_interpreter;
+    ModulePtr m_trigger; ///< null when the statement changes the rows themselves
+    Bound::TableScan m_target;
+};
+
+} // namespace SampleServer

@@ -1,0 +1,271 @@
+#include "Engine/Errors.h"
+#include "Engine/Functions/Conversion.h"
+#include "Engine/Functions/RowGenerator.h"
+#include "Engine/Run/Compute.h"
+#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/RowWriter.h"
+#include "Engine/Run/TextSize.h"
+#include "Types/TypeTraits.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace SampleServer {
+
+namespace {
+
+/// How many rows pass between two questions whether the client wants to stop.
+constexpr std::uint64_t AttentionRows = 64;
+constexpr std::uint64_t NoLimit = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t countOf(const Bound::ExpressionPtr &expression)
+{
+    return static_cast<std::uint64_t>(std::get<std::int64_t>(*Bound::constantValue(*expression)));
+}
+
+std::vector<std::uint16_t> orderColumns(const Bound::Query &query)
+{
+    std::vector<std::uint16_t> columns;
+    for (const Bound::OrderItem &item : query.orderBy)
+        if (!item.expression)
+            columns.push_back(static_cast<std::uint16_t>(item.output + 1));
+    return columns;
+}
+
+std::vector<ColumnInfo> columnInfos(const Bound::Query &query)
+{
+    std::vector<ColumnInfo> infos;
+    for (const Bound::OutputColumn &column : query.columns)
+        infos.push_back(column.info);
+    return infos;
+}
+
+bool isPlain(const Bound::Query &query)
+{
+    return !query.op && !query.grouped && !query.distinct && query.orderBy.empty() && !query.where &&
+           !query.offset && !query.withTies && !query.percent;
+}
+
+/// A row that is known without running anything: SELECT of constants without FROM.
+std::optional<std::vector<Value>> constantRow(const Bound::Query &query)
+{
+    if (!isPlain(query) || !query.from.empty())
+        return {};
+    std::vector<Value> row;
+    for (const Bound::OutputColumn &column : query.columns) {
+        const Value *value = Bound::constantValue(*column.expression);
+        if (!value)
+            return {};
+        row.push_back(*value);
+    }
+    return row;
+}
+
+bool assignsVariables(const Ast::Select &node)
+{
+    if (node.query->op)
+        return false;
+    const auto &items = node.query->specification.items;
+    const auto assigning =
+        std::count_if(items.begin(), items.end(), [](const auto &item) { return !item.variable.empty(); });
+    if (assigning != 0 && assigning != static_cast<std::ptrdiff_t>(items.size()))
+        throw EngineError(141, 15, 1,
+                          "A SELECT statement that assigns a value to a variable must not be combined with "
+                          "data-retrieval operations.",
+                          ErrorEffect::EndsBatch);
+    return assigning != 0;
+}
+
+/// The target of SELECT ... INTO, wherever in a combined query it stands; null when there is none.
+const Ast::ObjectName *intoTarget(const Ast::Query &query)
+{
+    const Ast::Query *first = &query;
+    while (first->op)
+        first = first->left.get();
+    return first->specification.into ? &*first->specification.into : nullptr;
+}
+
+} // namespace
+
+std::optional<std::uint64_t> Interpreter::fetchGenerated(const Bound::Query &query, std::uint64_t limit,
+                                                         const RowReceiver &receive)
+{
+    if (!isPlain(query) || query.from.size() != 1)
+        return {};
+    const auto *rows = std::get_if<Bound::GeneratedRows>(&query.from[0]->node);
+    const Value *count = rows ? Bound::constantValue(*rows->count) : nullptr;
+    if (!count)
+        return {};
+    std::vector<std::size_t> wanted;
+    for (const Bound::OutputColumn &column : query.columns) {
+        const auto *reference = std::get_if<Bound::Column>(&column.expression->node);
+        if (!reference)
+            return {};
+        const auto &known = RowGenerator::columns();
+        const auto found = std::find_if(known.begin(), known.end(),
+                                        [&](const ColumnInfo &info) { return info.name == reference->name; });
+        wanted.push_back(static_cast<std::size_t>(found - known.begin()));
+    }
+    const auto available = static_cast<std::uint64_t>(
+        isNull(*count) ? 0 : std::max<std::int64_t>(std::get<std::int64_t>(*count), 0));
+    const std::uint64_t total = std::min(available, limit);
+    RowGenerator generator(std::move(wanted));
+    for (std::uint64_t number = 1; number <= total; ++number) {
+        if (number % AttentionRows == 0)
+            checkAttention();
+        receive(generator.row(static_cast<std::int64_t>(number)));
+    }
+    return total;
+}
+
+std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &receive)
+{
+    const bool counts = query.limit && !query.offset && !query.withTies && !query.percent;
+    std::uint64_t limit = counts ? countOf(query.limit) : NoLimit;
+    if (m_options.rowLimit > 0)
+        limit = std::min(limit, static_cast<std::uint64_t>(m_options.rowLimit));
+    if (const auto row = constantRow(query)) {
+        if (limit > 0)
+            receive(*row);
+        return std::min<std::uint64_t>(limit, 1);
+    }
+    if (const auto count = fetchGenerated(query, limit, receive))
+        return *count;
+    lockUses();
+    const Emitted emitted = emitQuery(query);
+    SqliteStatement statement(m_connection, emitted.sql);
+    statement.bind(emitted.parameters);
+    std::vector<Value> row(query.columns.size());
+    std::uint64_t count = 0;
+    while (count < limit && statement.step()) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            statement.read(static_cast<int>(i), query.columns[i].info.type, row[i]);
+        receive(row);
+        if (++count % AttentionRows == 0)
+            checkAttention();
+    }
+    return count;
+}
+
+Value Interpreter::evaluate(const Bound::Expression &expression)
+{
+    if (const Value *value = Bound::constantValue(expression))
+        return *value;
+    lockUses();
+    Emitted emitted = emitExpression(expression);
+    SqliteStatement statement(m_connection, "SELECT " + emitted.sql);
+    statement.bind(emitted.parameters);
+    Value value;
+    if (statement.step())
+        statement.read(0, expression.type, value);
+    return value;
+}
+
+Interpreter::Flow Interpreter::run(const Ast::Select &node)
+{
+    if (assignsVariables(node)) {
+        runAssignments(node);
+        endWithoutCount();
+        return Flow::Next;
+    }
+    if (intoTarget(*node.query)) {
+        selectInto(node);
+        return Flow::Next;
+    }
+    if (m_callbacks > 0)
+        throw EngineError(444, 16, 2,
+                          "Select statements included within a function cannot return data to a client.",
+                          ErrorEffect::EndsBatch);
+    const Bound::QueryPtr query = binder().bindSelect(node);
+    ComputeRows compute(node, *query, *m_sink);
+    lockUses(); // who waits for a lock has not been told anything yet
+    m_sink->columns(columnInfos(*query), orderColumns(*query));
+    compute.announce();
+    StatementEnd end;
+    end.inProcedure = m_frame->module != nullptr;
+    end.currentCommand = 0xC1;
+    std::uint64_t count = 0;
+    if (!m_options.formatOnly) {
+        const TextSizeLimit textSize(*query, m_context.textSize);
+        try {
+            fetch(*query, [&](std::span<const Value> row) {
+                compute.beforeRow(row);
+                m_sink->row(textSize.apply(row));
+                compute.afterRow(row);
+                ++count;
+            });
+        } catch (const EngineError &error) {
+            if (!m_tries.empty()) { // nobody tells the client of the error: the result just ends
+                end.rowCount = count;
+                m_sink->endStatement(end);
+            }
+            throw;
+        }
+        compute.finish();
+    }
+    m_context.rowCount = static_cast<std::int64_t>(count);
+    if (!m_options.noCount)
+        end.rowCount = count;
+    m_sink->endStatement(end);
+    return Flow::Next;
+}
+
+/// SELECT @x = expression ...: row by row, so that an expression may build on what the row before left
+/// behind.
+void Interpreter::runAssignments(const Ast::Select &node)
+{
+    Binder live = binder();
+    live.useLiveVariables();
+    const Bound::QueryPtr query = live.bindSelect(node);
+    const auto &items = node.query->specification.items;
+    const std::uint64_t count = fetch(*query, [&](std::span<const Value> row) {
+        for (std::size_t i = 0; i < items.size(); ++i)
+            assign(items[i].variable, row[i], query->columns[i].info.type);
+    });
+    m_context.rowCount = static_cast<std::int64_t>(count);
+}
+
+void Interpreter::selectInto(const Ast::Select &node)
+{
+    const Ast::ObjectName &name = *intoTarget(*node.query);
+    const Place place = placeOfNew(name);
+    const DatabasePtr &database = place.database;
+    const Bound::QueryPtr query = binder().bindSelect(node);
+    Table definition;
+    definition.name = name.object();
+    definition.schema = place.schema;
+    const bool joins = query->from.size() != 1 ||
+                       std::holds_alternative<Bound::JoinedSources>(query->from[0]->node); // several tables
+    for (const Bound::OutputColumn &output : query->columns) {
+        if (output.info.name.empty())
+            throw Errors::emptyIdentifier();
+        TableColumn column;
+        column.name = output.info.name;
+        column.id = column.storage = ++definition.lastColumnId;
+        column.type = output.info.type;
+        column.nullable = output.info.nullable;
+        column.identity = output.info.identity && !definition.identity && !query->op && !joins;
+        if (column.identity)
+            definition.identity = std::make_shared<IdentityCounter>(1, 1);
+        if (definition.findColumn(column.name))
+            throw EngineError(2705, 16, 3,
+                              "Column names in each table must be unique. Column name '" + column.name +
+                                  "' in table '" + name.object() + "' is specified more than once.",
+                              ErrorEffect::EndsBatch);
+        definition.columns.push_back(std::move(column));
+    }
+    Transactions::Change change(m_transactions);
+    const Bound::TableScan scan = createTable(std::move(definition), database);
+    RowWriter writer(*this, scan);
+    const std::uint64_t count = fetch(*query, [&](std::span<const Value> row) {
+        writer.insert({row.begin(), row.end()});
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (scan.table->columns[i].identity && !isNull(row[i]))
+                scan.table->identity->sawExplicit(std::get<std::int64_t>(
+                    convertValue(row[i], scan.table->columns[i].type, {TypeId::BigInt, 0, 0, 0})));
+    });
+    change.finish();
+    endChange(count, 0xC1);
+}
+
+} // namespace SampleServer

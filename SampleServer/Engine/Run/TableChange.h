@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Engine/EngineError.h"
+#include "Engine/Run/RowWriter.h"
+
+#include <set>
+
+namespace SampleServer {
+
+/// The rows that one statement changes in one table, and what follows from them: CHECK constraints, foreign
+/// keys on both sides with their actions, triggers. Throws EngineError 547 and those of RowWriter.
+class TableChange
+{
+public:
+    enum class Event { Insert, Update, Delete, Alter };
+
+    /// `columns` are those that UPDATE sets.
+    TableChange(Interpreter &interpreter, const Bound::TableScan &scan, Event event,
+                const std::vector<std::size_t> &columns = {});
+
+    RowWriter &writer() { return m_writer; }
+    /// Whether remove() and update() have to be given the row as it was.
+    bool needsOldRows() const { return m_needsOldRows; }
+    /// Whether UPDATE has to take rows out and put them back whole, since a unique key changes.
+    bool changesKey() const { return m_changesKey; }
+
+    /// Keeps the rows before and after also where nothing else asks for them.
+    void keepRows() { m_needsOldRows = m_needsNewRows = true; }
+    const std::vector<std::vector<Value>> &oldRows() const { return m_old; }
+    const std::vector<std::vector<Value>> &newRows() const { return m_new; }
+    std::set<std::string> updatedColumns() const; ///< folded names
+
+    /// False when an index with IGNORE_DUP_KEY left the row out.
+    bool insert(const std::vector<Value> &row);
+    void remove(const StoredRow &row);
+    /// Rows before and after; `columns` are those that differ.
+    void update(const std::vector<StoredRow> &before, const std::vector<std::vector<Value>> &after);
+    /// What follows, once all rows have changed.
+    void finish();
+
+    void requireCheck(const CheckConstraint &check);
+    void requireForeignKey(const ForeignKey &key);
+
+private:
+    void requireChecks(std::int64_t rowId);
+    void requireParents(const std::vector<Value> &row);
+    void requireParent(const ForeignKey &key, const std::vector<Value> &row);
+    bool hasParent(const ForeignKey &key, const std::vector<Value> &row);
+    void followReferences();
+    void followReference(const Table &child, const ForeignKey &key, std::size_t changed);
+    void act(ReferentialAction action, const ForeignKey &key, const Bound::TableScan &child,
+             const std::vector<StoredRow> &rows, const std::vector<Value> &newKey);
+    [[noreturn]] void conflict(const ConstraintName &name, const char *kind, const Table &table,
+                               const std::string &column) const;
+    const char *verb() const;
+
+    Interpreter &m_interpreter;
+    const Bound::TableScan m_scan;
+    const Event m_event;
+    const std::vector<std::size_t> m_columns;
+    RowWriter m_writer;
+    std::vector<ModulePtr> m_triggers;
+    bool m_needsOldRows = false;
+    bool m_needsNewRows = false;
+    bool m_changesKey = false;
+    std::vector<std::vector<Value>> m_old, m_new;
+    std::vector<std::vector<Value>> m_selfReferring; ///< new rows whose parents may be in the table itself
+};
+
+/// The error of a statement that gives a column two values.
+EngineError assignedTwice(const std::string &column);
+
+} // namespace SampleServer

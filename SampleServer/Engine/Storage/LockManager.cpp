@@ -1,0 +1,165 @@
+#include "Engine/Storage/LockManager.h"
+
+#include <algorithm>
+#include <set>
+
+namespace SampleServer {
+
+namespace {
+
+/// How long a waiting session sleeps before it asks again whether its client wants to stop.
+constexpr std::chrono::milliseconds AttentionInterval{10};
+
+bool exclude(LockMode left, LockMode right)
+{
+    return left == LockMode::Exclusive || right == LockMode::Exclusive;
+}
+
+} // namespace
+
+/// Whether somebody else holds what the request wants, in a mode that excludes it.
+bool LockManager::isHeldAgainst(const Request &request, const Lock &lock) const
+{
+    const auto found = m_holders.find(lock.resource);
+    if (found == m_holders.end())
+        return false;
+    return std::any_of(found->second.begin(), found->second.end(), [&](const auto &entry) {
+        const LockMode held = entry.second.exclusive > 0 ? LockMode::Exclusive : LockMode::Shared;
+        return entry.first != request.owner && exclude(held, lock.mode);
+    });
+}
+
+bool LockManager::isBlocked(Requests::const_iterator request) const
+{
+    for (const Lock &lock : *request->locks)
+        if (isHeldAgainst(*request, lock))
+            return true;
+    if (m_grants.contains(request->owner))
+        return false;
+    // Those who came before go first, unless something else keeps them waiting anyway.
+    for (auto earlier = m_waiting.begin(); earlier != request; ++earlier)
+        for (const Lock &theirs : *earlier->locks) {
+            const bool competes =
+                std::any_of(request->locks->begin(), request->locks->end(), [&](const Lock &lock) {
+                    return lock.resource == theirs.resource && exclude(lock.mode, theirs.mode);
+                });
+            const bool waitsElsewhere =
+                std::any_of(earlier->locks->begin(), earlier->locks->end(), [&](const Lock &other) {
+                    return other.resource != theirs.resource && isHeldAgainst(*earlier, other);
+                });
+            if (competes && !waitsElsewhere)
+                return true;
+        }
+    return false;
+}
+
+/// Whom a request waits for: the holders of what it wants. Those who merely came earlier will go on by
+/// themselves.
+void LockManager::addBlockers(const Request &request, std::vector<int> &blockers) const
+{
+    for (const Lock &lock : *request.locks) {
+        const auto found = m_holders.find(lock.resource);
+        if (found == m_holders.end())
+            continue;
+        for (const auto &[owner, holder] : found->second)
+            if (owner != request.owner &&
+                exclude(holder.exclusive > 0 ? LockMode::Exclusive : LockMode::Shared, lock.mode))
+                blockers.push_back(owner);
+    }
+}
+
+/// Follows who waits for whom; true when the way leads back to the request's owner.
+bool LockManager::wouldDeadlock(Requests::const_iterator request) const
+{
+    if (!m_grants.contains(request->owner))
+        return false; // nobody waits for who holds nothing
+    std::set<int> seen;
+    std::vector<int> open;
+    addBlockers(*request, open);
+    while (!open.empty()) {
+        const int owner = open.back();
+        open.pop_back();
+        if (owner == request->owner)
+            return true;
+        if (!seen.insert(owner).second)
+            continue;
+        const auto waits = std::find_if(m_waiting.begin(), m_waiting.end(),
+                                        [owner](const Request &r) { return r.owner == owner; });
+        if (waits != m_waiting.end())
+            addBlockers(*waits, open);
+    }
+    return false;
+}
+
+void LockManager::grant(const Request &request)
+{
+    for (const Lock &lock : *request.locks) {
+        Holder &holder = m_holders[lock.resource][request.owner];
+        ++(lock.mode == LockMode::Exclusive ? holder.exclusive : holder.shared);
+        ++m_grants[request.owner];
+    }
+}
+
+/// Sleeps a little, then asks whether to stop, which happens without the lock and may throw.
+bool LockManager::waitOnce(std::unique_lock<std::mutex> &lock, const std::function<bool()> &interrupted)
+{
+    m_released.wait_for(lock, AttentionInterval);
+    lock.unlock();
+    struct Relock
+    {
+        std::unique_lock<std::mutex> &lock;
+        ~Relock() { lock.lock(); }
+    } const relock{lock};
+    return interrupted();
+}
+
+LockOutcome LockManager::acquire(int owner, const std::vector<Lock> &locks,
+                                 std::optional<std::chrono::milliseconds> timeout,
+                                 const std::function<bool()> &interrupted)
+{
+    const auto start = std::chrono::steady_clock::now();
+    std::unique_lock lock(m_mutex);
+    struct Place // in the queue, left also when an exception passes
+    {
+        LockManager &manager;
+        Requests::const_iterator request;
+        ~Place()
+        {
+            manager.m_waiting.erase(request);
+            manager.m_released.notify_all(); // those behind may go now
+        }
+    } const place{*this, m_waiting.insert(m_waiting.end(), Request{owner, &locks})};
+    while (isBlocked(place.request)) {
+        if (wouldDeadlock(place.request))
+            return LockOutcome::Deadlock;
+        if (timeout && std::chrono::steady_clock::now() - start >= *timeout)
+            return LockOutcome::TimedOut;
+        if (waitOnce(lock, interrupted))
+            return LockOutcome::Interrupted;
+    }
+    grant(*place.request);
+    return LockOutcome::Granted;
+}
+
+void LockManager::release(int owner, const std::vector<Lock> &locks)
+{
+    if (locks.empty())
+        return;
+    const std::lock_guard lock(m_mutex);
+    for (const Lock &held : locks) {
+        const auto resource = m_holders.find(held.resource);
+        if (resource == m_holders.end() || !resource->second.contains(owner))
+            continue;
+        Holder &holder = resource->second[owner];
+        --(held.mode == LockMode::Exclusive ? holder.exclusive : holder.shared);
+        if (holder.exclusive <= 0 && holder.shared <= 0)
+            resource->second.erase(owner);
+        if (resource->second.empty())
+            m_holders.erase(resource);
+        if (--m_grants[owner] <= 0)
+            m_grants.erase(owner);
+    }
+    m_released.notify_all();
+}
+
+} // namespace SampleServer
