@@ -4,12 +4,12 @@
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
-#include "UI/Connecting/KNFileField.h"
-#include "UI/Connecting/KNLazyComboBox.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
-#include "UI/Connecting/KNProgressMark.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
+#include "UI/Dialogs/KNFileField.h"
+#include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNProgressMark.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -4,7 +4,7 @@
 #include "Foundation/KNError.h"
 #include "Recent/SQLRecentConnection.h"
 #include "SSH/KNSSHTunnelDelegate.h"
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 /// What a connection dialog ends with, beside 0 for cancelled.
 enum KNModalResponse {

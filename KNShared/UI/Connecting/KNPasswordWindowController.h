@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 class QLineEdit;
 

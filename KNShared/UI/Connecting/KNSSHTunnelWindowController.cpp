@@ -1,6 +1,6 @@
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 
-#include "UI/Connecting/KNFileField.h"
+#include "UI/Dialogs/KNFileField.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

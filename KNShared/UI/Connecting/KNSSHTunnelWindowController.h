@@ -1,7 +1,7 @@
 #pragma once
 
 #include "SSH/KNSSHTunnelModel.h"
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 class KNFileField;
 class QCheckBox;

@@ -3,7 +3,7 @@
 #include "Support/PrintQt.h"
 #include "Support/SampleServerFixture.h"
 #include "Support/WindowTesting.h"
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNProgressMark.h"
 
 #include <QPointer>
 #include <QPushButton>

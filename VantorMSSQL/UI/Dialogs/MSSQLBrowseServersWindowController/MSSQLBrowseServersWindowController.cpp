@@ -2,7 +2,7 @@
 
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNProgressMark.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>

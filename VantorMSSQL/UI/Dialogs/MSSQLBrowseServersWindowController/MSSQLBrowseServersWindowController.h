@@ -2,7 +2,7 @@
 
 #include "Foundation/KNNotificationCenter.h"
 #include "Implementations/MSSQLBrowserServiceClient.h"
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 #include <optional>
 

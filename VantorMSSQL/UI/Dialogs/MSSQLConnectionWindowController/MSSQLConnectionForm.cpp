@@ -1,7 +1,7 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 
-#include "UI/Connecting/KNLazyComboBox.h"
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNProgressMark.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -9,8 +9,8 @@
 #include "Implementations/MSSQLClient.h"
 #include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
-#include "UI/Connecting/KNLazyComboBox.h"
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNProgressMark.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 class QLineEdit;
 class QPushButton;

@@ -1,4 +1,4 @@
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNProgressMark.h"
 #include "UI/KNPlainToolTip.h"
 
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-#include "UI/Connecting/KNWindowController.h"
+#include "UI/Dialogs/KNWindowController.h"
 
 #include <QDialogButtonBox>
 

@@ -1,4 +1,4 @@
-#include "UI/Connecting/KNFileField.h"
+#include "UI/Dialogs/KNFileField.h"
 
 #include "UI/Alerts/KNFilePanels.h"
 

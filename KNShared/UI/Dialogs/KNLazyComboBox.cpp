@@ -1,4 +1,4 @@
-#include "UI/Connecting/KNLazyComboBox.h"
+#include "UI/Dialogs/KNLazyComboBox.h"
 
 KNLazyComboBox::KNLazyComboBox(QWidget *parent)
     : QComboBox(parent)
