@@ -83,6 +83,7 @@ void KNDatabaseResultSet::addRows(const QList<KNRow> &rows)
         store.endRow();
     }
     store.publish();
+    notifyObserver();
 }
 
 qint64 KNDatabaseResultSet::numberOfRowsAffected() const
@@ -171,4 +172,22 @@ void KNDatabaseResultSet::setFinished()
     }
     if (m_table)
         m_table->rows.close();
+    notifyObserver();
+}
+
+void KNDatabaseResultSet::setChangeObserver(KNChangeObserver observer)
+{
+    const std::lock_guard lock(lockOf(this));
+    m_observer = std::move(observer);
+}
+
+void KNDatabaseResultSet::notifyObserver() const
+{
+    KNChangeObserver observer;
+    {
+        const std::lock_guard lock(lockOf(this));
+        observer = m_observer;
+    }
+    if (observer)
+        (*observer)();
 }

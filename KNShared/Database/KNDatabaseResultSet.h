@@ -7,7 +7,11 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
+
+/// A function that many result sets share.
+using KNChangeObserver = std::shared_ptr<const std::function<void()>>;
 
 /// A text for the user about a result, with its colour.
 struct KNDisplayMessage
@@ -65,9 +69,14 @@ public:
     bool isFinished() const;
     /// No more rows will come: wakes who waits for them.
     void setFinished();
+    /// Called without any lock after addRows() and setFinished(), on their threads; null for nobody. Set by
+    /// the KNResultSetHolder.
+    void setChangeObserver(KNChangeObserver observer);
 
 private:
     struct Table; ///< columns and rows
+
+    void notifyObserver() const;
 
     const QString m_executedQuery;
     std::unique_ptr<Table> m_table; ///< null without columns; set before other threads see this
@@ -78,4 +87,5 @@ private:
     quint64 m_calculatedLineNumber = 0;
     KNRange m_queryTextRange;
     bool m_finished = false;
+    KNChangeObserver m_observer;
 };

@@ -36,25 +36,32 @@ QList<KNDatabaseResultSetPtr> KNResultSetHolder::takeResultSets()
 
 void KNResultSetHolder::append(const KNDatabaseResultSetPtr &resultSet)
 {
-    std::unique_lock lock(m_mutex);
-    m_hasRoom.wait(lock,
-                   [this] { return m_resultReadAhead == 0 || std::ssize(m_entries) < m_resultReadAhead; });
-    if (!resultSet->columnNames().isEmpty()) {
-        resultSet->rows().setReadAhead(m_readAhead);
-        resultSet->rows().setRowLimit(m_rowLimit);
+    {
+        std::unique_lock lock(m_mutex);
+        m_hasRoom.wait(
+            lock, [this] { return m_resultReadAhead == 0 || std::ssize(m_entries) < m_resultReadAhead; });
+        if (!resultSet->columnNames().isEmpty()) {
+            resultSet->rows().setReadAhead(m_readAhead);
+            resultSet->rows().setRowLimit(m_rowLimit);
+        }
+        resultSet->setChangeObserver(m_observer);
+        m_entries.push_back({m_nextNumber++, resultSet});
+        m_appended.notify_all();
     }
-    m_entries.push_back({m_nextNumber++, resultSet});
-    m_appended.notify_all();
+    notifyObserver();
 }
 
 void KNResultSetHolder::remove(const KNDatabaseResultSetPtr &resultSet)
 {
-    const std::lock_guard lock(m_mutex);
-    // It is nearly always the last one.
-    const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                    [&](const Entry &entry) { return entry.resultSet == resultSet; });
-    if (found != m_entries.rend())
-        m_entries.erase(std::prev(found.base()));
+    {
+        const std::lock_guard lock(m_mutex);
+        // It is nearly always the last one.
+        const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                        [&](const Entry &entry) { return entry.resultSet == resultSet; });
+        if (found != m_entries.rend())
+            m_entries.erase(std::prev(found.base()));
+    }
+    notifyObserver();
 }
 
 qsizetype KNResultSetHolder::count() const
@@ -81,8 +88,28 @@ KNError KNResultSetHolder::failure() const
 
 void KNResultSetHolder::incrementTotalResultCountBy(qint64 count)
 {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_totalResultCount += count;
+    }
+    notifyObserver();
+}
+
+void KNResultSetHolder::setChangeObserver(std::function<void()> observer)
+{
     const std::lock_guard lock(m_mutex);
-    m_totalResultCount += count;
+    m_observer = observer ? std::make_shared<const std::function<void()>>(std::move(observer)) : nullptr;
+}
+
+void KNResultSetHolder::notifyObserver() const
+{
+    KNChangeObserver observer;
+    {
+        const std::lock_guard lock(m_mutex);
+        observer = m_observer;
+    }
+    if (observer)
+        (*observer)();
 }
 
 qint64 KNResultSetHolder::totalResultCount() const

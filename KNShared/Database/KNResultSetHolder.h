@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -60,6 +61,11 @@ public:
     /// How many rows every later result set keeps; 0, the default, for all.
     void setRowLimit(qsizetype rows);
 
+    /// Called on any thread after results were appended or removed, rows were added or a result has finished:
+    /// often, so it must be fast, and without any lock. It may still be called shortly after it was replaced.
+    /// Empty for nobody.
+    void setChangeObserver(std::function<void()> observer);
+
     /// Waits until there are more than `count` result sets or the time has passed; true when there are.
     bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
 
@@ -70,6 +76,8 @@ private:
         KNDatabaseResultSetPtr resultSet;
     };
 
+    void notifyObserver() const;
+
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_appended;
     std::condition_variable m_hasRoom;
@@ -79,4 +87,5 @@ private:
     qsizetype m_readAhead = 0;
     qsizetype m_resultReadAhead = 0;
     qsizetype m_rowLimit = 0;
+    KNChangeObserver m_observer;
 };

@@ -20,10 +20,13 @@ protected:
         const auto client = connectedClient(settings(SampleServerFixture::shared().port()));
         for (const char *sql :
              {"CREATE SCHEMA records",
-              "CREATE TABLE records.Parent (a int NOT NULL, b nvarchar(20) NOT NULL, CONSTRAINT PK_Parent PRIMARY KEY "
+              "CREATE TABLE records.Parent (a int NOT NULL, b nvarchar(20) NOT NULL, CONSTRAINT PK_Parent "
+              "PRIMARY KEY "
               "(b, a))",
-              "CREATE TABLE records.Child (id int IDENTITY(1,1) NOT NULL, x nvarchar(20) NULL, y int NULL DEFAULT 7, "
-              "amount decimal(9,2) NULL, CONSTRAINT FK_Child FOREIGN KEY (x, y) REFERENCES records.Parent (b, a) ON "
+              "CREATE TABLE records.Child (id int IDENTITY(1,1) NOT NULL, x nvarchar(20) NULL, y int NULL "
+              "DEFAULT 7, "
+              "amount decimal(9,2) NULL, CONSTRAINT FK_Child FOREIGN KEY (x, y) REFERENCES records.Parent "
+              "(b, a) ON "
               "DELETE CASCADE)",
               "CREATE UNIQUE NONCLUSTERED INDEX IX_Child ON records.Child (y, x)",
               "CREATE TRIGGER records.Child_Trigger ON records.Child AFTER INSERT, UPDATE AS PRINT 'x'",
