@@ -17,6 +17,9 @@ struct KNSHARED_EXPORT KNQueryReport
     /// Sentences that belong before the script, such as that it acts on another object.
     QStringList notices;
 
+    /// Whether the user should see the text before it is executed.
+    bool needsAttention() const { return failure || !notices.isEmpty(); }
+
     /// The text with the notices and the failure as comment lines before it, and the unsafe part commented
     /// out. Lines end with CR LF. Null for a null text.
     QString guardedText(const QString &text) const;
