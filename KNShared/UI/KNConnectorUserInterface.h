@@ -1,19 +1,22 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "UI/KNConnectorPreferences.h"
 #include "UI/KNSharedUIExport.h"
+#include "UI/Workspace/KNDocumentState.h"
 
 #include <QtPlugin>
 
-#include <functional>
+#include <memory>
 
 class ConnectionWindowController;
 class KNDatabaseTreeContextHelper;
-class KNDatabaseTreeViewController;
+class KNDocumentTab;
+class KNWorkspace;
 class QWidget;
 class SQLRecentConnectionList;
 
-/// The windows that a connector brings with it. The module's root object implements it beside
+/// The user interface that a connector adds to the host. The module's root object implements it beside
 /// KNConnectorPlugin. On the UI thread.
 class KNSHAREDUI_EXPORT KNConnectorUserInterface
 {
@@ -22,16 +25,19 @@ public:
 
     /// A new dialog that edits a connection, not shown yet. It belongs to its parent.
     virtual ConnectionWindowController *createConnectionWindowController(QWidget *parent) const = 0;
-    /// The connections that the user has made before; loaded when asked for first.
+    /// The connections that the user has made before; loaded at the first call.
     virtual SQLRecentConnectionList &recentConnections() const = 0;
 
-    /// Opens a window of its own on a server.
-    using OpenConnection = std::function<void(const VantorDBC &details)>;
-    /// Adds the actions of this kind of server to the helper of a tree. They do nothing once the tree is
-    /// gone.
-    virtual void addTreeActions(KNDatabaseTreeContextHelper &helper, KNDatabaseTreeViewController &tree,
-                                const OpenConnection &openConnection) const = 0;
+    /// Adds the actions of this kind of server to the helper of a window's object tree. The helper may
+    /// outlive the workspace; the actions then do nothing.
+    virtual void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const = 0;
+    /// Restores a document of a kind that the host does not know; null, the default, if the connector does
+    /// not know the kind either or cannot restore the document.
+    virtual std::unique_ptr<KNDocumentTab> restoreDocument(const KNDocumentState &state,
+                                                           KNWorkspace &workspace) const;
+    /// The connector's preferences; none by default.
+    virtual KNConnectorPreferences preferences() const;
 };
 
-#define KNConnectorUserInterface_iid "com.quorvex.vantor.connector-windows/1"
+#define KNConnectorUserInterface_iid "com.quorvex.vantor.connector-windows/2"
 Q_DECLARE_INTERFACE(KNConnectorUserInterface, KNConnectorUserInterface_iid)

@@ -51,14 +51,10 @@ void Application::startProtocolTrace() const
 
 MainWindow *Application::openConnection(const VantorDBC &details)
 {
-    auto *const window = new MainWindow(details);
+    auto *const window = new MainWindow(details, connectorWindows());
     connect(window, &MainWindow::connectionsRequested, this, &Application::showConnections);
-    if (const KNConnectorUserInterface *const windows = connectorWindows())
-        windows->addTreeActions(window->treeContextHelper(), *window->explorer(),
-                                [self = QPointer(this)](const VantorDBC &member) {
-                                    if (self)
-                                        self->openConnection(member);
-                                });
+    connect(window, &MainWindow::connectionRequested, this,
+            [this](const VantorDBCPtr &requested) { openConnection(*requested); });
     window->show();
     window->openFiles(m_options.files);
     m_options.files.clear();

@@ -10,18 +10,14 @@
 #include "UI/Results/KNResultTabs.h"
 
 #include <QBoxLayout>
-#include <QElapsedTimer>
 #include <QHeaderView>
 #include <QStackedWidget>
-#include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
 
 namespace {
 
-constexpr int LookInterval = 33;    // milliseconds
-constexpr int LooksLongerApart = 4; // times as long as a look takes
 constexpr int RowsOfOneAmongSeveral = 10;
 constexpr int SectionsKeptAround = 4; // out of sight, on each side
 const QString ResultsAsTabs = QStringLiteral("ResultsAsTabs");
@@ -36,7 +32,6 @@ QString titleOf(int result)
 KNResultsPane::KNResultsPane(QWidget *parent)
     : QWidget(parent)
     , m_showsTabs(KNUserDefaults::standardUserDefaults()->boolForKey(ResultsAsTabs))
-    , m_timer(new QTimer(this))
     , m_tabs(new KNResultTabs(this))
     , m_mode(new QToolButton(this))
     , m_stack(new KNResultStack([this](int result) { return section(result); },
@@ -64,8 +59,6 @@ KNResultsPane::KNResultsPane(QWidget *parent)
     layout->addWidget(m_views, 1);
     layout->addWidget(m_exportBar);
 
-    m_timer->setSingleShot(true);
-    connect(m_timer, &QTimer::timeout, this, &KNResultsPane::look);
     connect(m_tabs, &KNResultTabs::currentChanged, this, [this](int result) {
         if (m_showsTabs)
             showTab(result);
@@ -85,19 +78,16 @@ void KNResultsPane::beginRun(const std::shared_ptr<KNResultSetHolder> &results, 
     m_holder = results;
     m_details = details.copy();
     m_isRunning = true;
-    m_timer->start(LookInterval);
 }
 
 void KNResultsPane::finishRun()
 {
     m_isRunning = false;
-    m_timer->stop();
-    look();
+    showNewResults();
 }
 
 void KNResultsPane::clear()
 {
-    m_timer->stop();
     m_isRunning = false;
     qDeleteAll(std::exchange(m_sections, {}));
     m_entries.clear();
@@ -115,13 +105,10 @@ qint64 KNResultsPane::rowCount() const
     return m_rowCount;
 }
 
-/// Shows what has come since the last time.
-void KNResultsPane::look()
+void KNResultsPane::showNewResults()
 {
     if (!m_holder)
         return;
-    QElapsedTimer elapsed;
-    elapsed.start();
     bool hasChanged = takeNewResults();
     for (int result = m_firstUnfinished; result < resultCount(); ++result) {
         KNResultTableModel &model = *m_entries[static_cast<std::size_t>(result)].model;
@@ -140,9 +127,6 @@ void KNResultsPane::look()
         showPlaces();
         Q_EMIT rowCountChanged(m_rowCount);
     }
-    // However slow the machine is, most of its time is left for other things.
-    if (m_isRunning)
-        m_timer->start(std::max(LookInterval, LooksLongerApart * static_cast<int>(elapsed.elapsed())));
 }
 
 /// Makes entries for results whose columns have become known.

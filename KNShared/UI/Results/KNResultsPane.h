@@ -15,7 +15,6 @@ class KNResultStack;
 class KNResultTableModel;
 class KNResultTabs;
 class QStackedWidget;
-class QTimer;
 class QToolButton;
 
 /// Shows the result sets of one run, each in a grid, while they arrive. On the UI thread.
@@ -27,10 +26,11 @@ public:
     explicit KNResultsPane(QWidget *parent = nullptr);
     ~KNResultsPane() override;
 
-    /// Shows the results of a run that begins, instead of those before. The pane looks into the holder from
-    /// time to time until finishRun().
+    /// Shows the results of a run that begins, instead of those before, at each call of showNewResults().
     void beginRun(const std::shared_ptr<KNResultSetHolder> &results, const VantorDBC &details);
-    /// Nothing comes any more.
+    /// Shows the results and rows that have arrived since the last call.
+    void showNewResults();
+    /// Shows the rest: no more results will arrive.
     void finishRun();
     void clear();
     /// Rows that are shown so far, over all results.
@@ -61,7 +61,6 @@ private:
         QByteArray columnWidths; ///< of a section that is gone
     };
 
-    void look();
     bool takeNewResults();
     void showPlaces();
     void showTab(int result);
@@ -78,7 +77,6 @@ private:
     qint64 m_rowCount = 0;
     bool m_showsTabs;
     bool m_isRunning = false;
-    QTimer *m_timer;
     KNResultTabs *m_tabs;
     QToolButton *m_mode;
     KNResultStack *m_stack;

@@ -2,6 +2,7 @@
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/Theme.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
@@ -10,6 +11,7 @@
 #include "Recent/SQLRecentConnectionList.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
@@ -91,7 +93,7 @@ void setTheme(KNPreferences::Theme theme)
 /// Runs a script whose results and messages are worth a look.
 void runDemo(MainWindow &window)
 {
-    QueryTab *const tab = window.currentTab();
+    auto *const tab = qobject_cast<QueryTab *>(window.currentDocument());
     tab->setText(
         QStringLiteral("-- What the customers of each country have ordered\n"
                        "USE shop;\n"

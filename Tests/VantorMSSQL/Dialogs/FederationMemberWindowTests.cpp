@@ -5,9 +5,9 @@
 #include "Support/FakeTree.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/RecordingWorkspace.h"
 #include "Support/SampleServerFixture.h"
 #include "Support/WindowTesting.h"
-#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryFederation.h"
 #include "UI/MSSQLUserInterface.h"
 
@@ -104,29 +104,26 @@ TEST_F(FederationMemberWindow, IsOpenedByTheMenuOfAFederationAndLeadsToAWindowOn
     root->setChildEntries(KNDatabaseTreeEntry::List{federation});
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();
     root->setContextHelper(helper);
-    KNDatabaseTreeViewController tree;
-    tree.show();
-    tree.setRoot(root);
-    QStringList opened;
-    MSSQLUserInterface().addTreeActions(*helper, tree, [&](const VantorDBC &member) {
-        opened.append(static_cast<const MSSQLDatabaseConnectionDetails &>(member).federationStatement());
-    });
+    RecordingWorkspace workspace(details);
+    MSSQLUserInterface().addTreeActions(*helper, workspace);
 
     const KNMenuItem connectItem = federation->menu().items.front();
     EXPECT_TRUE(connectItem.isEnabled());
+    workspace.selected = root;
     EXPECT_TRUE(connectItem.perform());
-    EXPECT_EQ(tree.findChild<Window *>(), nullptr) << "the root is no federation";
+    EXPECT_EQ(workspace.window.findChild<Window *>(), nullptr) << "the root is no federation";
 
-    tree.view()->setCurrentIndex(tree.view()->model()->index(0, 0, tree.view()->model()->index(0, 0)));
+    workspace.selected = federation;
     EXPECT_TRUE(connectItem.perform());
-    auto *const window = tree.findChild<Window *>();
+    auto *const window = workspace.window.findChild<Window *>();
     ASSERT_NE(window, nullptr);
     const auto fields = window->findChildren<QLineEdit *>();
     EXPECT_EQ(fields[0]->text(), QStringLiteral("Customers"));
     EXPECT_EQ(fields[1]->text(), QStringLiteral("id"));
     fields[2]->setText(QStringLiteral("42"));
     window->onAccept();
-    ASSERT_TRUE(waitFor([&] { return !opened.isEmpty(); }));
-    EXPECT_EQ(opened,
-              QStringList{QStringLiteral("USE FEDERATION Customers(id=42) WITH RESET, FILTERING=OFF")});
+    ASSERT_TRUE(waitFor([&] { return !workspace.connections.empty(); }));
+    const auto &member = static_cast<const MSSQLDatabaseConnectionDetails &>(*workspace.connections.front());
+    EXPECT_EQ(member.federationStatement(),
+              QStringLiteral("USE FEDERATION Customers(id=42) WITH RESET, FILTERING=OFF"));
 }

@@ -1,3 +1,4 @@
+#include "Foundation/KNChangeNotifier.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
@@ -30,6 +31,8 @@ public:
     void run(const QString &sql)
     {
         const auto holder = std::make_shared<KNResultSetHolder>();
+        const KNChangeNotifier changes([this] { pane.showNewResults(); });
+        holder->setChangeObserver(changes.trigger());
         std::atomic<bool> isDone = false;
         pane.beginRun(holder, client->databaseConnectionDetails());
         std::thread worker([&] {

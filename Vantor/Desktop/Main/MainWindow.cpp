@@ -1,30 +1,36 @@
 #include "Desktop/Main/MainWindow.h"
 
+#include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Session/TabSession.h"
+#include "Desktop/Tree/TreeActions.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
 #include "Foundation/KNUserDefaults.h"
 #include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
+#include "UI/Alerts/KNUserNotifications.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
-#include "UI/KNPlainToolTip.h"
+#include "UI/KNConnectorUserInterface.h"
 #include "UI/KNPreferences.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QSplitter>
-#include <QTabBar>
-#include <QTabWidget>
+
+#include <algorithm>
 
 namespace {
 
 const QString GeometryKey = QStringLiteral("MainWindowGeometry");
 const QString SplitterKey = QStringLiteral("MainWindowSplitter");
+constexpr int NoticeTime = 10'000; // milliseconds
 
 QString nameOf(const VantorDBC &details)
 {
@@ -52,35 +58,46 @@ QWidget *withColour(QWidget *widget, const QString &colour)
 
 } // namespace
 
-MainWindow::MainWindow(const VantorDBC &details)
+MainWindow::MainWindow(const VantorDBC &details, const KNConnectorUserInterface *connector)
     : m_details(details.copy())
+    , m_connector(connector)
     , m_explorer(new KNDatabaseTreeViewController)
-    , m_tabWidget(new QTabWidget)
+    , m_tabs(new DocumentTabs)
     , m_splitter(new QSplitter(Qt::Horizontal))
     , m_statusLine(new StatusLine)
     , m_session(new TabSession(m_details->connectionId(), this))
     , m_history(m_details->connectionId())
+    , m_treeActions(new TreeActions(*this, this))
+{
+    arrange();
+    m_actions = new MainWindowActions(*this);
+    connectParts();
+    if (m_connector)
+        m_connector->addTreeActions(treeContextHelper(), *this);
+    showTree();
+    restoreLayout();
+    restoreDocuments();
+    connect(m_tabs, &DocumentTabs::documentsChanged, this, [this] { m_session->setTabs(documents()); });
+    m_session->setTabs(documents());
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::arrange()
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(nameOf(*m_details));
-    m_tabWidget->setDocumentMode(true);
-    m_tabWidget->setTabsClosable(true);
-    m_tabWidget->setMovable(true);
-    m_tabWidget->tabBar()->setExpanding(false);
-    m_tabWidget->setAccessibleName(tr("Query tabs"));
     m_splitter->addWidget(m_explorer);
-    m_splitter->addWidget(m_tabWidget);
+    m_splitter->addWidget(m_tabs);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setChildrenCollapsible(false);
     setCentralWidget(withColour(m_splitter, KNDBCTabColorHelper::colorForId(m_details->connectionId())));
     setStatusBar(m_statusLine);
-    m_treeActions = new TreeActions(*m_explorer);
-    m_actions = new MainWindowActions(*this);
+}
 
-    connect(m_tabWidget, &QTabWidget::currentChanged, this, &MainWindow::updateForCurrentTab);
-    connect(m_tabWidget, &QTabWidget::tabCloseRequested, this,
-            [this](int index) { closeTab(qobject_cast<QueryTab *>(m_tabWidget->widget(index))); });
-    connect(m_tabWidget->tabBar(), &QTabBar::tabMoved, this, &MainWindow::rememberTabs);
+void MainWindow::connectParts()
+{
+    connect(m_tabs, &DocumentTabs::currentStatusChanged, this, &MainWindow::updateForCurrentDocument);
     connect(m_session, &TabSession::writingFailed, this, [this](bool failed) {
         if (failed)
             KNAlerts::shared().showMessage(this, tr("The tabs could not be remembered."),
@@ -88,15 +105,12 @@ MainWindow::MainWindow(const VantorDBC &details)
                                               "your home folder has room; the program "
                                               "tries again every few seconds."));
     });
-    connect(m_treeActions, &TreeActions::queryTabRequested, this,
-            [this](const QString &text, const Settings &tabDetails, bool execute) {
-                QueryTab *const tab = addTab(*tabDetails, text);
-                if (execute)
-                    tab->run();
-            });
     connect(m_treeActions, &TreeActions::connectionsRequested, this, &MainWindow::connectionsRequested);
     connect(m_treeActions, &TreeActions::disconnectRequested, this, &QWidget::close);
+}
 
+void MainWindow::showTree()
+{
     const auto root = m_details->createRootDatabaseTreeNode();
     root->setDatabaseConnectionDetails(m_details.get());
     root->setContextHelper(m_treeActions->helper());
@@ -108,110 +122,137 @@ MainWindow::MainWindow(const VantorDBC &details)
             });
     m_statusLine->setLogin(m_details->username());
     updateServer();
-    restoreLayout();
-    restoreTabs();
 }
-
-MainWindow::~MainWindow() = default;
 
 void MainWindow::updateServer()
 {
     m_statusLine->setServer(nameOf(*m_details), m_explorer->root()->details());
 }
 
-QList<QueryTab *> MainWindow::tabs() const
+KNDatabaseTreeContextHelper &MainWindow::treeContextHelper() const
 {
-    QList<QueryTab *> tabs;
-    for (int i = 0; i < m_tabWidget->count(); ++i)
-        tabs.append(qobject_cast<QueryTab *>(m_tabWidget->widget(i)));
-    return tabs;
+    return *m_treeActions->helper();
 }
 
-QueryTab *MainWindow::currentTab() const
+KNDocumentTab *MainWindow::currentDocument() const
 {
-    return qobject_cast<QueryTab *>(m_tabWidget->currentWidget());
+    return m_tabs->currentDocument();
 }
 
-QueryTab *MainWindow::addTab(const VantorDBC &details, const QString &text)
+QList<KNDocumentTab *> MainWindow::documents() const
 {
-    QueryTab *const tab = makeTab(details);
+    return m_tabs->documents();
+}
+
+void MainWindow::openDocument(std::unique_ptr<KNDocumentTab> document)
+{
+    KNDocumentTab *const opened = document.release();
+    m_tabs->insertDocument(-1, opened);
+    showDocument(opened);
+}
+
+void MainWindow::showDocument(KNDocumentTab *document)
+{
+    m_tabs->setCurrentWidget(document);
+    document->setFocus();
+}
+
+/// The only place that knows queries among the documents.
+std::unique_ptr<QueryTab> MainWindow::makeQueryTab(const VantorDBC &details)
+{
+    auto tab = std::make_unique<QueryTab>(details);
+    connect(tab.get(), &QueryTab::runFinished, this,
+            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
+    return tab;
+}
+
+QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text)
+{
+    auto made = makeQueryTab(details);
+    QueryTab *const tab = made.get();
+    tab->setUntitledName(KNFormat("Query %d", ++m_untitledCount));
     if (!text.isNull())
         tab->setText(text);
-    m_tabWidget->setCurrentWidget(tab);
-    tab->setFocus();
-    rememberTabs();
+    openDocument(std::move(made));
     return tab;
 }
 
-QueryTab *MainWindow::makeTab(const VantorDBC &details)
+void MainWindow::openQueryText(const QString &text, const Settings &details, QueryUse use)
 {
-    auto *const tab = new QueryTab(details);
-    tab->setUntitledName(KNFormat("Query %d", ++m_untitledCount));
-    m_tabWidget->addTab(tab, QString());
-    observeTab(tab);
-    updateTabTitle(tab);
-    return tab;
+    QueryTab *const tab = addQueryTab(*details, text);
+    if (use == QueryUse::Execute)
+        tab->run();
 }
 
-/// The tabs of the last session, or an empty one.
-void MainWindow::restoreTabs()
+void MainWindow::openConnection(const VantorDBC &details)
 {
-    const QList<TabState> stored =
-        KNPreferences::current().reopensTabs ? m_session->storedTabs() : QList<TabState>();
-    for (const TabState &state : stored) {
-        makeTab(*m_details)->restore(state);
-        const int number = state.untitledName.section(QLatin1Char(' '), -1).toInt();
+    Q_EMIT connectionRequested(details.copy());
+}
+
+MainWindow::TreeEntry MainWindow::selectedTreeEntry() const
+{
+    return m_explorer->currentlySelectedDatabaseTreeEntry();
+}
+
+void MainWindow::refreshTreeEntry(const TreeEntry &entry)
+{
+    m_explorer->refreshDatabaseTreeItem(entry);
+}
+
+void MainWindow::deselectTree()
+{
+    m_explorer->deselectAll();
+}
+
+void MainWindow::notifyUser(const QString &title, const QString &text)
+{
+    m_statusLine->showMessage(text, NoticeTime);
+    KNUserNotifications::shared().notify(title, text);
+}
+
+/// Restores the documents of the last session, or opens an empty query.
+void MainWindow::restoreDocuments()
+{
+    if (KNPreferences::current().reopensTabs) {
+        for (const KNDocumentState &state : m_session->storedTabs())
+            restoreDocument(state);
+    }
+    if (documents().isEmpty())
+        newQuery();
+    else
+        currentDocument()->setFocus();
+    updateForCurrentDocument();
+}
+
+void MainWindow::restoreDocument(const KNDocumentState &state)
+{
+    if (state.kind == QueryTab::Kind) {
+        auto tab = makeQueryTab(*m_details);
+        tab->restore(TabState::fromDocumentState(state));
+        const int number = tab->state().untitledName.section(QLatin1Char(' '), -1).toInt();
         m_untitledCount = std::max(m_untitledCount, number);
-    }
-    if (stored.isEmpty()) {
-        newTab();
+        m_tabs->insertDocument(-1, tab.release());
         return;
     }
-    currentTab()->setFocus();
-    rememberTabs();
-    updateForCurrentTab();
+    if (auto document = m_connector ? m_connector->restoreDocument(state, *this) : nullptr)
+        m_tabs->insertDocument(-1, document.release());
+    else
+        KNLogHelper::sharedInstance()->logMessage("A document of the kind %@ was not restored.", state.kind);
 }
 
-void MainWindow::rememberTabs()
+void MainWindow::updateForCurrentDocument()
 {
-    m_session->setTabs(tabs());
-}
-
-void MainWindow::observeTab(QueryTab *tab)
-{
-    connect(tab, &QueryTab::titleChanged, this, [this, tab] { updateTabTitle(tab); });
-    connect(tab, &QueryTab::statusChanged, this, [this, tab] {
-        if (tab == currentTab())
-            updateForCurrentTab();
-    });
-    connect(tab, &QueryTab::runFinished, this,
-            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
-}
-
-void MainWindow::updateTabTitle(QueryTab *tab)
-{
-    const int index = m_tabWidget->indexOf(tab);
-    if (index < 0)
-        return;
-    const QString title = tab->title();
-    m_tabWidget->setTabText(index, tab->isModified() ? KNFormat("%@ •", title) : title);
-    m_tabWidget->setTabToolTip(index, KNPlainToolTip(tab->filePath().isNull() ? title : tab->filePath()));
-}
-
-void MainWindow::updateForCurrentTab()
-{
-    const QueryTab *const tab = currentTab();
-    if (tab)
-        m_statusLine->showStatus(tab->status());
+    if (const KNDocumentTab *const document = currentDocument())
+        m_statusLine->showStatus(document->status());
     else
         m_statusLine->clearStatus();
     m_actions->update();
 }
 
-void MainWindow::newTab()
+void MainWindow::newQuery()
 {
-    const QueryTab *const tab = currentTab();
-    addTab(tab ? *tab->databaseConnectionDetails() : *m_details);
+    const KNDocumentTab *const document = currentDocument();
+    addQueryTab(document ? *document->databaseConnectionDetails() : *m_details);
 }
 
 void MainWindow::chooseFiles()
@@ -228,58 +269,52 @@ void MainWindow::chooseFiles()
 void MainWindow::openFiles(const QStringList &paths)
 {
     for (const QString &path : paths) {
-        const QString absolute = QFileInfo(path).absoluteFilePath();
-        const QList<QueryTab *> open = tabs();
-        const auto found = std::find_if(open.begin(), open.end(),
-                                        [&](const QueryTab *tab) { return tab->filePath() == absolute; });
-        if (found != open.end()) {
-            m_tabWidget->setCurrentWidget(*found);
-            continue;
-        }
-        KNError error;
-        const bool isUnused = currentTab() && currentTab()->isUnused();
-        QueryTab *const tab = isUnused ? currentTab() : addTab(*m_details);
-        if (tab->openFile(absolute, &error))
-            continue;
-        if (!isUnused)
-            removeTab(tab);
-        KNAlerts::shared().showError(this, error);
+        if (const KNError error = openFile(QFileInfo(path).absoluteFilePath()))
+            KNAlerts::shared().showError(this, error);
     }
 }
 
-void MainWindow::closeTab(QueryTab *tab)
+/// An unused document in front gives its place to the file.
+KNError MainWindow::openFile(const QString &path)
 {
-    tab->prepareToClose([self = QPointer(this), tab = QPointer(tab)] {
-        if (self && tab)
-            self->removeTab(tab);
+    const QList<KNDocumentTab *> open = documents();
+    const auto found = std::find_if(open.begin(), open.end(), [&](const KNDocumentTab *document) {
+        return document->filePath() == path;
     });
+    if (found != open.end()) {
+        showDocument(*found);
+        return {};
+    }
+    KNDocumentTab *const unused =
+        currentDocument() && currentDocument()->isUnused() ? currentDocument() : nullptr;
+    auto tab = makeQueryTab(unused ? *unused->databaseConnectionDetails() : *m_details);
+    KNError error;
+    if (!tab->openFile(path, &error))
+        return error;
+    KNDocumentTab *const opened = tab.release();
+    m_tabs->insertDocument(unused ? m_tabs->currentIndex() : -1, opened);
+    showDocument(opened);
+    if (unused)
+        m_tabs->removeDocument(unused);
+    return {};
 }
 
-void MainWindow::removeTab(QueryTab *tab)
+void MainWindow::insertText(const QString &text)
 {
-    m_tabWidget->removeTab(m_tabWidget->indexOf(tab));
-    tab->deleteLater();
-    rememberTabs();
-}
-
-void MainWindow::showNeighbouringTab(int offset)
-{
-    const int count = m_tabWidget->count();
-    if (count > 0)
-        m_tabWidget->setCurrentIndex((m_tabWidget->currentIndex() + offset + count) % count);
+    if (KNDocumentTab *const document = currentDocument(); document && document->insertText(text))
+        return;
+    newQuery();
+    currentDocument()->insertText(text);
 }
 
 void MainWindow::showHistory()
 {
     auto *const dialog = new QueryHistoryDialog(m_history, *m_details, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QueryHistoryDialog::insertRequested, this, [this](const QString &text) {
-        if (QueryTab *const tab = currentTab())
-            tab->insertText(text);
-    });
+    connect(dialog, &QueryHistoryDialog::insertRequested, this, &MainWindow::insertText);
     connect(dialog, &QueryHistoryDialog::newTabRequested, this, [this](const QString &text) {
-        newTab();
-        currentTab()->insertText(text);
+        newQuery();
+        currentDocument()->insertText(text);
     });
     dialog->show();
 }
@@ -304,8 +339,8 @@ void MainWindow::toggleExplorer()
     m_explorer->setVisible(m_explorer->isHidden());
     if (!m_explorer->isHidden())
         m_explorer->focusTree();
-    else if (QueryTab *const tab = currentTab())
-        tab->setFocus();
+    else if (KNDocumentTab *const document = currentDocument())
+        document->setFocus();
 }
 
 void MainWindow::searchObjects()
@@ -345,10 +380,11 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     event->ignore();
-    QList<QPointer<QueryTab>> toAsk;
-    for (QueryTab *const tab : tabs())
-        toAsk.append(tab);
-    closeWhenTabsAgree(toAsk);
+    m_tabs->prepareToEndSession([this] {
+        m_mayClose = true;
+        // This may still be inside the event that asked for it.
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+    });
 }
 
 void MainWindow::askWhetherTabsMayBeLost()
@@ -362,23 +398,4 @@ void MainWindow::askWhetherTabsMayBeLost()
         if (m_mayClose)
             QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
     });
-}
-
-void MainWindow::closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk)
-{
-    if (toAsk.isEmpty()) {
-        m_mayClose = true;
-        // This may still be inside the event that asked for it.
-        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
-        return;
-    }
-    const auto goOn = [self = QPointer(this), rest = toAsk.mid(1)] {
-        if (self)
-            self->closeWhenTabsAgree(rest);
-    };
-    QueryTab *const tab = toAsk.first();
-    if (tab)
-        tab->prepareToEndSession(goOn);
-    else
-        goOn();
 }

@@ -1,52 +1,62 @@
 #pragma once
 
-#include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistory.h"
-#include "Desktop/Tree/TreeActions.h"
+#include "UI/Workspace/KNDocumentState.h"
+#include "UI/Workspace/KNWorkspace.h"
 
 #include <QMainWindow>
-#include <QPointer>
 
+class DocumentTabs;
+class KNConnectorUserInterface;
+class KNDatabaseTreeContextHelper;
+class KNDatabaseTreeViewController;
 class MainWindowActions;
 class QSplitter;
-class QTabWidget;
+class QueryTab;
 class StatusLine;
 class TabSession;
+class TreeActions;
 
-/// The window of one connection: the object explorer at the left, query tabs at the right.
-class MainWindow : public QMainWindow
+/// The window of one connection: the object explorer at the left, the tabs of the documents at the right.
+class MainWindow : public QMainWindow, public KNWorkspace
 {
     Q_OBJECT
 
 public:
-    using Settings = TreeActions::Settings;
-
-    /// Takes a copy of the settings, and begins to load the tree.
-    explicit MainWindow(const VantorDBC &details);
+    /// Takes a copy of the settings and begins to load the tree. The connector adds its actions to the tree
+    /// and restores its documents; null for a window without either.
+    explicit MainWindow(const VantorDBC &details, const KNConnectorUserInterface *connector = nullptr);
     ~MainWindow() override;
 
-    const Settings &databaseConnectionDetails() const { return m_details; }
     KNDatabaseTreeViewController *explorer() const { return m_explorer; }
     MainWindowActions *actions() const { return m_actions; }
-    /// Carries the actions of the tree's menus out; a connector adds its own.
-    KNDatabaseTreeContextHelper &treeContextHelper() const { return *m_treeActions->helper(); }
-    QList<QueryTab *> tabs() const;
-    /// Null when there is none.
-    QueryTab *currentTab() const;
+    DocumentTabs *tabs() const { return m_tabs; }
+    /// Performs the actions of the tree's menus.
+    KNDatabaseTreeContextHelper &treeContextHelper() const;
+    /// Null if no document is open.
+    KNDocumentTab *currentDocument() const;
 
-    /// A new tab in front; a null text leaves it empty. `details` decides in which database it begins.
-    QueryTab *addTab(const VantorDBC &details, const QString &text = {});
-    /// Opens the files, each in a tab of its own; one that is open already comes to the front. Failures are
-    /// told.
+    /// Opens a query in front; a null text leaves it empty. `details` decides in which database it begins.
+    QueryTab *addQueryTab(const VantorDBC &details, const QString &text = {});
+    /// Opens each file in a query; one that is open already is shown in front. Shows an error for each file
+    /// that cannot be read.
     void openFiles(const QStringList &paths);
 
+    const Settings &databaseConnectionDetails() const override { return m_details; }
+    void openQueryText(const QString &text, const Settings &details, QueryUse use) override;
+    void openDocument(std::unique_ptr<KNDocumentTab> document) override;
+    QList<KNDocumentTab *> documents() const override;
+    void showDocument(KNDocumentTab *document) override;
+    void openConnection(const VantorDBC &details) override;
+    QWidget *sheetParent() override { return this; }
+    TreeEntry selectedTreeEntry() const override;
+    void refreshTreeEntry(const TreeEntry &entry) override;
+    void deselectTree() override;
+    void notifyUser(const QString &title, const QString &text) override;
+
 public Q_SLOTS:
-    void newTab();
+    void newQuery();
     void chooseFiles();
-    /// Asks before anything would be lost.
-    void closeTab(QueryTab *tab);
-    /// The tab so many places to the right of the one in front, round the end.
-    void showNeighbouringTab(int offset);
     void showHistory();
     void showPreferences();
     void showAbout();
@@ -56,35 +66,38 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// The user wants to see the remembered connections.
     void connectionsRequested();
+    /// An action wants a window with these settings.
+    void connectionRequested(const VantorDBCPtr &details);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    QueryTab *makeTab(const VantorDBC &details);
-    void observeTab(QueryTab *tab);
-    void removeTab(QueryTab *tab);
-    void restoreTabs();
-    void rememberTabs();
-    void updateTabTitle(QueryTab *tab);
-    void updateForCurrentTab();
+    void arrange();
+    void connectParts();
+    void showTree();
+    std::unique_ptr<QueryTab> makeQueryTab(const VantorDBC &details);
+    KNError openFile(const QString &path);
+    void insertText(const QString &text);
+    void restoreDocuments();
+    void restoreDocument(const KNDocumentState &state);
+    void updateForCurrentDocument();
     void updateServer();
     void restoreLayout();
     void saveLayout() const;
-    /// Closes the window once no tab has anything against it.
     void askWhetherTabsMayBeLost();
-    void closeWhenTabsAgree(const QList<QPointer<QueryTab>> &toAsk);
 
     const Settings m_details;
+    const KNConnectorUserInterface *const m_connector; ///< null for none
     KNDatabaseTreeViewController *const m_explorer;
-    QTabWidget *const m_tabWidget;
+    DocumentTabs *const m_tabs;
     QSplitter *const m_splitter;
     StatusLine *const m_statusLine;
     TabSession *const m_session;
     const QueryHistory m_history;
-    TreeActions *m_treeActions = nullptr;
+    TreeActions *const m_treeActions;
     MainWindowActions *m_actions = nullptr;
     int m_untitledCount = 0;
-    bool m_mayClose = false;    ///< every tab has agreed
+    bool m_mayClose = false;    ///< every document has agreed
     bool m_mayLoseTabs = false; ///< the user accepts that tabs could not be remembered
 };

@@ -1,10 +1,8 @@
 #include "Desktop/Main/MainWindowActions.h"
 
+#include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindow.h"
-#include "Desktop/Query/DatabaseBox.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
-#include "UI/Editor/KNFindBar.h"
-#include "UI/Editor/KNSQLEditor.h"
 #include "UI/Icons/KNIcon.h"
 
 #include <QApplication>
@@ -57,15 +55,15 @@ QAction *MainWindowActions::add(QMenu *menu, const Description &description, std
     return action;
 }
 
-QAction *MainWindowActions::addForTab(QMenu *menu, const Description &description,
-                                      std::function<void(QueryTab &)> perform)
+void MainWindowActions::addForDocument(QMenu *menu, const Description &description, KNDocumentAction action)
 {
-    QAction *const action = add(menu, description, [this, perform = std::move(perform)] {
-        if (QueryTab *const tab = m_window.currentTab())
-            perform(*tab);
-    });
-    m_forTab.append(action);
-    return action;
+    m_forDocument.append({add(menu, description,
+                              [this, action] {
+                                  KNDocumentTab *const document = m_window.currentDocument();
+                                  if (document && document->canPerform(action))
+                                      document->perform(action);
+                              }),
+                          action});
 }
 
 void MainWindowActions::addForFocus(QMenu *menu, const char *slot, const char *text)
@@ -82,13 +80,14 @@ void MainWindowActions::makeFileMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&File"));
     add(menu, {"newQuery", "&New Query", "query-new", {keys("Ctrl+N"), keys("Ctrl+T")}},
-        [this] { m_window.newTab(); });
+        [this] { m_window.newQuery(); });
     add(menu, {"open", "&Open…", "document-open", {keys("Ctrl+O")}}, [this] { m_window.chooseFiles(); });
-    addForTab(menu, {"save", "&Save", "document-save", {keys("Ctrl+S")}}, [](QueryTab &tab) { tab.save(); });
-    addForTab(menu, {"saveAs", "Save &As…", nullptr, {keys("Ctrl+Shift+S")}},
-              [](QueryTab &tab) { tab.saveAs(); });
-    addForTab(menu, {"closeTab", "&Close Tab", nullptr, {keys("Ctrl+W")}},
-              [this](QueryTab &tab) { m_window.closeTab(&tab); });
+    addForDocument(menu, {"save", "&Save", "document-save", {keys("Ctrl+S")}}, KNDocumentAction::Save);
+    addForDocument(menu, {"saveAs", "Save &As…", nullptr, {keys("Ctrl+Shift+S")}}, KNDocumentAction::SaveAs);
+    m_closeTab = add(menu, {"closeTab", "&Close Tab", nullptr, {keys("Ctrl+W")}}, [this] {
+        if (KNDocumentTab *const document = m_window.currentDocument())
+            m_window.tabs()->closeDocument(document);
+    });
     menu->addSeparator();
     add(menu, {"connections", "Co&nnections…", "connection-new", {keys("Ctrl+Shift+N")}},
         [this] { Q_EMIT m_window.connectionsRequested(); });
@@ -102,12 +101,6 @@ void MainWindowActions::makeFileMenu()
 void MainWindowActions::makeEditMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Edit"));
-    const auto forEditor = [&](const Description &description, void (KNSQLEditor::*slot)()) {
-        addForTab(menu, description, [slot](QueryTab &tab) { (tab.editor()->*slot)(); });
-    };
-    const auto forFindBar = [&](const Description &description, void (KNFindBar::*slot)()) {
-        addForTab(menu, description, [slot](QueryTab &tab) { (tab.findBar()->*slot)(); });
-    };
     addForFocus(menu, "undo", "&Undo\tCtrl+Z");
     addForFocus(menu, "redo", "&Redo\tCtrl+Y");
     menu->addSeparator();
@@ -116,38 +109,39 @@ void MainWindowActions::makeEditMenu()
     addForFocus(menu, "paste", "&Paste\tCtrl+V");
     addForFocus(menu, "selectAll", "Select &All\tCtrl+A");
     menu->addSeparator();
-    forFindBar({"find", "&Find…", "edit-find", {keys("Ctrl+F")}}, &KNFindBar::showFind);
-    forFindBar({"replace", "R&eplace…", nullptr, {keys("Ctrl+H")}}, &KNFindBar::showReplace);
-    forFindBar({"findNext", "Find &Next", nullptr, {keys("F3")}}, &KNFindBar::findNext);
-    forFindBar({"findPrevious", "Find Pre&vious", nullptr, {keys("Shift+F3")}}, &KNFindBar::findPrevious);
+    using Action = KNDocumentAction;
+    addForDocument(menu, {"find", "&Find…", "edit-find", {keys("Ctrl+F")}}, Action::Find);
+    addForDocument(menu, {"replace", "R&eplace…", nullptr, {keys("Ctrl+H")}}, Action::Replace);
+    addForDocument(menu, {"findNext", "Find &Next", nullptr, {keys("F3")}}, Action::FindNext);
+    addForDocument(menu, {"findPrevious", "Find Pre&vious", nullptr, {keys("Shift+F3")}},
+                   Action::FindPrevious);
     menu->addSeparator();
-    forEditor({"toggleComment", "Toggle &Comment", "code-comment", {keys("Ctrl+/")}},
-              &KNSQLEditor::toggleComment);
-    forEditor({"comment", "C&omment Lines\tCtrl+K, C"}, &KNSQLEditor::commentLines);
-    forEditor({"uncomment", "Uncomment &Lines\tCtrl+K, U"}, &KNSQLEditor::uncommentLines);
-    forEditor({"goToLine", "&Go to Line…", nullptr, {keys("Ctrl+G")}}, &KNSQLEditor::askForLine);
+    addForDocument(menu, {"toggleComment", "Toggle &Comment", "code-comment", {keys("Ctrl+/")}},
+                   Action::ToggleComment);
+    addForDocument(menu, {"comment", "C&omment Lines\tCtrl+K, C"}, Action::CommentLines);
+    addForDocument(menu, {"uncomment", "Uncomment &Lines\tCtrl+K, U"}, Action::UncommentLines);
+    addForDocument(menu, {"goToLine", "&Go to Line…", nullptr, {keys("Ctrl+G")}}, Action::GoToLine);
 }
 
 void MainWindowActions::makeQueryMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Query"));
-    addForTab(
+    addForDocument(
         menu,
         {"run", "&Run", "query-run", {keys("F5"), keys("Ctrl+Return"), keys("Ctrl+Enter"), keys("Ctrl+E")}},
-        [](QueryTab &tab) { tab.run(); });
-    addForTab(menu,
-              {"runBatch",
-               "Run &Batch at Cursor",
-               "query-run-batch",
-               {keys("Ctrl+Shift+Return"), keys("Ctrl+Shift+Enter")}},
-              [](QueryTab &tab) { tab.runBatchAtCursor(); });
-    addForTab(menu, {"cancel", "&Cancel", "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
-              [](QueryTab &tab) { tab.cancel(); });
+        KNDocumentAction::Execute);
+    addForDocument(menu,
+                   {"runBatch",
+                    "Run &Batch at Cursor",
+                    "query-run-batch",
+                    {keys("Ctrl+Shift+Return"), keys("Ctrl+Shift+Enter")}},
+                   KNDocumentAction::ExecuteBatch);
+    addForDocument(menu,
+                   {"cancel", "&Cancel", "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
+                   KNDocumentAction::Cancel);
     menu->addSeparator();
-    addForTab(menu, {"database", "Change &Database", nullptr, {keys("Ctrl+U")}}, [](QueryTab &tab) {
-        tab.databaseBox()->setFocus(Qt::ShortcutFocusReason);
-        tab.databaseBox()->showPopup();
-    });
+    addForDocument(menu, {"database", "Change &Database", nullptr, {keys("Ctrl+U")}},
+                   KNDocumentAction::ChangeDatabase);
     add(menu, {"history", "&History…", "history", {keys("Ctrl+Shift+H")}},
         [this] { m_window.showHistory(); });
 }
@@ -162,21 +156,17 @@ void MainWindowActions::makeViewMenu()
     add(menu, {"refresh", "&Refresh", "view-refresh", {keys("Ctrl+Shift+R")}},
         [this] { m_window.explorer()->refreshSelected(); });
     menu->addSeparator();
-    addForTab(menu, {"results", "R&esults", nullptr, {keys("Ctrl+R")}},
-              [](QueryTab &tab) { tab.toggleResults(); });
-    addForTab(menu, {"nextPane", "Editor or &Results", nullptr, {keys("F6")}},
-              [](QueryTab &tab) { tab.showNextPane(); });
-    addForTab(menu, {"zoomIn", "Zoom &In", nullptr, {keys("Ctrl++"), keys("Ctrl+=")}},
-              [](QueryTab &tab) { tab.editor()->zoomIn(); });
-    addForTab(menu, {"zoomOut", "Zoom &Out", nullptr, {keys("Ctrl+-")}},
-              [](QueryTab &tab) { tab.editor()->zoomOut(); });
-    addForTab(menu, {"resetZoom", "&Actual Size", nullptr, {keys("Ctrl+0")}},
-              [](QueryTab &tab) { tab.editor()->resetZoom(); });
+    using Action = KNDocumentAction;
+    addForDocument(menu, {"results", "R&esults", nullptr, {keys("Ctrl+R")}}, Action::ToggleResults);
+    addForDocument(menu, {"nextPane", "Editor or &Results", nullptr, {keys("F6")}}, Action::ShowNextPane);
+    addForDocument(menu, {"zoomIn", "Zoom &In", nullptr, {keys("Ctrl++"), keys("Ctrl+=")}}, Action::ZoomIn);
+    addForDocument(menu, {"zoomOut", "Zoom &Out", nullptr, {keys("Ctrl+-")}}, Action::ZoomOut);
+    addForDocument(menu, {"resetZoom", "&Actual Size", nullptr, {keys("Ctrl+0")}}, Action::ResetZoom);
     menu->addSeparator();
     add(menu, {"nextTab", "&Next Tab", nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
-        [this] { m_window.showNeighbouringTab(1); });
+        [this] { m_window.tabs()->showAdjacent(1); });
     add(menu, {"previousTab", "&Previous Tab", nullptr, {keys("Ctrl+PgUp"), keys("Ctrl+Shift+Tab")}},
-        [this] { m_window.showNeighbouringTab(-1); });
+        [this] { m_window.tabs()->showAdjacent(-1); });
 }
 
 void MainWindowActions::makeHelpMenu()
@@ -202,11 +192,8 @@ void MainWindowActions::makeToolBar()
 
 void MainWindowActions::update()
 {
-    const QueryTab *const tab = m_window.currentTab();
-    for (QAction *const action : std::as_const(m_forTab))
-        action->setEnabled(tab != nullptr);
-    const bool isRunning = tab && tab->isRunning();
-    action(QStringLiteral("run"))->setEnabled(tab && !isRunning);
-    action(QStringLiteral("runBatch"))->setEnabled(tab && !isRunning);
-    action(QStringLiteral("cancel"))->setEnabled(isRunning);
+    const KNDocumentTab *const document = m_window.currentDocument();
+    m_closeTab->setEnabled(document != nullptr);
+    for (const auto &[item, action] : m_forDocument)
+        item->setEnabled(document && document->canPerform(action));
 }

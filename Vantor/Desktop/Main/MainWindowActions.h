@@ -1,5 +1,7 @@
 #pragma once
 
+#include "UI/Workspace/KNDocumentAction.h"
+
 #include <QAction>
 #include <QHash>
 #include <QKeySequence>
@@ -9,9 +11,8 @@
 
 class MainWindow;
 class QMenu;
-class QueryTab;
 
-/// The menus and the tool bar of a window. What works on a query tab works on the one in front.
+/// The menus and the tool bar of a window. Actions on a document work on the one in front.
 class MainWindowActions : public QObject
 {
     Q_OBJECT
@@ -19,7 +20,7 @@ class MainWindowActions : public QObject
 public:
     explicit MainWindowActions(MainWindow &window);
 
-    /// Enables what can be done now.
+    /// Enables the actions that are possible now.
     void update();
     /// The action with this object name, such as "run"; null when there is none.
     QAction *action(const QString &name) const;
@@ -34,8 +35,8 @@ private:
     };
 
     QAction *add(QMenu *menu, const Description &description, std::function<void()> perform);
-    /// An action on the tab in front, disabled when there is none.
-    QAction *addForTab(QMenu *menu, const Description &description, std::function<void(QueryTab &)> perform);
+    /// An action of the document in front, disabled while that cannot perform it.
+    void addForDocument(QMenu *menu, const Description &description, KNDocumentAction action);
     /// An action on whatever has the focus, if that has this slot. Its keys are those that the widget knows
     /// itself.
     void addForFocus(QMenu *menu, const char *slot, const char *text);
@@ -48,5 +49,6 @@ private:
 
     MainWindow &m_window;
     QHash<QString, QAction *> m_actions;
-    QList<QAction *> m_forTab;
+    QList<std::pair<QAction *, KNDocumentAction>> m_forDocument;
+    QAction *m_closeTab = nullptr;
 };

@@ -8,6 +8,7 @@
 
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
+    , m_text(addLabel(tr("Activity")))
     , m_server(addLabel(tr("Server")))
     , m_login(addLabel(tr("Login")))
     , m_database(addLabel(tr("Database")))
@@ -43,20 +44,24 @@ void StatusLine::setLogin(const QString &login)
     m_login->setText(login);
 }
 
-void StatusLine::showStatus(const QueryTabStatus &status)
+void StatusLine::showStatus(const KNDocumentStatus &status)
 {
     m_database->setText(status.database);
     m_transaction->setText(status.hasOpenTransaction ? tr("Transaction open") : QString());
-    m_rows->setText(status.rowCount == 1
-                        ? tr("1 row")
-                        : KNFormat("%@ rows", QLocale(QLocale::English).toString(status.rowCount)));
-    m_time->setText(durationText(status.elapsedMilliseconds));
+    m_text->setText(status.text);
+    m_rows->setText(status.rowCount ? rowsText(*status.rowCount) : QString());
+    m_time->setText(status.elapsedMilliseconds ? durationText(*status.elapsedMilliseconds) : QString());
 }
 
 void StatusLine::clearStatus()
 {
-    for (QLabel *const label : {m_database, m_transaction, m_rows, m_time})
+    for (QLabel *const label : {m_text, m_database, m_transaction, m_rows, m_time})
         label->clear();
+}
+
+QString StatusLine::rowsText(qint64 count)
+{
+    return count == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), QLocale(QLocale::English).toString(count));
 }
 
 QString StatusLine::durationText(qint64 milliseconds)

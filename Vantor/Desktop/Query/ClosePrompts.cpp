@@ -1,12 +1,14 @@
-#include "Desktop/Query/QueryTabClosing.h"
+#include "Desktop/Query/ClosePrompts.h"
 
+#include "Desktop/Query/QueryDocument.h"
+#include "Desktop/Query/QueryTab.h"
 #include "UI/Alerts/KNAlerts.h"
 
 #include <QPointer>
 
-void askAboutSession(QueryTab &tab, const std::function<void()> &proceed)
+void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed)
 {
-    const QueryTabStatus status = tab.status();
+    const KNDocumentStatus status = tab.status();
     if (!status.isRunning && !status.hasOpenTransaction) {
         proceed();
         return;
@@ -26,7 +28,7 @@ void askAboutSession(QueryTab &tab, const std::function<void()> &proceed)
     });
 }
 
-void askAboutText(QueryTab &tab, const std::function<void()> &proceed)
+void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed)
 {
     if (!tab.isModified() || (tab.filePath().isNull() && tab.text().isEmpty())) {
         proceed();
@@ -38,7 +40,7 @@ void askAboutText(QueryTab &tab, const std::function<void()> &proceed)
         {QueryTab::tr("Save"), QueryTab::tr("Don't Save"), QueryTab::tr("Cancel")}};
     KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
         if (self && button == 0)
-            self->save(proceed);
+            self->document()->save(proceed);
         else if (self && button == 1)
             proceed();
     });

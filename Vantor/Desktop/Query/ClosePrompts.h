@@ -1,9 +1,12 @@
 #pragma once
 
-#include "Desktop/Query/QueryTab.h"
+#include <functional>
 
-/// Asks whether what runs in the tab may be stopped, or what is open rolled back. `proceed` is called when
-/// nothing is there to ask, or the user agrees.
-void askAboutSession(QueryTab &tab, const std::function<void()> &proceed);
-/// Asks what becomes of text that is not saved, and saves it if so wanted. Likewise.
-void askAboutText(QueryTab &tab, const std::function<void()> &proceed);
+class QueryTab;
+
+/// Asks whether a running query may be stopped or an open transaction rolled back. `proceed` is called if
+/// there is neither or the user agrees.
+void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed);
+/// Asks whether unsaved text is to be saved or discarded, and saves it. `proceed` is called if nothing is
+/// unsaved any more or the text is discarded.
+void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed);

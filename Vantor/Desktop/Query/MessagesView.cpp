@@ -13,8 +13,7 @@
 namespace {
 
 constexpr int ErrorSeverity = 11;
-constexpr int PollInterval = 100; // milliseconds
-constexpr int ShowingTime = 20;   // milliseconds for putting in messages before the program has its turn
+constexpr int ShowingTime = 20; // milliseconds for putting in messages before the program has its turn
 constexpr int PiecesAtOnce = 200;
 
 bool isError(const DatabaseMessage &message)
@@ -50,7 +49,6 @@ QString textOf(const DatabaseMessage &message)
 
 MessagesView::MessagesView(QWidget *parent)
     : QPlainTextEdit(parent)
-    , m_pollTimer(new QTimer(this))
     , m_showTimer(new QTimer(this))
 {
     setAccessibleName(tr("Messages"));
@@ -58,9 +56,7 @@ MessagesView::MessagesView(QWidget *parent)
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setUndoRedoEnabled(false);
-    m_pollTimer->setInterval(PollInterval);
     m_showTimer->setInterval(0);
-    connect(m_pollTimer, &QTimer::timeout, this, [this] { takeFinishedResults(false); });
     connect(m_showTimer, &QTimer::timeout, this, &MessagesView::showPending);
 }
 
@@ -68,12 +64,15 @@ void MessagesView::beginRun(const std::shared_ptr<KNResultSetHolder> &results)
 {
     clearMessages();
     m_results = results;
-    m_pollTimer->start();
+}
+
+void MessagesView::showNewResults()
+{
+    takeFinishedResults(false);
 }
 
 void MessagesView::finishRun(const KNError &error)
 {
-    m_pollTimer->stop();
     const int before = m_errorCount;
     takeFinishedResults(true);
     m_results.reset();
@@ -90,7 +89,6 @@ void MessagesView::addText(const QString &text, bool isError)
 
 void MessagesView::clearMessages()
 {
-    m_pollTimer->stop();
     m_showTimer->stop();
     m_results.reset();
     m_pending.clear();

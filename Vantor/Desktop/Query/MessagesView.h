@@ -18,8 +18,10 @@ class MessagesView : public QPlainTextEdit
 public:
     explicit MessagesView(QWidget *parent = nullptr);
 
-    /// Begins anew with the messages of a run, as they come.
+    /// Clears the view for the messages of a run, which showNewResults() shows.
     void beginRun(const std::shared_ptr<KNResultSetHolder> &results);
+    /// Shows the messages of results that have finished since the last call.
+    void showNewResults();
     /// The run is over; `error` is shown unless a result's messages have said it.
     void finishRun(const KNError &error);
     /// Adds a text of the program's own.
@@ -63,7 +65,6 @@ private:
     KNResultSetHolder::Position m_position = 0; ///< behind the result sets that were taken
     QList<KNDatabaseResultSetPtr> m_awaitingMessages;
     std::deque<Piece> m_pending;
-    QTimer *m_pollTimer;
     QTimer *m_showTimer;
     int m_errorCount = 0;
     bool m_isSilent = true; ///< so far the run had nothing but statements that succeeded

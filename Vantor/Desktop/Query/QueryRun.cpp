@@ -109,7 +109,12 @@ QueryRun::QueryRun(std::shared_ptr<VantorTabConnection> connection, QueryRequest
     , m_request(std::move(request))
     , m_results(std::make_shared<KNResultSetHolder>())
     , m_work(std::make_shared<Work>(std::move(connection), m_results, m_request))
+    , m_changes([this] {
+        if (!m_isFinished)
+            Q_EMIT resultsChanged();
+    })
 {
+    m_results->setChangeObserver(m_changes.trigger());
 }
 
 QueryRun::~QueryRun()
@@ -140,11 +145,11 @@ void QueryRun::cancel()
         if (m_work->isCancelled || m_work->phase == Work::Phase::Done)
             return;
         m_work->isCancelled = true;
-        m_hasLeftConnection = m_work->phase == Work::Phase::Connecting &&
-                              !m_work->connection->isConnected() && !m_work->connection->hasSessionState();
+        m_isAbandoned = m_work->phase == Work::Phase::Connecting && !m_work->connection->isConnected() &&
+                        !m_work->connection->hasSessionState();
     }
     KNDispatch::globalQueue([work = m_work] { work->cancelUntilDone(); });
-    if (m_hasLeftConnection) {
+    if (m_isAbandoned) {
         QueryOutcome outcome;
         outcome.wasCancelled = true;
         finish(outcome);

@@ -2,6 +2,7 @@
 
 #include "Database/KNResultSetHolder.h"
 #include "Database/VantorTabConnection.h"
+#include "Foundation/KNChangeNotifier.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -43,12 +44,13 @@ public:
     ~QueryRun() override;
 
     void start();
-    /// Stops the run. While the connection is still being opened the run ends at once, and
-    /// hasLeftConnection() turns true: the connection is in use until its login is over, and is closed then.
+    /// Stops the run. While the connection is still being opened the run ends at once, and isAbandoned()
+    /// turns true: the connection stays in use until its login is over, and is closed then.
     void cancel();
 
     bool isFinished() const { return m_isFinished; }
-    bool hasLeftConnection() const { return m_hasLeftConnection; }
+    /// Whether the run has ended without its connection.
+    bool isAbandoned() const { return m_isAbandoned; }
     const QueryOutcome &outcome() const { return m_outcome; }
     /// The results, filled while the run goes on.
     const std::shared_ptr<KNResultSetHolder> &results() const { return m_results; }
@@ -57,6 +59,8 @@ public:
     qint64 elapsedMilliseconds() const;
 
 Q_SIGNALS:
+    /// results() has changed. Emitted a few times a second at most, and not after finished().
+    void resultsChanged();
     void finished();
 
 private:
@@ -67,9 +71,10 @@ private:
     const QueryRequest m_request;
     const std::shared_ptr<KNResultSetHolder> m_results;
     std::shared_ptr<Work> m_work;
+    KNChangeNotifier m_changes;
     QueryOutcome m_outcome;
     QElapsedTimer m_timer;
     qint64 m_elapsed = 0;
     bool m_isFinished = false;
-    bool m_hasLeftConnection = false;
+    bool m_isAbandoned = false;
 };

@@ -1,10 +1,10 @@
 #include "Desktop/Query/QueryTab.h"
 
+#include "Desktop/Query/ClosePrompts.h"
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryRun.h"
-#include "Desktop/Query/QueryTabClosing.h"
 #include "Foundation/KNDispatch.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Editor/KNFindBar.h"
@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr int TickInterval = 100; // milliseconds
+constexpr int ClockInterval = 100; // milliseconds
 
 KNRange markedRange(const KNError &error)
 {
@@ -34,8 +34,10 @@ KNRange markedRange(const KNError &error)
 
 } // namespace
 
+const QString QueryTab::Kind = QStringLiteral("query");
+
 QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
-    : QWidget(parent)
+    : KNDocumentTab(parent)
     , m_editor(new KNSQLEditor)
     , m_document(new QueryDocument(m_editor))
     , m_findBar(new KNFindBar(m_editor))
@@ -43,7 +45,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_resultsPane(new KNResultsPane)
     , m_messages(new MessagesView)
     , m_resultTabs(new QTabWidget)
-    , m_ticker(new QTimer(this))
+    , m_clock(new QTimer(this))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
 {
     m_editor->setWords(details.keywords(), details.functions());
@@ -101,8 +103,8 @@ void QueryTab::arrange()
 
 void QueryTab::connectParts()
 {
-    m_ticker->setInterval(TickInterval);
-    connect(m_ticker, &QTimer::timeout, this, &QueryTab::tick);
+    m_clock->setInterval(ClockInterval);
+    connect(m_clock, &QTimer::timeout, this, &QueryTab::statusChanged);
     connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::titleChanged);
     connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::stateChanged);
     connect(m_editor, &KNSQLEditor::textChanged, this, [this] { m_isEditedSinceRun = true; });
@@ -127,9 +129,10 @@ void QueryTab::setText(const QString &text)
     m_editor->setWholeText(text);
 }
 
-void QueryTab::insertText(const QString &text)
+bool QueryTab::insertText(const QString &text)
 {
     m_editor->insertText(text);
+    return true;
 }
 
 bool QueryTab::openFile(const QString &path, KNError *error)
@@ -162,25 +165,15 @@ bool QueryTab::isUnused() const
     return filePath().isNull() && !isModified() && !isRunning() && m_editor->length() == 0;
 }
 
-void QueryTab::save(std::function<void()> saved)
-{
-    m_document->save(std::move(saved));
-}
-
-void QueryTab::saveAs(std::function<void()> saved)
-{
-    m_document->saveAs(std::move(saved));
-}
-
 void QueryTab::prepareToClose(std::function<void()> proceed)
 {
-    askAboutSession(*this, [this, proceed] { askAboutText(*this, proceed); });
+    confirmSessionLoss(*this, [this, proceed] { confirmTextLoss(*this, proceed); });
 }
 
 void QueryTab::prepareToEndSession(std::function<void()> proceed)
 {
     if (KNPreferences::current().reopensTabs)
-        askAboutSession(*this, proceed);
+        confirmSessionLoss(*this, proceed);
     else
         prepareToClose(std::move(proceed));
 }
@@ -195,9 +188,9 @@ bool QueryTab::isRunning() const
     return m_run && !m_run->isFinished();
 }
 
-QueryTabStatus QueryTab::status() const
+KNDocumentStatus QueryTab::status() const
 {
-    QueryTabStatus status;
+    KNDocumentStatus status;
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
     status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;
@@ -218,6 +211,79 @@ TabState QueryTab::state() const
     state.cursor = m_editor->selectedRange().location;
     state.database = m_database;
     return state;
+}
+
+std::optional<KNDocumentState> QueryTab::savedState() const
+{
+    return state().documentState();
+}
+
+bool QueryTab::canPerform(KNDocumentAction action) const
+{
+    switch (action) {
+    case KNDocumentAction::Execute:
+    case KNDocumentAction::ExecuteBatch:
+        return !isRunning();
+    case KNDocumentAction::Cancel:
+        return isRunning();
+    default:
+        return true;
+    }
+}
+
+void QueryTab::perform(KNDocumentAction action)
+{
+    switch (action) {
+    case KNDocumentAction::Execute:
+        return run();
+    case KNDocumentAction::ExecuteBatch:
+        return runBatchAtCursor();
+    case KNDocumentAction::Cancel:
+        return cancel();
+    case KNDocumentAction::Save:
+        return m_document->save();
+    case KNDocumentAction::SaveAs:
+        return m_document->saveAs();
+    case KNDocumentAction::ChangeDatabase:
+        m_databaseBox->setFocus(Qt::ShortcutFocusReason);
+        return m_databaseBox->showPopup();
+    case KNDocumentAction::ToggleResults:
+        return toggleResults();
+    case KNDocumentAction::ShowNextPane:
+        return showNextPane();
+    default:
+        return performInEditor(action);
+    }
+}
+
+void QueryTab::performInEditor(KNDocumentAction action)
+{
+    switch (action) {
+    case KNDocumentAction::Find:
+        return m_findBar->showFind();
+    case KNDocumentAction::Replace:
+        return m_findBar->showReplace();
+    case KNDocumentAction::FindNext:
+        return m_findBar->findNext();
+    case KNDocumentAction::FindPrevious:
+        return m_findBar->findPrevious();
+    case KNDocumentAction::ToggleComment:
+        return m_editor->toggleComment();
+    case KNDocumentAction::CommentLines:
+        return m_editor->commentLines();
+    case KNDocumentAction::UncommentLines:
+        return m_editor->uncommentLines();
+    case KNDocumentAction::GoToLine:
+        return m_editor->askForLine();
+    case KNDocumentAction::ZoomIn:
+        return m_editor->zoomIn();
+    case KNDocumentAction::ZoomOut:
+        return m_editor->zoomOut();
+    case KNDocumentAction::ResetZoom:
+        return m_editor->resetZoom();
+    default:
+        return;
+    }
 }
 
 void QueryTab::restore(const TabState &state)
@@ -268,13 +334,14 @@ void QueryTab::start(QueryRequest request)
     m_databaseBox->setEnabled(false);
     m_resultTabs->show();
     m_run = std::make_unique<QueryRun>(m_connection, std::move(request), nullptr);
+    connect(m_run.get(), &QueryRun::resultsChanged, this, &QueryTab::showNewResults);
     connect(m_run.get(), &QueryRun::finished, this, &QueryTab::finishRun);
     m_resultsPane->beginRun(m_run->results(), *m_connection->connectionDetails());
     m_messages->beginRun(m_run->results());
     m_runBegan = QDateTime::currentDateTimeUtc();
     m_run->start();
-    m_ticker->start();
-    Q_EMIT statusChanged(status());
+    m_clock->start();
+    Q_EMIT statusChanged();
 }
 
 void QueryTab::cancel()
@@ -283,33 +350,32 @@ void QueryTab::cancel()
         m_run->cancel();
 }
 
-void QueryTab::tick()
+void QueryTab::showNewResults()
 {
-    if (!m_showsRows) {
-        const auto results = m_run->results()->resultSets();
-        m_showsRows = std::any_of(results.begin(), results.end(), [](const KNDatabaseResultSetPtr &result) {
-            return !result->columnNames().isEmpty();
-        });
-        if (m_showsRows)
-            m_resultTabs->setCurrentWidget(m_resultsPane);
+    m_resultsPane->showNewResults();
+    m_messages->showNewResults();
+    if (!m_showsRows && m_resultsPane->resultCount() > 0) {
+        m_showsRows = true;
+        m_resultTabs->setCurrentWidget(m_resultsPane);
     }
-    Q_EMIT statusChanged(status());
+    Q_EMIT statusChanged();
 }
 
 void QueryTab::finishRun()
 {
-    m_ticker->stop();
+    m_clock->stop();
     const QueryOutcome &outcome = m_run->outcome();
-    if (m_run->hasLeftConnection())
+    if (m_run->isAbandoned())
         newConnection(*m_connection->connectionDetails());
     m_resultsPane->finishRun();
+    showNewResults();
     m_messages->finishRun(outcome.error);
     m_databaseBox->setEnabled(true);
     if (!outcome.database.isNull())
         showDatabase(outcome.database);
     if (outcome.inTransaction)
         m_hasOpenTransaction = *outcome.inTransaction;
-    tick();
+    Q_EMIT statusChanged();
     showOutcome();
     const QueryRequest &request = m_run->request();
     if (VantorTabConnection::isSessionLost(outcome.error)) {
@@ -327,7 +393,7 @@ void QueryTab::finishRun()
 void QueryTab::showOutcome()
 {
     const QueryOutcome &outcome = m_run->outcome();
-    if (m_run->hasLeftConnection())
+    if (m_run->isAbandoned())
         m_messages->addText(tr("Connecting was cancelled."), false);
     else if (!outcome.hadBatches && !outcome.error)
         m_messages->addText(tr("There is nothing to run."), false);
@@ -427,7 +493,7 @@ void QueryTab::showDatabase(const QString &name)
     m_databaseBox->showDatabase(name);
     if (!isNew)
         return;
-    Q_EMIT statusChanged(status());
+    Q_EMIT statusChanged();
     Q_EMIT stateChanged();
 }
 

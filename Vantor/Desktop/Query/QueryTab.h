@@ -4,8 +4,7 @@
 #include "Desktop/Session/QueryHistoryEntry.h"
 #include "Desktop/Session/TabState.h"
 #include "Foundation/KNError.h"
-
-#include <QWidget>
+#include "UI/Workspace/KNDocumentTab.h"
 
 #include <functional>
 
@@ -21,60 +20,49 @@ class QueryRun;
 class VantorTabConnection;
 struct QueryRequest;
 
-/// What the status line says about a tab.
-struct QueryTabStatus
-{
-    QString database; ///< null while it is not known
-    qint64 rowCount = 0;
-    qint64 elapsedMilliseconds = 0; ///< of the run that goes on or was the last
-    bool isRunning = false;
-    bool hasOpenTransaction = false;
-
-    friend bool operator==(const QueryTabStatus &, const QueryTabStatus &) = default;
-};
-
-/// One query tab: an editor, its results and messages, and a session of its own. On the UI thread.
-class QueryTab : public QWidget
+/// A query: an editor, its results and messages, and a session of its own. On the UI thread.
+class QueryTab : public KNDocumentTab
 {
     Q_OBJECT
 
 public:
+    /// The kind of its saved state.
+    static const QString Kind;
+
     explicit QueryTab(const VantorDBC &details, QWidget *parent = nullptr);
-    /// Stops what runs and closes the session, in the background.
+    /// Stops the current run and closes the session in the background.
     ~QueryTab() override;
 
     QString text() const;
     /// Replaces the text of an empty, unnamed tab; the tab counts as unmodified.
     void setText(const QString &text);
-    void insertText(const QString &text);
-    /// False with an error when the file cannot be read; the tab is as before then.
+    /// False with an error if the file cannot be read; the tab is unchanged then.
     bool openFile(const QString &path, KNError *error);
-    /// Null while the text was neither opened from a file nor saved to one.
-    QString filePath() const;
-    /// What the tab is called: the file's name, or "Query 3".
-    QString title() const;
     void setUntitledName(const QString &name);
-    bool isModified() const;
-    /// Whether nothing has been done with the tab: it has no text and no file.
-    bool isUnused() const;
-    /// Saves, asking for a file where there is none; `saved` is called when that has been done.
-    void save(std::function<void()> saved = {});
-    void saveAs(std::function<void()> saved = {});
-    /// Asks what has to be asked before the tab goes: about what runs, a transaction, unsaved text. `proceed`
-    /// is called when it may go.
-    void prepareToClose(std::function<void()> proceed);
-    /// The same before the program ends: unsaved text is no matter when it comes back at the next start.
-    void prepareToEndSession(std::function<void()> proceed);
-    /// The settings, with the database that the tab's last run has ended in.
-    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const;
-
     bool isRunning() const;
-    QueryTabStatus status() const;
-    /// What is to come back after a crash or at the next start.
+    /// What is restored after a crash or at the next start.
     TabState state() const;
     void restore(const TabState &state);
 
-    /// For what the menus offer: undo, comments, lines, zoom.
+    /// Null while the text was neither opened from a file nor saved to one.
+    QString filePath() const override;
+    /// The file's name, or a name such as "Query 3".
+    QString title() const override;
+    bool isModified() const override;
+    bool isUnused() const override;
+    /// Asks about a running query, an open transaction and unsaved text.
+    void prepareToClose(std::function<void()> proceed) override;
+    /// Does not ask about unsaved text that is restored at the next start.
+    void prepareToEndSession(std::function<void()> proceed) override;
+    /// The settings, with the database in which the last run has ended.
+    std::shared_ptr<const VantorDBC> databaseConnectionDetails() const override;
+    KNDocumentStatus status() const override;
+    std::optional<KNDocumentState> savedState() const override;
+    bool canPerform(KNDocumentAction action) const override;
+    void perform(KNDocumentAction action) override;
+    bool insertText(const QString &text) override;
+
+    QueryDocument *document() const { return m_document; }
     KNSQLEditor *editor() const { return m_editor; }
     KNFindBar *findBar() const { return m_findBar; }
     KNResultsPane *resultsPane() const { return m_resultsPane; }
@@ -82,30 +70,26 @@ public:
     DatabaseBox *databaseBox() const { return m_databaseBox; }
 
 public Q_SLOTS:
-    /// Runs the selection, or everything when nothing is selected.
+    /// Runs the selection, or everything if nothing is selected.
     void run();
     /// Runs the batch in which the cursor stands.
     void runBatchAtCursor();
     void cancel();
     /// Hides the results and messages, or shows them again.
     void toggleResults();
-    /// Goes from the editor to the results or messages that are in front, and back.
+    /// Moves the focus between the editor and the results or messages in front.
     void showNextPane();
     void changeDatabase(const QString &name);
 
 Q_SIGNALS:
-    /// Name, file or unsaved mark have changed.
-    void titleChanged();
-    void statusChanged(const QueryTabStatus &status);
-    /// What state() gives has changed.
-    void stateChanged();
     void runFinished(const QueryHistoryEntry &entry);
 
 private:
     void arrange();
     void connectParts();
+    void performInEditor(KNDocumentAction action);
     void start(QueryRequest request);
-    void tick();
+    void showNewResults();
     void finishRun();
     void showOutcome();
     void markError(const KNError &error);
@@ -122,9 +106,9 @@ private:
     KNResultsPane *const m_resultsPane;
     MessagesView *const m_messages;
     QTabWidget *const m_resultTabs;
-    QTimer *const m_ticker;
+    QTimer *const m_clock; ///< shows the elapsed time of a run
     std::shared_ptr<VantorTabConnection> m_connection;
-    std::unique_ptr<QueryRun> m_run; ///< the one that goes on or was the last
+    std::unique_ptr<QueryRun> m_run; ///< the current or last one
     std::function<void()> m_afterChangeOfDatabase;
     QString m_id;
     QString m_database;
@@ -132,5 +116,5 @@ private:
     bool m_isChangingDatabase = false;
     bool m_hasOpenTransaction = false;
     bool m_isEditedSinceRun = false;
-    bool m_showsRows = false; ///< the run has given a result with columns
+    bool m_showsRows = false; ///< the run has a result with columns
 };

@@ -1,11 +1,11 @@
 #include "Desktop/Session/TabSession.h"
 
-#include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/PrivateFiles.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNPrivateFolder.h"
+#include "UI/Workspace/KNDocumentTab.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,43 +19,36 @@ namespace {
 
 struct StoredTab
 {
-    TabState state;
+    KNDocumentState state;
     int position = 0;
 };
 
-QByteArray toJson(const TabState &state, int position)
+const QString IdKey = QStringLiteral("id");
+const QString KindKey = QStringLiteral("kind");
+const QString PositionKey = QStringLiteral("position");
+const QString KindOfOldFiles = QStringLiteral("query"); // files before there were other kinds
+
+QByteArray toJson(const KNDocumentState &state, int position)
 {
-    QJsonObject object{{QStringLiteral("id"), state.id},
-                       {QStringLiteral("name"), state.untitledName},
-                       {QStringLiteral("modified"), state.isModified},
-                       {QStringLiteral("cursor"), state.cursor},
-                       {QStringLiteral("position"), position}};
-    for (const auto &[key, text] :
-         {std::pair(QStringLiteral("file"), state.filePath), std::pair(QStringLiteral("text"), state.text),
-          std::pair(QStringLiteral("database"), state.database)}) {
-        if (!text.isNull())
-            object.insert(key, text);
-    }
+    QJsonObject object = state.content;
+    object.insert(IdKey, state.id);
+    object.insert(KindKey, state.kind);
+    object.insert(PositionKey, position);
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
 std::optional<StoredTab> fromJson(const QByteArray &bytes)
 {
-    const QJsonObject object = QJsonDocument::fromJson(bytes).object();
-    const auto text = [&](const char *key) { return object.value(QLatin1String(key)).toString(); };
+    QJsonObject object = QJsonDocument::fromJson(bytes).object();
     StoredTab tab;
-    tab.state.id = text("id");
-    tab.state.untitledName = text("name");
-    tab.state.filePath = text("file");
-    tab.state.text = text("text");
-    tab.state.database = text("database");
-    tab.state.isModified = object.value(QLatin1String("modified")).toBool();
-    tab.state.cursor = object.value(QLatin1String("cursor")).toInteger();
-    tab.position = object.value(QLatin1String("position")).toInt();
+    tab.state.id = object.take(IdKey).toString();
+    tab.state.kind = object.take(KindKey).toString(KindOfOldFiles);
+    tab.position = object.take(PositionKey).toInt();
+    tab.state.content = object;
     return tab.state.id.isEmpty() ? std::nullopt : std::optional(tab);
 }
 
-QList<TabState> readTabs(const QString &folder)
+QList<KNDocumentState> readTabs(const QString &folder)
 {
     QList<StoredTab> tabs;
     const QDir directory(folder);
@@ -70,7 +63,7 @@ QList<TabState> readTabs(const QString &folder)
     }
     std::stable_sort(tabs.begin(), tabs.end(),
                      [](const StoredTab &a, const StoredTab &b) { return a.position < b.position; });
-    QList<TabState> states;
+    QList<KNDocumentState> states;
     for (const StoredTab &tab : std::as_const(tabs))
         states.append(tab.state);
     return states;
@@ -122,7 +115,7 @@ TabSession::TabSession(const QString &connectionId, QObject *parent)
 {
     openFolder(connectionId);
     m_writer->folder = m_folder;
-    for (const TabState &state : std::as_const(m_stored))
+    for (const KNDocumentState &state : std::as_const(m_stored))
         m_ids.append(state.id);
     m_timer->setSingleShot(true);
     m_timer->setInterval(WriteDelay);
@@ -152,7 +145,7 @@ void TabSession::openFolder(const QString &connectionId)
         lock->setStaleLockTime(0); // however old: it counts while its program lives
         if (!lock->tryLock())
             continue;
-        const QList<TabState> states = readTabs(folder);
+        const QList<KNDocumentState> states = readTabs(folder);
         m_stored += states;
         if (!m_lock) {
             m_folder = folder;
@@ -160,22 +153,23 @@ void TabSession::openFolder(const QString &connectionId)
             continue;
         }
         int position = static_cast<int>(m_stored.size() - states.size());
-        for (const TabState &state : states) {
+        for (const KNDocumentState &state : states) {
             if (KNReplacePrivateFile(fileOf(m_folder, state.id), toJson(state, position++)))
                 QFile::remove(fileOf(folder, state.id));
         }
     }
 }
 
-void TabSession::setTabs(const QList<QueryTab *> &tabs)
+void TabSession::setTabs(const QList<KNDocumentTab *> &tabs)
 {
     QStringList ids;
-    for (QueryTab *const tab : tabs) {
-        ids.append(tab->state().id);
+    for (KNDocumentTab *const tab : tabs) {
+        if (const auto state = tab->savedState())
+            ids.append(state->id);
         if (!m_tabs.contains(tab))
-            connect(tab, &QueryTab::stateChanged, this, [this, tab] { changed(tab); });
+            connect(tab, &KNDocumentTab::stateChanged, this, [this, tab] { markChanged(tab); });
     }
-    for (const QPointer<QueryTab> &tab : std::as_const(m_tabs)) {
+    for (const QPointer<KNDocumentTab> &tab : std::as_const(m_tabs)) {
         if (tab && !tabs.contains(tab.data()))
             disconnect(tab, nullptr, this, nullptr);
     }
@@ -188,13 +182,13 @@ void TabSession::setTabs(const QList<QueryTab *> &tabs)
     }
     m_ids = ids;
     m_tabs.clear();
-    for (QueryTab *const tab : tabs)
+    for (KNDocumentTab *const tab : tabs)
         m_tabs.append(tab);
-    m_changed = m_tabs; // their places may have changed
+    m_changed = m_tabs; // their positions may have changed
     m_timer->start();
 }
 
-void TabSession::changed(QueryTab *tab)
+void TabSession::markChanged(KNDocumentTab *tab)
 {
     if (!m_changed.contains(tab))
         m_changed.append(tab);
@@ -205,11 +199,11 @@ void TabSession::changed(QueryTab *tab)
 void TabSession::collect()
 {
     const std::lock_guard lock(m_writer->mutex);
-    for (const QPointer<QueryTab> &tab : std::as_const(m_changed)) {
-        if (const auto place = m_tabs.indexOf(tab); tab && place >= 0) {
-            const TabState state = tab->state();
-            m_writer->pending[state.id] = StoredTab{state, static_cast<int>(place)};
-        }
+    for (const QPointer<KNDocumentTab> &tab : std::as_const(m_changed)) {
+        const qsizetype position = m_tabs.indexOf(tab);
+        const auto state = tab && position >= 0 ? tab->savedState() : std::nullopt;
+        if (state)
+            m_writer->pending[state->id] = StoredTab{*state, static_cast<int>(position)};
     }
     m_changed.clear();
 }

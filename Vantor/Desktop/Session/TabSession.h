@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Desktop/Session/TabState.h"
+#include "UI/Workspace/KNDocumentState.h"
 
 #include <QLockFile>
 #include <QObject>
@@ -8,11 +8,12 @@
 
 #include <memory>
 
-class QueryTab;
+class KNDocumentTab;
 
-/// Remembers the tabs of one connection while the user works with them, in files below the XDG state folder,
-/// so that they come back at the next start, after a crash, too. Writes in the background, at most a second
-/// behind. Programs that have the same connection open at once have files of their own. On the UI thread.
+/// Remembers the documents of one connection while the user works with them, in files below the XDG state
+/// folder, so that they are restored at the next start, also after a crash. Writes in the background, at most
+/// a second behind. Programs that have the same connection open at once have files of their own. On the UI
+/// thread.
 class TabSession : public QObject
 {
     Q_OBJECT
@@ -27,11 +28,11 @@ public:
     /// Writes what is not written yet.
     ~TabSession() override;
 
-    /// The tabs that were there when the program ended last, in their order; files that are damaged are left
-    /// out. Read when the session was made.
-    QList<TabState> storedTabs() const { return m_stored; }
-    /// From now on these tabs are remembered, in this order, and no others.
-    void setTabs(const QList<QueryTab *> &tabs);
+    /// The documents of the last session in their order, without damaged files. Read by the constructor.
+    QList<KNDocumentState> storedTabs() const { return m_stored; }
+    /// From now on these documents are remembered, in this order, and no others. Those without a saved state
+    /// are skipped.
+    void setTabs(const QList<KNDocumentTab *> &tabs);
     /// Writes what is not written yet before it returns; false when something could not be written. For the
     /// program's end, before the tabs go.
     bool flush();
@@ -45,17 +46,17 @@ private:
     struct Writer;
 
     void openFolder(const QString &connectionId);
-    void changed(QueryTab *tab);
+    void markChanged(KNDocumentTab *tab);
     void collect();
     void write();
     void finishWriting(bool succeeded);
 
     QString m_folder;
     std::unique_ptr<QLockFile> m_lock;
-    QList<TabState> m_stored;
-    QList<QPointer<QueryTab>> m_tabs;
-    QList<QPointer<QueryTab>> m_changed;
-    QStringList m_ids; ///< of the tabs and of stored ones that nobody has asked about yet
+    QList<KNDocumentState> m_stored;
+    QList<QPointer<KNDocumentTab>> m_tabs;
+    QList<QPointer<KNDocumentTab>> m_changed;
+    QStringList m_ids; ///< of the documents, or of the stored ones before the first setTabs()
     QTimer *m_timer;
     bool m_hasFailed = false;
     std::shared_ptr<Writer> m_writer; ///< shared with the work in the background

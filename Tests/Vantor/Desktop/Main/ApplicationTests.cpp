@@ -4,6 +4,7 @@
 #include "Desktop/Start/StartWindow.h"
 #include "Support/PrintQt.h"
 #include "Support/WindowTesting.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QFile>
@@ -46,7 +47,7 @@ TEST(DesktopApplication, BeginsWithTheRememberedConnectionsAndLeadsToTheOneThatI
     auto *const window = visible<MainWindow>();
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(waitFor([] { return !visible<StartWindow>(); }));
-    EXPECT_EQ(window->currentTab()->status().database, QStringLiteral("library"));
+    EXPECT_EQ(window->currentDocument()->status().database, QStringLiteral("library"));
 
     Q_EMIT window->connectionsRequested();
     EXPECT_NE(visible<StartWindow>(), nullptr);
@@ -68,7 +69,7 @@ TEST(DesktopApplication, OpensTheSampleServerAndTheFilesOfItsCommandLine)
     ASSERT_TRUE(program.start());
     ASSERT_TRUE(waitFor([] { return visible<MainWindow>() != nullptr; }));
     MainWindow &window = *visible<MainWindow>();
-    EXPECT_EQ(window.currentTab()->filePath(), file.fileName());
+    EXPECT_EQ(window.currentDocument()->filePath(), file.fileName());
     const QAbstractItemModel &tree = *window.explorer()->view()->model();
     EXPECT_TRUE(waitFor([&] { return tree.rowCount(tree.index(0, 0)) == 2; })) << "library and shop";
     closeMainWindow();

@@ -62,7 +62,8 @@ protected:
     {
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
-    QueryTab *tab() const { return m_window->currentTab(); }
+    QueryTab *tab() const { return DesktopTesting::currentQuery(*m_window); }
+    QueryTab *tabAt(int index) const { return qobject_cast<QueryTab *>(m_window->documents().value(index)); }
     void waitForRun()
     {
         EXPECT_TRUE(waitFor([&] { return !tab()->isRunning(); }));
@@ -86,7 +87,7 @@ protected:
 
 TEST_F(MainWindowTest, OpensWithAnEmptyTabInTheDatabaseOfItsConnection)
 {
-    ASSERT_EQ(m_window->tabs().size(), 1);
+    ASSERT_EQ(m_window->documents().size(), 1);
     EXPECT_EQ(tab()->title(), QStringLiteral("Query 1"));
     EXPECT_EQ(statusText("Database"), QStringLiteral("shop"));
     EXPECT_EQ(statusText("Login"), QStringLiteral("sa"));
@@ -98,7 +99,7 @@ TEST_F(MainWindowTest, OpensWithAnEmptyTabInTheDatabaseOfItsConnection)
 TEST_F(MainWindowTest, IsUsedWithoutAMouse)
 {
     press(Qt::Key_N, Qt::ControlModifier);
-    ASSERT_EQ(m_window->tabs().size(), 2);
+    ASSERT_EQ(m_window->documents().size(), 2);
     type("SELECT CustomerId FROM Customers");
     press(Qt::Key_F5);
     waitForRun();
@@ -118,7 +119,7 @@ TEST_F(MainWindowTest, IsUsedWithoutAMouse)
     press(Qt::Key_F8);
     EXPECT_TRUE(m_window->explorer()->view()->hasFocus());
     press(Qt::Key_PageUp, Qt::ControlModifier);
-    EXPECT_EQ(tab(), m_window->tabs().first());
+    EXPECT_EQ(tab(), m_window->documents().first());
     press(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     type("Orders");
     EXPECT_EQ(m_window->explorer()->searchField()->text(), QStringLiteral("Orders"));
@@ -208,7 +209,7 @@ TEST_F(MainWindowTest, OpensATabThatRunsWhereTheTreeAsksForOne)
     ASSERT_TRUE(waitFor([&] { return find("Customers").isValid(); }));
     view->setCurrentIndex(find("Customers"));
     QTest::keyClick(view, Qt::Key_Return);
-    ASSERT_EQ(m_window->tabs().size(), 2);
+    ASSERT_EQ(m_window->documents().size(), 2);
     EXPECT_EQ(tab()->text(), QStringLiteral("SELECT TOP 100 * FROM dbo.Customers;"));
     waitForRun();
     EXPECT_GT(tab()->resultsPane()->rowCount(), 0);
@@ -224,7 +225,7 @@ TEST_F(MainWindowTest, OpensFilesOnceAndTellsOfThoseThatItCannotRead)
     file.close();
     m_panels.answer = QStringList{path, folder.filePath(QStringLiteral("missing.sql")), path};
     press(Qt::Key_O, Qt::ControlModifier);
-    ASSERT_EQ(m_window->tabs().size(), 1) << "the empty tab was to be used";
+    ASSERT_EQ(m_window->documents().size(), 1) << "the empty tab was to be used";
     EXPECT_EQ(tab()->filePath(), path);
     EXPECT_EQ(tab()->text(), QStringLiteral("SELECT 1"));
     ASSERT_EQ(m_alerts.errors.size(), 1u);
@@ -238,12 +239,12 @@ TEST_F(MainWindowTest, AsksBeforeATabWithUnsavedTextIsClosed)
     ASSERT_EQ(m_alerts.questions.size(), 1u);
     const QStringList buttons = m_alerts.questions.front().buttons;
     m_alerts.pending.front()(static_cast<int>(buttons.indexOf(QStringLiteral("Cancel"))));
-    EXPECT_EQ(m_window->tabs().size(), 1);
+    EXPECT_EQ(m_window->documents().size(), 1);
 
     press(Qt::Key_W, Qt::ControlModifier);
     ASSERT_EQ(m_alerts.pending.size(), 2u);
     m_alerts.pending.back()(static_cast<int>(buttons.indexOf(QStringLiteral("Don't Save"))));
-    EXPECT_TRUE(waitFor([&] { return m_window->tabs().isEmpty(); }));
+    EXPECT_TRUE(waitFor([&] { return m_window->documents().isEmpty(); }));
     EXPECT_FALSE(action("run")->isEnabled());
 }
 
@@ -278,11 +279,11 @@ TEST_F(MainWindowTest, BringsTheTabsOfTheLastSessionBackWithTheirUnsavedText)
     EXPECT_TRUE(waitFor([&] { return !m_window; }));
 
     openWindow(QStringLiteral("remembered"));
-    ASSERT_TRUE(waitFor([&] { return m_window->tabs().size() == 2; }));
-    EXPECT_EQ(m_window->tabs().at(0)->text(), QStringLiteral("SELECT 'not saved 🐘'"));
-    EXPECT_EQ(m_window->tabs().at(1)->text(), QStringLiteral("SELECT 2"));
-    EXPECT_TRUE(m_window->tabs().at(0)->isModified());
-    EXPECT_EQ(m_window->tabs().at(1)->title(), QStringLiteral("Query 2"));
+    ASSERT_TRUE(waitFor([&] { return m_window->documents().size() == 2; }));
+    EXPECT_EQ(tabAt(0)->text(), QStringLiteral("SELECT 'not saved 🐘'"));
+    EXPECT_EQ(tabAt(1)->text(), QStringLiteral("SELECT 2"));
+    EXPECT_TRUE(m_window->documents().at(0)->isModified());
+    EXPECT_EQ(m_window->documents().at(1)->title(), QStringLiteral("Query 2"));
 }
 
 TEST_F(MainWindowTest, RemembersWhatWasRunAndBringsItBackIntoANewTab)
@@ -296,7 +297,7 @@ TEST_F(MainWindowTest, RemembersWhatWasRunAndBringsItBackIntoANewTab)
     ASSERT_NE(dialog, nullptr);
     ASSERT_TRUE(waitFor([&] { return dialog->isLoaded(); }));
     Q_EMIT dialog->newTabRequested(QStringLiteral("SELECT 42 AS answer"));
-    ASSERT_EQ(m_window->tabs().size(), 2);
+    ASSERT_EQ(m_window->documents().size(), 2);
     EXPECT_EQ(tab()->text(), QStringLiteral("SELECT 42 AS answer"));
     EXPECT_EQ(dialog->findChild<QAbstractItemView *>()->model()->rowCount(), 1);
 }
@@ -326,11 +327,11 @@ TEST_F(MainWindowTest, OneActionOfTheUserCostsOneRefusedLogin)
     ASSERT_TRUE(waitFor([&] { return server.logins() == 1; }));
     ASSERT_TRUE(WindowTesting::settle());
     EXPECT_EQ(server.logins(), 1) << "the tree";
-    window.currentTab()->setText(QStringLiteral("select 1"));
-    window.currentTab()->run();
-    ASSERT_TRUE(waitFor([&] { return !window.currentTab()->isRunning(); }));
+    DesktopTesting::currentQuery(window)->setText(QStringLiteral("select 1"));
+    DesktopTesting::currentQuery(window)->run();
+    ASSERT_TRUE(waitFor([&] { return !DesktopTesting::currentQuery(window)->isRunning(); }));
     EXPECT_EQ(server.logins(), 2) << "the query";
-    window.currentTab()->databaseBox()->showPopup();
+    DesktopTesting::currentQuery(window)->databaseBox()->showPopup();
     ASSERT_TRUE(WindowTesting::settle());
     EXPECT_EQ(server.logins(), 3) << "the list of databases";
     window.explorer()->refreshSelected();

@@ -1,7 +1,9 @@
 #include "Desktop/Tree/TreeActions.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/RecordingWorkspace.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QClipboard>
@@ -13,25 +15,29 @@ using WindowTesting::waitFor;
 
 namespace {
 
+/// A workspace whose tree is shown.
+class TreeWorkspace : public RecordingWorkspace
+{
+public:
+    explicit TreeWorkspace(KNDatabaseTreeViewController &tree)
+        : RecordingWorkspace(*DesktopTesting::settingsFor(SampleServerFixture::shared()))
+        , m_tree(tree)
+    {
+    }
+    TreeEntry selectedTreeEntry() const override { return m_tree.currentlySelectedDatabaseTreeEntry(); }
+
+private:
+    KNDatabaseTreeViewController &m_tree;
+};
+
 /// The object explorer on a real server, with the actions of the program.
 class ObjectExplorer : public testing::Test
 {
 protected:
-    struct Opened
-    {
-        QString text;
-        TreeActions::Settings details;
-        bool execute;
-    };
-
     ObjectExplorer()
     {
         m_controller.resize(320, 700);
         m_controller.show();
-        QObject::connect(&m_actions, &TreeActions::queryTabRequested, &m_actions,
-                         [this](const QString &text, const TreeActions::Settings &details, bool execute) {
-                             m_opened.push_back({text, details, execute});
-                         });
     }
 
     void connectTo(const SampleServerFixture &server)
@@ -88,8 +94,9 @@ protected:
     }
 
     KNDatabaseTreeViewController m_controller;
-    TreeActions m_actions{m_controller};
-    std::vector<Opened> m_opened;
+    TreeWorkspace m_workspace{m_controller};
+    TreeActions m_actions{m_workspace};
+    std::vector<RecordingWorkspace::Query> &m_opened = m_workspace.queries;
 };
 
 const QStringList Orders = {QStringLiteral("shop"), QStringLiteral("Tables"), QStringLiteral("Orders")};
@@ -130,7 +137,7 @@ TEST_F(ObjectExplorer, RunsAQueryOnATableAtADoubleClick)
     QTest::keyClick(m_controller.view(), Qt::Key_Return);
     ASSERT_EQ(m_opened.size(), 1u);
     EXPECT_EQ(m_opened.front().text, QStringLiteral("SELECT TOP 100 * FROM dbo.Orders;"));
-    EXPECT_TRUE(m_opened.front().execute);
+    EXPECT_EQ(m_opened.front().use, KNWorkspace::QueryUse::Execute);
     EXPECT_EQ(m_opened.front().details->database(), QStringLiteral("shop"));
 }
 
@@ -140,7 +147,7 @@ TEST_F(ObjectExplorer, OpensAScriptOfTheMenuInANewTab)
     choose(open(Orders), ScriptOrders + QStringList{QStringLiteral("New query tab")});
     ASSERT_TRUE(waitFor([&] { return !m_opened.empty(); }));
     EXPECT_TRUE(m_opened.front().text.contains(QStringLiteral("CREATE TABLE")));
-    EXPECT_FALSE(m_opened.front().execute);
+    EXPECT_EQ(m_opened.front().use, KNWorkspace::QueryUse::Show);
 }
 
 TEST_F(ObjectExplorer, CommentsTheDropOutOfAScriptThatCannotCreate)

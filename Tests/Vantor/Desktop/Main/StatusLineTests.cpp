@@ -25,13 +25,15 @@ TEST(StatusLine, ShowsServerLoginAndTheTabInFront)
     line.setServer(QStringLiteral("db1"),
                    QStringLiteral("Microsoft SQL Server 2022 (RTM) - 16.0.1000.6 (X64)\n\tOct 8"));
     line.setLogin(QStringLiteral("alice"));
-    line.showStatus({.database = QStringLiteral("shop"),
+    line.showStatus({.text = QStringLiteral("Dropping column"),
+                     .database = QStringLiteral("shop"),
                      .rowCount = 1234567,
                      .elapsedMilliseconds = 61'005,
                      .isRunning = true,
                      .hasOpenTransaction = true});
     EXPECT_EQ(shown(line, "Server"), QStringLiteral("db1 · Microsoft SQL Server 2022"));
     EXPECT_EQ(shown(line, "Login"), QStringLiteral("alice"));
+    EXPECT_EQ(shown(line, "Activity"), QStringLiteral("Dropping column"));
     EXPECT_EQ(shown(line, "Database"), QStringLiteral("shop"));
     EXPECT_EQ(shown(line, "Rows"), QStringLiteral("1,234,567 rows"));
     EXPECT_EQ(shown(line, "Time"), QStringLiteral("1:01.005"));

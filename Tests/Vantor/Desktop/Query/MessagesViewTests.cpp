@@ -97,6 +97,7 @@ TEST_F(Messages, OfAResultComeWhenTheNextOneIsThere)
     view.beginRun(holder);
     add({}, {QStringLiteral("one")});
     add({}, {QStringLiteral("two")});
+    view.showNewResults();
     EXPECT_TRUE(WindowTesting::waitFor([&] { return view.toPlainText() == QStringLiteral("one"); }));
     view.finishRun({});
     EXPECT_EQ(shown(), QStringLiteral("one\ntwo"));

@@ -77,7 +77,7 @@ TEST_F(QueryTabs, RunATextAndSayHowItWent)
     run(QStringLiteral("select 1 as a union all select 2\nGO\nprint 'hello'"));
     EXPECT_EQ(messages(), QStringLiteral("Command completed successfully. (2 results).\nhello"));
     EXPECT_EQ(resultTabs().currentWidget(), tab.resultsPane());
-    const QueryTabStatus status = tab.status();
+    const KNDocumentStatus status = tab.status();
     EXPECT_EQ(status.rowCount, 2);
     EXPECT_EQ(status.database, QStringLiteral("shop"));
     EXPECT_FALSE(status.hasOpenTransaction);
@@ -135,9 +135,9 @@ TEST_F(QueryTabs, ShowRowsWhileTheyArriveAndStopAtACancel)
     tab.setText(QStringLiteral("select a.name from sys.all_columns a, sys.all_columns b, sys.all_columns c, "
                                "sys.all_columns d"));
     std::vector<qint64> elapsed;
-    QObject::connect(&tab, &QueryTab::statusChanged, &tab, [&](const QueryTabStatus &status) {
-        if (status.isRunning)
-            elapsed.push_back(status.elapsedMilliseconds);
+    QObject::connect(&tab, &QueryTab::statusChanged, &tab, [&] {
+        if (tab.status().isRunning)
+            elapsed.push_back(tab.status().elapsedMilliseconds.value());
     });
     tab.run();
     ASSERT_TRUE(waitFor([&] { return tab.status().rowCount > 1000 && elapsed.size() > 3; }));

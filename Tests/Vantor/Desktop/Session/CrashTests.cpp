@@ -56,7 +56,7 @@ void typeAndCrash(int signal)
          {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"})
         qputenv(variable, QFile::encodeName(state));
     const auto window = newWindow(static_cast<quint16>(qEnvironmentVariableIntValue(PortVariable)));
-    window->currentTab()->insertText(unsavedText());
+    window->currentDocument()->insertText(unsavedText());
     if (!waitFor([&] { return isTextOnDisk(state); }))
         _exit(1);
     const rlimit noCore = {0, 0};
@@ -90,9 +90,9 @@ TEST_P(CrashOfTheProgram, CostsNoUnsavedText)
     qputenv("XDG_STATE_HOME", QFile::encodeName(state->path()));
     {
         const auto window = newWindow(SampleServerFixture::shared().port());
-        EXPECT_TRUE(waitFor([&] { return window->currentTab()->text() == unsavedText(); }));
-        EXPECT_EQ(window->tabs().size(), 1);
-        EXPECT_TRUE(window->currentTab()->isModified());
+        EXPECT_TRUE(waitFor([&] { return DesktopTesting::currentQuery(*window)->text() == unsavedText(); }));
+        EXPECT_EQ(window->documents().size(), 1);
+        EXPECT_TRUE(window->currentDocument()->isModified());
     }
     EXPECT_TRUE(WindowTesting::settle());
     qputenv("XDG_STATE_HOME", before);

@@ -46,8 +46,8 @@ protected:
         for (const QString &file : from.entryList({QStringLiteral("*.json")}))
             QFile::copy(from.filePath(file), to.filePath(file));
         QStringList texts;
-        for (const TabState &state : TabSession(copy).storedTabs())
-            texts.append(state.text);
+        for (const KNDocumentState &state : TabSession(copy).storedTabs())
+            texts.append(TabState::fromDocumentState(state).text);
         return texts;
     }
 
@@ -79,7 +79,7 @@ TEST_F(TabSessions, HoldTheStateOfEachTab)
     }
     TabSession session(name);
     ASSERT_EQ(session.storedTabs().size(), 1);
-    EXPECT_EQ(session.storedTabs().first(), tab->state());
+    EXPECT_EQ(TabState::fromDocumentState(session.storedTabs().first()), tab->state());
 }
 
 TEST_F(TabSessions, KeepNoTextOfFilesThatAreSaved)
@@ -99,9 +99,10 @@ TEST_F(TabSessions, KeepNoTextOfFilesThatAreSaved)
     }
     TabSession session(name);
     ASSERT_EQ(session.storedTabs().size(), 1);
-    EXPECT_TRUE(session.storedTabs().first().text.isNull());
+    const TabState state = TabState::fromDocumentState(session.storedTabs().first());
+    EXPECT_TRUE(state.text.isNull());
     const auto restored = newTab(QString());
-    restored->restore(session.storedTabs().first());
+    restored->restore(state);
     EXPECT_EQ(restored->text(), QStringLiteral("select 'in the file'"));
     EXPECT_FALSE(restored->isModified());
 }
@@ -165,8 +166,8 @@ TEST_F(TabSessions, OfTwoProgramsAtOnceLeaveEachOtherAlone)
     for (int start = 0; start < 2; ++start) {
         TabSession session(name);
         QStringList texts;
-        for (const TabState &state : session.storedTabs())
-            texts.append(state.text);
+        for (const KNDocumentState &state : session.storedTabs())
+            texts.append(TabState::fromDocumentState(state).text);
         EXPECT_EQ(texts, (QStringList{QStringLiteral("mine"), QStringLiteral("theirs")}));
     }
 }
@@ -204,4 +205,24 @@ TEST_F(TabSessions, SayWhenTheyCannotBeWritten)
     tab->insertText(QStringLiteral("!"));
     EXPECT_TRUE(session.flush());
     EXPECT_EQ(textsAfterCrash(), QStringList{QStringLiteral("one!")});
+}
+
+TEST_F(TabSessions, ReadFilesThatNameNoKindAsQueries)
+{
+    {
+        TabSession session(name);
+    }
+    QFile old(folder() + QStringLiteral("/old.json"));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write(R"({"id":"x","name":"Query 4","modified":true,"cursor":3,"position":0,"text":"select 4"})");
+    old.close();
+    const QList<KNDocumentState> stored = TabSession(name).storedTabs();
+    ASSERT_EQ(stored.size(), 1);
+    EXPECT_EQ(stored.first().kind, QStringLiteral("query"));
+    const TabState state = TabState::fromDocumentState(stored.first());
+    EXPECT_EQ(state.id, QStringLiteral("x"));
+    EXPECT_EQ(state.untitledName, QStringLiteral("Query 4"));
+    EXPECT_EQ(state.text, QStringLiteral("select 4"));
+    EXPECT_TRUE(state.isModified);
+    EXPECT_EQ(state.cursor, 3);
 }

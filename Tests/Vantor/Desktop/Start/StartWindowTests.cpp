@@ -55,10 +55,7 @@ public:
         return new Dialog(parent);
     }
     SQLRecentConnectionList &recentConnections() const override { return m_list; }
-    void addTreeActions(KNDatabaseTreeContextHelper &, KNDatabaseTreeViewController &,
-                        const OpenConnection &) const override
-    {
-    }
+    void addTreeActions(KNDatabaseTreeContextHelper &, KNWorkspace &) const override {}
 
 private:
     mutable SQLRecentConnectionList m_list{QStringLiteral("Connections"),

@@ -1,0 +1,15 @@
+#include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
+
+void MSSQLDatabaseTreeContextHelper::addActions()
+{
+    addFederationActions();
+}
+
+void MSSQLDatabaseTreeContextHelper::addAction(const QString &name, Action action)
+{
+    m_helper.addAction(
+        name, [workspace = m_workspace, action = std::move(action)](const KNMenuRepresentedObject &object) {
+            if (const auto existing = workspace.lock())
+                action(*existing, object);
+        });
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeContextHelper.h"
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "UI/Workspace/KNWorkspace.h"
+
+/// Adds the actions of SQL Server's object tree to the helper of a window's tree. Each family of actions has a
+/// source of its own, MSSQLDatabaseTreeContextHelper<Family>. On the UI thread.
+class MSSQLDatabaseTreeContextHelper
+{
+public:
+    /// Both outlive this object. The helper may outlive the workspace.
+    MSSQLDatabaseTreeContextHelper(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace)
+        : m_helper(helper)
+        , m_workspace(workspace.weakPointer())
+    {
+    }
+
+    /// Adds the actions of all families.
+    void addActions();
+
+    /// Adds an action that does nothing once the workspace is gone.
+    using Action = std::function<void(KNWorkspace &workspace, const KNMenuRepresentedObject &object)>;
+    void addAction(const QString &name, Action action);
+
+    /// Adds an action on an entry of one class: the one that the menu item represents, or else the selected one.
+    /// It does nothing for entries of other classes.
+    template <typename Entry>
+    void addEntryAction(const QString &name,
+                        std::function<void(KNWorkspace &workspace, const std::shared_ptr<Entry> &entry)> action)
+    {
+        addAction(name, [action = std::move(action)](KNWorkspace &workspace,
+                                                     const KNMenuRepresentedObject &object) {
+            const auto *represented = std::get_if<KNDatabaseTreeEntry::Ptr>(&object);
+            const auto entry = std::dynamic_pointer_cast<Entry>(
+                represented && *represented ? *represented : workspace.selectedTreeEntry());
+            if (entry)
+                action(workspace, entry);
+        });
+    }
+
+private:
+    void addFederationActions();
+
+    KNDatabaseTreeContextHelper &m_helper;
+    const std::weak_ptr<KNWorkspace> m_workspace;
+};
