@@ -24,6 +24,9 @@ QByteArray cell(const QString &text)
 
 void MarkdownWriter::beginResult(const QStringList &columnNames)
 {
+    if (m_isLaterResult)
+        write("\n");
+    m_isLaterResult = true;
     m_columnNames = columnNames;
     m_isFirstRow = true;
 }

@@ -2,8 +2,8 @@
 
 #include "Export/DeviceWriter.h"
 
-/// A table in Markdown. Signs that mean something there are escaped, line ends become <br>, and NULL is
-/// emphasised, which no text is.
+/// Tables in Markdown, one for each result. Signs that mean something there are escaped, line ends become
+/// <br>, and NULL is emphasised, which no text is.
 class KNSHARED_EXPORT MarkdownWriter : public DeviceWriter
 {
 public:
@@ -18,6 +18,7 @@ public:
 
 private:
     QStringList m_columnNames;
+    bool m_isLaterResult = false;
     bool m_isFirstRow = true; ///< which decides what columns are aligned to the right
 
     void writeHead(Cells firstRow);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "Export/ResultFormat.h"
 #include "Export/ResultRows.h"
 
 #include <atomic>
@@ -8,8 +9,6 @@
 /// A text of rows for the clipboard. Made by any thread, once.
 struct KNSHARED_EXPORT ResultCopy
 {
-    enum class Format { Text, TextWithHeaders, Csv, Json, Insert, InList, Markdown };
-
     /// UTF-8 bytes beyond which no more rows are added, so that a slip of the hand does not fill the memory.
     static constexpr qint64 LargestSize = 100 * 1024 * 1024;
 
@@ -19,7 +18,7 @@ struct KNSHARED_EXPORT ResultCopy
 
     /// `nullText` stands for NULL in plain text. One value alone is its plain text, without quotes. `details`
     /// quotes names and values; no other thread uses them meanwhile.
-    static ResultCopy make(const ResultRows &rows, Format format, const VantorDBCPtr &details,
+    static ResultCopy make(const ResultRows &rows, const ResultFormat &format, const VantorDBCPtr &details,
                            const QString &nullText, const std::atomic<bool> &cancelled,
                            qint64 largestSize = LargestSize);
 };

@@ -1,8 +1,6 @@
 #include "Export/ResultExporter.h"
 
-#include "Export/CsvWriter.h"
-#include "Export/ExcelWriter.h"
-#include "Export/JsonObjectsWriter.h"
+#include "Export/ResultFormat.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 
@@ -10,6 +8,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -51,23 +50,35 @@ private:
     QFile m_file;
 };
 
-/// Null for an unknown ending.
-std::unique_ptr<ResultWriter> fileWriterFor(const QString &ending, QFile &file)
+/// Null for an unknown extension.
+const ResultFormat *formatFor(const QString &extension)
 {
-    if (ending == QLatin1String("csv"))
-        return std::make_unique<CsvWriter>(file);
-    if (ending == QLatin1String("json"))
-        return std::make_unique<JsonObjectsWriter>(file);
-    if (ending == QLatin1String("xlsx"))
-        return std::make_unique<ExcelWriter>(file.fileName());
-    return nullptr;
+    const auto &formats = ResultFormat::all();
+    const auto found = std::find_if(formats.begin(), formats.end(), [&](const ResultFormat &format) {
+        return !extension.isEmpty() && format.extension == extension;
+    });
+    return found == formats.end() ? nullptr : &*found;
+}
+
+/// ".csv, .json or .xlsx"
+QString extensions()
+{
+    QStringList texts;
+    for (const ResultFormat &format : ResultFormat::offeredFor(ResultFormat::File))
+        texts.append(QLatin1Char('.') + format.extension);
+    const QString last = texts.takeLast();
+    return KNFormat("%@ or %@", texts.join(QStringLiteral(", ")), last);
 }
 
 } // namespace
 
 QStringList ResultExporter::fileFilters()
 {
-    return {QStringLiteral("CSV (*.csv)"), QStringLiteral("JSON (*.json)"), QStringLiteral("Excel (*.xlsx)")};
+    QStringList filters;
+    for (const ResultFormat &format : ResultFormat::offeredFor(ResultFormat::File))
+        filters.append(
+            KNFormat("%@ (*.%@)", format.localizedTitle().remove(QLatin1Char('&')), format.extension));
+    return filters;
 }
 
 ResultExporter::ResultExporter(ResultRows rows, QString path)
@@ -101,11 +112,13 @@ bool ResultExporter::writeFile(KNError *error, QStringList *remarks)
             KNFormat("The file %@ could not be written. %@", m_path, unfinished.file().errorString()));
         return false;
     }
-    const auto writer = fileWriterFor(QFileInfo(m_path).suffix().toLower(), unfinished.file());
-    if (!writer) {
-        *error = exportError(QStringLiteral("The file's name must end with .csv, .json or .xlsx."));
+    const ResultFormat *const format = formatFor(QFileInfo(m_path).suffix().toLower());
+    if (!format) {
+        *error = exportError(KNFormat("The file's name must end with %@.", extensions()));
         return false;
     }
+    const auto writer =
+        format->createWriter({.device = unfinished.file(), .path = unfinished.file().fileName()});
     const bool isWritten = m_rows.writeTo(*writer, [this](qsizetype count) {
         m_rowsWritten = count;
         return !m_cancelled;

@@ -20,7 +20,7 @@ public:
 
     ResultExporter(ResultRows rows, QString path);
 
-    /// Begins. The format is that of the file name's ending: .csv, .json or .xlsx; any other is an error.
+    /// Begins. The file name's extension decides the format; one that no format has is an error.
     void start(Finished finished);
     /// Stops soon, unless the file is in its place already. Any thread.
     void cancel() { m_cancelled = true; }

@@ -11,9 +11,9 @@ namespace KNQueryLoading {
 /// Receives a text, null if there is none, and the report on it.
 using Use = std::function<void(const QString &text, const KNQueryReport &report)>;
 
-/// Starts the loader, whose delegate is replaced. `use` is called once on the main thread: before this returns
-/// if the loader delivers on the main thread at once, otherwise later. It must check itself whether what it
-/// works on still exists. On the main thread.
+/// Starts the loader, whose delegate is replaced. `use` is called once on the main thread: before this
+/// returns if the loader delivers on the main thread at once, otherwise later. It must check itself whether
+/// what it works on still exists. On the main thread.
 KNSHARED_EXPORT void load(const KNQueryLoaderPtr &loader, const VantorDBC &details, Use use);
 
 } // namespace KNQueryLoading

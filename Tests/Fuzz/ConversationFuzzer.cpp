@@ -1,6 +1,6 @@
 // Disturbs conversations of vantor-cli with a sample server, as each of many seeds says:
-// fuzz-conversation PHASE [FIRST [COUNT]]. Exit status: 0 all is good, 1 a conversation failed, 2 usage, 3 some failed,
-// but all of them inside of FreeTDS.
+// fuzz-conversation PHASE [FIRST [COUNT]]. Exit status: 0 all is good, 1 a conversation failed, 2 usage, 3
+// some failed, but all of them inside of FreeTDS.
 
 #include "Fuzz/MutatedConversation.h"
 #include "Support/SampleServerFixture.h"

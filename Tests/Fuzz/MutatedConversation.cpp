@@ -113,7 +113,8 @@ std::string writtenIn(const std::filesystem::path &folder)
     return text;
 }
 
-/// Success, an error of SQL, no connection; and usage, when the object that the command names has another name.
+/// Success, an error of SQL, no connection; and usage, when the object that the command names has another
+/// name.
 bool isExpectedStatus(int status)
 {
     return status >= 0 && status <= 3;

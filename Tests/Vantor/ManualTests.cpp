@@ -1,3 +1,4 @@
+#include "Export/ResultFormat.h"
 #include "Vantor/Program.h"
 
 #include <QFile>
@@ -57,4 +58,11 @@ TEST(Manual, OfTheTerminalProgramKnowsItsOptions)
 TEST(Completion, KnowsTheOptionsOfTheTerminalProgram)
 {
     EXPECT_EQ(optionsIn(packaging("completion/vantor-cli")), optionsOfTerminalProgram());
+}
+
+TEST(Manual, NamesTheFormatsOfTheTerminalProgram)
+{
+    const QStringList names = ResultFormat::namesFor(ResultFormat::Terminal);
+    EXPECT_TRUE(packaging("man/vantor-cli.1").contains(names.join(QLatin1Char('|'))));
+    EXPECT_TRUE(packaging("completion/vantor-cli").contains(names.join(QLatin1Char(' '))));
 }

@@ -1,4 +1,4 @@
-#include "CommandLine/OutputFormat.h"
+#include "Export/ResultFormat.h"
 #include "Support/PrintQt.h"
 #include "Support/ResultTesting.h"
 
@@ -26,7 +26,8 @@ QByteArray written(const char *format, const QList<Result> &results)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    const auto writer = createResultWriter(QString::fromLatin1(format), buffer);
+    const auto writer = ResultFormat::named(QString::fromLatin1(format))
+                            ->createWriter({.device = buffer, .hasManyResults = true});
     writer->beginRun();
     for (const Result &result : results) {
         writer->beginResult(result.columns);
@@ -175,14 +176,24 @@ TEST(ResultFormats, TellWhenTheOutputCannotBeWritten)
 {
     FullDevice device;
     device.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-    const auto writer = createResultWriter(QStringLiteral("csv"), device);
+    const auto writer = ResultFormat::named(QStringLiteral("csv"))->createWriter({.device = device});
     writer->beginResult({QStringLiteral("a")});
     writer->endResult();
     EXPECT_FALSE(writer->isGood());
 }
 
-TEST(ResultFormats, AreThree)
+TEST(ResultFormats, OfTheTerminalAreFour)
 {
-    QBuffer buffer;
-    EXPECT_EQ(createResultWriter(QStringLiteral("xml"), buffer), nullptr);
+    EXPECT_EQ(ResultFormat::namesFor(ResultFormat::Terminal),
+              (QStringList{QStringLiteral("table"), QStringLiteral("csv"), QStringLiteral("json"),
+                           QStringLiteral("markdown")}));
+    EXPECT_EQ(ResultFormat::named(QStringLiteral("xml")), nullptr);
+}
+
+TEST(ResultFormats, HoldManyResultsInMarkdown)
+{
+    EXPECT_EQ(
+        written("markdown", {{{QStringLiteral("id"), QStringLiteral("name")}, {{KNValue(1), text("a|b")}}},
+                             {{QStringLiteral("n")}, {{KNValue(2)}}}}),
+        "| id | name |\n| ---: | --- |\n| 1 | a\\|b |\n\n| n |\n| ---: |\n| 2 |\n");
 }

@@ -1,6 +1,7 @@
 #include "CommandLine/CatalogCommand.h"
 
 #include "CommandLine/CatalogTrials.h"
+#include "CommandLine/FormatOption.h"
 #include "CommandLine/ServerConnection.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TextRunner.h"
@@ -59,7 +60,7 @@ void addArguments(QCommandLineParser &parser)
         "Runs one of the connector's catalog queries. Without a title, lists them with their placeholders."));
     ConnectionOptions::addTo(parser);
     parser.addOptions({
-        {text("format"), text("table (the default), csv or json."), text("format"), text("table")},
+        FormatOption::option(),
         {text("all"),
          text("Try every query that only reads, on the first object that suits it: a line each.")},
         {text("show"), text("Print the query's text as it stands instead of running it.")},
@@ -122,7 +123,6 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
 
     const auto queries = emptySettings->queryLoader();
     const QString title = parser.positionalArguments().value(0);
-    const QString format = parser.value(QStringLiteral("format"));
     const bool tryAll = parser.isSet(QStringLiteral("all"));
     if (tryAll && (!title.isEmpty() || parser.isSet(QStringLiteral("show"))))
         return Terminal::fail(ExitUsage, QStringLiteral("--all takes no title and shows no text.") + hint);
@@ -134,8 +134,10 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
         print(queries->plainQueryByTitle(title));
         return ExitSuccess;
     }
-    if (format != QLatin1String("table") && format != QLatin1String("csv") && format != QLatin1String("json"))
-        return Terminal::fail(ExitUsage, KNFormat("\"%@\" is no format. Use table, csv or json.", format));
+    KNError formatError;
+    const QString format = FormatOption::from(parser, &formatError);
+    if (formatError)
+        return Terminal::fail(ExitUsage, formatError.localizedDescription());
     if (!options->namesServer())
         return Terminal::fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
     if (tryAll)

@@ -3,6 +3,7 @@
 #include "CommandLine/Terminal.h"
 #include "Database/KNQueryDetails.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNTerminalText.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ QString blanksFor(const QString &text)
     QString blanks;
     const auto parts = text.split(QLatin1Char('\t'));
     for (const QString &part : parts)
-        blanks += QString(Terminal::displayWidth(part), QLatin1Char(' ')) + QLatin1Char('\t');
+        blanks += QString(KNTerminalText::displayWidth(part), QLatin1Char(' ')) + QLatin1Char('\t');
     blanks.chop(1);
     return blanks;
 }
@@ -38,8 +39,9 @@ QString errorExcerpt(const QString &text, const KNError &error)
     const qsizetype indent = text.indexOf(line, begin) - begin;
 
     const QString head = KNFormat("%ld: ", before.count(QLatin1Char('\n')) + 1);
-    const QString lead = Terminal::escaped(line.left(range.location - begin - indent));
-    const qsizetype width = Terminal::displayWidth(Terminal::escaped(text.mid(range.location, range.length)));
+    const QString lead = KNTerminalText::escaped(line.left(range.location - begin - indent));
+    const qsizetype width =
+        KNTerminalText::displayWidth(KNTerminalText::escaped(text.mid(range.location, range.length)));
     return KNFormat("%@%@\n%@%@%@", head, line, QString(head.size(), QLatin1Char(' ')), blanksFor(lead),
                     QString(width, QLatin1Char('^')));
 }

@@ -1,5 +1,6 @@
 // Asking for a text without echo.
 #include "CommandLine/Terminal.h"
+#include "Foundation/KNTerminalText.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -98,7 +99,7 @@ std::optional<QString> Terminal::promptWithoutEcho(const QString &prompt)
     std::optional<QByteArray> answer;
     for (bool asks = true; asks;) {
         asks = false;
-        if (!writeText(terminal, escaped(prompt).toUtf8()))
+        if (!writeText(terminal, KNTerminalText::escaped(prompt).toUtf8()))
             break;
         answer = readSilently(terminal);
         const bool wroteLineEnd = writeText(terminal, "\n");

@@ -1,5 +1,6 @@
 #include "CommandLine/QueryOptions.h"
 
+#include "CommandLine/FormatOption.h"
 #include "CommandLine/TextInput.h"
 #include "Foundation/KNFormat.h"
 
@@ -21,7 +22,7 @@ void addOptions(QCommandLineParser &parser)
     parser.setApplicationDescription(text("Runs SQL on a server and writes the results to standard output."));
     ConnectionOptions::addTo(parser);
     parser.addOptions({
-        {text("format"), text("table (the default), csv or json."), text("format")},
+        FormatOption::option(),
         {text("file"), text("Read the SQL from a file; - is standard input."), text("file")},
         {{text("h"), text("help")}, text("Show this help.")},
     });
@@ -44,11 +45,9 @@ std::optional<QueryOptions> QueryOptions::parse(const QStringList &arguments, KN
         return options;
     if (parser.isSet(QStringLiteral("file")))
         options.file = parser.value(QStringLiteral("file"));
-    if (parser.isSet(QStringLiteral("format")))
-        options.format = parser.value(QStringLiteral("format"));
-    if (options.format != QLatin1String("table") && options.format != QLatin1String("csv") &&
-        options.format != QLatin1String("json"))
-        return usageError(error, KNFormat("\"%@\" is no format. Use table, csv or json.", options.format));
+    options.format = FormatOption::from(parser, error);
+    if (options.format.isNull())
+        return std::nullopt;
     const auto connection = ConnectionOptions::from(parser, error);
     if (!connection)
         return std::nullopt;

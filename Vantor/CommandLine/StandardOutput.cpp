@@ -1,6 +1,7 @@
 #include "CommandLine/StandardOutput.h"
 
 #include "CommandLine/Terminal.h"
+#include "Foundation/KNTerminalText.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -40,7 +41,8 @@ qint64 StandardOutput::writeData(const char *data, qint64 size)
     if (!m_isTerminal)
         return writeAll(data, size) ? size : -1;
     const QByteArray escaped =
-        Terminal::escaped(QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(size)))).toUtf8();
+        KNTerminalText::escaped(QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(size))))
+            .toUtf8();
     return writeAll(escaped.constData(), escaped.size()) ? size : -1;
 }
 

@@ -1,12 +1,10 @@
 #include "CommandLine/Terminal.h"
 
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNTerminalText.h"
 
 #include <stdio.h>
 #include <unistd.h>
-#include <wchar.h>
-
-#include <algorithm>
 
 namespace Terminal {
 
@@ -33,57 +31,7 @@ const char *codeOf(Colour colour)
     return "";
 }
 
-bool isControl(QChar c)
-{
-    const char16_t unit = c.unicode();
-    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
-           unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-}
-
-template <typename Sign>
-QString escapedWith(const QString &text, const Sign &signFor)
-{
-    if (std::none_of(text.begin(), text.end(), isControl))
-        return text;
-    QString result;
-    for (const QChar c : text) {
-        const QChar sign = signFor(c);
-        if (isControl(c) && sign.isNull())
-            result +=
-                QLatin1String("\\u") + QString::number(c.unicode(), 16).rightJustified(4, QLatin1Char('0'));
-        else
-            result += isControl(c) ? sign : c;
-    }
-    return result;
-}
-
 } // namespace
-
-QString escaped(const QString &text)
-{
-    QString lines = text;
-    lines.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    return escapedWith(
-        lines, [](QChar c) { return c == QLatin1Char('\n') || c == QLatin1Char('\t') ? c : QChar(); });
-}
-
-QString escapedInOneLine(const QString &text)
-{
-    return escapedWith(text, [](QChar c) {
-        if (c == QLatin1Char('\n') || c == QLatin1Char('\r'))
-            return QChar(0x21B5);
-        return c == QLatin1Char('\t') ? QChar(0x21E5) : QChar();
-    });
-}
-
-int displayWidth(const QString &text)
-{
-    int width = 0;
-    const auto codePoints = text.toUcs4();
-    for (const uint codePoint : codePoints)
-        width += std::max(0, wcwidth(static_cast<wchar_t>(codePoint)));
-    return width;
-}
 
 bool isOutputTerminal()
 {
@@ -97,13 +45,14 @@ bool isErrorTerminal()
 
 void printLine(const QString &line)
 {
-    const QByteArray bytes = escapedInOneLine(line).toUtf8() + '\n';
+    const QByteArray bytes = KNTerminalText::escapedInOneLine(line).toUtf8() + '\n';
     fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
 }
 
 void printText(const QByteArray &utf8)
 {
-    const QByteArray bytes = isOutputTerminal() ? escaped(QString::fromUtf8(utf8)).toUtf8() : utf8;
+    const QByteArray bytes =
+        isOutputTerminal() ? KNTerminalText::escaped(QString::fromUtf8(utf8)).toUtf8() : utf8;
     fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
 }
 
@@ -111,7 +60,8 @@ void printError(const QString &line, Colour colour)
 {
     const bool coloured =
         colour != Colour::None && isErrorTerminal() && qEnvironmentVariableIsEmpty("NO_COLOR");
-    writeToError((coloured ? codeOf(colour) : "") + escaped(line).toUtf8() + (coloured ? "\033[0m\n" : "\n"));
+    writeToError((coloured ? codeOf(colour) : "") + KNTerminalText::escaped(line).toUtf8() +
+                 (coloured ? "\033[0m\n" : "\n"));
 }
 
 int fail(ExitStatus status, const QString &line)

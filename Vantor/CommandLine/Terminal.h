@@ -15,12 +15,6 @@ enum class Colour { None, Red, Yellow, Grey };
 
 bool isOutputTerminal();
 bool isErrorTerminal();
-/// The text with "\u001b" and the like for characters that would control a terminal: control characters but
-/// line feeds and tabs, and those that change the direction of text.
-QString escaped(const QString &text);
-/// The same for text of one line, in which line ends and tabs are shown as signs.
-QString escapedInOneLine(const QString &text);
-
 /// Writes a line to standard output, escaped.
 void printLine(const QString &line);
 /// Writes text that programs read (JSON, scripts) to standard output, escaped when that is a terminal.
@@ -32,9 +26,6 @@ int fail(ExitStatus status, const QString &line);
 /// Asks for a text on the controlling terminal without echo; empty when there is none. A signal that ends or
 /// stops the program meanwhile does so with the echo on; Ctrl-C ends it with ExitCancelled.
 std::optional<QString> promptWithoutEcho(const QString &prompt);
-
-/// Places on a terminal that a text takes: wide characters take two, combining ones none.
-int displayWidth(const QString &text);
 
 /// A turning sign with rows and seconds on standard error, while it is a terminal and results are not shown
 /// on it.

@@ -2,10 +2,10 @@
 
 #include "CommandLine/ErrorExcerpt.h"
 #include "CommandLine/ExitStatus.h"
-#include "CommandLine/OutputFormat.h"
 #include "CommandLine/QueryPrinter.h"
 #include "CommandLine/StandardOutput.h"
 #include "CommandLine/Terminal.h"
+#include "Export/ResultFormat.h"
 #include "Foundation/KNAssert.h"
 #include "SQL/KNQuerySplitter.h"
 
@@ -39,7 +39,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
             InterruptWatcher &interrupts)
 {
     StandardOutput output;
-    const auto writer = createResultWriter(format, output);
+    const auto writer = ResultFormat::named(format)->createWriter({.device = output, .hasManyResults = true});
     KNResultSetHolder holder;
     QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
     holder.setReadAhead(QueryPrinter::ReadAhead);

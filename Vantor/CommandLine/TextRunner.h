@@ -4,6 +4,6 @@
 #include "Database/VantorDatabaseClient.h"
 
 /// Runs the batches of a text on a thread of its own while this one writes what arrives to standard output,
-/// in a format of createResultWriter()'s, and messages and errors to standard error. Returns the exit status.
+/// in a format of ResultFormat, and messages and errors to standard error. Returns the exit status.
 int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
             InterruptWatcher &interrupts);

@@ -1,9 +1,9 @@
 #include "UI/Alerts/KNUserNotifications.h"
 
-#include <QGuiApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
+#include <QGuiApplication>
 #include <QVariantMap>
 
 namespace {
@@ -41,5 +41,6 @@ KNUserNotifications &KNUserNotifications::shared()
 
 void KNUserNotifications::setShared(std::unique_ptr<KNUserNotifications> notifications)
 {
-    sharedNotifications() = notifications ? std::move(notifications) : std::make_unique<DesktopNotifications>();
+    sharedNotifications() =
+        notifications ? std::move(notifications) : std::make_unique<DesktopNotifications>();
 }

@@ -20,7 +20,7 @@ KNResultCopier::~KNResultCopier()
         *m_cancelled = true;
 }
 
-void KNResultCopier::copy(const ResultRows &rows, ResultCopy::Format format)
+void KNResultCopier::copy(const ResultRows &rows, const ResultFormat &format)
 {
     if (rows.rowCount() == 0 || rows.columns.isEmpty())
         return;

@@ -17,7 +17,7 @@ public:
     ~KNResultCopier() override;
 
     /// Nothing happens when there are no rows.
-    void copy(const ResultRows &rows, ResultCopy::Format format);
+    void copy(const ResultRows &rows, const ResultFormat &format);
     bool isCopying() const { return m_cancelled != nullptr; }
 
 Q_SIGNALS:

@@ -58,7 +58,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_grid, &QWidget::customContextMenuRequested, this, &KNResultSection::showMenu);
     connect(m_grid, &KNResultGridView::copyRequested, this,
-            [this] { copySelection(ResultCopy::Format::Text); });
+            [this] { copySelection(QStringLiteral("text")); });
     connect(m_grid, &KNResultGridView::valueRequested, this, &KNResultSection::showValue);
     connect(m_grid, &KNResultGridView::sortRequested, this, &KNResultSection::toggleSorting);
     connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));
@@ -109,9 +109,10 @@ void KNResultSection::updateCaption()
         action->setEnabled(m_model.isFinished());
 }
 
-void KNResultSection::copySelection(ResultCopy::Format format)
+void KNResultSection::copySelection(const QString &format)
 {
-    m_copier->copy(m_grid->selectedRows(), format);
+    if (const ResultFormat *const found = ResultFormat::named(format))
+        m_copier->copy(m_grid->selectedRows(), *found);
 }
 
 void KNResultSection::openFilter()
@@ -164,20 +165,17 @@ void KNResultSection::addActions()
 
 void KNResultSection::addCopyActions()
 {
-    using Format = ResultCopy::Format;
-    addAction(QStringLiteral("&Copy"), QKeySequence::Copy, [this] { copySelection(Format::Text); });
-    addAction(QStringLiteral("Copy with &Headers"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C),
-              [this] { copySelection(Format::TextWithHeaders); });
-    QMenu *const others = m_menu->addMenu(QStringLiteral("Copy A&s"));
-    const QList<QPair<QString, Format>> formats = {
-        {QStringLiteral("&CSV"), Format::Csv},
-        {QStringLiteral("&JSON"), Format::Json},
-        {QStringLiteral("&INSERT Statements"), Format::Insert},
-        {QStringLiteral("I&N List"), Format::InList},
-        {QStringLiteral("&Markdown"), Format::Markdown},
+    const auto addCopy = [this](const char *name, const QKeySequence &shortcut) {
+        const QString format = QString::fromLatin1(name);
+        addAction(ResultFormat::named(format)->localizedTitle(), shortcut,
+                  [this, format] { copySelection(format); });
     };
-    for (const auto &[text, format] : formats)
-        connect(others->addAction(text), &QAction::triggered, this, [this, f = format] { copySelection(f); });
+    addCopy("text", QKeySequence::Copy);
+    addCopy("text-with-headers", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    QMenu *const others = m_menu->addMenu(QStringLiteral("Copy A&s"));
+    for (const ResultFormat &format : ResultFormat::offeredFor(ResultFormat::CopyAs))
+        connect(others->addAction(format.localizedTitle()), &QAction::triggered, this,
+                [this, name = format.name] { copySelection(name); });
 }
 
 void KNResultSection::addArrangingActions()

@@ -34,7 +34,7 @@ public:
     int heightForRows(int rows) const;
 
     /// Puts what is selected on the clipboard.
-    void copySelection(ResultCopy::Format format);
+    void copySelection(const QString &format);
     /// Sorts by a column: ascending, descending, as the rows arrived, in turn.
     void toggleSorting(int column);
 

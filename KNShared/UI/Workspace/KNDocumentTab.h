@@ -13,8 +13,8 @@
 #include <memory>
 #include <optional>
 
-/// A document of a workspace: a query, a table designer and the like, shown as one tab of a window. The window
-/// knows documents through this class alone. On the UI thread.
+/// A document of a workspace: a query, a table designer and the like, shown as one tab of a window. The
+/// window knows documents through this class alone. On the UI thread.
 class KNSHAREDUI_EXPORT KNDocumentTab : public QWidget
 {
     Q_OBJECT

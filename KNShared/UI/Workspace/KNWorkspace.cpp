@@ -23,17 +23,18 @@ KNWorkspace::~KNWorkspace() = default;
 
 void KNWorkspace::openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use)
 {
-    KNQueryLoading::load(loader, *details,
-                         [self = weakPointer(), details, use](const QString &text, const KNQueryReport &report) {
-                             const auto workspace = self.lock();
-                             if (!workspace)
-                                 return;
-                             if (text.isNull())
-                                 workspace->showLoadFailure(report);
-                             else
-                                 workspace->openQueryText(report.guardedText(text), details,
-                                                          report.needsAttention() ? QueryUse::Show : use);
-                         });
+    KNQueryLoading::load(
+        loader, *details,
+        [self = weakPointer(), details, use](const QString &text, const KNQueryReport &report) {
+            const auto workspace = self.lock();
+            if (!workspace)
+                return;
+            if (text.isNull())
+                workspace->showLoadFailure(report);
+            else
+                workspace->openQueryText(report.guardedText(text), details,
+                                         report.needsAttention() ? QueryUse::Show : use);
+        });
 }
 
 void KNWorkspace::showLoadFailure(const KNQueryReport &report)

@@ -11,7 +11,8 @@
 class KNDocumentTab;
 class QWidget;
 
-/// The window of one connection, as the actions of its object tree and its documents see it. On the UI thread.
+/// The window of one connection, as the actions of its object tree and its documents see it. On the UI
+/// thread.
 class KNSHAREDUI_EXPORT KNWorkspace
 {
 public:

@@ -13,7 +13,15 @@ using namespace ResultTesting;
 
 namespace {
 
-using Format = ResultCopy::Format;
+namespace Format {
+constexpr auto Text = "text";
+constexpr auto TextWithHeaders = "text-with-headers";
+constexpr auto Csv = "csv";
+constexpr auto Json = "json";
+constexpr auto Insert = "insert";
+constexpr auto InList = "in-list";
+constexpr auto Markdown = "markdown";
+} // namespace Format
 
 ResultRows all(const KNDatabaseResultSetPtr &result)
 {
@@ -23,15 +31,16 @@ ResultRows all(const KNDatabaseResultSetPtr &result)
     return rows;
 }
 
-ResultCopy copyOf(const ResultRows &rows, Format format, qint64 largestSize = ResultCopy::LargestSize)
+ResultCopy copyOf(const ResultRows &rows, const char *format, qint64 largestSize = ResultCopy::LargestSize)
 {
     FakeDatabase::Server server;
     const std::atomic<bool> cancelled = false;
-    return ResultCopy::make(rows, format, FakeDatabase::Settings(server).copy(), QStringLiteral("NULL"),
-                            cancelled, largestSize);
+    return ResultCopy::make(rows, *ResultFormat::named(QString::fromLatin1(format)),
+                            FakeDatabase::Settings(server).copy(), QStringLiteral("NULL"), cancelled,
+                            largestSize);
 }
 
-QString copied(const KNDatabaseResultSetPtr &result, Format format)
+QString copied(const KNDatabaseResultSetPtr &result, const char *format)
 {
     return copyOf(all(result), format).text;
 }
@@ -173,7 +182,7 @@ TEST(CopiedRows, HoldWhatIsStoredInEveryFormat)
     EXPECT_EQ(copied(stored, Format::Text), date + QLatin1Char('\t') + money + QStringLiteral("\t0x0AFF"));
     EXPECT_EQ(copied(stored, Format::Csv),
               QStringLiteral("a,b,c\n") + date + QLatin1Char(',') + money + QStringLiteral(",0x0AFF\n"));
-    for (const Format format : {Format::Json, Format::Insert, Format::InList, Format::Markdown}) {
+    for (const char *const format : {Format::Json, Format::Insert, Format::InList, Format::Markdown}) {
         const QString text = copied(stored, format);
         EXPECT_TRUE(text.contains(QStringLiteral("01:30:00.000"))) << text.toStdString();
         EXPECT_TRUE(text.contains(money)) << text.toStdString();

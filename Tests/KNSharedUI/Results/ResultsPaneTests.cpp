@@ -184,13 +184,13 @@ TEST(ResultSection, CopiesWhatIsSelected)
     };
     EXPECT_EQ(press(Qt::ControlModifier), QStringLiteral("1\tx\n2\tNULL"));
     EXPECT_EQ(press(Qt::ControlModifier | Qt::ShiftModifier), QStringLiteral("id\tname\n1\tx\n2\tNULL"));
-    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::Insert); }),
+    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(QStringLiteral("insert")); }),
               QStringLiteral(
                   "INSERT INTO table_name (\"id\", \"name\") VALUES\r\n\t(1, 'x'),\r\n\t(2, NULL);\r\n"));
     EXPECT_EQ(shown.clipboardAfter([&] { QMetaObject::invokeMethod(section.grid(), "copy"); }),
               QStringLiteral("1\tx\n2\tNULL"));
     section.grid()->selectColumn(0, QItemSelectionModel::ClearAndSelect);
-    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(ResultCopy::Format::InList); }),
+    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(QStringLiteral("in-list")); }),
               QStringLiteral("(1, 2)"));
     section.grid()->clearSelection();
     EXPECT_EQ(press(Qt::ControlModifier), QStringLiteral("before")) << "nothing is selected";

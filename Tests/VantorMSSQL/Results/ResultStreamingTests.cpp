@@ -109,7 +109,7 @@ TEST(ResultStreaming, CopiesInsertsThatGiveTheSameRowsAgain)
     const QList<KNRow> before = rows();
     ASSERT_EQ(server.pane.rowCount(), 2);
     server.pane.section(0)->grid()->selectAll();
-    server.pane.section(0)->copySelection(ResultCopy::Format::Insert);
+    server.pane.section(0)->copySelection(QStringLiteral("insert"));
     ASSERT_TRUE(waitFor([&] { return !server.pane.section(0)->copier()->isCopying(); }));
     const QString inserts =
         QGuiApplication::clipboard()->text().replace(QLatin1String("table_name"), QLatin1String("#t"));

@@ -4,8 +4,8 @@
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "UI/Workspace/KNWorkspace.h"
 
-/// Adds the actions of SQL Server's object tree to the helper of a window's tree. Each family of actions has a
-/// source of its own, MSSQLDatabaseTreeContextHelper<Family>. On the UI thread.
+/// Adds the actions of SQL Server's object tree to the helper of a window's tree. Each family of actions has
+/// a source of its own, MSSQLDatabaseTreeContextHelper<Family>. On the UI thread.
 class MSSQLDatabaseTreeContextHelper
 {
 public:
@@ -23,11 +23,12 @@ public:
     using Action = std::function<void(KNWorkspace &workspace, const KNMenuRepresentedObject &object)>;
     void addAction(const QString &name, Action action);
 
-    /// Adds an action on an entry of one class: the one that the menu item represents, or else the selected one.
-    /// It does nothing for entries of other classes.
+    /// Adds an action on an entry of one class: the one that the menu item represents, or else the selected
+    /// one. It does nothing for entries of other classes.
     template <typename Entry>
-    void addEntryAction(const QString &name,
-                        std::function<void(KNWorkspace &workspace, const std::shared_ptr<Entry> &entry)> action)
+    void
+    addEntryAction(const QString &name,
+                   std::function<void(KNWorkspace &workspace, const std::shared_ptr<Entry> &entry)> action)
     {
         addAction(name, [action = std::move(action)](KNWorkspace &workspace,
                                                      const KNMenuRepresentedObject &object) {

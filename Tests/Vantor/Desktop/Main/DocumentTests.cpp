@@ -34,12 +34,11 @@ public:
     SQLRecentConnectionList &recentConnections() const override { throw std::logic_error("not used"); }
     void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const override
     {
-        helper.addAction(QStringLiteral("openDummy:"),
-                         [pointer = workspace.weakPointer()](const KNMenuRepresentedObject &) {
-                             if (const auto existing = pointer.lock())
-                                 existing->openDocument(
-                                     std::make_unique<DummyDocument>(existing->selectedSettings()));
-                         });
+        helper.addAction(QStringLiteral("openDummy:"), [pointer = workspace.weakPointer()](
+                                                           const KNMenuRepresentedObject &) {
+            if (const auto existing = pointer.lock())
+                existing->openDocument(std::make_unique<DummyDocument>(existing->selectedSettings()));
+        });
     }
     std::unique_ptr<KNDocumentTab> restoreDocument(const KNDocumentState &state,
                                                    KNWorkspace &workspace) const override
@@ -182,7 +181,8 @@ TEST_F(Documents, AreRestoredByTheirConnectorAtTheirPosition)
 {
     open(QStringLiteral("documents restored"));
     DummyDocument *const document = openDummy();
-    document->state = KNDocumentState{QStringLiteral("7"), DummyKind, {{QStringLiteral("title"), QStringLiteral("Orders")}}};
+    document->state = KNDocumentState{
+        QStringLiteral("7"), DummyKind, {{QStringLiteral("title"), QStringLiteral("Orders")}}};
     Q_EMIT document->stateChanged();
     window->newQuery();
     DesktopTesting::currentQuery(*window)->insertText(QStringLiteral("select 1"));

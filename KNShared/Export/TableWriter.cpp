@@ -1,7 +1,7 @@
-#include "CommandLine/TableWriter.h"
+#include "Export/TableWriter.h"
 
-#include "CommandLine/Terminal.h"
 #include "Database/KNCellText.h"
+#include "Foundation/KNTerminalText.h"
 
 #include <algorithm>
 
@@ -27,9 +27,9 @@ void TableWriter::beginResult(const QStringList &columnNames)
     m_columnNames.clear();
     m_widths.clear();
     for (const QString &name : columnNames) {
-        const QString escaped = Terminal::escapedInOneLine(name);
+        const QString escaped = KNTerminalText::escapedInOneLine(name);
         m_columnNames.append(escaped.toUtf8());
-        m_widths.append(Terminal::displayWidth(escaped));
+        m_widths.append(KNTerminalText::displayWidth(escaped));
     }
     m_held.clear();
     m_holding = true;
@@ -71,11 +71,11 @@ TableWriter::Field TableWriter::fieldOf(const KNRowCell &cell)
     else
         KNCellText::append(m_text, cell);
     if (!isPrintableAscii(m_text.data(), m_text.size())) {
-        const QString escaped = Terminal::escapedInOneLine(
+        const QString escaped = KNTerminalText::escapedInOneLine(
             QString::fromUtf8(m_text.data(), static_cast<qsizetype>(m_text.size())));
         m_text.clear();
         m_text.append(escaped.toUtf8());
-        return {textOf(m_text), Terminal::displayWidth(escaped), false};
+        return {textOf(m_text), KNTerminalText::displayWidth(escaped), false};
     }
     return {textOf(m_text), static_cast<qsizetype>(m_text.size()), cell.isNumber()};
 }
@@ -93,7 +93,8 @@ void TableWriter::writeHeld()
             m_widths[i] = std::max(m_widths[i], std::min(line[i].width, WidestColumn));
     }
     for (qsizetype i = 0; i < m_columnNames.size(); ++i)
-        writeField(i, {m_columnNames[i], Terminal::displayWidth(QString::fromUtf8(m_columnNames[i])), false});
+        writeField(
+            i, {m_columnNames[i], KNTerminalText::displayWidth(QString::fromUtf8(m_columnNames[i])), false});
     endLine();
     for (qsizetype i = 0; i < m_widths.size(); ++i) {
         if (i > 0)

@@ -5,7 +5,7 @@
 /// A table for people: columns as wide as their first rows need, numbers to the right, NULL written out, line
 /// ends and tabs shown as signs, other control characters escaped. Wider values that come later push their
 /// row out of line rather than being cut.
-class TableWriter : public DeviceWriter
+class KNSHARED_EXPORT TableWriter : public DeviceWriter
 {
 public:
     explicit TableWriter(QIODevice &device)
