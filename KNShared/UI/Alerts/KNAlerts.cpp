@@ -1,6 +1,7 @@
 #include "UI/Alerts/KNAlerts.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -44,11 +45,13 @@ private:
         auto *const box = new QMessageBox(parent);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->setIcon(icon);
-        box->setTextFormat(Qt::PlainText);
         box->setTextInteractionFlags(Qt::TextSelectableByMouse);
         box->setText(title.isEmpty() ? text : title);
         if (!title.isEmpty())
             box->setInformativeText(text);
+        // setTextFormat() leaves the informative text out.
+        for (QLabel *const label : box->findChildren<QLabel *>())
+            label->setTextFormat(Qt::PlainText);
         return box;
     }
 
