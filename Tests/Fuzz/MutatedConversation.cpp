@@ -2,6 +2,7 @@
 
 #include "Fuzz/BoundedProgram.h"
 #include "Fuzz/MutatingRelay.h"
+#include "Support/SampleServerFixture.h"
 
 #include <algorithm>
 #include <fstream>
@@ -131,6 +132,8 @@ std::string faultOf(const BoundedProgram::Outcome &outcome, const std::string &w
         fault << "Its exit status was " << outcome.status << ".\n";
     if (outcome.maximumKilobytes > MostMegabytes * 1024)
         fault << "It used " << outcome.maximumKilobytes / 1024 << " MB.\n";
+    if (written.find(SampleServerFixture::Password) != std::string::npos)
+        fault << "It wrote the password.\n";
     for (const char *text : {"Assertion failed", "Internal error", "runtime error:", "Sanitizer"})
         if (written.find(text) != std::string::npos)
             fault << "It wrote: " << text << "\n";
