@@ -56,6 +56,13 @@ TEST(SSHCommand, TakesNoHostForAnOption)
     through.host = QStringLiteral("-oProxyCommand=x");
     const QStringList arguments = forward(through);
     EXPECT_EQ(arguments.at(arguments.size() - 2), QStringLiteral("--"));
+    // What follows an option that has a value is that value.
+    through.username = QStringLiteral("-oProxyCommand=y");
+    through.keyFile = QStringLiteral("-oProxyCommand=z");
+    EXPECT_EQ(argumentAfter(forward(through), "-l"), QStringLiteral("-oProxyCommand=y"));
+    EXPECT_EQ(argumentAfter(forward(through), "-i"), QStringLiteral("-oProxyCommand=z"));
+    EXPECT_EQ(argumentAfter(forward(model(), QStringLiteral("-oProxyCommand=v")), "-L"),
+              QStringLiteral("127.0.0.1:40000:-oProxyCommand=v:1433"));
     EXPECT_EQ(argumentAfter(forward(model(), QStringLiteral("fe80::1")), "-L"),
               QStringLiteral("127.0.0.1:40000:[fe80::1]:1433"));
 }
