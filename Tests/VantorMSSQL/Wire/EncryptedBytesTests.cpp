@@ -204,6 +204,36 @@ TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
     }
 }
 
+/// Every byte of the server's answer about encryption, and every wish that a client could be given.
+TEST(EncryptedBytes, StayHiddenWhateverThePreloginIsChangedTo)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
+    const auto expectHidden = [&](HostileServerRelay &relay) {
+        const auto details = encryptedSettings(relay.port());
+        QVariantMap parameters = details->sessionParameters();
+        parameters.insert(QStringLiteral("loginTimeout"), 1);
+        details->setSessionParameters(parameters);
+        MSSQLClient client(details);
+        KNError error;
+        const bool isConnected = client.connect(&error);
+        EXPECT_NE(isConnected, bool(error));
+        EXPECT_FALSE(canReadPassword(relay.saidByClient(), details->password()));
+    };
+    constexpr std::uint64_t AnswerBytes = 43; // with the header of its packet
+    for (std::uint64_t at = 0; at < AnswerBytes; ++at) {
+        SCOPED_TRACE(at);
+        HostileServerRelay relay(server.port(), HostileServerRelay::Fault::Corrupt, at);
+        expectHidden(relay);
+    }
+    for (const int wish :
+         {0, 1, 2, 3, 4, 5, 0x10, 0x20, 0x40, 0x7F, 0x80, 0x81, 0x82, 0x83, 0xA0, 0xFE, 0xFF}) {
+        SCOPED_TRACE(wish);
+        HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+        changeWish(relay, static_cast<std::uint8_t>(wish));
+        expectHidden(relay);
+    }
+}
+
 TEST(EncryptedBytes, AreReadableWithoutEncryption)
 {
     const Listening listening("off");

@@ -237,6 +237,38 @@ TEST(Certificate, OfAnotherHostIsTakenOnlyWithoutTheCheck)
     EXPECT_EQ(failureOf(withParameters(details, parameter("checkHostName", false))), Connected);
 }
 
+/// The rules of RFC 6125: whole names without regard to case, a wildcard for one label, no address among
+/// names.
+TEST(Certificate, WithANameLikeTheTypedOneIsRefused)
+{
+    struct Case
+    {
+        const char *typed;
+        std::vector<std::string> names;
+        bool isFor;
+    };
+    const Case cases[] = {
+        {"localhost", {"localhost"}, true},
+        {"localhost", {"LocalHost"}, true},
+        {"localhost", {"sql.example", "localhost"}, true},
+        {"localhost", {"*"}, false},
+        {"localhost", {"*host"}, false},
+        {"localhost", {"local*"}, false},
+        {"localhost", {"*.localhost"}, false},
+        {"localhost", {"localhost.example"}, false},
+        {"localhost", {"xlocalhost"}, false},
+        {"localhost", {"localhos"}, false},
+        {"127.0.0.1", {"127.0.0.1.example"}, false},
+        {"127.0.0.1", {"*.0.0.1"}, false},
+    };
+    for (const Case &one : cases) {
+        SCOPED_TRACE(one.names.back());
+        const SampleServerFixture server(serving(certificates().issue({one.names, {}})));
+        const std::string failure = failureOf(withHostName(encryptedSettings(server.port()), one.typed));
+        EXPECT_EQ(failure == Connected, one.isFor) << failure;
+    }
+}
+
 TEST(Certificate, ForClientsOnlyIsRefused)
 {
     for (const bool isSelfSigned : {false, true}) {
