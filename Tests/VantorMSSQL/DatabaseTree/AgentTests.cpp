@@ -117,3 +117,37 @@ TEST_F(Federations, AFailureIsLoggedAndShown)
     EXPECT_EQ(names(section), list({"No."}));
     EXPECT_TRUE(wasLogged("Error mssqsql.databaseTree.loadFederations 911: No."));
 }
+
+TEST_F(Agent, JobsWithHostileNamesAreShownAndReachNoStatement)
+{
+    const QStringList hostile =
+        list({"a]; DROP TABLE dbo.victim; --", "it's", "@at", "#hash", "<img src=x>", "%@%s"});
+    server->answer("List_AgentJobs", {{"1", "a]; DROP TABLE dbo.victim; --"},
+                                      {"2", "it's"},
+                                      {"3", "@at"},
+                                      {"4", "#hash"},
+                                      {"5", "<img src=x>"},
+                                      {"6", "%@%s"}});
+    const Ptr jobs = entry({"SQL Server Agent", "Jobs"});
+    load(jobs);
+    EXPECT_EQ(names(jobs), hostile);
+    const auto titlesBefore = server->titles();
+    for (const Ptr &job : *jobs->childEntries())
+        EXPECT_EQ(titles(job->menu()), list({"Start job", "Stop job"}));
+    EXPECT_TRUE(settle());
+    EXPECT_EQ(server->titles(), titlesBefore);
+}
+
+TEST_F(Federations, WithHostileNamesAreShownAndReachNoStatement)
+{
+    server->answer("List_Federations", {{1, "a]; DROP TABLE dbo.victim; --", "c] = 1; --", "bigint", "RANGE"},
+                                        {2, "@at", "#hash", "it's", "%@"}});
+    const Ptr section = entry({"shop", "Federations"});
+    load(section);
+    EXPECT_EQ(names(section), list({"a]; DROP TABLE dbo.victim; --", "@at"}));
+    const auto titlesBefore = server->titles();
+    for (const Ptr &federation : *section->childEntries())
+        EXPECT_EQ(text(item(federation->menu(), list({"Connect"}))), QStringLiteral(""));
+    EXPECT_TRUE(settle());
+    EXPECT_EQ(server->titles(), titlesBefore);
+}
