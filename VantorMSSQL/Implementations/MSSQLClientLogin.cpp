@@ -9,6 +9,7 @@
 #include <sybdb.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <memory>
 
@@ -43,9 +44,24 @@ bool waitForTurn(MSSQLCancellation &cancellation)
     return true;
 }
 
-struct TurnEnd
+/// The turn of a login. It ends with the object, or before when db-lib does not come back.
+class Turn
 {
-    ~TurnEnd() { connectSemaphore().signal(); }
+public:
+    Turn() = default;
+    ~Turn() { end(); }
+    Turn(const Turn &) = delete;
+    Turn &operator=(const Turn &) = delete;
+
+    /// Lets the next login begin. Any thread.
+    void end()
+    {
+        if (!m_isOver.exchange(true))
+            connectSemaphore().signal();
+    }
+
+private:
+    std::atomic<bool> m_isOver = false;
 };
 
 /// Variables with which db-lib would let itself be sent elsewhere, or write passwords to a file. Logins are
@@ -162,7 +178,7 @@ bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file, const 
 {
     if (!waitForTurn(m_cancellation))
         return false;
-    const TurnEnd turn;
+    Turn turn;
     shieldFromEnvironment();
     dbsetifile(file.path().data());
     // The time-out is db-lib's for the whole process; logins are serialised here, so each runs under its own.
@@ -171,7 +187,7 @@ bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file, const 
         return false;
     DBPROCESS *handle = nullptr;
     {
-        const MSSQLLoginWatch watch(m_cancellation, server.port);
+        const MSSQLLoginWatch watch(m_cancellation, server.port, [&turn] { turn.end(); });
         handle = tdsdbopen(login, file.entry().constData(), 1);
     }
     if (handle) {

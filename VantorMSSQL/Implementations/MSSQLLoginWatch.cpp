@@ -21,9 +21,11 @@ int openEndEvent()
 
 } // namespace
 
-MSSQLLoginWatch::MSSQLLoginWatch(const MSSQLCancellation &cancellation, quint16 port)
+MSSQLLoginWatch::MSSQLLoginWatch(const MSSQLCancellation &cancellation, quint16 port,
+                                 std::function<void()> giveUp)
     : m_cancellation(cancellation)
     , m_port(port)
+    , m_giveUp(std::move(giveUp))
     , m_before(MSSQLOwnSockets::open())
     , m_end(openEndEvent())
     , m_thread([this] { watch(); })
@@ -43,8 +45,14 @@ void MSSQLLoginWatch::watch() const
         return;
     // Where a name has several addresses, db-lib goes on with the next one.
     constexpr int Pause = 20; // milliseconds
+    constexpr std::chrono::seconds Patience(5);
+    const auto last = MSSQLCancellation::Clock::now() + Patience;
     pollfd end = {m_end, POLLIN, 0};
     do {
         MSSQLOwnSockets::shutDown(m_port, m_before);
-    } while (poll(&end, 1, Pause) <= 0);
+        if (poll(&end, 1, Pause) > 0)
+            return;
+    } while (MSSQLCancellation::Clock::now() < last);
+    // From now on a new socket may be another login's.
+    m_giveUp();
 }

@@ -2,6 +2,7 @@
 
 #include "Implementations/MSSQLOwnSockets.h"
 
+#include <functional>
 #include <thread>
 
 class MSSQLCancellation;
@@ -13,8 +14,10 @@ class MSSQLCancellation;
 class MSSQLLoginWatch
 {
 public:
-    /// `port` is the one that db-lib connects to. The cancellation must outlive the watch.
-    MSSQLLoginWatch(const MSSQLCancellation &cancellation, quint16 port);
+    /// `port` is the one that db-lib connects to. `giveUp` is called once, on the watch's thread, when db-lib
+    /// does not return although its socket is gone: it never may, and other logins need not wait for it. The
+    /// cancellation must outlive the watch.
+    MSSQLLoginWatch(const MSSQLCancellation &cancellation, quint16 port, std::function<void()> giveUp);
     /// The login is over.
     ~MSSQLLoginWatch();
     MSSQLLoginWatch(const MSSQLLoginWatch &) = delete;
@@ -25,6 +28,7 @@ private:
 
     const MSSQLCancellation &m_cancellation;
     const quint16 m_port;
+    const std::function<void()> m_giveUp;
     const std::set<ino_t> m_before;
     const int m_end; ///< an eventfd
     std::thread m_thread;

@@ -216,3 +216,34 @@ TEST(UnreachableServer, IsCalledSqlServerAndNamed)
     ASSERT_FALSE(own.isEmpty());
     EXPECT_TRUE(own.first().contains(QStringLiteral("Adaptive Server is unavailable or does not exist")));
 }
+
+/// FreeTDS never leaves a FEATUREEXTACK that the end of the connection cuts. Its thread would hold up the end
+/// of this process, so all of it happens in another one.
+TEST(HangingLogin, ThatTheLibraryNeverLeavesLetsOthersLogIn)
+{
+    const auto hangAndLogIn = [] {
+        constexpr std::uint8_t FeatureExtAck = 0xAE, Utf8Support = 0x0A; // with a length of a megabyte
+        HostileServer server(
+            {HostileServer::expect(PreloginPacket), HostileServer::send(packet(preloginAnswer())),
+             HostileServer::expect(LoginPacket),
+             HostileServer::send(
+                 packet(joined({loginAck(), {FeatureExtAck, Utf8Support, 0, 0, 0x10, 0}, done()})))});
+        const auto hanging = settings(server.port());
+        hanging->setSessionParameters({{QStringLiteral("loginTimeout"), 1}});
+        std::atomic<bool> hasEnded = false;
+        std::thread([&] {
+            MSSQLClient client(hanging);
+            KNError error;
+            client.connect(&error);
+            hasEnded = true;
+        }).detach();
+        const bool hasBegun = waitFor([&] { return server.connectionCount() >= 2; }); // one is for the check
+        std::this_thread::sleep_for(500ms);
+        MSSQLClient other(settings(SampleServerFixture::shared().port()));
+        KNError error;
+        const bool isIn = other.connect(&error);
+        _exit(!hasBegun ? 2 : hasEnded ? 3 : isIn ? 0 : 1);
+    };
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(hangAndLogIn(), testing::ExitedWithCode(0), "");
+}
