@@ -175,6 +175,19 @@ void requireRoom(std::size_t bytes)
         throw outOfMemory();
 }
 
+EngineError nameTaken(const std::string &name)
+{
+    return {2714, 16, 6, "There is already an object named '" + name + "' in the database.",
+            ErrorEffect::EndsBatch};
+}
+
+EngineError noSuchDatabase(const std::string &name)
+{
+    return {911, 16, 1,
+            "Database '" + name + "' does not exist. Make sure that the name is entered correctly.",
+            ErrorEffect::EndsBatch};
+}
+
 EngineError stackLimit()
 {
     return {8631, 17, 1,

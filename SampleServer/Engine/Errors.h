@@ -39,7 +39,9 @@ inline constexpr std::size_t LargestValue = 256U * 1024 * 1024;
 EngineError outOfMemory(); ///< 701
 /// Throws outOfMemory() for a value that would be larger than LargestValue.
 void requireRoom(std::size_t bytes);
-EngineError stackLimit(); ///< 8631
+EngineError nameTaken(const std::string &name);      ///< 2714
+EngineError noSuchDatabase(const std::string &name); ///< 911
+EngineError stackLimit();                            ///< 8631
 
 EngineError divideByZero();                                                                       ///< 8134
 EngineError overflow(std::string_view from, std::string_view to, int state);                      ///< 8115

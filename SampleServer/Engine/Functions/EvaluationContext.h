@@ -11,6 +11,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace SampleServer {
 
@@ -58,6 +59,8 @@ struct EvaluationContext
     std::function<std::optional<std::string>(std::int64_t)> databaseName;
     /// Runs a scalar function of the user's.
     std::function<Value(const Module &, std::span<const Value>)> callFunction;
+    /// Runs a multi-statement function of the user's and returns its rows.
+    std::function<std::vector<std::vector<Value>>(const Module &, std::span<const Value>)> callTableFunction;
     std::set<std::string> updatedColumns; ///< folded names: what UPDATE(column) knows in a trigger
     /// The current value of a variable (with its @), for expressions that must see changes while a query
     /// runs.

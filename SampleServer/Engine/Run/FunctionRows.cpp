@@ -1,8 +1,6 @@
-#include "Engine/Run/Interpreter.h"
-#include "Engine/Storage/RowProvider.h"
+#include "Engine/Run/FunctionRows.h"
 #include "Engine/Storage/SqliteCodec.h"
 
-// The rows of multi-statement functions as SQLite reads them.
 namespace SampleServer {
 
 namespace {
@@ -62,10 +60,10 @@ private:
 
 } // namespace
 
-std::shared_ptr<const RowProvider> Interpreter::functionRows(const ModulePtr &module, const DatabasePtr &)
+std::shared_ptr<const RowProvider> rowsOfFunction(const EvaluationContext &context, ModulePtr module)
 {
-    return std::make_shared<const FunctionRows>(module, [this, module](std::span<const Value> arguments) {
-        return callTableFunction(*module, arguments);
+    return std::make_shared<const FunctionRows>(module, [&context, module](std::span<const Value> arguments) {
+        return context.callTableFunction(*module, arguments);
     });
 }
 

@@ -1,7 +1,7 @@
 #include "Engine/Run/InsteadOf.h"
 #include "Engine/Errors.h"
 #include "Engine/Parse/Parser.h"
-#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/TriggerRunner.h"
 
 namespace SampleServer {
 
@@ -19,14 +19,16 @@ bool standsInFor(const Module &trigger, TableChange::Event event)
 
 } // namespace
 
-InsteadOf::InsteadOf(Interpreter &interpreter, const Ast::ObjectName &name, TableChange::Event event)
-    : m_interpreter(interpreter)
+InsteadOf::InsteadOf(QueryExecutor &queries, TriggerRunner &triggers, const Ast::ObjectName &name,
+                     TableChange::Event event)
+    : m_queries(queries)
+    , m_triggerRunner(triggers)
 {
-    const Interpreter::FoundObject found = interpreter.findObject(name);
+    const FoundObject found = queries.names().findObject(name);
     if (!found.object || !found.database)
         return;
     for (const ModulePtr &trigger : found.database->triggersOf(found.object->id))
-        if (standsInFor(*trigger, event) && !interpreter.m_insteadOf.contains(trigger->id))
+        if (standsInFor(*trigger, event) && !triggers.isRunningInsteadOf(*trigger))
             m_trigger = trigger;
     const auto *view =
         found.object->kind == ObjectKind::View ? dynamic_cast<const Module *>(found.object.get()) : nullptr;
@@ -41,8 +43,8 @@ InsteadOf::~InsteadOf()
 {
     if (!m_target.table)
         return;
-    m_interpreter.eraseTemporary(*m_target.table);
-    m_interpreter.m_connection.dropTemporary(m_target.table->physicalName());
+    m_queries.store().eraseTemporary(*m_target.table);
+    m_queries.session().connection.dropTemporary(m_target.table->physicalName());
 }
 
 void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableColumn> &columns,
@@ -58,17 +60,17 @@ void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableC
         column.computed = {};
         column.rowVersion = false;
     }
-    Transactions::Change change(m_interpreter.m_transactions);
-    m_target = m_interpreter.createTable(std::move(copy), nullptr);
+    Transactions::Change change(m_queries.session().transactions);
+    m_target = m_queries.store().createTable(std::move(copy), nullptr);
     change.finish();
     if (!withRows)
         return;
-    const Bound::QueryPtr query = m_interpreter.binder().bindSelect(Ast::selectAll(name));
+    const Bound::QueryPtr query = m_queries.binder().bindSelect(Ast::selectAll(name));
     std::vector<std::vector<Value>> rows;
-    m_interpreter.fetch(*query,
-                        [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
-    Transactions::Change filling(m_interpreter.m_transactions);
-    RowWriter writer(m_interpreter, m_target);
+    m_queries.fetch(*query,
+                    [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
+    Transactions::Change filling(m_queries.session().transactions);
+    RowWriter writer(m_queries, m_target);
     for (const auto &row : rows)
         writer.insert(row);
     filling.finish();
@@ -76,15 +78,8 @@ void InsteadOf::makeTarget(const Ast::ObjectName &name, const std::vector<TableC
 
 void InsteadOf::fire(const TableChange &change)
 {
-    m_interpreter.m_insteadOf.insert(m_trigger->id);
-    try {
-        m_interpreter.fireTriggers({m_trigger}, m_target.table->columns,
-                                   {change.newRows(), change.oldRows(), change.updatedColumns()});
-    } catch (...) {
-        m_interpreter.m_insteadOf.erase(m_trigger->id);
-        throw;
-    }
-    m_interpreter.m_insteadOf.erase(m_trigger->id);
+    m_triggerRunner.fireInsteadOf(m_trigger, m_target.table->columns,
+                                  {change.newRows(), change.oldRows(), change.updatedColumns()});
 }
 
 } // namespace SampleServer

@@ -9,7 +9,8 @@ namespace SampleServer {
 class InsteadOf
 {
 public:
-    InsteadOf(Interpreter &interpreter, const Ast::ObjectName &name, TableChange::Event event);
+    InsteadOf(QueryExecutor &queries, TriggerRunner &triggers, const Ast::ObjectName &name,
+              TableChange::Event event);
     ~InsteadOf();
     InsteadOf(const InsteadOf &) = delete;
     InsteadOf &operator=(const InsteadOf &) = delete;
@@ -22,7 +23,8 @@ public:
 private:
     void makeTarget(const Ast::ObjectName &name, const std::vector<TableColumn> &columns, bool withRows);
 
-    Interpreter &m_interpreter;
+    QueryExecutor &m_queries;
+    TriggerRunner &m_triggerRunner;
     ModulePtr m_trigger; ///< null when the statement changes the rows themselves
     Bound::TableScan m_target;
 };

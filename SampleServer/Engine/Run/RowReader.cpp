@@ -1,5 +1,5 @@
 #include "Engine/Functions/Conversion.h"
-#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/QueryExecutor.h"
 #include "Engine/Run/RowWriter.h"
 
 // How a RowWriter looks at the rows of its table.
@@ -19,7 +19,7 @@ std::string condition(const Table &table, const std::vector<std::size_t> &column
 
 bool RowWriter::hasRows()
 {
-    SqliteStatement statement(m_interpreter.m_connection, "SELECT 1 FROM " + m_place + " LIMIT 1");
+    SqliteStatement statement(m_queries.session().connection, "SELECT 1 FROM " + m_place + " LIMIT 1");
     return statement.step();
 }
 
@@ -40,7 +40,7 @@ std::vector<StoredRow> RowWriter::read(const std::string &where, const std::vect
     std::string sql = "SELECT rowid";
     for (const TableColumn &column : m_table->columns)
         sql += ", " + (column.computed ? std::string("NULL") : column.physicalName());
-    SqliteStatement statement(m_interpreter.m_connection, sql + " FROM " + m_place + where);
+    SqliteStatement statement(m_queries.session().connection, sql + " FROM " + m_place + where);
     for (std::size_t i = 0; i < columns.size(); ++i)
         statement.bind(static_cast<int>(i) + 1, values[i], m_table->columns[columns[i]].type);
     std::vector<StoredRow> rows;
@@ -57,7 +57,7 @@ std::vector<StoredRow> RowWriter::read(const std::string &where, const std::vect
 
 bool RowWriter::exists(const std::vector<std::size_t> &columns, const std::vector<Value> &values)
 {
-    SqliteStatement statement(m_interpreter.m_connection,
+    SqliteStatement statement(m_queries.session().connection,
                               "SELECT 1 FROM " + m_place + condition(*m_table, columns));
     for (std::size_t i = 0; i < columns.size(); ++i)
         statement.bind(static_cast<int>(i) + 1, values[i], m_table->columns[columns[i]].type);
@@ -66,14 +66,14 @@ bool RowWriter::exists(const std::vector<std::size_t> &columns, const std::vecto
 
 Value RowWriter::evaluate(const DefinedExpression &defined, std::int64_t rowId)
 {
-    Binder binder = m_interpreter.binder();
+    Binder binder = m_queries.binder();
     Scope scope;
     binder.enterScope(scope);
     const auto source = binder.bindTarget(m_scan, m_table->name, scope);
     const auto condition =
         binder.bindCondition(*defined.expression); // the statement's parameters are its parts
     const Emitted emitted = emitSelection({}, {condition}, {source}, nullptr, nullptr);
-    SqliteStatement statement(m_interpreter.m_connection,
+    SqliteStatement statement(m_queries.session().connection,
                               emitted.sql + " WHERE " + source->alias + ".rowid = " + std::to_string(rowId));
     statement.bind(emitted.parameters);
     Value value;
@@ -109,7 +109,7 @@ void RowWriter::numberRows(const TableColumn &column, IdentityCounter &counter)
 {
     const std::string set = "UPDATE " + m_place + " SET " + column.physicalName() + " = ? WHERE rowid = ?";
     for (const StoredRow &row : readAll()) {
-        SqliteStatement statement(m_interpreter.m_connection, set);
+        SqliteStatement statement(m_queries.session().connection, set);
         const Value number = convertValue(counter.take(), BigIntType, column.type);
         statement.bind(1, number, column.type);
         statement.bind(2, row.rowId, BigIntType);
@@ -124,7 +124,7 @@ void RowWriter::convertColumn(const TableColumn &before, const TableColumn &afte
     for (const StoredRow &row : readAll()) {
         if (isNull(row.values[place]))
             continue;
-        SqliteStatement statement(m_interpreter.m_connection, set);
+        SqliteStatement statement(m_queries.session().connection, set);
         requireFits(place, row.values[place], before.type, after.type);
         statement.bind(1, convertValue(row.values[place], before.type, after.type), after.type);
         statement.bind(2, row.rowId, BigIntType);

@@ -2,7 +2,7 @@
 #include "Engine/Bind/TypeRules.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
-#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/QueryExecutor.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
@@ -47,8 +47,8 @@ std::string keyText(const Table &table, const TableIndex &index, const std::vect
     return text + ')';
 }
 
-RowWriter::RowWriter(Interpreter &interpreter, const Bound::TableScan &scan)
-    : m_interpreter(interpreter)
+RowWriter::RowWriter(QueryExecutor &queries, const Bound::TableScan &scan)
+    : m_queries(queries)
     , m_scan(scan)
     , m_table(scan.table)
     , m_place(scan.schema + '.' + scan.table->physicalName())
@@ -68,7 +68,7 @@ Value RowWriter::assigned(std::size_t column, const Value &value, const SqlType 
     if (isNull(value))
         return value;
     requireFits(column, value, from, target.type);
-    return convertValue(value, from, target.type, {0, m_interpreter.m_context.dateOrder});
+    return convertValue(value, from, target.type, {0, m_queries.session().evaluation.dateOrder});
 }
 
 void RowWriter::requireFits(std::size_t column, const Value &value, const SqlType &from,
@@ -81,8 +81,8 @@ void RowWriter::requireFits(std::size_t column, const Value &value, const SqlTyp
         text ? utf16Substring(*text, 0, static_cast<std::size_t>(to.length)) : std::string();
     throw EngineError(2628, 16, 1,
                       "String or binary data would be truncated in table '" +
-                          m_interpreter.fullName(*m_table) + "', column '" + m_table->columns[column].name +
-                          "'. Truncated value: '" + start + "'.");
+                          m_queries.names().fullName(*m_table) + "', column '" +
+                          m_table->columns[column].name + "'. Truncated value: '" + start + "'.");
 }
 
 void RowWriter::requireNotNull(std::size_t column, const Value &value, const char *verb) const
@@ -95,14 +95,14 @@ void RowWriter::failOnNull(std::size_t column, const char *verb) const
 {
     throw EngineError(515, 16, 2,
                       "Cannot insert the value NULL into column '" + m_table->columns[column].name +
-                          "', table '" + m_interpreter.fullName(*m_table) +
+                          "', table '" + m_queries.names().fullName(*m_table) +
                           "'; column does not allow nulls. " + verb + " fails.");
 }
 
 std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,
                                               std::optional<std::int64_t> rowId)
 {
-    SqliteStatement statement(m_interpreter.m_connection, m_insertSql);
+    SqliteStatement statement(m_queries.session().connection, m_insertSql);
     statement.bind(1, rowId ? Value(*rowId) : Value(), BigIntType);
     int parameter = 1;
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -123,14 +123,14 @@ std::optional<std::int64_t> RowWriter::insert(const std::vector<Value> &row,
         return {};
     if (duplicate)
         failOnDuplicate(*duplicate, row);
-    const std::int64_t id = m_interpreter.m_connection.lastRowId();
+    const std::int64_t id = m_queries.session().connection.lastRowId();
     requireUnique(row, id);
     return id;
 }
 
 void RowWriter::remove(std::int64_t rowId)
 {
-    SqliteStatement statement(m_interpreter.m_connection, "DELETE FROM " + m_place + " WHERE rowid = ?");
+    SqliteStatement statement(m_queries.session().connection, "DELETE FROM " + m_place + " WHERE rowid = ?");
     statement.bind(1, rowId, BigIntType);
     statement.step();
 }
@@ -141,7 +141,7 @@ void RowWriter::update(std::int64_t rowId, const std::vector<std::size_t> &colum
     std::string sql;
     for (const std::size_t column : columns)
         sql += (sql.empty() ? " SET " : ", ") + m_table->columns[column].physicalName() + " = ?";
-    SqliteStatement statement(m_interpreter.m_connection, "UPDATE " + m_place + sql + " WHERE rowid = ?");
+    SqliteStatement statement(m_queries.session().connection, "UPDATE " + m_place + sql + " WHERE rowid = ?");
     for (std::size_t i = 0; i < columns.size(); ++i) {
         requireNotNull(columns[i], values[i], "UPDATE");
         statement.bind(static_cast<int>(i) + 1, values[i], m_table->columns[columns[i]].type);

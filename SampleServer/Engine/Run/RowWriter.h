@@ -9,7 +9,7 @@
 
 namespace SampleServer {
 
-class Interpreter;
+class QueryExecutor;
 
 /// A row of a table and where it is.
 struct StoredRow
@@ -23,7 +23,7 @@ struct StoredRow
 class RowWriter
 {
 public:
-    RowWriter(Interpreter &interpreter, const Bound::TableScan &scan);
+    RowWriter(QueryExecutor &queries, const Bound::TableScan &scan);
 
     /// Stores a row of all columns, computed ones being ignored; under a row id of its own unless one is
     /// given. Returns the row id; empty when an index with IGNORE_DUP_KEY left the row out. Throws
@@ -66,7 +66,7 @@ private:
                                 const std::vector<Value> &values);
     Value evaluate(const DefinedExpression &condition, std::int64_t rowId);
 
-    Interpreter &m_interpreter;
+    QueryExecutor &m_queries;
     const Bound::TableScan m_scan;
     const TablePtr m_table;
     const std::string m_place; ///< SQLite's full name of the table

@@ -1,13 +1,12 @@
+#include "Engine/Run/SystemProcedures.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
 #include "Engine/Parse/NameText.h"
-#include "Engine/Run/Interpreter.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 
 #include <algorithm>
 
-// The procedures that every server has, as far as they cannot be written in SQL.
 namespace SampleServer {
 
 namespace {
@@ -69,8 +68,8 @@ std::vector<std::string> linesOf(const std::string &text)
 
 } // namespace
 
-std::optional<std::int32_t> Interpreter::callSystemProcedure(const Ast::ObjectName &name,
-                                                             std::vector<ProcedureArgument> &arguments)
+std::optional<std::int32_t> SystemProcedures::call(const Ast::ObjectName &name,
+                                                   std::vector<ProcedureArgument> &arguments)
 {
     if (name.parts.empty())
         return {};
@@ -84,95 +83,102 @@ std::optional<std::int32_t> Interpreter::callSystemProcedure(const Ast::ObjectNa
                procedure == "SP_DROPEXTENDEDPROPERTY") {
         changeProperty(procedure, arguments);
     } else if (procedure == "SP_ADDTYPE" || procedure == "SP_DROPTYPE") {
-        const Arguments given(arguments, {"@typename", "@phystype", "@nulltype"});
-        std::string type = "TYPE ";
-        for (const UserTypePtr &known : m_database->types()) // whoever owns it
-            if (foldedName(known->name) == foldedName(given.text("@typename")))
-                type += quotedName(known->schema) + '.';
-        type += quotedName(given.text("@typename"));
-        const std::string base = " FROM " + given.text("@phystype") + ' ' + given.text("@nulltype");
-        runText(procedure == "SP_DROPTYPE" ? "DROP " + type : "CREATE " + type + base, {});
+        changeType(arguments, procedure == "SP_DROPTYPE");
     } else {
         // The rest is written in SQL, in master; it runs in the database it is called from.
-        const auto master = m_state.databases.find("master");
+        const auto master = m_session.state.databases.find("master");
         const auto module = std::dynamic_pointer_cast<const Module>(master->find("dbo", name.object()));
         if (!module || !procedure.starts_with("SP_"))
             return {};
-        const DatabasePtr database = findDatabase(name.qualifier(2));
-        return callModule(module, database ? database : m_database, arguments);
+        const DatabasePtr database = m_names.findDatabase(name.qualifier(2));
+        return m_calls.callModule(module, database ? database : m_session.database, arguments);
     }
     return 0;
 }
 
-/// sp_helptext
-void Interpreter::showText(const std::string &objectName)
+/// sp_addtype and sp_droptype
+void SystemProcedures::changeType(const std::vector<ProcedureArgument> &arguments, bool drops)
 {
-    const FoundObject found = findObject(nameFromText(objectName), false);
+    const Arguments given(arguments, {"@typename", "@phystype", "@nulltype"});
+    std::string type = "TYPE ";
+    for (const UserTypePtr &known : m_session.database->types()) // whoever owns it
+        if (foldedName(known->name) == foldedName(given.text("@typename")))
+            type += quotedName(known->schema) + '.';
+    type += quotedName(given.text("@typename"));
+    const std::string base = " FROM " + given.text("@phystype") + ' ' + given.text("@nulltype");
+    m_session.runner->runText(drops ? "DROP " + type : "CREATE " + type + base, {});
+}
+
+/// sp_helptext
+void SystemProcedures::showText(const std::string &objectName)
+{
+    const FoundObject found = m_names.findObject(nameFromText(objectName), false);
     const auto *module = dynamic_cast<const Module *>(found.object.get());
     std::string text;
     if (module && module->definition->encrypted) {
-        m_sink->message({15471, 1, 0, "The text for object '" + objectName + "' is encrypted.", {}, m_line});
+        m_session.sink->message(
+            {15471, 1, 0, "The text for object '" + objectName + "' is encrypted.", {}, m_session.line});
         return;
     }
     if (module)
         text = module->text;
     else if (!found.object)
-        throw noSuchObject(objectName, m_context.database);
+        throw noSuchObject(objectName, m_session.evaluation.database);
     else
         throw EngineError(15197, 16, 1, "There is no text for object '" + objectName + "'.");
     ColumnInfo column;
     column.name = "Text";
     column.type = {TypeId::NVarChar, 255, 0, 0};
-    m_sink->columns({column}, {});
+    m_session.sink->columns({column}, {});
     StatementEnd end;
     end.currentCommand = 0xC1;
     end.rowCount = 0;
     for (const std::string &line : linesOf(text)) {
         const Value value = line;
-        m_sink->row({&value, 1});
+        m_session.sink->row({&value, 1});
         ++*end.rowCount;
     }
-    m_sink->endStatement(end);
+    m_session.sink->endStatement(end);
 }
 
 /// sp_rename
-void Interpreter::rename(const std::string &what, const std::string &newName, const std::string &kind)
+void SystemProcedures::rename(const std::string &what, const std::string &newName, const std::string &kind)
 {
     Ast::ObjectName name = nameFromText(what);
     const EngineError ambiguous(15225, 11, 1,
                                 "No item by the name of '" + what +
-                                    "' could be found in the current database '" + m_context.database +
-                                    "', given that @itemtype was input as '" +
+                                    "' could be found in the current database '" +
+                                    m_session.evaluation.database + "', given that @itemtype was input as '" +
                                     (kind.empty() ? std::string("(null)") : kind) + "'.");
     if (name.parts.empty() || newName.empty())
         throw ambiguous;
-    m_transactions.changeDefinitions(*m_database);
-    Transactions::Change change(m_transactions);
+    m_session.transactions.changeDefinitions(*m_session.database);
+    Transactions::Change change(m_session.transactions);
     if (kind == "COLUMN" || kind == "INDEX") {
         const std::string part = name.object();
         name.parts.pop_back();
-        const Bound::TableScan scan = name.parts.empty() ? Bound::TableScan() : findOrNull(name);
+        const Bound::TableScan scan = name.parts.empty() ? Bound::TableScan() : m_names.findOrNull(name);
         if (!scan.table || !renamePart(scan, part, newName, kind == "COLUMN"))
             throw EngineError(15248, 11, 1,
                               "Either the parameter @objname is ambiguous or the claimed @objtype (" + kind +
                                   ") is wrong.");
-    } else if (const FoundObject found = findObject(name, false); found.object && found.database) {
+    } else if (const FoundObject found = m_names.findObject(name, false); found.object && found.database) {
         renameWhole(found, newName);
     } else if (!renameConstraint(name, newName)) {
         throw ambiguous;
     }
     change.finish();
-    m_sink->message(
+    m_session.sink->message(
         {15477,
          1,
          0,
          "Caution: Changing any part of an object name could break scripts and stored procedures.",
          {},
-         m_line});
+         m_session.line});
 }
 
-bool Interpreter::renamePart(const Bound::TableScan &scan, const std::string &part,
-                             const std::string &newName, bool isColumn)
+bool SystemProcedures::renamePart(const Bound::TableScan &scan, const std::string &part,
+                                  const std::string &newName, bool isColumn)
 {
     Table changed = *scan.table;
     if (isColumn) {
@@ -195,11 +201,11 @@ bool Interpreter::renamePart(const Bound::TableScan &scan, const std::string &pa
                 index.constraint.name = index.isKey() ? newName : index.constraint.name;
             }
     }
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
     return true;
 }
 
-void Interpreter::renameWhole(const FoundObject &found, const std::string &newName)
+void SystemProcedures::renameWhole(const FoundObject &found, const std::string &newName)
 {
     if (found.database->isTaken(found.object->schema, newName) &&
         foldedName(newName) != foldedName(found.object->name))
@@ -210,8 +216,8 @@ void Interpreter::renameWhole(const FoundObject &found, const std::string &newNa
     const auto renamed = [&](const auto &object) {
         auto copy = std::make_shared<std::decay_t<decltype(object)>>(object);
         copy->name = newName;
-        copy->modified = m_context.statementTime;
-        replaceObject(found.database, found.object, copy);
+        copy->modified = m_session.evaluation.statementTime;
+        m_store.replaceObject(found.database, found.object, copy);
     };
     if (const auto *table = dynamic_cast<const Table *>(found.object.get()))
         renamed(*table);
@@ -221,10 +227,10 @@ void Interpreter::renameWhole(const FoundObject &found, const std::string &newNa
         renamed(dynamic_cast<const Synonym &>(*found.object));
 }
 
-bool Interpreter::renameConstraint(const Ast::ObjectName &name, const std::string &newName)
+bool SystemProcedures::renameConstraint(const Ast::ObjectName &name, const std::string &newName)
 {
     const std::string schema = name.qualifier(1).empty() ? "dbo" : name.qualifier(1);
-    const TablePtr table = m_database->findConstraint(schema, name.object());
+    const TablePtr table = m_session.database->findConstraint(schema, name.object());
     if (!table)
         return false;
     const std::string folded = foldedName(name.object());
@@ -244,13 +250,13 @@ bool Interpreter::renameConstraint(const Ast::ObjectName &name, const std::strin
         rename(check.constraint);
     for (TableColumn &column : changed.columns)
         rename(column.defaultName);
-    replaceTable(scanOf(table, m_database), std::move(changed));
+    m_store.replaceTable(m_store.scanOf(table, m_session.database), std::move(changed));
     return true;
 }
 
-/// sp_addextendedproperty and its kin.
-void Interpreter::changeProperty(const std::string &procedure,
-                                 const std::vector<ProcedureArgument> &arguments)
+/// sp_addextendedproperty, sp_updateextendedproperty and sp_dropextendedproperty
+void SystemProcedures::changeProperty(const std::string &procedure,
+                                      const std::vector<ProcedureArgument> &arguments)
 {
     const bool drops = procedure == "SP_DROPEXTENDEDPROPERTY";
     std::vector<std::string> names = {"@name",       "@value",      "@level0type", "@level0name",
@@ -266,11 +272,11 @@ void Interpreter::changeProperty(const std::string &procedure,
     if (schema.empty()) {
         property.type = 0;
     } else if (object.empty()) {
-        const auto found = m_database->findSchema(schema);
+        const auto found = m_session.database->findSchema(schema);
         property.type = 3;
         property.major = found ? found->id : 0;
     } else {
-        const ObjectPtr found = m_database->find(schema, object);
+        const ObjectPtr found = m_session.database->find(schema, object);
         if (!found)
             throw EngineError(15135, 16, 8,
                               "Object is invalid. Extended properties are not permitted on '" + schema + '.' +
@@ -280,7 +286,7 @@ void Interpreter::changeProperty(const std::string &procedure,
         if (const auto place = !column.empty() && table ? table->findColumn(column) : std::nullopt)
             property.minor = table->columns[*place].id;
     }
-    auto properties = m_database->properties();
+    auto properties = m_session.database->properties();
     const auto known = std::find_if(properties.begin(), properties.end(), [&](const ExtendedProperty &other) {
         return other.type == property.type && other.major == property.major &&
                other.minor == property.minor && foldedName(other.name) == foldedName(property.name);
@@ -298,7 +304,7 @@ void Interpreter::changeProperty(const std::string &procedure,
         *known = property;
     else
         properties.push_back(property);
-    m_database->setProperties(std::move(properties));
+    m_session.database->setProperties(std::move(properties));
 }
 
 } // namespace SampleServer

@@ -1,7 +1,7 @@
 #include "Engine/Run/TableBuilder.h"
 #include "Engine/Bind/TypeRules.h"
 #include "Engine/Errors.h"
-#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/QueryExecutor.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -54,8 +54,8 @@ void requireKeyType(const TableColumn &column, const Table &table)
 
 } // namespace
 
-TableBuilder::TableBuilder(Interpreter &interpreter, Table table, DatabasePtr database)
-    : m_interpreter(interpreter)
+TableBuilder::TableBuilder(QueryExecutor &queries, Table table, DatabasePtr database)
+    : m_queries(queries)
     , m_table(std::move(table))
     , m_database(std::move(database))
 {
@@ -84,7 +84,7 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
                           ErrorEffect::EndsBatch);
     bool nullable = !definition.identity;
     if (!definition.computed) {
-        NamedType named = m_interpreter.findType(definition.type, column.id);
+        NamedType named = m_queries.names().findType(definition.type, column.id);
         if (named.userType && named.userType->table)
             throw Errors::unknownType(definition.type.name.toString(), column.id);
         column.type = named.type;
@@ -251,7 +251,7 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
     const bool self = foldedName(constraint.referenced.object()) == foldedName(m_table.name);
     TablePtr found;
     if (!self && m_database)
-        found = m_interpreter.findOrNull(constraint.referenced).table;
+        found = m_queries.names().findOrNull(constraint.referenced).table;
     if (!self && !found)
         throw EngineError(1767, 16, 0,
                           "Foreign key '" + key.constraint.name + "' references invalid table '" +
@@ -391,7 +391,7 @@ void TableBuilder::typeComputedColumns()
         source.columns.push_back(std::move(entry));
     }
     scope.sources.push_back(std::move(source));
-    Binder types = m_interpreter.binder();
+    Binder types = m_queries.binder();
     types.enterScope(scope);
     for (TableColumn &column : m_table.columns)
         if (column.computed) {

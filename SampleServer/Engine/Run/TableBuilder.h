@@ -6,14 +6,14 @@
 namespace SampleServer {
 
 class Binder;
-class Interpreter;
+class QueryExecutor;
 
 /// Makes a table's definition of what was written, checking what the server checks. Throws EngineError.
 class TableBuilder
 {
 public:
     /// Starts with a table that may have columns already; its schema and name are set.
-    TableBuilder(Interpreter &interpreter, Table table, DatabasePtr database);
+    TableBuilder(QueryExecutor &queries, Table table, DatabasePtr database);
 
     void add(const Ast::CreateTable &definition);
     void addColumn(const Ast::ColumnDefinition &definition);
@@ -35,7 +35,7 @@ private:
     TableIndex makeIndex(const std::vector<Ast::KeyColumn> &columns, bool clustered,
                          const Ast::IndexOptions &options) const;
 
-    Interpreter &m_interpreter;
+    QueryExecutor &m_queries;
     Table m_table;
     const DatabasePtr m_database;      ///< null for a temporary table
     std::set<std::string> m_undecided; ///< folded names of new columns that may still become NOT NULL

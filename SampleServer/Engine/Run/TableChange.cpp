@@ -1,6 +1,6 @@
 #include "Engine/Run/TableChange.h"
 #include "Engine/Functions/Conversion.h"
-#include "Engine/Run/Interpreter.h"
+#include "Engine/Run/TriggerRunner.h"
 #include "Types/Collation.h"
 
 #include <algorithm>
@@ -59,13 +59,14 @@ std::vector<std::size_t> placesOf(const Table &table, const std::vector<int> &co
 
 } // namespace
 
-TableChange::TableChange(Interpreter &interpreter, const Bound::TableScan &scan, Event event,
-                         const std::vector<std::size_t> &columns)
-    : m_interpreter(interpreter)
+TableChange::TableChange(QueryExecutor &queries, TriggerRunner &triggers, const Bound::TableScan &scan,
+                         Event event, const std::vector<std::size_t> &columns)
+    : m_queries(queries)
+    , m_triggerRunner(triggers)
     , m_scan(scan)
     , m_event(event)
     , m_columns(columns)
-    , m_writer(interpreter, scan)
+    , m_writer(queries, scan)
 {
     for (const TableIndex &index : scan.table->indexes)
         m_changesKey = m_changesKey || (index.unique && (index.filter || overlaps(index.columns, columns)));
@@ -139,7 +140,7 @@ void TableChange::update(const std::vector<StoredRow> &before, const std::vector
             m_writer.insert(after[i], before[i].rowId);
         else if (!m_columns.empty())
             m_writer.update(before[i].rowId, m_columns, valuesAt(after[i], m_columns));
-        m_interpreter.checkAttention();
+        m_queries.session().checkAttention();
     }
     for (std::size_t i = 0; i < before.size(); ++i) {
         requireChecks(before[i].rowId);
@@ -187,7 +188,7 @@ bool TableChange::hasParent(const ForeignKey &key, const std::vector<Value> &row
     for (std::size_t i = 0; i < values.size(); ++i)
         wanted.push_back(convertValue(values[i], m_scan.table->columns[key.columns[i]].type,
                                       parent->columns[places[i]].type));
-    return RowWriter(m_interpreter, m_interpreter.scanOf(parent, m_scan.database)).exists(places, wanted);
+    return RowWriter(m_queries, TableStore::scanOf(parent, m_scan.database)).exists(places, wanted);
 }
 
 /// A row that refers to its own table may find its parent only once all rows are written: those keys wait for
@@ -230,7 +231,7 @@ void TableChange::finish()
         followReferences();
     if (m_triggers.empty())
         return;
-    m_interpreter.fireTriggers(m_triggers, m_scan.table->columns, {m_new, m_old, updatedColumns()});
+    m_triggerRunner.fireTriggers(m_triggers, m_scan.table->columns, {m_new, m_old, updatedColumns()});
 }
 
 std::set<std::string> TableChange::updatedColumns() const
@@ -269,8 +270,8 @@ void TableChange::followReference(const Table &child, const ForeignKey &key, std
     if (m_writer.exists(places, oldKey)) // another row has taken the key over
         return;
     const TablePtr current = m_scan.database->findTable(child.id);
-    const Bound::TableScan scan = m_interpreter.scanOf(current, m_scan.database);
-    const auto rows = RowWriter(m_interpreter, scan).readWhere(key.columns, oldKey);
+    const Bound::TableScan scan = TableStore::scanOf(current, m_scan.database);
+    const auto rows = RowWriter(m_queries, scan).readWhere(key.columns, oldKey);
     if (rows.empty())
         return;
     const ReferentialAction action = m_event == Event::Delete ? key.onDelete : key.onUpdate;
@@ -286,12 +287,12 @@ void TableChange::act(ReferentialAction action, const ForeignKey &key, const Bou
                       const std::vector<StoredRow> &rows, const std::vector<Value> &newKey)
 {
     if (action == ReferentialAction::Cascade && m_event == Event::Delete) {
-        TableChange change(m_interpreter, child, Event::Delete);
+        TableChange change(m_queries, m_triggerRunner, child, Event::Delete);
         for (const StoredRow &row : rows)
             change.remove(row);
         return change.finish();
     }
-    TableChange change(m_interpreter, child, Event::Update, key.columns);
+    TableChange change(m_queries, m_triggerRunner, child, Event::Update, key.columns);
     std::vector<std::vector<Value>> after;
     for (const StoredRow &row : rows) {
         after.push_back(row.values);
@@ -301,7 +302,7 @@ void TableChange::act(ReferentialAction action, const ForeignKey &key, const Bou
             if (action == ReferentialAction::Cascade)
                 value = newKey[i];
             else if (action == ReferentialAction::SetDefault && column.defaultValue)
-                value = m_interpreter.evaluate(*column.defaultValue.expression, column.type);
+                value = m_queries.evaluate(*column.defaultValue.expression, column.type);
             after.back()[key.columns[i]] = std::move(value);
         }
     }

@@ -7,6 +7,8 @@
 
 namespace SampleServer {
 
+class TriggerRunner;
+
 /// The rows that one statement changes in one table, and what follows from them: CHECK constraints, foreign
 /// keys on both sides with their actions, triggers. Throws EngineError 547 and those of RowWriter.
 class TableChange
@@ -15,7 +17,7 @@ public:
     enum class Event { Insert, Update, Delete, Alter };
 
     /// `columns` are those that UPDATE sets.
-    TableChange(Interpreter &interpreter, const Bound::TableScan &scan, Event event,
+    TableChange(QueryExecutor &queries, TriggerRunner &triggers, const Bound::TableScan &scan, Event event,
                 const std::vector<std::size_t> &columns = {});
 
     RowWriter &writer() { return m_writer; }
@@ -54,7 +56,8 @@ private:
                                const std::string &column) const;
     const char *verb() const;
 
-    Interpreter &m_interpreter;
+    QueryExecutor &m_queries;
+    TriggerRunner &m_triggerRunner;
     const Bound::TableScan m_scan;
     const Event m_event;
     const std::vector<std::size_t> m_columns;

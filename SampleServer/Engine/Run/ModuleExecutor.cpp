@@ -1,9 +1,8 @@
-#include "Engine/Bind/TypeRules.h"
+#include "Engine/Run/ModuleExecutor.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
 #include "Engine/Parse/NameText.h"
 #include "Engine/Parse/Parser.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/ScopedValue.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -11,8 +10,6 @@
 namespace SampleServer {
 
 namespace {
-
-constexpr int MaxNesting = 32;
 
 struct Parameter
 {
@@ -56,98 +53,45 @@ std::vector<Parameter> parseParameters(std::string list)
 
 } // namespace
 
-/// Drops the temporary tables of a frame; with `variablesOnly` its table variables.
-void Interpreter::dropTables(TableMap &tables, bool variablesOnly)
+void ModuleExecutor::run(const Ast::Execute &node)
 {
-    for (const TablePtr &table : tables.all()) {
-        if (variablesOnly && !table->name.starts_with('@'))
-            continue;
-        m_connection.dropTemporary(table->physicalName());
-        tables.erase(*table);
-    }
-}
-
-void Interpreter::inFrame(Frame &frame, const std::function<void()> &work)
-{
-    if (m_frame->depth >= MaxNesting)
-        throw EngineError(
-            217, 16, 1,
-            "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).",
-            ErrorEffect::EndsAll);
-    frame.outer = m_frame;
-    frame.depth = m_frame->depth + 1;
-    const ScopedValue<int> line(m_line, m_line);
-    const ScopedValue<SessionOptions> options(m_options, m_options);
-    const ScopedValue<std::optional<Decimal>> identity(m_context.scopeIdentity, std::nullopt);
-    const ScopedValue<Frame *> current(m_frame, &frame);
-    const std::string database = m_context.database;
-    const auto back = [&] {
-        dropTables(frame.tables, false);
-        if (m_context.database != database && m_state.databases.find(database))
-            useDatabase(database);
-    };
-    try {
-        work();
-    } catch (...) {
-        back();
-        throw;
-    }
-    back();
-}
-
-/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
-/// current database afterwards.
-void Interpreter::executeText(std::string_view sql, Variables &variables)
-{
-    Frame frame;
-    std::swap(frame.variables, variables);
-    frame.procedure = m_frame->procedure;
-    inFrame(frame, [&] {
-        runText(sql, {m_options.quotedIdentifiers, frame.variables.names(), m_context.edition});
-    });
-    std::swap(frame.variables, variables);
-}
-
-Interpreter::Flow Interpreter::run(const Ast::Execute &node)
-{
-    requireOutsideFunction("EXECUTE");
+    m_session.requireOutsideFunction("EXECUTE");
     if (node.text) {
-        const Value text = evaluate(*node.text, LongTextType);
+        const Value text = m_queries.evaluate(*node.text, LongTextType);
         Variables none;
         if (!isNull(text))
             executeText(std::get<std::string>(text), none);
-        return Flow::Next;
+        return;
     }
     Ast::ObjectName name = node.procedure;
     if (!node.procedureVariable.empty()) {
-        const VariableSlot *slot = m_frame->variables.find(node.procedureVariable);
+        const VariableSlot *slot = m_session.frame->variables.find(node.procedureVariable);
         name =
             nameFromText(slot && !isNull(slot->value) ? textOf(slot->value, slot->type, 0) : std::string());
     }
     if (!name.parts.empty() && equalsIgnoringAsciiCase(name.object(), "sp_executesql")) {
         executeSql(node);
-        return Flow::Next;
+        return;
     }
     std::vector<ProcedureArgument> arguments = evaluateArguments(node);
-    endStatement(); // the procedure's statements have their own locks
+    m_session.endStatement(); // the procedure's statements have their own locks
     const std::int32_t status = call(name, arguments);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const auto *variable = node.arguments[i].value
                                    ? std::get_if<Ast::VariableReference>(&node.arguments[i].value->node)
                                    : nullptr;
         if (arguments[i].output && variable)
-            assign(variable->name, arguments[i].value, arguments[i].type);
+            m_queries.assign(variable->name, arguments[i].value, arguments[i].type);
     }
     if (!node.statusVariable.empty())
-        assign(node.statusVariable, std::int64_t{status}, {TypeId::Int, 0, 0, 0});
-    if (m_frame->depth == 0) {
-        m_sink->returnStatus(status);
-        m_sink->endProcedure({});
+        m_queries.assign(node.statusVariable, std::int64_t{status}, {TypeId::Int, 0, 0, 0});
+    if (m_session.frame->depth == 0) {
+        m_session.sink->returnStatus(status);
+        m_session.sink->endProcedure({});
     }
-    return Flow::Next;
 }
 
-std::vector<ProcedureArgument> Interpreter::evaluateArguments(const Ast::Execute &node)
+std::vector<ProcedureArgument> ModuleExecutor::evaluateArguments(const Ast::Execute &node)
 {
     std::vector<ProcedureArgument> arguments;
     for (const Ast::Execute::Argument &item : node.arguments) {
@@ -156,39 +100,43 @@ std::vector<ProcedureArgument> Interpreter::evaluateArguments(const Ast::Execute
         argument.output = item.output;
         argument.isDefault = !item.value;
         const auto *variable = item.value ? std::get_if<Ast::VariableReference>(&item.value->node) : nullptr;
-        if (variable && !m_frame->variables.find(variable->name))
-            argument.table = findTemporary(variable->name);
+        if (variable && !m_session.frame->variables.find(variable->name))
+            argument.table = m_store.findTemporary(variable->name);
         if (item.value && !argument.table) {
-            const auto bound = binder().bindValue(*item.value);
+            const auto bound = m_queries.binder().bindValue(*item.value);
             argument.type = bound->type;
-            argument.value = evaluate(*bound);
+            argument.value = m_queries.evaluate(*bound);
         }
         arguments.push_back(std::move(argument));
     }
     return arguments;
 }
 
-Interpreter::Flow Interpreter::run(const Ast::Return &node)
+/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
+/// current database afterwards.
+void ModuleExecutor::executeText(std::string_view sql, Variables &variables)
 {
-    if (node.status) {
-        const bool isFunction = m_frame->module && m_frame->module->kind == ObjectKind::ScalarFunction;
-        m_frame->result =
-            evaluate(*node.status, isFunction ? m_frame->module->result : SqlType{TypeId::Int, 0, 0, 0});
-    }
-    return Flow::Return;
+    Frame frame;
+    std::swap(frame.variables, variables);
+    frame.procedure = m_session.frame->procedure;
+    m_calls.inFrame(frame, [&] {
+        m_session.runner->runText(sql, {m_session.options.quotedIdentifiers, frame.variables.names(),
+                                        m_session.evaluation.edition});
+    });
+    std::swap(frame.variables, variables);
 }
 
 /// EXEC sp_executesql N'text', N'parameters', values ...
-void Interpreter::executeSql(const Ast::Execute &node)
+void ModuleExecutor::executeSql(const Ast::Execute &node)
 {
     const auto text = [&](std::size_t i) -> std::string {
         if (i >= node.arguments.size() || !node.arguments[i].value)
             return {};
-        const Value value = evaluate(*node.arguments[i].value, LongTextType);
+        const Value value = m_queries.evaluate(*node.arguments[i].value, LongTextType);
         return isNull(value) ? std::string() : std::get<std::string>(value);
     };
     if (!node.arguments.empty() && node.arguments[0].value &&
-        !isUnicodeText(binder().bindValue(*node.arguments[0].value)->type.id)) {
+        !isUnicodeText(m_queries.binder().bindValue(*node.arguments[0].value)->type.id)) {
         EngineError error(214, 16, 2,
                           "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
         error.message.procedure = "sp_executesql";
@@ -199,7 +147,7 @@ void Interpreter::executeSql(const Ast::Execute &node)
     Variables variables;
     std::vector<std::pair<std::string, std::string>> outputs; // the text's variable and the caller's
     for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const SqlType type = findType(parameters[i].type, static_cast<int>(i) + 1).type;
+        const SqlType type = m_names.findType(parameters[i].type, static_cast<int>(i) + 1).type;
         const Ast::Execute::Argument *argument = nullptr;
         for (std::size_t a = 2; a < node.arguments.size(); ++a) {
             const bool byName = !node.arguments[a].name.empty();
@@ -212,7 +160,7 @@ void Interpreter::executeSql(const Ast::Execute &node)
                                   "' expects the parameter '" + parameters[i].name +
                                   "', which was not supplied.");
         variables.declare(parameters[i].name, type,
-                          argument->value ? evaluate(*argument->value, type) : Value());
+                          argument->value ? m_queries.evaluate(*argument->value, type) : Value());
         const auto *variable =
             argument->value ? std::get_if<Ast::VariableReference>(&argument->value->node) : nullptr;
         if (argument->output && variable && parameters[i].output)
@@ -221,9 +169,34 @@ void Interpreter::executeSql(const Ast::Execute &node)
     executeText(statement, variables);
     for (const auto &[inner, outer] : outputs)
         if (const VariableSlot *slot = variables.find(inner))
-            assign(outer, slot->value, slot->type);
+            m_queries.assign(outer, slot->value, slot->type);
     if (!node.statusVariable.empty())
-        assign(node.statusVariable, std::int64_t{0}, {TypeId::Int, 0, 0, 0});
+        m_queries.assign(node.statusVariable, std::int64_t{0}, {TypeId::Int, 0, 0, 0});
+}
+
+/// INSERT ... EXEC: what the text or procedure returns, once all of it has run.
+std::vector<CollectingSink::Row> ModuleExecutor::collectExecuted(const Ast::Execute &node)
+{
+    if (dynamic_cast<CollectingSink *>(m_session.sink))
+        throw EngineError(8164, 16, 1, "An INSERT EXEC statement cannot be nested.", ErrorEffect::EndsBatch);
+    CollectingSink collector(*m_session.sink);
+    const ScopedValue<ResultSink *> current(m_session.sink, &collector);
+    run(node);
+    return collector.take();
+}
+
+std::int32_t ModuleExecutor::call(const Ast::ObjectName &name, std::vector<ProcedureArgument> &arguments)
+{
+    m_names.requireReachable(name);
+    const FoundObject found = name.parts.empty() ? FoundObject() : m_names.findObject(name);
+    if (found.object && found.object->kind == ObjectKind::Procedure)
+        return m_calls.callModule(std::dynamic_pointer_cast<const Module>(found.object), found.database,
+                                  arguments);
+    if (found.object && found.object->kind == ObjectKind::ScalarFunction)
+        return m_calls.callFunctionAsProcedure(dynamic_cast<const Module &>(*found.object), arguments);
+    if (const auto status = m_system.call(name, arguments))
+        return *status;
+    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + name.toString() + "'.");
 }
 
 } // namespace SampleServer

@@ -1,10 +1,9 @@
+#include "Engine/Run/ModuleDefiner.h"
 #include "Engine/Errors.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/Run/TableBuilder.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 
-// CREATE, ALTER and DROP of views, procedures, functions, triggers and what else DROP names.
 namespace SampleServer {
 
 namespace {
@@ -61,7 +60,7 @@ void requireOnlyInsteadOf(const Ast::ModuleDefinition &definition, const Databas
 } // namespace
 
 /// Errors name the module that they keep from being made.
-Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
+void ModuleDefiner::run(const Ast::CreateModule &node)
 {
     try {
         defineModule(node);
@@ -70,19 +69,18 @@ Interpreter::Flow Interpreter::run(const Ast::CreateModule &node)
             error.message.procedure = node.definition->name.object();
         throw;
     }
-    m_context.rowCount = 0;
-    return Flow::Next;
+    m_session.evaluation.rowCount = 0;
 }
 
-void Interpreter::defineModule(const Ast::CreateModule &node)
+void ModuleDefiner::defineModule(const Ast::CreateModule &node)
 {
     const Ast::ModuleDefinition &definition = *node.definition;
-    Place place = placeOfNew(definition.name, true);
+    NewPlace place = m_names.placeOfNew(definition.name, true);
     if (!place.database)
         throw Errors::notSupported("temporary " + toLower(kindWord(definition.kind)) + 's');
     auto module = std::make_shared<Module>(definition.kind);
     if (definition.kind == ObjectKind::Trigger) {
-        const FoundObject parent = findObject(definition.parent);
+        const FoundObject parent = m_names.findObject(definition.parent);
         if (!parent.object ||
             (parent.object->kind != ObjectKind::Table && parent.object->kind != ObjectKind::View))
             throw EngineError(8197, 16, 4,
@@ -121,42 +119,42 @@ void Interpreter::defineModule(const Ast::CreateModule &node)
     module->database = place.database->id();
     module->schema = place.schema;
     module->name = existing ? existing->name : definition.name.object();
-    module->created = existing ? existing->created : m_context.statementTime;
-    module->modified = m_context.statementTime;
+    module->created = existing ? existing->created : m_session.evaluation.statementTime;
+    module->modified = m_session.evaluation.statementTime;
     module->definition = node.definition;
     module->text = node.text;
-    module->quotedIdentifiers = m_options.quotedIdentifiers;
+    module->quotedIdentifiers = m_session.options.quotedIdentifiers;
     describeModule(*module, place.database);
-    Transactions::Change change(m_transactions);
-    replaceObject(place.database, existing, module);
+    Transactions::Change change(m_session.transactions);
+    m_store.replaceObject(place.database, existing, module);
     change.finish();
 }
 
 /// Finds the types of parameters, results and columns. What a procedure or trigger does is looked at when it
 /// runs.
-void Interpreter::describeModule(Module &module, const DatabasePtr &database)
+void ModuleDefiner::describeModule(Module &module, const DatabasePtr &database)
 {
-    const auto names = enterModule(module, database);
+    const auto names = m_names.enterModule(module, database);
     const Ast::ModuleDefinition &definition = *module.definition;
     int number = 0;
     for (const Ast::ParameterDefinition &parameter : definition.parameters) {
-        const NamedType named = findType(parameter.type, ++number);
+        const NamedType named = m_names.findType(parameter.type, ++number);
         module.parameters.push_back({parameter.name, named.type, named.userType, parameter.defaultValue,
                                      parameter.defaultValue != nullptr, parameter.output});
     }
     if (definition.kind == ObjectKind::ScalarFunction)
-        module.result = findType(definition.returns, number + 1).type;
+        module.result = m_names.findType(definition.returns, number + 1).type;
     if (definition.kind == ObjectKind::TableFunction) {
         Table table;
         table.name = definition.resultTable.name.object();
-        TableBuilder builder(*this, std::move(table), nullptr);
+        TableBuilder builder(m_queries, std::move(table), nullptr);
         builder.add(definition.resultTable);
         module.resultTable = std::make_shared<const Table>(builder.take());
         module.columns = module.resultTable->columns;
     }
     if (!definition.query)
         return;
-    Binder types = binder();
+    Binder types = m_queries.binder();
     const auto columns = types.describeModule(module);
     for (const ColumnInfo &info : columns) {
         TableColumn column;
@@ -180,29 +178,15 @@ void Interpreter::describeModule(Module &module, const DatabasePtr &database)
                 ErrorEffect::EndsBatch);
         module.columns.push_back(std::move(column));
     }
-    m_uses.clear(); // nothing was read
+    m_names.uses().clear(); // nothing was read
 }
 
-Interpreter::Flow Interpreter::run(const Ast::DropObjects &node)
+void ModuleDefiner::dropObject(const Ast::ObjectName &name, const std::string &kind, bool ifExists)
 {
-    for (const Ast::ObjectName &name : node.names) {
-        if (node.kind == "SCHEMA")
-            dropSchema(name.object(), node.ifExists);
-        else if (node.kind == "TYPE")
-            dropType(name, node.ifExists);
-        else
-            dropObject(name, node.kind, node.ifExists);
-    }
-    m_context.rowCount = 0;
-    return Flow::Next;
-}
-
-void Interpreter::dropObject(const Ast::ObjectName &name, const std::string &kind, bool ifExists)
-{
-    const DatabasePtr database = findDatabase(name.qualifier(2));
+    const DatabasePtr database = m_names.findDatabase(name.qualifier(2));
     if (database)
-        m_transactions.changeDefinitions(*database);
-    const FoundObject found = database ? findObject(name, false) : FoundObject();
+        m_session.transactions.changeDefinitions(*database);
+    const FoundObject found = database ? m_names.findObject(name, false) : FoundObject();
     if (!found.object || !found.database || kindWord(found.object->kind) != kind) {
         if (found.object && found.database && kindWord(found.object->kind) != kind)
             throw EngineError(3705, 16, 1,
@@ -215,10 +199,10 @@ void Interpreter::dropObject(const Ast::ObjectName &name, const std::string &kin
                           "Cannot drop the " + toLower(kind) + " '" + name.toString() +
                               "', because it does not exist or you do not have permission.");
     }
-    Transactions::Change change(m_transactions);
+    Transactions::Change change(m_session.transactions);
     for (const ModulePtr &trigger : found.database->triggersOf(found.object->id))
-        replaceObject(found.database, trigger, nullptr);
-    replaceObject(found.database, found.object, nullptr);
+        m_store.replaceObject(found.database, trigger, nullptr);
+    m_store.replaceObject(found.database, found.object, nullptr);
     change.finish();
 }
 

@@ -1,8 +1,9 @@
+#include "Engine/Run/QueryExecutor.h"
+#include "Engine/Emit/Emitter.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
 #include "Engine/Functions/RowGenerator.h"
 #include "Engine/Run/Compute.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/Run/RowWriter.h"
 #include "Engine/Run/TextSize.h"
 #include "Types/TypeTraits.h"
@@ -87,8 +88,8 @@ const Ast::ObjectName *intoTarget(const Ast::Query &query)
 
 } // namespace
 
-std::optional<std::uint64_t> Interpreter::fetchGenerated(const Bound::Query &query, std::uint64_t limit,
-                                                         const RowReceiver &receive)
+std::optional<std::uint64_t> QueryExecutor::fetchGenerated(const Bound::Query &query, std::uint64_t limit,
+                                                           const RowReceiver &receive)
 {
     if (!isPlain(query) || query.from.size() != 1)
         return {};
@@ -112,18 +113,18 @@ std::optional<std::uint64_t> Interpreter::fetchGenerated(const Bound::Query &que
     RowGenerator generator(std::move(wanted));
     for (std::uint64_t number = 1; number <= total; ++number) {
         if (number % AttentionRows == 0)
-            checkAttention();
+            m_session.checkAttention();
         receive(generator.row(static_cast<std::int64_t>(number)));
     }
     return total;
 }
 
-std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &receive)
+std::uint64_t QueryExecutor::fetch(const Bound::Query &query, const RowReceiver &receive)
 {
     const bool counts = query.limit && !query.offset && !query.withTies && !query.percent;
     std::uint64_t limit = counts ? countOf(query.limit) : NoLimit;
-    if (m_options.rowLimit > 0)
-        limit = std::min(limit, static_cast<std::uint64_t>(m_options.rowLimit));
+    if (m_session.options.rowLimit > 0)
+        limit = std::min(limit, static_cast<std::uint64_t>(m_session.options.rowLimit));
     if (const auto row = constantRow(query)) {
         if (limit > 0)
             receive(*row);
@@ -131,9 +132,9 @@ std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &r
     }
     if (const auto count = fetchGenerated(query, limit, receive))
         return *count;
-    lockUses();
+    m_names.lockUses();
     const Emitted emitted = emitQuery(query);
-    SqliteStatement statement(m_connection, emitted.sql);
+    SqliteStatement statement(m_session.connection, emitted.sql);
     statement.bind(emitted.parameters);
     std::vector<Value> row(query.columns.size());
     std::uint64_t count = 0;
@@ -142,18 +143,18 @@ std::uint64_t Interpreter::fetch(const Bound::Query &query, const RowReceiver &r
             statement.read(static_cast<int>(i), query.columns[i].info.type, row[i]);
         receive(row);
         if (++count % AttentionRows == 0)
-            checkAttention();
+            m_session.checkAttention();
     }
     return count;
 }
 
-Value Interpreter::evaluate(const Bound::Expression &expression)
+Value QueryExecutor::evaluate(const Bound::Expression &expression)
 {
     if (const Value *value = Bound::constantValue(expression))
         return *value;
-    lockUses();
+    m_names.lockUses();
     Emitted emitted = emitExpression(expression);
-    SqliteStatement statement(m_connection, "SELECT " + emitted.sql);
+    SqliteStatement statement(m_session.connection, "SELECT " + emitted.sql);
     statement.bind(emitted.parameters);
     Value value;
     if (statement.step())
@@ -161,58 +162,70 @@ Value Interpreter::evaluate(const Bound::Expression &expression)
     return value;
 }
 
-Interpreter::Flow Interpreter::run(const Ast::Select &node)
+Value QueryExecutor::evaluate(const Ast::Expression &expression, const SqlType &type)
+{
+    return evaluate(*binder().bindValueAs(expression, type));
+}
+
+void QueryExecutor::assign(const std::string &variable, Value value, const SqlType &type)
+{
+    VariableSlot *slot = m_session.frame->variables.find(variable);
+    if (!slot)
+        throw Errors::mustDeclareVariable(variable);
+    slot->value = convertValue(value, type, slot->type, {0, m_session.evaluation.dateOrder});
+}
+
+void QueryExecutor::run(const Ast::Select &node)
 {
     if (assignsVariables(node)) {
         runAssignments(node);
-        endWithoutCount();
-        return Flow::Next;
+        m_session.endWithoutCount();
+        return;
     }
     if (intoTarget(*node.query)) {
         selectInto(node);
-        return Flow::Next;
+        return;
     }
-    if (m_callbacks > 0)
+    if (m_session.callbacks > 0)
         throw EngineError(444, 16, 2,
                           "Select statements included within a function cannot return data to a client.",
                           ErrorEffect::EndsBatch);
     const Bound::QueryPtr query = binder().bindSelect(node);
-    ComputeRows compute(node, *query, *m_sink);
-    lockUses(); // who waits for a lock has not been told anything yet
-    m_sink->columns(columnInfos(*query), orderColumns(*query));
+    ComputeRows compute(node, *query, *m_session.sink);
+    m_names.lockUses(); // who waits for a lock has not been told anything yet
+    m_session.sink->columns(columnInfos(*query), orderColumns(*query));
     compute.announce();
     StatementEnd end;
-    end.inProcedure = m_frame->module != nullptr;
+    end.inProcedure = m_session.frame->module != nullptr;
     end.currentCommand = 0xC1;
     std::uint64_t count = 0;
-    if (!m_options.formatOnly) {
-        const TextSizeLimit textSize(*query, m_context.textSize);
+    if (!m_session.options.formatOnly) {
+        const TextSizeLimit textSize(*query, m_session.evaluation.textSize);
         try {
             fetch(*query, [&](std::span<const Value> row) {
                 compute.beforeRow(row);
-                m_sink->row(textSize.apply(row));
+                m_session.sink->row(textSize.apply(row));
                 compute.afterRow(row);
                 ++count;
             });
         } catch (const EngineError &error) {
-            if (!m_tries.empty()) { // nobody tells the client of the error: the result just ends
+            if (m_errors.isInTry()) { // the error is not sent: the result just ends
                 end.rowCount = count;
-                m_sink->endStatement(end);
+                m_session.sink->endStatement(end);
             }
             throw;
         }
         compute.finish();
     }
-    m_context.rowCount = static_cast<std::int64_t>(count);
-    if (!m_options.noCount)
+    m_session.evaluation.rowCount = static_cast<std::int64_t>(count);
+    if (!m_session.options.noCount)
         end.rowCount = count;
-    m_sink->endStatement(end);
-    return Flow::Next;
+    m_session.sink->endStatement(end);
 }
 
 /// SELECT @x = expression ...: row by row, so that an expression may build on what the row before left
 /// behind.
-void Interpreter::runAssignments(const Ast::Select &node)
+void QueryExecutor::runAssignments(const Ast::Select &node)
 {
     Binder live = binder();
     live.useLiveVariables();
@@ -222,13 +235,13 @@ void Interpreter::runAssignments(const Ast::Select &node)
         for (std::size_t i = 0; i < items.size(); ++i)
             assign(items[i].variable, row[i], query->columns[i].info.type);
     });
-    m_context.rowCount = static_cast<std::int64_t>(count);
+    m_session.evaluation.rowCount = static_cast<std::int64_t>(count);
 }
 
-void Interpreter::selectInto(const Ast::Select &node)
+void QueryExecutor::selectInto(const Ast::Select &node)
 {
     const Ast::ObjectName &name = *intoTarget(*node.query);
-    const Place place = placeOfNew(name);
+    const NewPlace place = m_names.placeOfNew(name);
     const DatabasePtr &database = place.database;
     const Bound::QueryPtr query = binder().bindSelect(node);
     Table definition;
@@ -254,8 +267,8 @@ void Interpreter::selectInto(const Ast::Select &node)
                               ErrorEffect::EndsBatch);
         definition.columns.push_back(std::move(column));
     }
-    Transactions::Change change(m_transactions);
-    const Bound::TableScan scan = createTable(std::move(definition), database);
+    Transactions::Change change(m_session.transactions);
+    const Bound::TableScan scan = m_store.createTable(std::move(definition), database);
     RowWriter writer(*this, scan);
     const std::uint64_t count = fetch(*query, [&](std::span<const Value> row) {
         writer.insert({row.begin(), row.end()});
@@ -265,7 +278,7 @@ void Interpreter::selectInto(const Ast::Select &node)
                     convertValue(row[i], scan.table->columns[i].type, {TypeId::BigInt, 0, 0, 0})));
     });
     change.finish();
-    endChange(count, 0xC1);
+    m_session.endChange(count, 0xC1);
 }
 
 } // namespace SampleServer

@@ -1,12 +1,13 @@
+#include "Engine/Run/IndexExecutor.h"
 #include "Engine/Errors.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/Run/RowWriter.h"
 #include "Engine/Run/TableBuilder.h"
 #include "Types/Collation.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
-// CREATE, ALTER and DROP INDEX.
 namespace SampleServer {
 
 namespace {
@@ -28,36 +29,20 @@ EngineError noObjectForIndex(const Ast::ObjectName &table)
 
 } // namespace
 
-/// Makes SQLite's index for one of a table's. Filters are the engine's to heed, and computed columns are not
-/// there to be indexed.
-void Interpreter::createPhysicalIndex(const Bound::TableScan &scan, TableIndex &index)
+void IndexExecutor::createIndex(const Bound::TableScan &scan, TableIndex &index)
 {
-    const Table &table = *scan.table;
-    const bool plain = std::none_of(index.columns.begin(), index.columns.end(), [&](std::size_t column) {
-        return table.columns[column].computed.expression != nullptr;
-    });
-    if (!plain || index.filter || index.disabled)
-        return;
-    index.physicalName = 'k' + std::to_string(newObjectId());
-    std::string columns;
-    for (const std::size_t column : index.columns)
-        columns += (columns.empty() ? "" : ", ") + table.columns[column].physicalName();
     try {
-        m_connection.execute(std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
-                             scan.schema + '.' + index.physicalName + " ON " + table.physicalName() + '(' +
-                             columns + ')');
+        m_store.createPhysicalIndex(scan, index);
     } catch (const SqliteConstraintError &) {
-        index.physicalName.clear();
         requireUniqueRows(scan, index, "CREATE UNIQUE INDEX");
     }
 }
 
-/// Throws error 1505 when rows of the table have the same key.
-void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableIndex &index,
-                                    const char *statement)
+void IndexExecutor::requireUniqueRows(const Bound::TableScan &scan, const TableIndex &index,
+                                      const char *statement)
 {
     std::set<std::string> seen;
-    RowWriter writer(*this, scan);
+    RowWriter writer(m_queries, scan);
     const auto rows = writer.readAll();
     for (const auto &[id, row] : rows) {
         if (!writer.matchesFilter(index, id))
@@ -74,43 +59,42 @@ void Interpreter::requireUniqueRows(const Bound::TableScan &scan, const TableInd
     }
 }
 
-Interpreter::Flow Interpreter::run(const Ast::CreateIndex &node)
+void IndexExecutor::run(const Ast::CreateIndex &node)
 {
-    const FoundObject found = findObject(node.table);
+    const FoundObject found = m_names.findObject(node.table);
     if (found.object && found.object->kind == ObjectKind::View)
         return createViewIndex(node, found);
-    const Bound::TableScan scan = findOrNull(node.table);
+    const Bound::TableScan scan = m_names.findOrNull(node.table);
     if (!scan.table)
         throw noObjectForIndex(node.table);
     if (scan.database) {
-        m_transactions.changeDefinitions(*scan.database);
-        m_connection.attach(scan.database);
+        m_session.transactions.changeDefinitions(*scan.database);
+        m_session.connection.attach(scan.database);
     }
-    Transactions::Change change(m_transactions);
+    Transactions::Change change(m_session.transactions);
     Table changed = *scan.table;
     if (const TableIndex *existing = node.options.dropExisting ? changed.findIndex(node.name) : nullptr) {
         if (!existing->physicalName.empty())
-            m_connection.execute("DROP INDEX " + scan.schema + '.' + existing->physicalName);
+            m_session.connection.execute("DROP INDEX " + scan.schema + '.' + existing->physicalName);
         std::erase_if(changed.indexes, [&](const TableIndex &index) {
             return foldedName(index.name) == foldedName(node.name);
         });
     }
-    TableBuilder builder(*this, std::move(changed), scan.database);
+    TableBuilder builder(m_queries, std::move(changed), scan.database);
     builder.addIndex(node);
     changed = builder.take();
     TableIndex &index = changed.indexes.back();
-    createPhysicalIndex(scan, index);
+    createIndex(scan, index);
     if (index.unique)
         requireUniqueRows(scan, index, "CREATE UNIQUE INDEX");
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
     change.finish();
-    m_context.rowCount = 0;
-    return Flow::Next;
+    m_session.evaluation.rowCount = 0;
 }
 
 /// An index of a view is known to the catalog alone: nothing is found with it, and a unique one is not
 /// enforced.
-Interpreter::Flow Interpreter::createViewIndex(const Ast::CreateIndex &node, const FoundObject &found)
+void IndexExecutor::createViewIndex(const Ast::CreateIndex &node, const FoundObject &found)
 {
     const auto &view = dynamic_cast<const Module &>(*found.object);
     if (!view.definition->schemaBound)
@@ -123,8 +107,8 @@ Interpreter::Flow Interpreter::createViewIndex(const Ast::CreateIndex &node, con
                           "Cannot create index on view '" + view.schema + '.' + view.name +
                               "'. It does not have a unique clustered index.",
                           ErrorEffect::EndsBatch);
-    m_transactions.changeDefinitions(*found.database);
-    Transactions::Change change(m_transactions);
+    m_session.transactions.changeDefinitions(*found.database);
+    Transactions::Change change(m_session.transactions);
     Table shape = view.indexed ? *view.indexed : Table();
     shape.id = view.id;
     shape.database = view.database;
@@ -132,76 +116,74 @@ Interpreter::Flow Interpreter::createViewIndex(const Ast::CreateIndex &node, con
     shape.name = view.name;
     shape.kind = ObjectKind::View;
     shape.columns = view.columns;
-    TableBuilder builder(*this, std::move(shape), found.database);
+    TableBuilder builder(m_queries, std::move(shape), found.database);
     builder.addIndex(node);
     auto changed = std::make_shared<Module>(view);
     changed->indexed = std::make_shared<const Table>(builder.take());
-    replaceObject(found.database, found.object, changed);
+    m_store.replaceObject(found.database, found.object, changed);
     change.finish();
-    m_context.rowCount = 0;
-    return Flow::Next;
+    m_session.evaluation.rowCount = 0;
 }
 
 /// Whether the index was one of a view. Without its clustered index a view has no other.
-bool Interpreter::dropViewIndex(const Ast::DropIndex::Item &item)
+bool IndexExecutor::dropViewIndex(const Ast::DropIndex::Item &item)
 {
-    const FoundObject found = findObject(item.table);
+    const FoundObject found = m_names.findObject(item.table);
     const auto *view = dynamic_cast<const Module *>(found.object.get());
     const TableIndex *index = view && view->indexed ? view->indexed->findIndex(item.name) : nullptr;
     if (!index)
         return false;
-    m_transactions.changeDefinitions(*found.database);
-    Transactions::Change change(m_transactions);
+    m_session.transactions.changeDefinitions(*found.database);
+    Transactions::Change change(m_session.transactions);
     Table shape = *view->indexed;
     std::erase_if(shape.indexes, [&](const TableIndex &other) { return other.id == index->id; });
     auto changed = std::make_shared<Module>(*view);
     changed->indexed = index->isClustered() ? nullptr : std::make_shared<const Table>(std::move(shape));
-    replaceObject(found.database, found.object, changed);
+    m_store.replaceObject(found.database, found.object, changed);
     change.finish();
     return true;
 }
 
-Interpreter::Flow Interpreter::run(const Ast::AlterIndex &node)
+void IndexExecutor::run(const Ast::AlterIndex &node)
 {
-    const Bound::TableScan scan = findOrNull(node.table);
+    const Bound::TableScan scan = m_names.findOrNull(node.table);
     if (!scan.table)
         throw noObjectForIndex(node.table);
     if (scan.database) {
-        m_transactions.changeDefinitions(*scan.database);
-        m_connection.attach(scan.database);
+        m_session.transactions.changeDefinitions(*scan.database);
+        m_session.connection.attach(scan.database);
     }
     if (!node.name.empty() && !scan.table->findIndex(node.name))
         throw EngineError(2727, 11, 1, "Cannot find index '" + node.name + "'.");
     if (node.action == Ast::AlterIndex::Action::None)
-        return Flow::Next;
+        return;
     const bool disable = node.action == Ast::AlterIndex::Action::Disable;
-    Transactions::Change change(m_transactions);
+    Transactions::Change change(m_session.transactions);
     Table changed = *scan.table;
     for (TableIndex &index : changed.indexes) {
         if (!node.name.empty() && foldedName(index.name) != foldedName(node.name))
             continue;
         const bool wasDisabled = std::exchange(index.disabled, disable);
         if (disable && !index.physicalName.empty()) {
-            m_connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
+            m_session.connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
             index.physicalName.clear();
         }
         if (!disable && wasDisabled) {
-            createPhysicalIndex(scan, index);
+            createIndex(scan, index);
             if (index.unique)
                 requireUniqueRows(scan, index, "ALTER INDEX");
         }
     }
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
     change.finish();
-    return Flow::Next;
 }
 
-Interpreter::Flow Interpreter::run(const Ast::DropIndex &node)
+void IndexExecutor::run(const Ast::DropIndex &node)
 {
     for (const Ast::DropIndex::Item &item : node.items) {
         if (dropViewIndex(item))
             continue;
-        const Bound::TableScan scan = findOrNull(item.table);
+        const Bound::TableScan scan = m_names.findOrNull(item.table);
         const TableIndex *index = scan.table ? scan.table->findIndex(item.name) : nullptr;
         if (!index) {
             if (node.ifExists)
@@ -215,20 +197,19 @@ Interpreter::Flow Interpreter::run(const Ast::DropIndex &node)
                                   (index->role == TableIndex::Role::PrimaryKey ? "PRIMARY" : "UNIQUE") +
                                   " KEY constraint enforcement.");
         if (scan.database) {
-            m_transactions.changeDefinitions(*scan.database);
-            m_connection.attach(scan.database);
+            m_session.transactions.changeDefinitions(*scan.database);
+            m_session.connection.attach(scan.database);
         }
-        Transactions::Change change(m_transactions);
+        Transactions::Change change(m_session.transactions);
         if (!index->physicalName.empty())
-            m_connection.execute("DROP INDEX " + scan.schema + '.' + index->physicalName);
+            m_session.connection.execute("DROP INDEX " + scan.schema + '.' + index->physicalName);
         Table changed = *scan.table;
         std::erase_if(changed.indexes, [&](const TableIndex &other) {
             return foldedName(other.name) == foldedName(item.name);
         });
-        replaceTable(scan, std::move(changed));
+        m_store.replaceTable(scan, std::move(changed));
         change.finish();
     }
-    return Flow::Next;
 }
 
 } // namespace SampleServer

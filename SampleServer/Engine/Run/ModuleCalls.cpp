@@ -1,16 +1,13 @@
+#include "Engine/Run/ModuleCalls.h"
 #include "Engine/Bind/TypeRules.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
-#include "Engine/Parse/NameText.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/ScopedValue.h"
 #include "Types/Collation.h"
-#include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
 #include <algorithm>
 
-// Procedures and functions of the user's.
 namespace SampleServer {
 
 namespace {
@@ -27,53 +24,56 @@ TablePtr renamed(const Table &table, const std::string &name)
     return copy;
 }
 
+constexpr int MaxNesting = 32;
+
 } // namespace
 
-std::int32_t Interpreter::call(const Ast::ObjectName &name, std::vector<ProcedureArgument> &arguments)
+ModuleCalls::ModuleCalls(QueryExecutor &queries, ErrorReporter &errors)
+    : m_session(queries.session())
+    , m_errors(errors)
+    , m_names(queries.names())
+    , m_store(queries.store())
+    , m_queries(queries)
 {
-    requireReachable(name);
-    const FoundObject found = name.parts.empty() ? FoundObject() : findObject(name);
-    if (found.object && found.object->kind == ObjectKind::Procedure)
-        return callModule(std::dynamic_pointer_cast<const Module>(found.object), found.database, arguments);
-    if (found.object && found.object->kind == ObjectKind::ScalarFunction) {
-        const auto module = std::dynamic_pointer_cast<const Module>(found.object);
-        Frame frame;
-        bindParameters(*module, arguments, frame);
-        runFunction(*module, frame);
-        return statusOf(frame.result);
+    m_session.evaluation.callFunction = [this](const Module &module, std::span<const Value> arguments) {
+        return callFunction(module, arguments);
+    };
+    m_session.evaluation.callTableFunction = [this](const Module &module, std::span<const Value> arguments) {
+        return callTableFunction(module, arguments);
+    };
+}
+
+void ModuleCalls::inFrame(Frame &frame, const std::function<void()> &work)
+{
+    if (m_session.frame->depth >= MaxNesting)
+        throw EngineError(
+            217, 16, 1,
+            "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).",
+            ErrorEffect::EndsAll);
+    frame.outer = m_session.frame;
+    frame.depth = m_session.frame->depth + 1;
+    const ScopedValue<int> line(m_session.line, m_session.line);
+    const ScopedValue<SessionOptions> options(m_session.options, m_session.options);
+    const ScopedValue<std::optional<Decimal>> identity(m_session.evaluation.scopeIdentity, std::nullopt);
+    const ScopedValue<Frame *> current(m_session.frame, &frame);
+    const std::string database = m_session.evaluation.database;
+    const auto back = [&] {
+        m_store.dropTables(frame.tables, false);
+        if (m_session.evaluation.database != database && m_session.state.databases.find(database))
+            m_session.useDatabase(database);
+    };
+    try {
+        work();
+    } catch (...) {
+        back();
+        throw;
     }
-    if (const auto status = callSystemProcedure(name, arguments))
-        return *status;
-    throw EngineError(2812, 16, 62, "Could not find stored procedure '" + name.toString() + "'.");
+    back();
 }
 
-void Interpreter::callProcedure(const std::string &name, std::span<const ProcedureArgument> arguments,
-                                ResultSink &sink)
-{
-    std::vector<ProcedureArgument> values(arguments.begin(), arguments.end());
-    std::int32_t status = 0;
-    bool failed = false;
-    runRequest(sink, name, [&] {
-        try {
-            status = call(nameFromText(name), values);
-        } catch (EngineError &error) {
-            failed = true;
-            report(error, 1);
-        }
-    });
-    sink.returnStatus(status);
-    for (const ProcedureArgument &argument : values)
-        if (argument.output)
-            sink.returnValue(argument.name, argument.type, argument.value);
-    StatementEnd end;
-    end.error = failed;
-    sink.endProcedure(end);
-}
-
-/// Declares the parameters as variables of the frame: the arguments by name or place, the others at their
-/// defaults.
-void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments,
-                                 Frame &frame)
+/// The arguments in the order of the parameters, by name or place; null for those that were left out.
+std::vector<ProcedureArgument *>
+ModuleCalls::argumentsByParameter(const Module &module, std::vector<ProcedureArgument> &arguments) const
 {
     std::vector<ProcedureArgument *> given(module.parameters.size());
     bool byName = false;
@@ -109,6 +109,14 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
                     "requested output.");
         given[place] = &arguments[i];
     }
+    return given;
+}
+
+/// Declares the parameters as variables of the frame, those that were left out at their defaults.
+void ModuleCalls::bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments,
+                                 Frame &frame)
+{
+    const std::vector<ProcedureArgument *> given = argumentsByParameter(module, arguments);
     for (std::size_t i = 0; i < given.size(); ++i) {
         const ModuleParameter &parameter = module.parameters[i];
         if (parameter.userType && parameter.userType->table) {
@@ -119,7 +127,7 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
         if (given[i] && !given[i]->isDefault)
             value = convertedArgument(*given[i], parameter.type);
         else if (parameter.hasDefault)
-            value = evaluate(*parameter.defaultValue, parameter.type);
+            value = m_queries.evaluate(*parameter.defaultValue, parameter.type);
         else
             throw EngineError(201, 16, 4,
                               "Procedure or function '" + module.name + "' expects parameter '" +
@@ -129,10 +137,10 @@ void Interpreter::bindParameters(const Module &module, std::vector<ProcedureArgu
 }
 
 /// An argument in its parameter's type. What cannot be converted is error 8114 for every type.
-Value Interpreter::convertedArgument(const ProcedureArgument &argument, const SqlType &type) const
+Value ModuleCalls::convertedArgument(const ProcedureArgument &argument, const SqlType &type) const
 {
     try {
-        return convertValue(argument.value, argument.type, type, {0, m_context.dateOrder});
+        return convertValue(argument.value, argument.type, type, {0, m_session.evaluation.dateOrder});
     } catch (const EngineError &error) {
         if (error.message.number != 245 && error.message.number != 241)
             throw;
@@ -142,7 +150,7 @@ Value Interpreter::convertedArgument(const ProcedureArgument &argument, const Sq
     }
 }
 
-void Interpreter::bindTableParameter(const ModuleParameter &parameter, const ProcedureArgument *argument,
+void ModuleCalls::bindTableParameter(const ModuleParameter &parameter, const ProcedureArgument *argument,
                                      Frame &frame)
 {
     if (argument && !argument->table && !argument->isDefault)
@@ -153,11 +161,11 @@ void Interpreter::bindTableParameter(const ModuleParameter &parameter, const Pro
         frame.tableParameters.insert(renamed(*argument->table, parameter.name));
         return;
     }
-    const ScopedValue<Frame *> own(m_frame, &frame);
-    declareTable(parameter.name, dynamic_cast<const Table &>(*parameter.userType->table));
+    const ScopedValue<Frame *> own(m_session.frame, &frame);
+    m_store.declareTable(parameter.name, dynamic_cast<const Table &>(*parameter.userType->table));
 }
 
-std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr &database,
+std::int32_t ModuleCalls::callModule(const ModulePtr &module, const DatabasePtr &database,
                                      std::vector<ProcedureArgument> &arguments)
 {
     Frame frame;
@@ -173,7 +181,7 @@ std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr 
         }
         throw;
     }
-    const std::int32_t before = m_context.transactionCount;
+    const std::int32_t before = m_session.evaluation.transactionCount;
     runModule(*module, database, frame);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string &name = arguments[i].name.empty() ? module->parameters[i].name : arguments[i].name;
@@ -183,62 +191,66 @@ std::int32_t Interpreter::callModule(const ModulePtr &module, const DatabasePtr 
             arguments[i].value = slot->value;
         }
     }
-    if (m_context.transactionCount != before) {
+    if (m_session.evaluation.transactionCount != before) {
         EngineError error(
             266, 16, 2,
             "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT "
             "statements. Previous count = " +
-                std::to_string(before) + ", current count = " + std::to_string(m_context.transactionCount) +
-                '.');
+                std::to_string(before) +
+                ", current count = " + std::to_string(m_session.evaluation.transactionCount) + '.');
         error.message.procedure = module->name;
         error.isRaised = true;
-        report(error, 0);
+        m_errors.report(error, 0);
     }
     return statusOf(frame.result);
 }
 
-void Interpreter::runModule(const Module &module, const DatabasePtr &database, Frame &frame)
+std::int32_t ModuleCalls::callFunctionAsProcedure(const Module &module,
+                                                  std::vector<ProcedureArgument> &arguments)
 {
-    const auto names = enterModule(module, database);
-    const ScopedValue<std::int32_t> level(m_context.nestingLevel, m_context.nestingLevel + 1);
-    const ScopedValue<std::int64_t> procedure(m_context.procedureId, module.id);
-    const ScopedValue<bool> noCount(m_options.noCount, m_options.noCount);
+    Frame frame;
+    bindParameters(module, arguments, frame);
+    runFunction(module, frame);
+    return statusOf(frame.result);
+}
+
+void ModuleCalls::runModule(const Module &module, const DatabasePtr &database, Frame &frame)
+{
+    const auto names = m_names.enterModule(module, database);
+    const ScopedValue<std::int32_t> level(m_session.evaluation.nestingLevel,
+                                          m_session.evaluation.nestingLevel + 1);
+    const ScopedValue<std::int64_t> procedure(m_session.evaluation.procedureId, module.id);
+    const ScopedValue<bool> noCount(m_session.options.noCount, m_session.options.noCount);
     inFrame(frame, [&] {
         try {
-            runStatements(module.definition->statements);
+            m_session.runner->runStatements(module.definition->statements);
         } catch (const EngineError &error) {
-            if (!error.isReported || endsAll(error))
+            if (!error.isReported || m_errors.endsAll(error))
                 throw;
         }
     });
 }
 
 /// Runs a function's statements inside of a statement: its errors are that statement's.
-void Interpreter::runFunction(const Module &module, Frame &frame)
+void ModuleCalls::runFunction(const Module &module, Frame &frame)
 {
     frame.procedure = module.name;
     frame.module = &module;
-    const ScopedValue<int> callbacks(m_callbacks, m_callbacks + 1);
-    const ScopedValue<std::int64_t> rowCount(m_context.rowCount, m_context.rowCount);
-    const ScopedValue<std::int32_t> lastError(m_context.lastError, m_context.lastError);
-    const ScopedValue<std::vector<TableUse>> uses(m_uses, {});
-    m_tries.push_back(-1);
-    try {
-        runModule(module, m_state.databases.find(module.database), frame);
-    } catch (...) {
-        m_tries.pop_back();
-        throw;
-    }
-    m_tries.pop_back();
+    const ScopedValue<int> callbacks(m_session.callbacks, m_session.callbacks + 1);
+    const ScopedValue<std::int64_t> rowCount(m_session.evaluation.rowCount, m_session.evaluation.rowCount);
+    const ScopedValue<std::int32_t> lastError(m_session.evaluation.lastError, m_session.evaluation.lastError);
+    const ScopedValue<std::vector<TableUse>> uses(m_names.uses(), {});
+    const ErrorReporter::TryBlock block(m_errors, -1);
+    runModule(module, m_session.state.databases.find(module.database), frame);
 }
 
-void Interpreter::declareArguments(const Module &module, std::span<const Value> arguments, Frame &frame)
+void ModuleCalls::declareArguments(const Module &module, std::span<const Value> arguments, Frame &frame)
 {
     for (std::size_t i = 0; i < module.parameters.size(); ++i)
         frame.variables.declare(module.parameters[i].name, module.parameters[i].type, arguments[i]);
 }
 
-Value Interpreter::callFunction(const Module &module, std::span<const Value> arguments)
+Value ModuleCalls::callFunction(const Module &module, std::span<const Value> arguments)
 {
     if (module.definition->nullOnNull && std::any_of(arguments.begin(), arguments.end(), isNull))
         return {};
@@ -248,7 +260,7 @@ Value Interpreter::callFunction(const Module &module, std::span<const Value> arg
     return std::move(frame.result);
 }
 
-std::vector<std::vector<Value>> Interpreter::callTableFunction(const Module &module,
+std::vector<std::vector<Value>> ModuleCalls::callTableFunction(const Module &module,
                                                                std::span<const Value> arguments)
 {
     Frame frame;
@@ -257,47 +269,20 @@ std::vector<std::vector<Value>> Interpreter::callTableFunction(const Module &mod
     {
         // The result outlives the function's own frame for as long as it takes to read it.
         Frame result;
-        result.outer = m_frame;
-        result.depth = m_frame->depth;
-        const ScopedValue<Frame *> own(m_frame, &result);
-        declareTable(module.resultTable->name, *module.resultTable);
+        result.outer = m_session.frame;
+        result.depth = m_session.frame->depth;
+        const ScopedValue<Frame *> own(m_session.frame, &result);
+        m_store.declareTable(module.resultTable->name, *module.resultTable);
         const TablePtr table = result.tables.find(module.resultTable->name);
         frame.tableParameters.insert(table);
         runFunction(module, frame);
         result.tableParameters.insert(renamed(*table, "@result"));
-        const auto query = binder().bindSelect(Ast::selectAll({{"@result"}, true}));
-        fetch(*query, [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
-        dropTables(result.tables, false);
+        const auto query = m_queries.binder().bindSelect(Ast::selectAll({{"@result"}, true}));
+        m_queries.fetch(*query,
+                        [&rows](std::span<const Value> row) { rows.emplace_back(row.begin(), row.end()); });
+        m_store.dropTables(result.tables, false);
     }
     return rows;
-}
-
-void Interpreter::declareTable(const std::string &name, Table definition)
-{
-    definition.kind = ObjectKind::Table;
-    definition.name = name;
-    definition.id = newObjectId();
-    if (definition.identity)
-        definition.identity =
-            std::make_shared<IdentityCounter>(definition.identity->seed(), definition.identity->increment());
-    Transactions::Change change(m_transactions);
-    createTable(std::move(definition), nullptr);
-    change.finish();
-}
-
-void Interpreter::requireOutsideFunction(const char *what) const
-{
-    if (m_callbacks == 0)
-        return;
-    if (std::string_view(what) == "EXECUTE")
-        throw EngineError(557, 16, 2,
-                          "Only functions and some extended stored procedures can be executed from within a "
-                          "function.",
-                          ErrorEffect::EndsBatch);
-    throw EngineError(443, 16, 15,
-                      std::string("Invalid use of a side-effecting operator '") + what +
-                          "' within a function.",
-                      ErrorEffect::EndsBatch);
 }
 
 } // namespace SampleServer

@@ -1,7 +1,7 @@
+#include "Engine/Run/TableAlterer.h"
 #include "Engine/Bind/TypeRules.h"
 #include "Engine/Emit/Emitter.h"
 #include "Engine/Errors.h"
-#include "Engine/Run/Interpreter.h"
 #include "Engine/Run/RowWriter.h"
 #include "Engine/Run/TableBuilder.h"
 #include "Engine/Run/TableChange.h"
@@ -9,7 +9,6 @@
 
 #include <algorithm>
 
-// ALTER TABLE.
 namespace SampleServer {
 
 namespace {
@@ -65,36 +64,36 @@ void requireIndependent(const Table &table, std::size_t column, bool dropping)
 
 } // namespace
 
-Bound::TableScan Interpreter::tableToAlter(const Ast::ObjectName &name)
+Bound::TableScan TableAlterer::tableToAlter(const Ast::ObjectName &name)
 {
     const DatabasePtr database =
         name.isTemporaryTable()
             ? nullptr
-            : findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
+            : m_names.findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
     if (database)
-        m_transactions.changeDefinitions(*database);
-    const Bound::TableScan scan = findOrNull(name);
+        m_session.transactions.changeDefinitions(*database);
+    const Bound::TableScan scan = m_names.findOrNull(name);
     if (!scan.table)
         throw EngineError(4902, 16, 1,
                           "Cannot find the object \"" + name.toString() +
                               "\" because it does not exist or you do not have permissions.",
                           ErrorEffect::EndsBatch);
     if (database)
-        m_connection.attach(database);
+        m_session.connection.attach(database);
     return scan;
 }
 
-Interpreter::Flow Interpreter::run(const Ast::AlterTable &node)
+void TableAlterer::run(const Ast::AlterTable &node)
 {
     if (node.action == Ast::AlterTable::Action::EnableTriggers) {
-        const FoundObject found = findObject(node.name);
+        const FoundObject found = m_names.findObject(node.name);
         if (found.object && found.object->kind == ObjectKind::View) {
-            m_transactions.changeDefinitions(*found.database);
+            m_session.transactions.changeDefinitions(*found.database);
             throw Errors::notSupported("enabling triggers of views");
         }
     }
     const Bound::TableScan scan = tableToAlter(node.name);
-    Transactions::Change change(m_transactions);
+    Transactions::Change change(m_session.transactions);
     switch (node.action) {
     case Ast::AlterTable::Action::Add:
         addToTable(node, scan);
@@ -113,13 +112,12 @@ Interpreter::Flow Interpreter::run(const Ast::AlterTable &node)
         break;
     }
     change.finish();
-    m_context.rowCount = 0;
-    return Flow::Next;
+    m_session.evaluation.rowCount = 0;
 }
 
-void Interpreter::addToTable(const Ast::AlterTable &node, const Bound::TableScan &scan)
+void TableAlterer::addToTable(const Ast::AlterTable &node, const Bound::TableScan &scan)
 {
-    TableBuilder builder(*this, *scan.table, scan.database);
+    TableBuilder builder(m_queries, *scan.table, scan.database);
     for (const Ast::ColumnDefinition &column : node.added.columns)
         builder.addColumn(column);
     builder.typeComputedColumns();
@@ -129,64 +127,71 @@ void Interpreter::addToTable(const Ast::AlterTable &node, const Bound::TableScan
         builder.addIndex(index);
     Table changed = builder.take();
     const std::size_t firstNew = scan.table->columns.size();
-    const bool hasRows = RowWriter(*this, scan).hasRows();
+    const bool hasRows = RowWriter(m_queries, scan).hasRows();
     for (std::size_t i = firstNew; i < changed.columns.size(); ++i) {
-        TableColumn &column = changed.columns[i];
-        if (column.computed)
-            continue;
-        if (hasRows && column.rowVersion)
-            throw Errors::notSupported("adding a rowversion column to a table with rows");
-        if (hasRows && !column.nullable && !column.defaultValue && !column.identity)
-            throw EngineError(
-                4901, 16, 1,
-                "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT "
-                "definition specified, or the column being added is an identity or timestamp column, or "
-                "alternatively if none of the previous conditions are satisfied the table must be empty to "
-                "allow "
-                "addition of this column. Column '" +
-                    column.name + "' cannot be added to non-empty table '" + changed.name +
-                    "' because it does not satisfy these conditions.",
-                ErrorEffect::EndsBatch);
-        m_connection.execute("ALTER TABLE " + scan.schema + '.' + changed.physicalName() + " ADD COLUMN " +
-                             column.physicalName() + collationOf(column.type));
-        const bool fills = !column.nullable || node.added.columns[i - firstNew].withValues;
-        if (hasRows && column.identity)
-            RowWriter(*this, scan).numberRows(column, *changed.identity);
-        else if (hasRows && column.defaultValue && fills)
-            fillColumn(scan, column, binder().bindValueAs(*column.defaultValue.expression, column.type));
+        const TableColumn &column = changed.columns[i];
+        if (!column.computed)
+            addStoredColumn(scan, changed, column, hasRows, node.added.columns[i - firstNew].withValues);
     }
-    const Bound::TableScan after = scanOf(std::make_shared<const Table>(changed), scan.database);
+    const Bound::TableScan after = m_store.scanOf(std::make_shared<const Table>(changed), scan.database);
     for (std::size_t i = scan.table->indexes.size(); i < changed.indexes.size(); ++i) {
-        createPhysicalIndex(after, changed.indexes[i]);
+        m_indexes.createIndex(after, changed.indexes[i]);
         if (changed.indexes[i].unique)
-            requireUniqueRows(after, changed.indexes[i], "CREATE UNIQUE INDEX");
+            m_indexes.requireUniqueRows(after, changed.indexes[i], "CREATE UNIQUE INDEX");
     }
     if (node.checkExisting && hasRows)
         requireConstraints(after, *scan.table);
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
+}
+
+void TableAlterer::addStoredColumn(const Bound::TableScan &scan, const Table &changed,
+                                   const TableColumn &column, bool hasRows, bool withValues)
+{
+    if (hasRows && column.rowVersion)
+        throw Errors::notSupported("adding a rowversion column to a table with rows");
+    if (hasRows && !column.nullable && !column.defaultValue && !column.identity)
+        throw EngineError(
+            4901, 16, 1,
+            "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT "
+            "definition specified, or the column being added is an identity or timestamp column, or "
+            "alternatively if none of the previous conditions are satisfied the table must be empty to "
+            "allow "
+            "addition of this column. Column '" +
+                column.name + "' cannot be added to non-empty table '" + changed.name +
+                "' because it does not satisfy these conditions.",
+            ErrorEffect::EndsBatch);
+    m_session.connection.execute("ALTER TABLE " + scan.schema + '.' + changed.physicalName() +
+                                 " ADD COLUMN " + column.physicalName() + collationOf(column.type));
+    const bool fills = !column.nullable || withValues;
+    if (hasRows && column.identity)
+        RowWriter(m_queries, scan).numberRows(column, *changed.identity);
+    else if (hasRows && column.defaultValue && fills)
+        fillColumn(scan, column,
+                   m_queries.binder().bindValueAs(*column.defaultValue.expression, column.type));
 }
 
 /// Throws error 547 when rows break a constraint that was not there before.
-void Interpreter::requireConstraints(const Bound::TableScan &scan, const Table &before)
+void TableAlterer::requireConstraints(const Bound::TableScan &scan, const Table &before)
 {
-    TableChange change(*this, scan, TableChange::Event::Alter);
+    TableChange change(m_queries, m_triggers, scan, TableChange::Event::Alter);
     for (std::size_t i = before.checks.size(); i < scan.table->checks.size(); ++i)
         change.requireCheck(scan.table->checks[i]);
     for (std::size_t i = before.foreignKeys.size(); i < scan.table->foreignKeys.size(); ++i)
         change.requireForeignKey(scan.table->foreignKeys[i]);
 }
 
-void Interpreter::fillColumn(const Bound::TableScan &scan, const TableColumn &column,
-                             const Bound::ExpressionPtr &value)
+void TableAlterer::fillColumn(const Bound::TableScan &scan, const TableColumn &column,
+                              const Bound::ExpressionPtr &value)
 {
     const Emitted emitted = emitExpression(*value);
-    SqliteStatement statement(m_connection, "UPDATE " + scan.schema + '.' + scan.table->physicalName() +
-                                                " SET " + column.physicalName() + " = " + emitted.sql);
+    SqliteStatement statement(m_session.connection, "UPDATE " + scan.schema + '.' +
+                                                        scan.table->physicalName() + " SET " +
+                                                        column.physicalName() + " = " + emitted.sql);
     statement.bind(emitted.parameters);
     statement.step();
 }
 
-void Interpreter::alterColumn(const Ast::AlterTable &node, const Bound::TableScan &scan)
+void TableAlterer::alterColumn(const Ast::AlterTable &node, const Bound::TableScan &scan)
 {
     const Ast::ColumnDefinition &definition = node.added.columns[0];
     const auto place = scan.table->findColumn(definition.name);
@@ -200,12 +205,12 @@ void Interpreter::alterColumn(const Ast::AlterTable &node, const Bound::TableSca
     if (node.setRowGuid || node.setSparse) {
         column.rowGuid = node.setRowGuid.value_or(column.rowGuid);
         column.sparse = node.setSparse.value_or(column.sparse);
-        return replaceTable(scan, std::move(changed));
+        return m_store.replaceTable(scan, std::move(changed));
     }
     if (column.computed)
         throw EngineError(4928, 16, 1, "Cannot alter column '" + column.name + "' because it is 'COMPUTED'.",
                           ErrorEffect::EndsBatch);
-    const NamedType named = findType(definition.type, column.id);
+    const NamedType named = m_names.findType(definition.type, column.id);
     const TableColumn before = column;
     if (named.type != before.type) {
         requireIndependent(*scan.table, *place, false);
@@ -215,31 +220,30 @@ void Interpreter::alterColumn(const Ast::AlterTable &node, const Bound::TableSca
     column.userType = named.userType;
     column.nullable = definition.nullable.value_or(true);
     column.sparse = definition.sparse;
-    RowWriter writer(*this, scan);
+    RowWriter writer(m_queries, scan);
     if (!column.nullable)
         writer.requireNoNulls(*place);
     if (named.type != before.type) {
         // The values move to a column of their own, which SQLite compares as the new type asks.
         column.storage = ++changed.lastColumnId;
-        m_connection.execute("ALTER TABLE " + scan.schema + '.' + changed.physicalName() + " ADD COLUMN " +
-                             column.physicalName() + collationOf(column.type));
+        m_session.connection.execute("ALTER TABLE " + scan.schema + '.' + changed.physicalName() +
+                                     " ADD COLUMN " + column.physicalName() + collationOf(column.type));
         writer.convertColumn(before, column);
-        const Bound::TableScan after = scanOf(std::make_shared<const Table>(changed), scan.database);
+        const Bound::TableScan after = m_store.scanOf(std::make_shared<const Table>(changed), scan.database);
         for (TableIndex &index : changed.indexes)
             if (std::find(index.columns.begin(), index.columns.end(), *place) != index.columns.end() &&
                 !index.physicalName.empty()) {
-                m_connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
-                createPhysicalIndex(after, index);
+                m_session.connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
+                m_indexes.createIndex(after, index);
             }
     }
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
 }
 
-void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableScan &scan)
+void TableAlterer::dropFromTable(const Ast::AlterTable &node, const Bound::TableScan &scan)
 {
     Table changed = *scan.table;
     for (const Ast::AlterTable::Dropped &item : node.dropped) {
-        const std::string folded = foldedName(item.name);
         if (item.isColumn) {
             const auto place = changed.findColumn(item.name);
             if (!place && item.ifExists)
@@ -270,47 +274,52 @@ void Interpreter::dropFromTable(const Ast::AlterTable &node, const Bound::TableS
                 removePlace(key.columns, *place);
             continue;
         }
-        const std::size_t before = changed.constraints().size();
-        for (const TableIndex &index : changed.indexes)
-            if (index.isKey() && foldedName(index.name) == folded) {
-                for (const TablePtr &other :
-                     scan.database ? scan.database->referencing(changed.id) : std::vector<TablePtr>())
-                    for (const ForeignKey &key : other->foreignKeys) {
-                        std::vector<int> ids;
-                        for (const std::size_t column : index.columns)
-                            ids.push_back(changed.columns[column].id);
-                        if (key.referencedTable == changed.id &&
-                            std::is_permutation(ids.begin(), ids.end(), key.referencedColumns.begin(),
-                                                key.referencedColumns.end()))
-                            throw EngineError(3725, 16, 0,
-                                              "The constraint '" + index.name +
-                                                  "' is being referenced by table '" + other->name +
-                                                  "', foreign key constraint '" + key.constraint.name + "'.",
-                                              ErrorEffect::EndsBatch)
-                                .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
-                    }
-                if (!index.physicalName.empty())
-                    m_connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
-            }
-        std::erase_if(changed.indexes, [&](const TableIndex &index) {
-            return index.isKey() && foldedName(index.name) == folded;
-        });
-        std::erase_if(changed.foreignKeys,
-                      [&](const ForeignKey &key) { return foldedName(key.constraint.name) == folded; });
-        std::erase_if(changed.checks, [&](const CheckConstraint &check) {
-            return foldedName(check.constraint.name) == folded;
-        });
-        for (TableColumn &column : changed.columns)
-            if (column.defaultValue && foldedName(column.defaultName.name) == folded)
-                column.defaultValue = {};
-        if (changed.constraints().size() == before && !item.ifExists)
-            throw EngineError(3728, 16, 1, "'" + item.name + "' is not a constraint.", ErrorEffect::EndsBatch)
-                .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
+        dropConstraint(scan, changed, item.name, item.ifExists);
     }
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
 }
 
-void Interpreter::enableConstraints(const Ast::AlterTable &node, const Bound::TableScan &scan)
+void TableAlterer::dropConstraint(const Bound::TableScan &scan, Table &changed, const std::string &name,
+                                  bool ifExists)
+{
+    const std::string folded = foldedName(name);
+    const std::size_t before = changed.constraints().size();
+    for (const TableIndex &index : changed.indexes)
+        if (index.isKey() && foldedName(index.name) == folded) {
+            for (const TablePtr &other :
+                 scan.database ? scan.database->referencing(changed.id) : std::vector<TablePtr>())
+                for (const ForeignKey &key : other->foreignKeys) {
+                    std::vector<int> ids;
+                    for (const std::size_t column : index.columns)
+                        ids.push_back(changed.columns[column].id);
+                    if (key.referencedTable == changed.id &&
+                        std::is_permutation(ids.begin(), ids.end(), key.referencedColumns.begin(),
+                                            key.referencedColumns.end()))
+                        throw EngineError(3725, 16, 0,
+                                          "The constraint '" + index.name +
+                                              "' is being referenced by table '" + other->name +
+                                              "', foreign key constraint '" + key.constraint.name + "'.",
+                                          ErrorEffect::EndsBatch)
+                            .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
+                }
+            if (!index.physicalName.empty())
+                m_session.connection.execute("DROP INDEX " + scan.schema + '.' + index.physicalName);
+        }
+    std::erase_if(changed.indexes,
+                  [&](const TableIndex &index) { return index.isKey() && foldedName(index.name) == folded; });
+    std::erase_if(changed.foreignKeys,
+                  [&](const ForeignKey &key) { return foldedName(key.constraint.name) == folded; });
+    std::erase_if(changed.checks,
+                  [&](const CheckConstraint &check) { return foldedName(check.constraint.name) == folded; });
+    for (TableColumn &column : changed.columns)
+        if (column.defaultValue && foldedName(column.defaultName.name) == folded)
+            column.defaultValue = {};
+    if (changed.constraints().size() == before && !ifExists)
+        throw EngineError(3728, 16, 1, "'" + name + "' is not a constraint.", ErrorEffect::EndsBatch)
+            .followedBy(3727, 0, "Could not drop constraint. See previous errors.");
+}
+
+void TableAlterer::enableConstraints(const Ast::AlterTable &node, const Bound::TableScan &scan)
 {
     Table changed = *scan.table;
     for (const std::string &name : node.names) {
@@ -321,7 +330,7 @@ void Interpreter::enableConstraints(const Ast::AlterTable &node, const Bound::Ta
             throw EngineError(4917, 16, 0, "Constraint '" + name + "' does not exist.",
                               ErrorEffect::EndsBatch);
     }
-    TableChange change(*this, scan, TableChange::Event::Alter);
+    TableChange change(m_queries, m_triggers, scan, TableChange::Event::Alter);
     for (ForeignKey &key : changed.foreignKeys)
         if (isNamed(node.names, key.constraint.name)) {
             if (node.enable && node.checkExisting)
@@ -336,10 +345,10 @@ void Interpreter::enableConstraints(const Ast::AlterTable &node, const Bound::Ta
             check.enabled = node.enable;
             check.trusted = node.enable && (node.checkExisting || check.trusted);
         }
-    replaceTable(scan, std::move(changed));
+    m_store.replaceTable(scan, std::move(changed));
 }
 
-void Interpreter::enableTriggers(const Ast::AlterTable &node, const Bound::TableScan &scan)
+void TableAlterer::enableTriggers(const Ast::AlterTable &node, const Bound::TableScan &scan)
 {
     if (!scan.database)
         return;
@@ -350,8 +359,8 @@ void Interpreter::enableTriggers(const Ast::AlterTable &node, const Bound::Table
         ++found;
         auto changed = std::make_shared<Module>(*trigger);
         changed->disabled = !node.enable;
-        changed->modified = m_context.statementTime;
-        replaceObject(scan.database, trigger, changed);
+        changed->modified = m_session.evaluation.statementTime;
+        m_store.replaceObject(scan.database, trigger, changed);
     }
     if (found < node.names.size())
         throw EngineError(4920, 16, 0,

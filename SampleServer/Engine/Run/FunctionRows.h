@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Engine/Catalog/Module.h"
+#include "Engine/Functions/EvaluationContext.h"
+#include "Engine/Storage/RowProvider.h"
+
+#include <memory>
+
+namespace SampleServer {
+
+/// The rows of a multi-statement function as SQLite reads them. `context` outlives the result.
+std::shared_ptr<const RowProvider> rowsOfFunction(const EvaluationContext &context, ModulePtr module);
+
+} // namespace SampleServer
