@@ -54,11 +54,10 @@ struct SystemViews
 {
     explicit SystemViews(Edition edition)
     {
-        for (const std::string_view text : {objectViewsText(), storageViewsText(), serverViewsText(),
-                                            informationSchemaText(), compatibilityViewsText()})
-            for (std::size_t at = 0; at < text.size();) {
-                const std::size_t end = std::min(text.find("\nGO\n", at), text.size());
-                add(text.substr(at, end - at), edition);
+        for (const SystemViewScript &script : systemViewScripts())
+            for (std::size_t at = 0; at < script.text.size();) {
+                const std::size_t end = std::min(script.text.find("\nGO\n", at), script.text.size());
+                add(script.text.substr(at, end - at), edition);
                 at = end + 4;
             }
     }

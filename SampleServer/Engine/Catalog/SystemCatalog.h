@@ -3,6 +3,7 @@
 #include "Engine/Catalog/Module.h"
 #include "Engine/Edition.h"
 
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -17,11 +18,14 @@ const std::vector<ModulePtr> &systemViews(Edition edition);
 /// the schema sys.
 bool showsSystemView(Edition edition, const Module &view, bool inSchema);
 
-/// The text that defines views, one after the other with GO lines between them.
-std::string_view objectViewsText();
-std::string_view storageViewsText();
-std::string_view serverViewsText();
-std::string_view informationSchemaText();
-std::string_view compatibilityViewsText();
+/// Definitions of views, with GO lines between them.
+struct SystemViewScript
+{
+    std::string_view name;
+    std::string_view text;
+};
+
+/// The scripts of Catalog/Views, each of which may use the views of those before.
+std::span<const SystemViewScript> systemViewScripts();
 
 } // namespace SampleServer
