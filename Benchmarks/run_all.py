@@ -149,7 +149,7 @@ def catalog_queries(programs):
 
 def main():
     programs = HERE.parent / "build/release/bin"
-    os.environ["VANTOR_SAMPLE_SERVER"] = str(programs / "vantor-sample-server")
+    os.environ["VANTOR_TEST_SERVER"] = str(programs / "vantor-sample-server")
     modules = HERE.parent / "build/release/Tests/SampleServer/tedious"
     tedious = bool(shutil.which("node")) and install(modules)
     with SampleServer() as server:

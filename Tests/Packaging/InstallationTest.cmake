@@ -10,12 +10,18 @@ file(REMOVE_RECURSE ${PREFIX})
 run("Installing" ${CMAKE_COMMAND} --install ${BUILD} --prefix ${PREFIX})
 run("^vantor ${VERSION}" ${PREFIX}/bin/vantor --version)
 run("FILE.sql" ${PREFIX}/bin/vantor --help)
-run("42" ${PREFIX}/bin/vantor-cli query --sample --format csv "SELECT 6 * 7 AS answer")
+set(pages vantor vantor-cli)
+if(SAMPLE_SERVER)
+  run("42" ${PREFIX}/bin/vantor-cli query --sample --format csv "SELECT 6 * 7 AS answer")
+  list(APPEND pages vantor-sample-server)
+endif()
+list(TRANSFORM pages PREPEND share/man/man1/)
+list(TRANSFORM pages APPEND .1.gz)
 
 foreach(file
     share/applications/com.quorvex.vantor.desktop share/metainfo/com.quorvex.vantor.metainfo.xml
     share/icons/hicolor/scalable/apps/com.quorvex.vantor.svg share/bash-completion/completions/vantor-cli
-    share/man/man1/vantor.1.gz share/man/man1/vantor-cli.1.gz share/man/man1/vantor-sample-server.1.gz)
+    ${pages})
   if(NOT EXISTS ${PREFIX}/${file})
     message(FATAL_ERROR "${file} is not installed.")
   endif()

@@ -89,7 +89,7 @@ SampleServerFixture::~SampleServerFixture()
 
 const char *SampleServerFixture::program()
 {
-    return VANTOR_SAMPLE_SERVER;
+    return VANTOR_TEST_SERVER;
 }
 
 SampleServerFixture &SampleServerFixture::shared()

@@ -22,7 +22,7 @@ class SampleServer:
 
     def __enter__(self):
         self._process = subprocess.Popen(
-            [os.environ["VANTOR_SAMPLE_SERVER"], "--port", "0", *self._arguments],
+            [os.environ["VANTOR_TEST_SERVER"], "--port", "0", *self._arguments],
             stdout=subprocess.PIPE,
             text=True,
         )
