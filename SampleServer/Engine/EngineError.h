@@ -11,9 +11,9 @@ namespace SampleServer {
 /// What an error does to the batch it happens in.
 enum class ErrorEffect {
     EndsStatement, ///< the batch goes on with its next statement
-    EndsBatch, ///< the rest of the text it stands in does not run: of the batch, the module, the EXEC (...)
-    EndsAll,   ///< nothing more runs, up to the batch that the client sent
-    RollsBack, ///< likewise, and an open transaction is rolled back
+    EndsBatch,     ///< the rest of the text does not run: of the batch, the module, the EXEC (...)
+    EndsAll,       ///< nothing more runs, up to the batch that the client sent
+    RollsBack,     ///< likewise, and an open transaction is rolled back
 };
 
 /// An error for the client, thrown inside the engine and turned into a message by the session.
@@ -23,7 +23,7 @@ public:
     EngineError(std::int32_t number, int severity, int state, std::string text,
                 ErrorEffect effect = ErrorEffect::EndsStatement);
 
-    /// The error with another one told after it.
+    /// The error with another one that is reported after it.
     EngineError followedBy(std::int32_t number, int state, std::string text) const;
 
     /// Number, severity, state and text; the line is filled in by the statement that failed.

@@ -12,7 +12,7 @@ namespace SampleServer {
 
 namespace {
 
-/// A client of the server's own making: it runs the scripts above, in which nothing may fail.
+/// Receives the results of scripts, in which nothing may fail.
 class ScriptSink : public ResultSink
 {
 public:

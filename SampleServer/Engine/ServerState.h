@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// What a session tells the others of itself.
+/// A session as others see it in sys.dm_exec_sessions.
 struct SessionInfo
 {
     int id = 0;

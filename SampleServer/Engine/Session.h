@@ -44,16 +44,15 @@ public:
     /// Runs one batch and reports everything, errors included, through the sink. When the sink wants to stop,
     /// it returns early; the session, its temporary tables and its transaction live on.
     ///
-    /// endStatement() comes once for every statement that has something to report: a query, a change of rows,
-    /// an error. SET, PRINT, DECLARE and their like report none. A client expects the last DONE to say that
-    /// nothing follows, and every batch to end with one: so the sink holds each endStatement() back until the
-    /// next call shows that more follows, and sends the one it holds, or a bare one, as the last after this
-    /// has returned.
+    /// endStatement() comes once for every statement but declarations and control flow. A client expects the
+    /// last DONE to say that nothing follows, and every batch to end with one: so the sink holds each
+    /// endStatement() back until the next call shows that more follows, and sends the one it holds, or a bare
+    /// one, as the last after this has returned.
     void executeBatch(std::string_view sql, ResultSink &sink);
     /// The same with variables that are there from the start; afterwards each holds its last value.
     void executeBatch(std::string_view sql, std::span<BatchParameter> parameters, ResultSink &sink);
 
-    /// Calls a procedure by its name, which may have several parts, and tells its status, its output
+    /// Calls a procedure by its name, which may have several parts, and sends its status, its output
     /// parameters and its end through the sink.
     void callProcedure(const std::string &name, std::span<const ProcedureArgument> arguments,
                        ResultSink &sink);

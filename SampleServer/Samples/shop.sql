@@ -1,4 +1,4 @@
--- The heart of the shop: who buys what.
+-- Customers, products and orders.
 CREATE TABLE Customers (
     CustomerId   int IDENTITY(1,1) NOT NULL CONSTRAINT PK_Customers PRIMARY KEY,
     CompanyName  nvarchar(60) NOT NULL,

@@ -11,7 +11,7 @@
 
 namespace SampleServer {
 
-/// A column of a result as the client is told of it.
+/// A column of a result as it is described to the client.
 struct ColumnInfo
 {
     std::string name; ///< UTF-8, empty for an expression without a name
@@ -77,7 +77,7 @@ public:
     virtual void returnStatus(std::int32_t status) = 0;
     virtual void returnValue(const std::string &name, const SqlType &type, const Value &value) = 0;
     virtual void endProcedure(const StatementEnd &end) = 0;
-    /// USE and login: tells the client which database is current now.
+    /// After USE and at login: reports the current database to the client.
     virtual void databaseChanged(const std::string &oldName, const std::string &newName) = 0;
     /// The outermost transaction began or ended; `descriptor` names it, never 0.
     virtual void transactionChanged(TransactionEvent event, std::uint64_t descriptor)

@@ -44,7 +44,7 @@ struct SqlType
     static constexpr int Max = -1; ///< the length of the (max) types
 
     TypeId id = TypeId::Int;
-    /// Characters for char, nchar and their kin (UTF-16 units for the n types), bytes for binary; Max for
+    /// Characters for the character types (UTF-16 units for the n types), bytes for binary; Max for
     /// (max).
     int length = 0;
     std::uint8_t precision = 0; ///< decimal only, 1 to 38

@@ -74,7 +74,7 @@ std::string messageTypeName(TypeId id);
 /// The decimal that holds every value of an integer, money or decimal type.
 SqlType asDecimalType(const SqlType &type);
 
-/// The type with the longest length an ordinary (not max) value of its kind can have: 8000 or 4000.
+/// The type with the longest length an ordinary (not max) value of that type can have: 8000 or 4000.
 int longestOrdinaryLength(TypeId id);
 
 /// A text or binary type of `length`, or (max) where the length exceeds the ordinary limit or is Max.

@@ -14,7 +14,7 @@
 
 namespace SampleServer {
 
-/// The one instance that the Browser protocol tells of.
+/// The one instance that the Browser protocol lists.
 struct BrowserInstance
 {
     std::string hostName;

@@ -43,7 +43,7 @@ void Connection::run()
             serve();
         }
     } catch (const ConnectionLost &) {
-        // Gone, and nobody left to tell.
+        // The client has gone: nothing can be sent.
     } catch (const std::exception &) {
         // A client that breaks the protocol, or a failure of ours in the middle of a response: there is no
         // way to go on from an unknown place in the stream.

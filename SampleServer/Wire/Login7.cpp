@@ -10,7 +10,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Where the fields stand in the fixed part of the message.
+/// Offsets of the fields in the fixed part of the message.
 namespace At {
 constexpr std::size_t TdsVersion = 4, PacketSize = 8, OptionFlags2 = 25, OptionFlags3 = 27, HostName = 36,
                       UserName = 40, Password = 44, ApplicationName = 48, Extension = 56, Database = 68,

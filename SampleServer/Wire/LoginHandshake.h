@@ -11,7 +11,7 @@
 
 namespace SampleServer {
 
-/// A client that has proven who it is, and what is agreed with it.
+/// An authenticated client, and what its login has negotiated.
 struct AcceptedLogin
 {
     Login7 request;
@@ -29,7 +29,8 @@ public:
     LoginHandshake(TlsTransport &transport, PacketReader &in, PacketWriter &out,
                    const ServerSettings &settings);
 
-    /// Hears who the client is; empty when it was refused and told so. An accepted one waits for confirm().
+    /// Authenticates the client; empty when it was refused with an error. An accepted one waits for
+    /// confirm().
     std::optional<AcceptedLogin> authenticate();
     /// Tells the client that it is logged in.
     void confirm(const AcceptedLogin &login);

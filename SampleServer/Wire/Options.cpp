@@ -127,7 +127,7 @@ T-SQL over databases in memory.
   --port N               TCP port; 0, the default, picks a free one, which is printed
   --bind ADDRESS         address to listen on (127.0.0.1)
   --browser-port N       also answer Browser requests on this UDP port; 0 picks a free one
-  --instance NAME        instance name that the Browser tells (SAMPLE)
+  --instance NAME        instance name that the Browser lists (SAMPLE)
   --user NAME            the one account, as a login and as the user of any domain (sa)
   --password-env VAR     environment variable with its password (VANTOR_SAMPLE_PASSWORD);
                          the password is "Sample-1" when the variable is not set

@@ -17,7 +17,7 @@ enum class TlsPolicy { Off, Request, Require };
 struct Prelogin
 {
     Encryption encryption = Encryption::NotSupported;
-    bool federatedAuthentication = false; ///< the client asks whether the server wants it
+    bool federatedAuthentication = false; ///< the client offers it
 };
 
 /// Throws ProtocolError for a message whose options point outside of it.

@@ -37,7 +37,7 @@ public:
     bool attentionRequested() override;
     bool waitForAttention(std::int64_t milliseconds) override;
 
-    /// Where the parameters that return values stand in a call, from 0; without it they are counted.
+    /// The positions of the output parameters in a call, from 0; without it they are counted.
     void setOutputPlaces(std::vector<std::uint16_t> places) { m_outputPlaces = std::move(places); }
     /// Whether an error was reported.
     bool failed() const { return m_failed; }

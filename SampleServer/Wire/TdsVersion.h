@@ -11,7 +11,7 @@ namespace SampleServer {
 enum class TdsVersion : std::uint8_t { V71, V72, V73A, V73B, V74 };
 
 /// The version a LOGIN7 asks for; empty for one that is not spoken here. Revisions within a version are not
-/// told apart.
+/// distinguished.
 std::optional<TdsVersion> tdsVersionFromLogin(std::uint32_t loginVersion);
 /// The four bytes of the version, most significant first, in LOGINACK.
 std::uint32_t loginAckVersion(TdsVersion version);

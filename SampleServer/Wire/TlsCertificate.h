@@ -7,7 +7,7 @@ struct gnutls_certificate_credentials_st;
 
 namespace SampleServer {
 
-/// The certificate with which the server proves to clients who it is. Never changes; any thread.
+/// The server's certificate and its private key. Immutable; any thread.
 class TlsCertificate
 {
 public:

@@ -51,7 +51,7 @@ WireType large(const SqlType &type, std::uint8_t code, Content content)
             content == Content::Utf16 ? LargeObjectUtf16 : LargeObject};
 }
 
-/// char, varchar and their kin: in the row up to 8000 bytes, (max) in chunks or, before 7.2, as the old large
+/// Texts and bytes: in the row up to 8000 bytes, (max) in chunks or, before 7.2, as the old large
 /// type.
 WireType sized(const SqlType &type, std::uint8_t code, std::uint8_t largeCode, Content content,
                TdsVersion version)

@@ -24,7 +24,7 @@ inline constexpr std::uint8_t Image = 0x22, Text = 0x23, UniqueIdentifier = 0x24
 /// SQL_Latin1_General_CP1_CI_AS, the collation of everything here: its code page is Windows-1252.
 inline constexpr std::array<std::uint8_t, 5> DefaultCollation = {0x09, 0x04, 0xD0, 0x00, 0x34};
 
-/// How the length of a value is told.
+/// How the length of a value is encoded.
 enum class LengthForm : std::uint8_t {
     Fixed,       ///< not at all
     Byte,        ///< one byte, 0 for NULL

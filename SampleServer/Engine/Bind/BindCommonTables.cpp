@@ -6,7 +6,8 @@
 
 #include <algorithm>
 
-// WITH: common tables, which stand for their query wherever they are named, and recursive ones.
+// WITH: common tables are replaced by their query wherever they are named; recursive ones become
+// RecursiveRows.
 namespace SampleServer {
 
 using namespace Bound;
@@ -63,7 +64,7 @@ void Binder::useCommonTables(const std::vector<Ast::CommonTable> &tables)
     m_common = m_statementCommon.get();
 }
 
-/// The common table that a name in a FROM clause stands for; null when it is none.
+/// The common table of a name in a FROM clause; null when there is none.
 SourcePtr Binder::findCommon(const Ast::TableSource &source, const Ast::ObjectName &name, Scope &scope)
 {
     if (name.parts.size() != 1)

@@ -144,7 +144,7 @@ ExpressionPtr Binder::call(Operation operation, std::vector<ExpressionPtr> argum
             Expression folded{type, true, Constant{operation.function(m_context, operation, values), false}};
             return std::make_shared<const Expression>(std::move(folded));
         } catch (const EngineError &) {
-            // The error belongs to the run: the expression may stand in a branch that is never taken.
+            // The error is for run time: the expression may be in a branch that is never taken.
         }
     }
     Call result{std::move(operation), std::move(arguments)};

@@ -173,7 +173,7 @@ ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string
     }
     if (name == "AVG")
         return average(std::move(argument), node.distinct, *grouping);
-    if (name != "MIN" && name != "MAX") // STDEV, VAR and their kin
+    if (name != "MIN" && name != "MAX") // STDEV, STDEVP, VAR, VARP
         return addAggregate(
             *grouping, {"tsql_" + toLower(name), converted(argument, FloatType), node.distinct}, FloatType);
     if (type.id == TypeId::Bit || isLegacyLob(type.id) || type.id == TypeId::Xml)
@@ -292,7 +292,7 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         choice.otherwise = std::move(value);
         return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
     }
-    if (name == "TEXTPTR") { // the number of the row stands for where its text is
+    if (name == "TEXTPTR") { // the row number serves as the text pointer
         require(1);
         const auto value = argument(0);
         const auto *column = std::get_if<Column>(&value->node);

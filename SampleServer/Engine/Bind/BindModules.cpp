@@ -123,7 +123,7 @@ SourcePtr Binder::bindCatalog(const Ast::TableSource &source, const Ast::ObjectN
     return provided(source, std::move(entry), *rows.columns, {rows.provider, {}}, scope);
 }
 
-/// The arguments of a function in the types of its parameters; DEFAULT stands for the default.
+/// The arguments of a function in the types of its parameters; DEFAULT is the default value.
 std::vector<ExpressionPtr> Binder::moduleArguments(const Module &module,
                                                    const std::vector<Ast::ExpressionPtr> &arguments)
 {

@@ -120,7 +120,7 @@ SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool 
     if (const auto *values = std::get_if<Ast::ValuesTable>(&source.node))
         return bindValues(source, *values, scope, lateral);
     if (const auto *function = std::get_if<Ast::FunctionTable>(&source.node)) {
-        // What a function is given may be columns of its neighbours only under APPLY.
+        // Arguments of a function may be columns of the sources before it only under APPLY.
         Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
         const ScopedValue<Scope *> around(m_scope, &neighbours);
         return bindFunction(source, *function, scope);
@@ -148,7 +148,8 @@ SourcePtr Binder::bindNamed(const Ast::TableSource &source, const Ast::NamedTabl
 SourcePtr Binder::bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope,
                               bool lateral)
 {
-    // A derived table sees the queries around this one; its neighbours in the FROM clause only under APPLY.
+    // A derived table sees the queries around this one; the sources before it in the FROM clause only under
+    // APPLY.
     Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
     const QueryPtr query = [&] {
         const ScopedValue<Scope *> around(m_scope, &neighbours);

@@ -15,7 +15,7 @@ struct ScopeColumn
     ColumnInfo info;
     std::string source;            ///< SQLite's alias of the source
     std::string column;            ///< SQLite's name of the column
-    Bound::ExpressionPtr computed; ///< what the column stands for; null for a stored one
+    Bound::ExpressionPtr computed; ///< of a computed column; null for a stored one
 };
 
 /// A table of a FROM clause as names see it.

@@ -209,7 +209,7 @@ struct RecursiveRows
     std::vector<QueryPtr> steps; ///< each with the depth as one more column at its end
 };
 
-/// What stands for the rows found before within a step.
+/// The rows found before, as a step of a recursive common table sees them.
 struct RecursiveReference
 {
     std::string name;

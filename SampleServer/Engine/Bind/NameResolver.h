@@ -22,7 +22,7 @@ public:
     virtual ~ModuleNames() = default;
 };
 
-/// What a name in a FROM clause stands for: one of the three.
+/// What a name in a FROM clause refers to: a table, a module or rows of the catalog.
 struct NamedSource
 {
     Bound::TableScan scan;                            ///< of a table; its table is null otherwise
@@ -32,7 +32,7 @@ struct NamedSource
     const std::vector<ColumnInfo> *columns = nullptr; ///< of the provider's rows
 };
 
-/// Finds what names stand for, on behalf of the statement that runs.
+/// Resolves the names of the statement that runs.
 class NameResolver
 {
 public:
@@ -41,7 +41,7 @@ public:
     virtual Bound::TableScan findTable(const Ast::ObjectName &name) = 0;
     /// Likewise for everything that rows can be read of.
     virtual NamedSource findSource(const Ast::ObjectName &name) = 0;
-    /// Null when there is no such function; `database` tells where it was found.
+    /// Null when there is no such function; `database` is set to where it was found.
     virtual ModulePtr findFunction(const Ast::ObjectName &name, DatabasePtr &database) = 0;
     /// Throws EngineError 2715; `position` is the number it shows.
     virtual NamedType findType(const Ast::TypeName &name, int position) = 0;
@@ -49,7 +49,7 @@ public:
     /// The rows that a multi-statement function returns.
     virtual std::shared_ptr<const RowProvider> functionRows(const ModulePtr &module,
                                                             const DatabasePtr &database) = 0;
-    /// Told of every table whose rows will be read; `readUncommitted` when it need not wait for its lock.
+    /// Called for every table whose rows will be read; `readUncommitted` when that takes no lock.
     virtual void willRead(const Bound::TableScan &scan, bool readUncommitted) = 0;
 };
 

@@ -9,7 +9,7 @@ namespace SampleServer {
 /// Where a type name stands decides the length it has when none is written.
 enum class TypePlace { Declaration, Cast };
 
-/// The type a name stands for. Throws EngineError 2715 and others for what is no type in that edition.
+/// The type of a name. Throws EngineError 2715 and others for a name that is no type in that edition.
 SqlType resolveType(const Ast::TypeName &name, TypePlace place, Edition edition = Edition::Sql2022);
 
 /// Whether the name is that of the type of row versions, which are eight bytes.

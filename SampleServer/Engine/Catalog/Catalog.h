@@ -45,8 +45,8 @@ struct ExtendedProperty
     std::string value;
 };
 
-/// One database: its objects, and the SQLite connection that keeps its rows in memory while nobody uses it.
-/// Thread-safe; who changes definitions holds the database's schema lock.
+/// One database: its objects, and the SQLite connection that keeps its rows in memory while no session uses
+/// it. Thread-safe; callers that change definitions hold the database's schema lock.
 class Database
 {
 public:

@@ -28,7 +28,7 @@ public:
     virtual std::shared_ptr<const RowProvider> rows(const CatalogContext &context) const = 0;
 };
 
-// The tables that stand in a file of their own.
+// The tables with a source file each.
 const CatalogTable &indexesTable();
 const CatalogTable &indexColumnsTable();
 const CatalogTable &foreignKeysTable();

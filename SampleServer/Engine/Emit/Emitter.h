@@ -33,11 +33,11 @@ struct Emitted
 
 /// A query as one SELECT of SQLite; its columns are named c1, c2 ... The query must outlive the result.
 Emitted emitQuery(const Bound::Query &query);
-/// A query that stands for itself, although it names columns of sources outside: those become parameters, and
+/// A query that runs by itself although it names columns of sources outside: those become parameters, and
 /// are added to `arguments`. `outside` are SQLite's names of these sources.
 Emitted emitLateral(const Bound::Query &query, const std::set<std::string> &outside,
                     std::vector<Bound::ExpressionPtr> &arguments);
-/// An expression alone, as it would stand in a query.
+/// An expression alone, as it would be written in a query.
 Emitted emitExpression(const Bound::Expression &expression);
 /// SELECT of the given expressions from the sources, for UPDATE and DELETE.
 Emitted emitSelection(const std::vector<std::string> &plainColumns,

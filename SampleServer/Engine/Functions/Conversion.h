@@ -19,7 +19,7 @@ struct ConversionOptions
 };
 
 /// The value as CAST and CONVERT give it: text and binary are cut to the length of `to`, fixed lengths
-/// padded. NULL stays NULL. Throws EngineError 220, 232, 241, 242, 245, 529, 8114, 8115 and their kin.
+/// padded. NULL stays NULL. Throws EngineError 220, 232, 241, 242, 245, 529, 8114, 8115 and others.
 Value convertValue(const Value &value, const SqlType &from, const SqlType &to,
                    const ConversionOptions &options = {});
 
@@ -35,7 +35,7 @@ Value convertToBinary(const Value &value, const SqlType &from, const SqlType &to
 
 /// The text of a value in full, before it is cut to a column's length.
 std::string textOf(const Value &value, const SqlType &from, int style);
-/// The number a datetime or smalldatetime stands for in arithmetic: days since 1900-01-01.
+/// The number that a datetime or smalldatetime is in arithmetic: days since 1900-01-01.
 double toDayNumber(const DateTimeValue &value);
 DateTimeValue fromDayNumber(double days);
 

@@ -34,7 +34,7 @@ Value average(EvaluationContext &, const Bound::Operation &, Arguments);
 /// number.
 Bound::ExpressionPtr bindBuiltin(Binder &binder, const std::string &name,
                                  std::vector<Bound::ExpressionPtr> arguments);
-/// DATEADD and its kin, whose first argument names a part of a date. Throws 155 for an unknown part.
+/// DATEADD and the others whose first argument names a part of a date. Throws 155 for an unknown part.
 Bound::ExpressionPtr bindDatePartFunction(Binder &binder, const std::string &name, const std::string &part,
                                           std::vector<Bound::ExpressionPtr> arguments);
 bool takesDatePart(const std::string &name);
@@ -44,7 +44,7 @@ bool isBuiltin(std::string_view name);
 std::string sumFunction(const SqlType &result);
 /// The text that an XML fragment holds: what value('.') gives.
 Value xmlText(EvaluationContext &, const Bound::Operation &, Arguments);
-/// @@ROWCOUNT and its kin. Throws 137 for an unknown one.
+/// A global variable such as @@ROWCOUNT. Throws 137 for an unknown one.
 Bound::ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name);
 
 } // namespace Functions

@@ -22,7 +22,7 @@ SqlType longTextResult(const ArgumentList &)
     return {TypeId::NVarChar, SqlType::Max, 0, 0};
 }
 
-/// What an id stands for: an object, or a constraint and its table.
+/// What has an id: an object, or a constraint and its table.
 struct Known
 {
     ObjectPtr object;

@@ -64,7 +64,7 @@ Value formattedMessage(EvaluationContext &, const Operation &operation, Argument
     return formatMessage(text(a[0]), arguments);
 }
 
-/// The first letter and three digits for the consonants that follow; equal neighbours count once.
+/// The first letter and three digits for the consonants that follow; equal adjacent digits count once.
 std::string soundOf(const std::string &word)
 {
     //                                    ABCDEFGHIJKLMNOPQRSTUVWXYZ

@@ -32,7 +32,7 @@ struct Update
     std::vector<Assignment> assignments;
     std::vector<TableSourcePtr> from;
     ExpressionPtr where;
-    bool isSilent = false; ///< tells no row count
+    bool isSilent = false; ///< sends no row count
 };
 
 struct Delete
@@ -67,7 +67,7 @@ struct SetVariable
     ExpressionPtr value;
 };
 
-/// SET option[, option] value, the words in upper case; a value that is an expression stands in `expression`.
+/// SET option[, option] value, the words in upper case; a value that is an expression is in `expression`.
 struct SetOption
 {
     std::vector<std::string> options;

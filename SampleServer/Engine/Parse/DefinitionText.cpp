@@ -104,7 +104,7 @@ private:
         m_inType = followedBy("(") && takesLength(toUpper(token.value));
     }
 
-    /// A number is put in parentheses, unless it stands in some of its own. `first` is its place, or that of
+    /// A number is put in parentheses, unless it has some of its own. `first` is its position, or that of
     /// its sign.
     void addNumber(const std::string &number, std::size_t first)
     {

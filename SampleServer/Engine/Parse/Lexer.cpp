@@ -176,7 +176,7 @@ private:
         return at(1) == '\n' ? 2 : at(1) == '\r' && at(2) == '\n' ? 3 : 0;
     }
 
-    /// Reads to the closing quote; a doubled one stands for itself.
+    /// Reads to the closing quote; a doubled one is a character of the text.
     void readQuoted(Token &token, TokenKind kind, char close)
     {
         token.kind = kind;

@@ -19,7 +19,7 @@ enum class TokenKind {
     Float,
     Money,
     Binary, ///< 0x0102
-    Symbol, ///< operators and punctuation, "<=" and its kin in one
+    Symbol, ///< operators and punctuation; operators of two characters are one token
     End,
 };
 

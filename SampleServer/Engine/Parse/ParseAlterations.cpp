@@ -214,8 +214,7 @@ StatementPtr Parser::parseAlterTable()
         node.checkExisting = ahead(1).keyword == "CHECK";
         m_at += 2;
     } else {
-        node.checkExisting =
-            !isKeyword("CHECK"); // enabling a constraint does not look at the rows unless told
+        node.checkExisting = !isKeyword("CHECK"); // enabling a constraint checks the rows only WITH CHECK
     }
     const bool enableWord = isKeyword("ENABLE") || isKeyword("DISABLE");
     if (acceptKeyword("ADD"))

@@ -89,7 +89,7 @@ Window Parser::parseWindow()
     return window;
 }
 
-/// ROWS BETWEEN 1 PRECEDING AND CURRENT ROW and its kin; empty where none stands.
+/// A frame such as ROWS BETWEEN 1 PRECEDING AND CURRENT ROW; empty when there is none.
 std::string Parser::parseFrame()
 {
     if (!isKeyword("ROWS") && !isKeyword("RANGE"))

@@ -139,7 +139,7 @@ void Parser::parseParameters(ModuleDefinition &module)
 void Parser::parseProcedureRest(ModuleDefinition &module)
 {
     module.kind = ObjectKind::Procedure;
-    if (acceptSymbol(";")) // ;1, a number that nobody uses
+    if (acceptSymbol(";")) // ;1, the number of a procedure, has no effect
         ++m_at;
     const bool parenthesized = acceptSymbol("(");
     parseParameters(module);

@@ -272,7 +272,7 @@ StatementPtr Parser::parseSet()
     return statement(SetVariable{name, parseExpression()});
 }
 
-/// += and its kin with what follows them: the new value. Null where none of them stands.
+/// A compound assignment such as += with its operand: the new value. Null when there is none here.
 ExpressionPtr Parser::parseCompound(ExpressionPtr target)
 {
     static constexpr std::pair<std::string_view, ArithmeticOperator> arithmetic[] = {

@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// Keeps the rows of results instead of sending them, as INSERT ... EXEC needs them; everything else goes on
+/// Keeps the rows of results instead of sending them, as INSERT ... EXEC needs them; everything else is sent
 /// to the client.
 class CollectingSink : public ResultSink
 {

@@ -31,7 +31,7 @@ void DefinitionExecutor::run(const Ast::CreateTable &node)
     m_session.evaluation.rowCount = 0;
 }
 
-/// Finds the table once nobody else changes definitions.
+/// Finds the table after getting the lock on definitions.
 Bound::TableScan DefinitionExecutor::tableToDrop(const Ast::ObjectName &name)
 {
     if (name.isTemporaryTable())

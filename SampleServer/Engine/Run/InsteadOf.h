@@ -4,8 +4,8 @@
 
 namespace SampleServer {
 
-/// A statement that changes a table or view for which an INSTEAD OF trigger stands in: it runs on a copy of
-/// the rows, and the trigger is told what would have changed.
+/// A statement that changes a table or view with an INSTEAD OF trigger: it changes a copy of the rows, and
+/// the trigger gets the changed rows as inserted and deleted.
 class InsteadOf
 {
 public:

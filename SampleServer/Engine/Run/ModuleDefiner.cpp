@@ -34,7 +34,7 @@ bool endsWithReturn(const Ast::Statement &statement)
     return std::holds_alternative<Ast::Return>(statement.node);
 }
 
-/// Throws 2111 when another trigger stands in the place of the same event already.
+/// Throws 2111 when the object has another INSTEAD OF trigger for the same event.
 void requireOnlyInsteadOf(const Ast::ModuleDefinition &definition, const Database &database,
                           const SchemaObject &parent)
 {

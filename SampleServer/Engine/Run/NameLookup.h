@@ -28,7 +28,7 @@ struct NewPlace
     std::string schema = "dbo";
 };
 
-/// Finds what names stand for in the session, and notes which tables a statement uses, for their locks.
+/// Resolves names for the session, and notes which tables a statement uses, for their locks.
 class NameLookup : public NameResolver
 {
 public:

@@ -192,7 +192,7 @@ void QueryExecutor::run(const Ast::Select &node)
                           ErrorEffect::EndsBatch);
     const Bound::QueryPtr query = binder().bindSelect(node);
     ComputeRows compute(node, *query, *m_session.sink);
-    m_names.lockUses(); // who waits for a lock has not been told anything yet
+    m_names.lockUses(); // before anything is sent
     m_session.sink->columns(columnInfos(*query), orderColumns(*query));
     compute.announce();
     StatementEnd end;

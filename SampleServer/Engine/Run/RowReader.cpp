@@ -2,7 +2,7 @@
 #include "Engine/Run/QueryExecutor.h"
 #include "Engine/Run/RowWriter.h"
 
-// How a RowWriter looks at the rows of its table.
+// Reading the rows of a RowWriter's table.
 namespace SampleServer {
 
 namespace {

@@ -10,7 +10,7 @@ namespace SampleServer {
 
 enum class IsolationLevel { ReadUncommitted, ReadCommitted, RepeatableRead, Serializable };
 
-/// The SET options of a session that the interpreter heeds; those that expressions need live in
+/// The SET options of a session that executors use; those that expressions need live in
 /// EvaluationContext.
 struct SessionOptions
 {

@@ -101,7 +101,7 @@ void SystemProcedures::changeType(const std::vector<ProcedureArgument> &argument
 {
     const Arguments given(arguments, {"@typename", "@phystype", "@nulltype"});
     std::string type = "TYPE ";
-    for (const UserTypePtr &known : m_session.database->types()) // whoever owns it
+    for (const UserTypePtr &known : m_session.database->types()) // in any schema
         if (foldedName(known->name) == foldedName(given.text("@typename")))
             type += quotedName(known->schema) + '.';
     type += quotedName(given.text("@typename"));

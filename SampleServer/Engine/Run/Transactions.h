@@ -33,15 +33,15 @@ public:
     Transactions(const Transactions &) = delete;
     Transactions &operator=(const Transactions &) = delete;
 
-    /// Whom waiting for a lock asks whether to stop; null for nobody.
+    /// Polled while waiting for a lock; null never cancels.
     void watch(ResultSink *sink) { m_sink = sink; }
 
     // Locks. They throw EngineError 1205 and 1222, and BatchCancelled.
     void lock(const std::vector<TableUse> &tables);
-    void useDefinitions(const Database &database); ///< nobody changes its tables while the statement runs
+    void useDefinitions(const Database &database); ///< locks them against changes while the statement runs
     void
-    changeDefinitions(const Database &database); ///< nobody else uses its tables until the transaction ends
-    /// Lets go of what the statement alone needed; in autocommit of everything.
+    changeDefinitions(const Database &database); ///< locks them for this session until the transaction ends
+    /// Releases the locks of the statement; in autocommit all locks.
     void endStatement();
 
     // Transactions. They throw EngineError 3902, 3903, 3908 and 6401.

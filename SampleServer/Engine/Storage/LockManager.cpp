@@ -36,7 +36,7 @@ bool LockManager::isBlocked(Requests::const_iterator request) const
             return true;
     if (m_grants.contains(request->owner))
         return false;
-    // Those who came before go first, unless something else keeps them waiting anyway.
+    // Earlier requests go first, unless they wait for another lock anyway.
     for (auto earlier = m_waiting.begin(); earlier != request; ++earlier)
         for (const Lock &theirs : *earlier->locks) {
             const bool competes =
@@ -53,8 +53,8 @@ bool LockManager::isBlocked(Requests::const_iterator request) const
     return false;
 }
 
-/// Whom a request waits for: the holders of what it wants. Those who merely came earlier will go on by
-/// themselves.
+/// The sessions that a request waits for: those that hold what it wants. Earlier requests that do not hold it
+/// are not among them: they get it and release it without this one.
 void LockManager::addBlockers(const Request &request, std::vector<int> &blockers) const
 {
     for (const Lock &lock : *request.locks) {
@@ -72,7 +72,7 @@ void LockManager::addBlockers(const Request &request, std::vector<int> &blockers
 bool LockManager::wouldDeadlock(Requests::const_iterator request) const
 {
     if (!m_grants.contains(request->owner))
-        return false; // nobody waits for who holds nothing
+        return false; // a session without locks cannot block others
     std::set<int> seen;
     std::vector<int> open;
     addBlockers(*request, open);
@@ -100,7 +100,7 @@ void LockManager::grant(const Request &request)
     }
 }
 
-/// Sleeps a little, then asks whether to stop, which happens without the lock and may throw.
+/// Waits briefly, then polls for cancellation, without the mutex; may throw.
 bool LockManager::waitOnce(std::unique_lock<std::mutex> &lock, const std::function<bool()> &interrupted)
 {
     m_released.wait_for(lock, AttentionInterval);

@@ -18,7 +18,7 @@ enum class LockMode { Shared, Exclusive };
 /// What can be locked: a table by its object id, or a database as a whole in one of two roles.
 struct LockResource
 {
-    static constexpr std::int64_t Schema = 0; ///< the definitions: shared by whoever uses them
+    static constexpr std::int64_t Schema = 0; ///< the definitions: shared by the sessions that use them
     static constexpr std::int64_t Writer =
         1; ///< the right to change rows: SQLite has one writer per database
 
@@ -45,10 +45,10 @@ enum class LockOutcome { Granted, TimedOut, Deadlock, Interrupted };
 class LockManager
 {
 public:
-    /// Waits until all the locks can be granted, then grants them together. `interrupted` is asked every few
-    /// milliseconds. Every grant has to be released, also where the owner had the lock already. A new owner
-    /// does not overtake those who wait for the same; who holds locks already does. Deadlock: waiting would
-    /// close a circle of sessions that wait for each other.
+    /// Waits until all the locks can be granted, then grants them together. `interrupted` is polled every few
+    /// milliseconds. Every grant has to be released, also where the owner had the lock already. An owner
+    /// without locks does not overtake earlier requests for the same lock; an owner with locks does.
+    /// Deadlock: waiting would close a cycle of sessions that wait for each other.
     LockOutcome acquire(int owner, const std::vector<Lock> &locks,
                         std::optional<std::chrono::milliseconds> timeout,
                         const std::function<bool()> &interrupted);

@@ -42,7 +42,7 @@ public:
 
     virtual ~RowProvider() = default;
     virtual std::unique_ptr<RowCursor> open(SqliteConnection &connection) const = 0;
-    /// Whether its cursors make use of an equality. The first three columns should tell rows apart best.
+    /// Whether its cursors make use of an equality. The first three columns should be the most selective.
     virtual bool isIndexed() const { return false; }
 };
 

@@ -94,7 +94,7 @@ int bestIndexedIndex(sqlite3_vtab *table, sqlite3_index_info *info)
     info->estimatedCost = 100'000;
     if (best < 0)
         return SQLITE_OK;
-    // The columns that tell rows apart come first: ids and names. A value of the others, such as a type, many
+    // The most selective columns come first: ids and names. A value of the others, such as a type, many
     // have.
     info->estimatedRows = info->aConstraint[best].iColumn <= 2 ? 10 : 2'500;
     info->estimatedCost = 2.0 * static_cast<double>(info->estimatedRows);

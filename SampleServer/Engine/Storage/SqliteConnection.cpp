@@ -64,7 +64,7 @@ void SqliteStatement::bind(const std::vector<EmittedParameter> &parameters,
                            std::span<sqlite3_value *> arguments)
 {
     int index = 0;
-    // SQLite hands a pointer back unchanged; who gets it only reads through it.
+    // SQLite returns a pointer unchanged, and functions only read through it.
     const auto bindPointer = [&](const void *object, const char *kind) {
         sqlite3_bind_pointer(m_statement, index, const_cast<void *>(object), kind, nullptr);
     };

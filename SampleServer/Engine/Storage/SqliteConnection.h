@@ -59,7 +59,7 @@ private:
 class SqliteConnection
 {
 public:
-    /// `useDefinitions` waits until nobody changes the tables of a database and keeps it so.
+    /// `useDefinitions` waits for and keeps the lock against changes of a database's definitions.
     SqliteConnection(EvaluationContext &context, std::function<void(const Database &)> useDefinitions);
     ~SqliteConnection();
     SqliteConnection(const SqliteConnection &) = delete;
@@ -77,7 +77,7 @@ public:
     void dropTemporary(const std::string &table);
     /// Whether SQLite's own transaction is open: it ends one by itself when a write fails for want of memory.
     bool isInTransaction() const;
-    /// Whom a running statement asks whether to stop; null for nobody.
+    /// Polled while a statement runs; null never cancels.
     void watch(ResultSink *sink) { m_sink = sink; }
     std::int64_t lastRowId() const;
 

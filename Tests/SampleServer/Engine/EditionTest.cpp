@@ -42,7 +42,7 @@ constexpr const char *Properties =
 
 } // namespace
 
-TEST(Editions, SayWhichServerTheyAre)
+TEST(Editions, ReportTheirVersionAndEdition)
 {
     EXPECT_EQ(scalar(Edition::Sql2000, Properties),
               "'8.00.194/Developer Edition/3/Microsoft SQL Server  200'");
@@ -53,7 +53,7 @@ TEST(Editions, SayWhichServerTheyAre)
     EXPECT_EQ(scalar(Edition::Azure, Properties), "'12.0.2000.8/SQL Azure/5/Microsoft SQL Azure (RTM)'");
 }
 
-TEST(Edition2000, HasTheSystemTablesAndNotTheViewsThatFollowedThem)
+TEST(Edition2000, HasSystemTablesAndNoSystemViews)
 {
     EXPECT_EQ(errors(Edition::Sql2000, "SELECT name FROM sys.objects"),
               "208 Invalid object name 'sys.objects'.");
@@ -67,7 +67,7 @@ TEST(Edition2000, HasTheSystemTablesAndNotTheViewsThatFollowedThem)
               "208 Invalid object name 'sysproperties'.");
 }
 
-TEST(Edition2000, KnowsNoSyntaxThatCameLater)
+TEST(Edition2000, RefusesLaterSyntax)
 {
     const std::pair<const char *, const char *> cases[] = {
         {"WITH a AS (SELECT 1 AS b) SELECT * FROM a", "156 Incorrect syntax near the keyword 'WITH'."},
@@ -91,7 +91,7 @@ TEST(Edition2000, KnowsNoSyntaxThatCameLater)
         EXPECT_EQ(errors(Edition::Sql2000, sql), error) << sql;
 }
 
-TEST(Edition2008, LacksWhatCameAfterIt)
+TEST(Edition2008, RefusesLaterSyntaxAndViews)
 {
     const std::pair<const char *, const char *> cases[] = {
         {"SELECT 1 AS a ORDER BY a OFFSET 1 ROWS", "102 Incorrect syntax near 'OFFSET'."},
@@ -124,7 +124,7 @@ TEST(Editions, ListTheColumnsThatTheirSystemViewsHave)
     EXPECT_EQ(scalar(Edition::Sql2022, "SELECT COUNT(*) FROM sys.columns WHERE object_id < 0"), "0");
 }
 
-TEST(EditionAzure, KeepsToOneDatabase)
+TEST(EditionAzure, RefusesNamesInOtherDatabases)
 {
     EXPECT_EQ(
         errors(Edition::Azure, "USE master"),
@@ -143,7 +143,7 @@ TEST(EditionAzure, KeepsToOneDatabase)
               "");
 }
 
-TEST(EditionAzure, ShowsADatabaseItselfAndItsMasterAlone)
+TEST(EditionAzure, ListsTheCurrentDatabaseAndMasterOnly)
 {
     EXPECT_EQ(scalar(Edition::Azure, "SELECT COUNT(*) FROM sys.databases"), "2");
     EXPECT_EQ(scalar(Edition::Azure, "SELECT COUNT(*) FROM sys.databases WHERE name IN ('master', 'shop')",

@@ -43,7 +43,7 @@ using Errors = std::vector<std::int32_t>;
 
 } // namespace
 
-TEST(Limits, OfCombinedQueriesAreAnError)
+TEST(Limits, TooManyCombinedQueriesAreError8631)
 {
     EXPECT_EQ(errorsOf("SELECT 1" + repeated(" UNION ALL SELECT 1", 20'000)), Errors{8631});
     EXPECT_EQ(errorsOf("SELECT 1" + repeated(" INTERSECT SELECT 1", 20'000)), Errors{8631});
@@ -71,13 +71,13 @@ TEST(Limits, CombinedQueriesMayWidenTheirColumnsAtEachStep)
     EXPECT_EQ(scalarOf(sql + ") q"), "100");
 }
 
-TEST(Limits, OfColumnsAreAnError)
+TEST(Limits, TooManyColumnsAreError1056)
 {
     EXPECT_EQ(errorsOf("SELECT 1" + repeated(", 1", 70'000)), Errors{1056});
     EXPECT_EQ(errorsOf("SELECT * FROM Customers" + repeated(", Customers c", 1)), Errors{});
 }
 
-TEST(Limits, OfTablesAreAnError)
+TEST(Limits, TooManyTablesAreError106)
 {
     std::string sql = "SELECT 1 FROM (SELECT 1 AS a) t0";
     for (int i = 1; i < 300; ++i)
@@ -85,7 +85,7 @@ TEST(Limits, OfTablesAreAnError)
     EXPECT_EQ(errorsOf(sql), Errors{106});
 }
 
-TEST(Limits, OfCommonTablesThatDoubleAreAnError)
+TEST(Limits, CommonTablesThatDoubleAreError701)
 {
     std::string sql = "WITH c0 AS (SELECT 1 AS x)";
     for (int i = 1; i < 30; ++i) {
@@ -96,7 +96,7 @@ TEST(Limits, OfCommonTablesThatDoubleAreAnError)
     EXPECT_EQ(errorsOf(sql + " SELECT COUNT(*) FROM c29"), Errors{701});
 }
 
-TEST(Limits, OfValuesAreAnError)
+TEST(Limits, TooLongValuesAreError701)
 {
     EXPECT_EQ(errorsOf("SELECT LEN(REPLICATE(CAST('x' AS varchar(max)), 2147483647))"), Errors{701});
     EXPECT_EQ(errorsOf("DECLARE @v varchar(max) = REPLICATE(CAST('x' AS varchar(max)), 200000000) "
@@ -104,7 +104,7 @@ TEST(Limits, OfValuesAreAnError)
               Errors{701});
 }
 
-TEST(Limits, OfNestingAreAnError)
+TEST(Limits, TooDeepNestingIsError191)
 {
     EXPECT_EQ(errorsOf("SELECT " + repeated("(", 20'000) + "1" + repeated(")", 20'000)), Errors{191});
     EXPECT_EQ(errorsOf("SELECT 1 WHERE 1=1" + repeated(" AND 1=1", 20'000)), Errors{191});

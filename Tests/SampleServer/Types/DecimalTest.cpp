@@ -27,7 +27,7 @@ std::string result(ArithmeticOperator op, const char *left, const char *right, c
 
 } // namespace
 
-TEST(Decimal, WritesWhatItRead)
+TEST(Decimal, TextRoundTrips)
 {
     for (const char *text :
          {"0", "1", "-1", "12.50", "-0.001", "0.00", "99999999999999999999999999999999999999",
@@ -45,7 +45,7 @@ TEST(Decimal, ReadsSignsAndNumbersWithoutAWholePart)
     EXPECT_EQ(decimal("000000000000000000000000000000000000000000001").toString(), "1");
 }
 
-TEST(Decimal, RefusesWhatIsNoNumberOrTooLong)
+TEST(Decimal, RefusesInvalidAndTooLongText)
 {
     for (const char *text :
          {"", "-", ".", "1e5", "1 2", "1.2.3", "--1", "0x1", "123456789012345678901234567890123456789",
@@ -64,14 +64,14 @@ TEST(Decimal, RoundsHalfAwayFromZeroWhenTheScaleShrinks)
     EXPECT_EQ(decimal("0").rescaled(38)->toString(), "0." + std::string(38, '0'));
 }
 
-TEST(Decimal, DoesNotGrowBeyond38Digits)
+TEST(Decimal, OverflowsAbove38Digits)
 {
     EXPECT_FALSE(decimal("1").rescaled(38));
     EXPECT_TRUE(decimal("0.9").rescaled(38));
     EXPECT_FALSE(decimal("99999999999999999999999999999999999999").rescaled(1));
 }
 
-TEST(Decimal, ComparesByNumberWhateverTheScale)
+TEST(Decimal, ComparesValuesOfDifferentScales)
 {
     EXPECT_EQ(decimal("1.50"), decimal("1.5"));
     EXPECT_LT(decimal("-2"), decimal("-1.999"));
@@ -80,7 +80,7 @@ TEST(Decimal, ComparesByNumberWhateverTheScale)
     EXPECT_EQ(decimal("0"), decimal("-0.00"));
 }
 
-TEST(Decimal, TurnsIntoTheNearestDoubleAndBack)
+TEST(Decimal, ConvertsToTheNearestDoubleAndBack)
 {
     EXPECT_EQ(decimal("0.1").toDouble(), 0.1);
     EXPECT_EQ(decimal("-12345678901234567890.5").toDouble(), -12345678901234567890.5);
@@ -91,7 +91,7 @@ TEST(Decimal, TurnsIntoTheNearestDoubleAndBack)
     EXPECT_FALSE(decimalFromDouble(std::numeric_limits<double>::infinity(), 0));
 }
 
-TEST(Decimal, TurnsIntoIntegersAndBackAtTheExtremes)
+TEST(Decimal, ConvertsExtremeIntegersAndBack)
 {
     for (const std::int64_t value :
          {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max(), std::int64_t{0},
@@ -119,7 +119,7 @@ TEST(DecimalMath, DerivesTheTypesOfResults)
     EXPECT_EQ(decimalResultType(Op::Add, type(38, 0), type(38, 0)), type(38, 0));
 }
 
-TEST(DecimalMath, CalculatesExactlyAndCutsQuotients)
+TEST(DecimalMath, CalculatesExactlyAndTruncatesQuotients)
 {
     using Op = ArithmeticOperator;
     EXPECT_EQ(result(Op::Add, "99999999999999999999999999999999999998", "1", type(38, 0)),

@@ -68,7 +68,7 @@ TEST(Attention, EndsAStreamOfRowsThatTheClientDoesNotRead)
     expectUsable(client);
 }
 
-TEST(Attention, IsAcknowledgedAfterTheEndOfTheBatchToo)
+TEST(Attention, IsAcknowledgedAfterTheEndOfTheBatch)
 {
     defineScripts();
     LoopbackServer server;
@@ -94,7 +94,7 @@ TEST(Attention, IsAcknowledgedOnceEachTime)
     }
 }
 
-TEST(Attention, AWaitThatNobodyEndsLastsItsTime)
+TEST(Attention, AnUninterruptedWaitLastsItsTime)
 {
     ScriptedEngine::define("short wait", [](ResultSink &sink) {
         const auto start = Clock::now();
@@ -108,7 +108,7 @@ TEST(Attention, AWaitThatNobodyEndsLastsItsTime)
     EXPECT_EQ(WireClient::finalStatus(client.batch(u"short wait")), 0);
 }
 
-TEST(Attention, AWaitSendsThePacketsThatAreFullAndFlushSendsTheRest)
+TEST(Attention, AWaitSendsFullPacketsAndFlushSendsTheRest)
 {
     ScriptedEngine::define("flush and wait", [](ResultSink &sink) {
         ServerMessage message;
@@ -128,7 +128,7 @@ TEST(Attention, AWaitSendsThePacketsThatAreFullAndFlushSendsTheRest)
     expectCutOffAndAcknowledged(client);
 }
 
-TEST(Attention, AClientThatGoesDuringABatchEndsTheBatch)
+TEST(Attention, ADisconnectEndsTheBatch)
 {
     std::atomic<int> lost = 0;
     const auto counted = [&](auto work) {

@@ -60,7 +60,7 @@ std::string ask(const char *host, std::uint16_t port, const std::string &request
 
 } // namespace
 
-TEST(BrowserResponder, ListsItsInstanceToEveryoneAndToOne)
+TEST(BrowserResponder, ListsItsInstanceForBroadcastAndUnicast)
 {
     EXPECT_EQ(listing({2}), Listing);
     EXPECT_EQ(listing({3}), Listing);
@@ -80,7 +80,7 @@ TEST(BrowserResponder, HasNoAnswerForUnknownInstancesAndRequests)
     EXPECT_EQ(listing({15}), "");
 }
 
-TEST(BrowserResponder, AnswersOverUdpAfterRequestsThatAreNone)
+TEST(BrowserResponder, AnswersOverUdpAfterMalformedRequests)
 {
     BrowserResponder responder("127.0.0.1", 0, Instance);
     EXPECT_EQ(ask("127.0.0.1", responder.port(), std::string("\4OTHER\0", 7), 100), "");
@@ -88,7 +88,7 @@ TEST(BrowserResponder, AnswersOverUdpAfterRequestsThatAreNone)
     EXPECT_EQ(ask("127.0.0.1", responder.port(), std::string("\4SAMPLE\0", 8), 5000), Listing);
 }
 
-TEST(BrowserResponder, HearsTheLoopbackBroadcast)
+TEST(BrowserResponder, AnswersTheLoopbackBroadcast)
 {
     BrowserResponder responder("127.0.0.1", 0, Instance);
     EXPECT_EQ(ask("127.255.255.255", responder.port(), "\2", 5000), Listing);

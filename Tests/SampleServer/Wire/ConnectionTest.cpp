@@ -96,7 +96,7 @@ TEST(Connection, RefusesAnUnknownDatabaseWithBothErrors)
     EXPECT_TRUE(client.waitForClose());
 }
 
-TEST(Connection, ClosesWithoutAWordOnAVersionThatIsNotOffered)
+TEST(Connection, ClosesOnAnUnsupportedVersion)
 {
     ServerSettings settings = LoopbackServer::defaultSettings();
     settings.highestVersion = TdsVersion::V72;
@@ -240,7 +240,7 @@ TEST(Connection, ResetsTheSessionWhenARequestAsksForIt)
     EXPECT_TRUE(WireClient::contains(client.readMessage(), {0xE3, 3, 0, 18, 0, 0}));
 }
 
-TEST(Connection, AnswersARequestThatItsClientTookBackWithoutRunningIt)
+TEST(Connection, AnswersACancelledRequestWithoutRunningIt)
 {
     LoopbackServer server;
     bool ran = false;

@@ -26,7 +26,7 @@ void expectClosedAfter(const LoopbackServer &server, const Bytes &bytes)
 
 } // namespace
 
-TEST(HostileClient, IsDisconnectedForPacketsThatAreNone)
+TEST(HostileClient, IsDisconnectedForMalformedPackets)
 {
     LoopbackServer server;
     expectClosedAfter(server, {18, 1, 0, 0, 0, 0, 1, 0});               // shorter than its header
@@ -65,7 +65,7 @@ TEST(HostileClient, IsDisconnectedForSilenceDuringTheLogin)
     EXPECT_TRUE(dripping.waitForClose());
 }
 
-TEST(HostileClient, MaySayNothingAfterTheLogin)
+TEST(HostileClient, MayBeSilentAfterTheLogin)
 {
     ServerSettings settings = LoopbackServer::defaultSettings();
     settings.loginTimeout = 100ms;
@@ -75,7 +75,7 @@ TEST(HostileClient, MaySayNothingAfterTheLogin)
     EXPECT_FALSE(client.waitForClose(300ms));
 }
 
-TEST(HostileClient, IsDisconnectedForRequestsThatAreNone)
+TEST(HostileClient, IsDisconnectedForMalformedRequests)
 {
     LoopbackServer server;
     const std::pair<std::uint8_t, Bytes> requests[] = {
@@ -84,7 +84,7 @@ TEST(HostileClient, IsDisconnectedForRequestsThatAreNone)
         {1, {4, 0, 0, 0, 'x'}},           // half a character
         {3, {4, 0, 0, 0, 0xFE, 0xFF, 1}}, // a name beyond the message
         {14, {4, 0, 0, 0, 5, 0}},         // a transaction request cut short
-        {7, {1, 2, 3}},                   // a bulk load that nobody announced
+        {7, {1, 2, 3}},                   // a bulk load without INSERT BULK
         {18, LoginBytes::prelogin(2)},    // another prelogin
         {16, LoginBytes::login7({})},     // another login
     };
@@ -129,7 +129,7 @@ TEST(HostileClient, MayCloseAtEveryByteOfALogin)
     expectAlive(server);
 }
 
-TEST(HostileClient, WhoseRequestMakesTheEngineFailIsDisconnectedAlone)
+TEST(HostileClient, CannotEndOtherSessionsByAnEngineFailure)
 {
     ScriptedEngine::define("fails", [](ResultSink &) { throw std::runtime_error("a defect"); });
     LoopbackServer server;

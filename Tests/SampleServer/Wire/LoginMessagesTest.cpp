@@ -37,14 +37,14 @@ TEST(Login7, ReadsTheFieldsOfALogin)
     EXPECT_FALSE(login.featureExtension);
 }
 
-TEST(Login7, TellsClientsThatWantTheSettingsOfOdbc)
+TEST(Login7, RecognisesClientsThatAskForOdbcSettings)
 {
     Bytes message = LoginBytes::login7(fullLogin());
     message[25] = 0x02;
     EXPECT_TRUE(parseLogin7(message).odbc);
 }
 
-TEST(Login7, RevealsAPassword)
+TEST(Login7, DecodesAPassword)
 {
     // "a" is 61 00: the halves of each byte swapped, then XOR A5.
     EXPECT_EQ(hex(revealPassword(Bytes{0xB3, 0xA5})), "61 00");
@@ -70,7 +70,7 @@ TEST(Login7, RefusesEveryTruncation)
         EXPECT_THROW(parseLogin7(std::span(whole).first(size)), ProtocolError) << size;
 }
 
-TEST(Login7, RefusesATruncationThatItsLengthAdmits)
+TEST(Login7, RefusesATruncationWithAMatchingLength)
 {
     const Bytes whole = LoginBytes::login7(fullLogin());
     for (std::size_t size = 0; size < whole.size(); ++size) {
@@ -81,7 +81,7 @@ TEST(Login7, RefusesATruncationThatItsLengthAdmits)
     }
 }
 
-TEST(Login7, NeverReadsOutsideOfASpoiledMessage)
+TEST(Login7, NeverReadsOutsideOfACorruptMessage)
 {
     LoginBytes::Login wanted = fullLogin();
     wanted.features = {0x0A, 1, 0, 0, 0, 1, 0xFF};
@@ -107,7 +107,7 @@ TEST(Login7, RefusesNamesAbove128Characters)
     EXPECT_THROW(parseLogin7(LoginBytes::login7(login)), ProtocolError);
 }
 
-TEST(Prelogin, ReadsWhatTheClientSaysAboutEncryption)
+TEST(Prelogin, ReadsTheEncryptionOption)
 {
     for (const auto encryption :
          {Encryption::Off, Encryption::On, Encryption::NotSupported, Encryption::Required})

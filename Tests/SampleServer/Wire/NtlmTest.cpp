@@ -89,7 +89,7 @@ TEST(Ntlm, ProvesKnowledgeOfAPasswordInVersion2)
     EXPECT_EQ(hex(proof(accountHash(u"Password", u"User", u"Domain"), ServerChallenge, Blob2)), Proof2);
 }
 
-TEST(Ntlm, AcceptsEachKindOfResponseToTheRightPasswordAlone)
+TEST(Ntlm, AcceptsEachKindOfResponseWithTheRightPasswordOnly)
 {
     Bytes version2 = bytesOf(Proof2);
     version2.insert(version2.end(), Blob2.begin(), Blob2.end());
@@ -104,7 +104,7 @@ TEST(Ntlm, AcceptsEachKindOfResponseToTheRightPasswordAlone)
     }
 }
 
-TEST(Ntlm, RefusesResponsesThatAreNone)
+TEST(Ntlm, RefusesMalformedResponses)
 {
     for (const std::size_t size : {0u, 1u, 16u, 23u, 24u, 25u, 60u})
         EXPECT_FALSE(authentication(Bytes(size)).proves(u"Password", ServerChallenge)) << size;
@@ -120,7 +120,7 @@ TEST(Ntlm, ChallengesWithItsNameAndTheFlagsThatTheClientKnows)
               "53 00 02 00 02 00 53 00 01 00 02 00 53 00 00 00 00 00");
 }
 
-TEST(Ntlm, RefusesAFirstMessageThatIsNoNegotiation)
+TEST(Ntlm, RefusesAFirstMessageThatIsNotNegotiate)
 {
     for (const char *message : {"4E 54 4C 4D 53 53 50 00 03 00 00 00 01 02 08 00", // of another type
                                 "4E 54 4C 4D 53 53 51 00 01 00 00 00 01 02 08 00", // with another signature

@@ -51,7 +51,7 @@ TEST(SampleServerOptions, KnowTheProtocolOfAnEditionUnlessOneIsGiven)
     EXPECT_THROW(parsed({"--edition", "2005"}), UsageError);
 }
 
-TEST(SampleServerOptions, RefuseWhatTheyDoNotKnow)
+TEST(SampleServerOptions, RefuseUnknownOptions)
 {
     EXPECT_EQ(parsed({"--tables", "50000"}).tables, 50000);
     EXPECT_THROW(parsed({"--tables", "-1"}), UsageError);

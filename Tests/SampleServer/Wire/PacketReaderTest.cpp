@@ -43,7 +43,7 @@ const Bytes AttentionPacket = packet(PacketType::Attention, 1, "");
 
 } // namespace
 
-TEST(PacketReader, PutsAMessageTogetherWhereverItsBytesWereCut)
+TEST(PacketReader, AssemblesAMessageSplitAnywhere)
 {
     for (std::size_t cut = 1; cut < TwoPackets.size(); ++cut) {
         MemoryTransport transport;
@@ -57,7 +57,7 @@ TEST(PacketReader, PutsAMessageTogetherWhereverItsBytesWereCut)
     }
 }
 
-TEST(PacketReader, PutsAMessageTogetherThatArrivesByteByByte)
+TEST(PacketReader, AssemblesAMessageThatArrivesByteByByte)
 {
     MemoryTransport transport;
     for (const std::uint8_t byte : TwoPackets)
@@ -114,14 +114,14 @@ TEST(PacketReader, RefusesAMessageThatChangesItsType)
     EXPECT_THROW(PacketReader(transport).read(), ProtocolError);
 }
 
-TEST(PacketReader, LosesTheConnectionInTheMiddleOfAPacket)
+TEST(PacketReader, FailsOnADisconnectInTheMiddleOfAPacket)
 {
     MemoryTransport transport;
     transport.incoming = {Bytes(TwoPackets.begin(), TwoPackets.begin() + 10)};
     EXPECT_THROW(PacketReader(transport).read(), ConnectionLost);
 }
 
-TEST(PacketReader, GivesAnAttentionInPlaceOfTheMessageItCutsOff)
+TEST(PacketReader, ReturnsAnAttentionInPlaceOfTheMessageItInterrupts)
 {
     MemoryTransport transport;
     transport.incoming = {chained(packet(PacketType::SqlBatch, 0, "select "), AttentionPacket)};
@@ -140,7 +140,7 @@ TEST(PacketReader, TakesAnAttentionThatArrivesInPieces)
     EXPECT_FALSE(reader.takeAttention(0ms));
 }
 
-TEST(PacketReader, LeavesARequestThatCameTooEarlyWhereItIs)
+TEST(PacketReader, KeepsARequestThatArrivesTooEarly)
 {
     MemoryTransport transport;
     transport.incoming = {packet(PacketType::SqlBatch, 1, "early")};
@@ -149,7 +149,7 @@ TEST(PacketReader, LeavesARequestThatCameTooEarlyWhereItIs)
     EXPECT_EQ(text(reader.read().payload), "early");
 }
 
-TEST(PacketReader, GivesUpOnAClientThatMissesItsDeadline)
+TEST(PacketReader, FailsWhenTheDeadlinePasses)
 {
     MemoryTransport transport;
     PacketReader reader(transport);

@@ -43,7 +43,7 @@ TEST(PacketWriter, WritesAHeaderWithTypeStatusLengthProcessAndNumber)
     EXPECT_EQ(hex(transport.written), "04 01 00 0A 00 33 01 00 34 12");
 }
 
-TEST(PacketWriter, CutsNumbersAndTextsAtEveryPlaceOfAPacketBoundary)
+TEST(PacketWriter, SplitsNumbersAndTextsAtAnyPacketBoundary)
 {
     for (std::size_t filler = 490; filler < 512; ++filler) {
         MemoryTransport transport;
@@ -107,7 +107,7 @@ TEST(PacketWriter, FlushSendsAPacketThatDoesNotEndTheMessage)
     EXPECT_EQ(hex(std::span(transport.written).subspan(9)), "04 01 00 09 00 00 02 00 02");
 }
 
-TEST(PacketWriter, SendFullPacketsKeepsTheOneThatIsNot)
+TEST(PacketWriter, SendFullPacketsKeepsTheIncompleteOne)
 {
     MemoryTransport transport;
     PacketWriter writer(transport);
@@ -120,7 +120,7 @@ TEST(PacketWriter, SendFullPacketsKeepsTheOneThatIsNot)
     EXPECT_EQ(payloadOf(transport.written), bytes);
 }
 
-TEST(PacketWriter, CutsTextsAtWhatTheirLengthCanSay)
+TEST(PacketWriter, TruncatesTextsAtTheLimitOfTheirLengthField)
 {
     MemoryTransport transport;
     PacketWriter writer(transport);

@@ -46,7 +46,7 @@ ProcedureCall parsed(const Bytes &request)
 
 } // namespace
 
-TEST(ProcedureCall, HasTheNameOfItsProcedureOrOfItsNumber)
+TEST(ProcedureCall, HasANameAlsoWhenCalledByNumber)
 {
     EXPECT_EQ(parsed(joinedCall({{2, 0}, units("ab"), {0, 0}})).procedure, "ab");
     EXPECT_EQ(parsed({0xFF, 0xFF, 15, 0, 0, 0}).procedure, "sp_unprepare");
@@ -96,7 +96,7 @@ TEST(ProcedureCall, LeavesAnArgumentWithoutADeclarationNameless)
     EXPECT_EQ(arguments[0].name, "");
 }
 
-TEST(ProcedureCall, SaysWhyItsParametersCouldNotBeRead)
+TEST(ProcedureCall, ReportsWhyItsParametersCannotBeRead)
 {
     const ProcedureCall call =
         parsed(joinedCall({ExecuteSql, nvarchar("s"), nvarchar("@a xml"), {0, 0, 0xF1, 0}}));

@@ -68,7 +68,7 @@ TEST(SampleServerProgram, TakesItsPasswordFromTheEnvironment)
     EXPECT_TRUE(accepts(named, login));
 }
 
-TEST(SampleServerProgram, AnswersManyFailedLoginsLater)
+TEST(SampleServerProgram, DelaysAnswersAfterManyFailedLogins)
 {
     const SampleServerFixture server;
     for (int i = 0; i < 20; ++i)
@@ -80,7 +80,7 @@ TEST(SampleServerProgram, AnswersManyFailedLoginsLater)
     EXPECT_TRUE(accepts(server, loginWith(u"Sample-1")));
 }
 
-TEST(SampleServerProgram, OffersNoHigherVersionThanItIsTold)
+TEST(SampleServerProgram, OffersNoVersionAboveItsLimit)
 {
     const SampleServerFixture server({{"--tds", "7.1"}, {}});
     LoginBytes::Login login;
@@ -89,7 +89,7 @@ TEST(SampleServerProgram, OffersNoHigherVersionThanItIsTold)
     EXPECT_TRUE(accepts(server, login));
 }
 
-TEST(SampleServerProgram, SaysWhereItsBrowserListens)
+TEST(SampleServerProgram, PrintsTheBrowserPort)
 {
     const SampleServerFixture server({{"--browser-port", "0"}, {}});
     EXPECT_NE(server.browserPort(), 0);

@@ -32,7 +32,7 @@ Bytes joinedPieces(std::initializer_list<Bytes> pieces)
 
 } // namespace
 
-TEST(RequestParser, ReadsABatchBehindItsHeadersFrom72On)
+TEST(RequestParser, SkipsTheHeadersOfABatchSince72)
 {
     const Bytes text = units(u"select é");
     EXPECT_EQ(parseBatch(joinedPieces({Headers, text}), TdsVersion::V72), "select é");
@@ -40,7 +40,7 @@ TEST(RequestParser, ReadsABatchBehindItsHeadersFrom72On)
     EXPECT_EQ(parseBatch(Headers, TdsVersion::V74), "");
 }
 
-TEST(RequestParser, RefusesBatchesThatAreBroken)
+TEST(RequestParser, RefusesMalformedBatches)
 {
     EXPECT_THROW(parseBatch(Bytes{}, TdsVersion::V72), ProtocolError) << "no headers";
     EXPECT_THROW(parseBatch(Bytes{3, 0, 0, 0}, TdsVersion::V72), ProtocolError)
@@ -50,7 +50,7 @@ TEST(RequestParser, RefusesBatchesThatAreBroken)
     EXPECT_THROW(parseBatch(Bytes{'a', 0, 'b'}, TdsVersion::V71), ProtocolError) << "half a character";
 }
 
-TEST(RequestParser, SaysTransactionRequestsInTSql)
+TEST(RequestParser, TranslatesTransactionRequestsToTSql)
 {
     const auto sql = [](const Bytes &request) { return parseTransactionRequest(request, TdsVersion::V71); };
     EXPECT_EQ(sql({5, 0, 0, 0}), "BEGIN TRANSACTION");

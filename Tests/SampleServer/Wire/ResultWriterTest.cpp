@@ -49,7 +49,7 @@ TEST(ResultWriter, ColumnsCarryTheirFlagsAndNames)
     EXPECT_EQ(written(TdsVersion::V71, columns), "81 02 00 00 00 00 00 38 01 E9 00 00 00 35 00 26 04 00");
 }
 
-TEST(ResultWriter, ARowsNullsAreBitsFrom73BOnWhereThatIsShorter)
+TEST(ResultWriter, RowsUseANullBitmapSince73BWhenShorter)
 {
     const std::vector<Value> mostlyNull(9, Value());
     EXPECT_EQ(intRow(TdsVersion::V73B, mostlyNull), "D2 FF 01");
@@ -58,7 +58,7 @@ TEST(ResultWriter, ARowsNullsAreBitsFrom73BOnWhereThatIsShorter)
     EXPECT_EQ(intRow(TdsVersion::V74, {One, Value(), Value()}), "D2 06 04 01 00 00 00");
 }
 
-TEST(ResultWriter, ARowWhoseNullsWouldNotBeShorterAsBitsStaysARow)
+TEST(ResultWriter, RowsUseNoNullBitmapWhenItIsNotShorter)
 {
     EXPECT_EQ(intRow(TdsVersion::V74, {One, Value()}), "D1 04 01 00 00 00 00");
     EXPECT_EQ(intRow(TdsVersion::V74, {One, One}), "D1 04 01 00 00 00 04 01 00 00 00");

@@ -95,7 +95,7 @@ TEST(ScalarTypes, MoneyPutsItsHighHalfFirst)
         << "rescaled to four digits";
 }
 
-TEST(ScalarTypes, DecimalsTakeTheBytesThatTheirPrecisionNeeds)
+TEST(ScalarTypes, DecimalSizeDependsOnPrecision)
 {
     EXPECT_EQ(typeInfo({TypeId::Decimal, 0, 9, 2}), "6A 05 09 02");
     EXPECT_EQ(typeInfo({TypeId::Decimal, 0, 10, 2}), "6A 09 0A 02");
@@ -129,7 +129,7 @@ TEST(ScalarTypes, DateTimeRoundsToThreeHundredthsAndIntoTheNextDay)
               "08 7F 24 2D 00 FF 81 8B 01");
 }
 
-TEST(ScalarTypes, NewDateTypesTakeTheBytesThatTheirScaleNeeds)
+TEST(ScalarTypes, DateSizeDependsOnScale)
 {
     EXPECT_EQ(typeInfo({TypeId::Date}), "28");
     EXPECT_EQ(encoded({TypeId::Date}, DateTimeValue{0, 0}), "03 00 00 00");
@@ -185,7 +185,7 @@ TEST(ScalarTypes, ClientsBefore73GetTheNewDateTypesAsText)
     }
 }
 
-TEST(ScalarTypes, ANullInAColumnThatHasNoneIsRefused)
+TEST(ScalarTypes, ANullInANotNullColumnIsRefused)
 {
     EncodedColumn column({TypeId::Int}, TdsVersion::V71, false);
     EXPECT_THROW(column.value(Value()), std::logic_error);

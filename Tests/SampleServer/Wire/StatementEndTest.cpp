@@ -74,7 +74,7 @@ TEST(StatementEnd, IsSentOnceForAFailedStatement)
     EXPECT_EQ(endsOf(u"RAISERROR('b', 16, 1) SET NOCOUNT ON"), "done+ done");
 }
 
-TEST(StatementEnd, IsOfTheProcedureInsideOfOne)
+TEST(StatementEnd, IsDoneInProcInsideOfAProcedure)
 {
     WireClient client(SampleServerFixture::shared().port());
     client.login();

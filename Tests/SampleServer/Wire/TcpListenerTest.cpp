@@ -23,7 +23,7 @@ std::size_t openDescriptors()
 
 } // namespace
 
-TEST(TcpListener, RefusesAnAddressThatIsNone)
+TEST(TcpListener, RefusesAnInvalidAddress)
 {
     const auto ignore = [](int, std::uint64_t) {};
     EXPECT_THROW(TcpListener("nowhere", 0, ignore), std::invalid_argument);
@@ -84,7 +84,7 @@ TEST(TcpListener, ServesFiveHundredClientsAtOnce)
         EXPECT_TRUE(WireClient::contains(client.readMessage(), {0xD1, 4, 7, 0, 0, 0}));
 }
 
-TEST(TcpListener, KeepsNothingOfClientsThatHaveGone)
+TEST(TcpListener, ReleasesMemoryOfDisconnectedClients)
 {
     LoopbackServer server;
     WireClient(server.port()).login();

@@ -56,7 +56,7 @@ TEST(TextTypes, ALoneSurrogateSurvives)
     EXPECT_EQ(column.value(text("\xED\xA0\xBD")), "02 00 3D D8");
 }
 
-TEST(TextTypes, BytesThatAreNoUtf8BecomeReplacementCharacters)
+TEST(TextTypes, InvalidUtf8BecomesReplacementCharacters)
 {
     EncodedColumn column({TypeId::NVarChar, 5}, TdsVersion::V74);
     EXPECT_EQ(column.value(text("a\xFF")), "04 00 61 00 FD FF");
@@ -70,14 +70,14 @@ TEST(TextTypes, CharactersOfTheOtherTypesAreInTheCodePage)
     EXPECT_EQ(EncodedColumn({TypeId::Char, 8000}, TdsVersion::V71).typeInfo(), "AF 40 1F" + Collation);
 }
 
-TEST(TextTypes, ShortTypesTellNullByTheirLength)
+TEST(TextTypes, ShortTypesEncodeNullAsALength)
 {
     for (const TypeId id :
          {TypeId::Char, TypeId::VarChar, TypeId::NChar, TypeId::NVarChar, TypeId::Binary, TypeId::VarBinary})
         EXPECT_EQ(EncodedColumn({id, 10}, TdsVersion::V72).value(Value()), "FF FF");
 }
 
-TEST(TextTypes, ATextLongerThanItsColumnIsCut)
+TEST(TextTypes, ATextLongerThanItsColumnIsTruncated)
 {
     EXPECT_EQ(EncodedColumn({TypeId::NVarChar, 2}, TdsVersion::V74).value(text("abc")), "04 00 61 00 62 00");
     EXPECT_EQ(EncodedColumn({TypeId::NVarChar, 2}, TdsVersion::V74).value(text("éée")), "04 00 E9 00 E9 00");
@@ -134,7 +134,7 @@ TEST(TextTypes, ALongValueComesInManyChunksWithoutLoss)
         ASSERT_EQ(wide[2 * index], content[index]);
 }
 
-TEST(BinaryTypes, BytesPassAsTheyAre)
+TEST(BinaryTypes, BytesAreUnchanged)
 {
     EncodedColumn column({TypeId::VarBinary, 10}, TdsVersion::V74);
     EXPECT_EQ(column.typeInfo(), "A5 0A 00");

@@ -80,7 +80,7 @@ struct EncryptedSession
 
 } // namespace
 
-TEST(Tls, IsAgreedOnFromWhatBothSidesWant)
+TEST(Tls, IsNegotiatedFromBothSidesOptions)
 {
     const auto agreed = [](TlsPolicy policy) {
         Bytes answers;
@@ -95,7 +95,7 @@ TEST(Tls, IsAgreedOnFromWhatBothSidesWant)
     EXPECT_EQ(agreed(TlsPolicy::Require), Bytes({Required, On, Required, On, Required}));
 }
 
-TEST(Tls, ProtectsEverythingWhenTheClientWantsIt)
+TEST(Tls, EncryptsEverythingWhenTheClientAsks)
 {
     defineScripts();
     for (const TlsPolicy policy : {TlsPolicy::Request, TlsPolicy::Require}) {
@@ -109,7 +109,7 @@ TEST(Tls, ProtectsEverythingWhenTheClientWantsIt)
     }
 }
 
-TEST(Tls, ProtectsEverythingWhenTheServerRequiresIt)
+TEST(Tls, EncryptsEverythingWhenTheServerRequiresIt)
 {
     defineScripts();
     LoopbackServer server(settingsWith(TlsPolicy::Require));
@@ -120,7 +120,7 @@ TEST(Tls, ProtectsEverythingWhenTheServerRequiresIt)
     expectUsable(client);
 }
 
-TEST(Tls, ProtectsTheLoginAloneWhenNobodyWantsMore)
+TEST(Tls, EncryptsOnlyTheLoginWhenNeitherSideAsksForMore)
 {
     defineScripts();
     LoopbackServer server(settingsWith(TlsPolicy::Request));
@@ -133,13 +133,13 @@ TEST(Tls, ProtectsTheLoginAloneWhenNobodyWantsMore)
     expectUsable(client);
 }
 
-TEST(Tls, IsNoNeedWhereTheServerLeavesItToTheClient)
+TEST(Tls, IsOptionalWhenTheServerOnlyRequestsIt)
 {
     LoopbackServer server(settingsWith(TlsPolicy::Request));
     EXPECT_TRUE(WireClient::contains(WireClient(server.port()).login(), LoginAck));
 }
 
-TEST(Tls, TurnsClientsAwayThatCannotWhereItIsRequired)
+TEST(Tls, RefusesClientsWithoutItWhenRequired)
 {
     LoopbackServer server(settingsWith(TlsPolicy::Require));
     TlsWireClient unable(server.port());
@@ -155,7 +155,7 @@ TEST(Tls, TurnsClientsAwayThatCannotWhereItIsRequired)
     EXPECT_TRUE(pretending.waitForClose());
 }
 
-TEST(Tls, ShakesHandsInPacketsOfAnySize)
+TEST(Tls, HandshakesInPacketsOfAnySize)
 {
     LoopbackServer server(settingsWith(TlsPolicy::Require));
     for (const std::size_t packetSize : {9, 10, 64, 512}) {
@@ -178,7 +178,7 @@ TEST(Tls, CarriesAttentions)
     }
 }
 
-TEST(Tls, SeesAnAttentionInTheSameRecordAsItsBatch)
+TEST(Tls, ReadsAnAttentionInTheSameRecordAsItsBatch)
 {
     EncryptedSession session;
     Bytes batch = {22, 0, 0, 0, 18, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0};
@@ -207,7 +207,7 @@ TEST(Tls, DoesNotWaitForTheRestOfARecordWhileABatchRuns)
     expectUsable(session.client);
 }
 
-TEST(Tls, TakesRecordsByteByByte)
+TEST(Tls, ReadsRecordsByteByByte)
 {
     EncryptedSession session;
     for (const std::uint8_t byte : session.client.encrypted(packetOf(6, {})))
@@ -232,7 +232,7 @@ TEST(TlsClient, ThatBreaksTheProtocolIsDisconnected)
     EXPECT_TRUE(session.client.waitForClose());
 }
 
-TEST(TlsClient, ThatGoesOnBeforeTheAnswerToItsPreloginIsDisconnected)
+TEST(TlsClient, ThatDoesNotWaitForThePreloginResponseIsDisconnected)
 {
     LoopbackServer server(settingsWith(TlsPolicy::Require));
     WireClient client(server.port());
@@ -243,7 +243,7 @@ TEST(TlsClient, ThatGoesOnBeforeTheAnswerToItsPreloginIsDisconnected)
     EXPECT_TRUE(client.waitForClose());
 }
 
-TEST(TlsClient, ThatFallsSilentIsDisconnected)
+TEST(TlsClient, ThatStopsSendingIsDisconnected)
 {
     ServerSettings settings = settingsWith(TlsPolicy::Require);
     settings.loginTimeout = 200ms;
@@ -261,7 +261,7 @@ TEST(TlsClient, ThatFallsSilentIsDisconnected)
         EXPECT_TRUE(client->waitForClose());
 }
 
-TEST(HandshakePackets, GiveTheirContentHoweverTheyWereCut)
+TEST(HandshakePackets, ReturnTheirContentSplitAnywhere)
 {
     Bytes bytes = packetOf(PreloginType, {1, 2, 3});
     const Bytes second = packetOf(PreloginType, {4});
@@ -279,7 +279,7 @@ TEST(HandshakePackets, GiveTheirContentHoweverTheyWereCut)
     EXPECT_EQ(content, Bytes({1, 2, 3, 4}));
 }
 
-TEST(HandshakePackets, LeaveWhatComesBehindThem)
+TEST(HandshakePackets, LeaveTheBytesAfterThem)
 {
     Bytes bytes = packetOf(PreloginType, {1, 2, 3});
     bytes.push_back(0x17);
@@ -305,7 +305,7 @@ TEST(HandshakePackets, SplitALongMessage)
     EXPECT_EQ(hex(std::span(below.written).subspan(4096, 8)), "12 01 03 98 00 00 02 00");
 }
 
-TEST(TlsCertificate, SaysWhichFileCannotBeUsed)
+TEST(TlsCertificate, ErrorsNameTheFile)
 {
     const auto files = TestCertificates::shared().usual();
     const auto others = TestCertificates::shared().issue({});

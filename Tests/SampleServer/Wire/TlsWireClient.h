@@ -39,6 +39,6 @@ private:
     std::shared_ptr<gnutls_session_int> m_session;
     bool m_isShakingHands = false;
     std::size_t m_packetSize = 4096;
-    Bytes m_outgoing; ///< what GnuTLS has written and nobody has sent yet
+    Bytes m_outgoing; ///< written by GnuTLS, not sent yet
     Bytes m_incoming; ///< of the server's handshake, not yet read by GnuTLS
 };

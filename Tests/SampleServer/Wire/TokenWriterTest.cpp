@@ -53,7 +53,7 @@ TEST(TokenWriter, MessagesHaveLinesOfTwoBytesBefore72AndOfFourFromThen)
               "AA 12 00 D0 00 00 00 03 10 01 00 E9 00 01 53 00 01 70 00 70 11");
 }
 
-TEST(TokenWriter, SeverityTenIsStillInformation)
+TEST(TokenWriter, SeverityTenIsInformation)
 {
     const auto token = [](std::uint8_t severity) {
         return written(TdsVersion::V74,
@@ -64,7 +64,7 @@ TEST(TokenWriter, SeverityTenIsStillInformation)
     EXPECT_EQ(token(11), "AA");
 }
 
-TEST(TokenWriter, CutsAMessageThatItsLengthCannotSay)
+TEST(TokenWriter, TruncatesAMessageAboveItsLengthLimit)
 {
     const std::string bytes = written(TdsVersion::V74, [](TokenWriter &tokens) {
         ServerMessage message;

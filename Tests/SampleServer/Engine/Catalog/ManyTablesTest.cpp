@@ -41,7 +41,7 @@ TEST_F(ManyTables, AreListedWithTheirKeys)
     EXPECT_EQ(scalar("SELECT SUM(rows) FROM sys.partitions WHERE object_id > 0"), "0");
 }
 
-TEST_F(ManyTables, AreTablesLikeOthersWhenTheyAreUsed)
+TEST_F(ManyTables, GetTheirStorageWhenFirstUsed)
 {
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM Table00001 a JOIN archive.Table00010 b ON a.Id = b.Id"), "0");
     EXPECT_EQ(scalar("INSERT INTO Table00002 (Name) VALUES (N'one') SELECT COUNT(*) FROM Table00002"), "1");

@@ -54,14 +54,14 @@ int errorOf(Session &session, const std::string &call)
 
 } // namespace
 
-TEST(FunctionList, NamesEveryFunctionOfTheTables)
+TEST(FunctionList, DocumentsEveryBuiltinFunction)
 {
     const auto documented = documentedNames("### Functions", "Global variables");
     for (const std::string &name : tableNames())
         EXPECT_TRUE(documented.contains(name)) << name;
 }
 
-TEST(FunctionList, NamesNoFunctionThatTheEngineDoesNotKnow)
+TEST(FunctionList, DocumentsNoUnknownFunction)
 {
     const auto server = std::make_shared<Server>(Server::Options{});
     Session session(server, "sa", "shop");
@@ -72,7 +72,7 @@ TEST(FunctionList, NamesNoFunctionThatTheEngineDoesNotKnow)
     }
 }
 
-TEST(FunctionList, NamesAsRefusedWhatIsRefused)
+TEST(FunctionList, DocumentsRefusedFunctionsAsRefused)
 {
     const auto server = std::make_shared<Server>(Server::Options{});
     Session session(server, "sa", "shop");

@@ -204,7 +204,7 @@ TEST_F(Concurrency, RepeatableReadKeepsWhatItRead)
     EXPECT_TRUE(endsInTime(second));
 }
 
-TEST_F(Concurrency, AnOpenChangeOfDefinitionsHidesThemFromOthers)
+TEST_F(Concurrency, AnOpenChangeOfDefinitionsBlocksOtherSessions)
 {
     first.run("BEGIN TRAN CREATE TABLE made (a int)");
     second.start("SELECT OBJECT_ID('made')");
@@ -215,7 +215,7 @@ TEST_F(Concurrency, AnOpenChangeOfDefinitionsHidesThemFromOthers)
     EXPECT_EQ(second.sink.scalar(), "NULL");
 }
 
-TEST_F(Concurrency, ASessionOfOtherDatabasesIsNotHeldUpByAChangeOfDefinitions)
+TEST_F(Concurrency, AChangeOfDefinitionsDoesNotBlockOtherDatabases)
 {
     second.run("SELECT COUNT(*) FROM Customers"); // from here on its connection knows both databases
     first.run("BEGIN TRAN CREATE TABLE made (a int)");
@@ -223,7 +223,7 @@ TEST_F(Concurrency, ASessionOfOtherDatabasesIsNotHeldUpByAChangeOfDefinitions)
     EXPECT_EQ(second.value("CREATE TABLE ##g (a int) INSERT ##g VALUES (8) SELECT a FROM ##g"), "8");
 }
 
-TEST_F(Concurrency, ASessionThatEndsRollsBackAndLetsGo)
+TEST_F(Concurrency, ASessionThatEndsRollsBackAndReleasesItsLocks)
 {
     first.run("CREATE TABLE t (a int)");
     {
@@ -234,7 +234,7 @@ TEST_F(Concurrency, ASessionThatEndsRollsBackAndLetsGo)
     EXPECT_EQ(first.value("SELECT OBJECT_ID('made')"), "NULL");
 }
 
-TEST_F(Concurrency, IdentityNumbersAreNeverGivenTwice)
+TEST_F(Concurrency, IdentityNumbersAreUniqueAcrossSessions)
 {
     first.run("CREATE TABLE t (id int IDENTITY PRIMARY KEY, who int)");
     const std::string insert =
@@ -247,7 +247,7 @@ TEST_F(Concurrency, IdentityNumbersAreNeverGivenTwice)
     EXPECT_EQ(first.value("SELECT COUNT(DISTINCT id) * 10 + COUNT(DISTINCT who) FROM t"), "4002");
 }
 
-TEST_F(Concurrency, FiftySessionsWorkAtOnceWithoutSurprises)
+TEST_F(Concurrency, FiftySessionsTransferMoneyAtOnceAndLoseNone)
 {
     first.run("CREATE TABLE ledger (account int PRIMARY KEY, amount money NOT NULL)");
     first.run("INSERT ledger SELECT id, 1000 FROM generate_rows(10)");
