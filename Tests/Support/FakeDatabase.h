@@ -30,6 +30,28 @@ struct Server
     QMap<QString, QString> queries; ///< the texts of the catalog queries by title
     /// What a query gives; nothing unless set.
     std::function<std::unique_ptr<DatabaseResultSet>(const QString &sql, KNError *error)> answer;
+    /// Called for "BEGIN", "COMMIT" and "ROLLBACK"; an error that it sets makes them fail.
+    std::function<void(const QString &what, KNError *error)> transaction;
+};
+
+/// Cuts at GO lines.
+class Splitter : public KNQuerySplitter
+{
+public:
+    Splitter()
+        : KNQuerySplitter(SQLTokenizerOptions())
+    {
+    }
+    QList<KNQueryDetails> doSplitQuery(const QString &text) override
+    {
+        QList<KNQueryDetails> queries;
+        for (const Batch &batch : splitMSSQLQueries2(text, sqlPreParseOptions())) {
+            const auto lines = static_cast<quint64>(text.left(batch.location).count(u'\n'));
+            if (!batch.text.trimmed().isEmpty())
+                queries.append({batch.text.toString(), {batch.location, batch.text.size()}, lines});
+        }
+        return queries;
+    }
 };
 
 /// The catalog queries of a server.
@@ -61,7 +83,10 @@ public:
     quint16 defaultPort() const override { return 1; }
     VantorDBCPtr copy() const override { return VantorDBCPtr(new Settings(*this)); }
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
-    std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override { return nullptr; }
+    std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override
+    {
+        return std::make_unique<Splitter>();
+    }
     std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override
     {
         return nullptr;
@@ -140,9 +165,9 @@ public:
     {
         return true;
     }
-    bool beginTransaction(KNError *) override { return true; }
-    bool commitTransaction(KNError *) override { return true; }
-    bool rollbackTransaction(KNError *) override { return true; }
+    bool beginTransaction(KNError *error) override { return transact("BEGIN", true, error); }
+    bool commitTransaction(KNError *error) override { return transact("COMMIT", false, error); }
+    bool rollbackTransaction(KNError *error) override { return transact("ROLLBACK", false, error); }
     QString currentDatabase() const override { return database; }
     bool changeDatabase(const QString &name, KNError *) override
     {
@@ -150,7 +175,7 @@ public:
         return true;
     }
     QStringList databaseNames(KNError *) override { return {}; }
-    std::optional<bool> isInTransaction(KNError *) override { return false; }
+    std::optional<bool> isInTransaction(KNError *) override { return m_isInTransaction; }
     bool mayChangeTransaction(const QString &) const override { return false; }
     bool cancelCurrentQuery(KNError *) override
     {
@@ -178,6 +203,16 @@ public:
     std::atomic<int> cancels = 0;
 
 private:
+    bool transact(const char *what, bool begins, KNError *error)
+    {
+        if (m_settings->server().transaction)
+            m_settings->server().transaction(QString::fromLatin1(what), error);
+        if (*error)
+            return false;
+        m_isInTransaction = begins;
+        return true;
+    }
+
     static KNDatabaseResultSetPtr resultOf(DatabaseResultSet &rows)
     {
         const auto result = std::make_shared<KNDatabaseResultSet>();
@@ -194,6 +229,7 @@ private:
 
     std::shared_ptr<Settings> m_settings;
     std::atomic<bool> m_isConnected = false;
+    bool m_isInTransaction = false;
 };
 
 inline std::unique_ptr<VantorDatabaseClient> Settings::createNewClient() const

@@ -1,0 +1,308 @@
+#include "Database/KNStatementRun.h"
+
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+#include "SQL/KNQuerySplitter.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+using Changes = KNStatementOutcome::Changes;
+
+namespace {
+
+const QString QueryKey = QStringLiteral("Query");
+const QString RangesKey = QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges");
+constexpr auto CancelInterval = std::chrono::milliseconds(20);
+
+QList<KNQueryDetails> batchesOf(const QString &script, const VantorDBC &details)
+{
+    const auto splitter = details.createQuerySplitter();
+    splitter->setRequiresFullSplit(true);
+    return splitter->doSplitQuery(script);
+}
+
+/// The line in the script of the first message of a failure that is not inside of a procedure; 0 if there is none.
+quint64 failedLineIn(const KNResultSetHolder &results)
+{
+    const auto resultSets = results.resultSets();
+    for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
+        const auto messages = resultSet->serverMessages();
+        for (const DatabaseMessage &message : messages) {
+            if (message.isFailure() && message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty())
+                return message.calculatedLineNumber;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+/// Shared by the worker and those who cancel. It outlives the run.
+struct KNStatementRun::Work
+{
+    enum class Phase { Waiting, Running, Ending };
+
+    explicit Work(KNStatementRequest itsRequest)
+        : request(std::move(itsRequest))
+    {
+    }
+
+    const KNStatementRequest request;
+    std::function<void()> progressed;
+    std::atomic<int> done = 0;
+    std::atomic<int> total = 0;
+
+    std::mutex cancelling; ///< held during a cancel, which must not reach a rollback
+    std::mutex mutex;      ///< guards the next three
+    Phase phase = Phase::Waiting;
+    bool isCancelled = false;
+    VantorDatabaseClient *client = nullptr; ///< while it runs batches
+    std::condition_variable changed;
+
+    KNStatementOutcome perform(const VantorDBC &details);
+    KNStatementOutcome perform(VantorDatabaseClient &running);
+    void cancelUntilEnding();
+
+private:
+    bool beginRunning(VantorDatabaseClient &running);
+    bool endRunning();
+    bool runBatches(VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    bool runBatch(const KNQueryDetails &batch, VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    void commit(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
+    static void rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    KNError mapped(const KNStatementOutcome &outcome) const;
+};
+
+KNStatementOutcome KNStatementRun::Work::perform(const VantorDBC &details)
+{
+    KNStatementOutcome outcome;
+    KNError error;
+    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+        [&](VantorDatabaseClient &lent, KNError *failure) {
+            outcome = perform(lent);
+            *failure = outcome.error;
+        },
+        details, &error);
+    if (error && !outcome.error) { // there was no connection
+        outcome.error = error;
+        outcome.error = mapped(outcome);
+    }
+    endRunning();
+    return outcome;
+}
+
+KNStatementOutcome KNStatementRun::Work::perform(VantorDatabaseClient &running)
+{
+    KNStatementOutcome outcome;
+    if (!beginRunning(running)) {
+        outcome.wasCancelled = true;
+        return outcome;
+    }
+    try {
+        const bool isWhole = (!request.usesTransaction || running.beginTransaction(&outcome.error)) &&
+                             !outcome.error && runBatches(running, &outcome);
+        const bool wasCancelled = endRunning();
+        if (!request.usesTransaction) {
+            outcome.wasCancelled = wasCancelled && !isWhole;
+            outcome.changes = isWhole ? Changes::All : total > 0 ? Changes::Some : Changes::None;
+        } else if (isWhole && !wasCancelled) {
+            commit(running, &outcome);
+        } else {
+            outcome.wasCancelled = wasCancelled;
+            rollBack(running, &outcome);
+        }
+    } catch (const KNAssertionFailure &failure) {
+        outcome.error = KNError(QStringLiteral("com.quorvex.vantor.query"), 0, failure.message());
+        outcome.changes = Changes::Unknown;
+        endRunning();
+    }
+    if (outcome.wasCancelled)
+        outcome.error.clear(); // it says that the user has cancelled
+    if (outcome.error)
+        outcome.error = mapped(outcome);
+    return outcome;
+}
+
+/// False if the run was cancelled before.
+bool KNStatementRun::Work::beginRunning(VantorDatabaseClient &running)
+{
+    const std::lock_guard lock(mutex);
+    if (isCancelled)
+        return false;
+    phase = Phase::Running;
+    client = &running;
+    return true;
+}
+
+/// Waits for a cancel under way and prevents later ones; whether there was a cancel.
+bool KNStatementRun::Work::endRunning()
+{
+    {
+        const std::lock_guard lock(mutex);
+        phase = Phase::Ending;
+        changed.notify_all();
+    }
+    const std::lock_guard wait(cancelling);
+    const std::lock_guard lock(mutex);
+    client = nullptr;
+    return isCancelled;
+}
+
+/// A cancel that comes just before the client has begun stops nothing, so it is repeated.
+void KNStatementRun::Work::cancelUntilEnding()
+{
+    for (;;) {
+        {
+            const std::lock_guard isCancelling(cancelling);
+            VantorDatabaseClient *running = nullptr;
+            {
+                const std::lock_guard lock(mutex);
+                if (phase != Phase::Running)
+                    return;
+                running = client;
+            }
+            KNError ignored;
+            running->cancelCurrentQuery(&ignored);
+        }
+        std::unique_lock lock(mutex);
+        changed.wait_for(lock, CancelInterval, [this] { return phase != Phase::Running; });
+    }
+}
+
+bool KNStatementRun::Work::runBatches(VantorDatabaseClient &running, KNStatementOutcome *outcome)
+{
+    const QList<KNQueryDetails> batches = batchesOf(request.script, running.databaseConnectionDetails());
+    total = static_cast<int>(batches.size());
+    for (const KNQueryDetails &batch : batches) {
+        {
+            const std::lock_guard lock(mutex);
+            if (isCancelled)
+                return false;
+        }
+        if (!runBatch(batch, running, outcome))
+            return false;
+        ++done;
+        if (progressed)
+            progressed();
+    }
+    return true;
+}
+
+bool KNStatementRun::Work::runBatch(const KNQueryDetails &batch, VantorDatabaseClient &running,
+                                    KNStatementOutcome *outcome)
+{
+    KNResultSetHolder results;
+    results.setRowLimit(1); // rows are of no interest
+    running.executeQueryDetails({batch}, results, {}, &outcome->error);
+    if (!outcome->error)
+        outcome->error = results.failure();
+    if (!outcome->error)
+        return !running.wasCancelled();
+    outcome->failedStatement = batch.targetQuery;
+    const QVariantList ranges = outcome->error.userInfo().value(RangesKey).toList();
+    outcome->failedRange = ranges.isEmpty() ? batch.queryRange : ranges.constFirst().value<KNRange>();
+    outcome->failedLine = failedLineIn(results);
+    return false;
+}
+
+void KNStatementRun::Work::commit(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
+{
+    running.commitTransaction(&outcome->error);
+    if (!outcome->error)
+        outcome->changes = Changes::All;
+    else if (running.isConnected())
+        rollBack(running, outcome);
+    else
+        outcome->changes = Changes::Unknown;
+}
+
+/// A server rolls back by itself when a connection is lost, and after some errors.
+void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome)
+{
+    outcome->changes = Changes::None;
+    if (!running.isConnected())
+        return;
+    KNError ignored;
+    if (running.isInTransaction(&ignored) == false)
+        return;
+    running.rollbackTransaction(&outcome->rollbackError);
+    if (outcome->rollbackError && running.isConnected())
+        outcome->changes = Changes::Unknown;
+}
+
+KNError KNStatementRun::Work::mapped(const KNStatementOutcome &outcome) const
+{
+    const KNError &error = outcome.error;
+    QVariantMap userInfo = error.userInfo();
+    if (!outcome.failedStatement.isNull())
+        userInfo.insert(QueryKey, outcome.failedStatement);
+    if (outcome.rollbackError)
+        userInfo.insert(KNError::RecoverySuggestionKey,
+                        KNFormat("The changes could not be rolled back: %@ Check which of them remain.",
+                                 outcome.rollbackError.localizedDescription()));
+    return KNError(request.errorDomain.isNull() ? error.domain() : request.errorDomain, error.code(),
+                   error.localizedDescription(), userInfo);
+}
+
+KNStatementRun::KNStatementRun(std::shared_ptr<Work> work, QObject *owner, Finished finished, Progress progress)
+    : m_work(std::move(work))
+    , m_owner(owner)
+    , m_finished(std::move(finished))
+    , m_progress([this, progress = std::move(progress)] {
+        if (progress && m_owner && m_finished)
+            progress(m_work->done, m_work->total);
+    })
+{
+    m_work->progressed = m_progress.trigger();
+}
+
+KNStatementRun::Ptr KNStatementRun::start(KNStatementRequest request, const VantorDBC &details, QObject *owner,
+                                          Finished finished, Progress progress)
+{
+    const auto work = std::make_shared<Work>(std::move(request));
+    auto run = std::make_shared<KNStatementRun>(work, owner, std::move(finished), std::move(progress));
+    VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(details);
+    // The run ends on the main thread: the worker gives its reference away.
+    KNDispatch::globalQueue([self = run, work, copy = details.copy()]() mutable {
+        const KNStatementOutcome outcome = work->perform(*copy);
+        KNDispatch::mainQueue([ended = std::move(self), outcome] { ended->deliver(outcome); });
+    });
+    return run;
+}
+
+KNStatementOutcome KNStatementRun::run(const KNStatementRequest &request, VantorDatabaseClient &client)
+{
+    return Work(request).perform(client);
+}
+
+void KNStatementRun::cancel()
+{
+    bool isWaiting = false;
+    {
+        const std::lock_guard lock(m_work->mutex);
+        if (m_work->isCancelled || m_work->phase == Work::Phase::Ending)
+            return;
+        m_work->isCancelled = true;
+        isWaiting = m_work->phase == Work::Phase::Waiting;
+    }
+    if (!isWaiting) {
+        KNDispatch::globalQueue([work = m_work] { work->cancelUntilEnding(); });
+        return;
+    }
+    KNDispatch::mainQueue([self = shared_from_this()] {
+        KNStatementOutcome outcome;
+        outcome.wasCancelled = true;
+        self->deliver(outcome);
+    });
+}
+
+void KNStatementRun::deliver(const KNStatementOutcome &outcome)
+{
+    const Finished finished = std::exchange(m_finished, nullptr);
+    if (finished && m_owner)
+        finished(outcome);
+}
