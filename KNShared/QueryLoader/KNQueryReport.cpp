@@ -11,6 +11,8 @@ QString KNQueryReport::guardedText(const QString &text) const
     QString head;
     for (const QString &notice : notices)
         head += commentedOut(notice);
+    if (pair.differs())
+        head += commentedOut(pair.difference);
     if (!failure)
         return head + text;
     head += commentedOut(QLatin1String("This script is incomplete: ") + failure.localizedDescription());

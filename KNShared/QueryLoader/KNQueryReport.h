@@ -2,6 +2,7 @@
 
 #include "Foundation/KNError.h"
 #include "KNSharedExport.h"
+#include "QueryLoader/KNStatementPair.h"
 
 #include <QStringList>
 
@@ -16,11 +17,13 @@ struct KNSHARED_EXPORT KNQueryReport
     qsizetype unsafeLength = 0;
     /// Sentences that belong before the script, such as that it acts on another object.
     QStringList notices;
+    /// Set if the text has a corrected counterpart with another effect.
+    KNStatementPair pair = {};
 
     /// Whether the user should see the text before it is executed.
-    bool needsAttention() const { return failure || !notices.isEmpty(); }
+    bool needsAttention() const { return failure || !notices.isEmpty() || pair.differs(); }
 
-    /// The text with the notices and the failure as comment lines before it, and the unsafe part commented
-    /// out. Lines end with CR LF. Null for a null text.
+    /// The text with the notices, the difference of the pair and the failure as comment lines before it, and
+    /// the unsafe part commented out. Lines end with CR LF. Null for a null text.
     QString guardedText(const QString &text) const;
 };
