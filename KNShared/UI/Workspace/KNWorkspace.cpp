@@ -3,17 +3,6 @@
 #include "QueryLoader/KNQueryLoading.h"
 #include "UI/Alerts/KNAlerts.h"
 
-#include <QCoreApplication>
-
-namespace {
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("KNWorkspace", text);
-}
-
-} // namespace
-
 KNWorkspace::KNWorkspace()
     : m_self(this, [](KNWorkspace *) {})
 {

@@ -4,6 +4,7 @@
 #include "QueryLoader/KNQueryLoader.h"
 #include "UI/KNSharedUIExport.h"
 
+#include <QCoreApplication>
 #include <QList>
 
 #include <memory>
@@ -15,6 +16,8 @@ class QWidget;
 /// thread.
 class KNSHAREDUI_EXPORT KNWorkspace
 {
+    Q_DECLARE_TR_FUNCTIONS(KNWorkspace)
+
 public:
     using Settings = KNDatabaseTreeEntry::Settings;
     using TreeEntry = KNDatabaseTreeEntry::Ptr;

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Database/KNQueryDetails.h"
+#include "UI/KNSharedUIExport.h"
+
+#include <QDialog>
+#include <QStringList>
+
+class KNCautionBar;
+class KNSQLEditor;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// The widgets of a query preview. It closes by its owner alone.
+class KNSHAREDUI_EXPORT KNQueryPreviewDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit KNQueryPreviewDialog(QWidget *parent);
+
+    void setWords(const QStringList &keywords, const QStringList &functions);
+    void setTitles(const QString &title, const QString &information, const QString &acceptTitle);
+    void setEditable(bool editable);
+    /// Shows the statements, which can be accepted unless they are incomplete.
+    void showStatements(const QString &text, bool isIncomplete);
+    QString statements() const;
+    /// Shows sentences about the statements, and a button that replaces them if there is a corrected text.
+    void showCaution(const QStringList &sentences, const QString &correctedText);
+    void showRunning(bool isRunning, const QString &progressTitle);
+    void showProgress(int done, int total);
+    /// Shows why the statements have failed, and marks the failing one.
+    void showFailure(const QString &text, const KNRange &range);
+
+    /// Requests to cancel.
+    void reject() override;
+
+Q_SIGNALS:
+    void acceptRequested();
+    void cancelRequested();
+
+private:
+    void arrange();
+    void replaceText(const QString &text);
+    void useCorrectedText();
+    void updateButtons();
+
+    QLabel *const m_title;
+    QLabel *const m_information;
+    KNCautionBar *const m_caution;
+    KNSQLEditor *const m_editor;
+    QLabel *const m_failure;
+    QLabel *const m_progressTitle;
+    QProgressBar *const m_progress;
+    QPushButton *const m_cancel;
+    QPushButton *const m_accept;
+    QStringList m_notices; ///< of the caution, also of a corrected text
+    QString m_correctedText;
+    bool m_isEditable = false;
+    bool m_isAcceptable = false; ///< the statements are there and complete
+    bool m_isRunning = false;
+};
