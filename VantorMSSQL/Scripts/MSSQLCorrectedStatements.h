@@ -6,9 +6,12 @@
 /// default "MSSQLUseCorrectedStatements" (boolean, default no) replaces them by corrected ones.
 namespace MSSQLCorrectedStatements {
 
+/// The key of the user default.
+inline const QString Key = QStringLiteral("MSSQLUseCorrectedStatements");
+
 inline bool areUsed()
 {
-    return KNUserDefaults::standardUserDefaults()->boolForKey(QStringLiteral("MSSQLUseCorrectedStatements"));
+    return KNUserDefaults::standardUserDefaults()->boolForKey(Key);
 }
 
 } // namespace MSSQLCorrectedStatements

@@ -1,6 +1,7 @@
 #include "UI/MSSQLUserInterface.h"
 
 #include "Implementations/MSSQLRecentConnection.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
@@ -17,4 +18,14 @@ SQLRecentConnectionList &MSSQLUserInterface::recentConnections() const
 void MSSQLUserInterface::addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const
 {
     MSSQLDatabaseTreeContextHelper(helper, workspace).addActions();
+}
+
+KNConnectorPreferences MSSQLUserInterface::preferences() const
+{
+    return {tr("SQL Server"),
+            {{MSSQLCorrectedStatements::Key, tr("&Use corrected statements"),
+              tr("Some statements are kept in a form that a server refuses or that reaches another object "
+                 "than the "
+                 "one shown. If this is checked, their corrected form is used without asking."),
+              false}}};
 }

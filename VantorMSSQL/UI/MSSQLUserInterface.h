@@ -2,11 +2,16 @@
 
 #include "UI/KNConnectorUserInterface.h"
 
+#include <QCoreApplication>
+
 /// The user interface of the SQL Server connector.
 class MSSQLUserInterface : public KNConnectorUserInterface
 {
+    Q_DECLARE_TR_FUNCTIONS(MSSQLUserInterface)
+
 public:
     ConnectionWindowController *createConnectionWindowController(QWidget *parent) const override;
     SQLRecentConnectionList &recentConnections() const override;
     void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const override;
+    KNConnectorPreferences preferences() const override;
 };

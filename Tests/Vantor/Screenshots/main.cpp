@@ -190,7 +190,7 @@ void showViewer(MainWindow &window, const QString &folder)
 void showOtherWindows(MainWindow &window, const QString &folder)
 {
     showViewer(window, folder);
-    PreferencesDialog preferences(&window);
+    PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
     preferences.show();
     save(&preferences, folder, "preferences");
     QueryHistoryDialog history(QueryHistory(window.databaseConnectionDetails()->connectionId()),

@@ -21,4 +21,9 @@ TEST(Connector, BringsItsWindowsWithIt)
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->parent(), &parent);
     EXPECT_TRUE(windows->recentConnections().makeEntry());
+    const KNConnectorPreferences preferences = windows->preferences();
+    ASSERT_EQ(preferences.booleans.size(), 1);
+    EXPECT_EQ(preferences.booleans.first().key, QStringLiteral("MSSQLUseCorrectedStatements"));
+    EXPECT_EQ(preferences.booleans.first().title, QStringLiteral("&Use corrected statements"));
+    EXPECT_FALSE(preferences.booleans.first().defaultValue);
 }

@@ -321,7 +321,8 @@ void MainWindow::showHistory()
 
 void MainWindow::showPreferences()
 {
-    auto *const dialog = new PreferencesDialog(this);
+    auto *const dialog =
+        new PreferencesDialog(m_connector ? m_connector->preferences() : KNConnectorPreferences(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }

@@ -1,16 +1,20 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
 
+#include "Foundation/KNUserDefaults.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFontComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSpinBox>
 
 #include <limits>
 
-PreferencesDialog::PreferencesDialog(QWidget *parent)
+PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QWidget *parent)
     : QDialog(parent)
     , m_font(new QFontComboBox)
     , m_fontSize(new QSpinBox)
@@ -21,6 +25,7 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
+    , m_connector(connector)
 {
     setWindowTitle(tr("Preferences"));
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
@@ -28,14 +33,53 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesDialog::reject);
     connect(buttons->button(QDialogButtonBox::RestoreDefaults), &QPushButton::clicked, this,
-            [this] { fill(KNPreferences::defaults()); });
+            &PreferencesDialog::restoreDefaults);
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(makeEditorGroup());
     layout->addWidget(makeResultsGroup());
     layout->addWidget(makeProgramGroup());
+    if (!m_connector.booleans.isEmpty())
+        layout->addWidget(makeConnectorGroup());
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     fill(KNPreferences::current());
+    fillConnectorGroup(false);
+}
+
+QWidget *PreferencesDialog::makeConnectorGroup()
+{
+    auto *const group = new QGroupBox(m_connector.title);
+    auto *const form = new QFormLayout(group);
+    for (const KNBooleanPreference &preference : m_connector.booleans) {
+        auto *const box = new QCheckBox(preference.title);
+        box->setToolTip(preference.toolTip);
+        form->addRow(box);
+        m_connectorBoxes.append(box);
+    }
+    return group;
+}
+
+void PreferencesDialog::fillConnectorGroup(bool withDefaults)
+{
+    for (int i = 0; i < m_connectorBoxes.size(); ++i) {
+        const KNBooleanPreference &preference = m_connector.booleans[i];
+        m_connectorBoxes[i]->setChecked(withDefaults ? preference.defaultValue
+                                                     : KNUserDefaults::standardUserDefaults()->boolForKey(
+                                                           preference.key, preference.defaultValue));
+    }
+}
+
+void PreferencesDialog::saveConnectorGroup() const
+{
+    for (int i = 0; i < m_connectorBoxes.size(); ++i)
+        KNUserDefaults::standardUserDefaults()->setObject(m_connector.booleans[i].key,
+                                                          m_connectorBoxes[i]->isChecked());
+}
+
+void PreferencesDialog::restoreDefaults()
+{
+    fill(KNPreferences::defaults());
+    fillConnectorGroup(true);
 }
 
 QWidget *PreferencesDialog::makeEditorGroup()
@@ -114,6 +158,7 @@ KNPreferences PreferencesDialog::edited() const
 
 void PreferencesDialog::accept()
 {
+    saveConnectorGroup();
     edited().save();
     QDialog::accept();
 }

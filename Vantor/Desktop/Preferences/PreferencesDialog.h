@@ -1,5 +1,6 @@
 #pragma once
 
+#include "UI/KNConnectorPreferences.h"
 #include "UI/KNPreferences.h"
 
 #include <QDialog>
@@ -7,24 +8,29 @@
 class QCheckBox;
 class QComboBox;
 class QFontComboBox;
+class QLineEdit;
 class QSpinBox;
 
-/// The user's preferences. They are saved when the dialog is accepted.
+/// The user's preferences, with those of the connector. They are saved when the dialog is accepted.
 class PreferencesDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    explicit PreferencesDialog(QWidget *parent = nullptr);
+    explicit PreferencesDialog(const KNConnectorPreferences &connector = {}, QWidget *parent = nullptr);
 
     void accept() override;
 
 private:
     KNPreferences edited() const;
     void fill(const KNPreferences &preferences);
+    void fillConnectorGroup(bool withDefaults);
+    void saveConnectorGroup() const;
+    void restoreDefaults();
     QWidget *makeEditorGroup();
     QWidget *makeResultsGroup();
     QWidget *makeProgramGroup();
+    QWidget *makeConnectorGroup();
 
     QFontComboBox *const m_font;
     QSpinBox *const m_fontSize;
@@ -35,4 +41,6 @@ private:
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_tracesProtocol;
+    const KNConnectorPreferences m_connector;
+    QList<QCheckBox *> m_connectorBoxes; ///< of m_connector.booleans
 };

@@ -1,10 +1,15 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Foundation/KNUserDefaults.h"
 #include "Support/PrintQt.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
 
@@ -61,4 +66,46 @@ TEST(PreferencesDialog, BringsTheDefaultsBack)
     EXPECT_EQ(KNPreferences::current().nullText, QStringLiteral("NULL"));
     EXPECT_EQ(KNPreferences::current().editorFont.pointSize(),
               KNPreferences::defaults().editorFont.pointSize());
+}
+
+TEST(PreferencesDialog, HoldsThePreferencesOfTheConnector)
+{
+    const QString key = QStringLiteral("PreferencesDialogTestKey");
+    KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
+    const KNConnectorPreferences connector = {
+        QStringLiteral("Test Server"),
+        {{key, QStringLiteral("&Use it"), QStringLiteral("It is used."), false}}};
+    const auto box = [](const QDialog &dialog) {
+        for (QCheckBox *const found : dialog.findChildren<QCheckBox *>()) {
+            if (found->text() == QLatin1String("&Use it"))
+                return found;
+        }
+        return static_cast<QCheckBox *>(nullptr);
+    };
+    {
+        PreferencesDialog dialog(connector);
+        ASSERT_NE(box(dialog), nullptr);
+        EXPECT_EQ(box(dialog)->toolTip(), QStringLiteral("It is used."));
+        EXPECT_FALSE(box(dialog)->isChecked());
+        box(dialog)->setChecked(true);
+        dialog.reject();
+        EXPECT_FALSE(defaults.boolForKey(key));
+    }
+    {
+        PreferencesDialog dialog(connector);
+        box(dialog)->setChecked(true);
+        dialog.accept();
+        EXPECT_TRUE(defaults.boolForKey(key));
+    }
+    PreferencesDialog dialog(connector);
+    EXPECT_TRUE(box(dialog)->isChecked());
+    dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::RestoreDefaults)->click();
+    EXPECT_FALSE(box(dialog)->isChecked());
+    dialog.accept();
+    EXPECT_FALSE(defaults.boolForKey(key, true));
+}
+
+TEST(PreferencesDialog, HasNoGroupForAConnectorWithoutPreferences)
+{
+    EXPECT_EQ(PreferencesDialog().findChildren<QGroupBox *>().size(), 3);
 }
