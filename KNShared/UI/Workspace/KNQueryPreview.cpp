@@ -48,11 +48,11 @@ void KNQueryPreview::beginSheet(std::function<void(Changes changes)> ended)
 {
     m_ended = std::move(ended);
     showSheet();
-    KNQueryLoading::load(m_loader, *m_details,
-                         [self = QPointer(this)](const QString &text, const KNQueryReport &report) {
-                             if (self)
-                                 self->showStatements(report.failure ? report.guardedText(text) : text, report);
-                         });
+    KNQueryLoading::load(
+        m_loader, *m_details, [self = QPointer(this)](const QString &text, const KNQueryReport &report) {
+            if (self)
+                self->showStatements(report.failure ? report.guardedText(text) : text, report);
+        });
 }
 
 void KNQueryPreview::accept(const QString &statements)

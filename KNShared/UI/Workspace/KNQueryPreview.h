@@ -27,8 +27,8 @@ public:
         QString progressTitle; ///< shown while the statements run
     };
 
-    /// A new preview that runs statements with a copy of these settings. It belongs to the parent, whose window
-    /// gets the sheet, and deletes itself when the sheet has ended.
+    /// A new preview that runs statements with a copy of these settings. It belongs to the parent, whose
+    /// window gets the sheet, and deletes itself when the sheet has ended.
     static KNQueryPreview *createQueryPreviewViewContoller(QWidget *parent, const VantorDBC &details);
     /// Replaces what createQueryPreviewViewContoller() returns; empty restores the real preview.
     static void setFactory(Factory factory);
@@ -50,9 +50,9 @@ public:
     /// shows the error in any case and stays open.
     void setReportErrorBlock(std::function<void(const KNError &error)> report);
 
-    /// Shows the sheet and starts loading. `ended` is called once it is closed, with what it has changed on the
-    /// server: everything if the statements have run, mostly nothing otherwise. It is not called when the parent
-    /// is destroyed before.
+    /// Shows the sheet and starts loading. `ended` is called once it is closed, with what it has changed on
+    /// the server: everything if the statements have run, mostly nothing otherwise. It is not called when the
+    /// parent is destroyed before.
     void beginSheet(std::function<void(Changes changes)> ended);
 
     const Titles &titles() const { return m_titles; }

@@ -9,9 +9,13 @@
 #include <QProgressBar>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace {
 
-constexpr QSize InitialSize(680, 440);
+constexpr int InitialWidth = 680;
+constexpr int FewestLines = 5; // that the editor shows at first
+constexpr int MostLines = 18;
 constexpr int TitleEnlargement = 2; // points
 
 QLabel *newLabel()
@@ -37,12 +41,13 @@ KNQueryPreviewDialog::KNQueryPreviewDialog(QWidget *parent)
     , m_accept(new QPushButton)
 {
     setWindowModality(Qt::WindowModal);
-    resize(InitialSize);
     QFont font = m_title->font();
     font.setBold(true);
     font.setPointSize(font.pointSize() + TitleEnlargement);
     m_title->setFont(font);
     m_editor->setAccessibleName(tr("Statements"));
+    m_editor->setWrapMode(QsciScintilla::WrapWord); // the user is to see all of a statement
+    m_editor->setMinimumHeight(FewestLines * m_editor->textHeight(0));
     m_failure->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_progress->setTextVisible(false);
     m_progress->setAccessibleName(tr("Progress"));
@@ -78,7 +83,8 @@ void KNQueryPreviewDialog::setWords(const QStringList &keywords, const QStringLi
     m_editor->setWords(keywords, functions);
 }
 
-void KNQueryPreviewDialog::setTitles(const QString &title, const QString &information, const QString &acceptTitle)
+void KNQueryPreviewDialog::setTitles(const QString &title, const QString &information,
+                                     const QString &acceptTitle)
 {
     setWindowTitle(title);
     m_title->setText(title);
@@ -96,10 +102,18 @@ void KNQueryPreviewDialog::setEditable(bool editable)
 void KNQueryPreviewDialog::showStatements(const QString &text, bool isIncomplete)
 {
     replaceText(text);
+    fitHeight();
     m_isAcceptable = !isIncomplete;
     updateButtons();
     if (!m_isEditable)
         m_accept->setFocus();
+}
+
+void KNQueryPreviewDialog::fitHeight()
+{
+    const int lines = std::clamp(m_editor->lines(), FewestLines, MostLines);
+    const int others = minimumSizeHint().height() - m_editor->minimumHeight();
+    resize(InitialWidth, others + (lines + 1) * m_editor->textHeight(0));
 }
 
 QString KNQueryPreviewDialog::statements() const
@@ -158,14 +172,16 @@ void KNQueryPreviewDialog::showProgress(int done, int total)
     m_progress->setValue(done);
 }
 
-void KNQueryPreviewDialog::showFailure(const QString &text, const KNRange &range)
+void KNQueryPreviewDialog::showFailure(const QString &text, const KNRange &range, quint64 line)
 {
     QPalette colours = m_failure->palette();
     colours.setColor(QPalette::WindowText, KNSQLColours::forPalette(palette()).error);
     m_failure->setPalette(colours);
     m_failure->setText(text);
     m_failure->show();
-    if (range.isFound())
+    if (line > 0)
+        m_editor->markErrorLine(static_cast<int>(line));
+    else if (range.isFound())
         m_editor->markError(range);
 }
 

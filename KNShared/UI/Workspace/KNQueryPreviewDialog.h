@@ -30,8 +30,9 @@ public:
     void showCaution(const QStringList &sentences, const QString &correctedText);
     void showRunning(bool isRunning, const QString &progressTitle);
     void showProgress(int done, int total);
-    /// Shows why the statements have failed, and marks the failing one.
-    void showFailure(const QString &text, const KNRange &range);
+    /// Shows why the statements have failed, and marks the failing line (from 1), or the range if the line is
+    /// 0.
+    void showFailure(const QString &text, const KNRange &range, quint64 line);
 
     /// Requests to cancel.
     void reject() override;
@@ -43,6 +44,7 @@ Q_SIGNALS:
 private:
     void arrange();
     void replaceText(const QString &text);
+    void fitHeight();
     void useCorrectedText();
     void updateButtons();
 

@@ -8,7 +8,8 @@ KNQueryPreviewSheet::KNQueryPreviewSheet(QWidget *parent, const VantorDBC &detai
     , m_dialog(new KNQueryPreviewDialog(parent))
 {
     m_dialog->setWords(details.keywords(), details.functions());
-    connect(m_dialog, &KNQueryPreviewDialog::acceptRequested, this, [this] { accept(m_dialog->statements()); });
+    connect(m_dialog, &KNQueryPreviewDialog::acceptRequested, this,
+            [this] { accept(m_dialog->statements()); });
     connect(m_dialog, &KNQueryPreviewDialog::cancelRequested, this, [this] { cancel(); });
 }
 
@@ -30,7 +31,8 @@ void KNQueryPreviewSheet::showStatements(const QString &text, const KNQueryRepor
     m_dialog->showStatements(text, report.failure.isSet() || text.isNull());
     QStringList cautions = report.notices;
     if (report.failure)
-        cautions.prepend(KNFormat(tr("The statements are incomplete: %@"), report.failure.localizedDescription()));
+        cautions.prepend(
+            KNFormat(tr("The statements are incomplete: %@"), report.failure.localizedDescription()));
     else if (text.isNull())
         cautions.prepend(tr("The statements could not be created."));
     if (report.pair.differs() && !report.failure)
@@ -52,7 +54,8 @@ void KNQueryPreviewSheet::showProgress(int done, int total)
 void KNQueryPreviewSheet::showOutcome(const KNStatementOutcome &outcome)
 {
     QStringList lines;
-    lines.append(outcome.wasCancelled ? tr("The statements were cancelled.") : outcome.error.descriptionWithSuggestion());
+    lines.append(outcome.wasCancelled ? tr("The statements were cancelled.")
+                                      : outcome.error.descriptionWithSuggestion());
     switch (outcome.changes) {
     case Changes::None:
         lines.append(tr("Nothing was changed."));
@@ -66,5 +69,5 @@ void KNQueryPreviewSheet::showOutcome(const KNStatementOutcome &outcome)
     case Changes::All:
         break;
     }
-    m_dialog->showFailure(lines.join(QLatin1Char('\n')), outcome.failedRange);
+    m_dialog->showFailure(lines.join(QLatin1Char('\n')), outcome.failedRange, outcome.failedLine);
 }

@@ -32,7 +32,8 @@ void KNChooseStatement(QWidget *parent, const KNStatementPair &pair, bool prefer
         pair.difference,
         KNFormat(KNStatementChoice::tr("Statement:\n%@\n\nCorrected statement:\n%@"), shortened(pair.exact),
                  shortened(pair.corrected)),
-        {KNStatementChoice::tr("Use Corrected Statement"), KNStatementChoice::tr("Run Unchanged"), KNStatementChoice::tr("Cancel")}};
+        {KNStatementChoice::tr("Use Corrected Statement"), KNStatementChoice::tr("Run Unchanged"),
+         KNStatementChoice::tr("Cancel")}};
     KNAlerts::shared().ask(parent, question, [pair, use](int button) {
         if (button == 0)
             use(pair.corrected);
