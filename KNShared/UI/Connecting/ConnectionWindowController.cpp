@@ -44,10 +44,11 @@ bool ConnectionWindowController::checkSSHToLocalhost(const VantorDBC &details)
     if (!isThisComputer(host))
         return true;
     KNAlerts::shared().showMessage(
-        this, QStringLiteral("The SSH tunnel begins and ends on this computer."),
-        KNFormat("Both the SSH server (%@) and the database server (%@) are this computer. Give the name of "
-                 "the SSH server, or connect without a tunnel.",
-                 tunnel, host));
+        this, tr("The SSH tunnel begins and ends on this computer."),
+        KNFormat(
+            tr("Both the SSH server (%@) and the database server (%@) are this computer. Give the name of "
+               "the SSH server, or connect without a tunnel."),
+            tunnel, host));
     return false;
 }
 
@@ -60,13 +61,13 @@ void ConnectionWindowController::checkSSHFingerprintError(const KNError &error,
         return;
     }
     KNAlerts::Question question;
-    question.title = KNFormat("Is this the right SSH server?");
+    question.title = KNFormat(tr("Is this the right SSH server?"));
     question.text =
-        KNFormat("%@ is not known yet. Its %@ key has the fingerprint\n\n%@\n\nCompare it with what "
-                 "the server's administrator has given you. A wrong one may be somebody who "
-                 "pretends to be the server.",
+        KNFormat(tr("%@ is not known yet. Its %@ key has the fingerprint\n\n%@\n\nCompare it with what "
+                    "the server's administrator has given you. A wrong one may be somebody who "
+                    "pretends to be the server."),
                  key->host(), key->type(), key->fingerprint());
-    question.buttons = QStringList{QStringLiteral("Cancel"), QStringLiteral("Accept Key and Connect")};
+    question.buttons = QStringList{tr("Cancel"), tr("Accept Key and Connect")};
     KNAlerts::shared().ask(this, question, [this, guard = QPointer(this), key, answered](int button) {
         if (!guard || closed())
             return;

@@ -11,9 +11,9 @@ KNPasswordWindowController::KNPasswordWindowController(const QString &account, Q
     : KNWindowController(parent)
     , m_password(new QLineEdit)
 {
-    setWindowTitle(QStringLiteral("Password"));
+    setWindowTitle(tr("Password"));
     auto *const label =
-        new QLabel(KNFormat("&Password of %@:", QString(account).replace(u'&', QStringLiteral("&&"))));
+        new QLabel(KNFormat(tr("&Password of %@:"), QString(account).replace(u'&', QStringLiteral("&&"))));
     label->setTextFormat(Qt::PlainText);
     label->setBuddy(m_password);
     m_password->setEchoMode(QLineEdit::Password);
@@ -21,7 +21,7 @@ KNPasswordWindowController::KNPasswordWindowController(const QString &account, Q
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(label);
     layout->addWidget(m_password);
-    layout->addWidget(makeButtons(QStringLiteral("Connect")));
+    layout->addWidget(makeButtons(tr("Connect")));
     m_password->setFocus();
 }
 

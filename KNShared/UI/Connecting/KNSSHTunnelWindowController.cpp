@@ -12,33 +12,33 @@
 
 KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel &model, QWidget *parent)
     : KNWindowController(parent)
-    , m_isUsed(new QCheckBox(QStringLiteral("&Connect through an SSH server")))
+    , m_isUsed(new QCheckBox(tr("&Connect through an SSH server")))
     , m_host(new QLineEdit(model.host))
     , m_port(new QSpinBox)
     , m_username(new QLineEdit(model.username))
-    , m_keyFile(new KNFileField(QStringLiteral("Private key")))
+    , m_keyFile(new KNFileField(tr("Private key")))
 {
-    setWindowTitle(QStringLiteral("SSH Tunnel"));
+    setWindowTitle(tr("SSH Tunnel"));
     m_isUsed->setChecked(model.isUsed());
     m_port->setRange(0, 65535);
-    m_port->setSpecialValueText(QStringLiteral("Default"));
+    m_port->setSpecialValueText(tr("Default"));
     m_port->setValue(model.port);
-    m_username->setPlaceholderText(QStringLiteral("As your SSH configuration says"));
+    m_username->setPlaceholderText(tr("As your SSH configuration says"));
     m_keyFile->setPath(model.keyFile);
-    m_keyFile->lineEdit()->setPlaceholderText(QStringLiteral("SSH agent and usual keys"));
+    m_keyFile->lineEdit()->setPlaceholderText(tr("SSH agent and usual keys"));
     m_keyFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
-    auto *const note = new QLabel(QStringLiteral(
-        "The tunnel is made by the system's ssh, with your SSH configuration. It can use a key "
-        "without a passphrase, or those that the SSH agent holds. With a tunnel the server's "
-        "name and port are looked up by the SSH server."));
+    auto *const note =
+        new QLabel(tr("The tunnel is made by the system's ssh, with your SSH configuration. It can use a key "
+                      "without a passphrase, or those that the SSH agent holds. With a tunnel the server's "
+                      "name and port are looked up by the SSH server."));
     note->setWordWrap(true);
 
     auto *const form = new QFormLayout;
-    form->addRow(QStringLiteral("SSH &server:"), m_host);
-    form->addRow(QStringLiteral("&Port:"), m_port);
-    form->addRow(QStringLiteral("&User name:"), m_username);
-    form->addRow(QStringLiteral("Private &key:"), m_keyFile);
-    QDialogButtonBox *const buttons = makeButtons(QStringLiteral("OK"));
+    form->addRow(tr("SSH &server:"), m_host);
+    form->addRow(tr("&Port:"), m_port);
+    form->addRow(tr("&User name:"), m_username);
+    form->addRow(tr("Private &key:"), m_keyFile);
+    QDialogButtonBox *const buttons = makeButtons(tr("OK"));
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_isUsed);
     layout->addLayout(form);

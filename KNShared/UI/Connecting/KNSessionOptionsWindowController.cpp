@@ -51,36 +51,35 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
     : KNWindowController(parent)
     , m_parameters(parameters)
     , m_encryption(new QComboBox)
-    , m_trustsAnyone(new QCheckBox(QStringLiteral("&Trust any server certificate")))
-    , m_certificateFile(new KNFileField(
-          QStringLiteral("Trusted certificate"),
-          {QStringLiteral("Certificates (*.pem *.crt *.cer)"), QStringLiteral("All files (*)")}))
-    , m_checksHostName(new QCheckBox(QStringLiteral("Certificate must be for this &host")))
+    , m_trustsAnyone(new QCheckBox(tr("&Trust any server certificate")))
+    , m_certificateFile(new KNFileField(tr("Trusted certificate"),
+                                        {tr("Certificates (*.pem *.crt *.cer)"), tr("All files (*)")}))
+    , m_checksHostName(new QCheckBox(tr("Certificate must be for this &host")))
     , m_loginTimeout(new QSpinBox)
     , m_queryTimeout(new QSpinBox)
     , m_intent(new QComboBox)
     , m_statements(new QPlainTextEdit)
 {
-    setWindowTitle(QStringLiteral("Connection Options"));
-    m_encryption->addItem(QStringLiteral("If the server can (login at least)"), request());
-    m_encryption->addItem(QStringLiteral("Required, with a valid certificate"), required());
-    m_encryption->addItem(QStringLiteral("Off"), off());
+    setWindowTitle(tr("Connection Options"));
+    m_encryption->addItem(tr("If the server can (login at least)"), request());
+    m_encryption->addItem(tr("Required, with a valid certificate"), required());
+    m_encryption->addItem(tr("Off"), off());
     select(m_encryption, parameters.value(Encryption, request()).toString());
     m_trustsAnyone->setChecked(parameters.value(TrustServerCertificate).toBool());
-    m_trustsAnyone->setToolTip(QStringLiteral("Listeners are kept out, impostors are not."));
+    m_trustsAnyone->setToolTip(tr("Listeners are kept out, impostors are not."));
     m_certificateFile->setPath(parameters.value(TrustedCertificateFile).toString());
-    m_certificateFile->lineEdit()->setPlaceholderText(QStringLiteral("The system's authorities"));
+    m_certificateFile->lineEdit()->setPlaceholderText(tr("The system's authorities"));
     m_certificateFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
     m_checksHostName->setChecked(parameters.value(CheckHostName, true).toBool());
     m_loginTimeout->setRange(1, 3600);
-    m_loginTimeout->setSuffix(QStringLiteral(" s"));
+    m_loginTimeout->setSuffix(tr(" s"));
     m_loginTimeout->setValue(parameters.value(LoginTimeout, DefaultLoginTimeout).toInt());
     m_queryTimeout->setRange(0, 86400);
-    m_queryTimeout->setSuffix(QStringLiteral(" s"));
-    m_queryTimeout->setSpecialValueText(QStringLiteral("None"));
+    m_queryTimeout->setSuffix(tr(" s"));
+    m_queryTimeout->setSpecialValueText(tr("None"));
     m_queryTimeout->setValue(parameters.value(QueryTimeout).toInt());
-    m_intent->addItem(QStringLiteral("Read and write"), QString());
-    m_intent->addItem(QStringLiteral("Read only"), QStringLiteral("readonly"));
+    m_intent->addItem(tr("Read and write"), QString());
+    m_intent->addItem(tr("Read only"), QStringLiteral("readonly"));
     select(m_intent, parameters.value(ApplicationIntent).toString());
     m_statements->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_statements->setPlainText(parameters.value(InitialStatements).toString());
@@ -89,17 +88,17 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
     m_statements->setMinimumHeight(m_statements->fontMetrics().lineSpacing() * 5);
 
     auto *const form = new QFormLayout;
-    form->addRow(QStringLiteral("&Encryption:"), m_encryption);
-    form->addRow(QStringLiteral("Trusted &certificate:"), m_certificateFile);
+    form->addRow(tr("&Encryption:"), m_encryption);
+    form->addRow(tr("Trusted &certificate:"), m_certificateFile);
     form->addRow(QString(), m_checksHostName);
     form->addRow(QString(), m_trustsAnyone);
-    form->addRow(QStringLiteral("&Login time-out:"), m_loginTimeout);
-    form->addRow(QStringLiteral("&Query time-out:"), m_queryTimeout);
-    form->addRow(QStringLiteral("Application &intent:"), m_intent);
-    form->addRow(QStringLiteral("Initial &statements:"), m_statements);
+    form->addRow(tr("&Login time-out:"), m_loginTimeout);
+    form->addRow(tr("&Query time-out:"), m_queryTimeout);
+    form->addRow(tr("Application &intent:"), m_intent);
+    form->addRow(tr("Initial &statements:"), m_statements);
     auto *const layout = new QVBoxLayout(this);
     layout->addLayout(form);
-    layout->addWidget(makeButtons(QStringLiteral("OK")));
+    layout->addWidget(makeButtons(tr("OK")));
 
     connect(m_encryption, &QComboBox::currentIndexChanged, this,
             &KNSessionOptionsWindowController::updateControls);

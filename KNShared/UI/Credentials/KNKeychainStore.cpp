@@ -85,7 +85,7 @@ KNKeychainStore::KNKeychainStore(const QString &service)
 
 QString KNKeychainStore::name() const
 {
-    return QStringLiteral("the desktop's keyring");
+    return QCoreApplication::translate("KNKeychainStore", "the desktop's keyring");
 }
 
 // Jobs delete themselves when they are finished.
@@ -97,9 +97,10 @@ void KNKeychainStore::textForKey(const QString &key, Read read)
     QObject::connect(job, &QKeychain::Job::finished, job, [job, read = std::move(read)] {
         if (job->error() == QKeychain::EntryNotFound) {
             askForLock([read](bool isLocked) {
-                read(QString(), isLocked
-                                    ? KNError(ErrorDomain, Refused, QStringLiteral("The keyring is locked."))
-                                    : KNError());
+                read(QString(), isLocked ? KNError(ErrorDomain, Refused,
+                                                   QCoreApplication::translate("KNKeychainStore",
+                                                                               "The keyring is locked."))
+                                         : KNError());
             });
             return;
         }

@@ -166,7 +166,7 @@ void KNDatabaseTreeViewController::showSearchResults()
     const QString text = m_searchField->text().trimmed();
     const Entry found = m_feed == Feed::Refused ? nullptr : m_root->copyWithSearchResults(text);
     if (!m_feedError)
-        showNotice(found ? QString() : KNFormat("Nothing has \"%@\" in its name.", text));
+        showNotice(found ? QString() : KNFormat(tr("Nothing has \"%@\" in its name."), text));
     else if (m_feed == Feed::Refused)
         showNotice(m_feedError.localizedDescription());
     else

@@ -11,7 +11,7 @@ KNFileField::KNFileField(const QString &title, const QStringList &filters, QWidg
     : QWidget(parent)
     , m_path(new QLineEdit)
 {
-    auto *const choose = new QPushButton(QStringLiteral("Choose…"));
+    auto *const choose = new QPushButton(tr("Choose…"));
     choose->setAutoDefault(false);
     choose->setAccessibleName(title);
     m_path->setAccessibleName(title);

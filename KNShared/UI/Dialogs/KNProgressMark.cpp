@@ -1,4 +1,6 @@
 #include "UI/Dialogs/KNProgressMark.h"
+
+#include "Foundation/KNFormat.h"
 #include "UI/KNPlainToolTip.h"
 
 #include <QHBoxLayout>
@@ -17,7 +19,7 @@ KNProgressMark::KNProgressMark(const QString &subject, QWidget *parent)
     m_progress->setFixedWidth(fontMetrics().averageCharWidth() * 10);
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
     m_warning->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this).pixmap(size));
-    m_warning->setAccessibleName(subject + QStringLiteral(" failed"));
+    m_warning->setAccessibleName(KNFormat(tr("%@ failed"), subject));
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_progress);

@@ -2,6 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 
+#include <QCoreApplication>
 #include <QMenu>
 
 namespace {
@@ -36,7 +37,7 @@ void KNMenuView::fill(QMenu &view, const KNMenu &menu)
             action->setCheckable(item.isChecked);
             action->setChecked(item.isChecked);
             if (isForLater(item))
-                action->setToolTip(QStringLiteral("This is not available yet."));
+                action->setToolTip(QCoreApplication::translate("KNMenuView", "This is not available yet."));
         }
     }
 }

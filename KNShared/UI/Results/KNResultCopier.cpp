@@ -45,8 +45,8 @@ void KNResultCopier::finish(const ResultCopy &copy, qsizetype rows)
     QStringList remarks = copy.remarks;
     if (copy.rowsLeftOut > 0)
         remarks.prepend(
-            KNFormat("The last %lld of the rows were left out: the clipboard takes %lld MB at most. "
-                     "Export them to a file instead.",
+            KNFormat(tr("The last %lld of the rows were left out: the clipboard takes %lld MB at most. "
+                        "Export them to a file instead."),
                      copy.rowsLeftOut, ResultCopy::LargestSize / (1024 * 1024)));
     Q_EMIT copied(rows - copy.rowsLeftOut, remarks.join(QLatin1Char(' ')));
 }

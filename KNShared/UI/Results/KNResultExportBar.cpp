@@ -26,10 +26,10 @@ KNResultExportBar::KNResultExportBar(QWidget *parent)
     , m_timer(new QTimer(this))
 {
     m_progress->setRange(0, ProgressSteps);
-    m_progress->setAccessibleName(QStringLiteral("Progress of the export"));
+    m_progress->setAccessibleName(tr("Progress of the export"));
     m_label->setTextFormat(Qt::PlainText);
-    auto *const cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
-    cancelButton->setAccessibleName(QStringLiteral("Cancel the export"));
+    auto *const cancelButton = new QPushButton(tr("Cancel"), this);
+    cancelButton->setAccessibleName(tr("Cancel the export"));
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_label);
@@ -54,11 +54,11 @@ KNResultExportBar::~KNResultExportBar()
 void KNResultExportBar::exportRows(const ResultRows &rows)
 {
     if (m_exporter) {
-        KNAlerts::shared().showMessage(this, QStringLiteral("Export"),
-                                       QStringLiteral("Another export is being written. Cancel it or wait."));
+        KNAlerts::shared().showMessage(this, tr("Export"),
+                                       tr("Another export is being written. Cancel it or wait."));
         return;
     }
-    const KNFilePanels::Request request = {QStringLiteral("Export Rows"), QStringLiteral("result.csv"),
+    const KNFilePanels::Request request = {tr("Export Rows"), QStringLiteral("result.csv"),
                                            ResultExporter::fileFilters()};
     const QPointer<KNResultExportBar> self(this);
     KNFilePanels::shared().chooseFileToSave(window(), request, [self, rows](const QString &path) {
@@ -70,7 +70,7 @@ void KNResultExportBar::exportRows(const ResultRows &rows)
 void KNResultExportBar::start(const ResultRows &rows, const QString &path)
 {
     m_exporter = std::make_shared<ResultExporter>(rows, path);
-    m_label->setText(KNFormat("Exporting to %@", QFileInfo(path).fileName()));
+    m_label->setText(KNFormat(tr("Exporting to %@"), QFileInfo(path).fileName()));
     m_progress->setValue(0);
     m_timer->start();
     show();
@@ -95,5 +95,5 @@ void KNResultExportBar::finish(bool complete, const KNError &error, const QStrin
     if (error)
         KNAlerts::shared().showError(window(), error);
     else if (complete && !remarks.isEmpty())
-        KNAlerts::shared().showMessage(window(), QStringLiteral("Export"), remarks.join(QLatin1Char('\n')));
+        KNAlerts::shared().showMessage(window(), tr("Export"), remarks.join(QLatin1Char('\n')));
 }

@@ -20,19 +20,19 @@ KNResultFilterBar::KNResultFilterBar(KNResultTableModel &model, QWidget *parent)
     , m_columns(new QComboBox(this))
     , m_pause(new QTimer(this))
 {
-    m_field->setPlaceholderText(QStringLiteral("Show rows that contain…"));
-    m_field->setAccessibleName(QStringLiteral("Text that rows must contain"));
+    m_field->setPlaceholderText(tr("Show rows that contain…"));
+    m_field->setAccessibleName(tr("Text that rows must contain"));
     m_field->setClearButtonEnabled(true);
     m_field->setText(model.arrangement().filterText);
-    m_columns->addItem(QStringLiteral("Any column"));
+    m_columns->addItem(tr("Any column"));
     for (int column = 0; column < model.columnCount(); ++column)
         m_columns->addItem(model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
     m_columns->setCurrentIndex(static_cast<int>(model.arrangement().filterColumn) + 1);
-    m_columns->setAccessibleName(QStringLiteral("Column in which the text is looked for"));
+    m_columns->setAccessibleName(tr("Column in which the text is looked for"));
     m_columns->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_columns->setMinimumContentsLength(14);
     auto *const all = new QToolButton(this);
-    all->setText(QStringLiteral("Show All Rows"));
+    all->setText(tr("Show All Rows"));
 
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});

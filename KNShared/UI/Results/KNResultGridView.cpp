@@ -19,13 +19,13 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     , m_header(new QHeaderView(Qt::Horizontal, this))
     , m_rowNumbers(new KNRowNumberBar(this))
 {
-    setAccessibleName(QStringLiteral("Rows of the result"));
+    setAccessibleName(tr("Rows of the result"));
     setSelectionMode(ExtendedSelection);
     setSelectionBehavior(SelectItems);
     setEditTriggers(NoEditTriggers);
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
-    m_header->setAccessibleName(QStringLiteral("Columns of the result"));
+    m_header->setAccessibleName(tr("Columns of the result"));
     m_header->setSectionsClickable(true);
     m_header->setHighlightSections(false);
     m_header->setSortIndicatorShown(false);
@@ -335,7 +335,7 @@ void KNResultGridView::currentChanged(const QModelIndex &current, const QModelIn
     if (!current.isValid())
         return;
     m_currentColumn = current.column();
-    setAccessibleDescription(QStringLiteral("Row %1, %2: %3")
+    setAccessibleDescription(tr("Row %1, %2: %3")
                                  .arg(QString::number(current.row() + 1),
                                       m_resultModel.columnName(current.column()),
                                       current.data(Qt::AccessibleTextRole).toString()));

@@ -35,8 +35,8 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
 {
     setAccessibleName(title);
     addActions();
-    m_cancel->setText(QStringLiteral("Cancel"));
-    m_cancel->setAccessibleName(QStringLiteral("Cancel sorting or filtering"));
+    m_cancel->setText(tr("Cancel"));
+    m_cancel->setAccessibleName(tr("Cancel sorting or filtering"));
     m_filterBar->setVisible(!model.arrangement().filterText.isEmpty());
     m_caption->setTextFormat(Qt::PlainText);
     m_caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -66,7 +66,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
     connect(m_copier, &KNResultCopier::copied, this, [this](qsizetype, const QString &remark) {
         if (!remark.isEmpty())
-            KNAlerts::shared().showMessage(this, QStringLiteral("Copied"), remark);
+            KNAlerts::shared().showMessage(this, tr("Copied"), remark);
     });
     updateCaption();
 }
@@ -91,17 +91,19 @@ void KNResultSection::updateCaption()
     const KNRowArrangement &arrangement = m_model.arrangement();
     const int rows = m_model.rowCount();
     const int arrived = m_model.arrivedRowCount();
-    QString text = m_title + QStringLiteral(": ");
+    QString text = arrived == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), number(arrived));
     if (!arrangement.filterText.isEmpty())
-        text += KNFormat("%@ of ", number(rows));
-    text += number(arrived) + (arrived == 1 ? QStringLiteral(" row") : QStringLiteral(" rows"));
+        text = KNFormat(tr("%@ of %@"), number(rows), text);
     if (!m_model.isFinished())
-        text += QStringLiteral(" so far");
-    if (arrangement.sortColumn != KNRowArrangement::NoColumn)
-        text += KNFormat(", sorted by %@%@", m_model.columnName(static_cast<int>(arrangement.sortColumn)),
-                         arrangement.sortOrder == Qt::DescendingOrder ? " (descending)" : "");
+        text = KNFormat(tr("%@ so far"), text);
+    if (arrangement.sortColumn != KNRowArrangement::NoColumn) {
+        const bool descends = arrangement.sortOrder == Qt::DescendingOrder;
+        text = KNFormat(descends ? tr("%@, sorted by %@ (descending)") : tr("%@, sorted by %@"), text,
+                        m_model.columnName(static_cast<int>(arrangement.sortColumn)));
+    }
     if (m_model.isArranging())
-        text += QStringLiteral(" – working…");
+        text = KNFormat(tr("%@ – working…"), text);
+    text = KNFormat(tr("%@: %@"), m_title, text);
     m_caption->setText(text);
     m_caption->setToolTip(KNPlainToolTip(text));
     m_cancel->setVisible(m_model.isArranging());
@@ -155,12 +157,12 @@ void KNResultSection::addActions()
 {
     addCopyActions();
     m_menu->addSeparator();
-    addAction(QStringLiteral("Select &All"), QKeySequence::SelectAll, [this] { m_grid->selectAll(); });
-    addAction(QStringLiteral("Show &Value"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { showValue(); });
+    addAction(tr("Select &All"), QKeySequence::SelectAll, [this] { m_grid->selectAll(); });
+    addAction(tr("Show &Value"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { showValue(); });
     m_menu->addSeparator();
     addArrangingActions();
     m_menu->addSeparator();
-    m_export = addAction(QStringLiteral("&Export…"), {}, [this] { Q_EMIT exportRequested(); });
+    m_export = addAction(tr("&Export…"), {}, [this] { Q_EMIT exportRequested(); });
 }
 
 void KNResultSection::addCopyActions()
@@ -172,7 +174,7 @@ void KNResultSection::addCopyActions()
     };
     addCopy("text", QKeySequence::Copy);
     addCopy("text-with-headers", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
-    QMenu *const others = m_menu->addMenu(QStringLiteral("Copy A&s"));
+    QMenu *const others = m_menu->addMenu(tr("Copy A&s"));
     for (const ResultFormat &format : ResultFormat::offeredFor(ResultFormat::CopyAs))
         connect(others->addAction(format.localizedTitle()), &QAction::triggered, this,
                 [this, name = format.name] { copySelection(name); });
@@ -181,18 +183,17 @@ void KNResultSection::addCopyActions()
 void KNResultSection::addArrangingActions()
 {
     m_arrangingActions = {
-        addAction(QStringLiteral("Sort As&cending"), {},
+        addAction(tr("Sort As&cending"), {},
                   [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::AscendingOrder); }),
-        addAction(QStringLiteral("Sort &Descending"), {},
+        addAction(tr("Sort &Descending"), {},
                   [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::DescendingOrder); }),
-        addAction(QStringLiteral("&Original Order"), {},
+        addAction(tr("&Original Order"), {},
                   [this] { sort(static_cast<int>(KNRowArrangement::NoColumn), Qt::AscendingOrder); }),
     };
-    m_filter = addAction(QStringLiteral("&Filter…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F),
-                         [this] { openFilter(); });
+    m_filter =
+        addAction(tr("&Filter…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F), [this] { openFilter(); });
     m_arrangingActions += m_filter;
-    m_arrangingActions +=
-        addAction(QStringLiteral("Show All &Rows"), {}, [this] { m_filterBar->showAllRows(); });
+    m_arrangingActions += addAction(tr("Show All &Rows"), {}, [this] { m_filterBar->showAllRows(); });
 }
 
 QAction *KNResultSection::addAction(const QString &text, const QKeySequence &shortcut,

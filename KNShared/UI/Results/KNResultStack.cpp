@@ -29,7 +29,7 @@ KNResultStack::KNResultStack(Make make, Height height, Leave leave, QWidget *par
     , m_leave(std::move(leave))
 {
     setFrameShape(QFrame::NoFrame);
-    setAccessibleName(QStringLiteral("Results"));
+    setAccessibleName(tr("Results"));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setBackgroundRole(QPalette::Window);
 }

@@ -123,14 +123,14 @@ QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation
         const QString name = m_columnNames.value(section);
         const bool isSorted = m_arrangement.sortColumn == section;
         const char16_t *const mark = m_arrangement.sortOrder == Qt::AscendingOrder ? u" ▲" : u" ▼";
-        return (name.isEmpty() ? QStringLiteral("(no name)") : inOneLine(name)) +
+        return (name.isEmpty() ? tr("(no name)") : inOneLine(name)) +
                (isSorted ? QString::fromUtf16(mark) : QString());
     }
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);
         return KNPlainToolTip((type.isNull() ? name : name + QLatin1Char('\n') + type) + remarkOn(section) +
-                              QStringLiteral("\nClick to select, double-click to sort"));
+                              u'\n' + tr("Click to select, double-click to sort"));
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));

@@ -12,11 +12,11 @@ KNResultTabs::KNResultTabs(QWidget *parent)
     , m_tabs(new QTabBar(this))
     , m_list(new QComboBox(this))
 {
-    m_tabs->setAccessibleName(QStringLiteral("Results"));
+    m_tabs->setAccessibleName(tr("Results"));
     m_tabs->setExpanding(false);
     m_tabs->setDrawBase(false);
     m_tabs->setUsesScrollButtons(true);
-    m_list->setAccessibleName(QStringLiteral("Results"));
+    m_list->setAccessibleName(tr("Results"));
     m_list->hide();
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
@@ -39,7 +39,7 @@ void KNResultTabs::setCount(int count)
         m_current = -1;
     }
     for (; m_count < count; ++m_count) {
-        const QString title = KNFormat("Result %d", m_count + 1);
+        const QString title = KNFormat(tr("Result %d"), m_count + 1);
         if (m_count < MostTabs)
             m_tabs->addTab(title);
         m_list->addItem(title);

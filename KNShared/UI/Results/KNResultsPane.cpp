@@ -24,7 +24,7 @@ const QString ResultsAsTabs = QStringLiteral("ResultsAsTabs");
 
 QString titleOf(int result)
 {
-    return KNFormat("Result %d", result + 1);
+    return KNFormat(KNResultsPane::tr("Result %d"), result + 1);
 }
 
 } // namespace
@@ -41,7 +41,7 @@ KNResultsPane::KNResultsPane(QWidget *parent)
     , m_views(new QStackedWidget(this))
     , m_exportBar(new KNResultExportBar(this))
 {
-    setAccessibleName(QStringLiteral("Results"));
+    setAccessibleName(tr("Results"));
     m_mode->setAutoRaise(true);
     auto *const pageLayout = new QVBoxLayout(m_page);
     pageLayout->setContentsMargins({});
@@ -176,7 +176,7 @@ void KNResultsPane::setShowsTabs(bool shows)
     if (shows != m_showsTabs)
         KNUserDefaults::standardUserDefaults()->setObject(ResultsAsTabs, shows);
     m_showsTabs = shows;
-    m_mode->setText(shows ? QStringLiteral("Show Stacked") : QStringLiteral("Show as Tabs"));
+    m_mode->setText(shows ? tr("Show Stacked") : tr("Show as Tabs"));
     m_mode->setAccessibleName(m_mode->text());
     // Sections belong to the one or the other: they are made again where they are shown now.
     for (const int result : m_sections.keys())

@@ -12,7 +12,7 @@ KNRowNumberBar::KNRowNumberBar(KNResultGridView *grid)
     : QWidget(grid)
     , m_grid(grid)
 {
-    setAccessibleName(QStringLiteral("Row numbers"));
+    setAccessibleName(tr("Row numbers"));
 }
 
 int KNRowNumberBar::widthForRows(int rows) const

@@ -51,18 +51,16 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
 {
     setAttribute(Qt::WA_DeleteOnClose);
     const QString name = m_result->columnNames().value(column);
-    setWindowTitle(
-        KNFormat("%@, row %lld", name.isEmpty() ? QStringLiteral("(no name)") : name, storedRow + 1));
+    setWindowTitle(KNFormat(tr("%@, row %lld"), name.isEmpty() ? tr("(no name)") : name, storedRow + 1));
     const KNRowCell cell = KNRowReader(m_result->rows()).cell(storedRow, column);
     m_value = cell.storedValue(LargestShown);
     m_byteCount = static_cast<qsizetype>(cell.length);
 
-    m_forms->addItems({QStringLiteral("Text"), QStringLiteral("JSON"), QStringLiteral("XML"),
-                       QStringLiteral("Hexadecimal")});
-    m_forms->setAccessibleName(QStringLiteral("Form in which the value is shown"));
+    m_forms->addItems({tr("Text"), tr("JSON"), tr("XML"), tr("Hexadecimal")});
+    m_forms->setAccessibleName(tr("Form in which the value is shown"));
     m_remark->setWordWrap(true);
     m_remark->setTextFormat(Qt::PlainText);
-    m_editor->setAccessibleName(QStringLiteral("Value"));
+    m_editor->setAccessibleName(tr("Value"));
     m_editor->setReadOnly(true);
     m_editor->setUtf8(true);
     m_editor->setScrollWidth(1);
@@ -73,13 +71,12 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     type->setTextFormat(Qt::PlainText);
     auto *const head = new QHBoxLayout;
     head->addWidget(type, 1);
-    auto *const formsLabel = new QLabel(QStringLiteral("Show &as:"), this);
+    auto *const formsLabel = new QLabel(tr("Show &as:"), this);
     formsLabel->setBuddy(m_forms);
     head->addWidget(formsLabel);
     head->addWidget(m_forms);
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    QPushButton *const save =
-        buttons->addButton(QStringLiteral("&Save to File…"), QDialogButtonBox::ActionRole);
+    QPushButton *const save = buttons->addButton(tr("&Save to File…"), QDialogButtonBox::ActionRole);
     save->setAutoDefault(false);
     save->setEnabled(!m_value.isNull());
     auto *const layout = new QVBoxLayout(this);
@@ -143,12 +140,12 @@ void KNValueViewer::showText(Form form, const QString &text, bool linesWereBroke
     m_editor->setText(m_value.isNull() ? KNPreferences::current().nullText : text);
     QStringList remarks;
     if (m_byteCount > LargestShown)
-        remarks.append(KNFormat("The first %lld KB of %lld KB are shown. Saving writes the whole value.",
+        remarks.append(KNFormat(tr("The first %lld KB of %lld KB are shown. Saving writes the whole value."),
                                 LargestShown / 1024, m_byteCount / 1024));
     if (linesWereBroken)
-        remarks.append(KNFormat("Lines of more than %lld characters are broken here.", LongestLine));
+        remarks.append(KNFormat(tr("Lines of more than %lld characters are broken here."), LongestLine));
     if (m_value.isNull())
-        remarks.append(QStringLiteral("The value is NULL."));
+        remarks.append(tr("The value is NULL."));
     m_remark->setText(remarks.join(QLatin1Char(' ')));
     m_remark->setVisible(!remarks.isEmpty());
 }
@@ -191,10 +188,10 @@ void KNValueViewer::paintEditor()
 void KNValueViewer::saveToFile()
 {
     const bool isBytes = m_value.kind() == KNValue::Kind::Bytes;
-    const KNFilePanels::Request request = {QStringLiteral("Save Value"),
+    const KNFilePanels::Request request = {tr("Save Value"),
                                            isBytes ? QStringLiteral("value.bin")
                                                    : QStringLiteral("value.txt"),
-                                           {QStringLiteral("All files (*)")}};
+                                           {tr("All files (*)")}};
     const QPointer<KNValueViewer> self(this);
     KNFilePanels::shared().chooseFileToSave(this, request, [self](const QString &path) {
         if (self)
@@ -214,7 +211,7 @@ void KNValueViewer::writeTo(const QString &path)
         if (KNReplaceFile(path, bytes, &why))
             return;
         const KNError error(QStringLiteral("com.quorvex.vantor.export"), 0,
-                            KNFormat("The file %@ could not be written. %@", path, why));
+                            KNFormat(tr("The file %@ could not be written. %@"), path, why));
         KNDispatch::mainQueue([self, error] {
             if (self)
                 KNAlerts::shared().showError(self, error);
