@@ -44,8 +44,8 @@ bool Application::start()
 void Application::startProtocolTrace() const
 {
     const QString path = m_connector->createConnectionDetails()->startProtocolTrace();
-    const QString text = path.isNull() ? QStringLiteral("The trace of the protocol cannot be written.")
-                                       : KNFormat("The trace of the protocol is written to %@", path);
+    const QString text = path.isNull() ? tr("The trace of the protocol cannot be written.")
+                                       : KNFormat(tr("The trace of the protocol is written to %@"), path);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 

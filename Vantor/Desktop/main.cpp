@@ -26,8 +26,8 @@ public:
         } catch (const KNAssertionFailure &failure) {
             KNLogHelper::sharedInstance()->logMessage("Internal error: %@ (%@)", failure.message(),
                                                       failure.sourcePath());
-            KNAlerts::shared().showMessage(
-                activeWindow(), QStringLiteral("Something went wrong in the program."), failure.message());
+            KNAlerts::shared().showMessage(activeWindow(), tr("Something went wrong in the program."),
+                                           failure.message());
             return false;
         }
     }

@@ -170,7 +170,7 @@ QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text)
 {
     auto made = makeQueryTab(details);
     QueryTab *const tab = made.get();
-    tab->setUntitledName(KNFormat("Query %d", ++m_untitledCount));
+    tab->setUntitledName(KNFormat(tr("Query %d"), ++m_untitledCount));
     if (!text.isNull())
         tab->setText(text);
     openDocument(std::move(made));

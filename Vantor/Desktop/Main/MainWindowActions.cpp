@@ -79,100 +79,112 @@ void MainWindowActions::addForFocus(QMenu *menu, const char *slot, const char *t
 void MainWindowActions::makeFileMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&File"));
-    add(menu, {"newQuery", "&New Query", "query-new", {keys("Ctrl+N"), keys("Ctrl+T")}},
+    add(menu, {"newQuery", QT_TR_NOOP("&New Query"), "query-new", {keys("Ctrl+N"), keys("Ctrl+T")}},
         [this] { m_window.newQuery(); });
-    add(menu, {"open", "&Open…", "document-open", {keys("Ctrl+O")}}, [this] { m_window.chooseFiles(); });
-    addForDocument(menu, {"save", "&Save", "document-save", {keys("Ctrl+S")}}, KNDocumentAction::Save);
-    addForDocument(menu, {"saveAs", "Save &As…", nullptr, {keys("Ctrl+Shift+S")}}, KNDocumentAction::SaveAs);
-    m_closeTab = add(menu, {"closeTab", "&Close Tab", nullptr, {keys("Ctrl+W")}}, [this] {
+    add(menu, {"open", QT_TR_NOOP("&Open…"), "document-open", {keys("Ctrl+O")}},
+        [this] { m_window.chooseFiles(); });
+    addForDocument(menu, {"save", QT_TR_NOOP("&Save"), "document-save", {keys("Ctrl+S")}},
+                   KNDocumentAction::Save);
+    addForDocument(menu, {"saveAs", QT_TR_NOOP("Save &As…"), nullptr, {keys("Ctrl+Shift+S")}},
+                   KNDocumentAction::SaveAs);
+    m_closeTab = add(menu, {"closeTab", QT_TR_NOOP("&Close Tab"), nullptr, {keys("Ctrl+W")}}, [this] {
         if (KNDocumentTab *const document = m_window.currentDocument())
             m_window.tabs()->closeDocument(document);
     });
     menu->addSeparator();
-    add(menu, {"connections", "Co&nnections…", "connection-new", {keys("Ctrl+Shift+N")}},
+    add(menu, {"connections", QT_TR_NOOP("Co&nnections…"), "connection-new", {keys("Ctrl+Shift+N")}},
         [this] { Q_EMIT m_window.connectionsRequested(); });
-    add(menu, {"disconnect", "&Disconnect", nullptr, {}}, [this] { m_window.close(); });
+    add(menu, {"disconnect", QT_TR_NOOP("&Disconnect"), nullptr, {}}, [this] { m_window.close(); });
     menu->addSeparator();
-    add(menu, {"preferences", "&Preferences…", "preferences", {keys("Ctrl+,")}},
+    add(menu, {"preferences", QT_TR_NOOP("&Preferences…"), "preferences", {keys("Ctrl+,")}},
         [this] { m_window.showPreferences(); });
-    add(menu, {"quit", "&Quit", nullptr, {keys("Ctrl+Q")}}, [] { closeEveryWindow(); });
+    add(menu, {"quit", QT_TR_NOOP("&Quit"), nullptr, {keys("Ctrl+Q")}}, [] { closeEveryWindow(); });
 }
 
 void MainWindowActions::makeEditMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Edit"));
-    addForFocus(menu, "undo", "&Undo\tCtrl+Z");
-    addForFocus(menu, "redo", "&Redo\tCtrl+Y");
+    addForFocus(menu, "undo", QT_TR_NOOP("&Undo\tCtrl+Z"));
+    addForFocus(menu, "redo", QT_TR_NOOP("&Redo\tCtrl+Y"));
     menu->addSeparator();
-    addForFocus(menu, "cut", "Cu&t\tCtrl+X");
-    addForFocus(menu, "copy", "&Copy\tCtrl+C");
-    addForFocus(menu, "paste", "&Paste\tCtrl+V");
-    addForFocus(menu, "selectAll", "Select &All\tCtrl+A");
+    addForFocus(menu, "cut", QT_TR_NOOP("Cu&t\tCtrl+X"));
+    addForFocus(menu, "copy", QT_TR_NOOP("&Copy\tCtrl+C"));
+    addForFocus(menu, "paste", QT_TR_NOOP("&Paste\tCtrl+V"));
+    addForFocus(menu, "selectAll", QT_TR_NOOP("Select &All\tCtrl+A"));
     menu->addSeparator();
     using Action = KNDocumentAction;
-    addForDocument(menu, {"find", "&Find…", "edit-find", {keys("Ctrl+F")}}, Action::Find);
-    addForDocument(menu, {"replace", "R&eplace…", nullptr, {keys("Ctrl+H")}}, Action::Replace);
-    addForDocument(menu, {"findNext", "Find &Next", nullptr, {keys("F3")}}, Action::FindNext);
-    addForDocument(menu, {"findPrevious", "Find Pre&vious", nullptr, {keys("Shift+F3")}},
+    addForDocument(menu, {"find", QT_TR_NOOP("&Find…"), "edit-find", {keys("Ctrl+F")}}, Action::Find);
+    addForDocument(menu, {"replace", QT_TR_NOOP("R&eplace…"), nullptr, {keys("Ctrl+H")}}, Action::Replace);
+    addForDocument(menu, {"findNext", QT_TR_NOOP("Find &Next"), nullptr, {keys("F3")}}, Action::FindNext);
+    addForDocument(menu, {"findPrevious", QT_TR_NOOP("Find Pre&vious"), nullptr, {keys("Shift+F3")}},
                    Action::FindPrevious);
     menu->addSeparator();
-    addForDocument(menu, {"toggleComment", "Toggle &Comment", "code-comment", {keys("Ctrl+/")}},
+    addForDocument(menu, {"toggleComment", QT_TR_NOOP("Toggle &Comment"), "code-comment", {keys("Ctrl+/")}},
                    Action::ToggleComment);
-    addForDocument(menu, {"comment", "C&omment Lines\tCtrl+K, C"}, Action::CommentLines);
-    addForDocument(menu, {"uncomment", "Uncomment &Lines\tCtrl+K, U"}, Action::UncommentLines);
-    addForDocument(menu, {"goToLine", "&Go to Line…", nullptr, {keys("Ctrl+G")}}, Action::GoToLine);
+    addForDocument(menu, {"comment", QT_TR_NOOP("C&omment Lines\tCtrl+K, C")}, Action::CommentLines);
+    addForDocument(menu, {"uncomment", QT_TR_NOOP("Uncomment &Lines\tCtrl+K, U")}, Action::UncommentLines);
+    addForDocument(menu, {"goToLine", QT_TR_NOOP("&Go to Line…"), nullptr, {keys("Ctrl+G")}},
+                   Action::GoToLine);
 }
 
 void MainWindowActions::makeQueryMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Query"));
-    addForDocument(
-        menu,
-        {"run", "&Run", "query-run", {keys("F5"), keys("Ctrl+Return"), keys("Ctrl+Enter"), keys("Ctrl+E")}},
-        KNDocumentAction::Execute);
+    addForDocument(menu,
+                   {"run",
+                    QT_TR_NOOP("&Run"),
+                    "query-run",
+                    {keys("F5"), keys("Ctrl+Return"), keys("Ctrl+Enter"), keys("Ctrl+E")}},
+                   KNDocumentAction::Execute);
     addForDocument(menu,
                    {"runBatch",
-                    "Run &Batch at Cursor",
+                    QT_TR_NOOP("Run &Batch at Cursor"),
                     "query-run-batch",
                     {keys("Ctrl+Shift+Return"), keys("Ctrl+Shift+Enter")}},
                    KNDocumentAction::ExecuteBatch);
-    addForDocument(menu,
-                   {"cancel", "&Cancel", "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
-                   KNDocumentAction::Cancel);
+    addForDocument(
+        menu,
+        {"cancel", QT_TR_NOOP("&Cancel"), "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
+        KNDocumentAction::Cancel);
     menu->addSeparator();
-    addForDocument(menu, {"database", "Change &Database", nullptr, {keys("Ctrl+U")}},
+    addForDocument(menu, {"database", QT_TR_NOOP("Change &Database"), nullptr, {keys("Ctrl+U")}},
                    KNDocumentAction::ChangeDatabase);
-    add(menu, {"history", "&History…", "history", {keys("Ctrl+Shift+H")}},
+    add(menu, {"history", QT_TR_NOOP("&History…"), "history", {keys("Ctrl+Shift+H")}},
         [this] { m_window.showHistory(); });
 }
 
 void MainWindowActions::makeViewMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&View"));
-    add(menu, {"explorer", "&Object Explorer", "sidebar", {keys("F8")}},
+    add(menu, {"explorer", QT_TR_NOOP("&Object Explorer"), "sidebar", {keys("F8")}},
         [this] { m_window.toggleExplorer(); });
-    add(menu, {"searchObjects", "&Search Objects", "edit-find", {keys("Ctrl+Shift+O")}},
+    add(menu, {"searchObjects", QT_TR_NOOP("&Search Objects"), "edit-find", {keys("Ctrl+Shift+O")}},
         [this] { m_window.searchObjects(); });
-    add(menu, {"refresh", "&Refresh", "view-refresh", {keys("Ctrl+Shift+R")}},
+    add(menu, {"refresh", QT_TR_NOOP("&Refresh"), "view-refresh", {keys("Ctrl+Shift+R")}},
         [this] { m_window.explorer()->refreshSelected(); });
     menu->addSeparator();
     using Action = KNDocumentAction;
-    addForDocument(menu, {"results", "R&esults", nullptr, {keys("Ctrl+R")}}, Action::ToggleResults);
-    addForDocument(menu, {"nextPane", "Editor or &Results", nullptr, {keys("F6")}}, Action::ShowNextPane);
-    addForDocument(menu, {"zoomIn", "Zoom &In", nullptr, {keys("Ctrl++"), keys("Ctrl+=")}}, Action::ZoomIn);
-    addForDocument(menu, {"zoomOut", "Zoom &Out", nullptr, {keys("Ctrl+-")}}, Action::ZoomOut);
-    addForDocument(menu, {"resetZoom", "&Actual Size", nullptr, {keys("Ctrl+0")}}, Action::ResetZoom);
+    addForDocument(menu, {"results", QT_TR_NOOP("R&esults"), nullptr, {keys("Ctrl+R")}},
+                   Action::ToggleResults);
+    addForDocument(menu, {"nextPane", QT_TR_NOOP("Editor or &Results"), nullptr, {keys("F6")}},
+                   Action::ShowNextPane);
+    addForDocument(menu, {"zoomIn", QT_TR_NOOP("Zoom &In"), nullptr, {keys("Ctrl++"), keys("Ctrl+=")}},
+                   Action::ZoomIn);
+    addForDocument(menu, {"zoomOut", QT_TR_NOOP("Zoom &Out"), nullptr, {keys("Ctrl+-")}}, Action::ZoomOut);
+    addForDocument(menu, {"resetZoom", QT_TR_NOOP("&Actual Size"), nullptr, {keys("Ctrl+0")}},
+                   Action::ResetZoom);
     menu->addSeparator();
-    add(menu, {"nextTab", "&Next Tab", nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
+    add(menu, {"nextTab", QT_TR_NOOP("&Next Tab"), nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
         [this] { m_window.tabs()->showAdjacent(1); });
-    add(menu, {"previousTab", "&Previous Tab", nullptr, {keys("Ctrl+PgUp"), keys("Ctrl+Shift+Tab")}},
+    add(menu,
+        {"previousTab", QT_TR_NOOP("&Previous Tab"), nullptr, {keys("Ctrl+PgUp"), keys("Ctrl+Shift+Tab")}},
         [this] { m_window.tabs()->showAdjacent(-1); });
 }
 
 void MainWindowActions::makeHelpMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Help"));
-    add(menu, {"about", "&About Vantor", nullptr, {}}, [this] { m_window.showAbout(); });
+    add(menu, {"about", QT_TR_NOOP("&About Vantor"), nullptr, {}}, [this] { m_window.showAbout(); });
 }
 
 void MainWindowActions::makeToolBar()

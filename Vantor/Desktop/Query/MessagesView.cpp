@@ -32,16 +32,17 @@ QString textOf(const DatabaseMessage &message)
 {
     const QString text = message.msgtext.trimmed();
     if (message.isValueWarning())
-        return KNFormat("Client warning %d: %@", message.msgno, text);
+        return KNFormat(MessagesView::tr("Client warning %d: %@"), message.msgno, text);
     if (message.type == DatabaseMessage::ClientError)
-        return KNFormat("Client error %d: %@", message.msgno, text);
+        return KNFormat(MessagesView::tr("Client error %d: %@"), message.msgno, text);
     if (message.severity == 0)
         return text; // what PRINT says
-    QString head = KNFormat("Msg %d, Level %d, State %d", message.msgno, message.severity, message.msgstate);
+    QString head = KNFormat(MessagesView::tr("Msg %d, Level %d, State %d"), message.msgno, message.severity,
+                            message.msgstate);
     if (!message.procname.isEmpty())
-        head += KNFormat(", Procedure %@, Line %lu", message.procname, message.line);
+        head += KNFormat(MessagesView::tr(", Procedure %@, Line %lu"), message.procname, message.line);
     else
-        head += KNFormat(", Line %lu", message.calculatedLineNumber);
+        head += KNFormat(MessagesView::tr(", Line %lu"), message.calculatedLineNumber);
     return head + u'\n' + text;
 }
 

@@ -1,5 +1,6 @@
 #include "Desktop/Query/TextFile.h"
 
+#include "Foundation/KNFormat.h"
 #include "Foundation/KNReplaceFile.h"
 
 #include <QDir>
@@ -11,11 +12,11 @@ namespace {
 
 using Encoding = TextFile::Encoding;
 
-KNError fileError(const QString &verb, const QString &path, const QString &reason)
+/// `text` has placeholders for the file and the reason.
+KNError fileError(const QString &text, const QString &path, const QString &reason)
 {
-    return KNError(
-        QStringLiteral("com.quorvex.vantor.file"), 0,
-        QStringLiteral("%1 could not be %2. %3").arg(QDir::toNativeSeparators(path), verb, reason));
+    return KNError(QStringLiteral("com.quorvex.vantor.file"), 0,
+                   KNFormat(text, QDir::toNativeSeparators(path), reason));
 }
 
 QByteArray markOf(Encoding encoding)
@@ -82,21 +83,21 @@ bool TextFile::read(const QString &path, QString *text, KNError *error)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) {
-        *error = fileError(QStringLiteral("opened"), path, QStringLiteral("It is no file."));
+        *error = fileError(tr("%@ could not be opened. %@"), path, tr("It is not a file."));
         return false;
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        *error = fileError(QStringLiteral("opened"), path, file.errorString());
+        *error = fileError(tr("%@ could not be opened. %@"), path, file.errorString());
         return false;
     }
     if (file.size() > LargestSize) {
-        *error = fileError(QStringLiteral("opened"), path, QStringLiteral("It is too large for the editor."));
+        *error = fileError(tr("%@ could not be opened. %@"), path, tr("It is too large for the editor."));
         return false;
     }
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) {
-        *error = fileError(QStringLiteral("read"), path, file.errorString());
+        *error = fileError(tr("%@ could not be read. %@"), path, file.errorString());
         return false;
     }
     Encoding encoding = Encoding::UTF8;
@@ -131,7 +132,7 @@ bool TextFile::write(const QString &text, KNError *error)
     const QByteArray bytes = encoded(text);
     QString why;
     if (isDevice(m_path) ? !writeToDevice(m_path, bytes, &why) : !KNReplaceFile(m_path, bytes, &why)) {
-        *error = fileError(QStringLiteral("saved"), m_path, why);
+        *error = fileError(tr("%@ could not be saved. %@"), m_path, why);
         return false;
     }
     rememberState();

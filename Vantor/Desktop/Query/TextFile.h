@@ -3,6 +3,7 @@
 #include "Foundation/KNError.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
 
@@ -10,6 +11,8 @@
 /// what they were. The text is taken as it is, with its line ends.
 class TextFile
 {
+    Q_DECLARE_TR_FUNCTIONS(TextFile)
+
 public:
     enum class Encoding { UTF8, UTF8WithMark, UTF16LittleEndian, UTF16BigEndian, Latin1 };
 

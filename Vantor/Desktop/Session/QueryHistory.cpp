@@ -142,7 +142,7 @@ void QueryHistory::removeAll(std::function<void(const KNError &error)> removed) 
         KNError error;
         if (file.exists() && !file.remove())
             error = KNError(QStringLiteral("com.quorvex.vantor.history"), 0,
-                            QStringLiteral("The history could not be deleted. %1").arg(file.errorString()));
+                            tr("The history could not be deleted. %1").arg(file.errorString()));
         KNDispatch::mainQueue([error, removed] { removed(error); });
     });
 }

@@ -3,6 +3,7 @@
 #include "Desktop/Session/QueryHistoryEntry.h"
 #include "Foundation/KNError.h"
 
+#include <QCoreApplication>
 #include <QList>
 
 #include <functional>
@@ -13,6 +14,8 @@
 /// thread.
 class QueryHistory
 {
+    Q_DECLARE_TR_FUNCTIONS(QueryHistory)
+
 public:
     static constexpr qsizetype MostEntries = 2000;
     static constexpr qint64 MostBytes = qint64(8) * 1024 * 1024;

@@ -10,13 +10,13 @@ namespace {
 QString detailOf(const SQLRecentConnection &connection)
 {
     const VantorDBCPtr details = connection.createDatabaseConnectionDetails();
-    QString text = connection.alias.isEmpty()
-                       ? connection.username
-                       : KNFormat("%@ at %@", connection.username, connection.serverHost);
+    QString text = connection.alias.isEmpty() ? connection.username
+                                              : KNFormat(RecentConnectionsModel::tr("%@ at %@"),
+                                                         connection.username, connection.serverHost);
     if (!details->database().isEmpty())
-        text += KNFormat(", database %@", details->database());
+        text = KNFormat(RecentConnectionsModel::tr("%@, database %@"), text, details->database());
     if (connection.sshTunnelDetails.isUsed())
-        text += KNFormat(", through %@", connection.sshTunnelDetails.host);
+        text = KNFormat(RecentConnectionsModel::tr("%@, through %@"), text, connection.sshTunnelDetails.host);
     return text;
 }
 

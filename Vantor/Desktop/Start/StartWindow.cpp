@@ -26,8 +26,8 @@ StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *par
     , m_view(new QListView)
     , m_hint(new QLabel)
     , m_state(new QLabel)
-    , m_tryAgain(new QPushButton(QStringLiteral("Try &Again")))
-    , m_connect(new QPushButton(QStringLiteral("&Connect")))
+    , m_tryAgain(new QPushButton(tr("Try &Again")))
+    , m_connect(new QPushButton(tr("&Connect")))
     , m_listChanged(KNNotificationCenter::defaultCenter()->addObserver(
           SQLRecentConnectionList::ChangedNotificationName,
           [this](const QString &, const QVariantMap &) { showList(); }))
@@ -168,7 +168,7 @@ void StartWindow::connectToSelected()
         return;
     }
     auto *const sheet = new KNPasswordWindowController(
-        KNFormat("%@ at %@", connection->username, connection->serverHost), this);
+        KNFormat(tr("%@ at %@"), connection->username, connection->serverHost), this);
     sheet->beginSheet([this, sheet, connection](int code) {
         if (code != 1)
             return;
@@ -191,7 +191,7 @@ void StartWindow::duplicateSelected()
         return;
     const SQLRecentConnectionPtr duplicate = connection->copy();
     duplicate->connectionId = SQLRecentConnection::createConnectionId();
-    duplicate->alias = KNFormat("%@ copy", connection->hostDisplay());
+    duplicate->alias = KNFormat(tr("%@ copy"), connection->hostDisplay());
     KNDBCTabColorHelper::setColorFromAliasTemporary(duplicate->alias, duplicate->connectionId);
     m_connector.recentConnections().update(duplicate);
     select(duplicate->connectionId);
