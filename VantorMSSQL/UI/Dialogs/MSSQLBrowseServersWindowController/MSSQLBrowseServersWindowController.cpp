@@ -15,8 +15,9 @@ namespace {
 
 QStringList columns()
 {
-    return {QStringLiteral("Host"), QStringLiteral("Instance"), QStringLiteral("Version"),
-            QStringLiteral("Port")};
+    return {
+        MSSQLBrowseServersWindowController::tr("Host"), MSSQLBrowseServersWindowController::tr("Instance"),
+        MSSQLBrowseServersWindowController::tr("Version"), MSSQLBrowseServersWindowController::tr("Port")};
 }
 
 } // namespace
@@ -24,12 +25,12 @@ QStringList columns()
 MSSQLBrowseServersWindowController::MSSQLBrowseServersWindowController(QWidget *parent)
     : KNWindowController(parent)
     , m_table(new QTableWidget(0, static_cast<int>(columns().size())))
-    , m_searching(new QLabel(QStringLiteral("Searching the local network…")))
-    , m_progress(new KNProgressMark(QStringLiteral("Searching")))
+    , m_searching(new QLabel(tr("Searching the local network…")))
+    , m_progress(new KNProgressMark(tr("Searching")))
 {
-    setWindowTitle(QStringLiteral("SQL Servers on the Local Network"));
+    setWindowTitle(tr("SQL Servers on the Local Network"));
     m_table->setHorizontalHeaderLabels(columns());
-    m_table->setAccessibleName(QStringLiteral("Servers"));
+    m_table->setAccessibleName(tr("Servers"));
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -45,7 +46,7 @@ MSSQLBrowseServersWindowController::MSSQLBrowseServersWindowController(QWidget *
     m_table->setColumnWidth(2, fontMetrics().averageCharWidth() * 16);
     m_table->setColumnWidth(3, fontMetrics().averageCharWidth() * 9);
 
-    QDialogButtonBox *const buttons = makeButtons(QStringLiteral("Choose"));
+    QDialogButtonBox *const buttons = makeButtons(tr("Choose"));
     for (QAbstractButton *const button : buttons->buttons()) {
         if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
             m_accept = qobject_cast<QPushButton *>(button);

@@ -23,9 +23,9 @@ QWidget *row(std::initializer_list<QWidget *> widgets)
     return line;
 }
 
-QPushButton *plainButton(const char *title)
+QPushButton *plainButton(const QString &title)
 {
-    auto *const button = new QPushButton(QString::fromUtf8(title));
+    auto *const button = new QPushButton(title);
     button->setAutoDefault(false);
     return button;
 }
@@ -36,30 +36,30 @@ MSSQLConnectionForm::MSSQLConnectionForm(QWidget *parent)
     : QWidget(parent)
     , alias(new QLineEdit)
     , server(new KNLazyComboBox)
-    , browse(plainButton("&Browse…"))
+    , browse(plainButton(tr("&Browse…")))
     , authentication(new QComboBox)
     , account(new QLineEdit)
     , password(new QLineEdit)
-    , remembersPassword(new QCheckBox(QStringLiteral("&Remember password")))
+    , remembersPassword(new QCheckBox(tr("&Remember password")))
     , database(new KNLazyComboBox)
-    , databaseProgress(new KNProgressMark(QStringLiteral("Listing databases")))
-    , sshTunnel(plainButton("SSH &Tunnel…"))
-    , sessionOptions(plainButton("&Options…"))
+    , databaseProgress(new KNProgressMark(tr("Listing databases")))
+    , sshTunnel(plainButton(tr("SSH &Tunnel…")))
+    , sessionOptions(plainButton(tr("&Options…")))
     , state(new QLabel)
 {
-    alias->setPlaceholderText(QStringLiteral("A name of your own (optional)"));
-    alias->setAccessibleName(QStringLiteral("Name"));
+    alias->setPlaceholderText(tr("A name of your own (optional)"));
+    alias->setAccessibleName(tr("Name"));
     server->setMinimumContentsLength(34);
-    server->lineEdit()->setPlaceholderText(QStringLiteral("server, server,port or server\\instance"));
-    server->setAccessibleName(QStringLiteral("Server"));
-    authentication->addItem(QStringLiteral("SQL Server login"));
-    authentication->addItem(QStringLiteral("Windows account (NTLM)"));
-    authentication->setAccessibleName(QStringLiteral("Authentication"));
-    account->setAccessibleName(QStringLiteral("User name"));
+    server->lineEdit()->setPlaceholderText(tr("server, server,port or server\\instance"));
+    server->setAccessibleName(tr("Server"));
+    authentication->addItem(tr("SQL Server login"));
+    authentication->addItem(tr("Windows account (NTLM)"));
+    authentication->setAccessibleName(tr("Authentication"));
+    account->setAccessibleName(tr("User name"));
     password->setEchoMode(QLineEdit::Password);
-    password->setAccessibleName(QStringLiteral("Password"));
-    database->setAccessibleName(QStringLiteral("Database"));
-    database->lineEdit()->setPlaceholderText(QStringLiteral("The login's default"));
+    password->setAccessibleName(tr("Password"));
+    database->setAccessibleName(tr("Database"));
+    database->lineEdit()->setPlaceholderText(tr("The login's default"));
     state->setWordWrap(true);
     state->setTextFormat(Qt::PlainText);
     layOut();
@@ -73,13 +73,13 @@ void MSSQLConnectionForm::layOut()
     auto *const form = new QFormLayout(this);
     form->setContentsMargins(0, 0, 0, 0);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    form->addRow(QStringLiteral("&Name:"), alias);
-    form->addRow(QStringLiteral("S&erver:"), row({server, browse}));
-    form->addRow(QStringLiteral("&Authentication:"), authentication);
-    form->addRow(QStringLiteral("&User name:"), account);
-    form->addRow(QStringLiteral("&Password:"), password);
+    form->addRow(tr("&Name:"), alias);
+    form->addRow(tr("S&erver:"), row({server, browse}));
+    form->addRow(tr("&Authentication:"), authentication);
+    form->addRow(tr("&User name:"), account);
+    form->addRow(tr("&Password:"), password);
     form->addRow(QString(), remembersPassword);
-    form->addRow(QStringLiteral("&Database:"), row({database, databaseProgress}));
+    form->addRow(tr("&Database:"), row({database, databaseProgress}));
     auto *const options = new QWidget;
     auto *const layout = new QHBoxLayout(options);
     layout->setContentsMargins(0, 0, 0, 0);

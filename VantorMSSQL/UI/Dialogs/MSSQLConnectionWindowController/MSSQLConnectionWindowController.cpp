@@ -48,14 +48,14 @@ QStringList databasesSeenBy(const std::shared_ptr<MSSQLDatabaseConnectionDetails
 MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent)
     : ConnectionWindowController(parent)
     , m_form(new MSSQLConnectionForm)
-    , m_progress(new KNProgressMark(QStringLiteral("Connecting")))
+    , m_progress(new KNProgressMark(tr("Connecting")))
     , m_listChanged(KNNotificationCenter::defaultCenter()->addObserver(
           SQLRecentConnectionList::ChangedNotificationName, [this](const QString &, const QVariantMap &) {
               fillServers();
               showState();
           }))
 {
-    setWindowTitle(QStringLiteral("Connect to SQL Server"));
+    setWindowTitle(tr("Connect to SQL Server"));
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_form);
     layout->addStretch();
@@ -85,8 +85,8 @@ void MSSQLConnectionWindowController::makeButtons()
 {
     auto *const buttons = new QDialogButtonBox;
     buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
-    m_save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::AcceptRole);
-    m_connect = buttons->addButton(QStringLiteral("Save and &Connect"), QDialogButtonBox::AcceptRole);
+    m_save = buttons->addButton(tr("&Save"), QDialogButtonBox::AcceptRole);
+    m_connect = buttons->addButton(tr("Save and &Connect"), QDialogButtonBox::AcceptRole);
     m_connect->setAutoDefault(false);
     m_save->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
@@ -142,12 +142,12 @@ void MSSQLConnectionWindowController::showState()
     const SQLRecentConnectionList &list = MSSQLRecentConnection::list();
     QStringList lines;
     if (sshTunnelModel().isUsed())
-        lines.append(KNFormat("Through the SSH server %@.", sshTunnelModel().host));
+        lines.append(KNFormat(tr("Through the SSH server %@."), sshTunnelModel().host));
     if (list.isLoading())
-        lines.append(QStringLiteral("Remembered connections are being read…"));
+        lines.append(tr("Remembered connections are being read…"));
     else if (list.problem())
         lines.append(list.problem().localizedDescription());
-    lines.append(KNFormat("Connections are kept in %@.", list.storeName()));
+    lines.append(KNFormat(tr("Connections are kept in %@."), list.storeName()));
     m_form->state->setText(lines.join(QLatin1Char('\n')));
 }
 
@@ -168,8 +168,8 @@ MSSQLConnectionWindowController::connectionDetailsForCurrentState() const
 void MSSQLConnectionWindowController::onSave()
 {
     if (m_form->account->text().isEmpty()) {
-        KNAlerts::shared().showError(
-            this, KNError(QStringLiteral("MSSQL"), 0, QStringLiteral("A username is required.")));
+        KNAlerts::shared().showError(this,
+                                     KNError(QStringLiteral("MSSQL"), 0, tr("A username is required.")));
         m_form->account->setFocus();
         return;
     }

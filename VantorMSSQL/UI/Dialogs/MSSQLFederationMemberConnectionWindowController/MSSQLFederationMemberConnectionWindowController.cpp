@@ -29,23 +29,23 @@ MSSQLFederationMemberConnectionWindowController::MSSQLFederationMemberConnection
     , m_distributionName(new QLineEdit(details.distributionName()))
     , m_distributionValue(new QLineEdit(details.distributionValue()))
 {
-    setWindowTitle(QStringLiteral("Connect to Federation Member"));
+    setWindowTitle(tr("Connect to Federation Member"));
     auto *const buttons = new QDialogButtonBox;
     buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
-    m_accept = buttons->addButton(QStringLiteral("Connect"), QDialogButtonBox::AcceptRole);
+    m_accept = buttons->addButton(tr("Connect"), QDialogButtonBox::AcceptRole);
     m_accept->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
     connect(buttons, &QDialogButtonBox::accepted, this,
             &MSSQLFederationMemberConnectionWindowController::onAccept);
     auto *const form = new QFormLayout;
-    form->addRow(QStringLiteral("&Federation:"), m_federationName);
-    form->addRow(QStringLiteral("Distribution &name:"), m_distributionName);
+    form->addRow(tr("&Federation:"), m_federationName);
+    form->addRow(tr("Distribution &name:"), m_distributionName);
     if (!distributionType.isEmpty()) {
         auto *const type = new QLabel(distributionType);
         type->setTextFormat(Qt::PlainText);
-        form->addRow(QStringLiteral("Distribution type:"), type);
+        form->addRow(tr("Distribution type:"), type);
     }
-    form->addRow(QStringLiteral("Distribution &value:"), m_distributionValue);
+    form->addRow(tr("Distribution &value:"), m_distributionValue);
     auto *const layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(buttons);
