@@ -25,14 +25,16 @@ QList<KNQueryDetails> batchesOf(const QString &script, const VantorDBC &details)
     return splitter->doSplitQuery(script);
 }
 
-/// The line in the script of the first message of a failure that is not inside of a procedure; 0 if there is none.
+/// The line in the script of the first message of a failure that is not inside of a procedure; 0 if there is
+/// none.
 quint64 failedLineIn(const KNResultSetHolder &results)
 {
     const auto resultSets = results.resultSets();
     for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
         const auto messages = resultSet->serverMessages();
         for (const DatabaseMessage &message : messages) {
-            if (message.isFailure() && message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty())
+            if (message.isFailure() && message.type == DatabaseMessage::ServerMessage &&
+                message.procname.isEmpty())
                 return message.calculatedLineNumber;
         }
     }
@@ -248,7 +250,8 @@ KNError KNStatementRun::Work::mapped(const KNStatementOutcome &outcome) const
                    error.localizedDescription(), userInfo);
 }
 
-KNStatementRun::KNStatementRun(std::shared_ptr<Work> work, QObject *owner, Finished finished, Progress progress)
+KNStatementRun::KNStatementRun(std::shared_ptr<Work> work, QObject *owner, Finished finished,
+                               Progress progress)
     : m_work(std::move(work))
     , m_owner(owner)
     , m_finished(std::move(finished))
@@ -260,8 +263,8 @@ KNStatementRun::KNStatementRun(std::shared_ptr<Work> work, QObject *owner, Finis
     m_work->progressed = m_progress.trigger();
 }
 
-KNStatementRun::Ptr KNStatementRun::start(KNStatementRequest request, const VantorDBC &details, QObject *owner,
-                                          Finished finished, Progress progress)
+KNStatementRun::Ptr KNStatementRun::start(KNStatementRequest request, const VantorDBC &details,
+                                          QObject *owner, Finished finished, Progress progress)
 {
     const auto work = std::make_shared<Work>(std::move(request));
     auto run = std::make_shared<KNStatementRun>(work, owner, std::move(finished), std::move(progress));

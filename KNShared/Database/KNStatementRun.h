@@ -26,10 +26,10 @@ struct KNSHARED_EXPORT KNStatementOutcome
 {
     /// What the statements that ran have left on the server.
     enum class Changes {
-        All,        ///< the script has run to its end
-        None,       ///< nothing was run, or everything was rolled back
-        Some,       ///< what ran before the failure or the cancel may remain
-        Unknown,    ///< the connection was lost during the commit, or the rollback failed
+        All,     ///< the script has run to its end
+        None,    ///< nothing was run, or everything was rolled back
+        Some,    ///< what ran before the failure or the cancel may remain
+        Unknown, ///< the connection was lost during the commit, or the rollback failed
     };
 
     /// Why the script has failed. The user info holds the failing batch under "Query".
@@ -54,10 +54,10 @@ public:
     using Progress = std::function<void(int done, int total)>;
     using Finished = std::function<void(const KNStatementOutcome &outcome)>;
 
-    /// Runs the script with a client of the shared connection pool. Takes a copy of the settings. `finished` is
-    /// called once on the main thread and `progress`, which may be empty, a few times a second at most; neither
-    /// is called once `owner` is destroyed, though the script then runs to its end. The result may be discarded.
-    /// On the main thread.
+    /// Runs the script with a client of the shared connection pool. Takes a copy of the settings. `finished`
+    /// is called once on the main thread and `progress`, which may be empty, a few times a second at most;
+    /// neither is called once `owner` is destroyed, though the script then runs to its end. The result may be
+    /// discarded. On the main thread.
     static Ptr start(KNStatementRequest request, const VantorDBC &details, QObject *owner, Finished finished,
                      Progress progress = {});
     /// Runs the script with this client and blocks until it has ended. Not on the main thread.

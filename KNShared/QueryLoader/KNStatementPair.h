@@ -8,9 +8,9 @@
 
 class KNQueryLoader;
 
-/// A statement that is kept in an exact form although a server refuses it or it reaches another object than the
-/// one shown, and its corrected counterpart. The generator knows which of them the user prefers; where that is
-/// the exact one and they differ, the user is asked first.
+/// A statement that is kept in an exact form although a server refuses it or it reaches another object than
+/// the one shown, and its corrected counterpart. The generator knows which of them the user prefers; where
+/// that is the exact one and they differ, the user is asked first.
 struct KNSHARED_EXPORT KNStatementPair
 {
     QString exact;

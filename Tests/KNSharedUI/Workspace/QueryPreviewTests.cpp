@@ -107,7 +107,8 @@ TEST_F(QueryPreviews, ShowTheStatementsAndRunThemOnAccept)
     ASSERT_NE(dialog(), nullptr);
     EXPECT_TRUE(dialog()->isVisible());
     EXPECT_EQ(dialog()->statements(), QStringLiteral("DROP TABLE sales.Orders"));
-    EXPECT_TRUE(visibleTexts().contains(QStringLiteral("Once a table has been removed, it cannot be recovered.")));
+    EXPECT_TRUE(
+        visibleTexts().contains(QStringLiteral("Once a table has been removed, it cannot be recovered.")));
     EXPECT_TRUE(dialog()->findChild<KNSQLEditor *>()->isReadOnly());
     EXPECT_FALSE(caution()->isVisible());
     EXPECT_EQ(sent(), QStringList()) << "before the user has accepted";
@@ -145,7 +146,8 @@ TEST_F(QueryPreviews, StayOpenAfterAFailureAndMarkTheStatement)
     ASSERT_TRUE(waitFor([&] { return !errors.empty(); }));
     EXPECT_EQ(errors.front().domain(), QStringLiteral("MSSQL::dropTable"));
     EXPECT_EQ(errors.front().code(), 3701);
-    EXPECT_EQ(errors.front().userInfo().value(QStringLiteral("Query")).toString(), QStringLiteral("DROP TABLE FAIL"));
+    EXPECT_EQ(errors.front().userInfo().value(QStringLiteral("Query")).toString(),
+              QStringLiteral("DROP TABLE FAIL"));
     EXPECT_TRUE(dialog()->isVisible());
     EXPECT_TRUE(visibleTexts().contains(
         QStringLiteral("It does not exist.\nStatements before this one may have changed something.")))
@@ -194,7 +196,8 @@ TEST_F(QueryPreviews, CancelTheRunningStatementsAndStayOpen)
     EXPECT_TRUE(dialog()->isVisible());
     isReleased = true;
     ASSERT_TRUE(waitFor([&] { return !preview->isRunning(); }));
-    EXPECT_TRUE(visibleTexts().contains(QStringLiteral("The statements were cancelled.\nNothing was changed.")));
+    EXPECT_TRUE(
+        visibleTexts().contains(QStringLiteral("The statements were cancelled.\nNothing was changed.")));
     EXPECT_TRUE(errors.empty());
     EXPECT_TRUE(ended.isEmpty());
 }
@@ -273,7 +276,8 @@ TEST(StatementChoice, AsksBeforeAnExactStatementIsUsed)
     RecordingAlerts &alerts = RecordingAlerts::install();
     QStringList used;
     const auto choose = [&](bool prefersCorrected) {
-        KNChooseStatement(nullptr, DropOrders, prefersCorrected, [&](const QString &text) { used.append(text); });
+        KNChooseStatement(nullptr, DropOrders, prefersCorrected,
+                          [&](const QString &text) { used.append(text); });
     };
     choose(true);
     EXPECT_EQ(used, QStringList{DropOrders.corrected});

@@ -99,8 +99,8 @@ TEST_F(StatementRuns, RollATransactionBackOnFailureAndRunNothingMore)
     const KNStatementOutcome outcome = finished({FailingScript, true, {}});
     EXPECT_FALSE(outcome.succeeded());
     EXPECT_EQ(outcome.changes, Changes::None);
-    EXPECT_EQ(sent(), (QStringList{QStringLiteral("BEGIN"), QStringLiteral("DROP TABLE a"), QStringLiteral("FAIL"),
-                                   QStringLiteral("ROLLBACK")}));
+    EXPECT_EQ(sent(), (QStringList{QStringLiteral("BEGIN"), QStringLiteral("DROP TABLE a"),
+                                   QStringLiteral("FAIL"), QStringLiteral("ROLLBACK")}));
 }
 
 TEST_F(StatementRuns, ReportTheFailingBatchInTheWantedDomain)
@@ -126,9 +126,10 @@ TEST_F(StatementRuns, ReportAFailedRollbackBesideTheFailure)
     const KNStatementOutcome outcome = finished({FailingScript, true, {}});
     EXPECT_EQ(outcome.error.localizedDescription(), QStringLiteral("It conflicts."));
     EXPECT_EQ(outcome.rollbackError.localizedDescription(), QStringLiteral("ROLLBACK was refused."));
-    EXPECT_EQ(outcome.error.recoverySuggestion(),
-              QStringLiteral("The changes could not be rolled back: ROLLBACK was refused. Check which of them "
-                             "remain."));
+    EXPECT_EQ(
+        outcome.error.recoverySuggestion(),
+        QStringLiteral("The changes could not be rolled back: ROLLBACK was refused. Check which of them "
+                       "remain."));
     EXPECT_EQ(outcome.changes, Changes::Unknown);
 }
 
@@ -218,7 +219,9 @@ TEST_F(StatementRuns, ReportTheirProgressOnTheMainThread)
     };
     KNStatementRun::start(
         {TwoBatches, false, {}}, details, &owner, [&](const KNStatementOutcome &) { isFinished = true; },
-        [&](int done, int total) { reports.append({done, total}); });
+        [&](int done, int total) {
+            reports.append({done, total});
+        });
     EXPECT_TRUE(waitFor([&] { return !reports.isEmpty(); }));
     EXPECT_EQ(reports.value(0), (QPair<int, int>{1, 2}));
     released.release();
