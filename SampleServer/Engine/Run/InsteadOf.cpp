@@ -1,6 +1,6 @@
 #include "Engine/Run/InsteadOf.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/AstQueries.h"
 #include "Engine/Run/TriggerRunner.h"
 
 namespace SampleServer {

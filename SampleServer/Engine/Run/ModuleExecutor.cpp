@@ -1,6 +1,7 @@
 #include "Engine/Run/ModuleExecutor.h"
 #include "Engine/Errors.h"
 #include "Engine/Functions/Conversion.h"
+#include "Engine/Parse/Lexer.h"
 #include "Engine/Parse/NameText.h"
 #include "Engine/Parse/Parser.h"
 #include "Engine/ScopedValue.h"

@@ -1,5 +1,8 @@
+#include "Engine/Parse/ExpressionParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/DefinitionText.h"
+#include "Engine/Parse/Parsers.h"
+#include "Engine/ScopedValue.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
@@ -24,14 +27,97 @@ bool Ast::isCondition(const Expression &expression)
         expression.node);
 }
 
-ExpressionPtr Parser::requireValue(ExpressionPtr expression) const
+ExpressionPtr ExpressionParser::parseExpression()
+{
+    return requireValue(parseAdditive());
+}
+
+ExpressionPtr ExpressionParser::parseCondition()
+{
+    return requireCondition(parseOr());
+}
+
+/// Reads an expression that outlives the batch; `parse` says of which kind.
+DefinedExpression ExpressionParser::keepExpression(ExpressionPtr (ExpressionParser::*parse)())
+{
+    const std::size_t start = m_context.at;
+    const ScopedValue<bool> scalar(m_context.allowsSubqueries, false);
+    DefinedExpression kept;
+    kept.expression = (this->*parse)();
+    kept.text = definitionText({m_context.tokens.data() + start, m_context.at - start});
+    return kept;
+}
+
+/// A compound assignment such as += with its operand: the new value. Null when there is none here.
+ExpressionPtr ExpressionParser::parseCompound(ExpressionPtr target)
+{
+    static constexpr std::pair<std::string_view, ArithmeticOperator> arithmetic[] = {
+        {"+=", ArithmeticOperator::Add},
+        {"-=", ArithmeticOperator::Subtract},
+        {"*=", ArithmeticOperator::Multiply},
+        {"/=", ArithmeticOperator::Divide},
+        {"%=", ArithmeticOperator::Modulo}};
+    static constexpr std::pair<std::string_view, BitOperator> bits[] = {
+        {"&=", BitOperator::And}, {"|=", BitOperator::Or}, {"^=", BitOperator::Xor}};
+    if (m_context.edition < Edition::Sql2008)
+        return nullptr;
+    for (const auto &[symbol, op] : arithmetic)
+        if (acceptSymbol(symbol))
+            return make(Arithmetic{op, std::move(target), parseExpression()});
+    for (const auto &[symbol, op] : bits)
+        if (acceptSymbol(symbol))
+            return make(Bitwise{op, std::move(target), parseExpression()});
+    return nullptr;
+}
+
+ExpressionPtr ExpressionParser::parsePrimary()
+{
+    ExpressionPtr result;
+    const Token &token = current();
+    if (isSymbol("(")) {
+        if (ahead(1).keyword == "SELECT") {
+            result = make(ScalarQuery{parseParenthesizedSelect()});
+        } else {
+            advance();
+            result = parseOr();
+            expectSymbol(")");
+        }
+    } else if (token.kind == TokenKind::Variable) {
+        result = make(VariableReference{expectVariable()});
+    } else if (token.kind == TokenKind::GlobalVariable) {
+        advance();
+        result = make(GlobalVariableReference{token.value});
+    } else if (token.kind == TokenKind::Word || token.kind == TokenKind::QuotedIdentifier) {
+        result = parseWordExpression();
+    } else {
+        result = m_parsers.literals.parseLiteral();
+    }
+    while (isSymbol(".") && ahead(1).keyword == "VALUE" && ahead(2).source == "(") {
+        advance(2);
+        result = m_parsers.functions.parseXmlMethod(std::move(result));
+    }
+    for (const char *method : {"exist", "modify", "nodes", "query"})
+        if (isSymbol(".") && equalsIgnoringAsciiCase(ahead(1).value, method) && ahead(2).source == "(")
+            refuse(std::string("the XML method ") + method);
+    while (isKeyword("COLLATE")) {
+        advance();
+        const std::string collation = expectName(), upper = asciiUpper(collation);
+        if (upper != "DATABASE_DEFAULT" && upper.find("_CI_AS") == std::string::npos)
+            refuse("the collation " + collation);
+    }
+    if (isKeyword("AT") && ahead(1).keyword == "TIME" && ahead(2).keyword == "ZONE")
+        refuse("AT TIME ZONE");
+    return result;
+}
+
+ExpressionPtr ExpressionParser::requireValue(ExpressionPtr expression) const
 {
     if (isCondition(*expression))
         failHere();
     return expression;
 }
 
-ExpressionPtr Parser::requireCondition(ExpressionPtr expression) const
+ExpressionPtr ExpressionParser::requireCondition(ExpressionPtr expression) const
 {
     if (isCondition(*expression))
         return expression;
@@ -40,23 +126,29 @@ ExpressionPtr Parser::requireCondition(ExpressionPtr expression) const
     fail(Errors::nonBooleanCondition(current().source), current().line);
 }
 
-ExpressionPtr Parser::parseExpression()
+SelectPtr ExpressionParser::parseParenthesizedSelect()
 {
-    return requireValue(parseAdditive());
+    const NestingGuard guard(*this);
+    expectSymbol("(");
+    if (!m_context.allowsSubqueries)
+        fail(EngineError(1046, 15, 1,
+                         "Subqueries are not allowed in this context. Only scalar expressions are allowed.",
+                         ErrorEffect::EndsBatch),
+             current().line);
+    auto select = isSymbol("(") && !atSubquery() ? nullptr : m_parsers.queries.parseSelect();
+    if (!select)
+        failHere();
+    expectSymbol(")");
+    return select;
 }
 
-ExpressionPtr Parser::parseCondition()
-{
-    return requireCondition(parseOr());
-}
-
-ExpressionPtr Parser::parseOr()
+ExpressionPtr ExpressionParser::parseOr()
 {
     const NestingGuard guard(*this);
     auto left = parseAnd();
     while (isKeyword("OR")) {
         left = requireCondition(std::move(left));
-        ++m_at;
+        advance();
         auto right = requireCondition(parseAnd());
         const auto *l = left.get(), *r = right.get();
         left = make(Logical{false, std::move(left), std::move(right)}, {l, r});
@@ -64,12 +156,12 @@ ExpressionPtr Parser::parseOr()
     return left;
 }
 
-ExpressionPtr Parser::parseAnd()
+ExpressionPtr ExpressionParser::parseAnd()
 {
     auto left = parseNot();
     while (isKeyword("AND")) {
         left = requireCondition(std::move(left));
-        ++m_at;
+        advance();
         auto right = requireCondition(parseNot());
         const auto *l = left.get(), *r = right.get();
         left = make(Logical{true, std::move(left), std::move(right)}, {l, r});
@@ -77,7 +169,7 @@ ExpressionPtr Parser::parseAnd()
     return left;
 }
 
-ExpressionPtr Parser::parseNot()
+ExpressionPtr ExpressionParser::parseNot()
 {
     const NestingGuard guard(*this);
     if (!acceptKeyword("NOT"))
@@ -87,10 +179,10 @@ ExpressionPtr Parser::parseNot()
     return make(Not{std::move(operand)}, {child});
 }
 
-ExpressionPtr Parser::parsePredicate()
+ExpressionPtr ExpressionParser::parsePredicate()
 {
     if (isKeyword("EXISTS")) {
-        ++m_at;
+        advance();
         return make(Exists{parseParenthesizedSelect()});
     }
     auto left = parseAdditive();
@@ -107,15 +199,15 @@ ExpressionPtr Parser::parsePredicate()
     const std::string &next = ahead(1).keyword;
     const bool negated = isKeyword("NOT") && (next == "BETWEEN" || next == "IN" || next == "LIKE");
     if (negated)
-        ++m_at;
+        advance();
     return parseNegatablePredicate(std::move(left), negated);
 }
 
-ExpressionPtr Parser::parseComparison(ExpressionPtr left, ComparisonOperator op)
+ExpressionPtr ExpressionParser::parseComparison(ExpressionPtr left, ComparisonOperator op)
 {
     if (isKeyword("ALL") || isKeyword("ANY") || isKeyword("SOME")) {
         const bool all = isKeyword("ALL");
-        ++m_at;
+        advance();
         const auto *child = left.get();
         return make(QuantifiedComparison{op, all, std::move(left), parseParenthesizedSelect()}, {child});
     }
@@ -124,7 +216,7 @@ ExpressionPtr Parser::parseComparison(ExpressionPtr left, ComparisonOperator op)
     return make(Comparison{op, std::move(left), std::move(right)}, {l, r});
 }
 
-ExpressionPtr Parser::parseNegatablePredicate(ExpressionPtr left, bool negated)
+ExpressionPtr ExpressionParser::parseNegatablePredicate(ExpressionPtr left, bool negated)
 {
     const auto *child = left.get();
     if (acceptKeyword("BETWEEN")) {
@@ -153,7 +245,7 @@ ExpressionPtr Parser::parseNegatablePredicate(ExpressionPtr left, bool negated)
     return make(std::move(in), {child});
 }
 
-std::optional<ComparisonOperator> Parser::acceptComparison()
+std::optional<ComparisonOperator> ExpressionParser::acceptComparison()
 {
     static constexpr std::pair<std::string_view, ComparisonOperator> operators[] = {
         {"=", ComparisonOperator::Equal},           {"<>", ComparisonOperator::NotEqual},
@@ -167,7 +259,7 @@ std::optional<ComparisonOperator> Parser::acceptComparison()
     return {};
 }
 
-ExpressionPtr Parser::parseAdditive()
+ExpressionPtr ExpressionParser::parseAdditive()
 {
     auto left = parseMultiplicative();
     while (current().kind == TokenKind::Symbol) {
@@ -175,7 +267,7 @@ ExpressionPtr Parser::parseAdditive()
         if (symbol != "+" && symbol != "-" && symbol != "&" && symbol != "|" && symbol != "^")
             break;
         left = requireValue(std::move(left));
-        ++m_at;
+        advance();
         auto right = requireValue(parseMultiplicative());
         const auto *l = left.get(), *r = right.get();
         if (symbol == "+" || symbol == "-") {
@@ -191,7 +283,7 @@ ExpressionPtr Parser::parseAdditive()
     return left;
 }
 
-ExpressionPtr Parser::parseMultiplicative()
+ExpressionPtr ExpressionParser::parseMultiplicative()
 {
     auto left = parseUnary();
     while (isSymbol("*") || isSymbol("/") || isSymbol("%")) {
@@ -199,7 +291,7 @@ ExpressionPtr Parser::parseMultiplicative()
         const auto op = isSymbol("*")   ? ArithmeticOperator::Multiply
                         : isSymbol("/") ? ArithmeticOperator::Divide
                                         : ArithmeticOperator::Modulo;
-        ++m_at;
+        advance();
         auto right = requireValue(parseUnary());
         const auto *l = left.get(), *r = right.get();
         left = make(Arithmetic{op, std::move(left), std::move(right)}, {l, r});
@@ -207,7 +299,7 @@ ExpressionPtr Parser::parseMultiplicative()
     return left;
 }
 
-ExpressionPtr Parser::parseUnary()
+ExpressionPtr ExpressionParser::parseUnary()
 {
     const NestingGuard guard(*this);
     const bool minus = isSymbol("-");
@@ -216,92 +308,29 @@ ExpressionPtr Parser::parseUnary()
     const auto op = minus           ? UnaryOperator::Minus
                     : isSymbol("+") ? UnaryOperator::Plus
                                     : UnaryOperator::BitNot;
-    ++m_at;
+    advance();
     auto operand = requireValue(parseUnary());
     const auto *child = operand.get();
     return make(Unary{op, std::move(operand)}, {child});
 }
 
-bool Parser::atSubquery() const
-{
-    std::size_t depth = 0;
-    while (ahead(depth).kind == TokenKind::Symbol && ahead(depth).value == "(")
-        ++depth;
-    return depth > 0 && ahead(depth).keyword == "SELECT";
-}
-
-SelectPtr Parser::parseParenthesizedSelect()
-{
-    const NestingGuard guard(*this);
-    expectSymbol("(");
-    if (!m_allowsSubqueries)
-        fail(EngineError(1046, 15, 1,
-                         "Subqueries are not allowed in this context. Only scalar expressions are allowed.",
-                         ErrorEffect::EndsBatch),
-             current().line);
-    auto select = isSymbol("(") && !atSubquery() ? nullptr : parseSelect();
-    if (!select)
-        failHere();
-    expectSymbol(")");
-    return select;
-}
-
-ExpressionPtr Parser::parsePrimary()
-{
-    ExpressionPtr result;
-    const Token &token = current();
-    if (isSymbol("(")) {
-        if (ahead(1).keyword == "SELECT") {
-            result = make(ScalarQuery{parseParenthesizedSelect()});
-        } else {
-            ++m_at;
-            result = parseOr();
-            expectSymbol(")");
-        }
-    } else if (token.kind == TokenKind::Variable) {
-        result = make(VariableReference{expectVariable()});
-    } else if (token.kind == TokenKind::GlobalVariable) {
-        ++m_at;
-        result = make(GlobalVariableReference{token.value});
-    } else if (token.kind == TokenKind::Word || token.kind == TokenKind::QuotedIdentifier) {
-        result = parseWordExpression();
-    } else {
-        result = parseLiteral();
-    }
-    while (isSymbol(".") && ahead(1).keyword == "VALUE" && ahead(2).source == "(") {
-        m_at += 2;
-        result = parseXmlMethod(std::move(result));
-    }
-    for (const char *method : {"exist", "modify", "nodes", "query"})
-        if (isSymbol(".") && equalsIgnoringAsciiCase(ahead(1).value, method) && ahead(2).source == "(")
-            refuse(std::string("the XML method ") + method);
-    while (isKeyword("COLLATE")) {
-        ++m_at;
-        const std::string collation = expectName(), upper = asciiUpper(collation);
-        if (upper != "DATABASE_DEFAULT" && upper.find("_CI_AS") == std::string::npos)
-            refuse("the collation " + collation);
-    }
-    if (isKeyword("AT") && ahead(1).keyword == "TIME" && ahead(2).keyword == "ZONE")
-        refuse("AT TIME ZONE");
-    return result;
-}
-
-ExpressionPtr Parser::parseWordExpression()
+ExpressionPtr ExpressionParser::parseWordExpression()
 {
     static constexpr std::string_view bareFunctions[] = {"CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER",
                                                          "SYSTEM_USER",       "USER",         "CURRENT_DATE"};
     const Token &token = current();
     if (token.kind == TokenKind::Word) {
         if (token.keyword == "NULL") {
-            ++m_at;
+            advance();
             return make(Literal{{TypeId::Int, 0, 0, 0}, Value()});
         }
         if (token.keyword == "CASE")
-            return parseCase();
+            return m_parsers.functions.parseCase();
         if (token.keyword == "UPDATE" && ahead(1).source == "(") { // UPDATE(column) in a trigger: a condition
-            ++m_at;
+            advance();
             auto one = make(Literal{{TypeId::Int, 0, 0, 0}, Value(std::int64_t{1})});
-            return make(Comparison{ComparisonOperator::Equal, parseFunction({{"UPDATE"}}), std::move(one)});
+            return make(Comparison{ComparisonOperator::Equal, m_parsers.functions.parseFunction({{"UPDATE"}}),
+                                   std::move(one)});
         }
         const bool called = ahead(1).kind == TokenKind::Symbol && ahead(1).value == "(";
         for (const char *word : {"CONTAINS", "FREETEXT"})
@@ -310,35 +339,35 @@ ExpressionPtr Parser::parseWordExpression()
         for (const char *word : {"IDENTITY", "PARSE", "TRY_PARSE"}) // their arguments are no expressions
             if (called && token.keyword == word)
                 refuse(std::string("the function ") + word);
-        if (called &&
-            (token.keyword == "CAST" || (token.keyword == "TRY_CAST" && m_edition >= Edition::Sql2022)))
-            return parseCast(token.keyword == "TRY_CAST");
-        if (called && token.keyword == "TRY_CONVERT" && m_edition < Edition::Sql2022) {
-            ++m_at;
-            return parseFunction({{token.value}}); // no function there, and says so
+        if (called && (token.keyword == "CAST" ||
+                       (token.keyword == "TRY_CAST" && m_context.edition >= Edition::Sql2022)))
+            return m_parsers.functions.parseCast(token.keyword == "TRY_CAST");
+        if (called && token.keyword == "TRY_CONVERT" && m_context.edition < Edition::Sql2022) {
+            advance();
+            return m_parsers.functions.parseFunction({{token.value}}); // no function there, and says so
         }
         if (called && (token.keyword == "CONVERT" || token.keyword == "TRY_CONVERT"))
-            return parseConvert(token.keyword == "TRY_CONVERT");
+            return m_parsers.functions.parseConvert(token.keyword == "TRY_CONVERT");
         if (std::find(std::begin(bareFunctions), std::end(bareFunctions), token.keyword) !=
             std::end(bareFunctions)) {
-            ++m_at;
+            advance();
             return make(FunctionCall{{{token.keyword}}, {}, false, false, {}, {}});
         }
         static constexpr std::string_view functionWords[] = {"COALESCE", "LEFT", "NULLIF", "RIGHT"};
         if (called && std::find(std::begin(functionWords), std::end(functionWords), token.keyword) !=
                           std::end(functionWords)) {
-            ++m_at;
-            return parseFunction({{token.keyword}});
+            advance();
+            return m_parsers.functions.parseFunction({{token.keyword}});
         }
     }
     ObjectName name = parseObjectName();
     if (isSymbol("(") && name.parts.size() > 1 && equalsIgnoringAsciiCase(name.object(), "value")) {
         name.parts.pop_back();
-        return parseXmlMethod(make(ColumnReference{std::move(name)}));
+        return m_parsers.functions.parseXmlMethod(make(ColumnReference{std::move(name)}));
     }
     if (isSymbol("("))
-        return parseFunction(std::move(name));
-    if (!m_allowsColumns)
+        return m_parsers.functions.parseFunction(std::move(name));
+    if (!m_context.allowsColumns)
         fail(EngineError(128, 15, 1,
                          "The name \"" + name.toString() +
                              "\" is not permitted in this context. Valid expressions are constants, constant "

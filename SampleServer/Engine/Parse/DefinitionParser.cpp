@@ -1,39 +1,39 @@
+#include "Engine/Parse/DefinitionParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 #include "Types/Collation.h"
 
-// Everything else that CREATE, ALTER and DROP start.
 namespace SampleServer {
 
 using namespace Ast;
 
-StatementPtr Parser::parseCreate()
+StatementPtr DefinitionParser::parseCreate()
 {
-    const std::size_t start = m_at;
+    const std::size_t start = m_context.at;
     expectKeyword("CREATE");
     if (isKeyword("OR"))
         require(Edition::Sql2022);
     const bool alter = acceptKeyword("OR");
     if (alter)
         expectKeyword("ALTER");
-    if (atModule())
-        return parseModule(start, true, alter);
+    if (m_parsers.modules.atModule())
+        return m_parsers.modules.parseModule(start, true, alter);
     if (alter)
         failHere();
     if (acceptKeyword("TABLE"))
-        return parseCreateTable();
+        return m_parsers.tables.parseCreateTable();
     if (acceptKeyword("DATABASE"))
         return parseCreateDatabase();
     if (acceptKeyword("SCHEMA"))
         return parseCreateSchema();
     if (isKeyword("TYPE")) {
         require(Edition::Sql2008);
-        ++m_at;
+        advance();
         return parseCreateType();
     }
     if (isKeyword("SYNONYM")) {
         require(Edition::Sql2008);
-        ++m_at;
+        advance();
         CreateSynonym node;
         node.name = parseObjectName();
         expectKeyword("FOR");
@@ -45,120 +45,12 @@ StatementPtr Parser::parseCreate()
     refuse("CREATE " + current().keyword);
 }
 
-StatementPtr Parser::parseCreateDatabase()
+StatementPtr DefinitionParser::parseAlter()
 {
-    const std::string name = expectName();
-    if (isKeyword("ON") || isKeyword("FOR") || isKeyword("WITH"))
-        refuse("CREATE DATABASE with files or options");
-    if (acceptKeyword("COLLATE"))
-        expectName();
-    return statement(CreateDatabase{name});
-}
-
-StatementPtr Parser::parseCreateSchema()
-{
-    CreateSchema node;
-    if (!isKeyword("AUTHORIZATION"))
-        node.name = expectName();
-    if (acceptKeyword("AUTHORIZATION")) {
-        const std::string owner = expectName();
-        if (node.name.empty())
-            node.name = owner;
-    }
-    return statement(std::move(node));
-}
-
-StatementPtr Parser::parseCreateType()
-{
-    CreateType node;
-    node.name = parseObjectName();
-    if (acceptKeyword("AS")) {
-        expectKeyword("TABLE");
-        auto table = std::make_shared<CreateTable>();
-        table->name = node.name;
-        parseTableElements(*table);
-        node.table = std::move(table);
-        return statement(std::move(node));
-    }
-    expectKeyword("FROM");
-    node.base = parseTypeName();
-    if (acceptKeyword("NULL")) {
-        node.nullable = true;
-    } else if (acceptKeyword("NOT")) {
-        expectKeyword("NULL");
-        node.nullable = false;
-    }
-    return statement(std::move(node));
-}
-
-StatementPtr Parser::parseCreateIndex()
-{
-    CreateIndex node;
-    node.unique = acceptKeyword("UNIQUE");
-    node.clustered = acceptClustering().value_or(false);
-    expectKeyword("INDEX");
-    node.name = expectName();
-    expectKeyword("ON");
-    node.table = parseObjectName();
-    node.columns = parseKeyColumns();
-    parseIndexTail(node);
-    return statement(std::move(node));
-}
-
-/// INCLUDE (columns) WHERE condition WITH (options) ON filegroup
-void Parser::parseIndexTail(CreateIndex &index)
-{
-    if (isName() && isKeyword("INCLUDE")) {
-        require(Edition::Sql2008);
-        ++m_at;
-        for (KeyColumn &column : parseKeyColumns())
-            index.included.push_back(std::move(column.name));
-    }
-    if (isKeyword("WHERE"))
-        require(Edition::Sql2008);
-    if (acceptKeyword("WHERE"))
-        index.filter = keepExpression(&Parser::parseCondition);
-    index.options = parseIndexOptions();
-    skipStorage();
-}
-
-IndexOptions Parser::parseIndexOptions()
-{
-    IndexOptions options;
-    if (!isKeyword("WITH") || (ahead(1).source != "(" && ahead(1).keyword != "FILLFACTOR"))
-        return options;
-    ++m_at;
-    const bool parenthesized = acceptSymbol("(");
-    do {
-        const std::string option = current().keyword;
-        ++m_at;
-        if (!acceptSymbol("=")) { // the old form: WITH FILLFACTOR = 80, PAD_INDEX
-            options.padded = options.padded || option == "PAD_INDEX";
-            options.ignoresDuplicates = options.ignoresDuplicates || option == "IGNORE_DUP_KEY";
-            options.dropExisting = options.dropExisting || option == "DROP_EXISTING";
-            continue;
-        }
-        const bool on = isKeyword("ON");
-        if (option == "FILLFACTOR")
-            options.fillFactor = std::atoi(current().value.c_str());
-        options.padded = option == "PAD_INDEX" ? on : options.padded;
-        options.ignoresDuplicates = option == "IGNORE_DUP_KEY" ? on : options.ignoresDuplicates;
-        options.dropExisting = option == "DROP_EXISTING" ? on : options.dropExisting;
-        ++m_at;
-        if (isSymbol("("))
-            skipParentheses();
-    } while (acceptSymbol(","));
-    if (parenthesized)
-        expectSymbol(")");
-    return options;
-}
-
-StatementPtr Parser::parseAlter()
-{
-    const std::size_t start = m_at;
+    const std::size_t start = m_context.at;
     expectKeyword("ALTER");
-    if (atModule())
-        return parseModule(start, false, true);
+    if (m_parsers.modules.atModule())
+        return m_parsers.modules.parseModule(start, false, true);
     if (acceptKeyword("TABLE"))
         return parseAlterTable();
     if (isKeyword("INDEX"))
@@ -170,183 +62,7 @@ StatementPtr Parser::parseAlter()
     refuse("ALTER " + current().keyword);
 }
 
-StatementPtr Parser::parseAlterDatabase()
-{
-    AlterDatabase node;
-    node.name = expectName();
-    if (isKeyword("MODIFY") && ahead(1).keyword == "NAME") {
-        m_at += 2;
-        expectSymbol("=");
-        node.newName = expectName();
-    } else if (acceptKeyword("SET") || acceptKeyword("COLLATE")) {
-        skipDatabaseOptions();
-    } else {
-        refuse("ALTER DATABASE ... " + current().keyword);
-    }
-    if (foldedName(node.name) == "CURRENT")
-        node.name.clear();
-    return statement(std::move(node));
-}
-
-/// RECOVERY SIMPLE, ANSI_NULLS ON ... WITH ROLLBACK IMMEDIATE: read and without effect.
-void Parser::skipDatabaseOptions()
-{
-    do {
-        ++m_at;
-        acceptSymbol("=");
-        if (isKeyword("ON") || isKeyword("OFF") || isName() || current().kind == TokenKind::Integer)
-            ++m_at;
-        if (isSymbol("("))
-            skipParentheses();
-    } while (acceptSymbol(","));
-    if (!acceptKeyword("WITH"))
-        return;
-    acceptKeyword("ROLLBACK");
-    while (isName() || isKeyword("AFTER") || current().kind == TokenKind::Integer)
-        ++m_at;
-}
-
-StatementPtr Parser::parseAlterTable()
-{
-    AlterTable node;
-    node.name = parseObjectName();
-    if (isKeyword("WITH") && (ahead(1).keyword == "CHECK" || ahead(1).keyword == "NOCHECK")) {
-        node.checkExisting = ahead(1).keyword == "CHECK";
-        m_at += 2;
-    } else {
-        node.checkExisting = !isKeyword("CHECK"); // enabling a constraint checks the rows only WITH CHECK
-    }
-    const bool enableWord = isKeyword("ENABLE") || isKeyword("DISABLE");
-    if (acceptKeyword("ADD"))
-        parseTableAdditions(node);
-    else if (acceptKeyword("ALTER"))
-        parseAlterColumn(node);
-    else if (acceptKeyword("DROP"))
-        parseTableDrops(node);
-    else if (isKeyword("CHECK") || isKeyword("NOCHECK") || enableWord)
-        parseEnabling(node);
-    else
-        refuse("ALTER TABLE ... " + current().keyword);
-    return statement(std::move(node));
-}
-
-void Parser::parseTableAdditions(AlterTable &node)
-{
-    node.action = AlterTable::Action::Add;
-    do {
-        parseTableElement(node.added);
-        if (isKeyword("WITH") && ahead(1).keyword == "VALUES") {
-            m_at += 2;
-            node.added.columns.back().withValues = true;
-        }
-    } while (acceptSymbol(","));
-}
-
-void Parser::parseAlterColumn(AlterTable &node)
-{
-    node.action = AlterTable::Action::AlterColumn;
-    expectKeyword("COLUMN");
-    const std::string name = expectName();
-    ColumnDefinition column;
-    column.name = name;
-    if (isKeyword("ADD") || isKeyword("DROP")) {
-        const bool add = isKeyword("ADD");
-        ++m_at;
-        if (acceptKeyword("ROWGUIDCOL")) {
-            node.setRowGuid = add;
-        } else if (isKeyword("SPARSE")) {
-            ++m_at;
-            node.setSparse = add;
-        } else {
-            refuse("ALTER COLUMN ... " + current().keyword);
-        }
-    } else {
-        column.type = parseTypeName();
-        while (parseColumnProperty(column)) {
-        }
-    }
-    node.added.columns.push_back(std::move(column));
-}
-
-void Parser::parseTableDrops(AlterTable &node)
-{
-    node.action = AlterTable::Action::Drop;
-    bool isColumn = false;
-    do {
-        AlterTable::Dropped item;
-        if (acceptKeyword("COLUMN"))
-            isColumn = true;
-        else if (acceptKeyword("CONSTRAINT"))
-            isColumn = false;
-        if (isKeyword("IF"))
-            require(Edition::Sql2022);
-        item.ifExists = acceptKeyword("IF");
-        if (item.ifExists)
-            expectKeyword("EXISTS");
-        item.name = expectName();
-        item.isColumn = isColumn;
-        node.dropped.push_back(std::move(item));
-    } while (acceptSymbol(","));
-}
-
-/// CHECK, NOCHECK CONSTRAINT and ENABLE, DISABLE TRIGGER with names or ALL.
-void Parser::parseEnabling(AlterTable &node)
-{
-    node.enable = isKeyword("CHECK") || isKeyword("ENABLE");
-    const bool triggers = isKeyword("ENABLE") || isKeyword("DISABLE");
-    ++m_at;
-    expectKeyword(triggers ? "TRIGGER" : "CONSTRAINT");
-    node.action = triggers ? AlterTable::Action::EnableTriggers : AlterTable::Action::EnableConstraints;
-    if (acceptKeyword("ALL"))
-        return;
-    do
-        node.names.push_back(expectName());
-    while (acceptSymbol(","));
-}
-
-/// ENABLE TRIGGER name ON table, as a statement of its own.
-StatementPtr Parser::parseEnableTrigger()
-{
-    AlterTable node;
-    node.action = AlterTable::Action::EnableTriggers;
-    node.enable = isKeyword("ENABLE");
-    m_at += 2;
-    if (!acceptKeyword("ALL"))
-        do
-            node.names.push_back(parseObjectName().object());
-        while (acceptSymbol(","));
-    expectKeyword("ON");
-    if (isKeyword("DATABASE") || isKeyword("ALL"))
-        refuse("triggers on databases and servers");
-    node.name = parseObjectName();
-    return statement(std::move(node));
-}
-
-StatementPtr Parser::parseAlterIndex()
-{
-    AlterIndex node;
-    if (!acceptKeyword("ALL"))
-        node.name = expectName();
-    expectKeyword("ON");
-    node.table = parseObjectName();
-    const std::string action = current().keyword;
-    ++m_at;
-    if (action == "REBUILD")
-        node.action = AlterIndex::Action::Rebuild;
-    else if (action == "DISABLE")
-        node.action = AlterIndex::Action::Disable;
-    else if (action == "SET")
-        skipParentheses();
-    else if (action != "REORGANIZE")
-        refuse("ALTER INDEX ... " + action);
-    if (isKeyword("WITH")) {
-        ++m_at;
-        skipParentheses();
-    }
-    return statement(std::move(node));
-}
-
-StatementPtr Parser::parseDrop()
+StatementPtr DefinitionParser::parseDrop()
 {
     expectKeyword("DROP");
     static constexpr std::string_view kinds[] = {"VIEW",    "PROCEDURE", "PROC", "FUNCTION",
@@ -355,7 +71,7 @@ StatementPtr Parser::parseDrop()
     const bool object = std::find(std::begin(kinds), std::end(kinds), kind) != std::end(kinds);
     if (!object && kind != "TABLE" && kind != "DATABASE" && kind != "INDEX")
         refuse("DROP " + kind);
-    ++m_at;
+    advance();
     if (isKeyword("IF"))
         require(Edition::Sql2022);
     const bool ifExists = acceptKeyword("IF");
@@ -377,8 +93,299 @@ StatementPtr Parser::parseDrop()
     return statement(std::move(node));
 }
 
+StatementPtr DefinitionParser::parseTruncate()
+{
+    expectKeyword("TRUNCATE");
+    expectKeyword("TABLE");
+    return statement(TruncateTable{parseObjectName()});
+}
+
+/// ENABLE TRIGGER name ON table, as a statement of its own.
+StatementPtr DefinitionParser::parseEnableTrigger()
+{
+    AlterTable node;
+    node.action = AlterTable::Action::EnableTriggers;
+    node.enable = isKeyword("ENABLE");
+    advance(2);
+    if (!acceptKeyword("ALL"))
+        do
+            node.names.push_back(parseObjectName().object());
+        while (acceptSymbol(","));
+    expectKeyword("ON");
+    if (isKeyword("DATABASE") || isKeyword("ALL"))
+        refuse("triggers on databases and servers");
+    node.name = parseObjectName();
+    return statement(std::move(node));
+}
+
+/// INCLUDE (columns) WHERE condition WITH (options) ON filegroup
+void DefinitionParser::parseIndexTail(CreateIndex &index)
+{
+    if (isName() && isKeyword("INCLUDE")) {
+        require(Edition::Sql2008);
+        advance();
+        for (KeyColumn &column : m_parsers.tables.parseKeyColumns())
+            index.included.push_back(std::move(column.name));
+    }
+    if (isKeyword("WHERE"))
+        require(Edition::Sql2008);
+    if (acceptKeyword("WHERE"))
+        index.filter = m_parsers.expressions.keepExpression(&ExpressionParser::parseCondition);
+    index.options = parseIndexOptions();
+    m_parsers.tables.skipStorage();
+}
+
+IndexOptions DefinitionParser::parseIndexOptions()
+{
+    IndexOptions options;
+    if (!isKeyword("WITH") || (ahead(1).source != "(" && ahead(1).keyword != "FILLFACTOR"))
+        return options;
+    advance();
+    const bool parenthesized = acceptSymbol("(");
+    do {
+        const std::string option = current().keyword;
+        advance();
+        if (!acceptSymbol("=")) { // the old form: WITH FILLFACTOR = 80, PAD_INDEX
+            options.padded = options.padded || option == "PAD_INDEX";
+            options.ignoresDuplicates = options.ignoresDuplicates || option == "IGNORE_DUP_KEY";
+            options.dropExisting = options.dropExisting || option == "DROP_EXISTING";
+            continue;
+        }
+        const bool on = isKeyword("ON");
+        if (option == "FILLFACTOR")
+            options.fillFactor = std::atoi(current().value.c_str());
+        options.padded = option == "PAD_INDEX" ? on : options.padded;
+        options.ignoresDuplicates = option == "IGNORE_DUP_KEY" ? on : options.ignoresDuplicates;
+        options.dropExisting = option == "DROP_EXISTING" ? on : options.dropExisting;
+        advance();
+        if (isSymbol("("))
+            skipParentheses();
+    } while (acceptSymbol(","));
+    if (parenthesized)
+        expectSymbol(")");
+    return options;
+}
+
+StatementPtr DefinitionParser::parseCreateDatabase()
+{
+    const std::string name = expectName();
+    if (isKeyword("ON") || isKeyword("FOR") || isKeyword("WITH"))
+        refuse("CREATE DATABASE with files or options");
+    if (acceptKeyword("COLLATE"))
+        expectName();
+    return statement(CreateDatabase{name});
+}
+
+StatementPtr DefinitionParser::parseCreateSchema()
+{
+    CreateSchema node;
+    if (!isKeyword("AUTHORIZATION"))
+        node.name = expectName();
+    if (acceptKeyword("AUTHORIZATION")) {
+        const std::string owner = expectName();
+        if (node.name.empty())
+            node.name = owner;
+    }
+    return statement(std::move(node));
+}
+
+StatementPtr DefinitionParser::parseCreateType()
+{
+    CreateType node;
+    node.name = parseObjectName();
+    if (acceptKeyword("AS")) {
+        expectKeyword("TABLE");
+        auto table = std::make_shared<CreateTable>();
+        table->name = node.name;
+        m_parsers.tables.parseTableElements(*table);
+        node.table = std::move(table);
+        return statement(std::move(node));
+    }
+    expectKeyword("FROM");
+    node.base = parseTypeName();
+    if (acceptKeyword("NULL")) {
+        node.nullable = true;
+    } else if (acceptKeyword("NOT")) {
+        expectKeyword("NULL");
+        node.nullable = false;
+    }
+    return statement(std::move(node));
+}
+
+StatementPtr DefinitionParser::parseCreateIndex()
+{
+    CreateIndex node;
+    node.unique = acceptKeyword("UNIQUE");
+    node.clustered = m_parsers.tables.acceptClustering().value_or(false);
+    expectKeyword("INDEX");
+    node.name = expectName();
+    expectKeyword("ON");
+    node.table = parseObjectName();
+    node.columns = m_parsers.tables.parseKeyColumns();
+    parseIndexTail(node);
+    return statement(std::move(node));
+}
+
+StatementPtr DefinitionParser::parseAlterDatabase()
+{
+    AlterDatabase node;
+    node.name = expectName();
+    if (isKeyword("MODIFY") && ahead(1).keyword == "NAME") {
+        advance(2);
+        expectSymbol("=");
+        node.newName = expectName();
+    } else if (acceptKeyword("SET") || acceptKeyword("COLLATE")) {
+        skipDatabaseOptions();
+    } else {
+        refuse("ALTER DATABASE ... " + current().keyword);
+    }
+    if (foldedName(node.name) == "CURRENT")
+        node.name.clear();
+    return statement(std::move(node));
+}
+
+/// RECOVERY SIMPLE, ANSI_NULLS ON ... WITH ROLLBACK IMMEDIATE: read and without effect.
+void DefinitionParser::skipDatabaseOptions()
+{
+    do {
+        advance();
+        acceptSymbol("=");
+        if (isKeyword("ON") || isKeyword("OFF") || isName() || current().kind == TokenKind::Integer)
+            advance();
+        if (isSymbol("("))
+            skipParentheses();
+    } while (acceptSymbol(","));
+    if (!acceptKeyword("WITH"))
+        return;
+    acceptKeyword("ROLLBACK");
+    while (isName() || isKeyword("AFTER") || current().kind == TokenKind::Integer)
+        advance();
+}
+
+StatementPtr DefinitionParser::parseAlterTable()
+{
+    AlterTable node;
+    node.name = parseObjectName();
+    if (isKeyword("WITH") && (ahead(1).keyword == "CHECK" || ahead(1).keyword == "NOCHECK")) {
+        node.checkExisting = ahead(1).keyword == "CHECK";
+        advance(2);
+    } else {
+        node.checkExisting = !isKeyword("CHECK"); // enabling a constraint checks the rows only WITH CHECK
+    }
+    const bool enableWord = isKeyword("ENABLE") || isKeyword("DISABLE");
+    if (acceptKeyword("ADD"))
+        parseTableAdditions(node);
+    else if (acceptKeyword("ALTER"))
+        parseAlterColumn(node);
+    else if (acceptKeyword("DROP"))
+        parseTableDrops(node);
+    else if (isKeyword("CHECK") || isKeyword("NOCHECK") || enableWord)
+        parseEnabling(node);
+    else
+        refuse("ALTER TABLE ... " + current().keyword);
+    return statement(std::move(node));
+}
+
+void DefinitionParser::parseTableAdditions(AlterTable &node)
+{
+    node.action = AlterTable::Action::Add;
+    do {
+        m_parsers.tables.parseTableElement(node.added);
+        if (isKeyword("WITH") && ahead(1).keyword == "VALUES") {
+            advance(2);
+            node.added.columns.back().withValues = true;
+        }
+    } while (acceptSymbol(","));
+}
+
+void DefinitionParser::parseAlterColumn(AlterTable &node)
+{
+    node.action = AlterTable::Action::AlterColumn;
+    expectKeyword("COLUMN");
+    const std::string name = expectName();
+    ColumnDefinition column;
+    column.name = name;
+    if (isKeyword("ADD") || isKeyword("DROP")) {
+        const bool add = isKeyword("ADD");
+        advance();
+        if (acceptKeyword("ROWGUIDCOL")) {
+            node.setRowGuid = add;
+        } else if (isKeyword("SPARSE")) {
+            advance();
+            node.setSparse = add;
+        } else {
+            refuse("ALTER COLUMN ... " + current().keyword);
+        }
+    } else {
+        column.type = parseTypeName();
+        while (m_parsers.tables.parseColumnProperty(column)) {
+        }
+    }
+    node.added.columns.push_back(std::move(column));
+}
+
+void DefinitionParser::parseTableDrops(AlterTable &node)
+{
+    node.action = AlterTable::Action::Drop;
+    bool isColumn = false;
+    do {
+        AlterTable::Dropped item;
+        if (acceptKeyword("COLUMN"))
+            isColumn = true;
+        else if (acceptKeyword("CONSTRAINT"))
+            isColumn = false;
+        if (isKeyword("IF"))
+            require(Edition::Sql2022);
+        item.ifExists = acceptKeyword("IF");
+        if (item.ifExists)
+            expectKeyword("EXISTS");
+        item.name = expectName();
+        item.isColumn = isColumn;
+        node.dropped.push_back(std::move(item));
+    } while (acceptSymbol(","));
+}
+
+/// CHECK, NOCHECK CONSTRAINT and ENABLE, DISABLE TRIGGER with names or ALL.
+void DefinitionParser::parseEnabling(AlterTable &node)
+{
+    node.enable = isKeyword("CHECK") || isKeyword("ENABLE");
+    const bool triggers = isKeyword("ENABLE") || isKeyword("DISABLE");
+    advance();
+    expectKeyword(triggers ? "TRIGGER" : "CONSTRAINT");
+    node.action = triggers ? AlterTable::Action::EnableTriggers : AlterTable::Action::EnableConstraints;
+    if (acceptKeyword("ALL"))
+        return;
+    do
+        node.names.push_back(expectName());
+    while (acceptSymbol(","));
+}
+
+StatementPtr DefinitionParser::parseAlterIndex()
+{
+    AlterIndex node;
+    if (!acceptKeyword("ALL"))
+        node.name = expectName();
+    expectKeyword("ON");
+    node.table = parseObjectName();
+    const std::string action = current().keyword;
+    advance();
+    if (action == "REBUILD")
+        node.action = AlterIndex::Action::Rebuild;
+    else if (action == "DISABLE")
+        node.action = AlterIndex::Action::Disable;
+    else if (action == "SET")
+        skipParentheses();
+    else if (action != "REORGANIZE")
+        refuse("ALTER INDEX ... " + action);
+    if (isKeyword("WITH")) {
+        advance();
+        skipParentheses();
+    }
+    return statement(std::move(node));
+}
+
 /// DROP INDEX name ON table, or the old table.name.
-StatementPtr Parser::parseDropIndex(bool ifExists)
+StatementPtr DefinitionParser::parseDropIndex(bool ifExists)
 {
     DropIndex node;
     node.ifExists = ifExists;
@@ -398,13 +405,6 @@ StatementPtr Parser::parseDropIndex(bool ifExists)
         node.items.push_back(std::move(item));
     } while (acceptSymbol(","));
     return statement(std::move(node));
-}
-
-StatementPtr Parser::parseTruncate()
-{
-    expectKeyword("TRUNCATE");
-    expectKeyword("TABLE");
-    return statement(TruncateTable{parseObjectName()});
 }
 
 } // namespace SampleServer

@@ -1,5 +1,6 @@
+#include "Engine/Parse/QueryParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 #include "Types/Collation.h"
 #include "Types/Text.h"
 
@@ -9,7 +10,7 @@ namespace SampleServer {
 
 using namespace Ast;
 
-SelectPtr Parser::parseSelect()
+SelectPtr QueryParser::parseSelect()
 {
     auto select = std::make_unique<Select>();
     if (isKeyword("WITH"))
@@ -26,7 +27,7 @@ SelectPtr Parser::parseSelect()
     return select;
 }
 
-std::vector<CommonTable> Parser::parseWith()
+std::vector<CommonTable> QueryParser::parseWith()
 {
     require(Edition::Sql2008);
     expectKeyword("WITH");
@@ -50,15 +51,64 @@ std::vector<CommonTable> Parser::parseWith()
             expectSymbol(")");
         }
         expectKeyword("AS");
-        table.query = parseParenthesizedSelect();
+        table.query = m_parsers.expressions.parseParenthesizedSelect();
         tables.push_back(std::move(table));
     } while (acceptSymbol(","));
     return tables;
 }
 
-ForXml Parser::parseForXml()
+std::optional<Top> QueryParser::parseTop()
 {
-    m_at += 2; // FOR XML
+    if (!acceptKeyword("TOP"))
+        return {};
+    Top top;
+    if (isSymbol("(") || current().kind == TokenKind::Variable)
+        require(Edition::Sql2008);
+    if (acceptSymbol("(")) {
+        top.count = m_parsers.expressions.parseExpression();
+        expectSymbol(")");
+    } else if (current().kind == TokenKind::Variable) {
+        top.count = m_parsers.expressions.parsePrimary();
+    } else {
+        top.count = m_parsers.literals.parseLiteral();
+    }
+    top.percent = acceptKeyword("PERCENT");
+    if (isKeyword("WITH") && ahead(1).keyword == "TIES") {
+        top.withTies = true;
+        advance(2);
+    }
+    return top;
+}
+
+std::vector<OrderItem> QueryParser::parseOrderItems()
+{
+    std::vector<OrderItem> items;
+    do {
+        OrderItem item;
+        item.expression = m_parsers.expressions.parseExpression();
+        item.descending = acceptKeyword("DESC");
+        if (!item.descending)
+            acceptKeyword("ASC");
+        items.push_back(std::move(item));
+    } while (acceptSymbol(","));
+    return items;
+}
+
+std::string QueryParser::parseAlias()
+{
+    const bool text = current().kind == TokenKind::String || current().kind == TokenKind::UnicodeString;
+    const bool as = acceptKeyword("AS");
+    if (isName() || text ||
+        (as && (current().kind == TokenKind::String || current().kind == TokenKind::UnicodeString)))
+        return take().value;
+    if (as)
+        failHere();
+    return {};
+}
+
+ForXml QueryParser::parseForXml()
+{
+    advance(2); // FOR XML
     ForXml result;
     if (isKeyword("AUTO") || isKeyword("EXPLICIT"))
         refuse("FOR XML " + current().keyword);
@@ -71,7 +121,7 @@ ForXml Parser::parseForXml()
         expectSymbol("(");
         if (current().kind != TokenKind::String && current().kind != TokenKind::UnicodeString)
             failHere();
-        std::string value = m_tokens[m_at++].value;
+        std::string value = take().value;
         expectSymbol(")");
         return value;
     };
@@ -94,14 +144,14 @@ ForXml Parser::parseForXml()
 }
 
 /// Bounds what the binder and SQLite take on the stack for one statement.
-void Parser::countSetOperator()
+void QueryParser::countSetOperator()
 {
     constexpr int MostSetOperators = 499; // SQLite combines 500 queries
-    if (++m_setOperators > MostSetOperators)
+    if (++m_context.setOperators > MostSetOperators)
         fail(Errors::stackLimit(), current().line);
 }
 
-std::unique_ptr<Query> Parser::parseQuery()
+std::unique_ptr<Query> QueryParser::parseQuery()
 {
     const NestingGuard guard(*this);
     auto left = parseIntersection();
@@ -124,13 +174,13 @@ std::unique_ptr<Query> Parser::parseQuery()
     return left;
 }
 
-std::unique_ptr<Query> Parser::parseIntersection()
+std::unique_ptr<Query> QueryParser::parseIntersection()
 {
     auto left = parseQueryTerm();
     while (isKeyword("INTERSECT")) {
         countSetOperator();
         require(Edition::Sql2008);
-        ++m_at;
+        advance();
         auto combined = std::make_unique<Query>();
         combined->line = left->line;
         combined->op = SetOperator::Intersect;
@@ -143,7 +193,7 @@ std::unique_ptr<Query> Parser::parseIntersection()
 }
 
 /// INTO belongs to the first of the queries that are combined.
-void Parser::requireNoInto(const Query &query) const
+void QueryParser::requireNoInto(const Query &query) const
 {
     if (!query.op && query.specification.into)
         fail(EngineError(196, 15, 1,
@@ -153,11 +203,11 @@ void Parser::requireNoInto(const Query &query) const
              query.line);
 }
 
-std::unique_ptr<Query> Parser::parseQueryTerm()
+std::unique_ptr<Query> QueryParser::parseQueryTerm()
 {
     if (isSymbol("(")) {
         const NestingGuard guard(*this);
-        ++m_at;
+        advance();
         auto query = parseQuery();
         expectSymbol(")");
         return query;
@@ -169,7 +219,7 @@ std::unique_ptr<Query> Parser::parseQueryTerm()
     return query;
 }
 
-void Parser::parseSpecification(QuerySpecification &query)
+void QueryParser::parseSpecification(QuerySpecification &query)
 {
     query.distinct = acceptKeyword("DISTINCT");
     if (!query.distinct)
@@ -181,9 +231,9 @@ void Parser::parseSpecification(QuerySpecification &query)
     if (acceptKeyword("INTO"))
         query.into = parseObjectName();
     if (acceptKeyword("FROM"))
-        query.from = parseFrom();
+        query.from = m_parsers.sources.parseFrom();
     if (acceptKeyword("WHERE"))
-        query.where = parseCondition();
+        query.where = m_parsers.expressions.parseCondition();
     if (acceptKeyword("GROUP")) {
         expectKeyword("BY");
         const bool refused = isKeyword("ALL") || isKeyword("ROLLUP") || isKeyword("CUBE");
@@ -192,39 +242,16 @@ void Parser::parseSpecification(QuerySpecification &query)
         if (isKeyword("GROUPING") && ahead(1).keyword == "SETS")
             refuse("GROUP BY GROUPING SETS");
         do
-            query.groupBy.push_back(parseExpression());
+            query.groupBy.push_back(m_parsers.expressions.parseExpression());
         while (acceptSymbol(","));
         if (isKeyword("WITH"))
             refuse("GROUP BY ... WITH " + ahead(1).keyword);
     }
     if (acceptKeyword("HAVING"))
-        query.having = parseCondition();
+        query.having = m_parsers.expressions.parseCondition();
 }
 
-std::optional<Top> Parser::parseTop()
-{
-    if (!acceptKeyword("TOP"))
-        return {};
-    Top top;
-    if (isSymbol("(") || current().kind == TokenKind::Variable)
-        require(Edition::Sql2008);
-    if (acceptSymbol("(")) {
-        top.count = parseExpression();
-        expectSymbol(")");
-    } else if (current().kind == TokenKind::Variable) {
-        top.count = parsePrimary();
-    } else {
-        top.count = parseLiteral();
-    }
-    top.percent = acceptKeyword("PERCENT");
-    if (isKeyword("WITH") && ahead(1).keyword == "TIES") {
-        top.withTies = true;
-        m_at += 2;
-    }
-    return top;
-}
-
-bool Parser::atStar() const
+bool QueryParser::atStar() const
 {
     std::size_t at = 0;
     while (ahead(at).kind == TokenKind::Word || ahead(at).kind == TokenKind::QuotedIdentifier) {
@@ -235,7 +262,7 @@ bool Parser::atStar() const
     return ahead(at).kind == TokenKind::Symbol && ahead(at).value == "*";
 }
 
-SelectItem Parser::parseSelectItem()
+SelectItem QueryParser::parseSelectItem()
 {
     SelectItem item;
     if (atStar()) {
@@ -248,68 +275,42 @@ SelectItem Parser::parseSelectItem()
     if (equalsFollows && current().kind == TokenKind::Variable) {
         item.variable = expectVariable();
         expectSymbol("=");
-        item.expression = parseExpression();
+        item.expression = m_parsers.expressions.parseExpression();
         return item;
     }
     if (equalsFollows && (isName() || current().kind == TokenKind::String)) {
-        item.alias = m_tokens[m_at].value;
-        m_at += 2;
-        item.expression = parseExpression();
+        item.alias = m_context.tokens[m_context.at].value;
+        advance(2);
+        item.expression = m_parsers.expressions.parseExpression();
         return item;
     }
-    item.expression = parseExpression();
+    item.expression = m_parsers.expressions.parseExpression();
     item.alias = parseAlias();
     return item;
 }
 
-std::string Parser::parseAlias()
-{
-    const bool text = current().kind == TokenKind::String || current().kind == TokenKind::UnicodeString;
-    const bool as = acceptKeyword("AS");
-    if (isName() || text ||
-        (as && (current().kind == TokenKind::String || current().kind == TokenKind::UnicodeString)))
-        return m_tokens[m_at++].value;
-    if (as)
-        failHere();
-    return {};
-}
-
-void Parser::parseOrderBy(Select &select)
+void QueryParser::parseOrderBy(Select &select)
 {
     if (!acceptKeyword("ORDER"))
         return;
     expectKeyword("BY");
     select.orderBy = parseOrderItems();
-    if (m_edition < Edition::Sql2022 || !acceptKeyword("OFFSET"))
+    if (m_context.edition < Edition::Sql2022 || !acceptKeyword("OFFSET"))
         return;
-    select.offset = parseExpression();
+    select.offset = m_parsers.expressions.parseExpression();
     if (!acceptKeyword("ROWS"))
         expectKeyword("ROW");
     if (!acceptKeyword("FETCH"))
         return;
     if (!acceptKeyword("NEXT"))
         expectKeyword("FIRST");
-    select.fetch = parseExpression();
+    select.fetch = m_parsers.expressions.parseExpression();
     if (!acceptKeyword("ROWS"))
         expectKeyword("ROW");
     expectKeyword("ONLY");
 }
 
-std::vector<OrderItem> Parser::parseOrderItems()
-{
-    std::vector<OrderItem> items;
-    do {
-        OrderItem item;
-        item.expression = parseExpression();
-        item.descending = acceptKeyword("DESC");
-        if (!item.descending)
-            acceptKeyword("ASC");
-        items.push_back(std::move(item));
-    } while (acceptSymbol(","));
-    return items;
-}
-
-void Parser::parseCompute(Select &select)
+void QueryParser::parseCompute(Select &select)
 {
     expectKeyword("COMPUTE");
     Compute compute;
@@ -318,26 +319,26 @@ void Parser::parseCompute(Select &select)
         item.function = current().keyword;
         expectName();
         expectSymbol("(");
-        item.argument = parseExpression();
+        item.argument = m_parsers.expressions.parseExpression();
         expectSymbol(")");
         compute.items.push_back(std::move(item));
     } while (acceptSymbol(","));
     if (acceptKeyword("BY"))
         do
-            compute.by.push_back(parseExpression());
+            compute.by.push_back(m_parsers.expressions.parseExpression());
         while (acceptSymbol(","));
     select.compute.push_back(std::move(compute));
 }
 
 /// OPTION (...) advises an optimizer that is not here: but for MAXRECURSION it is read and has no effect.
-std::optional<int> Parser::parseOption()
+std::optional<int> QueryParser::parseOption()
 {
     std::optional<int> maxRecursion;
     if (!isKeyword("OPTION"))
         return maxRecursion;
-    ++m_at;
+    advance();
     expectSymbol("(");
-    for (int depth = 1; depth > 0; ++m_at) {
+    for (int depth = 1; depth > 0; ++m_context.at) {
         if (current().kind == TokenKind::End)
             failHere();
         if (isKeyword("MAXRECURSION") && ahead(1).kind == TokenKind::Integer)

@@ -1,5 +1,6 @@
+#include "Engine/Parse/LiteralParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
@@ -65,7 +66,7 @@ Literal textLiteral(const std::string &text, TypeId id)
 
 } // namespace
 
-ExpressionPtr Parser::parseLiteral()
+ExpressionPtr LiteralParser::parseLiteral()
 {
     const Token &token = current();
     std::optional<Literal> literal;
@@ -100,7 +101,7 @@ ExpressionPtr Parser::parseLiteral()
                              "' is out of the range for numeric representation (maximum precision 38).",
                          ErrorEffect::EndsBatch),
              token.line);
-    ++m_at;
+    advance();
     return make(std::move(*literal));
 }
 

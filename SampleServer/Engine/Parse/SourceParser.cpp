@@ -1,15 +1,15 @@
+#include "Engine/Parse/SourceParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 #include "Types/Text.h"
 
 #include <algorithm>
 
-// The FROM clause.
 namespace SampleServer {
 
 using namespace Ast;
 
-std::vector<TableSourcePtr> Parser::parseFrom()
+std::vector<TableSourcePtr> SourceParser::parseFrom()
 {
     std::vector<TableSourcePtr> tables;
     do
@@ -18,7 +18,15 @@ std::vector<TableSourcePtr> Parser::parseFrom()
     return tables;
 }
 
-TableSourcePtr Parser::parseJoinedTable()
+bool SourceParser::parseTableHints()
+{
+    if (!isKeyword("WITH") || ahead(1).kind != TokenKind::Symbol || ahead(1).value != "(")
+        return false;
+    advance();
+    return parseHintList();
+}
+
+TableSourcePtr SourceParser::parseJoinedTable()
 {
     const NestingGuard guard(*this);
     auto left = parseTable();
@@ -28,7 +36,7 @@ TableSourcePtr Parser::parseJoinedTable()
 }
 
 /// What follows JOIN. A JOIN b JOIN c ON ... ON ... joins the last two first.
-TableSourcePtr Parser::parseJoin(JoinKind kind, TableSourcePtr left)
+TableSourcePtr SourceParser::parseJoin(JoinKind kind, TableSourcePtr left)
 {
     const NestingGuard guard(*this);
     auto join = std::make_unique<TableSource>();
@@ -42,18 +50,18 @@ TableSourcePtr Parser::parseJoin(JoinKind kind, TableSourcePtr left)
                 failHere();
             node.right = parseJoin(*inner, std::move(node.right));
         }
-        node.condition = parseCondition();
+        node.condition = m_parsers.expressions.parseCondition();
     }
     join->node = std::move(node);
     return join;
 }
 
-std::optional<JoinKind> Parser::acceptJoin()
+std::optional<JoinKind> SourceParser::acceptJoin()
 {
     if (acceptKeyword("CROSS")) {
         if (isKeyword("APPLY")) {
             require(Edition::Sql2008);
-            ++m_at;
+            advance();
             return JoinKind::CrossApply;
         }
         expectKeyword("JOIN");
@@ -61,7 +69,7 @@ std::optional<JoinKind> Parser::acceptJoin()
     }
     if (isKeyword("OUTER") && ahead(1).keyword == "APPLY") {
         require(Edition::Sql2008);
-        m_at += 2;
+        advance(2);
         return JoinKind::OuterApply;
     }
     if (acceptKeyword("JOIN"))
@@ -80,12 +88,12 @@ std::optional<JoinKind> Parser::acceptJoin()
     if (*kind != JoinKind::Inner)
         acceptKeyword("OUTER");
     if (isKeyword("HASH") || isKeyword("LOOP") || isKeyword("MERGE"))
-        ++m_at; // a hint for an optimizer that is not here
+        advance(); // a hint for an optimizer that is not here
     expectKeyword("JOIN");
     return kind;
 }
 
-TableSourcePtr Parser::parseTable()
+TableSourcePtr SourceParser::parseTable()
 {
     static constexpr std::string_view refused[] = {"CHANGETABLE",    "CONTAINSTABLE", "FREETEXTTABLE",
                                                    "OPENDATASOURCE", "OPENJSON",      "OPENQUERY",
@@ -101,7 +109,7 @@ TableSourcePtr Parser::parseTable()
     return table;
 }
 
-TableSourcePtr Parser::parseNamedTable()
+TableSourcePtr SourceParser::parseNamedTable()
 {
     auto table = std::make_unique<TableSource>();
     table->line = current().line;
@@ -112,12 +120,14 @@ TableSourcePtr Parser::parseNamedTable()
         refuse("the XML method nodes");
     if (isSymbol("(") && !hints) {
         FunctionTable function{std::move(name), {}};
-        if (m_edition < Edition::Sql2022 && equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
+        if (m_context.edition < Edition::Sql2022 &&
+            equalsIgnoringAsciiCase(function.name.toString(), "string_split"))
             fail(Errors::invalidObject(function.name.toString()), table->line);
         expectSymbol("(");
         if (!isSymbol(")"))
             do
-                function.arguments.push_back(acceptKeyword("DEFAULT") ? nullptr : parseExpression());
+                function.arguments.push_back(
+                    acceptKeyword("DEFAULT") ? nullptr : m_parsers.expressions.parseExpression());
             while (acceptSymbol(","));
         expectSymbol(")");
         table->node = std::move(function);
@@ -135,14 +145,14 @@ TableSourcePtr Parser::parseNamedTable()
     return table;
 }
 
-TableSourcePtr Parser::parseParenthesizedTable()
+TableSourcePtr SourceParser::parseParenthesizedTable()
 {
     const NestingGuard guard(*this);
     const int line = current().line;
     if (atSubquery()) {
         auto table = std::make_unique<TableSource>();
         table->line = line;
-        table->node = DerivedTable{parseParenthesizedSelect()};
+        table->node = DerivedTable{m_parsers.expressions.parseParenthesizedSelect()};
         parseTableAlias(*table);
         if (table->alias.empty())
             failHere();
@@ -151,10 +161,10 @@ TableSourcePtr Parser::parseParenthesizedTable()
     expectSymbol("(");
     if (isKeyword("VALUES")) {
         require(Edition::Sql2008);
-        ++m_at;
+        advance();
         auto table = std::make_unique<TableSource>();
         table->line = line;
-        table->node = ValuesTable{parseRows(false)};
+        table->node = ValuesTable{m_parsers.changes.parseRows(false)};
         expectSymbol(")");
         parseTableAlias(*table);
         if (table->alias.empty())
@@ -166,7 +176,7 @@ TableSourcePtr Parser::parseParenthesizedTable()
     return table;
 }
 
-void Parser::parseTableAlias(TableSource &table)
+void SourceParser::parseTableAlias(TableSource &table)
 {
     const bool as = acceptKeyword("AS");
     if (!isName()) {
@@ -184,16 +194,8 @@ void Parser::parseTableAlias(TableSource &table)
     expectSymbol(")");
 }
 
-bool Parser::parseTableHints()
-{
-    if (!isKeyword("WITH") || ahead(1).kind != TokenKind::Symbol || ahead(1).value != "(")
-        return false;
-    ++m_at;
-    return parseHintList();
-}
-
 /// Reads (hint, hint ...); true when one of them asks not to wait for locks. The others do not apply here.
-bool Parser::parseHintList()
+bool SourceParser::parseHintList()
 {
     bool readUncommitted = false;
     expectSymbol("(");
@@ -201,12 +203,12 @@ bool Parser::parseHintList()
         if (current().kind == TokenKind::End)
             failHere();
         readUncommitted = readUncommitted || isKeyword("NOLOCK") || isKeyword("READUNCOMMITTED");
-        ++m_at;
+        advance();
         if (acceptSymbol("(")) // what INDEX(name) names
             while (!acceptSymbol(")")) {
                 if (current().kind == TokenKind::End)
                     failHere();
-                ++m_at;
+                advance();
             }
     }
     return readUncommitted;

@@ -1,44 +1,23 @@
+#include "Engine/Parse/ChangeParser.h"
 #include "Engine/Errors.h"
 #include "Engine/Parse/NameText.h"
 #include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 
-// INSERT, UPDATE and DELETE.
 namespace SampleServer {
 
 using namespace Ast;
 
-/// WITH names AS (queries) before the statement that uses them.
-StatementPtr Parser::parseWithStatement()
-{
-    std::vector<CommonTable> with = parseWith();
-    const std::string keyword = current().keyword;
-    if (keyword != "SELECT" && keyword != "INSERT" && keyword != "UPDATE" && keyword != "DELETE" &&
-        !isSymbol("("))
-        failHere();
-    auto result = isSymbol("(") ? statement(std::move(*parseSelect())) : parseDataStatement(keyword);
-    if (auto *select = std::get_if<Select>(&result->node)) {
-        select->with = std::move(with);
-    } else if (auto *insert = std::get_if<Insert>(&result->node)) {
-        if (insert->query)
-            insert->query->with = std::move(with);
-    } else if (auto *update = std::get_if<Update>(&result->node)) {
-        update->with = std::move(with);
-    } else {
-        std::get<Delete>(result->node).with = std::move(with);
-    }
-    return result;
-}
-
-StatementPtr Parser::parseInsert()
+StatementPtr ChangeParser::parseInsert()
 {
     expectKeyword("INSERT");
     Insert insert;
-    insert.top = parseTop();
+    insert.top = m_parsers.queries.parseTop();
     if (isKeyword("BULK"))
         refuse("INSERT BULK");
     acceptKeyword("INTO");
     insert.table = parseTableName();
-    parseTableHints();
+    m_parsers.sources.parseTableHints();
     if (isSymbol("(") && !atSubquery()) {
         expectSymbol("(");
         do
@@ -49,27 +28,27 @@ StatementPtr Parser::parseInsert()
     if (isKeyword("OUTPUT"))
         refuse("the OUTPUT clause");
     if (acceptKeyword("EXEC") || acceptKeyword("EXECUTE")) {
-        insert.execute = parseExecute();
+        insert.execute = m_parsers.statements.parseExecute();
     } else if (acceptKeyword("DEFAULT")) {
         expectKeyword("VALUES");
         insert.defaultValues = true;
     } else if (acceptKeyword("VALUES")) {
         insert.rows = parseRows(true);
     } else {
-        insert.query = parseSelect();
+        insert.query = m_parsers.queries.parseSelect();
     }
     return statement(std::move(insert));
 }
 
-StatementPtr Parser::parseUpdate()
+StatementPtr ChangeParser::parseUpdate()
 {
     expectKeyword("UPDATE");
     if (isKeyword("STATISTICS"))
         refuse("UPDATE STATISTICS");
     Update update;
-    update.top = parseTop();
+    update.top = m_parsers.queries.parseTop();
     update.table = parseTableName();
-    parseTableHints();
+    m_parsers.sources.parseTableHints();
     expectKeyword("SET");
     do {
         Assignment assignment;
@@ -82,26 +61,26 @@ StatementPtr Parser::parseUpdate()
         if (hasColumn) {
             const ObjectName column = parseObjectName();
             assignment.column = column.object();
-            assignment.value = parseCompound(make(ColumnReference{column}));
+            assignment.value = m_parsers.expressions.parseCompound(make(ColumnReference{column}));
             if (!assignment.value)
                 expectSymbol("=");
         }
         if (!assignment.value && !(hasColumn && acceptKeyword("DEFAULT")))
-            assignment.value = parseExpression();
+            assignment.value = m_parsers.expressions.parseExpression();
         update.assignments.push_back(std::move(assignment));
     } while (acceptSymbol(","));
     if (isKeyword("OUTPUT"))
         refuse("the OUTPUT clause");
     if (acceptKeyword("FROM"))
-        update.from = parseFrom();
+        update.from = m_parsers.sources.parseFrom();
     if (acceptKeyword("WHERE"))
-        update.where = parseCondition();
-    parseOption();
+        update.where = m_parsers.expressions.parseCondition();
+    m_parsers.queries.parseOption();
     return statement(std::move(update));
 }
 
 /// UPDATETEXT table.column pointer offset length data. It is the UPDATE of a row that it means.
-StatementPtr Parser::parseUpdateText()
+StatementPtr ChangeParser::parseUpdateText()
 {
     expectKeyword("UPDATETEXT");
     ObjectName column = parseObjectName();
@@ -120,7 +99,7 @@ StatementPtr Parser::parseUpdateText()
                              token.kind == TokenKind::String || token.kind == TokenKind::UnicodeString;
         if (!literal && !isKeyword("NULL"))
             failHere();
-        ++m_at;
+        advance();
         return std::string(token.source);
     };
     const std::string pointer = operand(), offset = operand(), length = operand();
@@ -135,38 +114,39 @@ StatementPtr Parser::parseUpdateText()
                             ", 2147483646 - " + start + "), 2147483647) WHERE TEXTPTR(" + name +
                             ") = " + pointer;
     ParserOptions options;
-    options.declaredVariables.assign(m_declared.begin(), m_declared.end());
+    options.declaredVariables.assign(m_context.declared.begin(), m_context.declared.end());
     StatementPtr update = std::move(parseBatch(sql, options).at(0));
     std::get<Update>(update->node).isSilent = true;
     return update;
 }
 
-StatementPtr Parser::parseDelete()
+StatementPtr ChangeParser::parseDelete()
 {
     expectKeyword("DELETE");
     Delete node;
-    node.top = parseTop();
+    node.top = m_parsers.queries.parseTop();
     acceptKeyword("FROM");
     node.table = parseTableName();
-    parseTableHints();
+    m_parsers.sources.parseTableHints();
     if (isKeyword("OUTPUT"))
         refuse("the OUTPUT clause");
     if (acceptKeyword("FROM"))
-        node.from = parseFrom();
+        node.from = m_parsers.sources.parseFrom();
     if (acceptKeyword("WHERE"))
-        node.where = parseCondition();
-    parseOption();
+        node.where = m_parsers.expressions.parseCondition();
+    m_parsers.queries.parseOption();
     return statement(std::move(node));
 }
 
-std::vector<std::vector<ExpressionPtr>> Parser::parseRows(bool allowDefault)
+std::vector<std::vector<ExpressionPtr>> ChangeParser::parseRows(bool allowDefault)
 {
     std::vector<std::vector<ExpressionPtr>> rows;
     do {
         expectSymbol("(");
         std::vector<ExpressionPtr> row;
         do
-            row.push_back(allowDefault && acceptKeyword("DEFAULT") ? nullptr : parseExpression());
+            row.push_back(allowDefault && acceptKeyword("DEFAULT") ? nullptr
+                                                                   : m_parsers.expressions.parseExpression());
         while (acceptSymbol(","));
         expectSymbol(")");
         rows.push_back(std::move(row));

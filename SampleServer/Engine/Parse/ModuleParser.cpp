@@ -1,20 +1,20 @@
+#include "Engine/Parse/ModuleParser.h"
 #include "Engine/Errors.h"
-#include "Engine/Parse/Parser.h"
+#include "Engine/Parse/Parsers.h"
 #include "Types/Collation.h"
 
-// CREATE and ALTER of views, procedures, functions and triggers.
 namespace SampleServer {
 
 using namespace Ast;
 
-bool Parser::atModule() const
+bool ModuleParser::atModule() const
 {
     return isKeyword("VIEW") || isKeyword("PROCEDURE") || isKeyword("PROC") || isKeyword("FUNCTION") ||
            isKeyword("TRIGGER");
 }
 
 /// A module is the whole batch: nothing may stand before it, and all that follows belongs to it.
-StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
+StatementPtr ModuleParser::parseModule(std::size_t start, bool create, bool alter)
 {
     const std::string word = current().keyword;
     const bool isProcedure = word == "PROCEDURE" || word == "PROC";
@@ -29,10 +29,10 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
                          ErrorEffect::EndsBatch),
              current().line);
     const Token &keyword = current();
-    ++m_at;
+    advance();
     auto definition = std::make_shared<ModuleDefinition>();
     definition->name = parseObjectName();
-    m_module = definition->name.object();
+    m_context.module = definition->name.object();
     if (word == "VIEW")
         parseViewRest(*definition);
     else if (word == "FUNCTION")
@@ -42,10 +42,10 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
     else
         parseProcedureRest(*definition);
     // The catalog keeps the text as if it had been created with CREATE.
-    const Token &first = m_tokens[start];
+    const Token &first = m_context.tokens[start];
     CreateModule node;
-    node.text =
-        std::string(m_sql.substr(0, first.offset)) + "CREATE " + std::string(m_sql.substr(keyword.offset));
+    node.text = std::string(m_context.sql.substr(0, first.offset)) + "CREATE " +
+                std::string(m_context.sql.substr(keyword.offset));
     node.definition = std::move(definition);
     node.create = create;
     node.alter = alter;
@@ -53,16 +53,16 @@ StatementPtr Parser::parseModule(std::size_t start, bool create, bool alter)
 }
 
 /// WITH ENCRYPTION, SCHEMABINDING, RECOMPILE, EXECUTE AS ...
-void Parser::parseModuleOptions(ModuleDefinition &module)
+void ModuleParser::parseModuleOptions(ModuleDefinition &module)
 {
     if (!acceptKeyword("WITH"))
         return;
     do {
         const std::string option = current().keyword;
-        ++m_at;
+        advance();
         if (option == "EXECUTE" || option == "EXEC") {
             expectKeyword("AS");
-            ++m_at;
+            advance();
         } else if (option == "RETURNS") {
             expectKeyword("NULL");
             expectKeyword("ON");
@@ -74,21 +74,21 @@ void Parser::parseModuleOptions(ModuleDefinition &module)
         } else if (option == "SCHEMABINDING") {
             module.schemaBound = true;
         } else if (option != "RECOMPILE" && option != "VIEW_METADATA") {
-            --m_at;
+            --m_context.at;
             refuse("WITH " + option);
         }
     } while (acceptSymbol(","));
 }
 
-void Parser::parseViewRest(ModuleDefinition &module)
+void ModuleParser::parseViewRest(ModuleDefinition &module)
 {
     module.kind = ObjectKind::View;
     if (isSymbol("("))
-        for (KeyColumn &column : parseKeyColumns())
+        for (KeyColumn &column : m_parsers.tables.parseKeyColumns())
             module.columns.push_back(std::move(column.name));
     parseModuleOptions(module);
     expectKeyword("AS");
-    module.query = parseSelect();
+    module.query = m_parsers.queries.parseSelect();
     if (acceptKeyword("WITH")) {
         expectKeyword("CHECK");
         expectKeyword("OPTION");
@@ -99,36 +99,35 @@ void Parser::parseViewRest(ModuleDefinition &module)
         failHere();
 }
 
-void Parser::parseParameters(ModuleDefinition &module)
+void ModuleParser::parseParameters(ModuleDefinition &module)
 {
     while (current().kind == TokenKind::Variable) {
         ParameterDefinition parameter;
         parameter.name = current().value;
-        if (!m_declared.insert(foldedName(parameter.name)).second)
+        if (!m_context.declared.insert(foldedName(parameter.name)).second)
             fail(Errors::variableAlreadyDeclared(parameter.name), current().line);
-        ++m_at;
+        advance();
         acceptKeyword("AS");
         if (isKeyword("CURSOR"))
             refuse("cursors");
         parameter.type = parseTypeName();
         if (acceptKeyword("NULL")) { // as natively compiled procedures may say
         } else if (isKeyword("NOT") && ahead(1).keyword == "NULL") {
-            m_at += 2;
+            advance(2);
         }
         if (acceptSymbol("=")) {
             const bool bareWord = isName() && current().kind == TokenKind::Word;
             if (bareWord)
-                parameter.defaultValue =
-                    make(Literal{{TypeId::NVarChar, 128, 0, 0}, Value(m_tokens[m_at++].value)});
+                parameter.defaultValue = make(Literal{{TypeId::NVarChar, 128, 0, 0}, Value(take().value)});
             else
-                parameter.defaultValue = parseExpression();
+                parameter.defaultValue = m_parsers.expressions.parseExpression();
         }
         parameter.output = acceptKeyword("OUTPUT") || acceptKeyword("OUT");
         if (isKeyword("READONLY")) {
-            ++m_at;
+            advance();
             parameter.readOnly = true;
-            m_declared.erase(foldedName(parameter.name));
-            m_declaredTables.insert(foldedName(parameter.name));
+            m_context.declared.erase(foldedName(parameter.name));
+            m_context.declaredTables.insert(foldedName(parameter.name));
         }
         module.parameters.push_back(std::move(parameter));
         if (!acceptSymbol(","))
@@ -136,11 +135,11 @@ void Parser::parseParameters(ModuleDefinition &module)
     }
 }
 
-void Parser::parseProcedureRest(ModuleDefinition &module)
+void ModuleParser::parseProcedureRest(ModuleDefinition &module)
 {
     module.kind = ObjectKind::Procedure;
     if (acceptSymbol(";")) // ;1, the number of a procedure, has no effect
-        ++m_at;
+        advance();
     const bool parenthesized = acceptSymbol("(");
     parseParameters(module);
     if (parenthesized)
@@ -151,31 +150,31 @@ void Parser::parseProcedureRest(ModuleDefinition &module)
     }
     if (acceptKeyword("AS") && isKeyword("EXTERNAL"))
         refuse("CLR modules");
-    m_mayReturnValue = true;
-    module.statements = parseStatements();
+    m_context.mayReturnValue = true;
+    module.statements = m_parsers.statements.parseStatements();
 }
 
-void Parser::parseFunctionRest(ModuleDefinition &module)
+void ModuleParser::parseFunctionRest(ModuleDefinition &module)
 {
     expectSymbol("(");
     parseParameters(module);
     expectSymbol(")");
     if (!isKeyword("RETURNS"))
         failHere();
-    ++m_at;
+    advance();
     if (acceptKeyword("TABLE"))
         return parseInlineBody(module);
     if (current().kind == TokenKind::Variable) {
         module.kind = ObjectKind::TableFunction;
         module.resultTable.name.parts = {current().value};
-        m_declaredTables.insert(foldedName(current().value));
-        ++m_at;
+        m_context.declaredTables.insert(foldedName(current().value));
+        advance();
         expectKeyword("TABLE");
-        parseTableElements(module.resultTable);
+        m_parsers.tables.parseTableElements(module.resultTable);
     } else {
         module.kind = ObjectKind::ScalarFunction;
         module.returns = parseTypeName();
-        m_mayReturnValue = true;
+        m_context.mayReturnValue = true;
     }
     parseModuleOptions(module);
     acceptKeyword("AS");
@@ -183,11 +182,11 @@ void Parser::parseFunctionRest(ModuleDefinition &module)
         refuse("CLR modules");
     if (!isKeyword("BEGIN"))
         failHere();
-    module.statements = parseStatements();
+    module.statements = m_parsers.statements.parseStatements();
 }
 
 /// RETURN (query) of an inline function.
-void Parser::parseInlineBody(ModuleDefinition &module)
+void ModuleParser::parseInlineBody(ModuleDefinition &module)
 {
     module.kind = ObjectKind::InlineFunction;
     parseModuleOptions(module);
@@ -197,10 +196,10 @@ void Parser::parseInlineBody(ModuleDefinition &module)
     while (isSymbol("(") &&
            (ahead(1).keyword == "WITH" || ahead(1).source == "(" || ahead(1).keyword == "SELECT") &&
            !(ahead(1).keyword == "SELECT" && closesBeforeSetOperator())) {
-        ++m_at;
+        advance();
         ++parentheses;
     }
-    module.query = parseSelect();
+    module.query = m_parsers.queries.parseSelect();
     for (; parentheses > 0; --parentheses)
         expectSymbol(")");
     while (acceptSymbol(";")) {
@@ -210,7 +209,7 @@ void Parser::parseInlineBody(ModuleDefinition &module)
 }
 
 /// Whether the parenthesis here is one of (SELECT ...) UNION (SELECT ...), not one around the whole query.
-bool Parser::closesBeforeSetOperator() const
+bool ModuleParser::closesBeforeSetOperator() const
 {
     std::size_t at = 0;
     for (int depth = 0; ahead(at).kind != TokenKind::End; ++at) {
@@ -222,7 +221,7 @@ bool Parser::closesBeforeSetOperator() const
     return next == "UNION" || next == "EXCEPT" || next == "INTERSECT";
 }
 
-void Parser::parseTriggerRest(ModuleDefinition &module)
+void ModuleParser::parseTriggerRest(ModuleDefinition &module)
 {
     module.kind = ObjectKind::Trigger;
     expectKeyword("ON");
@@ -231,13 +230,13 @@ void Parser::parseTriggerRest(ModuleDefinition &module)
     module.parent = parseObjectName();
     parseModuleOptions(module);
     if (isKeyword("INSTEAD")) {
-        ++m_at;
+        advance();
         expectKeyword("OF");
         module.insteadOf = true;
     } else if (!acceptKeyword("FOR")) {
         if (!isKeyword("AFTER"))
             failHere();
-        ++m_at;
+        advance();
     }
     do {
         if (acceptKeyword("INSERT"))
@@ -256,7 +255,7 @@ void Parser::parseTriggerRest(ModuleDefinition &module)
         expectKeyword("REPLICATION");
     }
     expectKeyword("AS");
-    module.statements = parseStatements();
+    module.statements = m_parsers.statements.parseStatements();
 }
 
 } // namespace SampleServer

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Engine/Edition.h"
+#include "Engine/Parse/Lexer.h"
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace SampleServer {
+
+/// What the parsers of one batch share: its tokens, the place in them, and what is allowed there.
+struct ParseContext
+{
+    std::string_view sql;
+    std::vector<Token> tokens; ///< the last one is End
+    Edition edition = Edition::Sql2022;
+    std::size_t at = 0;
+    int nesting = 0;
+    int setOperators = 0; ///< of the statement
+    int statementLine = 1;
+    int loops = 0;                        ///< how many WHILE loops are around
+    std::string module;                   ///< the one that is defined here, for errors
+    bool allowsColumns = true;            ///< not in DEFAULT
+    bool allowsSubqueries = true;         ///< not in constraints and PRINT
+    std::set<std::string> declared;       ///< folded names of the variables declared so far
+    std::set<std::string> declaredTables; ///< likewise of table variables
+    std::set<std::string> mayBeTables;    ///< declared with what may be a table type
+    bool mayReturnValue = false;          ///< RETURN takes a value here
+};
+
+} // namespace SampleServer
