@@ -52,6 +52,43 @@ void requireKeyType(const TableColumn &column, const Table &table)
                           ErrorEffect::EndsBatch);
 }
 
+/// Throws 1776 unless the columns at these positions are a key of the table.
+void requireCandidateKey(const Table &referenced, const std::vector<std::size_t> &columns,
+                         const ForeignKey &key)
+{
+    const bool isKey =
+        std::any_of(referenced.indexes.begin(), referenced.indexes.end(), [&](const TableIndex &index) {
+            return index.unique && !index.filter && index.columns.size() == columns.size() &&
+                   std::is_permutation(index.columns.begin(), index.columns.end(), columns.begin());
+        });
+    if (!isKey)
+        throw EngineError(
+            1776, 16, 0,
+            "There are no primary or candidate keys in the referenced table '" + referenced.name +
+                "' that match the referencing column list in the foreign key '" + key.constraint.name + "'.",
+            ErrorEffect::EndsBatch);
+}
+
+/// Throws 1778 and 1761 unless a column can refer to the other.
+void requireReference(const Table &table, const TableColumn &own, const Table &referenced,
+                      const TableColumn &other, const ForeignKey &key)
+{
+    if (own.type != other.type)
+        throw EngineError(1778, 16, 0,
+                          "Column '" + referenced.name + '.' + other.name +
+                              "' is not the same data type as referencing column '" + table.name + '.' +
+                              own.name + "' in foreign key '" + key.constraint.name + "'.",
+                          ErrorEffect::EndsBatch);
+    const bool setsNull =
+        key.onDelete == ReferentialAction::SetNull || key.onUpdate == ReferentialAction::SetNull;
+    if (setsNull && !own.nullable)
+        throw EngineError(1761, 16, 0,
+                          "Cannot create the foreign key \"" + key.constraint.name +
+                              "\" with the SET NULL referential action, because one or more referencing "
+                              "columns are not nullable.",
+                          ErrorEffect::EndsBatch);
+}
+
 } // namespace
 
 TableBuilder::TableBuilder(QueryExecutor &queries, Table table, DatabasePtr database)
@@ -281,34 +318,10 @@ void TableBuilder::addForeignKey(const Ast::Constraint &constraint, bool trusted
         places.push_back(*place);
         key.referencedColumns.push_back(referenced.columns[*place].id);
     }
-    const bool isKey =
-        std::any_of(referenced.indexes.begin(), referenced.indexes.end(), [&](const TableIndex &i) {
-            return i.unique && !i.filter && i.columns.size() == places.size() &&
-                   std::is_permutation(i.columns.begin(), i.columns.end(), places.begin());
-        });
-    if (!isKey)
-        throw EngineError(
-            1776, 16, 0,
-            "There are no primary or candidate keys in the referenced table '" + referenced.name +
-                "' that match the referencing column list in the foreign key '" + key.constraint.name + "'.",
-            ErrorEffect::EndsBatch);
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        const TableColumn &own = m_table.columns[key.columns[i]], &other = referenced.columns[places[i]];
-        if (own.type != other.type)
-            throw EngineError(1778, 16, 0,
-                              "Column '" + referenced.name + '.' + other.name +
-                                  "' is not the same data type as referencing column '" + m_table.name + '.' +
-                                  own.name + "' in foreign key '" + key.constraint.name + "'.",
-                              ErrorEffect::EndsBatch);
-        const bool setsNull =
-            key.onDelete == ReferentialAction::SetNull || key.onUpdate == ReferentialAction::SetNull;
-        if (setsNull && !own.nullable)
-            throw EngineError(1761, 16, 0,
-                              "Cannot create the foreign key \"" + key.constraint.name +
-                                  "\" with the SET NULL referential action, because one or more referencing "
-                                  "columns are not nullable.",
-                              ErrorEffect::EndsBatch);
-    }
+    requireCandidateKey(referenced, places, key);
+    for (std::size_t i = 0; i < places.size(); ++i)
+        requireReference(m_table, m_table.columns[key.columns[i]], referenced, referenced.columns[places[i]],
+                         key);
     m_table.foreignKeys.push_back(std::move(key));
 }
 
