@@ -75,7 +75,7 @@ private:
     bool runBatches(VantorDatabaseClient &running, KNStatementOutcome *outcome);
     bool runBatch(const KNQueryDetails &batch, VantorDatabaseClient &running, KNStatementOutcome *outcome);
     void commit(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
-    static void rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    void rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
     KNError mapped(const KNStatementOutcome &outcome) const;
 };
 
@@ -222,15 +222,19 @@ void KNStatementRun::Work::commit(VantorDatabaseClient &running, KNStatementOutc
         outcome->changes = Changes::Unknown;
 }
 
-/// A server rolls back by itself when a connection is lost, and after some errors.
-void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome)
+/// A server rolls back by itself when a connection is lost, and after some errors. A script may also have
+/// ended the transaction itself.
+void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
 {
     outcome->changes = Changes::None;
     if (!running.isConnected())
         return;
     KNError ignored;
-    if (running.isInTransaction(&ignored) == false)
+    if (running.isInTransaction(&ignored) == false) {
+        if (running.mayChangeTransaction(request.script))
+            outcome->changes = Changes::Unknown;
         return;
+    }
     running.rollbackTransaction(&outcome->rollbackError);
     if (outcome->rollbackError && running.isConnected())
         outcome->changes = Changes::Unknown;

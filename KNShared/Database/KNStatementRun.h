@@ -26,10 +26,12 @@ struct KNSHARED_EXPORT KNStatementOutcome
 {
     /// What the statements that ran have left on the server.
     enum class Changes {
-        All,     ///< the script has run to its end
-        None,    ///< nothing was run, or everything was rolled back
-        Some,    ///< what ran before the failure or the cancel may remain
-        Unknown, ///< the connection was lost during the commit, or the rollback failed
+        All,  ///< the script has run to its end
+        None, ///< nothing was run, or everything was rolled back
+        Some, ///< what ran before the failure or the cancel may remain
+        /// The connection was lost during the commit, the rollback failed, or the script may have ended the
+        /// transaction itself.
+        Unknown,
     };
 
     /// Why the script has failed. The user info holds the failing batch under "Query".

@@ -5,6 +5,7 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
+#include "QueryLoader/KNStatementPair.h"
 #include "Support/PrintQt.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
@@ -19,7 +20,6 @@
 #include "UI/Workspace/KNProgressSheet.h"
 #include "UI/Workspace/KNQueryPreview.h"
 #include "UI/Workspace/KNQueryPreviewDialog.h"
-#include "QueryLoader/KNStatementPair.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QAbstractButton>
@@ -118,7 +118,8 @@ private:
             text.contains(QLatin1String("Microsoft SQL Server 2022")); // the server's own words
         if (text.contains(Mark) || !text.contains(words) || isData)
             return;
-        const QString entry = QString::fromLatin1(owner.metaObject()->className()) + QStringLiteral(": ") + text;
+        const QString entry =
+            QString::fromLatin1(owner.metaObject()->className()) + QStringLiteral(": ") + text;
         if (!m_texts.contains(entry))
             m_texts.append(entry);
     }
@@ -153,7 +154,8 @@ const KNConnectorUserInterface &connector()
 
 TEST_F(Translations, ReachTheMainWindow)
 {
-    const VantorDBCPtr details = DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"));
+    const VantorDBCPtr details =
+        DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"));
     details->setConnectionId(QStringLiteral("translated"));
     details->setAlias(QStringLiteral("the shop"));
     auto window = std::make_unique<MainWindow>(*details, &connector());
