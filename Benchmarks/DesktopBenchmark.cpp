@@ -5,8 +5,10 @@
 #include "Desktop/Application.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/Theme.h"
+#include "Desktop/Query/QueryTab.h"
 #include "Foundation/KNDispatch.h"
 #include "SQL/KNQuerySplitter.h"
+#include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNResultsPane.h"
 
@@ -79,7 +81,7 @@ double secondsToReadWithoutWindow(const VantorDBC &details)
 
 double secondsToShow(MainWindow &window)
 {
-    QueryTab *const tab = window.currentTab();
+    auto *const tab = qobject_cast<QueryTab *>(window.currentDocument());
     tab->setText(Query);
     QElapsedTimer timer;
     timer.start();

@@ -65,7 +65,8 @@ MainWindow *Application::openConnection(const VantorDBC &details)
 
 const KNConnectorUserInterface *Application::connectorWindows() const
 {
-    return dynamic_cast<const KNConnectorUserInterface *>(m_connector);
+    // By the interface's name, which holds its version: a module may be older than the program.
+    return qobject_cast<KNConnectorUserInterface *>(dynamic_cast<QObject *>(m_connector));
 }
 
 void Application::openSampleServer()

@@ -8,6 +8,8 @@
 #include <deque>
 #include <variant>
 
+class QTimer;
+
 /// What the server says about a run: for each result its messages and its summary. Errors are red. A click on
 /// a message, or Return, goes to its line. Long lists are put in piece by piece, so that the program stays
 /// free. On the UI thread.

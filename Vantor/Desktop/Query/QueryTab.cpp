@@ -2,6 +2,7 @@
 
 #include "Desktop/Query/ClosePrompts.h"
 #include "Desktop/Query/DatabaseBox.h"
+#include "Desktop/Query/EditorActions.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryRun.h"
@@ -252,37 +253,7 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        return performInEditor(action);
-    }
-}
-
-void QueryTab::performInEditor(KNDocumentAction action)
-{
-    switch (action) {
-    case KNDocumentAction::Find:
-        return m_findBar->showFind();
-    case KNDocumentAction::Replace:
-        return m_findBar->showReplace();
-    case KNDocumentAction::FindNext:
-        return m_findBar->findNext();
-    case KNDocumentAction::FindPrevious:
-        return m_findBar->findPrevious();
-    case KNDocumentAction::ToggleComment:
-        return m_editor->toggleComment();
-    case KNDocumentAction::CommentLines:
-        return m_editor->commentLines();
-    case KNDocumentAction::UncommentLines:
-        return m_editor->uncommentLines();
-    case KNDocumentAction::GoToLine:
-        return m_editor->askForLine();
-    case KNDocumentAction::ZoomIn:
-        return m_editor->zoomIn();
-    case KNDocumentAction::ZoomOut:
-        return m_editor->zoomOut();
-    case KNDocumentAction::ResetZoom:
-        return m_editor->resetZoom();
-    default:
-        return;
+        return performEditorAction(action, *m_editor, *m_findBar);
     }
 }
 

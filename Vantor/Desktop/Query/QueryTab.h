@@ -15,6 +15,7 @@ class KNSQLEditor;
 class MessagesView;
 class QSplitter;
 class QTabWidget;
+class QTimer;
 class QueryDocument;
 class QueryRun;
 class VantorTabConnection;
@@ -87,7 +88,6 @@ Q_SIGNALS:
 private:
     void arrange();
     void connectParts();
-    void performInEditor(KNDocumentAction action);
     void start(QueryRequest request);
     void showNewResults();
     void finishRun();

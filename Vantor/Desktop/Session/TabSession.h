@@ -9,6 +9,7 @@
 #include <memory>
 
 class KNDocumentTab;
+class QTimer;
 
 /// Remembers the documents of one connection while the user works with them, in files below the XDG state
 /// folder, so that they are restored at the next start, also after a crash. Writes in the background, at most
