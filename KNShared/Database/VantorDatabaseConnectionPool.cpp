@@ -92,7 +92,7 @@ VantorDatabaseConnectionPool::VantorDatabaseConnectionPool()
 
 VantorDatabaseConnectionPool::VantorDatabaseConnectionPool(Limits limits)
     : m_limits(limits)
-    , m_caretaker([this] { closeExpired(); })
+    , m_reaper([this] { closeExpired(); })
 {
 }
 
@@ -168,17 +168,17 @@ bool VantorDatabaseConnectionPool::connectClient(VantorDatabaseClient &client, K
 VantorDatabaseConnectionPool::Client
 VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, const Connecting &connecting)
 {
-    Experience experience = experienceWith(details);
-    const bool isInformed = experience.learned && !experience.isUnreliable;
-    const VantorDBCPtr settings = isInformed ? experience.learned->copy() : details.copy();
-    if (experience.isUnreliable)
+    LoginHints hints = loginHintsFor(details);
+    const bool isInformed = hints.settings && !hints.isUnreliable;
+    const VantorDBCPtr settings = isInformed ? hints.settings->copy() : details.copy();
+    if (hints.isUnreliable)
         settings->setConnectedWithDetails({});
     Client client = settings->createNewClient();
     bool isConnected = connectClient(*client, error, connecting);
     if (!isConnected && VantorLoginProblemOf(*error) == VantorLoginProblem::Unknown) {
-        experience.isUnreliable = true;
+        hints.isUnreliable = true;
         if (isInformed) {
-            // The same login has succeeded before, so it is what was learned that does not hold any more.
+            // The same login has succeeded before, so the hints do not hold any more.
             const VantorDBCPtr uninformed = details.copy();
             uninformed->setConnectedWithDetails({});
             client = uninformed->createNewClient();
@@ -186,8 +186,8 @@ VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, 
         }
     }
     if (isConnected)
-        experience.learned = client->databaseConnectionDetails().copy();
-    remember(experience);
+        hints.settings = client->databaseConnectionDetails().copy();
+    remember(hints);
     return isConnected ? std::move(client) : nullptr;
 }
 
@@ -221,17 +221,17 @@ void VantorDatabaseConnectionPool::rememberRefusal(const VantorDBC &details, con
     if (problem != VantorLoginProblem::LoginRefused)
         return;
     // The password has changed since: the next logins wait for each other again.
-    for (Experience &experience : m_experiences) {
-        if (experience.details->usesSameLogin(details))
-            experience.learned = nullptr;
+    for (LoginHints &hints : m_loginHints) {
+        if (hints.details->usesSameLogin(details))
+            hints.settings = nullptr;
     }
 }
 
 /// Whether the account has logged in before. The mutex must be held.
 bool VantorDatabaseConnectionPool::hasLoggedIn(const VantorDBC &details) const
 {
-    return std::any_of(m_experiences.begin(), m_experiences.end(), [&](const Experience &experience) {
-        return experience.learned && experience.details->usesSameLogin(details);
+    return std::any_of(m_loginHints.begin(), m_loginHints.end(), [&](const LoginHints &hints) {
+        return hints.settings && hints.details->usesSameLogin(details);
     });
 }
 
@@ -255,8 +255,8 @@ void VantorDatabaseConnectionPool::end()
         m_isEnding = true;
     }
     m_changed.notify_all();
-    if (m_caretaker.joinable())
-        m_caretaker.join();
+    if (m_reaper.joinable())
+        m_reaper.join();
     closeIdleClients();
 }
 
@@ -302,30 +302,30 @@ void VantorDatabaseConnectionPool::dropIdle(const VantorDBC &details)
     closing = m_idle.takeAll(details);
 }
 
-VantorDatabaseConnectionPool::Experience
-VantorDatabaseConnectionPool::experienceWith(const VantorDBC &details) const
+VantorDatabaseConnectionPool::LoginHints
+VantorDatabaseConnectionPool::loginHintsFor(const VantorDBC &details) const
 {
     const std::lock_guard lock(m_mutex);
-    for (const Experience &experience : m_experiences) {
-        if (experience.details->opensSameSession(details))
-            return experience;
+    for (const LoginHints &hints : m_loginHints) {
+        if (hints.details->opensSameSession(details))
+            return hints;
     }
     return {details.copy(), nullptr, false};
 }
 
-void VantorDatabaseConnectionPool::remember(const Experience &experience)
+void VantorDatabaseConnectionPool::remember(const LoginHints &hints)
 {
     const std::lock_guard lock(m_mutex);
-    for (Experience &known : m_experiences) {
-        if (known.details->opensSameSession(*experience.details)) {
-            known = experience;
+    for (LoginHints &known : m_loginHints) {
+        if (known.details->opensSameSession(*hints.details)) {
+            known = hints;
             return;
         }
     }
-    m_experiences.push_back(experience);
+    m_loginHints.push_back(hints);
 }
 
-/// The caretaker's work, to the end of the pool.
+/// Closes expired idle clients until the pool ends.
 void VantorDatabaseConnectionPool::closeExpired()
 {
     std::unique_lock lock(m_mutex);

@@ -61,11 +61,11 @@ public:
 private:
     using Client = std::unique_ptr<VantorDatabaseClient>;
 
-    /// What logins with the same settings have found out about the server.
-    struct Experience
+    /// What logins with equal settings have found out about the server.
+    struct LoginHints
     {
         VantorDBCPtr details;
-        VantorDBCPtr learned;      ///< the settings with what the last login found out; null before it
+        VantorDBCPtr settings;     ///< with what the last login found out; null before a login
         bool isUnreliable = false; ///< it did not hold once: every login has to find out anew
     };
 
@@ -86,18 +86,18 @@ private:
     Client borrow(const VantorDBC &details, KNError *error);
     void giveBack(const VantorDBC &details, Client client);
     void dropIdle(const VantorDBC &details);
-    Experience experienceWith(const VantorDBC &details) const;
-    void remember(const Experience &experience);
+    LoginHints loginHintsFor(const VantorDBC &details) const;
+    void remember(const LoginHints &hints);
     void closeExpired();
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;                      ///< a client has become idle, or this is the end
     VantorIdleClients m_idle;                               ///< guarded by m_mutex
-    std::vector<Experience> m_experiences;                  ///< guarded by m_mutex
+    std::vector<LoginHints> m_loginHints;                   ///< guarded by m_mutex
     std::vector<Refusal> m_refusals;                        ///< guarded by m_mutex
     std::vector<std::shared_ptr<FirstLogin>> m_firstLogins; ///< that are going on; guarded by m_mutex
     std::condition_variable m_firstLoginEnded;
     bool m_isEnding = false; ///< guarded by m_mutex
-    std::thread m_caretaker; ///< closes what was idle for too long
+    std::thread m_reaper;    ///< closes what was idle for too long
 };
