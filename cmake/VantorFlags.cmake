@@ -1,8 +1,9 @@
-# The one place for compiler flags: every target of the house links Vantor::Flags.
+# The one place for compiler flags: every target links Vantor::Flags.
 add_library(VantorFlags INTERFACE)
 add_library(Vantor::Flags ALIAS VantorFlags)
 
 option(VANTOR_WERROR "Treat warnings as errors" OFF)
+option(VANTOR_PLAIN "Compile each file by itself, without precompiled headers" OFF)
 option(VANTOR_FUZZ "Build the fuzz targets for libFuzzer; needs clang" OFF)
 set(VANTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
@@ -20,22 +21,32 @@ if(VANTOR_SANITIZE)
   # GCC 12 sees uninitialised values that are none where it instruments memory accesses.
   target_compile_options(VantorFlags INTERFACE
     -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer
-    # Checks before every access that make compiling three times as long; what they find crashes, or the address
-    # sanitizer sees it.
-    -fno-sanitize=null,object-size,alignment,vptr
+    # These check every access and make compiling three times as long: targets ask for them (vantor_check_accesses).
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VANTOR_CHECK_ACCESSES>>>:-fno-sanitize=null$<COMMA>object-size$<COMMA>alignment$<COMMA>vptr>
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
 endif()
 
 # Precompiles the standard headers that nearly every file of a target without Qt includes.
 function(vantor_precompile_std target)
+  if(VANTOR_PLAIN)
+    return()
+  endif()
   target_precompile_headers(${target} PRIVATE
     <algorithm> <cstdint> <functional> <map> <memory> <mutex> <optional> <set> <span> <stdexcept> <string>
     <string_view> <unordered_map> <variant> <vector>)
 endfunction()
 
+# Checks null, alignment, size and dynamic type at every access of a target in a sanitized build.
+function(vantor_check_accesses target)
+  set_target_properties(${target} PROPERTIES VANTOR_CHECK_ACCESSES ON)
+endfunction()
+
 # Precompiles the Qt headers that nearly every file of a target includes.
 function(vantor_precompile_qt target)
+  if(VANTOR_PLAIN)
+    return()
+  endif()
   target_precompile_headers(${target} PRIVATE
     <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList> <QVariant>
     <atomic> <functional> <memory> <mutex> <optional> <string> <vector>)
@@ -43,6 +54,9 @@ endfunction()
 
 # The same for targets with windows.
 function(vantor_precompile_widgets target)
+  if(VANTOR_PLAIN)
+    return()
+  endif()
   target_precompile_headers(${target} PRIVATE
     <QAction> <QBoxLayout> <QDialog> <QHash> <QLabel> <QLineEdit> <QList> <QMenu> <QPushButton> <QString> <QStringList>
     <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
@@ -51,6 +65,9 @@ endfunction()
 # Compiles a library's files several at a time: parsing headers is most of the work. Names in anonymous namespaces must
 # then differ within the library.
 function(vantor_compile_together target)
+  if(VANTOR_PLAIN)
+    return()
+  endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
   # The file that is compiled includes the others: what is in their anonymous namespaces looks as if it came from headers.
   target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
