@@ -9,7 +9,7 @@
 #include "Support/WindowTesting.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
-#include "UI/Connecting/KNProgressMark.h"
+#include "UI/Dialogs/KNProgressMark.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/Results/KNResultGridView.h"
