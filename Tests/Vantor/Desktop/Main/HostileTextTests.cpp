@@ -2,6 +2,7 @@
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/MessagesView.h"
+#include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Foundation/KNFormat.h"
 #include "Support/PrintQt.h"
@@ -9,8 +10,8 @@
 #include "Support/WindowTesting.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
-#include "UI/Dialogs/KNProgressMark.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/Dialogs/KNProgressMark.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNResultSection.h"
@@ -72,7 +73,7 @@ protected:
         EXPECT_TRUE(WindowTesting::settle());
     }
 
-    QueryTab *tab() const { return m_window->currentTab(); }
+    QueryTab *tab() const { return qobject_cast<QueryTab *>(m_window->currentDocument()); }
     void run(const QString &text)
     {
         tab()->editor()->selectAll();
@@ -137,7 +138,7 @@ TEST_F(HostileTexts, OfResultsAndMessagesAreShownAsTheyAre)
     run(KNFormat("SELECT N'%@' AS ", longText) +
         withMarkup("[{}], 1 AS [{}2]\nPRINT N'{}'\nRAISERROR(N'{}', 16, 1)\nGO\n"
                    "SELECT * FROM [{}]"));
-    EXPECT_GE(tab()->messages()->toPlainText().count(Markup), 3)
+    EXPECT_TRUE(waitFor([&] { return tab()->messages()->toPlainText().count(Markup) >= 3; }))
         << tab()->messages()->toPlainText().toStdString();
     tab()->resultsPane()->setShowsTabs(true);
     EXPECT_TRUE(WindowTesting::settle());
@@ -229,7 +230,7 @@ TEST_F(HostileTexts, OfAFileAreShownAsTheyAreInTheTabsTitle)
     file.close();
     m_window->openFiles({path});
     EXPECT_EQ(missing(placesIn(*m_window), {QStringLiteral("tab"), QStringLiteral("tab's toolTip"),
-                                            QStringLiteral("tooltip over QTabWidget")}),
+                                            QStringLiteral("tooltip over DocumentTabs")}),
               QStringList());
 }
 
@@ -255,7 +256,10 @@ TEST(HostileTextsOfConnecting, AreShownAsTheyAre)
     StatusLine line;
     line.setServer(Markup, Markup);
     line.setLogin(Markup);
-    line.showStatus({.database = Markup});
+    KNDocumentStatus status;
+    status.text = Markup;
+    status.database = Markup;
+    line.showStatus(status);
     KNProgressMark mark(Markup);
     mark.fail(Markup);
     KNPasswordWindowController password(Markup, nullptr);
