@@ -10,6 +10,11 @@ KNQueryReport KNQueryLoader::report() const
     return m_report;
 }
 
+bool KNQueryLoader::writeQuery(const VantorDBC &, QIODevice &, KNQueryReport *) const
+{
+    return false;
+}
+
 void KNQueryLoader::deliver(QString query, KNQueryReport report)
 {
     if (m_review && !query.isNull())

@@ -10,6 +10,7 @@
 #include <mutex>
 
 class KNQueryLoader;
+class QIODevice;
 class VantorDBC;
 
 /// Receives the text that a KNQueryLoader makes.
@@ -46,6 +47,12 @@ public:
     /// A loader that asks the server returns at once and delivers on a thread of the global queue; one that
     /// knows its text delivers before this returns. Any thread.
     virtual void beginLoadingQuery(const VantorDBC &details) = 0;
+
+    /// Writes the text in UTF-8 while it is made, for one that may not fit into memory; `report` gets what is
+    /// wrong with it. False, with nothing written, when
+    /// there is nothing to write, or for a loader that makes its text as a whole: load it then. The caller
+    /// checks whether the device took everything. Blocks on the server.
+    virtual bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const;
 
 protected:
     /// Passes the text to the delegate, if that is still there.

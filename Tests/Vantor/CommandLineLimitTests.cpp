@@ -57,4 +57,27 @@ TEST(CommandLineLimits, ManySmallAnswersTakeLittleProcessorTime)
     }
 }
 
+TEST(CommandLineLimits, AScriptOfManyRowsForMySQLIsNotKeptInMemory)
+{
+    const SampleServerFixture server;
+    const QStringList connection = {QStringLiteral("--server"),
+                                    QStringLiteral("127.0.0.1,%1").arg(server.port()),
+                                    QStringLiteral("--user"), QStringLiteral("sa")};
+    const Outcome made =
+        Program(QStringList{QStringLiteral("query")} + connection +
+                QStringList{QStringLiteral("--database"), QStringLiteral("shop"),
+                            QStringLiteral("SELECT * INTO dbo.many_rows FROM generate_rows(400000)")})
+            .wait();
+    ASSERT_EQ(made.status, 0) << made.errors.toStdString();
+    const Outcome script =
+        Program(QStringList{QStringLiteral("script")} + connection +
+                QStringList{QStringLiteral("shop/Tables/many_rows"), QStringLiteral("MySQL")})
+            .wait();
+    EXPECT_EQ(script.status, 0) << script.errors.toStdString();
+    EXPECT_GT(script.output.size(), 60'000'000);
+    EXPECT_TRUE(script.output.contains("-- Insert 400000 entries into many_rows\r\n"));
+    EXPECT_EQ(script.output.count("INSERT INTO `many_rows` VALUES ("), 400'000);
+    EXPECT_LT(script.maximumKilobytes, 100'000);
+}
+
 #endif

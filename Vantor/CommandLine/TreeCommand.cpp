@@ -4,6 +4,7 @@
 #include "CommandLine/MenuScripts.h"
 #include "CommandLine/MenuWriter.h"
 #include "CommandLine/ServerConnection.h"
+#include "CommandLine/StandardOutput.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TreePath.h"
 #include "CommandLine/TreeWriter.h"
@@ -104,8 +105,19 @@ int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
                               titles.isEmpty()
                                   ? text("This entry has no scripts.")
                                   : KNFormat("There is no script \"%@\". There are:\n%@", title, titles));
-    const QString made = MenuScripts::textOf(script, *entry.databaseConnectionDetails());
-    const KNQueryReport report = script->report();
+    const VantorDBC &settings = *entry.databaseConnectionDetails();
+    KNQueryReport report;
+    StandardOutput output;
+    if (script->writeQuery(settings, output, &report)) {
+        const bool isWritten = output.write("\n") == 1;
+        if (report.failure)
+            return Terminal::fail(ExitSqlError, report.failure.localizedDescription());
+        return isWritten
+                   ? ExitSuccess
+                   : Terminal::fail(ExitUsage, text("The script could not be written to standard output."));
+    }
+    const QString made = MenuScripts::textOf(script, settings);
+    report = script->report();
     if (const QString sql = report.guardedText(made); !sql.isNull())
         Terminal::printText((sql.endsWith(QLatin1Char('\n')) ? sql : sql + QLatin1Char('\n')).toUtf8());
     if (report.failure)

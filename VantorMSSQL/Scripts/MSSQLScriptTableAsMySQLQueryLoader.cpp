@@ -9,6 +9,10 @@
 #include "Scripts/MSSQLMySQLColumn.h"
 #include "Scripts/MSSQLMySQLValue.h"
 
+#include <QBuffer>
+#include <QDir>
+#include <QTemporaryFile>
+
 namespace {
 
 constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
@@ -25,6 +29,12 @@ using MSSQLObjectPath::bracketed;
 QString backticked(QString name)
 {
     return KNFormat("`%@`", name.replace(QLatin1Char('`'), QLatin1String("``")));
+}
+
+bool writeText(QIODevice &device, const QString &text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    return device.write(utf8) == utf8.size();
 }
 
 class TableScript
@@ -73,26 +83,34 @@ public:
         return script + QLatin1String(");\r\n");
     }
 
-    /// Appends the rows to the script as they arrive. An error when the script does not hold all of them.
-    KNError appendInserts(QString &script) const
+    /// Writes the rows as they arrive. They wait in a temporary file, because a comment before them counts
+    /// them. An error when the script does not hold all of them.
+    KNError writeInserts(QIODevice &device) const
     {
         QStringList expressions;
         for (const MSSQLMySQLTranslation &column : m_translations)
             expressions.append(column.selectExpression);
         const QString query = KNFormat("SELECT %@ FROM %@.%@", expressions.join(QLatin1Char(',')),
                                        bracketed(m_schema), bracketed(m_table));
-        const qsizetype start = script.size();
+        QTemporaryFile rows;
+        bool isStored = rows.open();
         qint64 count = 0;
-        const KNError error = KNRowStream::eachRow(m_details, query, [&](const KNRow &row) {
-            script += count++ == 0 ? QLatin1String("") : QLatin1String(";\r\n");
-            appendInsert(script, row);
+        KNError error = KNRowStream::eachRow(m_details, query, [&](const KNRow &row) {
+            const QString separator = count++ == 0 ? QString() : QStringLiteral(";\r\n");
+            isStored = isStored && writeText(rows, separator + insertStatement(row));
         });
-        script += count == 0 ? QLatin1String("") : QLatin1String(";");
-        script.insert(start, KNFormat("\r\n-- Insert %ld entries into %@\r\n", count,
-                                      KNSQLComment::inOneLine(m_table)));
+        isStored = isStored && (count == 0 || writeText(rows, QStringLiteral(";"))) && rows.flush();
+        if (!error && !isStored)
+            error = KNError(QString::fromLatin1(ErrorDomain), 0,
+                            KNFormat("The rows could not be written to a temporary file in %@. %@",
+                                     QDir::tempPath(), rows.errorString()));
+        writeText(device,
+                  KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, KNSQLComment::inOneLine(m_table)));
+        if (isStored)
+            copy(rows, device);
         if (!error)
             return error;
-        script += QLatin1String("\r\n") + failureComment(m_table, error);
+        writeText(device, QLatin1String("\r\n") + failureComment(m_table, error));
         return MSSQLCatalogReader::reported(error, ErrorDomain, query);
     }
 
@@ -106,15 +124,26 @@ private:
         return line;
     }
 
-    void appendInsert(QString &script, const KNRow &row) const
+    QString insertStatement(const KNRow &row) const
     {
-        script += KNFormat("INSERT INTO %@ VALUES (", m_name);
+        QString statement = KNFormat("INSERT INTO %@ VALUES (", m_name);
         for (qsizetype i = 0; i < row.size(); ++i) {
-            script += i == 0 ? QLatin1String("") : QLatin1String(",");
-            script += i < m_columns.size() && m_columns[i].isVariant ? MSSQLMySQLValue::variantLiteral(row[i])
-                                                                     : MSSQLMySQLValue::literal(row[i]);
+            statement += i == 0 ? QLatin1String("") : QLatin1String(",");
+            statement += i < m_columns.size() && m_columns[i].isVariant
+                             ? MSSQLMySQLValue::variantLiteral(row[i])
+                             : MSSQLMySQLValue::literal(row[i]);
         }
-        script += QLatin1Char(')');
+        return statement + QLatin1Char(')');
+    }
+
+    static void copy(QFile &from, QIODevice &to)
+    {
+        constexpr qint64 PieceSize = 1024 * 1024;
+        from.seek(0);
+        for (QByteArray piece = from.read(PieceSize); !piece.isEmpty(); piece = from.read(PieceSize)) {
+            if (to.write(piece) != piece.size())
+                return;
+        }
     }
 
     const QString m_table;
@@ -133,23 +162,42 @@ QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString 
                                                                   const VantorDBC &withConnectionDetails,
                                                                   KNQueryReport *report)
 {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    writeCreationQueryForTable(table, inSchema, includeDrop, includeCreate, includeInserts,
+                               withConnectionDetails, buffer, report);
+    const QString script = QString::fromUtf8(buffer.data());
+    return script.isNull() ? QStringLiteral("") : script;
+}
+
+void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(const QString &table,
+                                                                    const QString &inSchema, bool includeDrop,
+                                                                    bool includeCreate, bool includeInserts,
+                                                                    const VantorDBC &withConnectionDetails,
+                                                                    QIODevice &device, KNQueryReport *report)
+{
     TableScript tableScript(table, inSchema, withConnectionDetails);
     KNError error;
     if (!tableScript.loadColumns(includeCreate, &error)) {
-        if (report)
-            report->failure = error;
-        return failureComment(table, error);
+        writeText(device, failureComment(table, error));
+    } else {
+        if (includeDrop)
+            writeText(device, tableScript.drop());
+        if (includeCreate)
+            writeText(device, tableScript.create());
+        if (includeInserts)
+            error = tableScript.writeInserts(device);
     }
-    QString script = QStringLiteral("");
-    if (includeDrop)
-        script += tableScript.drop();
-    if (includeCreate)
-        script += tableScript.create();
-    if (includeInserts)
-        error = tableScript.appendInserts(script);
     if (report)
         report->failure = error;
-    return script;
+}
+
+bool MSSQLScriptTableAsMySQLQueryLoader::writeQuery(const VantorDBC &details, QIODevice &device,
+                                                    KNQueryReport *report) const
+{
+    writeCreationQueryForTable(m_targetTableName, m_targetSchema, m_shouldIncldueDrop, m_shouldIncludeCreate,
+                               m_shouldIncludeInserts, details, device, report);
+    return true;
 }
 
 qint64 MSSQLScriptTableAsMySQLQueryLoader::largestSizeOfDatabaseColumn(const QString &column,

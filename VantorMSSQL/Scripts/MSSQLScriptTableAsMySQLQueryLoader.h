@@ -30,6 +30,14 @@ public:
                                          const VantorDBC &withConnectionDetails,
                                          KNQueryReport *report = nullptr);
 
+    /// The same, written in UTF-8 while rows arrive: only some thousand of them are in memory at a time.
+    static void writeCreationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
+                                           bool includeCreate, bool includeInserts,
+                                           const VantorDBC &withConnectionDetails, QIODevice &device,
+                                           KNQueryReport *report);
+
+    bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const override;
+
     /// The bytes of the longest value in a column; 0 when there is none or it failed, which is shown to the
     /// user and set in `error`; that may be null. Blocks on the server.
     static qint64 largestSizeOfDatabaseColumn(const QString &column, const QString &inTable,

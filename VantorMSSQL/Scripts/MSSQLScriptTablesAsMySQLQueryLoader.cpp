@@ -4,8 +4,28 @@
 #include "Database/KNRowStream.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
+#include <QBuffer>
+
+#include <utility>
+
 QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &details,
                                                              KNQueryReport *report) const
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    KNQueryReport own;
+    if (!writeQuery(details, buffer, report ? report : &own)) {
+        const QString text = QStringLiteral("Failed to load table list");
+        if (report)
+            report->unsafeLength = text.size(); // it is no SQL
+        return text;
+    }
+    const QString script = QString::fromUtf8(buffer.data());
+    return script.isNull() ? QStringLiteral("") : script;
+}
+
+bool MSSQLScriptTablesAsMySQLQueryLoader::writeQuery(const VantorDBC &details, QIODevice &device,
+                                                     KNQueryReport *report) const
 {
     const QString list = QStringLiteral(
         "SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), SCHEMA_NAME(schema_id), name AS "
@@ -15,22 +35,18 @@ QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &de
         tables.append({row.value(1).text(), row.value(2).text()});
     });
     if (error) {
-        const KNError failure = MSSQLCatalogReader::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
-        const QString text = QStringLiteral("Failed to load table list");
-        if (report) {
-            report->failure = failure;
-            report->unsafeLength = text.size(); // it is no SQL
-        }
-        return text;
+        report->failure = MSSQLCatalogReader::reported(error, "mssql.queryLoader.tablesAsMySQL", list);
+        return false;
     }
-    QString script = QStringLiteral("");
+    bool isFirst = true;
     for (const auto &[schema, table] : std::as_const(tables)) {
-        script += script.isEmpty() ? QLatin1String("") : QLatin1String("\r\n\r\n");
+        if (!std::exchange(isFirst, false))
+            device.write("\r\n\r\n");
         KNQueryReport tableReport;
-        script += MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(table, schema, true, true, true,
-                                                                            details, &tableReport);
-        if (report && !report->failure)
+        MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(table, schema, true, true, true,
+                                                                       details, device, &tableReport);
+        if (!report->failure)
             report->failure = tableReport.failure;
     }
-    return script;
+    return true;
 }

@@ -10,6 +10,8 @@ public:
     /// null. Blocks on the server.
     QString doActualLoading(const VantorDBC &details, KNQueryReport *report = nullptr) const;
 
+    bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const override;
+
 protected:
     QString script(const VantorDBC &details, KNQueryReport *report) const override
     {
