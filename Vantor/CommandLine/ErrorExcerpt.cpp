@@ -1,18 +1,11 @@
 #include "CommandLine/ErrorExcerpt.h"
 
 #include "CommandLine/Terminal.h"
-#include "Database/KNQueryDetails.h"
+#include "Database/KNMessageText.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNTerminalText.h"
 
 namespace {
-
-KNRange markedRange(const KNError &error)
-{
-    const QVariantList ranges =
-        error.userInfo().value(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges")).toList();
-    return ranges.isEmpty() ? KNRange() : ranges.constFirst().value<KNRange>();
-}
 
 /// As wide as the text on a terminal; tabs stay, so that what follows them lines up.
 QString blanksFor(const QString &text)
@@ -29,7 +22,7 @@ QString blanksFor(const QString &text)
 
 QString errorExcerpt(const QString &text, const KNError &error)
 {
-    const KNRange range = markedRange(error);
+    const KNRange range = KNMessageText::markedRange(error);
     if (!range.isFound())
         return QString();
     const QStringView before = QStringView(text).left(range.location);

@@ -1,12 +1,25 @@
 #include "CommandLine/QueryPrinter.h"
 
+#include "Database/KNMessageText.h"
 #include "Foundation/KNFormat.h"
 
 #include <thread>
 
 namespace {
 
-constexpr int ErrorSeverity = 11;
+Terminal::Colour colourOf(KNMessageText::Kind kind)
+{
+    switch (kind) {
+    case KNMessageText::Kind::Error:
+        return Terminal::Colour::Red;
+    case KNMessageText::Kind::Warning:
+    case KNMessageText::Kind::Information:
+        return Terminal::Colour::Yellow;
+    case KNMessageText::Kind::Print:
+        break;
+    }
+    return Terminal::Colour::None;
+}
 
 } // namespace
 
@@ -129,27 +142,7 @@ void QueryPrinter::printSummary(const KNDisplayMessage &message) const
 
 void QueryPrinter::printMessage(const DatabaseMessage &message)
 {
-    if (message.isValueWarning()) {
-        Terminal::printError(KNFormat("Client warning %d: %@", message.msgno, message.msgtext),
-                             Terminal::Colour::Yellow);
-        return;
-    }
-    if (message.type == DatabaseMessage::ClientError) {
-        m_hadErrors = true;
-        Terminal::printError(KNFormat("Client error %d: %@", message.msgno, message.msgtext),
-                             Terminal::Colour::Red);
-        return;
-    }
-    if (message.severity < ErrorSeverity) {
-        Terminal::printError(message.msgtext,
-                             message.severity == 0 ? Terminal::Colour::None : Terminal::Colour::Yellow);
-        return;
-    }
-    m_hadErrors = true;
-    QString head = KNFormat("Msg %d, Level %d, State %d", message.msgno, message.severity, message.msgstate);
-    if (!message.procname.isEmpty())
-        head += KNFormat(", Procedure %@", message.procname);
-    head += KNFormat(", Line %lu", message.calculatedLineNumber);
-    Terminal::printError(head, Terminal::Colour::Red);
-    Terminal::printError(message.msgtext, Terminal::Colour::Red);
+    const KNMessageText::Kind kind = KNMessageText::kindOf(message);
+    m_hadErrors = m_hadErrors || kind == KNMessageText::Kind::Error;
+    Terminal::printError(KNMessageText::textOf(message), colourOf(kind));
 }

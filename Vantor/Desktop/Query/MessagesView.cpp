@@ -1,6 +1,6 @@
 #include "Desktop/Query/MessagesView.h"
 
-#include "Foundation/KNFormat.h"
+#include "Database/KNMessageText.h"
 #include "UI/Editor/KNSQLColours.h"
 
 #include <QElapsedTimer>
@@ -12,39 +12,8 @@
 
 namespace {
 
-constexpr int ErrorSeverity = 11;
 constexpr int ShowingTime = 20; // milliseconds for putting in messages before the program has its turn
 constexpr int PiecesAtOnce = 200;
-
-bool isError(const DatabaseMessage &message)
-{
-    if (message.type == DatabaseMessage::ClientError)
-        return !message.isValueWarning();
-    return message.severity >= ErrorSeverity;
-}
-
-bool hasLine(const DatabaseMessage &message)
-{
-    return message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty() && message.line > 0;
-}
-
-QString textOf(const DatabaseMessage &message)
-{
-    const QString text = message.msgtext.trimmed();
-    if (message.isValueWarning())
-        return KNFormat(MessagesView::tr("Client warning %d: %@"), message.msgno, text);
-    if (message.type == DatabaseMessage::ClientError)
-        return KNFormat(MessagesView::tr("Client error %d: %@"), message.msgno, text);
-    if (message.severity == 0)
-        return text; // what PRINT says
-    QString head = KNFormat(MessagesView::tr("Msg %d, Level %d, State %d"), message.msgno, message.severity,
-                            message.msgstate);
-    if (!message.procname.isEmpty())
-        head += KNFormat(MessagesView::tr(", Procedure %@, Line %lu"), message.procname, message.line);
-    else
-        head += KNFormat(MessagesView::tr(", Line %lu"), message.calculatedLineNumber);
-    return head + u'\n' + text;
-}
 
 } // namespace
 
@@ -125,7 +94,8 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
     const auto serverMessages = result.serverMessages();
     for (const DatabaseMessage &message : serverMessages)
         addMessage(message);
-    const bool saysErrors = std::any_of(serverMessages.begin(), serverMessages.end(), isError);
+    const bool saysErrors = std::any_of(serverMessages.begin(), serverMessages.end(),
+                                        [](const DatabaseMessage &message) { return message.isFailure(); });
     const auto messages = result.messages();
     const bool isSilent = result.isSilent() && messages.value(0).colour == KNDisplayMessage::Colour::Black;
     m_isSilent = m_isSilent && isSilent && serverMessages.isEmpty();
@@ -145,14 +115,15 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
 
 void MessagesView::addMessage(const DatabaseMessage &message)
 {
-    const int line = hasLine(message) ? static_cast<int>(message.calculatedLineNumber) : 0;
-    if (isError(message)) {
+    const int line = KNMessageText::lineOf(message);
+    const bool isError = message.isFailure();
+    if (isError) {
         if (m_errorCount++ == 0)
-            m_firstError = textOf(message);
+            m_firstError = KNMessageText::textOf(message);
         if (m_firstErrorLine == 0)
             m_firstErrorLine = line;
     }
-    m_pending.push_back({message, isError(message), line});
+    m_pending.push_back({message, isError, line});
     m_showTimer->start();
 }
 
@@ -182,7 +153,7 @@ void MessagesView::showPending()
             const Piece piece = std::move(m_pending.front());
             m_pending.pop_front();
             const auto *const message = std::get_if<DatabaseMessage>(&piece.content);
-            const QString text = message ? textOf(*message) : std::get<QString>(piece.content);
+            const QString text = message ? KNMessageText::textOf(*message) : std::get<QString>(piece.content);
             const auto lines = text.split(u'\n');
             for (const QString &line : lines) {
                 if (!document()->isEmpty() || cursor.blockNumber() > 0)

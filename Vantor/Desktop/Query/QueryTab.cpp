@@ -1,5 +1,6 @@
 #include "Desktop/Query/QueryTab.h"
 
+#include "Database/KNMessageText.h"
 #include "Desktop/Query/ClosePrompts.h"
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/EditorActions.h"
@@ -25,13 +26,6 @@
 namespace {
 
 constexpr int ClockInterval = 100; // milliseconds
-
-KNRange markedRange(const KNError &error)
-{
-    const QVariantList ranges =
-        error.userInfo().value(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges")).toList();
-    return ranges.isEmpty() ? KNRange() : ranges.constFirst().value<KNRange>();
-}
 
 } // namespace
 
@@ -376,7 +370,7 @@ void QueryTab::showOutcome()
 
 void QueryTab::markError(const KNError &error)
 {
-    if (const KNRange range = markedRange(error); range.isFound())
+    if (const KNRange range = KNMessageText::markedRange(error); range.isFound())
         m_editor->markError(range);
     else if (const int line = m_messages->firstErrorLine(); line > 0)
         m_editor->markErrorLine(line);

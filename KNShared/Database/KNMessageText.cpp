@@ -1,0 +1,60 @@
+#include "Database/KNMessageText.h"
+
+#include "Foundation/KNFormat.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("KNMessageText", text);
+}
+
+QString headOf(const DatabaseMessage &message)
+{
+    const QString head = KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", "Msg %d, Level %d, State %d")),
+                                  message.msgno, message.severity, message.msgstate);
+    if (message.procname.isEmpty())
+        return head + KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", ", Line %lu")),
+                               message.calculatedLineNumber);
+    return head + KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", ", Procedure %@, Line %lu")),
+                           message.procname, message.line);
+}
+
+} // namespace
+
+KNMessageText::Kind KNMessageText::kindOf(const DatabaseMessage &message)
+{
+    if (message.isValueWarning())
+        return Kind::Warning;
+    if (message.isFailure())
+        return Kind::Error;
+    return message.severity == 0 ? Kind::Print : Kind::Information;
+}
+
+QString KNMessageText::textOf(const DatabaseMessage &message)
+{
+    const QString text = message.msgtext.trimmed();
+    if (message.type == DatabaseMessage::ClientError) {
+        const bool isWarning = message.isValueWarning();
+        return KNFormat(translated(isWarning ? QT_TRANSLATE_NOOP("KNMessageText", "Client warning %d: %@")
+                                             : QT_TRANSLATE_NOOP("KNMessageText", "Client error %d: %@")),
+                        message.msgno, text);
+    }
+    return message.severity == 0 ? text : headOf(message) + QLatin1Char('\n') + text;
+}
+
+int KNMessageText::lineOf(const DatabaseMessage &message)
+{
+    const bool hasLine =
+        message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty() && message.line > 0;
+    return hasLine ? static_cast<int>(message.calculatedLineNumber) : 0;
+}
+
+KNRange KNMessageText::markedRange(const KNError &error)
+{
+    const QVariantList ranges =
+        error.userInfo().value(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges")).toList();
+    return ranges.isEmpty() ? KNRange() : ranges.constFirst().value<KNRange>();
+}
