@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KNSharedExport.h"
+#include "SQL/SQLMetadataTokenizer.h"
 #include "SSH/KNSSHTunnelModel.h"
 
 #include <QString>
@@ -94,6 +95,8 @@ public:
     virtual const QStringList &keywords() const = 0;
     /// Functions of the server's language, sorted likewise.
     virtual const QStringList &functions() const = 0;
+    /// How the server's dialect is cut into tokens.
+    virtual SQLTokenizerOptions tokenizerOptions() const { return {}; }
 
     /// Whether a session opened with one of both can stand in for a session opened with the other: the same
     /// server, way to it, account, database and parameters. Identity and display name do not matter.

@@ -5,6 +5,7 @@
 #include "Foundation/KNPropertyList.h"
 #include "Implementations/MSSQLInstancePort.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "Implementations/MSSQLTokenizer.h"
 #include "Implementations/MSSQLWordLists.h"
 
 #include <algorithm>
@@ -124,6 +125,11 @@ const QStringList &MSSQLDatabaseConnectionDetails::sqlFunctions()
 const QStringList &MSSQLDatabaseConnectionDetails::functionsAndKeywords()
 {
     return MSSQLWordLists::functionsAndKeywords();
+}
+
+SQLTokenizerOptions MSSQLDatabaseConnectionDetails::tokenizerOptions() const
+{
+    return MSSQLTokenizer::options();
 }
 
 SQLTokenizerOptions MSSQLDatabaseConnectionDetails::createPreParserOptions()

@@ -79,6 +79,7 @@ public:
     void setConnectedWithDetails(const QVariantMap &details) override;
     const QStringList &keywords() const override;
     const QStringList &functions() const override;
+    SQLTokenizerOptions tokenizerOptions() const override;
 
     /// The same lists as keywords() and functions(), for who has no connection at hand. All three are sorted
     /// without regard to case and hold each word once.

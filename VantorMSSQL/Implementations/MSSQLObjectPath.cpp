@@ -1,7 +1,7 @@
 #include "Implementations/MSSQLObjectPath.h"
 
 #include "Implementations/MSSQLQuoting.h"
-#include "SQL/SQLMetadataTokenizer.h"
+#include "Implementations/MSSQLTokenizer.h"
 
 #include <algorithm>
 
@@ -56,7 +56,7 @@ QString MSSQLObjectPath::quoted(const QStringList &parts)
 
 bool MSSQLObjectPath::reads(const QString &text, const QStringList &parts)
 {
-    SQLMetadataTokenizer tokenizer(text, {.nestedComments = true, .recognizesMSSQLVariables = true});
+    SQLMetadataTokenizer tokenizer(text, MSSQLTokenizer::options());
     SQLToken token{};
     for (qsizetype i = 0; i < parts.size(); ++i) {
         if (i > 0 && !(tokenizer.next(&token) && token.text == QLatin1String(".")))

@@ -2,11 +2,12 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "Implementations/MSSQLTokenizer.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 namespace {
 
-constexpr SQLTokenizerOptions TransactSQL{.nestedComments = true, .recognizesMSSQLVariables = true};
+constexpr SQLTokenizerOptions TransactSQL = MSSQLTokenizer::options();
 
 bool isBlank(const SQLToken &token)
 {

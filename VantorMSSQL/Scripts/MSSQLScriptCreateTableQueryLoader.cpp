@@ -2,7 +2,7 @@
 
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
-#include "SQL/SQLMetadataTokenizer.h"
+#include "Implementations/MSSQLTokenizer.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ bool hasHiddenPart(const QString &script)
     const QLatin1String mark("may not be seen by this login");
     if (!script.contains(mark))
         return false;
-    SQLMetadataTokenizer tokenizer(script, {.nestedComments = true, .recognizesMSSQLVariables = true});
+    SQLMetadataTokenizer tokenizer(script, MSSQLTokenizer::options());
     for (SQLToken token{}; tokenizer.next(&token);) {
         const bool isComment =
             token.kind == SQLTokenKind::LineComment || token.kind == SQLTokenKind::BlockComment;

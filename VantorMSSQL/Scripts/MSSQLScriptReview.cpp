@@ -3,7 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 #include "Implementations/MSSQLQuoting.h"
-#include "SQL/SQLMetadataTokenizer.h"
+#include "Implementations/MSSQLTokenizer.h"
 #include "Scripts/MSSQLModuleHeader.h"
 
 #include <algorithm>
@@ -54,7 +54,7 @@ bool MSSQLScriptReview::mendDrop()
 /// Only settings and comments may precede the statement that creates or alters the object.
 bool MSSQLScriptReview::mendDefinition()
 {
-    SQLMetadataTokenizer tokenizer(m_script, {.nestedComments = true, .recognizesMSSQLVariables = true});
+    SQLMetadataTokenizer tokenizer(m_script, MSSQLTokenizer::options());
     tokenizer.seek(std::max(m_position, m_unsafeLength));
     for (SQLToken token{}; tokenizer.next(&token);) {
         if (!isBlankOrComment(token) && !isSetting(token))

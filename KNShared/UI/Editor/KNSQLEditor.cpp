@@ -108,9 +108,10 @@ void KNSQLEditor::addKeys()
     }
 }
 
-void KNSQLEditor::setWords(const QStringList &keywords, const QStringList &functions)
+void KNSQLEditor::setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
+                             const QStringList &functions)
 {
-    m_lexer->setWords(keywords, functions);
+    m_lexer->setDialect(options, keywords, functions);
     recolor();
 }
 

@@ -2,6 +2,7 @@
 
 #include "Database/KNQueryDetails.h"
 #include "Foundation/KNNotificationCenter.h"
+#include "SQL/SQLMetadataTokenizer.h"
 #include "UI/Editor/KNScintilla.h"
 #include "UI/KNSharedUIExport.h"
 
@@ -17,8 +18,9 @@ class KNSHAREDUI_EXPORT KNSQLEditor : public QsciScintilla
 public:
     explicit KNSQLEditor(QWidget *parent = nullptr);
 
-    /// The words of the dialect, in any case.
-    void setWords(const QStringList &keywords, const QStringList &functions);
+    /// The dialect to colour: how its text is cut into tokens, and its words in any case.
+    void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
+                    const QStringList &functions);
 
     /// The text with every character of it.
     QString wholeText() const;

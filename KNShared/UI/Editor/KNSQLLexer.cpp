@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr SQLTokenizerOptions Options{.nestedComments = true, .recognizesMSSQLVariables = true};
-
 bool isWord(QStringView text, const char *word)
 {
     return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
@@ -168,8 +166,10 @@ KNSQLLexer::KNSQLLexer(QObject *parent)
 {
 }
 
-void KNSQLLexer::setWords(const QStringList &keywords, const QStringList &functions)
+void KNSQLLexer::setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
+                            const QStringList &functions)
 {
+    m_options = options;
     const auto upper = [](const QStringList &words) {
         QSet<QString> set;
         for (const QString &word : words)
@@ -231,7 +231,7 @@ void KNSQLLexer::styleText(int start, int end)
     Lines lines(scintilla, firstLine, before);
     std::vector<char> styles;
     styles.reserve(static_cast<std::size_t>(end - start));
-    SQLMetadataTokenizer tokenizer(text, Options);
+    SQLMetadataTokenizer tokenizer(text, m_options);
     for (SQLToken token{}; tokenizer.next(&token);) {
         const qsizetype skipped = std::clamp(opening.size() - token.location, qsizetype(0), token.length);
         const qsizetype bytes = KNEditorText::utf8Length(token.text.mid(skipped));

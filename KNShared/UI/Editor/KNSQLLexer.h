@@ -29,7 +29,8 @@ public:
     explicit KNSQLLexer(QObject *parent);
 
     /// The words of the dialect, in any case. A word of both lists is a function before a parenthesis.
-    void setWords(const QStringList &keywords, const QStringList &functions);
+    void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
+                    const QStringList &functions);
     void setColours(const KNSQLColours &colours, const QFont &font);
 
     const char *language() const override { return "SQL"; }
@@ -46,4 +47,5 @@ private:
 
     QSet<QString> m_keywords;  ///< in upper case
     QSet<QString> m_functions; ///< in upper case
+    SQLTokenizerOptions m_options;
 };

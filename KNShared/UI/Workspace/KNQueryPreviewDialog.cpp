@@ -78,9 +78,9 @@ void KNQueryPreviewDialog::arrange()
     layout->addLayout(buttons);
 }
 
-void KNQueryPreviewDialog::setWords(const QStringList &keywords, const QStringList &functions)
+void KNQueryPreviewDialog::setDialect(const VantorDBC &details)
 {
-    m_editor->setWords(keywords, functions);
+    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions());
 }
 
 void KNQueryPreviewDialog::setTitles(const QString &title, const QString &information,

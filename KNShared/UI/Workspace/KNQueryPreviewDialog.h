@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/KNQueryDetails.h"
+#include "Database/VantorDBC.h"
 #include "UI/KNSharedUIExport.h"
 
 #include <QDialog>
@@ -20,7 +21,7 @@ class KNSHAREDUI_EXPORT KNQueryPreviewDialog : public QDialog
 public:
     explicit KNQueryPreviewDialog(QWidget *parent);
 
-    void setWords(const QStringList &keywords, const QStringList &functions);
+    void setDialect(const VantorDBC &details);
     void setTitles(const QString &title, const QString &information, const QString &acceptTitle);
     void setEditable(bool editable);
     /// Shows the statements, which can be accepted unless they are incomplete.

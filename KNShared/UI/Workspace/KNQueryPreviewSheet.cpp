@@ -7,7 +7,7 @@ KNQueryPreviewSheet::KNQueryPreviewSheet(QWidget *parent, const VantorDBC &detai
     : KNQueryPreview(parent, details)
     , m_dialog(new KNQueryPreviewDialog(parent))
 {
-    m_dialog->setWords(details.keywords(), details.functions());
+    m_dialog->setDialect(details);
     connect(m_dialog, &KNQueryPreviewDialog::acceptRequested, this,
             [this] { accept(m_dialog->statements()); });
     connect(m_dialog, &KNQueryPreviewDialog::cancelRequested, this, [this] { cancel(); });

@@ -16,9 +16,10 @@ inline const QString Emoji = QString::fromUtf8("\xF0\x9F\x98\x80");
 inline std::unique_ptr<KNSQLEditor> editorWith(const QString &text)
 {
     auto editor = std::make_unique<KNSQLEditor>();
-    editor->setWords({QStringLiteral("select"), QStringLiteral("from"), QStringLiteral("left"),
-                      QStringLiteral("begin"), QStringLiteral("end")},
-                     {QStringLiteral("count"), QStringLiteral("LEFT"), QStringLiteral("@@VERSION")});
+    editor->setDialect({.nestedComments = true, .recognizesMSSQLVariables = true},
+                       {QStringLiteral("select"), QStringLiteral("from"), QStringLiteral("left"),
+                        QStringLiteral("begin"), QStringLiteral("end")},
+                       {QStringLiteral("count"), QStringLiteral("LEFT"), QStringLiteral("@@VERSION")});
     editor->setWholeText(text);
     editor->resize(600, 400);
     editor->show();

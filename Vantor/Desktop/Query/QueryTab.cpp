@@ -43,7 +43,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_clock(new QTimer(this))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
 {
-    m_editor->setWords(details.keywords(), details.functions());
+    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions());
     arrange();
     connectParts();
     newConnection(details);
