@@ -13,8 +13,9 @@ QString translated(const char *text)
 
 QString headOf(const DatabaseMessage &message)
 {
-    const QString head = KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", "Msg %d, Level %d, State %d")),
-                                  message.msgno, message.severity, message.msgstate);
+    const QString head =
+        KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", "Msg %d, Level %d, State %d")), message.msgno,
+                 message.severity, message.msgstate);
     if (message.procname.isEmpty())
         return head + KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", ", Line %lu")),
                                message.calculatedLineNumber);

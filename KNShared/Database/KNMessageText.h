@@ -16,11 +16,13 @@ enum class Kind {
 };
 KNSHARED_EXPORT Kind kindOf(const DatabaseMessage &message);
 
-/// The text, below a line such as "Msg 208, Level 16, State 1, Line 2", which a PRINT does not have. The line number
-/// is that of the procedure for a message from one, else that of the whole text which the batch was cut from.
+/// The text, below a line such as "Msg 208, Level 16, State 1, Line 2", which a PRINT does not have. The line
+/// number is that of the procedure for a message from one, else that of the whole text which the batch was
+/// cut from.
 KNSHARED_EXPORT QString textOf(const DatabaseMessage &message);
 
-/// The line (from 1) of the whole text that the message is about; 0 when it names none, or one of a procedure.
+/// The line (from 1) of the whole text that the message is about; 0 when it names none, or one of a
+/// procedure.
 KNSHARED_EXPORT int lineOf(const DatabaseMessage &message);
 
 /// The first range of the whole text that a failed run complains about; not found when it names none.

@@ -1,5 +1,7 @@
 #include "Foundation/KNTerminalText.h"
 
+#include <QList>
+
 #include <wchar.h>
 
 #include <algorithm>

@@ -26,7 +26,7 @@ QCommandLineOption FormatOption::option()
 
 QString FormatOption::from(const QCommandLineParser &parser, KNError *error)
 {
-    const QString name = parser.value(Name);
+    QString name = parser.value(Name);
     if (ResultFormat::namesFor(ResultFormat::Terminal).contains(name))
         return name;
     *error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0,
