@@ -4,12 +4,12 @@
 
 class VantorDBC;
 
-/// Keeps what completion offers for the databases of one kind of server.
+/// Caches the completion entries of databases, for one kind of server.
 class KNSHARED_EXPORT KNAutocompleteHelper
 {
 public:
     virtual ~KNAutocompleteHelper();
 
-    /// Starts to load the entries of the settings' database anew and returns at once. Any thread.
+    /// Starts to reload the entries of the settings' database and returns at once. Any thread.
     virtual void requestEntriesForDatabaseConnectionDetails(const VantorDBC &details) = 0;
 };

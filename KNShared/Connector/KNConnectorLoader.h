@@ -7,28 +7,29 @@
 
 class KNConnectorPlugin;
 
-/// Loads connectors: modules that keep the contract of KNConnectorPlugin.
+/// Loads connectors: modules that implement the contract of KNConnectorPlugin.
 namespace KNConnectorLoader {
 
-/// The version of the contract that this program knows.
+/// The contract version that this program supports.
 constexpr int ContractVersion = 1;
 
-/// Why a module is no connector: the codes of the errors in the domain "com.quorvex.vantor.connector".
+/// Why a module could not be loaded as a connector: the error codes of the domain
+/// "com.quorvex.vantor.connector".
 enum class Problem {
-    Missing = 1,        ///< there is no such file
-    NoLibrary,          ///< the file is no shared library, or only a part of one
-    NoMetadata,         ///< a library without readable plug-in metadata
-    WrongInterface,     ///< a plug-in for something else
-    WrongContract,      ///< a connector of another version of the contract
-    NoName,             ///< the metadata names no kind of server
+    Missing = 1,        ///< the file does not exist
+    NoLibrary,          ///< the file is not a complete shared library
+    NoMetadata,         ///< the library has no readable plug-in metadata
+    WrongInterface,     ///< the plug-in implements another interface
+    WrongContract,      ///< the connector implements another contract version
+    NoName,             ///< the metadata contains no server kind
     CannotBeLinked,     ///< the system cannot load it: symbols or libraries are missing
-    FailedWhileLoading, ///< its root object threw an exception
+    FailedWhileLoading, ///< the constructor of its root object threw an exception
     NoConnector,        ///< its root object does not implement the contract
 };
 
-/// Loads the module at `path` and returns its connector, which lives as long as the program; nullptr and
-/// `error` set when it is none. Nothing of the module runs before its metadata is found in order. The
-/// exceptions of its root object are caught; those of its static objects are not. Main thread.
+/// Loads the module at `path` and returns its connector, which lives as long as the program. Returns nullptr
+/// and sets `error` if the module is not a connector. No code of the module runs before its metadata has been
+/// checked. Exceptions of its root object are caught, those of its static objects are not. Main thread.
 KNSHARED_EXPORT KNConnectorPlugin *load(const QString &path, KNError *error);
 
 } // namespace KNConnectorLoader

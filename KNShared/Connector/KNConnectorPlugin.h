@@ -22,10 +22,9 @@ class KNSHARED_EXPORT KNConnectorPlugin
 public:
     virtual ~KNConnectorPlugin();
 
-    /// The kind of server, for the user ("SQL Server"). Any thread.
+    /// The display name of the server kind ("SQL Server"). Any thread.
     virtual QString name() const = 0;
-    /// New, empty connection settings, which are the factory for everything else of the connector. Any
-    /// thread.
+    /// Returns new, empty connection settings, the factory of all other connector objects. Any thread.
     virtual std::shared_ptr<VantorDBC> createConnectionDetails() const = 0;
 };
 

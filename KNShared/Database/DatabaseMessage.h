@@ -6,14 +6,14 @@
 
 #include <limits>
 
-/// One message that the server sent or that the client library raised.
+/// A message from the server or the client library.
 struct KNSHARED_EXPORT DatabaseMessage
 {
     enum Type : qint32 { ClientError = 0, ServerMessage = 1 };
 
-    /// Up to this severity a client error concerns a single value.
+    /// Client errors up to this severity concern a single value.
     static constexpr qint32 ValueSeverity = 4;
-    /// The line of a message that has none.
+    /// The line number of messages without one.
     static constexpr quint64 NotFound = std::numeric_limits<qint64>::max();
 
     qint32 type = ClientError;
@@ -21,20 +21,20 @@ struct KNSHARED_EXPORT DatabaseMessage
     qint32 msgstate = 0; ///< 0 for client errors
     qint32 severity = 0;
     quint64 line = NotFound;          ///< within the batch, from 1; NotFound for client errors
-    quint64 calculatedLineNumber = 0; ///< within the whole text that the batch was cut from
+    quint64 calculatedLineNumber = 0; ///< within the whole text that contains the batch
     QString msgtext;
     QString srvname;
     QString procname; ///< empty when the message does not come from a procedure
 
-    /// Client errors always are; server messages from severity 16 on.
+    /// True for all client errors, and for server messages of severity 16 and above.
     bool isError() const;
-    /// Whether the statement that the message belongs to failed: server messages from severity 11 on, and
-    /// client errors other than isValueWarning().
+    /// Whether the message's statement failed: true for server messages of severity 11 and above, and for
+    /// client errors except isValueWarning().
     bool isFailure() const;
     /// "Msg 208, Level 16, State 1." and the text, joined with CR LF.
     QString failureText() const;
-    /// Whether it is a client error that concerns a single value, such as a character that could not be
-    /// converted: the statement went on. Programs show these as warnings.
+    /// Whether this is a client error about a single value, such as a character that could not be converted.
+    /// The statement continued; programs show these as warnings.
     bool isValueWarning() const;
     /// "Msg 208, Level 16, State 1, Line 2" and the text, joined with CR LF.
     QString description() const;

@@ -5,25 +5,25 @@
 #include <cstring>
 #include <memory>
 
-/// Bytes that are collected piece by piece, with room that grows and is kept when they are cleared. One
-/// thread uses a buffer.
+/// A growing byte buffer; clearing it keeps its capacity. Used by one thread.
 class KNByteBuffer
 {
 public:
     const char *data() const { return m_bytes.get(); }
     std::size_t size() const { return m_size; }
     void clear() { m_size = 0; }
-    /// Keeps the first `size` bytes, which must not be more than there are.
+    /// Keeps the first `size` bytes; `size` must not exceed the current size.
     void truncate(std::size_t size) { m_size = size; }
 
-    /// Room for `size` bytes behind the last one. What was written becomes part of the buffer by advanceTo().
+    /// Reserves `size` bytes behind the last one and returns their start. advanceTo() appends the bytes
+    /// written there.
     char *reserve(std::size_t size)
     {
         if (m_capacity - m_size < size)
             grow(size);
         return m_bytes.get() + m_size;
     }
-    /// `end` lies in or behind the room that reserve() returned last.
+    /// Ends the buffer at `end`, a position in or directly behind the memory that reserve() returned last.
     void advanceTo(const char *end) { m_size = static_cast<std::size_t>(end - m_bytes.get()); }
 
     void append(char byte)

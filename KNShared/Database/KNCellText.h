@@ -4,18 +4,18 @@
 #include "Database/KNRowCell.h"
 #include "KNSharedExport.h"
 
-/// The text of cells in UTF-8, written without going through QString. Any thread.
+/// Writes the text of cells in UTF-8 without creating a QString. Any thread.
 namespace KNCellText {
 
-/// Appends the text of the stored value, as KNValue::displayText() has it; nothing for null.
+/// Appends the text of the stored value as KNValue::displayText() formats it; nothing for null.
 KNSHARED_EXPORT void append(KNByteBuffer &to, const KNRowCell &cell);
 
-/// Whether the text is letters, digits and signs of ASCII that no format has to quote: numbers, dates, GUIDs
-/// and bytes.
+/// Whether the text consists of ASCII letters, digits and signs that no format has to quote: numbers, dates,
+/// GUIDs and bytes.
 bool isPlain(const KNRowCell &cell);
 
-/// Text in UTF-8 that is certainly valid: `cell`, which must be of the kind Text, or a copy in `repaired`
-/// with U+FFFD for what does not decode.
+/// Returns valid UTF-8 text: that of `cell`, which must be of kind Text, or a copy in `repaired` in which
+/// U+FFFD replaces undecodable bytes.
 KNSHARED_EXPORT QByteArrayView validText(const KNRowCell &cell, QByteArray &repaired);
 
 inline bool isPlain(const KNRowCell &cell)

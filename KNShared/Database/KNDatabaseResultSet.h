@@ -10,10 +10,10 @@
 #include <functional>
 #include <memory>
 
-/// A function that many result sets share.
+/// An observer function that many result sets share.
 using KNChangeObserver = std::shared_ptr<const std::function<void()>>;
 
-/// A text for the user about a result, with its colour.
+/// A message for the user about a result, with its colour.
 struct KNDisplayMessage
 {
     enum class Colour { Black, Red };
@@ -24,9 +24,9 @@ struct KNDisplayMessage
     friend bool operator==(const KNDisplayMessage &, const KNDisplayMessage &) = default;
 };
 
-/// One result of a batch: columns, rows, how many rows were affected, and what the server said meanwhile.
-/// Filled by one worker while others read it: every operation may be called from any thread. Without columns
-/// it takes little memory, since a script can have tens of thousands of such results.
+/// One result of a batch: columns, rows, number of affected rows and server messages. One worker fills it
+/// while other threads read; every operation may be called from any thread. A result without columns takes
+/// little memory, since a script can produce tens of thousands of them.
 class KNSHARED_EXPORT KNDatabaseResultSet
 {
 public:
@@ -39,23 +39,23 @@ public:
 
     QString executedQuery() const;
 
-    /// Names may be empty or occur twice. Types are the connector's numbers. Called once, on the writing
-    /// thread, before another thread can see this result set.
+    /// Sets the columns. Names may be empty or occur twice; types are the connector's numbers. Called once,
+    /// on the writing thread, before another thread can see this result set.
     void setColumns(const QStringList &names, const QList<int> &types);
     QStringList columnNames() const;
     QList<int> columnTypes() const;
 
-    /// The rows: the worker writes into them, readers read what was published. Without columns there are
-    /// none: a closed, empty store that all such result sets share.
+    /// The rows: the worker writes them, readers read the published ones. Without columns this is a closed,
+    /// empty store shared by all such result sets.
     KNRowStore &rows();
     const KNRowStore &rows() const;
-    /// Appends rows of columnNames().size() values each and publishes them. On the writing thread.
+    /// Appends rows of columnNames().size() values each and publishes them. Called on the writing thread.
     void addRows(const QList<KNRow> &rows);
 
     qint64 numberOfRowsAffected() const;
     void setNumberOfRowsAffected(qint64 count);
-    /// Whether there are neither columns nor a count of rows: its summary only says that a statement
-    /// succeeded. A script has many of these, so programs show one summary for a run that had nothing else.
+    /// Whether there are neither columns nor a row count, so that the summary only reports success. Programs
+    /// show one summary for a run of only such results.
     bool isSilent() const;
     QList<KNDisplayMessage> messages() const;
     void setMessages(const QList<KNDisplayMessage> &messages);
@@ -67,10 +67,10 @@ public:
     KNRange queryTextRange() const;
     void setQueryTextRange(const KNRange &range);
     bool isFinished() const;
-    /// No more rows will come: wakes who waits for them.
+    /// Marks the result as complete and wakes threads that wait for more rows.
     void setFinished();
-    /// Called without any lock after addRows() and setFinished(), on their threads; null for nobody. Set by
-    /// the KNResultSetHolder.
+    /// Sets the observer, which addRows() and setFinished() call on their threads without holding a lock;
+    /// null for none. Set by KNResultSetHolder.
     void setChangeObserver(KNChangeObserver observer);
 
 private:
@@ -79,8 +79,8 @@ private:
     void notifyObserver() const;
 
     const QString m_executedQuery;
-    std::unique_ptr<Table> m_table; ///< null without columns; set before other threads see this
-    // All below are guarded by a lock of a small pool; see the source file.
+    std::unique_ptr<Table> m_table; ///< null without columns; set before other threads can access this
+    // The members below are guarded by a lock from a small pool; see the source file.
     qint64 m_numberOfRowsAffected = UnknownCount;
     QList<KNDisplayMessage> m_messages;
     QList<DatabaseMessage> m_serverMessages;

@@ -3,7 +3,7 @@
 #include <QMetaType>
 #include <QString>
 
-/// A piece of a text: where it begins and how long it is, in UTF-16 units.
+/// A range of a text: start and length in UTF-16 units.
 struct KNRange
 {
     static constexpr qsizetype NotFound = -1;
@@ -19,8 +19,8 @@ Q_DECLARE_METATYPE(KNRange)
 /// One batch of an editor text.
 struct KNQueryDetails
 {
-    QString targetQuery;          ///< the text that goes to the server
-    KNRange queryRange;           ///< where the batch stands in the editor text
+    QString targetQuery;          ///< the text sent to the server
+    KNRange queryRange;           ///< the batch's range in the editor text
     quint64 lineNumberOffset = 0; ///< line feeds of the editor text before the batch
-    quint32 repeatCount = 1;      ///< how often it runs, one time after the other
+    quint32 repeatCount = 1;      ///< number of consecutive executions
 };

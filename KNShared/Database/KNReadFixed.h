@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-/// A number that stands at any address, in the machine's byte order.
+/// Reads a number at an unaligned address, in the machine's byte order.
 template <typename Fixed>
 Fixed KNReadFixed(const unsigned char *position)
 {

@@ -15,8 +15,8 @@
 
 using KNDatabaseResultSetPtr = std::shared_ptr<KNDatabaseResultSet>;
 
-/// The results of a run, shared by the worker that appends and fills them and the grid that reads them.
-/// Every operation may be called from any thread.
+/// The results of a run. The worker appends and fills them while the grid reads them. Every operation may be
+/// called from any thread.
 class KNSHARED_EXPORT KNResultSetHolder
 {
 public:
@@ -24,49 +24,51 @@ public:
     KNResultSetHolder(const KNResultSetHolder &) = delete;
     KNResultSetHolder &operator=(const KNResultSetHolder &) = delete;
 
-    /// A reader's position in the list: which result sets it has seen, counting those that were taken out.
+    /// A reader's position in the list: the number of result sets it has seen, including removed ones.
     using Position = quint64;
 
-    /// A copy of the list; the result sets themselves are shared. It costs as much as the list is long: what
-    /// looks again and again asks for newResultSets().
+    /// Returns a copy of the list; the result sets are shared. Costs time proportional to the length; use
+    /// newResultSets() for repeated reads.
     QList<KNDatabaseResultSetPtr> resultSets() const;
-    /// How many there are, without those that were taken out.
+    /// The number of result sets, without removed ones.
     qsizetype count() const;
-    /// The result sets that were appended behind `*position`, which begins as 0 and is moved behind them.
+    /// Returns the result sets appended after `*position` and moves the position behind them. Start with
+    /// position 0.
     QList<KNDatabaseResultSetPtr> newResultSets(Position *position) const;
-    /// Takes all result sets out, for a reader that prints and forgets them.
+    /// Removes and returns all result sets, for a reader that prints and discards them.
     QList<KNDatabaseResultSetPtr> takeResultSets();
-    /// Appends a result set whose columns are set. May wait for the reader; see setResultReadAhead().
+    /// Appends a result set whose columns are set. May block until the reader catches up; see
+    /// setResultReadAhead().
     void append(const KNDatabaseResultSetPtr &resultSet);
-    /// Takes a result set out again; nothing happens when it is not there.
+    /// Removes a result set; does nothing if it is not in the list.
     void remove(const KNDatabaseResultSetPtr &resultSet);
 
-    /// The error of a run whose results are all here, from the messages of statements that failed; not set
-    /// when none did. A run may succeed although one of its later statements failed.
+    /// Returns the error of a finished run, from the messages of failed statements; not set if none failed. A
+    /// run may succeed although one of its later statements failed.
     KNError failure() const;
 
     void incrementTotalResultCountBy(qint64 count);
     void incrementTotalResultCount() { incrementTotalResultCountBy(1); }
-    /// Rows read so far over all result sets.
+    /// The number of rows read so far in all result sets.
     qint64 totalResultCount() const;
 
-    /// For a reader that forgets rows as it goes: how far the worker may run ahead of it in every later
+    /// For a reader that discards rows: limits how many rows the worker may be ahead of it in every later
     /// result set.
     void setReadAhead(qsizetype rows);
 
-    /// For a reader that takes result sets: append() waits while that many have not been taken. 0, the
-    /// default, and again when the reader gives up, for no limit.
+    /// For a reader that takes result sets: append() waits while `resultSets` have not been taken. 0, the
+    /// default, sets no limit; a reader that stops taking must set it to 0 again.
     void setResultReadAhead(qsizetype resultSets);
 
-    /// How many rows every later result set keeps; 0, the default, for all.
+    /// Limits the number of rows kept per later result set; 0, the default, keeps all.
     void setRowLimit(qsizetype rows);
 
-    /// Called on any thread after results were appended or removed, rows were added or a result has finished:
-    /// often, so it must be fast, and without any lock. It may still be called shortly after it was replaced.
-    /// Empty for nobody.
+    /// Sets the observer, called on any thread and without a lock when results are appended or removed, rows
+    /// are added or a result finishes. It is called often and must be fast. It may still be called shortly
+    /// after it was replaced. An empty function for none.
     void setChangeObserver(std::function<void()> observer);
 
-    /// Waits until there are more than `count` result sets or the time has passed; true when there are.
+    /// Waits until there are more than `count` result sets or the timeout expires; true if there are.
     bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
 
 private:
@@ -81,7 +83,7 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_appended;
     std::condition_variable m_hasRoom;
-    std::vector<Entry> m_entries; ///< guarded by m_mutex, as all below
+    std::vector<Entry> m_entries; ///< guarded by m_mutex, as all members below
     Position m_nextNumber = 0;
     qint64 m_totalResultCount = 0;
     qsizetype m_readAhead = 0;

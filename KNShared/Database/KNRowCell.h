@@ -5,11 +5,11 @@
 
 #include <cstddef>
 
-/// One cell of a KNRowStore as it stands in its memory: a tag and the raw value. Usable as long as the store
-/// keeps the row. Any thread.
+/// One cell in the memory of a KNRowStore: a tag and the raw value. Valid as long as the store keeps the row.
+/// Any thread.
 ///
-/// Most cells have one value. The last three kinds have two: value(), which a connector's code reads, and
-/// storedValue(), which is what the server sent and what copies, exports and grids show.
+/// Most kinds have one value. The last three have two: value(), which the connector's code reads, and
+/// storedValue(), the value that the server sent, for copies, exports and grids.
 struct KNSHARED_EXPORT KNRowCell
 {
     enum Tag : unsigned char {
@@ -35,21 +35,22 @@ struct KNSHARED_EXPORT KNRowCell
     const unsigned char *data = nullptr;
     std::size_t length = 0;
 
-    /// Reads the cell that begins at a place of a store's memory.
+    /// Reads the cell that begins at `position` in a store's memory.
     static KNRowCell at(const unsigned char *position);
-    /// Where the next cell begins.
+    /// The start of the next cell.
     const unsigned char *end() const { return data + length; }
 
     KNValue value() const;
-    /// The same, but of text and bytes only the first `limit` bytes, without a character that is cut there.
+    /// Like value(), but reads only the first `limit` bytes of text and bytes, without a partial character at
+    /// the end.
     KNValue value(std::size_t limit) const;
-    /// Everything that the server sent. Text that is not UTF-8 has U+FFFD for what does not decode.
+    /// The complete value that the server sent. In text that is not UTF-8, U+FFFD replaces undecodable bytes.
     KNValue storedValue() const;
     KNValue storedValue(std::size_t limit) const;
 
-    /// Whether the value is a number or a boolean, as KNValue::isNumber() of the stored value.
+    /// Whether KNValue::isNumber() is true for the stored value: a number or a boolean.
     bool isNumber() const;
-    /// The date of a cell of the kind Date or OffsetDate; a default one for every other kind.
+    /// The date of a cell of kind Date or OffsetDate; a default-constructed one for other kinds.
     KNDateTime dateTime() const;
 
 private:

@@ -3,8 +3,8 @@
 #include "Database/KNRowStore.h"
 #include "KNSharedExport.h"
 
-/// Reads published rows of a store cell by cell, where they stand. The store must not forget rows meanwhile.
-/// Rows near each other are found without the store's lock. One thread uses a reader.
+/// Reads published rows cell by cell from the store's memory, without copying. The store must not discard
+/// rows meanwhile. Access to nearby rows takes no lock. Used by one thread.
 class KNSHARED_EXPORT KNRowReader
 {
 public:
@@ -13,19 +13,19 @@ public:
     {
     }
 
-    /// Goes before the first cell of a row; false when it is not published.
+    /// Moves before the first cell of `row`; false if the row is not published.
     bool seek(qsizetype row);
-    /// The next cell of the row; a null one behind the last column.
+    /// Returns the next cell of the row; a null cell after the last column.
     KNRowCell next();
-    /// One cell; a null one outside of the published rows and columns.
+    /// Returns one cell; a null cell outside of the published rows and columns.
     KNRowCell cell(qsizetype row, qsizetype column);
 
 private:
     const KNRowStore &m_rows;
-    const KNRowStore::Block *m_block = nullptr; ///< holds the rows from m_firstRow to below m_endRow
+    const KNRowStore::Block *m_block = nullptr; ///< contains the rows from m_firstRow to below m_endRow
     qsizetype m_firstRow = 0;
     qsizetype m_endRow = 0;
     qsizetype m_columnCount = 0;
-    qsizetype m_column = 0; ///< that of the next cell
+    qsizetype m_column = 0; ///< of the next cell
     const unsigned char *m_position = nullptr;
 };

@@ -15,12 +15,11 @@
 /// One row of values, in column order.
 using KNRow = QList<KNValue>;
 
-/// Rows of values in compact form, for results of millions of rows. Rows stand encoded one behind the other
-/// in blocks of memory that never move: one allocation serves thousands of rows, and a reader needs no copy
-/// of them.
+/// A compact store for results of millions of rows. Rows are encoded one after the other in memory blocks
+/// that never move: one allocation holds thousands of rows, and readers need no copy.
 ///
-/// One thread writes: beginRow(), one append per column, endRow(), and publish() to show the ended rows to
-/// readers. Any number of threads read published rows meanwhile.
+/// One thread writes: beginRow(), one append per column, endRow(), and publish() to show finished rows to
+/// readers. Meanwhile any number of threads may read published rows.
 class KNSHARED_EXPORT KNRowStore
 {
 public:
@@ -29,7 +28,7 @@ public:
     KNRowStore(const KNRowStore &) = delete;
     KNRowStore &operator=(const KNRowStore &) = delete;
 
-    /// How many values each row has. To be set before the first row.
+    /// Sets the number of values per row. Call before the first row.
     void setColumnCount(qsizetype count);
 
     /// \name Writing, on the one writing thread
@@ -41,61 +40,62 @@ public:
     void appendInt64(qint64 value) { appendFixed(KNRowCell::Int64, value); }
     void appendFloat(float value) { appendFixed(KNRowCell::Float, value); }
     void appendDouble(double value) { appendFixed(KNRowCell::Double, value); }
-    /// Text in UTF-8. Text that does not decode reads as null.
+    /// Appends UTF-8 text. Text that cannot be decoded reads as null.
     void appendText(const void *utf8, std::size_t length) { appendVariable(KNRowCell::Text, utf8, length); }
     void appendBytes(const void *bytes, std::size_t length)
     {
         appendVariable(KNRowCell::Bytes, bytes, length);
     }
-    /// The sixteen bytes of a GUID as SQL Server stores it (the first three groups little-endian). Reads as
-    /// its standard text form.
+    /// Appends the sixteen bytes of a GUID in SQL Server's format (the first three groups little-endian).
+    /// Reads as its standard text form.
     void appendGuid(const unsigned char *bytes);
-    /// With an offset, value() of the cell is text; see KNRowCell.
+    /// Appends a date. With an offset, value() of the cell is text; see KNRowCell.
     void appendDate(const KNDateTime &value);
-    /// An amount in ten-thousandths, which a connector's code reads as a float.
+    /// Appends an amount in ten-thousandths, which the connector's code reads as a float.
     void appendFloatMoney(qint32 amount) { appendFixed(KNRowCell::FloatMoney, amount); }
-    /// Bytes whose type is not known, which a connector's code reads as a boolean.
+    /// Appends bytes of an unknown type, which the connector's code reads as a boolean.
     void appendFlagBytes(const void *bytes, std::size_t length)
     {
         appendVariable(KNRowCell::FlagBytes, bytes, length);
     }
-    /// A decimal as its magnitude in big-endian bytes; see KNDecimal::fromBigEndian. Reads as null when it is
-    /// none.
+    /// Appends a decimal given as a big-endian magnitude; see KNDecimal::fromBigEndian. Invalid input reads
+    /// as null.
     void appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale);
     void appendValue(const KNValue &value);
     void endRow();
-    /// Rows beyond this number are not kept; 0, the default, keeps all. To be set before the first row.
+    /// Limits the number of rows kept; 0, the default, keeps all. Call before the first row.
     void setRowLimit(qsizetype rows) { m_rowLimit = rows; }
-    /// Makes all ended rows visible. Returns how many that were.
+    /// Makes all finished rows visible to readers. Returns the number of newly visible rows.
     qsizetype publish();
     /// @}
 
     /// \name Reading, on any thread
     /// @{
     qsizetype rowCount() const;
-    /// The value at a published row and a column of it, both from 0; null outside.
+    /// Returns the value at a published row and column, both from 0; null outside.
     KNValue value(qsizetype row, qsizetype column) const;
-    /// Rows that were ended, published and not kept.
+    /// The number of rows that were finished and published, but not kept.
     qsizetype droppedRowCount() const;
-    /// The whole row; empty outside.
+    /// Returns the whole row; empty outside.
     KNRow row(qsizetype row) const;
-    /// Bytes of memory that the rows take.
+    /// Memory used by the rows, in bytes.
     qsizetype byteSize() const;
-    /// Waits until there are more than `count` rows, the store was closed or the time has passed. True when
+    /// Waits until there are more than `count` rows, the store is closed or the timeout expires. True if
     /// there are.
     bool waitForMoreThan(qsizetype count, std::chrono::milliseconds timeout) const;
     /// @}
 
-    /// Tells waiting readers that no more rows will come.
+    /// Marks the store as complete and wakes waiting readers.
     void close();
 
     /// \name Streaming: a reader that forgets rows as it goes
     /// @{
     /// The writer should not be more than `rows` ahead of discardBefore(); 0, the default, sets no limit.
     void setReadAhead(qsizetype rows);
-    /// The reader is done with all rows before `row`; their memory may go. They read as null from now on.
+    /// Discards all rows before `row` and may free their memory. They read as null from then on.
     void discardBefore(qsizetype row);
-    /// For the writer: waits until it may publish more, or the time has passed. True when it may.
+    /// Waits until the writer may publish more rows or the timeout expires. True if it may. Called by the
+    /// writer.
     bool waitForRoom(std::chrono::milliseconds timeout) const;
     /// @}
 
@@ -120,17 +120,17 @@ private:
     }
     void appendVariable(KNRowCell::Tag tag, const void *data, std::size_t length);
     void moveToBlockFor(std::size_t size);
-    /// The block of a published row, and where it ends; null outside.
+    /// Returns the block of a published row, its column count and the end of its rows; null outside.
     const Block *blockOf(qsizetype row, qsizetype *columnCount, qsizetype *endRow = nullptr) const;
     static const unsigned char *rowIn(const Block &block, qsizetype row);
     static qsizetype firstRowOf(const Block &block);
 
     unsigned char *m_rowStart =
-        nullptr; ///< where the row being written begins; writing thread only, as all four
-    unsigned char *m_cursor = nullptr; ///< where the next cell goes
-    unsigned char *m_limit = nullptr;  ///< end of the room for cells; this row's offset slot stands behind it
-    qsizetype m_endedRows = 0;         ///< rows ended, published or not
-    qsizetype m_rowLimit = 0;          ///< writing thread only, as the next
+        nullptr; ///< start of the row being written; writing thread only, as the next three
+    unsigned char *m_cursor = nullptr; ///< where the next cell is written
+    unsigned char *m_limit = nullptr;  ///< end of the cell memory; the offset slot of this row follows it
+    qsizetype m_endedRows = 0;         ///< finished rows, published or not
+    qsizetype m_rowLimit = 0;          ///< writing thread only, as the next member
     qsizetype m_endedBeyondLimit = 0;
 
     mutable std::mutex m_mutex;

@@ -7,12 +7,12 @@
 
 #include <functional>
 
-/// Rows of a query one after the other, without the result as a whole ever being in memory.
+/// Reads the rows of a query one by one, without keeping the whole result in memory.
 namespace KNRowStream {
 
-/// Runs the query on a pooled connection and calls `eachRow`, on the caller's thread, while rows arrive.
-/// Returns the error, if any, also one that came as a message behind rows: what `eachRow` got is incomplete
-/// then. Blocks on the server.
+/// Runs the query on a pooled connection and calls `eachRow` on the caller's thread as rows arrive. Returns
+/// the error, if any, including errors from messages sent after rows; the rows passed to `eachRow` are
+/// incomplete then. Blocks on the server.
 KNSHARED_EXPORT KNError eachRow(const VantorDBC &details, const QString &sql,
                                 const std::function<void(const KNRow &row)> &eachRow);
 

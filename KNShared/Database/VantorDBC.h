@@ -21,8 +21,8 @@ class VantorDBC;
 
 using VantorDBCPtr = std::shared_ptr<VantorDBC>;
 
-/// The settings of one database connection, and the factory of everything that is particular to its kind of
-/// server. A connector subclasses it. Not synchronised: a thread works on its own copy.
+/// The settings of one database connection and the factory of the classes specific to its server kind.
+/// Connectors subclass it. Not synchronised: each thread uses its own copy.
 class KNSHARED_EXPORT VantorDBC
 {
 public:
@@ -30,7 +30,7 @@ public:
     virtual ~VantorDBC();
     VantorDBC &operator=(const VantorDBC &) = delete;
 
-    /// Identity of the saved connection; null while it was never saved.
+    /// Identity of the saved connection; null if it was never saved.
     QString connectionId() const { return m_connectionId; }
     void setConnectionId(const QString &connectionId) { m_connectionId = connectionId; }
     /// Display name.
@@ -46,67 +46,65 @@ public:
     /// Initial database; null or empty means the login's default.
     QString database() const { return m_database; }
     void setDatabase(const QString &database) { m_database = database; }
-    /// TCP port; 0 means not given.
+    /// TCP port; 0 if not given.
     quint16 port() const { return m_port; }
     void setPort(quint16 port) { m_port = port; }
 
-    /// The SSH server through which the connection goes, if any.
+    /// The SSH server used for the connection, if any.
     const KNSSHTunnelModel &sshTunnelModel() const { return m_sshTunnelModel; }
     void setSSHTunnelModel(const KNSSHTunnelModel &model) { m_sshTunnelModel = model; }
 
-    /// Further settings of a session that the kind of server knows, by name. All know "loginTimeout": the
-    /// seconds that connecting may take (15 when not given).
+    /// Further session settings of the server kind, by name. All kinds support "loginTimeout", the seconds
+    /// allowed for connecting (15 if not given).
     virtual QVariantMap sessionParameters() const = 0;
     virtual void setSessionParameters(const QVariantMap &parameters) = 0;
 
     virtual quint16 defaultPort() const = 0;
-    /// A copy of its own, with what the kind of server defines as belonging to it.
+    /// Returns a deep copy, including server-specific settings.
     virtual VantorDBCPtr copy() const = 0;
-    /// A new client with a copy of these settings, not connected.
+    /// Returns a new, unconnected client with a copy of these settings.
     virtual std::unique_ptr<VantorDatabaseClient> createNewClient() const = 0;
-    /// A new splitter with the rules of the server's language.
+    /// Returns a new splitter for the server's language.
     virtual std::unique_ptr<KNQuerySplitter> createQuerySplitter() const = 0;
-    /// A new tree of the server's objects, with these settings.
+    /// Returns a new tree of the server's objects that uses these settings.
     virtual std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const = 0;
-    /// What completes names on this kind of server, shared by all its connections; null when nothing does.
+    /// The name completion for this server kind, shared by all its connections; null if there is none.
     virtual KNAutocompleteHelper *sharedAutocompleteHelper() const { return nullptr; }
-    /// The catalog queries for these settings' server.
+    /// Returns the catalog queries for the server of these settings.
     virtual std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const = 0;
-    /// What result grids ask about the values of these settings' server; by default it shows them as they
-    /// are.
+    /// Returns the helper that result grids use to format values of this server; by default it shows values
+    /// unchanged.
     virtual std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const;
-    /// A name of a table or column, quoted where the server's language wants it; "name" by default.
+    /// Quotes the name of a table or column if the server's language requires it; "name" by default.
     virtual QString quotedName(const QString &name) const;
-    /// A value as the server's language writes it in a statement, without loss where the language can; by
-    /// default as standard SQL has it.
+    /// Returns a literal of the server's language for a value, without loss where the language allows;
+    /// standard SQL by default.
     virtual QString literal(const KNValue &value) const;
-    /// Begins to write what is sent and received by all connections to this kind of server into a file, which
-    /// holds no password of a login. Returns the file's path; null when there is no such trace or it cannot
-    /// be written.
+    /// Starts a trace file of all data sent and received by connections to this server kind, without login
+    /// passwords. Returns the file's path; null if traces are not supported or the file cannot be written.
     virtual QString startProtocolTrace() const;
-    /// A text for people and caches; never holds the password.
+    /// A description for display and as a cache key; never contains the password.
     virtual QString description() const = 0;
-    /// What is worth remembering after a successful connect, so that the next one is quicker.
+    /// What to remember after a successful login to make the next one faster.
     virtual QVariantMap connectedWithDetails() const = 0;
-    /// Takes over what an earlier connect was worth remembering; an empty map makes the next one find out
-    /// anew.
+    /// Sets what an earlier login remembered; after an empty map the next login finds everything out again.
     virtual void setConnectedWithDetails(const QVariantMap &details) = 0;
-    /// Keywords of the server's language, sorted without regard to case.
+    /// Keywords of the server's language, sorted case-insensitively.
     virtual const QStringList &keywords() const = 0;
-    /// Functions of the server's language, sorted likewise.
+    /// Functions of the server's language, sorted case-insensitively.
     virtual const QStringList &functions() const = 0;
     /// How the server's dialect is cut into tokens.
     virtual SQLTokenizerOptions tokenizerOptions() const { return {}; }
 
-    /// Whether a session opened with one of both can stand in for a session opened with the other: the same
-    /// server, way to it, account, database and parameters. Identity and display name do not matter.
+    /// Whether sessions opened with these and the `other` settings are interchangeable: same server, tunnel,
+    /// account, database and parameters. Identity and display name are ignored.
     bool opensSameSession(const VantorDBC &other) const;
 
-    /// Whether both log in with the same account on the same server, in whatever database.
+    /// Whether both log in with the same account on the same server, in any database.
     bool usesSameLogin(const VantorDBC &other) const;
 
-    /// Splits "name:port" and "name,port". `port` keeps its value when the text holds none. An IPv6 address
-    /// stands in brackets, or alone without a port. May ask the network in subclasses.
+    /// Splits "name:port" and "name,port". `port` is unchanged if the text contains none. An IPv6 address is
+    /// in brackets, or has no port. Subclasses may access the network.
     virtual void getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const;
 
 protected:

@@ -8,13 +8,13 @@
 
 class VantorTabConnection;
 
-/// Lends connected clients for as long as a piece of work takes, and keeps those that come back for the next
-/// one with the same settings. Any thread; every caller gets a client of its own, so nobody waits for
-/// somebody else's work. A transaction that work leaves open is rolled back when its client comes back.
+/// Lends connected clients and keeps returned ones for later use with the same settings. Any thread. Each
+/// caller gets its own client, so callers do not block each other. A transaction left open is rolled back
+/// when its client is returned.
 class KNSHARED_EXPORT VantorDatabaseConnectionPool
 {
 public:
-    /// What is done with a client. It blocks on the server and leaves its failure in the error.
+    /// Work to run with a client. It blocks on the server and reports failure through `error`.
     using Work = std::function<void(VantorDatabaseClient &client, KNError *error)>;
 
     struct Limits
@@ -24,7 +24,7 @@ public:
         std::chrono::milliseconds idleTime = std::chrono::minutes(5);
     };
 
-    /// The pool of the program. It ends with the QCoreApplication.
+    /// The program's pool. It shuts down with the QCoreApplication.
     static VantorDatabaseConnectionPool *sharedInstance();
 
     VantorDatabaseConnectionPool();
@@ -33,40 +33,40 @@ public:
     VantorDatabaseConnectionPool(const VantorDatabaseConnectionPool &) = delete;
     VantorDatabaseConnectionPool &operator=(const VantorDatabaseConnectionPool &) = delete;
 
-    /// Runs the work with a connected client of these settings; true when it left no error. `error` may be
-    /// null. With `retryOnError` the work runs once more, on a fresh connection, when the lent one turned out
-    /// to be dead.
+    /// Runs the work with a connected client of these settings; true if it left no error. `error` may be
+    /// null. With `retryOnError` the work runs again on a fresh connection if the pooled connection was dead.
     bool executeQuery(const Work &work, const VantorDBC &withConnectionDetails, KNError *error,
                       bool retryOnError = false);
 
-    /// A connection that stays with one user's query tab. The pool must outlive it.
+    /// Returns a connection dedicated to one user query tab. The pool must outlive it.
     std::unique_ptr<VantorTabConnection> connectionForTab(const VantorDBC &details);
 
-    /// A client for whoever keeps it, connected; null with an error when that fails. What a login finds out
-    /// about the server is remembered for the next one with the same settings. A login that the server has
-    /// refused is not tried again until forgetRefusals() is called: attempts count against the account. The
-    /// same goes for a refused database. `connecting`, if there is one, is called with each client before it
-    /// connects, so that another thread can cancel it, and with null behind that.
+    /// Returns a connected client that the caller keeps; null with an error on failure. Server properties
+    /// found during login are remembered for the next login with the same settings. A refused login or
+    /// database is not retried until forgetRefusals() is called, because attempts count against the account.
+    /// `connecting`, if not empty, is called with each client before it connects, so that another thread can
+    /// cancel it, and with null afterwards.
     std::unique_ptr<VantorDatabaseClient>
     connectedClient(const VantorDBC &details, KNError *error,
                     const std::function<void(VantorDatabaseClient *client)> &connecting = {});
-    /// The user wants to try again with this login.
+    /// Allows retrying a refused login. Called when the user asks for it.
     void forgetRefusals(const VantorDBC &details);
 
     std::size_t idleCount() const;
     void closeIdleClients();
-    /// Closes what is idle and, from now on, what comes back.
+    /// Closes idle clients and, from now on, returned ones.
     void end();
 
 private:
     using Client = std::unique_ptr<VantorDatabaseClient>;
 
-    /// What logins with equal settings have found out about the server.
+    /// Server properties found by logins with equal settings.
     struct LoginHints
     {
         VantorDBCPtr details;
-        VantorDBCPtr settings;     ///< with what the last login found out; null before a login
-        bool isUnreliable = false; ///< it did not hold once: every login has to find out anew
+        VantorDBCPtr settings; ///< with the last login's findings; null before a login
+        bool isUnreliable =
+            false; ///< true if the hints were wrong once: every login then has to detect them again
     };
 
     struct Refusal
@@ -92,12 +92,12 @@ private:
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;                      ///< a client has become idle, or this is the end
-    VantorIdleClients m_idle;                               ///< guarded by m_mutex
-    std::vector<LoginHints> m_loginHints;                   ///< guarded by m_mutex
-    std::vector<Refusal> m_refusals;                        ///< guarded by m_mutex
-    std::vector<std::shared_ptr<FirstLogin>> m_firstLogins; ///< that are going on; guarded by m_mutex
+    std::condition_variable m_changed;    ///< signalled when a client becomes idle or the pool ends
+    VantorIdleClients m_idle;             ///< guarded by m_mutex
+    std::vector<LoginHints> m_loginHints; ///< guarded by m_mutex
+    std::vector<Refusal> m_refusals;      ///< guarded by m_mutex
+    std::vector<std::shared_ptr<FirstLogin>> m_firstLogins; ///< in progress; guarded by m_mutex
     std::condition_variable m_firstLoginEnded;
     bool m_isEnding = false; ///< guarded by m_mutex
-    std::thread m_reaper;    ///< closes what was idle for too long
+    std::thread m_reaper;    ///< closes clients that were idle for too long
 };

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <vector>
 
-/// The connected clients that wait in a pool, each with the settings that it was lent for. Not synchronised.
+/// The idle connected clients of a pool, each with the settings it was lent for. Not synchronised.
 class VantorIdleClients
 {
 public:
@@ -20,16 +20,17 @@ public:
 
     std::size_t count() const { return m_entries.size(); }
     void add(Entry entry) { m_entries.push_back(std::move(entry)); }
-    /// The one with these settings that was used last; without a client when there is none.
+    /// Removes and returns the most recently used client with these settings; the entry's client is null if
+    /// there is none.
     Entry take(const VantorDBC &details);
-    /// All with these settings.
+    /// Removes and returns all clients with these settings.
     std::vector<Entry> takeAll(const VantorDBC &details);
     std::vector<Entry> takeAll() { return std::exchange(m_entries, {}); }
-    /// What is idle since that time or longer.
+    /// Removes and returns the clients idle since `since` or longer.
     std::vector<Entry> takeExpired(Clock::time_point since);
-    /// The oldest of those that are too many, for one connection and altogether.
+    /// Removes and returns the oldest clients beyond the limits per connection and in total.
     std::vector<Entry> takeSurplus(std::size_t maximumPerConnection, std::size_t maximum);
-    /// Since when the oldest waits; the end of time when there is none.
+    /// When the oldest idle client was returned; time_point::max() if there is none.
     Clock::time_point oldest() const;
 
 private:

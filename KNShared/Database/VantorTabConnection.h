@@ -2,10 +2,10 @@
 
 #include "Database/VantorDatabaseConnectionPool.h"
 
-/// The connection of one user's query tab: its client stays with it from run to run, with its temporary
-/// tables, transaction and settings. A lost one is replaced at the next run, in the database that the user
-/// had gone to; if the lost session held something, only after beginNewSession(). One thread runs; everything
-/// else may happen on any.
+/// The connection of one user query tab. Its client is kept between runs, with its temporary tables,
+/// transaction and settings. The next run replaces a lost connection and restores the user's database; if the
+/// lost session held state, only after beginNewSession(). One thread runs queries; all other operations may
+/// be called from any thread.
 class KNSHARED_EXPORT VantorTabConnection
 {
 public:
@@ -15,24 +15,24 @@ public:
     VantorTabConnection(const VantorTabConnection &) = delete;
     VantorTabConnection &operator=(const VantorTabConnection &) = delete;
 
-    /// Runs the work with the tab's client; true when it left no error. Connects first where need be. When
-    /// the session was lost with what it held, nothing runs and isSessionLost(error) is true.
+    /// Runs the work with the tab's client; true if it left no error. Connects first if necessary. If a
+    /// session with state was lost, the work is not run and isSessionLost(error) is true.
     bool executeQuery(const VantorDatabaseConnectionPool::Work &work, KNError *error);
-    /// Stops what runs or connects; harmless when nothing does.
+    /// Cancels a running query or connection attempt; does nothing if there is none.
     bool cancelCurrentQuery(KNError *error);
 
-    /// Adds to what the session holds.
+    /// Adds to the recorded session state.
     void addSessionState(const VantorSessionState &state);
-    /// Whether the session has a transaction open, now that its server was asked.
+    /// Records whether the session has an open transaction, after the server was asked.
     void setHasTransaction(bool hasTransaction);
-    /// Whether something would be lost with the session, or was.
+    /// Whether losing the session loses state, or already has.
     bool hasSessionState() const;
-    /// Whether a run has failed because the session was lost with what it held.
+    /// Whether a run failed because a session with state was lost.
     static bool isSessionLost(const KNError &error);
-    /// The user knows that the session was lost: the next run connects anew.
+    /// Allows the next run to reconnect after the user has learned of the lost session.
     void beginNewSession();
     bool isConnected() const;
-    /// A copy of the settings, with the database that the last run ended in.
+    /// Returns a copy of the settings with the database in which the last run ended.
     VantorDBCPtr connectionDetails() const;
 
 private:
@@ -45,8 +45,8 @@ private:
     VantorDBCPtr m_details;                         ///< guarded by m_mutex
     std::shared_ptr<VantorDatabaseClient> m_client; ///< guarded by m_mutex
     VantorSessionState m_state;                     ///< guarded by m_mutex
-    QString m_firstDatabase;                        ///< where the session began; guarded by m_mutex
-    QString m_lastDatabase;                         ///< where its last run ended; guarded by m_mutex
-    std::mutex m_connectingMutex;                   ///< never taken by a UI thread
+    QString m_firstDatabase;                        ///< in which the session began; guarded by m_mutex
+    QString m_lastDatabase;                         ///< in which the last run ended; guarded by m_mutex
+    std::mutex m_connectingMutex;                   ///< never locked by a UI thread
     VantorDatabaseClient *m_connecting = nullptr;   ///< guarded by m_connectingMutex
 };
