@@ -23,7 +23,7 @@ enum class Problem {
     WrongContract,      ///< the connector implements another contract version
     NoName,             ///< the metadata contains no server kind
     CannotBeLinked,     ///< the system cannot load it: symbols or libraries are missing
-    FailedWhileLoading, ///< the constructor of its root object threw an exception
+    FailedWhileLoading, ///< its root object threw an exception
     NoConnector,        ///< its root object does not implement the contract
 };
 

@@ -64,9 +64,8 @@ private:
     struct LoginHints
     {
         VantorDBCPtr details;
-        VantorDBCPtr settings; ///< with the last login's findings; null before a login
-        bool isUnreliable =
-            false; ///< true if the hints were wrong once: every login then has to detect them again
+        VantorDBCPtr settings;     ///< with the last login's findings; null before a login
+        bool isUnreliable = false; ///< were wrong once; every login then detects them again
     };
 
     struct Refusal
