@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a drag of an entry carries beside its text.
+/// Data of a dragged entry in addition to its text.
 class DatabaseTreeDragDropEntry
 {
 };

@@ -4,8 +4,8 @@
 #include "Foundation/KNNotificationCenter.h"
 #include "KNSharedExport.h"
 
-/// Tells that the application has made or dropped a table: posted by name at the default notification centre,
-/// on the UI thread.
+/// Notification that the application has created or dropped a table, posted by name at the default
+/// notification centre on the UI thread.
 class KNSHARED_EXPORT KNDatabaseNotificationTable
 {
 public:
@@ -16,15 +16,15 @@ public:
                                                  const VantorDBC &forDBC);
     static void postRemovalNotificationForTable(const QString &tableName, const QString &inSchema,
                                                 const VantorDBC &forDBC);
-    /// What a notification carries; without settings when it is none of these.
+    /// Reads a notification's content; the settings are null if it is not one of these notifications.
     static KNDatabaseNotificationTable fromUserInfo(const QVariantMap &userInfo);
 
-    /// The connection in whose database the table is.
+    /// The settings of the table's connection and database.
     const std::shared_ptr<const VantorDBC> &dbDetails() const { return m_dbDetails; }
     QString tableName() const { return m_tableName; }
     /// Null for the login's default schema.
     QString tableSchema() const { return m_tableSchema; }
-    /// For the log.
+    /// A description for the log.
     QString description() const;
 
 private:

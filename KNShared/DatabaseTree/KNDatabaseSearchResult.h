@@ -3,10 +3,10 @@
 #include <QList>
 #include <QString>
 
-/// One object that the search of a tree can find.
+/// An object that the tree search can find.
 struct KNDatabaseSearchResult
 {
-    QString display; ///< what the text is looked for in
+    QString display; ///< the text that is searched
     QString schema;
     QString objectName;
     QString type; ///< "TABLE", "VIEW", "FUNCTION" or "PROCEDURE", in any case

@@ -7,7 +7,7 @@
 
 #include <functional>
 
-/// Carries out the actions of the tree's menus by their names. Used on the UI thread.
+/// Performs the actions of the tree's menus by name. Used on the UI thread.
 class KNSHARED_EXPORT KNDatabaseTreeContextHelper
 {
 public:
@@ -15,11 +15,11 @@ public:
 
     virtual ~KNDatabaseTreeContextHelper();
 
-    /// From now on the helper knows this action; another one of the same name is replaced.
+    /// Registers an action; replaces an action of the same name.
     void addAction(const QString &name, Action action);
-    /// Menus show actions that are not known disabled.
+    /// Whether the action is registered. Menus show unregistered actions disabled.
     bool knowsAction(const QString &name) const;
-    /// Carries the action out; false when it is not known.
+    /// Performs the action; false if it is not registered.
     bool performAction(const QString &name, const KNMenuRepresentedObject &representedObject);
 
 private:

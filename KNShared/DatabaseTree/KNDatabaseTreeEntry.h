@@ -11,17 +11,17 @@
 #include <mutex>
 #include <vector>
 
-/// A row of the object tree. This class is a plain leaf; what has children overrides loadEntriesAsync(). Held
-/// by std::shared_ptr: children strongly, parent and delegate weakly.
+/// A row of the object tree. This class is a leaf; entries with children override loadEntriesAsync(). Held by
+/// std::shared_ptr: an entry owns its children and refers weakly to its parent and delegate.
 ///
-/// Parent, delegate and settings are set by whoever makes the entry, before others see it. Names, details,
+/// The creator sets parent, delegate and settings before other threads see the entry. Names, details,
 /// children and the busy state may be read on any thread at any time.
 class KNSHARED_EXPORT KNDatabaseTreeEntry : public std::enable_shared_from_this<KNDatabaseTreeEntry>
 {
 public:
     using Ptr = std::shared_ptr<KNDatabaseTreeEntry>;
     using List = std::vector<Ptr>;
-    /// An immutable array; null when it was never loaded.
+    /// An immutable list; null before the first load.
     using Children = std::shared_ptr<const List>;
     using Settings = std::shared_ptr<const VantorDBC>;
 
@@ -30,16 +30,16 @@ public:
     KNDatabaseTreeEntry(const KNDatabaseTreeEntry &) = delete;
     KNDatabaseTreeEntry &operator=(const KNDatabaseTreeEntry &) = delete;
 
-    /// Null for a root, and when the parent is gone.
+    /// Null for a root, and after the parent was destroyed.
     Ptr parent() const { return m_parent.lock(); }
     void setParent(const Ptr &parent) { m_parent = parent; }
     std::shared_ptr<KNDatabaseTreeEntryDelegate> delegate() const { return m_delegate.lock(); }
     void setDelegate(const std::weak_ptr<KNDatabaseTreeEntryDelegate> &delegate) { m_delegate = delegate; }
-    /// Nobody changes the settings of an entry, so entries share them.
+    /// The settings are never modified, so entries share them.
     const Settings &databaseConnectionDetails() const { return m_databaseConnectionDetails; }
-    /// Takes a copy.
+    /// Copies the settings.
     virtual void setDatabaseConnectionDetails(const VantorDBC *details);
-    /// Makes this the parent of the entry, which also gets the delegate and the settings.
+    /// Makes this the parent of `child` and passes it the delegate and the settings.
     void adopt(KNDatabaseTreeEntry &child);
 
     /// The text of the row.
@@ -51,42 +51,43 @@ public:
     /// The name of the row's icon.
     virtual QString image() const;
     void setImage(const QString &image);
-    /// In points.
+    /// Height in points.
     virtual int tableCellHeight() const { return 23; }
-    /// The kind of row in the view.
+    /// The row type in the view.
     virtual QString tableCellIdentifier() const { return QStringLiteral("DataCell"); }
 
     Children childEntries() const;
     virtual bool canHaveChildren() const { return m_canHaveChildren; }
     void setCanHaveChildren(bool canHaveChildren) { m_canHaveChildren = canHaveChildren; }
-    /// Starts loading the children, again when `force` is set. Each class says what it returns; whether a
-    /// load is under way, isLoadingAsync() tells. Any thread; never waits.
+    /// Starts loading the children, or reloads them if `force` is set. The return value depends on the class;
+    /// isLoadingAsync() reports whether a load is in progress. Any thread; never blocks.
     virtual bool loadEntriesAsync(bool force);
     bool isLoadingAsync() const { return m_isLoadingAsync; }
-    /// Takes one child out after its object was dropped. Who is no child is ignored here.
+    /// Removes one child after its object was dropped. This implementation ignores entries that are not
+    /// children.
     virtual void removeChild(const Ptr &child);
-    /// A leaf that shows an error in place of this entry's children.
+    /// Returns a leaf that shows an error instead of this entry's children.
     Ptr createErrorDetailsTreeEntry(const KNError &error);
 
-    /// A copy that shows only what matches the text, below it; null when nothing does, or when the entry is
-    /// not searched.
+    /// Returns a copy of the entry and its matching descendants; null if nothing matches or the entry is not
+    /// searchable.
     virtual Ptr copyWithSearchResults(const QString &text);
 
-    /// The context menu of the row; one without items when it has none. Asks no server. On the UI thread, as
-    /// everything below.
+    /// Returns the row's context menu, without items if it has none. Does not access the server. On the UI
+    /// thread, as are all functions below.
     virtual KNMenu menu();
-    /// What is put into an editor into which the row is dragged; null for nothing.
+    /// The text inserted when the row is dragged into an editor; null for nothing.
     virtual QString dragDropString() const;
-    /// Null for nothing.
+    /// The data of a drag; null for nothing.
     virtual std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const;
     virtual void onDoubleClicked() {}
     virtual void cmdDown() {}
     virtual void cmdRight() {}
-    /// Carries out the actions of the tree: that of the root. Null when there is none.
+    /// The root's helper that performs the tree's actions. Null if there is none.
     virtual std::shared_ptr<KNDatabaseTreeContextHelper> contextHelper() const;
 
 protected:
-    /// A new child, adopted.
+    /// Creates a child and adopts it.
     template <typename Entry, typename... Arguments>
     std::shared_ptr<Entry> make(Arguments &&...arguments)
     {
@@ -100,7 +101,7 @@ protected:
     void setIsLoadingAsync(bool isLoading) { m_isLoadingAsync = isLoading; }
     void tellBeginLoading();
     void tellFinishLoading();
-    /// removeChild() of those classes for which it is a programming error when there is no such child.
+    /// Implements removeChild() for classes where a missing child is a programming error.
     void removeChildOrFail(const Ptr &child, const char *message, const char *sourcePath);
 
     /// \name Parts of menus
@@ -110,11 +111,11 @@ protected:
     KNMenuItem newQueryMenuItem();
     KNMenuItem importMenuItem();
     KNMenuItem refreshMenuItem();
-    /// An item whose submenu sends the script to a new tab, a file or the clipboard. Without a loader all of
-    /// it is disabled.
+    /// Creates an item whose submenu sends the script to a new tab, a file or the clipboard. Without a loader
+    /// all of its items are disabled.
     KNMenuItem createScriptToOptionsMenu(const char *title,
                                          const std::shared_ptr<KNQueryLoader> &queryLoader) const;
-    /// "Script as", with one such item for each script.
+    /// Creates "Script as" with one createScriptToOptionsMenu() item per script.
     KNMenuItem scriptAsMenuItem(
         const std::vector<std::pair<const char *, std::shared_ptr<KNQueryLoader>>> &scripts) const;
     /// @}
@@ -125,7 +126,7 @@ private:
     std::weak_ptr<KNDatabaseTreeEntry> m_parent;
     std::weak_ptr<KNDatabaseTreeEntryDelegate> m_delegate;
     Settings m_databaseConnectionDetails;
-    mutable std::mutex m_mutex; ///< guards the next four
+    mutable std::mutex m_mutex; ///< guards the next four members
     QString m_displayName;
     QString m_details;
     QString m_image;

@@ -2,7 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 
-/// The leaf that tells why there are no children.
+/// A leaf that shows why there are no children.
 class KNSHARED_EXPORT KNDatabaseTreeErrorEntry : public KNDatabaseTreeEntry
 {
 public:

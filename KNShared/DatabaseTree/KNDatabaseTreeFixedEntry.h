@@ -2,7 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 
-/// An entry whose children are known without asking: they are made when it is first expanded, and kept.
+/// An entry whose children are known without a query. They are created on the first expansion and kept.
 class KNSHARED_EXPORT KNDatabaseTreeFixedEntry : public KNDatabaseTreeEntry
 {
 public:
@@ -11,7 +11,7 @@ public:
     bool loadEntriesAsync(bool force) override;
 
 protected:
-    /// The children, adopted. Any thread.
+    /// Creates and adopts the children. Any thread.
     virtual List makeEntries() = 0;
 
 private:

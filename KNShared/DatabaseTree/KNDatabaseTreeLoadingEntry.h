@@ -5,8 +5,8 @@
 
 #include <optional>
 
-/// An entry whose children are loaded in the background, one load at a time. The way of a load is the same
-/// for all; in what they differ, they declare.
+/// An entry that loads its children in the background, one load at a time. All classes share the load
+/// sequence and declare how they vary it.
 class KNSHARED_EXPORT KNDatabaseTreeLoadingEntry : public KNDatabaseTreeEntry
 {
 public:
@@ -14,33 +14,33 @@ public:
 
     struct Protocol
     {
-        /// A forced load takes the old children away before anything else, even when one is running already.
+        /// A forced load first removes the old children, even if another load is running.
         bool clearsFirst = false;
-        /// What loadEntriesAsync() returns when it has started a load.
+        /// The return value of loadEntriesAsync() after it has started a load.
         bool returnsOnceStarted = true;
-        /// Where the children are replaced and the delegate is told.
+        /// The thread on which the children are replaced and the delegate is called.
         Finishes finishes = Finishes::OnBackgroundThread;
     };
 
     bool canHaveChildren() const override { return true; }
-    /// False when there is nothing to load: the children are there and `force` is not set. True when a load
-    /// is running already; what it returns for a new one, the protocol says.
+    /// Returns false if the children are loaded and `force` is not set, and true if a load is already
+    /// running. For a new load the protocol defines the return value.
     bool loadEntriesAsync(bool force) override;
 
 protected:
     explicit KNDatabaseTreeLoadingEntry(const Protocol &protocol, const QString &semaphore = {});
 
-    /// An entry that was made with its children, and keeps them.
+    /// Set to false for an entry that was created with its children and keeps them.
     void setCanRefresh(bool canRefresh) { m_canRefresh = canRefresh; }
 
-    /// The new children, adopted, on a background thread. Empty, with an error, when nothing could be asked:
-    /// the old children then stay. An error together with no children is shown as one error entry.
+    /// Returns the new, adopted children, on a background thread. Returns nothing, with an error, if the
+    /// query failed; the old children then stay. An error with an empty list is shown as one error entry.
     virtual std::optional<List> loadEntries(KNError *error) = 0;
-    /// A load is about to begin, on the thread that asked for it.
+    /// Called before a load, on the thread that requested it.
     virtual void willBeginLoading() {}
-    /// These will be the children: still on the background thread.
+    /// Called with the future children, still on the background thread.
     virtual void didLoadEntries(const Children &) {}
-    /// The children have just been replaced, the delegate is not told yet: on the thread that finishes.
+    /// Called after the children were replaced and before the delegate is called, on the finishing thread.
     virtual void willFinishLoading() {}
 
 private:
@@ -50,5 +50,5 @@ private:
 
     const Protocol m_protocol;
     bool m_canRefresh = true;
-    KNSemaphore m_dataLoadSemaphore; ///< held by the load that is running
+    KNSemaphore m_dataLoadSemaphore; ///< held by the running load
 };

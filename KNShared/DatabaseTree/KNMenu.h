@@ -4,7 +4,7 @@
 
 #include <vector>
 
-/// A menu as data, which the host's view shows. The title is for submenus and for who lists menus.
+/// A menu as data, displayed by the host. The title is for submenus and for code that lists menus.
 class KNMenu
 {
 public:

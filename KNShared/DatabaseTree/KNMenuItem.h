@@ -12,11 +12,11 @@ class KNDatabaseTreeEntry;
 class KNMenu;
 class KNQueryLoader;
 
-/// What a menu's action works on: nothing, a text, an entry of the tree or a script.
+/// The argument of a menu action: nothing, a text, a tree entry or a script.
 using KNMenuRepresentedObject = std::variant<std::monostate, QString, std::shared_ptr<KNDatabaseTreeEntry>,
                                              std::shared_ptr<KNQueryLoader>>;
 
-/// One item of a menu, as data: a separator, a submenu, or an action that its target carries out by name.
+/// One menu item as data: a separator, a submenu, or an action that its target performs by name.
 struct KNSHARED_EXPORT KNMenuItem
 {
     QString title;
@@ -30,9 +30,9 @@ struct KNSHARED_EXPORT KNMenuItem
     static KNMenuItem separator();
     static KNMenuItem withSubmenu(const QString &title, KNMenu submenu);
 
-    /// Whether choosing the item does anything: its target knows the action and there is something to do it
-    /// with, or one item of its submenu is enabled.
+    /// Whether choosing the item has an effect: its target knows the action and has an argument for it, or an
+    /// item of its submenu is enabled.
     bool isEnabled() const;
-    /// Carries the action out; false when the item is not enabled. On the UI thread.
+    /// Performs the action; false if the item is not enabled. On the UI thread.
     bool perform() const;
 };
