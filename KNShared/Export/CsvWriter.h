@@ -2,9 +2,9 @@
 
 #include "Export/DeviceWriter.h"
 
-/// Comma-separated values after RFC 4180, with a header line and LF line ends. NULL is an empty field and
-/// empty text is "". In a result of one column, where an empty field would be an empty line, NULL is the word
-/// NULL and the text NULL is in quotes. An empty line stands between results.
+/// Comma-separated values according to RFC 4180, with a header line and LF line ends. NULL is an empty field,
+/// empty text is "". In a result of one column, where an empty field would be an empty line, NULL is written
+/// as NULL and the text NULL is quoted. An empty line separates results.
 class KNSHARED_EXPORT CsvWriter : public DeviceWriter
 {
 public:

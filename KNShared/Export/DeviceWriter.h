@@ -5,7 +5,7 @@
 
 #include <QIODevice>
 
-/// A writer of text in UTF-8 onto a device, which must outlive it.
+/// Writes UTF-8 text to a device, which must outlive the writer.
 class KNSHARED_EXPORT DeviceWriter : public ResultWriter
 {
 public:
@@ -16,10 +16,10 @@ protected:
         : m_device(device)
     {
     }
-    /// The bytes collected for the device. After a row, call flushLargePiece().
+    /// The buffered output. Call flushLargePiece() after each row.
     KNByteBuffer &buffer() { return m_pending; }
     void write(QByteArrayView utf8);
-    /// Writes to the device once there is enough to be worth a call.
+    /// Writes the buffer to the device once it is large enough.
     void flushLargePiece();
     void flush();
 

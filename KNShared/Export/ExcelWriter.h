@@ -8,17 +8,18 @@ struct lxw_workbook;
 struct lxw_worksheet;
 struct lxw_format;
 
-/// An Excel workbook with the rows of one result. What a cell cannot hold exactly is text as it is stored:
-/// exact numbers of more than 15 digits, dates with an offset, before March 1900 or finer than a millisecond.
-/// Rows beyond what a sheet holds go on in a further one. NULL is an empty cell.
+/// Writes the rows of one result as an Excel workbook. Values that a cell cannot hold exactly are written as
+/// their stored text: exact numbers of more than 15 digits, and dates with an offset, before March 1900 or
+/// finer than a millisecond. Rows beyond the limit of a sheet continue on another sheet. NULL is an empty
+/// cell.
 class KNSHARED_EXPORT ExcelWriter : public ResultWriter
 {
 public:
-    static constexpr qint64 RowsPerSheet = 1'048'576; ///< with the header
-    static constexpr qsizetype LongestText = 32'767;  ///< UTF-16 units in a cell
+    static constexpr qint64 RowsPerSheet = 1'048'576; ///< including the header
+    static constexpr qsizetype LongestText = 32'767;  ///< UTF-16 units per cell
 
-    /// Writes to a file that is made or overwritten; needs about as much room again beside it meanwhile. The
-    /// file is complete behind endRun().
+    /// Creates or overwrites the file at `path`; meanwhile needs about the same disk space again in the same
+    /// folder. The file is complete after endRun().
     explicit ExcelWriter(const QString &path, qint64 rowsPerSheet = RowsPerSheet);
     ~ExcelWriter() override;
 
@@ -38,14 +39,14 @@ private:
     void check(int status);
 
     const QByteArray m_path;
-    QByteArray m_folder; ///< for temporary files; the library keeps a pointer
+    QByteArray m_folder; ///< for temporary files; the library keeps a pointer to it
     const qint64 m_rowsPerSheet;
     lxw_workbook *m_workbook = nullptr;
     lxw_worksheet *m_sheet = nullptr;
     lxw_format *m_headerFormat = nullptr;
     lxw_format *m_dateFormats[3][2] = {}; ///< by the parts of a date, without and with milliseconds
     QStringList m_columnNames;
-    quint32 m_row = 0; ///< the next one in the sheet
+    quint32 m_row = 0; ///< the next row of the sheet
     int m_sheets = 0;
     qint64 m_cutTexts = 0;
     qint64 m_numbersAsText = 0;

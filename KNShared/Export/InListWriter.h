@@ -5,11 +5,12 @@
 
 #include <QSet>
 
-/// All values, each once, as the list behind an IN: (1, 2, 3). NULL is left out, for nothing is equal to it.
+/// Writes all distinct values as the list of an IN expression: (1, 2, 3). NULL is omitted, since nothing
+/// equals it.
 class KNSHARED_EXPORT InListWriter : public DeviceWriter
 {
 public:
-    /// `details` is used by this writer alone.
+    /// `details` must not be used by other code.
     InListWriter(QIODevice &device, VantorDBCPtr details)
         : DeviceWriter(device)
         , m_details(std::move(details))

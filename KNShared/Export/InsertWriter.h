@@ -3,11 +3,11 @@
 #include "Database/VantorDBC.h"
 #include "Export/DeviceWriter.h"
 
-/// INSERT statements with names and values as the kind of server writes them, at most 1000 rows in each.
+/// Writes INSERT statements with names and values in the server's syntax, at most 1000 rows in each.
 class KNSHARED_EXPORT InsertWriter : public DeviceWriter
 {
 public:
-    /// `tableName` stands in the statements as it is; `details` is used by this writer alone.
+    /// `tableName` is written unchanged; `details` must not be used by other code.
     InsertWriter(QIODevice &device, VantorDBCPtr details, QString tableName)
         : DeviceWriter(device)
         , m_details(std::move(details))
@@ -20,7 +20,7 @@ public:
     void endResult() override;
 
 private:
-    static constexpr int RowsPerStatement = 1000; // a server takes no more
+    static constexpr int RowsPerStatement = 1000; // the server's limit
 
     const VantorDBCPtr m_details;
     const QString m_tableName;

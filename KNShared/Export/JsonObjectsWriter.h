@@ -2,8 +2,8 @@
 
 #include "Export/DeviceWriter.h"
 
-/// The rows of one result as a JSON array of objects, by column name. A name that occurs again gets its
-/// number, a column without a name that of its place. Values as in JsonWriter.
+/// Writes the rows of one result as a JSON array of objects with column names as keys. A repeated name gets a
+/// number appended, a column without a name is named after its position. Values as in JsonWriter.
 class KNSHARED_EXPORT JsonObjectsWriter : public DeviceWriter
 {
 public:
@@ -17,6 +17,6 @@ public:
     void endResult() override;
 
 private:
-    QByteArrayList m_keys; ///< quoted, with their colon
+    QByteArrayList m_keys; ///< quoted, including the colon
     bool m_isFirstRow = true;
 };

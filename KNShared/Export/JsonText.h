@@ -5,8 +5,8 @@
 
 #include <QString>
 
-/// A JSON string with its quotes, in UTF-8.
+/// Returns a JSON string with its quotes, in UTF-8.
 QByteArray jsonString(const QString &text);
-/// Appends a stored value in JSON: null, booleans and numbers with all their digits, everything else as a
-/// string. JSON has no numbers for "nan", "inf" and "-inf": they are strings as well.
+/// Appends a stored value as JSON: null, booleans and numbers with all their digits, other values as strings.
+/// "nan", "inf" and "-inf" are strings, since they are not JSON numbers.
 void appendJsonValue(KNByteBuffer &to, const KNRowCell &cell);

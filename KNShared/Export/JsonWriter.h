@@ -2,9 +2,9 @@
 
 #include "Export/DeviceWriter.h"
 
-/// One JSON array with an object for each result: "columns", a list of names, and "rows", a list of lists.
-/// Numbers keep all their digits, dates, binary values (0x...) and what is no
-/// number in JSON (nan, inf, -inf) are strings.
+/// Writes one JSON array with an object per result: "columns", a list of names, and "rows", a list of lists.
+/// Numbers keep all their digits; dates, binary values (0x...) and numbers not allowed in JSON (nan, inf,
+/// -inf) are strings.
 class KNSHARED_EXPORT JsonWriter : public DeviceWriter
 {
 public:

@@ -2,8 +2,8 @@
 
 #include "Export/DeviceWriter.h"
 
-/// Tables in Markdown, one for each result. Signs that mean something there are escaped, line ends become
-/// <br>, and NULL is emphasised, which no text is.
+/// Writes one Markdown table per result. Markdown's special characters are escaped, line ends become <br>,
+/// and NULL is emphasised, which text never is.
 class KNSHARED_EXPORT MarkdownWriter : public DeviceWriter
 {
 public:
@@ -19,7 +19,7 @@ public:
 private:
     QStringList m_columnNames;
     bool m_isLaterResult = false;
-    bool m_isFirstRow = true; ///< which decides what columns are aligned to the right
+    bool m_isFirstRow = true; ///< the first row decides which columns are right-aligned
 
     void writeHead(Cells firstRow);
 };

@@ -6,18 +6,19 @@
 
 #include <atomic>
 
-/// A text of rows for the clipboard. Made by any thread, once.
+/// Rows as text for the clipboard. Created once, by any thread.
 struct KNSHARED_EXPORT ResultCopy
 {
-    /// UTF-8 bytes beyond which no more rows are added, so that a slip of the hand does not fill the memory.
+    /// No more rows are added beyond this number of UTF-8 bytes, so that an accidental copy does not exhaust
+    /// memory.
     static constexpr qint64 LargestSize = 100 * 1024 * 1024;
 
-    QString text;              ///< a null one when it was cancelled
-    qsizetype rowsLeftOut = 0; ///< because of the bound
-    QStringList remarks;       ///< what the user should know beside that
+    QString text;              ///< null if cancelled
+    qsizetype rowsLeftOut = 0; ///< because of LargestSize
+    QStringList remarks;       ///< further information for the user
 
-    /// `nullText` stands for NULL in plain text. One value alone is its plain text, without quotes. `details`
-    /// quotes names and values; no other thread uses them meanwhile.
+    /// `nullText` replaces NULL in plain text. A single value is copied as plain text without quotes.
+    /// `details` quotes names and values; no other thread may use them during the call.
     static ResultCopy make(const ResultRows &rows, const ResultFormat &format, const VantorDBCPtr &details,
                            const QString &nullText, const std::atomic<bool> &cancelled,
                            qint64 largestSize = LargestSize);

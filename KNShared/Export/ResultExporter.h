@@ -6,23 +6,23 @@
 
 #include <atomic>
 
-/// Writes rows to a file on the global queue. The file appears whole or not at all: the rows go into one
-/// beside it that takes its place in the end.
+/// Writes rows to a file on the global queue. The file is replaced completely or not at all: the rows are
+/// written to a temporary file in the same folder, which replaces it at the end.
 class KNSHARED_EXPORT ResultExporter : public std::enable_shared_from_this<ResultExporter>
 {
 public:
-    /// Called on the main thread, once. Neither an error nor `complete` means cancelled. `remarks` is what
-    /// the user should know about what the format could not hold.
+    /// Called once, on the main thread. Without an error and with `complete` false, the export was cancelled.
+    /// `remarks` explain to the user what the format could not represent.
     using Finished = std::function<void(bool complete, const KNError &error, const QStringList &remarks)>;
 
-    /// Filters for a file panel, one for each format.
+    /// The filters for a file dialog, one per format.
     static QStringList fileFilters();
 
     ResultExporter(ResultRows rows, QString path);
 
-    /// Begins. The file name's extension decides the format; one that no format has is an error.
+    /// Starts the export. The file extension selects the format; an unknown extension is an error.
     void start(Finished finished);
-    /// Stops soon, unless the file is in its place already. Any thread.
+    /// Requests cancellation; no effect once the file has been replaced. Any thread.
     void cancel() { m_cancelled = true; }
 
     qsizetype rowCount() const { return m_rowCount; }

@@ -9,37 +9,37 @@
 #include <functional>
 #include <memory>
 
-/// A format in which results leave the programs. The copy menu, the export of files, `vantor-cli --format`
-/// and its help read the one table in the source file. Immutable; any thread.
+/// A format for results. The copy menu, file export, `vantor-cli --format` and its help use the one table in
+/// the source file. Immutable; any thread.
 struct KNSHARED_EXPORT ResultFormat
 {
-    /// Where a format is offered.
+    /// Where a format is available.
     enum Use { CopyAs = 1, File = 2, Terminal = 4 };
 
-    /// What a writer writes to, and what it may need for that.
+    /// The output of a writer and its options.
     struct Target
     {
         QIODevice &device;           ///< open; outlives the writer
-        QString path = {};           ///< of the device; null when it is no file
-        bool hasManyResults = false; ///< whether all results of a run go there, or one
+        QString path = {};           ///< of the device; null if it is not a file
+        bool hasManyResults = false; ///< whether all results of a run are written there, or one
         VantorDBCPtr details =
-            {}; ///< quotes names and values; may be null where the format is not offered for it
-        QString nullText = {}; ///< stands for NULL in plain text
+            {};                ///< quotes names and values; may be null for uses that do not offer the format
+        QString nullText = {}; ///< replaces NULL in plain text
     };
     using CreateWriter = std::function<std::unique_ptr<ResultWriter>(const Target &target)>;
 
-    QString name;      ///< in lower case, as `--format` takes it
+    QString name;      ///< lower case, as used by `--format`
     const char *title; ///< English, with the mnemonic of its menu item
-    QString extension; ///< of files, without the dot; empty when it is offered for none
-    int uses;          ///< of Use; 0 for one with a place of its own in a menu
+    QString extension; ///< file extension without the dot; empty if not available for files
+    int uses;          ///< flags of Use; 0 for a format with a separate menu item
     CreateWriter createWriter;
 
-    /// The title in the user's language, with its mnemonic.
+    /// The translated title, including the mnemonic.
     QString localizedTitle() const;
 
     static const QList<ResultFormat> &all();
     static QList<ResultFormat> offeredFor(Use use);
     static QStringList namesFor(Use use);
-    /// Null for a name that no format has.
+    /// Returns the format of this name; null if there is none.
     static const ResultFormat *named(const QString &name);
 };

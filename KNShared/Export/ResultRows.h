@@ -8,30 +8,30 @@
 #include <memory>
 #include <vector>
 
-/// The numbers of a result's rows in the order in which they are shown.
+/// Row numbers of a result in display order.
 using KNRowOrder = std::vector<quint32>;
 using KNRowOrderPtr = std::shared_ptr<const KNRowOrder>;
 
-/// A part of a result as it is shown: what is copied or exported. A value type; any thread.
+/// The displayed rows and columns to copy or export. A value type; any thread.
 struct KNSHARED_EXPORT ResultRows
 {
-    /// Shown rows from `first` on.
+    /// A range of displayed rows starting at `first`.
     struct Range
     {
         qsizetype first = 0;
         qsizetype count = 0;
         friend bool operator==(const Range &, const Range &) = default;
     };
-    /// Asked from time to time with the number of rows that are written; false stops the writing.
+    /// Called from time to time with the number of rows written; returns false to stop.
     using GoOn = std::function<bool(qsizetype rowsWritten)>;
 
     KNDatabaseResultSetPtr result;
-    KNRowOrderPtr order;      ///< null when the rows are shown as they are stored
+    KNRowOrderPtr order;      ///< null if rows are displayed in stored order
     QList<Range> ranges;      ///< ascending
     QList<qsizetype> columns; ///< ascending
 
     qsizetype rowCount() const;
-    /// Writes the columns' names and the rows. False when it was stopped or the writer failed; the result is
-    /// ended all the same.
+    /// Writes the column names and the rows. False if it was stopped or the writer failed; the result is
+    /// closed in either case.
     bool writeTo(ResultWriter &writer, const GoOn &goOn) const;
 };

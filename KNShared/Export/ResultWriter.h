@@ -7,27 +7,27 @@
 
 #include <span>
 
-/// Renders result sets in a format, row by row as they come. One writer serves all results of a run; one
-/// thread uses it.
+/// Writes result sets in a format, row by row as rows arrive. One writer handles all results of a run; used
+/// by one thread.
 class KNSHARED_EXPORT ResultWriter
 {
 public:
-    /// The cells of one row, in column order. What is written of each is its stored value.
+    /// The cells of one row, in column order. Writers output their stored values.
     using Cells = std::span<const KNRowCell>;
 
     virtual ~ResultWriter();
 
-    /// Once, before and behind all results.
+    /// beginRun() and endRun() are called once, before and after all results.
     virtual void beginRun() {}
     virtual void endRun() {}
-    /// A result that has columns.
+    /// Starts a result with columns.
     virtual void beginResult(const QStringList &columnNames) = 0;
-    /// The cells need not outlive the call.
+    /// Writes a row. The cells need not outlive the call.
     virtual void writeRow(Cells cells) = 0;
     virtual void endResult() = 0;
 
-    /// Whether everything so far could be written (a full disk, a closed pipe).
+    /// Whether all output so far was written (false for a full disk or a closed pipe).
     virtual bool isGood() const = 0;
-    /// What the user should know about what the format could not hold; empty when it held everything.
+    /// Explains to the user what the format could not represent; empty if nothing was lost.
     virtual QStringList remarks() const { return {}; }
 };

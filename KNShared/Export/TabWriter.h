@@ -2,8 +2,8 @@
 
 #include "Export/DeviceWriter.h"
 
-/// Tab-separated text as spreadsheets and editors take it. A value with tabs, line ends or quotes stands in
-/// quotes, as does text that reads like what stands for NULL. The last line has no end.
+/// Tab-separated text for spreadsheets and editors. Values with tabs, line ends or quotes are quoted, as is
+/// text that equals the replacement for NULL. The last line has no line end.
 class KNSHARED_EXPORT TabWriter : public DeviceWriter
 {
 public:

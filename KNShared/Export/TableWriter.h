@@ -2,9 +2,9 @@
 
 #include "Export/DeviceWriter.h"
 
-/// A table for people: columns as wide as their first rows need, numbers to the right, NULL written out, line
-/// ends and tabs shown as signs, other control characters escaped. Wider values that come later push their
-/// row out of line rather than being cut.
+/// Writes a readable table: column widths fit the first rows, numbers are right-aligned, NULL is written out,
+/// line ends and tabs are shown as symbols, other control characters are escaped. Later values that are too
+/// wide shift the rest of their row instead of being truncated.
 class KNSHARED_EXPORT TableWriter : public DeviceWriter
 {
 public:
@@ -18,11 +18,11 @@ public:
     void endResult() override;
 
 private:
-    /// A field of a line; numbers stand to the right.
+    /// A field of a line; numbers are right-aligned.
     struct Field
     {
         QByteArrayView text; ///< escaped, in UTF-8
-        qsizetype width = 0; ///< places on a terminal
+        qsizetype width = 0; ///< columns on a terminal
         bool isNumber = false;
     };
     struct HeldField
@@ -41,7 +41,7 @@ private:
 
     QByteArrayList m_columnNames;
     QList<qsizetype> m_widths;
-    QList<QList<HeldField>> m_held; ///< the rows that the widths are taken from
+    QList<QList<HeldField>> m_held; ///< the rows that determine the column widths
     bool m_holding = true;
-    KNByteBuffer m_text; ///< of the cell that is written
+    KNByteBuffer m_text; ///< of the current cell
 };
