@@ -6,16 +6,15 @@
 #include <functional>
 #include <memory>
 
-/// Turns many changes on any thread into few calls on the main thread: no more than one call in an interval,
-/// and none without a change. Events of the main thread stay few, too: at most one is pending. Needs an event
-/// loop.
+/// Combines frequent changes on any thread into few calls on the main thread: at most one call per interval,
+/// and none without a change. At most one event is pending in the main thread. Needs an event loop.
 class KNSHARED_EXPORT KNChangeNotifier
 {
 public:
     static constexpr std::chrono::milliseconds DefaultInterval{33};
 
-    /// `changed` is called on the main thread, until the notifier is destroyed. Calls that take long come at
-    /// longer intervals, so that most of the main thread's time is left for other work. On the main thread.
+    /// Calls `changed` on the main thread until the notifier is destroyed. Slow calls are made at longer
+    /// intervals, so that most of the main thread's time remains for other work. On the main thread.
     explicit KNChangeNotifier(std::function<void()> changed,
                               std::chrono::milliseconds interval = DefaultInterval);
     /// On the main thread.
@@ -23,8 +22,8 @@ public:
     KNChangeNotifier(const KNChangeNotifier &) = delete;
     KNChangeNotifier &operator=(const KNChangeNotifier &) = delete;
 
-    /// A function that reports a change. It costs little, may be called on any thread, and may outlive the
-    /// notifier.
+    /// Returns a function that reports a change. It is cheap, may be called on any thread, and may outlive
+    /// the notifier.
     std::function<void()> trigger() const;
 
 private:

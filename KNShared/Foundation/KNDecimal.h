@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <optional>
 
-/// An exact decimal number of at most 38 digits: magnitude / 10^scale with a sign. A value type of any
-/// thread.
+/// An exact decimal number of at most 38 digits: magnitude / 10^scale with a sign. A value type, usable on
+/// any thread.
 class KNSHARED_EXPORT KNDecimal
 {
 public:
@@ -18,11 +18,11 @@ public:
     KNDecimal() = default;
     KNDecimal(qint64 value);
 
-    /// Reads "-12.50", with an optional exponent ("1e-4"); empty when the text is no number or exceeds 38
+    /// Parses "-12.50", with an optional exponent ("1e-4"); empty if the text is not a number or exceeds 38
     /// digits.
     static std::optional<KNDecimal> fromString(QStringView text);
-    /// From a magnitude of up to 16 big-endian bytes, as servers send it. Leading zero bytes may exceed the
-    /// 16; empty when the number exceeds 38 digits or the scale is outside 0 to 38.
+    /// Converts a magnitude of up to 16 big-endian bytes, the format that servers send. Leading zero bytes
+    /// may exceed the 16; empty if the number exceeds 38 digits or the scale is outside 0 to 38.
     static std::optional<KNDecimal> fromBigEndian(const unsigned char *magnitude, std::size_t length,
                                                   bool negative, int scale);
 
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    /// Any scale that 0 to 38 digits after the point can express exactly.
+    /// Accepts any scale whose value 0 to 38 digits after the decimal point can represent exactly.
     static std::optional<KNDecimal> fromMagnitude(quint64 high, quint64 low, bool negative, qint64 scale);
 
     quint64 m_high = 0; ///< upper half of the magnitude

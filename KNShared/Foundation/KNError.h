@@ -5,15 +5,15 @@
 #include <QString>
 #include <QVariantMap>
 
-/// What went wrong: a domain, a code, a text for the user and a dictionary of further facts.
-/// A default-constructed error is no error. Copied by value, used from any thread.
+/// An error: a domain, a code, a text for the user and a dictionary of details. A default-constructed object
+/// means no error. Copied by value; usable on any thread.
 class KNSHARED_EXPORT KNError
 {
 public:
     KNError() = default;
     KNError(QString domain, int code, QString localizedDescription, QVariantMap userInfo = {});
 
-    /// Whether there is an error at all; an error may have an empty domain and description.
+    /// Whether this is an error; an error may have an empty domain and description.
     bool isSet() const { return m_set; }
     explicit operator bool() const { return m_set; }
     void clear() { *this = KNError(); }
@@ -22,15 +22,15 @@ public:
     int code() const { return m_code; }
     const QString &localizedDescription() const { return m_localizedDescription; }
     const QVariantMap &userInfo() const { return m_userInfo; }
-    /// Suggests what to do about it, in whole sentences: the text under RecoverySuggestionKey in the user
-    /// info; null when there is none.
+    /// The suggested remedy in complete sentences: the text under RecoverySuggestionKey in the user info;
+    /// null if there is none.
     QString recoverySuggestion() const { return m_userInfo.value(RecoverySuggestionKey).toString(); }
-    /// The description, and the suggestion on a line of its own where there is one.
+    /// The description, followed by the suggestion on a separate line if there is one.
     QString descriptionWithSuggestion() const;
 
     static const QString RecoverySuggestionKey;
 
-    /// The same error, set in any case, as that of another domain.
+    /// Returns the same error in another domain; the result is always set.
     KNError inDomain(const QString &domain) const;
 
 private:

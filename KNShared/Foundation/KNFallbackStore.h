@@ -2,7 +2,7 @@
 
 #include "Foundation/KNKeyValueStore.h"
 
-/// The first of two stores, or, from the first time on that it says that no service runs, the second.
+/// Uses the first of two stores until it reports that no service runs, and the second from then on.
 class KNSHARED_EXPORT KNFallbackStore : public KNKeyValueStore
 {
 public:
@@ -16,5 +16,5 @@ public:
 
 private:
     struct Stores;
-    const std::shared_ptr<Stores> m_stores; ///< shared with answers that are on their way
+    const std::shared_ptr<Stores> m_stores; ///< shared with pending answers
 };

@@ -2,9 +2,9 @@
 
 #include "Foundation/KNKeyValueStore.h"
 
-/// Keeps texts in one JSON file that only the user can read (mode 0600). It is replaced as a whole, so that
-/// neither a crash nor a full disk leaves half of one. A file that is none of its own it renames to
-/// "....damaged" before it writes another.
+/// Stores texts in one JSON file that only the user can read (mode 0600). The file is replaced atomically, so
+/// that neither a crash nor a full disk leaves a partial one. An existing file in another format is renamed
+/// to "....damaged" before the first write.
 class KNSHARED_EXPORT KNFileStore : public KNKeyValueStore
 {
 public:

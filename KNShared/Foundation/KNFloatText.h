@@ -8,8 +8,9 @@
 QString KNFloatText(double value);
 QString KNFloatText(float value);
 
-/// Bytes that KNWriteFloat() needs.
+/// Size in bytes of the buffer for KNWriteFloat().
 constexpr int KNLongestFloatText = 64;
-/// Writes the same text in ASCII, without a NUL, into KNLongestFloatText bytes. Returns its end.
+/// Writes the same text in ASCII, without a NUL, to a buffer of KNLongestFloatText bytes. Returns the end of
+/// the text.
 char *KNWriteFloat(char *to, double value);
 char *KNWriteFloat(char *to, float value);

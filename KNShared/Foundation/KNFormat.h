@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <variant>
 
-/// One argument of KNFormat.
+/// An argument of KNFormat.
 class KNSHARED_EXPORT KNFormatArgument
 {
 public:
@@ -37,15 +37,16 @@ public:
             m_value = static_cast<quint64>(number);
     }
 
-    /// The argument as the conversion between % and `type` wants it.
+    /// Formats the argument for the conversion `type`.
     QString formatted(QChar type, int width, bool zeroPadded, int precision) const;
 
 private:
     std::variant<QString, qint64, quint64, double, const void *> m_value;
 };
 
-/// Fills a template with its arguments in one pass. Understands %@ %d %i %u %ld %lu %lld %llu %x %X %f %0.2f
-/// %02ld %s %p and %%; a null text prints as "(null)"; a conversion without an argument stays as it is.
+/// Replaces the conversions of a template with its arguments in one pass. Supports %@ %d %i %u %ld %lu %lld
+/// %llu %x %X %f %0.2f %02ld %s %p and %%. A null text is written as "(null)"; a conversion without an
+/// argument stays unchanged.
 KNSHARED_EXPORT QString KNFormatList(QStringView format, std::initializer_list<KNFormatArgument> arguments);
 
 /// KNFormat("DROP TABLE %@.%@", schema, table)

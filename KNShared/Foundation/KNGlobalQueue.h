@@ -5,14 +5,14 @@
 #include <functional>
 #include <mutex>
 
-/// A pool whose tasks may block: it has always one thread per task that is running or queued.
+/// A thread pool whose tasks may block: it has one thread per running or queued task.
 class KNGlobalQueue
 {
 public:
     using Work = std::function<void()>;
 
-    /// Queues `work` for an idle thread or a new one. When the system refuses a new thread the work waits for
-    /// one that becomes free, and runs on the caller when there is none at all.
+    /// Queues `work` for an idle or new thread. If the system cannot create a thread, the work waits for a
+    /// free thread, or runs on the caller if the pool has no threads.
     void add(Work work);
     /// Waits until nothing is running or queued; false after `timeoutMilliseconds`.
     bool waitUntilIdle(int timeoutMilliseconds);

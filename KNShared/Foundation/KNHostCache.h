@@ -9,11 +9,11 @@
 #include <functional>
 #include <mutex>
 
-/// Names of hosts and their addresses, remembered for a while. Thread-safe; a look-up blocks its caller only.
+/// Caches the addresses of host names for a limited time. Thread-safe; a look-up blocks only its caller.
 class KNSHARED_EXPORT KNHostCache
 {
 public:
-    /// Returns the address of a name, or a null QString when there is none.
+    /// Returns the address of a name, or a null QString if there is none.
     using Resolver = std::function<QString(const QString &host)>;
 
     static KNHostCache *sharedInstance();
@@ -21,12 +21,12 @@ public:
     explicit KNHostCache(Resolver resolver = systemResolver,
                          std::chrono::seconds lifetime = std::chrono::minutes(5));
 
-    /// The numeric IPv4 or IPv6 address of `host`, IPv4 preferred; `host` itself when it is an address
-    /// already or cannot be resolved (failures are not remembered).
+    /// Returns the numeric IPv4 or IPv6 address of `host`, preferably IPv4; returns `host` itself if it is an
+    /// address or cannot be resolved. Failures are not cached.
     QString cachedIPAddressForHost(const QString &host);
     void clear();
 
-    /// Asks the system's resolver.
+    /// Resolves the name with the system's resolver.
     static QString systemResolver(const QString &host);
 
 private:

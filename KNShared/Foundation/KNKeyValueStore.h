@@ -6,35 +6,35 @@
 #include <functional>
 #include <memory>
 
-/// Keeps the user's secret texts by key, beyond the end of the program. Nothing here waits: answers come by a
-/// call on the main thread, exactly once. On the main thread.
+/// Stores the user's secret texts persistently, by key. No function blocks: results are passed to a callback
+/// on the main thread, exactly once. On the main thread.
 class KNSHARED_EXPORT KNKeyValueStore
 {
 public:
-    /// Codes of the errors in ErrorDomain.
+    /// Error codes in ErrorDomain.
     enum Problem {
-        NoService = 1, ///< there is nothing that could keep texts
-        Refused,       ///< it is locked, or the user has refused: what it holds is not known
-        Damaged,       ///< what it holds cannot be read and never will; it has been put aside
-        NotWritten,    ///< no room, no permission
+        NoService = 1, ///< no storage service is available
+        Refused,       ///< the store is locked or the user denied access; its content is unknown
+        Damaged,       ///< the content cannot be read, now or later; it has been moved aside
+        NotWritten,    ///< no space or no permission
     };
     static const QString ErrorDomain;
 
-    /// The text is null when there is none for the key, and when there is an error.
+    /// `text` is null if the key does not exist, and if there is an error.
     using Read = std::function<void(const QString &text, const KNError &error)>;
     using Done = std::function<void(const KNError &error)>;
 
     virtual ~KNKeyValueStore();
 
-    /// The store of the program: a file of the user's, unless somebody has put another in its place.
+    /// The program's store: a file of the user unless setShared() replaced it.
     static std::shared_ptr<KNKeyValueStore> shared();
-    /// Null brings the file back.
+    /// Replaces the shared store; null restores the file.
     static void setShared(std::shared_ptr<KNKeyValueStore> store);
 
-    /// What and where the store is, for the user, as it goes into a sentence: "the file /home/...".
+    /// The store's kind and location for use in a sentence to the user: "the file /home/...".
     virtual QString name() const = 0;
     virtual void textForKey(const QString &key, Read read) = 0;
     virtual void setText(const QString &key, const QString &text, Done done) = 0;
-    /// A key that is not there is no error.
+    /// Removes a key. A key that does not exist is not an error.
     virtual void removeKey(const QString &key, Done done) = 0;
 };

@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
-/// A rotating file of log lines: "vantor.log" and the older vantor.1.log to vantor.4.log beside it, mode 0600
-/// in a folder of mode 0700. Not thread-safe: its owner guards it.
+/// A rotating log file: "vantor.log" and the older vantor.1.log to vantor.4.log in the same folder, mode 0600
+/// in a folder of mode 0700. Not thread-safe; the owner synchronises access.
 class KNLogFile
 {
 public:
@@ -13,10 +13,10 @@ public:
     KNLogFile(const KNLogFile &) = delete;
     KNLogFile &operator=(const KNLogFile &) = delete;
 
-    /// Appends whole lines. Lines that cannot be written are dropped; standard error stays free for the
-    /// program's own output. Never blocks on a FIFO or a device in place of the file.
+    /// Appends complete lines. Lines that cannot be written are dropped and not written to standard error,
+    /// which is for the program's own output. Never blocks on a FIFO or a device at the file's path.
     void append(const QByteArray &lines);
-    /// The file being written; empty when none could be opened.
+    /// The path of the current file; empty if none could be opened.
     QString path() const;
 
 private:

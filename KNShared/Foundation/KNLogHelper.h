@@ -11,15 +11,16 @@
 #include <functional>
 #include <memory>
 
-/// The shared log: lines with time and thread in a rotating file below the XDG state folder
-/// ($XDG_STATE_HOME/vantor/logs, file 0600 in a folder 0700). Thread-safe. Registered secrets never reach it.
+/// The shared log: lines with time and thread in a rotating file in the XDG state folder
+/// ($XDG_STATE_HOME/vantor/logs, file 0600 in a folder 0700). Thread-safe. Registered secrets are never
+/// written.
 class KNSHARED_EXPORT KNLogHelper
 {
 public:
     static KNLogHelper *sharedInstance();
 
-    /// A log of its own in `folder`, for tests; the file is called "vantor.log" and rotates at `maximumBytes`
-    /// (vantor.1.log ... vantor.4.log are kept).
+    /// Creates a separate log in `folder`, for tests. The file is named "vantor.log" and rotates at
+    /// `maximumBytes` (vantor.1.log ... vantor.4.log are kept).
     explicit KNLogHelper(const QString &folder, qint64 maximumBytes = qint64(4) * 1024 * 1024);
     ~KNLogHelper();
     KNLogHelper(const KNLogHelper &) = delete;
@@ -31,7 +32,7 @@ public:
     {
         logMessage(KNFormat(format, arguments...));
     }
-    /// Writes domain, code and description, then one line per detail, then the user information.
+    /// Writes domain, code and description, then one line per detail, then the user info.
     void logError(const KNError &error, const QVariantMap &details);
     /// Writes a record when `seconds` exceeds `thresholdSeconds`.
     void logSlowOperation(const QString &operation, double seconds, double thresholdSeconds = 1.0);
@@ -40,13 +41,13 @@ public:
     void logErrorMessage(const QString &message, const QString &domain, const QVariantMap &details,
                          double ifTimeTaken, double isGreatherThan);
 
-    /// Every later line shows `secret` as "********". Texts shorter than 3 characters are not registered.
-    /// Texts stay registered for the life of the log.
+    /// Replaces `secret` with "********" in all later lines. Texts shorter than 3 characters are ignored. A
+    /// secret stays registered as long as the log exists.
     void registerSecret(const QString &secret);
-    /// The file being written; empty when no file could be opened (lines are dropped then).
+    /// The path of the current file; empty if no file could be opened (lines are then dropped).
     QString filePath() const;
-    /// Hands every record (one per call of the functions above, later lines indented) to `observer` as well,
-    /// as it is written, on the logging thread; an empty one ends it. For tests.
+    /// Also passes every record (one per call of the functions above, later lines indented) to `observer`
+    /// when it is written, on the logging thread; an empty function removes the observer. For tests.
     void setObserver(std::function<void(const QString &record)> observer);
 
 private:

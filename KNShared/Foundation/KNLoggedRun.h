@@ -2,5 +2,5 @@
 
 #include <functional>
 
-/// Runs `work` and logs an exception that leaves it: nobody further up could handle it.
+/// Runs `work` and logs an exception it throws, for callers that cannot handle exceptions.
 void KNLoggedRun(const std::function<void()> &work) noexcept;

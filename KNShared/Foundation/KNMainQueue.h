@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-/// Work for the main thread, in order of arrival. Other threads touch nothing but the lock and a wake-up
+/// Queues work for the main thread, in order of submission. Other threads access only the lock and a wake-up
 /// descriptor, which the event loop of the QCoreApplication watches.
 class KNMainQueue
 {
@@ -20,14 +20,14 @@ public:
     bool isMainThread();
     /// Makes the caller the main thread.
     void claimMainThread();
-    /// Waits up to `timeoutMilliseconds` for the first piece, then runs all that is queued; true when
-    /// something ran.
+    /// Waits up to `timeoutMilliseconds` for the first item, then runs all queued items; true if something
+    /// ran.
     bool pump(int timeoutMilliseconds);
 
-    /// Becomes readable when there is work.
+    /// A descriptor that is readable while work is queued.
     int wakeUpDescriptor() const { return m_wakeUpDescriptor; }
-    /// Takes the wake-up and runs one piece; asks for the next wake-up first, so that work that runs an event
-    /// loop of its own does not hold up what was queued behind it.
+    /// Clears the wake-up and runs one item. Requests the next wake-up first, so that an item that runs a
+    /// nested event loop does not delay the items queued after it.
     void runOneAfterWakeUp();
 
 private:

@@ -8,14 +8,14 @@
 #include <functional>
 #include <memory>
 
-/// Notifications posted by name. Thread-safe; observers are called on the posting thread, outside the
-/// centre's lock.
+/// Posts notifications by name. Thread-safe; observers are called on the posting thread, outside the centre's
+/// lock.
 class KNSHARED_EXPORT KNNotificationCenter
 {
 public:
     using Observer = std::function<void(const QString &name, const QVariantMap &userInfo)>;
-    /// Ends its observation when the last copy is gone; a call that another thread has begun still comes to
-    /// its end.
+    /// Removes its observer when the last copy is destroyed. A call already started on another thread still
+    /// completes.
     using Token = std::shared_ptr<void>;
 
     static KNNotificationCenter *defaultCenter();
@@ -23,7 +23,7 @@ public:
     KNNotificationCenter();
     ~KNNotificationCenter();
 
-    /// Calls `observer` for every later notification of that name until the token is gone.
+    /// Calls `observer` for every later notification with that name until the token is destroyed.
     [[nodiscard]] Token addObserver(const QString &name, Observer observer);
     void post(const QString &name, const QVariantMap &userInfo = {});
 

@@ -4,16 +4,15 @@
 
 #include <QString>
 
-/// Makes the folder `path` and what is missing above it, so that only the user can enter them (mode 0700).
-/// Folders that exist stay as they are. False when there is no such folder afterwards. Any thread.
+/// Creates the folder `path` and its missing parents with access for the user only (mode 0700). Existing
+/// folders are not changed. False if the folder does not exist afterwards. Any thread.
 KNSHARED_EXPORT bool KNMakePrivateFolder(const QString &path);
 
-/// Where programs keep what is of use to themselves only, such as logs: $XDG_STATE_HOME, or what stands in
-/// for it. Any thread.
+/// The folder for the program's own data, such as logs: $XDG_STATE_HOME or its default. Any thread.
 KNSHARED_EXPORT QString KNStateFolder();
 
-/// Replaces the file at `path` as a whole, or not at all; only the user can read it (mode 0600), from its
-/// first byte on. Makes its folder where there is none. False, with `why` for the user, when that fails;
-/// `why` may be null. Any thread.
+/// Atomically replaces the file at `path`; only the user can read it (mode 0600), from its first byte on.
+/// Creates the folder if necessary. On failure returns false and sets `why` to a text for the user; `why` may
+/// be null. Any thread.
 KNSHARED_EXPORT bool KNReplacePrivateFile(const QString &path, const QByteArray &content,
                                           QString *why = nullptr);

@@ -7,11 +7,11 @@
 
 #include <optional>
 
-/// Replaces the file at `path` with `content` as a whole, or leaves it as it is: the content is on the disk
-/// before it takes the old file's place. A symbolic link stays; its target is replaced.
+/// Atomically replaces the file at `path` with `content`, or leaves it unchanged: the content is written to
+/// disk before it replaces the old file. A symbolic link is kept; its target is replaced.
 ///
-/// `permissions` are those of the new file from its first byte on; without them it has those of the old file,
-/// or the user's default. False when the content could not be written whole, with the reason for the user in
-/// `why`, which may be null. Blocks; any thread.
+/// `permissions` apply to the new file from its first byte on; by default it has those of the old file, or
+/// the user's default. On failure returns false and sets `why` to a reason for the user; `why` may be null.
+/// Blocks; any thread.
 KNSHARED_EXPORT bool KNReplaceFile(const QString &path, const QByteArray &content, QString *why = nullptr,
                                    std::optional<QFileDevice::Permissions> permissions = {});

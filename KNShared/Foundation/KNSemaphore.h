@@ -17,11 +17,11 @@ public:
     KNSemaphore &operator=(const KNSemaphore &) = delete;
 
     const QString &identifier() const { return m_identifier; }
-    /// Waits without a time-out.
+    /// Waits without a timeout.
     void wait();
-    /// Takes the semaphore if that needs no waiting; true when taken.
+    /// Acquires the semaphore if that does not block; true if acquired.
     bool tryWait();
-    /// Waits for at most `timeout`; true when taken.
+    /// Waits for at most `timeout`; true if acquired.
     bool waitFor(std::chrono::milliseconds timeout);
     void signal();
 
@@ -32,7 +32,7 @@ private:
     int m_value; ///< guarded by m_mutex
 };
 
-/// Holds a semaphore for a scope; can be given up and retaken inside it.
+/// Holds a semaphore for a scope; can release and reacquire it within the scope.
 class KNSHARED_EXPORT KNSemaphoreLocker
 {
 public:

@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-/// Work of the global queue that runs in order, one piece after the other. Any thread. What was added runs to
-/// its end, also when the queue is gone.
+/// Runs work on the global queue in order, one item at a time. Any thread. Added work runs to its end even
+/// after the queue is destroyed.
 class KNSHARED_EXPORT KNSerialQueue
 {
 public:

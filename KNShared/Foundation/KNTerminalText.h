@@ -4,15 +4,15 @@
 
 #include <QString>
 
-/// Text for a terminal. Pure; any thread.
+/// Prepares text for a terminal. Pure; any thread.
 namespace KNTerminalText {
 
-/// The text with "\u001b" and the like for characters that would control a terminal: control characters but
-/// line feeds and tabs, and those that change the direction of text.
+/// Replaces characters that would control a terminal with "\u001b" and the like: control characters except
+/// line feeds and tabs, and characters that change the text direction.
 KNSHARED_EXPORT QString escaped(const QString &text);
-/// The same for text of one line, in which line ends and tabs are shown as signs.
+/// The same for text on one line; line ends and tabs are shown as symbols.
 KNSHARED_EXPORT QString escapedInOneLine(const QString &text);
-/// Places on a terminal that a text takes: wide characters take two, combining ones none.
+/// The number of terminal columns of a text: wide characters take two, combining ones none.
 KNSHARED_EXPORT int displayWidth(const QString &text);
 
 } // namespace KNTerminalText

@@ -10,8 +10,8 @@
 
 class QSettings;
 
-/// The user's preferences, an INI file below the XDG config folder. Thread-safe. The file keeps
-/// text and lists of text: numbers and booleans come back from it as text that converts to them.
+/// The user's preferences in an INI file in the XDG config folder. Thread-safe. The file stores texts and
+/// lists of texts: numbers and booleans are read back as text that converts to them.
 class KNSHARED_EXPORT KNUserDefaults
 {
 public:
@@ -20,14 +20,14 @@ public:
     explicit KNUserDefaults(const QString &filePath);
     ~KNUserDefaults();
 
-    /// The value for `key`, or the default where there is none.
+    /// The value for `key`, or the default if there is none.
     bool boolForKey(const QString &key, bool defaultValue = false) const;
     QString stringForKey(const QString &key, const QString &defaultValue = {}) const;
-    /// Invalid where there is none.
+    /// The value for `key`; invalid if there is none.
     QVariant objectForKey(const QString &key) const;
     void setObject(const QString &key, const QVariant &value);
     void removeObject(const QString &key);
-    /// Writes pending changes to the file; false when it could not be written.
+    /// Writes pending changes to the file; false if it could not be written.
     bool synchronize();
 
 private:

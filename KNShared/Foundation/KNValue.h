@@ -11,7 +11,7 @@
 #include <variant>
 
 /// One value of a result row or an edit: null, bool, 32- or 64-bit integer, float, double, decimal, text,
-/// date or bytes. A value type of any thread.
+/// date or bytes. A value type, usable on any thread.
 class KNSHARED_EXPORT KNValue
 {
 public:
@@ -54,31 +54,32 @@ public:
         : m_value(std::move(value))
     {
     }
-    /// A null QString gives the null value, an empty one empty text.
+    /// A null QString gives the null value, an empty one gives empty text.
     explicit KNValue(const QString &value);
     KNValue(const char *) = delete;
 
     Kind kind() const { return static_cast<Kind>(m_value.index()); }
     bool isNull() const { return kind() == Kind::Null; }
     bool isText() const { return kind() == Kind::Text; }
-    /// Integers, floating and exact numbers, and booleans.
+    /// True for integers, floating-point and exact numbers, and booleans.
     bool isNumber() const;
 
-    /// The text of a text value; a null QString for every other kind.
+    /// The text of a text value; a null QString for other kinds.
     QString text() const;
-    /// The bytes of a bytes value; null for every other kind.
+    /// The bytes of a bytes value; null for other kinds.
     QByteArray bytes() const;
-    /// The date of a date value in UTC with milliseconds; invalid for every other kind.
+    /// The date of a date value in UTC with milliseconds; invalid for other kinds.
     QDateTime date() const;
-    /// The date with everything that was stored; a default one for every other kind.
+    /// The date with all stored parts; a default-constructed one for other kinds.
     KNDateTime dateTime() const;
-    /// A decimal, or an integer or boolean as one; 0 for every other kind.
+    /// The value of a decimal, integer or boolean; 0 for other kinds.
     KNDecimal decimal() const;
-    /// A number as a double; 0 for what is no number.
+    /// A number as a double; 0 for other kinds.
     double toDouble() const;
-    /// A number cut to a whole one; text is read as a number; 0 for the rest.
+    /// A number truncated to an integer; text is parsed as a number; 0 for other kinds.
     qint64 toInt64() const;
-    /// Numbers: not zero. Text: its first non-blank character is one of Y y T t 1 to 9. The rest: false.
+    /// For numbers, whether it is not zero. For text, whether its first non-blank character is one of Y y T t
+    /// 1 to 9. Otherwise false.
     bool toBool() const;
 
     /// The value as text without loss: integers and decimals in plain notation, float and double in the

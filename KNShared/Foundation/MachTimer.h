@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-/// Measures elapsed time on the monotonic clock, from its construction on.
+/// Measures the time since its construction on the monotonic clock.
 class MachTimer
 {
 public:
