@@ -2,7 +2,7 @@
 
 #include <QtCore/qglobal.h>
 
-/// Marks what KNShared offers to programs and connectors.
+/// Marks the KNShared symbols available to programs and connectors.
 #if defined(KNSHARED_LIBRARY)
 #define KNSHARED_EXPORT Q_DECL_EXPORT
 #else

@@ -6,15 +6,15 @@
 #include <QString>
 #include <QStringList>
 
-/// SQL texts with placeholders: upper-case names or column numbers in braces, like {TABLE_NAME} or {0}.
+/// SQL texts with placeholders: upper-case names or column numbers in braces, such as {TABLE_NAME} or {0}.
 namespace KNQueryTemplate {
 
-/// The names of the placeholders, without braces, each once, in their order.
+/// Returns the distinct placeholder names without braces, in order of appearance.
 KNSHARED_EXPORT QStringList placeholders(const QString &text);
 
-/// The text with every occurrence of the placeholders that `values` names replaced, in one pass: braces in a
-/// value mean nothing. Apostrophes of a value are doubled where the placeholder is a literal of its own,
-/// '{NAME}'. Placeholders without a value stay.
+/// Replaces every occurrence of the placeholders in `values` in one pass: braces in a value have no effect.
+/// Apostrophes in a value are doubled if the placeholder is a whole literal, '{NAME}'. Placeholders without a
+/// value stay unchanged.
 KNSHARED_EXPORT QString filled(const QString &text, const QMap<QString, QString> &values);
 
 } // namespace KNQueryTemplate

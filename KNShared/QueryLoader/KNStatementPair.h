@@ -8,9 +8,9 @@
 
 class KNQueryLoader;
 
-/// A statement that is kept in an exact form although a server refuses it or it reaches another object than
-/// the one shown, and its corrected counterpart. The generator knows which of them the user prefers; where
-/// that is the exact one and they differ, the user is asked first.
+/// A statement kept in an exact form, although the server rejects it or it affects another object than the
+/// one shown, and its corrected form. The generator knows which of them the user prefers; if that is the
+/// exact one and they differ, the user is asked first.
 struct KNSHARED_EXPORT KNStatementPair
 {
     QString exact;
@@ -21,6 +21,7 @@ struct KNSHARED_EXPORT KNStatementPair
     /// Whether the exact statement needs a caution.
     bool differs() const { return !difference.isEmpty() && exact != corrected; }
     const QString &preferred(bool prefersCorrected) const { return prefersCorrected ? corrected : exact; }
-    /// A loader of the preferred statement. Its report holds the pair if the exact statement needs a caution.
+    /// Returns a loader of the preferred statement. Its report contains the pair if the exact statement needs
+    /// a caution.
     std::shared_ptr<KNQueryLoader> loader(bool prefersCorrected) const;
 };

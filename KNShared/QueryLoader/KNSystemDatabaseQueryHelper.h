@@ -7,23 +7,24 @@
 #include <QString>
 #include <QStringList>
 
-/// The catalog queries of a kind of server, by title.
+/// The catalog queries of a server kind, by title.
 class KNSHARED_EXPORT KNSystemDatabaseQueryHelper
 {
 public:
     virtual ~KNSystemDatabaseQueryHelper();
 
-    /// The SQL text with this title, for the server of one connection. It is a template: whoever asks fills
-    /// its placeholders. May ask the server for its version, and then blocks. A title that does not exist is
-    /// a programming error.
+    /// Returns the SQL text with this title for the connection's server. It is a template whose placeholders
+    /// the caller fills. May query the server's version and then blocks. An unknown title is a programming
+    /// error.
     virtual QString queryByTitle(const QString &title) const = 0;
 
     /// All titles, sorted.
     virtual QStringList titles() const = 0;
-    /// The text with this title for current servers, without asking this one; null when there is none.
+    /// Returns the text with this title for current servers, without accessing the server; null if there is
+    /// none.
     virtual QString plainQueryByTitle(const QString &title) const = 0;
 
-    /// Every query that only reads and that this server can answer, with what to fill in. May ask the server
-    /// for its version, and then blocks.
+    /// Returns every read-only query that this server supports, with its placeholder values. May query the
+    /// server's version and then blocks.
     virtual QList<KNQueryTrial> trials() const = 0;
 };

@@ -2,7 +2,7 @@
 
 #include "QueryLoader/KNQueryLoader.h"
 
-/// A loader that was given its text, and what it reports beside it.
+/// A loader with a fixed text and report.
 class KNSHARED_EXPORT StaticQueryLoader : public KNQueryLoader
 {
 public:
