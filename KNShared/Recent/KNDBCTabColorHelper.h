@@ -4,14 +4,13 @@
 
 #include <QString>
 
-/// The colours by which connections are told apart, each derived from its display name: the same name has the
-/// same colour in every program. They stand out on light and on dark ground alike. Any thread.
+/// Colours that distinguish connections, derived from the display name: the same name has the same colour in
+/// every program. They are readable on light and dark backgrounds. Any thread.
 namespace KNDBCTabColorHelper {
 
-/// The colour of the connection `forId` is that of `alias` from now on, until the program ends; an empty
-/// alias takes it away.
+/// Assigns the colour of `alias` to the connection `forId` until the program ends; an empty alias removes it.
 KNSHARED_EXPORT void setColorFromAliasTemporary(const QString &alias, const QString &forId);
-/// As "#rrggbb"; null where there is none.
+/// Returns the colour as "#rrggbb"; null if there is none.
 KNSHARED_EXPORT QString colorForId(const QString &connectionId);
 
 } // namespace KNDBCTabColorHelper

@@ -5,16 +5,16 @@
 
 #include <QList>
 
-/// The remembered connections of one kind of server, kept in the program's KNKeyValueStore under one key, as
-/// a JSON array in base64. It is read once, in the background, and written behind every change: a
-/// store that fails loses nothing of it in memory, and what it holds and could not be read is never written
-/// over. On the main thread.
+/// The remembered connections of one server kind, stored in the program's KNKeyValueStore under one key as a
+/// JSON array in base64. The list is read once, in the background, and written after every change. If the
+/// store fails, the list in memory is kept, and stored data that could not be read is never overwritten. On
+/// the main thread.
 class KNSHARED_EXPORT SQLRecentConnectionList
 {
 public:
-    /// Makes an entry without anything in it.
+    /// Creates an empty entry.
     using MakeEntry = std::function<SQLRecentConnectionPtr()>;
-    /// Posted when the list, or what is known of its store, has changed.
+    /// Posted when the list or the known state of its store has changed.
     static const QString ChangedNotificationName;
 
     SQLRecentConnectionList(const QString &key, MakeEntry makeEntry);
@@ -22,28 +22,28 @@ public:
     SQLRecentConnectionList(const SQLRecentConnectionList &) = delete;
     SQLRecentConnectionList &operator=(const SQLRecentConnectionList &) = delete;
 
-    /// Begins to read. To be called once.
+    /// Starts reading the list. Call once.
     void load();
 
-    /// The latest first.
+    /// The connections, most recent first.
     QList<SQLRecentConnectionPtr> connections() const;
     bool contains(const SQLRecentConnectionPtr &entry) const { return m_connections.contains(entry); }
     SQLRecentConnectionPtr makeEntry() const { return m_makeEntry(); }
-    /// Remembers a connect that is made now: in the entry with the same identity (in whatever letter case),
-    /// or as a new entry.
+    /// Records a connect made now: in the entry with the same identity (compared case-insensitively), or as a
+    /// new entry.
     void update(const SQLRecentConnectionPtr &entry);
-    /// The entry must be in the list.
+    /// Removes an entry, which must be in the list.
     void remove(const SQLRecentConnectionPtr &entry);
-    /// Forgets everything and keeps nothing more until the program starts again.
+    /// Removes all entries and records no more until the program restarts.
     void removeAll();
 
     /// Whether the store has not answered yet.
     bool isLoading() const { return m_state == State::Loading; }
-    /// What the store could not do; no error when all is well.
+    /// The store's error; not set if there is none.
     const KNError &problem() const { return m_problem; }
-    /// What and where the store is, as KNKeyValueStore::name().
+    /// The store's kind and location, as KNKeyValueStore::name() returns it.
     QString storeName() const { return m_store->name(); }
-    /// Reads or writes once more what could not be.
+    /// Retries a failed read or write.
     void tryAgain();
 
 private:
@@ -62,5 +62,5 @@ private:
     KNError m_problem;
     bool m_isWriting = false;
     bool m_hasUnsavedChanges = false;
-    const std::shared_ptr<int> m_life = std::make_shared<int>(); ///< answers look whether it is still there
+    const std::shared_ptr<int> m_life = std::make_shared<int>(); ///< callbacks check whether it still exists
 };

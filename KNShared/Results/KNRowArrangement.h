@@ -6,24 +6,24 @@
 
 #include <atomic>
 
-/// How a finished result is shown: sorted by a column, and only the rows with a text in them.
+/// Display options of a finished result: the sort column and a text filter.
 struct KNSHARED_EXPORT KNRowArrangement
 {
     static constexpr qsizetype NoColumn = -1;
 
-    /// How a cell is shown in a column; a null QString for null. Called on any thread.
+    /// Formats a cell of a column for display; a null QString for null. Called on any thread.
     using Display = std::function<QString(const KNRowCell &cell, qsizetype column)>;
 
-    qsizetype sortColumn = NoColumn; ///< none: in the order of arrival
+    qsizetype sortColumn = NoColumn; ///< none: in order of arrival
     Qt::SortOrder sortOrder = Qt::AscendingOrder;
-    QString filterText = {};           ///< in any case of letters; empty for all rows
+    QString filterText = {};           ///< case-insensitive; empty for all rows
     qsizetype filterColumn = NoColumn; ///< none: in any column
 
-    /// Whether all rows are shown as they are stored.
+    /// Whether all rows are shown in stored order.
     bool isPlain() const { return sortColumn == NoColumn && filterText.isEmpty(); }
 
-    /// The rows in question in their order; equal ones as they arrived. Null when it was cancelled. Takes
-    /// long for many rows: for the background.
+    /// Returns the matching rows in display order; equal rows keep their order of arrival. Null if cancelled.
+    /// Slow for many rows; call it in the background.
     KNRowOrderPtr order(const KNDatabaseResultSet &result, const Display &display,
                         const std::atomic<bool> &cancelled) const;
 

@@ -5,13 +5,13 @@
 
 #include <QVariant>
 
-/// What a result grid asks the kind of server about the values that it shows. This one shows values as they
-/// are; a connector derives one that knows its types. Set up by one thread; then the const operations may be
-/// called from any thread.
+/// Provides type information and display texts for the values of a result grid. This class shows values
+/// unchanged; connectors subclass it for their types. Set up by one thread; afterwards the const operations
+/// may be called from any thread.
 class KNSHARED_EXPORT ResultSetViewControllerHelper
 {
 public:
-    /// The kinds of data that a column can hold.
+    /// The data types of columns.
     enum DataType : int {
         Other = 0,
         Text = 1,
@@ -20,10 +20,10 @@ public:
         Time = 4,
         Boolean = 7,
         Integer = 8,
-        Real = 9, ///< floating or decimal
+        Real = 9, ///< floating-point or decimal
     };
 
-    /// UTF-16 units that a text cut for one line of a grid has at most, without the ellipsis behind it.
+    /// Maximum length in UTF-16 units of a text truncated for one line of a grid, without the ellipsis.
     static constexpr qsizetype TruncatedLength = 1000;
 
     virtual ~ResultSetViewControllerHelper();
@@ -32,18 +32,19 @@ public:
     QList<int> columnTypes() const { return m_columnTypes; }
     void setColumnTypes(const QList<int> &types) { m_columnTypes = types; }
 
-    /// The kind of data of a column, from 0; Other outside of the columns. `object` is a value of it.
+    /// The data type of a column, from 0; Other outside of the columns. `object` is one of its values.
     virtual int dataTypeForTableColumnIndex(qsizetype columnIndex, const KNValue &object) const;
-    /// The same for a grid's column whose identifier is the index as a number.
+    /// The same for a grid column whose identifier is the index as a number.
     int dataTypeForTableColumn(const QVariant &identifier, const KNValue &object) const;
-    /// The name of a column's type; null where it is not known.
+    /// The type name of a column; null if unknown.
     virtual QString typeNameForColumn(qsizetype column) const;
-    /// A remark on the values of a column that are shown as bytes, for the user; null for none.
+    /// A remark for the user on a column whose values are shown as bytes; null for none.
     virtual QString remarkForColumn(qsizetype column) const;
 
-    /// A value as it is shown in that column; a null QString for null. `allowTruncate` cuts what is long.
+    /// Formats a value of the column for display; a null QString for null. `allowTruncate` shortens long
+    /// texts.
     virtual QString stringForValue(const KNValue &value, qsizetype column, bool allowTruncate) const;
-    /// The same for the value in a row; a null QString outside of it.
+    /// The same for a value of a row; a null QString outside of the row.
     QString stringValueForRowArray(const KNRow &row, qsizetype column, bool allowTruncate) const;
 
 private:
