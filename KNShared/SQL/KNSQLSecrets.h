@@ -4,11 +4,11 @@
 
 #include <QStringList>
 
-/// The SQL text with "********" in the place of every password that it passes to the server as a literal:
-/// what follows PASSWORD = and its like, variables named like passwords, the arguments of procedures and
-/// functions that take passwords, and the same inside of texts that are run or passed on. `secrets`, which
-/// may be null, receives the texts that were masked. Pure; any thread.
+/// Replaces every password that an SQL text contains as a literal with "********": the values of PASSWORD =
+/// and similar options, of variables named like passwords, and password arguments of procedures and
+/// functions, also in nested SQL texts that are executed or passed on. `secrets`, which may be null, receives
+/// the masked texts. Pure; any thread.
 KNSHARED_EXPORT QString KNSQLWithoutSecrets(const QString &sql, QStringList *secrets = nullptr);
 
-/// A text about that SQL, such as a server's message that quotes it, with the secrets masked.
+/// Masks the secrets in a text about that SQL, such as a server message that quotes it.
 KNSHARED_EXPORT QString KNTextWithoutSecrets(const QString &text, const QStringList &secrets);

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-/// How a dialect of SQL is cut into tokens.
+/// The tokenizer options of an SQL dialect.
 struct SQLTokenizerOptions
 {
     bool hashStartsComment = false;        ///< "# ..." runs to the end of the line
@@ -15,7 +15,7 @@ struct SQLTokenizerOptions
     friend bool operator==(const SQLTokenizerOptions &, const SQLTokenizerOptions &) = default;
 };
 
-/// The kinds of token. The first four hold no names: searches for a name skip them.
+/// The token kinds. The first four contain no names: searches for a name skip them.
 enum class SQLTokenKind {
     Whitespace = 1,
     LineComment = 2,
@@ -35,12 +35,12 @@ struct SQLToken
     SQLTokenKind kind;
     qsizetype location;
     qsizetype length;
-    QStringView text; ///< into the tokenized text, which must outlive it
+    QStringView text; ///< points into the tokenized text, which must outlive it
 };
 
-/// Cuts SQL text into tokens that cover it without a gap. Never fails: an unterminated piece is a token to
-/// the end. Linear in the text's length. Holds no copy of the text: it must outlive the tokenizer and its
-/// tokens.
+/// Splits SQL text into tokens that cover it without gaps. Never fails: an unterminated token extends to the
+/// end of the text. Linear in the text's length. Does not copy the text, which must outlive the tokenizer and
+/// its tokens.
 class KNSHARED_EXPORT SQLMetadataTokenizer
 {
 public:
@@ -48,9 +48,9 @@ public:
 
     /// Reads the next token; false at the end of the text.
     bool next(SQLToken *token);
-    /// Goes on at a place between two tokens.
+    /// Continues at `location`, which must be between two tokens.
     void seek(qsizetype location) { m_position = location; }
-    /// Everything at once.
+    /// Returns all tokens of the text.
     static QList<SQLToken> tokenize(QStringView text, const SQLTokenizerOptions &options);
 
 private:
