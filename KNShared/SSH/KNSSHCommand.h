@@ -6,28 +6,29 @@
 
 #include <QStringList>
 
-/// How the system's `ssh` is called. Everything that the user has configured for it holds, except for what
-/// would make it ask, or do more than it is called for. Nothing secret is among the arguments.
+/// Builds the arguments of the system's `ssh` and interprets its errors. The user's ssh configuration
+/// applies, except for settings that would prompt or do more than requested. The arguments contain no
+/// secrets.
 namespace KNSSHCommand {
 
 KNSHARED_EXPORT extern const QString ErrorDomain;
-/// Codes of its errors.
+/// The error codes.
 enum Problem {
-    UnknownHost = 1, ///< the error carries the host's key: KNSSHHostKey::fromError()
+    UnknownHost = 1, ///< the error contains the host's key: KNSSHHostKey::fromError()
     ChangedHostKey,
-    NotLetIn, ///< no key of the user's is accepted
+    NotLetIn, ///< the server accepted none of the user's keys
     Failed,
 };
 
-/// What ssh writes to its standard output once the tunnel can be used, and a line end.
+/// The line that ssh writes to its standard output once the tunnel can be used.
 constexpr const char *ReadyText = "tunnel-is-open";
 
-/// To forward `localPort` of the loopback to a host and port as the SSH server sees them.
+/// Arguments to forward `localPort` on the loopback to a host and port as seen from the SSH server.
 KNSHARED_EXPORT QStringList toForward(const KNSSHTunnelModel &model, quint16 localPort, const QString &host,
                                       quint16 port, int timeoutSeconds);
-/// To have the server's key written into the file, and nothing else.
+/// Arguments that only write the server's key to the file.
 KNSHARED_EXPORT QStringList toLearnTheHostKey(const KNSSHTunnelModel &model, const QString &knownHostsFile);
-/// The error that its complaints mean; without the key of an unknown host.
+/// Converts ssh's error output to an error; does not contain the key of an unknown host.
 KNSHARED_EXPORT KNError errorFor(const KNSSHTunnelModel &model, const QString &complaints);
 
 } // namespace KNSSHCommand

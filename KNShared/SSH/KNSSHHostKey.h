@@ -9,28 +9,28 @@
 
 #include <optional>
 
-/// The key by which an SSH server proves who it is, and that nobody has vouched for yet.
+/// The host key of an SSH server that is not known yet.
 class KNSHARED_EXPORT KNSSHHostKey
 {
 public:
-    /// Reads a line of a file of known hosts; empty when it is none.
+    /// Parses a line of a known-hosts file; empty if it is invalid.
     static std::optional<KNSSHHostKey> fromKnownHostsLine(const QString &line);
-    /// The key in an error that says that a server is unknown; empty for other errors.
+    /// The key in an unknown-host error; empty for other errors.
     static std::optional<KNSSHHostKey> fromError(const KNError &error);
-    /// Asks the server for its key, without logging in. Empty when it does not give one. Blocks until the
+    /// Requests the server's key without logging in. Empty if the server does not send one. Blocks until the
     /// deadline at most; any thread.
     static std::optional<KNSSHHostKey> ask(const KNSSHTunnelModel &model, const QDeadlineTimer &deadline);
 
-    QString host() const { return m_host; } ///< with its port, where that is not 22
+    QString host() const { return m_host; } ///< including its port if that is not 22
     QString type() const { return m_type; } ///< "ED25519"
-    /// As ssh shows it: "SHA256:...".
+    /// The fingerprint in ssh's format: "SHA256:...".
     QString fingerprint() const { return m_fingerprint; }
-    /// An error that carries the key.
+    /// Creates an error that contains the key.
     KNError unknownHostError() const;
-    /// Adds the key to those that are known; false with an error when the file cannot be written.
+    /// Adds the key to the known hosts; false with an error if the file cannot be written.
     bool accept(KNError *error) const;
 
-    /// The keys that users of this program have accepted; ssh reads them beside the user's own.
+    /// The file with keys accepted by users of this program; ssh reads it in addition to the user's own.
     static QString knownHostsFile();
 
 private:

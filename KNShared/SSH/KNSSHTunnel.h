@@ -10,8 +10,9 @@
 #include <mutex>
 #include <thread>
 
-/// A port of the loopback that the system's `ssh` forwards to a host and port as an SSH server sees them.
-/// Everybody who goes the same way has the same tunnel; it ends with its last user. Any thread.
+/// A loopback port that the system's `ssh` forwards to a host and port as seen from the SSH server.
+/// Connections with the same server and target share a tunnel; it closes when its last user releases it. Any
+/// thread.
 class KNSHARED_EXPORT KNSSHTunnel
 {
     struct Private
@@ -19,8 +20,8 @@ class KNSHARED_EXPORT KNSSHTunnel
     };
 
 public:
-    /// The tunnel, which is opened unless there is one that lives; null with an error in the domain
-    /// KNSSHCommand::ErrorDomain when that fails. Blocks for as long as twice the time-out.
+    /// Returns an existing tunnel or opens one; null with an error in the domain KNSSHCommand::ErrorDomain on
+    /// failure. Blocks for at most twice the timeout.
     static std::shared_ptr<KNSSHTunnel> open(const KNSSHTunnelModel &model, const QString &host, quint16 port,
                                              std::chrono::seconds timeout, KNError *error);
 
@@ -30,11 +31,11 @@ public:
     KNSSHTunnel(const KNSSHTunnel &) = delete;
     KNSSHTunnel &operator=(const KNSSHTunnel &) = delete;
 
-    /// On 127.0.0.1.
+    /// The port on 127.0.0.1.
     quint16 localPort() const { return m_localPort; }
     bool isAlive() const;
-    /// Whether ssh has reported that its server could not reach the host. The report may come after the
-    /// forwarded connection has ended, so this waits for it, for `timeout` at most.
+    /// Whether ssh has reported that its server could not reach the host. The report may arrive after the
+    /// forwarded connection has closed, so this waits for it, for `timeout` at most.
     bool couldNotReachHost(std::chrono::milliseconds timeout);
 
 private:
@@ -58,6 +59,6 @@ private:
     State m_state = State::Opening;   ///< guarded by m_mutex
     KNError m_error;                  ///< guarded by m_mutex
     bool m_couldNotReachHost = false; ///< guarded by m_mutex
-    quint16 m_localPort = 0;          ///< set before it is open
-    std::thread m_keeper;             ///< ssh ends with the thread that has started it
+    quint16 m_localPort = 0;          ///< set before the tunnel is open
+    std::thread m_keeper;             ///< ssh ends with the thread that started it
 };

@@ -2,9 +2,9 @@
 
 #include "KNSharedExport.h"
 
-/// Who connects through an SSH tunnel, such as a dialog. Nothing is asked of it while a connection is being
-/// opened: an unknown host key ends the attempt with an error, and the delegate connects again once its user
-/// has accepted the key.
+/// An object that connects through an SSH tunnel, such as a dialog. It is not called while a connection is
+/// being opened: an unknown host key fails the attempt with an error, and the delegate connects again after
+/// its user has accepted the key.
 class KNSHARED_EXPORT KNSSHTunnelDelegate
 {
 public:
