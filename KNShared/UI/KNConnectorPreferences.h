@@ -3,11 +3,11 @@
 #include <QList>
 #include <QString>
 
-/// A yes-or-no preference in the user defaults.
+/// A boolean preference in the user defaults.
 struct KNBooleanPreference
 {
-    QString key;   ///< in KNUserDefaults
-    QString title; ///< of its check box, with a mnemonic
+    QString key;   ///< the key in KNUserDefaults
+    QString title; ///< the check box title, with a mnemonic
     QString toolTip;
     bool defaultValue = false;
 };
@@ -15,6 +15,6 @@ struct KNBooleanPreference
 /// The preferences that a connector adds to the preferences window.
 struct KNConnectorPreferences
 {
-    QString title; ///< of their group
+    QString title; ///< the title of their group
     QList<KNBooleanPreference> booleans;
 };

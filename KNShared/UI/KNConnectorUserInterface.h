@@ -23,16 +23,16 @@ class KNSHAREDUI_EXPORT KNConnectorUserInterface
 public:
     virtual ~KNConnectorUserInterface();
 
-    /// A new dialog that edits a connection, not shown yet. It belongs to its parent.
+    /// Creates a dialog that edits a connection, not shown yet and owned by its parent.
     virtual ConnectionWindowController *createConnectionWindowController(QWidget *parent) const = 0;
-    /// The connections that the user has made before; loaded at the first call.
+    /// The user's remembered connections; loaded at the first call.
     virtual SQLRecentConnectionList &recentConnections() const = 0;
 
-    /// Adds the actions of this kind of server to the helper of a window's object tree. The helper may
+    /// Registers the actions of this server kind with the helper of a window's object tree. The helper may
     /// outlive the workspace; the actions then do nothing.
     virtual void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const = 0;
-    /// Restores a document of a kind that the host does not know; null, the default, if the connector does
-    /// not know the kind either or cannot restore the document.
+    /// Restores a document of a kind unknown to the host; null, the default, if the connector does not know
+    /// the kind or cannot restore the document.
     virtual std::unique_ptr<KNDocumentTab> restoreDocument(const KNDocumentState &state,
                                                            KNWorkspace &workspace) const;
     /// The connector's preferences; none by default.

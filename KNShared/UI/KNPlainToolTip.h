@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// What to set as a tooltip so that `text` is shown as it is: Qt takes a text that looks like HTML for rich
-/// text, and would load what it names. Only the first 4,000 characters are shown; an empty text gives none.
+/// Returns a tool tip that shows `text` literally: Qt would display text that looks like HTML as rich text
+/// and load its resources. Only the first 4,000 characters are shown; an empty text gives an empty tool tip.
 /// Any thread.
 KNSHAREDUI_EXPORT QString KNPlainToolTip(const QString &text);

@@ -5,29 +5,29 @@
 #include <QFont>
 #include <QString>
 
-/// The user's preferences about how things look and run, kept in KNUserDefaults. Who shows something by them
-/// observes the notification. On the UI thread.
+/// The user's preferences for display and execution, stored in KNUserDefaults. Components that display
+/// something based on them observe the notification. On the UI thread.
 struct KNSHAREDUI_EXPORT KNPreferences
 {
     enum class Theme { FollowsDesktop, Light, Dark };
-    /// How grids show dates: as the kind of server has it (to the millisecond), or with all that is stored.
+    /// How grids show dates: as the connector formats them (to the millisecond), or with all stored parts.
     enum class DateFormat { Milliseconds, AsStored };
 
     /// Posted at the default notification centre after save().
     static const QString ChangedNotificationName;
 
-    QFont editorFont; ///< of fixed width
+    QFont editorFont; ///< fixed-width
     int tabWidth = 4; ///< in spaces
-    int rowLimit = 0; ///< rows of each result that are kept; 0 for all
+    int rowLimit = 0; ///< maximum rows kept per result; 0 for all
     QString nullText = QStringLiteral("NULL");
     DateFormat dateFormat = DateFormat::Milliseconds;
     Theme theme = Theme::FollowsDesktop;
-    bool reopensTabs = true; ///< the tabs of the last session come back when its connection is opened
+    bool reopensTabs = true; ///< whether opening a connection restores the tabs of its last session
 
-    bool tracesProtocol = false; ///< from the program's start on
+    bool tracesProtocol = false; ///< from the start of the program
 
     static KNPreferences current();
-    /// What holds as long as the user has chosen nothing.
+    /// The default preferences.
     static KNPreferences defaults();
     void save() const;
 

@@ -2,7 +2,7 @@
 
 #include <QtCore/qglobal.h>
 
-/// Marks what KNSharedUI offers to programs and connectors.
+/// Marks the KNSharedUI symbols available to programs and connectors.
 #if defined(KNSHAREDUI_LIBRARY)
 #define KNSHAREDUI_EXPORT Q_DECL_EXPORT
 #else

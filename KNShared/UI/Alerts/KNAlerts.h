@@ -10,7 +10,8 @@
 
 class QWidget;
 
-/// Tells and asks the user. Nothing here waits: answers come by a call, on the UI thread, as everything.
+/// Shows messages and questions to the user. No function blocks; answers are passed to callbacks. On the UI
+/// thread.
 class KNSHAREDUI_EXPORT KNAlerts
 {
 public:
@@ -18,20 +19,20 @@ public:
     {
         QString title;
         QString text;
-        QStringList buttons; ///< from left to right; the first is the one that the Return key presses
+        QStringList buttons; ///< from left to right; the first is the default button (Return key)
     };
-    /// The index of the button, -1 when the question was dismissed.
+    /// Receives the index of the button; -1 if the question was dismissed.
     using Answer = std::function<void(int button)>;
 
     virtual ~KNAlerts();
 
-    /// Message boxes, unless somebody has put something else in their place.
+    /// The message boxes, unless setShared() replaced them.
     static KNAlerts &shared();
-    /// Puts `alerts` in place; null brings the message boxes back.
+    /// Replaces the shared object; null restores the message boxes.
     static void setShared(std::unique_ptr<KNAlerts> alerts);
 
     virtual void showError(QWidget *parent, const KNError &error) = 0;
     virtual void showMessage(QWidget *parent, const QString &title, const QString &text) = 0;
-    /// `answer` is not called once `parent` is gone.
+    /// Asks a question. `answer` is not called after `parent` is destroyed.
     virtual void ask(QWidget *parent, const Question &question, Answer answer) = 0;
 };

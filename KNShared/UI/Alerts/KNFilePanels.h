@@ -9,8 +9,8 @@
 
 class QWidget;
 
-/// Lets the user choose files. Nothing here waits: the choice comes by a call, on the UI thread, as
-/// everything; there is no call when the user has chosen none.
+/// Lets the user choose files. No function blocks; the choice is passed to a callback, which is not called if
+/// the user cancels. On the UI thread.
 class KNSHAREDUI_EXPORT KNFilePanels
 {
 public:
@@ -23,9 +23,9 @@ public:
 
     virtual ~KNFilePanels();
 
-    /// The desktop's panels, unless somebody has put something else in their place.
+    /// The desktop's file dialogs, unless setShared() replaced them.
     static KNFilePanels &shared();
-    /// Puts `panels` in place; null brings the desktop's back.
+    /// Replaces the shared object; null restores the desktop's dialogs.
     static void setShared(std::unique_ptr<KNFilePanels> panels);
 
     virtual void chooseFileToSave(QWidget *parent, const Request &request,

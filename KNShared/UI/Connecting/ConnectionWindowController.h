@@ -6,13 +6,13 @@
 #include "SSH/KNSSHTunnelDelegate.h"
 #include "UI/Dialogs/KNWindowController.h"
 
-/// What a connection dialog ends with, beside 0 for cancelled.
+/// Return codes of a connection dialog, in addition to 0 for cancelled.
 enum KNModalResponse {
     KNModalResponseSaveAndConnect = 1000,
     KNModalResponseSaveWithoutConnecting = 1001,
 };
 
-/// A dialog that edits one connection, tests and remembers it. A connector subclasses it. On the UI thread.
+/// A dialog that edits, tests and remembers one connection. Connectors subclass it. On the UI thread.
 class KNSHAREDUI_EXPORT ConnectionWindowController : public KNWindowController, public KNSSHTunnelDelegate
 {
     Q_OBJECT
@@ -21,20 +21,20 @@ public:
     explicit ConnectionWindowController(QWidget *parent);
     ~ConnectionWindowController() override;
 
-    /// The entry that is edited; null for a new connection. To be set before the sheet begins.
+    /// The edited entry; null for a new connection. Set it before the sheet begins.
     SQLRecentConnectionPtr recentConnection() const { return m_recentConnection; }
-    /// Takes a copy.
+    /// Copies the entry.
     void setRecentConnection(const SQLRecentConnectionPtr &connection);
-    /// The settings that were connected with; null unless the dialog has ended with
+    /// The settings that were connected with; null unless the dialog ended with
     /// KNModalResponseSaveAndConnect.
     VantorDBCPtr databaseConnectionDetails() const { return m_databaseConnectionDetails; }
 
 protected:
-    /// False, with a message to the user, when a tunnel would begin and end on this computer.
+    /// Shows a message and returns false if a tunnel would begin and end on this computer.
     bool checkSSHToLocalhost(const VantorDBC &details);
-    /// When the error says that an SSH server is not known yet, asks the user whether it is the right one.
-    /// `answered` is called, perhaps at once, with whether the user has accepted its key, which is
-    /// remembered then: connecting is to be tried again. It is not called once the dialog is gone.
+    /// If the error reports an unknown SSH server, asks the user to verify its key. `answered` is called,
+    /// perhaps before this returns, with whether the user accepted the key. An accepted key is remembered,
+    /// and the caller should connect again. `answered` is not called after the dialog is destroyed.
     void checkSSHFingerprintError(const KNError &error, std::function<void(bool accepted)> answered);
     void setDatabaseConnectionDetails(const VantorDBCPtr &details) { m_databaseConnectionDetails = details; }
 
@@ -49,7 +49,7 @@ protected:
     /// @}
 
 Q_SIGNALS:
-    /// The tunnel or the session parameters have changed.
+    /// Called when the tunnel or the session parameters have changed.
     void optionsChanged();
 
 private:

@@ -4,13 +4,13 @@
 
 class QLineEdit;
 
-/// Asks for a password. Ends with 1 when it was given, 0 when the user has none to give.
+/// Asks for a password. Ends with 1 if one was entered, 0 if cancelled.
 class KNSHAREDUI_EXPORT KNPasswordWindowController : public KNWindowController
 {
     Q_OBJECT
 
 public:
-    /// `account` says for what: "sa at db.example".
+    /// `account` names the login in the prompt: "sa at db.example".
     KNPasswordWindowController(const QString &account, QWidget *parent);
 
     QString password() const;

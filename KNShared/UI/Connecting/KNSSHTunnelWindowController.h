@@ -8,7 +8,7 @@ class QCheckBox;
 class QLineEdit;
 class QSpinBox;
 
-/// Edits through which SSH server a connection goes. Ends with 1 when the user accepts it, 0 otherwise.
+/// Edits the SSH server of a connection. Ends with 1 if accepted, 0 otherwise.
 class KNSHAREDUI_EXPORT KNSSHTunnelWindowController : public KNWindowController
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class KNSHAREDUI_EXPORT KNSSHTunnelWindowController : public KNWindowController
 public:
     KNSSHTunnelWindowController(const KNSSHTunnelModel &model, QWidget *parent);
 
-    /// As it is edited; unused when the tunnel is switched off.
+    /// The edited tunnel; unused if the tunnel is switched off.
     KNSSHTunnelModel sshTunnelModel() const;
 
 private:

@@ -10,7 +10,7 @@ class QComboBox;
 class QPlainTextEdit;
 class QSpinBox;
 
-/// Edits the session parameters of a connection. Ends with 1 when the user accepts them, 0 otherwise.
+/// Edits the session parameters of a connection. Ends with 1 if accepted, 0 otherwise.
 class KNSHAREDUI_EXPORT KNSessionOptionsWindowController : public KNWindowController
 {
     Q_OBJECT
@@ -18,7 +18,8 @@ class KNSHAREDUI_EXPORT KNSessionOptionsWindowController : public KNWindowContro
 public:
     KNSessionOptionsWindowController(const QVariantMap &parameters, QWidget *parent);
 
-    /// As they are edited. What has its default is left out, what this dialog does not know stays.
+    /// The edited parameters. Parameters with default values are left out, those unknown to this dialog are
+    /// kept.
     QVariantMap connectionSessionParameters() const;
 
 private:

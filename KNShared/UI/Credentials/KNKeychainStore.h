@@ -3,12 +3,12 @@
 #include "Foundation/KNKeyValueStore.h"
 #include "UI/KNSharedUIExport.h"
 
-/// Keeps texts in the desktop's keyring (Secret Service), which may ask the user to unlock it. Errors are
-/// NoService where none runs, Refused and NotWritten.
+/// Stores texts in the desktop's keyring (Secret Service), which may ask the user to unlock it. The errors
+/// are NoService if none runs, Refused and NotWritten.
 class KNSHAREDUI_EXPORT KNKeychainStore : public KNKeyValueStore
 {
 public:
-    /// `service` names the program in the keyring.
+    /// `service` identifies the program in the keyring.
     explicit KNKeychainStore(const QString &service);
 
     QString name() const override;

@@ -2,8 +2,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a row of the object tree: icon, name and, dimmed, its details; those of a connection on a line of
-/// their own. A row that is loading turns a ring instead of its icon.
+/// Paints a row of the object tree: icon, name and dimmed details; connections have their details on a
+/// separate line. A loading row shows a rotating ring instead of its icon.
 class KNDatabaseTreeItemDelegate : public QStyledItemDelegate
 {
 public:

@@ -6,8 +6,8 @@
 #include <QAbstractItemModel>
 #include <QSet>
 
-/// The entries of an object tree as rows of a view. An entry is loaded when its row is expanded. Loads are
-/// told on any thread; the model takes their results up on the UI thread, where it is used.
+/// The entries of an object tree as an item model. An entry is loaded when its row is expanded. Loads may
+/// finish on any thread; the model processes their results on the UI thread, on which it is used.
 class KNSHAREDUI_EXPORT KNDatabaseTreeModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -18,22 +18,22 @@ public:
     enum Role {
         DetailsRole = Qt::UserRole, ///< the secondary text; null for none
         IsBusyRole,                 ///< the children are being loaded
-        IsErrorRole,                ///< the row tells why there are no others
-        IsHeadRole, ///< the row is the head of a connection, with its details on a line of their own
-        HeightRole, ///< in points, at least
+        IsErrorRole,                ///< the row shows why there are no children
+        IsHeadRole,                 ///< the row of a connection, with its details on a separate line
+        HeightRole,                 ///< minimum height in points
     };
 
     explicit KNDatabaseTreeModel(QObject *parent = nullptr);
     ~KNDatabaseTreeModel() override;
 
-    /// Shows the tree of this entry, which is its first row; null for no tree. The entry's loads are watched
-    /// from now on, also those of search copies made from it.
+    /// Shows the tree of this entry as the first row; null for no tree. The model observes loads of the tree
+    /// and of search copies made from it.
     void setRoot(const Entry &root);
     const Entry &root() const { return m_root; }
 
-    /// Null for an index that is none.
+    /// The entry of an index; null for an invalid index.
     Entry entry(const QModelIndex &index) const;
-    /// An invalid index when the entry has no row.
+    /// The index of an entry; invalid if the entry has no row.
     QModelIndex indexOf(const KNDatabaseTreeEntry &entry) const;
     bool isBusy() const { return !m_loading.isEmpty(); }
 
@@ -47,11 +47,11 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QStringList mimeTypes() const override;
-    /// The texts to drop into an editor, joined with ", ".
+    /// The drag texts of the entries, joined with ", ".
     QMimeData *mimeData(const QModelIndexList &indexes) const override;
 
 Q_SIGNALS:
-    /// The rows below are not those that were there before.
+    /// The rows below `parent` were replaced.
     void childrenReplaced(const QModelIndex &parent);
     void busyChanged(bool isBusy);
 

@@ -6,9 +6,9 @@
 #include <QTimer>
 #include <QTreeView>
 
-/// The object tree as a view: loads what is expanded, keeps what was expanded over a refresh, and passes keys
-/// and double clicks on to the entries: Return is a double click, Ctrl+Down and Ctrl+Right are the entries'
-/// own.
+/// The view of the object tree. It loads expanded entries, keeps the expansion across refreshes, and passes
+/// keys and double clicks to the entries: Return acts as a double click, Ctrl+Down and Ctrl+Right are handled
+/// by the entries.
 class KNSHAREDUI_EXPORT KNDatabaseTreeView : public QTreeView
 {
     Q_OBJECT
@@ -17,9 +17,9 @@ public:
     explicit KNDatabaseTreeView(QWidget *parent = nullptr);
 
     void setModel(QAbstractItemModel *model) override;
-    /// The selected entry; null for none.
+    /// The selected entry; null if none.
     KNDatabaseTreeModel::Entry currentEntry() const;
-    /// Expands everything whose children are known already, as those of search copies are.
+    /// Expands every entry whose children are loaded, such as in search copies.
     void expandLoaded();
 
 Q_SIGNALS:
@@ -38,8 +38,8 @@ private:
     void restore(const QModelIndex &parent);
     void expandLoadedBelow(const QModelIndex &parent);
 
-    QSet<QStringList> m_expanded; ///< by display names from the root on
-    QStringList m_lost;           ///< the row that was selected until a refresh took it away; empty for none
+    QSet<QStringList> m_expanded; ///< paths of display names from the root
+    QStringList m_lost;           ///< the selected row that a refresh removed; empty if none
     bool m_isRemoving = false;
-    QTimer m_turning; ///< draws the rings of rows that are loading
+    QTimer m_turning; ///< animates the rings of loading rows
 };

@@ -8,7 +8,7 @@
 class QLabel;
 class QLineEdit;
 
-/// The object explorer: the tree of one connection with a field above it that searches all databases.
+/// The object explorer: the tree of one connection and a search field for all databases.
 class KNSHAREDUI_EXPORT KNDatabaseTreeViewController : public QWidget
 {
     Q_OBJECT
@@ -25,16 +25,16 @@ public:
 
     Entry currentlySelectedDatabaseTreeEntry() const { return m_view->currentEntry(); }
     void deselectAll();
-    /// Loads the entry's children anew; for one without children its parent's.
+    /// Reloads the entry's children; for a leaf those of its parent.
     void refreshDatabaseTreeItem(const Entry &entry);
-    /// Loads the selected entry anew, everything when none is selected.
+    /// Reloads the selected entry, or everything if none is selected.
     void refreshSelected();
     void focusSearchField();
     void focusTree();
 
     KNDatabaseTreeView *view() const { return m_view; }
     QLineEdit *searchField() const { return m_searchField; }
-    /// What the line below the search field says: why there is nothing to see; null when it is hidden.
+    /// The text below the search field that explains an empty tree; null if hidden.
     QString notice() const;
 
 protected:
@@ -57,8 +57,8 @@ private:
     KNDatabaseTreeModel *const m_model;
     Root m_root;
     QTimer m_typing;
-    Feed m_feed = Feed::Outdated; ///< the objects that the search looks through
+    Feed m_feed = Feed::Outdated; ///< the objects that the search uses
     KNError m_feedError;          ///< why the feed is incomplete
-    bool m_waitsForTree = false;  ///< a search was typed before the root was loaded
-    quint64 m_generation = 0;     ///< of the root that the feed is loaded for
+    bool m_waitsForTree = false;  ///< a search was entered before the root was loaded
+    quint64 m_generation = 0;     ///< of the root for which the feed is loaded
 };

@@ -7,8 +7,8 @@
 class QLabel;
 class QPushButton;
 
-/// A line of a dialog that warns about what is shown below it, with a button if something can be done about
-/// it. Hidden while it has no text. On the UI thread.
+/// A line in a dialog with a warning about the content below it and an optional button. Hidden while it has
+/// no text. On the UI thread.
 class KNSHAREDUI_EXPORT KNCautionBar : public QFrame
 {
     Q_OBJECT

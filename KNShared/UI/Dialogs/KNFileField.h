@@ -6,13 +6,13 @@
 
 class QLineEdit;
 
-/// A field for the path of a file, with a button that lets the user choose it. On the UI thread.
+/// A field for a file path with a button to choose the file. On the UI thread.
 class KNSHAREDUI_EXPORT KNFileField : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `title` says what is chosen; `filters` as KNFilePanels has them.
+    /// `title` describes the file to choose; `filters` as in KNFilePanels.
     explicit KNFileField(const QString &title, const QStringList &filters = {}, QWidget *parent = nullptr);
 
     /// Empty for no file.

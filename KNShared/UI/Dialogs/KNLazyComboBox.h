@@ -4,7 +4,7 @@
 
 #include <QComboBox>
 
-/// A field with a list of texts, which may be filled only when the user opens it. On the UI thread.
+/// An editable combo box whose list may be filled when the user opens it. On the UI thread.
 class KNSHAREDUI_EXPORT KNLazyComboBox : public QComboBox
 {
     Q_OBJECT
@@ -12,15 +12,15 @@ class KNSHAREDUI_EXPORT KNLazyComboBox : public QComboBox
 public:
     explicit KNLazyComboBox(QWidget *parent = nullptr);
 
-    /// Puts the texts into the list; what the field holds stays.
+    /// Replaces the list and keeps the text of the field.
     void setTexts(const QStringList &texts);
     void showPopup() override;
     void hidePopup() override;
 
 Q_SIGNALS:
-    /// The list is about to open and is empty.
+    /// Emitted when an empty list is about to open.
     void needsTexts();
-    /// The user has chosen from the open list; a text that is typed chooses nothing, be it that of an item.
+    /// Emitted when the user selects an item of the open list, not when the typed text equals an item.
     void chosen(int index);
 
 private:

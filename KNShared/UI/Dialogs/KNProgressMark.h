@@ -7,23 +7,22 @@
 class QLabel;
 class QProgressBar;
 
-/// Shows that something goes on, or a warning sign whose tool tip says why it failed, or nothing. On the UI
-/// thread.
+/// Shows a progress indicator, a warning sign with the reason as its tool tip, or nothing. On the UI thread.
 class KNSHAREDUI_EXPORT KNProgressMark : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `subject` says what of, to who cannot see it: "Connecting".
+    /// `subject` describes the work for screen readers: "Connecting".
     explicit KNProgressMark(const QString &subject, QWidget *parent = nullptr);
 
     void start();
     void stop();
-    /// Stops, and shows the sign.
+    /// Stops the indicator and shows the warning sign.
     void fail(const QString &why);
 
     bool isRunning() const;
-    /// Null while no sign is shown.
+    /// The reason shown; null while there is no warning sign.
     QString problem() const;
 
 private:

@@ -8,7 +8,7 @@
 
 class QDialogButtonBox;
 
-/// A dialog that is shown as a sheet of its parent's window and deletes itself when it has ended.
+/// A dialog shown as a sheet of its parent's window. It deletes itself when it ends.
 class KNSHAREDUI_EXPORT KNWindowController : public QDialog
 {
     Q_OBJECT
@@ -17,18 +17,17 @@ public:
     explicit KNWindowController(QWidget *parent);
     ~KNWindowController() override;
 
-    /// Shows the sheet and returns at once; `ended` is called with what it was ended with, 0 when it was
-    /// cancelled. It is not called when the sheet is deleted before.
+    /// Shows the sheet and returns at once. `ended` receives the return code, 0 if cancelled. It is not
+    /// called if the sheet is deleted before.
     void beginSheet(std::function<void(int returnCode)> ended);
     void endSheetWithReturnCode(int code);
-    /// Whether it has ended: what comes late has no effect any more.
+    /// Whether the sheet has ended; later results have no effect.
     bool closed() const { return m_closed; }
 
     void done(int code) override;
 
 protected:
-    /// A row of buttons of which Cancel ends the sheet with 0, and the other, which is the one that the
-    /// Return key presses, with 1.
+    /// Creates a row of buttons: Cancel ends the sheet with 0, the default button with 1.
     QDialogButtonBox *makeButtons(const QString &acceptTitle);
 
 private:

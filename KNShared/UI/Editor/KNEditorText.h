@@ -4,10 +4,10 @@
 
 #include <QString>
 
-/// The text of an editor, which keeps it as UTF-8 and counts in bytes, in the house's UTF-16 units.
+/// Converts between an editor's UTF-8 text, measured in bytes, and UTF-16 units.
 namespace KNEditorText {
 
-/// Bytes that one unit takes as UTF-8; the halves of a surrogate pair take two each.
+/// The number of UTF-8 bytes of one UTF-16 unit; each half of a surrogate pair counts as two.
 inline int utf8Length(QChar unit)
 {
     const char16_t code = unit.unicode();
@@ -22,7 +22,7 @@ inline qsizetype utf8Length(QStringView text)
     return bytes;
 }
 
-/// The text between two positions in bytes, with every character of it, byte order marks and NULs included.
+/// The complete text between two byte positions, including byte order marks and NULs.
 inline QString text(const QsciScintilla &editor, qsizetype start, qsizetype end)
 {
     if (start >= end)
@@ -32,7 +32,7 @@ inline QString text(const QsciScintilla &editor, qsizetype start, qsizetype end)
                              static_cast<long>(end - start)));
     const QByteArrayView piece(bytes, end - start);
     const QString decoded = QString::fromUtf8(piece);
-    // Qt takes a mark at the beginning for the text's signature.
+    // Qt treats a mark at the beginning as the text's signature and drops it.
     return piece.startsWith("\xef\xbb\xbf") ? QChar(QChar::ByteOrderMark) + decoded : decoded;
 }
 

@@ -12,7 +12,7 @@ class QCheckBox;
 class QLabel;
 class QLineEdit;
 
-/// Finds and replaces in an editor. Hidden until it is asked for; Escape hides it and goes back to the
+/// Finds and replaces text in an editor. Hidden until requested; Escape hides it and returns the focus to the
 /// editor. Matches are counted in the background. On the UI thread.
 class KNSHAREDUI_EXPORT KNFindBar : public QWidget
 {
@@ -21,21 +21,21 @@ class KNSHAREDUI_EXPORT KNFindBar : public QWidget
 public:
     explicit KNFindBar(KNSQLEditor *editor, QWidget *parent = nullptr);
 
-    /// What is looked for now.
+    /// The current search.
     KNTextSearch search() const;
-    /// Matches that are counted at most.
+    /// The maximum number of counted matches.
     static constexpr qsizetype CountLimit = 100000;
 
 public Q_SLOTS:
-    /// Shows the bar, with the selected words as the pattern.
+    /// Shows the bar with the selected text as the pattern.
     void showFind();
     void showReplace();
-    /// Selects the next match behind the cursor, beginning again at the end of the text.
+    /// Selects the next match after the cursor; wraps around at the end of the text.
     void findNext();
     void findPrevious();
-    /// Replaces the match that is selected and goes to the next one.
+    /// Replaces the selected match and selects the next one.
     void replace();
-    /// Replaces every match, as one step of undo.
+    /// Replaces every match as one undo step.
     void replaceAll();
 
 protected:
@@ -59,7 +59,7 @@ private:
     QLabel *m_message;
     QList<QWidget *> m_replaceWidgets;
     QTimer *m_countTimer;
-    QList<qsizetype> m_matches; ///< where they begin, as counted last
+    QList<qsizetype> m_matches; ///< start positions of the matches last counted
     bool m_isCounted = false;
-    quint64 m_generation = 0; ///< of the count that is wanted
+    quint64 m_generation = 0; ///< of the requested count
 };

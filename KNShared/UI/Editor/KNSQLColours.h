@@ -5,8 +5,8 @@
 #include <QColor>
 #include <QPalette>
 
-/// The colours in which SQL and what the server says about it are shown: one set for light backgrounds, one
-/// for dark ones. All texts have a contrast of at least 4.5 : 1 to the background.
+/// The colours of SQL and server messages: one set for light and one for dark backgrounds. All texts have a
+/// contrast of at least 4.5 : 1 to the background.
 struct KNSHAREDUI_EXPORT KNSQLColours
 {
     QColor background;
@@ -20,11 +20,11 @@ struct KNSHAREDUI_EXPORT KNSQLColours
     QColor quotedName;
     QColor error;
     QColor lineNumber;
-    QColor margin; ///< behind line numbers and folds
+    QColor margin; ///< background of line numbers and folds
     QColor currentLine;
     QColor selection;
-    QColor matchedBrace; ///< behind the two braces of a pair
+    QColor matchedBrace; ///< background of a pair of matching braces
 
-    /// The set that suits the background of text fields.
+    /// Returns the set that suits the background of text fields.
     static KNSQLColours forPalette(const QPalette &palette);
 };

@@ -8,9 +8,9 @@
 
 class KNSQLLexer;
 
-/// An editor for SQL: colours, folds, line numbers, matching braces, comments at a key, multiple cursors, and
-/// a mark where the server found an error. Font and tab width are the user's preferences; colours follow the
-/// palette. Places and lengths count UTF-16 units, as everywhere in the house. On the UI thread.
+/// An SQL editor: syntax colours, folding, line numbers, brace matching, comment toggling, multiple cursors,
+/// and an error marker. Font and tab width are the user's preferences; colours follow the palette. Positions
+/// and lengths are UTF-16 units. On the UI thread.
 class KNSHAREDUI_EXPORT KNSQLEditor : public QsciScintilla
 {
     Q_OBJECT
@@ -22,15 +22,16 @@ public:
     void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
                     const QStringList &functions);
 
-    /// The text with every character of it.
+    /// The complete text.
     QString wholeText() const;
-    /// Replaces the text. It counts as unmodified, and there is nothing to undo. What Return enters follows
-    /// the text's first line end.
+    /// Replaces the text, marks it as unmodified and clears the undo history. Return inserts the same line
+    /// end as the text's first one.
     void setWholeText(const QString &text);
 
-    /// The selection, from its first to its last character; of no length, at the cursor, when there is none.
+    /// The selection from its first to its last character; an empty range at the cursor if nothing is
+    /// selected.
     KNRange selectedRange() const;
-    /// Selects the piece and brings it into view. Places beyond the text mean its end.
+    /// Selects the range and scrolls to it. Positions beyond the text are set to its end.
     void selectRange(const KNRange &range);
     QString textOfRange(const KNRange &range) const;
 
@@ -39,29 +40,29 @@ public:
         KNRange range;
         QString text;
     };
-    /// Replaces pieces that do not overlap, in the order of the text, as one step of undo.
+    /// Replaces ranges that do not overlap and are sorted by position, as one undo step.
     void replaceRanges(const QList<Replacement> &replacements);
-    /// Puts a text at the cursor instead of the selection, and leaves the cursor behind it.
+    /// Replaces the selection with a text and moves the cursor behind it.
     void insertText(const QString &text);
 
-    /// Underlines the piece and marks its line in the margin, until the next edit or clearErrorMark().
+    /// Underlines the range and marks its line in the margin until the next edit or clearErrorMark().
     void markError(const KNRange &range);
-    /// Marks a line (from 1) in the margin alone.
+    /// Marks a line (from 1) in the margin only.
     void markErrorLine(int line);
     void clearErrorMark();
-    /// What is underlined; not found when nothing is.
+    /// The underlined range; not found if there is none.
     KNRange errorMark() const;
-    /// The line (from 1) that is marked in the margin; 0 when none is.
+    /// The line (from 1) marked in the margin; 0 if none.
     int errorLine() const;
 
 public Q_SLOTS:
-    /// Takes the lines of the selection into line comments, or out of them when all of them are.
+    /// Comments out the selected lines, or uncomments them if all of them are line comments.
     void toggleComment();
     void commentLines();
     void uncommentLines();
-    /// Goes to a line (from 1); beyond the end to the last one.
+    /// Moves to a line (from 1), or to the last one if there are fewer.
     void goToLine(int line);
-    /// Asks which line.
+    /// Asks the user for a line and moves to it.
     void askForLine();
     void resetZoom();
 

@@ -7,9 +7,9 @@
 
 #include <QSet>
 
-/// Colours and folds SQL in an editor, by the house's own tokenizer: block comments nest, strings, names in
-/// brackets and names in quotes may run over lines. Begins at any line, because it keeps at each line's end
-/// what is open there. Folds BEGIN ... END, CASE ... END and block comments.
+/// Colours and folds SQL in an editor with the host's tokenizer: block comments nest; strings, bracketed and
+/// quoted names may span lines. Can start at any line because it stores the open elements at each line's end.
+/// Folds BEGIN ... END, CASE ... END and block comments.
 class KNSHAREDUI_EXPORT KNSQLLexer : public QsciLexerCustom
 {
 public:

@@ -4,14 +4,14 @@
 
 #include <algorithm>
 
-/// What is open at the end of a line, small enough for the number that the editor keeps with each line.
+/// The elements open at the end of a line, packed into the number that the editor stores per line.
 struct KNSQLLineState
 {
     enum Piece { Nothing, String, QuotedName, BracketedName, Comment };
 
     Piece piece = Nothing;
-    int commentDepth = 0; ///< how many block comments are open
-    int blockDepth = 0;   ///< how many BEGINs and CASEs are open
+    int commentDepth = 0; ///< number of open block comments
+    int blockDepth = 0;   ///< number of open BEGIN and CASE blocks
 
     static KNSQLLineState unpacked(int number)
     {
@@ -21,7 +21,7 @@ struct KNSQLLineState
     {
         return piece | std::min(commentDepth, 0xfff) << 3 | std::min(blockDepth, 0x7fff) << 15;
     }
-    /// A text that, put before what follows, makes a tokenizer go on with the open piece.
+    /// Returns a prefix text that makes a tokenizer continue the open element.
     QString opening() const
     {
         switch (piece) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The editor component's headers, which need Qt's short keywords.
+// Includes the editor component's headers, which need Qt's short keywords.
 #include <QObject>
 
 #define signals Q_SIGNALS

@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 
-/// What is looked for in a text, and how.
+/// A search pattern and its options.
 struct KNSHAREDUI_EXPORT KNTextSearch
 {
     QString pattern;
@@ -12,13 +12,13 @@ struct KNSHAREDUI_EXPORT KNTextSearch
     bool matchesCase = false;
     bool wholeWords = false;
 
-    /// The expression that finds it; invalid, with a reason, when the pattern is. The anchors ^ and $ hold
-    /// at each line, whatever ends it.
+    /// The regular expression of the search; invalid, with a reason, if the pattern is. The anchors ^ and $
+    /// match at each line, for any kind of line end.
     QRegularExpression expression() const;
-    /// Where the reason points to in the pattern; -1 when the pattern is valid.
+    /// The position of the error in the pattern; -1 if the pattern is valid.
     qsizetype errorOffset() const;
-    /// What takes the place of a match: the text as it is, or, with a regular expression, with \\1 or $1 for
-    /// what a group has found, \\0 or $0 for all of it, \\n and \\t for line feed and tab.
+    /// The replacement of a match: the text unchanged, or, with a regular expression, \\1 or $1 replaced with
+    /// a group, \\0 or $0 with the whole match, \\n and \\t with line feed and tab.
     QString replacement(const QRegularExpressionMatch &match, const QString &text) const;
 
     friend bool operator==(const KNTextSearch &, const KNTextSearch &) = default;

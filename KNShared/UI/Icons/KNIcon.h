@@ -5,12 +5,12 @@
 #include <QIcon>
 #include <QString>
 
-/// The icons of programs and connectors: SVG files below ":/icons", which everybody may add to with a
-/// resource of that prefix. What a file paints in "currentColor" takes the colour of texts, in light and
-/// dark.
+/// The icons of programs and connectors: SVG files below ":/icons". Any module can add to them with a
+/// resource of that prefix. "currentColor" in a file is replaced with the text colour, in light and dark
+/// palettes.
 namespace KNIcon {
 
-/// The icon of this name, such as "DatabaseTree-Table"; one without a picture when there is none.
+/// Returns the icon of this name, such as "DatabaseTree-Table"; an empty icon if there is none.
 KNSHAREDUI_EXPORT QIcon named(const QString &name);
 
 } // namespace KNIcon

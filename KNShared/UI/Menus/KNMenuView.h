@@ -5,11 +5,11 @@
 
 class QMenu;
 
-/// Shows menus that are data.
+/// Displays menus that are data.
 namespace KNMenuView {
 
-/// Appends the items to the menu, which carries them out when they are chosen. Those whose action nobody
-/// knows are disabled, and their tool tips say that it is not there yet.
+/// Appends the items to the menu, which performs them when chosen. Items with an unknown action are disabled,
+/// and their tool tips say that it is not available yet.
 KNSHAREDUI_EXPORT void fill(QMenu &view, const KNMenu &menu);
 
 } // namespace KNMenuView

@@ -6,8 +6,8 @@
 
 #include <QObject>
 
-/// Puts rows on the clipboard as text. The text is made in the background; a further copy gives up the one
-/// before. On the UI thread.
+/// Copies rows to the clipboard as text. The text is created in the background; a new copy cancels the
+/// previous one. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultCopier : public QObject
 {
     Q_OBJECT
@@ -16,17 +16,17 @@ public:
     explicit KNResultCopier(const VantorDBC &details, QObject *parent = nullptr);
     ~KNResultCopier() override;
 
-    /// Nothing happens when there are no rows.
+    /// Copies the rows; does nothing if there are none.
     void copy(const ResultRows &rows, const ResultFormat &format);
     bool isCopying() const { return m_cancelled != nullptr; }
 
 Q_SIGNALS:
-    /// The clipboard holds the rows; `remark` tells of what is missing, and is empty otherwise.
+    /// Emitted when the clipboard holds the rows; `remark` describes missing data and is otherwise empty.
     void copied(qsizetype rows, const QString &remark);
 
 private:
     void finish(const ResultCopy &copy, qsizetype rows);
 
     const VantorDBCPtr m_details;
-    std::shared_ptr<std::atomic<bool>> m_cancelled; ///< of what goes on; null for nothing
+    std::shared_ptr<std::atomic<bool>> m_cancelled; ///< of the running copy; null if none
 };

@@ -9,8 +9,8 @@ class QLabel;
 class QProgressBar;
 class QTimer;
 
-/// Asks for a file, writes rows to it, and shows how far that has come. Hidden while nothing is written. On
-/// the UI thread.
+/// Asks for a file, writes rows to it and shows the progress. Hidden while nothing is written. On the UI
+/// thread.
 class KNSHAREDUI_EXPORT KNResultExportBar : public QWidget
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     explicit KNResultExportBar(QWidget *parent = nullptr);
     ~KNResultExportBar() override;
 
-    /// One file at a time: tells the user when another is being written.
+    /// Exports the rows. Only one file is written at a time: informs the user if an export is running.
     void exportRows(const ResultRows &rows);
     bool isExporting() const { return m_exporter != nullptr; }
 

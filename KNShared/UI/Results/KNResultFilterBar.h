@@ -9,8 +9,8 @@ class QComboBox;
 class QLineEdit;
 class QTimer;
 
-/// The field by which the rows of a result are filtered: a text, and in which column. Applied by itself when
-/// typing pauses. On the UI thread.
+/// A filter for the rows of a result: a text and the column to search. Applied when the user pauses typing.
+/// On the UI thread.
 class KNSHAREDUI_EXPORT KNResultFilterBar : public QWidget
 {
     Q_OBJECT
@@ -20,11 +20,11 @@ public:
 
     QLineEdit *field() const { return m_field; }
     QComboBox *columns() const { return m_columns; }
-    /// Shows the bar and puts the cursor into the field.
+    /// Shows the bar and focuses the field.
     void open();
 
 public Q_SLOTS:
-    /// Takes the filter away and hides the bar.
+    /// Removes the filter and hides the bar.
     void showAllRows();
 
 Q_SIGNALS:

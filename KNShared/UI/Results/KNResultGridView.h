@@ -7,9 +7,9 @@
 class KNRowNumberBar;
 class QHeaderView;
 
-/// A grid over the rows of one result. All rows have the same height, so that ten million of them cost no
-/// more than those on the screen. Cells, rows (by their numbers), columns (by their headers) and everything
-/// can be selected. On the UI thread.
+/// A grid of the rows of one result. All rows have the same height, so that the cost depends on the visible
+/// rows only. Cells, rows (by their numbers), columns (by their headers) and everything can be selected. On
+/// the UI thread.
 class KNSHAREDUI_EXPORT KNResultGridView : public QAbstractItemView
 {
     Q_OBJECT
@@ -22,13 +22,13 @@ public:
     QHeaderView *horizontalHeader() const { return m_header; }
     KNRowNumberBar *rowNumbers() const { return m_rowNumbers; }
     int rowHeight() const { return m_rowHeight; }
-    /// The first row that is shown, and how many fit.
+    /// The first visible row, and the number of rows that fit.
     int topRow() const;
     int visibleRowCount() const;
-    /// Headers, rows and scroll bar together, for that many rows.
+    /// The height for this number of rows, with headers and scroll bar.
     int heightForRows(int rows) const;
 
-    /// What is selected; rows and columns are those that hold a selected cell.
+    /// The selected rows and columns: those with at least one selected cell.
     ResultRows selectedRows() const;
     void selectRows(int first, int last, QItemSelectionModel::SelectionFlags command);
     void selectColumn(int column, QItemSelectionModel::SelectionFlags command);
@@ -40,11 +40,11 @@ public:
     void selectAll() override;
 
 Q_SIGNALS:
-    /// What is selected is wanted on the clipboard.
+    /// Emitted when the user requests to copy the selection.
     void copyRequested();
-    /// The whole value of a cell is wanted.
+    /// Emitted when the user requests to see a whole value.
     void valueRequested(const QModelIndex &index);
-    /// The header of a column was double-clicked.
+    /// Emitted when a column header is double-clicked.
     void sortRequested(int column);
 
 protected:
@@ -68,11 +68,11 @@ protected Q_SLOTS:
 
 public Q_SLOTS:
     void reset() override;
-    /// What an Edit menu calls.
+    /// Called by an Edit menu.
     void copy() { Q_EMIT copyRequested(); }
 
 private:
-    static constexpr int RowsForWidths = 100; ///< rows from which columns take their widths
+    static constexpr int RowsForWidths = 100; ///< number of rows that determine the column widths
 
     void measure();
     void fitColumns();
@@ -88,8 +88,8 @@ private:
     QString m_nullText;
     int m_rowHeight = 1;
     int m_padding = 1;
-    int m_currentColumn = 0; ///< where the cursor was last
-    int m_fittedRows = 0;    ///< that the columns' widths were taken from
+    int m_currentColumn = 0; ///< last column of the cursor
+    int m_fittedRows = 0;    ///< number of rows used for the column widths
     bool m_isFitting = false;
     bool m_wasResizedByUser = false;
     bool m_isUpdatingGeometries = false;

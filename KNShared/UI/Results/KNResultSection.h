@@ -12,14 +12,13 @@ class QLabel;
 class QMenu;
 class QToolButton;
 
-/// One result: a caption with buttons, a filter, and the grid, with everything that can be done to its rows.
-/// On the UI thread.
+/// One result: a caption with buttons, a filter, and the grid with all actions on its rows. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultSection : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `title` is what the result is called. The model must outlive the section.
+    /// `title` is the name of the result. The model must outlive the section.
     KNResultSection(const QString &title, KNResultTableModel &model, const VantorDBC &details,
                     QWidget *parent = nullptr);
 
@@ -30,22 +29,22 @@ public:
     /// "Result 1: 12 of 40 rows, sorted by name".
     QString caption() const;
 
-    /// A section as high as it needs to be for that many rows.
+    /// The height of the section for this number of rows.
     int heightForRows(int rows) const;
 
-    /// Puts what is selected on the clipboard.
+    /// Copies the selection to the clipboard in the format of this name.
     void copySelection(const QString &format);
-    /// Sorts by a column: ascending, descending, as the rows arrived, in turn.
+    /// Switches the sorting by a column: ascending, descending, order of arrival.
     void toggleSorting(int column);
 
 public Q_SLOTS:
     void openFilter();
     void showValue();
-    /// Shows how many rows there are by now.
+    /// Updates the caption with the current number of rows.
     void updateCaption();
 
 Q_SIGNALS:
-    /// The rows are wanted in a file.
+    /// Emitted when the user requests an export of the rows.
     void exportRequested();
 
 private:
@@ -67,5 +66,5 @@ private:
     QAction *m_filter = nullptr;
     QAction *m_export = nullptr;
     QToolButton *m_cancel;
-    QList<QAction *> m_arrangingActions; ///< for finished results only
+    QList<QAction *> m_arrangingActions; ///< enabled for finished results only
 };

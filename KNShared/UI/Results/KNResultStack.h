@@ -6,27 +6,27 @@
 
 #include <functional>
 
-/// Widgets one below the other, of which only those exist that can be seen. One alone fills the area; several
-/// share it as long as each has the room it wants. On the UI thread.
+/// Stacks widgets vertically and creates only the visible ones. A single widget fills the area; several share
+/// it, as long as each gets its preferred height. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultStack : public QAbstractScrollArea
 {
     Q_OBJECT
 
 public:
-    /// Makes the widget at a place, or gives the one that is there.
+    /// Creates the widget at a position, or returns the existing one.
     using Make = std::function<QWidget *(int place)>;
-    /// The height that a place wants, whether its widget exists or not.
+    /// The preferred height at a position, whether its widget exists or not.
     using Height = std::function<int(int place)>;
-    /// What comes into the area is to be made, what has left it may go.
+    /// Called with the range of visible positions; widgets outside of it may be deleted.
     using Leave = std::function<void(int firstKept, int lastKept)>;
 
     KNResultStack(Make make, Height height, Leave leave, QWidget *parent = nullptr);
 
-    /// How many there are; heights are asked for anew.
+    /// Sets the number of widgets and updates the heights.
     void setCount(int count);
-    /// Scrolls until the whole place can be seen, or its top.
+    /// Scrolls until the whole widget at this position is visible, or its top.
     void scrollToPlace(int place);
-    /// Asks for the heights again.
+    /// Recalculates the heights.
     void updateHeights();
 
 protected:
@@ -39,5 +39,5 @@ private:
     const Make m_make;
     const Height m_height;
     const Leave m_leave;
-    std::vector<int> m_bottoms; ///< where each place ends, counted from the top of the first
+    std::vector<int> m_bottoms; ///< bottom edge of each widget, relative to the top of the first
 };

@@ -8,8 +8,8 @@
 
 #include <QAbstractTableModel>
 
-/// The rows of one result set as a grid shows them, read where they stand. Rows appear when
-/// showPublishedRows() is called; a finished result can be sorted and filtered. On the UI thread.
+/// The rows of one result set for a grid, read directly from its store. Rows appear when showPublishedRows()
+/// is called; a finished result can be sorted and filtered. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultTableModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -17,30 +17,30 @@ class KNSHAREDUI_EXPORT KNResultTableModel : public QAbstractTableModel
 public:
     using Helper = std::shared_ptr<const ResultSetViewControllerHelper>;
 
-    /// A cell as it is shown in one line.
+    /// A cell formatted for one line.
     struct Cell
     {
         QString text; ///< empty for NULL
         bool isNull = true;
         bool isNumber = false;
-        bool isMarked = false; ///< shown apart: what the value is could not be known
+        bool isMarked = false; ///< highlighted because the value could not be determined
     };
 
-    /// The result's columns must be known.
+    /// The result's columns must be set.
     KNResultTableModel(KNDatabaseResultSetPtr result, Helper helper, QObject *parent = nullptr);
     ~KNResultTableModel() override;
 
     const KNDatabaseResultSetPtr &result() const { return m_result; }
 
-    /// Shows what has arrived since the last call; true when that was something, the end included. `isLast`:
-    /// nothing comes any more, even if the result does not say so.
+    /// Shows rows that arrived since the last call; true if there were any or the result ended. `isLast`: no
+    /// more rows will arrive, even if the result is not marked as finished.
     bool showPublishedRows(bool isLast = false);
     /// Whether all rows have arrived and are shown.
     bool isFinished() const { return m_isFinished; }
-    /// Rows that have arrived and were not hidden because of a filter.
+    /// The rows that have arrived and are not filtered out.
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
-    /// Rows that have arrived.
+    /// The number of rows that have arrived.
     int arrivedRowCount() const { return m_arrivedRows; }
 
     QVariant data(const QModelIndex &index, int role) const override;
@@ -50,25 +50,25 @@ public:
     /// Calls `visit` with each cell of a row from `first` to `last`.
     void visitCells(int row, int first, int last,
                     const std::function<void(int column, const Cell &cell)> &visit) const;
-    /// The number of a shown row in the result set.
+    /// The stored row number of a displayed row.
     qsizetype storedRow(int row) const;
     QString columnName(int column) const { return m_columnNames.value(column); }
-    /// Null where it is not known.
+    /// The type name of a column; null if unknown.
     QString typeName(int column) const { return m_helper->typeNameForColumn(column); }
 
-    /// All shown rows and columns.
+    /// All displayed rows and columns.
     ResultRows shownRows() const;
 
     const KNRowArrangement &arrangement() const { return m_arrangement; }
-    /// Sorts and filters in the background, instead of what goes on there. False, and nothing happens, while
-    /// rows arrive.
+    /// Sorts and filters in the background and cancels a running arrangement. Returns false and does nothing
+    /// while rows arrive.
     bool arrange(const KNRowArrangement &arrangement);
-    /// Gives up what arrange() has begun: the rows stay as they are shown.
+    /// Cancels a running arrange(); the displayed rows do not change.
     void cancelArranging();
     bool isArranging() const { return m_cancelled != nullptr; }
 
 Q_SIGNALS:
-    /// Sorting and filtering has begun or come to an end.
+    /// Emitted when sorting and filtering begins or ends.
     void arrangingChanged();
 
 private:
@@ -88,6 +88,6 @@ private:
     int m_arrivedRows = 0;
     bool m_isFinished = false;
     KNRowArrangement m_arrangement;
-    KNRowOrderPtr m_order;                          ///< null while the rows are shown as they are stored
-    std::shared_ptr<std::atomic<bool>> m_cancelled; ///< of what goes on in the background; null for nothing
+    KNRowOrderPtr m_order;                          ///< null while rows are displayed in stored order
+    std::shared_ptr<std::atomic<bool>> m_cancelled; ///< of the background work; null if none
 };

@@ -7,8 +7,8 @@
 class QComboBox;
 class QTabBar;
 
-/// Chooses one of several results: tabs, and a list when there are so many that nobody could find one among
-/// tabs. On the UI thread.
+/// Selects one of several results: with tabs, or with a list if there are too many for tabs. On the UI
+/// thread.
 class KNSHAREDUI_EXPORT KNResultTabs : public QWidget
 {
     Q_OBJECT
@@ -18,9 +18,9 @@ public:
 
     explicit KNResultTabs(QWidget *parent = nullptr);
 
-    /// How many results there are; 0 begins anew. The first one becomes the current one.
+    /// Sets the number of results; 0 resets. The first one becomes the current one.
     void setCount(int count);
-    /// -1 while there are none.
+    /// The current result; -1 while there are none.
     int current() const { return m_current; }
     void setCurrent(int result);
 

@@ -4,14 +4,14 @@
 
 class KNResultGridView;
 
-/// The numbers beside a grid's rows. A click selects a row, Shift and dragging several, Ctrl adds. On the UI
+/// The row numbers of a grid. A click selects a row, Shift and dragging select several, Ctrl adds. On the UI
 /// thread.
 class KNRowNumberBar : public QWidget
 {
 public:
     explicit KNRowNumberBar(KNResultGridView *grid);
 
-    /// The width that the numbers up to this one take.
+    /// The width needed for this number of rows.
     int widthForRows(int rows) const;
 
 protected:
@@ -24,5 +24,5 @@ private:
     int rowAt(const QPoint &point) const;
 
     KNResultGridView *const m_grid;
-    int m_anchorRow = 0; ///< from which on Shift and dragging select
+    int m_anchorRow = 0; ///< start row of a selection with Shift or dragging
 };

@@ -5,25 +5,24 @@
 
 #include <QString>
 
-/// How a value is shown whole. Pure; any thread.
+/// Formats a whole value for display. Pure; any thread.
 namespace KNValueText {
 
 enum class Form { Text, Json, Xml, Hex };
 
-/// What a value looks like: bytes are Hex, text that is JSON or XML is that, everything else is Text.
+/// The suggested form of a value: Hex for bytes, Json or Xml for such text, otherwise Text.
 KNSHAREDUI_EXPORT Form formOf(const KNValue &value);
-/// The value in that form; as Text when it is not of that form.
+/// Formats the value; as Text if it does not have that form.
 KNSHAREDUI_EXPORT QString text(const KNValue &value, Form form);
 
-/// The same JSON with a line for each member and element; a null QString when it is no JSON. Nothing but
-/// white space is changed.
+/// Formats JSON with one line per member and element; a null QString if it is not JSON. Only white space
+/// changes.
 KNSHAREDUI_EXPORT QString indentedJson(const QString &json);
-/// XML, or a sequence of elements, with a line for each element; a null QString when it is no XML.
+/// Formats XML, or a sequence of elements, with one line per element; a null QString if it is not XML.
 KNSHAREDUI_EXPORT QString indentedXml(const QString &xml);
-/// Sixteen bytes a line: place, hexadecimal, printable characters.
+/// Sixteen bytes per line: offset, hexadecimal, printable characters.
 KNSHAREDUI_EXPORT QString hexDump(const QByteArray &bytes);
-/// The same text with a line end in lines of more than `length` units, for editors that are slow with those.
-/// `wasBroken` is set when there were such.
+/// Breaks lines of more than `length` units, which slow editors down. `wasBroken` is set if there were any.
 KNSHAREDUI_EXPORT QString withShortLines(const QString &text, qsizetype length, bool *wasBroken);
 
 } // namespace KNValueText

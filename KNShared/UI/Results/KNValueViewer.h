@@ -10,21 +10,21 @@ class QComboBox;
 class QLabel;
 class QsciScintilla;
 
-/// Shows one value whole, or the first part of a huge one, as text, indented JSON or XML, or hexadecimal, and
-/// saves it to a file. Deletes itself when it is closed. On the UI thread.
+/// Shows one value, or the first part of a huge one, as text, indented JSON or XML, or hexadecimal, and saves
+/// it to a file. Deletes itself when closed. On the UI thread.
 class KNSHAREDUI_EXPORT KNValueViewer : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Bytes of a value that are shown at most; the rest can be saved.
+    /// The maximum number of bytes shown; the whole value can be saved.
     static constexpr qsizetype LargestShown = 1024 * 1024;
 
-    /// A value of the result set, whose row counts as it is stored.
+    /// Shows a value of the result set; `storedRow` is the stored row number.
     KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow, qsizetype column,
                   const QString &typeName, QWidget *parent);
 
-    /// What is shown.
+    /// The displayed text.
     QString text() const;
     QString remark() const;
     /// Whether the value is being prepared.
@@ -45,10 +45,10 @@ private:
     const KNDatabaseResultSetPtr m_result;
     const qsizetype m_row;
     const qsizetype m_column;
-    KNValue m_value; ///< what is shown of it
+    KNValue m_value; ///< the displayed part
     qsizetype m_byteCount = 0;
     bool m_isLoading = false;
-    int m_generation = 0; ///< of the form that was asked for last
+    int m_generation = 0; ///< of the form requested last
     QComboBox *m_forms;
     QLabel *m_remark;
     QsciScintilla *m_editor;

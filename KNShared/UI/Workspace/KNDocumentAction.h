@@ -1,6 +1,6 @@
 #pragma once
 
-/// The actions of a window's menus that work on the document in front.
+/// Menu actions of a window that apply to its current document.
 enum class KNDocumentAction {
     Execute,
     ExecuteBatch, ///< the batch at the cursor
@@ -15,9 +15,9 @@ enum class KNDocumentAction {
     CommentLines,
     UncommentLines,
     GoToLine,
-    ChangeDatabase, ///< lets the user choose one
+    ChangeDatabase, ///< asks the user for a database
     ToggleResults,  ///< shows or hides the results
-    ShowNextPane,   ///< moves the focus
+    ShowNextPane,   ///< moves the keyboard focus
     ZoomIn,
     ZoomOut,
     ResetZoom,

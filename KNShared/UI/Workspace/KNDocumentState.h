@@ -3,11 +3,11 @@
 #include <QJsonObject>
 #include <QString>
 
-/// What is kept of a document between sessions of the program.
+/// The saved state of a document, kept between sessions of the program.
 struct KNDocumentState
 {
     QString id;          ///< identifies the document while it exists; not empty
-    QString kind;        ///< selects who restores the document, such as "query"
+    QString kind;        ///< selects the component that restores the document, such as "query"
     QJsonObject content; ///< belongs to the kind; the keys "id", "kind" and "position" are reserved
 
     friend bool operator==(const KNDocumentState &, const KNDocumentState &) = default;

@@ -32,26 +32,26 @@ public:
     /// The settings with which a new query beside this document begins.
     virtual std::shared_ptr<const VantorDBC> databaseConnectionDetails() const = 0;
     virtual KNDocumentStatus status() const;
-    /// Whether something would be lost with the document. The tab then shows a mark.
+    /// Whether closing the document loses changes. The tab then shows a mark.
     virtual bool isModified() const;
-    /// Whether the document is as it was created, so that an opened file may take its place.
+    /// Whether the document is unchanged since its creation, so that an opened file may replace it.
     virtual bool isUnused() const;
 
-    /// Asks the user what must be answered before the document may be closed. `proceed` is called at once or
-    /// later if it may be closed; it is not called if the user cancels.
+    /// Asks the user everything necessary before the document closes. `proceed` is called, immediately or
+    /// later, if it may close; it is not called if the user cancels.
     virtual void prepareToClose(std::function<void()> proceed);
     /// The same before the whole window closes. A document that is restored at the next start need not ask
     /// about unsaved content. Calls prepareToClose() by default.
     virtual void prepareToEndSession(std::function<void()> proceed);
-    /// What is needed to restore the document at the next start or after a crash; empty, the default, for a
+    /// The state to restore the document at the next start or after a crash; empty, the default, for a
     /// document that is not restored. The id never changes.
     virtual std::optional<KNDocumentState> savedState() const;
 
-    /// Whether the action is possible now. No action is possible by default.
+    /// Whether the action is currently possible. False for all actions by default.
     virtual bool canPerform(KNDocumentAction action) const;
     /// Performs an action that canPerform() allows.
     virtual void perform(KNDocumentAction action);
-    /// Inserts a text at the cursor; false, the default, for a document that takes no text.
+    /// Inserts a text at the cursor; false, the default, for documents that do not accept text.
     virtual bool insertText(const QString &text);
 
 Q_SIGNALS:

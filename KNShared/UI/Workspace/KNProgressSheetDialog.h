@@ -10,7 +10,7 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-/// The widgets of a KNProgressSheet. It closes by its owner alone.
+/// The widgets of a KNProgressSheet. Only its owner closes it.
 class KNProgressSheetDialog : public QDialog
 {
     Q_OBJECT
@@ -29,5 +29,5 @@ private:
     QLabel *const m_label;
     QProgressBar *const m_bar;
     QPushButton *const m_cancel;
-    std::function<void()> m_cancelBlock; ///< empty once it was called
+    std::function<void()> m_cancelBlock; ///< empty once called
 };

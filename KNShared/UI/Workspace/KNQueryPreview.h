@@ -10,8 +10,8 @@
 
 class QWidget;
 
-/// Shows the statements of a change and runs them if the user accepts. This class loads and runs; how that is
-/// shown is up to a derived class. On the UI thread.
+/// Shows the statements of a change and runs them if the user accepts. This class loads and runs; derived
+/// classes display. On the UI thread.
 class KNSHAREDUI_EXPORT KNQueryPreview : public QObject
 {
     Q_OBJECT
@@ -27,32 +27,32 @@ public:
         QString progressTitle; ///< shown while the statements run
     };
 
-    /// A new preview that runs statements with a copy of these settings. It belongs to the parent, whose
-    /// window gets the sheet, and deletes itself when the sheet has ended.
+    /// Creates a preview that runs statements with a copy of these settings. The parent owns it, and its
+    /// window shows the sheet; the preview deletes itself when the sheet ends.
     static KNQueryPreview *createQueryPreviewViewContoller(QWidget *parent, const VantorDBC &details);
-    /// Replaces what createQueryPreviewViewContoller() returns; empty restores the real preview.
+    /// Replaces the objects that createQueryPreviewViewContoller() returns; empty restores the real preview.
     static void setFactory(Factory factory);
 
     ~KNQueryPreview() override;
 
     void setTitle(const QString &title, const QString &information, const QString &acceptTitle,
                   const QString &progressTitle);
-    /// The source of the statements. Notices and a pair of its report become a caution; a text that is
-    /// incomplete is shown but cannot be accepted.
+    /// Sets the source of the statements. Notices and the pair of its report become a caution; an incomplete
+    /// text is shown but cannot be accepted.
     void setQueryLoader(const KNQueryLoaderPtr &loader) { m_loader = loader; }
-    /// Whether the statements run in one transaction; they do not by default.
+    /// Sets whether the statements run in one transaction; false by default.
     void setUseTransaction(bool useTransaction) { m_usesTransaction = useTransaction; }
-    /// Whether the user may change the statements; not by default.
+    /// Sets whether the user may edit the statements; false by default.
     void setEditable(bool editable) { m_isEditable = editable; }
-    /// The domain of errors; those of the client by default.
+    /// Sets the domain of errors; that of the client by default.
     void setErrorDomain(const QString &domain) { m_errorDomain = domain; }
-    /// Called with each error of a run, whose user info holds the failing statement under "Query". The sheet
-    /// shows the error in any case and stays open.
+    /// Called with each error of a run, whose user info contains the failing statement under "Query". The
+    /// sheet shows the error in any case and stays open.
     void setReportErrorBlock(std::function<void(const KNError &error)> report);
 
-    /// Shows the sheet and starts loading. `ended` is called once it is closed, with what it has changed on
-    /// the server: everything if the statements have run, mostly nothing otherwise. It is not called when the
-    /// parent is destroyed before.
+    /// Shows the sheet and starts loading. `ended` is called once it is closed, with the changes it made on
+    /// the server: All if the statements ran, mostly None otherwise. It is not called if the parent is
+    /// destroyed before.
     void beginSheet(std::function<void(Changes changes)> ended);
 
     const Titles &titles() const { return m_titles; }
@@ -65,19 +65,19 @@ protected:
 
     const VantorDBC &databaseConnectionDetails() const { return *m_details; }
 
-    /// Runs these statements: the user has accepted.
+    /// Runs the statements that the user accepted.
     void accept(const QString &statements);
-    /// Stops the statements while they run, or else ends the sheet.
+    /// Stops the running statements, or ends the sheet if none run.
     void cancel();
 
     virtual void showSheet() = 0;
     virtual void closeSheet() = 0;
-    /// The text is there. Null if there is none; the report says why.
+    /// Called when the text is loaded. Null if there is none; the report contains the reason.
     virtual void showStatements(const QString &text, const KNQueryReport &report) = 0;
-    /// The statements have begun to run, or ended without success.
+    /// Called when the statements begin to run or end without success.
     virtual void showRunning(bool isRunning) = 0;
     virtual void showProgress(int done, int total) = 0;
-    /// The statements have failed or were cancelled.
+    /// Called when the statements failed or were cancelled.
     virtual void showOutcome(const KNStatementOutcome &outcome) = 0;
 
 private:

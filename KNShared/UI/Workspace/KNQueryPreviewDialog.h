@@ -13,7 +13,7 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-/// The widgets of a query preview. It closes by its owner alone.
+/// The widgets of a query preview. Only its owner closes it.
 class KNSHAREDUI_EXPORT KNQueryPreviewDialog : public QDialog
 {
     Q_OBJECT
@@ -31,8 +31,7 @@ public:
     void showCaution(const QStringList &sentences, const QString &correctedText);
     void showRunning(bool isRunning, const QString &progressTitle);
     void showProgress(int done, int total);
-    /// Shows why the statements have failed, and marks the failing line (from 1), or the range if the line is
-    /// 0.
+    /// Shows why the statements failed, and marks the failing line (from 1), or the range if the line is 0.
     void showFailure(const QString &text, const KNRange &range, quint64 line);
 
     /// Requests to cancel.
@@ -58,9 +57,9 @@ private:
     QProgressBar *const m_progress;
     QPushButton *const m_cancel;
     QPushButton *const m_accept;
-    QStringList m_notices; ///< of the caution, also of a corrected text
+    QStringList m_notices; ///< of the caution, also for a corrected text
     QString m_correctedText;
     bool m_isEditable = false;
-    bool m_isAcceptable = false; ///< the statements are there and complete
+    bool m_isAcceptable = false; ///< the statements are loaded and complete
     bool m_isRunning = false;
 };

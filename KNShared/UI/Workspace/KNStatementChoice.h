@@ -7,8 +7,8 @@
 
 class QWidget;
 
-/// For an action without a preview: calls `use` with the preferred statement of a pair, after asking the user
-/// where that is the exact one and it differs from the corrected one. `use` is not called if the user cancels
-/// or the parent is destroyed before. On the UI thread.
+/// For an action without a preview: calls `use` with the preferred statement of a pair. Asks the user first
+/// if that is the exact one and it differs from the corrected one. `use` is not called if the user cancels or
+/// the parent is destroyed before. On the UI thread.
 KNSHAREDUI_EXPORT void KNChooseStatement(QWidget *parent, const KNStatementPair &pair, bool prefersCorrected,
                                          const std::function<void(const QString &statement)> &use);

@@ -12,7 +12,7 @@
 class KNDocumentTab;
 class QWidget;
 
-/// The window of one connection, as the actions of its object tree and its documents see it. On the UI
+/// The window of one connection, as used by the actions of its object tree and its documents. On the UI
 /// thread.
 class KNSHAREDUI_EXPORT KNWorkspace
 {
@@ -31,19 +31,18 @@ public:
     KNWorkspace(const KNWorkspace &) = delete;
     KNWorkspace &operator=(const KNWorkspace &) = delete;
 
-    /// A pointer for callbacks that may outlive the workspace. It does not own.
+    /// A non-owning pointer for callbacks that may outlive the workspace.
     std::weak_ptr<KNWorkspace> weakPointer() const { return m_self; }
 
     /// The settings of the window's connection.
     virtual const Settings &databaseConnectionDetails() const = 0;
 
-    /// Opens a query with this text in front; null for an empty one. `details` decides in which database it
-    /// begins.
+    /// Opens a query with this text in front; null for an empty one. `details` contains the initial database.
     virtual void openQueryText(const QString &text, const Settings &details, QueryUse use) = 0;
-    /// Opens a query with the loader's text once that is there, at once for a loader that knows it. Shows a
-    /// text that is incomplete or has notices without running it. Shows an error if there is no text.
+    /// Opens a query with the loader's text when it is loaded, immediately for a loader with a fixed text.
+    /// Shows a text that is incomplete or has notices without running it. Shows an error if there is no text.
     void openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use);
-    /// Shows why a loader has no text.
+    /// Shows the reason why a loader has no text.
     void showLoadFailure(const KNQueryReport &report);
 
     /// Adds a document and shows it in front.
@@ -58,15 +57,15 @@ public:
     /// The parent of sheets and alerts.
     virtual QWidget *sheetParent() = 0;
 
-    /// Null if no entry of the tree is selected.
+    /// The selected entry of the tree; null if none.
     virtual TreeEntry selectedTreeEntry() const = 0;
     /// The settings of the selected entry, or those of the window's connection.
     Settings selectedSettings() const;
-    /// Loads the entry's children again; those of its parent if it has none.
+    /// Reloads the entry's children, or those of its parent if it has none.
     virtual void refreshTreeEntry(const TreeEntry &entry) = 0;
     virtual void deselectTree() = 0;
 
-    /// Reports a success that the user may have stopped waiting for, as a notification of the desktop.
+    /// Reports a success that the user may no longer be waiting for, as a desktop notification.
     virtual void notifyUser(const QString &title, const QString &text) = 0;
 
 private:
