@@ -22,8 +22,8 @@ KNError problem(Problem code, const QString &description)
     return KNError(QStringLiteral("com.quorvex.vantor.connector"), static_cast<int>(code), description);
 }
 
-/// Whether the file is a library whose end is there: the system would map one that was cut short, and the
-/// program would end at the first page that is missing.
+/// Whether the file is a complete library. The system would map a truncated one, and the program would crash
+/// at the first missing page.
 bool isWholeLibrary(const QString &path)
 {
     QFile file(path);
@@ -37,7 +37,7 @@ bool isWholeLibrary(const QString &path)
     return header.e_shoff <= size && sectionTable <= size - header.e_shoff;
 }
 
-/// What keeps the file from being a library at all; unset when nothing does.
+/// Checks that the file is a library; the error is not set if it is.
 KNError checkFile(const QString &path)
 {
     if (!QFileInfo::exists(path))
@@ -47,7 +47,7 @@ KNError checkFile(const QString &path)
     return {};
 }
 
-/// What keeps the module from being a connector by its metadata, which is read without loading it.
+/// Checks the module's metadata, without loading the module; the error is not set if they are valid.
 KNError checkMetadata(const QString &path, const QPluginLoader &loader)
 {
     const QJsonObject plugin = loader.metaData();
@@ -74,7 +74,7 @@ KNError checkMetadata(const QString &path, const QPluginLoader &loader)
     return {};
 }
 
-/// The root object, made by the module's own code.
+/// Creates the root object, which runs code of the module.
 QObject *makeRootObject(QPluginLoader *loader, const QString &path, KNError *error)
 {
     const auto failed = [&](const QString &reason) {
@@ -104,7 +104,7 @@ KNConnectorPlugin *KNConnectorLoader::load(const QString &path, KNError *error)
     if (*error)
         return nullptr;
 
-    // All symbols at once: one that is missing must show now and not end the program later.
+    // Resolve all symbols at once: a missing one must fail now, not end the program later.
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!loader.load()) {
         *error = problem(Problem::CannotBeLinked,

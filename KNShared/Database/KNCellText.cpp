@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t LongestNumber = 48; ///< of an integer or a decimal of 38 digits
+constexpr std::size_t LongestNumber = 48; ///< an integer or a decimal of 38 digits
 
 template <typename Integer>
 void appendInteger(KNByteBuffer &to, Integer number)
@@ -24,7 +24,7 @@ void appendFloat(KNByteBuffer &to, Float number)
     to.advanceTo(KNWriteFloat(to.reserve(KNLongestFloatText), number));
 }
 
-/// A magnitude divided by 10^scale, with exactly `scale` digits after the point.
+/// Appends a magnitude divided by 10^scale, with exactly `scale` digits after the decimal point.
 void appendScaled(KNByteBuffer &to, quint64 magnitude, bool negative, int scale)
 {
     char digits[20];

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// The lock of a result set. Many share one, because a mutex of its own would cost a third of a small result
-/// set. No operation holds two of them.
+/// Returns the lock of a result set. Many result sets share a lock, because a separate mutex would take a
+/// third of the memory of a small one. No operation holds two locks.
 std::mutex &lockOf(const KNDatabaseResultSet *resultSet)
 {
     static std::array<std::mutex, 64> locks;

@@ -55,7 +55,7 @@ void KNResultSetHolder::remove(const KNDatabaseResultSetPtr &resultSet)
 {
     {
         const std::lock_guard lock(m_mutex);
-        // It is nearly always the last one.
+        // Search from the end: it is nearly always the last entry.
         const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
                                         [&](const Entry &entry) { return entry.resultSet == resultSet; });
         if (found != m_entries.rend())

@@ -56,7 +56,7 @@ QByteArray bytesOf(const unsigned char *data, std::size_t length)
     return QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(length));
 }
 
-/// "2020-01-02 05:04:05:1234567 +02:00": connectors' code expects the fraction behind a colon, "000" for none
+/// "2020-01-02 05:04:05:1234567 +02:00": connectors expect a colon before the fraction, "000" for no fraction
 /// and for the first second of a day in UTC, and a minus sign from an hour on.
 QString offsetDateText(const KNDateTime &date)
 {
@@ -201,7 +201,7 @@ KNRowCell KNRowCell::limitedTo(std::size_t limit) const
     KNRowCell cut = *this;
     if ((tag == Text || tag == Bytes || tag == FlagBytes) && length > limit) {
         cut.length = limit;
-        // A byte of the form 10xxxxxx continues a character.
+        // A byte of the form 10xxxxxx continues a UTF-8 character.
         while (tag == Text && cut.length > 0 && (data[cut.length] & 0xC0) == 0x80)
             --cut.length;
     }

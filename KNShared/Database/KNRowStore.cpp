@@ -24,7 +24,7 @@ std::size_t writeVarint(unsigned char *place, std::size_t number)
 
 } // namespace
 
-/// A piece of memory: cells of rows from the front, the offset of each row from the back.
+/// A memory block: cells of rows from the front, the offset of each row from the back.
 struct KNRowStore::Block
 {
     Block(qsizetype first, std::size_t size)
@@ -51,7 +51,7 @@ struct KNRowStore::Block
     qsizetype firstRow;
     std::size_t capacity;
     unsigned char *bytes;
-    qsizetype rows = 0; ///< rows ended in this block; writing thread only
+    qsizetype rows = 0; ///< finished rows in this block; writing thread only
 };
 
 KNRowStore::KNRowStore() = default;
@@ -150,8 +150,8 @@ void KNRowStore::endRow()
     ++m_writing->rows;
     ++m_endedRows;
     m_rowStart = m_cursor;
-    // The next row's slot comes off the room for cells. When none is left, the limit lies before the cursor
-    // and the next cell opens a block.
+    // The slot of the next row reduces the memory for cells. If none is left, the limit lies before the
+    // cursor and the next cell opens a block.
     m_limit -= SlotSize;
 }
 

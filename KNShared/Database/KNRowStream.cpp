@@ -8,14 +8,14 @@
 
 namespace {
 
-constexpr qsizetype ReadAhead = 5000; ///< rows that the worker may be ahead
+constexpr qsizetype ReadAhead = 5000; ///< rows that the worker may be ahead of the reader
 constexpr std::chrono::milliseconds Patience(50);
 
-/// Waits for the first result that has columns; null when the run ends without one.
+/// Waits for the first result with columns; null if the run ends without one.
 KNDatabaseResultSetPtr firstRows(const KNResultSetHolder &holder, const std::atomic<bool> &done)
 {
     for (KNResultSetHolder::Position seen = 0;;) {
-        // Read before looking for results: all results are in the holder before it turns true.
+        // Read before looking for results: all results are in the holder before `done` becomes true.
         const bool wasDone = done;
         const auto resultSets = holder.newResultSets(&seen);
         for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
@@ -28,7 +28,7 @@ KNDatabaseResultSetPtr firstRows(const KNResultSetHolder &holder, const std::ato
     }
 }
 
-/// Passes the rows of the first result on while a worker fills it, and waits until that is done.
+/// Passes on the rows of the first result while a worker fills it, and waits until the worker is done.
 void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
            const std::function<void(const KNRow &row)> &eachRow)
 {
@@ -38,7 +38,7 @@ void drain(const KNResultSetHolder &holder, const std::atomic<bool> &done,
     KNRowStore &rows = resultSet->rows();
     qsizetype next = 0;
     for (;;) {
-        // Read before looking for rows: whatever comes later comes before it turns true.
+        // Read before looking for rows: all rows are in the store before `done` becomes true.
         const bool wasDone = done;
         if (rows.waitForMoreThan(next, wasDone ? std::chrono::milliseconds(0) : Patience)) {
             for (const qsizetype end = rows.rowCount(); next < end; ++next)

@@ -25,7 +25,7 @@ QList<KNQueryDetails> batchesOf(const QString &script, const VantorDBC &details)
     return splitter->doSplitQuery(script);
 }
 
-/// The line in the script of the first message of a failure that is not inside of a procedure; 0 if there is
+/// Returns the script line of the first failure message that does not come from a procedure; 0 if there is
 /// none.
 quint64 failedLineIn(const KNResultSetHolder &results)
 {
@@ -43,7 +43,7 @@ quint64 failedLineIn(const KNResultSetHolder &results)
 
 } // namespace
 
-/// Shared by the worker and those who cancel. It outlives the run.
+/// State shared by the worker and the cancelling threads. It outlives the run.
 struct KNStatementRun::Work
 {
     enum class Phase { Waiting, Running, Ending };
@@ -59,7 +59,7 @@ struct KNStatementRun::Work
     std::atomic<int> total = 0;
 
     std::mutex cancelling; ///< held during a cancel, which must not reach a rollback
-    std::mutex mutex;      ///< guards the next three
+    std::mutex mutex;      ///< guards the next three members
     Phase phase = Phase::Waiting;
     bool isCancelled = false;
     VantorDatabaseClient *client = nullptr; ///< while it runs batches
@@ -89,7 +89,7 @@ KNStatementOutcome KNStatementRun::Work::perform(const VantorDBC &details)
             *failure = outcome.error;
         },
         details, &error);
-    if (error && !outcome.error) { // there was no connection
+    if (error && !outcome.error) { // no connection could be opened
         outcome.error = error;
         outcome.error = mapped(outcome);
     }
@@ -123,13 +123,13 @@ KNStatementOutcome KNStatementRun::Work::perform(VantorDatabaseClient &running)
         endRunning();
     }
     if (outcome.wasCancelled)
-        outcome.error.clear(); // it says that the user has cancelled
+        outcome.error.clear(); // it reports the user's cancellation
     if (outcome.error)
         outcome.error = mapped(outcome);
     return outcome;
 }
 
-/// False if the run was cancelled before.
+/// Returns false if the run was cancelled before.
 bool KNStatementRun::Work::beginRunning(VantorDatabaseClient &running)
 {
     const std::lock_guard lock(mutex);
@@ -140,7 +140,7 @@ bool KNStatementRun::Work::beginRunning(VantorDatabaseClient &running)
     return true;
 }
 
-/// Waits for a cancel under way and prevents later ones; whether there was a cancel.
+/// Waits for a cancellation in progress and prevents later ones. Returns whether the run was cancelled.
 bool KNStatementRun::Work::endRunning()
 {
     {
@@ -154,7 +154,7 @@ bool KNStatementRun::Work::endRunning()
     return isCancelled;
 }
 
-/// A cancel that comes just before the client has begun stops nothing, so it is repeated.
+/// Repeats the cancellation, because one that comes just before the client has begun has no effect.
 void KNStatementRun::Work::cancelUntilEnding()
 {
     for (;;) {
@@ -198,7 +198,7 @@ bool KNStatementRun::Work::runBatch(const KNQueryDetails &batch, VantorDatabaseC
                                     KNStatementOutcome *outcome)
 {
     KNResultSetHolder results;
-    results.setRowLimit(1); // rows are of no interest
+    results.setRowLimit(1); // the rows are not used
     running.executeQueryDetails({batch}, results, {}, &outcome->error);
     if (!outcome->error)
         outcome->error = results.failure();
@@ -222,8 +222,8 @@ void KNStatementRun::Work::commit(VantorDatabaseClient &running, KNStatementOutc
         outcome->changes = Changes::Unknown;
 }
 
-/// A server rolls back by itself when a connection is lost, and after some errors. A script may also have
-/// ended the transaction itself.
+/// A server rolls back itself when a connection is lost and after some errors. A script may also have ended
+/// the transaction itself.
 void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
 {
     outcome->changes = Changes::None;
@@ -273,7 +273,7 @@ KNStatementRun::Ptr KNStatementRun::start(KNStatementRequest request, const Vant
     const auto work = std::make_shared<Work>(std::move(request));
     auto run = std::make_shared<KNStatementRun>(work, owner, std::move(finished), std::move(progress));
     VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(details);
-    // The run ends on the main thread: the worker gives its reference away.
+    // The run is destroyed on the main thread, so the worker passes its reference on.
     KNDispatch::globalQueue([self = run, work, copy = details.copy()]() mutable {
         const KNStatementOutcome outcome = work->perform(*copy);
         KNDispatch::mainQueue([ended = std::move(self), outcome] { ended->deliver(outcome); });

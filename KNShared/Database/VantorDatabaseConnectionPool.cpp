@@ -10,21 +10,21 @@
 
 namespace {
 
-/// A client that was idle for less than this is not asked whether it still works: its socket would know.
+/// Clients idle for less than this are not probed: the socket state would show a lost connection.
 constexpr std::chrono::seconds TrustedIdleTime(1);
 
 } // namespace
 
-/// A login of an account that has not logged in yet.
+/// A login in progress of an account that has not logged in yet.
 struct VantorDatabaseConnectionPool::FirstLogin
 {
-    const VantorDBC &details; ///< valid until it is over
+    const VantorDBC &details; ///< valid until isOver
     bool isOver = false;      ///< guarded by the pool's mutex, as the rest
     KNError error = {};
 };
 
-/// Lets the first logins of an account through one by one: the others learn from it whether the password is
-/// right and the server answers.
+/// Serialises the first logins of an account: later ones learn from the first whether the password is correct
+/// and the server answers.
 class VantorDatabaseConnectionPool::LoginTurn
 {
 public:
@@ -64,20 +64,20 @@ public:
     LoginTurn(const LoginTurn &) = delete;
     LoginTurn &operator=(const LoginTurn &) = delete;
 
-    /// Of the login that was waited for, when another one would end as it did.
+    /// The error of the login waited for, if another login would fail in the same way.
     const KNError &error() const { return m_error; }
-    /// How this login has failed.
+    /// Records the failure of this login.
     void setError(const KNError &error) { m_error = error; }
 
 private:
     VantorDatabaseConnectionPool &m_pool;
-    std::shared_ptr<FirstLogin> m_own; ///< null when no thread waits for this login
+    std::shared_ptr<FirstLogin> m_own; ///< null if no thread waits for this login
     KNError m_error;
 };
 
 VantorDatabaseConnectionPool *VantorDatabaseConnectionPool::sharedInstance()
 {
-    // Never destroyed: work of the global queue may outlive main().
+    // Never destroyed: tasks of the global queue may outlive main().
     static auto *const pool = [] {
         qAddPostRoutine([] { sharedInstance()->end(); });
         return new VantorDatabaseConnectionPool;
@@ -113,7 +113,7 @@ bool VantorDatabaseConnectionPool::executeQuery(const Work &work, const VantorDB
             break;
         }
         client.reset();
-        // What killed this one has most likely killed its like.
+        // Other idle connections to the same server have most likely failed, too.
         dropIdle(withConnectionDetails);
         if (isLastAttempt || !failure)
             break;
@@ -178,7 +178,7 @@ VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, 
     if (!isConnected && VantorLoginProblemOf(*error) == VantorLoginProblem::Unknown) {
         hints.isUnreliable = true;
         if (isInformed) {
-            // The same login has succeeded before, so the hints do not hold any more.
+            // The same login succeeded before, so the hints are no longer valid.
             const VantorDBCPtr uninformed = details.copy();
             uninformed->setConnectedWithDetails({});
             client = uninformed->createNewClient();
@@ -220,14 +220,14 @@ void VantorDatabaseConnectionPool::rememberRefusal(const VantorDBC &details, con
     m_refusals.push_back({details.copy(), error});
     if (problem != VantorLoginProblem::LoginRefused)
         return;
-    // The password has changed since: the next logins wait for each other again.
+    // The password has changed since: serialise the next logins again.
     for (LoginHints &hints : m_loginHints) {
         if (hints.details->usesSameLogin(details))
             hints.settings = nullptr;
     }
 }
 
-/// Whether the account has logged in before. The mutex must be held.
+/// Whether the account has logged in before. The caller must hold the mutex.
 bool VantorDatabaseConnectionPool::hasLoggedIn(const VantorDBC &details) const
 {
     return std::any_of(m_loginHints.begin(), m_loginHints.end(), [&](const LoginHints &hints) {
@@ -243,7 +243,7 @@ std::size_t VantorDatabaseConnectionPool::idleCount() const
 
 void VantorDatabaseConnectionPool::closeIdleClients()
 {
-    std::vector<VantorIdleClients::Entry> closing; // outside the lock: closing talks to the server
+    std::vector<VantorIdleClients::Entry> closing; // destroyed without the lock: closing accesses the server
     const std::lock_guard lock(m_mutex);
     closing = m_idle.takeAll();
 }
@@ -260,7 +260,7 @@ void VantorDatabaseConnectionPool::end()
     closeIdleClients();
 }
 
-/// An idle client that still works, or a new one.
+/// Returns an idle client that still works, or a new one.
 VantorDatabaseConnectionPool::Client VantorDatabaseConnectionPool::borrow(const VantorDBC &details,
                                                                           KNError *error)
 {
@@ -325,7 +325,7 @@ void VantorDatabaseConnectionPool::remember(const LoginHints &hints)
     m_loginHints.push_back(hints);
 }
 
-/// Closes expired idle clients until the pool ends.
+/// Thread function of the reaper: closes expired idle clients until the pool ends.
 void VantorDatabaseConnectionPool::closeExpired()
 {
     std::unique_lock lock(m_mutex);

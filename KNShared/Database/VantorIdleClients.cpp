@@ -28,7 +28,7 @@ std::vector<VantorIdleClients::Entry> VantorIdleClients::takeSurplus(std::size_t
                                                                      std::size_t maximum)
 {
     auto surplus = takeIf([&](const Entry &entry) {
-        // Those behind this one were used later.
+        // Entries behind this one were used later.
         const auto later = std::count_if(m_entries.begin(), m_entries.end(), [&](const Entry &other) {
             return &other > &entry && other.details->opensSameSession(*entry.details);
         });

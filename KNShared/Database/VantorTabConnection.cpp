@@ -36,7 +36,7 @@ bool VantorTabConnection::executeQuery(const VantorDatabaseConnectionPool::Work 
     return succeeded;
 }
 
-/// The session's client, or one of a new session; null with an error.
+/// Returns the session's client, or one of a new session; null with an error.
 std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNError *error)
 {
     if (const auto client = this->client()) {
@@ -49,7 +49,7 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
         }
     }
     const VantorDBCPtr details = connectionDetails();
-    m_pool.forgetRefusals(*details); // each run is the user's wish
+    m_pool.forgetRefusals(*details); // each run is a retry that the user requested
     const std::shared_ptr<VantorDatabaseClient> client =
         m_pool.connectedClient(*details, error, [this](VantorDatabaseClient *connecting) {
             const std::lock_guard lock(m_connectingMutex);
@@ -105,7 +105,7 @@ bool VantorTabConnection::hasSessionState() const
     return !losses().isEmpty();
 }
 
-/// The parts of the session's state, in words for the user.
+/// Describes the parts of the session's state to the user.
 QStringList VantorTabConnection::losses() const
 {
     const std::lock_guard lock(m_mutex);

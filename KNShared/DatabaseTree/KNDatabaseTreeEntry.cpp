@@ -64,7 +64,7 @@ KNDatabaseTreeEntry::Children KNDatabaseTreeEntry::childEntries() const
 
 void KNDatabaseTreeEntry::setChildEntries(Children children)
 {
-    // What was there ends outside of the lock: it may be the last owner of many entries.
+    // The old children are destroyed outside of the lock: the list may be the last owner of many entries.
     const std::lock_guard lock(m_mutex);
     m_children.swap(children);
 }

@@ -19,14 +19,14 @@ bool KNDatabaseTreeLoadingEntry::loadEntriesAsync(bool force)
 {
     if (!m_canRefresh || (!force && childEntries()))
         return false;
-    // The user wants to try again, also with a login that was refused.
+    // The user retries explicitly, even with a login that was refused.
     if (const auto &details = databaseConnectionDetails(); force && details)
         VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(*details);
     if (force && m_protocol.clearsFirst)
         setChildEntries(nullptr);
     if (!m_dataLoadSemaphore.tryWait())
         return true;
-    // Another load may have come to its end between the two looks.
+    // Another load may have finished between the two checks.
     if (!force && childEntries()) {
         m_dataLoadSemaphore.signal();
         return false;
@@ -51,7 +51,7 @@ KNDatabaseTreeEntry::Children KNDatabaseTreeLoadingEntry::load()
     try {
         loaded = loadEntries(&error);
     } catch (const KNAssertionFailure &failure) {
-        // Otherwise the entry would be busy for ever.
+        // Otherwise the entry would stay busy forever.
         error = KNError(QStringLiteral("com.quorvex.vantor.databaseTree"), 0, failure.message());
     }
     Children children = loaded ? std::make_shared<const List>(std::move(*loaded)) : childEntries();

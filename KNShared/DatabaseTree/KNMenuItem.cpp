@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Whether the object was meant to be an entry or a script, of which there is none.
+/// Whether the object is a null entry or script.
 bool isMissing(const KNMenuRepresentedObject &object)
 {
     const auto *const entry = std::get_if<std::shared_ptr<KNDatabaseTreeEntry>>(&object);
