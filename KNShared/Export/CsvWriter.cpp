@@ -20,8 +20,8 @@ bool isBlank(QByteArrayView character)
     return QString::fromUtf8(character).front().isSpace();
 }
 
-/// Whether the text begins or ends with a blank. Characters beyond ASCII are decoded only when their first
-/// byte is that of a blank one.
+/// Whether the text begins or ends with a blank. Non-ASCII characters are decoded only if their first byte
+/// may begin a blank.
 bool hasOuterBlank(QByteArrayView text)
 {
     const auto mayBeBlank = [](char first) {

@@ -21,7 +21,7 @@ void DeviceWriter::flush()
     if (m_good && size > 0)
         m_good = m_device.write(m_pending.data(), size) == size;
     m_pending.clear();
-    // A file device buffers as well.
+    // A file device has its own buffer.
     if (auto *file = qobject_cast<QFileDevice *>(&m_device); file && m_good)
         m_good = file->flush();
 }

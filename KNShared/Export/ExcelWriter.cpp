@@ -13,12 +13,12 @@ namespace {
 
 constexpr qint64 TicksOfMillisecond = KNDateTime::TicksPerSecond / 1000;
 constexpr qint64 TicksOfDay = KNDateTime::TicksPerSecond * 24 * 60 * 60;
-constexpr double SerialOf1900 = 2;    // what the format calls 1900-01-01, but for a leap day that never was
-constexpr qint64 FirstDay = 59;       // 1900-03-01, from which on its days are right
-constexpr qsizetype ExactDigits = 15; // decimal digits that a cell's double surely keeps
-constexpr int WrittenDigits = 16;     // that the library writes of a double
+constexpr double SerialOf1900 = 2;    // the format's number for 1900-01-01, without its non-existent leap day
+constexpr qint64 FirstDay = 59;       // 1900-03-01, the first day that the format numbers correctly
+constexpr qsizetype ExactDigits = 15; // decimal digits that the double of a cell keeps exactly
+constexpr int WrittenDigits = 16;     // digits of a double that the library writes
 
-/// The digits of a number in plain notation, without its leading and trailing zeros.
+/// Counts the digits of a number in plain notation, without leading and trailing zeros.
 qsizetype significantDigits(const QString &number)
 {
     QString digits;
@@ -93,7 +93,7 @@ void ExcelWriter::endRun()
 {
     if (!m_workbook)
         return;
-    // The library packs its temporary files without asking whether they could be written.
+    // The library packs its temporary files without checking that they were written.
     qint64 needed = 0;
     for (lxw_worksheet *sheet = m_workbook->worksheets ? m_workbook->worksheets->stqh_first : nullptr; sheet;
          sheet = sheet->list_pointers.stqe_next) {
@@ -191,11 +191,11 @@ void ExcelWriter::writeText(quint16 column, const QString &text, lxw_format *for
     check(worksheet_write_string(m_sheet, m_row, column, fitting.toUtf8().constData(), format));
 }
 
-/// False, and nothing is written, for a date that a cell cannot hold exactly.
+/// Returns false and writes nothing if a cell cannot hold the date exactly.
 bool ExcelWriter::writeDate(quint16 column, const KNDateTime &date)
 {
     const bool isTime = date.parts == KNDateTime::Parts::Time;
-    // A cell's date has no offset, and its longest time of day ends before 24:00.
+    // A cell's date has no offset, and its time of day must be before 24:00.
     if (date.offsetMinutes != KNDateTime::NoOffset || (isTime && date.ticks >= TicksOfDay))
         return false;
     if (date.ticks % TicksOfMillisecond != 0 || date.ticks < (isTime ? 0 : FirstDay * TicksOfDay))
@@ -208,7 +208,7 @@ bool ExcelWriter::writeDate(quint16 column, const KNDateTime &date)
     return true;
 }
 
-/// False, and nothing is written, for a number of which a cell would lose digits.
+/// Returns false and writes nothing if a cell would lose digits of the number.
 bool ExcelWriter::writeNumber(quint16 column, const KNValue &value)
 {
     const QString text = value.displayText();

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Character behind the backslash that escapes a byte: itself, a letter, or 'u' for \u00xx; 0 when it needs
-/// none.
+/// The character after the backslash that escapes a byte: itself, a letter, or 'u' for \u00xx; 0 for bytes
+/// that need no escape.
 constexpr auto JsonEscapes = [] {
     std::array<char, 256> escapes = {};
     for (std::size_t byte = 0; byte < 0x20; ++byte)

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Keeps the one value that it is given.
+/// Stores the single value written to it.
 class SingleValue : public ResultWriter
 {
 public:

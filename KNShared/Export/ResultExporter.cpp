@@ -18,7 +18,7 @@ KNError exportError(const QString &text)
     return KNError(QStringLiteral("com.quorvex.vantor.export"), 0, text);
 }
 
-/// A file for the rows while they are written; it is gone in the end unless it has taken its place.
+/// A temporary file for the rows; deleted unless it has replaced the target.
 class UnfinishedFile
 {
 public:
@@ -35,7 +35,7 @@ public:
     }
     bool open() { return m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered); }
     QFile &file() { return m_file; }
-    /// Whether it took the target's place.
+    /// Replaces the target; false on failure.
     bool commit()
     {
         m_file.close();
@@ -50,7 +50,7 @@ private:
     QFile m_file;
 };
 
-/// Null for an unknown extension.
+/// Returns null for an unknown extension.
 const ResultFormat *formatFor(const QString &extension)
 {
     const auto &formats = ResultFormat::all();
@@ -98,12 +98,12 @@ void ResultExporter::run(const Finished &finished)
 {
     KNError error;
     QStringList remarks;
-    // Nothing of an unfinished file is left when the call comes.
+    // The temporary file is deleted before the callback runs.
     const bool complete = writeFile(&error, &remarks);
     KNDispatch::mainQueue([finished, complete, error, remarks] { finished(complete, error, remarks); });
 }
 
-/// False without an error when it was cancelled.
+/// Returns false without an error if cancelled.
 bool ResultExporter::writeFile(KNError *error, QStringList *remarks)
 {
     UnfinishedFile unfinished{QFileInfo(m_path)};

@@ -16,12 +16,12 @@
 
 namespace {
 
-// The table that a result came from is not known.
+// The source table of a result is not known.
 const QString TableName = QStringLiteral("table_name");
 
 using Target = ResultFormat::Target;
 
-/// A factory of writers that need nothing but the device.
+/// A factory for writers that need only the device.
 template <typename Writer>
 ResultFormat::CreateWriter onDevice()
 {

@@ -22,9 +22,8 @@ struct KNSHARED_EXPORT ResultFormat
         QIODevice &device;           ///< open; outlives the writer
         QString path = {};           ///< of the device; null if it is not a file
         bool hasManyResults = false; ///< whether all results of a run are written there, or one
-        VantorDBCPtr details =
-            {};                ///< quotes names and values; may be null for uses that do not offer the format
-        QString nullText = {}; ///< replaces NULL in plain text
+        VantorDBCPtr details = {};   ///< quotes names and values; may be null for uses without this format
+        QString nullText = {};       ///< replaces NULL in plain text
     };
     using CreateWriter = std::function<std::unique_ptr<ResultWriter>(const Target &target)>;
 

@@ -23,7 +23,7 @@ bool ResultRows::writeTo(ResultWriter &writer, const GoOn &goOn) const
     KNRowReader reader(result->rows());
     std::vector<KNRowCell> row;
     qsizetype written = 0;
-    std::size_t bytes = 0; // since the last question
+    std::size_t bytes = 0; // since the last progress call
     bool goesOn = true;
     const auto writeRow = [&](qsizetype shown) {
         const qsizetype stored = order ? qsizetype{order->at(static_cast<std::size_t>(shown))} : shown;

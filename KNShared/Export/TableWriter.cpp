@@ -9,9 +9,9 @@ namespace {
 
 constexpr qsizetype RowsForWidths = 200;
 constexpr qsizetype WidestColumn =
-    4096; ///< wider values stand out; padding every row to them would cost memory
+    4096; ///< wider values exceed the column; padding every row to them would use too much memory
 
-/// Whether every byte takes one place and needs no escape.
+/// Whether every byte takes one terminal column and needs no escape.
 bool isPrintableAscii(const char *text, std::size_t size)
 {
     bool isPrintable = true;
@@ -62,7 +62,7 @@ void TableWriter::endResult()
     flush();
 }
 
-/// The text of a cell, which stands in m_text until the next call.
+/// Returns the text of a cell, which is stored in m_text until the next call.
 TableWriter::Field TableWriter::fieldOf(const KNRowCell &cell)
 {
     m_text.clear();
@@ -110,7 +110,7 @@ void TableWriter::writeHeld()
     m_held.clear();
 }
 
-/// Fields of a line are written in the order of the columns. The last one has no blanks behind it.
+/// Fields of a line are written in column order. The last one is not padded.
 void TableWriter::writeField(qsizetype column, const Field &field)
 {
     const qsizetype padding = std::max<qsizetype>(0, m_widths[column] - field.width);

@@ -24,7 +24,7 @@ Colours &colours()
 /// Red, green and blue from 0 to 1.
 using Rgb = std::array<double, 3>;
 
-/// `hue` in turns.
+/// `hue` in turns, from 0 to 1.
 Rgb rgbOf(double hue, double saturation, double lightness)
 {
     const double amplitude = saturation * std::min(lightness, 1 - lightness);
@@ -35,7 +35,7 @@ Rgb rgbOf(double hue, double saturation, double lightness)
     return {channel(0), channel(8), channel(4)};
 }
 
-/// As WCAG 2 defines it for contrasts.
+/// The relative luminance that WCAG 2 defines for contrasts.
 double luminanceOf(const Rgb &rgb)
 {
     const auto linear = [](double c) {
@@ -44,12 +44,12 @@ double luminanceOf(const Rgb &rgb)
     return 0.2126 * linear(rgb[0]) + 0.7152 * linear(rgb[1]) + 0.0722 * linear(rgb[2]);
 }
 
-/// The hue comes from the name, the lightness from where the contrasts to white and to near-black are alike.
+/// The name determines the hue; the lightness gives equal contrasts to white and to near-black.
 QString colourOf(const QString &alias)
 {
     constexpr double Luminance = 0.2;
     constexpr double Saturation = 0.7;
-    constexpr int Hues = 24; // more cannot be told apart
+    constexpr int Hues = 24; // more hues cannot be told apart
     const QByteArray hash = QCryptographicHash::hash(alias.toUtf8(), QCryptographicHash::Sha1);
     const double hue = (static_cast<unsigned char>(hash.at(0)) % Hues) / double(Hues);
     double darkest = 0;

@@ -21,7 +21,7 @@ QString encoded(const QList<SQLRecentConnectionPtr> &connections)
     return QString::fromLatin1(QJsonDocument(array).toJson(QJsonDocument::Compact).toBase64());
 }
 
-/// What cannot be decoded is an empty list.
+/// Text that cannot be decoded gives an empty list.
 QJsonArray decoded(const QString &text)
 {
     return QJsonDocument::fromJson(QByteArray::fromBase64(text.toLatin1())).array();
@@ -65,7 +65,7 @@ void SQLRecentConnectionList::finishLoading(const QString &text, const KNError &
     if (m_state != State::Loading)
         return;
     m_problem = error;
-    // What is damaged is gone; what is refused may be read another time.
+    // Damaged data was moved aside; after a refusal the data can be read later.
     m_state = error && error.code() != KNKeyValueStore::Damaged ? State::NotRead : State::Loaded;
     if (error)
         KNLogHelper::sharedInstance()->logError(error, {});
@@ -81,10 +81,10 @@ void SQLRecentConnectionList::finishLoading(const QString &text, const KNError &
         KNDBCTabColorHelper::setColorFromAliasTemporary(connection->alias, connection->connectionId);
         stored.append(connection);
     }
-    // Writes what was there before the stored entries came: they go into the next write.
+    // Writes the entries added before the stored ones arrived; the stored ones are part of the next write.
     if (gaveIds && m_state == State::Loaded)
         save();
-    // What has happened while the store was silent is newer.
+    // Changes made before the store answered are newer.
     for (const SQLRecentConnectionPtr &connection : std::as_const(stored)) {
         if (!withId(m_connections, connection->connectionId))
             m_connections.append(connection);
@@ -166,7 +166,7 @@ void SQLRecentConnectionList::write()
                 return;
             m_isWriting = false;
             m_problem = error;
-            if (m_state == State::Dropped) { // the write was on its way when everything was removed
+            if (m_state == State::Dropped) { // removeAll() was called while the write was running
                 removeAll();
                 return;
             }

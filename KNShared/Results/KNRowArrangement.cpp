@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr quint32 StepsBetweenLooks = 4096; // at whether it was cancelled
+constexpr quint32 StepsBetweenLooks = 4096; // rows between two checks for cancellation
 
 struct Cancelled
 {
 };
 
-/// Whether a cell's text holds another, whatever the case of letters.
+/// Whether a cell's text contains a search text, case-insensitively.
 class CellMatcher
 {
 public:
@@ -40,7 +40,7 @@ public:
 private:
     static char lower(unsigned char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c); }
 
-    /// In UTF-8 the bytes of other characters are never those of ASCII.
+    /// In UTF-8, bytes of non-ASCII characters are never ASCII bytes.
     bool holdsAscii(const KNRowCell &cell) const
     {
         const auto same = [](unsigned char a, char b) { return lower(a) == b; };
@@ -116,7 +116,8 @@ bool KNRowArrangement::sort(KNRowOrder &rows, const KNDatabaseResultSet &result,
     quint32 steps = 0;
     const bool descending = sortOrder == Qt::DescendingOrder;
     try {
-        // The row makes it a strict order: what is equal stays as it arrived, in both directions.
+        // The row number makes this a strict order: equal rows keep their order of arrival in both
+        // directions.
         std::sort(keyed.begin(), keyed.end(), [&](const Keyed &left, const Keyed &right) {
             if (++steps % StepsBetweenLooks == 0 && cancelled)
                 throw Cancelled();

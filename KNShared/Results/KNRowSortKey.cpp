@@ -9,21 +9,21 @@
 namespace {
 
 constexpr quint64 SignBit = quint64{1} << 63;
-constexpr double ExactIntegers = 9007199254740992.0; // 2^53: up to here a double is one whole number only
+constexpr double ExactIntegers = 9007199254740992.0; // 2^53: up to here every integer has its own double
 
 quint64 ordered(qint64 number)
 {
     return static_cast<quint64>(number) ^ SignBit;
 }
 
-/// Bits in the order of the numbers; both zeros are the same.
+/// Maps doubles to integers in the same order; both zeros are equal.
 quint64 ordered(double number)
 {
     const auto bits = std::bit_cast<quint64>(number == 0 ? 0.0 : number);
     return bits & SignBit ? ~bits : bits | SignBit;
 }
 
-/// The code points of UTF-8 text, one by one, without regard to case. What is no UTF-8 counts byte by byte.
+/// Iterates over the code points of UTF-8 text without regard to case. Invalid UTF-8 counts byte by byte.
 class FoldedText
 {
 public:
@@ -52,7 +52,7 @@ private:
     const unsigned char *m_end;
 };
 
-/// The first folded code points, as many as fit at 21 bits each.
+/// Packs the first folded code points at 21 bits each, as many as fit.
 quint64 foldedPrefix(const unsigned char *data, std::size_t length)
 {
     FoldedText text(data, length);
@@ -70,7 +70,7 @@ quint64 bytesPrefix(const unsigned char *data, std::size_t length)
     return prefix;
 }
 
-/// The first eight bytes of a GUID in the order of its text.
+/// The first eight bytes of a GUID in the order of its text form.
 quint64 guidPrefix(const unsigned char *data)
 {
     quint64 prefix = 0;
@@ -89,7 +89,7 @@ int comparedBytes(const KNRowCell &left, const KNRowCell &right)
 
 int comparedText(const KNRowCell &left, const KNRowCell &right)
 {
-    // What both begin with is the same in any case; the rest begins with a whole character.
+    // A common prefix is equal in any case; the rest begins with a whole character.
     std::size_t same = static_cast<std::size_t>(
         std::mismatch(left.data, left.end(), right.data, right.end()).first - left.data);
     while (same > 0 && same < left.length && (left.data[same] & 0xC0) == 0x80)
@@ -165,7 +165,7 @@ int KNRowSortKey::comparedWhole(const KNRowSortKey &other) const
     case Rank::Text:
         return comparedText(cell(), other.cell());
     case Rank::Bytes:
-        // The first half of a GUID is in the prefix, in another order.
+        // The first half of a GUID is compared by the prefix, in another byte order.
         if (m_tag == KNRowCell::Guid && other.m_tag == KNRowCell::Guid)
             return std::memcmp(m_data + 8, other.m_data + 8, 8);
         return comparedBytes(cell(), other.cell());

@@ -4,7 +4,7 @@ namespace {
 
 const QChar Ellipsis(0x2026);
 
-/// The first units of a text, with an ellipsis where something is left out; never half a surrogate pair.
+/// The first units of a text, with an ellipsis if something is left out; never splits a surrogate pair.
 QString truncated(const QString &text)
 {
     qsizetype length = ResultSetViewControllerHelper::TruncatedLength;
