@@ -9,7 +9,7 @@
 
 namespace {
 
-/// How many times as long as a call takes the next one has to wait.
+/// The minimum pause after a call, as a multiple of the call's duration.
 constexpr int LongestShare = 4;
 
 } // namespace
@@ -18,8 +18,9 @@ struct KNChangeNotifier::State : std::enable_shared_from_this<State>
 {
     using Clock = std::chrono::steady_clock;
 
-    std::atomic<bool> isPending = false; ///< a call is due, and an event or a timer will make it
-    std::function<void()> changed;       ///< empty after the notifier; main thread, as all below
+    std::atomic<bool> isPending = false; ///< a call is due, and an event or a timer is scheduled for it
+    std::function<void()>
+        changed; ///< empty once the notifier is destroyed; main thread only, as all members below
     std::chrono::milliseconds interval;
     Clock::time_point next = {}; ///< the earliest time of the next call
 
@@ -36,10 +37,10 @@ struct KNChangeNotifier::State : std::enable_shared_from_this<State>
     {
         if (!changed)
             return;
-        // Before the call: a change that comes during it causes another one.
+        // Reset before the call, so that a change during the call causes another one.
         isPending = false;
         const auto begin = Clock::now();
-        const auto callee = changed; // the notifier may be destroyed by the call
+        const auto callee = changed; // the call may destroy the notifier
         callee();
         const auto end = Clock::now();
         next = std::max(begin + interval, end + LongestShare * (end - begin));

@@ -22,13 +22,13 @@ qint64 baseMilliseconds()
     return milliseconds;
 }
 
-/// Rounds towards the past, so that times of day before 1900 stay positive.
+/// Rounds down, so that times of day before 1900 stay positive.
 qint64 flooredQuotient(qint64 dividend, qint64 divisor)
 {
     return dividend / divisor - (dividend % divisor < 0 ? 1 : 0);
 }
 
-/// Writes a number of 0 or more with at least `width` digits.
+/// Writes a non-negative number with at least `width` digits.
 char *writePadded(char *to, qint64 number, int width)
 {
     char digits[20];
@@ -86,7 +86,8 @@ KNDateTime KNDateTime::fromQDateTime(const QDateTime &dateTime)
     constexpr qint64 Bound = std::numeric_limits<qint64>::max() / TicksPerMillisecond - 1;
     const qint64 base = baseMilliseconds();
     const qint64 milliseconds = dateTime.isValid() ? dateTime.toMSecsSinceEpoch() : base;
-    // A QDateTime reaches further than the ticks do; what lies beyond becomes the nearest instant.
+    // A QDateTime has a larger range than the ticks; values out of range become the nearest representable
+    // time.
     const qint64 sinceBase = milliseconds > Bound + base ? Bound : std::max(milliseconds, -Bound) - base;
     return {.ticks = std::clamp(sinceBase, -Bound, Bound) * TicksPerMillisecond};
 }
@@ -107,7 +108,8 @@ char *KNDateTime::write(char *to) const
 {
     const bool hasOffset = offsetMinutes != NoOffset;
     const qint64 local = ticks + (hasOffset ? offsetMinutes * TicksPerMinute : 0);
-    // Servers that round up a time of day send the end of the day, which is not the beginning of the next.
+    // Servers that round up a time of day send the end of the day, which is not the beginning of the next
+    // one.
     if (parts == Parts::Time && local == TicksPerDay)
         return writeTime(to, local, fractionDigits);
     const qint64 day = flooredQuotient(local, TicksPerDay);

@@ -9,7 +9,7 @@
 namespace {
 
 using boost::multiprecision::uint128_t;
-/// Two numbers of 38 digits brought to one scale have at most 76 digits, which 256 bits hold.
+/// Two numbers of 38 digits at a common scale have at most 76 digits, which fit into 256 bits.
 using boost::multiprecision::uint256_t;
 
 template <typename Wide>
@@ -32,14 +32,14 @@ uint128_t joined(quint64 high, quint64 low)
     return (uint128_t(high) << 64) | low;
 }
 
-/// A number whose scale may still be outside the range.
+/// A number whose scale may be out of range.
 struct Unbounded
 {
     uint128_t magnitude = 0;
     qint64 scale = 0;
 };
 
-/// Brings the scale into 0 to 38 without changing the number; false when that takes too many digits.
+/// Brings the scale into 0 to 38 without changing the number; false if that takes too many digits.
 bool fitScale(Unbounded *number)
 {
     if (number->magnitude == 0) {
@@ -71,8 +71,8 @@ bool skipSign(QStringView text, qsizetype *index)
     return text[(*index)++] == u'-';
 }
 
-/// Reads the digits from `index` on into the number, counting those after the point in its scale.
-/// Returns how many there were, or -1 when they exceed 38.
+/// Reads digits from `index` on into the number; digits after the point increase its scale. Returns their
+/// count, or -1 if they exceed 38.
 qsizetype readDigits(QStringView text, qsizetype *index, bool afterPoint, Unbounded *number)
 {
     const qsizetype first = *index;
@@ -85,7 +85,7 @@ qsizetype readDigits(QStringView text, qsizetype *index, bool afterPoint, Unboun
     return *index - first;
 }
 
-/// Reads "e-4" up to the end of the text; far beyond any usable exponent its value no longer matters.
+/// Reads "e-4" up to the end of the text. Exponents far beyond the usable range are not read exactly.
 std::optional<qint64> readExponent(QStringView text, qsizetype index)
 {
     constexpr qint64 FarBeyond = qint64(1) << 40;
@@ -170,7 +170,7 @@ void KNDecimal::toBigEndian(unsigned char magnitude[16]) const
 
 QString KNDecimal::toString() const
 {
-    // The sign, 38 digits and a zero before the point, and the point itself.
+    // The sign, 38 digits, a zero before the decimal point, and the point itself.
     char16_t buffer[MaximumDigits + 4];
     char16_t *const end = std::end(buffer);
     char16_t *first = end;
@@ -188,7 +188,7 @@ QString KNDecimal::toString() const
 
 double KNDecimal::toDouble() const
 {
-    // Through text: the C locale's reader rounds correctly, which two conversions of halves would not.
+    // Convert through text: parsing in the C locale rounds correctly, converting two halves would not.
     return toString().toDouble();
 }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Both are never destroyed: threads of the pool may outlive main().
+// Both are never destroyed: pool threads may outlive main().
 KNGlobalQueue &globalQueueInstance()
 {
     static auto *const queue = new KNGlobalQueue;
@@ -24,8 +24,8 @@ KNMainQueue &mainQueueInstance()
     return *queue;
 }
 
-/// Runs on the thread of each new QCoreApplication, as part of its construction: its event loop now serves
-/// the queue.
+/// Called on the thread of each new QCoreApplication during its construction: its event loop serves the queue
+/// from then on.
 void serveMainQueue()
 {
     KNMainQueue &queue = mainQueueInstance();
@@ -66,7 +66,7 @@ void mainQueueSync(const std::function<void()> &work)
         } catch (...) {
             failure = std::current_exception();
         }
-        // Last, when this thread holds nothing of the exception any more.
+        // Signal last, when this thread no longer holds a reference to the exception.
         done.signal();
     });
     done.wait();

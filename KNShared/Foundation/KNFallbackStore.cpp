@@ -5,7 +5,7 @@ struct KNFallbackStore::Stores
     std::shared_ptr<KNKeyValueStore> used;
     std::shared_ptr<KNKeyValueStore> second;
 
-    /// Whether the same is to be done again with the second store.
+    /// Whether to repeat the operation with the second store.
     bool fallsBack(const KNError &error)
     {
         if (error.domain() != ErrorDomain || error.code() != NoService || used == second)

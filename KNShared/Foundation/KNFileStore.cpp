@@ -9,7 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/// The file, and what is still to be done with it, in order.
+/// The file and its queue of pending operations.
 struct KNFileStore::File
 {
     explicit File(QString filePath)
@@ -57,7 +57,7 @@ struct KNFileStore::File
     QString damagedPath() const { return path + QStringLiteral(".damaged"); }
 
     const QString path;
-    KNSerialQueue queue; ///< of what is to be done with the file
+    KNSerialQueue queue; ///< pending operations on the file
 };
 
 KNFileStore::KNFileStore(const QString &path)

@@ -9,7 +9,7 @@ namespace {
 template <typename Float>
 char *writeShortest(char *to, Float value)
 {
-    // Below this bound every digit that plain notation prints before the point is significant.
+    // Below this bound every digit that plain notation prints before the decimal point is significant.
     static const Float plainLimit = std::pow(Float(10), Float(std::numeric_limits<Float>::digits10));
     const Float magnitude = std::abs(value);
     const bool plain = magnitude == 0 || (magnitude >= Float(1e-5) && magnitude < plainLimit);

@@ -7,17 +7,17 @@
 
 namespace {
 
-/// "%08.3lld" taken apart.
+/// The parts of a conversion such as "%08.3lld".
 struct Conversion
 {
     QChar type;
     int width = 0;
     int precision = -1;
     bool zeroPadded = false;
-    qsizetype length = 0; ///< in UTF-16 units, the percent sign included
+    qsizetype length = 0; ///< in UTF-16 units, including the percent sign
 };
 
-/// Reads a number of at most three digits; anything longer is left for the type to trip over.
+/// Reads a number of at most three digits; further digits make the conversion invalid.
 int readNumber(QStringView format, qsizetype *index)
 {
     int number = 0;
@@ -30,7 +30,7 @@ int readNumber(QStringView format, qsizetype *index)
     return number;
 }
 
-/// The conversion at the head of `format`, which starts with a percent sign; empty when there is none.
+/// Reads the conversion at the start of `format`, which begins with a percent sign; empty if there is none.
 std::optional<Conversion> readConversion(QStringView format)
 {
     Conversion conversion;

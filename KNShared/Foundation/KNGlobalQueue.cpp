@@ -54,7 +54,7 @@ void KNGlobalQueue::runThread()
         ++m_running;
         lock.unlock();
         KNLoggedRun(work);
-        // What the work holds is let go before it counts as done, and outside the lock.
+        // Destroy the work's captured objects outside the lock, before the work counts as done.
         work = nullptr;
         lock.lock();
         if (--m_running == 0 && m_queued.empty())

@@ -30,7 +30,7 @@ bool isASCII(const QString &text)
 
 KNHostCache *KNHostCache::sharedInstance()
 {
-    // Never destroyed: work on the global queue may still look names up while the program ends.
+    // Never destroyed: tasks of the global queue may still resolve names while the program ends.
     static auto *const cache = new KNHostCache;
     return cache;
 }
@@ -70,7 +70,7 @@ void KNHostCache::clear()
 
 QString KNHostCache::systemResolver(const QString &host)
 {
-    // Plain names go as they are: the IDNA rules refuse some that local networks use.
+    // ASCII names are not encoded: the IDNA rules reject some that local networks use.
     const QByteArray name = isASCII(host) ? host.toLatin1() : QUrl::toAce(host);
     if (name.isEmpty())
         return {};

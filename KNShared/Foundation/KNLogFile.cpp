@@ -29,7 +29,7 @@ void writeAll(int descriptor, const QByteArray &bytes)
     }
 }
 
-/// A FIFO or a device in place of the file could hold the program up at every line.
+/// A FIFO or a device at the file's path could block the program at every line.
 bool isRegularFile(int descriptor)
 {
     struct stat status
@@ -79,11 +79,11 @@ bool KNLogFile::open()
     if (!KNMakePrivateFolder(m_folder))
         return false;
     const QByteArray name = QFile::encodeName(pathOfGeneration(0));
-    // O_NONBLOCK: opening a FIFO would wait for its reader. It changes nothing for a regular file.
+    // O_NONBLOCK: opening a FIFO would wait for its reader. It has no effect on a regular file.
     m_descriptor = ::open(name.constData(),
                           O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
                           S_IRUSR | S_IWUSR);
-    // An existing file may be readable by others; it is not used when its mode cannot be restricted.
+    // An existing file may be readable by others; it is not used if its mode cannot be restricted.
     if (m_descriptor >= 0 && (!isRegularFile(m_descriptor) || fchmod(m_descriptor, S_IRUSR | S_IWUSR) != 0))
         close();
     return m_descriptor >= 0;

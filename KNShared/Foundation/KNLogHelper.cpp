@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Replaces every place where a secret stands; where secrets overlap, all that they cover.
+/// Replaces every occurrence of a secret; overlapping secrets are replaced together.
 QString withoutSecrets(const QString &text, const QStringList &secrets)
 {
     using Range = std::pair<qsizetype, qsizetype>;
@@ -38,7 +38,7 @@ QString withoutSecrets(const QString &text, const QStringList &secrets)
     return result += QStringView(text).mid(position);
 }
 
-/// One record as lines of the file: later lines are indented, so that no text can pass itself off as another
+/// Formats a record as lines of the file. Later lines are indented, so that no text can look like another
 /// record.
 QString asLines(QString record)
 {
@@ -99,7 +99,7 @@ struct KNLogHelper::Private
 
 KNLogHelper *KNLogHelper::sharedInstance()
 {
-    // Never destroyed: threads may still log while the program ends.
+    // Never destroyed: threads may still write log records while the program ends.
     static auto *const log = new KNLogHelper(KNStateFolder() + QStringLiteral("/vantor/logs"));
     return log;
 }
@@ -116,7 +116,8 @@ void KNLogHelper::logMessage(const QString &message)
     const QString record = KNFormat("%@ [%d] %@", QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs),
                                     gettid(), message);
     std::unique_lock lock(d->mutex);
-    // Secrets go before the record is cut into lines, which would hide one that holds a line end.
+    // Mask secrets before splitting the record into lines; a secret with a line end would not be found
+    // afterwards.
     const QString lines = asLines(withoutSecrets(record, d->secrets));
     d->file.append(lines.toUtf8() + '\n');
     const auto observer = d->observer;
@@ -149,7 +150,7 @@ void KNLogHelper::registerSecret(const QString &secret)
     constexpr qsizetype ShortestSecret = 3;
     if (secret.size() < ShortestSecret)
         return;
-    // SQL text holds a secret with its quotes doubled.
+    // In SQL text the quotes of a secret are doubled.
     const QString inSQL = QString(secret).replace(u'\'', QLatin1String("''"));
     const std::lock_guard lock(d->mutex);
     for (const QString &form : {secret, inSQL}) {

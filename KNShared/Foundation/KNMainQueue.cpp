@@ -25,7 +25,7 @@ void KNMainQueue::add(Work work)
 
 void KNMainQueue::wakeUp() const
 {
-    // Fails only when the counter is at its end, and then the descriptor is readable already.
+    // Fails only if the counter has its maximum value; the descriptor is readable then.
     const std::uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = write(m_wakeUpDescriptor, &one, sizeof one);
 }

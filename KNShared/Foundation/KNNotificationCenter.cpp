@@ -25,7 +25,7 @@ struct KNNotificationCenter::Private
 
 KNNotificationCenter *KNNotificationCenter::defaultCenter()
 {
-    // Never destroyed: tokens in other static objects may outlive it.
+    // Never destroyed: tokens in other static objects may be destroyed later.
     static auto *const center = new KNNotificationCenter;
     return center;
 }
@@ -44,7 +44,7 @@ KNNotificationCenter::Token KNNotificationCenter::addObserver(const QString &nam
         const std::lock_guard lock(d->mutex);
         d->observers[name].push_back(held);
     }
-    // The token is the only owner; its end takes the entry out of the list while the centre is there.
+    // The token is the only owner; its deleter removes the entry if the centre still exists.
     Observer *const raw = held.get();
     return Token(raw, [center = std::weak_ptr(d), name, held = std::move(held)](Observer *) mutable {
         held.reset();

@@ -16,13 +16,13 @@ bool KNMakePrivateFolder(const QString &path)
         return QFileInfo(folder).isDir();
     if (!KNMakePrivateFolder(QFileInfo(folder).path()))
         return false;
-    // Another thread or program may have been quicker.
+    // Another thread or program may have created it first.
     return mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0 || QFileInfo(folder).isDir();
 }
 
 QString KNStateFolder()
 {
-    // XDG asks to ignore a folder that is not absolute.
+    // The XDG specification requires relative folders to be ignored.
     const QString folder = qEnvironmentVariable("XDG_STATE_HOME");
     return QDir::isAbsolutePath(folder) ? folder : QDir::homePath() + QStringLiteral("/.local/state");
 }

@@ -16,7 +16,7 @@ KNError problem(Problem code, const QString &description)
     return KNError(QStringLiteral("com.quorvex.vantor.propertyList"), static_cast<int>(code), description);
 }
 
-/// The contents of a file; nothing and an error when it cannot be read.
+/// Returns the contents of a file; nothing and an error if it cannot be read.
 std::optional<QByteArray> contents(const QString &path, KNError *error)
 {
     QFile file(path);
@@ -30,7 +30,7 @@ std::optional<QByteArray> contents(const QString &path, KNError *error)
     return std::nullopt;
 }
 
-/// The text of the element `name` that begins here; any other element is an error of the reader.
+/// Returns the text of the element `name` at the reader's position; any other element is a reader error.
 QString readText(QXmlStreamReader *reader, QLatin1String name)
 {
     if (reader->name() != name) {
@@ -85,7 +85,7 @@ Container read(const QByteArray &data, const QString &source, KNError *error)
     if (!reader.hasError() && reader.readNextStartElement())
         reader.raiseError(QStringLiteral("the property list holds more than one value"));
     while (!reader.atEnd())
-        reader.readNext(); // what follows the property list must be well-formed, too
+        reader.readNext(); // content after the property list must be well-formed, too
 
     if (!reader.hasError())
         return container;

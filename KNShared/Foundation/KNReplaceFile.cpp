@@ -11,7 +11,8 @@
 
 namespace {
 
-/// Asks the kernel to keep a folder's entries over a loss of power. File systems without that need nothing.
+/// Makes a folder's entries survive a loss of power. Errors of file systems that do not support this are
+/// ignored.
 void syncFolder(const QString &folder)
 {
     const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -21,8 +22,8 @@ void syncFolder(const QString &folder)
     close(descriptor);
 }
 
-/// Empty when everything is on the disk, or the reason. QSaveFile buffers, and its commit() succeeds although
-/// the buffer could not be written (Qt 6.4). Files that cannot be synchronised answer EINVAL.
+/// Returns the error text; empty if everything is on disk. QSaveFile buffers, and its commit() succeeds
+/// although the buffer could not be written (Qt 6.4). Files that cannot be synchronised return EINVAL.
 QString writeThrough(QSaveFile &file, const QByteArray &content)
 {
     if (file.write(content) != content.size() || !file.flush())

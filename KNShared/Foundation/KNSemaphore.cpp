@@ -29,7 +29,7 @@ bool KNSemaphore::waitFor(std::chrono::milliseconds timeout)
 
 void KNSemaphore::signal()
 {
-    // Notified under the lock: the waiter may destroy the semaphore as soon as it has it.
+    // Notify under the lock: the waiter may destroy the semaphore once it has acquired it.
     const std::lock_guard lock(m_mutex);
     ++m_value;
     m_available.notify_one();

@@ -21,7 +21,7 @@ struct KNSerialQueue::Private
     }
 
     std::mutex mutex;
-    std::deque<std::function<void()>> queued; ///< guarded by mutex; the first is being worked on
+    std::deque<std::function<void()>> queued; ///< guarded by mutex; the first one is running
 };
 
 KNSerialQueue::KNSerialQueue()

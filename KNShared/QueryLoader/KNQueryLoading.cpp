@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Passes a text and its report on to the main thread. It keeps itself alive until then.
+/// Passes a text and its report to the main thread. It keeps itself alive until then.
 class Receiver : public KNQueryLoaderDelegate
 {
 public:
@@ -19,7 +19,7 @@ public:
     {
         const auto self = std::exchange(m_self, nullptr);
         if (!self)
-            return; // delivered before
+            return; // already delivered
         if (KNDispatch::isMainThread())
             m_use(query, loader.report());
         else
