@@ -10,7 +10,7 @@ bool isLineBreak(QChar character)
     return character == QLatin1Char('\n') || character == QLatin1Char('\r');
 }
 
-/// Where the first line break of the text ends; -1 when it holds none. CR LF is one.
+/// The end of the text's first line break (CR LF counts as one); -1 if there is none.
 qsizetype endOfLineBreak(QStringView text)
 {
     const auto *found = std::find_if(text.begin(), text.end(), isLineBreak);
@@ -25,7 +25,7 @@ bool holdsLineBreak(QStringView text)
     return endOfLineBreak(text) >= 0;
 }
 
-/// The text without what its last line holds of white space, and without the line break before that.
+/// Removes white space from the last line and the line break before it.
 QStringView withoutLastLineBreak(QStringView text)
 {
     while (!text.isEmpty() && text.back().isSpace() && !isLineBreak(text.back()))
@@ -37,7 +37,7 @@ QStringView withoutLastLineBreak(QStringView text)
     return text;
 }
 
-/// The count behind GO; empty for what is no count.
+/// Parses the count after GO; empty if it is not a count.
 std::optional<quint32> repeatCount(QStringView digits)
 {
     const auto isDigit = [](QChar character) {
@@ -46,17 +46,17 @@ std::optional<quint32> repeatCount(QStringView digits)
     if (!std::all_of(digits.begin(), digits.end(), isDigit))
         return std::nullopt;
     bool ok = false;
-    const int count = digits.toInt(&ok); // the server's own tools take as much
+    const int count = digits.toInt(&ok); // the same limit as in the server's own tools
     return ok ? std::optional<quint32>(count) : std::nullopt;
 }
 
 struct Separator
 {
-    qsizetype end; ///< behind the line break of its line
+    qsizetype end; ///< after the line break of its line
     quint32 repeatCount;
 };
 
-/// What follows a GO that opens its line: the rest of a separator, or empty when something else stands there.
+/// Reads the rest of a separator after a GO that starts its line; empty if other text follows.
 std::optional<Separator> restOfSeparator(SQLMetadataTokenizer tokenizer, qsizetype textLength)
 {
     std::optional<quint32> count;
@@ -110,7 +110,7 @@ QList<KNQuerySplitter::Batch> KNQuerySplitter::splitMSSQLQueries2(QStringView te
 
     QList<Batch> batches;
     qsizetype begin = 0;
-    bool opensLine = true; // nothing but white space and comments so far on this line
+    bool opensLine = true; // only white space and comments so far on this line
     SQLMetadataTokenizer tokenizer(text, options);
     SQLToken token{};
     while (tokenizer.next(&token)) {

@@ -16,7 +16,7 @@ QString KNSQLComment::inOneLine(QString text)
 
 QString KNSQLComment::inBlock(QString text)
 {
-    // "*/*" holds both marks: the second replacement sees what the first one has separated.
+    // "*/*" contains both marks: the second replacement works on the output of the first.
     return inOneLine(std::move(text))
         .replace(QLatin1String("*/"), QLatin1String("* /"))
         .replace(QLatin1String("/*"), QLatin1String("/ *"));

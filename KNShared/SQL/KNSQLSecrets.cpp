@@ -8,9 +8,9 @@
 namespace {
 
 const QString Stars = QStringLiteral("********");
-constexpr int DeepestText = 4; ///< texts within texts
+constexpr int DeepestText = 4; ///< nesting levels of SQL texts
 
-/// A name without its brackets or quotes, in lower case; empty for a token that is none.
+/// The name of a token without brackets or quotes, in lower case; empty for other tokens.
 QString lowerName(const SQLToken &token)
 {
     switch (token.kind) {
@@ -76,7 +76,7 @@ bool isBlankToken(const SQLToken &token)
            token.kind == SQLTokenKind::BlockComment;
 }
 
-/// Masks the values of PASSWORD=...; and PWD=...; in the text of a connection.
+/// Masks the values of PASSWORD=...; and PWD=...; in a connection string.
 QString withoutConnectionPasswords(const QString &text, QStringList *secrets)
 {
     static const QRegularExpression pattern(
@@ -124,7 +124,7 @@ public:
     }
 
 private:
-    /// The token before a literal that makes it a secret: the name that announces it, or its equals sign.
+    /// The preceding token that makes a literal a secret: the secret's name or its equals sign.
     enum class Awaited { Nothing, AfterName, AfterVariable, Value };
 
     static QString contentOf(QStringView literal)
@@ -136,7 +136,7 @@ private:
             .replace(QLatin1String("''"), QLatin1String("'"));
     }
 
-    /// A literal that is no secret itself: it may be SQL or describe a connection.
+    /// Masks a literal that is not a secret itself but may be SQL or a connection string.
     QString maskedText(QStringView literal)
     {
         const auto mentions = [&](const char *word) {
@@ -188,9 +188,9 @@ private:
     QStringList *const m_secrets;
     const int m_depth;
     Awaited m_awaited = Awaited::Nothing;
-    bool m_isArgument = false; ///< behind the name of a procedure with secrets
-    bool m_isCall = false;     ///< right behind the name of a function with secrets
-    int m_parentheses = 0;     ///< open since such a call
+    bool m_isArgument = false; ///< after the name of a procedure with secrets
+    bool m_isCall = false;     ///< directly after the name of a function with secrets
+    int m_parentheses = 0;     ///< parentheses opened since that call
 };
 
 } // namespace

@@ -2,7 +2,8 @@
 
 namespace {
 
-constexpr char16_t End = 0; ///< what stands beyond the text; a NUL inside it is told apart by its place
+constexpr char16_t End =
+    0; ///< returned beyond the end of the text; a NUL in the text is recognised by its position
 
 bool isLineEnd(char16_t unit)
 {
@@ -26,8 +27,8 @@ bool isHexDigit(char16_t unit)
     return isASCIIDigit(unit) || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
 }
 
-/// Letters and what else may start a name. Halves of surrogate pairs count as letters, so that none is cut in
-/// two.
+/// Letters and other characters that may start a name. Halves of surrogate pairs count as letters, so that no
+/// pair is split.
 bool startsWord(char16_t unit)
 {
     if (unit < 0x80)
@@ -43,7 +44,7 @@ bool continuesWord(char16_t unit)
     return startsWord(unit) || character.isDigit() || character.isMark();
 }
 
-/// A view of the text with what lies around one place.
+/// A view of the text around one position.
 class Scanner
 {
 public:
@@ -68,7 +69,7 @@ public:
             ++m_position;
     }
 
-    /// From behind an opening quote to behind the closing one, which stands for itself when doubled.
+    /// Skips from after an opening quote to after the closing one; a doubled quote is part of the text.
     void skipQuoted(QChar closing)
     {
         for (;;) {
@@ -84,7 +85,7 @@ public:
         }
     }
 
-    /// From behind the opening of a block comment to behind its end.
+    /// Skips from after the opening of a block comment to after its end.
     void skipBlockComment(bool nested)
     {
         for (int depth = 1; depth > 0 && !atEnd();) {
@@ -100,7 +101,7 @@ public:
         }
     }
 
-    /// Digits, a point with digits, an exponent.
+    /// Skips digits, a decimal point with digits, and an exponent.
     void skipNumber()
     {
         skipWhile(isASCIIDigit);
@@ -146,7 +147,7 @@ void skipNumberOrHexadecimal(Scanner *scanner)
     scanner->skipNumber();
 }
 
-/// Skips a piece that opens with a quote, or leaves everything as it is; returns whether there was one.
+/// Skips a quoted token if there is one; otherwise returns false and changes nothing.
 bool skipQuotedPiece(Scanner *scanner, SQLTokenKind *kind)
 {
     switch (scanner->peek()) {
@@ -194,7 +195,7 @@ bool skipComment(Scanner *scanner, const SQLTokenizerOptions &options, SQLTokenK
     return false;
 }
 
-/// The same for names: words, #temp and ##temp, $action, @variables.
+/// The same for names: identifiers, #temp and ##temp, $action, @variables.
 bool skipName(Scanner *scanner, const SQLTokenizerOptions &options, SQLTokenKind *kind)
 {
     const char16_t first = scanner->peek();
@@ -210,7 +211,7 @@ bool skipName(Scanner *scanner, const SQLTokenizerOptions &options, SQLTokenKind
     return true;
 }
 
-/// The length of the operator at this place: the longest one that T-SQL and its neighbours know.
+/// The length of the operator at this position: the longest one of T-SQL and related dialects.
 qsizetype operatorLength(const Scanner &scanner)
 {
     static constexpr char16_t Pairs[][3] = {u"<>", u"<=", u">=", u"!=", u"!<", u"!>", u"+=", u"-=",
@@ -261,11 +262,11 @@ qsizetype SQLMetadataTokenizer::endOfToken(SQLTokenKind *kind) const
         *kind = SQLTokenKind::Whitespace;
         scanner.skipWhile(isBlank);
     } else if (startsWord(scanner.peek()) && scanner.peek(1) != u'\'') {
-        *kind = SQLTokenKind::Word; // what most of a text is
+        *kind = SQLTokenKind::Word; // the most frequent kind
         scanner.skip(1);
         scanner.skipWhile(continuesWord);
     } else if (skipComment(&scanner, m_options, kind) || skipQuotedPiece(&scanner, kind)) {
-        // Both know their kind.
+        // Both set the kind.
     } else if (startsNumber(scanner)) {
         *kind = SQLTokenKind::Number;
         skipNumberOrHexadecimal(&scanner);

@@ -14,7 +14,7 @@ void addOption(QStringList &arguments, const QString &option)
     arguments << QStringLiteral("-o") << option;
 }
 
-/// For what is in no session of the user's own.
+/// Arguments for all runs, which must not become part of the user's own sessions.
 QStringList commonArguments(const KNSSHTunnelModel &model)
 {
     QStringList arguments;
@@ -29,7 +29,7 @@ QStringList commonArguments(const KNSSHTunnelModel &model)
     return arguments;
 }
 
-/// A path as an option's list of files takes it.
+/// Quotes a path for an option that takes a list of files.
 QString quoted(const QString &path)
 {
     return QLatin1Char('"') + path + QLatin1Char('"');
@@ -46,10 +46,10 @@ QStringList KNSSHCommand::toForward(const KNSSHTunnelModel &model, quint16 local
                                   quoted(KNSSHHostKey::knownHostsFile())));
     addOption(arguments, QStringLiteral("ExitOnForwardFailure=yes"));
     addOption(arguments, KNFormat("ConnectTimeout=%d", timeoutSeconds));
-    // A server that has gone is noticed within a minute.
+    // Detects a lost server within a minute.
     addOption(arguments, QStringLiteral("ServerAliveInterval=20"));
     addOption(arguments, QStringLiteral("ServerAliveCountMax=3"));
-    // Runs when the user is let in and the port is bound.
+    // The command runs once the user is logged in and the port is bound.
     addOption(arguments, QStringLiteral("PermitLocalCommand=yes"));
     addOption(arguments, KNFormat("LocalCommand=echo %@", ReadyText));
     if (!model.keyFile.isEmpty()) {

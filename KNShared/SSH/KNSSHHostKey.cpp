@@ -15,7 +15,7 @@ namespace {
 
 const QString LineKey = QStringLiteral("com.quorvex.vantor.ssh.knownHostsLine");
 
-/// "ssh-ed25519" as people call it.
+/// The display name of a type such as "ssh-ed25519".
 QString nameOfType(const QString &type)
 {
     if (type == QLatin1String("ssh-ed25519"))

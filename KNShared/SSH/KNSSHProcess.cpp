@@ -45,7 +45,7 @@ void KNSSHProcess::setProgram(const QString &name)
 
 KNSSHProcess::KNSSHProcess(const QStringList &arguments)
 {
-    // Ready before the fork: after it, in a process of many threads, nothing may be allocated.
+    // Prepared before the fork: after it, a multi-threaded process must not allocate memory.
     const QByteArray path = programPath();
     QList<QByteArray> texts = {path};
     for (const QString &argument : arguments)
@@ -72,7 +72,8 @@ KNSSHProcess::KNSSHProcess(const QStringList &arguments)
         dup2(null, STDIN_FILENO);
         dup2(output[1], STDOUT_FILENO);
         dup2(errors[1], STDERR_FILENO);
-        // Not every library marks its descriptors: a connection must not stay open because ssh has it, too.
+        // Not every library marks its descriptors close-on-exec: ssh must not keep a connection open by
+        // inheriting it.
         syscall(SYS_close_range, 3U, ~0U, 0U);
         if (getppid() == parent)
             execv(pointers[0], pointers.data());
@@ -103,7 +104,7 @@ KNSSHProcess::Event KNSSHProcess::wait(int stopDescriptor, const QDeadlineTimer 
     if (m_pid <= 0)
         return Event::Ended;
     for (;;) {
-        // A negative descriptor is passed over.
+        // poll() ignores negative descriptors.
         pollfd descriptors[] = {{m_output, POLLIN, 0}, {m_errors, POLLIN, 0}, {stopDescriptor, POLLIN, 0}};
         const auto left = deadline.isForever() ? -1 : static_cast<int>(deadline.remainingTime());
         const int ready = poll(descriptors, std::size(descriptors), left);
@@ -125,10 +126,10 @@ KNSSHProcess::Event KNSSHProcess::wait(int stopDescriptor, const QDeadlineTimer 
     }
 }
 
-/// False at the end.
+/// Returns false at the end of the stream.
 bool KNSSHProcess::readErrors()
 {
-    constexpr qsizetype Most = 16384; // the last ones are of interest, should there be many
+    constexpr qsizetype Most = 16384; // if there are many, only the last ones are kept
     char buffer[1024];
     const ssize_t size = read(m_errors, buffer, sizeof buffer);
     const std::lock_guard lock(m_mutex);

@@ -27,7 +27,7 @@ Tunnels &tunnels()
     return *instance;
 }
 
-/// A port of the loopback on which nobody listens at the moment; 0 when there is none.
+/// Returns a loopback port that is currently not in use; 0 if there is none.
 quint16 freePort()
 {
     const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -109,7 +109,7 @@ bool KNSSHTunnel::waitUntilOpen(KNError *error)
 
 void KNSSHTunnel::keep()
 {
-    // Somebody may take a port between its being found free and its being bound by ssh.
+    // Another process may bind the free port before ssh does.
     constexpr int Attempts = 3;
     for (int attempt = 1; attempt <= Attempts; ++attempt) {
         if (serve(attempt == Attempts))
@@ -117,7 +117,7 @@ void KNSSHTunnel::keep()
     }
 }
 
-/// Whether that was all: the tunnel has served, or there is no use in another attempt.
+/// Runs one attempt until it ends. Returns true if the tunnel was open or another attempt would not help.
 bool KNSSHTunnel::serve(bool isLastAttempt)
 {
     const QDeadlineTimer deadline(m_timeout);
