@@ -19,7 +19,7 @@ const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
-/// The number, or the default where there is none or it is out of bounds.
+/// The stored number, or the default if there is none or it is out of range.
 int number(const QString &key, int defaultValue, int minimum, int maximum)
 {
     bool isNumber = false;
@@ -34,7 +34,7 @@ const QString KNPreferences::ChangedNotificationName = QStringLiteral("KNPrefere
 KNPreferences KNPreferences::defaults()
 {
     KNPreferences preferences;
-    // The system's font may be an alias that no list of fonts shows.
+    // The system's font may be an alias that is not in font lists.
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     preferences.editorFont = QFont(QFontInfo(fixed).family(), fixed.pointSize());
     return preferences;

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Message boxes of the desktop, as sheets of their window.
+/// The desktop's message boxes, shown as sheets of their window.
 class MessageBoxes : public KNAlerts
 {
 public:
@@ -49,7 +49,7 @@ private:
         box->setText(title.isEmpty() ? text : title);
         if (!title.isEmpty())
             box->setInformativeText(text);
-        // setTextFormat() leaves the informative text out.
+        // setTextFormat() does not apply to the informative text.
         for (QLabel *const label : box->findChildren<QLabel *>())
             label->setTextFormat(Qt::PlainText);
         return box;

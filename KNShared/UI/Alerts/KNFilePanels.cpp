@@ -15,7 +15,7 @@ public:
         QFileDialog *const dialog = make(parent, request);
         dialog->setAcceptMode(QFileDialog::AcceptSave);
         dialog->setFileMode(QFileDialog::AnyFile);
-        // A name without an ending gets that of the chosen filter.
+        // A file name without an extension gets that of the selected filter.
         const auto takeEnding = [dialog](const QString &filter) {
             static const QRegularExpression ending(QStringLiteral("\\*\\.(\\w+)"));
             dialog->setDefaultSuffix(ending.match(filter).captured(1));

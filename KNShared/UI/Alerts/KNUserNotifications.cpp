@@ -17,7 +17,7 @@ public:
         QDBusMessage call = QDBusMessage::createMethodCall(
             QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
             QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
-        // The body is markup.
+        // The body may contain markup.
         call << QGuiApplication::applicationDisplayName() << 0u << QGuiApplication::desktopFileName() << title
              << text.toHtmlEscaped() << QStringList() << QVariantMap() << -1;
         QDBusConnection::sessionBus().asyncCall(call);

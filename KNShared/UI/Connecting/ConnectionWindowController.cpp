@@ -39,7 +39,7 @@ bool ConnectionWindowController::checkSSHToLocalhost(const VantorDBC &details)
     if (tunnel.isEmpty() || !isThisComputer(tunnel))
         return true;
     QString host;
-    quint16 port = 1; // an instance's is of no interest here, and must not be asked for
+    quint16 port = 1; // set, so that no instance's port is looked up
     details.VantorDBC::getHostAndPortForServer(details.host().section(QLatin1Char('\\'), 0, 0), &port, &host);
     if (!isThisComputer(host))
         return true;

@@ -115,7 +115,7 @@ void KNSessionOptionsWindowController::updateControls()
     m_trustsAnyone->setEnabled(isEncrypted);
     m_certificateFile->setEnabled(isVerified);
     m_checksHostName->setEnabled(isVerified);
-    // A certificate that is named must not be skipped, which a request would allow.
+    // A specified certificate must be verified; the mode "request" could skip that.
     const bool namesCertificate = isVerified && !m_certificateFile->path().isEmpty();
     if (auto *const modes = qobject_cast<QStandardItemModel *>(m_encryption->model()))
         modes->item(m_encryption->findData(request()))->setEnabled(!namesCertificate);

@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Asks the secret service's bus something that is answered by yes or no; no answer is no. `answered` is
-/// called later, or at once where there is no bus.
+/// Calls a bus method that returns a boolean; no answer means false. `answered` is called later, or
+/// immediately if there is no bus.
 void ask(QDBusMessage question, const QVariantList &arguments, std::function<void(bool)> answered)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();
@@ -31,7 +31,8 @@ void ask(QDBusMessage question, const QVariantList &arguments, std::function<voi
         });
 }
 
-/// Whether an error that says little comes from a keyring that does not work, not from there being none.
+/// Determines whether a keyring service runs, for errors that do not show whether it failed or does not
+/// exist.
 void askForService(std::function<void(bool isThere)> answered)
 {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
@@ -39,7 +40,7 @@ void askForService(std::function<void(bool isThere)> answered)
         {QStringLiteral("org.freedesktop.secrets")}, std::move(answered));
 }
 
-/// Whether the keyring is locked. It does not find then what it holds, and says no more than that.
+/// Determines whether the keyring is locked. A locked keyring only reports that it did not find an entry.
 void askForLock(std::function<void(bool isLocked)> answered)
 {
     ask(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.secrets"),
@@ -88,7 +89,7 @@ QString KNKeychainStore::name() const
     return QCoreApplication::translate("KNKeychainStore", "the desktop's keyring");
 }
 
-// Jobs delete themselves when they are finished.
+// Jobs delete themselves when they finish.
 
 void KNKeychainStore::textForKey(const QString &key, Read read)
 {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int Gap = 6;
 
-/// Whether the details stand below the name.
+/// Whether the details are below the name.
 bool isHead(const QModelIndex &index)
 {
     return index.data(KNDatabaseTreeModel::IsHeadRole).toBool();
@@ -78,7 +78,7 @@ void KNDatabaseTreeItemDelegate::paint(QPainter *painter, const QStyleOptionView
     }
     painter->setFont(font);
     painter->setPen(isError && !isSelected ? QColor(0xd0, 0x45, 0x3c) : textColour);
-    // A message may have several lines; the tool tip shows them all.
+    // A message may have several lines; the tool tip shows all of them.
     const QString name = metrics.elidedText(option.text.simplified(), Qt::ElideRight, nameRect.width());
     painter->drawText(nameRect, Qt::AlignLeft | (isHead(index) ? Qt::AlignBottom : Qt::AlignVCenter), name);
 

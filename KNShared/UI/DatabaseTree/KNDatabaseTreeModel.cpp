@@ -21,7 +21,7 @@ QString nameWithDetails(const KNDatabaseTreeEntry &entry)
 
 } // namespace
 
-/// A row that is shown. Its children are those that the view was told of, which may be behind the entry's.
+/// A displayed row. Its children are those reported to the view, which may be older than the entry's.
 struct KNDatabaseTreeModel::Node
 {
     Entry entry;
@@ -31,7 +31,7 @@ struct KNDatabaseTreeModel::Node
     std::vector<std::unique_ptr<Node>> children;
 };
 
-/// Carries what loads tell from their threads to the UI thread.
+/// Passes load notifications from their threads to the UI thread.
 class KNDatabaseTreeModel::LoadWatcher : public KNDatabaseTreeEntryDelegate
 {
 public:
@@ -154,7 +154,7 @@ void KNDatabaseTreeModel::fetchMore(const QModelIndex &parent)
     if (!node)
         return;
     node->entry->loadEntriesAsync(false);
-    updateChildren(*node); // some entries know their children at once
+    updateChildren(*node); // some entries provide their children at once
 }
 
 QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
@@ -195,8 +195,8 @@ Qt::ItemFlags KNDatabaseTreeModel::flags(const QModelIndex &index) const
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     if (!node->entry->canHaveChildren())
         flags |= Qt::ItemNeverHasChildren;
-    // A layout asks for the flags of all rows, and making the text of a drag takes time: mimeData() asks for
-    // it, and without a text there is no drag.
+    // A layout queries the flags of all rows, and creating a drag text is slow: mimeData() creates it, and
+    // without a text there is no drag.
     if (node->parent)
         flags |= Qt::ItemIsDragEnabled;
     return flags;
@@ -238,7 +238,7 @@ void KNDatabaseTreeModel::didBeginLoading(const Entry &entry)
     if (!node)
         return;
     setLoading(entry.get(), true);
-    updateChildren(*node); // a load may begin by taking the old ones away
+    updateChildren(*node); // a load may begin by removing the old children
     Q_EMIT dataChanged(indexOf(*node), indexOf(*node));
 }
 
@@ -252,7 +252,7 @@ void KNDatabaseTreeModel::didFinishLoading(const Entry &entry)
     Q_EMIT dataChanged(indexOf(*node), indexOf(*node));
 }
 
-/// Tells the view what has changed between the children that it shows and those that the entry has.
+/// Reports the differences between the displayed children and those of the entry to the view.
 void KNDatabaseTreeModel::updateChildren(Node &node)
 {
     const KNDatabaseTreeEntry::Children children = node.entry->childEntries();
@@ -312,7 +312,7 @@ void KNDatabaseTreeModel::replaceRows(Node &node, int first, int removed,
         renumber();
         endInsertRows();
     }
-    // Search copies come with their children.
+    // Search copies are created with their children.
     for (int i = 0; i < added; ++i) {
         Node &child = *rows[static_cast<std::size_t>(first + i)];
         if (child.entry->childEntries())

@@ -36,7 +36,7 @@ void KNDatabaseTreeView::setModel(QAbstractItemModel *model)
     });
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this] {
         if (!m_isRemoving)
-            m_lost.clear(); // the user has gone elsewhere
+            m_lost.clear(); // the user has selected another row
     });
 }
 
@@ -73,12 +73,12 @@ void KNDatabaseTreeView::rowsAboutToBeRemoved(const QModelIndex &parent, int sta
         top = top.parent();
     if (top.isValid() && top.row() >= start && top.row() <= end)
         m_lost = pathOf(currentIndex());
-    m_isRemoving = true; // the base class selects a row that stays
+    m_isRemoving = true; // the base class selects a remaining row
     QTreeView::rowsAboutToBeRemoved(parent, start, end);
     m_isRemoving = false;
 }
 
-/// Rows that came in the place of others are expanded and selected as those were.
+/// Expands and selects replaced rows as the old ones were.
 void KNDatabaseTreeView::restore(const QModelIndex &parent)
 {
     const QStringList parentPath = pathOf(parent);

@@ -60,7 +60,7 @@ void KNDatabaseTreeViewController::setRoot(const Root &root)
     m_model->setRoot(root);
     if (!root)
         return;
-    // A new window is the user's wish to try again.
+    // Opening a window is a request to retry a refused login.
     if (const auto &details = root->databaseConnectionDetails())
         VantorDatabaseConnectionPool::sharedInstance()->forgetRefusals(*details);
     m_view->expand(m_model->index(0, 0));
@@ -121,7 +121,7 @@ void KNDatabaseTreeViewController::search()
     if (m_searchField->text().trimmed().isEmpty()) {
         showNotice({});
         if (m_feedError && m_feed != Feed::Loading)
-            m_feed = Feed::Outdated; // a new search asks again
+            m_feed = Feed::Outdated; // a new search queries the server again
         showWholeTree();
         return;
     }
@@ -142,7 +142,7 @@ void KNDatabaseTreeViewController::searchOnceLoaded()
         search();
 }
 
-/// The objects of all databases are asked for when they are searched first, and again after a refresh.
+/// Loads the objects of all databases at the first search, and again after a refresh.
 void KNDatabaseTreeViewController::loadSearchEntries()
 {
     m_feed = Feed::Loading;
@@ -172,7 +172,7 @@ void KNDatabaseTreeViewController::showSearchResults()
     else
         showNotice(KNFormat(found ? "The search is incomplete: %@" : "The search failed: %@",
                             m_feedError.localizedDescription()));
-    // That a failed search finds nothing does not mean that there is nothing: the tree stays.
+    // A failed search does not mean that there are no matches: the tree stays visible.
     if (m_feedError && !found) {
         showWholeTree();
         return;

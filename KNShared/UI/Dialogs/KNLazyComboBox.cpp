@@ -7,7 +7,7 @@ KNLazyComboBox::KNLazyComboBox(QWidget *parent)
     setInsertPolicy(QComboBox::NoInsert);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    // A field that is left with the text of an item says activated, too.
+    // QComboBox also emits activated() when the focus leaves a field whose text equals an item.
     connect(this, &QComboBox::activated, this, [this](int index) {
         if (std::exchange(m_isBeingClosed, false))
             Q_EMIT chosen(index);
@@ -30,7 +30,7 @@ void KNLazyComboBox::showPopup()
     QComboBox::showPopup();
 }
 
-/// The list closes, and says then what was chosen.
+/// Closes the list and emits the selected item.
 void KNLazyComboBox::hidePopup()
 {
     m_isBeingClosed = true;

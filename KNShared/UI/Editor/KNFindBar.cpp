@@ -225,7 +225,7 @@ void KNFindBar::replaceAll()
 
 bool KNFindBar::event(QEvent *event)
 {
-    // Escape is the bar's before it is anybody's shortcut.
+    // The bar handles Escape before any shortcut does.
     if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
         event->accept();
     return QWidget::event(event);

@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr int LineNumbers = 0; // the margins
+constexpr int LineNumbers = 0; // margin numbers
 constexpr int Marks = 1;
 constexpr int Folds = 2;
 constexpr int ErrorMarker = 1;
 constexpr int ErrorIndicator = 8;
 
-/// Scintilla's colours are 0x00BBGGRR.
+/// Scintilla's colour format is 0x00BBGGRR.
 long scintillaColour(const QColor &colour)
 {
     return colour.red() | colour.green() << 8 | colour.blue() << 16;
@@ -71,12 +71,12 @@ void KNSQLEditor::configure()
     SendScintilla(SCI_SETRECTANGULARSELECTIONMODIFIER, static_cast<unsigned long>(SCMOD_ALT));
     SendScintilla(SCI_SETVIRTUALSPACEOPTIONS, static_cast<unsigned long>(SCVS_RECTANGULARSELECTION));
     SendScintilla(SCI_ALLOCATELINECHARACTERINDEX, static_cast<unsigned long>(SC_LINECHARACTERINDEX_UTF16));
-    // As wide as what is in view, so that a short text needs no scroll bar.
+    // As wide as the visible lines, so that a short text needs no scroll bar.
     SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1UL);
     SendScintilla(SCI_SETSCROLLWIDTH, 1UL);
 }
 
-/// Keys that the program or this class uses otherwise: the component would keep them for itself.
+/// Removes the component's bindings of keys that the program or this class uses.
 void KNSQLEditor::releaseKeys()
 {
     static const QKeySequence keys[] = {
@@ -156,7 +156,7 @@ QString KNSQLEditor::textOfRange(const KNRange &range) const
 void KNSQLEditor::replaceRanges(const QList<Replacement> &replacements)
 {
     beginUndoAction();
-    // From the end, so that the places before stay what they are.
+    // Replace from the end, so that earlier positions stay valid.
     for (auto it = replacements.crbegin(); it != replacements.crend(); ++it) {
         const QByteArray bytes = it->text.toUtf8();
         SendScintilla(SCI_SETTARGETRANGE, positionOf(it->range.location),
@@ -233,7 +233,7 @@ void KNSQLEditor::uncommentLines()
     editLines(false);
 }
 
-/// The lines (from 0) that the selection touches; a line at whose beginning it ends is none of them.
+/// The lines (from 0) of the selection, without a last line that it only reaches at its beginning.
 void KNSQLEditor::selectedLines(int *firstLine, int *lastLine) const
 {
     const auto start = SendScintilla(SCI_GETSELECTIONSTART);
@@ -297,7 +297,7 @@ void KNSQLEditor::changeEvent(QEvent *event)
 
 void KNSQLEditor::keyPressEvent(QKeyEvent *event)
 {
-    // Escape takes further cursors away; with one cursor it is for others.
+    // Escape removes additional cursors; with one cursor the event is passed on.
     if (event->key() == Qt::Key_Escape && SendScintilla(SCI_GETSELECTIONS) > 1)
         SendScintilla(SCI_CANCEL);
     else if (event->key() == Qt::Key_Escape)
@@ -350,7 +350,7 @@ void KNSQLEditor::fitMargins()
     const int lineHeight = static_cast<int>(SendScintilla(SCI_TEXTHEIGHT, 0UL));
     setMarginWidth(Marks, lineHeight * 3 / 4);
     setMarginWidth(Folds, lineHeight * 3 / 4);
-    SendScintilla(SCI_SETMARGINLEFT, 0UL, static_cast<long>(lineHeight / 4)); // before the text
+    SendScintilla(SCI_SETMARGINLEFT, 0UL, static_cast<long>(lineHeight / 4)); // left of the text
 }
 
 int KNSQLEditor::positionOf(qsizetype location) const
@@ -362,7 +362,7 @@ int KNSQLEditor::positionOf(qsizetype location) const
     const auto linePosition = SendScintilla(SCI_POSITIONFROMLINE, line);
     if (location <= lineLocation)
         return static_cast<int>(linePosition);
-    // 0 when the text ends before.
+    // 0 if the text ends before.
     const auto position =
         SendScintilla(SCI_POSITIONRELATIVECODEUNITS, static_cast<unsigned long>(linePosition),
                       static_cast<long>(location - lineLocation));

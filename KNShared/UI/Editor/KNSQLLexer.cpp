@@ -35,7 +35,7 @@ KNSQLLineState::Piece pieceOf(SQLTokenKind kind)
 
 } // namespace
 
-/// Goes over the tokens of some lines and gives each line its state and its fold level.
+/// Processes the tokens of some lines and sets each line's state and fold level.
 class KNSQLLexer::Lines
 {
 public:
@@ -50,7 +50,7 @@ public:
         findNextLine();
     }
 
-    /// `skipped` units at the token's beginning are not in the editor.
+    /// Adds a token; its first `skipped` units are not in the editor.
     void add(const SQLToken &token, qsizetype skipped, qsizetype bytes)
     {
         count(token);
@@ -59,7 +59,7 @@ public:
             m_position += bytes;
             return;
         }
-        // Unterminated when the lines end before it does.
+        // An unterminated token continues in the next lines.
         const bool isOpen =
             piece != KNSQLLineState::Nothing && (token.text.endsWith(u'\n') || token.text.endsWith(u'\r'));
         int depth = 0;
@@ -86,7 +86,7 @@ public:
         }
     }
 
-    /// The text has ended, perhaps without a line end.
+    /// Ends the last line, which may have no line end.
     void finish(qsizetype end)
     {
         if (m_position == end && m_nextLine == NoLine)
@@ -120,7 +120,7 @@ private:
                                                  : Bracket::None;
     }
 
-    /// Decides what a BEGIN or END was by the word behind it on its line: BEGIN TRAN opens nothing.
+    /// Classifies a BEGIN or END by the next token on its line: BEGIN TRAN opens no block.
     void resolve(QStringView next)
     {
         const Bracket bracket = std::exchange(m_bracket, Bracket::None);

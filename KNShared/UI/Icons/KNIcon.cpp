@@ -26,7 +26,7 @@ QColor textColour(QIcon::Mode mode)
     }
 }
 
-/// Paints an SVG text in the colours of the palette at the time of painting.
+/// Paints an SVG text in the palette colours at the time of painting.
 class SvgEngine : public QIconEngine
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// An ampersand of a name is no mnemonic.
+/// Escapes ampersands, which would become mnemonics.
 QString literal(QString title)
 {
     return title.replace(QLatin1Char('&'), QStringLiteral("&&"));

@@ -1,4 +1,4 @@
-// How KNResultGridView measures and paints.
+// Measuring and painting of KNResultGridView.
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNRowNumberBar.h"
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int NarrowestColumn = 4; // in characters, as the widest
+constexpr int NarrowestColumn = 4; // in characters, as the maximum
 constexpr int WidestColumn = 45;
 
 QColor mixed(const QColor &a, const QColor &b, float shareOfA)
@@ -31,9 +31,9 @@ void KNResultGridView::measure()
 int KNResultGridView::sizeHintForColumn(int column) const
 {
     const int character = fontMetrics().averageCharWidth();
-    // With room for the mark of a sorted column.
+    // Includes space for the sort indicator.
     int width = m_header->sectionSizeHint(column) + fontMetrics().horizontalAdvance(QStringLiteral(" ▼"));
-    // On a screen no more rows are looked at than it shows; at first those that came first.
+    // Measure only the visible rows; at first the first ones that arrived.
     const int first = topRow();
     const int last = std::min(m_resultModel.rowCount(), first + std::max(RowsForWidths, visibleRowCount()));
     for (int row = first; row < last; ++row) {
@@ -44,7 +44,7 @@ int KNResultGridView::sizeHintForColumn(int column) const
     return std::clamp(width + 2, NarrowestColumn * character, WidestColumn * character);
 }
 
-/// Takes the columns' widths from the first rows, as long as those arrive and the user has not set them.
+/// Fits the column widths to the first rows while they arrive, unless the user has set them.
 void KNResultGridView::fitColumns()
 {
     const int rows = std::min(RowsForWidths, m_resultModel.rowCount());

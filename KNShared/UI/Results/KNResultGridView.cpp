@@ -58,7 +58,7 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
         selectColumn(column, adds ? QItemSelectionModel::Toggle : QItemSelectionModel::ClearAndSelect);
     });
     connect(m_header, &QHeaderView::sectionDoubleClicked, this, &KNResultGridView::sortRequested);
-    // Behind the selection's own, which forgets the current cell.
+    // Connected after the selection model, which resets the current cell.
     connect(&model, &QAbstractItemModel::modelReset, this, [this] {
         if (m_resultModel.rowCount() > 0)
             selectionModel()->setCurrentIndex(m_resultModel.index(0, m_currentColumn),
@@ -286,7 +286,7 @@ void KNResultGridView::keyPressEvent(QKeyEvent *event)
     if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && current.isValid() &&
         (event->modifiers() & ~Qt::KeypadModifier) == 0)
         return valueRequested(current);
-    // Shortcuts of the desktop's program, not letters to search for.
+    // These are shortcuts of the program, not letters to search for.
     if (!event->text().isEmpty() && event->text().at(0).isPrint() &&
         (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0)
         return event->ignore();

@@ -36,7 +36,7 @@ public:
     QRect visualRect(const QModelIndex &index) const override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
     QModelIndex indexAt(const QPoint &point) const override;
-    /// Scrolls where that is needed, without looking at rows between.
+    /// Selects all shown rows.
     void selectAll() override;
 
 Q_SIGNALS:

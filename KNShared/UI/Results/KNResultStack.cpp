@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Gives the room that is left to those that want most: they have rows that are not shown.
+/// Distributes the remaining height to the widgets that need it most: those with hidden rows.
 void shareOut(int room, std::vector<int> &heights)
 {
     const int most = *std::max_element(heights.begin(), heights.end());

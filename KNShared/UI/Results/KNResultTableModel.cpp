@@ -10,10 +10,10 @@
 
 namespace {
 
-// Of text that is longer than a grid shows no more is read: the largest character takes four bytes.
+// Limits the bytes read of long text: a UTF-8 character has at most four bytes.
 constexpr std::size_t BytesForDisplay = 4 * (ResultSetViewControllerHelper::TruncatedLength + 1);
 
-/// A text in one line: line ends, tabs and other control characters as signs.
+/// Shows a text in one line: line ends, tabs and other control characters become symbols.
 QString inOneLine(QString text)
 {
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
@@ -59,7 +59,7 @@ bool KNResultTableModel::showPublishedRows(bool isLast)
 {
     if (m_isFinished)
         return false;
-    const bool isFinished = isLast || m_result->isFinished(); // asked first: no row comes behind it
+    const bool isFinished = isLast || m_result->isFinished(); // read first: no row arrives after it is true
     const auto arrived =
         static_cast<int>(std::min<qsizetype>(m_result->rows().rowCount(), std::numeric_limits<int>::max()));
     if (arrived == m_arrivedRows && !isFinished)
@@ -107,7 +107,7 @@ QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
     }
 }
 
-/// What there is to know about a column's values, in a line of its own.
+/// Returns a remark on a column's values on a separate line.
 QString KNResultTableModel::remarkOn(int column) const
 {
     const QString remark = m_helper->remarkForColumn(column);
@@ -211,7 +211,7 @@ void KNResultTableModel::showOrder(const KNRowArrangement &arrangement, KNRowOrd
     Q_EMIT arrangingChanged();
 }
 
-/// As cells are shown, but whole; for any thread.
+/// Formats cells as they are displayed, but not truncated; usable on any thread.
 KNRowArrangement::Display KNResultTableModel::display() const
 {
     return [helper = m_helper, format = m_dateFormat](const KNRowCell &cell, qsizetype column) {
@@ -219,7 +219,7 @@ KNRowArrangement::Display KNResultTableModel::display() const
     };
 }
 
-/// The text of a cell, of which no more than `limit` bytes are read; a null QString for null.
+/// Returns the text of a cell, of which at most `limit` bytes are read; a null QString for null.
 QString KNResultTableModel::textOf(const ResultSetViewControllerHelper &helper,
                                    KNPreferences::DateFormat format, const KNRowCell &cell, std::size_t limit,
                                    qsizetype column, bool allowTruncate)

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr int RowsOfOneAmongSeveral = 10;
-constexpr int SectionsKeptAround = 4; // out of sight, on each side
+constexpr int SectionsKeptAround = 4; // hidden sections kept on each side
 const QString ResultsAsTabs = QStringLiteral("ResultsAsTabs");
 
 QString titleOf(int result)
@@ -129,14 +129,14 @@ void KNResultsPane::showNewResults()
     }
 }
 
-/// Makes entries for results whose columns have become known.
+/// Creates entries for results whose columns are known now.
 bool KNResultsPane::takeNewResults()
 {
     const QList<KNDatabaseResultSetPtr> results = m_holder->newResultSets(&m_position);
     m_awaitingColumns.insert(m_awaitingColumns.end(), results.begin(), results.end());
     const int before = resultCount();
     std::erase_if(m_awaitingColumns, [this](const KNDatabaseResultSetPtr &result) {
-        const bool isFinished = result->isFinished(); // asked first: columns come before
+        const bool isFinished = result->isFinished(); // read first: columns are set before
         if (result->columnNames().isEmpty())
             return isFinished;
         std::shared_ptr<ResultSetViewControllerHelper> helper =
@@ -178,7 +178,7 @@ void KNResultsPane::setShowsTabs(bool shows)
     m_showsTabs = shows;
     m_mode->setText(shows ? tr("Show Stacked") : tr("Show as Tabs"));
     m_mode->setAccessibleName(m_mode->text());
-    // Sections belong to the one or the other: they are made again where they are shown now.
+    // A section belongs to one of the two views; it is recreated in the current one.
     for (const int result : m_sections.keys())
         m_entries[static_cast<std::size_t>(result)].columnWidths =
             m_sections[result]->grid()->horizontalHeader()->saveState();
@@ -216,7 +216,7 @@ KNResultSection *KNResultsPane::currentSection()
     return places.isEmpty() ? nullptr : m_sections.value(*std::min_element(places.begin(), places.end()));
 }
 
-/// Deletes the sections that are far from those in sight.
+/// Deletes sections that are far outside of the visible range.
 void KNResultsPane::dropSections(int firstKept, int lastKept)
 {
     for (const int result : m_sections.keys()) {

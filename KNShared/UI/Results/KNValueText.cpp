@@ -20,7 +20,7 @@ bool isJson(const QString &text)
     return error.error == QJsonParseError::NoError;
 }
 
-/// The place behind the string literal that begins at `start`.
+/// The position after the string literal that begins at `start`.
 qsizetype endOfString(const QString &json, qsizetype start)
 {
     for (qsizetype i = start + 1; i < json.size(); ++i) {
@@ -70,7 +70,7 @@ QString indentedJson(const QString &json)
         return {};
     QString indented;
     int depth = 0;
-    bool isEmptyContainer = false; // a bracket was opened and nothing came since
+    bool isEmptyContainer = false; // a bracket was opened and is still empty
     for (qsizetype i = 0; i < json.size(); ++i) {
         const QChar c = json[i];
         if (c.isSpace())
@@ -102,7 +102,7 @@ QString indentedXml(const QString &xml)
 {
     if (!xml.trimmed().startsWith(QLatin1Char('<')))
         return {};
-    // Values of the type xml may be several elements.
+    // Values of type xml may have several root elements.
     const bool isDocument =
         xml.trimmed().startsWith(QLatin1String("<?xml")) || xml.contains(QLatin1String("<!DOCTYPE"));
     QXmlStreamReader reader;

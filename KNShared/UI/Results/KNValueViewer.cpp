@@ -17,9 +17,9 @@ namespace {
 
 using Form = KNValueText::Form;
 
-constexpr int DarkEnoughForLight = 80;       // of 255, for letters on a light ground
-constexpr qsizetype LongestLine = 5000;      // an editor takes long for longer ones
-constexpr qsizetype LongestWrapped = 50'000; // as it does to wrap them
+constexpr int DarkEnoughForLight = 80;       // of 255, for text on a light background
+constexpr qsizetype LongestLine = 5000;      // an editor is slow with longer lines
+constexpr qsizetype LongestWrapped = 50'000; // an editor is slow to wrap longer ones
 
 QString kindName(const KNValue &value)
 {
@@ -84,7 +84,7 @@ KNValueViewer::KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow,
     layout->addWidget(m_editor, 1);
     layout->addWidget(m_remark);
     layout->addWidget(buttons);
-    // Wide enough for a dump of bytes.
+    // Wide enough for a hexadecimal dump.
     const QFontMetrics metrics(KNPreferences::current().editorFont);
     resize(metrics.horizontalAdvance(QLatin1Char('0')) * 90, metrics.height() * 30);
 
@@ -106,7 +106,7 @@ QString KNValueViewer::remark() const
     return m_remark->text();
 }
 
-/// Makes the text of the value in the background; without a form in the one that suits it.
+/// Formats the value in the background; without a form, in the suggested one.
 void KNValueViewer::prepare(std::optional<Form> form)
 {
     m_isLoading = true;
@@ -157,7 +157,7 @@ void KNValueViewer::changeEvent(QEvent *event)
         paintEditor();
 }
 
-/// Font and colours of the editor: those of the palette, and shades of the lexer's that can be read on it.
+/// Sets the editor's font and colours: those of the palette, and lexer colours that are readable on it.
 void KNValueViewer::paintEditor()
 {
     const QFont font = KNPreferences::current().editorFont;
@@ -199,7 +199,7 @@ void KNValueViewer::saveToFile()
     });
 }
 
-/// Writes the whole value in the background: bytes as they are, everything else as text in UTF-8.
+/// Writes the whole value in the background: bytes unchanged, other values as UTF-8 text.
 void KNValueViewer::writeTo(const QString &path)
 {
     const QPointer<KNValueViewer> self(this);

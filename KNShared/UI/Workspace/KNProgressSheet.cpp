@@ -10,7 +10,7 @@ KNProgressSheet::Factory &sheetFactory()
     return factory;
 }
 
-/// The sheet of a window that may go first.
+/// A sheet whose window may be destroyed first.
 class DialogSheet : public KNProgressSheet
 {
 public:

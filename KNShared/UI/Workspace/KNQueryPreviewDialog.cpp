@@ -14,14 +14,14 @@
 namespace {
 
 constexpr int InitialWidth = 680;
-constexpr int FewestLines = 5; // that the editor shows at first
+constexpr int FewestLines = 5; // initial height of the editor in lines
 constexpr int MostLines = 18;
 constexpr int TitleEnlargement = 2; // points
 
 QLabel *newLabel()
 {
     auto *const label = new QLabel;
-    label->setTextFormat(Qt::PlainText); // names of objects are no markup
+    label->setTextFormat(Qt::PlainText); // object names must not be read as markup
     label->setWordWrap(true);
     return label;
 }
@@ -46,7 +46,7 @@ KNQueryPreviewDialog::KNQueryPreviewDialog(QWidget *parent)
     font.setPointSize(font.pointSize() + TitleEnlargement);
     m_title->setFont(font);
     m_editor->setAccessibleName(tr("Statements"));
-    m_editor->setWrapMode(QsciScintilla::WrapWord); // the user is to see all of a statement
+    m_editor->setWrapMode(QsciScintilla::WrapWord); // the user must see the whole statement
     m_editor->setMinimumHeight(FewestLines * m_editor->textHeight(0));
     m_failure->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_progress->setTextVisible(false);
@@ -135,7 +135,7 @@ void KNQueryPreviewDialog::showCaution(const QStringList &sentences, const QStri
 
 void KNQueryPreviewDialog::replaceText(const QString &text)
 {
-    m_editor->setReadOnly(false); // a read-only editor keeps its text
+    m_editor->setReadOnly(false); // a read-only editor ignores text changes
     m_editor->setWholeText(text);
     updateButtons();
 }
@@ -167,7 +167,7 @@ void KNQueryPreviewDialog::showRunning(bool isRunning, const QString &progressTi
 void KNQueryPreviewDialog::showProgress(int done, int total)
 {
     if (total < 2)
-        return; // a bar that jumps to its end says nothing
+        return; // an indicator that jumps to its end shows nothing
     m_progress->setRange(0, total);
     m_progress->setValue(done);
 }
