@@ -19,8 +19,7 @@ struct KNChangeNotifier::State : std::enable_shared_from_this<State>
     using Clock = std::chrono::steady_clock;
 
     std::atomic<bool> isPending = false; ///< a call is due, and an event or a timer is scheduled for it
-    std::function<void()>
-        changed; ///< empty once the notifier is destroyed; main thread only, as all members below
+    std::function<void()> changed; ///< empty after the notifier was destroyed; main thread, as all below
     std::chrono::milliseconds interval;
     Clock::time_point next = {}; ///< the earliest time of the next call
 

@@ -2,8 +2,7 @@
 
 namespace {
 
-constexpr char16_t End =
-    0; ///< returned beyond the end of the text; a NUL in the text is recognised by its position
+constexpr char16_t End = 0; ///< read beyond the text; a NUL inside it differs by its position
 
 bool isLineEnd(char16_t unit)
 {
