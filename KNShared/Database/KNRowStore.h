@@ -88,7 +88,7 @@ public:
     /// Marks the store as complete and wakes waiting readers.
     void close();
 
-    /// \name Streaming: a reader that forgets rows as it goes
+    /// \name Streaming: a reader that discards rows
     /// @{
     /// The writer should not be more than `rows` ahead of discardBefore(); 0, the default, sets no limit.
     void setReadAhead(qsizetype rows);
@@ -125,12 +125,11 @@ private:
     static const unsigned char *rowIn(const Block &block, qsizetype row);
     static qsizetype firstRowOf(const Block &block);
 
-    unsigned char *m_rowStart =
-        nullptr; ///< start of the row being written; writing thread only, as the next three
-    unsigned char *m_cursor = nullptr; ///< where the next cell is written
-    unsigned char *m_limit = nullptr;  ///< end of the cell memory; the offset slot of this row follows it
-    qsizetype m_endedRows = 0;         ///< finished rows, published or not
-    qsizetype m_rowLimit = 0;          ///< writing thread only, as the next member
+    unsigned char *m_rowStart = nullptr; ///< of the row being written; writing thread only, as the next three
+    unsigned char *m_cursor = nullptr;   ///< where the next cell is written
+    unsigned char *m_limit = nullptr;    ///< end of the cell memory; the offset slot of this row follows it
+    qsizetype m_endedRows = 0;           ///< finished rows, published or not
+    qsizetype m_rowLimit = 0;            ///< writing thread only, as the next member
     qsizetype m_endedBeyondLimit = 0;
 
     mutable std::mutex m_mutex;
