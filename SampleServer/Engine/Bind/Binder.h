@@ -9,7 +9,7 @@
 
 namespace SampleServer {
 
-/// A column that names can refer to.
+/// A column that names can resolve to.
 struct ScopeColumn
 {
     ColumnInfo info;
@@ -18,16 +18,16 @@ struct ScopeColumn
     Bound::ExpressionPtr computed; ///< of a computed column; null for a stored one
 };
 
-/// A table of a FROM clause as names see it.
+/// A table of a FROM clause during name resolution.
 struct ScopeSource
 {
     std::string name;             ///< alias or table name
-    std::string schema, database; ///< empty when an alias hides them
+    std::string schema, database; ///< empty if an alias hides them
     std::vector<ScopeColumn> columns;
-    std::shared_ptr<const Table> table; ///< null for what is no base table
+    std::shared_ptr<const Table> table; ///< null if it is not a base table
 };
 
-/// What GROUP BY has made of the columns of a scope.
+/// The columns of a scope after GROUP BY.
 struct Grouping
 {
     std::string alias;
@@ -35,66 +35,65 @@ struct Grouping
     std::vector<Bound::Aggregate> aggregates;
 };
 
-/// The tables that names in a query can refer to, and those of the queries around it.
+/// The tables visible to names in a query, including those of outer queries.
 struct Scope
 {
     std::vector<ScopeSource> sources;
     Scope *outer = nullptr;
-    Grouping *grouping = nullptr; ///< set while expressions after GROUP BY are bound
-    bool allowsWindows = false;   ///< set while the select list and ORDER BY are bound
-    bool inWindow = false;        ///< set while a windowed function is bound
-    std::int32_t notGrouped =
-        8120; ///< the error for columns that are not grouped: of the clause that is bound
+    Grouping *grouping = nullptr;   ///< set while expressions after GROUP BY are bound
+    bool allowsWindows = false;     ///< set while the select list and ORDER BY are bound
+    bool inWindow = false;          ///< set while a windowed function is bound
+    std::int32_t notGrouped = 8120; ///< the error for ungrouped columns, of the clause being bound
 };
 
-/// The common tables that names in a query can refer to, and those of the queries around it.
+/// The common tables visible to names in a query, including those of outer queries.
 struct CommonTableScope
 {
     const std::vector<Ast::CommonTable> &tables;
-    std::size_t visible = 0; ///< how many of them, from the first
+    std::size_t visible = 0; ///< the number of visible common tables, from the first
     const CommonTableScope *outer = nullptr;
-    /// Within a recursive common table, which is the one after the visible: its columns and SQLite's name.
+    /// Inside a recursive common table, the one after the visible ones: its columns and SQLite's name.
     const std::vector<ColumnInfo> *ownColumns = nullptr;
     std::string ownName = {};
 };
 
-/// Resolves names and types of a statement just before it runs. Variables and functions of the session are
-/// taken at their present value, so an expression of constants comes out as one constant. Throws EngineError.
+/// Resolves names and types of a statement just before it runs. Session variables and functions are replaced
+/// with their current values, so an expression of constants becomes one constant. Throws EngineError.
 class Binder
 {
 public:
     Binder(EvaluationContext &context, NameResolver &tables, const Variables &variables);
 
-    /// A value, with no columns in sight but those of enterScope().
+    /// Binds a value; only the columns of enterScope() are visible.
     Bound::ExpressionPtr bindValue(const Ast::Expression &expression);
-    /// A value converted to a type as an assignment does it.
+    /// Binds a value and converts it to a type as an assignment does.
     Bound::ExpressionPtr bindValueAs(const Ast::Expression &expression, const SqlType &type);
     Bound::ExpressionPtr bindCondition(const Ast::Expression &expression);
     Bound::QueryPtr bindSelect(const Ast::Select &select);
-    /// Lets names refer to the common tables of UPDATE and DELETE for as long as the binder lives.
+    /// Makes the common tables of UPDATE and DELETE visible as long as the binder exists.
     void useCommonTables(const std::vector<Ast::CommonTable> &tables);
-    /// Sees variables as they change while the query runs: SELECT @x = @x + column.
+    /// Reads variables while the query runs, so that changes are visible: SELECT @x = @x + column.
     void useLiveVariables() { m_liveVariables = true; }
 
-    /// The columns of a view or inline function.
+    /// Returns the columns of a view or inline function.
     std::vector<ColumnInfo> describeModule(const Module &module);
 
     /// Binds the tables of a FROM clause into `scope`.
     std::vector<Bound::SourcePtr> bindFrom(const std::vector<Ast::TableSourcePtr> &from, Scope &scope);
-    /// One table under its name or an alias, as UPDATE and DELETE name theirs.
+    /// Binds one table under its name or an alias, as UPDATE and DELETE name their target.
     Bound::SourcePtr bindTarget(const Bound::TableScan &scan, const std::string &name, Scope &scope);
     void enterScope(Scope &scope);
     void leaveScope();
 
-    // The building blocks of bound expressions.
+    // Helpers to build bound expressions
 
     static Bound::ExpressionPtr constant(SqlType type, Value value, bool isLiteral = false);
     static Bound::ExpressionPtr null(const SqlType &type) { return constant(type, Value()); }
-    /// The expression converted to a type; throws 206, 257 or 529 where T-SQL does not convert.
+    /// Converts the expression to a type; throws 206, 257 or 529 if T-SQL has no such conversion.
     Bound::ExpressionPtr converted(const Bound::ExpressionPtr &expression, const SqlType &type,
                                    bool explicitly = false, int style = 0);
     Bound::ExpressionPtr call(Bound::Operation operation, std::vector<Bound::ExpressionPtr> arguments);
-    /// Makes all expressions one type; `types` that are the word NULL do not count.
+    /// Converts all expressions to one type; the types of NULL literals are ignored.
     SqlType unify(std::vector<Bound::ExpressionPtr> &expressions);
 
     EvaluationContext &context() { return m_context; }
@@ -182,7 +181,8 @@ private:
     Bound::SourcePtr bindNamed(const Ast::TableSource &source, const Ast::NamedTable &table, Scope &scope);
     Bound::SourcePtr bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope,
                                  bool lateral);
-    /// Adds the columns of a query to a scope under a name; the query may look at the scope's other sources.
+    /// Adds the columns of a query to a scope under a name; the query may reference the scope's other
+    /// sources.
     Bound::SourcePtr addQuery(ScopeSource entry, const Bound::QueryPtr &query,
                               const std::vector<std::string> &names, Scope &scope, bool lateral);
     Bound::SourcePtr bindCommon(const Ast::TableSource &source, const CommonTableScope &common,
@@ -223,8 +223,8 @@ private:
     const Variables &m_variables;
     Scope *m_scope = nullptr;
     const CommonTableScope *m_common = nullptr;
-    std::unique_ptr<CommonTableScope> m_statementCommon; ///< what useCommonTables() made
-    std::string m_recursiveAlias; ///< SQLite's alias of the rows found before, once a step has named them
+    std::unique_ptr<CommonTableScope> m_statementCommon; ///< created by useCommonTables()
+    std::string m_recursiveAlias; ///< SQLite's alias of the previous rows, once a step has referenced them
     int m_maxRecursion = 100;
     const std::map<std::string, Bound::ExpressionPtr> *m_parameters = nullptr; ///< of an inline function
     int m_moduleDepth = 0;
@@ -232,9 +232,9 @@ private:
     int m_aliases = 0;
 };
 
-/// Whether the expression holds an aggregate function outside of its subqueries.
+/// Whether the expression contains an aggregate function outside of its subqueries.
 bool containsAggregate(const Ast::Expression &expression);
-/// Whether a subquery stands anywhere in the expression.
+/// Whether the expression contains a subquery.
 bool containsSubquery(const Ast::Expression &expression);
 
 } // namespace SampleServer

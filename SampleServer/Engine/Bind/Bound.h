@@ -18,8 +18,8 @@ struct Table;
 struct XmlShape;
 } // namespace SampleServer
 
-// Expressions and queries with every name resolved and every type known: what the binder makes of the syntax
-// tree and the emitter turns into SQLite's language. Immutable once built, so parts can be shared.
+// Expressions and queries with all names and types resolved: the output of the binder and the input of the
+// emitter, which writes SQLite's SQL. Immutable once built, so parts can be shared.
 namespace SampleServer::Bound {
 
 struct Expression;
@@ -29,27 +29,27 @@ using QueryPtr = std::shared_ptr<const Query>;
 
 struct OrderItem
 {
-    ExpressionPtr expression; ///< null: by an output column
-    std::size_t output = 0;   ///< which, from 0
+    ExpressionPtr expression; ///< null: sort by an output column
+    std::size_t output = 0;   ///< the number of the output column, from 0
     bool descending = false;
 };
 
 struct Operation;
-/// Computes a scalar from its arguments, which have the types the operation names. May throw EngineError.
+/// Computes a scalar from arguments of the types that the operation declares. May throw EngineError.
 using ScalarFunction = Value (*)(EvaluationContext &context, const Operation &operation,
                                  std::span<const Value> arguments);
 
-/// A computation on values: the unit that SQLite calls back for.
+/// A computation on values, called by SQLite.
 struct Operation
 {
     ScalarFunction function = nullptr;
     SqlType result;
     std::vector<SqlType> arguments;
-    int selector = 0; ///< what the function needs besides: an operator, a date part, a style
-    std::string text; ///< likewise: a name
-    std::shared_ptr<const Module> module; ///< likewise: a function of the user's
+    int selector = 0; ///< further parameter of the function: an operator, a date part, a style
+    std::string text; ///< further parameter: a name
+    std::shared_ptr<const Module> module; ///< further parameter: a user-defined function
     bool nullPropagates = true;           ///< any NULL argument makes the result NULL without a call
-    bool foldable = true;                 ///< gives the same for the same arguments throughout a statement
+    bool foldable = true; ///< returns the same result for the same arguments throughout a statement
 
     friend bool operator==(const Operation &, const Operation &) = default;
 };
@@ -57,7 +57,7 @@ struct Operation
 struct Constant
 {
     Value value;
-    bool isLiteral = false; ///< written as such: its type may adapt (NULL, digits of an integer)
+    bool isLiteral = false; ///< a literal in the text, whose type may adapt (NULL, digits of an integer)
 };
 
 /// A column of a source in SQLite's terms.
@@ -71,13 +71,13 @@ struct Call
 {
     Operation operation;
     std::vector<ExpressionPtr> arguments;
-    /// SQLite sees a call and the calls within it as one function of their leaves: the arguments that are
-    /// neither calls nor constants. Where there would be too many of them, the calls within count as leaves.
+    /// SQLite evaluates a call and its nested calls as one function of their leaves: the arguments that are
+    /// neither calls nor constants. If there would be too many leaves, nested calls count as leaves.
     bool isFused = true;
     std::size_t leaves = 0;
 };
 
-/// Whether an argument of `call` is handed over by SQLite.
+/// Whether SQLite passes this argument of `call`.
 bool isLeaf(const Call &call, const Expression &argument);
 
 struct Comparison
@@ -118,7 +118,7 @@ struct InQuery
 struct Case
 {
     std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches;
-    ExpressionPtr otherwise; ///< never null: a NULL constant where the text has no ELSE
+    ExpressionPtr otherwise; ///< never null: a NULL constant if there is no ELSE
 };
 
 struct Coalesce
@@ -136,7 +136,7 @@ struct ScalarQuery
     QueryPtr query;
 };
 
-/// A function over the rows around the current one.
+/// A window function.
 struct WindowCall
 {
     std::string function; ///< SQLite's name
@@ -145,7 +145,7 @@ struct WindowCall
     std::string frame; ///< empty for the default
 };
 
-/// The rows of a query as XML; NULL for none.
+/// The rows of a query as XML; NULL if there are no rows.
 struct XmlText
 {
     QueryPtr query;
@@ -161,9 +161,9 @@ struct Expression
         node;
 };
 
-/// The value of an expression that is known without running anything; null for every other expression.
+/// The value of a constant expression; null for other expressions.
 const Value *constantValue(const Expression &expression);
-/// Whether it is the word NULL, whose type adapts to its surroundings.
+/// Whether the expression is the literal NULL, whose type adapts to its context.
 bool isNullLiteral(const Expression &expression);
 
 // Sources
@@ -194,22 +194,22 @@ struct GeneratedRows
     ExpressionPtr count;
 };
 
-/// Rows that the engine makes; the arguments may be columns of sources to its left.
+/// Rows created by the engine; the arguments may be columns of sources to its left.
 struct ProvidedRows
 {
     std::shared_ptr<const RowProvider> provider;
     std::vector<ExpressionPtr> arguments;
 };
 
-/// A common table that refers to itself: rows of the anchor, and of the steps over the rows found before.
+/// A recursive common table: the rows of the anchor and of the steps over previous rows.
 struct RecursiveRows
 {
     std::string name; ///< SQLite's, unique within the statement
     QueryPtr anchor;
-    std::vector<QueryPtr> steps; ///< each with the depth as one more column at its end
+    std::vector<QueryPtr> steps; ///< each with the depth as an additional last column
 };
 
-/// The rows found before, as a step of a recursive common table sees them.
+/// The previous rows, as a step of a recursive common table references them.
 struct RecursiveReference
 {
     std::string name;
@@ -234,7 +234,7 @@ struct Source
 
 struct Aggregate
 {
-    std::string function;   ///< SQLite's name: count, min, max or one of the engine's own
+    std::string function;   ///< SQLite's name: count, min, max or an aggregate of the engine
     ExpressionPtr argument; ///< null for COUNT(*)
     bool distinct = false;
     std::vector<ExpressionPtr> more = {}; ///< further arguments
@@ -251,10 +251,10 @@ struct Query
     std::vector<OutputColumn> columns;
     std::vector<OrderItem> orderBy;
     ExpressionPtr limit, offset; ///< may be null
-    bool withTies = false;       ///< rows equal to the last one within the limit come as well
-    bool percent = false;        ///< the limit is a float: that part of the rows
+    bool withTies = false;       ///< includes rows equal to the last one within the limit
+    bool percent = false;        ///< the limit is a percentage of the rows, as a float
 
-    // Two queries combined; the rest is unused then.
+    // Two combined queries; the members below are unused then.
     std::optional<Ast::SetOperator> op;
     QueryPtr left, right;
 

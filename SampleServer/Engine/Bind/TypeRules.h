@@ -6,26 +6,26 @@
 
 namespace SampleServer {
 
-/// Where a type name stands decides the length it has when none is written.
+/// The context of a type name determines the length if none is written.
 enum class TypePlace { Declaration, Cast };
 
-/// The type of a name. Throws EngineError 2715 and others for a name that is no type in that edition.
+/// Resolves a type name. Throws EngineError 2715 and others if the edition has no such type.
 SqlType resolveType(const Ast::TypeName &name, TypePlace place, Edition edition = Edition::Sql2022);
 
-/// Whether the name is that of the type of row versions, which are eight bytes.
+/// Whether the name is that of rowversion, a type of eight bytes.
 bool isRowVersion(const Ast::ObjectName &name);
 
 /// Whether the name is that of a system type.
 bool isSystemType(const Ast::ObjectName &name);
 
-/// The type two values meet in (CASE, UNION, comparison): the one of higher precedence, wide enough for both.
-/// Throws EngineError 206 when neither converts to the other.
+/// Returns the common type of two values (CASE, UNION, comparison): the type of higher precedence, wide
+/// enough for both. Throws EngineError 206 if neither converts to the other.
 SqlType commonType(const SqlType &left, const SqlType &right);
 
-/// Throws EngineError 206, 257 or 529 unless a value of one type may become the other.
+/// Throws EngineError 206, 257 or 529 if values of one type cannot be converted to the other.
 void requireConversion(const SqlType &from, const SqlType &to, bool explicitly);
 
-/// The types of SUM and AVG over a type; `name` is the aggregate an error 8117 names.
+/// The types of SUM and AVG over a type; `name` is the aggregate shown in error 8117.
 SqlType sumType(const SqlType &argument, const std::string &name);
 SqlType averageType(const SqlType &argument);
 

@@ -8,8 +8,8 @@
 
 namespace SampleServer {
 
-/// What a ? of an emitted statement is bound to: a constant, an object of the engine's that SQLite hands back
-/// to it, or an argument of a lateral query. The first two belong to the bound query they were emitted from.
+/// The value bound to a ? of an emitted statement: a constant, an engine object that SQLite passes back, or
+/// an argument of a lateral query. The first two belong to the bound query they were emitted from.
 struct EmittedParameter
 {
     const Bound::Constant *constant = nullptr;
@@ -22,7 +22,7 @@ struct EmittedParameter
     friend bool operator==(const EmittedParameter &left, const EmittedParameter &right);
 };
 
-/// A statement or a part of one in SQLite's language. Every value is a parameter, never part of the text.
+/// A statement or part of one in SQLite's SQL. Every value is a parameter, never part of the text.
 struct Emitted
 {
     std::string sql;
@@ -31,21 +31,21 @@ struct Emitted
     friend bool operator==(const Emitted &, const Emitted &) = default;
 };
 
-/// A query as one SELECT of SQLite; its columns are named c1, c2 ... The query must outlive the result.
+/// Emits a query as one SELECT of SQLite with columns named c1, c2 ... The query must outlive the result.
 Emitted emitQuery(const Bound::Query &query);
-/// A query that runs by itself although it names columns of sources outside: those become parameters, and
-/// are added to `arguments`. `outside` are SQLite's names of these sources.
+/// Emits a query that references columns of outer sources: these become parameters and are added to
+/// `arguments`. `outside` contains SQLite's names of these sources.
 Emitted emitLateral(const Bound::Query &query, const std::set<std::string> &outside,
                     std::vector<Bound::ExpressionPtr> &arguments);
-/// An expression alone, as it would be written in a query.
+/// Emits a single expression as it is written in a query.
 Emitted emitExpression(const Bound::Expression &expression);
-/// SELECT of the given expressions from the sources, for UPDATE and DELETE.
+/// Emits a SELECT of the expressions from the sources, for UPDATE and DELETE.
 Emitted emitSelection(const std::vector<std::string> &plainColumns,
                       const std::vector<Bound::ExpressionPtr> &expressions,
                       const std::vector<Bound::SourcePtr> &from, const Bound::ExpressionPtr &where,
                       const Bound::ExpressionPtr &limit);
 
-/// " COLLATE x" for a type whose values SQLite must not compare byte by byte, otherwise nothing.
+/// " COLLATE x" for types whose values SQLite must not compare byte by byte, otherwise empty.
 std::string collationOf(const SqlType &type);
 
 } // namespace SampleServer

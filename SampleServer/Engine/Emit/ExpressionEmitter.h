@@ -8,11 +8,11 @@ namespace SampleServer {
 
 class QueryEmitter;
 
-/// Writes expressions in SQLite's language.
+/// Emits expressions as SQLite's SQL.
 class ExpressionEmitter
 {
 public:
-    /// `queries` writes subqueries.
+    /// `queries` emits subqueries.
     ExpressionEmitter(StatementText &text, QueryEmitter &queries)
         : m_text(text)
         , m_queries(queries)
@@ -21,7 +21,7 @@ public:
 
     void write(const Bound::Expression &expression);
     void writeList(const std::vector<Bound::ExpressionPtr> &items);
-    /// An item of an ORDER BY with its collation and direction.
+    /// Emits an ORDER BY item with its collation and direction.
     void writeOrder(const Bound::Expression &key, const Bound::OrderItem &item);
 
 private:

@@ -5,8 +5,8 @@
 
 namespace SampleServer {
 
-/// A query that looks at the current row of other sources, as CROSS APPLY has it: run anew for each such row,
-/// whose values are its arguments.
+/// A query that references the current row of other sources, as in CROSS APPLY. It runs for each of these
+/// rows with their values as arguments.
 class LateralQuery : public RowProvider
 {
 public:
@@ -19,7 +19,7 @@ public:
     std::unique_ptr<RowCursor> open(SqliteConnection &connection) const override;
 
 private:
-    const Bound::QueryPtr m_query; ///< what the statement's parameters belong to
+    const Bound::QueryPtr m_query; ///< owns the objects of the statement's parameters
     const Emitted m_statement;
 };
 

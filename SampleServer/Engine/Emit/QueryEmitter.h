@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// Writes queries in SQLite's language.
+/// Emits queries as SQLite's SQL.
 class QueryEmitter
 {
 public:
@@ -22,7 +22,7 @@ public:
     void query(const Bound::Query &query);
     ExpressionEmitter &expressions() { return m_expressions; }
 
-    // The clauses of a SELECT that UPDATE and DELETE find their rows with
+    // The clauses of the SELECT with which UPDATE and DELETE find their rows
     void selection(const std::vector<std::string> &plainColumns,
                    const std::vector<Bound::ExpressionPtr> &expressions);
     void fromAndWhere(const std::vector<Bound::SourcePtr> &from, const Bound::ExpressionPtr &where);
@@ -44,7 +44,7 @@ private:
     StatementText &m_text;
     ExpressionEmitter m_expressions;
     SourceEmitter m_sources;
-    const Bound::Query *m_rankOf = nullptr; ///< whose rows get their place in the order
+    const Bound::Query *m_rankOf = nullptr; ///< whose rows get a rank column
 };
 
 } // namespace SampleServer

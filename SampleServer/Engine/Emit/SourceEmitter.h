@@ -8,18 +8,18 @@ namespace SampleServer {
 
 class QueryEmitter;
 
-/// Writes what stands in a FROM clause in SQLite's language.
+/// Emits the sources of a FROM clause as SQLite's SQL.
 class SourceEmitter
 {
 public:
-    /// `queries` writes derived tables and expressions.
+    /// `queries` emits derived tables and expressions.
     SourceEmitter(StatementText &text, QueryEmitter &queries)
         : m_text(text)
         , m_queries(queries)
     {
     }
 
-    /// `parenthesize` where a join needs parentheses.
+    /// `parenthesize` if a join needs parentheses.
     void write(const Bound::Source &source, bool parenthesize);
 
 private:

@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// A statement of SQLite's while it is written, with the parameters of its text.
+/// Collects the text of an SQLite statement and its parameters.
 class StatementText
 {
 public:
@@ -23,7 +23,7 @@ public:
     void text(const std::string &part) { m_result.sql += part; }
     void parameter(EmittedParameter parameter);
     bool isOutside(const std::string &source) const { return m_outside && m_outside->contains(source); }
-    /// A column of a source outside; the same one each time is one argument.
+    /// Adds a column of an outer source; equal columns share one argument.
     void argument(const Bound::Column &node, const Bound::Expression &expression);
     Emitted take() { return std::move(m_result); }
 
