@@ -16,7 +16,7 @@ struct sqlite3;
 
 namespace SampleServer {
 
-/// A session's temporary tables by name, which compares without regard to case. Not thread-safe.
+/// A session's temporary tables by case-insensitive name. Not thread-safe.
 class TableMap
 {
 public:
@@ -45,8 +45,8 @@ struct ExtendedProperty
     std::string value;
 };
 
-/// One database: its objects, and the SQLite connection that keeps its rows in memory while no session uses
-/// it. Thread-safe; callers that change definitions hold the database's schema lock.
+/// A database: its objects, and the SQLite connection that keeps its rows in memory while no session uses it.
+/// Thread-safe; callers that change definitions hold the database's schema lock.
 class Database
 {
 public:
@@ -58,19 +58,19 @@ public:
     int id() const { return m_id; }
     std::string name() const;
     void rename(const std::string &name);
-    /// Where SQLite finds it: attach this.
+    /// The SQLite URI to attach.
     const std::string &uri() const { return m_uri; }
     const DateTimeValue &created() const { return m_created; }
 
-    /// Null when there is no such object.
+    /// Returns null if the object does not exist.
     ObjectPtr find(std::string_view schema, std::string_view name) const;
     ObjectPtr find(std::int64_t id) const;
     TablePtr findTable(std::string_view schema, std::string_view name) const;
     TablePtr findTable(std::int64_t id) const;
-    /// The table that a constraint of that name, or id, belongs to; null when there is none.
+    /// Returns the table of the constraint with this name or id; null if there is none.
     TablePtr findConstraint(std::string_view schema, std::string_view name) const;
     TablePtr findConstraint(std::int64_t id) const;
-    /// Whether an object or a constraint has the name.
+    /// Whether an object or a constraint has this name.
     bool isTaken(std::string_view schema, std::string_view name) const;
     std::vector<ObjectPtr> objects() const; ///< by id
     std::vector<TablePtr> referencing(std::int64_t table) const;
@@ -93,7 +93,7 @@ public:
     std::vector<ExtendedProperty> properties() const;
     void setProperties(std::vector<ExtendedProperty> properties);
 
-    std::atomic<int> users{0}; ///< sessions whose current database it is
+    std::atomic<int> users{0}; ///< number of sessions using it as current database
 
 private:
     void note(const ObjectPtr &object, bool present);
@@ -102,14 +102,14 @@ private:
     const std::string m_uri;
     const DateTimeValue m_created;
     sqlite3 *m_anchor = nullptr;
-    mutable std::mutex m_mutex; ///< guards what follows
+    mutable std::mutex m_mutex; ///< guards the members below
     std::string m_name;
     std::map<std::string, ObjectPtr> m_byName; ///< by folded schema and name
     std::map<std::int64_t, ObjectPtr> m_byId;
     std::map<std::string, std::int64_t> m_constraints;         ///< folded schema and name: the table's id
     std::map<std::int64_t, std::int64_t> m_constraintIds;      ///< the table's id
     std::map<std::int64_t, std::set<std::int64_t>> m_children; ///< of a table: those with foreign keys to it
-    std::map<std::int64_t, std::set<std::int64_t>> m_triggers; ///< of a table or view
+    std::map<std::int64_t, std::set<std::int64_t>> m_triggers; ///< by table or view
     std::map<std::string, Schema> m_schemas;                   ///< by folded name
     std::map<std::string, UserTypePtr> m_types;                ///< by folded schema and name
     std::vector<ExtendedProperty> m_properties;
@@ -122,13 +122,13 @@ using DatabasePtr = std::shared_ptr<Database>;
 class DatabaseList
 {
 public:
-    /// Null when there is none of that name.
+    /// Returns null if the database does not exist.
     DatabasePtr find(std::string_view name) const;
     DatabasePtr find(int id) const;
     std::vector<DatabasePtr> all() const; ///< by id
-    /// Null when the name is taken.
+    /// Returns null if the name is taken.
     DatabasePtr create(const std::string &name);
-    /// False when the name is taken.
+    /// Returns false if the name is taken.
     bool rename(Database &database, const std::string &name);
     void erase(const Database &database);
 

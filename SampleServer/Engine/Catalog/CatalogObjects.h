@@ -4,7 +4,7 @@
 
 namespace SampleServer {
 
-/// An object as sys.objects lists it: those with a definition of their own, and constraints.
+/// A row of sys.objects: an object with its own definition, or a constraint.
 struct ObjectRow
 {
     std::int64_t id = 0, parent = 0;
@@ -12,7 +12,7 @@ struct ObjectRow
     int schema = 1;
     std::string_view code; ///< "U", "V", "PK" ...
     DateTimeValue created, modified;
-    ObjectPtr object; ///< keeps alive what the pointers below refer to
+    ObjectPtr object; ///< owns the objects that the pointers below refer to
 
     const Table *table = nullptr;
     const Module *module = nullptr;
@@ -21,7 +21,7 @@ struct ObjectRow
     const CheckConstraint *check = nullptr;
     const TableColumn *column = nullptr; ///< of a default
 
-    std::string definition() const; ///< empty when there is none, or it is encrypted
+    std::string definition() const; ///< empty if there is none or it is encrypted
     bool isEncrypted() const;
     bool isDisabled() const;
     bool isNotTrusted() const;
@@ -31,11 +31,11 @@ struct ObjectRow
 };
 
 std::vector<ObjectRow> listObjects(const CatalogContext &context);
-/// The database's objects and table types.
+/// Returns the database's objects and table types.
 std::vector<ObjectPtr> allObjects(const CatalogContext &context);
 /// "USER_TABLE" for "U".
 std::string typeDescription(std::string_view code);
-/// The code with blanks up to two characters, as char(2) has it.
+/// Pads the code with blanks to two characters, as char(2).
 std::string padded(std::string_view code);
 /// The code of a kind of object.
 std::string_view codeOf(ObjectKind kind);

@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// What a table of the catalog is made from.
+/// The input of catalog tables.
 struct CatalogContext
 {
     DatabasePtr database;
@@ -18,8 +18,8 @@ struct CatalogContext
     SqliteConnection &connection;
 };
 
-/// The rows of one table of the catalog, computed when they are read. The catalog's views are written in SQL
-/// over these tables.
+/// A catalog table whose rows are computed when they are read. The catalog views are SQL queries over these
+/// tables.
 class CatalogTable
 {
 public:
@@ -28,16 +28,16 @@ public:
     virtual std::shared_ptr<const RowProvider> rows(const CatalogContext &context) const = 0;
 };
 
-// The tables with a source file each.
+// Tables with separate source files
 const CatalogTable &indexesTable();
 const CatalogTable &indexColumnsTable();
 const CatalogTable &foreignKeysTable();
 const CatalogTable &foreignKeyColumnsTable();
 
-/// The table of a name ("objects$"); null when there is none.
+/// Returns the table with this name ("objects$"); null if there is none.
 const CatalogTable *findCatalogTable(std::string_view name);
 
-/// Rows by their number, with an index on every column that is compared.
+/// Rows by number, with an index on every compared column.
 class IndexedRows : public RowProvider
 {
 public:
@@ -48,15 +48,15 @@ public:
     virtual const SqlType &type(std::size_t column) const = 0;
     virtual Value value(std::size_t row, std::size_t column) const = 0;
 
-    /// The rows whose column has a value; null when the value is of no kind that is indexed.
+    /// Returns the rows with this column value; null if values of its kind are not indexed.
     const std::vector<std::size_t> *find(std::size_t column, sqlite3_value *value) const;
 
 private:
     using Index = std::unordered_map<std::string, std::vector<std::size_t>>;
-    mutable std::unordered_map<std::size_t, Index> m_indexes; ///< by column; one thread at a time
+    mutable std::unordered_map<std::size_t, Index> m_indexes; ///< by column; used by one thread at a time
 };
 
-/// A table whose rows are objects of a type, and its columns functions of them.
+/// A table whose rows are objects of a type and whose columns are functions of them.
 template <typename Row>
 class TypedCatalogTable : public CatalogTable
 {

@@ -3,7 +3,7 @@
 #include "Engine/Catalog/CatalogTable.h"
 #include "Types/TypeTraits.h"
 
-// What the catalog's tables are made of: types and values of their columns.
+// Column types and values for catalog tables.
 namespace SampleServer::CatalogValues {
 
 inline constexpr SqlType Bit{TypeId::Bit}, TinyInt{TypeId::TinyInt}, SmallInt{TypeId::SmallInt},

@@ -28,9 +28,9 @@ struct Module : SchemaObject
     bool quotedIdentifiers = true;
     std::vector<ModuleParameter> parameters;
     SqlType result;                   ///< of a scalar function
-    std::vector<TableColumn> columns; ///< of a view or a table function, as they were when it was made
-    TablePtr resultTable;             ///< what a multi-statement function fills
-    TablePtr indexed;                 ///< of a view: its columns and indexes as a table's; null without any
+    std::vector<TableColumn> columns; ///< of a view or table function, as of its creation
+    TablePtr resultTable;             ///< filled by a multi-statement function
+    TablePtr indexed;                 ///< of a view: its columns and indexes as a table; null without indexes
 
     // Triggers
     std::int64_t parent = 0; ///< object id of the table or view

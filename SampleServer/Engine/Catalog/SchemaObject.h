@@ -20,7 +20,7 @@ enum class ObjectKind {
     TableType,
 };
 
-/// What has a name in a schema of a database. Definitions are immutable: a change makes a new one.
+/// A named object in a schema of a database. Definitions are immutable: a change creates a new one.
 struct SchemaObject
 {
     explicit SchemaObject(ObjectKind objectKind = ObjectKind::Table)
@@ -40,10 +40,10 @@ struct SchemaObject
 };
 using ObjectPtr = std::shared_ptr<const SchemaObject>;
 
-/// An expression of a definition: how it was read, and the text that the catalog shows.
+/// An expression of a definition: its syntax tree and the text that the catalog shows.
 struct DefinedExpression
 {
-    std::shared_ptr<const Ast::Expression> expression; ///< null where there is none
+    std::shared_ptr<const Ast::Expression> expression; ///< null if there is none
     std::string text;
 
     explicit operator bool() const { return expression != nullptr; }
@@ -51,10 +51,10 @@ struct DefinedExpression
 
 enum class ReferentialAction { NoAction, Cascade, SetNull, SetDefault };
 
-/// The name of a constraint, which is an object as well.
+/// The name of a constraint, which is also an object.
 struct ConstraintName
 {
-    std::string name; ///< empty where there is no constraint
+    std::string name; ///< empty if there is no constraint
     std::int64_t id = 0;
     bool systemNamed = false;
 };
@@ -69,7 +69,7 @@ struct Synonym : SchemaObject
     std::string targetText; ///< as the catalog shows it: [shop].[dbo].[t]
 };
 
-/// A type that CREATE TYPE made: another name for a system type, or a kind of table.
+/// A type created with CREATE TYPE: an alias of a system type, or a table type.
 struct UserType
 {
     int id = 0; ///< user_type_id, from 257
@@ -77,11 +77,11 @@ struct UserType
     std::string name;
     SqlType base;
     bool nullable = true;
-    ObjectPtr table; ///< the Table that a table type describes, else null
+    ObjectPtr table; ///< the Table of a table type, otherwise null
 };
 using UserTypePtr = std::shared_ptr<const UserType>;
 
-/// A new object id, unique within the process.
+/// Returns a new object id, unique within the process.
 std::int64_t newObjectId();
 
 } // namespace SampleServer

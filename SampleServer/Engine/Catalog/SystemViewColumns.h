@@ -8,10 +8,10 @@
 
 namespace SampleServer {
 
-/// Gives the columns of another view of the catalog by its name.
+/// Returns the columns of another catalog view by name.
 using FindColumns = std::function<std::vector<TableColumn>(const Ast::ObjectName &name)>;
 
-/// The columns of a view of the catalog by its text, without binding it.
+/// Derives the columns of a catalog view from its text, without binding it.
 std::vector<TableColumn> systemViewColumns(const Ast::Select &query, const FindColumns &columnsOf);
 
 } // namespace SampleServer

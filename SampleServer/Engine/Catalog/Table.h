@@ -12,14 +12,14 @@ namespace SampleServer {
 struct TableColumn
 {
     std::string name;
-    int id = 1;      ///< from 1, never given again
+    int id = 1;      ///< from 1, never reused
     int storage = 1; ///< SQLite's name of the column is "c" and this number
     SqlType type;
-    UserTypePtr userType; ///< the alias type it was declared with; null for a system type
+    UserTypePtr userType; ///< its declared alias type; null for a system type
     bool nullable = true;
     bool identity = false;
     bool rowGuid = false;
-    bool rowVersion = false; ///< gets a new number whenever its row changes
+    bool rowVersion = false; ///< gets a new number when its row changes
     bool sparse = false;
     bool persisted = false;
     DefinedExpression defaultValue;
@@ -29,7 +29,7 @@ struct TableColumn
     std::string physicalName() const { return 'c' + std::to_string(storage); }
 };
 
-/// An index, or the index that stands behind a PRIMARY KEY or UNIQUE constraint.
+/// An index, including that of a PRIMARY KEY or UNIQUE constraint.
 struct TableIndex
 {
     enum class Role { Index, PrimaryKey, UniqueConstraint };
@@ -43,11 +43,11 @@ struct TableIndex
     bool ignoresDuplicates = false;
     bool padded = false;
     int fillFactor = 0;
-    std::vector<std::size_t> columns; ///< places in Table::columns
+    std::vector<std::size_t> columns; ///< positions in Table::columns
     std::vector<bool> descending;     ///< one per column
     std::vector<std::size_t> included;
     DefinedExpression filter;
-    std::string physicalName; ///< SQLite's name; empty where the engine itself looks for duplicates
+    std::string physicalName; ///< SQLite's name; empty if the engine itself checks for duplicates
 
     bool isClustered() const { return id == 1; }
     bool isKey() const { return role != Role::Index; }
@@ -56,7 +56,7 @@ struct TableIndex
 struct ForeignKey
 {
     ConstraintName constraint;
-    std::vector<std::size_t> columns;   ///< places in Table::columns
+    std::vector<std::size_t> columns;   ///< positions in Table::columns
     std::int64_t referencedTable = 0;   ///< its object id
     std::vector<int> referencedColumns; ///< their ids
     ReferentialAction onDelete = ReferentialAction::NoAction;
@@ -69,12 +69,12 @@ struct CheckConstraint
 {
     ConstraintName constraint;
     DefinedExpression condition;
-    int columnId = 0; ///< of the column it was written for; 0 for the table
+    int columnId = 0; ///< the column that declares it; 0 for a table constraint
     bool enabled = true;
     bool trusted = true;
 };
 
-/// The numbers an IDENTITY column hands out. They are not taken back by a rollback. Guarded by its own lock.
+/// Generates the numbers of an IDENTITY column. A rollback does not return them. Guarded by its own lock.
 class IdentityCounter
 {
 public:
@@ -86,12 +86,12 @@ public:
     }
 
     std::int64_t take();
-    /// Moves on when a row was inserted with a value of its own.
+    /// Advances after a row with an explicit value was inserted.
     void sawExplicit(std::int64_t value);
     void restart();
     std::int64_t seed() const { return m_seed; }
     std::int64_t increment() const { return m_increment; }
-    /// The number given last; empty before the first.
+    /// The last generated number; empty before the first.
     std::optional<std::int64_t> last() const;
 
 private:
@@ -107,7 +107,7 @@ struct Table : SchemaObject
 {
     std::int64_t storage = 0;
     bool isStored =
-        true; ///< false: SQLite's table is made when a statement first needs it, and there are no rows
+        true; ///< false: SQLite's table is created when a statement first needs it; it has no rows yet
     std::vector<TableColumn> columns;
     std::vector<TableIndex> indexes;
     std::vector<ForeignKey> foreignKeys;
@@ -116,17 +116,17 @@ struct Table : SchemaObject
     int lastColumnId = 0;
 
     std::string physicalName() const { return 't' + std::to_string(storage); }
-    /// The place of a column by name, empty when there is none.
+    /// Returns the position of a column by name; empty if there is none.
     std::optional<std::size_t> findColumn(std::string_view columnName) const;
     std::optional<std::size_t> findColumnById(int columnId) const;
     const TableIndex *findIndex(std::string_view indexName) const;
     const TableIndex *primaryKey() const;
-    /// The names of all its constraints.
+    /// Returns the names of all constraints of the table.
     std::vector<const ConstraintName *> constraints() const;
 };
 using TablePtr = std::shared_ptr<const Table>;
 
-/// The next number of a rowversion column: eight bytes, greater than all before.
+/// Returns the next number of a rowversion column: eight bytes, greater than all before.
 Value nextRowVersion();
 
 } // namespace SampleServer
