@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// Whether T-SQL converts one type to another, and whether it does so unasked.
+/// Whether T-SQL converts one type to another, and whether implicitly.
 enum class ConversionKind { NotAllowed, Explicit, Implicit };
 ConversionKind conversionKind(TypeId from, TypeId to);
 
@@ -18,12 +18,13 @@ struct ConversionOptions
     DateOrder dateOrder = DateOrder::MonthDayYear;
 };
 
-/// The value as CAST and CONVERT give it: text and binary are cut to the length of `to`, fixed lengths
-/// padded. NULL stays NULL. Throws EngineError 220, 232, 241, 242, 245, 529, 8114, 8115 and others.
+/// Converts a value like CAST and CONVERT: text and binary are truncated to the length of `to`, fixed lengths
+/// are padded. NULL stays NULL. Throws EngineError 220, 232, 241, 242, 245, 529, 8114, 8115 and others.
 Value convertValue(const Value &value, const SqlType &from, const SqlType &to,
                    const ConversionOptions &options = {});
 
-// One function per family of targets; `value` is not NULL and `from` no sql_variant. convertValue() chooses.
+// One function per family of target types, called by convertValue(). `value` is not NULL and `from` is not
+// sql_variant.
 Value convertToInteger(const Value &value, const SqlType &from, const SqlType &to);
 Value convertToFloat(const Value &value, const SqlType &from, const SqlType &to);
 Value convertToDecimal(const Value &value, const SqlType &from, const SqlType &to);
@@ -33,9 +34,9 @@ Value convertToDateTime(const Value &value, const SqlType &from, const SqlType &
 Value convertToText(const Value &value, const SqlType &from, const SqlType &to, int style);
 Value convertToBinary(const Value &value, const SqlType &from, const SqlType &to, int style);
 
-/// The text of a value in full, before it is cut to a column's length.
+/// The complete text of a value, before it is truncated to a column's length.
 std::string textOf(const Value &value, const SqlType &from, int style);
-/// The number that a datetime or smalldatetime is in arithmetic: days since 1900-01-01.
+/// The numeric value of a datetime or smalldatetime in arithmetic: days since 1900-01-01.
 double toDayNumber(const DateTimeValue &value);
 DateTimeValue fromDayNumber(double days);
 

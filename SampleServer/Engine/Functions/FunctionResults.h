@@ -4,7 +4,7 @@
 #include "Engine/Functions/Functions.h"
 #include "Types/TypeTraits.h"
 
-/// Result types that many built-in functions have, and values as they take and give them.
+/// Common result types of built-in functions, and conversions of their arguments and results.
 namespace SampleServer::Functions {
 
 inline constexpr SqlType SysName{TypeId::NVarChar, 128, 0, 0};
@@ -29,34 +29,34 @@ inline SqlType identityResult(const ArgumentList &)
 {
     return {TypeId::Decimal, 0, 38, 0};
 }
-/// A message's text.
+/// The type of a message text.
 inline SqlType messageResult(const ArgumentList &)
 {
     return {TypeId::NVarChar, 4000, 0, 0};
 }
 
-/// A value as a sql_variant.
+/// Wraps a value in a sql_variant.
 inline Value variant(const SqlType &type, Value value)
 {
     return std::make_shared<const VariantValue>(VariantValue{type, std::move(value)});
 }
-/// 1 or 0.
+/// Returns 1 or 0.
 inline Value truth(bool value)
 {
     return std::int64_t{value};
 }
-/// Of an integer that is not NULL.
+/// The value of an integer that is not NULL.
 inline std::int64_t number(const Value &value)
 {
     return std::get<std::int64_t>(value);
 }
-/// Of text that is not NULL.
+/// The value of a text that is not NULL.
 inline const std::string &text(const Value &value)
 {
     return std::get<std::string>(value);
 }
 
-/// A function that is always true.
+/// A function that always returns true.
 inline Value yes(EvaluationContext &, const Bound::Operation &, Arguments)
 {
     return std::int64_t{1};

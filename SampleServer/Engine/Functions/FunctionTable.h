@@ -9,13 +9,13 @@ namespace SampleServer::Functions {
 
 using ArgumentList = std::vector<Bound::ExpressionPtr>;
 
-/// A built-in function with a fixed shape.
+/// A built-in function with a fixed signature.
 struct Builtin
 {
     std::string_view name; ///< upper case
     int least, most;       ///< number of arguments
-    /// One letter per argument, the last one for all that follow: t text, i int, f float, n number, d date or
-    /// time, a as it is.
+    /// One letter per argument, the last one for all further arguments: t text, i int, f float, n number, d
+    /// date or time, a any type unchanged.
     std::string_view parameters;
     SqlType (*result)(const ArgumentList &arguments);
     Bound::ScalarFunction function;
@@ -23,7 +23,7 @@ struct Builtin
     bool foldable = true;
 };
 
-// One table per subject.
+// One table per topic
 std::span<const Builtin> stringFunctions();
 std::span<const Builtin> mathFunctions();
 std::span<const Builtin> textFunctions();
@@ -34,7 +34,7 @@ std::span<const Builtin> sessionFunctions();
 std::span<const Builtin> metadataFunctions();
 std::span<const Builtin> nameFunctions();
 
-/// The function of an upper-case name; null when there is none.
+/// Returns the function with an upper-case name; null if there is none.
 const Builtin *findBuiltin(std::string_view name);
 
 } // namespace SampleServer::Functions

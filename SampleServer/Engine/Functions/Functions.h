@@ -6,7 +6,7 @@ namespace SampleServer {
 
 class Binder;
 
-/// The computations behind operators and built-in functions. Each has the shape of Bound::ScalarFunction.
+/// Implementations of operators and built-in functions. Each has the signature of Bound::ScalarFunction.
 namespace Functions {
 
 using Arguments = std::span<const Value>;
@@ -30,21 +30,21 @@ Value negate(EvaluationContext &, const Bound::Operation &, Arguments);
 /// A sum divided by a count, at the result's scale; NULL for no rows.
 Value average(EvaluationContext &, const Bound::Operation &, Arguments);
 
-/// A built-in function by name (any case) on bound arguments. Throws 195 for an unknown one, 174 for a wrong
-/// number.
+/// Binds a built-in function by name (any case) and arguments. Throws 195 for an unknown name, 174 for a
+/// wrong number of arguments.
 Bound::ExpressionPtr bindBuiltin(Binder &binder, const std::string &name,
                                  std::vector<Bound::ExpressionPtr> arguments);
-/// DATEADD and the others whose first argument names a part of a date. Throws 155 for an unknown part.
+/// Binds DATEADD and other functions whose first argument is a date part. Throws 155 for an unknown part.
 Bound::ExpressionPtr bindDatePartFunction(Binder &binder, const std::string &name, const std::string &part,
                                           std::vector<Bound::ExpressionPtr> arguments);
 bool takesDatePart(const std::string &name);
-/// Whether an upper-case name is that of a function without a window.
+/// Whether an upper-case name is that of a built-in function without a window.
 bool isBuiltin(std::string_view name);
-/// SQLite's name of the function that sums up to a type.
+/// SQLite's name of the function that calculates sums of a type.
 std::string sumFunction(const SqlType &result);
-/// The text that an XML fragment holds: what value('.') gives.
+/// The text content of an XML fragment, the result of value('.').
 Value xmlText(EvaluationContext &, const Bound::Operation &, Arguments);
-/// A global variable such as @@ROWCOUNT. Throws 137 for an unknown one.
+/// Binds a global variable such as @@ROWCOUNT. Throws 137 for an unknown one.
 Bound::ExpressionPtr bindGlobalVariable(Binder &binder, const std::string &name);
 
 } // namespace Functions

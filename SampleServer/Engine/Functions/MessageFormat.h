@@ -14,9 +14,9 @@ struct MessageArgument
     Value value;
 };
 
-/// The text of RAISERROR with its placeholders filled: %s %d %i %u %x %X %o %%, with flags, width and
-/// precision. NULL is written as (null). Throws EngineError 2786 when an argument does not fit its
-/// placeholder and 2787 for an invalid placeholder.
+/// Formats the text of RAISERROR: %s %d %i %u %x %X %o %%, with flags, width and precision. NULL is written
+/// as (null). Throws EngineError 2786 if an argument does not fit its placeholder and 2787 for an invalid
+/// placeholder.
 std::string formatMessage(const std::string &format, const std::vector<MessageArgument> &arguments);
 
 } // namespace SampleServer

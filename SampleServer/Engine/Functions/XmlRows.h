@@ -9,7 +9,7 @@
 
 namespace SampleServer {
 
-/// How FOR XML turns rows into text.
+/// The options of FOR XML.
 struct XmlShape
 {
     struct Column
@@ -26,7 +26,7 @@ struct XmlShape
 /// Adds one row to the text.
 void appendXmlRow(std::string &xml, const XmlShape &shape, std::span<const Value> values);
 
-/// What the path '.' gives of an XML fragment: its text without tags, entities resolved.
+/// The value of the path '.' in an XML fragment: its text without tags, with entities resolved.
 std::string textOfXml(std::string_view xml);
 
 } // namespace SampleServer
