@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-// The expressions of a batch as they were written, before names and types are resolved.
+// Syntax trees of expressions, before names and types are resolved.
 namespace SampleServer::Ast {
 
 struct Expression;
@@ -18,29 +18,29 @@ using ExpressionPtr = std::unique_ptr<Expression>;
 struct Select;
 using SelectPtr = std::unique_ptr<Select>;
 
-/// A name of one to four parts; parts left out ("db..t") are empty.
+/// A name of one to four parts; omitted parts ("db..t") are empty.
 struct ObjectName
 {
     std::vector<std::string> parts;
     bool isVariable =
         false; ///< @name: a table variable. [@name] is a table, type or procedure like any other
 
-    /// Whether a table of this name belongs to the session alone: a table variable, or #name but not ##name.
+    /// Whether a table of this name is local to the session: a table variable, or #name but not ##name.
     bool isTemporaryTable() const
     {
         return isVariable || (object().starts_with('#') && !object().starts_with("##"));
     }
     const std::string &object() const { return parts.back(); }
-    /// The part `fromEnd` places before the object (1: schema, 2: database), empty when there is none.
+    /// The part `fromEnd` positions before the object (1: schema, 2: database); empty if there is none.
     std::string qualifier(std::size_t fromEnd) const
     {
         return parts.size() > fromEnd ? parts[parts.size() - 1 - fromEnd] : std::string();
     }
-    /// As error texts show it: the parts with dots between them.
+    /// The parts joined with dots, as in error texts.
     std::string toString() const;
 };
 
-/// A data type as it was written: varchar(10), decimal(9, 2), nvarchar(max).
+/// A data type as written: varchar(10), decimal(9, 2), nvarchar(max).
 struct TypeName
 {
     ObjectName name;
@@ -58,7 +58,7 @@ struct Window
 {
     std::vector<ExpressionPtr> partition;
     std::vector<OrderItem> order;
-    std::string frame; ///< in upper case as SQLite takes it too; empty for the default
+    std::string frame; ///< in upper case, in SQLite's syntax too; empty for the default
 };
 
 struct Literal
@@ -183,7 +183,7 @@ struct Case
     ExpressionPtr otherwise; ///< may be null
 };
 
-/// CAST and CONVERT and their TRY_ forms.
+/// CAST, CONVERT, TRY_CAST and TRY_CONVERT.
 struct Cast
 {
     ExpressionPtr operand;
@@ -214,14 +214,14 @@ struct MethodCall
 struct Expression
 {
     int line = 1;
-    int depth = 1; ///< how many expressions it nests, itself included
+    int depth = 1; ///< nesting depth of the expression, including itself
     std::variant<Literal, ColumnReference, VariableReference, GlobalVariableReference, Unary, Arithmetic,
                  Bitwise, Comparison, QuantifiedComparison, Logical, Not, IsNull, Between, InList, InQuery,
                  Like, Exists, ScalarQuery, Case, Cast, FunctionCall, MethodCall>
         node;
 };
 
-/// Whether the expression is a condition (true, false or unknown), which is no value in T-SQL.
+/// Whether the expression is a condition (true, false or unknown), which is not a value in T-SQL.
 bool isCondition(const Expression &expression);
 
 } // namespace SampleServer::Ast

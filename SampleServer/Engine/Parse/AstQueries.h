@@ -2,13 +2,13 @@
 
 #include "Engine/Parse/AstExpressions.h"
 
-// The queries of a batch as they were written.
+// Syntax trees of queries.
 namespace SampleServer::Ast {
 
 struct SelectItem
 {
     ExpressionPtr expression;       ///< null for a star
-    std::string alias;              ///< empty when none was given
+    std::string alias;              ///< empty if not given
     std::optional<ObjectName> star; ///< set for * (no parts) and t.*
     std::string variable;           ///< @x = expression assigns, empty otherwise
 };
@@ -50,7 +50,7 @@ struct Join
 struct TableSource
 {
     int line = 1;
-    std::string alias;                ///< empty when none was given
+    std::string alias;                ///< empty if not given
     std::vector<std::string> columns; ///< names given after the alias
     std::variant<NamedTable, DerivedTable, ValuesTable, FunctionTable, Join> node;
 };
@@ -76,12 +76,12 @@ struct QuerySpecification
 
 enum class SetOperator { Union, UnionAll, Except, Intersect };
 
-/// One query, or two combined.
+/// A query, or two combined queries.
 struct Query
 {
     int line = 1;
     QuerySpecification specification;
-    std::optional<SetOperator> op; ///< set: left op right, and specification is unused
+    std::optional<SetOperator> op; ///< if set: left op right, and specification is unused
     std::unique_ptr<Query> left, right;
 };
 
@@ -110,7 +110,7 @@ struct CommonTable
 struct ForXml
 {
     std::string rowTag = "row";
-    std::string root; ///< empty when there is none
+    std::string root; ///< empty if there is none
     bool typed = false;
     bool attributes = false; ///< FOR XML RAW: columns become attributes
 };

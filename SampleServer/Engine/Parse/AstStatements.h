@@ -2,7 +2,7 @@
 
 #include "Engine/Parse/AstDefinitions.h"
 
-// The statements of a batch as they were written.
+// Syntax trees of statements.
 namespace SampleServer::Ast {
 
 struct Insert
@@ -10,7 +10,7 @@ struct Insert
     ObjectName table;
     std::vector<std::string> columns; ///< empty: all
     std::optional<Top> top;
-    /// A null expression is DEFAULT. Empty when the rows come from `query` or DEFAULT VALUES.
+    /// A null expression is DEFAULT. Empty if the rows come from `query` or DEFAULT VALUES.
     std::vector<std::vector<ExpressionPtr>> rows;
     SelectPtr query;
     StatementPtr execute; ///< INSERT ... EXEC
@@ -19,7 +19,7 @@ struct Insert
 
 struct Assignment
 {
-    std::string column;   ///< empty when only a variable is assigned
+    std::string column;   ///< empty if only a variable is assigned
     std::string variable; ///< @x = column = expression, empty otherwise
     ExpressionPtr value;  ///< null: DEFAULT
 };
@@ -67,7 +67,8 @@ struct SetVariable
     ExpressionPtr value;
 };
 
-/// SET option[, option] value, the words in upper case; a value that is an expression is in `expression`.
+/// SET option[, option] value, the keywords in upper case; if the value is an expression, it is in
+/// `expression`.
 struct SetOption
 {
     std::vector<std::string> options;
@@ -116,7 +117,7 @@ struct TryCatch
     Block body, handler;
 };
 
-/// THROW number, message, state; all null where the caught error is thrown again.
+/// THROW number, message, state; all null to rethrow the caught error.
 struct Throw
 {
     ExpressionPtr number, message, state;
@@ -149,7 +150,7 @@ struct Transaction
 {
     enum class Kind { Begin, Commit, Rollback, Save };
     Kind kind;
-    std::string name; ///< empty when none was given; with its @ where a variable holds it
+    std::string name; ///< empty if not given; with its @ if a variable contains it
 };
 
 /// EXEC ('text') and EXEC procedure arguments.

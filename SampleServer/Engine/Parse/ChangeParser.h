@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads INSERT, UPDATE and DELETE.
+/// Parses INSERT, UPDATE and DELETE.
 class ChangeParser : private TokenReader
 {
 public:

@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads CREATE, ALTER and DROP, except of modules and of what a table consists of.
+/// Parses CREATE, ALTER and DROP, except for modules and the elements of tables.
 class DefinitionParser : private TokenReader
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// The text of an expression as the catalog shows it, in parentheses: ([Price]>(0)), (getdate()).
+/// Formats an expression as the catalog shows it, in parentheses: ([Price]>(0)), (getdate()).
 std::string definitionText(std::span<const Token> tokens);
 
 } // namespace SampleServer

@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads expressions and conditions.
+/// Parses expressions and conditions.
 class ExpressionParser : private TokenReader
 {
 public:

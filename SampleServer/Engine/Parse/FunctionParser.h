@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads calls, CASE, CAST, windows and methods of xml.
+/// Parses calls, CASE, CAST, windows and methods of xml.
 class FunctionParser : private TokenReader
 {
 public:
@@ -26,7 +26,7 @@ private:
     Ast::Window parseWindow();
     std::string parseFrame();
 
-    /// The type that a text names.
+    /// Parses a type from a text.
     Ast::TypeName typeOf(const std::string &text);
 
     Parsers &m_parsers;

@@ -26,19 +26,19 @@ enum class TokenKind {
 struct Token
 {
     TokenKind kind = TokenKind::End;
-    std::string_view source; ///< as it stands in the batch; the last token's for End
+    std::string_view source; ///< the token's text in the batch; that of the last token for End
     std::string value;   ///< decoded: identifier or text without quotes, digits without 0x or currency sign
-    std::string keyword; ///< a word in ASCII upper case, empty for every other kind
+    std::string keyword; ///< an identifier in ASCII upper case; empty for other kinds
     int line = 1;        ///< where it starts, from 1
     std::size_t offset = 0; ///< in bytes from the start of the batch
 };
 
-/// Splits a batch (UTF-8) into tokens; comments, which nest, are left out. The tokens refer to `sql`.
-/// With `quotedIdentifiers` off, "text" is a string. The last token is End.
-/// Throws EngineError 102, 103, 105, 113 and 1038.
+/// Splits a batch (UTF-8) into tokens and skips comments, which nest. The tokens refer to `sql`. With
+/// `quotedIdentifiers` off, "text" is a string. The last token is End. Throws EngineError 102, 103, 105, 113
+/// and 1038.
 std::vector<Token> tokenize(std::string_view sql, bool quotedIdentifiers);
 
-/// Whether a word (in ASCII upper case) is reserved, so that it cannot be a name without quotes.
+/// Whether an identifier (in ASCII upper case) is reserved, so that it cannot be a name without quotes.
 bool isReservedWord(std::string_view upperCaseWord);
 
 } // namespace SampleServer

@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads constants.
+/// Parses constants.
 class LiteralParser : private TokenReader
 {
 public:

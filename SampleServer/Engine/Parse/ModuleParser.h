@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads CREATE and ALTER of views, procedures, functions and triggers.
+/// Parses CREATE and ALTER of views, procedures, functions and triggers.
 class ModuleParser : private TokenReader
 {
 public:

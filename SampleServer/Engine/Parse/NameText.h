@@ -4,9 +4,9 @@
 
 namespace SampleServer {
 
-/// A name in text, as OBJECT_ID takes it, "[my schema].t"; without parts when the text is no name.
+/// Parses a name in the format of OBJECT_ID, "[my schema].t"; without parts if the text is not a name.
 Ast::ObjectName nameFromText(const std::string &text);
-/// A part of a name in brackets.
+/// Returns a part of a name in brackets.
 std::string quotedName(const std::string &name);
 
 } // namespace SampleServer

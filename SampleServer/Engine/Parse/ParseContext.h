@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// What the parsers of one batch share: its tokens, the place in them, and what is allowed there.
+/// State shared by the parsers of one batch: the tokens, the current position, and what is allowed there.
 struct ParseContext
 {
     std::string_view sql;
@@ -20,13 +20,13 @@ struct ParseContext
     int nesting = 0;
     int setOperators = 0; ///< of the statement
     int statementLine = 1;
-    int loops = 0;                        ///< how many WHILE loops are around
-    std::string module;                   ///< the one that is defined here, for errors
+    int loops = 0;                        ///< number of enclosing WHILE loops
+    std::string module;                   ///< the module being defined, for errors
     bool allowsColumns = true;            ///< not in DEFAULT
     bool allowsSubqueries = true;         ///< not in constraints and PRINT
     std::set<std::string> declared;       ///< folded names of the variables declared so far
     std::set<std::string> declaredTables; ///< likewise of table variables
-    std::set<std::string> mayBeTables;    ///< declared with what may be a table type
+    std::set<std::string> mayBeTables;    ///< declared with a type that may be a table type
     bool mayReturnValue = false;          ///< RETURN takes a value here
 };
 

@@ -17,7 +17,7 @@ struct ParserOptions
     Edition edition = Edition::Sql2022;
 };
 
-/// Reads a batch into its statements. Throws EngineError (102, 137, 156 ...) with the line it happened on.
+/// Parses a batch into statements. Throws EngineError (102, 137, 156 ...) with its line.
 std::vector<Ast::StatementPtr> parseBatch(std::string_view sql, const ParserOptions &options);
 
 } // namespace SampleServer

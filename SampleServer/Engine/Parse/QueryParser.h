@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads SELECT with its clauses.
+/// Parses SELECT with its clauses.
 class QueryParser : private TokenReader
 {
 public:

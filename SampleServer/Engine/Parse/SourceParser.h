@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads FROM clauses.
+/// Parses FROM clauses.
 class SourceParser : private TokenReader
 {
 public:

@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads the statements of a batch: control flow and session statements itself, the rest by the other
+/// Parses the statements of a batch: control flow and session statements itself, the rest with the other
 /// parsers.
 class StatementParser : private TokenReader
 {

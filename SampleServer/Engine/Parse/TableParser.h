@@ -6,7 +6,7 @@ namespace SampleServer {
 
 struct Parsers;
 
-/// Reads the columns, constraints and indexes of tables.
+/// Parses the columns, constraints and indexes of tables.
 class TableParser : private TokenReader
 {
 public:

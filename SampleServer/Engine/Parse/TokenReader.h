@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// Reads tokens and names at the current place, for the parsers that derive from it.
+/// Base class of the parsers: reads tokens and names at the current position.
 class TokenReader
 {
 protected:
@@ -25,7 +25,7 @@ protected:
         return m_context.tokens[std::min(m_context.at + count, m_context.tokens.size() - 1)];
     }
     void advance(std::size_t count = 1) { m_context.at += count; }
-    /// The current token, after which the next one is current. Not at the end.
+    /// Returns the current token and moves to the next one. Must not be called at the end.
     const Token &take() { return m_context.tokens[m_context.at++]; }
     bool isKeyword(std::string_view keyword) const { return current().keyword == keyword; }
     bool isSymbol(std::string_view symbol) const;
@@ -38,7 +38,7 @@ protected:
     std::string expectName();
     std::string expectVariable(int errorState = 2);
     [[noreturn]] void failHere() const;
-    /// Fails at the current token unless the server is of that edition or a later one.
+    /// Throws at the current token if the server's edition is earlier than this one.
     void require(Edition edition) const;
     [[noreturn]] void fail(EngineError error, int line) const;
     [[noreturn]] void refuse(std::string_view construct) const;
@@ -48,13 +48,13 @@ protected:
     std::int64_t parseSignedInteger();
     void skipParentheses();
 
-    /// A node of an expression. Throws EngineError 191 when it would be nested too deeply.
+    /// Creates an expression node. Throws EngineError 191 if it would be nested too deeply.
     template <typename Node>
     Ast::ExpressionPtr make(Node node, std::initializer_list<const Ast::Expression *> children = {}) const;
     template <typename Node>
     Ast::StatementPtr statement(Node node) const;
 
-    /// Counts how deeply the parsers are nested and fails before the stack would overflow (error 191).
+    /// Counts the nesting depth of the parsers and throws error 191 before the stack could overflow.
     class NestingGuard
     {
     public:
