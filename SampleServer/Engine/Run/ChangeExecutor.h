@@ -14,7 +14,7 @@ class InsertRun;
 class ChangeExecutor
 {
 public:
-    /// `modules` runs what INSERT ... EXEC executes.
+    /// `modules` runs the EXEC of INSERT ... EXEC.
     ChangeExecutor(QueryExecutor &queries, TriggerRunner &triggers, ModuleExecutor &modules)
         : m_session(queries.session())
         , m_names(queries.names())

@@ -7,8 +7,8 @@
 
 namespace SampleServer {
 
-/// Keeps the rows of results instead of sending them, as INSERT ... EXEC needs them; everything else is sent
-/// to the client.
+/// Collects the rows of results for INSERT ... EXEC instead of sending them; everything else is sent to the
+/// client.
 class CollectingSink : public ResultSink
 {
 public:

@@ -7,20 +7,21 @@
 
 namespace SampleServer {
 
-/// The COMPUTE clauses of a query: adds up its rows as they pass and sends the totals between and after them.
+/// Runs the COMPUTE clauses of a query: adds up its rows as they are sent and sends the totals between and
+/// after them.
 class ComputeRows
 {
 public:
-    /// Throws EngineError 411 and others where a clause names what is not in the select list.
+    /// Throws EngineError 411 and others if a clause references a column that is not in the select list.
     ComputeRows(const Ast::Select &select, const Bound::Query &query, ResultSink &sink);
 
-    /// Tells the sink of the totals to come; after its columns().
+    /// Announces the totals to the sink. Call after its columns().
     void announce();
-    /// Sends the totals of groups that end before this row. Call before the row is sent.
+    /// Sends the totals of groups that end before this row. Call before sending the row.
     void beforeRow(std::span<const Value> row);
-    /// Adds the row to the totals. Call after the row was sent.
+    /// Adds the row to the totals. Call after sending the row.
     void afterRow(std::span<const Value> row);
-    /// Sends the totals of the last groups and of the whole.
+    /// Sends the totals of the last groups and the grand totals.
     void finish();
 
 private:
@@ -29,7 +30,7 @@ private:
         ComputeColumn column;
         SqlType operandType;
         std::int64_t count = 0;
-        Value value; ///< the sum, least or greatest so far, of sumType for sums
+        Value value; ///< the sum, minimum or maximum so far, of sumType for sums
         SqlType sumType;
     };
     struct Clause

@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// Runs texts and statements: control flow itself, every other statement by the executor of its kind.
+/// Runs texts and statements: control flow itself, other statements with their executors.
 class ControlExecutor : public StatementRunner
 {
 public:
@@ -33,7 +33,7 @@ private:
     Flow runStatement(const Ast::Statement &statement);
     Flow runGuarded(const Ast::Statement &statement);
     Flow runLeaf(const Ast::Statement &statement);
-    /// Passes a statement to whichever executor has a run() for it.
+    /// Passes a statement to the executor with a matching run().
     Flow dispatch(const Ast::Statement &statement);
     void startClock();
     bool holds(const Ast::Expression &condition);

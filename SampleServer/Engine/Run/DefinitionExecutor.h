@@ -7,8 +7,8 @@
 
 namespace SampleServer {
 
-/// Runs CREATE, ALTER and DROP: tables, schemas, types, synonyms and databases itself, the rest by the
-/// classes for each kind.
+/// Runs CREATE, ALTER and DROP: tables, schemas, types, synonyms and databases itself, the rest with the
+/// class for each kind.
 class DefinitionExecutor
 {
 public:

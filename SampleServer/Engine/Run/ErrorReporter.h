@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// Decides what an error ends, and sends those to the client that no TRY block is going to handle.
+/// Determines the effect of an error, and sends errors to the client that no TRY block handles.
 class ErrorReporter
 {
 public:
@@ -16,11 +16,12 @@ public:
     {
     }
 
-    /// A TRY block that runs, for as long as this lives.
+    /// An active TRY block as long as this object exists.
     class TryBlock
     {
     public:
-        /// `depth` is that of its frame; -1 for a function, whose errors are its statement's.
+        /// `depth` is the depth of its frame; -1 for a function, whose errors belong to the calling
+        /// statement.
         TryBlock(ErrorReporter &errors, int depth)
             : m_tries(errors.m_tries)
         {
@@ -34,14 +35,14 @@ public:
         std::vector<int> &m_tries;
     };
 
-    /// Writes down where an error happened, if that is not known yet.
+    /// Sets the location of an error if it is not known yet.
     void locate(EngineError &error, int line) const;
-    /// Sends an error to the client, unless a CATCH block is going to handle it; `changesRows` when it ended
-    /// a statement that changes rows.
+    /// Sends an error to the client unless a CATCH block handles it; `changesRows` if it ended a statement
+    /// that changes rows.
     void report(EngineError &error, int line, bool changesRows = false);
     void reportSyntax(EngineError &error);
     void reportLackOfMemory();
-    /// Rolls a transaction back that can only be rolled back: it does not outlive the batch.
+    /// Rolls back a doomed transaction at the end of its batch.
     void endDoomedTransaction();
 
     bool rollsBack(const EngineError &error) const;

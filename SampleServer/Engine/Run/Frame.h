@@ -5,17 +5,17 @@
 
 namespace SampleServer {
 
-/// What a running text has of its own: a batch, a dynamic text, a module.
+/// The local state of a running text: a batch, a dynamic text, a module.
 struct Frame
 {
     Variables variables;
-    TableMap tables;          ///< temporary tables made in it, and table variables under their names with @
-    TableMap tableParameters; ///< table variables of the caller under the names of parameters
+    TableMap tables; ///< temporary tables created in it, and table variables under their names with @
+    TableMap tableParameters; ///< table variables of the caller under the parameter names
     Frame *outer = nullptr;
     int depth = 0;                  ///< 0 for the batch
-    std::string procedure;          ///< what errors in it name, empty for a batch
+    std::string procedure;          ///< shown in its errors; empty for a batch
     const Module *module = nullptr; ///< null for a batch and for a dynamic text
-    Value result;                   ///< what RETURN gave
+    Value result;                   ///< the value of RETURN
 };
 
 } // namespace SampleServer

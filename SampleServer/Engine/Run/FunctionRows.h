@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// The rows of a multi-statement function as SQLite reads them. `context` outlives the result.
+/// Returns the rows of a multi-statement function for SQLite. `context` must outlive the result.
 std::shared_ptr<const RowProvider> rowsOfFunction(const EvaluationContext &context, ModulePtr module);
 
 } // namespace SampleServer

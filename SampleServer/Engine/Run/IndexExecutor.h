@@ -20,9 +20,9 @@ public:
     void run(const Ast::AlterIndex &node);
     void run(const Ast::DropIndex &node);
 
-    /// Makes the storage of an index of a table. Throws EngineError 1505 when rows have the same key.
+    /// Creates the storage of an index. Throws EngineError 1505 if rows have equal keys.
     void createIndex(const Bound::TableScan &scan, TableIndex &index);
-    /// Throws EngineError 1505 when rows of the table have the same key; `statement` is what it names.
+    /// Throws EngineError 1505 if rows of the table have equal keys; `statement` is named in the error.
     void requireUniqueRows(const Bound::TableScan &scan, const TableIndex &index, const char *statement);
 
 private:

@@ -7,23 +7,23 @@
 
 namespace SampleServer {
 
-/// Fills and writes the rows of one INSERT statement.
+/// Completes and writes the rows of one INSERT statement.
 class InsertRun
 {
 public:
-    /// `targets` are the positions of the columns that the statement gives values for.
+    /// `targets` are the positions of the columns with explicit values.
     InsertRun(QueryExecutor &queries, TriggerRunner &triggers, const Bound::TableScan &scan,
               std::vector<std::size_t> targets, bool keepsRows);
 
     const TableChange &change() const { return m_change; }
-    /// Rows beyond this many are left out.
+    /// Limits the number of rows; further rows are ignored.
     void limit(std::int64_t most) { m_most = most; }
 
-    /// `values` and `types` belong to the target columns.
+    /// Writes a row; `values` and `types` belong to the target columns.
     void write(std::span<const Value> values, const std::vector<SqlType> &types);
-    /// A row of expressions, null ones standing for the columns' defaults.
+    /// Writes a row of expressions; null means the column's default.
     void writeExpressions(const std::vector<Ast::ExpressionPtr> &expressions);
-    /// Checks constraints and fires triggers; returns how many rows there are.
+    /// Checks constraints and fires triggers; returns the number of rows.
     std::uint64_t finish();
 
 private:
@@ -36,7 +36,7 @@ private:
     const std::vector<std::size_t> m_targets;
     std::uint64_t m_count = 0;
     std::int64_t m_most = 0;
-    bool m_ignored = false; ///< an index with IGNORE_DUP_KEY left a row out
+    bool m_ignored = false; ///< an index with IGNORE_DUP_KEY skipped a row
     TableChange m_change;
 };
 

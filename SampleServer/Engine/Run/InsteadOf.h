@@ -4,8 +4,8 @@
 
 namespace SampleServer {
 
-/// A statement that changes a table or view with an INSTEAD OF trigger: it changes a copy of the rows, and
-/// the trigger gets the changed rows as inserted and deleted.
+/// A statement on a table or view with an INSTEAD OF trigger: it changes a copy of the rows, and the trigger
+/// receives the changes as inserted and deleted.
 class InsteadOf
 {
 public:
@@ -16,7 +16,7 @@ public:
     InsteadOf &operator=(const InsteadOf &) = delete;
 
     bool isActive() const { return m_trigger != nullptr; }
-    /// The copy.
+    /// The copy of the rows.
     const Bound::TableScan &target() const { return m_target; }
     void fire(const TableChange &change);
 
@@ -25,7 +25,7 @@ private:
 
     QueryExecutor &m_queries;
     TriggerRunner &m_triggerRunner;
-    ModulePtr m_trigger; ///< null when the statement changes the rows themselves
+    ModulePtr m_trigger; ///< null if the statement changes the rows directly
     Bound::TableScan m_target;
 };
 

@@ -9,18 +9,18 @@
 
 namespace SampleServer {
 
-/// One session: what its executors share, and the executors themselves. Runs what its client asks for.
+/// A session's executors and their shared state. Runs the client's requests.
 class Interpreter
 {
 public:
-    /// Throws EngineError 4060 when there is no such database.
+    /// Throws EngineError 4060 if the database does not exist.
     Interpreter(std::shared_ptr<Server> server, ServerState &state, std::string_view login,
                 std::string_view database);
     ~Interpreter();
     Interpreter(const Interpreter &) = delete;
     Interpreter &operator=(const Interpreter &) = delete;
 
-    /// The parameters are variables that the batch finds declared; afterwards each holds its last value.
+    /// Runs a batch with `parameters` as declared variables; afterwards each contains its last value.
     void runBatch(std::string_view sql, std::span<BatchParameter> parameters, ResultSink &sink);
     /// Runs a procedure by name and sends its status and output through the sink.
     void callProcedure(const std::string &name, std::span<const ProcedureArgument> arguments,

@@ -9,21 +9,21 @@
 
 namespace SampleServer {
 
-/// Runs procedures, functions and dynamic texts in frames of their own.
+/// Runs procedures, functions and dynamic texts in separate frames.
 class ModuleCalls
 {
 public:
-    /// Also answers calls of functions in expressions.
+    /// Also registers the callbacks for function calls in expressions.
     ModuleCalls(QueryExecutor &queries, ErrorReporter &errors);
 
-    /// Runs `work` in a frame of its own, within the nesting limit; its temporary tables go with it. Throws
+    /// Runs `work` in a new frame within the nesting limit and drops its temporary tables afterwards. Throws
     /// EngineError 217.
     void inFrame(Frame &frame, const std::function<void()> &work);
-    /// Runs a procedure and returns its status; afterwards the arguments for output parameters hold what it
-    /// left in them.
+    /// Runs a procedure and returns its status; afterwards the arguments of output parameters contain their
+    /// values.
     std::int32_t callModule(const ModulePtr &module, const DatabasePtr &database,
                             std::vector<ProcedureArgument> &arguments);
-    /// Runs a scalar function as EXEC does; its result is the status.
+    /// Runs a scalar function with EXEC; its result is the status.
     std::int32_t callFunctionAsProcedure(const Module &module, std::vector<ProcedureArgument> &arguments);
     void runModule(const Module &module, const DatabasePtr &database, Frame &frame);
 

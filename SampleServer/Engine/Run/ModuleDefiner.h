@@ -19,7 +19,7 @@ public:
     }
 
     void run(const Ast::CreateModule &node);
-    /// `kind` is the word after DROP, in upper case. Throws EngineError 3701 and 3705.
+    /// `kind` is the keyword after DROP, in upper case. Throws EngineError 3701 and 3705.
     void dropObject(const Ast::ObjectName &name, const std::string &kind, bool ifExists);
 
 private:

@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// Runs EXEC: of procedures, of texts and of sp_executesql.
+/// Runs EXEC of procedures, texts and sp_executesql.
 class ModuleExecutor
 {
 public:
@@ -23,10 +23,10 @@ public:
     }
 
     void run(const Ast::Execute &node);
-    /// INSERT ... EXEC: what the text or procedure returns, once all of it has run. Throws EngineError 8164
-    /// inside of another.
+    /// Runs INSERT ... EXEC and returns the rows after the text or procedure has finished. Throws EngineError
+    /// 8164 if nested.
     std::vector<CollectingSink::Row> collectExecuted(const Ast::Execute &node);
-    /// Runs a procedure and returns its status. Throws EngineError 2812 when there is none of that name.
+    /// Runs a procedure and returns its status. Throws EngineError 2812 if it does not exist.
     std::int32_t call(const Ast::ObjectName &name, std::vector<ProcedureArgument> &arguments);
 
 private:

@@ -10,43 +10,43 @@
 
 namespace SampleServer {
 
-/// Thrown when a statement has to be bound again, because the tables it was bound to are not there any more.
+/// Thrown if a statement must be bound again because its tables were dropped or replaced.
 struct DefinitionsChanged
 {
 };
 
 struct FoundObject
 {
-    ObjectPtr object; ///< null when there is none
+    ObjectPtr object; ///< null if there is none
     DatabasePtr database;
 };
 
-/// Where a new object goes.
+/// The location of a new object.
 struct NewPlace
 {
     DatabasePtr database; ///< null for a temporary table
     std::string schema = "dbo";
 };
 
-/// Resolves names for the session, and notes which tables a statement uses, for their locks.
+/// Resolves names for the session, and records the tables that a statement uses, for their locks.
 class NameLookup : public NameResolver
 {
 public:
-    /// Also answers what expressions ask of names.
+    /// Also registers the callbacks for names in expressions.
     NameLookup(SessionContext &session, TableStore &store);
 
-    /// The current database for an empty name; null when there is none.
+    /// Returns the current database for an empty name; null if it does not exist.
     DatabasePtr findDatabase(const std::string &name) const;
-    /// Database, schema and name, as errors show them.
+    /// Database, schema and name, as in errors.
     std::string fullName(const Table &table) const;
     FoundObject findObject(const Ast::ObjectName &name, bool followSynonyms = true);
-    /// A table; without one the result has none.
+    /// Finds a table; the result's table is null if there is none.
     Bound::TableScan findOrNull(const Ast::ObjectName &name);
-    /// Throws EngineError 40515 and 40000 where the name leads out of what the session can reach.
+    /// Throws EngineError 40515 and 40000 if the session cannot access the name's database or server.
     void requireReachable(const Ast::ObjectName &name) const;
-    /// Throws 2714 when the name is taken, 2760 and 911 when schema or database are not there.
+    /// Throws 2714 if the name is taken, 2760 and 911 if schema or database do not exist.
     NewPlace placeOfNew(const Ast::ObjectName &name, bool mayExist = false);
-    /// The same for what #name does not make temporary: types.
+    /// The same for types, which #name does not make temporary.
     NewPlace placeOfPermanent(const Ast::ObjectName &name, bool mayExist);
 
     Bound::TableScan findTable(const Ast::ObjectName &name) override;
@@ -58,10 +58,10 @@ public:
                                                     const DatabasePtr &database) override;
     void willRead(const Bound::TableScan &scan, bool readUncommitted) override;
     void willWrite(const Bound::TableScan &scan);
-    /// What the statement being bound is going to do with which tables.
+    /// The tables and operations of the statement being bound.
     std::vector<TableUse> &uses() { return m_uses; }
-    /// Waits for the locks of everything that was bound since the last call. Throws DefinitionsChanged when,
-    /// by the time they were granted, a name had come to mean another table.
+    /// Waits for the locks of everything bound since the last call. Throws DefinitionsChanged if a name
+    /// refers to another table by the time they are granted.
     void lockUses();
 
 private:

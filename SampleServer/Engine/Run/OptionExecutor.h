@@ -6,7 +6,7 @@
 
 namespace SampleServer {
 
-/// Runs SET of options.
+/// Runs SET for options.
 class OptionExecutor
 {
 public:

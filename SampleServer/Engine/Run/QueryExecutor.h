@@ -27,12 +27,12 @@ public:
     void run(const Ast::Select &node);
 
     Binder binder() { return Binder(m_session.evaluation, m_names, m_session.frame->variables); }
-    /// Runs a query and passes on its rows; returns how many there were.
+    /// Runs a query and passes its rows to `receive`; returns their number.
     std::uint64_t fetch(const Bound::Query &query, const RowReceiver &receive);
-    /// The value of an expression that may need SQLite; constants come back at once.
+    /// Evaluates an expression that may need SQLite; constants are returned directly.
     Value evaluate(const Bound::Expression &expression);
     Value evaluate(const Ast::Expression &expression, const SqlType &type);
-    /// Gives a variable a value of the type. Throws EngineError 137 when it is not declared.
+    /// Assigns a value of the type to a variable. Throws EngineError 137 if it is not declared.
     void assign(const std::string &variable, Value value, const SqlType &type);
 
     NameLookup &names() { return m_names; }

@@ -10,11 +10,11 @@
 
 namespace SampleServer {
 
-/// Binds what UPDATE and DELETE have in common and finds their rows.
+/// Binds the common parts of UPDATE and DELETE and finds their rows.
 class RowSearch
 {
 public:
-    /// The table that the statement changes, and the tables it reads to find its rows.
+    /// The table to change and the tables read to find its rows.
     struct Target
     {
         Bound::TableScan scan;
@@ -22,17 +22,17 @@ public:
         std::vector<Bound::SourcePtr> from;
     };
 
-    /// `verb` is what errors call the statement.
+    /// `verb` is the name of the statement in errors.
     RowSearch(QueryExecutor &queries, const Ast::ObjectName &name,
               const std::vector<Ast::TableSourcePtr> &from, const std::vector<Ast::CommonTable> &with,
               const InsteadOf &instead, const char *verb);
 
     Binder &binder() { return m_binder; }
     const Target &target() const { return m_target; }
-    /// The values of the expressions for each row of the target that meets the condition.
+    /// Returns the values of the expressions for each row of the target that meets the condition.
     std::vector<StoredRow> find(const std::vector<Bound::ExpressionPtr> &expressions,
                                 const Ast::ExpressionPtr &where, const std::optional<Ast::Top> &top);
-    /// Asks for every column as it is stored; computed ones are NULL.
+    /// Adds every column as stored; computed ones are NULL.
     void addWholeRow(std::vector<Bound::ExpressionPtr> &expressions) const;
 
 private:

@@ -14,29 +14,28 @@
 
 namespace SampleServer {
 
-/// What the executors of one session share: its settings, its place in the server, its storage, and the
-/// statement that runs. Used by one thread at a time.
+/// State shared by the executors of one session: its settings, server state, storage, and current statement.
+/// Used by one thread at a time.
 struct SessionContext
 {
     SessionContext(std::shared_ptr<Server> owner, ServerState &serverState, std::string_view login);
     SessionContext(const SessionContext &) = delete;
     SessionContext &operator=(const SessionContext &) = delete;
 
-    /// Throws BatchCancelled when the client has asked the batch to stop.
+    /// Throws BatchCancelled if the client has cancelled the batch.
     void checkAttention();
-    /// Releases what the statement alone needed; inside of a function the statement around it goes on.
+    /// Releases the resources of the statement; inside a function the calling statement continues.
     void endStatement();
-    /// Sends the end of a statement that has neither rows nor a count. SET NOCOUNT ON leaves it out inside
-    /// modules.
+    /// Sends the end of a statement with neither rows nor a count. SET NOCOUNT ON omits it inside modules.
     void endWithoutCount();
     /// Sends the end of a statement that changed `count` rows, unless a function runs it.
     void endChange(std::uint64_t count, std::uint16_t command);
     /// Throws EngineError 443 or 557 while a function runs.
     void requireOutsideFunction(const char *what) const;
-    /// Makes a database the current one. Throws EngineError 911 when there is none of that name.
+    /// Sets the current database. Throws EngineError 911 if it does not exist.
     void useDatabase(const std::string &name);
 
-    const std::shared_ptr<Server> server; ///< keeps `state` alive
+    const std::shared_ptr<Server> server; ///< owns `state`
     ServerState &state;
     EvaluationContext evaluation;
     SessionOptions options;
@@ -44,11 +43,11 @@ struct SessionContext
     Frame *frame = &batch;
     SqliteConnection connection;
     Transactions transactions;
-    DatabasePtr database;              ///< what the session uses, or inside of a module where that is
-    std::string nameSchema = "dbo";    ///< where names without a schema are looked for first
+    DatabasePtr database;              ///< the current database, or that of the running module
+    std::string nameSchema = "dbo";    ///< default schema of names without one
     ResultSink *sink = nullptr;        ///< set while a batch runs
-    int line = 1;                      ///< of the statement that runs
-    int callbacks = 0;                 ///< how many functions run inside of a statement of SQLite's
+    int line = 1;                      ///< of the current statement
+    int callbacks = 0;                 ///< number of functions running inside SQLite statements
     StatementRunner *runner = nullptr; ///< set before the first batch
 };
 

@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// Runs the statements about variables, messages, transactions and the current database.
+/// Runs statements on variables, messages, transactions and the current database.
 class SessionExecutor
 {
 public:

@@ -10,8 +10,7 @@ namespace SampleServer {
 
 enum class IsolationLevel { ReadUncommitted, ReadCommitted, RepeatableRead, Serializable };
 
-/// The SET options of a session that executors use; those that expressions need live in
-/// EvaluationContext.
+/// SET options of a session used by executors; those used by expressions are in EvaluationContext.
 struct SessionOptions
 {
     bool quotedIdentifiers = true;
@@ -22,9 +21,9 @@ struct SessionOptions
     bool parseOnly = false;
     bool noExecute = false;
     std::int64_t rowLimit = 0;                            ///< ROWCOUNT, 0 for all
-    std::optional<std::chrono::milliseconds> lockTimeout; ///< empty: waits for ever
+    std::optional<std::chrono::milliseconds> lockTimeout; ///< empty: waits forever
     IsolationLevel isolation = IsolationLevel::ReadCommitted;
-    std::optional<std::int64_t> identityInsertTable; ///< id of the table that SET IDENTITY_INSERT is on for
+    std::optional<std::int64_t> identityInsertTable; ///< table id of SET IDENTITY_INSERT
 };
 
 } // namespace SampleServer

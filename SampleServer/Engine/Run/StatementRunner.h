@@ -8,15 +8,15 @@
 
 namespace SampleServer {
 
-/// Where a statement leaves the flow of control.
+/// How control flow continues after a statement.
 enum class Flow { Next, Break, Continue, Return };
 
-/// Runs statements of any kind, for the executors of those that hold others: modules and dynamic texts.
+/// Runs statements of any kind, for executors of modules and dynamic texts.
 class StatementRunner
 {
 public:
     virtual ~StatementRunner() = default;
-    /// Runs a text to its end or to an error that ends no more than it; throws errors that end more.
+    /// Runs a text to its end or to an error that ends only this text; throws errors that end more.
     virtual void runText(std::string_view sql, const ParserOptions &options) = 0;
     virtual Flow runStatements(const std::vector<Ast::StatementPtr> &statements) = 0;
 };

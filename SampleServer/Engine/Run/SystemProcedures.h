@@ -8,7 +8,7 @@
 
 namespace SampleServer {
 
-/// The procedures that every server has: those that cannot be written in SQL, and calls of the others.
+/// The server's system procedures: those that cannot be written in SQL, and calls of the others.
 class SystemProcedures
 {
 public:
@@ -20,7 +20,7 @@ public:
     {
     }
 
-    /// The status of the procedure; empty when there is none of that name.
+    /// Runs a system procedure and returns its status; empty if it does not exist.
     std::optional<std::int32_t> call(const Ast::ObjectName &name, std::vector<ProcedureArgument> &arguments);
 
 private:

@@ -8,18 +8,18 @@ namespace SampleServer {
 class Binder;
 class QueryExecutor;
 
-/// Makes a table's definition of what was written, checking what the server checks. Throws EngineError.
+/// Creates a table definition from a syntax tree with the server's checks. Throws EngineError.
 class TableBuilder
 {
 public:
-    /// Starts with a table that may have columns already; its schema and name are set.
+    /// Starts with a table that may already have columns; its schema and name are set.
     TableBuilder(QueryExecutor &queries, Table table, DatabasePtr database);
 
     void add(const Ast::CreateTable &definition);
     void addColumn(const Ast::ColumnDefinition &definition);
     void addConstraint(const Ast::Constraint &constraint, bool trusted = true);
     void addIndex(const Ast::CreateIndex &definition);
-    /// Binds the computed columns over the stored ones and finds their types.
+    /// Binds the computed columns over the stored ones and sets their types.
     void typeComputedColumns();
     Table take() { return std::move(m_table); }
 

@@ -9,35 +9,35 @@ namespace SampleServer {
 
 class TriggerRunner;
 
-/// The rows that one statement changes in one table, and what follows from them: CHECK constraints, foreign
-/// keys on both sides with their actions, triggers. Throws EngineError 547 and those of RowWriter.
+/// The rows that one statement changes in one table, and the consequences: CHECK constraints, foreign keys on
+/// both sides with their actions, triggers. Throws EngineError 547 and those of RowWriter.
 class TableChange
 {
 public:
     enum class Event { Insert, Update, Delete, Alter };
 
-    /// `columns` are those that UPDATE sets.
+    /// `columns` are the columns that UPDATE sets.
     TableChange(QueryExecutor &queries, TriggerRunner &triggers, const Bound::TableScan &scan, Event event,
                 const std::vector<std::size_t> &columns = {});
 
     RowWriter &writer() { return m_writer; }
-    /// Whether remove() and update() have to be given the row as it was.
+    /// Whether remove() and update() need the old row.
     bool needsOldRows() const { return m_needsOldRows; }
-    /// Whether UPDATE has to take rows out and put them back whole, since a unique key changes.
+    /// Whether UPDATE must delete and reinsert whole rows, because a unique key changes.
     bool changesKey() const { return m_changesKey; }
 
-    /// Keeps the rows before and after also where nothing else asks for them.
+    /// Keeps the old and new rows even if nothing else needs them.
     void keepRows() { m_needsOldRows = m_needsNewRows = true; }
     const std::vector<std::vector<Value>> &oldRows() const { return m_old; }
     const std::vector<std::vector<Value>> &newRows() const { return m_new; }
     std::set<std::string> updatedColumns() const; ///< folded names
 
-    /// False when an index with IGNORE_DUP_KEY left the row out.
+    /// Returns false if an index with IGNORE_DUP_KEY skipped the row.
     bool insert(const std::vector<Value> &row);
     void remove(const StoredRow &row);
     /// Rows before and after; `columns` are those that differ.
     void update(const std::vector<StoredRow> &before, const std::vector<std::vector<Value>> &after);
-    /// What follows, once all rows have changed.
+    /// Checks constraints and fires triggers after all rows have changed.
     void finish();
 
     void requireCheck(const CheckConstraint &check);
@@ -67,10 +67,10 @@ private:
     bool m_needsNewRows = false;
     bool m_changesKey = false;
     std::vector<std::vector<Value>> m_old, m_new;
-    std::vector<std::vector<Value>> m_selfReferring; ///< new rows whose parents may be in the table itself
+    std::vector<std::vector<Value>> m_selfReferring; ///< new rows whose parents may be in the same table
 };
 
-/// The error of a statement that gives a column two values.
+/// The error of a statement that sets a column twice.
 EngineError assignedTwice(const std::string &column);
 
 } // namespace SampleServer

@@ -7,8 +7,8 @@
 
 namespace SampleServer {
 
-/// Makes tables and puts changed definitions in the place of others, each of which a rollback takes back.
-/// Knows the session's temporary tables.
+/// Creates tables and replaces definitions; a rollback reverts each change. Manages the session's temporary
+/// tables.
 class TableStore
 {
 public:
@@ -19,24 +19,26 @@ public:
 
     static Bound::TableScan scanOf(const TablePtr &table, const DatabasePtr &database);
 
-    /// Makes a table with its storage; a temporary one where `database` is null.
+    /// Creates a table with its storage; a temporary one if `database` is null.
     Bound::TableScan createTable(Table definition, const DatabasePtr &database);
-    /// Makes a table variable of a name with its @.
+    /// Creates a table variable; `name` includes the @.
     void declareTable(const std::string &name, Table definition);
-    /// The table with its storage, which it may not have had yet. Null when it was dropped meanwhile.
+    /// Returns the table after creating its storage if necessary. Null if it was dropped meanwhile.
     TablePtr stored(const TablePtr &table, const DatabasePtr &database);
-    /// Makes SQLite's index for one of a table's. Throws SqliteConstraintError when rows have the same key.
+    /// Creates SQLite's index for an index of the table. Throws SqliteConstraintError if rows have equal
+    /// keys.
     void createPhysicalIndex(const Bound::TableScan &scan, TableIndex &index);
 
-    /// Puts a changed definition in the place of a table's.
+    /// Replaces the definition of a table.
     void replaceTable(const Bound::TableScan &scan, Table changed);
-    /// Likewise for any object; null for none.
+    /// The same for any object; null for none.
     void replaceObject(const DatabasePtr &database, const ObjectPtr &before, ObjectPtr after);
 
-    /// A temporary table of this text or of one that runs it, or a table variable (with its @) of this text.
+    /// Finds a temporary table of this text or of a calling one, or a table variable (with its @) of this
+    /// text.
     TablePtr findTemporary(const std::string &name) const;
     void eraseTemporary(const Table &table);
-    /// Drops the temporary tables of a frame; with `variablesOnly` its table variables.
+    /// Drops the temporary tables of a frame, or only its table variables with `variablesOnly`.
     void dropTables(TableMap &tables, bool variablesOnly);
 
 private:

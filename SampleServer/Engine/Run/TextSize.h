@@ -7,14 +7,14 @@
 
 namespace SampleServer {
 
-/// SET TEXTSIZE: cuts the values of text, image and the (max) types to so many bytes on their way to the
-/// client.
+/// SET TEXTSIZE: truncates the values of text, image and the (max) types to this number of bytes when they
+/// are sent.
 class TextSizeLimit
 {
 public:
     TextSizeLimit(const Bound::Query &query, std::int32_t bytes);
 
-    /// The row itself when nothing is to be cut, else a copy that is valid until the next call.
+    /// Returns the row itself if nothing is truncated, otherwise a copy that is valid until the next call.
     std::span<const Value> apply(std::span<const Value> row) const;
 
 private:
@@ -22,7 +22,7 @@ private:
 
     std::size_t m_bytes;
     std::vector<std::pair<std::size_t, bool>>
-        m_long; ///< places of long columns, and whether they are Unicode
+        m_long; ///< positions of long columns, and whether they are Unicode
     mutable std::vector<Value> m_cut;
 };
 

@@ -11,7 +11,7 @@
 
 namespace SampleServer {
 
-/// What a statement does with a table.
+/// A table and how a statement uses it.
 struct TableUse
 {
     enum class Access { Definition, ReadUncommitted, Read, Write };
@@ -22,8 +22,8 @@ struct TableUse
 
 /// A session's transaction and its locks.
 ///
-/// SQLite's own transaction is opened by the first change, not by BEGIN TRAN, so that reading alone never
-/// pins anything. From then on the locks on definitions are kept to its end, since SQLite keeps its own.
+/// The first change opens SQLite's own transaction, not BEGIN TRAN, so that reading alone keeps no snapshot.
+/// From then on the locks on definitions are kept to its end, since SQLite keeps its own locks.
 class Transactions
 {
 public:
@@ -52,10 +52,10 @@ public:
     void save(const std::string &name);
     bool isOpen() const { return m_context.transactionCount > 0; }
 
-    /// What takes back a change of a catalog should the transaction be rolled back.
+    /// Registers a function that reverts a catalog change on rollback.
     void onRollback(std::function<void()> undo) { m_undo.push_back(std::move(undo)); }
 
-    /// The changes of one statement: all or none. Without finish() its destructor takes them back.
+    /// The changes of one statement: all or none. The destructor reverts them unless finish() was called.
     class Change
     {
     public:
@@ -97,7 +97,7 @@ private:
     std::vector<std::function<void()>> m_undo;
     std::vector<SavePoint> m_savePoints;
     std::string m_name;
-    std::uint64_t m_descriptor = 0; ///< what the client knows the open transaction by
+    std::uint64_t m_descriptor = 0; ///< identifies the open transaction to the client
     bool m_sqliteOpen = false;
 };
 

@@ -29,7 +29,7 @@ public:
                       const ChangedRows &rows);
     void fireInsteadOf(const ModulePtr &trigger, const std::vector<TableColumn> &columns,
                        const ChangedRows &rows);
-    /// Whether an INSTEAD OF trigger runs: its own statements change the rows themselves.
+    /// Whether an INSTEAD OF trigger runs: its own statements change the rows directly.
     bool isRunningInsteadOf(const Module &trigger) const { return m_insteadOf.contains(trigger.id); }
 
 private:
@@ -40,7 +40,7 @@ private:
     SessionContext &m_session;
     QueryExecutor &m_queries;
     ModuleCalls &m_calls;
-    std::set<std::int64_t> m_insteadOf; ///< ids of the INSTEAD OF triggers that run
+    std::set<std::int64_t> m_insteadOf; ///< ids of the running INSTEAD OF triggers
 };
 
 } // namespace SampleServer

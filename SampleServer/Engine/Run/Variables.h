@@ -17,12 +17,12 @@ struct VariableSlot
     Value value;
 };
 
-/// The variables of a batch by name, which compares without regard to case.
+/// The variables of a batch by case-insensitive name.
 class Variables
 {
 public:
     void declare(std::string name, const SqlType &type, Value value);
-    /// Null when there is no such variable.
+    /// Returns null if the variable does not exist.
     VariableSlot *find(std::string_view name);
     const VariableSlot *find(std::string_view name) const;
     std::vector<std::string> names() const;
