@@ -5,15 +5,16 @@
 
 namespace SampleServer {
 
-/// The server that a sample server answers as. What an older one has, the later ones have as well.
+/// The server version that a sample server emulates. Later editions include the features of earlier ones.
 enum class Edition { Sql2000, Sql2008, Sql2022, Azure };
 
-/// What @@VERSION answers.
+/// The value of @@VERSION.
 std::string versionBannerOf(Edition edition);
 
-/// Whether the edition has a built-in function; the name is in upper case. True for names that are none.
+/// Whether the edition has a built-in function; the name is in upper case. True for names that are not
+/// built-in functions.
 bool hasFunction(Edition edition, std::string_view name);
-/// Likewise for a system type.
+/// The same for a system type.
 bool hasType(Edition edition, std::string_view name);
 
 } // namespace SampleServer

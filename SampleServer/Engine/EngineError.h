@@ -8,12 +8,12 @@
 
 namespace SampleServer {
 
-/// What an error does to the batch it happens in.
+/// The effect of an error on its batch.
 enum class ErrorEffect {
-    EndsStatement, ///< the batch goes on with its next statement
-    EndsBatch,     ///< the rest of the text does not run: of the batch, the module, the EXEC (...)
-    EndsAll,       ///< nothing more runs, up to the batch that the client sent
-    RollsBack,     ///< likewise, and an open transaction is rolled back
+    EndsStatement, ///< the batch continues with its next statement
+    EndsBatch,     ///< skips the rest of the text: of the batch, the module, the EXEC (...)
+    EndsAll,       ///< skips everything up to the end of the client's batch
+    RollsBack,     ///< the same, and rolls back an open transaction
 };
 
 /// An error for the client, thrown inside the engine and turned into a message by the session.
@@ -23,24 +23,24 @@ public:
     EngineError(std::int32_t number, int severity, int state, std::string text,
                 ErrorEffect effect = ErrorEffect::EndsStatement);
 
-    /// The error with another one that is reported after it.
+    /// Returns the error followed by another one.
     EngineError followedBy(std::int32_t number, int state, std::string text) const;
 
-    /// Number, severity, state and text; the line is filled in by the statement that failed.
+    /// Number, severity, state and text; the failed statement adds the line.
     ServerMessage message;
     ErrorEffect effect;
-    /// What the server says after the message, such as "Could not create constraint".
+    /// Further messages to send after it, such as "Could not create constraint".
     std::vector<ServerMessage> more;
     /// Whether message.line was set by the thrower and must be kept.
     bool hasLine = false;
-    bool isReported = false; ///< the client knows it; what remains is to leave what it ends
-    bool isRaised = false;   ///< by RAISERROR, which XACT_ABORT does not concern
-    int depth = -1;          ///< how deeply nested the text was that it happened in, once that is known
+    bool isReported = false; ///< already sent to the client; only its effect remains
+    bool isRaised = false;   ///< by RAISERROR, which XACT_ABORT does not affect
+    int depth = -1;          ///< nesting depth of the failed text, once known
 
     const char *what() const noexcept override { return message.text.c_str(); }
 };
 
-/// Thrown through the engine when the client asked to stop; ends the batch without a message.
+/// Thrown when the client has cancelled; ends the batch without a message.
 struct BatchCancelled
 {
 };

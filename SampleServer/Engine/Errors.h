@@ -7,7 +7,7 @@
 
 namespace SampleServer::Errors {
 
-// The errors of the server, each with its number, severity, state and text.
+// The server's errors with number, severity, state and text.
 
 EngineError syntaxNear(std::string_view token);                        ///< 102
 EngineError syntaxNearKeyword(std::string_view keyword);               ///< 156
@@ -18,7 +18,7 @@ EngineError emptyIdentifier();                                         ///< 1038
 EngineError mustDeclareVariable(std::string_view name, int state = 2); ///< 137
 EngineError variableAlreadyDeclared(std::string_view name);            ///< 134
 EngineError nonBooleanCondition(std::string_view token);               ///< 4145
-/// The error of a constraint that cannot be made, with 1750 after it.
+/// The error of a constraint that cannot be created, followed by 1750.
 EngineError constraintFailed(const EngineError &error, int state);
 EngineError notSupported(std::string_view construct); ///< 40000
 
@@ -34,10 +34,10 @@ EngineError invalidOperand(std::string_view type, std::string_view operation); /
 EngineError implicitConversion(TypeId from, TypeId to);                        ///< 257
 EngineError explicitConversion(TypeId from, TypeId to);                        ///< 529
 
-/// The largest value that is made, in bytes.
+/// The maximum size of a created value, in bytes.
 inline constexpr std::size_t LargestValue = 256U * 1024 * 1024;
 EngineError outOfMemory(); ///< 701
-/// Throws outOfMemory() for a value that would be larger than LargestValue.
+/// Throws outOfMemory() if a value would exceed LargestValue.
 void requireRoom(std::size_t bytes);
 EngineError nameTaken(const std::string &name);      ///< 2714
 EngineError noSuchDatabase(const std::string &name); ///< 911

@@ -4,7 +4,7 @@
 
 namespace SampleServer {
 
-/// Gives a variable another value for as long as it lives, also when an exception passes.
+/// Sets a variable for its own lifetime and restores it, also after an exception.
 template <typename T>
 class ScopedValue
 {

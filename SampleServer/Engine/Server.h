@@ -14,11 +14,11 @@ class Server
 public:
     struct Options
     {
-        std::string serverName = "SAMPLE"; ///< what @@SERVERNAME answers
-        std::string versionBanner;         ///< what @@VERSION answers; empty means the edition's
+        std::string serverName = "SAMPLE"; ///< the value of @@SERVERNAME
+        std::string versionBanner;         ///< the value of @@VERSION; empty means the edition's
         Edition edition = Edition::Sql2022;
         bool samples = true; ///< with the sample databases and the agent's tables
-        int tables = 0;      ///< empty ones in a database of their own, `many`
+        int tables = 0;      ///< number of empty tables in the additional database `many`
     };
 
     explicit Server(Options options);
@@ -27,7 +27,7 @@ public:
     Server &operator=(const Server &) = delete;
 
     const Options &options() const;
-    /// Whether a database of that name is there (names compare without regard to case).
+    /// Whether the database exists (names are case-insensitive).
     bool hasDatabase(std::string_view name) const;
 
 private:

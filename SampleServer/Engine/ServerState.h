@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// A session as others see it in sys.dm_exec_sessions.
+/// A session's data in sys.dm_exec_sessions.
 struct SessionInfo
 {
     int id = 0;
@@ -21,7 +21,7 @@ struct SessionInfo
     std::string text; ///< of the last batch
 };
 
-/// What the sessions of a server share. Thread-safe.
+/// State shared by the sessions of a server. Thread-safe.
 struct ServerState
 {
     explicit ServerState(Server::Options serverOptions)
@@ -30,14 +30,14 @@ struct ServerState
     }
 
     const Server::Options options;
-    Edition edition = Edition::Sql2022; ///< what sessions speak; the latest until the samples are there
+    Edition edition = Edition::Sql2022; ///< of the sessions; the latest until the samples exist
     DatabaseList databases;
     LockManager locks;
 
-    /// The lowest process id that no session has; 51 is the first for users.
+    /// Returns the lowest unused process id; user sessions start at 51.
     int takeProcessId();
     void returnProcessId(int id);
-    /// Notes what a session does now.
+    /// Updates a session's information.
     void describeSession(SessionInfo info);
     std::vector<SessionInfo> sessions() const; ///< by id
 
