@@ -15,12 +15,12 @@ namespace SampleServer {
 
 enum class LockMode { Shared, Exclusive };
 
-/// What can be locked: a table by its object id, or a database as a whole in one of two roles.
+/// A lockable resource: a table by its object id, or a whole database in one of two roles.
 struct LockResource
 {
-    static constexpr std::int64_t Schema = 0; ///< the definitions: shared by the sessions that use them
+    static constexpr std::int64_t Schema = 0; ///< the definitions; shared by the sessions that use them
     static constexpr std::int64_t Writer =
-        1; ///< the right to change rows: SQLite has one writer per database
+        1; ///< the right to change rows: SQLite allows one writer per database
 
     int database = 0;
     std::int64_t object = Schema;
@@ -38,17 +38,17 @@ struct Lock
 
 enum class LockOutcome { Granted, TimedOut, Deadlock, Interrupted };
 
-/// Locks between sessions, which are named by their process ids. Thread-safe.
+/// Locks between sessions, identified by their process ids. Thread-safe.
 ///
-/// A statement asks for all its locks at once and holds none of them while it waits, so that two statements
-/// alone never block each other; only transactions, which keep locks from before, can close a circle.
+/// A statement requests all its locks at once and holds none of them while it waits, so two single statements
+/// never block each other. Only transactions, which keep earlier locks, can close a cycle.
 class LockManager
 {
 public:
-    /// Waits until all the locks can be granted, then grants them together. `interrupted` is polled every few
-    /// milliseconds. Every grant has to be released, also where the owner had the lock already. An owner
-    /// without locks does not overtake earlier requests for the same lock; an owner with locks does.
-    /// Deadlock: waiting would close a cycle of sessions that wait for each other.
+    /// Waits until all locks can be granted, then grants them together. `interrupted` is polled every few
+    /// milliseconds. Every grant must be released, even if the owner already had the lock. An owner without
+    /// locks does not overtake earlier requests for the same lock; an owner with locks does. Deadlock:
+    /// waiting would close a cycle of sessions that wait for each other.
     LockOutcome acquire(int owner, const std::vector<Lock> &locks,
                         std::optional<std::chrono::milliseconds> timeout,
                         const std::function<bool()> &interrupted);
@@ -77,8 +77,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_released;
     std::map<LockResource, std::map<int, Holder>> m_holders; ///< guarded by m_mutex; by owner
-    std::map<int, int> m_grants;                             ///< guarded by m_mutex; how many each owner has
-    Requests m_waiting;                                      ///< guarded by m_mutex; in the order of arrival
+    std::map<int, int> m_grants; ///< guarded by m_mutex; number of grants per owner
+    Requests m_waiting;          ///< guarded by m_mutex; in order of arrival
 };
 
 } // namespace SampleServer

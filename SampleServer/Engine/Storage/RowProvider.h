@@ -12,11 +12,11 @@ namespace SampleServer {
 
 class SqliteConnection;
 
-/// Goes through the rows of a source that is no table of SQLite. May throw EngineError and BatchCancelled.
+/// Iterates over the rows of a source that is not an SQLite table. May throw EngineError and BatchCancelled.
 class RowCursor
 {
 public:
-    /// A condition that rows left out need not meet: column (from 0) = value.
+    /// The condition column (from 0) = value; a cursor may skip rows that do not meet it.
     struct Equality
     {
         int column;
@@ -28,21 +28,21 @@ public:
     virtual void start(std::span<sqlite3_value *> arguments, const Equality *equality) = 0;
     virtual void next() = 0;
     virtual bool atEnd() const = 0;
-    /// Gives SQLite the value of a column (from 0) of the current row.
+    /// Passes the value of a column (from 0) of the current row to SQLite.
     virtual void column(sqlite3_context *context, int index) = 0;
 };
 
-/// What makes the rows of such a source. Immutable while a statement runs.
+/// Creates cursors over the rows of a source. Immutable while a statement runs.
 class RowProvider
 {
 public:
-    /// The most columns and arguments that a source can have.
+    /// The maximum number of columns and arguments of a source.
     static constexpr int MaxColumns = 300;
     static constexpr int MaxArguments = 60;
 
     virtual ~RowProvider() = default;
     virtual std::unique_ptr<RowCursor> open(SqliteConnection &connection) const = 0;
-    /// Whether its cursors make use of an equality. The first three columns should be the most selective.
+    /// Whether its cursors use an equality. The first three columns should be the most selective.
     virtual bool isIndexed() const { return false; }
 };
 

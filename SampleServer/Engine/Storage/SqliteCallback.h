@@ -6,13 +6,13 @@
 
 namespace SampleServer {
 
-/// The connection that a function of SQLite was registered for.
+/// Returns the connection for which an SQLite function was registered.
 inline SqliteConnection &connectionOf(sqlite3_context *context)
 {
     return *static_cast<SqliteConnection *>(sqlite3_user_data(context));
 }
 
-/// Runs `work`, whose exceptions must not pass through SQLite.
+/// Runs `work` and catches its exceptions, which must not pass through SQLite.
 template <typename Work>
 void guarded(sqlite3_context *context, Work work)
 {

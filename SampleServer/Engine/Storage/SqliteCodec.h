@@ -14,16 +14,16 @@
 namespace SampleServer {
 
 void bindValue(sqlite3_stmt *statement, int index, const Value &value, const SqlType &type);
-/// Reads a column of the current row; reuses the memory that `value` holds.
+/// Reads a column of the current row; reuses the memory of `value`.
 void readColumn(sqlite3_stmt *statement, int index, const SqlType &type, Value &value);
 void readArgument(sqlite3_value *argument, const SqlType &type, Value &value);
 void returnValue(sqlite3_context *context, const Value &value, const SqlType &type);
 
-/// A 128-bit number as 16 bytes that sort as numbers do, and back.
+/// Converts a 128-bit number to 16 bytes that sort as numbers do, and back.
 __extension__ typedef __int128 Int128;
 std::array<std::uint8_t, 16> sortableBytes(Int128 number);
 Int128 numberFromSortableBytes(const std::uint8_t *bytes);
-/// Whether decimals of the precision are kept as 64-bit integers.
+/// Whether decimals of this precision are stored as 64-bit integers.
 constexpr bool isSmallDecimal(int precision)
 {
     return precision <= 18;

@@ -19,14 +19,14 @@ struct sqlite3_value;
 
 namespace SampleServer {
 
-/// A row broke a PRIMARY KEY or UNIQUE constraint of SQLite; the caller knows which table it was writing.
+/// A row violated a PRIMARY KEY or UNIQUE constraint of SQLite; the caller knows the table.
 struct SqliteConstraintError
 {
 };
 
 class SqliteConnection;
 
-/// A prepared statement on loan from its connection, which takes it back for the next one of the same text.
+/// A prepared statement borrowed from its connection, which reuses it for the same text.
 class SqliteStatement
 {
 public:
@@ -37,13 +37,13 @@ public:
 
     void bind(int index, const Value &value, const SqlType &type);
     void bind(const std::vector<EmittedParameter> &parameters, std::span<sqlite3_value *> arguments = {});
-    /// Moves to the next row; false after the last one. Throws EngineError from functions it called back,
-    /// BatchCancelled when the client asked to stop, SqliteConstraintError.
+    /// Moves to the next row; false after the last one. Throws EngineError from callback functions,
+    /// BatchCancelled if the client has cancelled, SqliteConstraintError.
     bool step();
     void read(int column, const SqlType &type, Value &value) const;
-    /// Makes a column of the current row the result of a function of SQLite's.
+    /// Sets the result of an SQLite function to a column of the current row.
     void copyColumn(int column, sqlite3_context *context) const;
-    /// Starts over, keeping what is bound.
+    /// Resets the statement and keeps its bound values.
     void reset();
 
 private:
@@ -55,34 +55,35 @@ private:
     bool m_hasRow = false;
 };
 
-/// A session's own SQLite connection, with the engine's functions and collations. One thread at a time.
+/// A session's own SQLite connection, with the engine's functions and collations. Used by one thread at a
+/// time.
 class SqliteConnection
 {
 public:
-    /// `useDefinitions` waits for and keeps the lock against changes of a database's definitions.
+    /// `useDefinitions` acquires and keeps the lock against changes of a database's definitions.
     SqliteConnection(EvaluationContext &context, std::function<void(const Database &)> useDefinitions);
     ~SqliteConnection();
     SqliteConnection(const SqliteConnection &) = delete;
     SqliteConnection &operator=(const SqliteConnection &) = delete;
 
-    /// Makes a database known under its schemaName(), if it was not.
+    /// Attaches a database under its schemaName() if necessary.
     void attach(const DatabasePtr &database);
     static std::string schemaName(const Database &database);
-    /// Lets go of the databases that no transaction is open in. SQLite refuses to prepare a statement while
-    /// the tables of any attached database change, so a session should not have more of them than it needs.
+    /// Detaches databases without an open transaction. SQLite refuses to prepare a statement while the tables
+    /// of any attached database change, so a session should attach only the databases that it needs.
     void detachUnused();
     /// Runs a statement without parameters and rows.
     void execute(const std::string &sql);
-    /// Drops a table of the session's own, later when a statement that runs stands in the way.
+    /// Drops a temporary table of the session, later if a running statement prevents it.
     void dropTemporary(const std::string &table);
-    /// Whether SQLite's own transaction is open: it ends one by itself when a write fails for want of memory.
+    /// Whether SQLite's own transaction is open. SQLite ends it itself if a write fails for lack of memory.
     bool isInTransaction() const;
     /// Polled while a statement runs; null never cancels.
     void watch(ResultSink *sink) { m_sink = sink; }
     std::int64_t lastRowId() const;
 
     EvaluationContext &context() { return m_context; }
-    /// Keeps an exception that must not pass through SQLite; step() throws it on.
+    /// Stores an exception that must not pass through SQLite; step() rethrows it.
     void fail(std::exception_ptr error) { m_error = std::move(error); }
 
 private:
@@ -99,15 +100,15 @@ private:
     ResultSink *m_sink = nullptr;
     std::exception_ptr m_error;
     bool m_cancelled = false;
-    bool m_isWriting = false; ///< SQLite drops the whole transaction when a write is interrupted: none is
+    bool m_isWriting = false; ///< set during writes: interrupting one makes SQLite drop the transaction
     std::vector<std::string> m_dropLater;              ///< temporary tables
     std::map<int, DatabasePtr> m_attached;             ///< by database id
-    std::multimap<std::string, sqlite3_stmt *> m_idle; ///< prepared statements not in use, by text
+    std::multimap<std::string, sqlite3_stmt *> m_idle; ///< unused prepared statements by text
 };
 
 /// Adds tsql(), the aggregates and the collations to a connection.
 void registerFunctions(sqlite3 *db, SqliteConnection &connection);
-/// Adds the aggregates alone.
+/// Adds only the aggregates.
 void registerAggregates(sqlite3 *db, SqliteConnection &connection);
 /// Adds the table-valued function generate_rows(n).
 void registerRowGenerator(sqlite3 *db);
