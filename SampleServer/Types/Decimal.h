@@ -10,8 +10,8 @@ namespace SampleServer {
 
 __extension__ typedef unsigned __int128 UInt128;
 
-/// An exact decimal number of at most 38 digits: magnitude / 10^scale, with a sign.
-/// Also carries money and smallmoney (scale 4).
+/// An exact decimal number of at most 38 digits: magnitude / 10^scale, with a sign. Also used for money and
+/// smallmoney (scale 4).
 struct Decimal
 {
     static constexpr int MaxDigits = 38;
@@ -20,16 +20,16 @@ struct Decimal
     std::uint8_t scale = 0;
     bool negative = false;
 
-    /// The number in plain notation with exactly `scale` digits after the point.
+    /// The number in plain notation with exactly `scale` digits after the decimal point.
     std::string toString() const;
-    /// Reads "-12.50" (sign, digits, one point); empty when the text is no number or exceeds 38 digits.
+    /// Parses "-12.50" (sign, digits, one point); empty if the text is not a number or exceeds 38 digits.
     static std::optional<Decimal> fromString(std::string_view text);
-    /// The same number at another scale, rounded half away from zero; empty when it exceeds 38 digits.
+    /// The same number at another scale, rounded half away from zero; empty if it exceeds 38 digits.
     std::optional<Decimal> rescaled(std::uint8_t newScale) const;
     double toDouble() const;
 };
 
-/// Compares by number, whatever the scales.
+/// Compares by value, independent of the scales.
 std::strong_ordering operator<=>(const Decimal &left, const Decimal &right);
 inline bool operator==(const Decimal &left, const Decimal &right)
 {

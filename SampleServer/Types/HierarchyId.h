@@ -8,10 +8,10 @@
 
 namespace SampleServer {
 
-/// The bytes of a hierarchyid from its text form "/1/2.1/"; empty when the text is none.
-/// [MS-SSCLRT] 2.1: every label is a bit string whose prefix says its range.
+/// Converts the text form "/1/2.1/" to the bytes of a hierarchyid; empty if the text is invalid. [MS-SSCLRT]
+/// 2.1: every label is a bit string whose prefix determines its range.
 std::optional<Bytes> hierarchyIdFromString(std::string_view text);
-/// The text form; bytes that are no hierarchyid give what could be read before the fault.
+/// Returns the text form; for invalid bytes the part before the error.
 std::string hierarchyIdToString(const Bytes &bytes);
 
 } // namespace SampleServer

@@ -5,7 +5,7 @@
 
 namespace SampleServer {
 
-/// The data types a column, a variable or an expression of the sample server can have.
+/// The data types of columns, variables and expressions.
 enum class TypeId : std::uint8_t {
     Bit,
     TinyInt,
@@ -16,7 +16,7 @@ enum class TypeId : std::uint8_t {
     Float,
     SmallMoney,
     Money,
-    Decimal, ///< decimal and numeric; precision and scale say which
+    Decimal, ///< decimal and numeric, with precision and scale
     SmallDateTime,
     DateTime,
     Date,
@@ -34,18 +34,17 @@ enum class TypeId : std::uint8_t {
     Image,
     UniqueIdentifier,
     Xml,
-    HierarchyId, ///< the one CLR type
+    HierarchyId, ///< the only CLR type
     SqlVariant,
 };
 
-/// A type with its parameters, as a declaration in T-SQL gives them.
+/// A type with its parameters, as declared in T-SQL.
 struct SqlType
 {
     static constexpr int Max = -1; ///< the length of the (max) types
 
     TypeId id = TypeId::Int;
-    /// Characters for the character types (UTF-16 units for the n types), bytes for binary; Max for
-    /// (max).
+    /// Characters for the character types (UTF-16 units for the n types), bytes for binary; Max for (max).
     int length = 0;
     std::uint8_t precision = 0; ///< decimal only, 1 to 38
     std::uint8_t scale = 0;     ///< decimal 0 to 38; time, datetime2 and datetimeoffset 0 to 7
@@ -59,7 +58,7 @@ inline constexpr SqlType BigIntType{TypeId::BigInt, 0, 0, 0};
 inline constexpr SqlType LongTextType{TypeId::NVarChar, SqlType::Max, 0, 0};
 inline constexpr SqlType FloatType{TypeId::Float, 0, 0, 0};
 
-/// The type as T-SQL writes it: "nvarchar(50)", "decimal(9,2)", "varbinary(max)".
+/// The type in T-SQL syntax: "nvarchar(50)", "decimal(9,2)", "varbinary(max)".
 std::string displayName(const SqlType &type);
 
 } // namespace SampleServer

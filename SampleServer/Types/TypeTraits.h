@@ -47,7 +47,7 @@ constexpr bool isDateTime(TypeId id)
 {
     return id >= TypeId::SmallDateTime && id <= TypeId::DateTimeOffset;
 }
-/// datetime and smalldatetime, the two date types that take part in arithmetic.
+/// datetime and smalldatetime, the two date types that support arithmetic.
 constexpr bool isLegacyDateTime(TypeId id)
 {
     return id == TypeId::DateTime || id == TypeId::SmallDateTime;
@@ -57,27 +57,27 @@ constexpr bool isLegacyLob(TypeId id)
 {
     return id == TypeId::Text || id == TypeId::NText || id == TypeId::Image;
 }
-/// The types whose values are padded to their declared length.
+/// Types whose values are padded to their declared length.
 constexpr bool isFixedLength(TypeId id)
 {
     return id == TypeId::Char || id == TypeId::NChar || id == TypeId::Binary;
 }
 
-/// The rank in T-SQL's data type precedence; the higher one wins when two types meet.
+/// The rank in T-SQL's data type precedence; the type with the higher rank determines the common type.
 int precedence(TypeId id);
 
 /// The name of the type without its parameters: "nvarchar".
 const char *baseTypeName(TypeId id);
-/// The name error texts use for the type: as baseTypeName, but "numeric" for decimal.
+/// The type's name in error texts: as baseTypeName, but "numeric" for decimal.
 std::string messageTypeName(TypeId id);
 
-/// The decimal that holds every value of an integer, money or decimal type.
+/// The decimal type that can hold every value of an integer, money or decimal type.
 SqlType asDecimalType(const SqlType &type);
 
-/// The type with the longest length an ordinary (not max) value of that type can have: 8000 or 4000.
+/// The maximum length of the type without (max): 8000 or 4000.
 int longestOrdinaryLength(TypeId id);
 
-/// A text or binary type of `length`, or (max) where the length exceeds the ordinary limit or is Max.
+/// A text or binary type of `length`, or (max) if the length exceeds the ordinary limit or is Max.
 SqlType textOrBinaryType(TypeId id, long long length);
 
 } // namespace SampleServer

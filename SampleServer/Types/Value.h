@@ -12,8 +12,8 @@
 
 namespace SampleServer {
 
-/// A point in time as the server keeps it: days since 0001-01-01 and 100 ns ticks since midnight.
-/// For datetimeoffset both are UTC and the offset (minutes) is what is added for display.
+/// A point in time in the server's format: days since 0001-01-01 and 100 ns ticks since midnight. For
+/// datetimeoffset both are UTC, and the offset (minutes) is added for display.
 struct DateTimeValue
 {
     std::int32_t days = 0;
@@ -23,7 +23,7 @@ struct DateTimeValue
     friend auto operator<=>(const DateTimeValue &, const DateTimeValue &) = default;
 };
 
-/// The sixteen bytes of a uniqueidentifier in the order in which they cross the wire.
+/// The sixteen bytes of a uniqueidentifier in wire order.
 struct Guid
 {
     std::array<std::uint8_t, 16> bytes{};
@@ -42,7 +42,7 @@ struct VariantValue;
 using Value = std::variant<std::monostate, std::int64_t, double, Decimal, DateTimeValue, std::string, Bytes,
                            Guid, std::shared_ptr<const VariantValue>>;
 
-/// What a sql_variant holds: a value with the type it was made from.
+/// The content of a sql_variant: a value with its original type.
 struct VariantValue
 {
     SqlType type;
