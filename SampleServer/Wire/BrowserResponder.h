@@ -14,7 +14,7 @@
 
 namespace SampleServer {
 
-/// The one instance that the Browser protocol lists.
+/// The instance listed by the Browser protocol.
 struct BrowserInstance
 {
     std::string hostName;
@@ -23,16 +23,16 @@ struct BrowserInstance
     std::uint16_t tcpPort = 0;
 };
 
-/// The answer to a request (MC-SQLR 2.2): to everyone (2), to one (3), for one instance by its name (4, the
-/// name, 0). Empty for an unknown instance and for what is no request: those get no answer.
+/// The answer to a request (MC-SQLR 2.2): broadcast (2), unicast (3), or one instance by name (4, the name,
+/// 0). Empty for an unknown instance and for invalid requests, which get no answer.
 std::optional<Bytes> browserResponse(std::span<const std::uint8_t> request, const BrowserInstance &instance);
 
-/// Answers Browser requests on a UDP port from a thread of its own, until it is destroyed.
+/// Answers Browser requests on a UDP port from its own thread until it is destroyed.
 class BrowserResponder
 {
 public:
-    /// Port 0 picks a free one. On a loopback address the loopback broadcast is heard as well.
-    /// Throws like boundSocket().
+    /// Port 0 selects a free one. On a loopback address it also receives the loopback broadcast. Throws like
+    /// boundSocket().
     BrowserResponder(const std::string &address, std::uint16_t port, BrowserInstance instance);
     ~BrowserResponder();
     BrowserResponder(const BrowserResponder &) = delete;
@@ -45,7 +45,7 @@ private:
     void answerFrom(int socket);
 
     BrowserInstance m_instance;
-    std::vector<FileDescriptor> m_sockets; ///< the first one answers
+    std::vector<FileDescriptor> m_sockets; ///< the first one sends the answers
     WakeEvent m_stop;
     std::uint16_t m_port = 0;
     std::atomic<bool> m_stopping = false;

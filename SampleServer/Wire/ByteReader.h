@@ -13,7 +13,7 @@ namespace SampleServer {
 
 static_assert(std::endian::native == std::endian::little, "TDS is little-endian and so is this code");
 
-/// Takes numbers and bytes off the front of a message. Reading past the end throws ProtocolError.
+/// Reads numbers and bytes from the front of a message. Reading past the end throws ProtocolError.
 class ByteReader
 {
 public:

@@ -9,13 +9,14 @@
 
 namespace SampleServer {
 
-/// One client's connection from its first packet to its last. Runs on the thread that calls run().
+/// One client's connection from its first to its last packet. Runs on the thread that calls run().
 class Connection
 {
 public:
     Connection(Transport &transport, const ServerSettings &settings);
 
-    /// Serves the client until it leaves, breaks the protocol or the transport is shut down. Does not throw.
+    /// Serves the client until it disconnects, violates the protocol or the transport is shut down. Does not
+    /// throw.
     void run();
 
 private:
@@ -35,7 +36,7 @@ private:
     PacketReader m_in;
     PacketWriter m_out;
     AcceptedLogin m_login;
-    std::optional<TokenWriter> m_tokens; ///< set by the login, which says the version
+    std::optional<TokenWriter> m_tokens; ///< set by the login, which determines the version
     std::optional<ResultWriter> m_results;
     std::optional<Session> m_session;
 };

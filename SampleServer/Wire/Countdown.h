@@ -6,13 +6,13 @@
 
 namespace SampleServer {
 
-/// What is left of a time-out while several waits share it.
+/// The remaining time of a timeout shared by several waits.
 class Countdown
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `timeout` as Transport::waitReadable() takes it.
+    /// `timeout` as in Transport::waitReadable().
     explicit Countdown(std::chrono::milliseconds timeout)
         : m_end(timeout < std::chrono::milliseconds::zero() ? Clock::time_point::max()
                                                             : Clock::now() + timeout)
@@ -23,7 +23,7 @@ public:
     {
     }
 
-    /// Transport::Forever, or what is left, which is never less than zero.
+    /// Transport::Forever, or the remaining time, which is never negative.
     std::chrono::milliseconds left() const
     {
         if (m_end == Clock::time_point::max())

@@ -5,7 +5,7 @@
 
 namespace SampleServer {
 
-/// Owns a file descriptor and closes it; -1 owns none.
+/// Owns a file descriptor and closes it; -1 for none.
 class FileDescriptor
 {
 public:

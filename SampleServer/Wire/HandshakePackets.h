@@ -8,9 +8,8 @@
 
 namespace SampleServer {
 
-/// The bytes of a TLS handshake as the content of PRELOGIN packets (MS-TDS 2.2.6.5). Takes no byte from the
-/// transport below that lies behind the packet it is reading.
-/// Throws ProtocolError for what is no such packet.
+/// Transports the bytes of a TLS handshake in PRELOGIN packets (MS-TDS 2.2.6.5). Reads no byte behind the
+/// current packet from the underlying transport. Throws ProtocolError for other packets.
 class HandshakePackets final : public Transport
 {
 public:
@@ -21,9 +20,9 @@ public:
 
     bool waitReadable(std::chrono::milliseconds timeout) override;
     std::size_t read(std::span<std::uint8_t> buffer) override;
-    /// Collects the bytes for flush().
+    /// Buffers the bytes for flush().
     void write(std::span<const std::uint8_t> bytes) override;
-    /// Sends what was written as one message.
+    /// Sends the buffered bytes as one message.
     void flush();
 
 private:
@@ -31,7 +30,7 @@ private:
 
     Transport &m_transport;
     std::array<std::uint8_t, PacketHeaderSize> m_header{};
-    std::size_t m_headerSize = 0;  ///< how much of the next header has come
+    std::size_t m_headerSize = 0;  ///< received bytes of the next header
     std::size_t m_contentLeft = 0; ///< of the current packet
     std::vector<std::uint8_t> m_written;
 };

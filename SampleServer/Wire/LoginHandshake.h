@@ -11,7 +11,7 @@
 
 namespace SampleServer {
 
-/// An authenticated client, and what its login has negotiated.
+/// An authenticated client and its negotiated settings.
 struct AcceptedLogin
 {
     Login7 request;
@@ -21,18 +21,18 @@ struct AcceptedLogin
     std::string database;
 };
 
-/// The conversation from the first packet to the end of the login. Throws ProtocolError and ConnectionLost.
+/// The protocol from the first packet to the end of the login. Throws ProtocolError and ConnectionLost.
 class LoginHandshake
 {
 public:
-    /// `in` and `out` work on `transport`.
+    /// `in` and `out` must use `transport`.
     LoginHandshake(TlsTransport &transport, PacketReader &in, PacketWriter &out,
                    const ServerSettings &settings);
 
-    /// Authenticates the client; empty when it was refused with an error. An accepted one waits for
+    /// Authenticates the client; empty if it was refused with an error. An accepted client waits for
     /// confirm().
     std::optional<AcceptedLogin> authenticate();
-    /// Tells the client that it is logged in.
+    /// Confirms the login to the client.
     void confirm(const AcceptedLogin &login);
 
 private:

@@ -8,8 +8,8 @@
 
 namespace SampleServer::Ntlm {
 
-/// The CHALLENGE_MESSAGE (MS-NLMP 2.2.1.2) that answers a NEGOTIATE_MESSAGE, for a server of that name.
-/// Throws ProtocolError when the client's message is none or does not speak Unicode.
+/// Creates the CHALLENGE_MESSAGE (MS-NLMP 2.2.1.2) that answers a NEGOTIATE_MESSAGE, for a server with this
+/// name. Throws ProtocolError if the client's message is invalid or does not support Unicode.
 Bytes challengeMessage(std::span<const std::uint8_t> negotiate, const Challenge &challenge,
                        std::string_view serverName);
 
@@ -22,11 +22,11 @@ struct Authentication
     Bytes ntResponse;
     bool extendedSessionSecurity = false;
 
-    /// Whether its NTLM or NTLMv2 response proves that the client knows the password.
+    /// Whether the NTLM or NTLMv2 response proves that the client knows the password.
     bool proves(std::u16string_view password, const Challenge &challenge) const;
 };
 
-/// Throws ProtocolError when the message is none.
+/// Throws ProtocolError if the message is invalid.
 Authentication parseAuthentication(std::span<const std::uint8_t> message);
 
 } // namespace SampleServer::Ntlm

@@ -12,7 +12,7 @@
 
 namespace SampleServer {
 
-/// The program's command line.
+/// The program's command-line options.
 struct Options
 {
     std::string bindAddress = "127.0.0.1";
@@ -22,8 +22,8 @@ struct Options
     std::string user = "sa";
     std::string passwordVariable = "VANTOR_SAMPLE_PASSWORD";
     Edition edition = Edition::Sql2022;
-    int tables = 0;                              ///< in the database `many`
-    TdsVersion highestVersion = TdsVersion::V74; ///< unless given, the one of the edition
+    int tables = 0;                              ///< number of tables in the database `many`
+    TdsVersion highestVersion = TdsVersion::V74; ///< default: that of the edition
     std::string versionBanner;                   ///< empty: that of the edition
     TlsPolicy tls = TlsPolicy::Off;
     std::string certificateFile; ///< PEM, as the key; both set unless `tls` is Off
@@ -31,19 +31,19 @@ struct Options
     bool help = false;
 };
 
-/// What is wrong with a command line, in words for its author.
+/// An invalid command line, with a description for the user.
 class UsageError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Throws UsageError. `arguments` come without the program's name.
+/// Throws UsageError. `arguments` exclude the program's name.
 Options parseOptions(std::span<const char *const> arguments);
-/// What --help prints.
+/// The output of --help.
 std::string usageText();
-/// The first word of a version banner that starts with "16.0.1000" or "16.0.1000.6"; the built-in version
-/// when there is none.
+/// The version in a banner, from the first text of the form "16.0.1000" or "16.0.1000.6"; the built-in
+/// version if there is none.
 ProgramVersion versionInBanner(const std::string &banner);
 
 } // namespace SampleServer

@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// A request put together from its packets.
+/// A request assembled from its packets.
 struct RequestMessage
 {
     PacketType type = PacketType::SqlBatch;
@@ -15,8 +15,8 @@ struct RequestMessage
     std::vector<std::uint8_t> payload;
 };
 
-/// Puts the client's packets together to messages, however the bytes were cut on their way.
-/// Throws ProtocolError for what is no packet or exceeds the limit, ConnectionLost when the client is gone.
+/// Assembles the client's packets into messages, regardless of how the bytes arrive. Throws ProtocolError for
+/// invalid packets or messages above the limit, ConnectionLost if the client has disconnected.
 class PacketReader
 {
 public:
@@ -24,17 +24,19 @@ public:
 
     explicit PacketReader(Transport &transport);
 
-    /// The size above which a message ends the connection: small until the client has logged in.
+    /// Sets the maximum message size; larger messages end the connection. Small until the client has logged
+    /// in.
     void setMessageLimit(std::size_t bytes) { m_messageLimit = bytes; }
-    /// When the client must have said what it has to say; Clock::time_point::max() for no limit.
+    /// Sets the time by which the client's messages must have arrived; Clock::time_point::max() for no limit.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
 
-    /// Whether bytes behind the last message have come.
+    /// Whether bytes after the last message have arrived.
     bool hasMore() const { return buffered() > 0; }
-    /// Waits for a whole message. An attention that cuts off an unfinished message is returned in its place.
+    /// Waits for a whole message. An attention that interrupts an unfinished message is returned instead of
+    /// it.
     RequestMessage read();
-    /// Waits at most that long for an attention packet and takes it; zero only looks. Other packets stay for
-    /// read().
+    /// Waits for an attention packet until the timeout expires and consumes it; a timeout of zero only
+    /// checks. Other packets remain for read().
     bool takeAttention(std::chrono::milliseconds timeout);
 
 private:

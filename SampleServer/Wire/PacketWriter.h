@@ -11,21 +11,21 @@
 
 namespace SampleServer {
 
-/// Writes one response after another, cut into packets. Numbers are little-endian. Packets collect in a
-/// buffer and leave when it is full, on flush() and at the end of the message.
+/// Writes responses, split into packets. Numbers are little-endian. Packets are buffered and sent when the
+/// buffer is full, on flush() and at the end of the message.
 class PacketWriter
 {
 public:
     explicit PacketWriter(Transport &transport);
 
-    /// The number of the session, which every packet carries; 0 until there is one.
+    /// Sets the session's process id for the packet headers; 0 before there is a session.
     void setProcessId(std::uint16_t processId) { m_processId = processId; }
 
-    /// Takes effect with the next message; call it between two.
+    /// Takes effect with the next message; call it between two messages.
     void setPacketSize(std::size_t size);
 
-    /// Where to write `count` bytes directly, or null when the current packet has no room for them in one
-    /// piece.
+    /// Returns memory to write `count` bytes directly; null if the current packet has no contiguous space for
+    /// them.
     std::uint8_t *claim(std::size_t count)
     {
         if (static_cast<std::size_t>(m_packetEnd - m_cursor) < count)
@@ -51,16 +51,16 @@ public:
     }
     /// UTF-16LE without a length.
     void putUnits(std::u16string_view text) { putBytes(text.data(), text.size() * 2); }
-    /// A B_VARCHAR: the count of units in a byte, then the units; cut at 255 units.
+    /// A B_VARCHAR: the number of units in a byte, then the units; truncated at 255 units.
     void putShortText(std::u16string_view text);
-    /// A US_VARCHAR: the count of units in two bytes, then the units.
+    /// A US_VARCHAR: the number of units in two bytes, then the units.
     void putLongText(std::u16string_view text);
 
-    /// Sends the packets that are full and keeps the one that is not.
+    /// Sends the full packets and keeps the current one.
     void sendFullPackets();
-    /// Sends everything now; the message goes on.
+    /// Sends everything immediately; the message continues.
     void flush();
-    /// Closes the message and sends it.
+    /// Ends the message and sends it.
     void endMessage();
 
 private:
@@ -73,9 +73,10 @@ private:
     std::uint16_t m_processId = 0;
     std::uint8_t m_packetId = 1;
     std::size_t m_packetSize = DefaultPacketSize;
-    std::vector<std::uint8_t> m_buffer; ///< closed packets, then the current one, with room for whole packets
-    std::uint8_t *m_packetStart = nullptr; ///< the current packet's header
-    std::uint8_t *m_packetEnd = nullptr;   ///< where the current packet is full
+    std::vector<std::uint8_t>
+        m_buffer; ///< closed packets, then the current one, with space for whole packets
+    std::uint8_t *m_packetStart = nullptr; ///< header of the current packet
+    std::uint8_t *m_packetEnd = nullptr;   ///< end of the current packet
     std::uint8_t *m_cursor = nullptr;
 };
 

@@ -9,19 +9,18 @@ namespace SampleServer {
 struct CallParameter : BatchParameter
 {
     bool isOutput = false;
-    bool isDefault = false; ///< the procedure's own default is asked for
+    bool isDefault = false; ///< use the procedure's default value
 };
 
-/// A parameter of a type that is not read: its length is not known, so that nothing behind it can be read
-/// either.
+/// A parameter of an unsupported type: its length is unknown, so that later parameters cannot be read either.
 class UnsupportedParameter : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Takes one parameter off the front. Throws ProtocolError for one that is broken, UnsupportedParameter for
-/// xml, sql_variant, user-defined types and tables.
+/// Reads the next parameter. Throws ProtocolError for an invalid one, UnsupportedParameter for xml,
+/// sql_variant, user-defined types and tables.
 CallParameter takeParameter(ByteReader &reader);
 
 } // namespace SampleServer

@@ -12,16 +12,15 @@ namespace SampleServer {
 /// A remote procedure call (MS-TDS 2.2.6.6).
 struct ProcedureCall
 {
-    std::string procedure; ///< its name, or the name that belongs to its number
+    std::string procedure; ///< its name, or the name of its number
     std::vector<CallParameter> parameters;
-    std::string refusal; ///< why the parameters could not all be read; empty when they were
+    std::string refusal; ///< why not all parameters could be read; empty if they were
 
-    /// Whether sp_executesql is called.
+    /// Whether the procedure is sp_executesql.
     bool executesSql() const;
-    /// The statement of sp_executesql; empty when it is missing, NULL or no Unicode text.
+    /// The statement of sp_executesql; empty if it is missing, NULL or not Unicode text.
     std::optional<std::string> statement() const;
-    /// The parameters of sp_executesql's statement, named as its declarations name them where the call does
-    /// not.
+    /// The parameters of sp_executesql's statement; those without names in the call get the declared names.
     std::vector<CallParameter> statementParameters() const;
 };
 

@@ -4,7 +4,7 @@
 
 namespace SampleServer {
 
-/// The client sent what the protocol does not allow; its connection ends.
+/// The client violated the protocol; its connection ends.
 class ProtocolError : public std::runtime_error
 {
 public:

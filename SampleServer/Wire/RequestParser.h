@@ -8,14 +8,14 @@
 
 namespace SampleServer {
 
-/// Takes the ALL_HEADERS off that requests have in front from 7.2 on. Throws ProtocolError, as do all of
-/// these.
+/// Skips the ALL_HEADERS at the start of requests from 7.2 on. Throws ProtocolError, as do all functions
+/// here.
 void skipHeaders(ByteReader &request, TdsVersion version);
 
-/// The text of an SQL batch.
+/// Returns the text of an SQL batch.
 std::string parseBatch(std::span<const std::uint8_t> payload, TdsVersion version);
 
-/// The T-SQL that says the same as a transaction manager request; empty for one that T-SQL cannot say.
+/// Translates a transaction manager request to T-SQL; empty if there is no equivalent.
 std::optional<std::string> parseTransactionRequest(std::span<const std::uint8_t> payload, TdsVersion version);
 
 } // namespace SampleServer

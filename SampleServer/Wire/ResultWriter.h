@@ -7,7 +7,7 @@
 
 namespace SampleServer {
 
-/// Writes the tokens that carry columns and rows: COLMETADATA, ROW, NBCROW, ALTMETADATA, ALTROW, RETURNVALUE.
+/// Writes the tokens for columns and rows: COLMETADATA, ROW, NBCROW, ALTMETADATA, ALTROW, RETURNVALUE.
 class ResultWriter
 {
 public:
@@ -19,12 +19,12 @@ public:
     }
 
     void columns(const std::vector<ColumnInfo> &columns);
-    /// Throws std::logic_error when the values are not as many as the columns.
+    /// Throws std::logic_error if the number of values differs from the number of columns.
     void row(std::span<const Value> values);
     void computeColumns(std::uint16_t id, const std::vector<ComputeColumn> &columns,
                         const std::vector<std::uint16_t> &byColumns);
     void computeRow(std::uint16_t id, std::span<const Value> values);
-    /// An output parameter; `ordinal` counts the procedure's parameters from 0.
+    /// Writes an output parameter; `ordinal` counts the procedure's parameters from 0.
     void returnValue(std::uint16_t ordinal, std::string_view name, const SqlType &type, const Value &value);
 
 private:
@@ -36,7 +36,7 @@ private:
     ValueWriter m_values;
     std::vector<WireType> m_columns;
     std::map<std::uint16_t, std::vector<WireType>> m_computeColumns; ///< by their id
-    std::vector<std::uint8_t> m_nullBitmap;                          ///< kept for its memory
+    std::vector<std::uint8_t> m_nullBitmap;                          ///< member only to reuse its memory
 };
 
 } // namespace SampleServer

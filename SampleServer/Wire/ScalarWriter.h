@@ -5,7 +5,7 @@
 
 namespace SampleServer {
 
-/// Writes a scalar's bytes, `wire.maxLength` of them, without a length. The value is not NULL and of the
+/// Writes `wire.maxLength` bytes of a scalar, without a length. The value must not be NULL and must have the
 /// type's alternative; a number outside the type's range throws std::range_error.
 void putScalar(PacketWriter &out, const WireType &wire, const Value &value);
 

@@ -14,11 +14,11 @@ namespace SampleServer {
 
 class Server;
 
-/// What all connections of a sample server share. Never changes while one is open.
+/// Settings shared by all connections of a sample server. Not changed while a connection is open.
 struct ServerSettings
 {
     std::shared_ptr<Server> server;
-    std::string user = "sa"; ///< the one account, by SQL login and as the user of any domain
+    std::string user = "sa"; ///< the only account, for SQL logins and as the user of any domain
     std::string password;
     TdsVersion highestVersion = TdsVersion::V74;
     ProgramVersion programVersion;

@@ -7,8 +7,9 @@
 
 namespace SampleServer {
 
-/// A socket of the type (SOCK_STREAM or SOCK_DGRAM), bound to a numeric IPv4 or IPv6 address; port 0 picks a
-/// free one. Throws std::system_error when it cannot be bound, std::invalid_argument for what is no address.
+/// Creates a socket of the type (SOCK_STREAM or SOCK_DGRAM) bound to a numeric IPv4 or IPv6 address; port 0
+/// selects a free one. Throws std::system_error if it cannot be bound, std::invalid_argument for an invalid
+/// address.
 FileDescriptor boundSocket(int type, const std::string &address, std::uint16_t port);
 /// The port a socket is bound to.
 std::uint16_t boundPort(int socket);

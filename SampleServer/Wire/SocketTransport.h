@@ -4,8 +4,8 @@
 
 namespace SampleServer {
 
-/// A transport over a connected, blocking socket that someone else owns. A shutdown() of the socket by
-/// another thread ends every call with ConnectionLost.
+/// A transport over a connected, blocking socket that the caller owns. If another thread calls shutdown() on
+/// the socket, every call throws ConnectionLost.
 class SocketTransport final : public Transport
 {
 public:

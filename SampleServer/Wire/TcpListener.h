@@ -13,18 +13,18 @@
 
 namespace SampleServer {
 
-/// Accepts connections on a port and gives each a thread of its own.
+/// Accepts connections on a port and serves each on a separate thread.
 class TcpListener
 {
 public:
-    /// Serves one connected socket and returns when it is done; must not throw. `number` counts the
-    /// connections from 0.
+    /// Serves one connected socket and returns when done; must not throw. `number` counts the connections
+    /// from 0.
     using Handler = std::function<void(int socket, std::uint64_t number)>;
 
-    /// Listens on an IPv4 or IPv6 address and a port, of which 0 means any free one.
-    /// Throws std::system_error when that cannot be had, std::invalid_argument for what is no address.
+    /// Listens on an IPv4 or IPv6 address and a port, 0 for any free one. Throws std::system_error if that
+    /// fails, std::invalid_argument for an invalid address.
     TcpListener(const std::string &address, std::uint16_t port, Handler handler);
-    /// Stops: shuts all sockets down and waits for their handlers.
+    /// Shuts down all sockets and waits for their handlers.
     ~TcpListener();
     TcpListener(const TcpListener &) = delete;
     TcpListener &operator=(const TcpListener &) = delete;
@@ -45,13 +45,12 @@ private:
 
     Handler m_handler;
     FileDescriptor m_socket;
-    WakeEvent m_wakeUp; ///< something happened that the accepting thread must look at
+    WakeEvent m_wakeUp; ///< wakes the accepting thread
     std::uint16_t m_port = 0;
     std::uint64_t m_accepted = 0; ///< accepting thread only
     std::atomic<bool> m_stopping = false;
     std::mutex m_mutex;
-    std::list<Client>
-        m_clients; ///< guarded by m_mutex; entries leave on the accepting thread or in the destructor
+    std::list<Client> m_clients; ///< guarded by m_mutex; removed on the accepting thread or in the destructor
     std::thread m_thread;
 };
 

@@ -10,7 +10,7 @@
 
 namespace SampleServer {
 
-/// Turns what the engine reports about one request into the tokens of its response. One sink per request.
+/// Converts the engine's output for one request to response tokens. One sink per request.
 class TdsSink final : public ResultSink
 {
 public:
@@ -37,12 +37,12 @@ public:
     bool attentionRequested() override;
     bool waitForAttention(std::int64_t milliseconds) override;
 
-    /// The positions of the output parameters in a call, from 0; without it they are counted.
+    /// Sets the positions of the output parameters in a call, from 0; by default they are numbered in order.
     void setOutputPlaces(std::vector<std::uint16_t> places) { m_outputPlaces = std::move(places); }
     /// Whether an error was reported.
     bool failed() const { return m_failed; }
-    /// Ends the response with the last statement's DONE. A response that an attention cut off ends with an
-    /// error, and the acknowledgement follows as a message of its own: some clients wait for both.
+    /// Ends the response with the last statement's DONE. A response interrupted by an attention ends with an
+    /// error, and the acknowledgement follows as a separate message: some clients wait for both.
     void finish();
 
 private:
@@ -64,7 +64,7 @@ private:
     PacketReader &m_in;
     Request m_request;
     std::string m_serverName;
-    std::optional<PendingDone> m_pending; ///< held back until it is known whether more follows
+    std::optional<PendingDone> m_pending; ///< delayed until it is known whether more follows
     std::vector<std::uint16_t> m_outputPlaces;
     std::uint16_t m_returnValues = 0;
     std::int64_t m_lastTick;

@@ -11,11 +11,11 @@ namespace SampleServer {
 class TlsCertificate
 {
 public:
-    /// Reads a certificate, which its chain may follow, and its private key, both PEM.
-    /// Throws std::runtime_error when they cannot be read or do not belong together.
+    /// Reads a certificate, optionally followed by its chain, and its private key, both PEM. Throws
+    /// std::runtime_error if they cannot be read or do not match.
     TlsCertificate(const std::string &certificateFile, const std::string &keyFile);
 
-    /// As GnuTLS wants it.
+    /// The credentials for GnuTLS.
     gnutls_certificate_credentials_st *credentials() const { return m_credentials.get(); }
 
 private:

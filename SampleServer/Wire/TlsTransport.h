@@ -12,9 +12,8 @@ struct gnutls_session_int;
 
 namespace SampleServer {
 
-/// A transport over another one that starts in clear and can switch to TLS 1.2, the newest that goes with the
-/// handshake inside of TDS, and back.
-/// Throws ProtocolError for what is no TLS.
+/// A transport over another one that starts unencrypted and can switch to TLS 1.2 and back. TLS 1.2 is the
+/// newest version that supports the handshake inside TDS. Throws ProtocolError for invalid TLS data.
 class TlsTransport final : public Transport
 {
 public:
@@ -23,10 +22,10 @@ public:
     explicit TlsTransport(Transport &clear);
     ~TlsTransport() override;
 
-    /// Shakes hands with the client inside of PRELOGIN packets; what follows is encrypted. Throws
-    /// ProtocolError when that fails or is not done by the deadline.
+    /// Performs the handshake with the client inside PRELOGIN packets; later data is encrypted. Throws
+    /// ProtocolError if that fails or exceeds the deadline.
     void start(const TlsCertificate &certificate, Clock::time_point deadline);
-    /// What follows is in clear again; to be called when the client waits for an answer.
+    /// Switches back to unencrypted data. Call while the client waits for an answer.
     void stop();
 
     bool waitReadable(std::chrono::milliseconds timeout) override;
@@ -47,9 +46,9 @@ private:
     bool decrypt();
 
     Transport &m_clear;
-    std::optional<HandshakePackets> m_handshake;               ///< while hands are shaken
-    std::unique_ptr<gnutls_session_int, SessionEnd> m_session; ///< null while in clear
-    std::exception_ptr m_failure;                              ///< what came up below GnuTLS
+    std::optional<HandshakePackets> m_handshake;               ///< set during the handshake
+    std::unique_ptr<gnutls_session_int, SessionEnd> m_session; ///< null while unencrypted
+    std::exception_ptr m_failure;                              ///< an error of the transport below GnuTLS
     std::vector<std::uint8_t> m_record; ///< decrypted and not yet read: [m_begin, m_end)
     std::size_t m_begin = 0;
     std::size_t m_end = 0;

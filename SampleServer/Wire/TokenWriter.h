@@ -23,8 +23,7 @@ namespace DoneStatus {
 inline constexpr std::uint16_t More = 0x01, Error = 0x02, Count = 0x10, Attention = 0x20;
 } // namespace DoneStatus
 
-/// Writes the tokens of a response that carry no rows (MS-TDS 2.2.7), in the form that the client's version
-/// reads.
+/// Writes the response tokens without rows (MS-TDS 2.2.7) in the format of the client's version.
 class TokenWriter
 {
 public:
@@ -42,19 +41,19 @@ public:
     void loginAck(const ProgramVersion &program);
     void environmentText(EnvironmentText what, std::string_view newValue, std::string_view oldValue);
     void environmentCollation();
-    /// Nothing before 7.2, where transactions have no descriptors.
+    /// Writes nothing before 7.2, where transactions have no descriptors.
     void environmentTransaction(TransactionEvent event, std::uint64_t descriptor);
-    /// Tells a client of 7.2 and later that the reset it asked for is done.
+    /// Reports to a client of 7.2 and later that the requested reset is done.
     void environmentReset();
-    /// INFO up to severity 10, ERROR above. A text of more than 16000 UTF-16 units is cut.
+    /// INFO up to severity 10, ERROR above. Text is truncated at 16000 UTF-16 units.
     void message(const ServerMessage &message, std::string_view serverName);
     void done(Done kind, std::uint16_t status, std::uint16_t currentCommand, std::uint64_t rowCount);
-    /// A whole message: the answer to an attention.
+    /// Writes a whole message: the answer to an attention.
     void acknowledgeAttention();
     void returnStatus(std::int32_t status);
     void order(std::span<const std::uint16_t> columns);
     void sspi(std::span<const std::uint8_t> token);
-    /// Answers the feature requests of a 7.4 login: none of them is offered, UTF-8 is declined by name.
+    /// Answers the feature requests of a 7.4 login: none is supported, UTF-8 is declined explicitly.
     void featureExtensionAck(bool utf8Requested);
 
 private:

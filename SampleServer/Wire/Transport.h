@@ -7,8 +7,8 @@
 
 namespace SampleServer {
 
-/// The stream of bytes to and from one client. Used by the connection's thread alone.
-/// Every call throws ConnectionLost when the client is gone.
+/// The byte stream of one client. Used by the connection's thread only. Every call throws ConnectionLost if
+/// the client has disconnected.
 class Transport
 {
 public:
@@ -16,11 +16,11 @@ public:
 
     virtual ~Transport() = default;
 
-    /// Waits until read() has something to say or the time has passed; true in the first case.
+    /// Waits until read() has data or an error, or the timeout expires; true in the first case.
     virtual bool waitReadable(std::chrono::milliseconds timeout) = 0;
     /// Waits for at least one byte and returns how many were stored.
     virtual std::size_t read(std::span<std::uint8_t> buffer) = 0;
-    /// Returns once everything is handed over.
+    /// Returns once all bytes have been passed on.
     virtual void write(std::span<const std::uint8_t> bytes) = 0;
 };
 

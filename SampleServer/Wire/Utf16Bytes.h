@@ -9,7 +9,7 @@
 
 namespace SampleServer {
 
-/// The text of UTF-16LE bytes. Throws ProtocolError when their count is odd.
+/// Converts UTF-16LE bytes to text. Throws ProtocolError if their number is odd.
 inline std::u16string utf16From(std::span<const std::uint8_t> bytes)
 {
     if (bytes.size() % 2 != 0)

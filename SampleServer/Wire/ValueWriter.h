@@ -8,9 +8,9 @@
 
 namespace SampleServer {
 
-/// Writes values as their column's type says, straight into the packets. A value longer than its column is
-/// cut. Throws std::logic_error for a NULL in a column that said it has none, std::bad_variant_access for a
-/// value that is not of its column's type.
+/// Writes values in the format of their column's type directly to the packets. A value longer than its column
+/// is truncated. Throws std::logic_error for a NULL in a column declared without NULLs,
+/// std::bad_variant_access for a value that does not have its column's type.
 class ValueWriter
 {
 public:
@@ -33,7 +33,7 @@ private:
 
     PacketWriter &m_out;
     TdsVersion m_version;
-    std::u16string m_units; ///< the last text in UTF-16; kept so that a cell need not allocate
+    std::u16string m_units; ///< the last text in UTF-16; kept to avoid an allocation per cell
     Bytes m_encoded;        ///< the last text in the code page
 };
 

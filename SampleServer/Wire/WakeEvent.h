@@ -4,7 +4,7 @@
 
 namespace SampleServer {
 
-/// Wakes a thread out of poll(): its descriptor is readable from signal() to clear(). Thread-safe.
+/// Wakes a thread from poll(): its descriptor is readable from signal() to clear(). Thread-safe.
 class WakeEvent
 {
 public:

@@ -21,12 +21,12 @@ inline constexpr std::uint8_t Image = 0x22, Text = 0x23, UniqueIdentifier = 0x24
                               NChar = 0xEF, Udt = 0xF0, Xml = 0xF1;
 } // namespace TypeCode
 
-/// SQL_Latin1_General_CP1_CI_AS, the collation of everything here: its code page is Windows-1252.
+/// SQL_Latin1_General_CP1_CI_AS, the collation of all values; its code page is Windows-1252.
 inline constexpr std::array<std::uint8_t, 5> DefaultCollation = {0x09, 0x04, 0xD0, 0x00, 0x34};
 
 /// How the length of a value is encoded.
 enum class LengthForm : std::uint8_t {
-    Fixed,       ///< not at all
+    Fixed,       ///< no length
     Byte,        ///< one byte, 0 for NULL
     Short,       ///< two bytes, 0xFFFF for NULL
     TextPointer, ///< a text pointer, then four bytes
@@ -34,25 +34,25 @@ enum class LengthForm : std::uint8_t {
     Variant,     ///< four bytes around the base type and its properties, 0 for NULL
 };
 
-/// What the bytes of a value are.
+/// The content of a value's bytes.
 enum class Content : std::uint8_t { Scalar, Utf16, CodePage, Binary, Variant };
 
-/// How a column of some type crosses the wire to a client of some version.
+/// The wire format of a column for a client version.
 struct WireType
 {
     SqlType type;
     std::uint8_t code = 0;
     LengthForm form = LengthForm::Fixed;
     Content content = Content::Scalar;
-    std::uint32_t maxLength = 0; ///< bytes of the longest value; of every value for a scalar
+    std::uint32_t maxLength = 0; ///< maximum bytes of a value; the exact size for scalars
 
-    /// The bytes that a NULL takes in a ROW token.
+    /// The number of bytes of a NULL in a ROW token.
     std::uint32_t nullSize() const;
-    /// The bytes of its properties as the base type of an sql_variant.
+    /// The number of property bytes as the base type of an sql_variant.
     std::uint8_t variantPropertySize() const;
 };
 
-/// Chooses what the version knows: types newer than it become text or binary, as the real server does it.
+/// Selects a type that the version supports: newer types become text or binary, as on the real server.
 WireType wireType(const SqlType &type, bool nullable, TdsVersion version);
 /// Writes the TYPE_INFO of column and parameter descriptions.
 void putTypeInfo(PacketWriter &out, const WireType &wire);
