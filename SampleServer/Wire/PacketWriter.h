@@ -73,8 +73,7 @@ private:
     std::uint16_t m_processId = 0;
     std::uint8_t m_packetId = 1;
     std::size_t m_packetSize = DefaultPacketSize;
-    std::vector<std::uint8_t>
-        m_buffer; ///< closed packets, then the current one, with space for whole packets
+    std::vector<std::uint8_t> m_buffer;    ///< closed packets, then the current one; space for whole packets
     std::uint8_t *m_packetStart = nullptr; ///< header of the current packet
     std::uint8_t *m_packetEnd = nullptr;   ///< end of the current packet
     std::uint8_t *m_cursor = nullptr;
