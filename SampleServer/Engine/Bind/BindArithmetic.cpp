@@ -27,8 +27,7 @@ const char *operatorName(ArithmeticOperator op)
     return "";
 }
 
-/// The decimal type an operand takes part with: an integer that was written out has the digits it was written
-/// with.
+/// The decimal type of an operand: an integer literal has the number of digits it was written with.
 SqlType decimalOperandType(const Expression &operand)
 {
     const auto *constant = std::get_if<Constant>(&operand.node);
@@ -130,7 +129,7 @@ ExpressionPtr Binder::concatenation(const ExpressionPtr &left, const ExpressionP
     if (isMax) {
         operation.result = textOrBinaryType(high.id, SqlType::Max);
     } else {
-        // Two fixed lengths stay fixed; every other pair varies.
+        // Two fixed lengths give a fixed one; other combinations are variable.
         const bool fixed = isFixedLength(left->type.id) && isFixedLength(right->type.id);
         const TypeId varying = isUnicodeText(high.id) ? TypeId::NVarChar
                                : isText(high.id)      ? TypeId::VarChar
@@ -164,12 +163,12 @@ ExpressionPtr Binder::bindNode(const Ast::Unary &node)
     if (isPlainText(operand->type.id) || !isNumeric(operand->type.id))
         throw Errors::invalidOperand(messageTypeName(operand->type.id), "minus");
     operation.function = Functions::negate;
-    if (operand->type.id == TypeId::TinyInt) // which has no negative values
+    if (operand->type.id == TypeId::TinyInt) // it has no negative values
         operation.result = {TypeId::SmallInt, 0, 0, 0};
     const auto *before = std::get_if<Constant>(&operand->node);
     auto result = call(std::move(operation), {operand});
     const Value *value = constantValue(*result);
-    if (before && before->isLiteral && value) // -5 is as much a literal as 5
+    if (before && before->isLiteral && value) // -5 is a literal like 5
         return constant(result->type, *value, true);
     return result;
 }

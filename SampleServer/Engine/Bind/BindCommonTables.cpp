@@ -6,8 +6,7 @@
 
 #include <algorithm>
 
-// WITH: common tables are replaced by their query wherever they are named; recursive ones become
-// RecursiveRows.
+// WITH: references to common tables are replaced with their queries; recursive ones become RecursiveRows.
 namespace SampleServer {
 
 using namespace Bound;
@@ -30,7 +29,7 @@ bool names(const Ast::Query &query, const std::string &folded)
                        [&](const auto &source) { return names(*source, folded); });
 }
 
-/// The queries that UNION ALL puts together.
+/// The queries combined by UNION ALL.
 void unionTerms(const Ast::Query &query, std::vector<const Ast::Query *> &terms)
 {
     if (query.op == Ast::SetOperator::UnionAll) {
@@ -41,8 +40,8 @@ void unionTerms(const Ast::Query &query, std::vector<const Ast::Query *> &terms)
     }
 }
 
-/// The depth of a row of a recursive common table from that of the row it was found with. selector: the
-/// limit, 0 for none.
+/// The depth of a row of a recursive common table, one more than that of the row it was derived from.
+/// selector: the limit, 0 for none.
 Value nextDepth(EvaluationContext &, const Operation &operation, std::span<const Value> arguments)
 {
     const std::int64_t depth = std::get<std::int64_t>(arguments[0]) + 1;
@@ -64,7 +63,7 @@ void Binder::useCommonTables(const std::vector<Ast::CommonTable> &tables)
     m_common = m_statementCommon.get();
 }
 
-/// The common table of a name in a FROM clause; null when there is none.
+/// Finds the common table of a name in a FROM clause; null if there is none.
 SourcePtr Binder::findCommon(const Ast::TableSource &source, const Ast::ObjectName &name, Scope &scope)
 {
     if (name.parts.size() != 1)
@@ -134,7 +133,7 @@ SourcePtr Binder::bindRecursive(const Ast::TableSource &source, const CommonTabl
     own.ownName = rows.name = 'r' + std::to_string(++m_aliases);
     for (const Ast::Query *step : steps)
         rows.steps.push_back(bindStep(*step, own, *rows.anchor));
-    auto result = std::make_shared<Query>(*rows.anchor); // for its columns alone
+    auto result = std::make_shared<Query>(*rows.anchor); // only its columns are used
     for (std::size_t i = 0; i < columns.size(); ++i)
         result->columns[i].info = columns[i];
     ScopeSource entry;
@@ -144,8 +143,8 @@ SourcePtr Binder::bindRecursive(const Ast::TableSource &source, const CommonTabl
     return std::make_shared<const Source>(std::move(made));
 }
 
-/// Binds a query over the rows found before. Its columns have the types of the anchor's; the depth comes
-/// last.
+/// Binds a query over the previous rows. Its columns have the types of the anchor's; the depth is the last
+/// column.
 QueryPtr Binder::bindStep(const Ast::Query &step, const CommonTableScope &own, const Query &anchor)
 {
     const ScopedValue<const CommonTableScope *> visible(m_common, &own);

@@ -50,7 +50,7 @@ bool isComparable(TypeId id)
     return !isLegacyLob(id) && id != TypeId::Xml;
 }
 
-/// Whether SQLite keeps values of both types alike and every value of `from` is one of `to` as it stands.
+/// Whether SQLite stores both types in the same form, so that every value of `from` is a value of `to`.
 bool sameRepresentation(const SqlType &from, const SqlType &to)
 {
     const auto fits = [&] {
@@ -144,7 +144,7 @@ ExpressionPtr Binder::call(Operation operation, std::vector<ExpressionPtr> argum
             Expression folded{type, true, Constant{operation.function(m_context, operation, values), false}};
             return std::make_shared<const Expression>(std::move(folded));
         } catch (const EngineError &) {
-            // The error is for run time: the expression may be in a branch that is never taken.
+            // The error occurs at run time: the expression may be in a branch that is never taken.
         }
     }
     Call result{std::move(operation), std::move(arguments)};
@@ -198,7 +198,7 @@ SqlType Binder::unify(std::vector<ExpressionPtr> &expressions)
 
 ExpressionPtr Binder::bind(const Ast::Expression &expression)
 {
-    // After GROUP BY an expression may be one of the keys: bound as it was before grouping, it is recognised.
+    // After GROUP BY an expression may be a key: it is recognised because it is bound as before grouping.
     Grouping *grouping = m_scope ? m_scope->grouping : nullptr;
     const bool mayBeKey = grouping && !std::holds_alternative<Ast::Literal>(expression.node) &&
                           !std::holds_alternative<Ast::ColumnReference>(expression.node) &&
@@ -253,7 +253,7 @@ ExpressionPtr Binder::compare(Ast::ComparisonOperator op, ExpressionPtr left, Ex
                               operatorName(op) + " operator.",
                           ErrorEffect::EndsBatch);
     const bool bothText = isText(left->type.id) && isText(right->type.id);
-    if (!bothText) { // texts of any kind and length compare as they stand
+    if (!bothText) { // texts of any type and length compare without conversion
         std::vector<ExpressionPtr> sides{std::move(left), std::move(right)};
         unify(sides);
         left = sides[0];
@@ -370,7 +370,7 @@ ExpressionPtr Binder::bindNode(const Ast::QuantifiedComparison &node)
     auto operand = bind(*node.left);
     auto query = bindSubquery(*node.query, false);
     if (!isIn && !isNotIn) {
-        // ANY: a row for which it holds. ALL: no row for which it does not.
+        // ANY: the condition is true for a row. ALL: it is not false for any row.
         const std::string alias = newAlias();
         const OutputColumn &column = query->columns[0];
         auto value = std::make_shared<const Expression>(
@@ -445,7 +445,7 @@ ExpressionPtr Binder::bindNode(const Ast::Cast &node)
     }
     if (!node.isTry) {
         Expression cast = *converted(operand, type, true, style);
-        cast.nullable = true; // as the server describes it, whatever is cast
+        cast.nullable = true; // the server describes every CAST as nullable
         if (auto *constant = std::get_if<Constant>(&cast.node))
             constant->isLiteral = false;
         return std::make_shared<const Expression>(std::move(cast));

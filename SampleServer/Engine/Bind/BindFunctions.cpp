@@ -25,7 +25,7 @@ bool isAggregateName(const Ast::ObjectName &name)
     return std::find(std::begin(names), std::end(names), upper) != std::end(names);
 }
 
-/// Looks for aggregates, or for subqueries, in the parts of an expression.
+/// Searches the parts of an expression for aggregates or subqueries.
 template <bool subqueries>
 struct PartFinder
 {
@@ -154,7 +154,7 @@ ExpressionPtr Binder::aggregate(const Ast::FunctionCall &node, const std::string
             "subquery.",
             ErrorEffect::EndsBatch);
     ExpressionPtr argument = [&] {
-        // The argument sees the rows, not the groups.
+        // The argument is evaluated on the rows, not the groups.
         const ScopedValue<Grouping *> ungrouped(m_scope->grouping, nullptr);
         return bind(*node.arguments[0]);
     }();
@@ -202,7 +202,7 @@ ExpressionPtr Binder::stringAggregate(const Ast::FunctionCall &node, Grouping &g
     return addAggregate(grouping, std::move(aggregate), type);
 }
 
-/// A CASE of conditions and values that are bound already.
+/// Builds a CASE from bound conditions and values.
 ExpressionPtr Binder::choice(std::vector<std::pair<ExpressionPtr, ExpressionPtr>> branches,
                              ExpressionPtr otherwise)
 {
@@ -292,7 +292,7 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
         choice.otherwise = std::move(value);
         return std::make_shared<const Expression>(Expression{type, true, std::move(choice)});
     }
-    if (name == "TEXTPTR") { // the row number serves as the text pointer
+    if (name == "TEXTPTR") { // the row number is used as the text pointer
         require(1);
         const auto value = argument(0);
         const auto *column = std::get_if<Column>(&value->node);
@@ -302,7 +302,7 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
             Expression{{TypeId::BigInt, 0, 0, 0}, true, Column{column->source, "rowid"}});
         return converted(row, {TypeId::Binary, 16, 0, 0}, true);
     }
-    if (name == "UPDATE") { // of a trigger: whether the statement set the column
+    if (name == "UPDATE") { // in a trigger: whether the statement set the column
         require(1);
         const auto *column = std::get_if<Ast::ColumnReference>(&node.arguments[0]->node);
         if (!column)
@@ -330,7 +330,7 @@ ExpressionPtr Binder::specialFunction(const Ast::FunctionCall &node, const std::
     return nullptr;
 }
 
-/// Only paths that mean the whole fragment's text are known.
+/// Only paths to the text of the whole fragment are supported.
 ExpressionPtr Binder::bindNode(const Ast::MethodCall &node)
 {
     static constexpr std::string_view whole[] = {

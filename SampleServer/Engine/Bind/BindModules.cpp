@@ -3,7 +3,7 @@
 #include "Engine/ScopedValue.h"
 #include "Types/Collation.h"
 
-// Views and functions of the user's, wherever a query names them.
+// Binds user-defined views and functions in queries.
 namespace SampleServer {
 
 using namespace Bound;
@@ -123,7 +123,7 @@ SourcePtr Binder::bindCatalog(const Ast::TableSource &source, const Ast::ObjectN
     return provided(source, std::move(entry), *rows.columns, {rows.provider, {}}, scope);
 }
 
-/// The arguments of a function in the types of its parameters; DEFAULT is the default value.
+/// Converts the arguments of a function to the types of its parameters; DEFAULT is the default value.
 std::vector<ExpressionPtr> Binder::moduleArguments(const Module &module,
                                                    const std::vector<Ast::ExpressionPtr> &arguments)
 {

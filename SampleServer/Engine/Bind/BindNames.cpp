@@ -15,7 +15,7 @@ bool sameName(std::string_view left, std::string_view right)
     return left == right || foldedName(left) == foldedName(right);
 }
 
-/// Whether a qualified name can mean a column of the source: every part given must agree.
+/// Whether a qualified name matches a column of the source: all given parts must match.
 bool qualifies(const ScopeSource &source, const Ast::ObjectName &name)
 {
     const std::string table = name.qualifier(1), schema = name.qualifier(2), database = name.qualifier(3);

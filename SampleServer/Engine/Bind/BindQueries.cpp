@@ -15,7 +15,7 @@ using namespace Bound;
 
 namespace {
 
-/// Makes a scope the innermost one for as long as it lives.
+/// Makes a scope the innermost one as long as this object exists.
 class ScopeEntry
 {
 public:
@@ -91,7 +91,7 @@ void requireColumnsBelowLimit(const Query &query)
             ErrorEffect::EndsBatch);
 }
 
-/// The columns of two queries combined.
+/// Combines the columns of two queries.
 std::vector<OutputColumn> combinedColumns(const std::vector<OutputColumn> &left,
                                           const std::vector<OutputColumn> &right, Ast::SetOperator op)
 {
@@ -124,8 +124,7 @@ std::vector<OutputColumn> combinedColumns(const std::vector<OutputColumn> &left,
     return columns;
 }
 
-/// Whether every value of one type is in the other, and none equals another there that it did not equal
-/// before.
+/// Whether every value of one type exists in the other, and distinct values stay distinct.
 bool holdsAll(const SqlType &wide, const SqlType &narrow)
 {
     if (wide == narrow)
@@ -141,7 +140,7 @@ bool holdsAll(const SqlType &wide, const SqlType &narrow)
     return wide.scale >= narrow.scale;
 }
 
-/// Gives columns the types of those that they are going to be converted to, where nothing gets lost.
+/// Gives columns the types that they will be converted to, if no information is lost.
 void widen(std::vector<OutputColumn> &columns, const std::vector<OutputColumn> &next)
 {
     for (std::size_t i = 0; i < columns.size(); ++i)
@@ -430,7 +429,8 @@ void Binder::bindLimit(const Ast::QuerySpecification &specification, const Ast::
         query.limit = count(*whole->fetch, "FETCH");
 }
 
-/// Binds a op b op c as one list. Nested, each operand would take a level of SQLite's parser, which has few.
+/// Binds a op b op c as one list. Nested operands would each take a level of SQLite's parser stack, which is
+/// small.
 QueryPtr Binder::bindCombination(const Ast::Query &query, const Ast::Select *whole)
 {
     std::vector<const Ast::Query *> steps; // from the first operator to the last
@@ -465,8 +465,8 @@ QueryPtr Binder::bindCombination(const Ast::Query &query, const Ast::Select *who
     return result;
 }
 
-/// The query with its columns converted: constants in place, so that NULL adapts; otherwise around the query,
-/// so that its own order and limit are not touched.
+/// Converts the query's columns: constants directly, so that NULL adapts; others in an outer query, which
+/// keeps the query's own order and limit.
 QueryPtr Binder::withColumnTypes(const QueryPtr &query, const std::vector<SqlType> &types)
 {
     auto adapted = std::make_shared<Query>(*query);

@@ -23,7 +23,7 @@ EngineError columnListMismatch(const std::string &name, bool more)
             ErrorEffect::EndsBatch};
 }
 
-/// Gives the columns of a source the names that were written after its alias.
+/// Renames the columns of a source to the names after its alias.
 void rename(ScopeSource &source, const std::vector<std::string> &names)
 {
     if (names.empty())
@@ -76,7 +76,7 @@ ScopeSource Binder::scopeOfTable(const TableScan &scan, const std::string &alias
     return source;
 }
 
-/// A computed column is not stored: wherever it is named, its expression over the stored columns stands.
+/// A computed column is not stored: references are replaced with its expression over the stored columns.
 void Binder::bindComputedColumns(ScopeSource &source)
 {
     Scope own;
@@ -106,7 +106,7 @@ SourcePtr Binder::bindTarget(const TableScan &scan, const std::string &name, Sco
 
 SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool lateral)
 {
-    // A chain of common tables or views, each of which names the one before it twice, doubles at every step.
+    // A chain of common tables or views that each reference the previous one twice doubles at every step.
     constexpr int MostSources = 10'000;
     if (++m_context.boundSources > MostSources)
         throw Errors::outOfMemory();
@@ -120,7 +120,7 @@ SourcePtr Binder::bindSource(const Ast::TableSource &source, Scope &scope, bool 
     if (const auto *values = std::get_if<Ast::ValuesTable>(&source.node))
         return bindValues(source, *values, scope, lateral);
     if (const auto *function = std::get_if<Ast::FunctionTable>(&source.node)) {
-        // Arguments of a function may be columns of the sources before it only under APPLY.
+        // Only under APPLY may arguments of a function be columns of earlier sources.
         Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
         const ScopedValue<Scope *> around(m_scope, &neighbours);
         return bindFunction(source, *function, scope);
@@ -148,8 +148,7 @@ SourcePtr Binder::bindNamed(const Ast::TableSource &source, const Ast::NamedTabl
 SourcePtr Binder::bindDerived(const Ast::TableSource &source, const Ast::DerivedTable &table, Scope &scope,
                               bool lateral)
 {
-    // A derived table sees the queries around this one; the sources before it in the FROM clause only under
-    // APPLY.
+    // A derived table can reference the outer queries; earlier sources of the FROM clause only under APPLY.
     Scope neighbours{lateral ? scope.sources : std::vector<ScopeSource>(), scope.outer};
     const QueryPtr query = [&] {
         const ScopedValue<Scope *> around(m_scope, &neighbours);
@@ -192,7 +191,8 @@ SourcePtr Binder::addQuery(ScopeSource entry, const QueryPtr &query, const std::
         std::set<std::string> outside = sourceNames(scope.sources);
         emitLateral(*query, outside, arguments);
         if (!arguments.empty()) {
-            // SQLite runs it apart from the statement, so it is given all that it sees of it.
+            // SQLite runs it separately from the statement, so all columns it references are passed as
+            // arguments.
             for (const Scope *outer = scope.outer; outer; outer = outer->outer) {
                 outside.merge(sourceNames(outer->sources));
                 if (outer->grouping)

@@ -114,7 +114,7 @@ SqlType wideText(TypeId id, const SqlType &left, const SqlType &right)
     const bool bothFixed = isFixedLength(left.id) && isFixedLength(right.id);
     if (left.length == SqlType::Max || right.length == SqlType::Max)
         return textOrBinaryType(id, SqlType::Max);
-    // A fixed length survives only when both have the same.
+    // The result has a fixed length only if both have the same.
     if (isFixedLength(id) && (!bothFixed || left.length != right.length))
         id = id == TypeId::Char    ? TypeId::VarChar
              : id == TypeId::NChar ? TypeId::NVarChar

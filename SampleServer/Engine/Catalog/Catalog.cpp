@@ -12,7 +12,7 @@ namespace {
 
 std::string keyOf(std::string_view schema, std::string_view name)
 {
-    // A NUL cannot be part of either name, so two different pairs never meet.
+    // Neither name can contain a NUL, so different pairs give different keys.
     return foldedName(schema) + '\0' + foldedName(name);
 }
 
@@ -169,7 +169,7 @@ std::vector<ModulePtr> Database::triggersOf(std::int64_t parent) const
     return triggers;
 }
 
-/// Keeps what is found by other things than its name: constraints, references and triggers.
+/// Updates the look-up tables for constraints, references and triggers.
 void Database::note(const ObjectPtr &object, bool present)
 {
     const auto mark = [&](auto &map, std::int64_t of) {
@@ -207,7 +207,7 @@ void Database::insert(ObjectPtr object)
 void Database::erase(const SchemaObject &object)
 {
     const std::lock_guard lock(m_mutex);
-    const ObjectPtr known = foundOrNull(m_byId, object.id); // it may be what keeps `object` alive
+    const ObjectPtr known = foundOrNull(m_byId, object.id); // may be the last owner of `object`
     if (!known)
         return;
     note(known, false);

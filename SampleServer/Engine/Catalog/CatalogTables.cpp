@@ -8,7 +8,7 @@
 
 #include <map>
 
-// The tables that the catalog's views are written over: rows of definitions.
+// Tables of definitions on which the catalog views are based.
 namespace SampleServer {
 
 using namespace CatalogValues;
@@ -332,7 +332,7 @@ const CatalogTable &schemas()
 std::vector<DatabasePtr> listDatabases(const Context &context)
 {
     std::vector<DatabasePtr> all = context.server.databases.all();
-    // A database of Azure's knows its master; only that knows all the others.
+    // An Azure database lists itself and master; only master lists all databases.
     if (context.server.edition == Edition::Azure)
         std::erase_if(all, [&](const DatabasePtr &database) {
             const std::string name = database->name();

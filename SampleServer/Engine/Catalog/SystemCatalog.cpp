@@ -12,7 +12,7 @@ namespace SampleServer {
 
 namespace {
 
-/// The columns that views have got after SQL Server 2008.
+/// The columns added to views after SQL Server 2008.
 const std::map<std::string_view, std::vector<std::string_view>> laterColumns = {
     {"tables",
      {"is_filetable", "is_memory_optimized", "durability", "temporal_type", "temporal_type_desc",

@@ -88,7 +88,7 @@ private:
         return nullptr;
     }
 
-    /// As far as the catalog's views need it: what is no CAST, column or literal is a number.
+    /// Only as needed for the catalog views: anything other than a CAST, column or literal is a number.
     SqlType typeOf(const Ast::Expression &expression) const
     {
         if (const auto *cast = std::get_if<Ast::Cast>(&expression.node))

@@ -15,7 +15,7 @@ std::string collationOf(const SqlType &type)
 
 namespace {
 
-/// Whether two calls compute the same, given that their leaves are the same.
+/// Whether two calls compute the same result if their leaves are equal.
 bool sameCall(const Call &left, const Call &right)
 {
     if (left.operation != right.operation || left.arguments.size() != right.arguments.size())

@@ -164,7 +164,7 @@ void ExpressionEmitter::writeLeaves(const Call &call)
     }
 }
 
-/// a AND b AND c without parentheses between, which SQLite's parser would have to stack up.
+/// Writes a AND b AND c without parentheses, which would take space on SQLite's parser stack.
 void ExpressionEmitter::writeOperands(const Logical &node)
 {
     const auto *left = std::get_if<Logical>(&node.left->node);

@@ -60,8 +60,7 @@ void QueryEmitter::body(const Query &query)
         specification(query);
 }
 
-/// TOP ... WITH TIES and PERCENT: the rows get their rank, or number, and those above the limit are left
-/// out.
+/// TOP ... WITH TIES and PERCENT: adds the rank or number of each row and filters out those above the limit.
 void QueryEmitter::rankedLimit(const Query &query)
 {
     m_text.text("SELECT ");
@@ -81,7 +80,7 @@ void QueryEmitter::rankedLimit(const Query &query)
     m_text.text(" ORDER BY place");
 }
 
-/// The columns that rankedLimit() filters by.
+/// The columns used by the filter of rankedLimit().
 void QueryEmitter::rank(const Query &query)
 {
     if (m_rankOf != &query)
@@ -119,7 +118,7 @@ void QueryEmitter::specification(const Query &query)
     fromAndWhere(query.from, query.where);
 }
 
-/// Three layers: what the groups need of each row, the groups, and what is made of them.
+/// Three layers: the input columns of the groups, the groups, and the expressions over them.
 void QueryEmitter::grouping(const Query &query)
 {
     m_text.text(query.distinct ? "SELECT DISTINCT " : "SELECT ");
@@ -189,7 +188,7 @@ void QueryEmitter::aggregate(const Aggregate &aggregate, std::size_t number)
     m_text.text(") AS a" + place);
 }
 
-/// a op b op c in one list: SQLite takes its operators from left to right, too.
+/// Writes a op b op c as one list: SQLite evaluates its operators from left to right, too.
 void QueryEmitter::combination(const Query &query)
 {
     static constexpr const char *operators[] = {" UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
@@ -213,7 +212,7 @@ void QueryEmitter::combination(const Query &query)
     }
 }
 
-/// Whether the query is a combination that has neither order nor limit of its own.
+/// Whether the query is a combination without its own order and limit.
 bool QueryEmitter::isPlainCombination(const Query &query)
 {
     return query.op && query.orderBy.empty() && !query.limit && !query.offset;
