@@ -15,7 +15,7 @@ int order(const T &left, const T &right)
     return left < right ? -1 : right < left ? 1 : 0;
 }
 
-/// Binary values compare as if the shorter one went on with zeros.
+/// Binary values compare as if the shorter one was padded with zeros.
 int compareBytes(const Bytes &left, const Bytes &right)
 {
     for (std::size_t i = 0; i < std::max(left.size(), right.size()); ++i) {

@@ -52,7 +52,7 @@ Value convertToXml(const Value &value, const SqlType &from)
     return convertToText(value, from, {TypeId::NVarChar, SqlType::Max, 0, 0}, 0);
 }
 
-/// The type as sql_variant keeps it: a string literal's declared length, never more than it allows.
+/// The type stored in a sql_variant: a string literal's declared length, up to the allowed maximum.
 Value convertToVariant(const Value &value, const SqlType &from)
 {
     if (from.length == SqlType::Max)

@@ -69,7 +69,7 @@ Bytes dateTimeBytes(const DateTimeValue &value, const SqlType &type)
     return bytes;
 }
 
-/// Text read as hexadecimal digits: style 1 wants 0x before them, style 2 does not.
+/// Parses hexadecimal digits: style 1 requires the prefix 0x, style 2 rejects it.
 Bytes bytesFromHex(std::string_view text, const SqlType &from, int style)
 {
     const auto failed = [&] { return Errors::dataTypeConversion(baseTypeName(from.id), "varbinary"); };
@@ -107,7 +107,7 @@ Bytes textBytes(const std::string &text, const SqlType &from, int style)
 Value convertToBinary(const Value &value, const SqlType &from, const SqlType &to, int style)
 {
     Bytes bytes;
-    bool fromNumber = true; // numbers keep their lowest bytes, everything else its first
+    bool fromNumber = true; // numbers keep their lowest bytes, other values their first ones
     if (const auto *integer = std::get_if<std::int64_t>(&value)) {
         appendBigEndian(bytes, static_cast<std::uint64_t>(*integer), integerSize(from.id));
     } else if (const auto *number = std::get_if<double>(&value)) {

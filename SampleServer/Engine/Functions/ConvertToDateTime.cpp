@@ -25,7 +25,7 @@ EngineError badText(const SqlType &to)
             ErrorEffect::RollsBack};
 }
 
-/// The order of the parts that a style asks for when it reads a date.
+/// The order of day, month and year when a style parses a date.
 DateOrder orderOfStyle(int style, DateOrder otherwise)
 {
     switch (style % 100) {
@@ -44,7 +44,7 @@ DateOrder orderOfStyle(int style, DateOrder otherwise)
     }
 }
 
-/// A UTC value with its offset from a local time.
+/// Converts local time with an offset to a UTC value.
 DateTimeValue withOffset(const DateTimeValue &local, std::int16_t offsetMinutes)
 {
     DateTimeValue value = plusTicks(local, -static_cast<std::int64_t>(offsetMinutes) * 60 * TicksPerSecond);
@@ -60,8 +60,8 @@ DateTimeValue toLocal(const DateTimeValue &value)
     return local;
 }
 
-/// Where days come before months, datetime reads 2024-04-03 as the fourth of March; the newer types do not,
-/// and neither is a T between date and time misunderstood. The text with the two in the order of ISO 8601.
+/// If days precede months, datetime reads 2024-04-03 as the fourth of March; newer types do not, and a T
+/// between date and time avoids it. Returns the text with both parts in ISO 8601 order.
 std::string withMonthFirst(const std::string &text)
 {
     const std::size_t first = text.find_first_not_of(' '), one = text.find_first_of("-/.", first);

@@ -33,7 +33,7 @@ IntegerRange rangeOf(TypeId id)
     }
 }
 
-/// How an error text names the type of what was given: decimal is "numeric", an integer "expression".
+/// The name of the source type in error texts: decimal is "numeric", an integer "expression".
 std::string sourceName(TypeId id)
 {
     return isInteger(id) ? "expression" : messageTypeName(id);
@@ -163,7 +163,7 @@ Value convertToInteger(const Value &value, const SqlType &from, const SqlType &t
     } else if (const auto *decimal = std::get_if<Decimal>(&value)) {
         if (to.id == TypeId::Bit)
             return std::int64_t{decimal->magnitude != 0};
-        // Money is rounded, decimal is cut off.
+        // Money is rounded, decimal is truncated.
         const auto whole = isMoney(from.id) ? decimal->rescaled(0) : *decimal;
         const auto integer2 = whole ? SampleServer::toInteger(*whole) : std::nullopt;
         if (!integer2)

@@ -12,7 +12,7 @@ namespace SampleServer {
 
 namespace {
 
-/// printf's text with the exponent of at least three digits that the server writes.
+/// Changes printf's exponent to at least three digits, as the server writes it.
 std::string withLongExponent(std::string text)
 {
     const std::size_t e = text.find('e');

@@ -24,7 +24,7 @@ EngineError wrongCount(const Builtin &function)
             ErrorEffect::EndsBatch};
 }
 
-/// Functions that SQL Server has and this server has not.
+/// SQL Server functions that this server does not support.
 bool isElsewhere(std::string_view name)
 {
     static constexpr std::string_view names[] = {"APPLOCK_MODE",
@@ -93,7 +93,7 @@ bool isElsewhere(std::string_view name)
     return std::binary_search(std::begin(names), std::end(names), name);
 }
 
-/// The argument in the type that the parameter asks for.
+/// Converts the argument to the parameter's type.
 ExpressionPtr adapted(Binder &binder, const ExpressionPtr &argument, char parameter)
 {
     const TypeId id = argument->type.id;

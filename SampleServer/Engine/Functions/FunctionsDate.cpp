@@ -112,7 +112,7 @@ int weekday(std::int32_t days)
 
 int isoWeek(const DateTimeParts &parts, std::int32_t days)
 {
-    // The week belongs to the year that its Thursday lies in.
+    // A week belongs to the year of its Thursday.
     const DateTimeParts thursday = toParts({days - weekday(days) + 3, 0, 0});
     (void)parts;
     return (days - weekday(days) + 3 - daysFromDate(thursday.year, 1, 1)) / 7 + 1;
@@ -217,10 +217,10 @@ Value dateAdd(EvaluationContext &, const Operation &operation, Arguments a)
     return *rounded;
 }
 
-/// How many borders of the part lie between the two.
+/// The number of boundaries of the date part between the two values.
 std::int64_t borders(DatePart part, const DateTimeValue &from, const DateTimeValue &to)
 {
-    // Offsets do not count: what is compared is the time in UTC.
+    // Offsets are ignored: the UTC times are compared.
     const DateTimeParts a = toParts({from.days, from.ticks, 0}), b = toParts({to.days, to.ticks, 0});
     const std::int64_t firstDay = daysFromDate(a.year, a.month, a.day),
                        lastDay = daysFromDate(b.year, b.month, b.day);
@@ -397,8 +397,8 @@ void requirePart(const DatePartName &part, const std::string &function, const Sq
                       ErrorEffect::EndsBatch);
 }
 
-/// A date argument in the type DATEADD and DATEDIFF work on: text is read as datetime or, where it says more,
-/// as more.
+/// Converts a date argument to the type used by DATEADD and DATEDIFF: text is parsed as datetime, or as a
+/// more precise type if necessary.
 ExpressionPtr dateArgument(Binder &binder, const ExpressionPtr &argument, bool forAdding)
 {
     if (isDateTime(argument->type.id))

@@ -7,14 +7,14 @@
 
 #include <algorithm>
 
-// Dates and times made from their parts, and offsets.
+// Dates and times from their parts, and offsets.
 namespace SampleServer::Functions {
 
 using namespace Bound;
 
 namespace {
 
-/// The literal precision that stands last; 7 for anything else, which the function itself refuses.
+/// The literal precision in the last argument; 7 for other arguments, which the function rejects.
 std::uint8_t precisionOf(const ArgumentList &arguments)
 {
     const auto *constant = std::get_if<Constant>(&arguments.back()->node);
@@ -34,7 +34,7 @@ SqlType preciseResult(const ArgumentList &arguments)
     return {id, 0, 0, precisionOf(arguments)};
 }
 
-/// datetimeoffset with the digits of the first argument.
+/// datetimeoffset with the precision of the first argument.
 SqlType offsetLikeFirst(const ArgumentList &arguments)
 {
     const SqlType &type = arguments[0]->type;
@@ -139,7 +139,7 @@ Value toDateTimeOffset(EvaluationContext &, const Operation &operation, Argument
 {
     DateTimeValue value = std::get<DateTimeValue>(a[0]);
     const std::int16_t offset = offsetOf(a[1], "todatetimeoffset");
-    if (operation.arguments[0].id == TypeId::DateTimeOffset) // its own offset gives way
+    if (operation.arguments[0].id == TypeId::DateTimeOffset) // its own offset is replaced
         value = plusTicks(value, value.offsetMinutes * 60LL * TicksPerSecond);
     value = plusTicks(value, -offset * 60LL * TicksPerSecond);
     value.offsetMinutes = offset;

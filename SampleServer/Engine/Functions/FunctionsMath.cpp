@@ -48,7 +48,7 @@ SqlType powerResult(const ArgumentList &arguments)
     return type;
 }
 
-/// A float computed from floats; outside of the function's domain error 3623.
+/// A float computed from floats; error 3623 outside of the function's domain.
 template <double (*compute)(double)>
 Value floatFunction(EvaluationContext &, const Operation &, Arguments a)
 {
@@ -105,7 +105,7 @@ Value sign(EvaluationContext &, const Operation &operation, Arguments a)
     return std::int64_t{(value > 0) - (value < 0)};
 }
 
-/// Rounds a decimal at a place, which may lie before the point, and keeps its scale.
+/// Rounds a decimal at a position, which may be before the decimal point, and keeps its scale.
 Decimal roundedAt(const Decimal &value, std::int64_t place, bool truncate)
 {
     if (place >= value.scale)

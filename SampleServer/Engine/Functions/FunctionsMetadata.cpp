@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-// What expressions can ask of the catalog.
+// Catalog functions in expressions.
 namespace SampleServer::Functions {
 
 using namespace Bound;
@@ -22,7 +22,7 @@ SqlType longTextResult(const ArgumentList &)
     return {TypeId::NVarChar, SqlType::Max, 0, 0};
 }
 
-/// What has an id: an object, or a constraint and its table.
+/// An item with an id: an object, or a constraint and its table.
 struct Known
 {
     ObjectPtr object;

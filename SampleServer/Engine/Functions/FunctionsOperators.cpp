@@ -90,7 +90,7 @@ Value integerArithmetic(EvaluationContext &, const Operation &operation, Argumen
     case ArithmeticOperator::Modulo:
         if (right == 0)
             throw Errors::divideByZero();
-        // The one quotient that does not fit would trap.
+        // The only quotient that does not fit would raise a signal.
         if (right == -1) {
             if (static_cast<ArithmeticOperator>(operation.selector) == ArithmeticOperator::Divide)
                 overflowed = __builtin_sub_overflow(0, left, &result);
@@ -120,7 +120,7 @@ Value decimalArithmetic(EvaluationContext &, const Operation &operation, Argumen
     const auto result = calculate(op, left, right, type);
     if (!result)
         throw Errors::overflow("expression", messageTypeName(operation.result.id), 2);
-    constexpr SqlType expression{TypeId::Int, 0, 0, 0}; // what an overflow is said to come from
+    constexpr SqlType expression{TypeId::Int, 0, 0, 0}; // the source type in the overflow error
     return isMoney(operation.result.id) ? convertToMoney(*result, expression, operation.result)
                                         : Value(*result);
 }
@@ -151,7 +151,7 @@ Value floatArithmetic(EvaluationContext &, const Operation &operation, Arguments
 
 Value dateTimeArithmetic(EvaluationContext &, const Operation &operation, Arguments arguments)
 {
-    // Both sides count from 1900-01-01, so a sum of two dates is the sum of their distances from it.
+    // Both operands count from 1900-01-01, so their sum is the sum of their distances from it.
     const auto &left = std::get<DateTimeValue>(arguments[0]), &right = std::get<DateTimeValue>(arguments[1]);
     const bool add = static_cast<ArithmeticOperator>(operation.selector) == ArithmeticOperator::Add;
     const std::int64_t days = add ? right.days - Days1900 : Days1900 - right.days;

@@ -1,7 +1,7 @@
 #include "Engine/Functions/FunctionResults.h"
 #include "Engine/Functions/FunctionTable.h"
 
-// What a statement can ask about the error that was caught and the transaction it runs in.
+// Functions for the caught error and the current transaction.
 namespace SampleServer::Functions {
 
 using namespace Bound;

@@ -20,7 +20,7 @@ std::int64_t integer(const Value &value)
     return std::get<std::int64_t>(value);
 }
 
-/// The text cut to what the result's type holds.
+/// Truncates the text to the length of the result's type.
 Value cut(std::string value, const SqlType &type)
 {
     if (type.length == SqlType::Max || value.size() <= static_cast<std::size_t>(type.length))
@@ -35,14 +35,14 @@ SqlType lengthResult(const ArgumentList &arguments)
     return {arguments[0]->type.length == SqlType::Max ? TypeId::BigInt : TypeId::Int, 0, 0, 0};
 }
 
-/// A place in the argument that is searched.
+/// A position in the searched argument.
 template <std::size_t searched>
 SqlType placeResult(const ArgumentList &arguments)
 {
     return {arguments[searched]->type.length == SqlType::Max ? TypeId::BigInt : TypeId::Int, 0, 0, 0};
 }
 
-/// Text that varies, of the first argument's kind and length.
+/// Variable-length text of the first argument's type and length.
 SqlType varyingLikeFirst(const ArgumentList &arguments)
 {
     const SqlType &type = arguments[0]->type;
@@ -193,7 +193,7 @@ Value trim(EvaluationContext &, const Operation &, Arguments a)
 {
     if (a.size() == 1)
         return std::string(trimmed(text(a[0])));
-    // TRIM(characters FROM text) comes with the text first.
+    // TRIM(characters FROM text) passes the text first.
     const std::u16string subject = toUtf16(text(a[0])), unwanted = toUtf16(text(a[1]));
     const std::size_t first = subject.find_first_not_of(unwanted);
     if (first == std::u16string::npos)
@@ -227,7 +227,7 @@ Value replicate(EvaluationContext &, const Operation &operation, Arguments a)
     const std::int64_t count = integer(a[1]);
     if (count < 0)
         return {};
-    // The limits keep a slip of the finger from asking for the machine's memory.
+    // The limits keep a mistyped argument from exhausting memory.
     const std::size_t limit = operation.result.length == SqlType::Max
                                   ? 0x7FFFFFFF
                                   : 4 * static_cast<std::size_t>(operation.result.length);

@@ -6,7 +6,7 @@
 #include "Types/Text.h"
 #include "Types/TypeTraits.h"
 
-// Text made of several texts, and how words sound.
+// Concatenation functions and phonetic codes.
 namespace SampleServer::Functions {
 
 using Bound::Operation;
@@ -80,10 +80,10 @@ std::string soundOf(const std::string &word)
     for (std::size_t i = 1; i < word.size() && sound.size() < 4; ++i) {
         const char code = codeOf(word[i]), upper = static_cast<char>(word[i] & ~0x20);
         if (code == ' ')
-            break; // what is no letter ends the word
+            break; // other characters end the code
         if (code != '0' && code != last)
             sound += code;
-        if (upper != 'H' && upper != 'W') // these do not part equal neighbours
+        if (upper != 'H' && upper != 'W') // these do not separate equal codes
             last = code;
     }
     return sound + std::string(4 - sound.size(), '0');

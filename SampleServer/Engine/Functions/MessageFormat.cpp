@@ -9,10 +9,10 @@ namespace SampleServer {
 
 namespace {
 
-/// The server cuts longer messages and ends them with three dots.
+/// The server truncates longer messages and appends three dots.
 constexpr std::size_t MaxMessageLength = 2047;
 
-/// "%-8.3d" taken apart.
+/// The parts of a placeholder such as "%-8.3d".
 struct Placeholder
 {
     std::string flags;

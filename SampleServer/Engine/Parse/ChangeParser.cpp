@@ -79,7 +79,7 @@ StatementPtr ChangeParser::parseUpdate()
     return statement(std::move(update));
 }
 
-/// UPDATETEXT table.column pointer offset length data. It is the UPDATE of a row that it means.
+/// UPDATETEXT table.column pointer offset length data: parsed as an UPDATE of a row.
 StatementPtr ChangeParser::parseUpdateText()
 {
     expectKeyword("UPDATETEXT");
@@ -107,7 +107,7 @@ StatementPtr ChangeParser::parseUpdateText()
         expectKeyword("LOG");
     const std::string data = "ISNULL(" + operand() + ", N'')";
     const std::string whole = "CAST(" + name + " AS nvarchar(max))";
-    // An offset of NULL means the end, a length of NULL all that follows.
+    // An offset of NULL means the end, a length of NULL the remaining text.
     const std::string start = "ISNULL(" + offset + ", LEN(" + whole + " + N'.') - 1)";
     const std::string sql = "UPDATE " + table + " SET " + name + " = LEFT(" + whole + ", " + start + ") + " +
                             data + " + SUBSTRING(" + whole + ", " + start + " + 1 + ISNULL(" + length +

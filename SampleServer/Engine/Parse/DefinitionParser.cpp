@@ -100,7 +100,7 @@ StatementPtr DefinitionParser::parseTruncate()
     return statement(TruncateTable{parseObjectName()});
 }
 
-/// ENABLE TRIGGER name ON table, as a statement of its own.
+/// ENABLE TRIGGER name ON table as a separate statement.
 StatementPtr DefinitionParser::parseEnableTrigger()
 {
     AlterTable node;
@@ -244,7 +244,7 @@ StatementPtr DefinitionParser::parseAlterDatabase()
     return statement(std::move(node));
 }
 
-/// RECOVERY SIMPLE, ANSI_NULLS ON ... WITH ROLLBACK IMMEDIATE: read and without effect.
+/// RECOVERY SIMPLE, ANSI_NULLS ON ... WITH ROLLBACK IMMEDIATE: parsed and ignored.
 void DefinitionParser::skipDatabaseOptions()
 {
     do {

@@ -52,7 +52,7 @@ bool takesLength(const std::string &word)
     return std::find(std::begin(types), std::end(types), word) != std::end(types);
 }
 
-/// Whether a word before a parenthesis calls a function, or names a type; the others are operators.
+/// Whether a keyword before a parenthesis is a function or type name; others are operators.
 bool isCallable(const Token &token)
 {
     static constexpr std::string_view reservedFunctions[] = {"COALESCE", "CONVERT", "LEFT", "NULLIF",
@@ -104,8 +104,8 @@ private:
         m_inType = followedBy("(") && takesLength(toUpper(token.value));
     }
 
-    /// A number is put in parentheses, unless it has some of its own. `first` is its position, or that of
-    /// its sign.
+    /// Numbers are put in parentheses unless they already are. `first` is the position of the number or its
+    /// sign.
     void addNumber(const std::string &number, std::size_t first)
     {
         const bool isEnclosed = first > 0 && isSymbol(m_tokens[first - 1], "(") && followedBy(")");

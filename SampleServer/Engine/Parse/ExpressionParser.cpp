@@ -37,7 +37,7 @@ ExpressionPtr ExpressionParser::parseCondition()
     return requireCondition(parseOr());
 }
 
-/// Reads an expression that outlives the batch; `parse` says of which kind.
+/// Parses an expression that outlives the batch; `parse` parses its kind.
 DefinedExpression ExpressionParser::keepExpression(ExpressionPtr (ExpressionParser::*parse)())
 {
     const std::size_t start = m_context.at;
@@ -48,7 +48,7 @@ DefinedExpression ExpressionParser::keepExpression(ExpressionPtr (ExpressionPars
     return kept;
 }
 
-/// A compound assignment such as += with its operand: the new value. Null when there is none here.
+/// Parses a compound assignment such as += with its operand and returns the new value; null if there is none.
 ExpressionPtr ExpressionParser::parseCompound(ExpressionPtr target)
 {
     static constexpr std::pair<std::string_view, ArithmeticOperator> arithmetic[] = {
@@ -344,7 +344,7 @@ ExpressionPtr ExpressionParser::parseWordExpression()
             return m_parsers.functions.parseCast(token.keyword == "TRY_CAST");
         if (called && token.keyword == "TRY_CONVERT" && m_context.edition < Edition::Sql2022) {
             advance();
-            return m_parsers.functions.parseFunction({{token.value}}); // no function there, and says so
+            return m_parsers.functions.parseFunction({{token.value}}); // reports the unknown function
         }
         if (called && (token.keyword == "CONVERT" || token.keyword == "TRY_CONVERT"))
             return m_parsers.functions.parseConvert(token.keyword == "TRY_CONVERT");

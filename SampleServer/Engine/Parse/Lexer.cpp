@@ -57,8 +57,8 @@ private:
             m_line += m_sql[m_at] == '\n';
     }
 
-    /// How many bytes the blank here has, 0 when it is none. Includes the no-break space and the byte order
-    /// mark.
+    /// The number of bytes of the blank at the position, 0 if there is none. Includes the no-break space and
+    /// the byte order mark.
     std::size_t blankSize() const
     {
         const char c = at();
@@ -168,7 +168,7 @@ private:
         token.value = m_sql.substr(start, m_at - start);
     }
 
-    /// The size of a backslash with the line end behind it, which a constant goes on after; 0 for others.
+    /// The size of a backslash and the following line end, after which a constant continues; otherwise 0.
     std::size_t continuationSize() const
     {
         if (at() != '\\')
@@ -176,7 +176,7 @@ private:
         return at(1) == '\n' ? 2 : at(1) == '\r' && at(2) == '\n' ? 3 : 0;
     }
 
-    /// Reads to the closing quote; a doubled one is a character of the text.
+    /// Reads up to the closing quote; a doubled one is a character of the text.
     void readQuoted(Token &token, TokenKind kind, char close)
     {
         token.kind = kind;

@@ -12,7 +12,7 @@ using namespace Ast;
 
 namespace {
 
-/// The type of a number with a point, or of a whole number too large for int: as many digits as were written.
+/// The type of a number with a decimal point, or of an integer too large for int: as many digits as written.
 std::optional<Literal> decimalLiteral(const std::string &digits)
 {
     const auto value = Decimal::fromString(digits);

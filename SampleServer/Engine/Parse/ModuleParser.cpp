@@ -13,7 +13,7 @@ bool ModuleParser::atModule() const
            isKeyword("TRIGGER");
 }
 
-/// A module is the whole batch: nothing may stand before it, and all that follows belongs to it.
+/// A module is the whole batch: no statement may precede it, and all following text belongs to it.
 StatementPtr ModuleParser::parseModule(std::size_t start, bool create, bool alter)
 {
     const std::string word = current().keyword;
@@ -41,7 +41,7 @@ StatementPtr ModuleParser::parseModule(std::size_t start, bool create, bool alte
         parseTriggerRest(*definition);
     else
         parseProcedureRest(*definition);
-    // The catalog keeps the text as if it had been created with CREATE.
+    // The catalog stores the text as if it had been created with CREATE.
     const Token &first = m_context.tokens[start];
     CreateModule node;
     node.text = std::string(m_context.sql.substr(0, first.offset)) + "CREATE " +
@@ -208,7 +208,7 @@ void ModuleParser::parseInlineBody(ModuleDefinition &module)
         failHere();
 }
 
-/// Whether the parenthesis here is one of (SELECT ...) UNION (SELECT ...), not one around the whole query.
+/// Whether the current parenthesis belongs to (SELECT ...) UNION (SELECT ...) and not to the whole query.
 bool ModuleParser::closesBeforeSetOperator() const
 {
     std::size_t at = 0;

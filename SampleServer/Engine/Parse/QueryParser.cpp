@@ -143,7 +143,7 @@ ForXml QueryParser::parseForXml()
     return result;
 }
 
-/// Bounds what the binder and SQLite take on the stack for one statement.
+/// Limits the stack that the binder and SQLite use for one statement.
 void QueryParser::countSetOperator()
 {
     constexpr int MostSetOperators = 499; // SQLite combines 500 queries
@@ -192,7 +192,7 @@ std::unique_ptr<Query> QueryParser::parseIntersection()
     return left;
 }
 
-/// INTO belongs to the first of the queries that are combined.
+/// INTO belongs to the first of the combined queries.
 void QueryParser::requireNoInto(const Query &query) const
 {
     if (!query.op && query.specification.into)
@@ -330,7 +330,7 @@ void QueryParser::parseCompute(Select &select)
     select.compute.push_back(std::move(compute));
 }
 
-/// OPTION (...) advises an optimizer that is not here: but for MAXRECURSION it is read and has no effect.
+/// OPTION (...): only MAXRECURSION has an effect; other hints are parsed and ignored.
 std::optional<int> QueryParser::parseOption()
 {
     std::optional<int> maxRecursion;

@@ -35,7 +35,7 @@ TableSourcePtr SourceParser::parseJoinedTable()
     return left;
 }
 
-/// What follows JOIN. A JOIN b JOIN c ON ... ON ... joins the last two first.
+/// Parses the part after JOIN. A JOIN b JOIN c ON ... ON ... joins the last two first.
 TableSourcePtr SourceParser::parseJoin(JoinKind kind, TableSourcePtr left)
 {
     const NestingGuard guard(*this);
@@ -88,7 +88,7 @@ std::optional<JoinKind> SourceParser::acceptJoin()
     if (*kind != JoinKind::Inner)
         acceptKeyword("OUTER");
     if (isKeyword("HASH") || isKeyword("LOOP") || isKeyword("MERGE"))
-        advance(); // a hint for an optimizer that is not here
+        advance(); // an optimizer hint, ignored
     expectKeyword("JOIN");
     return kind;
 }
@@ -194,7 +194,7 @@ void SourceParser::parseTableAlias(TableSource &table)
     expectSymbol(")");
 }
 
-/// Reads (hint, hint ...); true when one of them asks not to wait for locks. The others do not apply here.
+/// Parses (hint, hint ...); true if one of them disables waiting for locks. Other hints are ignored.
 bool SourceParser::parseHintList()
 {
     bool readUncommitted = false;

@@ -101,7 +101,7 @@ StatementPtr StatementParser::parseExecute()
             argument.name = current().value;
             advance(2);
         }
-        if (isName() && current().kind == TokenKind::Word) // a bare word is text, as in EXEC sp_help t
+        if (isName() && current().kind == TokenKind::Word) // an unquoted name is text, as in EXEC sp_help t
             argument.value = make(Literal{{TypeId::NVarChar, 128, 0, 0}, Value(take().value)});
         else if (current().kind == TokenKind::Variable &&
                  m_context.declaredTables.contains(foldedName(current().value)))

@@ -139,7 +139,7 @@ std::optional<bool> TableParser::acceptClustering()
     return {};
 }
 
-/// ON filegroup, TEXTIMAGE_ON filegroup, WITH (options): where rows lie is SQLite's business.
+/// ON filegroup, TEXTIMAGE_ON filegroup, WITH (options): parsed and ignored, since SQLite stores the rows.
 void TableParser::skipStorage()
 {
     while (true) {
@@ -158,7 +158,7 @@ void TableParser::skipStorage()
     }
 }
 
-/// Reads one of the properties that may follow a column's type; false where none follows.
+/// Parses one optional property after a column's type; false if there is none.
 bool TableParser::parseColumnProperty(ColumnDefinition &column)
 {
     if (acceptKeyword("NULL")) {
@@ -191,7 +191,7 @@ bool TableParser::parseColumnProperty(ColumnDefinition &column)
     return true;
 }
 
-/// Likewise one of the constraints; `name` keeps what CONSTRAINT named until it comes.
+/// Parses one constraint, likewise; `name` contains the name after CONSTRAINT until it is used.
 bool TableParser::parseColumnConstraint(CreateTable &table, const std::string &column, std::string &name)
 {
     if (acceptKeyword("CONSTRAINT")) {
