@@ -30,7 +30,7 @@ EngineError definitionMismatch()
             ErrorEffect::EndsBatch};
 }
 
-/// The places of the columns that an INSERT fills, in its order.
+/// The positions of the columns that an INSERT fills, in its order.
 std::vector<std::size_t> targetColumns(const Ast::Insert &node, const Table &table, bool identityInsert)
 {
     std::vector<std::size_t> targets;
@@ -190,7 +190,7 @@ void ChangeExecutor::insertFrom(const Bound::Query &query, const Table &table, I
         if (!column.expression || !Bound::isNullLiteral(*column.expression))
             requireConversion(column.info.type, table.columns[targets[i]].type, false);
     }
-    // Reading a table while it grows would never end: then the rows are collected first.
+    // Reading a table while inserting into it would never end, so the rows are collected first.
     if (!readsItself) {
         m_queries.fetch(query, [&](std::span<const Value> row) { insert.write(row, types); });
         return;

@@ -14,7 +14,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Which column of the select list an expression of a COMPUTE clause means; empty when none.
+/// The select list column that an expression of a COMPUTE clause matches; empty if none.
 std::optional<std::size_t> findOutput(const Ast::Expression &expression, const Bound::Query &query)
 {
     const auto *reference = std::get_if<Ast::ColumnReference>(&expression.node);

@@ -7,7 +7,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Whether a statement makes a transaction of its own under SET IMPLICIT_TRANSACTIONS ON.
+/// Whether a statement starts a transaction under SET IMPLICIT_TRANSACTIONS ON.
 bool startsImplicitTransaction(const Ast::Statement &statement)
 {
     return std::visit(
@@ -30,7 +30,7 @@ bool changesRows(const Ast::Statement &statement)
            std::holds_alternative<Ast::Delete>(statement.node);
 }
 
-/// Whether a definition failed for what the rows hold.
+/// Whether a definition failed because of the rows' values.
 bool meetsRows(const Ast::Statement &statement, const EngineError &error)
 {
     const bool isDefinition = std::holds_alternative<Ast::AlterTable>(statement.node) ||
@@ -47,8 +47,8 @@ bool isControl(const Ast::Statement &statement)
            std::holds_alternative<Ast::TryCatch>(statement.node);
 }
 
-/// Whether a statement that succeeded still owes its end: queries, changes of rows, calls and RAISERROR send
-/// theirs themselves. Declarations and control flow have none (MS-TDS 2.2.7.6).
+/// Whether the end of a successful statement must still be sent: queries, changes of rows, calls and
+/// RAISERROR send theirs themselves. Declarations and control flow have none (MS-TDS 2.2.7.6).
 bool owesItsEnd(const Ast::Statement &statement)
 {
     return std::visit(
@@ -112,11 +112,11 @@ Flow ControlExecutor::runStatement(const Ast::Statement &statement)
     }
 }
 
-/// Runs one statement and reports its error; the error is thrown on for the batch to decide.
+/// Runs one statement and reports its error; rethrows the error, whose effect the batch determines.
 Flow ControlExecutor::runGuarded(const Ast::Statement &statement)
 {
     m_session.line = statement.line;
-    if (isControl(statement)) // what it holds reports for itself; only its condition fails here
+    if (isControl(statement)) // nested statements report their own errors; only the condition can fail here
         return dispatch(statement);
     if (m_session.options.implicitTransactions && !m_session.transactions.isOpen() &&
         startsImplicitTransaction(statement))
@@ -137,8 +137,7 @@ Flow ControlExecutor::runGuarded(const Ast::Statement &statement)
     }
 }
 
-/// Runs a statement that holds no others, again when the tables it was bound to changed before it got its
-/// locks.
+/// Runs a statement that contains no others, again if its tables changed before it got its locks.
 Flow ControlExecutor::runLeaf(const Ast::Statement &statement)
 {
     while (true) {
@@ -153,7 +152,7 @@ Flow ControlExecutor::runLeaf(const Ast::Statement &statement)
     }
 }
 
-/// Inside of a function the time of the statement around it goes on to count.
+/// Inside a function the time of the calling statement applies.
 void ControlExecutor::startClock()
 {
     if (m_session.callbacks > 0)

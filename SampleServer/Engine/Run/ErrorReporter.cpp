@@ -7,8 +7,8 @@ namespace SampleServer {
 
 namespace {
 
-/// Whether the error is about a name that means nothing: such a statement never started, so a TRY block
-/// around it in the same text does not catch it.
+/// Whether the error is an unresolved name: such a statement never started, so a TRY block around it in the
+/// same text does not catch it.
 bool isNameError(const EngineError &error)
 {
     static constexpr std::int32_t numbers[] = {102, 156, 207, 208, 209, 2812, 4104, 4121};
@@ -16,7 +16,7 @@ bool isNameError(const EngineError &error)
            std::find(std::begin(numbers), std::end(numbers), error.message.number) != std::end(numbers);
 }
 
-/// Whether the error is about values for an identity column, found before any row was touched.
+/// Whether the error concerns values for an identity column, detected before any row was changed.
 bool isIdentityError(const EngineError &error)
 {
     return error.message.number == 544 || error.message.number == 545 || error.message.number == 8101;
@@ -93,7 +93,7 @@ void ErrorReporter::reportSyntax(EngineError &error)
     const ServerMessage message = error.message;
     if (message.number != 105)
         return report(error, 1);
-    // An open quote is reported twice: what is open, and where the parser noticed.
+    // An unclosed quote is reported twice: the open text, and the position where the parser detected it.
     m_session.sink->message(message);
     const std::size_t quote = message.text.find('\'');
     const std::string rest = message.text.substr(quote, message.text.size() - quote - 1);

@@ -92,8 +92,7 @@ void IndexExecutor::run(const Ast::CreateIndex &node)
     m_session.evaluation.rowCount = 0;
 }
 
-/// An index of a view is known to the catalog alone: nothing is found with it, and a unique one is not
-/// enforced.
+/// An index of a view exists only in the catalog: queries do not use it, and uniqueness is not enforced.
 void IndexExecutor::createViewIndex(const Ast::CreateIndex &node, const FoundObject &found)
 {
     const auto &view = dynamic_cast<const Module &>(*found.object);
@@ -125,7 +124,7 @@ void IndexExecutor::createViewIndex(const Ast::CreateIndex &node, const FoundObj
     m_session.evaluation.rowCount = 0;
 }
 
-/// Whether the index was one of a view. Without its clustered index a view has no other.
+/// Whether the index belonged to a view. Without its clustered index a view has no other indexes.
 bool IndexExecutor::dropViewIndex(const Ast::DropIndex::Item &item)
 {
     const FoundObject found = m_names.findObject(item.table);

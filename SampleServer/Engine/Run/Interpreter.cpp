@@ -61,7 +61,7 @@ void Interpreter::runBatch(std::string_view sql, std::span<BatchParameter> param
         parameter.value = m_session.batch.variables.find(parameter.name)->value;
 }
 
-/// Does what a client asks for, from clean variables to the end of what the statements left open.
+/// Runs a client request: resets the variables before it and ends open state after it.
 void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std::function<void()> &work)
 {
     describeSession(text, true);
@@ -81,13 +81,13 @@ void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std:
         try {
             work();
         } catch (const EngineError &) {
-            // It was reported where it happened.
+            // Already reported at its origin.
         }
         m_errors.endDoomedTransaction();
     } catch (const std::bad_alloc &) {
         m_errors.reportLackOfMemory();
     } catch (const BatchCancelled &) {
-        // The client knows that it asked for this; its session goes on.
+        // The client requested the cancellation; its session continues.
     } catch (...) {
         leave();
         throw;
@@ -95,7 +95,7 @@ void Interpreter::runRequest(ResultSink &sink, std::string_view text, const std:
     leave();
 }
 
-/// Tells the other sessions what this one does; without a text it keeps the last one.
+/// Publishes the session's activity to other sessions; without a text the last one is kept.
 void Interpreter::describeSession(std::string_view text, bool isRunning)
 {
     m_info.id = m_session.evaluation.spid;

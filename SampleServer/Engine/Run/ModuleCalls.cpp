@@ -71,7 +71,7 @@ void ModuleCalls::inFrame(Frame &frame, const std::function<void()> &work)
     back();
 }
 
-/// The arguments in the order of the parameters, by name or place; null for those that were left out.
+/// Returns the arguments in parameter order, by name or position; null for omitted ones.
 std::vector<ProcedureArgument *>
 ModuleCalls::argumentsByParameter(const Module &module, std::vector<ProcedureArgument> &arguments) const
 {
@@ -112,7 +112,7 @@ ModuleCalls::argumentsByParameter(const Module &module, std::vector<ProcedureArg
     return given;
 }
 
-/// Declares the parameters as variables of the frame, those that were left out at their defaults.
+/// Declares the parameters as variables of the frame; omitted ones get their defaults.
 void ModuleCalls::bindParameters(const Module &module, std::vector<ProcedureArgument> &arguments,
                                  Frame &frame)
 {
@@ -136,7 +136,7 @@ void ModuleCalls::bindParameters(const Module &module, std::vector<ProcedureArgu
     }
 }
 
-/// An argument in its parameter's type. What cannot be converted is error 8114 for every type.
+/// Converts an argument to its parameter's type. Failed conversions are error 8114 for every type.
 Value ModuleCalls::convertedArgument(const ProcedureArgument &argument, const SqlType &type) const
 {
     try {
@@ -231,7 +231,7 @@ void ModuleCalls::runModule(const Module &module, const DatabasePtr &database, F
     });
 }
 
-/// Runs a function's statements inside of a statement: its errors are that statement's.
+/// Runs a function's statements inside a statement, to which their errors belong.
 void ModuleCalls::runFunction(const Module &module, Frame &frame)
 {
     frame.procedure = module.name;
@@ -267,7 +267,7 @@ std::vector<std::vector<Value>> ModuleCalls::callTableFunction(const Module &mod
     declareArguments(module, arguments, frame);
     std::vector<std::vector<Value>> rows;
     {
-        // The result outlives the function's own frame for as long as it takes to read it.
+        // The result is kept after the function's frame until it has been read.
         Frame result;
         result.outer = m_session.frame;
         result.depth = m_session.frame->depth;

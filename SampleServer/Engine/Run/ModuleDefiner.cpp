@@ -34,7 +34,7 @@ bool endsWithReturn(const Ast::Statement &statement)
     return std::holds_alternative<Ast::Return>(statement.node);
 }
 
-/// Throws 2111 when the object has another INSTEAD OF trigger for the same event.
+/// Throws 2111 if the object has another INSTEAD OF trigger for the same event.
 void requireOnlyInsteadOf(const Ast::ModuleDefinition &definition, const Database &database,
                           const SchemaObject &parent)
 {
@@ -59,7 +59,7 @@ void requireOnlyInsteadOf(const Ast::ModuleDefinition &definition, const Databas
 
 } // namespace
 
-/// Errors name the module that they keep from being made.
+/// Errors contain the name of the module that cannot be created.
 void ModuleDefiner::run(const Ast::CreateModule &node)
 {
     try {
@@ -130,8 +130,8 @@ void ModuleDefiner::defineModule(const Ast::CreateModule &node)
     change.finish();
 }
 
-/// Finds the types of parameters, results and columns. What a procedure or trigger does is looked at when it
-/// runs.
+/// Resolves the types of parameters, results and columns. The body of a procedure or trigger is resolved when
+/// it runs.
 void ModuleDefiner::describeModule(Module &module, const DatabasePtr &database)
 {
     const auto names = m_names.enterModule(module, database);

@@ -19,8 +19,7 @@ struct Parameter
     bool output = false;
 };
 
-/// Reads the parameter list of sp_executesql, "@a int, @b nvarchar(20) OUTPUT", as the DECLARE that it nearly
-/// is.
+/// Parses the parameter list of sp_executesql, "@a int, @b nvarchar(20) OUTPUT", like a DECLARE.
 std::vector<Parameter> parseParameters(std::string list)
 {
     std::vector<Parameter> parameters;
@@ -113,8 +112,8 @@ std::vector<ProcedureArgument> ModuleExecutor::evaluateArguments(const Ast::Exec
     return arguments;
 }
 
-/// Runs a text as a batch of its own: with these variables instead of the current ones, and back in the
-/// current database afterwards.
+/// Runs a text as a separate batch: with these variables instead of the current ones; restores the current
+/// database afterwards.
 void ModuleExecutor::executeText(std::string_view sql, Variables &variables)
 {
     Frame frame;

@@ -14,7 +14,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Makes names mean what they mean in the database and schema of a module, for as long as it lives.
+/// Resolves names in the database and schema of a module as long as this object exists.
 class CurrentModule : public ModuleNames
 {
 public:
@@ -68,7 +68,7 @@ NameLookup::NameLookup(SessionContext &session, TableStore &store)
     };
 }
 
-/// What OBJECT_ID answers.
+/// The value of OBJECT_ID.
 std::optional<std::int64_t> NameLookup::findId(const std::string &text)
 {
     const Ast::ObjectName name = nameFromText(text);
@@ -106,14 +106,14 @@ std::string NameLookup::fullName(const Table &table) const
 
 FoundObject NameLookup::findObject(const Ast::ObjectName &name, bool followSynonyms)
 {
-    // The tables of a trigger, and the tables that parameters pass, come before everything else.
+    // A trigger's tables and table parameters have priority over all others.
     const bool isVariable = name.object().starts_with('@');
     const TablePtr own = name.parts.size() == 1 ? m_session.frame->tables.find(name.object()) : nullptr;
     if (own && isVariable == name.isVariable)
         return {own, nullptr};
     if (name.isTemporaryTable())
         return {m_store.findTemporary(name.object()), nullptr};
-    // Global temporary tables live in tempdb, wherever they are named.
+    // Global temporary tables are stored in tempdb, regardless of the given database.
     const DatabasePtr database = findDatabase(name.object().starts_with("##") ? "tempdb" : name.qualifier(2));
     if (!database || !name.qualifier(3).empty())
         return {};
@@ -193,7 +193,8 @@ NamedSource NameLookup::findSource(const Ast::ObjectName &name)
     throw Errors::invalidObject(name.toString());
 }
 
-/// The catalog: sys and INFORMATION_SCHEMA, and the old tables without a schema unless the name is taken.
+/// Finds catalog objects: sys and INFORMATION_SCHEMA, and the old tables without a schema unless the name is
+/// taken.
 bool NameLookup::findSystemSource(const Ast::ObjectName &name, NamedSource &source)
 {
     const std::string schema = foldedName(name.qualifier(1)), object = foldedName(name.object());

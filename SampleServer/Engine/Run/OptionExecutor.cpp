@@ -8,8 +8,8 @@ namespace SampleServer {
 
 namespace {
 
-/// Options that are read and have no effect here: they steer what this server does not have, or it behaves as
-/// if they were at their modern setting.
+/// Options that are parsed and ignored: they control features that this server does not have, or it always
+/// behaves as with their modern setting.
 constexpr std::string_view accepted[] = {"ANSI_DEFAULTS",
                                          "ANSI_NULLS",
                                          "ANSI_NULL_DFLT_OFF",
@@ -42,7 +42,7 @@ struct OptionBit
     std::uint64_t bit;
 };
 
-/// What @@OPTIONS shows.
+/// The value of @@OPTIONS.
 constexpr OptionBit optionBits[] = {{"IMPLICIT_TRANSACTIONS", 2},
                                     {"CURSOR_CLOSE_ON_COMMIT", 4},
                                     {"ANSI_WARNINGS", 8},
@@ -101,7 +101,7 @@ void OptionExecutor::applyOption(const std::string &option, const std::string &v
                           ErrorEffect::EndsBatch);
 }
 
-/// Whether the option is one that a word sets.
+/// Whether the option takes a keyword.
 bool OptionExecutor::applyWord(const std::string &option, const std::string &value)
 {
     SessionOptions &options = m_session.options;
@@ -133,7 +133,7 @@ bool OptionExecutor::applyWord(const std::string &option, const std::string &val
     return true;
 }
 
-/// Whether the option is one that a number sets, and takes this one.
+/// Whether the option takes a number, and sets it.
 bool OptionExecutor::applyNumber(const std::string &option, std::int64_t number)
 {
     constexpr std::int32_t LongestText = 0x7FFFFFFF, DefaultText = 4096; // bytes
@@ -167,7 +167,7 @@ void OptionExecutor::applyLanguage(const std::string &language)
     m_session.sink->message(message);
 }
 
-/// The full name of the table that takes identity values.
+/// The full name of the table with IDENTITY_INSERT on.
 std::string OptionExecutor::nameOfIdentityInsert() const
 {
     for (const DatabasePtr &database : m_session.state.databases.all())

@@ -15,7 +15,7 @@ namespace SampleServer {
 
 namespace {
 
-/// How many rows pass between two questions whether the client wants to stop.
+/// The number of rows between two checks for cancellation.
 constexpr std::uint64_t AttentionRows = 64;
 constexpr std::uint64_t NoLimit = std::numeric_limits<std::uint64_t>::max();
 
@@ -47,7 +47,7 @@ bool isPlain(const Bound::Query &query)
            !query.offset && !query.withTies && !query.percent;
 }
 
-/// A row that is known without running anything: SELECT of constants without FROM.
+/// Returns the row of a SELECT of constants without FROM, which needs no execution.
 std::optional<std::vector<Value>> constantRow(const Bound::Query &query)
 {
     if (!isPlain(query) || !query.from.empty())
@@ -77,7 +77,7 @@ bool assignsVariables(const Ast::Select &node)
     return assigning != 0;
 }
 
-/// The target of SELECT ... INTO, wherever in a combined query it stands; null when there is none.
+/// Finds the target of SELECT ... INTO in a query or combined queries; null if there is none.
 const Ast::ObjectName *intoTarget(const Ast::Query &query)
 {
     const Ast::Query *first = &query;
@@ -192,7 +192,7 @@ void QueryExecutor::run(const Ast::Select &node)
                           ErrorEffect::EndsBatch);
     const Bound::QueryPtr query = binder().bindSelect(node);
     ComputeRows compute(node, *query, *m_session.sink);
-    m_names.lockUses(); // before anything is sent
+    m_names.lockUses(); // before any output is sent
     m_session.sink->columns(columnInfos(*query), orderColumns(*query));
     compute.announce();
     StatementEnd end;
@@ -209,7 +209,7 @@ void QueryExecutor::run(const Ast::Select &node)
                 ++count;
             });
         } catch (const EngineError &error) {
-            if (m_errors.isInTry()) { // the error is not sent: the result just ends
+            if (m_errors.isInTry()) { // the error is not sent: the result ends without it
                 end.rowCount = count;
                 m_session.sink->endStatement(end);
             }
@@ -223,8 +223,7 @@ void QueryExecutor::run(const Ast::Select &node)
     m_session.sink->endStatement(end);
 }
 
-/// SELECT @x = expression ...: row by row, so that an expression may build on what the row before left
-/// behind.
+/// SELECT @x = expression ...: evaluated row by row, so that an expression can use the previous row's value.
 void QueryExecutor::runAssignments(const Ast::Select &node)
 {
     Binder live = binder();

@@ -2,7 +2,7 @@
 #include "Engine/Run/QueryExecutor.h"
 #include "Engine/Run/RowWriter.h"
 
-// Reading the rows of a RowWriter's table.
+// Reads the rows of a RowWriter's table.
 namespace SampleServer {
 
 namespace {
@@ -70,8 +70,7 @@ Value RowWriter::evaluate(const DefinedExpression &defined, std::int64_t rowId)
     Scope scope;
     binder.enterScope(scope);
     const auto source = binder.bindTarget(m_scan, m_table->name, scope);
-    const auto condition =
-        binder.bindCondition(*defined.expression); // the statement's parameters are its parts
+    const auto condition = binder.bindCondition(*defined.expression); // owns the statement's parameters
     const Emitted emitted = emitSelection({}, {condition}, {source}, nullptr, nullptr);
     SqliteStatement statement(m_queries.session().connection,
                               emitted.sql + " WHERE " + source->alias + ".rowid = " + std::to_string(rowId));

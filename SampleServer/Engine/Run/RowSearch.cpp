@@ -84,8 +84,8 @@ void RowSearch::addWholeRow(std::vector<Bound::ExpressionPtr> &expressions) cons
     }
 }
 
-/// UPDATE c ... FROM Customers AS c names its target by alias; a table of the FROM clause may be named as
-/// such.
+/// UPDATE c ... FROM Customers AS c names its target by alias; a table of the FROM clause can also be named
+/// directly.
 bool RowSearch::findInFrom(const Ast::ObjectName &name)
 {
     for (const ScopeSource &source : m_scope.sources) {

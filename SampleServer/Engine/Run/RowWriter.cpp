@@ -12,7 +12,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Whether a text or binary value is too long for its column; blanks at the end of a text do not count.
+/// Whether a text or binary value is too long for its column; trailing blanks of text are ignored.
 bool wouldBeCut(const Value &value, const SqlType &from, const SqlType &to)
 {
     if (to.length == SqlType::Max || isLegacyLob(to.id))
@@ -150,8 +150,9 @@ void RowWriter::update(std::int64_t rowId, const std::vector<std::size_t> &colum
     statement.step();
 }
 
-/// The unique index that has the row's key already. SQLite lets a key hold NULL many times, the server once:
-/// unless `all` are asked for, only keys with NULL are looked up here, and SQLite finds the others.
+/// Finds the unique index that already contains the row's key. SQLite allows several keys with NULL, the
+/// server one: unless `all` are requested, only keys with NULL are checked here, and SQLite checks the
+/// others.
 const TableIndex *RowWriter::duplicateIn(const std::vector<Value> &row, bool all)
 {
     for (const TableIndex &index : m_table->indexes) {
@@ -170,7 +171,7 @@ const TableIndex *RowWriter::duplicateIn(const std::vector<Value> &row, bool all
     return nullptr;
 }
 
-/// Looks for rows with the same key in the filtered unique indexes, which SQLite does not keep.
+/// Searches for rows with the same key in filtered unique indexes, which SQLite does not maintain.
 void RowWriter::requireUnique(const std::vector<Value> &row, std::int64_t rowId)
 {
     for (const TableIndex &index : m_table->indexes) {

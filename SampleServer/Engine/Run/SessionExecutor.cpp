@@ -24,7 +24,7 @@ std::optional<std::int64_t> delayFromText(const std::string &text)
     return parsed->value.ticks / 10'000;
 }
 
-/// The text of a message that the agent's procedures raise by its number; empty for all others.
+/// The text of an agent message by its number; empty for other numbers.
 std::string agentMessage(std::int64_t number)
 {
     static constexpr std::pair<std::int64_t, const char *> messages[] = {
@@ -72,7 +72,7 @@ void SessionExecutor::run(const Ast::Declare &node)
             throw EngineError(2739, 16, 1,
                               "The text, ntext, and image data types are invalid for local variables.",
                               ErrorEffect::EndsBatch);
-        // A declaration in a loop gives a value only where it says so.
+        // A declaration in a loop assigns a value only if it has an initial value.
         if (!m_session.frame->variables.find(variable.name) || variable.initial)
             m_session.frame->variables.declare(variable.name, type,
                                                variable.initial ? m_queries.evaluate(*variable.initial, type)
@@ -126,7 +126,7 @@ std::vector<MessageArgument> SessionExecutor::messageArguments(const Ast::RaiseE
     return arguments;
 }
 
-/// Fills in the number and the text of what RAISERROR raises; severity and state are there.
+/// Sets number and text of a RAISERROR message; severity and state are already set.
 void SessionExecutor::writeMessage(const Ast::RaiseError &node, const Bound::Expression &source,
                                    const Value &text, ServerMessage &message)
 {

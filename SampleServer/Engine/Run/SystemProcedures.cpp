@@ -11,7 +11,7 @@ namespace SampleServer {
 
 namespace {
 
-/// The arguments of a system procedure by name or place.
+/// The arguments of a system procedure by name or position.
 class Arguments
 {
 public:
@@ -21,7 +21,7 @@ public:
     {
     }
 
-    /// The argument as text, empty when it is NULL or was left out.
+    /// The argument as text; empty if it is NULL or omitted.
     std::string text(const std::string &name) const
     {
         const auto place = std::find(m_names.begin(), m_names.end(), name) - m_names.begin();
@@ -54,7 +54,7 @@ EngineError noSuchObject(const std::string &name, const std::string &database)
                 "' or is invalid for this operation."};
 }
 
-/// A text in its lines, each with its line end.
+/// Splits a text into lines including their line ends.
 std::vector<std::string> linesOf(const std::string &text)
 {
     std::vector<std::string> lines;
@@ -85,7 +85,7 @@ std::optional<std::int32_t> SystemProcedures::call(const Ast::ObjectName &name,
     } else if (procedure == "SP_ADDTYPE" || procedure == "SP_DROPTYPE") {
         changeType(arguments, procedure == "SP_DROPTYPE");
     } else {
-        // The rest is written in SQL, in master; it runs in the database it is called from.
+        // Other procedures are SQL modules in master; they run in the caller's database.
         const auto master = m_session.state.databases.find("master");
         const auto module = std::dynamic_pointer_cast<const Module>(master->find("dbo", name.object()));
         if (!module || !procedure.starts_with("SP_"))

@@ -20,7 +20,7 @@ bool isNamed(const std::vector<std::string> &names, const std::string &name)
            });
 }
 
-/// The rest of a list of places once one of them is gone.
+/// Adjusts a list of positions after the column `removed` was removed.
 void removePlace(std::vector<std::size_t> &places, std::size_t removed)
 {
     for (std::size_t &place : places)
@@ -38,7 +38,7 @@ EngineError dependsOnColumn(const std::string &what, const std::string &object, 
                                 column + " failed because one or more objects access this column.");
 }
 
-/// Throws when something else refers to a column that is to go or to change.
+/// Throws if another object refers to a column to be dropped or changed.
 void requireIndependent(const Table &table, std::size_t column, bool dropping)
 {
     const std::string &name = table.columns[column].name;
@@ -170,7 +170,7 @@ void TableAlterer::addStoredColumn(const Bound::TableScan &scan, const Table &ch
                    m_queries.binder().bindValueAs(*column.defaultValue.expression, column.type));
 }
 
-/// Throws error 547 when rows break a constraint that was not there before.
+/// Throws error 547 if rows violate a new constraint.
 void TableAlterer::requireConstraints(const Bound::TableScan &scan, const Table &before)
 {
     TableChange change(m_queries, m_triggers, scan, TableChange::Event::Alter);
@@ -224,7 +224,7 @@ void TableAlterer::alterColumn(const Ast::AlterTable &node, const Bound::TableSc
     if (!column.nullable)
         writer.requireNoNulls(*place);
     if (named.type != before.type) {
-        // The values move to a column of their own, which SQLite compares as the new type asks.
+        // The values move to a new column, which SQLite compares by the rules of the new type.
         column.storage = ++changed.lastColumnId;
         m_session.connection.execute("ALTER TABLE " + scan.schema + '.' + changed.physicalName() +
                                      " ADD COLUMN " + column.physicalName() + collationOf(column.type));

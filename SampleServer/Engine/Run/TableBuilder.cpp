@@ -30,7 +30,7 @@ void requireIdentityType(const TableColumn &column, const std::string &table)
             ErrorEffect::EndsBatch);
 }
 
-/// A name for a constraint that was not given one, as the server makes them up.
+/// Generates a constraint name in the server's format.
 std::string madeUpName(const char *prefix, const std::string &table, const std::string &column)
 {
     char number[20];
@@ -69,7 +69,7 @@ void requireCandidateKey(const Table &referenced, const std::vector<std::size_t>
             ErrorEffect::EndsBatch);
 }
 
-/// Throws 1778 and 1761 unless a column can refer to the other.
+/// Throws 1778 and 1761 unless a column can reference the other.
 void requireReference(const Table &table, const TableColumn &own, const Table &referenced,
                       const TableColumn &other, const ForeignKey &key)
 {
@@ -158,7 +158,7 @@ void TableBuilder::addColumn(const Ast::ColumnDefinition &definition)
     m_table.columns.push_back(std::move(column));
 }
 
-/// Where the constraint's name comes from; a name that was given must be free.
+/// Returns the given constraint name, which must not be taken, or generates one.
 ConstraintName TableBuilder::nameOf(const Ast::Constraint &constraint, const char *prefix) const
 {
     ConstraintName name{constraint.name, newObjectId(), constraint.name.empty()};
@@ -371,7 +371,7 @@ void TableBuilder::addIndex(const Ast::CreateIndex &definition)
     m_table.indexes.push_back(std::move(index));
 }
 
-/// The type of a computed column's expression, which names no other computed column.
+/// The type of a computed column's expression, which must not reference computed columns.
 SqlType TableBuilder::computedType(Binder &types, const TableColumn &column) const
 {
     try {

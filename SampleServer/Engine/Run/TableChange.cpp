@@ -35,7 +35,7 @@ std::vector<Value> valuesAt(const std::vector<Value> &row, const std::vector<std
     return values;
 }
 
-/// The name of the only column that a check is about; empty where there are several.
+/// The name of the only column of a check; empty if there are several.
 std::string checkedColumn(const Table &table, const CheckConstraint &check)
 {
     std::string only;
@@ -131,7 +131,8 @@ void TableChange::remove(const StoredRow &row)
 
 void TableChange::update(const std::vector<StoredRow> &before, const std::vector<std::vector<Value>> &after)
 {
-    // Where a key changes, all rows go before the first comes back, so that the new keys meet no old ones.
+    // If a key changes, all rows are deleted before any is reinserted, so that new keys do not conflict with
+    // old ones.
     if (m_changesKey)
         for (const StoredRow &row : before)
             m_writer.remove(row.rowId);
@@ -191,8 +192,8 @@ bool TableChange::hasParent(const ForeignKey &key, const std::vector<Value> &row
     return RowWriter(m_queries, TableStore::scanOf(parent, m_scan.database)).exists(places, wanted);
 }
 
-/// A row that refers to its own table may find its parent only once all rows are written: those keys wait for
-/// finish().
+/// A row that references its own table may find its parent only after all rows are written: finish() checks
+/// these keys.
 void TableChange::requireParents(const std::vector<Value> &row)
 {
     if (!m_scan.database || m_scan.table->foreignKeys.empty())
@@ -254,7 +255,7 @@ void TableChange::followReferences()
                     followReference(*child, key, i);
 }
 
-/// What the rows of a child table do now that a row they may refer to is gone or has another key.
+/// Applies the foreign key actions to a child table after a parent row was deleted or its key changed.
 void TableChange::followReference(const Table &child, const ForeignKey &key, std::size_t changed)
 {
     const std::vector<std::size_t> places = placesOf(*m_scan.table, key.referencedColumns);
@@ -267,7 +268,7 @@ void TableChange::followReference(const Table &child, const ForeignKey &key, std
     }
     if (std::any_of(oldKey.begin(), oldKey.end(), [](const Value &value) { return isNull(value); }))
         return;
-    if (m_writer.exists(places, oldKey)) // another row has taken the key over
+    if (m_writer.exists(places, oldKey)) // another row has the key now
         return;
     const TablePtr current = m_scan.database->findTable(child.id);
     const Bound::TableScan scan = TableStore::scanOf(current, m_scan.database);

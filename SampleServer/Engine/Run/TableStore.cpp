@@ -10,7 +10,7 @@ Bound::TableScan TableStore::scanOf(const TablePtr &table, const DatabasePtr &da
     return {table, database ? SqliteConnection::schemaName(*database) : "temp", database};
 }
 
-/// Makes SQLite's table and its indexes.
+/// Creates SQLite's table and its indexes.
 void TableStore::createStorage(Table &definition, const DatabasePtr &database)
 {
     if (database)
@@ -26,7 +26,8 @@ void TableStore::createStorage(Table &definition, const DatabasePtr &database)
         createPhysicalIndex({std::make_shared<const Table>(definition), schema, database}, index);
 }
 
-/// The engine itself applies filters, and SQLite does not store computed columns: it gets no index of either.
+/// SQLite gets no index on computed columns, which it does not store, and no filtered index, whose filter the
+/// engine applies.
 void TableStore::createPhysicalIndex(const Bound::TableScan &scan, TableIndex &index)
 {
     const Table &table = *scan.table;

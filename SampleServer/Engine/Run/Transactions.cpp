@@ -120,7 +120,7 @@ void Transactions::endStatement()
     release(m_statementLocks);
 }
 
-/// Throws when nothing can be written any more but the rollback.
+/// Throws if the transaction can only be rolled back.
 void Transactions::requireCommittable() const
 {
     if (m_context.isTransactionDoomed)
@@ -138,7 +138,7 @@ void Transactions::openSqlite()
         return;
     m_connection.execute("BEGIN");
     m_sqliteOpen = true;
-    // From here on SQLite itself holds on to the definitions it reads.
+    // From here on SQLite itself locks the definitions it reads.
     std::move(m_statementLocks.begin(), m_statementLocks.end(), std::back_inserter(m_transactionLocks));
     m_statementLocks.clear();
 }
@@ -254,7 +254,7 @@ Transactions::Change::~Change()
     if (m_finished || !m_transactions.m_sqliteOpen)
         return;
     if (!m_transactions.m_connection.isInTransaction()) {
-        m_transactions.rollback(); // SQLite gave it up, so nothing of it is left to keep
+        m_transactions.rollback(); // SQLite has rolled it back, so nothing can be kept
         return;
     }
     m_transactions.m_connection.execute("ROLLBACK TO change");

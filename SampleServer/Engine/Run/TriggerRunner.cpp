@@ -8,7 +8,7 @@ namespace SampleServer {
 void TriggerRunner::fireTriggers(const std::vector<ModulePtr> &triggers,
                                  const std::vector<TableColumn> &columns, const ChangedRows &rows)
 {
-    // A trigger runs inside of a transaction, its statement's own if need be.
+    // A trigger runs inside a transaction, if necessary that of its statement.
     ++m_session.evaluation.transactionCount;
     for (const ModulePtr &trigger : triggers) {
         const std::int32_t count = m_session.evaluation.transactionCount;
@@ -56,7 +56,7 @@ void TriggerRunner::fireTrigger(const Module &trigger, const std::vector<TableCo
     m_calls.runModule(trigger, m_session.state.databases.find(trigger.database), frame);
 }
 
-/// Makes the table `inserted` or `deleted` that a trigger finds.
+/// Creates the table `inserted` or `deleted` of a trigger.
 void TriggerRunner::fillTriggerTable(const std::string &name, const std::vector<TableColumn> &columns,
                                      const std::vector<std::vector<Value>> &rows, Frame &frame)
 {
