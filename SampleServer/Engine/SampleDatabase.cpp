@@ -12,7 +12,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Receives the results of scripts, in which nothing may fail.
+/// Receives the results of scripts, in which no statement may fail.
 class ScriptSink : public ResultSink
 {
 public:
@@ -38,10 +38,10 @@ public:
     bool waitForAttention(std::int64_t) override { return false; }
 };
 
-/// A batch that starts with this line makes what SQL Server 2000 does not have.
+/// Marks a batch that creates objects not supported by SQL Server 2000.
 constexpr std::string_view After2000 = "-- after 2000\n";
 
-/// The batch with types that SQL Server 2000 has.
+/// Converts the batch to types that SQL Server 2000 has.
 std::string withOldTypes(std::string batch)
 {
     static const std::pair<std::regex, const char *> types[] = {

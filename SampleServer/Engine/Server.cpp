@@ -43,7 +43,7 @@ Server::Server(Options options)
     for (const char *name : {"master", "tempdb", "model", "msdb"})
         if (options.edition != Edition::Azure || std::string_view(name) != "msdb")
             d->databases.create(name);
-    // The script's session does not own the server, which is still being made.
+    // The script's session does not own the server, which is still being constructed.
     if (options.samples)
         fillSampleDatabases(std::shared_ptr<Server>(std::shared_ptr<void>(), this));
     if (options.tables > 0)

@@ -9,7 +9,7 @@ namespace SampleServer {
 
 namespace {
 
-/// The base letters of U+00C0 to U+017F; a blank where the character is no letter with an accent.
+/// The base letters of U+00C0 to U+017F; a blank for characters that are not accented letters.
 constexpr std::string_view baseLetters = "AAAAAA CEEEEIIII NOOOOO OUUUUY  AAAAAA CEEEEIIII NOOOOO  UUUUY Y"
                                          "AAAAAACCCCCCCCDDD EEEEEEEEEEGGGGGGGGHHH IIIIIIIIII  JJKK LLLLLL "
                                          " L NNNNNN   OOOOOO  RRRRRRSSSSSSSSTTTTT UUUUUUUUUUUUWWYYYZZZZZZ ";
@@ -17,7 +17,7 @@ constexpr std::string_view baseLetters = "AAAAAA CEEEEIIII NOOOOO OUUUUY  AAAAAA
 struct Weight
 {
     char32_t primary = 0; ///< class and base letter
-    char32_t accent = 0;  ///< the upper-case character itself, which decides between equal base letters
+    char32_t accent = 0;  ///< the upper-case character itself, compared if the base letters are equal
 };
 
 char32_t upper(char32_t c)
@@ -71,7 +71,7 @@ public:
     {
     }
 
-    /// `prefix` is set when the pattern may end before the text does.
+    /// `prefix` if the pattern may match only the beginning of the text.
     bool matches(std::u32string_view text, bool prefix = false) const
     {
         std::size_t p = 0, t = 0, starPattern = std::u32string_view::npos, starText = 0;
@@ -99,7 +99,7 @@ public:
     }
 
 private:
-    /// The place in the pattern after the element that matches `c`, 0 when it does not match.
+    /// The position in the pattern after the element that matches `c`; 0 if it does not match.
     std::size_t matchOne(std::size_t p, char32_t c) const
     {
         if (m_escape != 0 && m_pattern[p] == m_escape && p + 1 < m_pattern.size())

@@ -77,7 +77,7 @@ DateTimeParts toParts(const DateTimeValue &value)
     const DateTimeValue local =
         plusTicks(value, static_cast<std::int64_t>(value.offsetMinutes) * TicksPerMinute);
     DateTimeParts parts;
-    // The average year is a little longer than 365.2425 / 366 days, so the first guess is never too late.
+    // The average year is slightly longer than 365.2425 / 366 days, so the first estimate is never too late.
     parts.year = std::max(1, local.days / 366);
     while (parts.year < 9999 && daysFromDate(parts.year + 1, 1, 1) <= local.days)
         ++parts.year;

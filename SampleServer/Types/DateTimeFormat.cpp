@@ -13,7 +13,7 @@ std::string print(const char *format, auto... arguments)
     return buffer;
 }
 
-/// The fraction of the second with `digits` digits and the point before it; nothing for no digits.
+/// The decimal point and `digits` digits of the fraction; nothing for no digits.
 std::string fraction(const DateTimeParts &parts, int digits)
 {
     return digits == 0 ? std::string()
@@ -46,7 +46,7 @@ std::string withYear(const std::string &start, int year, bool century, const cha
     return start + separator + (century ? print("%04d", year) : print("%02d", year % 100));
 }
 
-/// The date part of a style, empty where the style shows no date; none for an unknown style.
+/// The date part of a style, empty if the style has no date; nothing for an unknown style.
 std::optional<std::string> datePart(const DateTimeParts &p, int style)
 {
     const bool century = style >= 100 || style == 0 || style == 9 || style == 13 ||
@@ -95,7 +95,7 @@ std::optional<std::string> datePart(const DateTimeParts &p, int style)
     }
 }
 
-/// The time part of a style, empty where the style shows no time.
+/// The time part of a style, empty if the style has no time.
 std::string timePart(const DateTimeParts &p, int style, int digits, bool isIsoT)
 {
     const std::string clock = print("%02d:%02d:%02d", p.hour, p.minute, p.second);
@@ -132,7 +132,7 @@ std::string timePart(const DateTimeParts &p, int style, int digits, bool isIsoT)
     }
 }
 
-/// datetime counts 1/300 s but shows milliseconds: rounded, not cut.
+/// datetime counts 1/300 s but shows milliseconds: rounded, not truncated.
 DateTimeParts displayParts(const SqlType &type, const DateTimeValue &value)
 {
     DateTimeParts parts = toParts(value);

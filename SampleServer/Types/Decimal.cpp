@@ -99,7 +99,7 @@ std::optional<Decimal> Decimal::rescaled(std::uint8_t newScale) const
 
 double Decimal::toDouble() const
 {
-    // Through text, so that the nearest double comes out: dividing two rounded doubles would round twice.
+    // Convert through text to get the nearest double: dividing two rounded doubles would round twice.
     const std::string text = toString();
     double value = 0;
     std::from_chars(text.data(), text.data() + text.size(), value);

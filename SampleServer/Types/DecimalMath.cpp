@@ -106,7 +106,7 @@ SqlType decimalResultType(ArithmeticOperator op, const SqlType &left, const SqlT
         break;
     }
     if (precision > Decimal::MaxDigits) {
-        // The integral part is kept as far as it goes; at least six digits (or the scale) stay behind the
+        // The integral part is kept if possible; at least six digits (or the scale) remain after the decimal
         // point.
         const int integral = precision - scale;
         scale = std::max(std::min(scale, Decimal::MaxDigits - integral), std::min(scale, 6));
@@ -146,7 +146,7 @@ std::optional<Decimal> decimalFromDouble(double value, std::uint8_t scale)
 {
     if (!std::isfinite(value) || std::fabs(value) >= 1e38)
         return {};
-    // Seventeen significant digits identify a double; digits beyond them would be noise of the binary form.
+    // Seventeen significant digits identify a double; further digits only reflect its binary form.
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, "%.16e", value);
     std::string mantissa(buffer, static_cast<std::size_t>(std::find(buffer, buffer + 63, 'e') - buffer));

@@ -7,7 +7,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Which byte of the wire order is written at each place of the text form.
+/// The wire byte at each position of the text form.
 constexpr std::size_t textOrder[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
 constexpr std::size_t comparisonOrder[16] = {10, 11, 12, 13, 14, 15, 8, 9, 6, 7, 4, 5, 0, 1, 2, 3};
 

@@ -7,7 +7,7 @@ namespace SampleServer {
 
 namespace {
 
-/// How labels of a range are written: fixed bits, x for the bits of (label - first), T for the terminator,
+/// The encoding of labels in a range: fixed bits, x for the bits of (label - first), T for the terminator,
 /// which is 1 at the end of a level and 0 before a dot.
 struct LabelPattern
 {

@@ -9,7 +9,8 @@ namespace SampleServer {
 
 namespace {
 
-/// A locale in which the wide character functions know all of Unicode, whatever the process's locale is.
+/// A locale in which the wide character functions support all of Unicode, independent of the process's
+/// locale.
 locale_t unicodeLocale()
 {
     static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);

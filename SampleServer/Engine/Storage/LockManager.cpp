@@ -7,7 +7,7 @@ namespace SampleServer {
 
 namespace {
 
-/// How long a waiting session sleeps before it asks again whether its client wants to stop.
+/// The time a waiting session sleeps between two checks for cancellation.
 constexpr std::chrono::milliseconds AttentionInterval{10};
 
 bool exclude(LockMode left, LockMode right)
@@ -17,7 +17,7 @@ bool exclude(LockMode left, LockMode right)
 
 } // namespace
 
-/// Whether somebody else holds what the request wants, in a mode that excludes it.
+/// Whether another session holds a conflicting lock.
 bool LockManager::isHeldAgainst(const Request &request, const Lock &lock) const
 {
     const auto found = m_holders.find(lock.resource);
@@ -36,7 +36,7 @@ bool LockManager::isBlocked(Requests::const_iterator request) const
             return true;
     if (m_grants.contains(request->owner))
         return false;
-    // Earlier requests go first, unless they wait for another lock anyway.
+    // Earlier requests have priority, unless they wait for another lock anyway.
     for (auto earlier = m_waiting.begin(); earlier != request; ++earlier)
         for (const Lock &theirs : *earlier->locks) {
             const bool competes =
@@ -53,8 +53,8 @@ bool LockManager::isBlocked(Requests::const_iterator request) const
     return false;
 }
 
-/// The sessions that a request waits for: those that hold what it wants. Earlier requests that do not hold it
-/// are not among them: they get it and release it without this one.
+/// The sessions that a request waits for: those with conflicting locks. Earlier requests without the lock are
+/// not included, because they do not depend on this one.
 void LockManager::addBlockers(const Request &request, std::vector<int> &blockers) const
 {
     for (const Lock &lock : *request.locks) {
@@ -68,7 +68,7 @@ void LockManager::addBlockers(const Request &request, std::vector<int> &blockers
     }
 }
 
-/// Follows who waits for whom; true when the way leads back to the request's owner.
+/// Follows the wait graph; true if it leads back to the request's owner.
 bool LockManager::wouldDeadlock(Requests::const_iterator request) const
 {
     if (!m_grants.contains(request->owner))
@@ -119,14 +119,14 @@ LockOutcome LockManager::acquire(int owner, const std::vector<Lock> &locks,
 {
     const auto start = std::chrono::steady_clock::now();
     std::unique_lock lock(m_mutex);
-    struct Place // in the queue, left also when an exception passes
+    struct Place // in the queue; left also after an exception
     {
         LockManager &manager;
         Requests::const_iterator request;
         ~Place()
         {
             manager.m_waiting.erase(request);
-            manager.m_released.notify_all(); // those behind may go now
+            manager.m_released.notify_all(); // later requests may be granted now
         }
     } const place{*this, m_waiting.insert(m_waiting.end(), Request{owner, &locks})};
     while (isBlocked(place.request)) {

@@ -4,7 +4,7 @@
 
 #include <limits>
 
-// generate_rows(n) for queries that join, filter or group: a table-valued function of SQLite.
+// generate_rows(n) for queries that join, filter or group, as a table-valued function of SQLite.
 namespace SampleServer {
 
 namespace {
@@ -107,7 +107,7 @@ int rowId(sqlite3_vtab_cursor *cursor, sqlite3_int64 *id)
 void registerRowGenerator(sqlite3 *db)
 {
     static const sqlite3_module module = [] {
-        sqlite3_module result{}; // no xCreate: the function is there without CREATE VIRTUAL TABLE
+        sqlite3_module result{}; // no xCreate: available without CREATE VIRTUAL TABLE
         result.xConnect = connect;
         result.xBestIndex = bestIndex;
         result.xDisconnect = disconnect;

@@ -4,7 +4,7 @@
 
 #include <sqlite3.h>
 
-// How SQLite gets at the rows of a RowProvider: a table-valued function.
+// Makes the rows of a RowProvider available to SQLite as a table-valued function.
 namespace SampleServer {
 
 namespace {
@@ -23,7 +23,7 @@ struct ProviderCursor : sqlite3_vtab_cursor
     std::int64_t number = 0;
 };
 
-/// Runs `work`, whose exceptions must not pass through SQLite.
+/// Runs `work` and catches its exceptions, which must not pass through SQLite.
 template <typename Work>
 int guarded(sqlite3_vtab_cursor *cursor, Work work)
 {
@@ -59,7 +59,7 @@ int disconnect(sqlite3_vtab *table)
     return SQLITE_OK;
 }
 
-/// Asks for the provider and its arguments; idxNum is how many they are.
+/// Requests the provider and its arguments; idxNum is their number.
 int bestIndex(sqlite3_vtab *, sqlite3_index_info *info)
 {
     for (int i = 0; i < info->nConstraint; ++i) {
@@ -77,7 +77,7 @@ int bestIndex(sqlite3_vtab *, sqlite3_index_info *info)
     return SQLITE_OK;
 }
 
-/// Likewise, and for the value of the first column that is compared with one; idxStr names that column.
+/// The same, plus the value of the first compared column; idxStr contains that column.
 int bestIndexedIndex(sqlite3_vtab *table, sqlite3_index_info *info)
 {
     if (const int code = bestIndex(table, info); code != SQLITE_OK)
@@ -94,8 +94,8 @@ int bestIndexedIndex(sqlite3_vtab *table, sqlite3_index_info *info)
     info->estimatedCost = 100'000;
     if (best < 0)
         return SQLITE_OK;
-    // The most selective columns come first: ids and names. A value of the others, such as a type, many
-    // have.
+    // The first columns are the most selective: ids and names. Many rows share a value of the others, such as
+    // a type.
     info->estimatedRows = info->aConstraint[best].iColumn <= 2 ? 10 : 2'500;
     info->estimatedCost = 2.0 * static_cast<double>(info->estimatedRows);
     info->aConstraintUsage[best].argvIndex = info->idxNum + 1;
@@ -164,7 +164,7 @@ int rowId(sqlite3_vtab_cursor *cursor, sqlite3_int64 *id)
 
 sqlite3_module makeModule(int (*plan)(sqlite3_vtab *, sqlite3_index_info *))
 {
-    sqlite3_module result{}; // no xCreate: the function is there without CREATE VIRTUAL TABLE
+    sqlite3_module result{}; // no xCreate: available without CREATE VIRTUAL TABLE
     result.xConnect = connect;
     result.xBestIndex = plan;
     result.xDisconnect = disconnect;

@@ -12,13 +12,13 @@
 #include <utility>
 #include <vector>
 
-// The aggregate functions that SQLite lacks or computes otherwise.
+// Aggregate functions that SQLite lacks or computes differently.
 namespace SampleServer {
 
 namespace {
 
-// Sums. SQLite hands zeroed memory to the first step, aligned to eight bytes only: so the 128-bit sum is kept
-// in halves.
+// Sums. SQLite passes zeroed memory to the first step, aligned to only eight bytes, so the 128-bit sum is
+// stored in halves.
 
 struct SumState
 {
@@ -120,7 +120,7 @@ void finishReal(sqlite3_context *context)
         sqlite3_result_double(context, state->realSum);
 }
 
-// Taking rows out again, for windows that move.
+// Removing rows, for moving windows.
 
 void removeWhole(sqlite3_context *context, int, sqlite3_value **arguments)
 {

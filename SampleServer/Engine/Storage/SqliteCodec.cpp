@@ -10,7 +10,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Where encoded values go: a parameter of a statement or the result of a function.
+/// The target of encoded values: a statement parameter or the result of a function.
 struct ParameterTarget
 {
     sqlite3_stmt *statement;
@@ -46,7 +46,7 @@ struct ResultTarget
     }
 };
 
-/// Where encoded values come from: a column of a row or the argument of a function.
+/// The source of encoded values: a column of a row or the argument of a function.
 struct ColumnSource
 {
     sqlite3_stmt *statement;
@@ -118,7 +118,7 @@ DateTimeValue fromOffsetText(const char *text, std::size_t size)
     return value;
 }
 
-/// Collects one encoded value as bytes, for the inside of a sql_variant.
+/// Collects one encoded value as bytes, to store in a sql_variant.
 struct BytesTarget
 {
     Bytes &bytes;
@@ -230,7 +230,7 @@ Value variantFrom(const std::uint8_t *bytes, std::size_t size)
     return std::make_shared<const VariantValue>(std::move(variant));
 }
 
-/// Assigns text or bytes into memory that the value already owns, where it does.
+/// Assigns text or bytes, reusing the memory of the value if possible.
 template <typename Container, typename Item>
 void assign(Value &value, const Item *data, std::size_t size)
 {

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t MaxIdleStatements = 100;
 constexpr std::size_t MaxAttached = 9; ///< SQLite's limit is ten
 constexpr int LargestJoin = 200;       ///< tables; SQLite's limit
-constexpr int ProgressSteps = 2000;    ///< instructions between two looks at the client
+constexpr int ProgressSteps = 2000;    ///< instructions between two checks for cancellation
 
 } // namespace
 
@@ -136,7 +136,7 @@ SqliteConnection::SqliteConnection(EvaluationContext &context,
     registerRowGenerator(m_db);
     registerRowProviders(m_db, *this);
     sqlite3_progress_handler(m_db, ProgressSteps, onProgress, this);
-    // The engine's own lock manager keeps readers and writers apart; SQLite must not do it a second time.
+    // The engine's lock manager separates readers and writers; SQLite must not lock again.
     execute("PRAGMA read_uncommitted = 1");
     execute("PRAGMA temp_store = MEMORY");
 }
@@ -215,8 +215,8 @@ void SqliteConnection::detachUnused()
     }
 }
 
-/// Another session changes the tables of a database that is attached here, used or not: waits for its turn as
-/// for any other lock, so that deadlocks are found and the client can stop it.
+/// Called if another session changes the tables of an attached database, used or not: waits as for any other
+/// lock, so that deadlocks are detected and the client can cancel.
 void SqliteConnection::waitForDefinitions()
 {
     for (const auto &[id, database] : m_attached)

@@ -14,7 +14,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Computes a call and the calls within it. The leaves come in the order in which the emitter met them.
+/// Computes a call and its nested calls. The leaves are in the order in which the emitter visited them.
 class CallEvaluation
 {
 public:
@@ -56,7 +56,7 @@ private:
     std::size_t m_next = 0;
 };
 
-/// tsql(call, leaves...): the way from SQLite into every computation of the engine.
+/// tsql(call, leaves...): SQLite calls all computations of the engine through this function.
 void callOperation(sqlite3_context *context, int count, sqlite3_value **arguments)
 {
     guarded(context, [&] {
@@ -69,7 +69,7 @@ void callOperation(sqlite3_context *context, int count, sqlite3_value **argument
     });
 }
 
-// tsql_single(x): the one value of a scalar subquery; a second row is error 512.
+// tsql_single(x): the value of a scalar subquery; a second row is error 512.
 
 struct SingleState
 {
