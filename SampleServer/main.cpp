@@ -44,7 +44,7 @@ std::string hostName()
     return ::gethostname(name, sizeof name - 1) == 0 ? name : "localhost";
 }
 
-/// Every connection needs a descriptor: take what the system grants.
+/// Every connection needs a descriptor: raise the limit to the maximum allowed.
 void raiseDescriptorLimit()
 {
     rlimit limit{};
@@ -56,7 +56,7 @@ void raiseDescriptorLimit()
 
 void serveUntilStopped(const Options &options)
 {
-    // Blocked before the first thread starts, so that sigwait() alone gets them.
+    // Blocked before the first thread starts, so that only sigwait() receives them.
     sigset_t stopSignals;
     sigemptyset(&stopSignals);
     sigaddset(&stopSignals, SIGTERM);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint8_t BroadcastRequest = 2, UnicastRequest = 3, InstanceRequest = 4, Response = 5;
 constexpr const char *LoopbackBroadcast = "127.255.255.255";
 
-/// Whether the request asks for the instance by its name, up to the first zero byte.
+/// Whether the request contains the instance's name, up to the first zero byte.
 bool namesInstance(std::span<const std::uint8_t> request, const std::string &name)
 {
     const auto end = std::find(request.begin(), request.end(), std::uint8_t{0});

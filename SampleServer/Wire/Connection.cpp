@@ -9,7 +9,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Above what anyone types or generates, below what hurts.
+/// Larger than any realistic request, small enough for the server's memory.
 constexpr std::size_t RequestLimit = 64 << 20;
 
 ServerMessage error(std::int32_t number, std::uint8_t state, std::string text)
@@ -43,10 +43,10 @@ void Connection::run()
             serve();
         }
     } catch (const ConnectionLost &) {
-        // The client has gone: nothing can be sent.
+        // The client has disconnected: nothing can be sent.
     } catch (const std::exception &) {
-        // A client that breaks the protocol, or a failure of ours in the middle of a response: there is no
-        // way to go on from an unknown place in the stream.
+        // The client violated the protocol, or the server failed in the middle of a response: the position in
+        // the stream is unknown, so the connection cannot continue.
     }
 }
 
@@ -79,7 +79,7 @@ void Connection::answer(const RequestMessage &request)
         m_tokens->environmentReset();
     }
     if (request.status & PacketStatus::Ignore) {
-        // The client thought better of it while it was still sending.
+        // The client cancelled while it was still sending.
         m_tokens->done(TokenWriter::Done::Statement, DoneStatus::Error, 0, 0);
         return m_out.endMessage();
     }
@@ -149,7 +149,7 @@ void Connection::callProcedure(const ProcedureCall &call, TdsSink &sink)
     m_session->callProcedure(call.procedure, arguments, sink);
 }
 
-/// Runs a statement with parameters and returns these with their values after it.
+/// Runs a statement with parameters and returns them with their final values.
 std::vector<CallParameter> Connection::executeSql(std::string_view sql, std::vector<CallParameter> arguments,
                                                   ResultSink &sink)
 {

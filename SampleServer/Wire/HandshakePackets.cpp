@@ -16,7 +16,7 @@ bool HandshakePackets::waitReadable(std::chrono::milliseconds timeout)
     return m_transport.waitReadable(countdown.left());
 }
 
-/// Takes what has come of a packet's header.
+/// Reads the available part of a packet header.
 void HandshakePackets::takeHeader()
 {
     m_headerSize += m_transport.read(std::span(m_header).subspan(m_headerSize));

@@ -33,7 +33,7 @@ ByteReader readerAt(Message message, std::size_t offset)
     return reader;
 }
 
-/// A variable field: its offset and length stand at `where`, the length in units of `unitSize` bytes.
+/// A variable field: its offset and length are at `where`, the length in units of `unitSize` bytes.
 Message field(Message message, std::size_t where, std::size_t unitSize)
 {
     ByteReader entry = readerAt(message, where);

@@ -38,7 +38,7 @@ Ntlm::Challenge randomChallenge()
     return challenge;
 }
 
-/// Passwords are not to be tried by the thousand: each further failure in a row is answered a little later.
+/// Slows down password guessing: each further consecutive failure is answered later.
 class LoginBrake
 {
 public:
@@ -53,7 +53,7 @@ public:
     void succeeded() { m_failures = 0; }
 
 private:
-    std::atomic<int> m_failures = 0; ///< in a row
+    std::atomic<int> m_failures = 0; ///< consecutive
 };
 
 LoginBrake &loginBrake()
@@ -82,8 +82,8 @@ std::optional<AcceptedLogin> LoginHandshake::authenticate()
         throw ProtocolError("A connection does not start with a login.");
     const Login7 login = parseLogin7(message.payload);
 
-    // A version that is not spoken here ends the connection without a word: that is what makes a client that
-    // probes try the next lower one.
+    // An unsupported version closes the connection without a message, so that a probing client tries the next
+    // lower version.
     const auto version = tdsVersionFromLogin(login.tdsVersion);
     if (!version || *version > m_settings.highestVersion)
         throw ProtocolError("The client asks for a protocol version that is not offered.");
@@ -104,7 +104,7 @@ std::optional<AcceptedLogin> LoginHandshake::authenticate()
     return accepted;
 }
 
-/// Agrees on encryption and reads the login under it. What follows is encrypted unless the login alone was to
+/// Negotiates encryption and reads the login with it. Later data is encrypted unless only the login was to
 /// be.
 RequestMessage LoginHandshake::readLogin(PacketReader::Clock::time_point deadline)
 {
@@ -125,7 +125,7 @@ RequestMessage LoginHandshake::readLogin(PacketReader::Clock::time_point deadlin
     return message;
 }
 
-/// Tells the client what of the connection is encrypted, which is returned.
+/// Sends the negotiated encryption to the client and returns it.
 Encryption LoginHandshake::answerPrelogin(const RequestMessage &message)
 {
     const Prelogin request = parsePrelogin(message.payload);
@@ -136,7 +136,7 @@ Encryption LoginHandshake::answerPrelogin(const RequestMessage &message)
     return request.encryption == Encryption::NotSupported ? Encryption::NotSupported : answer;
 }
 
-/// The account that has proven itself; empty after a refusal.
+/// The authenticated account; empty after a refusal.
 std::optional<std::string> LoginHandshake::provenAccount(const Login7 &login, TokenWriter &tokens)
 {
     std::string account = login.userName;

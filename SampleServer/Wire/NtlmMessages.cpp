@@ -32,7 +32,7 @@ ByteReader openMessage(std::span<const std::uint8_t> message, MessageType type)
     return reader;
 }
 
-/// A payload field: the reader stands at its length, allocated length and offset.
+/// A payload field: the reader is at its length, allocated length and offset.
 Bytes takeField(ByteReader &reader, std::span<const std::uint8_t> message)
 {
     const auto length = reader.take<std::uint16_t>();
@@ -127,8 +127,8 @@ Authentication parseAuthentication(std::span<const std::uint8_t> message)
     return authentication;
 }
 
-/// With extended session security the field of the LM response holds eight random bytes and then zeros. Some
-/// clients use it without repeating its flag.
+/// With extended session security the LM response contains eight random bytes followed by zeros. Some clients
+/// use it without repeating its flag.
 static bool hasClientChallenge(std::span<const std::uint8_t> lmResponse)
 {
     const auto isZero = [](std::uint8_t byte) { return byte == 0; };
@@ -141,7 +141,7 @@ bool Authentication::proves(std::u16string_view password, const Challenge &chall
 {
     const std::span<const std::uint8_t> answer = ntResponse;
     if (answer.size() < sizeof(Response))
-        return false; // nothing or the LM response alone
+        return false; // only the LM response, or none
     if (answer.size() > sizeof(Response)) {
         const auto blob = answer.subspan(sizeof(Hash));
         return equals(answer.first(sizeof(Hash)),

@@ -37,7 +37,7 @@ PacketReader::PacketReader(Transport &transport)
 {
 }
 
-/// Adds what has arrived to the buffer, which always has room for the largest packet.
+/// Adds received bytes to the buffer, which always has space for the largest packet.
 void PacketReader::fill()
 {
     if (m_deadline != Clock::time_point::max()) {
@@ -53,7 +53,7 @@ void PacketReader::fill()
     m_end += m_transport.read(std::span(m_buffer).subspan(m_end));
 }
 
-/// The length of the packet that starts the buffer; needs its header to be there.
+/// The length of the first packet in the buffer; its header must be complete.
 std::size_t PacketReader::packetLength() const
 {
     const std::size_t length = static_cast<std::size_t>(m_buffer[m_begin + 2] << 8 | m_buffer[m_begin + 3]);
@@ -100,8 +100,8 @@ bool PacketReader::takeAttention(std::chrono::milliseconds timeout)
     const auto end = Clock::now() + timeout;
     for (;;) {
         if (buffered() > 0 && m_buffer[m_begin] != static_cast<std::uint8_t>(PacketType::Attention)) {
-            // A client that talks out of turn: its request waits until this one is done, and so does its
-            // cancel.
+            // The client sent a request before the response ended: it waits until the current one is done,
+            // and so does its cancellation.
             if (timeout > std::chrono::milliseconds::zero())
                 throw ProtocolError("A request was sent before the answer to the one before.");
             return false;

@@ -6,7 +6,7 @@ namespace SampleServer {
 
 namespace {
 
-/// Enough packets for one system call to be cheap by comparison, little enough for hundreds of connections.
+/// Enough packets to make one system call relatively cheap, small enough for hundreds of connections.
 constexpr std::size_t BufferSize = std::size_t{64} * 1024;
 
 } // namespace
@@ -36,7 +36,7 @@ void PacketWriter::startPacket()
     m_packetEnd = m_packetStart + m_packetSize;
 }
 
-/// Writes the current packet's header and starts the next one behind it; there may be no room for that one.
+/// Writes the current packet's header and starts the next one after it; there may be no space for that one.
 void PacketWriter::closePacket(std::uint8_t status)
 {
     const std::size_t length = static_cast<std::size_t>(m_cursor - m_packetStart);
@@ -56,7 +56,7 @@ void PacketWriter::putAcrossPackets(const void *bytes, std::size_t count)
 {
     const auto *source = static_cast<const std::uint8_t *>(bytes);
     while (count > 0) {
-        // A full packet is closed only when more follows: until then it may turn out to be the last one.
+        // A full packet is closed only when more data follows: until then it may be the last one.
         if (m_cursor == m_packetEnd) {
             closePacket(0);
             if (static_cast<std::size_t>(m_buffer.data() + m_buffer.size() - m_packetStart) < m_packetSize)

@@ -39,7 +39,7 @@ NullableBytes takeChunks(ByteReader &reader)
     return all;
 }
 
-/// The type among those that share a code that has values of that length.
+/// Selects the type with values of this length among those that share a code.
 TypeId typeOfLength(std::size_t length, std::initializer_list<std::pair<std::size_t, TypeId>> choices)
 {
     for (const auto &[size, id] : choices) {
@@ -69,7 +69,7 @@ SqlType takeTimeType(ByteReader &reader, TypeId id)
     return type;
 }
 
-/// The types whose values have a length byte; empty for another code.
+/// Types whose values have a length byte; empty for another code.
 std::optional<SqlType> takeScalarType(ByteReader &reader, std::uint8_t code)
 {
     const auto sized = [&](std::initializer_list<std::pair<std::size_t, TypeId>> choices) {
@@ -104,7 +104,7 @@ std::optional<SqlType> takeScalarType(ByteReader &reader, std::uint8_t code)
     }
 }
 
-/// Text and binary types; they leave whether they are large to their length. Empty for another code.
+/// Text and binary types; their length determines whether they are large. Empty for another code.
 std::optional<SqlType> sizedType(std::uint8_t code)
 {
     switch (code) {
@@ -125,7 +125,7 @@ std::optional<SqlType> sizedType(std::uint8_t code)
     }
 }
 
-/// Completes a text or binary type with its length and takes the value behind it.
+/// Completes a text or binary type with its length and reads the value after it.
 NullableBytes takeSized(ByteReader &reader, std::uint8_t code, SqlType &type)
 {
     const bool isOldLarge = code == TypeCode::Text || code == TypeCode::NText || code == TypeCode::Image;

@@ -14,7 +14,7 @@ constexpr std::uint8_t Version = 0, Encryption = 1, Instance = 2, ThreadId = 3, 
                        FederatedAuthentication = 6, Terminator = 0xFF;
 } // namespace Option
 
-/// PRELOGIN alone counts its offsets with the most significant byte first.
+/// Only PRELOGIN has big-endian offsets.
 std::size_t takeBigEndian(ByteReader &reader)
 {
     const auto bytes = reader.takeBytes(2);

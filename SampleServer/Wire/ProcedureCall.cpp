@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint16_t ProcedureByNumber = 0xFFFF;
 constexpr std::size_t StatementIndex = 0, DeclarationsIndex = 1, FirstArgument = 2;
 
-/// The procedures that have a number of their own, from 1.
+/// The procedures with a number, from 1.
 constexpr const char *WellKnownProcedures[] = {
     "sp_cursor",          "sp_cursoropen",  "sp_cursorprepare", "sp_cursorexecute", "sp_cursorprepexec",
     "sp_cursorunprepare", "sp_cursorfetch", "sp_cursoroption",  "sp_cursorclose",   "sp_executesql",

@@ -39,7 +39,7 @@ std::string isolationPrefix(std::uint8_t level)
 std::string takeBegin(ByteReader &request)
 {
     const std::string prefix = isolationPrefix(request.take<std::uint8_t>());
-    takeShortText(request); // a name only decorates an outermost transaction
+    takeShortText(request); // the name has no effect on an outermost transaction
     return prefix + "BEGIN TRANSACTION";
 }
 
@@ -81,7 +81,7 @@ std::optional<std::string> parseTransactionRequest(std::span<const std::uint8_t>
         return sql;
     }
     case Save: {
-        // The name becomes a delimited identifier, so a bracket in it must not end it.
+        // The name becomes a delimited identifier, so a bracket in it must be escaped.
         std::string name;
         for (const char c : takeShortText(request))
             name += c == ']' ? "]]" : std::string(1, c);

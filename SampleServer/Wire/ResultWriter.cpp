@@ -50,7 +50,7 @@ std::uint16_t flagsOf(const ColumnInfo &column)
 
 } // namespace
 
-/// UserType, flags, TYPE_INFO and, where the type wants it, an empty table name.
+/// UserType, flags, TYPE_INFO and, if the type requires it, an empty table name.
 void ResultWriter::putDescription(const WireType &wire, std::uint16_t flags)
 {
     if (m_version >= TdsVersion::V72)
@@ -71,7 +71,7 @@ void ResultWriter::columns(const std::vector<ColumnInfo> &columns)
         const WireType &wire = m_columns.emplace_back(wireType(column.type, column.nullable, m_version));
         putDescription(wire, flagsOf(column));
         if (wire.form == LengthForm::TextPointer) {
-            // The table's name: none. It is a count of parts from 7.2, one text before.
+            // An empty table name: a count of parts from 7.2, one text before.
             if (m_version >= TdsVersion::V72)
                 m_out.put<std::uint8_t>(0);
             else
@@ -93,7 +93,7 @@ void ResultWriter::row(std::span<const Value> values)
         m_values.put(m_columns[index], values[index]);
 }
 
-/// Writes the row with its NULLs as bits where that is shorter; false when it is not.
+/// Writes the row with a NULL bitmap if that is shorter; otherwise returns false.
 bool ResultWriter::putNullBitmapRow(std::span<const Value> values)
 {
     std::size_t saved = 0;

@@ -80,7 +80,7 @@ Value dateTimeFrom(std::uint64_t bits)
                        (static_cast<std::int64_t>(bits >> 32) * 100'000 + 1) / 3);
 }
 
-/// date, time, datetime2 and datetimeoffset: a time, a date and an offset, each where the type has it.
+/// date, time, datetime2 and datetimeoffset: a time, a date and an offset, as far as the type has them.
 Value newDateFrom(const SqlType &type, BytesView bytes)
 {
     static constexpr std::int64_t ticksPerUnit[] = {10'000'000, 1'000'000, 100'000, 10'000,

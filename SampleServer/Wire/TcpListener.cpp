@@ -45,7 +45,7 @@ TcpListener::~TcpListener()
         for (const Client &client : m_clients)
             ::shutdown(client.socket.get(), SHUT_RDWR);
     }
-    // No entry is added any more; the handlers still need the lock to say that they are done.
+    // No more entries are added; the handlers still need the lock to report their end.
     for (Client &client : m_clients)
         client.thread.join();
 }
@@ -87,7 +87,7 @@ void TcpListener::startClient(FileDescriptor socket)
             m_wakeUp.signal();
         });
     } catch (const std::system_error &) {
-        m_clients.pop_back(); // no thread to be had: the client sees its connection close
+        m_clients.pop_back(); // no thread could be created: the client's connection is closed
     }
 }
 

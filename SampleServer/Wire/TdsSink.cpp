@@ -8,8 +8,8 @@ namespace SampleServer {
 
 namespace {
 
-/// A clock that is read in a few nanoseconds and moves every few milliseconds: how often the socket is looked
-/// at.
+/// A clock that takes a few nanoseconds to read and advances every few milliseconds: the interval of checks
+/// of the socket.
 std::int64_t currentTick()
 {
     timespec now{};
@@ -31,7 +31,7 @@ TdsSink::TdsSink(PacketWriter &out, TokenWriter &tokens, ResultWriter &results, 
 {
 }
 
-/// More follows: the statement before it can end now.
+/// More follows, so the delayed end of the previous statement can be sent.
 void TdsSink::beginToken()
 {
     if (!m_pending)
@@ -128,7 +128,7 @@ bool TdsSink::takeAttention(std::chrono::milliseconds timeout)
     try {
         return m_in.takeAttention(timeout);
     } catch (const ProtocolError &) {
-        throw ConnectionLost(); // the one way to end a request that the engine knows
+        throw ConnectionLost(); // the only exception with which the engine ends a request
     }
 }
 
@@ -140,7 +140,7 @@ bool TdsSink::attentionRequested()
     m_lastTick = tick;
     m_attention = takeAttention(std::chrono::milliseconds::zero());
     if (!m_attention)
-        m_out.sendFullPackets(); // a slow result shows up as it comes
+        m_out.sendFullPackets(); // sends the rows of a slow result as they arrive
     return m_attention;
 }
 

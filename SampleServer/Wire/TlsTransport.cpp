@@ -10,7 +10,7 @@ namespace SampleServer {
 
 namespace {
 
-constexpr std::size_t LargestRecord = 16384; ///< of what is inside
+constexpr std::size_t LargestRecord = 16384; ///< payload bytes
 
 void check(int result)
 {
@@ -83,7 +83,7 @@ Transport &TlsTransport::below()
     return m_handshake ? static_cast<Transport &>(*m_handshake) : m_clear;
 }
 
-/// Gives GnuTLS what has come. It must not wait: a client may stop in the middle of a record.
+/// Passes received bytes to GnuTLS. It must not wait: a client may stop in the middle of a record.
 ssize_t TlsTransport::pull(void *self, void *data, std::size_t size)
 {
     auto &tls = *static_cast<TlsTransport *>(self);
@@ -121,7 +121,7 @@ void TlsTransport::fail(int result)
     throw ProtocolError(gnutls_strerror(result));
 }
 
-/// Decrypts the next record, of which there was none left; false while it is not there whole.
+/// Decrypts the next record if none is left; false while it is incomplete.
 bool TlsTransport::decrypt()
 {
     const ssize_t count = gnutls_record_recv(m_session.get(), m_record.data(), m_record.size());

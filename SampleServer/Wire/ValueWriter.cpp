@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t ChunkSize = 8000;
 constexpr std::size_t VariantTextLimit = 8000;
-constexpr std::size_t MemoryToKeep = 1 << 20; ///< of a huge text, for the next one
+constexpr std::size_t MemoryToKeep = 1 << 20; ///< kept from a huge text for the next one
 constexpr std::uint64_t NullChunks = 0xFFFF'FFFF'FFFF'FFFF;
 
 std::span<const std::uint8_t> bytesOf(const void *data, std::size_t size)
@@ -74,7 +74,7 @@ void ValueWriter::putAsciiWidened(const WireType &wire, std::string_view ascii)
     ascii = ascii.substr(0, wire.maxLength / 2);
     m_out.put(static_cast<std::uint16_t>(2 * ascii.size()));
     while (!ascii.empty()) {
-        // A text that does not fit into the packet goes in pieces, by way of a small buffer.
+        // A text that does not fit into the packet is written in pieces through a small buffer.
         char16_t piece[64];
         std::uint8_t *place = m_out.claim(2 * ascii.size());
         const std::size_t count = place ? ascii.size() : std::min(ascii.size(), std::size(piece));
@@ -120,7 +120,7 @@ void ValueWriter::putLengthAndBytes(const WireType &wire, std::span<const std::u
         return putChunks(bytes);
     bytes = bytes.first(std::min<std::size_t>(bytes.size(), wire.maxLength));
     if (wire.form == LengthForm::TextPointer) {
-        // The pointer and the timestamp only matter to clients that write through them, which is not offered.
+        // Pointer and timestamp matter only to clients that write through them, which is not supported.
         static constexpr std::uint8_t pointer[1 + 16 + 8] = {16, 's', 'a', 'm', 'p', 'l', 'e'};
         m_out.putBytes(pointer, sizeof pointer);
         m_out.put(static_cast<std::uint32_t>(bytes.size()));
@@ -146,7 +146,7 @@ void ValueWriter::putVariant(const VariantValue &variant)
 {
     if (isNull(variant.value))
         return m_out.put<std::uint32_t>(0);
-    // The base type carries no length of its own: the variant's says it all. Hence the form without NULL.
+    // The base type has no length of its own; the variant has one. Therefore the form without NULL.
     const WireType base = wireType(variant.type, false, m_version);
     std::span<const std::uint8_t> bytes;
     if (base.content == Content::Binary)

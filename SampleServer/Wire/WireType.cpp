@@ -19,7 +19,7 @@ WireType scalar(const SqlType &type, bool nullable, std::uint8_t fixedCode, std:
             Content::Scalar, length};
 }
 
-/// A scalar of which the wire has the nullable form only.
+/// A scalar type whose wire format exists only in a nullable form.
 WireType nullableScalar(const SqlType &type, std::uint8_t code, std::uint32_t length)
 {
     return {type, code, LengthForm::Byte, Content::Scalar, length};
@@ -35,7 +35,7 @@ std::uint32_t timeLength(std::uint8_t scale)
     return scale <= 2 ? 3 : scale <= 4 ? 4 : 5;
 }
 
-/// The date types as text for clients that do not know them: wide enough for every value.
+/// The date types as text for clients that do not support them: wide enough for every value.
 WireType dateAsText(const SqlType &type)
 {
     const std::uint32_t characters = type.id == TypeId::Date        ? 10
@@ -51,8 +51,7 @@ WireType large(const SqlType &type, std::uint8_t code, Content content)
             content == Content::Utf16 ? LargeObjectUtf16 : LargeObject};
 }
 
-/// Texts and bytes: in the row up to 8000 bytes, (max) in chunks or, before 7.2, as the old large
-/// type.
+/// Text and binary types: in the row up to 8000 bytes; (max) in chunks or, before 7.2, as the old large type.
 WireType sized(const SqlType &type, std::uint8_t code, std::uint8_t largeCode, Content content,
                TdsVersion version)
 {
