@@ -1,4 +1,4 @@
-# The one place for compiler flags: every target links Vantor::Flags.
+# All compiler flags: every target links Vantor::Flags.
 add_library(VantorFlags INTERFACE)
 add_library(Vantor::Flags ALIAS VantorFlags)
 
@@ -18,10 +18,10 @@ if(VANTOR_WERROR)
   target_compile_options(VantorFlags INTERFACE -Werror)
 endif()
 if(VANTOR_SANITIZE)
-  # GCC 12 sees uninitialised values that are none where it instruments memory accesses.
+  # GCC 12 reports false uninitialised values where it instruments memory accesses.
   target_compile_options(VantorFlags INTERFACE
     -fsanitize=${VANTOR_SANITIZE} -fno-omit-frame-pointer
-    # These check every access and make compiling three times as long: targets ask for them (vantor_check_accesses).
+    # These check every access and triple the compile time: targets enable them with vantor_check_accesses.
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VANTOR_CHECK_ACCESSES>>>:-fno-sanitize=null$<COMMA>object-size$<COMMA>alignment$<COMMA>vptr>
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
@@ -69,6 +69,6 @@ function(vantor_compile_together target)
     return()
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-  # The file that is compiled includes the others: what is in their anonymous namespaces looks as if it came from headers.
+  # The unity file includes the others: GCC treats their anonymous namespaces as if they came from headers.
   target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
 endfunction()

@@ -1,4 +1,4 @@
-# What cmake --install lays where, and the Debian package that CPack makes of it.
+# The files that cmake --install copies, and the Debian package that CPack builds from them.
 set(libraries ${CMAKE_INSTALL_LIBDIR}/vantor)
 
 set_target_properties(vantor vantor-cli PROPERTIES INSTALL_RPATH "$ORIGIN/../${libraries}")
@@ -18,7 +18,7 @@ install(FILES ${packaging}/com.quorvex.vantor.metainfo.xml DESTINATION ${CMAKE_I
 install(FILES ${packaging}/com.quorvex.vantor.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES ${packaging}/completion/vantor-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
-# Manuals and the change log are compressed, as Debian wants them.
+# Debian requires compressed manuals and change logs.
 find_program(GZIP gzip REQUIRED)
 function(vantor_install_compressed source name destination)
   set(VERSION ${PROJECT_VERSION})

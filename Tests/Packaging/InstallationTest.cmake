@@ -1,4 +1,4 @@
-# Fails unless the installed programs run, find their connector and come with what a desktop wants.
+# Fails unless the installed programs run, find their connector and have the files that a desktop needs.
 function(run expected)
   execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
   if(NOT status EQUAL 0 OR NOT output MATCHES "${expected}")
