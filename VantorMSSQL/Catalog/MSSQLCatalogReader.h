@@ -8,41 +8,41 @@
 
 #include <functional>
 
-/// Reads the catalog: every query for the tree, scripts and helpers runs here, on pooled connections. Blocks
-/// on the server, so any thread but the UI's.
+/// Runs the catalog queries of the tree, scripts and helpers on pooled connections. Blocks on the server: any
+/// thread except the UI thread.
 namespace MSSQLCatalogReader {
 
 using Values = QMap<QString, QString>; ///< by placeholder
 using EachRow = std::function<void(const DatabaseResultSet &row)>;
 
-/// A text that is ready to be sent.
+/// A query text with its placeholders filled.
 struct Query
 {
     QString sql;
-    const char *domain;        ///< of its errors; null keeps those of the client
-    bool retryOnError = false; ///< once more, on a fresh connection, when the lent one is dead
+    const char *domain;        ///< error domain; null keeps the client's domain
+    bool retryOnError = false; ///< repeats the query on a new connection if the pooled one is dead
 };
 
-/// Takes the result of one attempt; null when there is none. After a failure it holds the rows that came
-/// before it.
+/// Receives the result of one attempt; null if there is none. After a failure it contains the rows that were
+/// received before.
 using ReadRows = std::function<void(DatabaseResultSet *rows, const KNError &failure)>;
 
-/// The query or template with this title for the server, its placeholders filled.
+/// Returns the query or template with this title for the server's version, with its placeholders filled.
 QString text(const VantorDBC &settings, const QString &title, const Values &values = {});
 
-/// Runs a query and passes its result, once for each attempt. An error is returned, not logged.
+/// Runs a query and calls `readRows` once for each attempt. Returns the error without logging it.
 KNError run(const VantorDBC &settings, const Query &query, const ReadRows &readRows);
 
-/// Runs the query with this title and passes every row, also those before a failure. An error is returned and
-/// reported in this domain.
+/// Runs the query with this title and calls `eachRow` for every row, including those before a failure.
+/// Returns the error in this domain, after logging it.
 KNError read(const VantorDBC &settings, const QString &title, const Values &values, const char *domain,
              const EachRow &eachRow);
 
-/// Reports an error of a query and returns it in this domain.
+/// Logs a query's error and returns it in this domain.
 KNError reported(const KNError &error, const char *domain, const QString &sql);
 
-/// The records of a table, view or procedure. `Record` names its query and reads its rows. Empty after an
-/// error, which is reported: part of a list would pass for the whole.
+/// Returns the records of a table, view or procedure. `Record` names its query and reads its rows. Empty
+/// after an error, which is logged: a partial list would look like a complete one.
 template <typename Record>
 QList<Record> records(const VantorDBC &settings, const QString &schema, const QString &object,
                       const char *domain, KNError *error)

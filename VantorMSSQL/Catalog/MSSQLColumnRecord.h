@@ -11,8 +11,8 @@ struct MSSQLColumnRecord
     static QList<MSSQLColumnRecord> listFrom(DatabaseResultSet &rows);
 
     QString columnName;
-    QString typeName; ///< with precision and scale where they belong to it; [schema].[name] for a user's type
-    KNValue maxLength; ///< in bytes, -1 for max; null where the type stands alone
+    QString typeName;  ///< with precision and scale if the type has them; [schema].[name] for a user's type
+    KNValue maxLength; ///< in bytes, -1 for max; null for a type without a length
     KNValue precision;
     KNValue scale;
     bool isNullable = true;

@@ -7,9 +7,9 @@
 
 #include <optional>
 
-/// Knows the default schema of the user behind a connection. Asks once for each connection; what it was told,
-/// or that it was told nothing, is kept for the life of the process. Any thread but the UI's: the first
-/// question waits for the server, and all lookups wait for each other.
+/// Caches the default schema of each connection's user for the life of the process, including failed lookups.
+/// Any thread except the UI thread: the first lookup of a connection waits for the server, and lookups wait
+/// for each other.
 class MSSQLDefaultSchemaHelper
 {
 public:
@@ -19,11 +19,11 @@ public:
     MSSQLDefaultSchemaHelper(const MSSQLDefaultSchemaHelper &) = delete;
     MSSQLDefaultSchemaHelper &operator=(const MSSQLDefaultSchemaHelper &) = delete;
 
-    /// Empty, never null, when it cannot be found.
+    /// Empty, never null, if it cannot be determined.
     QString schemaForDBC(const MSSQLDatabaseConnectionDetails &dbc);
 
-    /// What schemaForDBC() has found before for this connection; nothing when it was not asked yet, or is
-    /// being asked. Asks no server and does not wait, so the UI thread may call it.
+    /// Returns the cached result of schemaForDBC(); nullopt if there is none yet or a lookup is running. Does
+    /// not block, so the UI thread may call it.
     std::optional<QString> knownSchemaForDBC(const MSSQLDatabaseConnectionDetails &dbc);
 
 private:

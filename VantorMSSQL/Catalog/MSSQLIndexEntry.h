@@ -15,7 +15,7 @@ struct MSSQLIndexEntry
 {
     static constexpr auto Title = "List_IndexesAndColumnsForTable";
     static MSSQLCatalogReader::Values values(const QString &schema, const QString &table);
-    /// The rows of one name, without regard to case, become one entry.
+    /// Rows whose names differ in case only become one entry.
     static QList<MSSQLIndexEntry> listFrom(DatabaseResultSet &rows);
 
     QString indexName; ///< "PRIMARY" for the primary key's index

@@ -5,14 +5,15 @@
 #include <QList>
 #include <QStringList>
 
-/// Which catalog queries only read, what fills them, and which server has no answer to them.
+/// Describes the read-only catalog queries, the objects that fill their placeholders, and the servers that do
+/// not support them.
 namespace MSSQLQueryTrials {
 
 QList<KNQueryTrial> all();
 
-/// Titles that SQL Server 2000 has nothing for.
+/// Titles without a text for SQL Server 2000.
 QStringList notOnSQL2000();
-/// Titles that read the agent's or several databases, which Azure has not.
+/// Titles that read the agent or several databases, which Azure does not support.
 QStringList notOnAzure();
 
 } // namespace MSSQLQueryTrials

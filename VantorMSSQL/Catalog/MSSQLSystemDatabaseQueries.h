@@ -16,13 +16,13 @@ public:
     const MSSQLDatabaseConnectionDetails &dbc() const { return *m_dbc; }
     void setDbc(const MSSQLDatabaseConnectionDetails &dbc);
 
-    /// Trimmed of white space; the variant for SQL Server 2000 as it stands.
+    /// Returns the text trimmed of white space; the variant for SQL Server 2000 is returned unchanged.
     QString queryByTitle(const QString &title) const override;
     QStringList titles() const override;
     QString plainQueryByTitle(const QString &title) const override;
     QList<KNQueryTrial> trials() const override;
 
-    /// All texts by title, the variants included. Any thread.
+    /// All texts by title, including the variants. Any thread.
     static const QHash<QString, QString> &allQueries();
 
 private:

@@ -10,9 +10,9 @@
 class DatabaseResultSet;
 class VantorDatabaseClient;
 
-/// Knows what version of SQL Server answers behind a connection. Asks once for each connection; what it was
-/// told, or that it was told nothing, is kept for the life of the process. Any thread but the UI's: the first
-/// question waits for the server, and all lookups wait for each other.
+/// Caches the SQL Server version of each connection for the life of the process, including failed lookups.
+/// Any thread except the UI thread: the first lookup of a connection waits for the server, and lookups wait
+/// for each other.
 class MSSQLVersionHelper
 {
 public:
@@ -27,8 +27,8 @@ public:
     bool isDBCAzure(const MSSQLDatabaseConnectionDetails &dbc);
     bool isSQL2000(const MSSQLDatabaseConnectionDetails &dbc);
 
-    /// Asks the server through a connected client, unless the version is known: no other login is needed
-    /// then. A failure is not kept: the client may have been cancelled.
+    /// Queries the version through a connected client, unless it is known; this saves another login. A
+    /// failure is not cached, because the client may have been cancelled.
     void learnFrom(VantorDatabaseClient &client, const MSSQLDatabaseConnectionDetails &dbc);
 
 private:

@@ -4,13 +4,13 @@
 
 #include <QStringList>
 
-/// Rows of an export as INSERT statements of several rows each.
+/// Formats exported rows as INSERT statements with several rows each.
 class MSSQL2MySQLExporter
 {
 public:
-    /// The rows for the table, each with a value for each of the columns, `batch` (1 or more) to a statement.
-    /// Names are written as they are. With `hasIdentity`, statements that let identity values in and out
-    /// again stand around them.
+    /// Returns the statements for the table, with `batch` rows (1 or more) in each. Every row has one value
+    /// for each column. Names are not escaped. With `hasIdentity`, the statements that switch IDENTITY_INSERT
+    /// on and off are added around them.
     static QString exportData(const QList<KNRow> &rows, const QString &forTable,
                               const QStringList &withColumns, bool hasIdentity, qsizetype batch);
 };

@@ -6,9 +6,8 @@
 
 #include <chrono>
 
-/// Finds the instances of SQL Server on the local network: asks their Browser services with a broadcast
-/// (MC-SQLR, CLNT_BCAST_EX), again and again. One search for the whole process; any thread. Failures are
-/// logged only.
+/// Finds the instances of SQL Server on the local network by repeated broadcasts to their Browser services
+/// (MC-SQLR, CLNT_BCAST_EX). One search for the whole process; any thread. Failures are only logged.
 class MSSQLBrowserServiceClient
 {
 public:
@@ -19,31 +18,31 @@ public:
     /// Posted, on the searching thread, at the start of every pass.
     static const QString MSSQLBrowserServiceClientStartedSearchingNotification;
 
-    /// Whom passes ask and for how long, and how long the search rests between them.
+    /// Address and port that a pass queries, its time-out, and the pause between passes.
     struct Search
     {
         QString address = QStringLiteral("255.255.255.255");
         quint16 port = 1434;
-        std::chrono::milliseconds timeout = std::chrono::seconds(5); ///< of silence
+        std::chrono::milliseconds timeout = std::chrono::seconds(5); ///< without an answer
         std::chrono::milliseconds pause = std::chrono::seconds(10);
     };
-    /// For all passes that begin later. For tests.
+    /// Applies to passes that begin later. For tests.
     static void setSearch(const Search &search);
 
-    /// What answered the last pass that anything answered.
+    /// The instances of the last pass that received an answer.
     static Entries allDatabases();
-    /// Whether a pass is going on.
+    /// Whether a pass is running.
     static bool IsSearching();
-    /// Begins to search in the background until stopBrowseForServers().
+    /// Searches in the background until stopBrowseForServers().
     static void beginBrowseForServers();
-    /// Ends the search after the pass that is going on.
+    /// Ends the search after the current pass.
     static void stopBrowseForServers();
-    /// One pass; blocks until the network has been silent for the time-out.
+    /// Runs one pass; blocks until no answer has arrived for the time-out.
     static void doBrowseForServers();
-    /// Collects and decodes the answers that come to a socket, until it has been silent for its time-out. The
-    /// text of the first answer is taken for each of them, in the length of each. Null when nothing came, or
-    /// something that is no answer.
+    /// Collects and decodes the answers that a socket receives until none arrives within its time-out. The
+    /// result repeats the first answer's text for each answer, cut to that answer's length. Null if no answer
+    /// or an invalid one arrived.
     static QString reciveBroadcastRespondFromSocket(int socket, quint16 usingPort);
-    /// The instances in such a text.
+    /// Parses the text that reciveBroadcastRespondFromSocket() returns.
     static Entries entriesInText(const QString &text, const QDateTime &lastSeen);
 };

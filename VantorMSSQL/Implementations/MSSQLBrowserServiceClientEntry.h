@@ -12,7 +12,7 @@ struct MSSQLBrowserServiceClientEntry
     QString version;
     QDateTime lastSeen; ///< when the answers of its search were read
 
-    /// What names it in a connection's settings: "host,1433\INSTANCE".
+    /// The server text of a connection's settings: "host,1433\INSTANCE".
     QString connectionString() const;
     /// Whether both are the same instance: host, name and port.
     bool isEqualTo(const MSSQLBrowserServiceClientEntry &other) const

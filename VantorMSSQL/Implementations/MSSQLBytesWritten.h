@@ -2,6 +2,6 @@
 
 #include <QtGlobal>
 
-/// How many bytes have been written to a TCP socket, counting from its opening; 0 where the system does not
-/// tell. Any thread.
+/// The number of bytes written to a TCP socket since it was opened; 0 if the system does not report it. Any
+/// thread.
 quint64 MSSQLBytesWritten(int socket);

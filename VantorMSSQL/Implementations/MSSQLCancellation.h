@@ -6,22 +6,21 @@
 #include <chrono>
 #include <mutex>
 
-/// How a run on one connection is stopped from another thread without two threads ever being inside db-lib.
-///
-/// The running thread either waits for the server outside db-lib, on waitForAnswer(), which a request ends at
-/// once; or it is inside db-lib, which asks wantsInterrupt() and timeoutAction() whenever its own waiting is
-/// interrupted. A request interrupts that waiting with a signal to the thread. In both cases it is the
-/// running thread itself that tells the server to stop, so the session lives on.
+/// Stops a run on one connection from another thread, so that two threads are never inside db-lib at once.
+/// || The running thread either waits for the server outside db-lib, in waitForAnswer(), which a request ends
+/// at once; or it is inside db-lib, which calls wantsInterrupt() and timeoutAction() whenever its wait is
+/// interrupted. A request interrupts that wait with a signal to the thread. In both cases the running thread
+/// itself sends the attention to the server, so the session survives.
 class MSSQLCancellation
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// What db-lib is to do when its waiting was interrupted.
+    /// What db-lib does after its wait was interrupted.
     enum class Action { KeepWaiting, SendAttention, GiveUpConnection };
 
-    /// How long a server may take to acknowledge a request before the connection is given up: while it has
-    /// stalled in the middle of rows, and otherwise, when it may have work to undo.
+    /// Time limits for a server to acknowledge a cancel before the connection is closed: while it stalls
+    /// between rows, and otherwise, when it may be rolling work back.
     struct Patience
     {
         std::chrono::milliseconds inRows = std::chrono::milliseconds(900);
@@ -34,30 +33,27 @@ public:
     MSSQLCancellation(const MSSQLCancellation &) = delete;
     MSSQLCancellation &operator=(const MSSQLCancellation &) = delete;
 
-    /// \name On the running thread
-    /// @{
-    /// Begins a run, which takes back earlier requests. Runs nest: the outermost counts.
+    /// Begins a run and clears earlier requests. Runs nest: only the outermost begins and ends one.
     void beginRun();
     void endRun();
-    /// Gives the connection up when the server has not answered by then. For the time of a login.
+    /// Closes the connection if the server has not answered by then. Used during a login.
     void setDeadline(Clock::time_point deadline) { m_deadline = deadline; }
     void clearDeadline() { m_deadline = Clock::time_point::max(); }
     bool hasDeadline() const { return deadline() != Clock::time_point::max(); }
     /// time_point::max() if there is none.
     Clock::time_point deadline() const { return m_deadline; }
     bool isDeadlineOver() const { return Clock::now() >= deadline(); }
-    /// Waits until the first packet of an answer, or its first TLS record, is there whole, a request comes or
-    /// the deadline passes.
-    /// Called outside db-lib, so that a server that stalls in the middle of that packet keeps nobody inside
-    /// it. `packetSize` is what was agreed on, in bytes.
+    /// Waits until the first packet of an answer, or its first TLS record, has arrived completely, a request
+    /// arrives or the deadline passes. Called outside db-lib, so that a server that stalls within that packet
+    /// does not block a thread inside it. `packetSize` is the negotiated size, in bytes.
     void waitForAnswer(int socket, int packetSize);
-    /// The rows of a result, from the first to the last: a server that is silent there has stalled.
+    /// Enclose the reading of a result's rows: a server that is silent there has stalled.
     void beginRows() { m_isStreaming = true; }
     void endRows() { m_isStreaming = false; }
-    /// The stretch during which this thread is inside db-lib, where it may wait for the server.
+    /// Enclose the time during which this thread is inside db-lib, where it may wait for the server.
     void enterLibrary();
     void leaveLibrary();
-    /// The request has been told to the server: its patience runs from now.
+    /// Notes that the attention was sent: the acknowledgement's time limit starts now.
     void attentionSent();
     /// @}
 
@@ -67,19 +63,17 @@ public:
     Action timeoutAction();
     /// @}
 
-    /// \name On any thread
-    /// @{
-    /// Asks the current run to stop; false when none is running.
+    /// Requests that the current run stops; false if none is running.
     bool request();
-    /// Interrupts the waiting of the thread that is inside db-lib, if one is. To be repeated until it has
-    /// left: it may be just about to wait.
+    /// Interrupts the wait of the thread inside db-lib, if there is one. Call it repeatedly until that thread
+    /// has left db-lib: it may be about to wait.
     void interruptLibrary();
-    /// Whether the current or the last run was asked to stop.
+    /// Whether a stop of the current or the last run was requested.
     bool isRequested() const { return m_requested.load(std::memory_order_acquire); }
-    /// Can be read as long as the current run is asked to stop. It belongs to this object.
+    /// A descriptor that is readable while a stop of the current run is requested. Owned by this object.
     int requestDescriptor() const { return m_wakeUp; }
-    /// Waits until the current run is asked to stop or its deadline has passed; false when `endDescriptor`
-    /// can be read first.
+    /// Waits until a stop of the current run is requested or its deadline has passed; false if
+    /// `endDescriptor` becomes readable first.
     bool waitForStop(int endDescriptor) const;
     /// @}
 
@@ -102,7 +96,7 @@ private:
     pthread_t m_libraryThread{}; ///< guarded by m_mutex
 };
 
-/// The time of a login: sets a deadline for its duration, unless there is one already.
+/// Sets a deadline for its own lifetime, unless one is set already. Used for a login.
 class MSSQLDeadlineScope
 {
 public:
@@ -126,7 +120,7 @@ private:
     const bool m_isOutermost;
 };
 
-/// Marks a run for its duration, so that a cancel finds something to stop.
+/// Marks a run for its lifetime, so that a cancel finds a run to stop.
 class MSSQLRunScope
 {
 public:

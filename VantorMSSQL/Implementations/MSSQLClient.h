@@ -34,9 +34,9 @@ public:
     }
 
     bool connect(KNError *error) override;
-    /// connect(). The delegate, which may be null, is not asked anything.
+    /// Same as connect(error). The delegate, which may be null, is not called.
     bool connect(KNError *error, KNSSHTunnelDelegate *sshDelegate);
-    /// One row of the protocol table, with bookkeeping in the settings and in the log.
+    /// Tries one row of the protocol table, and records the result in the settings and in the log.
     bool tryConnect(int connectOption, bool useNTLMv2, KNError *error);
     /// One login attempt with a db-lib protocol constant.
     bool connect(KNError *error, bool useNTLMv2, int tdsVersion);
@@ -50,15 +50,15 @@ public:
     bool executeQueryInternal(const QString &sql, KNResultSetHolder &withResultSet, KNError *error);
     std::unique_ptr<DatabaseResultSet> executeQuery(const QString &sql, KNError *error) override;
     bool executeNonQuery(const QString &sql, KNError *error) override;
-    /// A number given as text goes to a numeric column without quotes, commas and dollar signs; whatever else
-    /// goes as escapeColumnValue() writes it.
+    /// Writes a number given as text to a numeric column without quotes, commas and dollar signs, and all
+    /// other values as escapeColumnValue() does.
     bool bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
                     const QStringList &columnNames, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error) override;
-    /// Sends one INSERT statement: its head, and the rows as "(1,'a')".
+    /// Sends one INSERT statement. `header` is its beginning, `rows` holds the rows as "(1,'a')".
     bool performBulkInsert(const QStringList &rows, const QString &header, const QStringList &dataTypes,
                            KNError *error);
-    /// Runs a batch and only logs what it gave; whether it could be run.
+    /// Runs a batch and only logs its results; false if it failed to run.
     bool testCommand(const QString &sql);
 
     bool beginTransaction(KNError *error) override;
@@ -76,17 +76,17 @@ public:
     bool resetSession() override;
     void prepareForPool(VantorDBC &details, bool isUserQuery) override;
 
-    /// Switches db-lib's protocol trace on for the whole process, into "freetds.pid<n>.log" in the log's
-    /// folder. Returns the file's path; null with a line in the log when it cannot be written.
+    /// Enables db-lib's protocol trace for the whole process, in "freetds.pid<n>.log" in the log's folder.
+    /// Returns the file's path; null, with a line in the log, if it cannot be written.
     static QString enableFreeTDSLogging();
-    /// The one word of the batch that a message complains about, as a range of the editor text; not found
-    /// when the message names none or the batch holds it more than once.
+    /// Finds the word of the batch that a message complains about, as a range of the editor text. Not found
+    /// if the message names none or the batch contains it more than once.
     static KNRange processErrorDetails(const DatabaseMessage &message, const KNQueryDetails &forQueryDetails);
 
-    /// How db-lib is told of a server: the host text with its name replaced by its address, as
-    /// address:port, address\instance or address:port\instance.
+    /// The server text for db-lib: the host text with its name replaced by its address, as address:port,
+    /// address\instance or address:port\instance.
     static QString serverTextForHost(const QString &host);
-    /// The user name with which an Azure login is tried again; null when there is nothing to try.
+    /// The user name for a second attempt at an Azure login; null if there is none.
     static QString azureUserName(const QString &username, const QString &host);
 
 private:
@@ -147,10 +147,10 @@ private:
     bool stopAtServer();
 
     const std::shared_ptr<MSSQLDatabaseConnectionDetails> m_databaseConnectionDetails;
-    mutable KNSemaphore m_dbProcSemaphore;   ///< taken around every db-lib call on the handle
+    mutable KNSemaphore m_dbProcSemaphore;   ///< held during every db-lib call on the handle
     tds_dblib_dbprocess *m_dbProc = nullptr; ///< guarded by m_dbProcSemaphore
     mutable std::mutex m_socketMutex;
-    MSSQLSocketReference m_socket; ///< of m_dbProc, for threads without the handle; guarded by m_socketMutex
+    MSSQLSocketReference m_socket; ///< of m_dbProc, usable without the handle; guarded by m_socketMutex
     MSSQLCancellation m_cancellation;
-    std::shared_ptr<KNSSHTunnel> m_tunnel; ///< while the connection goes through one; for who runs it
+    std::shared_ptr<KNSSHTunnel> m_tunnel; ///< null without a tunnel; accessed by the running thread only
 };

@@ -7,17 +7,17 @@ struct tds_dblib_dbprocess;
 /// ever thrown through them.
 /// @{
 
-/// Collects a client error; always answers INT_CANCEL. `dberrstr` is UTF-8.
+/// Collects a client error; always returns INT_CANCEL. `dberrstr` is UTF-8.
 int err_handler(tds_dblib_dbprocess *dbproc, int severity, int dberr, int oserr, char *dberrstr,
                 char *oserrstr);
-/// Collects a server message, except 5701 and 5703, which tell of changes that are of no interest.
+/// Collects a server message, except 5701 and 5703 (database and language changes), which are ignored.
 int msg_handler(tds_dblib_dbprocess *dbproc, int msgno, int msgstate, int severity, char *msgtext,
                 char *srvname, char *procname, int line);
-/// What db-lib asks first when its waiting for a server was interrupted: whether a run is to be cancelled.
-/// Answers everything else with err_handler().
+/// Called by db-lib when its wait for a server was interrupted: decides whether to cancel the run. Passes all
+/// other errors to err_handler().
 int interruptible_err_handler(tds_dblib_dbprocess *dbproc, int severity, int dberr, int oserr, char *dberrstr,
                               char *oserrstr);
-/// The pair that dbsetinterrupt() wants.
+/// The two callbacks of dbsetinterrupt().
 int check_interrupt(void *dbproc);
 int handle_interrupt(void *dbproc);
 

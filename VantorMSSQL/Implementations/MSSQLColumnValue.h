@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// What is known of a column while its values are read.
+/// Describes a column while its values are read.
 struct MSSQLColumn
 {
     QString name;
@@ -13,6 +13,6 @@ struct MSSQLColumn
     int scale = 0;
 };
 
-/// Turns the raw bytes of one column, as db-lib gives them, into the value of a row, and appends it to
-/// `rows`. `data` null means NULL; bytes that are no value of the type read as null. Pure; any thread.
+/// Decodes the raw bytes of one column, as db-lib delivers them, and appends the value to `rows`. Null `data`
+/// means NULL; bytes that are not a valid value of the type become NULL. Pure; any thread.
 void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsigned char *data, int length);

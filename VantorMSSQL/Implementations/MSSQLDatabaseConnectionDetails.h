@@ -34,32 +34,34 @@ public:
     void setDistributionValue(const QString &value) { m_distributionValue = value; }
     /// @}
 
-    /// The db-lib constant of the protocol version that connected last; empty while it is to be probed.
+    /// The db-lib constant of the protocol version of the last successful login; nullopt until it is
+    /// detected.
     std::optional<int> tdsVersion() const { return m_tdsVersion; }
     void setTdsVersion(std::optional<int> version) { m_tdsVersion = version; }
-    /// Whether the last login that succeeded used NTLMv2; empty while it is to be probed.
+    /// Whether the last successful login used NTLMv2; nullopt until it is detected.
     std::optional<bool> useNTLMv2() const { return m_useNTLMv2; }
     void setUseNTLMv2(std::optional<bool> use) { m_useNTLMv2 = use; }
 
-    /// Seconds that connecting may take: the session parameter "loginTimeout", 15 when it is not there.
+    /// Time limit for connecting in seconds: the session parameter "loginTimeout", 15 by default.
     int loginTimeout() const;
-    /// Seconds that one batch may take: the session parameter "queryTimeout", 0 for any number.
+    /// Time limit for one batch in seconds: the session parameter "queryTimeout", 0 for no limit.
     int queryTimeout() const;
     /// Whether the session parameter "applicationIntent" is "readonly": an availability group's listener may
-    /// lead such a session to a replica that can be read only.
+    /// route such a session to a read-only replica.
     bool isReadOnlyIntended() const;
-    /// What the user wants every session to begin with, batches of T-SQL: the session parameter
-    /// "initialStatements".
+    /// T-SQL batches that run at the start of every session: the session parameter "initialStatements".
     QString initialStatements() const;
-    /// How the connection is encrypted: the session parameters
+    /// The encryption settings, from these session parameters:
     /// - "encryption": "off", "request" (the default) or "require";
-    /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified,
-    ///   and encryption is required then, also where "request" is set; without one it is verified against the
-    ///   system's authorities when encryption is required;
-    /// - "trustServerCertificate": true to take any certificate then (false);
-    /// - "checkHostName": false to take a certificate that is for another host (true).
-    /// Empty, with an error for the user, for values that make no sense and for a file that cannot be read or
-    /// holds no certificate.
+    /// - "trustedCertificateFile": the path of a PEM file against which the server's certificate is verified;
+    /// it
+    ///   implies required encryption, also where "request" is set. Without it, a required encryption verifies
+    /// the
+    ///   certificate against the system's authorities;
+    /// - "trustServerCertificate": true to accept any certificate then (default false);
+    /// - "checkHostName": false to accept a certificate that was issued for another host (default true).
+    /// nullopt, with an error for the user, for invalid values and for a file that cannot be read or contains
+    /// no certificate.
     std::optional<MSSQLEncryption> encryption(KNError *error) const;
 
     QVariantMap sessionParameters() const override { return m_sessionParameters; }
@@ -81,22 +83,22 @@ public:
     const QStringList &functions() const override;
     SQLTokenizerOptions tokenizerOptions() const override;
 
-    /// The same lists as keywords() and functions(), for who has no connection at hand. All three are sorted
-    /// without regard to case and hold each word once.
+    /// The lists of keywords() and functions(), available without a connection. All three are sorted without
+    /// regard to case and contain each word once.
     static const QStringList &sqlKeywords();
     static const QStringList &sqlFunctions();
     static const QStringList &functionsAndKeywords();
 
-    /// How T-SQL is cut into tokens: hash marks are no comments, comments do not nest, variables are
+    /// The tokenizer's options for T-SQL: hash marks are no comments, comments do not nest, variables are
     /// recognised.
     static SQLTokenizerOptions createPreParserOptions();
 
-    /// Whether both mean the same connection. A database or a federation statement that only one of them has
-    /// makes no difference; a connection id, host, user name or password that both lack does.
+    /// Whether both describe the same connection. A database or a federation statement that only one of them
+    /// has is ignored. Two empty connection ids, hosts, user names or passwords count as different.
     bool isEqualToDatabaseConnectionDetails(const MSSQLDatabaseConnectionDetails *other) const;
 
-    /// Splits name, name:port, name,port, name\instance and name\instance:port. Asks the server's Browser for
-    /// an instance's port when `port` is 0: blocks, and leaves it 0 when there is no answer.
+    /// Splits name, name:port, name,port, name\instance and name\instance:port. If `port` is 0, queries the
+    /// server's Browser for the instance's port: blocks, and leaves it 0 if there is no answer.
     void getHostAndPortForServer(const QString &server, quint16 *port, QString *host) const override;
 
 protected:

@@ -3,7 +3,7 @@
 #include "Database/DatabaseResultSet.h"
 #include "Database/KNResultSetHolder.h"
 
-/// The cursor over one result that MSSQLClient::executeQuery() hands back. Never talks to the server.
+/// The cursor over one result that MSSQLClient::executeQuery() returns. Never accesses the server.
 class MSSQLDatabaseResultSet : public DatabaseResultSet
 {
 public:

@@ -6,23 +6,23 @@
 
 #include <optional>
 
-/// How a connection is to be encrypted, and how the server is to prove who it is.
+/// The encryption of a connection, and how the server's certificate is verified.
 struct MSSQLEncryption
 {
-    /// Off: never. Request: the login when the server can, everything when it insists; that keeps listeners
-    /// out, but not who pretends to be the server. Require: everything, or no connection; the mode of every
-    /// connection for which a certificate is named, since a changed PRELOGIN could switch Request to clear
-    /// text.
+    /// Off: no encryption. Request: the login if the server supports it, everything if the server requires
+    /// it; protects from eavesdroppers, but not from an impostor server. Require: everything, or no
+    /// connection; this is the mode of every connection with a named certificate, since a changed PRELOGIN
+    /// could switch Request to clear text.
     enum class Mode { Off, Request, Require };
 
     Mode mode = Mode::Request;
     QString trustedCertificateFile; ///< absolute; null when none is named
-    /// PEM; when there is one, the server must show this very certificate, which has been verified.
+    /// PEM; if not empty, the server must present exactly this certificate, which was verified before.
     QByteArray pinnedCertificate;
     bool verifiesCertificate = false;
-    bool checksHostName = false; ///< never without verifiesCertificate
+    bool checksHostName = false; ///< implies verifiesCertificate
 
-    /// As MSSQLDatabaseConnectionDetails::encryption() says.
+    /// Parses the parameters of MSSQLDatabaseConnectionDetails::encryption().
     static std::optional<MSSQLEncryption> fromSessionParameters(const QVariantMap &parameters,
                                                                 KNError *error);
 };

@@ -4,10 +4,10 @@
 
 #include <QVariantMap>
 
-/// How errors of servers reach the log. Any thread.
+/// Writes server errors to the log. Any thread.
 class MSSQLErrorReport
 {
 public:
-    /// Logs an error, unless it is a login failure that users are expected to run into.
+    /// Logs an error, except for expected login failures.
     static void reportError(const KNError &error, const QVariantMap &details);
 };

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <thread>
 
-/// A socket that another part of the program owns and may close at any time. Any thread.
+/// A reference to a socket that another component owns and may close at any time. Any thread.
 class MSSQLSocketReference
 {
 public:
@@ -13,19 +13,18 @@ public:
     MSSQLSocketReference() = default;
     explicit MSSQLSocketReference(int descriptor);
 
-    /// A descriptor of the caller's own for the same socket; -1 when it is closed.
+    /// Returns a new descriptor for the same socket, which the caller owns; -1 if the socket is closed.
     int duplicate() const;
 
 private:
     int m_descriptor = -1;
-    ino_t m_inode = 0; ///< a descriptor's number is used again for other files, an open socket's inode is not
+    ino_t m_inode = 0; ///< descriptor numbers are reused, the inode of an open socket is not
 };
 
-/// Ends a connection whose server sends without end. db-lib looks at time-outs and interrupts only while it
-/// waits, and it never waits while there is something to read.
-///
-/// While it lives, a thread looks at the socket once `patience` has passed; when more has come in each
-/// quarter of a second for three seconds, it shuts the connection down.
+/// Closes a connection whose server sends without end. db-lib checks time-outs and interrupts only while it
+/// waits, and it never waits while there is data to read.
+/// || During its lifetime, a thread checks the socket once `patience` has passed. If more data arrives in
+/// each quarter of a second for three seconds, it shuts the connection down.
 class MSSQLFloodGuard
 {
 public:
@@ -38,7 +37,7 @@ private:
     void watch(std::chrono::milliseconds patience) const;
     bool isOverAfter(std::chrono::milliseconds time) const;
 
-    const int m_socket; ///< a descriptor of its own, or -1
+    const int m_socket; ///< owned duplicate of the socket's descriptor, or -1
     const int m_end;    ///< an eventfd
     std::thread m_thread;
 };

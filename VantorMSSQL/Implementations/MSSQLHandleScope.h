@@ -3,8 +3,8 @@
 #include "Foundation/KNSemaphore.h"
 #include "Implementations/MSSQLCancellation.h"
 
-/// A stretch in which this thread may call db-lib on a connection's handle: holds the handle's semaphore, and
-/// can be interrupted by a cancel while db-lib waits.
+/// Encloses the db-lib calls of this thread on a connection's handle: holds the handle's semaphore, and lets
+/// a cancel interrupt db-lib's waits.
 class MSSQLHandleScope
 {
 public:

@@ -4,32 +4,32 @@
 
 #include <QTemporaryDir>
 
-/// Where a login connects to.
+/// The address that a login connects to.
 struct MSSQLServerAddress
 {
-    QString host; ///< a name or an address, in ASCII; its certificate must be for it
+    QString host; ///< a name or an address, in ASCII; the certificate must be issued for it
     quint16 port = 0;
 };
 
-/// The configuration file from which db-lib takes where and how one login connects. It is the user's alone,
-/// holds nothing secret, and is removed with the object. Its folder is locked until then, so that other
-/// processes recognise a folder whose process was killed. No other configuration file is looked at beside it.
+/// The configuration file from which db-lib reads the address and encryption of one login. Only the user can
+/// read it; it contains no secrets and is removed with the object. Its folder is locked until then, so that
+/// other processes can recognise the folder of a killed process. db-lib reads no other configuration file.
 class MSSQLLoginFile
 {
 public:
-    /// Writes the file. path() is empty when that failed.
+    /// Writes the file. path() is empty if that failed.
     MSSQLLoginFile(const MSSQLServerAddress &server, const MSSQLEncryption &encryption);
     ~MSSQLLoginFile();
     MSSQLLoginFile(const MSSQLLoginFile &) = delete;
     MSSQLLoginFile &operator=(const MSSQLLoginFile &) = delete;
 
     /// Removes the folders of this user's processes that were killed during a login. Follows no links, and
-    /// removes nothing that a login did not write. Any thread.
+    /// removes only files that a login writes. Any thread.
     static void removeAbandoned();
 
     QByteArray path() const { return m_path; }
-    /// Under what name db-lib finds the server in the file. Errors show it. It is no host's name: should
-    /// db-lib not find it, it must not connect anywhere without what the file says.
+    /// The server's name in the file, which errors show. It is not a host name: if db-lib did not find the
+    /// entry, it must not connect anywhere without the file's settings.
     QByteArray entry() const { return m_entry; }
 
 private:

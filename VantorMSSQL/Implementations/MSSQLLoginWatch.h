@@ -7,18 +7,18 @@
 
 class MSSQLCancellation;
 
-/// Ends a login inside db-lib when it is cancelled or its deadline has passed. db-lib calls nothing back
-/// during a login, and a signal only prolongs its wait. So the socket that it has opened since the watch
-/// began is shut down, as if the server had closed it. Logins must be serialised, or it could be another
-/// login's socket.
+/// Ends a login inside db-lib when it is cancelled or its deadline has passed. db-lib calls no callback
+/// during a login, and a signal only prolongs its wait. Therefore the watch shuts down the socket that db-lib
+/// has opened since the watch began, as if the server had closed it. Logins must be serialised, or the socket
+/// could belong to another login.
 class MSSQLLoginWatch
 {
 public:
-    /// `port` is the one that db-lib connects to. `giveUp` is called once, on the watch's thread, when db-lib
-    /// does not return although its socket is gone: it never may, and other logins need not wait for it. The
-    /// cancellation must outlive the watch.
+    /// `port` is the port that db-lib connects to. `giveUp` is called once, on the watch's thread, if db-lib
+    /// does not return although its socket is shut down: it may never return, and other logins need not wait
+    /// for it. The cancellation must outlive the watch.
     MSSQLLoginWatch(const MSSQLCancellation &cancellation, quint16 port, std::function<void()> giveUp);
-    /// The login is over.
+    /// Ends the watch after the login.
     ~MSSQLLoginWatch();
     MSSQLLoginWatch(const MSSQLLoginWatch &) = delete;
     MSSQLLoginWatch &operator=(const MSSQLLoginWatch &) = delete;

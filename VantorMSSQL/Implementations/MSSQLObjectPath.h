@@ -3,25 +3,25 @@
 #include <QString>
 #include <QStringList>
 
-/// Names of objects as statements hold them: "schema.[table]".
+/// Object names in the syntax of statements: "schema.[table]".
 namespace MSSQLObjectPath {
 
-/// The name in brackets, needed or not, "]" doubled.
+/// The name in brackets, even where they are not required; "]" is doubled.
 QString bracketed(QString name);
 
-/// The parts with dots between them, each in brackets where it needs them, "]" doubled. An empty part is
-/// left out, its dot is not: "", "t" gives ".t".
+/// The parts joined by dots, each in brackets where required, "]" doubled. An empty part is left out, its dot
+/// is not: "", "t" gives ".t".
 QString quoted(const QStringList &parts);
 
-/// Whether the text is a path and nothing else, and a server reads these very parts in it. Words without
-/// brackets count when they are regular identifiers and no keywords.
+/// Whether the whole text is a path that a server parses as exactly these parts. Words without brackets must
+/// be regular identifiers and no keywords.
 bool reads(const QString &text, const QStringList &parts);
 
-/// The parts with dots between them as they are where a server reads them so, and quoted() otherwise.
+/// The parts joined by dots, without quoting if a server parses them correctly, otherwise quoted().
 QString readable(const QStringList &parts);
 
 /// The path of a table: its first and its last part. A single part may hold a schema, a dot and a name.
-/// Escaped by MSSQLClient where a server reads that rightly, and quoted() otherwise.
+/// Escaped by MSSQLClient if a server parses that correctly, otherwise quoted().
 QString ofTable(const QStringList &path);
 
 } // namespace MSSQLObjectPath

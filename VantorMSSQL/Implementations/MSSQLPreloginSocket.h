@@ -5,32 +5,32 @@
 
 #include <chrono>
 
-/// A TCP connection of our own on which PRELOGIN packets (MS-TDS 2.2.3, 2.2.6.5) are exchanged before a
-/// deadline. Blocks; used by one thread.
+/// A TCP connection for exchanging PRELOGIN packets (MS-TDS 2.2.3, 2.2.6.5) before a deadline, independent of
+/// db-lib. Blocks; used by one thread.
 class MSSQLPreloginSocket
 {
 public:
     using Clock = std::chrono::steady_clock;
     enum class State { Good, TimedOut, Cancelled, Refused, Closed, Failed };
 
-    /// `cancelDescriptor` ends every wait when it can be read; -1 for none. It must outlive the socket.
+    /// Every wait ends when `cancelDescriptor` becomes readable; -1 for none. It must outlive the socket.
     explicit MSSQLPreloginSocket(Clock::time_point deadline, int cancelDescriptor = -1);
     ~MSSQLPreloginSocket();
     MSSQLPreloginSocket(const MSSQLPreloginSocket &) = delete;
     MSSQLPreloginSocket &operator=(const MSSQLPreloginSocket &) = delete;
 
     bool connect(const QString &host, quint16 port);
-    /// Sends one packet, which may hold up to 65527 bytes of content.
+    /// Sends one packet with up to 65527 bytes of content.
     bool sendPacket(const QByteArray &content);
-    /// At most `size` bytes of the content of the server's packets; empty when there are no more.
+    /// Reads at most `size` bytes of the content of the server's packets; empty at the end.
     QByteArray readContent(qsizetype size);
-    /// The rest of the packet that was begun, or the whole next one.
+    /// Reads the rest of the current packet, or the whole next one.
     QByteArray readPacket();
 
     /// Why the last call failed.
     State state() const { return m_state; }
     bool hasTimedOut() const { return m_state == State::TimedOut || Clock::now() >= m_deadline; }
-    /// The operating system's words for a state of Failed; null otherwise.
+    /// The operating system's text for the state Failed; null otherwise.
     QString reason() const { return m_reason; }
 
 private:

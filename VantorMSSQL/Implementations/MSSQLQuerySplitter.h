@@ -2,14 +2,14 @@
 
 #include "SQL/KNQuerySplitter.h"
 
-/// Cuts T-SQL at its GO lines.
+/// Splits T-SQL at its GO lines.
 class MSSQLQuerySplitter : public KNQuerySplitter
 {
 public:
     using KNQuerySplitter::KNQuerySplitter;
 
-    /// A batch's range begins at its first text and ends before its GO line; its line number offset counts
-    /// the line feeds before that text. Unless a full split is required, only the first 10000 characters are
-    /// looked at.
+    /// A batch's range begins at its first text and ends before its GO line; its line number offset is the
+    /// number of line feeds before that text. Unless a full split is required, only the first 10000
+    /// characters are split.
     QList<KNQueryDetails> doSplitQuery(const QString &text) override;
 };

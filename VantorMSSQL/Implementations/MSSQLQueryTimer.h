@@ -7,17 +7,17 @@
 
 class MSSQLClient;
 
-/// Cancels what a client runs when it takes longer than it may. On the running thread, within the run.
+/// Cancels a client's run after a time limit. Created on the running thread, within the run.
 class MSSQLQueryTimer
 {
 public:
-    /// Zero allows any time.
+    /// Zero means no limit.
     MSSQLQueryTimer(MSSQLClient &client, std::chrono::seconds timeout);
     ~MSSQLQueryTimer();
     MSSQLQueryTimer(const MSSQLQueryTimer &) = delete;
     MSSQLQueryTimer &operator=(const MSSQLQueryTimer &) = delete;
 
-    /// Ends the waiting; whether the time was over before.
+    /// Stops the timer; true if the time limit had passed.
     bool stop();
 
 private:

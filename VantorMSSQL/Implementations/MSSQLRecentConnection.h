@@ -3,7 +3,7 @@
 #include "Recent/SQLRecentConnection.h"
 #include "Recent/SQLRecentConnectionList.h"
 
-/// A remembered SQL Server connection. The class operations keep the list of them all.
+/// A remembered SQL Server connection. The static functions maintain the list of all of them.
 class MSSQLRecentConnection : public SQLRecentConnection
 {
 public:
@@ -11,20 +11,20 @@ public:
     ~MSSQLRecentConnection() override;
 
     QString database;               ///< the initial one; may be null
-    int dumbAuthenticationType = 0; ///< the kind of authentication that was chosen in the dialog
+    int dumbAuthenticationType = 0; ///< the authentication that the user chose in the dialog
 
-    /// The list, which is loaded when it is asked for first.
+    /// The list; the first call loads it.
     static SQLRecentConnectionList &list();
-    /// Lets the list be loaded anew. For tests.
+    /// Makes the next list() load the list again. For tests.
     static void forgetList();
 
     /// The list, the latest first.
     static QList<SQLRecentConnectionPtr> RecentConnections();
-    /// As SQLRecentConnectionList::update().
+    /// Same as SQLRecentConnectionList::update().
     static void UpdateRecentConnection(const SQLRecentConnectionPtr &entry);
-    /// As SQLRecentConnectionList::remove().
+    /// Same as SQLRecentConnectionList::remove().
     static void RemoveConnection(const SQLRecentConnectionPtr &entry);
-    /// As SQLRecentConnectionList::removeAll().
+    /// Same as SQLRecentConnectionList::removeAll().
     static void removeAllRecentConnections();
 
     QString icon32() const override { return QStringLiteral("ConnectionWindow-MSSQL"); }

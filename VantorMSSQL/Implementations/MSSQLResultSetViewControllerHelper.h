@@ -2,16 +2,16 @@
 
 #include "RowEditing/ResultSetViewControllerHelper.h"
 
-/// What SQL Server's types mean to a result grid.
+/// Formats values of SQL Server's types for a result grid.
 class MSSQLResultSetViewControllerHelper : public ResultSetViewControllerHelper
 {
 public:
-    /// By db-lib's type number; the value makes no difference.
+    /// Decides by db-lib's type number; the value is ignored.
     int dataTypeForTableColumnIndex(qsizetype columnIndex, const KNValue &object) const override;
     QString typeNameForColumn(qsizetype column) const override;
-    /// Says of sql_variant how to see its values.
+    /// For sql_variant, explains how to display its values.
     QString remarkForColumn(qsizetype column) const override;
-    /// Dates by the kind of their column, in UTC to the millisecond: "2024-02-29 13:45:07:123",
+    /// Formats dates by their column's type, in UTC to the millisecond: "2024-02-29 13:45:07:123",
     /// "13:45:07:123" or "2024-02-29". The end of the day is "24:00:00:000".
     QString stringForValue(const KNValue &value, qsizetype column, bool allowTruncate) const override;
 };

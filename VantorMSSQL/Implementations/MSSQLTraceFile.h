@@ -2,17 +2,17 @@
 
 #include <QString>
 
-/// Where db-lib's protocol trace goes. db-lib writes the password of each login into it, so the trace passes
-/// through a thread that leaves the records of login settings out. One for the life of the process.
+/// Filters db-lib's protocol trace. db-lib writes the password of each login into it, so the trace passes
+/// through a thread that drops the records of login settings. One for the life of the process.
 namespace MSSQLTraceFile {
 
-/// Makes the file `path` for this user's eyes only and gives the path that db-lib is to write to instead;
-/// null when the file cannot be made.
+/// Creates the file `path`, readable by this user only, and returns the path that db-lib must write to
+/// instead; null if the file cannot be created.
 QString openFiltered(const QString &path);
 
-/// Whether a line of the trace begins a record that shows what a login was set to.
+/// Whether a line of the trace begins a record of login settings.
 bool beginsLoginSetting(const QByteArray &line);
-/// Whether a line begins a record at all; records may have several lines.
+/// Whether a line begins any record; records may have several lines.
 bool beginsRecord(const QByteArray &line);
 
 } // namespace MSSQLTraceFile

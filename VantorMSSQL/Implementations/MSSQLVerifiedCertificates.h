@@ -5,11 +5,11 @@
 struct MSSQLEncryption;
 struct MSSQLServerAddress;
 
-/// The certificates that servers have shown in a handshake of our own and that were in order, for a minute:
-/// the next login needs no such handshake. Thread-safe.
+/// Caches, for a minute, the certificates that the connector has verified in its own handshake, so that the
+/// next login needs no such handshake. Thread-safe.
 namespace MSSQLVerifiedCertificates {
 
-/// PEM; empty when none was verified under these settings within the last minute.
+/// PEM; empty if none was verified with these settings within the last minute.
 QByteArray find(const MSSQLServerAddress &server, const MSSQLEncryption &encryption);
 void remember(const MSSQLServerAddress &server, const MSSQLEncryption &encryption,
               const QByteArray &certificate);

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-/// The words of T-SQL, from the connector's resources. Sorted without regard to case; each word stands once.
+/// The words of T-SQL, from the connector's resources. Sorted without regard to case; each word occurs once.
 /// Any thread.
 namespace MSSQLWordLists {
 

@@ -13,7 +13,7 @@ class MSSQLConnectorPlugin : public QObject, public KNConnectorPlugin, public MS
     Q_INTERFACES(KNConnectorPlugin KNConnectorUserInterface)
 
 public:
-    /// Removes what killed processes have left behind.
+    /// Removes the login files of killed processes.
     MSSQLConnectorPlugin();
 
     QString name() const override;

@@ -2,7 +2,7 @@
 
 #include "Foundation/KNUserDefaults.h"
 
-/// Some statements are kept in a form that a server refuses or that changes more than it should. The user
+/// Some statements keep an old form that a server refuses or that changes more than it should. The user
 /// default "MSSQLUseCorrectedStatements" (boolean, default no) replaces them by corrected ones.
 namespace MSSQLCorrectedStatements {
 

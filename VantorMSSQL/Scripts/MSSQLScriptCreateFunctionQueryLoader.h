@@ -6,7 +6,7 @@
 class MSSQLScriptCreateFunctionQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
-    /// The function is named by schema, a dot and its name; neither holds a dot.
+    /// `function` is the schema, a dot and the name; neither may contain a dot.
     explicit MSSQLScriptCreateFunctionQueryLoader(const QString &function)
         : m_targetFunction(function)
         , m_name(function.split(QLatin1Char('.')))
@@ -20,12 +20,11 @@ public:
 
     const QString &targetFunction() const { return m_targetFunction; }
 
-    /// The script, or a comment when there is none; what fails is reported. A name without a dot is a
-    /// programming error. `report` may be null.
-    /// Blocks on the server.
+    /// The script, or a comment if there is none; errors are reported. A name without a dot is a programming
+    /// error. `report` may be null. Blocks on the server.
     static QString creationQueryForFunction(const QString &function, const VantorDBC &withConnectionDetails,
                                             KNQueryReport *report = nullptr);
-    /// The same for a function whose names may hold dots.
+    /// The same for a function whose names may contain dots.
     static QString creationQueryForFunction(const QString &function, const QString &inSchema,
                                             const VantorDBC &withConnectionDetails, KNQueryReport *report);
 

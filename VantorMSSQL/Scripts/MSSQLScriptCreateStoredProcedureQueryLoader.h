@@ -15,8 +15,8 @@ public:
     const QString &targetStoredProcedure() const { return m_targetStoredProcedure; }
     const QString &targetStoredProcedureSchema() const { return m_targetStoredProcedureSchema; }
 
-    /// The script, or a comment when there is none; what fails is reported. `report` may be null.
-    /// Blocks on the server.
+    /// The script, or a comment if there is none; errors are reported. `report` may be null. Blocks on the
+    /// server.
     static QString creationQueryForStoredProcedure(const QString &storedProcedure, const QString &inSchema,
                                                    const VantorDBC &withConnectionDetails,
                                                    KNQueryReport *report = nullptr);

@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// The CREATE script of a table, with everything that belongs to it. Names are not escaped.
+/// The CREATE script of a table with its keys, indexes, constraints and triggers. Names are not escaped.
 class MSSQLScriptCreateTableQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
@@ -16,8 +16,8 @@ public:
     void setTableName(const QString &tableName) { m_tableName = tableName; }
     const QString &targetSchema() const { return m_targetSchema; }
 
-    /// The script; null when there is no such table or it failed, which is reported. `report` may be null.
-    /// Blocks on the server.
+    /// The script; null if the table does not exist or an error occurred, which is reported. `report` may be
+    /// null. Blocks on the server.
     static QString creationQueryForTable(const QString &table, const QString &inSchema,
                                          const VantorDBC &withConnectionDetails,
                                          KNQueryReport *report = nullptr);

@@ -2,11 +2,11 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// The statement that makes an alias type. Names are taken, and written, as they are.
+/// The statement that creates an alias type. Names are used without escaping.
 class MSSQLScriptCreateTypeQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
-    /// `queryLoaderType` is the kind of the tree entry that asks; it does not change the text.
+    /// `queryLoaderType` is the kind of the requesting tree entry; it does not change the text.
     MSSQLScriptCreateTypeQueryLoader(const QString &type, const QString &inSchema, int queryLoaderType)
         : m_targetType(type)
         , m_targetSchema(inSchema)
@@ -18,8 +18,8 @@ public:
     const QString &targetSchema() const { return m_targetSchema; }
     int targetQueryLoaderType() const { return m_targetQueryLoaderType; }
 
-    /// The statement, or "Unhandled" when there is no such type; what fails is reported. `report` may
-    /// be null. Blocks on the server.
+    /// The statement, or "Unhandled" if the type does not exist; errors are reported. `report` may be null.
+    /// Blocks on the server.
     static QString creationQueryForType(const QString &type, const QString &inSchema, int queryLoaderType,
                                         const VantorDBC &withConnectionDetails,
                                         KNQueryReport *report = nullptr);

@@ -16,8 +16,7 @@ public:
     void setViewName(const QString &viewName) { m_viewName = viewName; }
     const QString &targetSchema() const { return m_targetSchema; }
 
-    /// The script; what fails stands in it as a comment. `report` may be null.
-    /// Blocks on the server.
+    /// The script; failures are written into it as comments. `report` may be null. Blocks on the server.
     static QString creationQueryForView(const QString &view, const QString &inSchema,
                                         const VantorDBC &withConnectionDetails,
                                         KNQueryReport *report = nullptr);

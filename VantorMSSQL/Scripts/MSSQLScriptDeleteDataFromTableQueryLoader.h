@@ -6,13 +6,13 @@
 #include <QList>
 #include <QStringList>
 
-/// Statements that delete rows of a table, each the one row (or one of the same rows) with all these values.
-/// Delivers on the caller's thread.
+/// Statements that delete rows of a table. Each deletes one row that has all of the given values, also if
+/// several rows are equal. Delivers on the caller's thread.
 class MSSQLScriptDeleteDataFromTableQueryLoader : public KNQueryLoader
 {
 public:
-    /// `tablePath` is the name, or schema and name. Each row of `data` has a value for each of the columns,
-    /// of which there must be one.
+    /// `tablePath` is the name, or schema and name. Each row of `data` has one value for each column; at
+    /// least one column is required.
     MSSQLScriptDeleteDataFromTableQueryLoader(const QStringList &tablePath, const QStringList &usingColumns,
                                               const QList<QList<KNValue>> &data)
         : m_tablePath(tablePath)

@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
 
-/// Drops a function, named by schema, a dot and its name as they are, and makes it anew.
+/// Drops and recreates a function, given as schema, a dot and its name. The names are not escaped.
 class MSSQLScriptDropAndCreateFunctionQueryLoader : public MSSQLScriptCreateFunctionQueryLoader
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 
-/// Drops a procedure, by its bare name, and makes it anew.
+/// Drops a procedure, by its name without the schema, and recreates it.
 class MSSQLScriptDropAndCreateStoredProcedureQueryLoader : public MSSQLScriptCreateStoredProcedureQueryLoader
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// Drops a table and makes it anew. The line that drops it names schema and table as they are.
+/// Drops and recreates a table. The DROP line contains schema and table without escaping.
 class MSSQLScriptDropAndCreateTableQueryLoader : public MSSQLScriptQueryLoader
 {
 public:

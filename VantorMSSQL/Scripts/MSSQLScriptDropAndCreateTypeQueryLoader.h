@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 
-/// Drops an alias type and makes it anew.
+/// Drops and recreates an alias type.
 class MSSQLScriptDropAndCreateTypeQueryLoader : public MSSQLScriptCreateTypeQueryLoader
 {
 public:

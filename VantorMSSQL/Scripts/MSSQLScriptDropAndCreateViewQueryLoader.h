@@ -2,7 +2,7 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// Drops a view and makes it anew.
+/// Drops and recreates a view.
 class MSSQLScriptDropAndCreateViewQueryLoader : public MSSQLScriptQueryLoader
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "QueryLoader/KNQueryLoader.h"
 
-/// The statement that drops a function, its names as they are. Delivers on the caller's thread.
+/// The statement that drops a function. Names are not escaped. Delivers on the caller's thread.
 class MSSQLScriptDropFunctionQueryLoader : public KNQueryLoader
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "QueryLoader/KNQueryLoader.h"
 
-/// The statement that drops an index, in the form of three names. Delivers on the caller's thread.
+/// The statement that drops an index, given by a three-part name. Delivers on the caller's thread.
 class MSSQLScriptDropIndexQueryLoader : public KNQueryLoader
 {
 public:

@@ -2,11 +2,11 @@
 
 #include "QueryLoader/KNQueryLoader.h"
 
-/// Drops a type, its names as they are. Delivers on the caller's thread.
+/// The statement that drops a type. Names are not escaped. Delivers on the caller's thread.
 class MSSQLScriptDropTypeQueryLoader : public KNQueryLoader
 {
 public:
-    /// `queryLoaderType` is the kind of the tree entry that asks; it does not change the text.
+    /// `queryLoaderType` is the kind of the requesting tree entry; it does not change the text.
     MSSQLScriptDropTypeQueryLoader(const QString &type, const QString &inSchema, int queryLoaderType)
         : m_targetType(type)
         , m_targetSchema(inSchema)

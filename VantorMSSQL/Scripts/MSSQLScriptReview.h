@@ -4,13 +4,13 @@
 
 struct SQLToken;
 
-/// Reads a generated script back, from its beginning on: an optional DROP, settings, and the statement that
-/// creates or alters the object. Used by one thread.
+/// Parses a generated script from its beginning: an optional DROP, settings, and the statement that creates
+/// or alters the object. Used by one thread.
 class MSSQLScriptReview
 {
 public:
-    /// All outlive the review. The first `unsafeLength` units of the script will not run; mending keeps that
-    /// number right.
+    /// All arguments outlive the review. The first `unsafeLength` units of the script must not run; mend()
+    /// adjusts that number to its changes.
     MSSQLScriptReview(const MSSQLScriptSubject &subject, QString *script, qsizetype *unsafeLength)
         : m_subject(subject)
         , m_script(*script)
@@ -18,8 +18,8 @@ public:
     {
     }
 
-    /// Replaces names that a server would not read as the subject's. False when there is a statement that no
-    /// generator writes: then the script must not run.
+    /// Replaces names that a server would not parse as the subject's. False if the script has a statement
+    /// that no generator writes: the script must not run then.
     bool mend();
 
 private:
@@ -33,5 +33,5 @@ private:
     const MSSQLScriptSubject &m_subject;
     QString &m_script;
     qsizetype &m_unsafeLength;
-    qsizetype m_position = 0; ///< how far the script has been read
+    qsizetype m_position = 0; ///< end of the parsed part
 };

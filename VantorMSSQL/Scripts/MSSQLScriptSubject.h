@@ -4,27 +4,27 @@
 
 #include <QStringList>
 
-/// The object that a script is asked for. Every caller of a generator goes through script(), which reads the
-/// generated statements back: where they do not name this object, the names are replaced by quoted ones, and
-/// a script that cannot be read is commented out with a failure in its report.
+/// The object of a script. Every caller of a generator uses script(), which parses the generated statements:
+/// names that do not refer to this object are replaced by quoted ones, and a script that cannot be parsed is
+/// commented out with a failure in its report.
 struct MSSQLScriptSubject
 {
     QString kind; ///< "TABLE", "VIEW", "PROCEDURE", "FUNCTION", "TRIGGER", "TYPE", "INDEX" or "COLUMN"
     QString schema;
     QString name;                                  ///< not quoted
-    std::shared_ptr<const VantorDBC> details = {}; ///< whose default schema counts, when it is known already
+    std::shared_ptr<const VantorDBC> details = {}; ///< its default schema is used if it is cached
     QString table = {};                            ///< of an index or a column; not quoted
 
-    /// Mends the script of a generator so that it acts on this object, and adds to its report what remains to
-    /// be said. Statements that name the object rightly keep their text, also without its schema. Asks no
-    /// server.
+    /// Corrects the script of a generator so that it acts on this object, and adds remaining problems to its
+    /// report. Statements that name the object correctly, also without its schema, are unchanged. Does not
+    /// access the server.
     void review(QString *script, KNQueryReport *report) const;
 
-    /// A sentence for each statement at the script's beginning that acts on another object: without the
-    /// schema, or of another kind. Asks no server.
+    /// One sentence for each statement at the script's beginning that acts on another object: without the
+    /// schema, or of another kind. Does not access the server.
     QStringList notices(const QString &script) const;
 
-    /// A loader of scripts of this object, reviewed.
+    /// Creates a loader of reviewed scripts of this object.
     template <typename Loader, typename... Arguments>
     std::shared_ptr<KNQueryLoader> script(Arguments &&...arguments) const
     {

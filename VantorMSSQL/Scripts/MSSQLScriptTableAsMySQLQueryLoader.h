@@ -23,8 +23,8 @@ public:
     bool shouldIncludeCreate() const { return m_shouldIncludeCreate; }
     bool shouldIncludeInserts() const { return m_shouldIncludeInserts; }
 
-    /// The script, with a comment in place of what failed, which is shown to the user and stands in `report`,
-    /// too; that may be null. Blocks on the server.
+    /// The script, with comments in place of failed parts. Failures are shown to the user and recorded in
+    /// `report`, which may be null. Blocks on the server.
     static QString creationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
                                          bool includeCreate, bool includeInserts,
                                          const VantorDBC &withConnectionDetails,

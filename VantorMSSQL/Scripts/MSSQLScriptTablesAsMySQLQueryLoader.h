@@ -6,7 +6,7 @@
 class MSSQLScriptTablesAsMySQLQueryLoader : public MSSQLScriptQueryLoader
 {
 public:
-    /// The script; what fails is shown to the user, and the first failure stands in `report`, which may be
+    /// The script. Failures are shown to the user, and the first one is recorded in `report`, which may be
     /// null. Blocks on the server.
     QString doActualLoading(const VantorDBC &details, KNQueryReport *report = nullptr) const;
 

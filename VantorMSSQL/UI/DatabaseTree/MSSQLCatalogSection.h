@@ -4,8 +4,8 @@
 #include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
-/// An entry whose children are the rows of one catalog query. Failures are logged, and shown as one error
-/// entry where there is nothing else.
+/// An entry whose children are the rows of one catalog query. Failures are logged; if there are no other
+/// children, one error entry shows them.
 class MSSQLCatalogSection : public KNDatabaseTreeLoadingEntry
 {
 public:
@@ -14,7 +14,7 @@ public:
 protected:
     enum class Retry { Never, OnError };
 
-    /// What a section declares of its load.
+    /// The description of a section's load.
     struct Load
     {
         const char *errorDomain;
@@ -24,13 +24,13 @@ protected:
 
     explicit MSSQLCatalogSection(const Load &load);
 
-    /// The query, with its placeholders filled. On the background thread, as all below.
+    /// The query, with its placeholders filled. Called on the background thread, as all functions below.
     virtual QString catalogQuery() = 0;
     /// The child for the current row; null for none.
     virtual Ptr entryForRow(const DatabaseResultSet &) { return nullptr; }
-    /// Makes the children, by default one for each row; called again when the query had to be repeated.
+    /// Creates the children, by default one for each row. Called again if the query was repeated.
     virtual void readRows(DatabaseResultSet &rows, List *entries);
-    /// The rows are read. What fails here is logged, and the entries are shown all the same.
+    /// Called after the rows were read. An error is logged, and the entries are shown nevertheless.
     virtual void didReadRows(const List &, KNError *) {}
 
     std::optional<List> loadEntries(KNError *error) override;

@@ -4,8 +4,8 @@
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "UI/Workspace/KNWorkspace.h"
 
-/// Adds the actions of SQL Server's object tree to the helper of a window's tree. Each family of actions has
-/// a source of its own, MSSQLDatabaseTreeContextHelper<Family>. On the UI thread.
+/// Adds the actions of SQL Server's object tree to the helper of a window's tree. Each group of actions has
+/// its own source, MSSQLDatabaseTreeContextHelper<Group>. On the UI thread.
 class MSSQLDatabaseTreeContextHelper
 {
 public:
@@ -16,14 +16,14 @@ public:
     {
     }
 
-    /// Adds the actions of all families.
+    /// Adds the actions of all groups.
     void addActions();
 
-    /// Adds an action that does nothing once the workspace is gone.
+    /// Adds an action that does nothing if the workspace has been deleted.
     using Action = std::function<void(KNWorkspace &workspace, const KNMenuRepresentedObject &object)>;
     void addAction(const QString &name, Action action);
 
-    /// Adds an action on an entry of one class: the one that the menu item represents, or else the selected
+    /// Adds an action on an entry of one class: the entry that the menu item represents, or else the selected
     /// one. It does nothing for entries of other classes.
     template <typename Entry>
     void

@@ -4,16 +4,16 @@
 #include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
 #include "Implementations/MSSQLObjectPath.h"
 
-/// A user database. Its sections are made without asking the server. It keeps the objects that the search
-/// finds in it.
+/// A user database. Its sections are created without a query. It stores the searchable objects of the
+/// database.
 class MSSQLDatabaseTreeEntryDatabase : public KNDatabaseTreeLoadingEntry
 {
 public:
     MSSQLDatabaseTreeEntryDatabase();
-    /// A search copy, which keeps these children.
+    /// A copy for search results with these children.
     explicit MSSQLDatabaseTreeEntryDatabase(List searchResults);
 
-    /// The name; for a member of a federation that of the connection's database.
+    /// The name; for a federation member that of the connection's database.
     QString databaseName() const { return m_databaseName; }
     void setDatabaseName(const QString &databaseName) { m_databaseName = databaseName; }
 
@@ -21,7 +21,7 @@ public:
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
 
-    /// The objects that copyWithSearchResults() looks through; always returns true. Both on the UI thread.
+    /// Sets the objects that copyWithSearchResults() searches; always returns true. Both on the UI thread.
     bool updateSearchResults(const KNDatabaseSearchResults &results);
     Ptr copyWithSearchResults(const QString &text) override;
 

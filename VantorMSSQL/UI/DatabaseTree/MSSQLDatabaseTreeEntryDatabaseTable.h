@@ -17,7 +17,7 @@ public:
     void setIsView(bool isView) { m_isView = isView; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Table"); }
-    /// The display name, its parts in brackets where a server would read them otherwise.
+    /// The display name, with its parts in brackets where a server requires them.
     QString dragDropString() const override;
     std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const override;
     void onDoubleClicked() override { cmdDown(); }

@@ -2,7 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 
-/// A federation of an Azure database; its name is what is shown.
+/// A federation of an Azure database, displayed by its name.
 class MSSQLDatabaseTreeEntryFederation : public KNDatabaseTreeEntry
 {
 public:

@@ -3,7 +3,7 @@
 #include "Catalog/MSSQLKeyRecord.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The primary, unique and foreign keys of a table, as plain leaves.
+/// The primary, unique and foreign keys of a table. Its entries have no children.
 class MSSQLDatabaseTreeEntrySectionTableKeys : public MSSQLRecordSection<MSSQLKeyRecord>
 {
 public:

@@ -8,15 +8,15 @@
 class MSSQLDatabaseTreeEntryDatabase;
 
 /// The root of the tree of one SQL Server: its databases, then the agent. Its details are the server's
-/// version. After every load, and when the application has made or dropped a table, the databases are
-/// supplied with what the search finds in them.
+/// version. After every load, and after the application has created or dropped a table, it loads the
+/// searchable objects of the databases.
 class MSSQLDatabaseTreeEntryServer : public DatabaseTreeEntryServerRoot
 {
 public:
-    /// A root that listens to notifications.
+    /// Creates a root that observes notifications.
     static std::shared_ptr<MSSQLDatabaseTreeEntryServer> create();
     MSSQLDatabaseTreeEntryServer();
-    /// A search copy, which keeps these children.
+    /// A copy for search results with these children.
     explicit MSSQLDatabaseTreeEntryServer(List searchResults);
 
     /// Null is a programming error.
@@ -44,11 +44,11 @@ private:
     Ptr databaseForRow(const DatabaseResultSet &row, const QString &name);
     Ptr loadAgent(VantorDatabaseClient &client, KNError *error);
 
-    /// What came of a search feed.
+    /// The result of one load of searchable objects.
     struct SearchFeed
     {
         quint64 number = 0; ///< counted from 1
-        Children entries;   ///< that it supplied
+        Children entries;   ///< entries that received their objects
         bool isSearched = true;
         KNError error;
     };
@@ -64,10 +64,10 @@ private:
         QString version;
         QStringList databaseNames;
     };
-    Loaded m_loaded; ///< what a load leaves for willFinishLoading()
+    Loaded m_loaded; ///< set by a load, taken by willFinishLoading()
     mutable std::mutex m_namesMutex;
     QStringList m_internalDatabaseNames; ///< guarded by m_namesMutex
-    KNSemaphore m_searchLoadSemaphore;   ///< held by the search feed that is running
+    KNSemaphore m_searchLoadSemaphore;   ///< held while a search feed runs
     mutable std::mutex m_searchFeedMutex;
     SearchFeed m_lastSearchFeed; ///< guarded by m_searchFeedMutex
     KNNotificationCenter::Token m_tableAdded;

@@ -2,23 +2,23 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 
-/// How the tables of a database are ordered once one was added by the application: those of the default
-/// schema, then the other schemas without regard to case; inside a schema by name, with regard to it. Schemas
-/// that differ in case only are one. Entries that are no tables come first.
+/// The order of a database's tables after the application has added one: those of the default schema, then
+/// other schemas without regard to case; within a schema by name, case-sensitively. Schemas that differ in
+/// case only are equal. Entries that are no tables come first.
 class MSSQLTableOrder
 {
 public:
     using List = KNDatabaseTreeEntry::List;
 
-    /// `defaultSchema` may be null or empty: then none is preferred.
+    /// `defaultSchema` may be null or empty: no schema is preferred then.
     explicit MSSQLTableOrder(QString defaultSchema)
         : m_defaultSchema(std::move(defaultSchema))
     {
     }
 
-    /// Compares the names of schemas a few times for each schema, not for each table.
+    /// Compares schema names a few times for each schema, not for each table.
     List sorted(const List &entries) const;
-    /// A list that came from here with one more entry at its place, found by halving.
+    /// Inserts an entry into a list that sorted() or inserted() returned, by binary search.
     List inserted(const List &sortedEntries, const KNDatabaseTreeEntry::Ptr &entry) const;
 
 private:

@@ -7,7 +7,7 @@
 class MSSQLDatabaseTreeEntryAgentJob : public KNDatabaseTreeEntry
 {
 public:
-    /// The identifier as the catalog gives it; the name may be null.
+    /// The identifier as the catalog returns it; the name may be null.
     MSSQLDatabaseTreeEntryAgentJob(const KNValue &jobId, const QString &jobName);
 
     const KNValue &jobId() const { return m_jobId; }

@@ -3,7 +3,7 @@
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "Implementations/MSSQLObjectPath.h"
 
-/// A column of a table or a view; its name is also what is shown.
+/// A column of a table or a view, displayed by its name.
 class MSSQLDatabaseTreeEntryDatabaseTableColumn : public KNDatabaseTreeEntry
 {
 public:

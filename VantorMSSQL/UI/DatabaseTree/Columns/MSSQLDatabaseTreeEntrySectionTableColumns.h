@@ -10,7 +10,7 @@ public:
     MSSQLDatabaseTreeEntrySectionTableColumns(const QString &schema, const QString &tableName);
 
     QString displayName() const override { return QStringLiteral("Columns"); }
-    /// The names of all columns, as a list for a statement.
+    /// The names of all columns, as a list for use in a statement.
     QString dragDropString() const override;
     void removeChild(const Ptr &child) override;
     KNMenu menu() override;

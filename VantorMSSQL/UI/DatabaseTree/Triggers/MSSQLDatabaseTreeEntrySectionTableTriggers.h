@@ -3,7 +3,7 @@
 #include "Catalog/MSSQLTriggerEntry.h"
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The triggers of a table or a view, with their texts.
+/// The triggers of a table or a view, with their definitions.
 class MSSQLDatabaseTreeEntrySectionTableTriggers : public MSSQLRecordSection<MSSQLTriggerEntry>
 {
 public:

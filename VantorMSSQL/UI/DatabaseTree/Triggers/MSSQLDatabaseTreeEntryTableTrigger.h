@@ -4,7 +4,7 @@
 #include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryLoader.h"
 
-/// A trigger. Its scripts are derived from its text.
+/// A trigger. Its scripts are derived from its definition.
 class MSSQLDatabaseTreeEntryTableTrigger : public KNDatabaseTreeEntry
 {
 public:
@@ -13,7 +13,7 @@ public:
     QString schema() const { return m_schema; }
     QString triggerName() const { return m_triggerName; }
 
-    /// The text that creates the trigger. Setting it without a name is a programming error.
+    /// The text that creates the trigger. Setting it before the name is a programming error.
     QString triggerSQL() const { return m_triggerSQL; }
     void setTriggerSQL(const QString &triggerSQL);
     QString alterTriggerSQL() const { return m_alterTriggerSQL; }
@@ -28,7 +28,8 @@ private:
     KNMenuItem createScriptAsMenu() const;
     KNQueryLoaderPtr script(const QString &text, const KNQueryReport &report) const;
     KNQueryLoaderPtr alterScript() const;
-    /// A failure when the text is no definition; then the first `drop` units of a script must not run.
+    /// Reports a failure if the text is no valid definition; the first `drop` units of a script must not run
+    /// then.
     KNQueryReport definitionReport(qsizetype drop = 0) const;
 
     const QString m_schema;

@@ -2,7 +2,7 @@
 
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The views of a database. They are shown with their schema, unless all of them are in the current one.
+/// The views of a database, shown with their schema unless all of them are in the current one.
 class MSSQLDatabaseTreeEntrySectionViews : public MSSQLCatalogSection
 {
 public:

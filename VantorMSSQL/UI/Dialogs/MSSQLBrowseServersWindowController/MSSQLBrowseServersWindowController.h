@@ -11,8 +11,8 @@ class QLabel;
 class QPushButton;
 class QTableWidget;
 
-/// Shows the instances of SQL Server that answer on the local network, while it searches for them. Ends with
-/// 1 when the user has chosen one, 0 otherwise.
+/// Searches the local network for instances of SQL Server and lists them. The result code is 1 if the user
+/// chose one, otherwise 0.
 class MSSQLBrowseServersWindowController : public KNWindowController
 {
     Q_OBJECT
@@ -21,9 +21,9 @@ public:
     explicit MSSQLBrowseServersWindowController(QWidget *parent);
     ~MSSQLBrowseServersWindowController() override;
 
-    /// What names the chosen instance in a connection's settings; null when none is chosen.
+    /// The server text of the chosen instance for a connection's settings; null if none is chosen.
     QString currentConnectionString() const;
-    /// What a column shows of an entry: "Host", "Instance", "Version" or "Port" in any letter case; empty for
+    /// The text of an entry's column: "Host", "Instance", "Version" or "Port" in any letter case; empty for
     /// other columns.
     static QString textForColumn(const MSSQLBrowserServiceClientEntry &entry, const QString &identifier);
 

@@ -29,7 +29,7 @@ public:
     KNProgressMark *const databaseProgress;
     QPushButton *const sshTunnel;
     QPushButton *const sessionOptions;
-    QLabel *const state; ///< where connections are kept, and what is wrong with that
+    QLabel *const state; ///< shows where connections are stored, and storage errors
 
 private:
     void layOut();

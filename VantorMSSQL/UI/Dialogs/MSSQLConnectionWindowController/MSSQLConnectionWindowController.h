@@ -11,8 +11,8 @@ class MSSQLConnectionForm;
 class QLabel;
 class QPushButton;
 
-/// Edits, tests and remembers one SQL Server connection. What takes time runs in the background; what comes
-/// back after the dialog has ended has no effect.
+/// Edits, tests and remembers one SQL Server connection. Slow operations run in the background; results that
+/// arrive after the dialog has closed are ignored.
 class MSSQLConnectionWindowController : public ConnectionWindowController
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     explicit MSSQLConnectionWindowController(QWidget *parent);
     ~MSSQLConnectionWindowController() override;
 
-    /// The settings as the fields are now.
+    /// The settings from the current content of the fields.
     std::shared_ptr<MSSQLDatabaseConnectionDetails> connectionDetailsForCurrentState() const;
 
     /// \name Actions of the buttons

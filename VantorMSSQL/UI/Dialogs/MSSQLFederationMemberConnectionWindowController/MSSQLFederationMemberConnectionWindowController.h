@@ -6,8 +6,8 @@
 class QLineEdit;
 class QPushButton;
 
-/// Points a connection at one member of a federated database. Ends with 1 when a connection to it could be
-/// made; the settings hold the member then. Ends with 0 otherwise.
+/// Connects to one member of a federated database. The result code is 1 if the connection succeeded; the
+/// settings contain the member then. Otherwise it is 0.
 class MSSQLFederationMemberConnectionWindowController : public KNWindowController
 {
     Q_OBJECT
@@ -15,11 +15,11 @@ class MSSQLFederationMemberConnectionWindowController : public KNWindowControlle
 public:
     using Details = std::shared_ptr<MSSQLDatabaseConnectionDetails>;
 
-    /// Takes a copy. `distributionType` is shown only.
+    /// Copies the settings. `distributionType` is only displayed.
     MSSQLFederationMemberConnectionWindowController(const MSSQLDatabaseConnectionDetails &details,
                                                     const QString &distributionType, QWidget *parent);
 
-    /// As they were connected with last.
+    /// The settings of the last connection.
     Details databaseConnectionDetails() const { return m_details; }
     void onAccept();
 

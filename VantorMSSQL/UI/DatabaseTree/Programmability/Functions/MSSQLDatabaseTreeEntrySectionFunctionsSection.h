@@ -2,11 +2,11 @@
 
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The functions of one kind, always with their schema.
+/// The functions of one kind, always shown with their schema.
 class MSSQLDatabaseTreeEntrySectionFunctionsSection : public MSSQLCatalogSection
 {
 public:
-    /// 0 table-valued, 1 scalar-valued, 2 aggregate functions; others stand for all.
+    /// 0 table-valued, 1 scalar-valued, 2 aggregate functions; any other number means all.
     explicit MSSQLDatabaseTreeEntrySectionFunctionsSection(int functionType);
 
     int functionType() const { return m_functionType; }

@@ -2,7 +2,7 @@
 
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The stored procedures of a database, always with their schema.
+/// The stored procedures of a database, always shown with their schema.
 class MSSQLDatabaseTreeEntrySectionStoredProcedures : public MSSQLCatalogSection
 {
 public:

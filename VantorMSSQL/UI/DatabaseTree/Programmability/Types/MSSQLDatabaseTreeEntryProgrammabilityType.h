@@ -6,7 +6,7 @@
 class MSSQLDatabaseTreeEntryProgrammabilityType : public KNDatabaseTreeEntry
 {
 public:
-    /// Names are not escaped; the kind is that of the section.
+    /// Names are not escaped; `typeType` is the section's kind.
     MSSQLDatabaseTreeEntryProgrammabilityType(const QString &displayName, const QString &schema,
                                               const QString &typeName, int typeType);
 

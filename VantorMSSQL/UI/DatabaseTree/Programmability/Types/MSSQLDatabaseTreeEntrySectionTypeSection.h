@@ -2,11 +2,11 @@
 
 #include "UI/DatabaseTree/MSSQLCatalogSection.h"
 
-/// The user-defined types of one kind, always with their schema.
+/// The user-defined types of one kind, always shown with their schema.
 class MSSQLDatabaseTreeEntrySectionTypeSection : public MSSQLCatalogSection
 {
 public:
-    /// 0 data types, 1 table types, 2 all; others are named as data types and stand for all.
+    /// 0 data types, 1 table types, 2 all; any other number means all and is displayed as data types.
     explicit MSSQLDatabaseTreeEntrySectionTypeSection(int typeType);
 
     int typeType() const { return m_typeType; }
