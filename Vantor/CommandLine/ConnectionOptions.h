@@ -8,7 +8,7 @@
 
 class QCommandLineParser;
 
-/// How a command reaches its server.
+/// The options with which a command connects to its server.
 struct ConnectionOptions
 {
     bool useSampleServer = false;
@@ -22,9 +22,9 @@ struct ConnectionOptions
     bool namesServer() const { return useSampleServer || !server.isEmpty(); }
 
     static void addTo(QCommandLineParser &parser);
-    /// Reads what was parsed; empty, with an error that says what is wrong, when it does not fit together.
-    /// Whether a server is named at all is left to the caller.
+    /// Reads the parsed arguments; nullopt, with an error, if they are invalid or contradictory. The caller
+    /// checks whether a server is given.
     static std::optional<ConnectionOptions> from(const QCommandLineParser &parser, KNError *error);
-    /// What a command's help says about passwords and exit statuses.
+    /// The part of a command's help about passwords and exit statuses.
     static QString helpText();
 };

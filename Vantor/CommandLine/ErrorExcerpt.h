@@ -4,6 +4,6 @@
 
 #include <QString>
 
-/// The line of a text with the word that a failed batch complains about, marked below by carets and headed by
-/// its number. Null when the error marks no word.
+/// Returns the line of a text with the word that a failed batch complains about, preceded by the line number
+/// and underlined with carets. Null if the error marks no word.
 QString errorExcerpt(const QString &text, const KNError &error);

@@ -8,7 +8,7 @@
 namespace FormatOption {
 
 QCommandLineOption option();
-/// The format's name, "table" by default; null with an error for another one.
+/// The format's name, "table" by default; null, with an error, for an unknown one.
 QString from(const QCommandLineParser &parser, KNError *error);
 
 } // namespace FormatOption

@@ -4,18 +4,19 @@
 #include <mutex>
 #include <thread>
 
-/// Turns Ctrl-C (SIGINT) into a call. One at a time in a program.
+/// Calls a function on Ctrl-C (SIGINT). One at a time in a program.
 class InterruptWatcher
 {
 public:
-    /// The program ends with `exitStatus` at once when there is no target and at the second Ctrl-C, and two
-    /// seconds after the first one whatever it waits for.
+    /// The program exits with `exitStatus`: at once if no target is set or on the second Ctrl-C, otherwise
+    /// two seconds after the first one, even if it is still waiting.
     explicit InterruptWatcher(int exitStatus);
     ~InterruptWatcher();
     InterruptWatcher(const InterruptWatcher &) = delete;
     InterruptWatcher &operator=(const InterruptWatcher &) = delete;
 
-    /// What to call, on a thread of its own; nothing ends it, and waits for a call that is under way.
+    /// Sets the function to call, on a separate thread; null removes it and waits until a running call has
+    /// returned.
     void setTarget(std::function<void()> target);
 
 private:

@@ -8,14 +8,14 @@
 /// The scripts that the menu of an entry offers.
 namespace MenuScripts {
 
-/// The titles that find() knows in this menu, in their order.
+/// The titles that find() accepts for this menu, in the menu's order.
 QStringList titles(const KNMenu &menu);
 
-/// The script with this title, in any case: that of the item itself, or the one that the items of its submenu
-/// send to different places. Null when there is none.
+/// Returns the script with this title, in any letter case: that of the item itself, or the one that the items
+/// of its submenu send to different destinations. Null if there is none.
 KNQueryLoaderPtr find(const KNMenu &menu, const QString &title);
 
-/// Runs a script and waits for its text, which is null when it failed. On the main thread.
+/// Runs a script and waits for its text; null if it failed. On the main thread.
 QString textOf(const KNQueryLoaderPtr &script, const VantorDBC &settings);
 
 } // namespace MenuScripts

@@ -8,23 +8,23 @@
 #include <atomic>
 #include <vector>
 
-/// Writes the results of a run while they arrive, and takes them out of the holder: memory does not grow with
-/// rows or results. Messages and errors go to standard error.
+/// Writes the results of a run while they arrive, and removes them from the holder, so that memory does not
+/// grow with rows or results. Messages and errors go to standard error.
 class QueryPrinter
 {
 public:
-    /// Rows that the run may be ahead of the printer.
+    /// Maximum number of rows that the run may be ahead of the printer.
     static constexpr qsizetype ReadAhead = 20'000;
-    /// Results that the run may be ahead of the printer.
+    /// Maximum number of results that the run may be ahead of the printer.
     static constexpr qsizetype ResultReadAhead = 5'000;
 
-    /// `withSummaries` shows what each statement gave.
+    /// `withSummaries` also prints a summary of each statement.
     QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries);
 
-    /// Prints until `done` is true and nothing is left; false as soon as the output cannot be written or
-    /// stop() was called.
+    /// Prints until `done` is true and all results are printed; false as soon as the output cannot be written
+    /// or stop() was called.
     bool printUntil(const std::atomic<bool> &done);
-    /// Prints what came last and ends the output.
+    /// Prints the remaining results and ends the output.
     void printRest();
 
     /// Ends printUntil() soon. Any thread.
@@ -48,10 +48,10 @@ private:
     const bool m_withSummaries;
     const bool m_showsProgress; ///< while rows are written
     Terminal::Spinner m_spinner;
-    std::vector<KNRowCell> m_cells; ///< of the row that is written
+    std::vector<KNRowCell> m_cells; ///< of the current row
     std::atomic<bool> m_isStopped = false;
     QList<KNDatabaseResultSetPtr> m_awaitingMessages; ///< messages may come until the run has ended
     bool m_hadErrors = false;
-    bool m_isSilent = true; ///< so far the run had nothing but statements that succeeded
+    bool m_isSilent = true; ///< the run has had only successful statements so far
     KNDisplayMessage m_silentSummary;
 };

@@ -9,10 +9,10 @@
 class ServerConnection
 {
 public:
-    /// Starts the sample server if it is that one, and completes the settings: asks for the password where
-    /// there is none. ExitSuccess, or a status with an error.
+    /// Starts the sample server if the options name it, and completes the settings: prompts for a missing
+    /// password. Returns ExitSuccess, or another status with an error.
     ExitStatus prepare(const ConnectionOptions &options, const VantorDBCPtr &settings, KNError *error);
-    /// Connects with the settings. ExitSuccess, or a status with an error.
+    /// Connects with the settings. Returns ExitSuccess, or another status with an error.
     ExitStatus connect(KNError *error);
 
     VantorDatabaseClient &client() { return *m_client; }
@@ -20,5 +20,5 @@ public:
 private:
     SampleServerProcess m_sampleServer;
     VantorDBCPtr m_settings;
-    std::unique_ptr<VantorDatabaseClient> m_client; ///< once connected
+    std::unique_ptr<VantorDatabaseClient> m_client; ///< null until connected
 };

@@ -2,16 +2,16 @@
 
 #include <QIODevice>
 
-/// Standard output as a device that never blocks for ever: a write that waits for the reader of a pipe or for
-/// a terminal ends when abandon() is called. On a terminal, characters that would control it are escaped.
-/// One in a program; one thread writes.
+/// Standard output as a device whose writes can be aborted: a write that waits for the reader of a pipe or
+/// for a terminal ends when abandon() is called. On a terminal, control characters are escaped. One in a
+/// program; one thread writes.
 class StandardOutput : public QIODevice
 {
 public:
     StandardOutput();
     ~StandardOutput() override;
 
-    /// Lets writes fail as soon as they would have to wait. Any thread.
+    /// Makes writes fail instead of waiting. Any thread.
     void abandon();
 
     bool isSequential() const override { return true; }

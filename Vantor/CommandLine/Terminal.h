@@ -8,7 +8,7 @@
 #include <chrono>
 #include <optional>
 
-/// What the terminal program needs of a terminal.
+/// Input from and output to a terminal.
 namespace Terminal {
 
 enum class Colour { None, Red, Yellow, Grey };
@@ -17,18 +17,18 @@ bool isOutputTerminal();
 bool isErrorTerminal();
 /// Writes a line to standard output, escaped.
 void printLine(const QString &line);
-/// Writes text that programs read (JSON, scripts) to standard output, escaped when that is a terminal.
+/// Writes machine-readable text (JSON, scripts) to standard output, escaped if that is a terminal.
 void printText(const QByteArray &utf8);
-/// Writes a line to standard error, escaped, in a colour when that is a terminal (and NO_COLOR is not set).
+/// Writes a line to standard error, escaped; in a colour if that is a terminal (and NO_COLOR is not set).
 void printError(const QString &line, Colour colour = Colour::None);
 /// Writes a line to standard error, in red, and returns the status.
 int fail(ExitStatus status, const QString &line);
-/// Asks for a text on the controlling terminal without echo; empty when there is none. A signal that ends or
-/// stops the program meanwhile does so with the echo on; Ctrl-C ends it with ExitCancelled.
+/// Prompts for a text on the controlling terminal without echo; nullopt if there is none. If a signal ends or
+/// stops the program during the prompt, the echo is restored first; Ctrl-C exits with ExitCancelled.
 std::optional<QString> promptWithoutEcho(const QString &prompt);
 
-/// A turning sign with rows and seconds on standard error, while it is a terminal and results are not shown
-/// on it.
+/// A progress indicator with rows and seconds on standard error, shown if that is a terminal and results are
+/// not printed to it.
 class Spinner
 {
 public:
@@ -37,7 +37,7 @@ public:
     {
     }
     ~Spinner() { clear(); }
-    /// Draws the next picture if the last one is older than a tenth of a second.
+    /// Draws the next frame if the last one is older than a tenth of a second.
     void tick(qint64 rows);
     void clear();
 

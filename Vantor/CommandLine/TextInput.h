@@ -6,6 +6,6 @@
 
 #include <optional>
 
-/// The text of a file; "-" and null are standard input. UTF-8, or UTF-16 with or without a byte-order mark.
-/// Never null; empty, with an error, when it cannot be read or is no text.
+/// Reads the text of a file; "-" and null mean standard input. UTF-8, or UTF-16 with or without a byte-order
+/// mark. The text is never null; nullopt, with an error, if the file cannot be read or is not text.
 std::optional<QString> readTextInput(const QString &file, KNError *error);

@@ -3,7 +3,8 @@
 #include "CommandLine/InterruptWatcher.h"
 #include "Database/VantorDatabaseClient.h"
 
-/// Runs the batches of a text on a thread of its own while this one writes what arrives to standard output,
-/// in a format of ResultFormat, and messages and errors to standard error. Returns the exit status.
+/// Runs the batches of a text on a separate thread while the calling thread writes arriving results to
+/// standard output, in a format of ResultFormat, and messages and errors to standard error. Returns the exit
+/// status.
 int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
             InterruptWatcher &interrupts);

@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
-/// Loads the object tree of a connection step by step, on the main thread, which waits. At its end all work
-/// that the tree has begun is over.
+/// Loads the object tree of a connection step by step, on the main thread, which waits. The destructor waits
+/// until all work that the tree has started is finished.
 class TreeLoader
 {
 public:
@@ -18,17 +18,17 @@ public:
 
     const std::shared_ptr<DatabaseTreeEntryServerRoot> &root() const { return m_root; }
 
-    /// The children, loaded if they were not; none for an entry that has none.
+    /// The children, loaded first if necessary; empty for an entry without children.
     KNDatabaseTreeEntry::List children(const Entry &entry);
-    /// The entry that these names lead to from `entry`; null with an error when there is none.
+    /// The entry at the path `names` below `entry`; null, with an error, if there is none.
     Entry find(Entry entry, const QStringList &names, KNError *error);
-    /// A copy of the tree with what matches the text; null when nothing does. An error when not everything
-    /// could be searched.
+    /// A copy of the tree with the entries that match the text; null if there are none. An error if not
+    /// everything could be searched.
     Entry search(const QString &text, KNError *error);
 
 private:
     class Waker;
 
-    const std::shared_ptr<Waker> m_waker; ///< ends the wait for a load
+    const std::shared_ptr<Waker> m_waker; ///< wakes the wait for a load
     const std::shared_ptr<DatabaseTreeEntryServerRoot> m_root;
 };

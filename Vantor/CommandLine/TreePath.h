@@ -7,14 +7,14 @@
 
 #include <optional>
 
-/// Ways through the object tree as the command line writes them: display names with slashes between them.
-/// Inside of a name \/ stands for a slash, \\ for a backslash, and \n, \r and \t for what they always do.
+/// Paths in the object tree as the command line writes them: display names separated by slashes. In a name \/
+/// stands for a slash, \\ for a backslash, and \n, \r and \t have their usual meaning.
 namespace TreePath {
 
-/// The names of a path; none for an empty one. Slashes at both ends mean nothing. Empty, with an error, for a
-/// backslash before anything else.
+/// Splits a path into names; an empty path has none. Slashes at both ends are ignored. nullopt, with an
+/// error, for a backslash before any other character.
 std::optional<QStringList> names(const QString &path, KNError *error);
-/// A name as names() reads it.
+/// Escapes a name for names().
 QString escaped(const QString &name);
 
 } // namespace TreePath

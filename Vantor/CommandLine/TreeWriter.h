@@ -4,13 +4,13 @@
 
 #include <QJsonObject>
 
-/// Writes entries of a tree and what is below them to standard output, loading as it goes.
+/// Writes entries of a tree and their descendants to standard output, and loads them when needed.
 class TreeWriter
 {
 public:
     struct Options
     {
-        int depth = 1; ///< how many levels below the entry
+        int depth = 1; ///< number of levels below the entry
         bool showDetails = false;
         bool asJson = false;
     };
@@ -22,7 +22,7 @@ public:
     }
 
     void write(const TreeLoader::Entry &entry);
-    /// Whether an error stood in the place of some children.
+    /// Whether an error entry was written instead of some children.
     bool hadErrors() const { return m_hadErrors; }
 
 private:

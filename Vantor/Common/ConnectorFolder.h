@@ -5,12 +5,12 @@
 
 class KNConnectorPlugin;
 
-/// Where the programs find their connectors: in "connectors" beside the program, as a build lays them, or
-/// where they are installed.
+/// Finds the programs' connectors: in the folder "connectors" beside the program, as in a build tree, or in
+/// the installation folder.
 namespace ConnectorFolder {
 
-/// The first connector that can be used; null when there is none. `problems` tells of the others, for the
-/// user.
+/// Loads the first usable connector; null if there is none. `problems` receives texts for the user about the
+/// others.
 KNConnectorPlugin *loadConnector(QStringList *problems);
 
 } // namespace ConnectorFolder

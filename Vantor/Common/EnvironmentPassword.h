@@ -4,7 +4,7 @@
 
 #include <optional>
 
-/// Returns the password in the environment variable VANTOR_PASSWORD, and removes it: child processes do not
-/// inherit it, and /proc/PID/environ no longer shows it. Empty when the variable is not set, also at the
-/// second call. Call it before other threads or child processes start.
+/// Returns the password in the environment variable VANTOR_PASSWORD, and removes the variable: child
+/// processes do not inherit it, and /proc/PID/environ no longer shows it. nullopt if the variable is not set,
+/// also on the second call. Call it before other threads or child processes start.
 std::optional<QString> TakeEnvironmentPassword();

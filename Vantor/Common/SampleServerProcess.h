@@ -6,8 +6,7 @@
 
 #include <sys/types.h>
 
-/// A private sample server for this program: a child process on a free loopback port, with a password of its
-/// own.
+/// A private sample server for this program: a child process on a free loopback port, with its own password.
 class SampleServerProcess
 {
 public:
@@ -17,12 +16,12 @@ public:
     SampleServerProcess(const SampleServerProcess &) = delete;
     SampleServerProcess &operator=(const SampleServerProcess &) = delete;
 
-    /// Starts the program "vantor-sample-server" that stands beside this one. On a thread that lives as long
-    /// as this program: the server ends with it.
+    /// Starts the program "vantor-sample-server" from this program's folder. Call it on a thread that lives
+    /// as long as this program: the server ends with that thread.
     bool launch(KNError *error);
-    /// Waits until the server that was launched is ready (10 s at most). Any thread.
+    /// Waits until the launched server is ready (10 s at most). Any thread.
     bool waitUntilReady(KNError *error);
-    /// Both.
+    /// Calls launch() and waitUntilReady().
     bool start(KNError *error) { return launch(error) && waitUntilReady(error); }
 
     /// "127.0.0.1,port"
@@ -32,7 +31,7 @@ public:
 
 private:
     pid_t m_process = -1;
-    int m_output = -1; ///< where the server says that it is ready
+    int m_output = -1; ///< the pipe on which the server reports that it is ready
     QString m_host;
     QString m_password;
 };

@@ -14,7 +14,7 @@ class KNConnectorUserInterface;
 class MainWindow;
 class StartWindow;
 
-/// The desktop program: which windows there are, and how one leads to the other.
+/// The desktop program: creates its windows and connects them.
 class Application : public QObject
 {
     Q_OBJECT
@@ -22,10 +22,11 @@ class Application : public QObject
 public:
     explicit Application(const Options &options, QObject *parent = nullptr);
 
-    /// Loads the connector and opens the first window; false when there is no connector, which is told then.
+    /// Loads the connector and opens the first window; false, after an error message, if there is no
+    /// connector.
     bool start();
 
-    /// A window on a server, in front. The files of the command line are opened in the first one.
+    /// Opens a window for a connection in the foreground. The first one opens the files of the command line.
     MainWindow *openConnection(const VantorDBC &details);
 
 public Q_SLOTS:
@@ -34,13 +35,13 @@ public Q_SLOTS:
     void showConnections();
 
 private:
-    /// Null for a connector that has none.
+    /// Null for a connector without a user interface.
     const KNConnectorUserInterface *connectorWindows() const;
     void sampleServerIsReady(const KNError &error);
 
     Options m_options;
     KNConnectorPlugin *m_connector = nullptr;
     QPointer<StartWindow> m_startWindow;
-    std::shared_ptr<SampleServerProcess> m_sampleServer; ///< null while there is none
+    std::shared_ptr<SampleServerProcess> m_sampleServer; ///< null if there is none
     bool m_isSampleServerReady = false;
 };

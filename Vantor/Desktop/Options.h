@@ -4,14 +4,14 @@
 
 #include <optional>
 
-/// What the command line of the desktop program says.
+/// The command-line options of the desktop program.
 struct Options
 {
     bool useSampleServer = false;
     bool writesTrace = false; ///< of the protocol
     QStringList files;
 
-    /// Empty when the program is to end at once, with `exitStatus`: what was asked for is printed, or what is
-    /// wrong.
+    /// nullopt if the program must exit at once, with `exitStatus`: the requested output or the error is
+    /// printed already.
     static std::optional<Options> parse(const QStringList &arguments, int *exitStatus);
 };

@@ -15,7 +15,7 @@ public:
 
     /// In the order of the tabs.
     QList<KNDocumentTab *> documents() const;
-    /// Null if there is none.
+    /// Null if no tab is open.
     KNDocumentTab *currentDocument() const;
 
     /// Inserts a document, which belongs to the tabs from now on; -1 appends it.
@@ -32,7 +32,7 @@ public:
 Q_SIGNALS:
     /// Documents were added, removed or moved.
     void documentsChanged();
-    /// Another document is in front, or the status of the one in front has changed.
+    /// Another document is current, or the status of the current one has changed.
     void currentStatusChanged();
 
 private:

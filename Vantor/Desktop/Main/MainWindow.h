@@ -23,8 +23,8 @@ class MainWindow : public QMainWindow, public KNWorkspace
     Q_OBJECT
 
 public:
-    /// Takes a copy of the settings and begins to load the tree. The connector adds its actions to the tree
-    /// and restores its documents; null for a window without either.
+    /// Copies the settings and starts to load the tree. `connector` adds its actions to the tree and restores
+    /// its documents; null for neither.
     explicit MainWindow(const VantorDBC &details, const KNConnectorUserInterface *connector = nullptr);
     ~MainWindow() override;
 
@@ -36,10 +36,11 @@ public:
     /// Null if no document is open.
     KNDocumentTab *currentDocument() const;
 
-    /// Opens a query in front; a null text leaves it empty. `details` decides in which database it begins.
+    /// Opens a query tab in the foreground; a null text leaves it empty. `details` determines its initial
+    /// database.
     QueryTab *addQueryTab(const VantorDBC &details, const QString &text = {});
-    /// Opens each file in a query; one that is open already is shown in front. Shows an error for each file
-    /// that cannot be read.
+    /// Opens each file in a query tab; activates the tab of a file that is already open. Shows an error for
+    /// each file that cannot be read.
     void openFiles(const QStringList &paths);
 
     const Settings &databaseConnectionDetails() const override { return m_details; }
@@ -64,9 +65,9 @@ public Q_SLOTS:
     void searchObjects();
 
 Q_SIGNALS:
-    /// The user wants to see the remembered connections.
+    /// The user requested the window of the remembered connections.
     void connectionsRequested();
-    /// An action wants a window with these settings.
+    /// An action requested a window with these settings.
     void connectionRequested(const VantorDBCPtr &details);
 
 protected:
@@ -88,7 +89,7 @@ private:
     void askWhetherTabsMayBeLost();
 
     const Settings m_details;
-    const KNConnectorUserInterface *const m_connector; ///< null for none
+    const KNConnectorUserInterface *const m_connector; ///< may be null
     KNDatabaseTreeViewController *const m_explorer;
     DocumentTabs *const m_tabs;
     QSplitter *const m_splitter;
@@ -98,6 +99,6 @@ private:
     TreeActions *const m_treeActions;
     MainWindowActions *m_actions = nullptr;
     int m_untitledCount = 0;
-    bool m_mayClose = false;    ///< every document has agreed
-    bool m_mayLoseTabs = false; ///< the user accepts that tabs could not be remembered
+    bool m_mayClose = false;    ///< all documents have agreed to close
+    bool m_mayLoseTabs = false; ///< the user has accepted that tabs could not be saved
 };

@@ -12,7 +12,7 @@
 class MainWindow;
 class QMenu;
 
-/// The menus and the tool bar of a window. Actions on a document work on the one in front.
+/// The menus and the tool bar of a window. Document actions apply to the current document.
 class MainWindowActions : public QObject
 {
     Q_OBJECT
@@ -20,9 +20,9 @@ class MainWindowActions : public QObject
 public:
     explicit MainWindowActions(MainWindow &window);
 
-    /// Enables the actions that are possible now.
+    /// Enables the actions that are available now.
     void update();
-    /// The action with this object name, such as "run"; null when there is none.
+    /// The action with this object name, such as "run"; null if there is none.
     QAction *action(const QString &name) const;
 
 private:
@@ -35,10 +35,10 @@ private:
     };
 
     QAction *add(QMenu *menu, const Description &description, std::function<void()> perform);
-    /// An action of the document in front, disabled while that cannot perform it.
+    /// Adds an action of the current document, disabled while that cannot perform it.
     void addForDocument(QMenu *menu, const Description &description, KNDocumentAction action);
-    /// An action on whatever has the focus, if that has this slot. Its keys are those that the widget knows
-    /// itself.
+    /// Adds an action on the focused widget, if that has this slot. Its shortcuts are those that the widget
+    /// handles itself.
     void addForFocus(QMenu *menu, const char *slot, const char *text);
     void makeFileMenu();
     void makeEditMenu();

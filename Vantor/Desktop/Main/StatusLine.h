@@ -6,8 +6,8 @@
 
 class QLabel;
 
-/// The line at the foot of the window: server and login, and of the document in front its text, database,
-/// rows, time and transaction.
+/// The status bar of the window: server and login, and the current document's text, database, rows, time and
+/// transaction.
 class StatusLine : public QStatusBar
 {
     Q_OBJECT
@@ -18,12 +18,12 @@ public:
     void setServer(const QString &server, const QString &version);
     void setLogin(const QString &login);
     void showStatus(const KNDocumentStatus &status);
-    /// No document is in front.
+    /// Clears the parts of a document when none is current.
     void clearStatus();
 
     /// "1,234 rows"
     static QString rowsText(qint64 count);
-    /// "0:01.234", and hours in front where there are any.
+    /// "0:01.234", with hours in front if there are any.
     static QString durationText(qint64 milliseconds);
 
 private:

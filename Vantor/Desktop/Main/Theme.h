@@ -7,13 +7,14 @@
 
 class QDBusVariant;
 
-/// Paints the program light or dark, as the preferences say or as the desktop does.
+/// Applies a light or dark theme, according to the preferences or the desktop's setting.
 class Theme : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Applies the preferences now and whenever they or the desktop change. Lives as long as the application.
+    /// Applies the theme now and whenever the preferences or the desktop's setting change. Lives as long as
+    /// the application.
     explicit Theme(QObject *parent);
 
     static QPalette lightPalette();

@@ -11,7 +11,7 @@ class QFontComboBox;
 class QLineEdit;
 class QSpinBox;
 
-/// The user's preferences, with those of the connector. They are saved when the dialog is accepted.
+/// The user's preferences, including those of the connector. They are saved when the dialog is accepted.
 class PreferencesDialog : public QDialog
 {
     Q_OBJECT

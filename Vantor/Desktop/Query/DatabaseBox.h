@@ -5,8 +5,8 @@
 
 #include <QComboBox>
 
-/// The databases of a server, to choose one of or to type its name. The list is read when the box is opened
-/// for the first time, in the background. On the UI thread.
+/// A box with the databases of a server; the user chooses one or types its name. The list is loaded in the
+/// background when the box is opened for the first time. On the UI thread.
 class DatabaseBox : public QComboBox
 {
     Q_OBJECT
@@ -14,15 +14,15 @@ class DatabaseBox : public QComboBox
 public:
     explicit DatabaseBox(QWidget *parent = nullptr);
 
-    /// Whose databases are offered.
+    /// Sets the connection whose databases are listed.
     void setConnectionDetails(const VantorDBC &details) { m_details = details.copy(); }
-    /// Shows where the session is; null when that is not known.
+    /// Shows the session's current database; null if that is not known.
     void showDatabase(const QString &name);
     void showPopup() override;
     bool isLoading() const { return m_isLoading; }
 
 Q_SIGNALS:
-    /// The user wants to go to another database.
+    /// The user requested another database.
     void databaseChosen(const QString &name);
     void loadFailed(const KNError &error);
     void loaded();

@@ -10,9 +10,9 @@
 
 class QTimer;
 
-/// What the server says about a run: for each result its messages and its summary. Errors are red. A click on
-/// a message, or Return, goes to its line. Long lists are put in piece by piece, so that the program stays
-/// free. On the UI thread.
+/// Shows the messages of a run: for each result its messages and its summary. Errors are red. A click on a
+/// message, or Return, goes to its line. Long lists are inserted in parts, so that the window stays
+/// responsive. On the UI thread.
 class MessagesView : public QPlainTextEdit
 {
     Q_OBJECT
@@ -20,27 +20,27 @@ class MessagesView : public QPlainTextEdit
 public:
     explicit MessagesView(QWidget *parent = nullptr);
 
-    /// Clears the view for the messages of a run, which showNewResults() shows.
+    /// Clears the view for a new run; showNewResults() shows its messages.
     void beginRun(const std::shared_ptr<KNResultSetHolder> &results);
     /// Shows the messages of results that have finished since the last call.
     void showNewResults();
-    /// The run is over; `error` is shown unless a result's messages have said it.
+    /// Ends the run; `error` is shown unless a result's messages contain it.
     void finishRun(const KNError &error);
-    /// Adds a text of the program's own.
+    /// Adds a text of the program itself.
     void addText(const QString &text, bool isError);
     void clearMessages();
 
     int errorCount() const { return m_errorCount; }
-    /// The text of the first error; null without one.
+    /// The text of the first error; null if there is none.
     QString firstError() const { return m_firstError; }
-    /// The line (from 1) of the first error that has one and is not inside of a procedure; 0 without one.
+    /// The line (from 1) of the first error that has one and is not inside a procedure; 0 if there is none.
     int firstErrorLine() const { return m_firstErrorLine; }
-    /// Whether everything that was added is shown.
+    /// Whether all added texts are shown.
     bool isComplete() const { return m_pending.empty(); }
 
 Q_SIGNALS:
     void errorCountChanged(int count);
-    /// The user wants to see a line (from 1) of the whole text.
+    /// The user requested to see a line (from 1) of the whole text.
     void lineActivated(int line);
 
 protected:
@@ -51,7 +51,7 @@ protected:
 private:
     struct Piece
     {
-        std::variant<QString, DatabaseMessage> content; ///< becomes a text when it is shown
+        std::variant<QString, DatabaseMessage> content; ///< converted to text when it is shown
         bool isError;
         int line; ///< 0 for none
     };
@@ -64,12 +64,12 @@ private:
     void activate(const QTextCursor &cursor);
 
     std::shared_ptr<KNResultSetHolder> m_results;
-    KNResultSetHolder::Position m_position = 0; ///< behind the result sets that were taken
+    KNResultSetHolder::Position m_position = 0; ///< after the last result set that was read
     QList<KNDatabaseResultSetPtr> m_awaitingMessages;
     std::deque<Piece> m_pending;
     QTimer *m_showTimer;
     int m_errorCount = 0;
-    bool m_isSilent = true; ///< so far the run had nothing but statements that succeeded
+    bool m_isSilent = true; ///< the run has had only successful statements so far
     QString m_silentSummary;
     QString m_firstError;
     int m_firstErrorLine = 0;

@@ -2,5 +2,5 @@
 
 #include "Desktop/Query/QueryRun.h"
 
-/// The batches that a request means, with ranges and lines in its whole text. Any thread.
+/// The batches that a request runs, with ranges and lines in its whole text. Any thread.
 QList<KNQueryDetails> batchesOf(const QueryRequest &request, const VantorDBC &details);

@@ -8,8 +8,7 @@
 
 class KNSQLEditor;
 
-/// The text of a query tab and the file that it belongs to: opening, saving, and what has to be asked before.
-/// On the UI thread.
+/// The text of a query tab and its file: opening, saving, and the questions before them. On the UI thread.
 class QueryDocument : public QObject
 {
     Q_OBJECT
@@ -17,25 +16,26 @@ class QueryDocument : public QObject
 public:
     explicit QueryDocument(KNSQLEditor *editor);
 
-    /// False with an error when the file cannot be read; nothing has changed then.
+    /// False, with an error and without changes, if the file cannot be read.
     bool open(const QString &path, KNError *error);
-    /// Null while the text was neither opened from a file nor saved to one.
+    /// Null if the text was neither opened from a file nor saved to one.
     QString filePath() const { return m_file.path(); }
-    /// The file's name, or the name for a text without one.
+    /// The file's name, or the untitled document's name.
     QString title() const;
     void setUntitledName(const QString &name);
     QString untitledName() const { return m_untitledName; }
     bool isModified() const;
-    /// Puts back what was there before the program ended: a text that may differ from its file's.
+    /// Restores the state of an earlier start; the text may differ from the file's.
     void restore(const QString &path, const QString &text, bool isModified);
 
-    /// Saves, asking for a file where there is none, and before a file is overwritten that somebody else has
-    /// changed. `saved` is called when that has been done; what goes wrong is told, and the text stays.
+    /// Saves the text. Asks for a file if the document has none, and before it overwrites a file that another
+    /// program has changed. `saved` is called after success; a failure is shown to the user, and the text
+    /// remains.
     void save(std::function<void()> saved = {});
     void saveAs(std::function<void()> saved = {});
 
 Q_SIGNALS:
-    /// Name, file or unsaved mark have changed.
+    /// Name, file or modified state has changed.
     void titleChanged();
 
 private:

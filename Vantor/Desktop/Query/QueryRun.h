@@ -7,34 +7,34 @@
 #include <QElapsedTimer>
 #include <QObject>
 
-/// What of a text is to run.
+/// The part of a text to run.
 struct QueryRequest
 {
     enum class Part {
         Everything,
-        Range,   ///< the piece at `range`
+        Range,   ///< the text in `range`
         BatchAt, ///< the batch in which `range` begins
     };
 
-    QString text; ///< the whole text: lines and ranges of errors count in it
+    QString text; ///< the whole text, to which lines and ranges of errors refer
     Part part = Part::Everything;
     KNRange range = {};
-    qsizetype rowLimit = 0;          ///< rows of each result that are kept; 0 for all
-    bool asksForTransaction = false; ///< whether one is open is asked for even if the text cannot change it
+    qsizetype rowLimit = 0;          ///< maximum number of rows kept for each result; 0 for all
+    bool asksForTransaction = false; ///< checks for an open transaction even if the text cannot change it
 };
 
-/// How a run has ended.
+/// The outcome of a run.
 struct QueryOutcome
 {
     KNError error;
     bool wasCancelled = false;
     bool hadBatches = true;
-    QString database;                  ///< where the session is now; null when it is not known
-    std::optional<bool> inTransaction; ///< empty when it was not asked for, or there was no answer
+    QString database;                  ///< the session's current database; null if not known
+    std::optional<bool> inTransaction; ///< nullopt if it was not checked or there was no answer
 };
 
-/// One run of a query: a worker cuts the text into batches and executes them on a tab's connection. On the UI
-/// thread, which never waits; a run that is destroyed is cancelled.
+/// One run of a query: a worker splits the text into batches and executes them on a tab's connection. On the
+/// UI thread, which never waits; destroying a run cancels it.
 class QueryRun : public QObject
 {
     Q_OBJECT
@@ -45,17 +45,17 @@ public:
 
     void start();
     /// Stops the run. While the connection is still being opened the run ends at once, and isAbandoned()
-    /// turns true: the connection stays in use until its login is over, and is closed then.
+    /// becomes true: the connection stays in use until its login has finished, and is closed then.
     void cancel();
 
     bool isFinished() const { return m_isFinished; }
     /// Whether the run has ended without its connection.
     bool isAbandoned() const { return m_isAbandoned; }
     const QueryOutcome &outcome() const { return m_outcome; }
-    /// The results, filled while the run goes on.
+    /// The results, filled during the run.
     const std::shared_ptr<KNResultSetHolder> &results() const { return m_results; }
     const QueryRequest &request() const { return m_request; }
-    /// So far, or in all.
+    /// The time so far, or the total after the end.
     qint64 elapsedMilliseconds() const;
 
 Q_SIGNALS:

@@ -21,7 +21,7 @@ class QueryRun;
 class VantorTabConnection;
 struct QueryRequest;
 
-/// A query: an editor, its results and messages, and a session of its own. On the UI thread.
+/// A query: an editor, its results and messages, and its own session. On the UI thread.
 class QueryTab : public KNDocumentTab
 {
     Q_OBJECT
@@ -41,21 +41,21 @@ public:
     bool openFile(const QString &path, KNError *error);
     void setUntitledName(const QString &name);
     bool isRunning() const;
-    /// What is restored after a crash or at the next start.
+    /// The state that is restored after a crash or at the next start.
     TabState state() const;
     void restore(const TabState &state);
 
-    /// Null while the text was neither opened from a file nor saved to one.
+    /// Null if the text was neither opened from a file nor saved to one.
     QString filePath() const override;
     /// The file's name, or a name such as "Query 3".
     QString title() const override;
     bool isModified() const override;
     bool isUnused() const override;
-    /// Asks about a running query, an open transaction and unsaved text.
+    /// Asks the user about a running query, an open transaction and unsaved text.
     void prepareToClose(std::function<void()> proceed) override;
     /// Does not ask about unsaved text that is restored at the next start.
     void prepareToEndSession(std::function<void()> proceed) override;
-    /// The settings, with the database in which the last run has ended.
+    /// The settings, with the database that was current at the end of the last run.
     std::shared_ptr<const VantorDBC> databaseConnectionDetails() const override;
     KNDocumentStatus status() const override;
     std::optional<KNDocumentState> savedState() const override;
@@ -73,12 +73,12 @@ public:
 public Q_SLOTS:
     /// Runs the selection, or everything if nothing is selected.
     void run();
-    /// Runs the batch in which the cursor stands.
+    /// Runs the batch at the cursor.
     void runBatchAtCursor();
     void cancel();
     /// Hides the results and messages, or shows them again.
     void toggleResults();
-    /// Moves the focus between the editor and the results or messages in front.
+    /// Moves the focus between the editor and the visible results or messages.
     void showNextPane();
     void changeDatabase(const QString &name);
 

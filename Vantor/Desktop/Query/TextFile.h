@@ -7,8 +7,8 @@
 #include <QDateTime>
 #include <QString>
 
-/// A file of text, as it is read and as it is to be written again: its encoding and its byte order mark stay
-/// what they were. The text is taken as it is, with its line ends.
+/// A text file that keeps its encoding and byte order mark when it is written again. Line ends are not
+/// converted.
 class TextFile
 {
     Q_DECLARE_TR_FUNCTIONS(TextFile)
@@ -16,19 +16,19 @@ class TextFile
 public:
     enum class Encoding { UTF8, UTF8WithMark, UTF16LittleEndian, UTF16BigEndian, Latin1 };
 
-    /// Larger files are not for an editor.
+    /// Larger files are refused, in bytes.
     static constexpr qint64 LargestSize = qint64(256) * 1024 * 1024;
 
     QString path() const { return m_path; }
     void setPath(const QString &path) { m_path = path; }
     Encoding encoding() const { return m_encoding; }
 
-    /// Reads the file into `text`; false with an error, and nothing changed, when that fails. Bytes that are
-    /// no UTF-8 are taken for Latin-1.
+    /// Reads the file into `text`; false, with an error and without changes, on failure. Text that is not
+    /// valid UTF-8 is decoded as Latin-1.
     bool read(const QString &path, QString *text, KNError *error);
-    /// Writes the text to path(), whole or not at all. What the file's encoding does not have makes it UTF-8.
+    /// Writes the text to path() atomically. Characters that the file's encoding lacks change it to UTF-8.
     bool write(const QString &text, KNError *error);
-    /// Whether somebody else has written the file since it was read or written here.
+    /// Whether another program has changed the file since it was last read or written here.
     bool hasChangedOnDisk() const;
 
 private:

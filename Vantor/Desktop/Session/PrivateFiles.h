@@ -5,11 +5,11 @@
 /// Files of the program that only the user can read. Any thread.
 namespace PrivateFiles {
 
-/// Below the XDG state folder: what one start of the program leaves for the next.
+/// A folder below the XDG state folder, for data that one start of the program leaves for the next.
 QString stateFolder(const QString &name);
-/// Below the XDG data folder: what the user collects.
+/// A folder below the XDG data folder, for data that the user collects.
 QString dataFolder(const QString &name);
-/// A name for a file or folder that stands for any text.
+/// A file or folder name derived from any text.
 QString fileNameFor(const QString &text);
 
 } // namespace PrivateFiles

@@ -12,20 +12,20 @@ class QTreeView;
 class QueryHistoryModel;
 class VantorDBC;
 
-/// Shows what was run on a connection, to look through and to take up again. Not modal. On the UI thread.
+/// Shows the query history of a connection and lets the user reuse a text. Not modal. On the UI thread.
 class QueryHistoryDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// `details` give the words of the language. The history is read at once, in the background.
+    /// `details` supplies keywords for highlighting. The history is loaded at once, in the background.
     QueryHistoryDialog(const QueryHistory &history, const VantorDBC &details, QWidget *parent = nullptr);
 
-    /// Whether the history was read.
+    /// Whether the history is loaded.
     bool isLoaded() const { return m_isLoaded; }
 
 Q_SIGNALS:
-    /// Into the tab that is in front.
+    /// Requests that the text is inserted into the current tab.
     void insertRequested(const QString &text);
     void newTabRequested(const QString &text);
 

@@ -3,15 +3,15 @@
 #include <QDateTime>
 #include <QString>
 
-/// One run of a query, as it is remembered.
+/// One query of the history.
 struct QueryHistoryEntry
 {
-    QDateTime time; ///< when it began
-    QString text;   ///< what ran
+    QDateTime time; ///< start of the run
+    QString text;   ///< the text that ran
     QString database;
     qint64 milliseconds = 0;
     qint64 rowCount = 0;
-    QString error; ///< what went wrong; null when nothing did
+    QString error; ///< null after success
     bool wasCancelled = false;
 
     friend bool operator==(const QueryHistoryEntry &, const QueryHistoryEntry &) = default;

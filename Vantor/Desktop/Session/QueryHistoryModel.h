@@ -4,12 +4,12 @@
 
 #include <QAbstractTableModel>
 
-/// The history of a connection as a table: when, how long, rows, where, and the beginning of what.
+/// The history of a connection as a table: time, duration, rows, database, and the beginning of the text.
 class QueryHistoryModel : public QAbstractTableModel
 {
 public:
     enum Column { Time, Duration, Rows, Database, Text, ColumnCount };
-    /// All that a search looks at.
+    /// The text that a search matches.
     static constexpr int SearchRole = Qt::UserRole;
 
     using QAbstractTableModel::QAbstractTableModel;

@@ -11,36 +11,35 @@
 class KNDocumentTab;
 class QTimer;
 
-/// Remembers the documents of one connection while the user works with them, in files below the XDG state
-/// folder, so that they are restored at the next start, also after a crash. Writes in the background, at most
-/// a second behind. Programs that have the same connection open at once have files of their own. On the UI
+/// Saves the documents of one connection while the user works with them, in files below the XDG state folder,
+/// so that they are restored at the next start, also after a crash. Writes in the background, with a delay of
+/// a second at most. Programs that have the same connection open at once use separate files. On the UI
 /// thread.
 class TabSession : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Milliseconds between a change and the writing of it.
+    /// Milliseconds between a change and its writing.
     static constexpr int WriteDelay = 1000;
-    /// Milliseconds until what could not be written is tried again.
+    /// Milliseconds until a failed write is repeated.
     static constexpr int RetryDelay = 10'000;
 
     explicit TabSession(const QString &connectionId, QObject *parent = nullptr);
-    /// Writes what is not written yet.
+    /// Writes pending changes.
     ~TabSession() override;
 
     /// The documents of the last session in their order, without damaged files. Read by the constructor.
     QList<KNDocumentState> storedTabs() const { return m_stored; }
-    /// From now on these documents are remembered, in this order, and no others. Those without a saved state
-    /// are skipped.
+    /// Sets the documents to save from now on, in this order. Documents without a saved state are skipped.
     void setTabs(const QList<KNDocumentTab *> &tabs);
-    /// Writes what is not written yet before it returns; false when something could not be written. For the
-    /// program's end, before the tabs go.
+    /// Writes pending changes before it returns; false if a write failed. For the program's end, before the
+    /// tabs are destroyed.
     bool flush();
 
 Q_SIGNALS:
-    /// What could not be written is tried again every RetryDelay. Emitted at the first failure and at the
-    /// first success after one.
+    /// A write failed (true); it is repeated every RetryDelay. Emitted at the first failure and at the first
+    /// success after it.
     void writingFailed(bool failed);
 
 private:
@@ -57,8 +56,8 @@ private:
     QList<KNDocumentState> m_stored;
     QList<QPointer<KNDocumentTab>> m_tabs;
     QList<QPointer<KNDocumentTab>> m_changed;
-    QStringList m_ids; ///< of the documents, or of the stored ones before the first setTabs()
+    QStringList m_ids; ///< of the documents; before the first setTabs() of the stored ones
     QTimer *m_timer;
     bool m_hasFailed = false;
-    std::shared_ptr<Writer> m_writer; ///< shared with the work in the background
+    std::shared_ptr<Writer> m_writer; ///< shared with background work
 };

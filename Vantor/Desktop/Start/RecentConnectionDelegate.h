@@ -2,7 +2,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Draws a remembered connection: its colour, its name with the date, and below it whose it is.
+/// Draws a remembered connection: its colour, its name with the date, and below them account, server and
+/// database.
 class RecentConnectionDelegate : public QStyledItemDelegate
 {
 public:

@@ -12,14 +12,14 @@ class RecentConnectionsModel : public QAbstractListModel
 public:
     enum Role {
         DetailRole = Qt::UserRole, ///< account, server and database in one line
-        DateRole,                  ///< when it was made last, for people
+        DateRole,                  ///< time of the last use, formatted for display
         ColourRole,                ///< a QColor, invalid for none
         SearchRole,                ///< all texts
     };
 
     explicit RecentConnectionsModel(SQLRecentConnectionList &list, QObject *parent = nullptr);
 
-    /// Shows the list as it is now.
+    /// Reloads the list.
     void reload();
     SQLRecentConnectionPtr connection(const QModelIndex &index) const;
 

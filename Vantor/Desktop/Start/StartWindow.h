@@ -14,8 +14,8 @@ class QPushButton;
 class QSortFilterProxyModel;
 class RecentConnectionsModel;
 
-/// Where the program begins: the connections that the user has made before, and ways to new ones. It connects
-/// nothing itself. On the UI thread.
+/// The first window: lists the remembered connections and offers to create new ones. It does not connect
+/// itself. On the UI thread.
 class StartWindow : public QWidget
 {
     Q_OBJECT
@@ -26,15 +26,15 @@ public:
 
 public Q_SLOTS:
     void newConnection();
-    /// Opens the connection that is selected; asks for its password first where that is not known.
+    /// Opens the selected connection; asks for its password first if that is not known.
     void connectToSelected();
     void editSelected();
     void duplicateSelected();
-    /// Asks before it forgets.
+    /// Removes the selected connection after confirmation.
     void removeSelected();
 
 Q_SIGNALS:
-    /// The user wants to work with this connection.
+    /// The user requested to open this connection.
     void connectionRequested(const VantorDBCPtr &details);
     void sampleServerRequested();
 

@@ -5,8 +5,8 @@
 
 #include <QObject>
 
-/// Performs the actions of the object tree that every kind of server has: new queries, scripts, refreshing. A
-/// connector adds its own to the same helper. On the UI thread.
+/// Performs the actions of the object tree that do not depend on the kind of server: new queries, scripts,
+/// refreshing. A connector adds its own actions to the same helper. On the UI thread.
 class TreeActions : public QObject
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ public:
     /// The workspace outlives this object.
     explicit TreeActions(KNWorkspace &workspace, QObject *parent = nullptr);
 
-    /// The helper for the root of the tree.
+    /// The helper to set on the root of the tree.
     const std::shared_ptr<KNDatabaseTreeContextHelper> &helper() const { return m_helper; }
 
 Q_SIGNALS:
@@ -28,7 +28,7 @@ private:
     void addAction(const char *name, KNDatabaseTreeContextHelper::Action action);
     void addTextAction(const char *name, KNWorkspace::QueryUse use);
     void addQueryAction(const char *name, KNWorkspace::QueryUse use);
-    /// An action on the text of a script loader, with its report as comments.
+    /// Adds an action on the text of a script loader, with the script's report as comments.
     void addScriptAction(const char *name, const Use &use);
     void saveScript(const QString &text);
 
