@@ -6,7 +6,8 @@
 
 MSSQLDefaultSchemaHelper *MSSQLDefaultSchemaHelper::sharedInstance()
 {
-    static auto *const helper = new MSSQLDefaultSchemaHelper; // work of the global queue may outlive main()
+    static auto *const helper =
+        new MSSQLDefaultSchemaHelper; // never destroyed: work of the global queue may outlive main()
     return helper;
 }
 

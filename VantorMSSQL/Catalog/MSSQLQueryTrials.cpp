@@ -22,7 +22,7 @@ KNQueryTrial trialOf(QLatin1String objects, const char *title,
     return result;
 }
 
-/// One that takes a clause which may be left out.
+/// A trial of a query with an optional clause.
 KNQueryTrial trialOfAll(QLatin1String title)
 {
     return {title, {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QString()}}, {}};

@@ -6,7 +6,8 @@
 
 MSSQLVersionHelper *MSSQLVersionHelper::sharedInstance()
 {
-    static auto *const helper = new MSSQLVersionHelper; // work of the global queue may outlive main()
+    static auto *const helper =
+        new MSSQLVersionHelper; // never destroyed: work of the global queue may outlive main()
     return helper;
 }
 

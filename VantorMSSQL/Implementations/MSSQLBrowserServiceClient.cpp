@@ -19,9 +19,9 @@ namespace {
 constexpr char BroadcastRequest = 0x02;
 constexpr char ServerResponse = 0x05;
 constexpr qsizetype HeaderSize = 3;
-constexpr qsizetype LongestAnswers = 4 * 1024 * 1024; ///< a flood must end some time, too
+constexpr qsizetype LongestAnswers = 4 * 1024 * 1024; ///< bytes; bounds a flood of answers
 
-/// What the process knows of the search.
+/// The state of the process-wide search.
 struct State
 {
     std::atomic<bool> enabled = false;
@@ -34,7 +34,7 @@ struct State
 
 State &state()
 {
-    // Never destroyed: a search may still be going on while the program ends.
+    // Never destroyed: a search may still run while the program ends.
     static auto *const instance = new State;
     return *instance;
 }
@@ -44,7 +44,7 @@ void log(const char *message)
     KNLogHelper::sharedInstance()->logMessage(QString::fromLatin1(message));
 }
 
-/// A socket that ends with its scope.
+/// Closes a socket at the end of its scope.
 class Socket
 {
 public:
@@ -71,7 +71,7 @@ private:
     const int m_descriptor;
 };
 
-/// Whether the request could be sent.
+/// False if the request could not be sent.
 bool ask(const Socket &socket, const MSSQLBrowserServiceClient::Search &search)
 {
     if (socket.descriptor() < 0) {
@@ -193,8 +193,8 @@ QString MSSQLBrowserServiceClient::reciveBroadcastRespondFromSocket(int socket, 
 
     QString text;
     for (qsizetype index = 0; index < data.size();) {
-        // Behind something that is no answer there is no telling where the next one begins. The pass finds
-        // nothing then, as if nobody had answered.
+        // After an invalid answer the start of the next one is unknown. The pass finds nothing then, as if no
+        // server had answered.
         if (data.at(index) != ServerResponse) {
             log("The answers of the SQL Server Browsers hold something that is none.");
             return QString();
@@ -207,7 +207,7 @@ QString MSSQLBrowserServiceClient::reciveBroadcastRespondFromSocket(int socket, 
             log("Did not received entire message.");
             break;
         }
-        // From the start of the first answer, whichever this one is.
+        // Always the text of the first answer, in the length of this one.
         text += decoded(QByteArrayView(data).sliced(HeaderSize, length));
         index += HeaderSize + length;
     }

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Ignored by default and used by nothing else; a handler that does nothing makes it interrupt a poll().
+/// Ignored by default and not used elsewhere; an empty handler makes it interrupt poll().
 constexpr int InterruptSignal = SIGURG;
 
 void installInterruptHandler()
@@ -38,14 +38,14 @@ int openEvent()
     return descriptor;
 }
 
-/// A packet, or a TLS record, inside of which no packet can be seen.
+/// A packet, or a TLS record, whose packets are not visible.
 struct Unit
 {
     int length = 0;         ///< in bytes; 0 for neither
     bool isTheLast = false; ///< a packet that ends its message
 };
 
-/// What comes next on a socket.
+/// Peeks at the next packet or record of a socket.
 Unit nextUnit(int socket)
 {
     // A packet begins with its type, its status and its length (MS-TDS 2.2.3.1), a record with its type, its
@@ -64,7 +64,7 @@ Unit nextUnit(int socket)
     return {};
 }
 
-/// poll() that goes on after signals, until the deadline.
+/// poll() that continues after signals, until the deadline.
 void pollUntil(MSSQLCancellation::Clock::time_point deadline, pollfd *descriptors, nfds_t count)
 {
     int ready = 0;
@@ -79,7 +79,7 @@ void pollUntil(MSSQLCancellation::Clock::time_point deadline, pollfd *descriptor
     } while (ready < 0 && errno == EINTR);
 }
 
-/// A socket counts as readable from that many bytes on.
+/// Makes a socket readable only from that many bytes on.
 void setLowWaterMark(int socket, int bytes)
 {
     setsockopt(socket, SOL_SOCKET, SO_RCVLOWAT, &bytes, sizeof bytes);
@@ -132,12 +132,12 @@ void MSSQLCancellation::waitForAnswer(int socket, int packetSize)
     waitFor(socket);
     int available = 0;
     const bool isCut = ioctl(socket, FIONREAD, &available) == 0 && available < first.length;
-    // A server that has nothing to say for a while sends what it has; a full packet has more behind it.
+    // A server that pauses sends its partial packet; a full packet is followed by more data.
     m_isStreaming = isCut || (!first.isTheLast && first.length >= packetSize);
     setLowWaterMark(socket, 1);
 }
 
-/// Waits until the socket can be read, a request comes or the deadline passes.
+/// Waits until the socket is readable, a request arrives or the deadline passes.
 void MSSQLCancellation::waitFor(int socket) const
 {
     pollfd descriptors[] = {{socket, POLLIN, 0}, {m_wakeUp, POLLIN, 0}};

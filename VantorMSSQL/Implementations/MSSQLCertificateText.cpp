@@ -28,7 +28,8 @@ Certificate serverCertificate(gnutls_session_t session)
     return owned;
 }
 
-/// The names and addresses that a certificate is for: its alternative names, or its common name without any.
+/// The names and addresses that a certificate was issued for: its alternative names, or its common name if it
+/// has none.
 QStringList namesOf(gnutls_x509_crt_t certificate)
 {
     QStringList names;
@@ -70,7 +71,7 @@ QString dateText(time_t time)
     return QDateTime::fromSecsSinceEpoch(time, Qt::UTC).toString(QStringLiteral("yyyy-MM-dd hh:mm 'UTC'"));
 }
 
-/// Null when the certificate may be used for servers.
+/// Null if the certificate may be used for servers.
 QString purposeText(gnutls_x509_crt_t certificate)
 {
     if (gnutls_x509_crt_check_key_purpose(certificate, GNUTLS_KP_TLS_WWW_SERVER, 0) != 0)

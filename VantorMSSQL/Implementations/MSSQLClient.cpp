@@ -13,12 +13,12 @@
 
 #include <sybdb.h>
 
-/// Exported by db-lib without a header. Begins the protocol trace in a file; 0 when it cannot.
+/// Exported by db-lib without a header. Starts the protocol trace in a file; 0 on failure.
 extern "C" int tdsdump_open(const char *filename);
 
 namespace {
 
-/// How long a cancelled server may send on before the guard looks at it.
+/// How long a cancelled server may continue to send before the guard checks it.
 constexpr std::chrono::milliseconds FloodPatience(2000);
 
 std::shared_ptr<MSSQLDatabaseConnectionDetails> mssqlDetails(const VantorDBCPtr &details)
@@ -57,7 +57,7 @@ void MSSQLClient::initializeOnce()
 
 bool MSSQLClient::isConnected() const
 {
-    // Who holds the handle is working with it: it is open as far as anybody knows.
+    // The handle's holder is using the connection, so it counts as open.
     if (!m_dbProcSemaphore.tryWait())
         return true;
     const bool isOpen = m_dbProc;
@@ -125,31 +125,32 @@ bool MSSQLClient::cancelCurrentQuery(KNError *error)
     if (!m_cancellation.request())
         return true;
     const MSSQLFloodGuard guard(socket(), FloodPatience);
-    // The running thread is made to let go of the handle: it may be waiting for the server inside db-lib.
+    // Interrupt the running thread until it releases the handle: it may be waiting for the server inside
+    // db-lib.
     do {
         m_cancellation.interruptLibrary();
     } while (!m_dbProcSemaphore.waitFor(std::chrono::milliseconds(5)));
     m_dbProcSemaphore.signal();
 
     const MSSQLHandleScope handle(m_dbProcSemaphore, m_cancellation);
-    // A run that has ended meanwhile needs nothing, and one that has begun since then was not meant.
+    // A run that has ended in the meantime needs no stop, and a newer run must not be stopped.
     const bool stopped = !m_cancellation.isRequested() || stopAtServer();
-    // What the server said while it let go belongs to nobody on this thread.
+    // Messages that arrived during the stop belong to no run of this thread.
     MSSQLMessageList::sharedInstance().clearMessage();
     if (!stopped)
         *error = KNError(QStringLiteral(""), 0, QStringLiteral("Failed to cancel query."));
     return stopped;
 }
 
-/// Tells the server to stop and waits until it has; false when it did not acknowledge that, which loses the
-/// connection. The handle must be held.
+/// Sends a cancel and waits for the acknowledgement; false if the server did not acknowledge it, which loses
+/// the connection. The handle must be held.
 bool MSSQLClient::stopAtServer()
 {
     if (!m_dbProc || dbdead(m_dbProc))
         return !m_dbProc;
     m_cancellation.attentionSent();
     const MSSQLFloodGuard guard(socket(), FloodPatience);
-    // dbcancel() reports success also where the server has not answered.
+    // dbcancel() reports success even if the server has not answered.
     return dbcancel(m_dbProc) == SUCCEED && !dbdead(m_dbProc);
 }
 

@@ -15,7 +15,8 @@
 
 namespace {
 
-/// Where the name ends: the earliest separator, or the end. An IPv6 address in brackets is a name.
+/// The position at which the name ends: the first separator, or the end. An IPv6 address in brackets is a
+/// name.
 qsizetype endOfServerName(const QString &text)
 {
     static const QRegularExpression separators(QStringLiteral("[,:\\\\]"));
@@ -34,8 +35,8 @@ QString withPortBeforeInstance(const QString &text)
     return text.left(backslash) + text.mid(colon) + text.mid(backslash, colon - backslash);
 }
 
-/// The name of the server without brackets, instance and port, as a look-up in DNS and a certificate take it;
-/// empty when it is none.
+/// The name of the server without brackets, instance and port, for DNS and for the certificate; empty if
+/// there is none.
 QString hostNameOf(const QString &host)
 {
     static const QRegularExpression name(QStringLiteral("\\A[A-Za-z0-9._:%-]{1,230}\\z"));
@@ -47,8 +48,7 @@ QString hostNameOf(const QString &host)
     return name.match(text).hasMatch() ? text : QString();
 }
 
-/// The port in address:port and address:port\instance, the default one when there is none; 0 for what is no
-/// port.
+/// The port in address:port and address:port\instance, or the default port; 0 for an invalid port.
 quint16 portIn(const QString &server)
 {
     constexpr quint16 DefaultPort = 1433;
@@ -66,7 +66,7 @@ KNError noServerError(const QString &host)
 
 } // namespace
 
-/// The server as the user knows it, without instance and port.
+/// The server's name as the user typed it, without instance and port.
 QString MSSQLClient::serverNameForUsers() const
 {
     const QString host = m_databaseConnectionDetails->host();
@@ -74,7 +74,7 @@ QString MSSQLClient::serverNameForUsers() const
     return name.isEmpty() ? host : name;
 }
 
-/// The server's own port, also where a tunnel leads to it.
+/// The server's own port, even if a tunnel is used.
 quint16 MSSQLClient::portForUsers(const MSSQLServerAddress &server) const
 {
     if (!m_databaseConnectionDetails->sshTunnelModel().isUsed())
@@ -83,9 +83,9 @@ quint16 MSSQLClient::portForUsers(const MSSQLServerAddress &server) const
     return portIn(withPortBeforeInstance(host.replace(QLatin1Char(','), QLatin1Char(':'))));
 }
 
-/// Where to connect to. The address is looked up here, before all other logins wait, except where the
-/// certificate must be for the name: db-lib compares it with what it connects to, and looks the name up
-/// itself.
+/// Determines the address to connect to. The name is resolved here, before the lock that serialises all
+/// logins is taken, except if the certificate must match the name: db-lib compares it with the host that it
+/// connects to, and resolves the name itself.
 std::optional<MSSQLServerAddress> MSSQLClient::resolveServer(const MSSQLEncryption &encryption,
                                                              KNError *error) const
 {
@@ -101,9 +101,9 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveServer(const MSSQLEncrypti
     return std::nullopt;
 }
 
-/// The near end of the tunnel. Names are looked up at its far end. Where the certificate must be for the
-/// server's name, which db-lib would compare with the near end's, it is looked at here first, and db-lib
-/// takes that very certificate then and no other.
+/// Returns the local end of the tunnel. Names are resolved at its remote end. If the certificate must match
+/// the server's name, which db-lib would compare with the local end's, it is verified here first, and db-lib
+/// then accepts only that certificate.
 std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *encryption, KNError *error)
 {
     const MSSQLDatabaseConnectionDetails &details = *m_databaseConnectionDetails;
@@ -147,8 +147,8 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *en
     return nearEnd;
 }
 
-/// db-lib would look an instance's port up itself, but waits very long for a silent Browser while all other
-/// logins wait for it.
+/// Resolves an instance's port here because db-lib waits very long for a silent Browser, and all other logins
+/// wait meanwhile.
 bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
 {
     const qsizetype backslash = server->indexOf(QLatin1Char('\\'));

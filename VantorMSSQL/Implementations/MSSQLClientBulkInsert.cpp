@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr qsizetype RowsPerStatement = 500; // a VALUES list takes 1000
+constexpr qsizetype RowsPerStatement = 500; // a VALUES list allows 1000
 
-/// Plain int and tinyint are not among them: they go in quotes.
+/// Does not include plain int and tinyint: they are quoted.
 bool isNumericType(const QString &type)
 {
     constexpr const char *NumericTypes[] = {"bigint",  "smallint", "money", "smallmoney",
@@ -20,7 +20,7 @@ bool isNumericType(const QString &type)
                        [&](const char *name) { return type.contains(QLatin1String(name)); });
 }
 
-/// What may stand in a statement without quotes. Anything else would be read as SQL.
+/// Whether a text may be written into a statement without quotes. Anything else would be read as SQL.
 bool isNumberOrNull(const QString &text)
 {
     static const QRegularExpression pattern(
@@ -93,7 +93,8 @@ bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringLis
     return !failure;
 }
 
-/// The rows between the transaction's two ends. As one run, so that a cancel between two statements is heard.
+/// Inserts the rows within the transaction. A single run, so that a cancel between two statements takes
+/// effect.
 bool MSSQLClient::insertRows(const QList<QList<KNValue>> &rows, const QString &header,
                              const QStringList &columnTypes, const Progress &progressBlock, KNError *error)
 {
@@ -124,7 +125,7 @@ bool MSSQLClient::performBulkInsert(const QStringList &rows, const QString &head
     const QString insert = KNFormat("%@ VALUES %@;", header, rows.join(QStringLiteral(",\r\n")));
     executeNonQuery(insert, error);
     if (error->isSet()) {
-        // The rows are the user's data: the log gets their number only.
+        // The rows are the user's data: the log contains only their number.
         const QString statement = KNFormat("%@ VALUES (%ld rows);", header, rows.size());
         log->logMessage("Bulk insert failed. Insert string was:\r\n%@", statement);
         log->logMessage("Failed to perform insert with error: %@", error->localizedDescription());

@@ -27,8 +27,8 @@ const char *yesOrNo(bool flag)
     return flag ? "YES" : "NO";
 }
 
-/// Whether neither another protocol version nor the other kind of NTLM can help. A Windows login that was
-/// refused may be accepted with NTLMv2.
+/// Whether neither another protocol version nor the other kind of NTLM can succeed. A refused Windows login
+/// may be accepted with NTLMv2.
 bool isHopeless(const KNError &error, const QString &username)
 {
     if (error.domain() == KNSSHCommand::ErrorDomain || error.code() == Hopeless)
@@ -110,7 +110,7 @@ bool MSSQLClient::tryConnect(int connectOption, bool useNTLMv2, KNError *error)
                                                   error->localizedDescription());
         return false;
     }
-    // The newest version is remembered whichever one succeeded: an older one is probed for again.
+    // The newest version is remembered, whichever one succeeded: an older one is probed again.
     m_databaseConnectionDetails->setTdsVersion(connectOptions[0].tdsVersion);
     m_databaseConnectionDetails->setUseNTLMv2(useNTLMv2);
     return true;
@@ -126,7 +126,7 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
              "Implementations/MSSQLClient");
     const MSSQLRunScope run(m_cancellation);
     const MSSQLDeadlineScope time(m_cancellation, std::chrono::seconds(details->loginTimeout()));
-    const auto tunnel = m_tunnel; // the next attempt goes the same way
+    const auto tunnel = m_tunnel; // the next attempt uses it, too
     disconnect();
     KNLogHelper *log = KNLogHelper::sharedInstance();
     log->registerSecret(details->password());
@@ -158,7 +158,7 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     return configureSession(*encryption, *server, error);
 }
 
-/// Whether db-lib may try to log in: false with an error when the server does not answer.
+/// False, with an error, if the server does not answer; db-lib must not try to log in then.
 bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error)
 {
     using MSSQLServerCheck::Answer;
@@ -182,11 +182,10 @@ bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error
     return false;
 }
 
-/// Looks at the server's certificate before a password is sent, where the settings ask for it: db-lib does
-/// not look at the extended key usage. db-lib then accepts only the certificate that was shown here, except
-/// where a gateway may route the session to another server with a certificate of its own (MS-TDS 2.2.7.9,
-/// ENVCHANGE type 20): in the cloud, whose certificates the system's authorities sign, and with read-only
-/// intent.
+/// Verifies the server's certificate before a password is sent, if the settings require it: db-lib does not
+/// check the extended key usage. db-lib then accepts only this certificate, except where a gateway may route
+/// the session to another server with its own certificate (MS-TDS 2.2.7.9, ENVCHANGE type 20): in the cloud,
+/// whose certificates the system's authorities sign, and with read-only intent.
 bool MSSQLClient::checkCertificate(const MSSQLServerAddress &server, MSSQLEncryption *encryption,
                                    KNError *error)
 {
@@ -221,7 +220,7 @@ bool MSSQLClient::checkCertificate(const MSSQLServerAddress &server, MSSQLEncryp
     return true;
 }
 
-/// What is left of the time for connecting; not below 0.
+/// The remaining time for connecting; not below 0.
 std::chrono::milliseconds MSSQLClient::loginTimeLeft() const
 {
     using std::chrono::milliseconds;
@@ -235,12 +234,13 @@ KNError MSSQLClient::timeoutError(const MSSQLServerAddress &server, const char *
                     std::chrono::seconds(m_databaseConnectionDetails->loginTimeout()), what);
 }
 
-/// The login failure from what the server and db-lib said, or, where neither knows why, from a look at how
-/// the server encrypts.
+/// The login error from the messages of the server and db-lib or, if they do not name the reason, from a
+/// check of the server's encryption.
 KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEncryption &encryption)
 {
     constexpr std::chrono::milliseconds LongestCheck(5000);
-    constexpr std::chrono::milliseconds LongestComplaint(2000); // ssh's, which may follow its socket's end
+    constexpr std::chrono::milliseconds LongestComplaint(
+        2000); // for ssh's error output, which may follow the end of its socket
     if (m_cancellation.isRequested())
         return cancelled();
     const QList<DatabaseMessage> messages = MSSQLMessageList::sharedInstance().messages();
@@ -304,7 +304,7 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, const MSSQ
     return reachDatabase(error) && runInitialStatements(error);
 }
 
-/// Goes to the database of the settings where the login could not carry its name.
+/// Changes to the database of the settings if its name was too long for the login.
 bool MSSQLClient::reachDatabase(KNError *error)
 {
     const QString database = m_databaseConnectionDetails->database();
@@ -322,7 +322,7 @@ bool MSSQLClient::reachDatabase(KNError *error)
     return false;
 }
 
-/// The user's own, batch by batch. The session is of no use without them.
+/// Runs the user's initial statements, batch by batch. If one fails, the session cannot be used.
 bool MSSQLClient::runInitialStatements(KNError *error)
 {
     const QString sql = m_databaseConnectionDetails->initialStatements();
@@ -351,8 +351,8 @@ quint64 MSSQLClient::bytesWritten() const
     return m_dbProc ? MSSQLBytesWritten(DBIOWDESC(m_dbProc)) : 0;
 }
 
-/// How many bytes a short batch has on the wire when nothing protects it. db-lib does not say whether it
-/// encrypts, and goes on in clear where a server's unprotected answer says so, whatever was required of it.
+/// The size of a short unencrypted batch on the wire, in bytes. db-lib does not report whether it encrypts,
+/// and continues in clear text if a server's unprotected answer says so, whatever was required.
 quint64 MSSQLClient::sizeInClear(const QString &sql) const
 {
     constexpr quint64 PacketHeader = 8;

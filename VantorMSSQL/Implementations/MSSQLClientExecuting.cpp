@@ -26,7 +26,7 @@ KNQueryDetails wholeText(const QString &sql)
     return {sql, {0, sql.size()}};
 }
 
-/// Adds messages to those of a result set, with their lines in the whole text.
+/// Adds messages to a result set, with their lines relative to the whole text.
 void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDatabaseResultSet &resultSet)
 {
     if (messages.isEmpty())
@@ -79,11 +79,11 @@ QString withFullStop(const QString &text)
     return trimmed.endsWith(QLatin1Char('.')) ? trimmed : trimmed + QLatin1Char('.');
 }
 
-/// Of one run: further ones without columns are only counted, further ones with columns cancel it.
+/// Limits of one run: further results without columns are only counted, further ones with columns cancel it.
 constexpr qsizetype MostResultsWithoutColumns = 50'000;
 constexpr qsizetype MostResults = 200'000;
 
-/// Marks a result set as finished when its reading ends, however that is.
+/// Marks a result set as finished at the end of its scope.
 class FinishedInTheEnd
 {
 public:
@@ -104,8 +104,8 @@ void showFailure(const KNError &error, KNDatabaseResultSet &resultSet)
     resultSet.setMessages({{withFullStop(error.localizedDescription()), KNDisplayMessage::Colour::Red}});
 }
 
-/// The first character that cannot be sent: U+0000 ends a text for db-lib, and half of a surrogate pair has
-/// no UTF-8. -1 when there is none.
+/// The position of the first character that cannot be sent: U+0000 ends a text for db-lib, and half of a
+/// surrogate pair has no UTF-8 form. -1 if there is none.
 qsizetype unsendablePosition(const QString &sql)
 {
     for (qsizetype i = 0; i < sql.size(); ++i) {
@@ -119,7 +119,7 @@ qsizetype unsendablePosition(const QString &sql)
     return -1;
 }
 
-/// The error for a batch that cannot be sent as it is; not set when it can.
+/// The error for a batch that cannot be sent; not set if it can.
 KNError unsendable(const KNQueryDetails &details, quint64 *line)
 {
     const qsizetype position = unsendablePosition(details.targetQuery);
@@ -165,7 +165,7 @@ bool MSSQLClient::executeQueryInternal(const QString &sql, KNResultSetHolder &wi
     return executeQueryDetails(wholeText(sql), withResultSet, error);
 }
 
-/// Runs a text as one batch. Unlike the run alone, it fails with any statement that fails.
+/// Runs a text as one batch. Unlike runBatch(), it fails if any statement fails.
 void MSSQLClient::executeWhole(const QString &sql, KNResultSetHolder &holder, KNError *error)
 {
     const bool complete = executeQueryInternal(sql, holder, error);
@@ -198,7 +198,7 @@ bool MSSQLClient::executeNonQuery(const QString &sql, KNError *error)
         std::count_if(resultSets.begin(), resultSets.end(), [](const KNDatabaseResultSetPtr &resultSet) {
             return !resultSet->columnNames().isEmpty();
         });
-    // A trigger decides how many there are: this is no programming error.
+    // A trigger determines the number of results, so this is no programming error.
     if (withColumns > 1 && !error->isSet())
         *error = KNError(RunDomain, 0, QStringLiteral("executeQuery can only return a single resultset."));
     return true;
@@ -278,8 +278,8 @@ bool MSSQLClient::runBatch(const KNQueryDetails &details, KNResultSetHolder &hol
     return complete;
 }
 
-/// Sends the text and waits for the first answer: the two halves of dbsqlexec(), with the wait between them
-/// outside db-lib and without the handle, so that a cancel can have it.
+/// Sends the text and waits for the first answer: the two halves of dbsqlexec(). The wait between them is
+/// outside db-lib and without the handle, so that a cancel can take the handle.
 MSSQLClient::Sent MSSQLClient::sendBatch(const QString &sql)
 {
     const auto failed = [](RETCODE code) {
@@ -296,7 +296,7 @@ MSSQLClient::Sent MSSQLClient::sendBatch(const QString &sql)
             return Sent::NotSent;
         if (const RETCODE code = dbsqlsend(m_dbProc); code != SUCCEED)
             return failed(code);
-        // A descriptor of this thread's own: a cancel that loses its patience closes db-lib's.
+        // An owned duplicate: a cancel that times out closes db-lib's descriptor.
         descriptor = fcntl(DBIORDESC(m_dbProc), F_DUPFD_CLOEXEC, 0);
         if (descriptor < 0)
             return failed(FAIL);
@@ -310,13 +310,13 @@ MSSQLClient::Sent MSSQLClient::sendBatch(const QString &sql)
     return code == SUCCEED ? Sent::Executed : failed(code);
 }
 
-/// Whether there is no connection, or none that works. The handle must be held.
+/// Whether there is no working connection. The handle must be held.
 bool MSSQLClient::isLost() const
 {
     return !m_dbProc || dbdead(m_dbProc);
 }
 
-/// Shows a batch's failure as a result of its own.
+/// Appends a batch's failure as a separate result.
 KNDatabaseResultSetPtr MSSQLClient::appendFailure(const KNQueryDetails &details, const KNError &error,
                                                   quint64 line, KNResultSetHolder &holder)
 {
@@ -329,8 +329,8 @@ KNDatabaseResultSetPtr MSSQLClient::appendFailure(const KNQueryDetails &details,
     return resultSet;
 }
 
-/// A batch whose first statement failed: its later statements may have run all the same, and their results
-/// follow the failure.
+/// Handles a batch whose first statement failed: its later statements may have run nevertheless, and their
+/// results follow the failure.
 bool MSSQLClient::failBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error)
 {
     quint64 lastLine = 0;
@@ -352,15 +352,15 @@ bool MSSQLClient::failBatch(const KNQueryDetails &details, KNResultSetHolder &ho
     return false;
 }
 
-/// Reads everything that the batch gives, behind the failure of its first statement if it failed. False, with
-/// an error, when the answer could not be read to its end.
+/// Reads all results of the batch, which follow the failure of its first statement if it failed. False, with
+/// an error, if the answer could not be read to its end.
 bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSetPtr previous,
                               KNResultSetHolder &holder, KNError *error)
 {
     MSSQLMessageList &messages = MSSQLMessageList::sharedInstance();
     Summaries summaries;
     bool previousHadCompute = false;
-    qint64 unlisted = 0; // results without columns that the list has no room for
+    qint64 unlisted = 0; // results without columns beyond the limit of the list
     Next next = nextResult();
     for (; next == Next::Result; next = nextResult()) {
         if (previous)
@@ -422,7 +422,7 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
     return !error->isSet();
 }
 
-/// Goes to the next result. A statement that failed in the middle of a batch has none, but the ones after it
+/// Advances to the next result. A failed statement in the middle of a batch has no result, but later ones
 /// have.
 MSSQLClient::Next MSSQLClient::nextResult()
 {
@@ -437,14 +437,14 @@ MSSQLClient::Next MSSQLClient::nextResult()
             return m_cancellation.isRequested() ? Next::End : Next::Result;
         if (code == NO_MORE_RESULTS || dbdead(m_dbProc))
             return Next::End;
-        // db-lib has rows left that it could not read, and would say so for ever. Its error handler has
-        // cancelled.
+        // db-lib has pending rows that it could not read, and would report them for ever. Its error handler
+        // has cancelled the batch.
         if (MSSQLMessageList::sharedInstance().newestNumber() == SYBERPND)
             return Next::Unreadable;
     }
 }
 
-/// Stops a batch that cannot be read any further.
+/// Stops a batch that cannot be read further.
 void MSSQLClient::abandonBatch()
 {
     MSSQLMessageList::sharedInstance().clearMessage();
@@ -452,7 +452,7 @@ void MSSQLClient::abandonBatch()
     stopAtServer();
 }
 
-/// Ends the batch, so that the next one never meets what this one left. A cancelled run is cancelled at the
+/// Ends the batch, so that the next one receives no leftover results. A cancelled run is cancelled at the
 /// server here, on the thread that ran it.
 void MSSQLClient::stopBatch()
 {

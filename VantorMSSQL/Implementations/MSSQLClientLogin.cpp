@@ -20,7 +20,7 @@ struct LoginDeleter
     void operator()(LOGINREC *login) const { dbloginfree(login); }
 };
 
-constexpr qsizetype LongestLoginText = 128; ///< bytes that db-lib takes for each text of a login
+constexpr qsizetype LongestLoginText = 128; ///< bytes that db-lib accepts for each text of a login
 
 /// Serialises every login of the process.
 KNSemaphore &connectSemaphore()
@@ -29,8 +29,8 @@ KNSemaphore &connectSemaphore()
     return semaphore;
 }
 
-/// Waits for the turn of a login; false when it is cancelled meanwhile. The wait does not count as the
-/// login's time: the logins before it are bounded, and its own server has no part in it.
+/// Waits until this login may start; false if it is cancelled first. The wait does not count towards the
+/// login's time limit: it depends on earlier logins, whose time is bounded, not on this login's server.
 bool waitForTurn(MSSQLCancellation &cancellation)
 {
     constexpr std::chrono::milliseconds Step(50);
@@ -44,7 +44,7 @@ bool waitForTurn(MSSQLCancellation &cancellation)
     return true;
 }
 
-/// The turn of a login. It ends with the object, or before when db-lib does not come back.
+/// The right to log in. Released with the object, or earlier if db-lib does not return.
 class Turn
 {
 public:
@@ -53,7 +53,7 @@ public:
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
-    /// Lets the next login begin. Any thread.
+    /// Lets the next login start. Any thread.
     void end()
     {
         if (!m_isOver.exchange(true))
@@ -64,15 +64,15 @@ private:
     std::atomic<bool> m_isOver = false;
 };
 
-/// Variables with which db-lib would let itself be sent elsewhere, or write passwords to a file. Logins are
-/// serialised where this is called; once gone, nothing is written here any more.
+/// Removes environment variables that would redirect db-lib to another server or make it write passwords to a
+/// file. Logins are serialised where this is called; once removed, nothing is written any more.
 void shieldFromEnvironment()
 {
     for (const char *variable : {"TDSVER", "TDSPORT", "TDSHOST", "TDSDUMP", "TDSDUMPCONFIG"})
         unsetenv(variable);
 }
 
-/// What keeps a text out of a login; null when nothing does.
+/// Describes why a text cannot be part of a login; null if it can.
 QString problemOfLoginText(const char *name, const QString &text)
 {
     if (text.contains(QChar::Null))
@@ -96,8 +96,8 @@ bool MSSQLClient::fitsLogin(const QString &text)
     return text.toUtf8().size() <= LongestLoginText;
 }
 
-/// False with an error when db-lib cannot carry the user name or the password. A database with a long name is
-/// reached after the login.
+/// False, with an error, if db-lib cannot transmit the user name or the password. A database with a long name
+/// is selected after the login.
 bool MSSQLClient::checkLoginTexts(KNError *error) const
 {
     QString problem = problemOfLoginText("user name", m_databaseConnectionDetails->username());
@@ -111,8 +111,8 @@ bool MSSQLClient::checkLoginTexts(KNError *error) const
     return false;
 }
 
-/// Logs in, and once more with the completed user name where the server is one of Azure. False when no
-/// connection was opened; the error is set only if the reason is not in the messages.
+/// Logs in, and tries once more with the completed user name on Azure. False if no connection was opened; the
+/// error is set only if the reason is not in the messages.
 bool MSSQLClient::logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &file,
                         const MSSQLServerAddress &server, KNError *error)
 {
@@ -147,7 +147,7 @@ bool MSSQLClient::logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &fi
     return openHandle(login.get(), file, server);
 }
 
-/// The name of the setting that db-lib does not take; null when it has taken all.
+/// Returns the name of the setting that db-lib refused; null if it accepted all.
 const char *MSSQLClient::fillLogin(LOGINREC *login, bool useNTLMv2, int tdsVersion) const
 {
     const MSSQLDatabaseConnectionDetails &details = *m_databaseConnectionDetails;
@@ -181,7 +181,7 @@ bool MSSQLClient::openHandle(LOGINREC *login, const MSSQLLoginFile &file, const 
     Turn turn;
     shieldFromEnvironment();
     dbsetifile(file.path().data());
-    // The time-out is db-lib's for the whole process; logins are serialised here, so each runs under its own.
+    // db-lib's time-out is process-wide; logins are serialised here, so each uses its own.
     const auto left = std::chrono::ceil<std::chrono::seconds>(loginTimeLeft());
     if (dbsetlogintime(static_cast<int>(std::max<qint64>(1, left.count()))) != SUCCEED)
         return false;

@@ -47,7 +47,7 @@ QString trimmedOfPunctuation(const QString &text)
     return text.mid(begin, end - begin);
 }
 
-/// The word that a message complains about; empty when it names none.
+/// The word that a message complains about; empty if it names none.
 QString offendingWord(const QString &message)
 {
     for (const char *phrase : {"Invalid column name '", "Invalid object name '", "Incorrect syntax near '"}) {
@@ -82,7 +82,7 @@ int addClientError(DBPROCESS *dbproc, int severity, int dberr, const char *dberr
     message.msgno = dberr;
     message.severity = severity;
     message.msgtext = text;
-    // Such a message comes for each value: it is said once for each result.
+    // This message arrives for each value: it is listed once for each result.
     MSSQLMessageList &list = MSSQLMessageList::sharedInstance();
     if (message.isValueWarning() && list.messages().contains(message))
         return INT_CANCEL;
@@ -117,8 +117,8 @@ int addServerMessage(DBINT msgno, int msgstate, int severity, const char *msgtex
     return 0;
 }
 
-/// Runs the body of a handler. No exception may pass through db-lib: without memory the message is lost, and
-/// the list says so.
+/// Runs the body of a handler. No exception may pass through db-lib: if memory is exhausted the message is
+/// lost, and the list records that.
 template <typename Body>
 int withoutExceptions(const Body &body) noexcept
 {
@@ -165,7 +165,7 @@ int check_interrupt(void *dbproc)
 
 int handle_interrupt(void *)
 {
-    // Ends the wait with the error SYBETIME, and its handler says how to go on.
+    // Ends the wait with the error SYBETIME, whose handler decides how to continue.
     return INT_CANCEL;
 }
 

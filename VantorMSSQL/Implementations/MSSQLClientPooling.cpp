@@ -9,7 +9,7 @@ bool MSSQLClient::hasHungUp() const
     const KNSemaphoreLocker handle(m_dbProcSemaphore);
     if (isLost())
         return true;
-    // Between runs a server has nothing to say but farewell.
+    // Between runs a server sends nothing unless it closes the connection.
     pollfd socket = {DBIORDESC(m_dbProc), POLLIN | POLLRDHUP, 0};
     return poll(&socket, 1, 0) != 0;
 }

@@ -67,8 +67,8 @@ void MSSQLClient::readColumns(KNDatabaseResultSet &resultSet)
     resultSet.setColumns(names, types);
 }
 
-/// Reads the rows of the current result, or its count when it has none. Gives the result set of its COMPUTE
-/// rows, if there were any.
+/// Reads the rows of the current result, or its row count if it has none. Returns the result set of its
+/// COMPUTE rows, if there are any.
 KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resultSet,
                                              KNResultSetHolder &holder)
 {
@@ -94,7 +94,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
                 compute = newComputeResultSet(status, resultSet->executedQuery(), holder);
             readComputeRow(status, *compute, holder);
         } else {
-            if (!m_cancellation.isRequested()) // which ends the reading, not the rows
+            if (!m_cancellation.isRequested()) // a cancel ends the reading before the end of the rows
                 m_cancellation.endRows();
             break;
         }
@@ -106,7 +106,7 @@ KNDatabaseResultSetPtr MSSQLClient::readRows(const KNDatabaseResultSetPtr &resul
     return compute;
 }
 
-/// Shows readers the rows so far, and gives the handle up for a moment so that a cancel can have it. Waits
+/// Publishes the rows read so far, and releases the handle for a moment so that a cancel can take it. Waits
 /// while the reader is too far behind.
 void MSSQLClient::showRows(KNDatabaseResultSet &resultSet, KNResultSetHolder &holder,
                            MSSQLHandleScope &handle)

@@ -10,13 +10,13 @@
 
 namespace {
 
-/// Azure SQL Database: a session stays in the database that it was opened in.
+/// Azure SQL Database: a session cannot change its database.
 bool needsSessionOfItsOwn(const KNError &error)
 {
     return error.localizedDescription().contains(QLatin1String("Msg 40508,"));
 }
 
-/// What stands behind SET where it changes the session (T-SQL, "SET statements").
+/// The words after SET that change the session (T-SQL, "SET statements").
 const QSet<QString> &sessionOptions()
 {
     static const QSet<QString> options = [] {
@@ -109,14 +109,14 @@ VantorSessionState MSSQLClient::sessionStateAfter(const QString &sql) const
 {
     VantorSessionState state;
     state.hasTransaction = mayChangeTransaction(sql);
-    QString last;          // the word or sign before, in upper case
+    QString last;          // the previous token, in upper case
     bool isOption = false; // "SET option" was read: "SET column =" is part of an UPDATE
     SQLMetadataTokenizer tokenizer(sql, MSSQLDatabaseConnectionDetails::createPreParserOptions());
     for (SQLToken token{}; tokenizer.next(&token);) {
         if (token.kind == SQLTokenKind::Whitespace || token.kind == SQLTokenKind::LineComment ||
             token.kind == SQLTokenKind::BlockComment)
             continue;
-        // Strings may be long, and mean nothing here.
+        // Strings may be long, and are not needed here.
         const QString text = token.kind == SQLTokenKind::String ? QString() : token.text.toString().toUpper();
         state.hasOptions |= isOption && text != QLatin1String("=");
         isOption = last == QLatin1String("SET") && sessionOptions().contains(text);

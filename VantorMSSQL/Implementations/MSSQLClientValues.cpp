@@ -27,7 +27,7 @@ Fixed read(const unsigned char *data)
     return value;
 }
 
-/// The first 32-bit word, of which the bytes past the value's end count as zero.
+/// The first 32-bit word; bytes past the value's end count as zero.
 quint32 firstWord(const unsigned char *data, int length)
 {
     quint32 word = 0;
@@ -35,7 +35,7 @@ quint32 firstWord(const unsigned char *data, int length)
     return word;
 }
 
-/// The fewest bytes that a value of a type has; below that it is null.
+/// The minimum size of a type's value, in bytes; a shorter value is null.
 int minimumLength(int type)
 {
     switch (type) {
@@ -125,7 +125,7 @@ void appendDateTime(KNRowStore &rows, const unsigned char *data)
     rows.appendDate(date);
 }
 
-/// Whether a record holds what the server's types can hold (MS-TDS 2.2.5.4.2). A time of day that was rounded
+/// Whether a record is in the range of the server's types (MS-TDS 2.2.5.4.2). A time of day that was rounded
 /// up may be the end of the day.
 bool isValid(const DBDATETIMEALL &record)
 {

@@ -16,13 +16,13 @@ constexpr int DefaultLoginTimeout = 15;
 const QString ConnectedTds = QStringLiteral("TDS");
 const QString ConnectedNTLMv2 = QStringLiteral("NTLMv2");
 
-/// Two texts of which neither is nil and that are the same.
+/// Whether the texts are equal and not null.
 bool areEqualTexts(const QString &left, const QString &right)
 {
     return !left.isNull() && !right.isNull() && left == right;
 }
 
-/// The same, or one of them is not known.
+/// Whether the texts are equal or one of them is unknown.
 bool areCompatibleTexts(const QString &left, const QString &right)
 {
     return left.isNull() || right.isNull() || left == right;
@@ -82,7 +82,7 @@ QString MSSQLDatabaseConnectionDetails::description() const
         database().isEmpty()
             ? KNFormat("%@@@%@:%lu:%@", username(), host(), port(), m_federationStatement)
             : KNFormat("%@@@%@:%lu - %@:%@", username(), host(), port(), database(), m_federationStatement);
-    // The same name is another server at the end of another tunnel.
+    // The same name refers to another server at the end of another tunnel.
     if (const KNSSHTunnelModel &tunnel = sshTunnelModel(); tunnel.isUsed())
         text += KNFormat(" through %@@%@:%d", tunnel.username, tunnel.host, tunnel.port);
     return text;

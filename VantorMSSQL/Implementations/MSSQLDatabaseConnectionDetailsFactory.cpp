@@ -1,5 +1,5 @@
-// The factory operations of the settings, which know every class of the connector. They stand in a file of
-// their own, so that the settings themselves include none of these.
+// The factory functions of the settings, which use every class of the connector. They are in a separate file,
+// so that the settings themselves include none of these.
 
 #include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Implementations/MSSQLClient.h"

@@ -16,7 +16,7 @@ using Mode = MSSQLEncryption::Mode;
 constexpr char EncryptionOption = 1;
 constexpr char LastOption = '\xFF';
 
-/// What client and server say about encryption.
+/// The encryption option of PRELOGIN.
 enum Answer : char { EncryptLogin = 0, EncryptAll = 1, CannotEncrypt = 2, MustEncrypt = 3 };
 
 char wishFor(Mode mode)
@@ -24,7 +24,7 @@ char wishFor(Mode mode)
     return mode == Mode::Off ? CannotEncrypt : mode == Mode::Require ? EncryptAll : EncryptLogin;
 }
 
-/// What a prelogin answers about encryption; empty when it does not.
+/// The encryption option of a PRELOGIN answer; nullopt if it has none.
 std::optional<char> encryptionIn(const QByteArray &prelogin)
 {
     constexpr qsizetype OptionSize = 5;
@@ -53,7 +53,7 @@ public:
         else if (encryption.verifiesCertificate)
             gnutls_certificate_set_x509_system_trust(m_credentials);
         gnutls_init(&m_session, GNUTLS_CLIENT);
-        // The newest version that goes with a handshake inside of packets.
+        // TLS 1.2 is the newest version that works with a handshake inside packets.
         gnutls_priority_set_direct(m_session, "NORMAL:-VERS-ALL:+VERS-TLS1.2:+VERS-TLS1.1:+VERS-TLS1.0",
                                    nullptr);
         gnutls_credentials_set(m_session, GNUTLS_CRD_CERTIFICATE, m_credentials);
@@ -83,7 +83,7 @@ public:
     }
 
 private:
-    /// Sends what GnuTLS has said before it waits for an answer.
+    /// Sends the output of GnuTLS before it waits for an answer.
     bool flush()
     {
         const bool sent = m_written.isEmpty() || m_socket.sendPacket(m_written);
@@ -111,7 +111,7 @@ private:
     QByteArray m_written;
 };
 
-/// The certificate that the server has shown, as PEM.
+/// The certificate that the server presented, as PEM.
 QByteArray certificateOf(gnutls_session_t session)
 {
     unsigned count = 0;
@@ -124,7 +124,7 @@ QByteArray certificateOf(gnutls_session_t session)
     return text;
 }
 
-/// What the server shows in a handshake, measured by the settings.
+/// Does the handshake and checks the server's certificate against the settings.
 QString handshakeProblem(MSSQLPreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption,
                          QByteArray *certificate)
 {

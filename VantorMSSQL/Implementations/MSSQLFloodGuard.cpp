@@ -15,7 +15,7 @@
 
 namespace {
 
-/// 0 when it is no TCP socket.
+/// 0 if it is not a TCP socket.
 quint64 bytesReceived(int socket)
 {
     tcp_info info = {};
@@ -86,7 +86,7 @@ void MSSQLFloodGuard::watch(std::chrono::milliseconds patience) const
     shutdown(m_socket, SHUT_RDWR);
 }
 
-/// Waits for the end of the guard; whether it came before the time had passed.
+/// Waits for the end of the guard; false if the time passed first.
 bool MSSQLFloodGuard::isOverAfter(std::chrono::milliseconds time) const
 {
     constexpr std::chrono::milliseconds Longest(3'600'000);

@@ -59,7 +59,7 @@ quint16 dbportforinstance(const QString &ipAddress, const QString &instance,
                                                   socket.errorString());
         return 0;
     }
-    // Datagrams of others than the server that was asked are passed over.
+    // Datagrams from other hosts are ignored.
     const QDeadlineTimer deadline(timeout);
     while (!deadline.hasExpired()) {
         if (!socket.hasPendingDatagrams() &&

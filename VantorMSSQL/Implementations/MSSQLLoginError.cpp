@@ -26,7 +26,7 @@ VantorLoginProblem problemOfNumber(int number)
                                                      : VantorLoginProblem::Unknown;
 }
 
-/// A refused database comes with "Login failed" behind it, so it counts first.
+/// "Login failed" follows a refused database, so the database is checked first.
 VantorLoginProblem problemOf(const QList<DatabaseMessage> &messages)
 {
     auto problem = VantorLoginProblem::Unknown;
@@ -108,7 +108,7 @@ KNError fromMessages(const QList<DatabaseMessage> &messages, const QString &host
 
 KNError unreachable(const QString &host, quint16 port, const QString &reason)
 {
-    DatabaseMessage message; // as db-lib reports it
+    DatabaseMessage message; // same fields as db-lib's report
     message.type = DatabaseMessage::ClientError;
     message.msgno = 20009;
     message.severity = 9;

@@ -14,12 +14,12 @@
 
 namespace {
 
-constexpr int LongestServerName = 128; ///< that a login may carry
+constexpr int LongestServerName = 128; ///< maximum length in a login
 const QString FolderPrefix = QStringLiteral("vantor-login-");
 constexpr char ConfigurationName[] = "freetds.conf";
 constexpr char TrustedName[] = "trusted.pem";
 
-/// Opens and locks a folder; -1 when it is a link, another process has locked it, or it cannot be opened.
+/// Opens and locks a folder; -1 if it is a link, is locked by another process, or cannot be opened.
 int lockFolder(const QString &path)
 {
     const int folder =
@@ -34,7 +34,7 @@ int lockFolder(const QString &path)
 /// Empties and removes a locked folder, if it is this user's.
 void removeLoginFolder(int folder, const QString &path)
 {
-    constexpr std::time_t CreationTime = 60; ///< seconds in which a new folder surely is locked
+    constexpr std::time_t CreationTime = 60; ///< seconds within which a new folder is certainly locked
     struct stat status = {};
     if (::fstat(folder, &status) != 0 || status.st_uid != ::geteuid())
         return;
@@ -42,7 +42,7 @@ void removeLoginFolder(int folder, const QString &path)
     for (const char *const name : {ConfigurationName, TrustedName})
         isUsed = ::unlinkat(folder, name, 0) == 0 || isUsed;
     if (isUsed || std::time(nullptr) - status.st_mtime > CreationTime)
-        ::rmdir(QFile::encodeName(path).constData()); // fails when it holds anything else
+        ::rmdir(QFile::encodeName(path).constData()); // fails if it contains other files
 }
 
 const char *modeName(MSSQLEncryption::Mode mode)
@@ -58,7 +58,7 @@ const char *modeName(MSSQLEncryption::Mode mode)
     return "request";
 }
 
-/// Writes a file that only the user can read; false when not all of it could be written.
+/// Writes a file that only the user can read; false if it was not written completely.
 bool writePrivate(const QString &path, const QByteArray &content)
 {
     QFile file(path);

@@ -43,7 +43,7 @@ void MSSQLLoginWatch::watch() const
 {
     if (!m_cancellation.waitForStop(m_end))
         return;
-    // Where a name has several addresses, db-lib goes on with the next one.
+    // If a name has several addresses, db-lib continues with the next one.
     constexpr int Pause = 20; // milliseconds
     constexpr std::chrono::seconds Patience(5);
     const auto last = MSSQLCancellation::Clock::now() + Patience;

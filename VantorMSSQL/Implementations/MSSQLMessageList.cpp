@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The generic failure of a login, which follows whatever the server said about it.
+/// The generic failure of a login, which follows the server's own messages.
 constexpr qint32 ConnectionFailed = 20002;
 
 thread_local bool threadLacksMemory = false;

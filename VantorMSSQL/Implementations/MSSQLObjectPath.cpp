@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Letters and digits of Unicode 3.2, to which identifiers are held; @, $, # and _ may follow the first.
+/// Regular identifiers consist of letters and digits of Unicode 3.2; @, $, # and _ may follow the first.
 bool isRegularIdentifier(QStringView word)
 {
     const auto isLetter = [](QChar c) { return c.isLetter() && c.unicodeVersion() <= QChar::Unicode_3_2; };

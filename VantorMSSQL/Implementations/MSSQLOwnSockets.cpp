@@ -24,12 +24,12 @@ struct Marked
 
 Marked &marked()
 {
-    static auto *const instance = new Marked; // logins may run while the program ends
+    static auto *const instance = new Marked; // never destroyed: logins may run while the program ends
     return *instance;
 }
 
-/// The inode of a socket; empty for everything else. Read by name, "socket:[123]" (proc(5)): the descriptor
-/// belongs to another thread, which may close it meanwhile.
+/// The inode of a socket; nullopt for other files. Read by name, "socket:[123]" (proc(5)), because another
+/// thread owns the descriptor and may close it.
 std::optional<ino_t> socketInode(int descriptor)
 {
     char name[64] = {};
@@ -52,7 +52,7 @@ void forEachDescriptor(const std::function<void(int descriptor)> &work)
     closedir(folder);
 }
 
-/// The sockets of one of the kernel's tables that lead to a port. Each line holds the local address, the
+/// Adds the sockets of a kernel table that are connected to a port. Each line holds the local address, the
 /// remote one, the state, queues, timer, retransmissions, user, time-out and inode (proc(5)).
 void addSocketsTo(quint16 remotePort, const char *table, std::set<ino_t> *sockets)
 {
@@ -112,7 +112,7 @@ void shutDown(quint16 remotePort, const std::set<ino_t> &except)
     forEachDescriptor([&](int descriptor) {
         if (!isTarget(descriptor))
             return;
-        // The number may have gone to another socket since; a duplicate keeps what was looked at.
+        // The descriptor may have been reused; a duplicate keeps the checked socket open.
         const int own = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
         if (own < 0)
             return;

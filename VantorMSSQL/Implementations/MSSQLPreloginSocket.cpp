@@ -20,7 +20,7 @@ constexpr qsizetype PreloginHeaderSize = 8;
 
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
-/// The address of a host; looks names up in the cache. Null when it has none.
+/// The address of a host; names are resolved through the cache. Null if it has none.
 AddressList addressOf(const QString &host, quint16 port)
 {
     addrinfo hints = {};
@@ -135,7 +135,7 @@ QByteArray MSSQLPreloginSocket::readExactly(qsizetype size)
     return bytes;
 }
 
-/// Waits until the socket is ready; false when the deadline has passed or the wait was cancelled.
+/// Waits until the socket is ready; false if the deadline has passed or the wait was cancelled.
 bool MSSQLPreloginSocket::wait(short events)
 {
     pollfd descriptors[] = {{m_socket, events, 0}, {m_cancelDescriptor, POLLIN, 0}};
@@ -146,7 +146,7 @@ bool MSSQLPreloginSocket::wait(short events)
         const int ready = poll(descriptors, 2, static_cast<int>(timeout));
         if (ready < 0 && errno != EINTR)
             return fail(errno);
-        // Also where there is something to read: a server may send packets without content for ever.
+        // Checked even if data is available: a server may send empty packets without end.
         if (Clock::now() >= m_deadline) {
             m_state = State::TimedOut;
             return false;

@@ -24,7 +24,7 @@ QList<KNQueryDetails> MSSQLQuerySplitter::doSplitQuery(const QString &text)
     const QStringView part = requiresFullSplit() ? whole : whole.left(PartialSplitLength);
     QList<KNQueryDetails> queries;
     quint64 linesPassed = 0;
-    qsizetype counted = 0; // where the counting of lines has come to
+    qsizetype counted = 0; // the position up to which lines are counted
     const auto batches = splitMSSQLQueries2(part, sqlPreParseOptions());
     for (const Batch &batch : batches) {
         if (cancelled())

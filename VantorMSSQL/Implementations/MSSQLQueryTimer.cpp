@@ -12,7 +12,7 @@ MSSQLQueryTimer::MSSQLQueryTimer(MSSQLClient &client, std::chrono::seconds timeo
             return;
         m_hasFired = true;
         lock.unlock();
-        KNError ignored; // the run says what becomes of it
+        KNError ignored; // the run itself reports the result
         client.cancelCurrentQuery(&ignored);
     });
 }

@@ -128,7 +128,8 @@ QString MSSQLQuoting::literal(const KNValue &value)
         return isAscii ? textLiteral(text) : QLatin1Char('N') + textLiteral(text);
     }
     case KNValue::Kind::Date: {
-        // ISO 8601 reads the same whatever SET DATEFORMAT says; it has no blank before an offset.
+        // The meaning of ISO 8601 dates does not depend on SET DATEFORMAT; there is no blank before an
+        // offset.
         QString text = value.displayText();
         if (const qsizetype blank = text.indexOf(QLatin1Char(' ')); blank >= 0)
             text[blank] = QLatin1Char('T');

@@ -91,7 +91,7 @@ QString MSSQLResultSetViewControllerHelper::stringForValue(const KNValue &value,
         return value.date().toString(DateAndTimeFormat);
     case Time:
         if (value.dateTime().ticks == KNDateTime::TicksPerDay)
-            return QStringLiteral("24:00:00:000"); // which a QTime cannot be
+            return QStringLiteral("24:00:00:000"); // QTime cannot represent it
         return value.date().toString(TimeFormat);
     default:
         return value.date().toString(DateFormat);

@@ -24,7 +24,8 @@ struct AnsweringServers
 
 AnsweringServers &answeringServers()
 {
-    static auto *const servers = new AnsweringServers; // logins may run while the program ends
+    static auto *const servers =
+        new AnsweringServers; // never destroyed: logins may run while the program ends
     return *servers;
 }
 

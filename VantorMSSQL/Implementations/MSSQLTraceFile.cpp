@@ -16,8 +16,8 @@ namespace MSSQLTraceFile {
 
 namespace {
 
-/// Copies lines until the writing end is closed, which the program's end may do: nothing here may need what
-/// is torn down then.
+/// Copies lines until the writing end is closed, which may happen at the program's exit: this function must
+/// not use anything that is destroyed then.
 void copyWithoutLoginSettings(FILE *from, FILE *to)
 {
     char *line = nullptr;
@@ -70,7 +70,7 @@ QString openFiltered(const QString &path)
     if (file < 0 || pipe2(ends, O_CLOEXEC) != 0)
         return QString();
     std::thread(copyWithoutLoginSettings, fdopen(ends[0], "r"), fdopen(file, "w")).detach();
-    // The writing end stays open: db-lib opens it anew by its path.
+    // The writing end stays open: db-lib opens it again by its path.
     return KNFormat("/proc/self/fd/%d", ends[1]);
 }
 

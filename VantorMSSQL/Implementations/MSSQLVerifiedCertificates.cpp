@@ -32,7 +32,8 @@ struct VerifiedCertificates
 
 VerifiedCertificates &verifiedCertificates()
 {
-    static auto *const certificates = new VerifiedCertificates; // logins may run while the program ends
+    static auto *const certificates =
+        new VerifiedCertificates; // never destroyed: logins may run while the program ends
     return *certificates;
 }
 

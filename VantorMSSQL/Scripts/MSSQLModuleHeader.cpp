@@ -27,7 +27,7 @@ bool isWord(const SQLToken &token, const char *word)
            token.text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
 }
 
-/// The name that a token stands for.
+/// The name in a token, without quotes.
 QString plainName(const SQLToken &token)
 {
     if (token.kind == SQLTokenKind::Word)
@@ -39,7 +39,7 @@ QString plainName(const SQLToken &token)
     return name.replace(QString(2, quote), QString(quote));
 }
 
-/// "PROCEDURE" for PROC, the kind in upper case for others; null for what is no kind of object known here.
+/// "PROCEDURE" for PROC, other kinds in upper case; null for unknown kinds of objects.
 QString kindOf(const SQLToken &token)
 {
     if (isWord(token, "PROC"))
@@ -51,11 +51,11 @@ QString kindOf(const SQLToken &token)
     return {};
 }
 
-/// Reads the tokens of a header, blanks left out.
+/// Reads the tokens of a header, without blanks.
 class HeaderReader
 {
 public:
-    /// Reads from `from` on, which is a place between two tokens. Keeps no copy of the text.
+    /// Starts at `from`, a position between two tokens. Keeps a reference to the text.
     explicit HeaderReader(const QString &text, qsizetype from = 0)
         : m_tokenizer(text, TransactSQL)
     {
@@ -72,7 +72,7 @@ public:
             ;
     }
 
-    /// The header whose verb is the current token; nothing when no header begins there.
+    /// The header whose verb is the current token; nullopt if no header begins there.
     std::optional<MSSQLModuleHeader> header()
     {
         MSSQLModuleHeader header;
@@ -144,7 +144,7 @@ std::optional<MSSQLModuleHeader> MSSQLModuleHeader::firstIn(const QString &scrip
         const qsizetype start = reader.token().location;
         if (auto header = reader.header())
             return header;
-        // What began like a header has moved the reader already.
+        // A text that began like a header has already advanced the reader.
         if (!reader.atEnd() && reader.token().location == start)
             reader.advance();
     }

@@ -15,12 +15,12 @@ constexpr qint64 LongestFixed = 255; ///< characters or bytes of a MySQL column 
 
 struct Declaration
 {
-    QString type; ///< with precision and scale where they belong to it
+    QString type; ///< with precision and scale if the type has them
     std::optional<qint64> size;
     QString conversion = {}; ///< as in MSSQLMySQLColumn
 };
 
-/// The values of a variant as text behind a t, or as hexadecimal digits behind an x. Style 2 of CONVERT gives
+/// The values of a variant as text after a t, or as hexadecimal digits after an x. Style 2 of CONVERT returns
 /// hexadecimal digits from SQL Server 2008 on, and sixteen digits of a float.
 const QString VariantConversion = QStringLiteral(
     "CASE"
@@ -50,8 +50,8 @@ bool isNational(const QString &type)
     return type == QLatin1String("nchar") || type == QLatin1String("nvarchar");
 }
 
-/// How MySQL spells a type that it does not have, or means something else by. Types that the rules of
-/// translation speak of stay as they are.
+/// The MySQL spelling of a type that MySQL does not have or that has another meaning there. Types with a
+/// translation rule are unchanged.
 Declaration spelledForMySQL(const Declaration &column)
 {
     static const QHash<QString, Declaration> others{
@@ -75,7 +75,7 @@ Declaration spelledForMySQL(const Declaration &column)
     const QString type = column.type.toLower();
     if (const auto other = others.constFind(type); other != others.constEnd())
         return *other;
-    // MySQL keeps an instant without its offset, and six digits of a second.
+    // MySQL stores an instant without its offset, and six digits of a second.
     if (type.startsWith(QLatin1String("datetimeoffset")))
         return {QStringLiteral("varchar"), 34, offsetConversion(type)};
     if (type == QLatin1String("time(7)"))
@@ -94,7 +94,7 @@ Declaration spelledForMySQL(const Declaration &column)
 /// Columns of "UserDefinedDataType_CreationQuery".
 enum AliasColumn { MaxLength = 4, Size = 5, BaseType = 17 };
 
-/// What the users' types of one table are made of.
+/// The base types of one table's user-defined types.
 class AliasTypes
 {
 public:
@@ -103,7 +103,7 @@ public:
     {
     }
 
-    /// The declaration behind "[schema].[name]"; other types as they are. Blocks on the server.
+    /// The declaration of the alias type "[schema].[name]"; other types are unchanged. Blocks on the server.
     Declaration resolved(const Declaration &column, KNError *error)
     {
         if (!column.type.startsWith(QLatin1Char('[')))

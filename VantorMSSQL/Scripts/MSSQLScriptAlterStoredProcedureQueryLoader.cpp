@@ -20,6 +20,6 @@ QString MSSQLScriptAlterStoredProcedureQueryLoader::script(const VantorDBC &deta
     if (!error)
         return query;
     query = KNFormat("Failed to load query. Error was:\r\n%@", error.localizedDescription());
-    report->unsafeLength = query.size(); // it is no SQL
+    report->unsafeLength = query.size(); // not SQL
     return query;
 }

@@ -27,8 +27,8 @@ QString failureComment(const QString &view, const KNError &error)
                     KNSQLComment::inBlock(view), KNSQLComment::inBlock(error.localizedDescription()));
 }
 
-/// The bare name finds a view in the login's default schema only, and some characters of it mean something
-/// else to OBJECT_ID or get lost in a literal without N.
+/// Whether OBJECT_ID finds the view by its name alone: that works only in the login's default schema, and
+/// some characters have another meaning for OBJECT_ID or are lost in a literal without N.
 bool isFoundByBareName(const VantorDBC &details, const QString &view, const QString &schema)
 {
     const bool isPlain = std::none_of(view.begin(), view.end(), [](QChar c) {
@@ -41,7 +41,7 @@ bool isFoundByBareName(const VantorDBC &details, const QString &view, const QStr
     return isPlain && schema == defaultSchema;
 }
 
-/// The definition as the rest of the script wants it, with what there is to report about it.
+/// Prepares the definition for the script, and reports problems.
 QString preparedDefinition(const QString &definition, const QString &view, const QString &schema,
                            KNQueryReport *report)
 {

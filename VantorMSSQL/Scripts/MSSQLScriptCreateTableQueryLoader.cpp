@@ -8,8 +8,8 @@ namespace {
 
 constexpr auto CreateTableDomain = "mssql.queryLoader.createTableQuery";
 
-/// Whether the catalog query has put a comment in place of something that this login may not see. Such a
-/// script fails, or makes another table.
+/// Whether the catalog query has replaced a part that this login may not see by a comment. Such a script
+/// fails, or creates another table.
 bool hasHiddenPart(const QString &script)
 {
     const QLatin1String mark("may not be seen by this login");

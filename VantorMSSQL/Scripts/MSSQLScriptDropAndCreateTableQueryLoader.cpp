@@ -5,7 +5,7 @@
 
 namespace {
 
-/// The comments at the head of a script, which name what the table that it makes lacks.
+/// The comments at the beginning of a script, which name parts that the new table will lack.
 QStringList headComments(const QString &script)
 {
     const QLatin1String mark("-- ");

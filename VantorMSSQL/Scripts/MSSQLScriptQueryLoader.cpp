@@ -12,7 +12,7 @@ void MSSQLScriptQueryLoader::beginLoadingQuery(const VantorDBC &details)
         try {
             text = self->script(*copy, &report);
         } catch (const KNAssertionFailure &failure) {
-            // It has been logged. The delegate gets no text.
+            // Already logged. The delegate receives no text.
             report.failure = KNError(QStringLiteral("mssql.queryLoader"), 0, failure.message());
         }
         self->deliver(text, std::move(report));

@@ -16,7 +16,7 @@ bool isBlankOrComment(const SQLToken &token)
            token.kind == SQLTokenKind::BlockComment;
 }
 
-/// What generators write between the statements.
+/// The statements that generators write between others.
 bool isSetting(const SQLToken &token)
 {
     const auto words = {"SET", "ANSI_NULLS", "QUOTED_IDENTIFIER", "ON", "OFF", "GO"};
@@ -31,7 +31,7 @@ bool MSSQLScriptReview::mend()
 {
     const QString name = MSSQLObjectPath::quoted({m_subject.name});
     const QString table = MSSQLObjectPath::quoted({m_subject.schema, m_subject.table});
-    // The generators of these two bracket every name: what they write is this, or it is wrong.
+    // The generators of these two kinds bracket every name: any other text is wrong.
     if (m_subject.kind == QLatin1String("INDEX"))
         m_script = KNFormat("DROP INDEX %@.%@", table, name);
     else if (m_subject.kind == QLatin1String("COLUMN"))
@@ -80,7 +80,8 @@ bool MSSQLScriptReview::mendHeader(const SQLToken &verb)
     return true;
 }
 
-/// How generators write the object's name, the longest first: one spelling may begin with another.
+/// The spellings of the object's name that generators use, the longest first: one spelling may begin with
+/// another.
 QStringList MSSQLScriptReview::spellings() const
 {
     QStringList spellings{KNFormat("%@.%@", m_subject.schema, m_subject.name),
@@ -93,7 +94,7 @@ QStringList MSSQLScriptReview::spellings() const
     return spellings;
 }
 
-/// Reads the name behind the statement's words, which `follower` or the script's end follows.
+/// Reads the name after the statement's words; `follower` or the script's end must follow it.
 bool MSSQLScriptReview::mendName(QLatin1String statement, QLatin1String follower)
 {
     const QStringView rest = QStringView(m_script).mid(m_position);

@@ -19,7 +19,7 @@ bool isDefaultSchema(const MSSQLScriptSubject &subject)
            MSSQLDefaultSchemaHelper::sharedInstance()->knownSchemaForDBC(*details) == subject.schema;
 }
 
-/// Why the statement with this header acts on another object; null when it does not.
+/// The reason why the statement with this header acts on another object; null if it does not.
 QString noticeAbout(const MSSQLModuleHeader &header, const MSSQLScriptSubject &subject)
 {
     if (header.kind != subject.kind)

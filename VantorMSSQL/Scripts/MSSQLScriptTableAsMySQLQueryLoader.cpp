@@ -25,7 +25,7 @@ QString failureComment(const QString &table, const KNError &error)
 
 using MSSQLObjectPath::bracketed;
 
-/// A name between backticks.
+/// Quotes a name with backticks.
 QString backticked(QString name)
 {
     return KNFormat("`%@`", name.replace(QLatin1Char('`'), QLatin1String("``")));
@@ -48,8 +48,8 @@ public:
     {
     }
 
-    /// False, with an error, when the columns could not be read. Only what creates the table needs to know
-    /// how wide the values are, which may take a look at all of them.
+    /// False, with an error, if the columns could not be read. Only the CREATE statement needs the width of
+    /// the values, which may require a scan of all of them.
     bool loadColumns(bool isForCreation, KNError *error)
     {
         m_columns = MSSQLMySQLColumn::columnsOf(m_details, m_table, m_schema, error);
@@ -148,7 +148,7 @@ private:
 
     const QString m_table;
     const QString m_schema;
-    const QString m_name; ///< as the script writes it everywhere
+    const QString m_name; ///< in the script's spelling
     const VantorDBC &m_details;
     QList<MSSQLMySQLColumn> m_columns;
     QList<MSSQLMySQLTranslation> m_translations; ///< one for each of m_columns

@@ -26,7 +26,7 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLCatalogSection::loadEntries(KNErro
                                               {sql, m_load.errorDomain, m_load.retry == Retry::OnError},
                                               [&](DatabaseResultSet *rows, const KNError &queryFailure) {
                                                   entries.emplace();
-                                                  // A list that was cut short would pass for a whole one.
+                                                  // A truncated list would look complete.
                                                   if (rows && !queryFailure)
                                                       readRows(*rows, &*entries);
                                               });

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Asks for a member of the federation and opens a connection to it.
+/// Asks the user for a member of the federation and opens a connection to it.
 void connectToFederatedMember(KNWorkspace &workspace,
                               const std::shared_ptr<MSSQLDatabaseTreeEntryFederation> &federation)
 {

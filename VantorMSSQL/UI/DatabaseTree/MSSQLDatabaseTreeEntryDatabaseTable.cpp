@@ -111,7 +111,7 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const
 {
-    // The script that drops a view is used for tables, too.
+    // The DROP script for views is used for tables, too.
     const MSSQLScriptSubject table = scriptSubject();
     return scriptAsMenuItem(
         {{"CREATE to", table.script<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},

@@ -108,7 +108,7 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLDatabaseTreeEntryServer::loadEntri
     m_loaded.databaseNames.clear();
     KNError error;
     List entries = loadDatabases(&m_loaded.databaseNames, &error);
-    // What a failed refresh returns replaces all that was there; only an empty root shows the error.
+    // The result of a failed refresh replaces all children; only an empty root shows the error.
     const Children shown = childEntries();
     if (error && (!shown || shown->empty())) {
         m_loaded.databaseNames.clear();
@@ -155,7 +155,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
             }
             if (*queryFailure || !KNUserDefaults::standardUserDefaults()->boolForKey(AgentEnabledKey))
                 return;
-            KNError agentFailure; // without the agent the databases are still worth having
+            KNError agentFailure; // ignored: the databases are useful without the agent
             if (Ptr agent = loadAgent(client, &agentFailure))
                 entries.push_back(std::move(agent));
             if (agentFailure)
@@ -183,7 +183,7 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryServer::databaseForRow(const Data
     auto database = make<MSSQLDatabaseTreeEntryDatabase>();
     database->setDisplayName(name);
     database->setDatabaseName(isFederated ? boundTo : name);
-    // Why it cannot be opened; a server without the column, as tests have, knows no reason.
+    // The reason why it cannot be opened; servers without this column, as in tests, give none.
     if (constexpr qsizetype Unavailable = 2; row.columnCount() > Unavailable)
         database->setDetails(row.stringForColumnIndex(Unavailable));
     const VantorDBCPtr details = settings().copy();

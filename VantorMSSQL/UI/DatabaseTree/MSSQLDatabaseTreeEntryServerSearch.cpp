@@ -15,8 +15,8 @@ namespace {
 
 constexpr double SlowSeconds = 5.0;
 
-/// Runs a search query and passes its rows. A failure is logged and returned; the rows that came before it
-/// are not all there are.
+/// Runs a search query and passes its rows. A failure is logged and returned; the rows passed before it are
+/// incomplete.
 KNError readSearchRows(const QString &sql, const VantorDBC &settings, bool retryOnError,
                        const std::function<void()> &begin,
                        const std::function<void(const DatabaseResultSet &)> &readRow)
@@ -65,7 +65,7 @@ void MSSQLDatabaseTreeEntryServer::loadSearchResults(const Children &entries)
     const auto server = std::static_pointer_cast<MSSQLDatabaseTreeEntryServer>(shared_from_this());
     KNDispatch::globalQueue([server, entries] {
         if (!server->m_searchLoadSemaphore.tryWait())
-            return; // one is running; this one is dropped
+            return; // another feed is running; this one is skipped
         server->runSearchFeed(entries);
     });
 }
@@ -76,7 +76,7 @@ MSSQLDatabaseTreeEntryServer::SearchFeed MSSQLDatabaseTreeEntryServer::lastSearc
     return m_lastSearchFeed;
 }
 
-/// Runs a feed and gives the semaphore back, which the caller holds.
+/// Runs a feed and releases the semaphore, which the caller holds.
 void MSSQLDatabaseTreeEntryServer::runSearchFeed(const Children &entries)
 {
     const auto signal = qScopeGuard([&] { m_searchLoadSemaphore.signal(); });
@@ -92,7 +92,7 @@ bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(KNError *error)
     const bool isFree = m_searchLoadSemaphore.tryWait();
     if (!isFree)
         m_searchLoadSemaphore.wait();
-    // The feed that was waited for has just brought what is asked for, unless a refresh came between.
+    // The previous feed has just loaded the same entries, unless a refresh came between.
     const SearchFeed last = lastSearchFeed();
     if (!isFree && last.number > before && last.entries == childEntries())
         m_searchLoadSemaphore.signal();
@@ -144,8 +144,8 @@ bool MSSQLDatabaseTreeEntryServer::updateSearchEntries(const Children &entries, 
     return true;
 }
 
-/// A database of Azure sees no other one: each is asked by itself. Those that refuse do not keep the others
-/// from being searched; the error names them.
+/// On Azure a database cannot access others: each is queried separately. A failed database does not stop the
+/// search of the others; the error names it.
 bool MSSQLDatabaseTreeEntryServer::updateSearchEntriesAzure(const std::vector<Database> &databases,
                                                             KNError *error)
 {

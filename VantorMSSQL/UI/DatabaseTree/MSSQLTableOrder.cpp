@@ -14,7 +14,7 @@ const MSSQLDatabaseTreeEntryDatabaseTable *tableOf(const KNDatabaseTreeEntry::Pt
     return dynamic_cast<const MSSQLDatabaseTreeEntryDatabaseTable *>(entry.get());
 }
 
-/// Negative when the left schema goes first. `preferred` is null when no schema is.
+/// Negative if the left schema sorts first. `preferred` is null if no schema is preferred.
 int compareSchemas(const QString &left, const QString &right, const QString &preferred)
 {
     const int order = MSSQLTreeCatalog::compareNames(left, right);
@@ -25,11 +25,11 @@ int compareSchemas(const QString &left, const QString &right, const QString &pre
     return MSSQLTreeCatalog::compareNames(right, preferred) == 0 ? 1 : order;
 }
 
-/// A schema's place among the schemas of a list; those that differ in case only share it.
+/// The rank of each schema in a list; schemas that differ in case only share a rank.
 QHash<QString, int> schemaRanks(const KNDatabaseTreeEntry::List &entries, const QString &preferred)
 {
     QHash<QString, int> ranks;
-    const QString *last = nullptr; // tables of a schema mostly come together
+    const QString *last = nullptr; // tables of a schema are mostly adjacent
     for (const auto &entry : entries) {
         const auto *table = tableOf(entry);
         if (!table || (last && *last == table->schema()))
@@ -52,7 +52,7 @@ QHash<QString, int> schemaRanks(const KNDatabaseTreeEntry::List &entries, const 
 
 } // namespace
 
-/// Schemas in another case follow the default one, but do not go first on their own.
+/// Schemas in another letter case follow the default one, but are not sorted first without it.
 bool MSSQLTableOrder::prefersDefault(const List &entries) const
 {
     return !m_defaultSchema.isEmpty() && std::any_of(entries.begin(), entries.end(), [&](const auto &entry) {

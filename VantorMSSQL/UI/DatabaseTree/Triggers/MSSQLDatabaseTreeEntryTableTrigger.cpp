@@ -60,7 +60,7 @@ KNQueryLoaderPtr MSSQLDatabaseTreeEntryTableTrigger::alterScript() const
     KNQueryReport report = definitionReport();
     const auto header = MSSQLModuleHeader::ofDefinition(m_alterTriggerSQL);
     if (header && header->verb != QLatin1String("ALTER")) {
-        // The first CREATE stands in a comment before the statement.
+        // The first CREATE may be in a comment before the statement.
         if (MSSQLCorrectedStatements::areUsed())
             return script(MSSQLModuleHeader::altering(m_triggerSQL), report);
         report.notices.append(QStringLiteral(

@@ -155,7 +155,7 @@ void MSSQLBrowseServersWindowController::showSearching(bool isSearching)
         m_progress->stop();
 }
 
-/// The row that is selected stays so when its instance has answered again.
+/// Keeps the selected row if its instance has answered again.
 void MSSQLBrowseServersWindowController::reload()
 {
     const auto selected = selectedEntry();

@@ -26,9 +26,9 @@ namespace {
 const QString SourcePath =
     QStringLiteral("UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController");
 
-/// The databases that a login sees. The one in the settings may be half typed, so another login without it is
-/// made if the server refuses that database; never after a refused login, which counts against the account.
-/// Blocks.
+/// The databases that a login can see. The database in the settings may be partly typed, so the login is
+/// repeated without it if the server refuses that database; never after a refused login, which counts against
+/// the account. Blocks.
 QStringList databasesSeenBy(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &details, KNError *error)
 {
     QStringList names;
@@ -71,7 +71,7 @@ MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent
         if (chosen)
             populateRecentConnection(*chosen);
     });
-    // Another server or login sees other databases.
+    // Another server or login has other databases.
     for (const QLineEdit *const field : {m_form->server->lineEdit(), m_form->account, m_form->password})
         connect(field, &QLineEdit::textEdited, m_form->database, [this] { m_form->database->setTexts({}); });
     connect(this, &ConnectionWindowController::optionsChanged, this,
@@ -105,7 +105,7 @@ void MSSQLConnectionWindowController::showEvent(QShowEvent *event)
     ConnectionWindowController::showEvent(event);
 }
 
-/// The list of servers, and, once, the fields: of the entry that is edited, or of the first one.
+/// Fills the list of servers and, the first time, the fields: with the edited entry, or with the first one.
 void MSSQLConnectionWindowController::fillServers()
 {
     const QString current = m_form->server->currentText();
@@ -177,7 +177,7 @@ void MSSQLConnectionWindowController::onSave()
     endSheetWithReturnCode(KNModalResponseSaveWithoutConnecting);
 }
 
-/// Remembers them, and gives them the identity of their entry.
+/// Stores the settings, and assigns them the id of their entry.
 void MSSQLConnectionWindowController::saveConnectionDetails(const Details &details)
 {
     const auto entry = std::make_shared<MSSQLRecentConnection>();
@@ -210,7 +210,7 @@ void MSSQLConnectionWindowController::onConnectAndSave()
     tryToConnect(details, true);
 }
 
-/// The background alone works with the settings until it has answered.
+/// Only the background work uses the settings until it has finished.
 void MSSQLConnectionWindowController::tryToConnect(const Details &details, bool mayAskForHostKey)
 {
     KNAssert(details != nullptr, "localDatabaseConnectionDetails cannot be nil", SourcePath.toUtf8());
@@ -280,7 +280,7 @@ void MSSQLConnectionWindowController::listDatabases()
 void MSSQLConnectionWindowController::databasesListed(const QStringList &names, const KNError &error)
 {
     m_isListing = false;
-    // The fields may be of another server by now.
+    // The fields may describe another server by now.
     const bool isCurrent =
         m_databaseListerConnectionDetails->host() == m_form->server->currentText().trimmed();
     if (error) {

@@ -12,7 +12,7 @@ KNMenu MSSQLDatabaseTreeEntrySectionTypes::menu()
 
 KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntrySectionTypes::makeEntries()
 {
-    // Types that are neither are not shown.
+    // Other types are not shown.
     return {make<MSSQLDatabaseTreeEntrySectionTypeSection>(0),
             make<MSSQLDatabaseTreeEntrySectionTypeSection>(1)};
 }
