@@ -32,8 +32,8 @@ int listTitles(const KNSystemDatabaseQueryHelper &queries)
     return ExitSuccess;
 }
 
-/// The text with its placeholders replaced by "NAME=VALUE" arguments; empty, with an error, when one is
-/// missing or too much.
+/// The text with its placeholders replaced by "NAME=VALUE" arguments; nullopt, with an error, if one is
+/// missing or unknown.
 std::optional<QString> filled(const QString &text, const QStringList &arguments, KNError *error)
 {
     const auto usageError = [&](const QString &problem) {
@@ -71,7 +71,7 @@ void addArguments(QCommandLineParser &parser)
                                  text("[NAME=VALUE...]"));
 }
 
-/// Connects and does the work, which returns the exit status.
+/// Connects and runs the work, which returns the exit status.
 int onServer(const ConnectionOptions &options, const VantorDBCPtr &settings,
              const std::function<int(VantorDatabaseClient &client, InterruptWatcher &interrupts)> &work)
 {

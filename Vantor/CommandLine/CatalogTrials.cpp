@@ -39,7 +39,7 @@ private:
         fflush(stdout);
     }
 
-    /// What came of one query.
+    /// The result of one query.
     struct Outcome
     {
         KNError error;
@@ -47,8 +47,7 @@ private:
         qint64 milliseconds = 0;
     };
 
-    /// Tries one query on one object after the other until one has what it asks for: not every table has
-    /// foreign keys.
+    /// Tries a query on one object after the other until it returns rows: not every table has foreign keys.
     QString tryOut(const KNQueryTrial &trial)
     {
         const QList<Columns> objects =
@@ -98,11 +97,11 @@ private:
         return columns;
     }
 
-    static constexpr qsizetype MostObjects = 50; ///< that one query is tried on
+    static constexpr qsizetype MostObjects = 50; ///< maximum number of objects for one query
 
     VantorDatabaseClient &m_client;
     const KNSystemDatabaseQueryHelper &m_queries;
-    QHash<QString, QList<Columns>> m_firstRows; ///< by title, of the queries that gave rows
+    QHash<QString, QList<Columns>> m_firstRows; ///< by title, of the queries that returned rows
     int m_failures = 0;
 };
 

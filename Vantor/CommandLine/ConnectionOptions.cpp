@@ -12,7 +12,7 @@ std::nullopt_t usageError(KNError *error, const QString &text)
     return std::nullopt;
 }
 
-/// What the arguments say about encryption, as session parameters; empty when they do not fit together.
+/// The encryption arguments as session parameters; nullopt if they are contradictory.
 std::optional<QVariantMap> encryptionFrom(const QCommandLineParser &parser, KNError *error)
 {
     const auto isSet = [&](const char *option) { return parser.isSet(QString::fromLatin1(option)); };
@@ -28,7 +28,7 @@ std::optional<QVariantMap> encryptionFrom(const QCommandLineParser &parser, KNEr
                 error, KNFormat("\"%@\" is no kind of encryption. Use off, request or require.", mode));
         if (mode == QLatin1String("off") && saysWhomToTrust)
             return usageError(error, QStringLiteral("Without encryption there is no certificate to trust."));
-        // A certificate can be verified only where the server cannot be made to do without encryption.
+        // A certificate is verified only if the server cannot avoid encryption.
         parameters.insert(QStringLiteral("encryption"), isSet("trust") ? QStringLiteral("require") : mode);
     }
     if (isSet("trust") && isSet("trust-server-certificate"))

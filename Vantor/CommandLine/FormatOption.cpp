@@ -8,7 +8,7 @@ namespace {
 const QString Name = QStringLiteral("format");
 const QString Default = QStringLiteral("table");
 
-/// "table, csv or json", with a remark behind the default.
+/// "table, csv or json", with a remark after the default.
 QString listOfFormats(const QString &remark)
 {
     QStringList names = ResultFormat::namesFor(ResultFormat::Terminal);

@@ -11,7 +11,7 @@ namespace {
 constexpr unsigned SecondsToEnd = 2;
 constexpr eventfd_t EndOfWatching = 1u << 30;
 
-// What the signal handlers touch: they may do no more than write to a descriptor, set an alarm or exit.
+// Variables that the signal handlers use: handlers may only write to a descriptor, set an alarm or exit.
 std::atomic<int> wakeUp = -1;
 std::atomic<int> interruptCount = 0;
 std::atomic<int> statusOfInterrupt = 1;

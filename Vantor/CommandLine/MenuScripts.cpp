@@ -20,7 +20,7 @@ KNQueryLoaderPtr scriptOf(const KNMenuItem &item)
     return script ? *script : nullptr;
 }
 
-/// The one script that all items of a menu carry; null when they carry none or different ones.
+/// The script that all items of a menu share; null if they have none or different ones.
 KNQueryLoaderPtr commonScript(const KNMenu &menu)
 {
     const KNQueryLoaderPtr first = menu.items.empty() ? nullptr : scriptOf(menu.items.front());
@@ -49,7 +49,7 @@ std::vector<TitledScript> scriptsOf(const KNMenu &menu)
     return scripts;
 }
 
-/// Keeps the text that arrives on whatever thread.
+/// Stores the text, which may arrive on any thread.
 class Receiver : public KNQueryLoaderDelegate
 {
 public:

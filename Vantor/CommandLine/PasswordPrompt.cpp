@@ -1,4 +1,4 @@
-// Asking for a text without echo.
+// Prompts for a text without echo.
 #include "CommandLine/Terminal.h"
 #include "Foundation/KNTerminalText.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 volatile sig_atomic_t pendingSignal = 0;
 
-/// Catches, for its life, the signals that end or stop a program; they end a read().
+/// Catches, during its lifetime, the signals that end or stop a program; they interrupt read().
 class CaughtSignals
 {
 public:
@@ -38,7 +38,7 @@ private:
     struct sigaction m_previous[std::size(Signals)] = {};
 };
 
-/// Switches a terminal's echo off for its life.
+/// Switches a terminal's echo off during its lifetime.
 class SilentTerminal
 {
 public:
@@ -64,7 +64,8 @@ private:
     bool m_isSilent = false;
 };
 
-/// Reads a line without echo; empty at the end of the input or when a signal came, which is `pendingSignal`.
+/// Reads a line without echo; nullopt at the end of the input or after a signal, which is stored in
+/// `pendingSignal`.
 std::optional<QByteArray> readSilently(int terminal)
 {
     const CaughtSignals signals;
@@ -109,7 +110,7 @@ std::optional<QString> Terminal::promptWithoutEcho(const QString &prompt)
             break;
         if (pendingSignal == SIGINT)
             _exit(ExitCancelled);
-        // Ends the program, or stops it until it is continued, when the question is asked again.
+        // Ends the program, or stops it; after it is continued, the prompt is repeated.
         raise(pendingSignal);
         asks = true;
     }

@@ -36,13 +36,13 @@ QueryPrinter::QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool
 bool QueryPrinter::printUntil(const std::atomic<bool> &done)
 {
     for (;;) {
-        // Read before looking for results: whatever comes later comes before it turns true.
+        // Read before the results: all results exist before it becomes true.
         const bool wasDone = done;
         const QList<KNDatabaseResultSetPtr> resultSets = m_holder.takeResultSets();
         for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
             if (!goesOn())
                 return false;
-            // The messages of a result are complete when the next one is there.
+            // The messages of a result are complete once the next one exists.
             for (const KNDatabaseResultSetPtr &finished : std::as_const(m_awaitingMessages))
                 printMessages(*finished);
             m_awaitingMessages = {resultSet};
@@ -54,7 +54,7 @@ bool QueryPrinter::printUntil(const std::atomic<bool> &done)
             continue;
         if (wasDone)
             return true;
-        // Not woken by each of thousands of small results: that would cost more than printing them.
+        // Not woken by every small result: that would cost more than printing them.
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
         m_spinner.tick(m_holder.totalResultCount());
     }
@@ -99,11 +99,11 @@ void QueryPrinter::printRows(KNDatabaseResultSet &resultSet)
     m_writer.endResult();
 }
 
-/// Writes the published rows from a number on; returns the number of the first one that was not written.
+/// Writes the published rows from a row number on; returns the number of the first row that was not written.
 qsizetype QueryPrinter::printRowsFrom(qsizetype first, const KNRowStore &rows, qsizetype columnCount)
 {
     constexpr qsizetype RowsBetweenQuestions = 256;
-    KNRowReader reader(rows); // a new one, for blocks of memory go when rows are discarded
+    KNRowReader reader(rows); // a new one, because discarding rows frees blocks of memory
     m_cells.resize(static_cast<std::size_t>(columnCount));
     const qsizetype end = rows.rowCount();
     for (qsizetype row = first; row < end; ++row) {
@@ -135,7 +135,7 @@ void QueryPrinter::printMessages(const KNDatabaseResultSet &resultSet)
 
 void QueryPrinter::printSummary(const KNDisplayMessage &message) const
 {
-    // The red ones repeat what was printed as messages of the server.
+    // Red summaries repeat errors that were printed as messages of the server.
     if (m_withSummaries && message.colour == KNDisplayMessage::Colour::Black && !message.text.isEmpty())
         Terminal::printError(message.text, Terminal::Colour::Grey);
 }

@@ -8,7 +8,7 @@ ExitStatus ServerConnection::prepare(const ConnectionOptions &options, const Van
                                      KNError *error)
 {
     m_settings = settings;
-    // Before any child process starts, and also where no password is needed.
+    // Before any child process starts, even if no password is needed.
     auto password = TakeEnvironmentPassword();
     if (options.writesTrace) {
         const QString trace = settings->startProtocolTrace();

@@ -49,7 +49,7 @@ qint64 StandardOutput::writeData(const char *data, qint64 size)
 bool StandardOutput::writeAll(const char *data, qint64 size)
 {
     while (size > 0) {
-        // A pipe that is ready takes that many bytes without blocking.
+        // A writable pipe accepts this number of bytes without blocking.
         const qint64 piece = m_mayBlock ? std::min<qint64>(size, PIPE_BUF) : size;
         if (m_mayBlock && !waitUntilWritable())
             return false;
@@ -64,8 +64,8 @@ bool StandardOutput::writeAll(const char *data, qint64 size)
     return true;
 }
 
-/// False when the output was abandoned and nobody reads. A reader that is only slow gets the rest of what is
-/// being written, so that the last line is whole.
+/// False if the output was abandoned and is not read. A slow reader still receives the rest of the current
+/// write, so that the last line is complete.
 bool StandardOutput::waitUntilWritable() const
 {
     constexpr int PatienceMilliseconds = 200;

@@ -7,8 +7,8 @@
 
 namespace {
 
-/// By the byte-order mark. Without one, text with a NUL in every other byte of its beginning is UTF-16: SQL
-/// has letters of ASCII, and no text in UTF-8 has NULs.
+/// Detects the encoding by the byte-order mark. Without one, text with a NUL in every other byte of its
+/// beginning is UTF-16: SQL contains ASCII letters, and UTF-8 text has no NULs.
 QStringConverter::Encoding encodingOf(const QByteArray &bytes)
 {
     constexpr qsizetype Beginning = 4096;
@@ -41,7 +41,7 @@ std::optional<QString> readTextInput(const QString &file, KNError *error)
     const auto encoding = encodingOf(bytes);
     QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless);
     const QString text = decoder(bytes);
-    // The decoder keeps to itself what is left of half a character.
+    // The decoder keeps the bytes of an incomplete character.
     const bool isCut = encoding != QStringConverter::Utf8 &&
                        (bytes.size() % 2 != 0 || (!text.isEmpty() && text.back().isHighSurrogate()));
     if (decoder.hasError() || isCut) {

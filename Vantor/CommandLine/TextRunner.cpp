@@ -21,8 +21,8 @@ QList<KNQueryDetails> batchesOf(const QString &text, const VantorDBC &settings)
     return splitter->doSplitQuery(text);
 }
 
-/// Prints results until the run is done. False when printing ended before, for a reader that went away or for
-/// lack of memory.
+/// Prints results until the run has finished. False if printing stopped earlier because the reader closed the
+/// output or memory was exhausted.
 bool printResults(QueryPrinter &printer, const std::atomic<bool> &done, bool *isOutOfMemory)
 {
     try {

@@ -35,10 +35,10 @@ void addArguments(QCommandLineParser &parser, const char *description)
         text("[PATH]"));
 }
 
-/// What a command does with a tree, whose root is loaded, and the names of its path.
+/// The work of a command on a tree, whose root is loaded, with the names of its path.
 using Work = std::function<int(TreeLoader &loader, const QStringList &names)>;
 
-constexpr qsizetype OnlyAPath = 1; ///< how many arguments a command takes
+constexpr qsizetype OnlyAPath = 1; ///< number of arguments that a command accepts
 constexpr qsizetype PathAndTitle = 2;
 
 int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const QStringList &names,
@@ -83,14 +83,14 @@ int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCo
     return onTree(*options, settings, *names, work);
 }
 
-/// An entry that is not there is a usage error, one that could not be loaded an error of the server.
+/// A missing entry is a usage error; an entry that could not be loaded is a server error.
 int failToFind(const KNError &error)
 {
     const bool isUsage = error.domain() == text("com.quorvex.vantor.cli");
     return Terminal::fail(isUsage ? ExitUsage : ExitSqlError, error.localizedDescription());
 }
 
-/// Writes the script with this title that the entry's menu offers, or the titles when there is none given.
+/// Writes the script with this title from the entry's menu, or the list of titles if none is given.
 int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
 {
     const KNMenu menu = entry.menu();

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int LongWait = 1000; // milliseconds; what is waited for wakes the main queue up
+constexpr int LongWait = 1000; // milliseconds; the end of a load wakes the main queue
 
 KNError failure(const QString &text)
 {

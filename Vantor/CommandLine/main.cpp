@@ -43,7 +43,7 @@ constexpr Command Commands[] = {
     {"menu", runMenuCommand},   {"script", runScriptCommand},   {"split", runSplitCommand},
 };
 
-/// Null when there is none of that name.
+/// Null if there is no such command.
 const Command *findCommand(const QString &name)
 {
     const auto *found = std::find_if(std::begin(Commands), std::end(Commands),
@@ -59,7 +59,7 @@ QStringList argumentTexts(int count, char **arguments)
     return texts;
 }
 
-/// The first connector that can be used. What is wrong with the others is told.
+/// Loads the first usable connector and reports problems with the others.
 KNConnectorPlugin *loadConnector()
 {
     QStringList problems;
@@ -94,13 +94,13 @@ int run(const QStringList &arguments)
     return found->run(arguments.mid(2), connector->createConnectionDetails());
 }
 
-/// Qt's own complaints go to the log: standard error holds messages of the server and of this program.
+/// Qt's own messages are logged: standard error is for messages of the server and of this program.
 void logQtMessage(QtMsgType, const QMessageLogContext &, const QString &text)
 {
     KNLogHelper::sharedInstance()->logMessage(text);
 }
 
-/// Fails for what the C library could not write, which a command does not look at.
+/// Returns a failure if the C library could not write its buffers, which commands do not check.
 int withOutputChecked(int status)
 {
     const bool isWritten = fflush(stdout) == 0 && !ferror(stdout);
@@ -114,7 +114,7 @@ int withOutputChecked(int status)
 int main(int argc, char **argv)
 {
     qInstallMessageHandler(logQtMessage);
-    // Usage lines begin with the program's name as Qt knows it: with the command's.
+    // Usage lines begin with Qt's program name, which therefore includes the command's.
     std::string name = "vantor-cli";
     if (argc > 1 && findCommand(QString::fromLocal8Bit(argv[1])))
         name = name + ' ' + argv[1];
@@ -123,7 +123,7 @@ int main(int argc, char **argv)
         argv[0] = name.data();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vantor-cli"));
-    // The width of characters on the terminal follows its locale; numbers do not.
+    // The width of characters on the terminal depends on its locale; the number format does not.
     std::setlocale(LC_CTYPE, "");
     try {
         return withOutputChecked(run(arguments));

@@ -10,7 +10,7 @@ std::optional<QString> TakeEnvironmentPassword()
     if (!value)
         return std::nullopt;
     const QString password = QString::fromLocal8Bit(value);
-    // unsetenv() leaves the bytes where the kernel shows them to other processes of this user.
+    // unsetenv() does not erase the bytes, which the kernel shows to other processes of this user.
     explicit_bzero(value, std::strlen(value));
     unsetenv(Variable);
     return password;

@@ -23,7 +23,7 @@ namespace {
 const QByteArray PasswordVariable = "VANTOR_PRIVATE_SAMPLE_PASSWORD";
 constexpr char UserName[] = "sample";
 
-/// Reads up to a line end; what came so far when the time has passed or the pipe was closed.
+/// Reads up to a line end; returns the text so far if the time has passed or the pipe was closed.
 QByteArray readLine(int descriptor, int timeoutMilliseconds)
 {
     QByteArray line;
@@ -67,7 +67,7 @@ bool SampleServerProcess::launch(KNError *error)
     if (pipe2(output, O_CLOEXEC) != 0)
         return fail(QString::fromLocal8Bit(strerror(errno)), error);
 
-    // Everything that allocates is made before the fork.
+    // All memory is allocated before the fork.
     const QByteArray path = QFile::encodeName(program);
     QByteArray user(UserName);
     QByteArray variable = PasswordVariable;
@@ -89,7 +89,7 @@ bool SampleServerProcess::launch(KNError *error)
     const pid_t parent = getpid();
     m_process = fork();
     if (m_process == 0) {
-        // The server ends with this program, however that ends, and does not hear its Ctrl-C.
+        // The server ends with this program, even after a crash, and does not receive its Ctrl-C.
         prctl(PR_SET_PDEATHSIG, SIGTERM);
         setpgid(0, 0);
         if (getppid() != parent)

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The identity under which what belongs to the sample server is kept.
+/// The connection id under which data of the sample server is stored.
 const QString SampleConnectionId = QStringLiteral("sample-server");
 
 } // namespace
@@ -65,14 +65,14 @@ MainWindow *Application::openConnection(const VantorDBC &details)
 
 const KNConnectorUserInterface *Application::connectorWindows() const
 {
-    // By the interface's name, which holds its version: a module may be older than the program.
+    // Found by the interface's name, which includes its version: a module may be older than the program.
     return qobject_cast<KNConnectorUserInterface *>(dynamic_cast<QObject *>(m_connector));
 }
 
 void Application::openSampleServer()
 {
     if (m_sampleServer) {
-        // One that is still starting opens its window by itself.
+        // A server that is still starting opens its window when it is ready.
         if (m_isSampleServerReady)
             sampleServerIsReady({});
         return;

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The program that goes on when a programming error reaches the event loop: it is logged and told.
+/// Continues when a programming error reaches the event loop: it is logged and shown.
 class DesktopApplication : public QApplication
 {
 public:
@@ -60,7 +60,7 @@ int main(int argc, char **argv)
     QApplication::setApplicationDisplayName(QStringLiteral("Vantor"));
     QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvex.vantor"));
-    // Passwords are the desktop's secrets where it keeps any, and in a private file otherwise.
+    // Passwords are stored in the desktop's secret service if there is one, otherwise in a private file.
     KNKeyValueStore::setShared(std::make_shared<KNFallbackStore>(
         std::make_shared<KNKeychainStore>(QStringLiteral("vantor")), KNKeyValueStore::shared()));
     new Theme(qApp);

@@ -37,7 +37,7 @@ QString nameOf(const VantorDBC &details)
     return details.alias().isEmpty() ? details.host() : details.alias();
 }
 
-/// The widget below a strip in the connection's colour, where it has one.
+/// The widget below a strip in the connection's colour, if it has one.
 QWidget *withColour(QWidget *widget, const QString &colour)
 {
     if (colour.isNull())
@@ -157,7 +157,7 @@ void MainWindow::showDocument(KNDocumentTab *document)
     document->setFocus();
 }
 
-/// The only place that knows queries among the documents.
+/// The only code that distinguishes queries from other documents.
 std::unique_ptr<QueryTab> MainWindow::makeQueryTab(const VantorDBC &details)
 {
     auto tab = std::make_unique<QueryTab>(details);
@@ -274,7 +274,7 @@ void MainWindow::openFiles(const QStringList &paths)
     }
 }
 
-/// An unused document in front gives its place to the file.
+/// The file replaces an unused current document.
 KNError MainWindow::openFile(const QString &path)
 {
     const QList<KNDocumentTab *> open = documents();
@@ -383,7 +383,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->ignore();
     m_tabs->prepareToEndSession([this] {
         m_mayClose = true;
-        // This may still be inside the event that asked for it.
+        // Deferred: the event that requested it may still be processed.
         QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
     });
 }

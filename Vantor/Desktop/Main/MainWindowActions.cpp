@@ -16,7 +16,7 @@ QKeySequence keys(const char *text)
     return QKeySequence(QString::fromLatin1(text));
 }
 
-/// Each by itself: a window that has something to ask keeps no other from closing.
+/// Closes each window separately: one that asks a question does not keep others from closing.
 void closeEveryWindow()
 {
     for (QWidget *const window : QApplication::topLevelWidgets()) {

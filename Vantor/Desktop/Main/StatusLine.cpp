@@ -32,7 +32,7 @@ QLabel *StatusLine::addLabel(const QString &accessibleName)
 
 void StatusLine::setServer(const QString &server, const QString &version)
 {
-    // A version is a page of text; its first line names the product.
+    // A version text has many lines; the first one names the product.
     const QString product =
         version.section(QLatin1Char('\n'), 0, 0).section(QStringLiteral(" ("), 0, 0).simplified();
     m_server->setText(product.isEmpty() ? server : KNFormat("%@ · %@", server, product));

@@ -15,7 +15,7 @@
 
 namespace {
 
-// The desktop's own wish comes through its portal, as every desktop has it.
+// The desktop's setting is read through its portal, which every desktop supports.
 const QString Service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString Path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString Interface = QStringLiteral("org.freedesktop.portal.Settings");
@@ -85,7 +85,7 @@ void Theme::desktopChanged(const QString &group, const QString &key, const QDBus
 void Theme::setDesktopScheme(const QVariant &value)
 {
     constexpr uint PrefersDark = 1;
-    // Some portals wrap the value once more.
+    // Some portals wrap the value twice.
     const QVariant inner = value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value;
     m_isDesktopDark = inner.toUInt() == PrefersDark;
     apply();

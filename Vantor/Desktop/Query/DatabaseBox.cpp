@@ -20,7 +20,7 @@ DatabaseBox::DatabaseBox(QWidget *parent)
     lineEdit()->setPlaceholderText(tr("Default database"));
     connect(this, &QComboBox::activated, this, &DatabaseBox::choose);
     connect(lineEdit(), &QLineEdit::returnPressed, this, &DatabaseBox::choose);
-    // A name that was typed and not entered is not where the session is.
+    // A typed name that was not confirmed is not the session's database.
     connect(lineEdit(), &QLineEdit::editingFinished, this, [this] {
         if (!lineEdit()->hasFocus())
             setEditText(m_current);

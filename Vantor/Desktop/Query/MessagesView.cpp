@@ -73,7 +73,7 @@ void MessagesView::clearMessages()
     Q_EMIT errorCountChanged(0);
 }
 
-/// A result's messages are complete when the next result is there, or when the run is over.
+/// A result's messages are complete once the next result exists, or after the run.
 void MessagesView::takeFinishedResults(bool all)
 {
     if (!m_results)
@@ -103,7 +103,7 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
         m_silentSummary = messages.value(0).text;
     for (const KNDisplayMessage &message : isSilent ? QList<KNDisplayMessage>() : messages) {
         const bool red = message.colour == KNDisplayMessage::Colour::Red;
-        if (!red || !saysErrors) // the red ones repeat what the server has said
+        if (!red || !saysErrors) // red ones repeat the server's errors
             add({message.text, red, 0});
     }
     if (const qsizetype dropped = result.rows().droppedRowCount())
@@ -189,7 +189,7 @@ void MessagesView::activate(const QTextCursor &cursor)
         Q_EMIT lineActivated(line);
 }
 
-/// Messages that are shown already change to the red that suits the background.
+/// Recolours messages that are already shown, to suit the background.
 void MessagesView::changeEvent(QEvent *event)
 {
     QPlainTextEdit::changeEvent(event);

@@ -11,7 +11,7 @@ QList<KNQueryDetails> split(const QString &text, const VantorDBC &details)
     return splitter->doSplitQuery(text);
 }
 
-/// The batch that begins last before the place, or the first one.
+/// The last batch that begins before the position, or the first one.
 QList<KNQueryDetails> batchAt(qsizetype location, const QList<KNQueryDetails> &batches)
 {
     if (batches.isEmpty())

@@ -45,13 +45,13 @@ void QueryDocument::restore(const QString &path, const QString &text, bool isMod
 {
     KNError ignored;
     QString onDisk;
-    // For the file's encoding, and to notice later whether it changes.
+    // Needed for the file's encoding, and to detect later changes.
     const bool isReadable = !path.isEmpty() && m_file.read(path, &onDisk, &ignored);
     if (isModified && !path.isEmpty() && !isReadable)
         m_file.setPath(path);
     const QString before = isReadable || isModified ? onDisk : text;
     m_editor->setWholeText(before);
-    if (isModified) // undoing it gives what is in the file
+    if (isModified) // so that undo restores the file's text
         m_editor->replaceRanges({{{0, before.size()}, text}});
     Q_EMIT titleChanged();
 }

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <condition_variable>
 
-/// What the worker and those who cancel share. It outlives the run.
+/// The state that the worker and the cancelling threads share. It outlives the run.
 struct QueryRun::Work
 {
     enum class Phase { Connecting, Running, Done };
@@ -67,7 +67,7 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
         phase = Phase::Running;
     }
     results->setRowLimit(request.rowLimit);
-    // Before they run: the session may be lost with what they have done.
+    // Recorded before they run: the session may be lost with their changes.
     for (const KNQueryDetails &batch : batches)
         connection->addSessionState(client.sessionStateAfter(batch.targetQuery));
     client.executeQueryDetails(batches, *results, {}, error);
@@ -91,7 +91,7 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
     }
 }
 
-/// A cancel that comes just before the client has begun finds nothing to stop, so it is repeated.
+/// A cancel just before the client starts finds nothing to stop, so it is repeated.
 void QueryRun::Work::cancelUntilDone()
 {
     std::unique_lock lock(mutex);
@@ -122,7 +122,7 @@ QueryRun::~QueryRun()
     blockSignals(true);
     if (!m_isFinished)
         cancel();
-    // What was left behind may close its connection, which waits for the server.
+    // The last reference may close the connection, which waits for the server.
     KNDispatch::globalQueue([work = std::move(m_work)] {});
 }
 

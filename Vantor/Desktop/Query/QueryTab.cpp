@@ -422,7 +422,7 @@ void QueryTab::changeDatabase(const QString &name)
     });
 }
 
-/// `name` is the database that was wanted, `database` the one that the session is in.
+/// `name` is the requested database, `database` the session's current one.
 void QueryTab::endChangeOfDatabase(const QString &name, const QString &database, const KNError &error)
 {
     m_isChangingDatabase = false;
@@ -435,7 +435,7 @@ void QueryTab::endChangeOfDatabase(const QString &name, const QString &database,
         next();
 }
 
-/// Nothing runs on a new session before the user knows what was lost with the old one.
+/// Nothing runs on a new session before the user is told what was lost with the old one.
 void QueryTab::askAboutLostSession(const KNError &error, std::function<void()> proceed)
 {
     const KNAlerts::Question question{error.localizedDescription(),

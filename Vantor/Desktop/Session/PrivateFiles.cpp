@@ -18,7 +18,7 @@ QString PrivateFiles::dataFolder(const QString &name)
 
 QString PrivateFiles::fileNameFor(const QString &text)
 {
-    // A leading dot would hide the file, or lead out of its folder.
+    // A leading dot would hide the file, or refer to a parent folder.
     const QByteArray name = QUrl::toPercentEncoding(text).left(200);
     return QString::fromLatin1(name.startsWith('.') ? "%2E" + name.mid(1) : name);
 }

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// One for all: two histories of a connection have the same file.
+/// Shared by all instances: two histories of a connection use the same file.
 KNSerialQueue &queue()
 {
     static KNSerialQueue queue;
@@ -54,7 +54,7 @@ std::optional<QueryHistoryEntry> fromLine(const QByteArray &line)
     return entry.time.isValid() && !entry.text.isEmpty() ? std::optional(entry) : std::nullopt;
 }
 
-/// The oldest first.
+/// Returns the oldest first.
 QList<QueryHistoryEntry> read(const QString &path)
 {
     QList<QueryHistoryEntry> entries;
@@ -68,7 +68,7 @@ QList<QueryHistoryEntry> read(const QString &path)
     return entries;
 }
 
-/// Adds whole lines in one write, behind what other programs may have added.
+/// Appends whole lines in one write, after lines that other programs may have added.
 bool append(const QString &path, const QByteArray &line)
 {
     if (!KNMakePrivateFolder(QFileInfo(path).path()))
@@ -80,14 +80,14 @@ bool append(const QString &path, const QByteArray &line)
     struct stat before = {};
     const bool written = ::fstat(file, &before) == 0 &&
                          ::write(file, line.constData(), static_cast<size_t>(line.size())) == line.size();
-    // Half a line would spoil the next one.
+    // An incomplete line would damage the next one.
     if (!written && ::ftruncate(file, before.st_size) != 0)
         KNLogHelper::sharedInstance()->logMessage("The history may hold half an entry: %@", path);
     ::close(file);
     return written;
 }
 
-/// Keeps the newest entries, half of what is allowed so that it does not happen at every run.
+/// Keeps the newest entries, half of the limit, so that it does not happen at every run.
 void shorten(const QString &path)
 {
     if (QFileInfo(path).size() <= QueryHistory::MostBytes)

@@ -26,7 +26,7 @@ struct StoredTab
 const QString IdKey = QStringLiteral("id");
 const QString KindKey = QStringLiteral("kind");
 const QString PositionKey = QStringLiteral("position");
-const QString KindOfOldFiles = QStringLiteral("query"); // files before there were other kinds
+const QString KindOfOldFiles = QStringLiteral("query"); // for files from before other kinds existed
 
 QByteArray toJson(const KNDocumentState &state, int position)
 {
@@ -76,7 +76,7 @@ QString fileOf(const QString &folder, const QString &id)
 
 } // namespace
 
-/// What is to be written, and the one thread at a time that does it.
+/// The pending writes, and the single thread that writes them.
 struct TabSession::Writer
 {
     QString folder;
@@ -102,7 +102,7 @@ struct TabSession::Writer
             KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
             succeeded = false;
             const std::lock_guard lock(mutex);
-            pending.emplace(id, tab); // unless a newer state is there
+            pending.emplace(id, tab); // unless there is a newer state
         }
         return succeeded;
     }
@@ -127,8 +127,8 @@ TabSession::~TabSession()
     flush();
 }
 
-/// The first folder that no other program has open is this session's. What programs that are gone have left
-/// in others comes to it.
+/// Uses the first folder that no other program has open. Files that ended programs have left in other folders
+/// are moved to it.
 void TabSession::openFolder(const QString &connectionId)
 {
     const QString base =
@@ -142,7 +142,7 @@ void TabSession::openFolder(const QString &connectionId)
             return;
         }
         auto lock = std::make_unique<QLockFile>(folder + QStringLiteral("/lock"));
-        lock->setStaleLockTime(0); // however old: it counts while its program lives
+        lock->setStaleLockTime(0); // a lock is valid as long as its program runs, regardless of its age
         if (!lock->tryLock())
             continue;
         const QList<KNDocumentState> states = readTabs(folder);

@@ -19,7 +19,7 @@ QFont boldFont(const QStyleOptionViewItem &option)
     return font;
 }
 
-/// One of two colours, the nearer to the first the greater `share`.
+/// Mixes two colours; a greater `share` is nearer to the first.
 QColor mixed(const QColor &first, const QColor &second, double share)
 {
     const auto channel = [&](int a, int b) { return static_cast<int>(a * share + b * (1 - share)); };

@@ -108,7 +108,7 @@ void StartWindow::makeContextMenu()
         connect(action, &QAction::triggered, this, slot);
         m_view->addAction(action);
     };
-    // The Return key comes through the view.
+    // The view handles the Return key.
     add(tr("Connect"), {}, &StartWindow::connectToSelected);
     add(tr("Edit…"), QKeySequence(Qt::Key_F2), &StartWindow::editSelected);
     add(tr("Duplicate"), QKeySequence(Qt::CTRL | Qt::Key_D), &StartWindow::duplicateSelected);
@@ -116,7 +116,7 @@ void StartWindow::makeContextMenu()
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-/// In the filter's field the arrow keys go through the list.
+/// In the filter's field the arrow keys move the selection in the list.
 bool StartWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_filter && event->type() == QEvent::KeyPress) {
