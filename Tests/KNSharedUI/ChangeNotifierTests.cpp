@@ -47,7 +47,7 @@ TEST(ChangeNotifier, MakesAFewCallsForAMillionChanges)
     EXPECT_LE(calls, elapsed.elapsed() / 50 + 2);
 }
 
-TEST(ChangeNotifier, KeepsQuietWithoutChanges)
+TEST(ChangeNotifier, MakesNoCallWithoutChanges)
 {
     int calls = 0;
     const KNChangeNotifier notifier([&] { ++calls; }, 5ms);
@@ -104,7 +104,7 @@ TEST(ChangeNotifier, MakesNoCallOnceItIsDestroyed)
     EXPECT_EQ(calls, 0);
 }
 
-TEST(ChangeNotifier, HearsEveryChangeOfAResultSetHolder)
+TEST(ChangeNotifier, ReportsEveryChangeOfResultSetHolder)
 {
     KNResultSetHolder holder;
     int changes = 0;

@@ -98,7 +98,7 @@ TEST(Sheets, EndWithZeroOnEscape)
     EXPECT_EQ(ended, 0);
 }
 
-TEST(SSHTunnelSheet, GivesBackWhatItWasGiven)
+TEST(SSHTunnelSheet, ReturnsItsInitialSettings)
 {
     QWidget parent;
     const KNSSHTunnelModel model = {string("gate"), 2222, string("me"), string("/home/me/key")};
@@ -135,13 +135,13 @@ TEST(SSHTunnelSheet, TakesTheKeyThatIsChosen)
     EXPECT_EQ(panels.requests.size(), 1U);
 }
 
-TEST(SessionOptionsSheet, LeavesOutWhatHasItsDefault)
+TEST(SessionOptionsSheet, OmitsDefaults)
 {
     QWidget parent;
     EXPECT_EQ(KNSessionOptionsWindowController({}, &parent).connectionSessionParameters(), QVariantMap());
 }
 
-TEST(SessionOptionsSheet, GivesBackWhatItWasGivenAndWhatItDoesNotKnow)
+TEST(SessionOptionsSheet, ReturnsInitialAndUnknownSettings)
 {
     const QVariantMap parameters = {{string("encryption"), string("require")},
                                     {string("trustedCertificateFile"), string("/ca.pem")},
@@ -210,7 +210,7 @@ TEST(SessionOptionsSheet, HasNothingToTrustWithoutEncryption)
     EXPECT_FALSE(sheet.findChild<KNFileField *>()->isEnabled());
 }
 
-TEST(PasswordSheet, GivesThePasswordAndNamesTheAccount)
+TEST(PasswordSheet, ReturnsPasswordAndShowsAccount)
 {
     QWidget parent;
     auto *const sheet = new KNPasswordWindowController(string("sa at R&D"), &parent);
@@ -271,7 +271,7 @@ TEST(ConnectionDialog, RemembersAnSSHServersKeyThatTheUserHasAccepted)
     file.remove();
 }
 
-TEST(ConnectionDialog, HearsNoAnswerAfterItHasEnded)
+TEST(ConnectionDialog, IgnoresResultsAfterClosing)
 {
     RecordingAlerts &alerts = RecordingAlerts::install();
     QWidget parent;
@@ -285,7 +285,7 @@ TEST(ConnectionDialog, HearsNoAnswerAfterItHasEnded)
     EXPECT_FALSE(QFile::exists(KNSSHHostKey::knownHostsFile()));
 }
 
-TEST(ConnectionDialog, TakesWhatItsSheetsHaveEdited)
+TEST(ConnectionDialog, AppliesEditsOfItsSheets)
 {
     QWidget parent;
     Dialog dialog(&parent);
@@ -310,7 +310,7 @@ TEST(ConnectionDialog, TakesWhatItsSheetsHaveEdited)
     EXPECT_EQ(dialog.sshTunnelModel().host, string("gate"));
 }
 
-TEST(LazyComboBox, AsksForItsTextsAndKeepsWhatItHolds)
+TEST(LazyComboBox, LoadsTextsAndKeepsCurrentText)
 {
     KNLazyComboBox box;
     QSignalSpy needed(&box, &KNLazyComboBox::needsTexts);
@@ -328,7 +328,7 @@ TEST(LazyComboBox, AsksForItsTextsAndKeepsWhatItHolds)
     EXPECT_EQ(box.currentIndex(), 1);
 }
 
-TEST(LazyComboBox, KnowsWhatIsChosenFromWhatIsTyped)
+TEST(LazyComboBox, DistinguishesChosenFromTypedText)
 {
     KNLazyComboBox box;
     box.setTexts({string("a"), string("b")});
@@ -347,7 +347,7 @@ TEST(LazyComboBox, KnowsWhatIsChosenFromWhatIsTyped)
     EXPECT_EQ(chosen.size(), 1);
 }
 
-TEST(ProgressMark, ShowsEitherThatSomethingGoesOnOrWhyItFailed)
+TEST(ProgressMark, ShowsProgressOrFailure)
 {
     KNProgressMark mark(string("Connecting"));
     EXPECT_FALSE(mark.isRunning());

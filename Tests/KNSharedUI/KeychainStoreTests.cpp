@@ -5,7 +5,7 @@
 
 using WindowTesting::waitFor;
 
-TEST(KeychainStore, SaysThatNoServiceRunsWhereThereIsNoSessionBus)
+TEST(KeychainStore, ReportsMissingServiceWithoutSessionBus)
 {
     KNKeychainStore store(QStringLiteral("vantor-test"));
     std::vector<KNError> errors;

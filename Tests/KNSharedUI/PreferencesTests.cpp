@@ -29,7 +29,7 @@ TEST(Preferences, ComeBackAsTheyWereSaved)
     before.save();
 }
 
-TEST(Preferences, FallBackWhereAFileSaysWhatMakesNoSense)
+TEST(Preferences, UseDefaultsForInvalidValues)
 {
     KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
     defaults.setObject(QStringLiteral("TabWidth"), QStringLiteral("-3"));

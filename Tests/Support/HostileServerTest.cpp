@@ -45,7 +45,7 @@ TEST(HostileServer, PlaysALoginAndAResult)
     EXPECT_EQ(server.connectionCount(), 1u);
 }
 
-TEST(HostileServer, NotesWhatAClientDidOtherThanExpected)
+TEST(HostileServer, RecordsUnexpectedClientActions)
 {
     const HostileServer server({HostileServer::expect(LoginPacket)});
     WireClient client(server.port());

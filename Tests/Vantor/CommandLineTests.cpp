@@ -95,7 +95,7 @@ TEST(CommandLine, RunsAQueryAndShowsItsRows)
     EXPECT_EQ(outcome.errors, QByteArray("Command completed successfully. (1 result).\n"));
 }
 
-TEST(CommandLine, SaysOnceThatStatementsWithoutResultsSucceeded)
+TEST(CommandLine, PrintsOneSummaryForStatementsWithoutResults)
 {
     EXPECT_EQ(query({QStringLiteral("SET NOCOUNT ON\nSET NOCOUNT OFF\nGO\nSET NOCOUNT OFF")}).errors,
               QByteArray("Command completed successfully.\n"));
@@ -126,7 +126,7 @@ TEST(CommandLine, SendsMessagesAndErrorsToStandardError)
     EXPECT_FALSE(outcome.errors.contains('\033'));
 }
 
-TEST(CommandLine, ASyntaxErrorTellsItsLine)
+TEST(CommandLine, SyntaxErrorShowsLine)
 {
     const Outcome outcome = query({QStringLiteral("SELECT 1\nFROM FROM")});
     EXPECT_EQ(outcome.status, 1);
@@ -277,7 +277,7 @@ TEST(CommandLine, TriesEveryCatalogQueryThatOnlyReads)
     }
 }
 
-TEST(CommandLine, CatalogQueriesWithoutAnObjectAreToldAndNoFailure)
+TEST(CommandLine, ReportsCatalogQueriesWithoutObjectWithoutFailing)
 {
     const Outcome outcome =
         Program({QStringLiteral("catalog"), QStringLiteral("--all"), QStringLiteral("--server"), server(),
@@ -384,7 +384,7 @@ TEST(CommandLine, CtrlCCancelsTheQuery)
     EXPECT_TRUE(outcome.output.endsWith('\n'));
 }
 
-TEST(CommandLine, CtrlCEndsAProgramWhoseOutputNobodyReads)
+TEST(CommandLine, CtrlCExitsWhenOutputIsNotRead)
 {
     for (const char *format : {"csv", "table"}) {
         Program program({QStringLiteral("query"), QStringLiteral("--sample"), QStringLiteral("--format"),
@@ -462,7 +462,7 @@ TEST(CommandLine, CtrlCEndsAServerThatSendsWithoutEnd)
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-TEST(CommandLine, TakesTwiceTheTimeForTwiceTheResults)
+TEST(CommandLine, TimeIsLinearInResults)
 {
     for (const char *statement : {"PRINT 'x'\n", "SELECT 1 AS a\n"}) {
         const auto secondsFor = [&](int count) {

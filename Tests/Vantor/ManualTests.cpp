@@ -48,14 +48,14 @@ QSet<QString> optionsOfTerminalProgram()
 
 } // namespace
 
-TEST(Manual, OfTheTerminalProgramKnowsItsOptions)
+TEST(Manual, ListsAllOptionsOfVantorCli)
 {
     const QSet<QString> options = optionsOfTerminalProgram() - optionsIn(QStringLiteral("--help --version"));
     EXPECT_GT(options.size(), 12);
     EXPECT_EQ(optionsInManual("man/vantor-cli.1"), options);
 }
 
-TEST(Completion, KnowsTheOptionsOfTheTerminalProgram)
+TEST(Completion, ListsAllOptionsOfVantorCli)
 {
     EXPECT_EQ(optionsIn(packaging("completion/vantor-cli")), optionsOfTerminalProgram());
 }

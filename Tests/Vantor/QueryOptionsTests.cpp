@@ -110,7 +110,7 @@ TEST(QueryOptions, ReadFilesInUtf8AndUtf16)
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("UTF-8")));
 }
 
-TEST(QueryOptions, TellWhenAFileCannotBeRead)
+TEST(QueryOptions, ReportUnreadableFile)
 {
     QueryOptions options;
     options.file = QStringLiteral("/nowhere/query.sql");

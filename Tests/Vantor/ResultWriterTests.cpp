@@ -125,7 +125,7 @@ TEST(JsonFormat, EscapesControlCharacters)
     EXPECT_TRUE(json.contains("\"\\u0001\\\\\\t🐘\"")) << json.toStdString();
 }
 
-TEST(JsonFormat, HasStringsForWhatIsNoNumberInJson)
+TEST(JsonFormat, WritesNonFiniteNumbersAsStrings)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     const QByteArray json = written("json", {{{QStringLiteral("a")},
@@ -136,7 +136,7 @@ TEST(JsonFormat, HasStringsForWhatIsNoNumberInJson)
     EXPECT_TRUE(json.contains("[\"inf\"],\n  [\"-inf\"],\n  [\"nan\"],\n  [\"inf\"]")) << json.toStdString();
 }
 
-TEST(TableFormat, EscapesWhatWouldControlATerminal)
+TEST(TableFormat, EscapesTerminalControlCharacters)
 {
     const QByteArray table =
         written("table", {{{QString::fromUtf8("h\u202e")},
@@ -172,7 +172,7 @@ TEST(TableFormat, CutsNoValueThatComesLate)
     EXPECT_TRUE(written("table", {result}).contains(late.toUtf8()));
 }
 
-TEST(ResultFormats, TellWhenTheOutputCannotBeWritten)
+TEST(ResultFormats, ReportWriteFailure)
 {
     FullDevice device;
     device.open(QIODevice::WriteOnly | QIODevice::Unbuffered);

@@ -51,7 +51,7 @@ TEST(PasswordPrompt, TakesThePasswordWithoutShowingIt)
     EXPECT_TRUE(program.hasEcho());
 }
 
-TEST(PasswordPrompt, GivesTheEchoBackAtCtrlC)
+TEST(PasswordPrompt, CtrlCRestoresEcho)
 {
     TerminalProgram program(queryArguments({QStringLiteral("SELECT 1")}), nullptr);
     ASSERT_TRUE(program.waitForText(Prompt));
@@ -61,7 +61,7 @@ TEST(PasswordPrompt, GivesTheEchoBackAtCtrlC)
     EXPECT_TRUE(program.hasEcho());
 }
 
-TEST(PasswordPrompt, GivesTheEchoBackAtCtrlBackslash)
+TEST(PasswordPrompt, CtrlBackslashRestoresEcho)
 {
     TerminalProgram program(queryArguments({QStringLiteral("SELECT 1")}), nullptr);
     ASSERT_TRUE(program.waitForText(Prompt));
@@ -170,7 +170,7 @@ TEST(StandardError, HoldsNothingButMessages)
     EXPECT_EQ(outcome.errors, QByteArray("größer\n"));
 }
 
-TEST(MenuCommand, SaysNothingWhereAnItemWorksOnNothing)
+TEST(MenuCommand, OmitsObjectOfItemWithoutOne)
 {
     const Outcome outcome = Program({QStringLiteral("menu"), QStringLiteral("--server"), terminalServer(),
                                      QStringLiteral("--user"), QStringLiteral("sa"), QStringLiteral("shop")})

@@ -154,7 +154,7 @@ TEST(TreeCommand, APathThatLeadsNowhereIsAUsageError)
     EXPECT_EQ(Program({QStringLiteral("tree")}).wait().status, 2);
 }
 
-TEST(TreeCommand, WithoutAServerTheReasonIsTold)
+TEST(TreeCommand, ReportsUnreachableServer)
 {
     quint16 port = 0;
     {
@@ -169,7 +169,7 @@ TEST(TreeCommand, WithoutAServerTheReasonIsTold)
     EXPECT_FALSE(outcome.errors.isEmpty());
 }
 
-TEST(TreeCommand, HelpTellsItsOptions)
+TEST(TreeCommand, HelpListsOptions)
 {
     const Outcome outcome = Program({QStringLiteral("tree"), QStringLiteral("--help")}).wait();
     EXPECT_EQ(outcome.status, 0);
@@ -177,7 +177,7 @@ TEST(TreeCommand, HelpTellsItsOptions)
         EXPECT_TRUE(outcome.output.contains(option)) << option;
 }
 
-TEST(MenuCommand, PrintsActionsAndWhatTheyWorkOn)
+TEST(MenuCommand, PrintsActionsAndTheirObjects)
 {
     const Outcome outcome = menu({"shop/Tables/Customers"});
     EXPECT_EQ(outcome.status, 0);
@@ -190,7 +190,7 @@ TEST(MenuCommand, PrintsActionsAndWhatTheyWorkOn)
         items.contains(QStringLiteral("New query tab  addQueryTabWithQueryLoader:  script  (disabled)")));
 }
 
-TEST(MenuCommand, AnEntryWithoutAMenuSaysSo)
+TEST(MenuCommand, ReportsEntryWithoutMenu)
 {
     const Outcome outcome = menu({"shop/Tables/Customers/Keys/PK_Customers"});
     EXPECT_EQ(outcome.status, 0);
@@ -230,7 +230,7 @@ TEST(ScriptCommand, ATitleThatIsNotThereEndsWithStatus2AndTheTitles)
     EXPECT_EQ(script({"shop", "CREATE to", "more"}).status, 2);
 }
 
-TEST(ScriptCommand, SaysThatAStatementActsOnAnotherObject)
+TEST(ScriptCommand, PrintsNoticeAboutAnotherObject)
 {
     const Outcome outcome = script({"shop/Tables/sales.Invoices", "DROP to"});
     EXPECT_EQ(outcome.status, 0);
@@ -243,7 +243,7 @@ TEST(ScriptCommand, SaysThatAStatementActsOnAnotherObject)
         << anew.output.toStdString();
 }
 
-TEST(ScriptCommand, NeverDropsWhatItCannotCreate)
+TEST(ScriptCommand, NeverDropsObjectItCannotCreate)
 {
     const Outcome outcome =
         script({"shop/Programmability/Stored Procedures/dbo.SecretProcedure", "DROP and CREATE to"});
@@ -304,7 +304,7 @@ TEST(RefusedLogin, CostsATerminalCommandOneAttempt)
     }
 }
 
-TEST(Trace, OfTheProtocolIsWrittenWhereTheCommandSays)
+TEST(Trace, IsWrittenToReportedPath)
 {
     const Outcome outcome =
         run(SampleServerFixture::shared(), "query", {"--trace", "SELECT 'a-traced-text' AS a"});

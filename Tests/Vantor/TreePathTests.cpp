@@ -25,13 +25,13 @@ TEST(TreePath, NamesStandBetweenSlashes)
     EXPECT_EQ(namesOf("a b/[c] 'd'"), (QStringList{QStringLiteral("a b"), QStringLiteral("[c] 'd'")}));
 }
 
-TEST(TreePath, ABackslashKeepsWhatComesAfterIt)
+TEST(TreePath, BackslashEscapesSpecialCharacters)
 {
     EXPECT_EQ(namesOf("a\\/b/c\\\\d"), (QStringList{QStringLiteral("a/b"), QStringLiteral("c\\d")}));
     EXPECT_EQ(namesOf("a\\nb\\tc\\rd"), QStringList{QStringLiteral("a\nb\tc\rd")});
 }
 
-TEST(TreePath, ABackslashBeforeAnythingElseIsRefused)
+TEST(TreePath, RefusesUnknownEscape)
 {
     for (const char *path : {"a\\", "a\\x", "\\ "}) {
         KNError error;

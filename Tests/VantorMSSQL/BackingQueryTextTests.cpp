@@ -285,7 +285,7 @@ QMap<QString, QString> textsWhere(bool isVariant)
 
 } // namespace
 
-TEST(BackingQueryScanner, TellsCodeFromStringsAndComments)
+TEST(BackingQueryScanner, SeparatesCodeFromStringsAndComments)
 {
     const BackingQueryScan scan =
         scanBackingQuery(QStringLiteral("SELECT 'it''s (' -- not ( \n, [a]](] /* ( /* ' */ ) */ FROM t"));
@@ -294,7 +294,7 @@ TEST(BackingQueryScanner, TellsCodeFromStringsAndComments)
     EXPECT_EQ(scan.code, QStringLiteral("SELECT   \n, [a]](]  FROM t"));
 }
 
-TEST(BackingQueryScanner, FindsWhatDoesNotBalance)
+TEST(BackingQueryScanner, DetectsUnbalancedBlocks)
 {
     for (const char *text :
          {"SELECT (1", "SELECT 1)", "SELECT 'a", "SELECT [a", "SELECT a]", "/* a", "SELECT \"a\""})
@@ -303,7 +303,7 @@ TEST(BackingQueryScanner, FindsWhatDoesNotBalance)
               QStringLiteral("a parenthesis is closed that was not open in line 2"));
 }
 
-TEST(BackingQueryTexts, AreThereForEveryTitle)
+TEST(BackingQueryTexts, ExistForEveryTitle)
 {
     for (const QString &title : titles().keys())
         EXPECT_FALSE(texts().value(title).trimmed().isEmpty()) << title.toStdString();
@@ -356,13 +356,13 @@ TEST(BackingQueryTexts, TakeEveryFragmentAsCode)
     }
 }
 
-TEST(BackingQueryTexts, CloseWhatTheyOpen)
+TEST(BackingQueryTexts, HaveBalancedBlocks)
 {
     for (auto entry = texts().cbegin(); entry != texts().cend(); ++entry)
         EXPECT_EQ(scanBackingQuery(entry.value()).problem, QString()) << entry.key().toStdString();
 }
 
-TEST(BackingQueryTexts, CloseWhatTheyOpenInDynamicSQL)
+TEST(BackingQueryTexts, HaveBalancedBlocksInDynamicSQL)
 {
     static const QRegularExpression wholeStatement(QStringLiteral("^\\s*SELECT\\b.*\\bFROM\\s+\\w"),
                                                    QRegularExpression::DotMatchesEverythingOption);
@@ -430,7 +430,7 @@ TEST(BackingQueryTexts, NameOtherDatabasesOnlyWhereThereIsNoAzure)
     EXPECT_EQ(offences(plain, {"\\b(master|msdb|model|tempdb)\\.", "\\bUSE\\s+\\w"}), QStringList());
 }
 
-TEST(BackingQueryTexts, HaveNoVariantOfTheQuestionWhichVersionItIs)
+TEST(BackingQueryTexts, HaveNoVariantOfTheVersionQuery)
 {
     EXPECT_FALSE(texts().contains(QStringLiteral("DatabaseTree_ServerVersion_2000")))
         << "choosing it would need the version that it asks for";
@@ -445,7 +445,7 @@ TEST(BackingQueryTexts, SeparateBatchesInTemplatesOnly)
             << entry.key().toStdString();
 }
 
-TEST(BackingQueryTexts, LeaveRowCountsAsTheyFoundThem)
+TEST(BackingQueryTexts, RestoreNocount)
 {
     for (auto entry = texts().cbegin(); entry != texts().cend(); ++entry) {
         if (entry.key().startsWith(QStringLiteral("New")))

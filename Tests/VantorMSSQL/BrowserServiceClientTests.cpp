@@ -62,7 +62,7 @@ private:
 
 } // namespace
 
-TEST(BrowserAnswers, NothingIsReadFromSilence)
+TEST(BrowserAnswers, ReturnNullWithoutAnswer)
 {
     EXPECT_TRUE(received({}).isNull());
     EXPECT_TRUE(received({"\x05"}).isNull());
@@ -87,7 +87,7 @@ TEST(BrowserAnswers, OfSeveralServersRepeatTheTextOfTheFirstInTheLengthOfEach)
               QString::fromLatin1(shorter + 'S'));
 }
 
-TEST(BrowserAnswers, ThatAreCutOffLeaveWhatCameBeforeThem)
+TEST(BrowserAnswers, KeepEarlierAnswersWhenTruncated)
 {
     const Log log;
     const QByteArray whole = record("SRV", "A", "1433");
@@ -97,7 +97,7 @@ TEST(BrowserAnswers, ThatAreCutOffLeaveWhatCameBeforeThem)
     EXPECT_TRUE(received({QByteArray("\x05\xFF\xFFxx", 5)}).isEmpty());
 }
 
-TEST(BrowserAnswers, NothingIsReadWhereSomethingElseCameAndItEnds)
+TEST(BrowserAnswers, ReturnNullForInvalidAnswer)
 {
     const QByteArray whole = record("SRV", "A", "1433");
     EXPECT_TRUE(received({"rubbish"}).isNull());
@@ -105,7 +105,7 @@ TEST(BrowserAnswers, NothingIsReadWhereSomethingElseCameAndItEnds)
     EXPECT_TRUE(received({"rubbish", answer(whole)}).isNull());
 }
 
-TEST(BrowserAnswers, LoseTheTextThatIsNoUtf8)
+TEST(BrowserAnswers, DropTextThatIsNotUtf8)
 {
     EXPECT_EQ(received({answer("a\xFF"), answer("")}), QStringLiteral(""));
 }
@@ -152,7 +152,7 @@ TEST(BrowserAnswers, WithSeveralRecordsYieldThemAll)
     EXPECT_EQ(entries[1].connectionString(), QStringLiteral("B,2\\Y"));
 }
 
-TEST(BrowserAnswers, OfAnyBytesDoNoHarm)
+TEST(BrowserAnswers, AcceptArbitraryBytes)
 {
     for (const char *text : {"", ";", ";;", ";;;;;;;", "ServerName", "ServerName;", "tcp;x", "a;b;c;d;e"})
         EXPECT_LE(Client::entriesInText(QString::fromLatin1(text), Now).size(), 1) << text;

@@ -291,7 +291,7 @@ TEST(ColumnValue, OtherTypesAreStoredAsTheyRead)
               QStringLiteral("2020-01-02 00:00:00.007"));
 }
 
-TEST(ColumnValue, TellsOfATypeItDoesNotKnow)
+TEST(ColumnValue, ReportsUnknownType)
 {
     EXPECT_EQ(convert(200, bytesOf(qint32{1}), QStringLiteral("odd %@")),
               KNValue(QStringLiteral("Unknown type. 200. (Column odd %@)")));

@@ -65,7 +65,7 @@ TEST(ConnectionDetails, ACopyHoldsEverythingThatBelongsToTheConnection)
     EXPECT_EQ(copy->loginTimeout(), 3);
 }
 
-TEST(ConnectionDetails, EncryptionBelongsToACopyButNotToWhatMakesConnectionsTheSame)
+TEST(ConnectionDetails, EncryptionIsCopiedButIgnoredByComparison)
 {
     MSSQLDatabaseConnectionDetails plain;
     MSSQLDatabaseConnectionDetails encrypted;
@@ -138,7 +138,7 @@ TEST(ConnectionDetails, TwoMissingIdentitiesAreNotEqual)
     EXPECT_FALSE(left.isEqualToDatabaseConnectionDetails(&right));
 }
 
-TEST(ConnectionDetails, TellsWhatIsWorthRemembering)
+TEST(ConnectionDetails, ReturnsDetectedLoginSettings)
 {
     MSSQLDatabaseConnectionDetails details;
     EXPECT_EQ(details.connectedWithDetails(),
@@ -160,7 +160,7 @@ TEST(ConnectionDetails, SplitsHostAndPort)
     EXPECT_EQ(split(QStringLiteral("srv,99999"), 7), (Address{QStringLiteral("srv"), 7}));
 }
 
-TEST(ConnectionDetails, KnowsItsKeywordsInOrder)
+TEST(ConnectionDetails, KeywordsAreSorted)
 {
     const QStringList &keywords = MSSQLDatabaseConnectionDetails().keywords();
     EXPECT_GT(keywords.size(), 180);

@@ -26,7 +26,7 @@ QVariantMap with(const char *mode, const QVariantMap &others = {})
 
 } // namespace
 
-TEST(EncryptionSettings, AreARequestForTheLoginWhenNothingIsSaid)
+TEST(EncryptionSettings, DefaultToRequest)
 {
     const MSSQLEncryption encryption = settingsFor({});
     EXPECT_EQ(encryption.mode, Mode::Request);
@@ -66,7 +66,7 @@ TEST(EncryptionSettings, ThatNameACertificateRequireEncryption)
     }
 }
 
-TEST(EncryptionSettings, ThatCannotBeUnderstoodAreNeverWeaker)
+TEST(EncryptionSettings, RefuseInvalidValues)
 {
     for (const char *mode : {"Require", "yes", "strict", " require"}) {
         KNError error;

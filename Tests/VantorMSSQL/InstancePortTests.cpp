@@ -96,12 +96,12 @@ TEST(BrowserAnswer, NamesThePortOfTheInstance)
     EXPECT_EQ(portFromBrowserAnswer(instanceAnswer("49172"), QStringLiteral("sqlexpress")), 49172);
 }
 
-TEST(BrowserAnswer, AnotherInstancesPortIsOfNoUse)
+TEST(BrowserAnswer, IgnoresPortOfAnotherInstance)
 {
     EXPECT_EQ(portFromBrowserAnswer(instanceAnswer("49172"), QStringLiteral("OTHER")), 0);
 }
 
-TEST(BrowserAnswer, BadAnswersHoldNoPort)
+TEST(BrowserAnswer, MalformedAnswerHasNoPort)
 {
     const QByteArray good = instanceAnswer("49172");
     for (qsizetype length = 0; length < good.size(); ++length)
@@ -120,13 +120,13 @@ TEST(InstancePort, ComesFromTheBrowserAtTheServer)
     EXPECT_EQ(browser.lastRequest(), QByteArray("\x04SQLEXPRESS\0", 12));
 }
 
-TEST(InstancePort, IsFoundBehindAnAnswerThatIsNone)
+TEST(InstancePort, IsFoundAfterInvalidAnswer)
 {
     const Browser browser({"rubbish", instanceAnswer("49172")});
     EXPECT_EQ(dbportforinstance(Loopback, Instance), 49172);
 }
 
-TEST(InstancePort, ASilentBrowserIsWaitedForNoLongerThanTold)
+TEST(InstancePort, SilentBrowserTimesOut)
 {
     const Browser browser({});
     QElapsedTimer timer;

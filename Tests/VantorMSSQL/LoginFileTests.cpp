@@ -51,7 +51,7 @@ TEST(LoginFile, HoldsOneEntryWithTheServerAndItsEncryption)
                                 "encryption = request\ncheck certificate hostname = no\n");
 }
 
-TEST(LoginFile, IsTheUsersAloneAndGoesWithItsObject)
+TEST(LoginFile, IsPrivateAndRemovedWithObject)
 {
     const mode_t oldMask = umask(0);
     QByteArray path;
@@ -122,7 +122,7 @@ void writeFile(const QString &path)
 
 } // namespace
 
-TEST(LoginFile, OfAKilledProcessIsRemovedAndThatOfALivingOneStays)
+TEST(LoginFile, RemovesFilesOfKilledProcessesOnly)
 {
     const TemporaryFolder folder;
     const MSSQLLoginFile ours({QStringLiteral("srv"), 1433}, required());
@@ -151,7 +151,7 @@ TEST(LoginFile, OfAKilledProcessIsRemovedAndThatOfALivingOneStays)
     close(pipeEnds[1]);
 }
 
-TEST(LoginFile, RemovesNothingBehindLinksAndNothingOfOthers)
+TEST(LoginFile, DoesNotFollowLinksOrRemoveForeignFiles)
 {
     const TemporaryFolder folder;
     ASSERT_TRUE(QDir().mkpath(folder.path("elsewhere")));

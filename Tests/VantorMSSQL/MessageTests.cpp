@@ -113,7 +113,7 @@ TEST_F(Messages, TheGenericLoginFailureIsKeptWhenItIsAlone)
     EXPECT_EQ(all().first().msgno, 20002);
 }
 
-TEST_F(Messages, AThreadSeesAndForgetsOnlyItsOwn)
+TEST_F(Messages, BelongToTheirThread)
 {
     serverMessage(1, 16, "mine");
     std::thread other([] {

@@ -94,7 +94,7 @@ TEST(QuerySplitter, GoWithACountOfZeroRunsNothing)
     EXPECT_EQ(queries("a\nGO 0\nb"), list({"b"}));
 }
 
-TEST(QuerySplitter, IsNotTakenInByWhatOnlyLooksLikeGo)
+TEST(QuerySplitter, IgnoresTextThatOnlyResemblesGo)
 {
     for (const char *text : {"GOTO done", "gone_ts", "GO;", "GO x", "GO 5 6", "GO 5x", "GO 1.5", "GO -1",
                              "GO 0x5", "GO 99999999999", "SELECT 1 GO", "@GO", "#GO", "GO.x", "[GO]",

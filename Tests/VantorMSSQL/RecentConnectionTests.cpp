@@ -200,7 +200,7 @@ TEST_F(RecentConnections, CanBeRemovedOneByOne)
               QJsonValue(QStringLiteral("one")));
 }
 
-TEST_F(RecentConnections, StopAtTheRemovalOfWhatIsNotAmongThem)
+TEST_F(RecentConnections, RemovingUnknownConnectionIsProgrammingError)
 {
     try {
         MSSQLRecentConnection::RemoveConnection(entry(QStringLiteral("one"), QStringLiteral("a")));
@@ -286,7 +286,7 @@ TEST_F(RecentConnections, StayInMemoryWhenTheyCannotBeWrittenAndSayWhy)
     EXPECT_EQ(written().size(), 1);
 }
 
-TEST_F(RecentConnections, NeverWriteOverWhatALockedStoreHolds)
+TEST_F(RecentConnections, DoNotOverwriteLockedStore)
 {
     m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("one")},
                                         {QStringLiteral("serverHost"), QStringLiteral("stored")}},
@@ -316,7 +316,7 @@ TEST_F(RecentConnections, BeginAnewWhereTheStoreIsDamagedAndSayIt)
     EXPECT_EQ(written().size(), 1);
 }
 
-TEST_F(RecentConnections, TakeWhatHappensWhileTheyAreBeingRead)
+TEST_F(RecentConnections, ApplyChangesMadeDuringLoading)
 {
     m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("one")}}}));
     m_store->holdsAnswersBack = true;
@@ -355,7 +355,7 @@ TEST_F(RecentConnections, ThatWereBeingWrittenWhenAllWereRemovedAreRemovedToo)
     EXPECT_TRUE(m_store->texts.isEmpty());
 }
 
-TEST_F(RecentConnections, AnswersThatComeAfterTheListIsGoneDoNoHarm)
+TEST_F(RecentConnections, ListMayBeDestroyedBeforeAnswers)
 {
     m_store->holdsAnswersBack = true;
     MSSQLRecentConnection::list();

@@ -72,7 +72,7 @@ TEST(ResultSet, AColumnNameInAnotherCaseIsAProgrammingError)
     }
 }
 
-TEST(ResultSet, NullGivesNothingInEveryForm)
+TEST(ResultSet, NullIsNullInEveryForm)
 {
     const auto cursor = oneValue(KNValue());
     EXPECT_TRUE(cursor.stringForColumnIndex(0).isNull());

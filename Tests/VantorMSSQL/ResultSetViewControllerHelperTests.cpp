@@ -50,7 +50,7 @@ TEST(ResultColumnKind, FollowsTheTypeNumber)
     }
 }
 
-TEST(ResultColumnKind, HasTheNumbersThatTheHostKnows)
+TEST(ResultColumnKind, MatchesNumbersOfHost)
 {
     EXPECT_EQ(Helper::Other, 0);
     EXPECT_EQ(Helper::Text, 1);
@@ -127,7 +127,7 @@ TEST(ResultValues, ThatAreNoDatesShowAsTheyAre)
     EXPECT_EQ(shown(106, KNValue(*KNDecimal::fromString(u"1.10"))), QStringLiteral("1.10"));
 }
 
-TEST(QuotedColumnName, IsOneNameWhateverItHolds)
+TEST(QuotedColumnName, IsOneNameForAnyContent)
 {
     const MSSQLDatabaseConnectionDetails details;
     EXPECT_EQ(details.quotedName(QStringLiteral("Id")), QStringLiteral("Id"));
@@ -138,7 +138,7 @@ TEST(QuotedColumnName, IsOneNameWhateverItHolds)
     EXPECT_EQ(details.quotedName(QString()), QStringLiteral("[]"));
 }
 
-TEST(StatementLiteral, GivesTheSameValueAgain)
+TEST(StatementLiteral, RoundTripsValue)
 {
     const MSSQLDatabaseConnectionDetails details;
     EXPECT_EQ(details.literal(KNValue()), QStringLiteral("NULL"));

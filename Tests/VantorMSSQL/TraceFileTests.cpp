@@ -10,7 +10,7 @@
 #include <chrono>
 #include <thread>
 
-TEST(TraceFile, KnowsWhereARecordBegins)
+TEST(TraceFile, DetectsBeginningOfRecord)
 {
     EXPECT_TRUE(MSSQLTraceFile::beginsRecord("dblib.c:764:dbsetlname(0x55, secret, 3)\n"));
     EXPECT_TRUE(MSSQLTraceFile::beginsRecord("12:34:56.123456 4711 (packet.c:639):Received packet\n"));

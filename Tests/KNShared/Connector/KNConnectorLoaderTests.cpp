@@ -55,7 +55,7 @@ TEST(KNConnectorLoader, LoadsAModuleThatKeepsTheContract)
     EXPECT_EQ(connector->name(), QStringLiteral("Test server"));
 }
 
-TEST(KNConnectorLoader, GivesTheSameConnectorForTheSameModule)
+TEST(KNConnectorLoader, ReturnsSameConnectorForSameModule)
 {
     KNError error;
     EXPECT_EQ(KNConnectorLoader::load(plugin("GoodConnector"), &error),

@@ -39,7 +39,7 @@ TEST(DatabaseMessage, DescribesItselfWithItsLineAndItsProcedure)
         QStringLiteral("Msg 208, Level 16, State 1, Procedure dbo.p, Line 3\r\nInvalid object name 'x%@'."));
 }
 
-TEST(DatabaseMessage, HasNoLineUnlessTheServerGivesOne)
+TEST(DatabaseMessage, HasNoLineUnlessServerReportsOne)
 {
     EXPECT_EQ(DatabaseMessage().line, 9223372036854775807ULL);
 }
@@ -75,7 +75,7 @@ TEST(KNResultSetHolder, TakesAResultSetOutAgain)
     EXPECT_EQ(holder.resultSets(), QList<KNDatabaseResultSetPtr>{first});
 }
 
-TEST(KNResultSetHolder, GivesEachReaderWhatIsNewToIt)
+TEST(KNResultSetHolder, ReturnsNewResultsToEachReader)
 {
     KNResultSetHolder holder;
     KNResultSetHolder::Position position = 0;
@@ -107,7 +107,7 @@ TEST(KNResultSetHolder, IsEmptyWhenItsResultSetsAreTaken)
     EXPECT_EQ(holder.takeResultSets().size(), 1);
 }
 
-TEST(KNResultSetHolder, HandsItsReadAheadToLaterResultSets)
+TEST(KNResultSetHolder, PassesReadAheadToLaterResultSets)
 {
     KNResultSetHolder holder;
     holder.setReadAhead(1);

@@ -6,7 +6,7 @@
 
 using namespace ResultTesting;
 
-TEST(KNRowReader, GivesEveryCellInAnyOrderOfRows)
+TEST(KNRowReader, ReadsRowsInAnyOrder)
 {
     constexpr int Count = 100'000;
     const auto rows = numberedRows(Count);

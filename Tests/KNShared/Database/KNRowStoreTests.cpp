@@ -36,7 +36,7 @@ void append(KNRowStore &rows, const KNRow &row)
 
 } // namespace
 
-TEST(KNRowStore, GivesBackOneValueOfEachKind)
+TEST(KNRowStore, ReturnsValuesOfEachKind)
 {
     KNRowStore rows;
     const KNRow row = oneOfEach();
@@ -161,7 +161,7 @@ TEST(KNRowStore, TakesLittleMoreMemoryThanItsValues)
     EXPECT_LT(static_cast<double>(rows.byteSize()), 1.3 * ValueBytes);
 }
 
-TEST(KNRowStore, ForgetsDiscardedRowsAndTheirMemory)
+TEST(KNRowStore, FreesDiscardedRows)
 {
     KNRowStore rows;
     rows.setColumnCount(1);

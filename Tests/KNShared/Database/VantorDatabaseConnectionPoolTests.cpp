@@ -54,7 +54,7 @@ TEST_F(ConnectionPool, LendsAConnectedClient)
     EXPECT_FALSE(error);
 }
 
-TEST_F(ConnectionPool, ReusesTheClientThatCameBack)
+TEST_F(ConnectionPool, ReusesReturnedClient)
 {
     for (int round = 0; round < 5; ++round)
         EXPECT_TRUE(pool.executeQuery(doNothing, settings, nullptr));
@@ -90,7 +90,7 @@ TEST_F(ConnectionPool, TheNameOfAConnectionDoesNotMatter)
     EXPECT_EQ(server.logins, 1);
 }
 
-TEST_F(ConnectionPool, GivesEveryoneAClientOfTheirOwn)
+TEST_F(ConnectionPool, LendsEachCallerItsOwnClient)
 {
     std::set<VantorDatabaseClient *> lent;
     pool.executeQuery(
@@ -104,7 +104,7 @@ TEST_F(ConnectionPool, GivesEveryoneAClientOfTheirOwn)
     EXPECT_EQ(server.logins, 2);
 }
 
-TEST_F(ConnectionPool, ReportsWhatTheWorkLeavesInItsError)
+TEST_F(ConnectionPool, ReportsErrorOfWork)
 {
     KNError error;
     EXPECT_FALSE(pool.executeQuery([](VantorDatabaseClient &, KNError *failure) { *failure = Failure; },
@@ -166,7 +166,7 @@ TEST_F(ConnectionPool, RepeatsNoMoreThanOnce)
     EXPECT_EQ(server.open, 0);
 }
 
-TEST_F(ConnectionPool, AClientWhoseServerHasHungUpIsNotLent)
+TEST_F(ConnectionPool, DoesNotLendClosedConnections)
 {
     pool.executeQuery(doNothing, settings, nullptr);
     server.hangsUp = true;
@@ -192,7 +192,7 @@ TEST_F(ConnectionPool, WorkThatThrowsLosesItsClientAndNothingElse)
     EXPECT_TRUE(pool.executeQuery(doNothing, settings, nullptr));
 }
 
-TEST_F(ConnectionPool, ClosesWhatIsIdle)
+TEST_F(ConnectionPool, ClosesIdleClients)
 {
     pool.executeQuery(doNothing, settings, nullptr);
     pool.closeIdleClients();
@@ -213,7 +213,7 @@ TEST_F(ConnectionPool, KeepsNothingAfterItsEnd)
     EXPECT_EQ(server.open, 0);
 }
 
-TEST_F(ConnectionPool, ASlowLoginKeepsNobodyElseWaiting)
+TEST_F(ConnectionPool, SlowLoginDoesNotBlockOthers)
 {
     std::promise<void> letGo;
     const std::shared_future<void> mayGoOn(letGo.get_future());
@@ -231,7 +231,7 @@ TEST_F(ConnectionPool, ASlowLoginKeepsNobodyElseWaiting)
     pool.closeIdleClients(); // this test's own server ends before the pool
 }
 
-TEST_F(ConnectionPool, RemembersWhatALoginFoundOut)
+TEST_F(ConnectionPool, RemembersDetectedLoginSettings)
 {
     pool.executeQuery(doNothing, settings, nullptr);
     pool.closeIdleClients();
@@ -243,7 +243,7 @@ TEST_F(ConnectionPool, RemembersWhatALoginFoundOut)
     EXPECT_EQ(server.logins, 2);
 }
 
-TEST_F(ConnectionPool, FindsOutAnewWhenWhatItRememberedDoesNotHold)
+TEST_F(ConnectionPool, ProbesAgainWhenRememberedSettingsFail)
 {
     server.refusesKnownVersion = true;
     pool.executeQuery(doNothing, settings, nullptr);
@@ -370,7 +370,7 @@ TEST_F(ConnectionPool, ATabThatLostItsClientGoesOnInTheDatabaseItWasIn)
     EXPECT_EQ(tab->connectionDetails()->database(), QStringLiteral("shop"));
 }
 
-TEST_F(ConnectionPool, ATabThatLostWhatItsSessionHeldRunsNothingUntilItIsConfirmed)
+TEST_F(ConnectionPool, TabWithLostSessionStateWaitsForConfirmation)
 {
     VantorSessionState transaction;
     transaction.hasTransaction = true;
@@ -418,7 +418,7 @@ TEST_F(ConnectionPool, ATabThatLostAnEmptySessionConnectsAgainByItself)
     EXPECT_EQ(server.logins, 2);
 }
 
-TEST_F(ConnectionPool, ARefusedLoginIsNotTriedAgainWithWhatItWouldFindOut)
+TEST_F(ConnectionPool, DoesNotRepeatRefusedLogin)
 {
     pool.executeQuery(doNothing, settings, nullptr);
     pool.closeIdleClients();

@@ -60,7 +60,7 @@ TEST(TreeEntry, IsAPlainLeafByItself)
     EXPECT_EQ(entry->copyWithSearchResults(QStringLiteral("x")), nullptr);
 }
 
-TEST(TreeEntry, GivesItsDelegateAndSettingsToItsChildren)
+TEST(TreeEntry, PassesDelegateAndSettingsToChildren)
 {
     FakeDatabase::Server server;
     FakeDatabase::Settings settings(server);
@@ -91,7 +91,7 @@ TEST(TreeEntry, RemovesOnlyItsChildren)
     EXPECT_EQ(before->size(), 2U); // what somebody holds does not change
 }
 
-TEST(TreeEntry, RemovingWhoIsNoChildCanBeAProgrammingError)
+TEST(TreeEntry, RemovingNonChildCanBeProgrammingError)
 {
     const auto parent = std::make_shared<Open>();
     parent->setChildEntries({parent->make<KNDatabaseTreeEntry>()});
@@ -105,7 +105,7 @@ TEST(TreeEntry, RemovingWhoIsNoChildCanBeAProgrammingError)
     EXPECT_EQ(parent->childEntries()->size(), 1U);
 }
 
-TEST(TreeEntry, AsksTheRootWhoCarriesOutItsActions)
+TEST(TreeEntry, UsesActionHandlerOfRoot)
 {
     const auto root = std::make_shared<Root>();
     const auto entry = root->make<Open>();
@@ -117,7 +117,7 @@ TEST(TreeEntry, AsksTheRootWhoCarriesOutItsActions)
     EXPECT_EQ(root->disconnectMenuItem().title, QStringLiteral("Disconnect"));
 }
 
-TEST(MenuItem, AnActionThatNobodyKnowsIsDisabled)
+TEST(MenuItem, UnknownActionIsDisabled)
 {
     const auto root = std::make_shared<Root>();
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();

@@ -92,13 +92,13 @@ TEST_F(LoadingEntry, NoChildrenAreAlsoLoaded)
     EXPECT_EQ(entry->loads, 1);
 }
 
-TEST_F(LoadingEntry, ReturnsWhatItsProtocolSaysOnceItHasStarted)
+TEST_F(LoadingEntry, ReturnsConfiguredResultOnceStarted)
 {
     EXPECT_FALSE(load(section({.returnsOnceStarted = false})));
     EXPECT_TRUE(load(section({.returnsOnceStarted = true})));
 }
 
-TEST_F(LoadingEntry, FinishesWhereItsProtocolSays)
+TEST_F(LoadingEntry, FinishesOnTheConfiguredThread)
 {
     const auto onMain = section({.finishes = KNDatabaseTreeLoadingEntry::Finishes::OnMainQueue});
     load(onMain);

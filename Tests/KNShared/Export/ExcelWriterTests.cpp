@@ -184,7 +184,7 @@ TEST_F(ExcelFile, LeavesNullEmptyAndWritesTextAndBytes)
     EXPECT_TRUE(workbook.writer.remarks().isEmpty());
 }
 
-TEST_F(ExcelFile, CutsTextThatACellCannotHoldAndSaysSo)
+TEST_F(ExcelFile, TruncatesLongTextWithNotice)
 {
     Workbook workbook;
     workbook.write({QStringLiteral("a")},
@@ -212,7 +212,7 @@ TEST_F(ExcelFile, GoesOnInAFurtherSheetWithItsOwnHeader)
     EXPECT_EQ(workbook.writer.remarks().size(), 1);
 }
 
-TEST(ExcelWriter, TellsWhenTheFileCannotBeWritten)
+TEST(ExcelWriter, ReportsWriteFailure)
 {
     ExcelWriter writer(QStringLiteral("/nonexistent/a.xlsx"));
     writer.beginRun();

@@ -74,7 +74,7 @@ private:
 
 } // namespace
 
-TEST_F(Exporting, WritesTheFormatThatTheFileNameTells)
+TEST_F(Exporting, ChoosesFormatByExtension)
 {
     const ResultRows rows = rowsOf(numberedRows(2));
     EXPECT_TRUE(exported(rows, path("a.csv")).complete);
@@ -131,7 +131,7 @@ TEST_F(Exporting, LeavesTheOldFileAndNoOtherWhenTheDiskIsFull)
     EXPECT_EQ(files().size(), 3);
 }
 
-TEST_F(Exporting, TellsWhenThereIsNoSuchFolder)
+TEST_F(Exporting, ReportsMissingFolder)
 {
     const Outcome outcome = exported(rowsOf(numberedRows(2)), QStringLiteral("/nonexistent/a.csv"));
     EXPECT_FALSE(outcome.complete);
@@ -150,7 +150,7 @@ TEST_F(Exporting, KeepsAFilesPermissionsAndALinksTarget)
     EXPECT_TRUE(QFileInfo(path("link.csv")).isSymLink());
 }
 
-TEST_F(Exporting, CountsTheRowsOnTheWay)
+TEST_F(Exporting, ReportsProgressInRows)
 {
     qsizetype counted = 0;
     const auto exporter = std::make_shared<ResultExporter>(rowsOf(numberedRows(5000)), path("a.csv"));

@@ -66,7 +66,7 @@ TEST(CopiedText, IsTabSeparatedWithNullApartFromText)
               QStringLiteral("id\tname\n1\tO'Brien\n2\tNULL\n3\t\"NULL\""));
 }
 
-TEST(CopiedText, QuotesWhatWouldFallApart)
+TEST(CopiedText, QuotesTabsAndLineEnds)
 {
     EXPECT_EQ(copied(oddTexts(), Format::Text),
               QStringLiteral("\"tab\there\"\t\"line\r\nend\"\n\"\"\"quoted\"\"\"\ta|*b*"));
@@ -94,7 +94,7 @@ TEST(CopiedJson, IsAListOfObjectsInTheOrderOfTheColumns)
     EXPECT_EQ(copied(result({QStringLiteral("a")}, {}), Format::Json), QStringLiteral("[]\n"));
 }
 
-TEST(CopiedJson, GivesEveryColumnANameOfItsOwn)
+TEST(CopiedJson, UsesUniqueColumnNames)
 {
     const QString json = copied(result({QStringLiteral("a"), QStringLiteral("a"), QStringLiteral("a 2"),
                                         QStringLiteral(""), QStringLiteral("a")},
@@ -137,7 +137,7 @@ TEST(CopiedInList, HoldsEveryValueOnceAndNoNull)
     EXPECT_TRUE(copyOf(all(numberedRows(1)), Format::InList).remarks.isEmpty());
 }
 
-TEST(CopiedMarkdown, EscapesWhatMeansSomethingThere)
+TEST(CopiedMarkdown, EscapesMarkup)
 {
     EXPECT_EQ(copied(oddTexts(), Format::Markdown), QStringLiteral("| a\"b | a\\|b |\n| --- | --- |\n"
                                                                    "| tab\there | line<br>end |\n"
@@ -156,7 +156,7 @@ TEST(CopiedRows, AreThoseThatWereChosenInTheirOrder)
     EXPECT_EQ(copyOf(rows, Format::Text).text, QStringLiteral("row 9\nrow 6\nrow 5"));
 }
 
-TEST(CopiedRows, StopAtTheBoundAndSaySo)
+TEST(CopiedRows, StopAtLimitWithNotice)
 {
     const ResultCopy copy = copyOf(all(numberedRows(100'000)), Format::Text, 300'000);
     EXPECT_GT(copy.rowsLeftOut, 0);
@@ -165,7 +165,7 @@ TEST(CopiedRows, StopAtTheBoundAndSaySo)
     EXPECT_EQ(copyOf(all(numberedRows(100'000)), Format::Text).rowsLeftOut, 0);
 }
 
-TEST(CopiedRows, HoldWhatIsStoredInEveryFormat)
+TEST(CopiedRows, HoldStoredValuesInEveryFormat)
 {
     const auto stored = std::make_shared<KNDatabaseResultSet>();
     stored->setColumns({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}, {43, 122, 98});

@@ -90,7 +90,7 @@ TEST(KNDecimal, RefusesMoreThanThirtyEightDigits)
     EXPECT_TRUE(reread(QStringLiteral("1e-99999999999999999999")).isNull());
 }
 
-TEST(KNDecimal, RefusesWhatIsNoNumber)
+TEST(KNDecimal, RefusesInvalidNumbers)
 {
     for (const char *text : {"", ".", "-", "+", "-.", "abc", "1.2.3", "1,5", " 1", "1 ", "1e", "1e+", "e5",
                              "--1", "0x1F", "1e5.5", "NaN", "inf", "12abc"})
@@ -152,7 +152,7 @@ TEST(KNDecimal, IsMovedByPowersOfTenExactly)
     EXPECT_FALSE(KNDecimal(1).multipliedByPowerOf10(std::numeric_limits<int>::max()));
 }
 
-TEST(KNDecimal, ComparesByNumberWhateverTheScales)
+TEST(KNDecimal, ComparesNumbersOfDifferentScales)
 {
     EXPECT_EQ(decimal("1.0"), decimal("1.00"));
     EXPECT_EQ(decimal("0.00"), KNDecimal(0));

@@ -73,7 +73,7 @@ TEST(KNDispatchGlobalQueue, IsNotIdleWhileATaskRuns)
     EXPECT_TRUE(KNDispatch::waitUntilIdle(DispatchBound));
 }
 
-TEST(KNDispatchGlobalQueue, LetsGoOfWhatTheWorkHeldBeforeItCountsAsDone)
+TEST(KNDispatchGlobalQueue, ReleasesCapturesBeforeTaskCountsAsDone)
 {
     auto held = std::make_shared<int>(1);
     const std::weak_ptr<int> observed = held;

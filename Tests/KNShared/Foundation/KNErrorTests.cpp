@@ -15,7 +15,7 @@ TEST(KNError, WithEmptyDomainAndCodeZeroIsStillAnError)
     EXPECT_TRUE(KNError(QStringLiteral(""), 0, QStringLiteral("")).isSet());
 }
 
-TEST(KNError, KeepsEverythingAndForgetsItWhenCleared)
+TEST(KNError, KeepsAllFieldsUntilCleared)
 {
     KNError error(QStringLiteral("SQLClient"), 208, QStringLiteral("Invalid object name"),
                   {{QStringLiteral("line"), 3}});

@@ -50,7 +50,7 @@ TEST_F(FallbackStore, GoesOverToTheSecondOnceNoServiceRuns)
     EXPECT_TRUE(first->removals.empty());
 }
 
-TEST_F(FallbackStore, WritesToTheSecondWhatTheFirstHasNoServiceFor)
+TEST_F(FallbackStore, WritesToSecondStoreWithoutService)
 {
     first->writeProblem = KNKeyValueStore::NoService;
     store.setText(Key, QStringLiteral("text"), [](const KNError &error) { EXPECT_FALSE(error); });
@@ -66,7 +66,7 @@ TEST_F(FallbackStore, StaysWithALockedStoreForItHoldsTheTexts)
     EXPECT_EQ(second->reads, 0);
 }
 
-TEST_F(FallbackStore, TellsTheSecondsErrorsToo)
+TEST_F(FallbackStore, ReportsErrorsOfSecondStore)
 {
     first->readProblem = KNKeyValueStore::NoService;
     second->readProblem = KNKeyValueStore::NoService;

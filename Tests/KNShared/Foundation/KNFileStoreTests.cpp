@@ -68,7 +68,7 @@ protected:
 
 } // namespace
 
-TEST_F(FileStoreTest, GivesBackWhatWasKeptAlsoToTheNextProgram)
+TEST_F(FileStoreTest, ReturnsStoredTextsAfterRestart)
 {
     const QString secret = QStringLiteral("p\"ä\\\n\U0001F511");
     EXPECT_TRUE(text(ListKey).isNull());
@@ -88,7 +88,7 @@ TEST_F(FileStoreTest, IsForTheUserAlone)
     EXPECT_FALSE(QFileInfo(QFileInfo(m_path).path()).permissions() & (QFile::ReadGroup | QFile::ReadOther));
 }
 
-TEST_F(FileStoreTest, ForgetsWhatIsRemovedAndNothingElse)
+TEST_F(FileStoreTest, RemovesOnlyTheGivenEntry)
 {
     set(ListKey, QStringLiteral("a"));
     set(QStringLiteral("other"), QStringLiteral("b"));
@@ -121,7 +121,7 @@ TEST_F(FileStoreTest, PutsADamagedFileAsideWhenItWritesAnother)
     EXPECT_EQ(damaged.readAll(), QByteArray("{ \"MSSQLRecent"));
 }
 
-TEST_F(FileStoreTest, SaysWhenTheFileCannotBeReadAndLeavesItAsItIs)
+TEST_F(FileStoreTest, ReportsUnreadableFileAndKeepsIt)
 {
     QFile inTheWay(m_folder.filePath(QStringLiteral("data")));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
@@ -137,7 +137,7 @@ TEST_F(FileStoreTest, SaysWhenTheFileCannotBeReadAndLeavesItAsItIs)
     EXPECT_TRUE(QFileInfo(m_path).isDir());
 }
 
-TEST_F(FileStoreTest, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne)
+TEST_F(FileStoreTest, KeepsOldFileOnFullDisk)
 {
     ASSERT_FALSE(set(ListKey, QStringLiteral("old")));
     // As a full disk: no file of this process may become longer.

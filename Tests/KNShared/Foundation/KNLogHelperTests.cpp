@@ -220,7 +220,7 @@ TEST_F(KNLogHelperTest, DropsRecordsSilentlyWhileTheDiskIsFull)
     EXPECT_TRUE(contents(log.filePath()).endsWith(QStringLiteral("room again\n")));
 }
 
-TEST_F(KNLogHelperTest, HandsEveryRecordToItsObserver)
+TEST_F(KNLogHelperTest, PassesEveryRecordToObserver)
 {
     KNLogHelper log(m_folder);
     QStringList records;

@@ -105,7 +105,7 @@ TEST_F(KNLogSecretsTest, OfAnyScriptAreHidden)
     EXPECT_EQ(loggedMessage(), QStringLiteral("<********>"));
 }
 
-TEST_F(KNLogSecretsTest, TooShortToMeanAnythingAreNotRegistered)
+TEST_F(KNLogSecretsTest, ShorterThanTheMinimumAreNotRegistered)
 {
     m_log.registerSecret(QString());
     m_log.registerSecret(QStringLiteral(""));

@@ -90,7 +90,7 @@ TEST_F(KNMainQueueTest, RunsSynchronousWorkOfTheMainThreadAtOnce)
     EXPECT_TRUE(ran);
 }
 
-TEST_F(KNMainQueueTest, ThrowsInTheWaitingThreadWhatSynchronousWorkThrew)
+TEST_F(KNMainQueueTest, RethrowsExceptionsOfSynchronousWork)
 {
     EXPECT_THROW(KNDispatch::mainQueueSync([] { throw std::runtime_error("here"); }), std::runtime_error);
     std::string caught;

@@ -48,7 +48,7 @@ TEST(KNNotificationCenter, EndsAnObservationWithTheLastCopyOfItsToken)
     EXPECT_EQ(calls, 1);
 }
 
-TEST(KNNotificationCenter, LetsGoOfWhatTheObserverHeld)
+TEST(KNNotificationCenter, ReleasesCapturesOfObserver)
 {
     KNNotificationCenter center;
     auto held = std::make_shared<int>(1);

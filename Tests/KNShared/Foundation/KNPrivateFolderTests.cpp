@@ -63,7 +63,7 @@ TEST(KNPrivateFile, IsReplacedWholeAndReadableByItsUserOnly)
     EXPECT_EQ(contentOf(), "2");
 }
 
-TEST(KNPrivateFile, SaysWhyItCannotBeWritten)
+TEST(KNPrivateFile, ReportsWriteFailure)
 {
     const QTemporaryDir base;
     const QString file = base.filePath(QStringLiteral("file"));

@@ -93,7 +93,7 @@ TEST(KNPropertyList, AcceptsADocumentType)
     EXPECT_FALSE(error);
 }
 
-TEST(KNPropertyList, RefusesWhatIsNoXml)
+TEST(KNPropertyList, RefusesInvalidXml)
 {
     expectBadList("", Problem::Malformed);
     expectBadList("SELECT", Problem::Malformed);
@@ -118,7 +118,7 @@ TEST(KNPropertyList, RefusesOtherShapes)
         expectBadDictionary(value);
 }
 
-TEST(KNPropertyList, NamesFileAndLineOfWhatIsWrong)
+TEST(KNPropertyList, ReportsFileAndLineOfErrors)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("words.plist")));
@@ -132,7 +132,7 @@ TEST(KNPropertyList, NamesFileAndLineOfWhatIsWrong)
         << error.localizedDescription().toStdString();
 }
 
-TEST(KNPropertyList, ReadsFilesAndSaysWhenOneIsNotThere)
+TEST(KNPropertyList, ReadsFilesAndReportsMissingOnes)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("queries.plist")));

@@ -21,7 +21,7 @@ TEST(KNSemaphore, HasAnIdentifierAndStartsAtOneUnlessToldOtherwise)
     EXPECT_FALSE(semaphore.tryWait());
 }
 
-TEST(KNSemaphore, IsTakenAsOftenAsItsValueSays)
+TEST(KNSemaphore, AllowsAsManyWaitsAsItsValue)
 {
     KNSemaphore semaphore(QStringLiteral("three"), 3);
     for (int taken = 0; taken < 3; ++taken)
@@ -31,7 +31,7 @@ TEST(KNSemaphore, IsTakenAsOftenAsItsValueSays)
     EXPECT_TRUE(semaphore.tryWait());
 }
 
-TEST(KNSemaphore, GivesUpAfterTheTimeout)
+TEST(KNSemaphore, TimesOut)
 {
     KNSemaphore semaphore(QStringLiteral("none"), 0);
     const MachTimer timer;
@@ -61,7 +61,7 @@ TEST(KNSemaphore, WakesOneWaiterPerSignal)
     EXPECT_FALSE(semaphore.tryWait());
 }
 
-TEST(KNSemaphore, KeepsThreadsOutOfEachOthersWay)
+TEST(KNSemaphore, ExcludesOtherThreads)
 {
     KNSemaphore semaphore(QStringLiteral("exclusive"));
     int counter = 0; // guarded by the semaphore

@@ -31,7 +31,7 @@ TEST_F(KNUserDefaultsTest, AnswerWithTheDefaultForAnUnknownKey)
     EXPECT_FALSE(defaults.objectForKey(Agent).isValid());
 }
 
-TEST_F(KNUserDefaultsTest, GiveBackWhatWasSet)
+TEST_F(KNUserDefaultsTest, ReturnStoredValues)
 {
     KNUserDefaults defaults(m_path);
     defaults.setObject(Agent, true);
@@ -61,7 +61,7 @@ TEST_F(KNUserDefaultsTest, KeepTheirValuesInTheFile)
     EXPECT_EQ(defaults.objectForKey(QStringLiteral("recent")).toStringList(), recent);
 }
 
-TEST_F(KNUserDefaultsTest, ForgetWhatWasRemoved)
+TEST_F(KNUserDefaultsTest, DoNotReturnRemovedValues)
 {
     KNUserDefaults defaults(m_path);
     defaults.setObject(Agent, true);
@@ -80,7 +80,7 @@ TEST_F(KNUserDefaultsTest, AreForTheUserAlone)
     EXPECT_FALSE(QFileInfo(QFileInfo(m_path).path()).permissions() & Others);
 }
 
-TEST_F(KNUserDefaultsTest, SayWhenTheFileCannotBeWritten)
+TEST_F(KNUserDefaultsTest, ReportWriteFailure)
 {
     QFile file(m_folder.filePath(QStringLiteral("file")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

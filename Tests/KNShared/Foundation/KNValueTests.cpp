@@ -23,7 +23,7 @@ KNValue decimal(const char *digits)
 
 } // namespace
 
-TEST(KNValue, KnowsItsKind)
+TEST(KNValue, ReportsItsKind)
 {
     EXPECT_EQ(KNValue().kind(), Kind::Null);
     EXPECT_EQ(KNValue(true).kind(), Kind::Bool);
@@ -38,7 +38,7 @@ TEST(KNValue, KnowsItsKind)
     EXPECT_EQ(KNValue(QByteArray("x")).kind(), Kind::Bytes);
 }
 
-TEST(KNValue, TellsNilTextFromEmptyText)
+TEST(KNValue, DistinguishesNullFromEmptyText)
 {
     EXPECT_TRUE(KNValue(QString()).isNull());
     EXPECT_FALSE(text("").isNull());
@@ -55,7 +55,7 @@ TEST(KNValue, CountsBooleansAndDecimalsAsNumbersAndNothingElse)
         EXPECT_FALSE(other.isNumber());
 }
 
-TEST(KNValue, GivesNothingForAnotherKind)
+TEST(KNValue, ReturnsNullForAnotherKind)
 {
     EXPECT_TRUE(KNValue(qint32(1)).text().isNull());
     EXPECT_TRUE(KNValue(QByteArray("x")).text().isNull());
@@ -65,7 +65,7 @@ TEST(KNValue, GivesNothingForAnotherKind)
     EXPECT_TRUE(text("5").decimal().isZero());
 }
 
-TEST(KNValue, GivesBackWhatItWasMadeFrom)
+TEST(KNValue, ReturnsItsOriginalValue)
 {
     const QDateTime moment(QDate(1899, 12, 31), QTime(23, 59, 59, 999), Qt::UTC);
     EXPECT_EQ(KNValue(moment).date(), moment);

@@ -10,7 +10,7 @@ TEST(QueryTemplate, NamesItsPlaceholdersOnceAndInOrder)
     EXPECT_EQ(KNQueryTemplate::placeholders(QString()), QStringList());
 }
 
-TEST(QueryTemplate, FillsEveryOccurrenceAndLeavesWhatHasNoValue)
+TEST(QueryTemplate, FillsEveryOccurrenceAndKeepsUnknownPlaceholders)
 {
     EXPECT_EQ(KNQueryTemplate::filled(
                   QStringLiteral("{A}.{B} {A}{C}"),

@@ -43,14 +43,14 @@ using Rows = std::vector<quint32>;
 
 } // namespace
 
-TEST(SortedRows, HaveNumbersByTheirValue)
+TEST(SortedRows, OrderNumbersByValue)
 {
     EXPECT_EQ(sorted({KNValue(10), KNValue(9), KNValue(-1), KNValue(100)}), (Rows{2, 1, 0, 3}));
     EXPECT_EQ(sorted({KNValue(0.5), KNValue(-0.5), KNValue(1e300), KNValue(-1e300)}), (Rows{3, 1, 0, 2}));
     EXPECT_EQ(sorted({decimal(u"10.5"), decimal(u"9.5"), decimal(u"-10.5")}), (Rows{2, 1, 0}));
 }
 
-TEST(SortedRows, HaveNumbersBeyondADoublesDigitsInOrder)
+TEST(SortedRows, OrderNumbersBeyondDoublePrecision)
 {
     constexpr qint64 Large = std::numeric_limits<qint64>::max();
     EXPECT_EQ(sorted({KNValue(Large), KNValue(Large - 1), KNValue(Large - 2)}), (Rows{2, 1, 0}));
@@ -61,20 +61,20 @@ TEST(SortedRows, HaveNumbersBeyondADoublesDigitsInOrder)
               (Rows{2, 1, 0}));
 }
 
-TEST(SortedRows, HaveDatesByTime)
+TEST(SortedRows, OrderDatesByTime)
 {
     const auto day = [](int year) { return KNValue(QDateTime(QDate(year, 1, 1), QTime(0, 0), Qt::UTC)); };
     EXPECT_EQ(sorted({day(2000), day(1), day(9999), day(1899)}), (Rows{1, 3, 0, 2}));
 }
 
-TEST(SortedRows, BeginWithNullAndEndWithItTheOtherWayRound)
+TEST(SortedRows, PutNullFirstAscendingAndLastDescending)
 {
     EXPECT_EQ(sorted({KNValue(1), KNValue(), KNValue(-1)}), (Rows{1, 2, 0}));
     EXPECT_EQ(sorted({KNValue(1), KNValue(), KNValue(-1)}, Qt::DescendingOrder), (Rows{0, 2, 1}));
     EXPECT_EQ(sorted({text(""), KNValue()}), (Rows{1, 0}));
 }
 
-TEST(SortedRows, HaveTextWithoutRegardToCaseAndThenExactly)
+TEST(SortedRows, OrderTextIgnoringCaseThenExactly)
 {
     EXPECT_EQ(sorted({text("b"), text("A"), text("a"), text("B"), text("")}), (Rows{4, 1, 2, 3, 0}));
     EXPECT_EQ(sorted({text("abcdE"), text("ABCDd"), text("abcd")}), (Rows{2, 1, 0}));
@@ -82,7 +82,7 @@ TEST(SortedRows, HaveTextWithoutRegardToCaseAndThenExactly)
     EXPECT_EQ(sorted({text("🐘"), text("z"), text("ö")}), (Rows{1, 2, 0}));
 }
 
-TEST(SortedRows, HaveBytesByTheirValueAndLength)
+TEST(SortedRows, OrderBytesByValueAndLength)
 {
     const auto bytes = [](const char *data, qsizetype size) { return KNValue(QByteArray(data, size)); };
     EXPECT_EQ(sorted({bytes("\xff", 1), bytes("\x00\x00", 2), bytes("\x00", 1), bytes("123456789", 9),
@@ -90,7 +90,7 @@ TEST(SortedRows, HaveBytesByTheirValueAndLength)
               (Rows{2, 1, 4, 3, 0}));
 }
 
-TEST(SortedRows, HaveGuidsByTheirText)
+TEST(SortedRows, OrderGuidsByText)
 {
     const auto guids = std::make_shared<KNDatabaseResultSet>();
     guids->setColumns({QStringLiteral("a")}, {36});
@@ -110,7 +110,7 @@ TEST(SortedRows, HaveGuidsByTheirText)
     EXPECT_EQ(arranged(guids, {.sortColumn = 0}), (Rows{3, 2, 4, 0, 1}));
 }
 
-TEST(SortedRows, StayAsTheyArrivedWhereTheyAreEqualInBothDirections)
+TEST(SortedRows, KeepArrivalOrderOfEqualValues)
 {
     const QList<KNValue> values = {KNValue(2), KNValue(1), KNValue(2), KNValue(1)};
     EXPECT_EQ(sorted(values), (Rows{1, 3, 0, 2}));
@@ -118,7 +118,7 @@ TEST(SortedRows, StayAsTheyArrivedWhereTheyAreEqualInBothDirections)
     EXPECT_EQ(sorted({decimal(u"1.0"), decimal(u"1.00"), KNValue(1)}), (Rows{0, 1, 2}));
 }
 
-TEST(SortedRows, AreThoseOfTheColumnInQuestion)
+TEST(SortedRows, UseOnlyTheSortColumn)
 {
     const auto rows = result({QStringLiteral("a"), QStringLiteral("b")},
                              {{text("x"), KNValue(2)}, {text("y"), KNValue(1)}});
@@ -134,7 +134,7 @@ TEST(FilteredRows, HoldTheTextInAnyCase)
     EXPECT_EQ(filtered({text("a")}, "longer than the value"), Rows{});
 }
 
-TEST(FilteredRows, LookAtWhatIsShown)
+TEST(FilteredRows, MatchDisplayedText)
 {
     EXPECT_EQ(
         filtered({KNValue(1234), KNValue(5.25), decimal(u"12.50"), KNValue(QByteArray("\x12\xab", 2))}, "12"),
@@ -159,7 +159,7 @@ TEST(FilteredRows, AreSortedAsWell)
     EXPECT_EQ(arranged(numberedRows(100), arrangement).size(), 19U);
 }
 
-TEST(Arranging, GivesUpWhenItIsCancelled)
+TEST(Arranging, StopsWhenCancelled)
 {
     const auto rows = numberedRows(10'000);
     const std::atomic<bool> cancelled = true;
@@ -167,7 +167,7 @@ TEST(Arranging, GivesUpWhenItIsCancelled)
     EXPECT_EQ(KNRowArrangement{.filterText = QStringLiteral("1")}.order(*rows, shown, cancelled), nullptr);
 }
 
-TEST(SortedRows, PutDatesWithOffsetsInTheOrderOfTheirInstants)
+TEST(SortedRows, OrderDatesWithOffsetsByInstant)
 {
     const auto at = [](qint64 minutes, qint16 offset) {
         return KNValue(KNDateTime{.ticks = minutes * KNDateTime::TicksPerMinute, .offsetMinutes = offset});
@@ -176,7 +176,7 @@ TEST(SortedRows, PutDatesWithOffsetsInTheOrderOfTheirInstants)
     EXPECT_EQ(sorted({at(600, 120), at(660, 0), at(570, 0)}), (std::vector<quint32>{2, 0, 1}));
 }
 
-TEST(SortedRows, PutWhatHasTwoValuesInTheOrderOfWhatIsStored)
+TEST(SortedRows, OrderDoubleValuesByStoredValue)
 {
     const auto result = std::make_shared<KNDatabaseResultSet>();
     result->setColumns({QStringLiteral("a"), QStringLiteral("b")}, {122, 98});

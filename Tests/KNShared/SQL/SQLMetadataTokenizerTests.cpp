@@ -29,7 +29,7 @@ QString tokens(const char *text, const SQLTokenizerOptions &options = MSSQL)
 
 } // namespace
 
-TEST(SQLMetadataTokenizer, FindsNothingInNothing)
+TEST(SQLMetadataTokenizer, ReturnsNoTokenForEmptyText)
 {
     EXPECT_TRUE(SQLMetadataTokenizer::tokenize({}, MSSQL).isEmpty());
     SQLToken token{};
@@ -37,7 +37,7 @@ TEST(SQLMetadataTokenizer, FindsNothingInNothing)
     EXPECT_FALSE(tokenizer.next(&token));
 }
 
-TEST(SQLMetadataTokenizer, GivesPlaceAndLengthOfEachToken)
+TEST(SQLMetadataTokenizer, ReportsPositionAndLengthOfEachToken)
 {
     const QString text = QStringLiteral("a  'b' \U0001F600 1");
     const QList<SQLToken> list = SQLMetadataTokenizer::tokenize(text, MSSQL);
@@ -51,7 +51,7 @@ TEST(SQLMetadataTokenizer, GivesPlaceAndLengthOfEachToken)
     EXPECT_EQ(list[6].text, QStringView(u"1"));
 }
 
-TEST(SQLMetadataTokenizer, TellsTheKindsApart)
+TEST(SQLMetadataTokenizer, DistinguishesKindsOfTokens)
 {
     EXPECT_EQ(
         tokens("SELECT [a b], \"c\", @v, 'x' FROM dbo.t WHERE n>=1.5"),

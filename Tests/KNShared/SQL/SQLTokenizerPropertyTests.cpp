@@ -103,7 +103,7 @@ TEST(SQLMetadataTokenizer, NeverCutsASurrogatePair)
     }
 }
 
-TEST(SQLMetadataTokenizer, GivesTheSameTokensOneByOneAndAllAtOnce)
+TEST(SQLMetadataTokenizer, ReturnsSameTokensOneByOneAndAtOnce)
 {
     std::mt19937 random(11);
     for (int round = 0; round < 1000; ++round) {

@@ -26,7 +26,7 @@ QString argumentAfter(const QStringList &arguments, const char *name)
 
 } // namespace
 
-TEST(SSHCommand, ForwardsALoopbackPortAndAsksNobody)
+TEST(SSHCommand, ForwardsLoopbackPortWithoutPrompts)
 {
     const QStringList arguments = forward(model());
     EXPECT_EQ(argumentAfter(arguments, "-L"), QStringLiteral("127.0.0.1:40000:db:1433"));
@@ -50,7 +50,7 @@ TEST(SSHCommand, NamesUserPortAndKeyWhereTheyAreGiven)
     EXPECT_EQ(argumentAfter(arguments, "-i"), QStringLiteral("/home/me/my key"));
 }
 
-TEST(SSHCommand, TakesNoHostForAnOption)
+TEST(SSHCommand, DoesNotParseHostAsOption)
 {
     KNSSHTunnelModel through;
     through.host = QStringLiteral("-oProxyCommand=x");
@@ -67,7 +67,7 @@ TEST(SSHCommand, TakesNoHostForAnOption)
               QStringLiteral("127.0.0.1:40000:[fe80::1]:1433"));
 }
 
-TEST(SSHCommand, ComplaintsBecomeErrorsThatSayWhatToDo)
+TEST(SSHCommand, ErrorOutputBecomesErrorWithRemedy)
 {
     const auto code = [](const char *complaints) {
         return KNSSHCommand::errorFor(model(), QString::fromLatin1(complaints)).code();
@@ -107,7 +107,7 @@ TEST(SSHHostKey, IsNoneInOtherLinesAndErrors)
     EXPECT_FALSE(KNSSHHostKey::fromError(KNError()));
 }
 
-TEST(SSHTunnelModel, ComesBackFromWhatIsStored)
+TEST(SSHTunnelModel, IsRestoredFromStorage)
 {
     KNSSHTunnelModel through = model();
     EXPECT_EQ(KNSSHTunnelModel::fromVariantMap(through.toVariantMap()), through);

@@ -156,7 +156,7 @@ TEST_F(Tunnel, IsOpenedOnceTheKeyIsAcceptedAndLeadsToTheHost)
     EXPECT_FALSE(QFile(KNSSHHostKey::knownHostsFile()).permissions() & (QFile::ReadGroup | QFile::ReadOther));
 }
 
-TEST_F(Tunnel, IsSharedByAllWhoGoTheSameWayAndEndsWithTheLast)
+TEST_F(Tunnel, IsSharedBySameConnectionsAndClosedWithLast)
 {
     acceptHostKey();
     auto first = opened();
@@ -187,7 +187,7 @@ TEST_F(Tunnel, IsOpenedAgainWhenItHasDied)
     EXPECT_EQ(heardFrom(second->localPort()), QByteArray("hello\n"));
 }
 
-TEST_F(Tunnel, IsNotOpenedForWhoHasNoKeyThatIsAccepted)
+TEST_F(Tunnel, IsNotOpenedWithoutAcceptedKey)
 {
     acceptHostKey();
     m_model.keyFile = m_server->strangersKeyFile();
@@ -206,7 +206,7 @@ TEST_F(Tunnel, IsNotOpenedToAServerThatHasChangedItsKey)
     EXPECT_FALSE(KNSSHHostKey::fromError(error));
 }
 
-TEST_F(Tunnel, SaysWhenItsServerCannotReachTheHost)
+TEST_F(Tunnel, ReportsUnreachableHost)
 {
     acceptHostKey();
     KNError error;
@@ -217,7 +217,7 @@ TEST_F(Tunnel, SaysWhenItsServerCannotReachTheHost)
     EXPECT_TRUE(tunnel->couldNotReachHost(20s)); // ssh may report it after it has closed the connection
 }
 
-TEST_F(Tunnel, ToAnSSHServerThatIsNotThereSaysSo)
+TEST_F(Tunnel, ReportsUnreachableSSHServer)
 {
     m_server->stop();
     KNError error;
@@ -227,7 +227,7 @@ TEST_F(Tunnel, ToAnSSHServerThatIsNotThereSaysSo)
         << error.localizedDescription().toStdString();
 }
 
-TEST_F(FakeSSH, IsTriedWithAnotherPortWhenSomebodyHasTakenTheFirst)
+TEST_F(FakeSSH, IsRetriedWithAnotherPortIfTaken)
 {
     use("echo >> runs\n"
         "[ $(wc -l < runs) -ge 3 ] && { echo tunnel-is-open; exec sleep 600; }\n"
@@ -246,7 +246,7 @@ TEST_F(FakeSSH, IsGivenUpAfterThreePorts)
     EXPECT_EQ(runs(), 3);
 }
 
-TEST_F(FakeSSH, ThatSaysNothingIsNotWaitedForLongerThanTold)
+TEST_F(FakeSSH, TimesOutWithoutOutput)
 {
     use("exec sleep 600\n");
     KNError error;
@@ -254,7 +254,7 @@ TEST_F(FakeSSH, ThatSaysNothingIsNotWaitedForLongerThanTold)
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("in time")));
 }
 
-TEST_F(FakeSSH, ThatDoesNotHeedBeingAskedToEndIsEnded)
+TEST_F(FakeSSH, IsKilledIfItIgnoresTermination)
 {
     use("trap '' TERM; echo tunnel-is-open; while :; do sleep 1; done\n");
     KNError error;
@@ -271,7 +271,7 @@ TEST_F(FakeSSH, ThatIsNotThereIsAnError)
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("not installed")));
 }
 
-TEST_F(FakeSSH, IsStartedOnceForAllWhoComeWhileItOpens)
+TEST_F(FakeSSH, IsStartedOnceForConcurrentCallers)
 {
     use("echo >> runs; while [ ! -e go ]; do sleep 0.01; done; echo tunnel-is-open; exec sleep 600\n");
     std::vector<std::shared_ptr<KNSSHTunnel>> tunnels(8);

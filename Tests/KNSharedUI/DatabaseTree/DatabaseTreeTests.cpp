@@ -170,7 +170,7 @@ TEST_F(DatabaseTree, PassesKeysOnToItsEntries)
     EXPECT_EQ(m_controller.currentlySelectedDatabaseTreeEntry().get(), leaf("b"));
 }
 
-TEST_F(DatabaseTree, TellsAnEntryThatItWasDoubleClicked)
+TEST_F(DatabaseTree, ReportsDoubleClickToEntry)
 {
     show(list({"a"}));
     KNDatabaseTreeView *const view = m_controller.view();
@@ -180,7 +180,7 @@ TEST_F(DatabaseTree, TellsAnEntryThatItWasDoubleClicked)
     EXPECT_EQ(leaf("a")->doubleClicks, 1);
 }
 
-TEST_F(DatabaseTree, GivesTheNamesThatAreDraggedAsText)
+TEST_F(DatabaseTree, DragsNamesAsText)
 {
     show(list({"Orders", "[odd ]] name]"}));
     const std::unique_ptr<QMimeData> data(model()->mimeData({rowOf("Orders"), rowOf("[odd ]] name]")}));
@@ -209,7 +209,7 @@ TEST_F(DatabaseTree, SearchesAsTheUserTypesAndAsksForTheObjectsOnlyOnce)
     EXPECT_TRUE(m_controller.notice().isNull());
 }
 
-TEST_F(DatabaseTree, SaysWhyItsObjectsCannotBeSearched)
+TEST_F(DatabaseTree, ShowsWhyObjectsCannotBeSearched)
 {
     m_root->searchError = KNError(QStringLiteral("test"), 0, QStringLiteral("Search is not supported."));
     show(list({"a"}));
@@ -218,7 +218,7 @@ TEST_F(DatabaseTree, SaysWhyItsObjectsCannotBeSearched)
     EXPECT_EQ(shown(), list({"a"}));
 }
 
-TEST_F(DatabaseTree, SaysThatASearchHasFailedOrIsIncomplete)
+TEST_F(DatabaseTree, ShowsFailedOrIncompleteSearch)
 {
     m_root->isSearched = true;
     m_root->searchError = KNError(QStringLiteral("test"), 229, QStringLiteral("SELECT was denied."));
@@ -253,7 +253,7 @@ TEST_F(DatabaseTree, RunsASearchThatWasTypedBeforeTheTreeWasLoaded)
     EXPECT_TRUE(m_controller.notice().isNull());
 }
 
-TEST_F(DatabaseTree, ShowsTheMenuOfAnEntryWithWhatIsNotThereYetDisabled)
+TEST_F(DatabaseTree, DisablesMissingActionsInMenu)
 {
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();
     int performed = 0;

@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-TEST_F(FindBar, GoesFromMatchToMatchAndBeginsAgain)
+TEST_F(FindBar, WrapsAroundAtTheEnd)
 {
     begin(Emoji + QStringLiteral("ab AB abc"));
     find(QStringLiteral("ab"));
@@ -91,7 +91,7 @@ TEST_F(FindBar, MindsCaseAndWords)
     EXPECT_TRUE(says(QStringLiteral("No matches")));
 }
 
-TEST_F(FindBar, ReplacesByWhatAnExpressionHasCapturedOverLines)
+TEST_F(FindBar, ReplacesWithCapturesAcrossLines)
 {
     begin(QStringLiteral("a = 1\r\nb = 2\r\n"));
     check("Regular expression");
@@ -127,7 +127,7 @@ TEST_F(FindBar, ReplacesOneMatchAfterTheOther)
     EXPECT_EQ(editor->wholeText(), QStringLiteral("aa aa a"));
 }
 
-TEST_F(FindBar, SaysWhereAnExpressionIsWrong)
+TEST_F(FindBar, ShowsPositionOfExpressionError)
 {
     begin(QStringLiteral("a(b"));
     check("Regular expression");
@@ -140,7 +140,7 @@ TEST_F(FindBar, SaysWhereAnExpressionIsWrong)
     EXPECT_EQ(editor->wholeText(), QStringLiteral("a(b"));
 }
 
-TEST_F(FindBar, GetsPastMatchesOfNothing)
+TEST_F(FindBar, SkipsEmptyMatches)
 {
     begin(QStringLiteral("ab\ncd"));
     check("Regular expression");
@@ -151,7 +151,7 @@ TEST_F(FindBar, GetsPastMatchesOfNothing)
     EXPECT_EQ(editor->selectedRange(), (KNRange{0, 0}));
 }
 
-TEST_F(FindBar, TakesTheSelectedWordsAndGivesTheFocusBack)
+TEST_F(FindBar, UsesSelectionAndRestoresFocus)
 {
     begin(QStringLiteral("a (b) (b)"));
     editor->selectRange({2, 3});

@@ -37,7 +37,7 @@ TEST(SQLEditor, EntersTheLineEndsOfItsText)
     EXPECT_EQ(editor->wholeText(), QStringLiteral("\r\na\r\nb"));
 }
 
-TEST(SQLEditor, CountsPlacesInUnitsWhateverTheyTakeAsBytes)
+TEST(SQLEditor, CountsPositionsInUtf16Units)
 {
     const QString text =
         QChar(QChar::ByteOrderMark) + Emoji + QString::fromUtf8("é\n€x") + Emoji + QStringLiteral("yz");
@@ -99,7 +99,7 @@ TEST(SQLEditor, TogglesLineCommentsOfTheSelectedLines)
     EXPECT_EQ(editor->wholeText(), QStringLiteral("a\nb"));
 }
 
-TEST(SQLEditor, GoesToALineThatIsAskedFor)
+TEST(SQLEditor, GoesToRequestedLine)
 {
     const auto editor = editorWith(QStringLiteral("1\n2\n3\n4"));
     editor->askForLine();

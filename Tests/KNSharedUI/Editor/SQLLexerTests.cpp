@@ -3,7 +3,7 @@
 
 using namespace EditorTesting;
 
-TEST(SQLColouring, TellsTheKindsOfWordsApart)
+TEST(SQLColouring, ColoursWordsByKind)
 {
     const auto editor =
         editorWith(QStringLiteral("Select count(*), LEFT (a, 1), @@version, @x, 42, N'it''s', [from], \"q\"\n"
@@ -41,7 +41,7 @@ TEST(SQLColouring, NestsCommentsOverLinesHoweverTheyAreReached)
     EXPECT_EQ(styleAt(*editor, QStringLiteral("select")), KNSQLLexer::Keyword);
 }
 
-TEST(SQLColouring, KnowsStringsAndNamesThatRunOverLines)
+TEST(SQLColouring, ColoursMultilineStringsAndNames)
 {
     const auto editor = editorWith(QStringLiteral("'one\r\ntwo''\r\n' select [a\nb]]\nc] from \"d\n\ne\" 7"));
     for (const char *inString : {"one", "two"})

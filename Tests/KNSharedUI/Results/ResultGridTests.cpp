@@ -78,7 +78,7 @@ TEST(ResultModel, ShowsTextInOneLine)
     EXPECT_TRUE(grid.model.cell(2, 0).text.startsWith(QStringLiteral("0x0101")));
 }
 
-TEST(ResultModel, ShowsDatesAsThePreferenceSays)
+TEST(ResultModel, FormatsDatesByPreference)
 {
     /// Shows dates in a way of its own.
     class Helper : public ResultSetViewControllerHelper
@@ -105,7 +105,7 @@ TEST(ResultModel, ShowsDatesAsThePreferenceSays)
     before.save();
 }
 
-TEST(ResultModel, ShowsADateWithAnOffsetAsThePreferenceSays)
+TEST(ResultModel, FormatsDatesWithOffsetByPreference)
 {
     const KNDateTime date = {.ticks = 5, .fractionDigits = 2, .offsetMinutes = -30};
     Grid grid(result({QStringLiteral("a")}, {{KNValue(date)}}));
@@ -120,7 +120,7 @@ TEST(ResultModel, ShowsADateWithAnOffsetAsThePreferenceSays)
     before.save();
 }
 
-TEST(ResultModel, MarksBytesWhoseTypeIsNotKnownAndSaysWhy)
+TEST(ResultModel, MarksBytesOfUnknownTypeWithReason)
 {
     /// Has something to say about its columns.
     class Helper : public ResultSetViewControllerHelper
@@ -194,7 +194,7 @@ TEST(ResultModel, StaysAsItIsWhenSortingIsCancelled)
     EXPECT_TRUE(grid.model.arrangement().isPlain());
 }
 
-TEST(ResultModel, TellsTheTypeOfAColumn)
+TEST(ResultModel, ReportsTypeOfColumn)
 {
     class Helper : public ResultSetViewControllerHelper
     {
@@ -294,7 +294,7 @@ TEST(ResultGrid, AsksForAValueByReturnAndDoubleClick)
     EXPECT_EQ(requested, (QList<QModelIndex>{grid.model.index(3, 1), grid.model.index(4, 0)}));
 }
 
-TEST(ResultGrid, GivesColumnsTheWidthOfTheirFirstRowsWithinBounds)
+TEST(ResultGrid, SizesColumnsToFirstRowsWithinBounds)
 {
     Grid grid(result({QStringLiteral("n"), QStringLiteral("short"), QStringLiteral("long")},
                      {{KNValue(1), text("some twenty letters."), KNValue(QString(900, QLatin1Char('m')))}}));
@@ -319,7 +319,7 @@ TEST(ResultGrid, KeepsItsWidthsAndColumnWhenItIsSorted)
     EXPECT_EQ(grid.view.topRow(), 0);
 }
 
-TEST(ResultGrid, TellsAssistiveProgramsOfTheCurrentCell)
+TEST(ResultGrid, ReportsCurrentCellToAssistivePrograms)
 {
     Grid grid(result({QStringLiteral("a")}, {{KNValue()}, {text("x")}}));
     grid.view.setCurrentIndex(grid.model.index(1, 0));

@@ -118,7 +118,7 @@ TEST(ResultsPane, LetsRowsOfALostRunBeSorted)
     EXPECT_TRUE(shown.pane.section(0)->model().isFinished());
 }
 
-TEST(ResultsPane, ForgetsTheRunBefore)
+TEST(ResultsPane, RemovesPreviousRun)
 {
     Pane shown({numberedRows(5)});
     shown.pane.clear();
@@ -172,7 +172,7 @@ TEST(ResultsPane, RemembersWhetherResultsAreTabs)
     EXPECT_FALSE(KNResultsPane().showsTabs());
 }
 
-TEST(ResultSection, CopiesWhatIsSelected)
+TEST(ResultSection, CopiesSelection)
 {
     Pane shown({result({QStringLiteral("id"), QStringLiteral("name")},
                        {{KNValue(1), text("x")}, {KNValue(2), KNValue()}})});
@@ -211,7 +211,7 @@ TEST(ResultSection, SortsByDoubleClicksOnAHeader)
     EXPECT_EQ(doubleClick(), QStringLiteral("0|Result 1: 100 rows"));
 }
 
-TEST(ResultSection, FiltersByWhatIsTypedAndShowsAllRowsOnEscape)
+TEST(ResultSection, FiltersByTypedTextAndEscapeShowsAllRows)
 {
     Pane shown({numberedRows(100)});
     KNResultSection &section = *shown.pane.section(0);
@@ -276,7 +276,7 @@ TEST(ResultExport, IsCancelledWithoutATrace)
     EXPECT_TRUE(alerts.errors.empty());
 }
 
-TEST(ResultExport, TellsOfErrorsAndOfWhatTheFormatCouldNotHold)
+TEST(ResultExport, ReportsErrorsAndLossesOfFormat)
 {
     const QTemporaryDir folder;
     RecordingAlerts &alerts = RecordingAlerts::install();

@@ -69,7 +69,7 @@ TEST(ValueText, DumpsBytes)
     EXPECT_EQ(KNValueText::hexDump({}), QString());
 }
 
-TEST(ValueText, KnowsWhatAValueIs)
+TEST(ValueText, DetectsKindOfValue)
 {
     using Form = KNValueText::Form;
     EXPECT_EQ(KNValueText::formOf(text("  {\"a\": 1}")), Form::Json);
@@ -144,7 +144,7 @@ TEST(ValueViewer, OpensAHugeValueAtOnceAndSavesItWhole)
     delete viewer;
 }
 
-TEST(ValueViewer, SavesBytesAsTheyAreAndTellsWhenItCannot)
+TEST(ValueViewer, SavesBytesAndReportsWriteFailure)
 {
     const QTemporaryDir folder;
     RecordingAlerts &alerts = RecordingAlerts::install();

@@ -196,7 +196,7 @@ TEST_F(StatementRuns, EndAtACancelWhileTheyWaitForAConnection)
     EXPECT_EQ(sent(), QStringList());
 }
 
-TEST_F(StatementRuns, CallNobodyOnceTheOwnerIsGone)
+TEST_F(StatementRuns, MakeNoCallAfterOwnerIsDestroyed)
 {
     auto shortLived = std::make_unique<QObject>();
     bool isCalled = false;

@@ -105,7 +105,7 @@ TEST_F(StatementRunsOnAServer, RollBackAtACancel)
     EXPECT_EQ(rowCount(), 0);
 }
 
-TEST_F(StatementRunsOnAServer, ReportWhatRemainsWhenTheScriptEndsItsTransactionItself)
+TEST_F(StatementRunsOnAServer, ReportUnknownChangesWhenScriptEndsTransaction)
 {
     const KNStatementOutcome failed = run(
         KNFormat("INSERT INTO %@ VALUES (1)\nCOMMIT\nGO\nINSERT INTO %@ VALUES (NULL)", table, table), true);

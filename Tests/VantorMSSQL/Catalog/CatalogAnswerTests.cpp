@@ -132,7 +132,7 @@ private:
 
 } // namespace
 
-TEST_P(CatalogAnswers, AreWhatTheSampleDatabasesHold)
+TEST_P(CatalogAnswers, MatchRecordedAnswers)
 {
     QMap<QString, QList<std::pair<QString, QString>>> answers;
     for (const CatalogQuestion &question : catalogQuestions()) {

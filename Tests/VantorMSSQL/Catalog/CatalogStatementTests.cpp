@@ -350,7 +350,7 @@ const QStringList &catalogStatements()
     return titles;
 }
 
-TEST_P(CatalogStatements, TellTablesApartWhoseJoinedNamesAreTheSame)
+TEST_P(CatalogStatements, DistinguishTablesWithEqualJoinedNames)
 {
     if (QLatin1String(GetParam()) == QLatin1String("2000"))
         GTEST_SKIP() << "SQL Server 2000 has owners, which are users, instead of schemas.";
@@ -372,13 +372,13 @@ TEST_P(CatalogStatements, LeaveOutTheObjectsOfTools)
     leaveToolsOut(QLatin1String(GetParam()) == QLatin1String("2000"));
 }
 
-TEST_P(CatalogStatements, ShowTheSessionThatAsks)
+TEST_P(CatalogStatements, ShowTheCurrentSession)
 {
     useNewDatabase();
     showOwnSession();
 }
 
-TEST_P(CatalogStatements, DoWhatTheyAreFor)
+TEST_P(CatalogStatements, HaveTheirDocumentedEffect)
 {
     for (auto trial = trials().cbegin(); trial != trials().cend(); ++trial) {
         SCOPED_TRACE(trial.key().toStdString());

@@ -73,7 +73,7 @@ TEST_F(TreeContextHelper, DoesNothingWithoutItsWorkspace)
     EXPECT_EQ(names, QStringList());
 }
 
-TEST_F(TreeContextHelper, KnowsTheActionsOfFederations)
+TEST_F(TreeContextHelper, HasFederationActions)
 {
     EXPECT_FALSE(helper.knowsAction(QStringLiteral("connectToFederatedMember:")));
     MSSQLUserInterface().addTreeActions(helper, *workspace);

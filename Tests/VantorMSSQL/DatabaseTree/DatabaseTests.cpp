@@ -57,7 +57,7 @@ public:
 
 } // namespace
 
-TEST_F(DatabaseNode, ShowsItsSectionsWithoutAsking)
+TEST_F(DatabaseNode, ShowsSectionsWithoutQuery)
 {
     const Ptr shop = entry({"shop"});
     const auto queries = server->titles();
@@ -83,7 +83,7 @@ TEST_F(AzureDatabaseNode, ShowsItsFederationsAsWell)
     EXPECT_EQ(names(shop), list({"Tables", "Views", "Programmability", "Federations"}));
 }
 
-TEST_F(AzureDatabaseNode, ShowsNoFederationsInsideOfOne)
+TEST_F(AzureDatabaseNode, HidesFederationsOfFederationMember)
 {
     const auto settings = server->settings();
     settings->setFederationStatement(QStringLiteral("USE FEDERATION F1 (id = 1) WITH RESET"));
@@ -106,7 +106,7 @@ TEST_F(DatabaseNode, AForcedLoadEmptiesItAtOnceEvenWhileAnotherRuns)
     EXPECT_EQ(delegate->begins(*shop), 2);
 }
 
-TEST_F(DatabaseNode, IgnoresTheRemovalOfWhoIsNoChild)
+TEST_F(DatabaseNode, IgnoresRemovalOfNonChild)
 {
     const Ptr shop = entry({"shop"});
     load(shop);
@@ -162,7 +162,7 @@ TEST_F(DatabaseNode, ASearchMakesTheRightKindOfEntry)
               QStringLiteral("p"));
 }
 
-TEST_F(DatabaseNode, ASearchSkipsWhatItDoesNotKnowAndWhatHasNoName)
+TEST_F(DatabaseNode, SearchSkipsUnknownKindsAndUnnamedObjects)
 {
     KNDatabaseSearchResult nameless = object("", "dbo", "x", "TABLE");
     nameless.display = QString();

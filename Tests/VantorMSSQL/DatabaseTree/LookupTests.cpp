@@ -61,7 +61,7 @@ TEST_F(Lookups, AVersionThatCannotBeFoundIsLoggedAndNotAskedForAgain)
     EXPECT_TRUE(wasLogged("mssql.versionForDBC.nilResult 911"));
 }
 
-TEST_F(Lookups, AzureIsNeverSqlServer2000WhateverElseItsTextHolds)
+TEST_F(Lookups, AzureIsNeverSqlServer2000ForAnyBanner)
 {
     server->answer("DatabaseTree_ServerVersion", {{"Microsoft SQL AZURE - 8.00.2000 of 2000"}});
     EXPECT_TRUE(versions.isDBCAzure(*server->settings()));

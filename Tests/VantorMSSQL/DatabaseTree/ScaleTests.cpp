@@ -67,7 +67,7 @@ TEST_F(FiftyThousandTables, TakeLessThanAKilobyteEach)
     EXPECT_GT(perTable, sizeof(KNDatabaseTreeEntry));
 }
 
-TEST_F(FiftyThousandTables, OneMoreGoesToItsPlaceAtOnce)
+TEST_F(FiftyThousandTables, InsertOneMoreInSortOrder)
 {
     const Ptr tables = entry({"shop", "Tables"});
     load(tables);

@@ -118,7 +118,7 @@ TEST_F(ScriptMenus, OfAType)
     script<MSSQLScriptDropAndCreateTypeQueryLoader>(menu, "DROP and CREATE to");
 }
 
-TEST_F(ScriptMenus, AreEnabledWhenSomebodyTakesScripts)
+TEST_F(ScriptMenus, AreEnabledWithScriptReceiver)
 {
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();
     helper->addAction(QStringLiteral("addQueryTabWithQueryLoader:"), [](const KNMenuRepresentedObject &) {});

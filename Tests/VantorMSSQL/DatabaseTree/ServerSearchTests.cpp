@@ -224,7 +224,7 @@ TEST_F(Search, AnEmptyServerIsNotSearched)
     EXPECT_EQ(server->count("List_SearchableDatabaseEntries"), 0);
 }
 
-TEST_F(AzureSearch, AsksEveryDatabaseByItself)
+TEST_F(AzureSearch, QueriesEachDatabaseSeparately)
 {
     const auto node = root();
     load(node);
@@ -236,7 +236,7 @@ TEST_F(AzureSearch, AsksEveryDatabaseByItself)
     EXPECT_EQ(names(found->childEntries()->front()), list({"dbo.fn"}));
 }
 
-TEST_F(AzureSearch, ADatabaseThatFailsDoesNotKeepTheOthersFromBeingSearched)
+TEST_F(AzureSearch, ContinuesAfterFailedDatabase)
 {
     server->answer(QStringLiteral("List_SearchableDatabaseEntries_Azure"),
                    [calls = std::make_shared<int>(0)](const QString &, KNError *error) {

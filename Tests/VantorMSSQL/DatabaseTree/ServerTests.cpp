@@ -147,7 +147,7 @@ TEST_F(ServerNode, AFailureOfAnEmptyRootIsShownAndReported)
     EXPECT_EQ(names(node), list({"shop"}));
 }
 
-TEST_F(ServerNode, AFailedRefreshReplacesWhatWasThere)
+TEST_F(ServerNode, FailedRefreshReplacesChildren)
 {
     const auto node = root();
     load(node);

@@ -65,7 +65,7 @@ TEST(TableOrder, AnErrorEntryComesFirst)
     EXPECT_EQ(Order.inserted({error}, table("dbo", "a")).front(), error);
 }
 
-TEST(TableOrder, InsertingGivesTheSameAsSorting)
+TEST(TableOrder, InsertingEqualsSorting)
 {
     std::mt19937 random(7);
     const char *const schemas[] = {"dbo", "DBO", "sales", "Sales", "abc", "zoo", nullptr};

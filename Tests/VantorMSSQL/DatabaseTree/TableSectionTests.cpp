@@ -204,7 +204,7 @@ TEST_F(TableSection, TriggersCarryTheirScripts)
     EXPECT_EQ(loaderText(item(menu, list({"Modify"}))), trigger->alterTriggerSQL());
 }
 
-TEST_F(TableSection, ATriggerWhoseDefinitionCannotBeReadSaysSo)
+TEST_F(TableSection, ReportsUnreadableTriggerDefinition)
 {
     server->answer("List_TriggersForTableWithDetails", {{"trg", "AFTER", "INSERT", nullptr, 1}});
     const Ptr triggers = section("Triggers");

@@ -86,7 +86,7 @@ TEST_F(Table, CmdRightAltersIt)
     EXPECT_EQ(altered, orders);
 }
 
-TEST_F(Table, WithoutWhoCarriesOutActionsNothingHappens)
+TEST_F(Table, ActionsWithoutHandlerDoNothing)
 {
     const Ptr orders = table("dbo", "Orders");
     tree = nullptr;

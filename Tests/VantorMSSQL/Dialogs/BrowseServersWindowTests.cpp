@@ -61,7 +61,7 @@ protected:
 
 } // namespace
 
-TEST_F(BrowseServersWindow, ShowsWhatAnswersAndAcceptsARow)
+TEST_F(BrowseServersWindow, ListsAnswersAndAcceptsRow)
 {
     ASSERT_TRUE(waitForServer());
     EXPECT_EQ(m_table->item(0, 1)->text(), QStringLiteral("SAMPLE"));
@@ -110,7 +110,7 @@ TEST_F(BrowseServersWindow, ShowsThatItSearches)
     EXPECT_TRUE(waitFor([&] { return !mark->isRunning(); }));
 }
 
-TEST(BrowseServersColumns, ShowTheEntryWhateverTheCaseOfTheirNames)
+TEST(BrowseServersColumns, IgnoreCaseOfColumnNames)
 {
     MSSQLBrowserServiceClientEntry entry;
     entry.host = QStringLiteral("A");

@@ -208,7 +208,7 @@ TEST_F(ConnectionWindow, KeepsTheIdOfTheEntryThatIsEdited)
     EXPECT_EQ(edited->serverHost, QStringLiteral("a"));
 }
 
-TEST_F(ConnectionWindow, GivesANewConnectionAFreshId)
+TEST_F(ConnectionWindow, AssignsIdToNewConnection)
 {
     MSSQLRecentConnection::UpdateRecentConnection(entry("one", "a"));
     open();
@@ -267,7 +267,7 @@ TEST_F(ConnectionWindow, TakesTheFieldsOfAServerThatIsChosenFromTheListAndOnlyTh
     EXPECT_EQ(remembered(0)->username, QStringLiteral("carol"));
 }
 
-TEST_F(ConnectionWindow, SaysWhereConnectionsAreKeptAndWhatIsWrongWithThat)
+TEST_F(ConnectionWindow, ShowsStorageLocationAndErrors)
 {
     m_store->holdsAnswersBack = true;
     open();
@@ -308,7 +308,7 @@ TEST_F(ConnectionWindow, ListsNoDatabasesWithoutServerAndUserName)
     EXPECT_FALSE(m_form->databaseProgress->isRunning());
 }
 
-TEST_F(ConnectionWindow, SaysWhyDatabasesCannotBeListed)
+TEST_F(ConnectionWindow, ShowsWhyDatabasesCannotBeListed)
 {
     QString logged;
     KNLogHelper::sharedInstance()->setObserver([&](const QString &record) { logged += record; });
@@ -322,7 +322,7 @@ TEST_F(ConnectionWindow, SaysWhyDatabasesCannotBeListed)
     EXPECT_TRUE(m_alerts.errors.empty());
 }
 
-TEST_F(ConnectionWindow, ThatIsClosedWhileItConnectsIsNotHeardOfAgain)
+TEST_F(ConnectionWindow, IgnoresConnectResultAfterClosing)
 {
     // A server that takes the connection and says nothing.
     auto relay = std::make_unique<HostileServerRelay>(SampleServerFixture::shared().port(),
@@ -341,7 +341,7 @@ TEST_F(ConnectionWindow, ThatIsClosedWhileItConnectsIsNotHeardOfAgain)
     EXPECT_TRUE(m_store->writes.empty());
 }
 
-TEST_F(ConnectionWindow, ThatIsClosedWhileItsLoginSucceedsSavesNothing)
+TEST_F(ConnectionWindow, SavesNothingAfterClosing)
 {
     open();
     fillIn();

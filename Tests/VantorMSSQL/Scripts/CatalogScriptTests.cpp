@@ -24,7 +24,7 @@ TEST_F(CatalogScript, IsDeliveredFromTheBackground)
     EXPECT_TRUE(receiver->cameOnAnotherThread());
 }
 
-TEST_F(CatalogScript, OfATableIsTheLastRowAsItStands)
+TEST_F(CatalogScript, OfATableIsTheUnchangedLastRow)
 {
     answer("table my sales Order ] Lines", {{text("first")}, {text(" last \r\n")}});
     EXPECT_EQ((script<MSSQLScriptCreateTableQueryLoader>(utf8("Order ] Lines"), utf8("my sales"))),
@@ -33,7 +33,7 @@ TEST_F(CatalogScript, OfATableIsTheLastRowAsItStands)
               utf8("DROP TABLE my sales.Order ] Lines\r\nGO\r\n\r\n last \r\n"));
 }
 
-TEST_F(CatalogScript, OfATableThatIsNotThereIsNoText)
+TEST_F(CatalogScript, OfAMissingTableIsNull)
 {
     EXPECT_TRUE((script<MSSQLScriptCreateTableQueryLoader>(utf8("t"), utf8("dbo"))).isNull());
     EXPECT_EQ((script<MSSQLScriptDropAndCreateTableQueryLoader>(utf8("t"), utf8("dbo"))),
@@ -68,7 +68,7 @@ TEST_F(CatalogScript, OfAViewBeginsWithItsSettings)
              "GO\r\n\r\nCREATE VIEW [my view] AS SELECT 1"));
 }
 
-TEST_F(CatalogScript, OfAViewMakesItsIndexesAnew)
+TEST_F(CatalogScript, OfAViewRecreatesItsIndexes)
 {
     answer("view dbo.v", {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 1")}});
     answer("index sys.views t.object_id = OBJECT_ID('v') v",
@@ -141,7 +141,7 @@ TEST_F(CatalogScript, OfSeveralRowsAppendsThemToOneAnother)
              "CREATE PROCEDURE p;2\r\nGO"));
 }
 
-TEST_F(CatalogScript, OfAModuleThatGivesNothingIsAComment)
+TEST_F(CatalogScript, OfAModuleWithoutRowsIsAComment)
 {
     EXPECT_EQ((script<MSSQLScriptCreateStoredProcedureQueryLoader>(utf8("p"), utf8("dbo"))),
               utf8("-- Failed to load creation query for stored procedure dbo.p in database shop."));
@@ -211,7 +211,7 @@ TEST_F(CatalogScript, OfATypeThatIsNotThereIsUnhandled)
     EXPECT_TRUE(wasReported("mssql.queryLoader.createType", "type dbo t"));
 }
 
-TEST_F(CatalogScript, FindsItsDelegateGoneWithoutHarm)
+TEST_F(CatalogScript, ToleratesDestroyedDelegate)
 {
     const auto loader = std::make_shared<MSSQLScriptCreateTableQueryLoader>(utf8("t"), utf8("dbo"));
     loader->setDelegate(std::make_shared<Receiver>());

@@ -18,7 +18,7 @@ QStringList noticesOf(const char *kind, const char *schema, const char *name, co
 
 } // namespace
 
-TEST(ModuleHeader, IsFoundBehindCommentsAndWhateverStandsBetweenItsWords)
+TEST(ModuleHeader, IsFoundAfterAndBetweenComments)
 {
     for (const char *text :
          {"create proc dbo.p as select 1", "CREATE\r\n\tPROCEDURE\n[dbo] . \"p\" AS", "create  proc  dbo.p",
@@ -85,7 +85,7 @@ TEST(ModuleHeader, AltersTheStatementAndNoWordsElsewhere)
               u("-- create view\r\nALTER VIEW v AS SELECT 'CREATE VIEW' AS a -- CREATE VIEW"));
 }
 
-TEST(ScriptSubject, HasNothingToSayAboutItsOwnObject)
+TEST(ScriptSubject, HasNoNoticeAboutItsOwnObject)
 {
     EXPECT_EQ(noticesOf("TABLE", "dbo", "Orders", "SET ANSI_NULLS ON\r\nGO\r\nCREATE TABLE [dbo].[Orders] ("),
               QStringList());
@@ -97,14 +97,14 @@ TEST(ScriptSubject, HasNothingToSayAboutItsOwnObject)
     EXPECT_EQ(noticesOf("TRIGGER", "s", "t", "-- Failed to load trigger SQL"), QStringList());
 }
 
-TEST(ScriptSubject, SaysThatAStatementIsOfAnotherKind)
+TEST(ScriptSubject, ReportsStatementOfAnotherKind)
 {
     EXPECT_EQ(noticesOf("TABLE", "sales", "Orders", "DROP VIEW sales.Orders"),
               QStringList{u("The statement below is DROP VIEW, but the script was asked for the table "
                             "sales.Orders.")});
 }
 
-TEST(ScriptSubject, SaysThatAStatementNamesNoSchema)
+TEST(ScriptSubject, ReportsStatementWithoutSchema)
 {
     EXPECT_EQ(
         noticesOf("PROCEDURE", "sales", "p", "DROP PROCEDURE p\r\nGO\r\nCREATE PROC sales.p AS"),
@@ -115,7 +115,7 @@ TEST(ScriptSubject, SaysThatAStatementNamesNoSchema)
     EXPECT_EQ(noticesOf("PROCEDURE", "dbo", "p", "CREATE PROCEDURE p AS"), QStringList());
 }
 
-TEST(ScriptSubject, SaysThatAnUnquotedNameIsAnotherOne)
+TEST(ScriptSubject, ReportsUnquotedNameOfAnotherObject)
 {
     const QStringList notices =
         noticesOf("TABLE", "my sales", "Order Lines",

@@ -63,7 +63,7 @@ TEST(MySQLTranslation, CountsCharactersOfNationalTypes)
     EXPECT_EQ(typeOf("decimal(18,2)"), utf8("decimal(18,2)"));
 }
 
-TEST(MySQLTranslation, GivesTypesWithoutLimitASubstituteWidth)
+TEST(MySQLTranslation, UsesSubstituteWidthForUnlimitedTypes)
 {
     EXPECT_EQ(typeOf("nvarchar", -1), utf8("nvarchar(21844)"));
     EXPECT_EQ(typeOf("varbinary", -1), utf8("varbinary(21844)"));
@@ -78,7 +78,7 @@ TEST(MySQLTranslation, LeavesTheSizeOfSomeTypesOut)
     EXPECT_EQ(typeOf("float", 8), utf8("float(8)"));
 }
 
-TEST(MySQLTranslation, CastsWhatMySQLDoesNotKnow)
+TEST(MySQLTranslation, CastsTypesUnknownToMySQL)
 {
     const auto hierarchy = translation("hierarchyid", 892);
     EXPECT_EQ(hierarchy.type, utf8("blob(892)"));
@@ -176,7 +176,7 @@ TEST_F(MySQLScript, SpellsTypesAsMySQLDoes)
                    "\t`r` nvarchar(128) NULL);\r\n"));
 }
 
-TEST_F(MySQLScript, LooksBehindTheUsersTypes)
+TEST_F(MySQLScript, ResolvesUserDefinedTypes)
 {
     const auto alias = [](const char *base, const char *size, int length) {
         QList<KNValue> row(4);
@@ -202,7 +202,7 @@ TEST_F(MySQLScript, LooksForTheWidestValueOnlyWhereItIsWritten)
     EXPECT_EQ(m_asked, (QStringList{utf8("columns dbo t"), utf8("SELECT a FROM [dbo].[t]")}));
 }
 
-TEST_F(MySQLScript, TellsWhichTypeItCouldNotLookBehind)
+TEST_F(MySQLScript, ReportsUnresolvedType)
 {
     answer("columns dbo t", {column("a", "[dbo].[Price]")});
     fail("type dbo Price");
@@ -211,7 +211,7 @@ TEST_F(MySQLScript, TellsWhichTypeItCouldNotLookBehind)
     EXPECT_TRUE(wasReported("mssql.queryLoader.tableAsMySQL", "type dbo Price")) << m_log.toStdString();
 }
 
-TEST_F(MySQLScript, TellsWhatFails)
+TEST_F(MySQLScript, ReportsFailures)
 {
     fail("columns dbo t");
     EXPECT_EQ(tableScript("t", true, true, true),
@@ -269,14 +269,14 @@ TEST(MySQLExporter, WritesSingleRowsOnOneLine)
         utf8("-- Add 2 rows for t.\r\nINSERT INTO t (Id) VALUES (1);\r\nINSERT INTO t (Id) VALUES (2);\r\n"));
 }
 
-TEST(MySQLExporter, WithoutRowsSaysSo)
+TEST(MySQLExporter, WritesCommentWithoutRows)
 {
     EXPECT_EQ(MSSQL2MySQLExporter::exportData({}, utf8("t"), {utf8("Id")}, false, 10),
               utf8("-- Add 0 rows for t.\r\n"));
     EXPECT_THROW(MSSQL2MySQLExporter::exportData({}, utf8("t"), {utf8("Id")}, false, 0), KNAssertionFailure);
 }
 
-TEST_F(MySQLScript, ReadsAndWritesNothingButTheTableWhateverItsName)
+TEST_F(MySQLScript, AccessesOnlyItsTableForAnyName)
 {
     const char *const name = "a]; DROP TABLE victim; --\nDROP TABLE victim; /* ` */";
     const char *const bracketed = "[a]]; DROP TABLE victim; --\nDROP TABLE victim; /* ` */]";

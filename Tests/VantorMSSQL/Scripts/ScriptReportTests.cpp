@@ -63,7 +63,7 @@ TEST_F(ScriptReport, NeverLetsATableBeDroppedWithoutItsCreatePart)
     EXPECT_EQ(m_report.unsafeLength, m_text.size());
 }
 
-TEST_F(ScriptReport, SaysBeforeTheDropWhatTheNewTableLacks)
+TEST_F(ScriptReport, ListsMissingPartsBeforeDrop)
 {
     answer("table dbo t", {{text("-- Not part of this script: The full-text index of the table.\r\n"
                                  "SET ANSI_NULLS ON\r\nGO\r\nCREATE TABLE dbo.t (a int)")}});
@@ -144,7 +144,7 @@ TEST_F(ScriptReport, NeverLetsATableTypeBeDropped)
     EXPECT_TRUE(guarded().contains(utf8("-- Unhandled\r\n"))) << guarded().toStdString();
 }
 
-TEST_F(ScriptReport, CommentsOutWhatIsNoScript)
+TEST_F(ScriptReport, CommentsOutTextThatIsNoScript)
 {
     fail("alter dbo p shop");
     load<MSSQLScriptAlterStoredProcedureQueryLoader>(utf8("p"), utf8("dbo"));
@@ -197,7 +197,7 @@ TEST_F(ScriptReport, UsesTheNameThatARenamedObjectHasNow)
     EXPECT_TRUE(m_text.contains(utf8("CREATE VIEW s.fresh AS SELECT 1 AS a"))) << m_text.toStdString();
 }
 
-TEST_F(ScriptReport, SaysWhereWordsOfALiteralWereChanged)
+TEST_F(ScriptReport, ReportsChangedWordsInLiterals)
 {
     answer("view dbo.v",
            {{KNValue(true), KNValue(true), text("CREATE VIEW v AS SELECT 'CREATE VIEW' AS a")}});

@@ -72,7 +72,7 @@ constexpr HostileName HostileNames[] = {
 
 } // namespace
 
-TEST(ObjectPath, ReadsWhatAServerReads)
+TEST(ObjectPath, ParsesPathsLikeServer)
 {
     const auto reads = [](const char *text, std::initializer_list<const char *> parts) {
         QStringList names;

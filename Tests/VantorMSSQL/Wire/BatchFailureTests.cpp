@@ -243,7 +243,7 @@ TEST(MessagesOfABatch, WithoutAnyResultAreShown)
     EXPECT_TRUE(messageTexts(results).contains(QStringLiteral("hello")));
 }
 
-TEST(AnswerThatBreaksTheProtocol, EndsWithAnErrorOrItsRows)
+TEST(AnswerThatBreaksTheProtocol, ReturnsErrorOrReceivedRows)
 {
     const Bytes rows = joined({intColumns({"a"}), intRow({1}), intRow({2})});
     for (const std::uint16_t status : {0x20, 0x21, 0xFFFF, 0xFFFE}) {

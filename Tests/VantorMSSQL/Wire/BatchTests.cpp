@@ -41,7 +41,7 @@ TEST_F(Batches, OneRowIsOneResult)
     EXPECT_EQ(results[0]->executedQuery(), QStringLiteral("SELECT 1 AS a, N'x' AS b"));
 }
 
-TEST_F(Batches, NoRowIsNoResultButHasItsColumns)
+TEST_F(Batches, EmptyResultHasColumns)
 {
     const auto results = run(*client, QStringLiteral("SELECT 1 AS a WHERE 1 = 0"));
     ASSERT_EQ(results.size(), 1);
@@ -76,7 +76,7 @@ TEST_F(Batches, TwoHundredAndFiftyRowsArriveInChunksOfOneHundred)
     EXPECT_TRUE(summaryOf(holder.resultSets().first()).endsWith(QStringLiteral("(250 results).")));
 }
 
-TEST_F(Batches, AnUpdateSaysHowManyRowsItAffected)
+TEST_F(Batches, UpdateReportsAffectedRows)
 {
     run(*client, QStringLiteral("CREATE TABLE #t (a int); INSERT INTO #t VALUES (1), (2), (3)"));
     const auto results = run(*client, QStringLiteral("UPDATE #t SET a = a + 1"));
@@ -150,7 +150,7 @@ TEST_F(Batches, AnInvalidColumnThatOccursTwiceIsNotMarked)
     EXPECT_TRUE(error.userInfo().isEmpty());
 }
 
-TEST_F(Batches, ResultsBehindAnErrorInTheMiddleAreNotLost)
+TEST_F(Batches, ResultsAfterErrorAreKept)
 {
     const auto results = run(*client, QStringLiteral("SELECT 1 AS a; SELECT 1/0 AS b; SELECT 3 AS c"));
     QStringList names;
@@ -180,7 +180,7 @@ TEST_F(Batches, TheNextBatchWorksAfterAFailure)
     EXPECT_EQ(scalar(*client, QStringLiteral("SELECT 5")), KNValue(5));
 }
 
-TEST_F(Batches, AnErrorMustBeGiven)
+TEST_F(Batches, ErrorParameterIsRequired)
 {
     KNResultSetHolder holder;
     EXPECT_THROW(client->executeQueryDetails({}, holder, {}, nullptr), KNAssertionFailure);
@@ -193,7 +193,7 @@ TEST_F(Batches, AStatementOfTheFederationRunsFirst)
               (QStringList{QStringLiteral("member"), QStringLiteral("batch")}));
 }
 
-TEST_F(Batches, AComputeClauseGivesAResultOfItsOwn)
+TEST_F(Batches, ComputeClauseAddsSeparateResult)
 {
     run(*client, QStringLiteral("CREATE TABLE #t (a int); INSERT INTO #t VALUES (1), (2), (39)"));
     const auto results = run(*client, QStringLiteral("SELECT a FROM #t ORDER BY a COMPUTE SUM(a)"));
@@ -214,7 +214,7 @@ TEST_F(Batches, ComputedDatesAreNotShown)
     EXPECT_TRUE(results[1]->rows().value(0, 0).isNull());
 }
 
-TEST_F(Batches, AQueryGivesTheFirstResultThatHasColumns)
+TEST_F(Batches, QueryReturnsFirstResultWithColumns)
 {
     KNError error;
     const auto cursor =
@@ -261,7 +261,7 @@ TEST_F(Batches, TransactionsAreCommittedOrRolledBack)
     EXPECT_TRUE(error);
 }
 
-TEST_F(Batches, ATestCommandSaysWhetherItCouldBeRun)
+TEST_F(Batches, TestCommandReportsSuccess)
 {
     EXPECT_TRUE(client->testCommand(QStringLiteral("SELECT 1")));
     EXPECT_FALSE(client->testCommand(QStringLiteral("SELECT * FROM nope")));

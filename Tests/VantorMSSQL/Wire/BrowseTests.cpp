@@ -62,7 +62,7 @@ TEST_F(Browsing, FindsTheInstanceThatAnswersABroadcast)
     EXPECT_FALSE(entries[0].version.isEmpty());
 }
 
-TEST_F(Browsing, LeavesTheListAsItWasWhenNobodyAnswers)
+TEST_F(Browsing, KeepsListWithoutAnswers)
 {
     {
         const SampleServerFixture server({{"--browser-port", "0"}, {}});
@@ -77,7 +77,7 @@ TEST_F(Browsing, LeavesTheListAsItWasWhenNobodyAnswers)
     EXPECT_EQ(Client::allDatabases().size(), 1);
 }
 
-TEST_F(Browsing, GoesOnInTheBackgroundUntilItIsStopped)
+TEST_F(Browsing, RepeatsInBackgroundUntilStopped)
 {
     const SampleServerFixture server({{"--browser-port", "0"}, {}});
     searchLoopback(server.browserPort());

@@ -94,7 +94,7 @@ TEST_F(BulkInsert, SendsFiveHundredRowsInAStatement)
     EXPECT_EQ(log.containing("Finised importing 500 rows in").size(), 2);
 }
 
-TEST_F(BulkInsert, TellsHowFarItIs)
+TEST_F(BulkInsert, ReportsProgress)
 {
     createTable("id int");
     KNError error;
@@ -116,7 +116,7 @@ TEST_F(BulkInsert, AnEmptyLoadIsNoError)
     EXPECT_EQ(scalar(*client, QStringLiteral("SELECT @@TRANCOUNT")), KNValue(0));
 }
 
-TEST_F(BulkInsert, NumbersGoWithoutQuotesCommasAndDollars)
+TEST_F(BulkInsert, WritesNumbersWithoutQuotesCommasAndDollars)
 {
     createTable("m money, d decimal(20,4), b bigint, i int, f float");
     KNError error;
@@ -132,7 +132,7 @@ TEST_F(BulkInsert, NumbersGoWithoutQuotesCommasAndDollars)
 }
 
 /// A failed load: what went over the wire, and what the log holds of it.
-TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsItAndNoneIntoTheLog)
+TEST_F(BulkInsert, FormatsValuesByColumnTypeAndLogsNone)
 {
     const HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
     const auto relayed = connectedClient(settings(relay.port()));
@@ -163,7 +163,7 @@ TEST_F(BulkInsert, WritesEachValueAsItsColumnWantsItAndNoneIntoTheLog)
         EXPECT_TRUE(log.containing(value).isEmpty()) << value;
 }
 
-TEST_F(BulkInsert, AFailureLeavesNothingBehind)
+TEST_F(BulkInsert, FailureRollsBack)
 {
     createTable("id int PRIMARY KEY");
     QList<QList<KNValue>> rows = numbers(1200);
@@ -191,7 +191,7 @@ TEST_F(BulkInsert, ALostConnectionCannotBeginATransaction)
     EXPECT_EQ(log.containing("ColumnCount").size(), 1);
 }
 
-TEST_F(BulkInsert, ACancelUndoesItAndKeepsTheSession)
+TEST_F(BulkInsert, CancelRollsBackAndKeepsSession)
 {
     createTable("id int");
     run(*client, QStringLiteral("INSERT #t VALUES (-1)"));

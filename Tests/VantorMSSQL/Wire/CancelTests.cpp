@@ -95,7 +95,7 @@ bool isWaitingAtServer(MSSQLClient &)
 
 } // namespace
 
-TEST_P(Cancelling, AWaitingServerGivesControlBackAtOnce)
+TEST_P(Cancelling, WaitForFirstAnswerReturnsAtOnce)
 {
     for (int i = 0; i < 20; ++i) {
         Running batch(*client, QStringLiteral("WAITFOR DELAY '00:10:00'"));
@@ -107,7 +107,7 @@ TEST_P(Cancelling, AWaitingServerGivesControlBackAtOnce)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, AServerThatWaitsBehindItsFirstResultGivesControlBackAtOnce)
+TEST_P(Cancelling, WaitAfterFirstResultReturnsAtOnce)
 {
     for (int i = 0; i < 10; ++i) {
         Running batch(
@@ -121,7 +121,7 @@ TEST_P(Cancelling, AServerThatWaitsBehindItsFirstResultGivesControlBackAtOnce)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, AServerThatWaitsBehindAMessageGivesControlBackAtOnce)
+TEST_P(Cancelling, WaitAfterMessageReturnsAtOnce)
 {
     for (int i = 0; i < 10; ++i) {
         Running batch(*client,
@@ -132,7 +132,7 @@ TEST_P(Cancelling, AServerThatWaitsBehindAMessageGivesControlBackAtOnce)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, ALockWaitGivesControlBackAtOnce)
+TEST_P(Cancelling, LockWaitReturnsAtOnce)
 {
     const auto other = connectedClient(sharedSettings(GetParam()));
     run(*other, QStringLiteral("USE shop; CREATE TABLE locked (a int); INSERT INTO locked VALUES (1)"));
@@ -144,7 +144,7 @@ TEST_P(Cancelling, ALockWaitGivesControlBackAtOnce)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, StreamingRowsStopAndStay)
+TEST_P(Cancelling, StopsStreamingAndKeepsReceivedRows)
 {
     std::vector<double> times;
     for (int i = 0; i < 11; ++i) {
@@ -166,7 +166,7 @@ TEST_P(Cancelling, StreamingRowsStopAndStay)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, AReaderThatIsFarBehindDoesNotHoldItUp)
+TEST_P(Cancelling, DoesNotWaitForSlowReader)
 {
     KNResultSetHolder holder;
     holder.setReadAhead(1);
@@ -181,7 +181,7 @@ TEST_P(Cancelling, AReaderThatIsFarBehindDoesNotHoldItUp)
     expectSessionLivesOn();
 }
 
-TEST_P(Cancelling, AtAnyMomentHarmsNothing)
+TEST_P(Cancelling, IsSafeAtAnyTime)
 {
     for (int i = 0; i < 200; ++i) {
         Running batch(*client, QStringLiteral("SELECT * FROM generate_rows(300); PRINT 'x'; SELECT 2 AS b"));
@@ -255,7 +255,7 @@ TEST(CancellingAStalledServer, InTheMiddleOfATlsRecordLosesTheSessionWithinTwoSe
     EXPECT_FALSE(client->isConnected());
 }
 
-TEST(CancellingAStalledServer, ThatNeverAcknowledgesEndsWithThePatience)
+TEST(CancellingAStalledServer, ClosesConnectionAfterAcknowledgementTimeout)
 {
     using namespace HostileServerBytes;
     HostileServer server(
@@ -273,7 +273,7 @@ TEST(CancellingAStalledServer, ThatNeverAcknowledgesEndsWithThePatience)
     EXPECT_EQ(batch.cancelError().code(), 0);
 }
 
-TEST(CancellingAStalledServer, ThatTakesItsTimeToUndoWorkKeepsTheSession)
+TEST(CancellingAStalledServer, KeepsSessionDuringLongRollback)
 {
     using namespace HostileServerBytes;
     HostileServer server(HostileServer::joined(

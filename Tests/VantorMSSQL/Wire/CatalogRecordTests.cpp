@@ -141,7 +141,7 @@ TEST(ForeignKeyEntry, ShowsNothingForAnUnknownRule)
     EXPECT_EQ(key.updateRuleDisplay(), QStringLiteral("SET DEFAULT"));
 }
 
-TEST(VersionHelper, IsToldByAConnectedClientWithoutAnotherLogin)
+TEST(VersionHelper, LearnsVersionFromConnectedClient)
 {
     using namespace HostileServerBytes;
     const auto answer = [](const Bytes &bytes) {

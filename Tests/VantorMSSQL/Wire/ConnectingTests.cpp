@@ -42,7 +42,7 @@ TEST(Connecting, LogsInAndOut)
     EXPECT_FALSE(client->isConnected());
 }
 
-TEST(Connecting, IsConnectedSaysWhyNot)
+TEST(Connecting, IsConnectedLogsMissingConnection)
 {
     const MSSQLClient client(settings(1));
     bool connected = true;
@@ -68,7 +68,7 @@ TEST(Connecting, ProbesDownToTheServersVersion)
     }
 }
 
-TEST(Connecting, MakesOneAttemptWithWhatIsRemembered)
+TEST(Connecting, MakesOneAttemptWithRememberedVersion)
 {
     const auto details = settings(SampleServerFixture::shared().port());
     details->setTdsVersion(DBVERSION_72);
@@ -94,7 +94,7 @@ TEST(Connecting, AnUnknownRememberedVersionMeansTheOldest)
     EXPECT_EQ(log.filter(QStringLiteral("Going to dbopen with NTLMv2: NO. TDS: 5.")).size(), 1);
 }
 
-TEST(Connecting, DoesNotFallBackFromWhatIsRemembered)
+TEST(Connecting, DoesNotFallBackFromRememberedVersion)
 {
     const auto server = serverOfVersion("7.1");
     const auto details = settings(server->port());
@@ -168,7 +168,7 @@ TEST(Connecting, BeginsInTheDatabaseOfTheSettings)
               KNValue(QStringLiteral("shop")));
 }
 
-TEST(Connecting, StopsProbingWhenNobodyListens)
+TEST(Connecting, StopsProbingWhenConnectionIsRefused)
 {
     const auto server = std::make_unique<SampleServerFixture>();
     const auto details = settings(server->port());
@@ -182,7 +182,7 @@ TEST(Connecting, StopsProbingWhenNobodyListens)
         << error.localizedDescription().toStdString();
 }
 
-TEST(Connecting, ASilentServerIsWaitedForNoLongerThanTheSettingsSay)
+TEST(Connecting, SilentServerTimesOut)
 {
     HostileServer server({HostileServer::stall()});
     const auto details = settings(server.port());
@@ -246,7 +246,7 @@ TEST(Connecting, KeepsFiveHundredClientsOpenAtOnce)
                   KNValue(i));
 }
 
-TEST(Connecting, TheProtocolTraceIsForTheUsersEyesOnly)
+TEST(Connecting, ProtocolTraceIsPrivate)
 {
     QCoreApplication::setApplicationName(QStringLiteral("wire tests"));
     const QStringList log = logOf([] { MSSQLClient::enableFreeTDSLogging(); });

@@ -32,7 +32,7 @@ std::shared_ptr<MSSQLDatabaseConnectionDetails> settingsFor(const HostileServer 
 
 } // namespace
 
-TEST(DefaultSchemaHelper, TellsTheUsersSchema)
+TEST(DefaultSchemaHelper, ReturnsUsersSchema)
 {
     const auto details = settings(SampleServerFixture::shared().port());
     MSSQLDefaultSchemaHelper helper;
@@ -48,7 +48,7 @@ TEST(DefaultSchemaHelper, TakesTheFirstSchemaThatIsNotEmpty)
     EXPECT_TRUE(server.failures().empty());
 }
 
-TEST(DefaultSchemaHelper, NoRowsGiveAnEmptySchemaThatIsKept)
+TEST(DefaultSchemaHelper, EmptyResultIsCachedAsEmptySchema)
 {
     const HostileServer server(answering(HostileServerBytes::joined({textColumn("schema"), done()})));
     const auto details = settingsFor(server);
@@ -70,7 +70,7 @@ TEST(DefaultSchemaHelper, ConnectionsShareByTheirDescription)
     EXPECT_EQ(helper.schemaForDBC(*alike), QStringLiteral("dbo"));
 }
 
-TEST(DefaultSchemaHelper, AServerThatIsGoneGivesAnEmptySchema)
+TEST(DefaultSchemaHelper, UnreachableServerHasEmptySchema)
 {
     quint16 port = 0;
     {

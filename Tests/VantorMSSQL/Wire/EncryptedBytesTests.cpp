@@ -118,7 +118,7 @@ std::string failureWith(quint16 port, qint64 bound)
 
 } // namespace
 
-TEST(EncryptedBytes, AreTlsRecordsBehindTheHandshake)
+TEST(EncryptedBytes, AreTlsRecordsAfterHandshake)
 {
     const Listening listening("require");
     const std::string client = listening.relay.saidByClient();
@@ -133,7 +133,7 @@ TEST(EncryptedBytes, AreTlsRecordsBehindTheHandshake)
     EXPECT_TRUE(isAllRecords(serverRest));
 }
 
-TEST(EncryptedBytes, TellNothingOfTheConversation)
+TEST(EncryptedBytes, RevealNoPlainText)
 {
     const Listening listening("require");
     for (const std::string &bytes : {listening.relay.saidByClient(), listening.relay.saidByServer()}) {
@@ -144,7 +144,7 @@ TEST(EncryptedBytes, TellNothingOfTheConversation)
     }
 }
 
-TEST(EncryptedBytes, OfTheLoginAloneHideThePasswordAndNoMore)
+TEST(EncryptedBytes, OfLoginOnlyHidePasswordOnly)
 {
     const Listening listening("request");
     const std::string client = listening.relay.saidByClient();
@@ -168,7 +168,7 @@ void changeWish(HostileServerRelay &relay, std::uint8_t wish)
     });
 }
 
-TEST(EncryptedBytes, StayEncryptedWithANamedCertificateWhateverThePreloginIsChangedTo)
+TEST(EncryptedBytes, StayEncryptedWithNamedCertificateAfterPreloginChange)
 {
     constexpr std::uint8_t EncryptOff = 0, EncryptNotSupported = 2;
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
@@ -188,7 +188,7 @@ TEST(EncryptedBytes, StayEncryptedWithANamedCertificateWhateverThePreloginIsChan
     }
 }
 
-TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
+TEST(EncryptedBytes, StayEncryptedWhenPreloginIsDowngraded)
 {
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
     for (int row = 0; row < 4; ++row) {
@@ -205,7 +205,7 @@ TEST(EncryptedBytes, AreNeverFewerThanRequiredBecauseSomeoneOnTheWaySaysSo)
 }
 
 /// Every byte of the server's answer about encryption, and every wish that a client could be given.
-TEST(EncryptedBytes, StayHiddenWhateverThePreloginIsChangedTo)
+TEST(EncryptedBytes, StayEncryptedAfterAnyPreloginChange)
 {
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
     const auto expectHidden = [&](HostileServerRelay &relay) {
@@ -241,7 +241,7 @@ TEST(EncryptedBytes, AreReadableWithoutEncryption)
     EXPECT_TRUE(canRead(listening.relay.saidByClient(), listening.details->username()));
 }
 
-TEST(CutHandshake, EndsWithAnErrorWhereverItIsCut)
+TEST(CutHandshake, ReturnsErrorAtEveryByte)
 {
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
     for (const auto fault : {HostileServerRelay::Fault::Close, HostileServerRelay::Fault::Reset}) {
@@ -253,7 +253,7 @@ TEST(CutHandshake, EndsWithAnErrorWhereverItIsCut)
     }
 }
 
-TEST(CutHandshake, ThatFallsSilentEndsInTime)
+TEST(CutHandshake, TimesOutWhenServerStopsSending)
 {
     const SampleServerFixture server({TestCertificates::shared().usual().arguments("require"), {}});
     for (const std::uint64_t at : {0, 100, 700}) {
@@ -267,7 +267,7 @@ TEST(CutHandshake, ThatFallsSilentEndsInTime)
     }
 }
 
-TEST(SpoiledHandshake, IsAnErrorThatSaysSo)
+TEST(SpoiledHandshake, ReportsHandshakeError)
 {
     const Bytes garbage(600, 0x5A);
     for (const Bytes &answer : {packet(garbage), garbage, packet({}), Bytes{}}) {

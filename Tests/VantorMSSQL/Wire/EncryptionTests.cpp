@@ -130,13 +130,13 @@ TEST(Encryption, WorksForWindowsAccounts)
     }
 }
 
-TEST(Encryption, ThatIsOffIsNotTakenFromAServerThatRequiresIt)
+TEST(Encryption, OffFailsOnServerThatRequiresEncryption)
 {
     EXPECT_TRUE(says(failureOf(withParameters(settings(requiringServer().port()), encryption("off"))),
                      {"lets nobody in without encryption", "request or require"}));
 }
 
-TEST(Encryption, ThatIsRequiredIsMissedAtAServerWithoutIt)
+TEST(Encryption, RequiredFailsOnServerWithoutEncryption)
 {
     EXPECT_TRUE(says(failureOf(encryptedSettings(SampleServerFixture::shared().port())),
                      {"does not offer encryption", "Turn it on"}));
@@ -182,7 +182,7 @@ TEST(Certificate, OfAnAuthorityThatIsNotTrustedIsRefused)
                      {"names the authority CN=Test authority, and is not signed by the one"}));
 }
 
-TEST(Certificate, OfAnyoneIsTakenWhenTheSettingsSaySo)
+TEST(Certificate, OfAnyIssuerIsAcceptedIfTrusted)
 {
     const auto details = withParameters(settings(requiringServer().port()),
                                         {{QStringLiteral("encryption"), QStringLiteral("require")},
@@ -228,7 +228,7 @@ TEST(Certificate, MustBeForTheNameThatTheUserTyped)
                      {"certificate is for 127.0.0.1, and not for \"localhost\""}));
 }
 
-TEST(Certificate, OfAnotherHostIsTakenOnlyWithoutTheCheck)
+TEST(Certificate, OfAnotherHostIsAcceptedWithoutHostCheck)
 {
     const SampleServerFixture server(serving(certificates().issue({{"sql.example", "db.example"}, {}})));
     const auto details = withHostName(encryptedSettings(server.port()), "localhost");

@@ -146,7 +146,7 @@ protected:
 
 } // namespace
 
-TEST_P(Faults, AConnectionThatBreaksAnywhereGivesAnErrorOrAResult)
+TEST_P(Faults, BrokenConnectionReturnsErrorOrResult)
 {
     std::uint64_t whole = 0;
     {
@@ -168,7 +168,7 @@ TEST_P(Faults, AConnectionThatBreaksAnywhereGivesAnErrorOrAResult)
     EXPECT_LE(openDescriptors(), descriptors);
 }
 
-TEST_P(Faults, AServerThatIsKilledAtAnyTimeGivesAnErrorOrAResult)
+TEST_P(Faults, KilledServerReturnsErrorOrResult)
 {
     expectNextCallWorks();
     const int descriptors = openDescriptors();

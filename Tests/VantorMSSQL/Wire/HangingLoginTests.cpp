@@ -126,7 +126,7 @@ double secondsToCancel(quint16 port, KNError *error)
 
 } // namespace
 
-TEST(HangingLogin, HoldsNoOtherLoginUp)
+TEST(HangingLogin, DoesNotBlockOtherLogins)
 {
     SampleServerFixture::shared(); // it ends with the thread that starts it
     secondsOfFiftyLogins();

@@ -46,7 +46,7 @@ TEST_F(Pool, KeepsASessionForTheNextOne)
     EXPECT_EQ(scalar("SELECT @@SPID"), first);
 }
 
-TEST_F(Pool, RollsBackWhatWasLeftOpen)
+TEST_F(Pool, RollsBackOpenTransaction)
 {
     run("CREATE TABLE #left (a int)");
     run("BEGIN TRANSACTION INSERT #left VALUES (1) BEGIN TRANSACTION");
@@ -97,7 +97,7 @@ TEST_F(Pool, ATabGoesOnInTheDatabaseThatItsUserHadChosen)
 }
 
 /// Two hundred threads, on four kinds of settings, with work of every outcome.
-TEST_F(Pool, BearsTwoHundredThreads)
+TEST_F(Pool, ServesTwoHundredThreads)
 {
 #ifdef __SANITIZE_THREAD__
     constexpr std::chrono::seconds Duration(60);

@@ -33,7 +33,7 @@ TEST(RefusedLogin, CostsOneAttempt)
     }
 }
 
-TEST(RefusedLogin, NamesServerAndPortAndWhatToCheck)
+TEST(RefusedLogin, NamesServerAndPortAndSuggestsRemedy)
 {
     const LoginCounter server;
     const QString suggestion = refusalOf(settings(server.port())).recoverySuggestion();

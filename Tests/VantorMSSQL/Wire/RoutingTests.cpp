@@ -86,7 +86,7 @@ TEST(RoutedLogin, LeadsToTheServerThatIsNamed)
               KNValue(1));
 }
 
-TEST(RoutedLogin, ThatComesBackToWhereItWasEnds)
+TEST(RoutedLogin, LoopToSameServerFails)
 {
     std::uint16_t port = 0;
     HostileServer server([&port](std::uint64_t) { return routing({"127.0.0.1", port}); });
@@ -98,7 +98,7 @@ TEST(RoutedLogin, ThatComesBackToWhereItWasEnds)
     expectNextConnectionWorks();
 }
 
-TEST(RoutedLogin, BetweenTwoServersEnds)
+TEST(RoutedLogin, LoopBetweenTwoServersFails)
 {
     std::uint16_t second = 0;
     HostileServer first([&second](std::uint64_t) { return routing({"127.0.0.1", second}); });

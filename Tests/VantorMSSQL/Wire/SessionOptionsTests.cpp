@@ -36,7 +36,7 @@ int typeFlagsWith(const QVariantMap &parameters)
 
 } // namespace
 
-TEST(SessionOptions, InitialStatementsRunBeforeAnythingElse)
+TEST(SessionOptions, InitialStatementsRunFirst)
 {
     const auto client =
         clientWith({{QStringLiteral("initialStatements"),

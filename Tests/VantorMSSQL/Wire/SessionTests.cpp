@@ -2,7 +2,7 @@
 
 using namespace WireTest;
 
-TEST(Session, GoesToAnotherDatabaseWhateverItsNameHolds)
+TEST(Session, ChangesToDatabaseWithAnyName)
 {
     SampleServerFixture server;
     const auto client = connectedClient(settings(server.port()));
@@ -39,7 +39,7 @@ TEST(Session, IsReplacedWhereTheServerKeepsItInItsDatabase)
     EXPECT_TRUE(error);
 }
 
-TEST(Session, TellsTheDatabasesOfTheServer)
+TEST(Session, ListsDatabases)
 {
     const auto client = connectedClient();
     KNError error;
@@ -50,7 +50,7 @@ TEST(Session, TellsTheDatabasesOfTheServer)
     EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
 }
 
-TEST(Session, KnowsWhetherATransactionIsOpen)
+TEST(Session, ReportsOpenTransaction)
 {
     const auto client = connectedClient();
     KNError error;
@@ -66,7 +66,7 @@ TEST(Session, KnowsWhetherATransactionIsOpen)
     EXPECT_TRUE(client->currentDatabase().isNull());
 }
 
-TEST(Session, KnowsWhichTextsMayChangeATransaction)
+TEST(Session, DetectsTextsThatMayChangeTransaction)
 {
     const auto client = connectedClient();
     for (const char *text : {"begin TRAN", "commit", "Rollback transaction", "exec p", "EXECUTE p",
@@ -76,7 +76,7 @@ TEST(Session, KnowsWhichTextsMayChangeATransaction)
         EXPECT_FALSE(client->mayChangeTransaction(QString::fromLatin1(text))) << text;
 }
 
-TEST(SessionState, IsWhatStatementsMayLeaveInTheSession)
+TEST(SessionState, DetectsStatementsThatChangeSession)
 {
     const MSSQLClient client(settings(1));
     const auto after = [&](const char *sql) { return client.sessionStateAfter(QString::fromUtf8(sql)); };

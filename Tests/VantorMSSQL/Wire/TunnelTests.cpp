@@ -81,7 +81,7 @@ TEST_F(Tunnelled, CertificatesOfAnUnknownAuthorityAreRefused)
     EXPECT_FALSE(errorOf(WireTest::encryptedSettings(server.port())).localizedDescription().isEmpty());
 }
 
-TEST_F(Tunnelled, ConnectionsSayWhenTheSSHServerCannotReachTheServer)
+TEST_F(Tunnelled, ConnectionsReportServerUnreachableFromSSHServer)
 {
     acceptHostKey();
     auto details = WireTest::settings(1);

@@ -28,7 +28,7 @@ struct ServerWithBanner
 
 } // namespace
 
-TEST(VersionHelper, TellsTheServersBanner)
+TEST(VersionHelper, ReturnsServerBanner)
 {
     ServerWithBanner server("Microsoft SQL Server 2019 (RTM) - 15.0.2000.5 (X64)");
     EXPECT_EQ(server.helper.versionForDBC(*server.details),
@@ -37,7 +37,7 @@ TEST(VersionHelper, TellsTheServersBanner)
     EXPECT_FALSE(server.helper.isSQL2000(*server.details));
 }
 
-TEST(VersionHelper, KnowsSqlServer2000)
+TEST(VersionHelper, DetectsSqlServer2000)
 {
     ServerWithBanner server("Microsoft SQL Server  2000 - 8.00.2039 (Intel X86)");
     EXPECT_TRUE(server.helper.isSQL2000(*server.details));
@@ -64,7 +64,7 @@ TEST(VersionHelper, AServerOnAnAzureEditionOfWindowsIsNotAzure)
     EXPECT_FALSE(server.helper.isSQL2000(*server.details));
 }
 
-TEST(VersionHelper, TheEnginesKindDecidesWhatAzureIs)
+TEST(VersionHelper, DetectsAzureByEngineEdition)
 {
     struct Kind
     {
@@ -156,7 +156,7 @@ TEST(VersionHelper, AServerThatReturnsNoRowsIsAskedOnce)
     EXPECT_TRUE(server.failures().empty());
 }
 
-TEST(SystemDatabaseQueries, GivesATextByItsTitle)
+TEST(SystemDatabaseQueries, ReturnsTextByTitle)
 {
     const MSSQLSystemDatabaseQueries queries(*settings(1));
     const QString query = queries.queryByTitle(QStringLiteral("DatabaseTree_ServerVersion"));

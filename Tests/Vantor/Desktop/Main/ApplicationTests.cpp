@@ -35,7 +35,7 @@ void closeMainWindow()
 
 } // namespace
 
-TEST(DesktopApplication, BeginsWithTheRememberedConnectionsAndLeadsToTheOneThatIsChosen)
+TEST(DesktopApplication, OpensChosenConnectionFromStartWindow)
 {
     Application program({});
     ASSERT_TRUE(program.start());

@@ -119,7 +119,7 @@ QStringList missing(const QStringList &places, const QStringList &wanted)
 
 } // namespace
 
-TEST(RichTextSearch, FindsWhatQtWouldInterpret)
+TEST(RichTextSearch, FindsTextQtInterpretsAsHtml)
 {
     QWidget window;
     QLabel label(Markup, &window);

@@ -141,7 +141,7 @@ TEST_F(MainWindowTest, NamesEverythingThatCanHaveTheFocus)
     EXPECT_EQ(WindowTesting::namelessWidgets(history), QStringList());
 }
 
-TEST_F(MainWindowTest, HearsEachShortcutWhereverTheFocusIs)
+TEST_F(MainWindowTest, HandlesShortcutsWithAnyFocus)
 {
     tab()->setText(QStringLiteral("SELECT 1 AS a"));
     tab()->run();
@@ -180,7 +180,7 @@ TEST_F(MainWindowTest, HearsEachShortcutWhereverTheFocusIs)
     }
 }
 
-TEST_F(MainWindowTest, CancelsWhatRunsWithEscape)
+TEST_F(MainWindowTest, EscapeCancelsRunningQuery)
 {
     type("WAITFOR DELAY '00:01:00'");
     press(Qt::Key_E, Qt::ControlModifier);
@@ -215,7 +215,7 @@ TEST_F(MainWindowTest, OpensATabThatRunsWhereTheTreeAsksForOne)
     EXPECT_GT(tab()->resultsPane()->rowCount(), 0);
 }
 
-TEST_F(MainWindowTest, OpensFilesOnceAndTellsOfThoseThatItCannotRead)
+TEST_F(MainWindowTest, OpensFilesOnceAndReportsUnreadableOnes)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("a.sql"));
@@ -286,7 +286,7 @@ TEST_F(MainWindowTest, BringsTheTabsOfTheLastSessionBackWithTheirUnsavedText)
     EXPECT_EQ(m_window->documents().at(1)->title(), QStringLiteral("Query 2"));
 }
 
-TEST_F(MainWindowTest, RemembersWhatWasRunAndBringsItBackIntoANewTab)
+TEST_F(MainWindowTest, ReopensQueryFromHistoryInNewTab)
 {
     openWindow(QStringLiteral("with history"));
     type("SELECT 42 AS answer");

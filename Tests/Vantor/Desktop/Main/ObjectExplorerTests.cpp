@@ -104,7 +104,7 @@ const QStringList ScriptOrders = {QStringLiteral("Script as"), QStringLiteral("C
 
 } // namespace
 
-TEST_F(ObjectExplorer, LoadsLevelByLevelWhatIsExpanded)
+TEST_F(ObjectExplorer, LoadsExpandedLevels)
 {
     connectTo(SampleServerFixture::shared());
     const QModelIndex columns = open(Orders + QStringList{QStringLiteral("Columns")});
@@ -117,7 +117,7 @@ TEST_F(ObjectExplorer, LoadsLevelByLevelWhatIsExpanded)
                     .contains(QStringLiteral("SQL Server")));
 }
 
-TEST_F(ObjectExplorer, GivesTheHeadOfTheConnectionTheRoomThatItWants)
+TEST_F(ObjectExplorer, SizesConnectionHeaderToItsContent)
 {
     connectTo(SampleServerFixture::shared());
     const QModelIndex table = open(Orders);
@@ -166,7 +166,7 @@ TEST_F(ObjectExplorer, CommentsTheDropOutOfAScriptThatCannotCreate)
     EXPECT_FALSE(text.contains(QStringLiteral("\nDROP"))) << text.toStdString();
 }
 
-TEST_F(ObjectExplorer, SaysInAScriptThatItActsOnAnotherObject)
+TEST_F(ObjectExplorer, AddsNoticeAboutAnotherObjectToScript)
 {
     connectTo(SampleServerFixture::shared());
     choose(open(Orders),
@@ -186,7 +186,7 @@ TEST_F(ObjectExplorer, CopiesAScriptOfTheMenu)
         waitFor([] { return QApplication::clipboard()->text().contains(QStringLiteral("CREATE TABLE")); }));
 }
 
-TEST_F(ObjectExplorer, SavesAScriptOfTheMenuAndTellsWhenItCannotBeWritten)
+TEST_F(ObjectExplorer, SavesScriptAndReportsWriteFailure)
 {
     RecordingFilePanels &panels = RecordingFilePanels::install();
     RecordingAlerts &alerts = RecordingAlerts::install();
@@ -222,7 +222,7 @@ TEST_F(ObjectExplorer, FindsObjectsInAllDatabases)
     EXPECT_TRUE(waitFor([&] { return child(model()->index(0, 0), QStringLiteral("library")).isValid(); }));
 }
 
-TEST_F(ObjectExplorer, SaysWhyAServerCannotBeReached)
+TEST_F(ObjectExplorer, ShowsWhyServerIsUnreachable)
 {
     SampleServerFixture server;
     server.stop();

@@ -38,7 +38,7 @@ TEST(Options, EndTheProgramWhenAskedForItsVersionOrHelp)
     EXPECT_EQ(status, 0);
 }
 
-TEST(Options, RefuseWhatTheyDoNotKnow)
+TEST(Options, RefuseUnknownOptions)
 {
     int status = -1;
     testing::internal::CaptureStderr();

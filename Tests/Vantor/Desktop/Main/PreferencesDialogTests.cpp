@@ -30,7 +30,7 @@ Control *control(const QDialog &dialog, const char *label)
 
 } // namespace
 
-TEST(PreferencesDialog, SavesWhatWasChangedWhenItIsAccepted)
+TEST(PreferencesDialog, SavesChangesOnAccept)
 {
     KNPreferences::defaults().save();
     PreferencesDialog dialog;

@@ -103,7 +103,7 @@ TEST_F(Messages, OfAResultComeWhenTheNextOneIsThere)
     EXPECT_EQ(shown(), QStringLiteral("one\ntwo"));
 }
 
-TEST_F(Messages, SayWhatNoResultHasSaid)
+TEST_F(Messages, ShowErrorOfRunWithoutResult)
 {
     view.beginRun(holder);
     view.finishRun(KNError(QStringLiteral("x"), 1, QStringLiteral("Login failed.\r\nReally.")));
@@ -118,7 +118,7 @@ TEST_F(Messages, SayWhatNoResultHasSaid)
     EXPECT_EQ(view.errorCount(), 1);
 }
 
-TEST_F(Messages, ByTheHundredThousandLeaveTheProgramItsTurns)
+TEST_F(Messages, ByTheHundredThousandKeepWindowResponsive)
 {
     QList<DatabaseMessage> many;
     for (int i = 0; i < 100'000; ++i)

@@ -57,7 +57,7 @@ TEST_F(QueryDocuments, AreUnsavedFromAnEditUntilTheyAreSaved)
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(QueryDocuments, WithoutAFileAskForOne)
+TEST_F(QueryDocuments, SaveAsksForFileWhenUntitled)
 {
     document.setUntitledName(QStringLiteral("Query 7"));
     type("x");
@@ -74,7 +74,7 @@ TEST_F(QueryDocuments, WithoutAFileAskForOne)
     EXPECT_EQ(document.title(), QStringLiteral("a.sql"));
 }
 
-TEST_F(QueryDocuments, AreNotWrittenOverWhatSomebodyElseHasWritten)
+TEST_F(QueryDocuments, SaveAsksBeforeOverwritingChangedFile)
 {
     put("mine");
     ASSERT_TRUE(document.open(path(), &error));
@@ -105,7 +105,7 @@ TEST_F(QueryDocuments, StayUnsavedAndWholeWhenTheDiskIsFull)
     EXPECT_EQ(editor.wholeText(), QStringLiteral("text"));
 }
 
-TEST_F(QueryDocuments, ComeBackWithTheirUnsavedText)
+TEST_F(QueryDocuments, AreRestoredWithUnsavedText)
 {
     put("in the file");
     document.restore(path(), QStringLiteral("unsaved"), true);

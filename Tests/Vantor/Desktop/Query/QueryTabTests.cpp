@@ -61,7 +61,7 @@ protected:
 
 } // namespace
 
-TEST_F(QueryTabs, SayOnceThatStatementsWithoutResultsSucceeded)
+TEST_F(QueryTabs, ShowOneSummaryForStatementsWithoutResults)
 {
     run(QStringLiteral("SET NOCOUNT ON\nSET NOCOUNT OFF\nGO\nDECLARE @a int SET @a = 1"));
     EXPECT_EQ(messages(), QStringLiteral("Command completed successfully."));
@@ -69,7 +69,7 @@ TEST_F(QueryTabs, SayOnceThatStatementsWithoutResultsSucceeded)
     EXPECT_EQ(messages(), QStringLiteral("Command completed successfully. (1 result)."));
 }
 
-TEST_F(QueryTabs, RunATextAndSayHowItWent)
+TEST_F(QueryTabs, RunTextAndReportOutcome)
 {
     std::vector<QueryHistoryEntry> history;
     QObject::connect(&tab, &QueryTab::runFinished, &tab,
@@ -170,7 +170,7 @@ TEST_F(QueryTabs, CancelAWaitAndKeepTheSession)
     EXPECT_EQ(tab.messages()->errorCount(), 0) << messages().toStdString();
 }
 
-TEST_F(QueryTabs, CancelAConnectionThatDoesNotCome)
+TEST_F(QueryTabs, CancelPendingConnection)
 {
     QTcpServer silent;
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
@@ -190,7 +190,7 @@ TEST_F(QueryTabs, CancelAConnectionThatDoesNotCome)
         delete socket;
 }
 
-TEST_F(QueryTabs, SayWhyThereIsNoConnection)
+TEST_F(QueryTabs, ShowWhyConnectionFailed)
 {
     const VantorDBCPtr wrong = sampleSettings();
     wrong->setPassword(QStringLiteral("wrong"));
@@ -252,7 +252,7 @@ TEST_F(QueryTabs, FollowTheScriptToItsDatabase)
     EXPECT_EQ(tab.databaseBox()->currentText(), QStringLiteral("library"));
 }
 
-TEST_F(QueryTabs, GoToTheDatabaseThatIsChosen)
+TEST_F(QueryTabs, ChangeToChosenDatabase)
 {
     run(QStringLiteral("create table #mine (a int)"));
     tab.databaseBox()->showPopup();
@@ -298,7 +298,7 @@ TEST_F(QueryTabs, StayUsableWhenTheListOfDatabasesIsRefused)
     EXPECT_EQ(other.status().database, QStringLiteral("shop"));
 }
 
-TEST_F(QueryTabs, KnowWhetherATransactionIsOpen)
+TEST_F(QueryTabs, ShowOpenTransaction)
 {
     run(QStringLiteral("begin tran"));
     EXPECT_TRUE(tab.status().hasOpenTransaction);
@@ -308,7 +308,7 @@ TEST_F(QueryTabs, KnowWhetherATransactionIsOpen)
     EXPECT_FALSE(tab.status().hasOpenTransaction);
 }
 
-TEST_F(QueryTabs, AskNothingBetweenRunsThatARunCouldNotice)
+TEST_F(QueryTabs, SendNoQueriesBetweenRuns)
 {
     run(QStringLiteral("select 1 union all select 2 union all select 3"));
     tab.setText(QStringLiteral("if @@rowcount <> 3 raiserror('changed', 16, 1)"));
@@ -339,7 +339,7 @@ TEST_F(QueryTabs, MarkNothingInATextThatWasChangedMeanwhile)
     EXPECT_EQ(tab.editor()->errorLine(), 0);
 }
 
-TEST_F(QueryTabs, SayThatThereIsNothingToRun)
+TEST_F(QueryTabs, ReportEmptyText)
 {
     run(QStringLiteral("\nGO\n"));
     EXPECT_EQ(messages(), QStringLiteral("There is nothing to run."));
@@ -356,7 +356,7 @@ TEST_F(QueryTabs, HideTheirResultsUntilTheNextRun)
     EXPECT_TRUE(resultTabs().isVisible());
 }
 
-TEST_F(QueryTabs, AskBeforeTheyCloseWhileSomethingWouldBeLost)
+TEST_F(QueryTabs, AskBeforeCloseLosesWork)
 {
     const auto close = [&](int button) {
         bool proceeds = false;
@@ -398,7 +398,7 @@ TEST_F(QueryTabs, AskBeforeTheyCloseWhileSomethingWouldBeLost)
     EXPECT_FALSE(ends);
 }
 
-TEST_F(QueryTabs, GoWhileTheyRun)
+TEST_F(QueryTabs, CanBeClosedWhileRunning)
 {
     auto other = std::make_unique<QueryTab>(*sampleSettings());
     other->setText(QStringLiteral("waitfor delay '00:10:00'"));
@@ -408,7 +408,7 @@ TEST_F(QueryTabs, GoWhileTheyRun)
     EXPECT_TRUE(WindowTesting::settle());
 }
 
-TEST_F(QueryTabs, GoWhileTheyConnect)
+TEST_F(QueryTabs, CanBeClosedWhileConnecting)
 {
     QTcpServer silent;
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));

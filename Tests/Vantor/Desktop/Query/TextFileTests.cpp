@@ -75,7 +75,7 @@ TEST_F(TextFiles, ThatCannotBeReadChangeNothing)
     }
 }
 
-TEST_F(TextFiles, AreSeenToBeChangedBySomebodyElse)
+TEST_F(TextFiles, DetectChangesByOtherPrograms)
 {
     put("a");
     EXPECT_FALSE(file.hasChangedOnDisk());
@@ -98,7 +98,7 @@ TEST_F(TextFiles, OnAFullDeviceGiveAnError)
     EXPECT_TRUE(QFile::exists(QStringLiteral("/dev/full")));
 }
 
-TEST_F(TextFiles, KeepWhatTheyHadWhenANewTextHasNoRoom)
+TEST_F(TextFiles, KeepOldTextOnFullDisk)
 {
     put("precious");
     ASSERT_TRUE(file.read(path(), &text, &error));

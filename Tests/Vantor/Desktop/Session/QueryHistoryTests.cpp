@@ -89,7 +89,7 @@ protected:
 
 } // namespace
 
-TEST_F(Histories, GiveBackWhatWasAddedWithTheNewestFirst)
+TEST_F(Histories, ReturnEntriesNewestFirst)
 {
     const auto first = entryOf(QString::fromUtf8("select 'é\n\xF0\x9F\x98\x80'"));
     auto second = entryOf(QStringLiteral("select wrong"), QStringLiteral("Invalid column name 'wrong'."));

@@ -56,7 +56,7 @@ protected:
 
 } // namespace
 
-TEST_F(TabSessions, ComeBackAfterACrash)
+TEST_F(TabSessions, AreRestoredAfterCrash)
 {
     TabSession session(name);
     EXPECT_TRUE(session.storedTabs().isEmpty());
@@ -192,7 +192,7 @@ TEST_F(TabSessions, KeepTheOldTextOnAFullDiskAndWriteTheNewOneLater)
     EXPECT_EQ(textsAfterCrash(), QStringList{QStringLiteral("one!")});
 }
 
-TEST_F(TabSessions, SayWhenTheyCannotBeWritten)
+TEST_F(TabSessions, ReportWriteFailure)
 {
     TabSession session(name);
     const auto tab = newTab(QStringLiteral("one"));

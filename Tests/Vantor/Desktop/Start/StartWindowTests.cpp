@@ -154,7 +154,7 @@ TEST_F(StartWindowTest, ShowsTheLatestConnectionFirst)
     EXPECT_FALSE(button("Try Again")->isVisible());
 }
 
-TEST_F(StartWindowTest, ConnectsToWhatIsDoubleClicked)
+TEST_F(StartWindowTest, DoubleClickConnects)
 {
     remember("old", "a");
     remember("new", "b");
@@ -240,7 +240,7 @@ TEST_F(StartWindowTest, ConnectsToNothingWhenNoPasswordIsGiven)
     EXPECT_EQ(m_requests->size(), 0);
 }
 
-TEST_F(StartWindowTest, OpensTheDialogForANewConnectionAndPassesOnWhatItConnectedWith)
+TEST_F(StartWindowTest, NewConnectionOpensWithSettingsOfDialog)
 {
     remember("one", "a");
     open();
@@ -293,7 +293,7 @@ TEST_F(StartWindowTest, RemovesAConnectionAfterItHasAsked)
     EXPECT_EQ(m_alerts.questions.size(), 2U);
 }
 
-TEST_F(StartWindowTest, HintsAtWhatToDoWhenTheListIsEmpty)
+TEST_F(StartWindowTest, ShowsHintWhenListIsEmpty)
 {
     open();
     EXPECT_TRUE(shows("will be listed here"));
@@ -306,7 +306,7 @@ TEST_F(StartWindowTest, HintsAtWhatToDoWhenTheListIsEmpty)
     EXPECT_TRUE(button("Connect")->isEnabled());
 }
 
-TEST_F(StartWindowTest, SaysWhatIsWrongWithTheStoreAndLetsItBeTriedAgain)
+TEST_F(StartWindowTest, ShowsStoreErrorAndRetries)
 {
     m_connector.reset();
     m_store->holdsAnswersBack = true;
