@@ -1,0 +1,128 @@
+#include "Support/PrintQt.h"
+#include "TableDesign/MSSQLColumnDefaultScript.h"
+#include "TableDesign/MSSQLPrimaryKeyScript.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString q(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+MSSQLColumnRecord column(const char *name, bool isPrimaryKey = false, bool isNullable = false)
+{
+    MSSQLColumnRecord record;
+    record.columnName = q(name);
+    record.isPrimaryKey = isPrimaryKey;
+    record.isNullable = isNullable;
+    return record;
+}
+
+MSSQLColumnDefaultScript defaults(const char *defaultSchema = "sales")
+{
+    return {{q("sales"), q("it's"), q(defaultSchema)},
+            {q("remove N'{TABLE_SCHEMA}' N'{TABLE_NAME}' N'{COLUMN_NAME}'"),
+             q("replace N'{TABLE_SCHEMA}' N'{TABLE_NAME}' N'{COLUMN_NAME}' "
+               "REPLACE(N'{NEW_DEFAULT}', N'\"', N'''')")}};
+}
+
+MSSQLPrimaryKeyScript keys(const char *defaultSchema = "sales")
+{
+    return {{q("sales"), q("Orders"), q(defaultSchema)}, q("drop N'{TABLE_SCHEMA}' N'{TABLE_NAME}'")};
+}
+
+} // namespace
+
+TEST(ColumnDefaultScript, RemovesTheDefaultForEmptyText)
+{
+    const KNStatementPair pair = defaults().change(q("a"), q(""));
+    EXPECT_EQ(pair.exact, q("remove N'' N'it''s' N'a'"));
+    EXPECT_EQ(pair.corrected, q("remove N'sales' N'it''s' N'a'"));
+    EXPECT_TRUE(pair.difference.isEmpty());
+    EXPECT_EQ(defaults("hr").change(q("a"), QString()).difference,
+              q("This names the table without its schema and would change hr.[it's] or dbo.[it's]."));
+}
+
+TEST(ColumnDefaultScript, SendsDoubleQuotesInPlaceOfApostrophes)
+{
+    const KNStatementPair pair = defaults().change(q("a"), q("N'new'"));
+    EXPECT_EQ(pair.exact, q("replace N'' N'it''s' N'a' REPLACE(N'N\"new\"', N'\"', N'''')"));
+    EXPECT_EQ(pair.corrected, q("replace N'sales' N'it''s' N'a' N'N''new'''"));
+    EXPECT_TRUE(pair.difference.isEmpty());
+}
+
+TEST(ColumnDefaultScript, KeepsDoubleQuotesInTheCorrectedScriptOnly)
+{
+    const KNStatementPair pair = defaults().change(q("a"), q("'say \"hi\"'"));
+    EXPECT_EQ(pair.exact, q("replace N'' N'it''s' N'a' REPLACE(N'\"say \"hi\"\"', N'\"', N'''')"));
+    EXPECT_EQ(pair.corrected, q("replace N'sales' N'it''s' N'a' N'''say \"hi\"'''"));
+    EXPECT_EQ(pair.difference, q("This would store an apostrophe for each double quote in the default."));
+}
+
+TEST(ColumnDefaultScript, FindsTheReplacementInTheShippedTemplates)
+{
+    for (const char *name : {"Table_ReplaceDefaultForColumn.sql", "Table_ReplaceDefaultForColumn_2000.sql"}) {
+        QFile file(q(BACKING_QUERIES_FOLDER) + QLatin1Char('/') + q(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        const MSSQLColumnDefaultScript script({q("dbo"), q("t"), q("dbo")}, {QString(), text});
+        const KNStatementPair pair = script.change(q("a"), q("'\"'"));
+        EXPECT_TRUE(pair.exact.contains(q("SET @new_default = REPLACE(N'\"\"\"', N'\"', N'''')\n"))) << name;
+        EXPECT_TRUE(pair.corrected.contains(q("SET @new_default = N'''\"'''\n"))) << name;
+        EXPECT_FALSE(pair.corrected.contains(QLatin1Char('{')));
+    }
+}
+
+TEST(PrimaryKeyScript, AddsAKeyToATableWithoutOne)
+{
+    const KNStatementPair pair = keys().change({column("Id"), column("b")}, q("Id"), true);
+    EXPECT_EQ(pair.exact, q("ALTER TABLE Orders ADD PRIMARY KEY(Id);"));
+    EXPECT_EQ(pair.corrected, q("ALTER TABLE sales.Orders ADD PRIMARY KEY(Id);"));
+    EXPECT_TRUE(pair.difference.isEmpty());
+    EXPECT_EQ(keys("dbo").change({column("Id")}, q("Id"), true).difference,
+              q("This names the table without its schema and would change dbo.Orders."));
+}
+
+TEST(PrimaryKeyScript, AddsTheEditedColumnBehindTheOthers)
+{
+    const KNStatementPair pair =
+        keys().change({column("a"), column("b", true), column("order", true)}, q("a"), true);
+    EXPECT_EQ(pair.exact, q("drop N'' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                            "ALTER TABLE Orders ADD PRIMARY KEY(b, order, a);"));
+    EXPECT_EQ(pair.corrected, q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                                "ALTER TABLE sales.Orders ADD PRIMARY KEY(b, [order], a);"));
+    EXPECT_EQ(pair.difference, q("SQL Server would not read the names in this statement as the ones shown."));
+}
+
+TEST(PrimaryKeyScript, TakesTheEditedColumnOut)
+{
+    EXPECT_EQ(keys().change({column("a", true), column("b", true)}, q("a"), false).exact,
+              q("drop N'' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                "ALTER TABLE Orders ADD PRIMARY KEY(b);"));
+}
+
+TEST(PrimaryKeyScript, OnlyDropsTheKeyWithItsLastColumn)
+{
+    const KNStatementPair pair = keys().change({column("a", true), column("b")}, q("a"), false);
+    EXPECT_EQ(pair.exact, q("drop N'' N'Orders'"));
+    EXPECT_EQ(pair.corrected, q("drop N'sales' N'Orders'"));
+}
+
+TEST(PrimaryKeyScript, RefusesAColumnThatTakesNull)
+{
+    const MSSQLColumnRecord nullable = column("a", false, true);
+    EXPECT_TRUE(MSSQLPrimaryKeyScript::needsNotNull(nullable, true));
+    EXPECT_FALSE(MSSQLPrimaryKeyScript::needsNotNull(nullable, false));
+    EXPECT_FALSE(MSSQLPrimaryKeyScript::needsNotNull(column("b"), true));
+    EXPECT_TRUE(keys().change({nullable, column("b", true)}, q("a"), true).exact.isNull());
+}
+
+TEST(PrimaryKeyScript, ReturnsNothingWithoutAChange)
+{
+    EXPECT_TRUE(keys().change({column("a", true)}, q("a"), true).exact.isNull());
+    EXPECT_TRUE(keys().change({column("a", true)}, q("other"), true).exact.isNull());
+}

@@ -1,0 +1,68 @@
+#include "TableDesign/MSSQLPrimaryKeyScript.h"
+
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLQuoting.h"
+#include "QueryLoader/KNQueryTemplate.h"
+#include "TableDesign/MSSQLStatementCaution.h"
+
+#include <algorithm>
+
+MSSQLPrimaryKeyScript::MSSQLPrimaryKeyScript(MSSQLDesignedTable table, QString dropTemplate)
+    : m_table(std::move(table))
+    , m_dropTemplate(std::move(dropTemplate))
+{
+}
+
+bool MSSQLPrimaryKeyScript::needsNotNull(const MSSQLColumnRecord &column, bool becomesKey)
+{
+    return becomesKey && column.isNullable;
+}
+
+KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &columns,
+                                              const QString &columnName, bool becomesKey) const
+{
+    const auto edited = std::find_if(columns.begin(), columns.end(), [&](const MSSQLColumnRecord &column) {
+        return column.columnName == columnName;
+    });
+    if (edited == columns.end() || edited->isPrimaryKey == becomesKey || needsNotNull(*edited, becomesKey))
+        return {};
+    QStringList names;
+    bool hadKey = false;
+    for (const MSSQLColumnRecord &column : columns) {
+        hadKey = hadKey || column.isPrimaryKey;
+        if (column.isPrimaryKey && column.columnName != columnName)
+            names.append(column.columnName);
+    }
+    if (becomesKey)
+        names.append(columnName);
+    KNStatementPair pair = addition(names);
+    if (!hadKey)
+        return pair;
+    const auto drop = [this](const QString &schema) {
+        return KNQueryTemplate::filled(m_dropTemplate, {{QStringLiteral("TABLE_SCHEMA"), schema},
+                                                        {QStringLiteral("TABLE_NAME"), m_table.name}});
+    };
+    const QString between =
+        names.isEmpty() ? QString() : QStringLiteral("\r\n\r\n-- Now update with our new keys\r\n");
+    return {drop(QStringLiteral("")) + between + pair.exact, drop(m_table.schema) + between + pair.corrected,
+            pair.difference};
+}
+
+/// Without names the texts are empty; the difference is that of the drop then.
+KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names) const
+{
+    MSSQLStatementCaution caution;
+    caution.addWithoutSchema(m_table);
+    if (names.isEmpty())
+        return {QStringLiteral(""), QStringLiteral(""), caution.text()};
+    caution.addUnlessRead(m_table.name, {m_table.name});
+    QStringList quoted;
+    for (const QString &name : names) {
+        caution.addUnlessRead(name, {name});
+        quoted.append(MSSQLQuoting::quotedName(name));
+    }
+    const QString separator = QStringLiteral(", ");
+    return {KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.name, names.join(separator)),
+            KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.quoted(), quoted.join(separator)),
+            caution.text()};
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Catalog/MSSQLColumnRecord.h"
+#include "QueryLoader/KNStatementPair.h"
+#include "TableDesign/MSSQLDesignedTable.h"
+
+/// The script that adds a column to a table's primary key or takes it out. Pure, any thread.
+class MSSQLPrimaryKeyScript
+{
+public:
+    /// `dropTemplate` is the text of "Table_DropPrimaryKey" for the server's version, unfilled.
+    MSSQLPrimaryKeyScript(MSSQLDesignedTable table, QString dropTemplate);
+
+    /// Whether the change is refused because the column would become part of the key while it takes NULL.
+    static bool needsNotNull(const MSSQLColumnRecord &column, bool becomesKey);
+    /// `columns` in the table's order, as they are before. Drops the key there is and adds one of the columns
+    /// that remain, the added column last. Nothing when the column is unknown, refused, or that already.
+    KNStatementPair change(const QList<MSSQLColumnRecord> &columns, const QString &columnName,
+                           bool becomesKey) const;
+
+private:
+    KNStatementPair addition(const QStringList &names) const;
+
+    MSSQLDesignedTable m_table;
+    QString m_dropTemplate;
+};

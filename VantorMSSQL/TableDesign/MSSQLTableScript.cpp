@@ -1,0 +1,46 @@
+#include "TableDesign/MSSQLTableScript.h"
+
+#include "Foundation/KNFormat.h"
+#include "TableDesign/MSSQLStatementCaution.h"
+
+#include <algorithm>
+
+QString MSSQLTableScript::acceptedName(const QString &entered, Dialog dialog)
+{
+    const QString name = entered.trimmed();
+    const bool isAccepted = std::all_of(name.begin(), name.end(), [dialog](QChar c) {
+        return c.isLetterOrNumber() || c == QLatin1Char('_') ||
+               (c == QLatin1Char('-') && dialog == Dialog::Create);
+    });
+    return isAccepted && !name.isEmpty() ? name : QString();
+}
+
+KNStatementPair MSSQLTableScript::creationQueryForColumns(const QStringList &columns,
+                                                          const MSSQLDesignedTable &table)
+{
+    const QString path = table.exactPath();
+    MSSQLStatementCaution caution;
+    caution.addUnlessRead(path, {table.schema, table.name});
+    const QString definitions =
+        columns.isEmpty() ? QStringLiteral("Column1 int") : columns.join(QLatin1String(",\r\n"));
+    return {KNFormat("CREATE TABLE %@ (\r\n%@\r\n);", path, definitions),
+            KNFormat("CREATE TABLE %@ (\r\n%@\r\n);", table.quoted(), definitions), caution.text()};
+}
+
+KNStatementPair MSSQLTableScript::rename(const MSSQLDesignedTable &table, const QString &newName)
+{
+    const QString path = table.exactPath();
+    const QString sent = MSSQLDesignedTable::escaped(newName);
+    MSSQLStatementCaution caution;
+    // Keywords need no brackets in the literal; where names have them, they are read as in a statement.
+    caution.addUnlessRead(path, {table.schema, table.name});
+    for (const QString &text : {path, sent})
+        caution.addUnlessReadInLiteral(text, false);
+    if (sent != newName)
+        caution.add(
+            KNFormat(MSSQLStatementCaution::tr("This would make the brackets part of the name %@."), sent));
+    return {KNFormat("sp_rename '%@', '%@'", path, sent),
+            KNFormat("EXEC sp_rename %@, %@, N'OBJECT';", table.renameLiteral(),
+                     MSSQLDesignedTable::unicodeLiteral(newName)),
+            caution.text()};
+}

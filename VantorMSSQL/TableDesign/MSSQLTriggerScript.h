@@ -1,0 +1,12 @@
+#pragma once
+
+#include "QueryLoader/KNStatementPair.h"
+#include "TableDesign/MSSQLDesignedTable.h"
+
+/// The statements that drop a trigger of a table. Pure, any thread.
+namespace MSSQLTriggerScript {
+
+/// A trigger is in the schema of its table. The exact statement holds the name as it is.
+KNStatementPair drop(const MSSQLDesignedTable &table, const QString &triggerName);
+
+} // namespace MSSQLTriggerScript
