@@ -26,8 +26,10 @@ public:
         } catch (const KNAssertionFailure &failure) {
             KNLogHelper::sharedInstance()->logMessage("Internal error: %@ (%@)", failure.message(),
                                                       failure.sourcePath());
-            KNAlerts::shared().showMessage(activeWindow(), tr("Something went wrong in the program."),
-                                           failure.message());
+            KNAlerts::shared().showMessage(
+                activeWindow(),
+                QCoreApplication::translate("DesktopApplication", "Something went wrong in the program."),
+                failure.message());
             return false;
         }
     }

@@ -8,6 +8,8 @@ class KNResultGridView;
 /// thread.
 class KNRowNumberBar : public QWidget
 {
+    Q_OBJECT
+
 public:
     explicit KNRowNumberBar(KNResultGridView *grid);
 

@@ -7,6 +7,8 @@
 /// The history of a connection as a table: time, duration, rows, database, and the beginning of the text.
 class QueryHistoryModel : public QAbstractTableModel
 {
+    Q_OBJECT
+
 public:
     enum Column { Time, Duration, Rows, Database, Text, ColumnCount };
     /// The text that a search matches.
