@@ -6,7 +6,7 @@ execute_process(COMMAND ${LUPDATE} -silent -no-obsolete -source-language en -tar
 if(NOT result EQUAL 0 OR NOT "${output}${errors}" STREQUAL "")
   message(FATAL_ERROR "lupdate: ${output}${errors}")
 endif()
-file(STRINGS ${CATALOGUE} texts REGEX "<source>")
+file(STRINGS ${CATALOGUE} texts REGEX "<source>" ENCODING UTF-8)
 list(LENGTH texts count)
 if(count LESS 350)
   message(FATAL_ERROR "The catalogue holds ${count} texts only.")
