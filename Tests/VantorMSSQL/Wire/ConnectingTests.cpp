@@ -9,6 +9,9 @@
 
 #include <sybdb.h>
 
+#include <atomic>
+#include <thread>
+
 using namespace WireTest;
 
 namespace {
@@ -244,6 +247,28 @@ TEST(Connecting, KeepsFiveHundredClientsOpenAtOnce)
     for (int i : {0, 250, 499})
         EXPECT_EQ(scalar(*clients[static_cast<std::size_t>(i)], QStringLiteral("SELECT %1").arg(i)),
                   KNValue(i));
+}
+
+TEST(Connecting, TwoHundredClientsWorkAtOnce)
+{
+    const auto details = settings(SampleServerFixture::shared().port());
+    details->setTdsVersion(DBVERSION_74);
+    details->setUseNTLMv2(false);
+    std::atomic<int> rightAnswers = 0;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 200; ++number) {
+        threads.emplace_back([&, number] {
+            const auto copy = std::static_pointer_cast<MSSQLDatabaseConnectionDetails>(details->copy());
+            const auto client = connectedClient(copy);
+            for (int round = 0; round < 5; ++round) {
+                const int answer = number * 1000 + round;
+                rightAnswers += scalar(*client, QStringLiteral("SELECT %1").arg(answer)) == KNValue(answer);
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(rightAnswers, 1000);
 }
 
 TEST(Connecting, ProtocolTraceIsPrivate)
