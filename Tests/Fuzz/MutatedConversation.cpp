@@ -85,7 +85,8 @@ Arguments environmentIn(const std::filesystem::path &folder)
     Arguments environment = {
         "VANTOR_PASSWORD=Sample-1",
         // Memory that the client library loses with a broken answer ends with the program.
-        "ASAN_OPTIONS=detect_leaks=0"};
+        // FreeTDS handles an allocation that fails, as it does when a server asks for too much.
+        "ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1"};
     for (const char *name :
          {"HOME", "TMPDIR", "XDG_STATE_HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"})
         environment.push_back(std::string(name) + "=" + folder.string());
@@ -134,7 +135,8 @@ std::string faultOf(const BoundedProgram::Outcome &outcome, const std::string &w
         fault << "It used " << outcome.maximumKilobytes / 1024 << " MB.\n";
     if (written.find(SampleServerFixture::Password) != std::string::npos)
         fault << "It wrote the password.\n";
-    for (const char *text : {"Assertion failed", "Internal error", "runtime error:", "Sanitizer"})
+    for (const char *text :
+         {"Assertion failed", "Internal error", "runtime error:", "ERROR: AddressSanitizer"})
         if (written.find(text) != std::string::npos)
             fault << "It wrote: " << text << "\n";
     return fault.str();
