@@ -47,8 +47,8 @@ TEST(KNResultSetHolderThreads, TheGridReadsWhileTheWorkerAppendsResults)
     std::thread worker([&] {
         for (int i = 0; i < 500; ++i) {
             auto resultSet = std::make_shared<KNDatabaseResultSet>(QString::number(i));
-            holder.append(resultSet);
             resultSet->setColumns({QStringLiteral("a")}, {56});
+            holder.append(resultSet);
             resultSet->addRows({{KNValue(i)}});
             holder.incrementTotalResultCount();
             resultSet->setFinished();
