@@ -38,12 +38,17 @@ qint64 StandardOutput::readData(char *, qint64)
 
 qint64 StandardOutput::writeData(const char *data, qint64 size)
 {
-    if (!m_isTerminal)
-        return writeAll(data, size) ? size : -1;
+    if (m_hasFailed)
+        return -1;
+    if (!m_isTerminal) {
+        m_hasFailed = !writeAll(data, size);
+        return m_hasFailed ? -1 : size;
+    }
     const QByteArray escaped =
         KNTerminalText::escaped(QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(size))))
             .toUtf8();
-    return writeAll(escaped.constData(), escaped.size()) ? size : -1;
+    m_hasFailed = !writeAll(escaped.constData(), escaped.size());
+    return m_hasFailed ? -1 : size;
 }
 
 bool StandardOutput::writeAll(const char *data, qint64 size)

@@ -27,4 +27,5 @@ private:
     const int m_abandoned; ///< an eventfd
     const bool m_isTerminal;
     bool m_mayBlock = true;
+    bool m_hasFailed = false; ///< every later write fails, too: output with a gap would pass for complete
 };

@@ -106,8 +106,9 @@ public:
                                      QDir::tempPath(), rows.errorString()));
         writeText(device,
                   KNFormat("\r\n-- Insert %ld entries into %@\r\n", count, KNSQLComment::inOneLine(m_table)));
-        if (isStored)
-            copy(rows, device);
+        if (isStored && !copy(rows, device) && !error)
+            error = KNError(QString::fromLatin1(ErrorDomain), 0,
+                            QStringLiteral("The rows could not be copied from their temporary file."));
         if (!error)
             return error;
         writeText(device, QLatin1String("\r\n") + failureComment(m_table, error));
@@ -136,14 +137,16 @@ private:
         return statement + QLatin1Char(')');
     }
 
-    static void copy(QFile &from, QIODevice &to)
+    static bool copy(QFile &from, QIODevice &to)
     {
         constexpr qint64 PieceSize = 1024 * 1024;
-        from.seek(0);
+        if (!from.seek(0))
+            return false;
         for (QByteArray piece = from.read(PieceSize); !piece.isEmpty(); piece = from.read(PieceSize)) {
             if (to.write(piece) != piece.size())
-                return;
+                return false;
         }
+        return from.atEnd() && from.error() == QFileDevice::NoError;
     }
 
     const QString m_table;
