@@ -24,7 +24,7 @@ struct KNStatementRequest
 /// The outcome of a script run.
 struct KNSHARED_EXPORT KNStatementOutcome
 {
-    /// What changes the executed statements left on the server.
+    /// How much of the executed statements remains on the server.
     enum class Changes {
         All,  ///< the script ran to its end
         None, ///< nothing was run, or everything was rolled back

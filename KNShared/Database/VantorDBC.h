@@ -85,7 +85,7 @@ public:
     virtual QString startProtocolTrace() const;
     /// A description for display and as a cache key; never contains the password.
     virtual QString description() const = 0;
-    /// What to remember after a successful login to make the next one faster.
+    /// Login details that make the next login faster; stored after a successful one.
     virtual QVariantMap connectedWithDetails() const = 0;
     /// Sets what an earlier login remembered; after an empty map the next login finds everything out again.
     virtual void setConnectedWithDetails(const QVariantMap &details) = 0;

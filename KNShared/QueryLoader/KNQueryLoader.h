@@ -50,9 +50,9 @@ public:
     virtual void beginLoadingQuery(const VantorDBC &details) = 0;
 
     /// Writes the text in UTF-8 while it is made, for one that may not fit into memory; `report` gets what is
-    /// wrong with it. False, with nothing written, when
-    /// there is nothing to write, or for a loader that makes its text as a whole: load it then. The caller
-    /// checks whether the device took everything. Blocks on the server.
+    /// wrong with it. False, with nothing written, when there is nothing to write or the loader makes its
+    /// text as a whole: load it then. The caller checks whether the device took everything. Blocks on the
+    /// server.
     virtual bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const;
 
 protected:

@@ -9,7 +9,7 @@
 class MutatedConversation
 {
 public:
-    /// What vantor-cli does, and from which byte of the server on it is disturbed.
+    /// A run of vantor-cli, and the first byte of the server that may be changed.
     struct Scenario
     {
         std::vector<std::string> arguments; ///< without the server

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// What a seed changes in the bytes that a server sends on one connection. Everything follows from the seed
-/// and from positions in the stream of unchanged bytes; time has no influence. Immutable, so any thread may
+/// Changes the bytes that a server sends on one connection. The changes depend on the seed only, and their
+/// places on positions in the stream of unchanged bytes; time has no influence. Immutable, so any thread may
 /// use it.
 class ServerMutation
 {

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-/// What the status line shows about a document.
+/// The part of the status line that describes a document.
 struct KNDocumentStatus
 {
     QString text;                              ///< what the document is doing; null for nothing

@@ -56,7 +56,7 @@ TEST(SSHCommand, DoesNotParseHostAsOption)
     through.host = QStringLiteral("-oProxyCommand=x");
     const QStringList arguments = forward(through);
     EXPECT_EQ(arguments.at(arguments.size() - 2), QStringLiteral("--"));
-    // What follows an option that has a value is that value.
+    // The argument after an option with a value is that value.
     through.username = QStringLiteral("-oProxyCommand=y");
     through.keyFile = QStringLiteral("-oProxyCommand=z");
     EXPECT_EQ(argumentAfter(forward(through), "-l"), QStringLiteral("-oProxyCommand=y"));
