@@ -45,6 +45,11 @@ Value loginName(EvaluationContext &context, const Operation &, Arguments)
 {
     return context.loginName;
 }
+/// Every sid is that of the one account.
+Value loginOfSid(EvaluationContext &context, const Operation &, Arguments a)
+{
+    return a.empty() || !isNull(a[0]) ? Value(context.loginName) : Value();
+}
 Value userName(EvaluationContext &, const Operation &, Arguments a)
 {
     return a.empty() || std::get<std::int64_t>(a[0]) == 1 ? Value(std::string("dbo")) : Value();
@@ -170,7 +175,7 @@ constexpr Builtin systemBuiltins[] = {
     {"SESSION_USER", 0, 0, "a", nameResult, userName},
     {"SQL_VARIANT_PROPERTY", 2, 2, "at", variantResult, variantProperty},
     {"SUSER_NAME", 0, 0, "a", nameResult, loginName},
-    {"SUSER_SNAME", 0, 0, "a", nameResult, loginName},
+    {"SUSER_SNAME", 0, 1, "a", nameResult, loginOfSid},
     {"SYSTEM_USER", 0, 0, "a", nameResult, loginName},
     {"USER", 0, 0, "a", nameResult, userName},
     {"USER_NAME", 0, 1, "i", nameResult, userName},

@@ -147,7 +147,7 @@ FROM sys.[sessions$] s
 GO
 CREATE VIEW sys.syslogins AS
 SELECT CAST(sid AS varbinary(85)) AS sid, name, name AS loginname, create_date AS createdate,
-    CAST('master' AS sysname) AS dbname, 0 AS isntname, 1 AS sysadmin
+    CAST('master' AS sysname) AS dbname, 0 AS isntname, 0 AS isntgroup, 1 AS hasaccess, 1 AS sysadmin
 FROM sys.server_principals
 WHERE type = 'S'
 GO
