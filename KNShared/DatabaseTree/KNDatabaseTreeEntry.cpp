@@ -132,6 +132,31 @@ KNMenu KNDatabaseTreeEntry::menu()
     return {};
 }
 
+KNMenu KNDatabaseTreeEntry::additionalMenu()
+{
+    return {};
+}
+
+KNObjectPropertiesLoader KNDatabaseTreeEntry::propertiesLoader() const
+{
+    return nullptr;
+}
+
+KNMenu KNDatabaseTreeEntry::contextMenu()
+{
+    KNMenu whole = menu();
+    whole.extend(additionalMenu());
+    std::vector<KNMenuItem> common;
+    if (const QString name = dragDropString(); !name.isEmpty())
+        common.push_back(actionItem("Copy name", "copyName:", name));
+    if (propertiesLoader())
+        common.push_back(actionItem("Properties", "showProperties:", shared_from_this()));
+    whole.addGroup(common);
+    if (whole.title.isEmpty())
+        whole.title = QStringLiteral("Root");
+    return whole;
+}
+
 QString KNDatabaseTreeEntry::dragDropString() const
 {
     return QString();

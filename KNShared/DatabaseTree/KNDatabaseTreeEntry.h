@@ -4,6 +4,7 @@
 #include "DatabaseTree/DatabaseTreeDragDropEntry.h"
 #include "DatabaseTree/KNDatabaseTreeEntryDelegate.h"
 #include "DatabaseTree/KNMenu.h"
+#include "DatabaseTree/KNObjectProperties.h"
 #include "Foundation/KNError.h"
 #include "KNSharedExport.h"
 
@@ -51,6 +52,8 @@ public:
     /// The name of the row's icon.
     virtual QString image() const;
     void setImage(const QString &image);
+    /// Whether the row is less important than others and drawn in a dimmed colour.
+    virtual bool isDimmed() const { return false; }
     /// Height in points.
     virtual int tableCellHeight() const { return 23; }
     /// The row type in the view.
@@ -73,9 +76,15 @@ public:
     /// searchable.
     virtual Ptr copyWithSearchResults(const QString &text);
 
-    /// Returns the row's context menu, without items if it has none. Does not access the server. On the UI
-    /// thread, as are all functions below.
+    /// Returns the actions of this class of rows, without items if it has none. Does not access the server.
+    /// On the UI thread, as are all functions below.
     virtual KNMenu menu();
+    /// Returns the row's context menu: menu(), what additionalMenu() adds to it, then "Copy name" if the row
+    /// has a drag text and "Properties" if it has a loader of properties.
+    KNMenu contextMenu();
+    /// Returns a function that reads the object's properties; null if it has none. The function may outlive
+    /// the entry.
+    virtual KNObjectPropertiesLoader propertiesLoader() const;
     /// The text inserted when the row is dragged into an editor; null for nothing.
     virtual QString dragDropString() const;
     /// The data of a drag; null for nothing.
@@ -103,6 +112,9 @@ protected:
     void tellFinishLoading();
     /// Implements removeChild() for classes where a missing child is a programming error.
     void removeChildOrFail(const Ptr &child, const char *message, const char *sourcePath);
+
+    /// Items that extend menu(); submenus are merged by their titles.
+    virtual KNMenu additionalMenu();
 
     /// \name Parts of menus
     /// @{

@@ -93,7 +93,7 @@ int failToFind(const KNError &error)
 /// Writes the script with this title from the entry's menu, or the list of titles if none is given.
 int writeScript(KNDatabaseTreeEntry &entry, const QString &title)
 {
-    const KNMenu menu = entry.menu();
+    const KNMenu menu = entry.contextMenu();
     const QString titles = MenuScripts::titles(menu).join(QLatin1Char('\n'));
     if (title.isNull()) {
         Terminal::printText((titles + QLatin1String(titles.isEmpty() ? "" : "\n")).toUtf8());
@@ -184,7 +184,7 @@ int runMenuCommand(const QStringList &arguments, const VantorDBCPtr &emptySettin
                          const TreeLoader::Entry entry = loader.find(loader.root(), names, &error);
                          if (!entry)
                              return failToFind(error);
-                         const KNMenu menu = entry->menu();
+                         const KNMenu menu = entry->contextMenu();
                          if (menu.items.empty())
                              return Terminal::fail(ExitSuccess, text("This entry has no menu."));
                          writeMenu(menu);

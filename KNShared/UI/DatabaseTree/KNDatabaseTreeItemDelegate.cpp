@@ -77,7 +77,8 @@ void KNDatabaseTreeItemDelegate::paint(QPainter *painter, const QStyleOptionView
         detailsRect.setTop(nameRect.bottom() + 1);
     }
     painter->setFont(font);
-    painter->setPen(isError && !isSelected ? QColor(0xd0, 0x45, 0x3c) : textColour);
+    const bool isDimmed = index.data(KNDatabaseTreeModel::IsDimmedRole).toBool();
+    painter->setPen(isError && !isSelected ? QColor(0xd0, 0x45, 0x3c) : isDimmed ? dimmed : textColour);
     // A message may have several lines; the tool tip shows all of them.
     const QString name = metrics.elidedText(option.text.simplified(), Qt::ElideRight, nameRect.width());
     painter->drawText(nameRect, Qt::AlignLeft | (isHead(index) ? Qt::AlignBottom : Qt::AlignVCenter), name);

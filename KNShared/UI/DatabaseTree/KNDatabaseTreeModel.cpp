@@ -178,6 +178,8 @@ QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
         return m_loading.contains(&entry);
     case IsErrorRole:
         return dynamic_cast<const KNDatabaseTreeErrorEntry *>(&entry) != nullptr;
+    case IsDimmedRole:
+        return entry.isDimmed();
     case IsHeadRole:
         return entry.tableCellIdentifier().startsWith(QLatin1String("HeaderCell"));
     case HeightRole:

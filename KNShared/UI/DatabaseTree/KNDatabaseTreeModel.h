@@ -19,6 +19,7 @@ public:
         DetailsRole = Qt::UserRole, ///< the secondary text; null for none
         IsBusyRole,                 ///< the children are being loaded
         IsErrorRole,                ///< the row shows why there are no children
+        IsDimmedRole,               ///< the row is drawn in a dimmed colour
         IsHeadRole,                 ///< the row of a connection, with its details on a separate line
         HeightRole,                 ///< minimum height in points
     };

@@ -214,7 +214,7 @@ void KNDatabaseTreeViewController::showMenu(const Entry &entry, const QPoint &gl
         menu->addAction(tr("Copy message"), this,
                         [entry] { QApplication::clipboard()->setText(entry->displayName()); });
     } else {
-        KNMenuView::fill(*menu, entry->menu());
+        KNMenuView::fill(*menu, entry->contextMenu());
     }
     if (menu->isEmpty())
         delete menu;

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr auto AccentColour = "#3d7fd6";
+
 QColor textColour(QIcon::Mode mode)
 {
     const QPalette palette = QApplication::palette();
@@ -40,6 +42,8 @@ public:
     {
         QByteArray svg = m_svg;
         svg.replace("currentColor", textColour(mode).name().toLatin1());
+        if (mode == QIcon::Selected) // the accent colour is often that of the selection
+            svg.replace(AccentColour, textColour(mode).name().toLatin1());
         QSvgRenderer renderer(svg);
         renderer.setAspectRatioMode(Qt::KeepAspectRatio);
         if (mode == QIcon::Disabled)

@@ -8,8 +8,8 @@ class QMenu;
 /// Displays menus that are data.
 namespace KNMenuView {
 
-/// Appends the items to the menu, which performs them when chosen. Items with an unknown action are disabled,
-/// and their tool tips say that it is not available yet.
+/// Appends the items to the menu, which performs them when chosen. Disabled items are shown at the end of
+/// their group, which a separator ends, and their tool tips say why.
 KNSHAREDUI_EXPORT void fill(QMenu &view, const KNMenu &menu);
 
 } // namespace KNMenuView

@@ -253,7 +253,7 @@ TEST_F(DatabaseTree, RunsASearchThatWasTypedBeforeTheTreeWasLoaded)
     EXPECT_TRUE(m_controller.notice().isNull());
 }
 
-TEST_F(DatabaseTree, DisablesMissingActionsInMenu)
+TEST_F(DatabaseTree, ShowsMissingActionsDisabledAtTheEndOfTheirGroup)
 {
     const auto helper = std::make_shared<KNDatabaseTreeContextHelper>();
     int performed = 0;
@@ -265,9 +265,9 @@ TEST_F(DatabaseTree, DisablesMissingActionsInMenu)
         made.target = helper;
         return made;
     };
-    m_root->shownMenu = {
-        QStringLiteral("Root"),
-        {item("Known & loved", "known:"), KNMenuItem::separator(), item("Unknown", "unknown:")}};
+    m_root->shownMenu = {QStringLiteral("Root"),
+                         {item("Unknown", "unknown:"), item("Known & loved", "known:"),
+                          KNMenuItem::separator(), item("Last", "known:")}};
     show(list({"a"}));
     m_controller.view()->setCurrentIndex(rootIndex());
     QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
@@ -275,11 +275,13 @@ TEST_F(DatabaseTree, DisablesMissingActionsInMenu)
 
     auto *const menu = m_controller.findChild<QMenu *>();
     ASSERT_NE(menu, nullptr);
-    ASSERT_EQ(menu->actions().size(), 3);
+    ASSERT_EQ(menu->actions().size(), 4);
     EXPECT_EQ(menu->actions().at(0)->text(), QStringLiteral("Known && loved"));
     EXPECT_TRUE(menu->actions().at(0)->isEnabled());
-    EXPECT_FALSE(menu->actions().at(2)->isEnabled());
-    EXPECT_EQ(menu->actions().at(2)->toolTip(), QStringLiteral("This is not available yet."));
+    EXPECT_FALSE(menu->actions().at(1)->isEnabled());
+    EXPECT_EQ(menu->actions().at(1)->toolTip(), QStringLiteral("This is not available yet."));
+    EXPECT_TRUE(menu->actions().at(2)->isSeparator());
+    EXPECT_TRUE(menu->actions().at(3)->isEnabled());
     menu->actions().at(0)->trigger();
     EXPECT_EQ(performed, 1);
     menu->close();

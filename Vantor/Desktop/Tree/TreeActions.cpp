@@ -5,6 +5,7 @@
 #include "QueryLoader/KNQueryLoading.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
+#include "UI/DatabaseTree/KNPropertiesDialog.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -35,6 +36,15 @@ TreeActions::TreeActions(KNWorkspace &workspace, QObject *parent)
     addScriptAction("saveQueryWithQueryLoader:", [this](const QString &text) { saveScript(text); });
     addScriptAction("copyQueryWithQueryLoader:",
                     [](const QString &text) { QApplication::clipboard()->setText(text); });
+    addAction("copyName:", [](const KNMenuRepresentedObject &object) {
+        if (const auto *name = std::get_if<QString>(&object))
+            QApplication::clipboard()->setText(*name);
+    });
+    addAction("showProperties:", [this](const KNMenuRepresentedObject &object) {
+        const auto *entry = std::get_if<KNDatabaseTreeEntry::Ptr>(&object);
+        if (const auto loader = entry && *entry ? (*entry)->propertiesLoader() : nullptr)
+            (new KNPropertiesDialog((*entry)->displayName(), loader, m_workspace.sheetParent()))->show();
+    });
 }
 
 void TreeActions::addAction(const char *name, KNDatabaseTreeContextHelper::Action action)
