@@ -190,11 +190,12 @@ TEST(MenuCommand, PrintsActionsAndTheirObjects)
         items.contains(QStringLiteral("New query tab  addQueryTabWithQueryLoader:  script  (disabled)")));
 }
 
-TEST(MenuCommand, ReportsEntryWithoutMenu)
+TEST(MenuCommand, PrintsWhatEveryNamedObjectHas)
 {
     const Outcome outcome = menu({"shop/Tables/Customers/Keys/PK_Customers"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.errors, QByteArray("This entry has no menu.\n"));
+    EXPECT_TRUE(outcome.output.endsWith("  ---\n  Copy name  copyName:  text \"PK_Customers\"  (disabled)\n"
+                                        "  Properties  showProperties:  entry PK_Customers  (disabled)\n"));
     EXPECT_TRUE(menu({}).output.startsWith("Root\n  New query  newQuery:"));
 }
 
@@ -202,7 +203,8 @@ TEST(ScriptCommand, ListsTheScriptsOfAnObject)
 {
     const Outcome outcome = script({"shop/Tables/Orders"});
     EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
-    EXPECT_EQ(outcome.output, "CREATE to\nDROP to\nDROP and CREATE to\nMySQL\n");
+    EXPECT_EQ(outcome.output,
+              "CREATE to\nDROP to\nDROP and CREATE to\nSELECT to\nINSERT to\nUPDATE to\nMySQL\n");
     const Outcome nothing = script({"shop/Tables/Orders/Keys"});
     EXPECT_EQ(nothing.status, 0);
     EXPECT_EQ(nothing.output, "");

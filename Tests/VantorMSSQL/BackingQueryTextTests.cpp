@@ -212,6 +212,19 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_TablesAndColumnsForImport"), {}},
         {QStringLiteral("List_EntriesForAutocomplete"), {}},
         {QStringLiteral("List_ExportableDatabaseEntries"), {}},
+        {QStringLiteral("List_TableRowCounts"), {}},
+        {QStringLiteral("List_ServerPrincipals"), {}},
+        {QStringLiteral("List_DatabasePrincipals"), {}},
+        {QStringLiteral("Properties_Server"), {}},
+        {QStringLiteral("Properties_Database"), {}},
+        {QStringLiteral("Properties_Object"), {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}")}},
+        {QStringLiteral("Properties_Column"),
+         {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}"), QStringLiteral("{COLUMN}")}},
+        {QStringLiteral("Properties_Index"),
+         {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}"), QStringLiteral("{INDEX}")}},
+        {QStringLiteral("Properties_Parameter"),
+         {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}"), QStringLiteral("{PARAMETER}")}},
+        {QStringLiteral("Properties_Type"), {QStringLiteral("{SCHEMA}"), QStringLiteral("{TYPE}")}},
     };
     return map;
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-enum Position { Name, Type, MaxLength, Precision, Scale, Nullable, PrimaryKey, Default, Identity };
+enum Position { Name, Type, MaxLength, Precision, Scale, Nullable, PrimaryKey, Default, Identity, Computed };
 
 } // namespace
 
@@ -24,17 +24,26 @@ QList<MSSQLColumnRecord> MSSQLColumnRecord::listFrom(DatabaseResultSet &rows)
         if (seen.contains(name))
             continue;
         seen.insert(name);
-        columns.append({.columnName = name,
-                        .typeName = rows.stringForColumnIndex(Type),
-                        .maxLength = rows.objectForColumnIndex(MaxLength),
-                        .precision = rows.objectForColumnIndex(Precision),
-                        .scale = rows.objectForColumnIndex(Scale),
-                        .isNullable = rows.numberForColumnIndex(Nullable).toBool(),
-                        .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
-                        .defaultValue = rows.stringForColumnIndex(Default),
-                        .isIdentity = rows.numberForColumnIndex(Identity).toBool()});
+        columns.append(
+            {.columnName = name,
+             .typeName = rows.stringForColumnIndex(Type),
+             .maxLength = rows.objectForColumnIndex(MaxLength),
+             .precision = rows.objectForColumnIndex(Precision),
+             .scale = rows.objectForColumnIndex(Scale),
+             .isNullable = rows.numberForColumnIndex(Nullable).toBool(),
+             .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
+             .defaultValue = rows.stringForColumnIndex(Default),
+             .isIdentity = rows.numberForColumnIndex(Identity).toBool(),
+             .isComputed = rows.columnCount() > Computed && rows.numberForColumnIndex(Computed).toBool()});
     }
     return columns;
+}
+
+bool MSSQLColumnRecord::isWritable() const
+{
+    const bool isRowVersion =
+        typeName == QLatin1String("timestamp") || typeName == QLatin1String("rowversion");
+    return !isIdentity && !isComputed && !isRowVersion;
 }
 
 QString MSSQLColumnRecord::displayType() const

@@ -19,6 +19,10 @@ struct MSSQLColumnRecord
     bool isPrimaryKey = false;
     QString defaultValue; ///< the expression; null without one
     bool isIdentity = false;
+    bool isComputed = false;
+
+    /// Whether statements can set the column: it is no identity, computed or rowversion column.
+    bool isWritable() const;
 
     /// The type with its size, such as nvarchar(50).
     QString displayType() const;

@@ -39,6 +39,10 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("IsSQLServerAgentAvailable"),
         trial("List_AgentJobs"),
         trial("List_Federations"),
+        trial("List_ServerPrincipals"),
+        trial("Properties_Server"),
+        trial("Properties_Database"),
+        trial("List_DatabasePrincipals"),
 
         trial("DatabaseTree_ListTables"),
         trialOf(tables, "ColumnsForTable", {{"SCHEMA_NAME", "{1}"}, {"TABLE_NAME", "{2}"}}),
@@ -48,6 +52,10 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(tables, "List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_ForeignKeysForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_PrimaryKeysForTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
+        trial("List_TableRowCounts"),
+        trialOf(tables, "Properties_Object", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}}),
+        trialOf(tables, "Properties_Column", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}, {"COLUMN", "id"}}),
+        trialOf(tables, "Properties_Index", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}, {"INDEX", "PK_{2}"}}),
         trialOf(tables, "Table_CreationQuery", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
 
         trial("List_ViewsInDatabase_NonSystem"),
@@ -61,12 +69,15 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("List_StoredProceduresInDatabase_NonSystem"),
         trialOf(procedures, "List_ParametersForStoredProcedure",
                 {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
+        trialOf(procedures, "Properties_Parameter",
+                {{"SCHEMA", "{0}"}, {"OBJECT", "{1}"}, {"PARAMETER", "@id"}}),
         trialOf(procedures, "StoredProcedure_AlterQuery", {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
         trialOf(procedures, "StoredProcedure_ScriptCreateQuery",
                 {{"SCHEMA", "{0}"}, {"PROCEDURE_NAME", "{1}"}}),
         trialOfAll(functions),
         trialOf(functions, "Function_AlterQuery", {{"SCHEMA", "{0}"}, {"FUNCTION_NAME", "{1}"}}),
         trialOfAll(types),
+        trialOf(types, "Properties_Type", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
         trialOf(types, "UserDefinedDataType_CreationQuery", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
 
         trial("List_EntriesForAutocomplete"),
@@ -91,5 +102,5 @@ QStringList MSSQLQueryTrials::notOnSQL2000()
 QStringList MSSQLQueryTrials::notOnAzure()
 {
     return {QStringLiteral("IsSQLServerAgentAvailable"), QStringLiteral("List_AgentJobs"),
-            QStringLiteral("List_SearchableDatabaseEntries")};
+            QStringLiteral("List_SearchableDatabaseEntries"), QStringLiteral("List_ServerPrincipals")};
 }

@@ -3,6 +3,7 @@
 #include "Implementations/MSSQLRecentConnection.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
+#include "UI/DatabaseTree/MSSQLTreePreferences.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
 ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *parent) const
@@ -22,10 +23,19 @@ void MSSQLUserInterface::addTreeActions(KNDatabaseTreeContextHelper &helper, KNW
 
 KNConnectorPreferences MSSQLUserInterface::preferences() const
 {
-    return {tr("SQL Server"),
-            {{MSSQLCorrectedStatements::Key, tr("&Use corrected statements"),
-              tr("Some statements are kept in a form that a server refuses or that reaches another object "
-                 "than the "
-                 "one shown. If this is checked, their corrected form is used without asking."),
-              false}}};
+    return {
+        tr("SQL Server"),
+        {{MSSQLCorrectedStatements::Key, tr("&Use corrected statements"),
+          tr("Some statements are kept in a form that a server refuses or that reaches another object "
+             "than the "
+             "one shown. If this is checked, their corrected form is used without asking."),
+          false},
+         {QString::fromLatin1(MSSQLTreePreferences::ShowSystemDatabases), tr("Show s&ystem databases"),
+          tr("Shows master, model, msdb and tempdb in the object explorer after the next refresh."), false},
+         {QString::fromLatin1(MSSQLTreePreferences::ShowSecurity), tr("Show &logins, users and roles"),
+          tr("Adds a Security branch to the object explorer after the next refresh."), false},
+         {QString::fromLatin1(MSSQLTreePreferences::ShowRowCounts), tr("Show row &counts of tables"),
+          tr("Shows the number of rows beside each table, as the server's catalog knows it, after the next "
+             "refresh."),
+          false}}};
 }

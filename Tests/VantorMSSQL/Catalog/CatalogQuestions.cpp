@@ -2,6 +2,8 @@
 
 #include "Foundation/KNFormat.h"
 
+#include <tuple>
+
 namespace {
 
 CatalogQuestion question(const char *title,
@@ -13,9 +15,10 @@ CatalogQuestion question(const char *title,
     return result;
 }
 
-CatalogQuestion varying(const char *title)
+CatalogQuestion varying(const char *title,
+                        std::initializer_list<std::pair<const char *, const char *>> values = {})
 {
-    CatalogQuestion result = question(title);
+    CatalogQuestion result = question(title, values);
     result.varies = true;
     return result;
 }
@@ -30,6 +33,10 @@ QList<CatalogQuestion> serverQuestions()
             question("List_Federations"),
             question("List_SearchableDatabaseEntries"),
             question("List_SearchableDatabaseEntries_Azure"),
+            question("List_ServerPrincipals"),
+            question("List_DatabasePrincipals"),
+            varying("Properties_Server"),
+            varying("Properties_Database"),
             varying("Script_ListConnections"),
             varying("Script_LongRunningQueries"),
             varying("Script_SPWHO3")};
@@ -45,12 +52,13 @@ QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
             question("List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_ForeignKeysForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_PrimaryKeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
+            varying("Properties_Object", {{"SCHEMA", schema}, {"OBJECT", table}}),
             question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}})};
 }
 
 QList<CatalogQuestion> tableQuestions()
 {
-    QList<CatalogQuestion> questions{question("DatabaseTree_ListTables")};
+    QList<CatalogQuestion> questions{question("DatabaseTree_ListTables"), question("List_TableRowCounts")};
     for (const auto &[schema, table] : std::initializer_list<std::pair<const char *, const char *>>{
              {"dbo", "Orders"},      {"dbo", "OrderLines"},
              {"dbo", "AllTypes"},    {"dbo", "Customers"},
@@ -64,6 +72,18 @@ QList<CatalogQuestion> tableQuestions()
              {"hr", "Employees"},    {"hr", "Documents"},
              {"hr", "NoSuchTable"}})
         questions += questionsOf(schema, table);
+    for (const auto &[schema, table, column] :
+         std::initializer_list<std::tuple<const char *, const char *, const char *>>{
+             {"dbo", "Orders", "OrderID"},
+             {"dbo", "Orders", "Status"},
+             {"sales", "Invoices", "Gross"},
+             {"dbo", "bracket]ed", "NoSuchColumn"}})
+        questions +=
+            question("Properties_Column", {{"SCHEMA", schema}, {"OBJECT", table}, {"COLUMN", column}});
+    for (const auto &[schema, table, index] :
+         std::initializer_list<std::tuple<const char *, const char *, const char *>>{
+             {"dbo", "Orders", "PK_Orders"}, {"dbo", "Customers", "NoSuchIndex"}})
+        questions += question("Properties_Index", {{"SCHEMA", schema}, {"OBJECT", table}, {"INDEX", index}});
     return questions;
 }
 
@@ -92,6 +112,9 @@ QList<CatalogQuestion> moduleQuestions()
     }
     for (const char *clause : {"", "AND DATA_TYPE = 'TABLE'", "AND DATA_TYPE != 'TABLE'"})
         questions += question("List_FunctionsByTypeInDatabase_NonSystem", {{"EXTRA_WHERE_CLAUSE", clause}});
+    questions += question("Properties_Parameter",
+                          {{"SCHEMA", "sales"}, {"OBJECT", "PlaceOrder"}, {"PARAMETER", "@CustomerID"}});
+    questions += question("Properties_Type", {{"SCHEMA", "sales"}, {"TYPE", "PhoneNumber"}});
     questions += question("Function_AlterQuery", {{"SCHEMA", "sales"}, {"FUNCTION_NAME", "OrderTotal"}});
     questions += question("Function_AlterQuery", {{"SCHEMA", "hr"}, {"FUNCTION_NAME", "Subordinates"}});
     questions += question("List_UserTypesByTypeInDatabase_NonSystem", {{"EXTRA_WHERE_CLAUSE", ""}});

@@ -4,6 +4,7 @@
 #include "Catalog/MSSQLKeyRecord.h"
 #include "Catalog/MSSQLParameterRecord.h"
 #include "Catalog/MSSQLTriggerEntry.h"
+#include "Scripts/MSSQLStatementTemplate.h"
 #include "Support/HostileServerBytes.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
@@ -166,4 +167,27 @@ TEST(VersionHelper, LearnsVersionFromConnectedClient)
     EXPECT_EQ(client.databaseNames(&error), QStringList{QStringLiteral("one")});
     EXPECT_FALSE(error) << error.localizedDescription().toStdString();
     EXPECT_TRUE(server.failures().empty());
+}
+
+TEST_F(CatalogRecords, MakeStatementsThatAServerTakesAndThatChangeNothingYet)
+{
+    const auto columns = read<MSSQLColumnRecord>("Child");
+    const QString schema = QStringLiteral("records");
+    const QString child = QStringLiteral("Child");
+    const auto client = connectedClient(settings(SampleServerFixture::shared().port()));
+    KNError error;
+    client->executeNonQuery(MSSQLStatementTemplate::insert(schema, child, columns), &error);
+    EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+    client->executeNonQuery(MSSQLStatementTemplate::update(schema, child, columns), &error);
+    EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+    const auto rows = client->executeQuery(MSSQLStatementTemplate::select(schema, child, columns), &error);
+    ASSERT_TRUE(rows) << error.localizedDescription().toStdString();
+    EXPECT_EQ(rows->columnNames().size(), columns.size());
+    ASSERT_TRUE(rows->next());
+    EXPECT_EQ(rows->numberForColumnIndex(2).toInt64(), 7); // the default, which the update has left
+    const auto result = client->executeQuery(
+        MSSQLStatementTemplate::execute(schema, QStringLiteral("Run"), read<MSSQLParameterRecord>("Run")),
+        &error);
+    ASSERT_TRUE(result && result->next()) << error.localizedDescription().toStdString();
+    EXPECT_EQ(result->numberForColumn(QStringLiteral("@count")).toInt64(), 1);
 }

@@ -29,7 +29,8 @@ SELECT
             AND ic.key_ordinal > 0
     ) THEN 1 ELSE 0 END AS is_primary_key,
     d.definition AS default_value,
-    CONVERT(int, c.is_identity) AS is_identity
+    CONVERT(int, c.is_identity) AS is_identity,
+    CONVERT(int, c.is_computed) AS is_computed
 FROM (
     SELECT
         col.object_id,
@@ -40,6 +41,7 @@ FROM (
         col.scale,
         col.is_nullable,
         col.is_identity,
+        col.is_computed,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
         COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name

@@ -25,7 +25,8 @@ SELECT
             AND ik.colid = c.colid
     ) THEN 1 ELSE 0 END AS is_primary_key,
     d.text AS default_value,
-    CONVERT(int, COLUMNPROPERTY(c.id, c.name, N'IsIdentity')) AS is_identity
+    CONVERT(int, COLUMNPROPERTY(c.id, c.name, N'IsIdentity')) AS is_identity,
+    CONVERT(int, c.iscomputed) AS is_computed
 FROM dbo.syscolumns AS c
 INNER JOIN dbo.sysobjects AS o ON o.id = c.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid

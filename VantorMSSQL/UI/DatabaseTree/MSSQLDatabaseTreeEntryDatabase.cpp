@@ -1,15 +1,18 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
 
 #include "Autocomplete/KNAutocompleteHelper.h"
+#include "Catalog/MSSQLObjectProperties.h"
 #include "Foundation/KNLogHelper.h"
 #include "QueryLoader/StaticQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionFederations.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTables.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/DatabaseTree/MSSQLTreePreferences.h"
 #include "UI/DatabaseTree/Programmability/Functions/MSSQLDatabaseTreeEntryFunction.h"
 #include "UI/DatabaseTree/Programmability/MSSQLDatabaseTreeEntrySectionProgrammability.h"
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedure.h"
+#include "UI/DatabaseTree/Security/MSSQLDatabaseTreeEntrySectionSecurity.h"
 #include "UI/DatabaseTree/Views/MSSQLDatabaseTreeEntrySectionViews.h"
 
 MSSQLDatabaseTreeEntryDatabase::MSSQLDatabaseTreeEntryDatabase()
@@ -42,6 +45,8 @@ std::optional<KNDatabaseTreeEntry::List> MSSQLDatabaseTreeEntryDatabase::loadEnt
     const bool isAzure = server && server->details().contains(QLatin1String("azure"), Qt::CaseInsensitive);
     if (isAzure && MSSQLTreeCatalog::settings(*this).federationStatement().isEmpty())
         sections.push_back(make<MSSQLDatabaseTreeEntrySectionFederations>());
+    if (MSSQLTreePreferences::isOn(MSSQLTreePreferences::ShowSecurity))
+        sections.push_back(make<MSSQLDatabaseTreeEntrySectionSecurity>(MSSQLPrincipalScope::Database));
     return sections;
 }
 
@@ -128,4 +133,9 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabase::createScriptAsMenu() const
                  script("Table sizes", "Script_TableSizes"),
                  script("Long running queries", "Script_LongRunningQueries"),
                  script("List connections", "Script_ListConnections")}});
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabase::propertiesLoader() const
+{
+    return MSSQLObjectProperties::loader(databaseConnectionDetails(), "Properties_Database");
 }

@@ -20,6 +20,7 @@ public:
     QString image() const override { return QStringLiteral("DatabaseTree-Database"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
     /// Sets the objects that copyWithSearchResults() searches; always returns true. Both on the UI thread.
     bool updateSearchResults(const KNDatabaseSearchResults &results);

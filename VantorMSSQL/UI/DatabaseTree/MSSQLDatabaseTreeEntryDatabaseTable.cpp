@@ -9,6 +9,7 @@
 #include "Scripts/MSSQLScriptDropAndCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
 #include "Scripts/MSSQLScriptDropViewQueryLoader.h"
+#include "Scripts/MSSQLScriptStatementQueryLoader.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntrySectionTableColumns.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableIndexes.h"
@@ -31,6 +32,11 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryDatabaseTable::makeEntries()
             make<MSSQLDatabaseTreeEntrySectionTableKeys>(m_schema, m_tableName),
             make<MSSQLDatabaseTreeEntrySectionTableIndexes>(m_schema, m_tableName, m_isView),
             make<MSSQLDatabaseTreeEntrySectionTableTriggers>(m_schema, m_tableName)};
+}
+
+QString MSSQLDatabaseTreeEntryDatabaseTable::image() const
+{
+    return m_isView ? QStringLiteral("DatabaseTree-View") : QStringLiteral("DatabaseTree-Table");
 }
 
 QString MSSQLDatabaseTreeEntryDatabaseTable::dragDropString() const
@@ -96,6 +102,23 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::viewMenu()
              actionItem("Select top 100 rows", "executeQueryTab:", selectStatement()),
              createScriptAsForViewMenu(), KNMenuItem::separator(), KNMenuItem::separator(),
              refreshMenuItem()}};
+}
+
+KNMenu MSSQLDatabaseTreeEntryDatabaseTable::additionalMenu()
+{
+    using Statement = MSSQLScriptStatementQueryLoader::Statement;
+    const auto script = [&](Statement statement) {
+        return std::make_shared<MSSQLScriptStatementQueryLoader>(statement, m_schema, m_tableName);
+    };
+    return {{},
+            {scriptAsMenuItem({{"SELECT to", script(Statement::Select)},
+                               {"INSERT to", script(Statement::Insert)},
+                               {"UPDATE to", script(Statement::Update)}})}};
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabaseTable::propertiesLoader() const
+{
+    return MSSQLTreeCatalog::objectProperties(*this, m_schema, m_tableName);
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createExportMenuItem() const

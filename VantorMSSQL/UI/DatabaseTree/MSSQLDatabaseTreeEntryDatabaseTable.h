@@ -16,7 +16,7 @@ public:
     bool isView() const { return m_isView; }
     void setIsView(bool isView) { m_isView = isView; }
 
-    QString image() const override { return QStringLiteral("DatabaseTree-Table"); }
+    QString image() const override;
     /// The display name, with its parts in brackets where a server requires them.
     QString dragDropString() const override;
     std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const override;
@@ -26,8 +26,10 @@ public:
     /// Opens the table designer.
     void cmdRight() override;
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
 protected:
+    KNMenu additionalMenu() override;
     List makeEntries() override;
 
 private:

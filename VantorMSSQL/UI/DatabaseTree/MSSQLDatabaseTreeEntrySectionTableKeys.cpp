@@ -1,5 +1,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTableKeys.h"
 
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryTableKey.h"
+
 MSSQLDatabaseTreeEntrySectionTableKeys::MSSQLDatabaseTreeEntrySectionTableKeys(const QString &schema,
                                                                                const QString &tableName)
     : MSSQLRecordSection(
@@ -19,9 +21,5 @@ KNMenu MSSQLDatabaseTreeEntrySectionTableKeys::menu()
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableKeys::entryFor(const MSSQLKeyRecord &record)
 {
-    auto key = make<KNDatabaseTreeEntry>();
-    key->setDisplayName(record.keyName);
-    key->setImage(record.isPrimaryKey ? QStringLiteral("DatabaseTree-PK")
-                                      : QStringLiteral("DatabaseTree-Column"));
-    return key;
+    return make<MSSQLDatabaseTreeEntryTableKey>(schema(), object(), record.keyName, record.isPrimaryKey);
 }

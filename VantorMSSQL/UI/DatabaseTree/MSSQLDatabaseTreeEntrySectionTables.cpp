@@ -1,11 +1,16 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySectionTables.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNLogHelper.h"
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTableOrder.h"
+#include "UI/DatabaseTree/MSSQLTreePreferences.h"
+
+#include <QHash>
+#include <QLocale>
 
 #include <algorithm>
 
@@ -49,6 +54,34 @@ QString MSSQLDatabaseTreeEntrySectionTables::catalogQuery()
     return MSSQLTreeCatalog::text(*this, "DatabaseTree_ListTables");
 }
 
+void MSSQLDatabaseTreeEntrySectionTables::readRows(DatabaseResultSet &rows, List *entries)
+{
+    m_objectIds.clear();
+    MSSQLCatalogSection::readRows(rows, entries);
+}
+
+/// Shows the number of rows of each table, as the catalog knows it.
+void MSSQLDatabaseTreeEntrySectionTables::didReadRows(const List &entries, KNError *error)
+{
+    if (!MSSQLTreePreferences::isOn(MSSQLTreePreferences::ShowRowCounts))
+        return;
+    QHash<qint64, qint64> counts;
+    *error = MSSQLCatalogReader::run(MSSQLTreeCatalog::settings(*this),
+                                     {MSSQLTreeCatalog::text(*this, "List_TableRowCounts"), nullptr},
+                                     [&](DatabaseResultSet *rows, const KNError &) {
+                                         while (rows && rows->next())
+                                             counts.insert(rows->numberForColumnIndex(0).toInt64(),
+                                                           rows->numberForColumnIndex(1).toInt64());
+                                     });
+    const QLocale locale;
+    for (std::size_t i = 0; i < entries.size() && i < m_objectIds.size(); ++i) {
+        const auto count = counts.constFind(m_objectIds[i]);
+        if (count != counts.constEnd())
+            entries[i]->setDetails(KNFormat(*count == 1 ? "%@ row" : "%@ rows", locale.toString(*count)));
+    }
+    m_objectIds = {};
+}
+
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTables::entryForRow(const DatabaseResultSet &row)
 {
     const QString schema = row.stringForColumnIndex(1);
@@ -63,6 +96,7 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTables::entryForRow(const 
     auto table = make<MSSQLDatabaseTreeEntryDatabaseTable>(
         isDefault ? tableName : KNFormat("%@.%@", schema, tableName), m_lastSchema, tableName);
     table->setCanHaveChildren(true);
+    m_objectIds.push_back(row.numberForColumnIndex(0).toInt64());
     return table;
 }
 

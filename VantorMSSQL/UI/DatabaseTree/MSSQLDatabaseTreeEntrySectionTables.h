@@ -22,6 +22,8 @@ public:
 protected:
     QString catalogQuery() override;
     Ptr entryForRow(const DatabaseResultSet &row) override;
+    void readRows(DatabaseResultSet &rows, List *entries) override;
+    void didReadRows(const List &entries, KNError *error) override;
     void didLoadEntries(const Children &children) override;
     void willFinishLoading() override;
 
@@ -33,10 +35,11 @@ private:
     void tableWasRemoved(const QVariantMap &userInfo);
     KNMenuItem createExportMenuItem() const;
 
-    QString m_defaultSchemaName; ///< null until the first load, which sets it
-    QString m_lastSchema;        ///< of the last row; tables of equal schemas share the string
-    Children m_loadedInOrder;    ///< set by a load, taken by willFinishLoading()
-    Children m_inOrder;          ///< the children sorted by MSSQLTableOrder; on the UI thread
+    QString m_defaultSchemaName;     ///< null until the first load, which sets it
+    QString m_lastSchema;            ///< of the last row; tables of equal schemas share the string
+    std::vector<qint64> m_objectIds; ///< of the loaded entries, while row counts are read
+    Children m_loadedInOrder;        ///< set by a load, taken by willFinishLoading()
+    Children m_inOrder;              ///< the children sorted by MSSQLTableOrder; on the UI thread
     KNNotificationCenter::Token m_tableAdded;
     KNNotificationCenter::Token m_tableRemoved;
 };

@@ -1,5 +1,6 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
+#include "Catalog/MSSQLObjectProperties.h"
 #include "Catalog/MSSQLVersionHelper.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
@@ -9,7 +10,10 @@
 #include "Implementations/MSSQLErrorReport.h"
 #include "UI/DatabaseTree/Agent/MSSQLDatabaseTreeEntrySectionAgent.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntrySystemDatabases.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/DatabaseTree/MSSQLTreePreferences.h"
+#include "UI/DatabaseTree/Security/MSSQLDatabaseTreeEntrySectionSecurity.h"
 
 #include <algorithm>
 
@@ -138,33 +142,52 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
                                                                       KNError *error)
 {
     const QString sql = MSSQLTreeCatalog::text(*this, "General_ListDatabases");
+    const bool showsSystemDatabases = MSSQLTreePreferences::isOn(MSSQLTreePreferences::ShowSystemDatabases);
     List entries;
     KNError failure;
     VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
         [&](VantorDatabaseClient &client, KNError *queryFailure) {
             allDatabaseNames->clear();
             entries.clear();
+            List systemDatabases;
             const auto rows = client.executeQuery(sql, queryFailure);
             while (rows && !*queryFailure && rows->next()) {
                 const QString name = rows->stringForColumnIndex(0);
-                if (name.isEmpty() || isSystemDatabase(name))
+                const bool isSystem = isSystemDatabase(name);
+                if (name.isEmpty() || (isSystem && !showsSystemDatabases))
                     continue;
                 allDatabaseNames->append(name);
                 if (Ptr database = databaseForRow(*rows, name))
-                    entries.push_back(std::move(database));
+                    (isSystem ? systemDatabases : entries).push_back(std::move(database));
             }
-            if (*queryFailure || !KNUserDefaults::standardUserDefaults()->boolForKey(AgentEnabledKey))
+            if (*queryFailure)
                 return;
-            KNError agentFailure; // ignored: the databases are useful without the agent
-            if (Ptr agent = loadAgent(client, &agentFailure))
-                entries.push_back(std::move(agent));
-            if (agentFailure)
-                KNLogHelper::sharedInstance()->logError(agentFailure, {});
+            const List others = entriesBesideDatabases(std::move(systemDatabases), client);
+            entries.insert(entries.end(), others.begin(), others.end());
         },
         settings(), &failure, true);
     if (failure) {
         *error = failure.inDomain(QStringLiteral("mssqsql.databaseTree.loadServer"));
         MSSQLErrorReport::reportError(*error, {{QStringLiteral("Query"), sql}});
+    }
+    return entries;
+}
+
+KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::entriesBesideDatabases(List systemDatabases,
+                                                                               VantorDatabaseClient &client)
+{
+    List entries;
+    if (!systemDatabases.empty())
+        entries.push_back(make<MSSQLDatabaseTreeEntrySystemDatabases>(std::move(systemDatabases)));
+    if (MSSQLTreePreferences::isOn(MSSQLTreePreferences::ShowSecurity) &&
+        !MSSQLVersionHelper::sharedInstance()->isDBCAzure(settings()))
+        entries.push_back(make<MSSQLDatabaseTreeEntrySectionSecurity>(MSSQLPrincipalScope::Server));
+    if (KNUserDefaults::standardUserDefaults()->boolForKey(AgentEnabledKey)) {
+        KNError failure; // ignored: the databases are useful without the agent
+        if (Ptr agent = loadAgent(client, &failure))
+            entries.push_back(std::move(agent));
+        if (failure)
+            KNLogHelper::sharedInstance()->logError(failure, {});
     }
     return entries;
 }
@@ -230,4 +253,9 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryServer::copyWithSearchResults(con
         copy->setDelegate(delegate());
     }
     return root;
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryServer::propertiesLoader() const
+{
+    return MSSQLObjectProperties::loader(databaseConnectionDetails(), "Properties_Server");
 }

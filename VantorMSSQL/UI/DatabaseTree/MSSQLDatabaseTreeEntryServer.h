@@ -27,6 +27,7 @@ public:
     QString tableCellIdentifier() const override;
     QStringList allDatabaseNames() const override;
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
     bool updateSearchEntries(KNError *error) override;
     Ptr copyWithSearchResults(const QString &text) override;
@@ -41,6 +42,7 @@ private:
 
     const MSSQLDatabaseConnectionDetails &settings() const;
     List loadDatabases(QStringList *allDatabaseNames, KNError *error);
+    List entriesBesideDatabases(List systemDatabases, VantorDatabaseClient &client);
     Ptr databaseForRow(const DatabaseResultSet &row, const QString &name);
     Ptr loadAgent(VantorDatabaseClient &client, KNError *error);
 

@@ -17,6 +17,10 @@ public:
     QString image() const override { return QStringLiteral("DatabaseTree-Index"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
+
+protected:
+    KNMenu additionalMenu() override;
 
 private:
     const QString m_schema;

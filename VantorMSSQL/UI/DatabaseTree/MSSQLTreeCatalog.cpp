@@ -1,6 +1,7 @@
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 #include "Catalog/MSSQLCatalogReader.h"
+#include "Catalog/MSSQLObjectProperties.h"
 
 #include <QCollator>
 
@@ -17,6 +18,14 @@ QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QSt
     for (auto above = entry.parent(); above; above = above->parent())
         details = above->databaseConnectionDetails();
     return MSSQLCatalogReader::text(*details, QString::fromLatin1(title), values);
+}
+
+KNObjectPropertiesLoader objectProperties(const KNDatabaseTreeEntry &entry, const QString &schema,
+                                          const QString &object)
+{
+    return MSSQLObjectProperties::loader(
+        entry.databaseConnectionDetails(), "Properties_Object",
+        {{QStringLiteral("SCHEMA"), schema}, {QStringLiteral("OBJECT"), object}});
 }
 
 int compareNames(const QString &left, const QString &right)

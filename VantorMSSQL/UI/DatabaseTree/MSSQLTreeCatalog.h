@@ -16,6 +16,10 @@ const MSSQLDatabaseConnectionDetails &settings(const KNDatabaseTreeEntry &entry)
 /// for a server.
 QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QString, QString> &values = {});
 
+/// Returns a loader of the properties of a table, view, procedure, function, trigger or constraint.
+KNObjectPropertiesLoader objectProperties(const KNDatabaseTreeEntry &entry, const QString &schema,
+                                          const QString &object);
+
 /// Compares names by the user's locale, without regard to case; null equals empty.
 int compareNames(const QString &left, const QString &right);
 

@@ -4,6 +4,7 @@
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/DatabaseTree/KNPropertiesDialog.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QClipboard>
@@ -252,4 +253,26 @@ TEST_F(ObjectExplorer, StaysResponsiveWhileFiftyThousandTablesLoadAndAreSearched
     const auto &longest = WatchedApplication::instance().longestCall();
     EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
     RecordProperty("longestCallMilliseconds", static_cast<int>(longest.milliseconds));
+}
+
+TEST_F(ObjectExplorer, CopiesNames)
+{
+    connectTo(SampleServerFixture::shared());
+    choose(open({QStringLiteral("shop"), QStringLiteral("Tables"), QStringLiteral("bracket]ed")}),
+           {QStringLiteral("Copy name")});
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("[bracket]]ed]"));
+}
+
+TEST_F(ObjectExplorer, ShowsPropertiesReadInTheBackground)
+{
+    connectTo(SampleServerFixture::shared());
+    choose(open(Orders), {QStringLiteral("Properties")});
+    auto *const dialog = m_workspace.sheetParent()->findChild<KNPropertiesDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Properties of Orders"));
+    EXPECT_TRUE(waitFor([&] { return !dialog->text().isEmpty(); }));
+    EXPECT_TRUE(dialog->text().startsWith(QStringLiteral("Name\tOrders\nSchema\tdbo\nKind\tuser table\n")));
+    EXPECT_TRUE(dialog->text().contains(QStringLiteral("\nRows\t10\n")));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    EXPECT_FALSE(dialog->isVisible());
 }

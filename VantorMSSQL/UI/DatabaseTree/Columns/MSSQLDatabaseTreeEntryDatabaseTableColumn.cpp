@@ -1,5 +1,9 @@
 #include "UI/DatabaseTree/Columns/MSSQLDatabaseTreeEntryDatabaseTableColumn.h"
 
+#include "Catalog/MSSQLObjectProperties.h"
+#include "Scripts/MSSQLScriptDropColumnInTableQueryLoader.h"
+#include "Scripts/MSSQLScriptSubject.h"
+
 MSSQLDatabaseTreeEntryDatabaseTableColumn::MSSQLDatabaseTreeEntryDatabaseTableColumn(
     const QString &schema, const QString &tableName, const QString &columnName)
     : m_schema(schema)
@@ -17,4 +21,21 @@ QString MSSQLDatabaseTreeEntryDatabaseTableColumn::image() const
 KNMenu MSSQLDatabaseTreeEntryDatabaseTableColumn::menu()
 {
     return {QStringLiteral("Root"), {actionItem("Drop column", "confirmDropColumn:", shared_from_this())}};
+}
+
+KNMenu MSSQLDatabaseTreeEntryDatabaseTableColumn::additionalMenu()
+{
+    const MSSQLScriptSubject column{QStringLiteral("COLUMN"), m_schema, m_columnName,
+                                    databaseConnectionDetails(), m_tableName};
+    return {{},
+            {scriptAsMenuItem({{"DROP to", column.script<MSSQLScriptDropColumnInTableQueryLoader>(
+                                               m_columnName, m_tableName, m_schema)}})}};
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabaseTableColumn::propertiesLoader() const
+{
+    return MSSQLObjectProperties::loader(databaseConnectionDetails(), "Properties_Column",
+                                         {{QStringLiteral("SCHEMA"), m_schema},
+                                          {QStringLiteral("OBJECT"), m_tableName},
+                                          {QStringLiteral("COLUMN"), m_columnName}});
 }

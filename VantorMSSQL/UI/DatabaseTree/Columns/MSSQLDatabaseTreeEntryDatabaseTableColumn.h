@@ -21,6 +21,10 @@ public:
     QString tableCellIdentifier() const override { return QStringLiteral("ColumnDetailsTableCellView"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({m_columnName}); }
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
+
+protected:
+    KNMenu additionalMenu() override;
 
 private:
     const QString m_schema;

@@ -82,3 +82,8 @@ KNQueryReport MSSQLDatabaseTreeEntryTableTrigger::definitionReport(qsizetype dro
     report.unsafeLength = drop;
     return report;
 }
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryTableTrigger::propertiesLoader() const
+{
+    return MSSQLTreeCatalog::objectProperties(*this, m_schema, m_triggerName);
+}

@@ -23,6 +23,7 @@ public:
     QString image() const override { return QStringLiteral("DatabaseTree-Trigger"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
 private:
     KNMenuItem createScriptAsMenu() const;

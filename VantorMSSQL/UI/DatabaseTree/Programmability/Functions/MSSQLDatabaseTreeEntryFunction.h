@@ -15,7 +15,9 @@ public:
     QString functionName() const { return m_functionName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Function"); }
+    QString dragDropString() const override;
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
 private:
     MSSQLScriptSubject scriptSubject() const;

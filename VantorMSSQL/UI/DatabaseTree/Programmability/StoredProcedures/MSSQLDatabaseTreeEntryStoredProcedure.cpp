@@ -6,6 +6,7 @@
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptDropStoredProcedureQueryLoader.h"
+#include "Scripts/MSSQLScriptStatementQueryLoader.h"
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedureParameter.h"
 
 MSSQLDatabaseTreeEntryStoredProcedure::MSSQLDatabaseTreeEntryStoredProcedure(const QString &displayName,
@@ -31,10 +32,28 @@ void MSSQLDatabaseTreeEntryStoredProcedure::removeChild(const Ptr &child)
 
 KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryFor(const MSSQLParameterRecord &record)
 {
-    auto parameter = make<MSSQLDatabaseTreeEntryStoredProcedureParameter>();
+    auto parameter = make<MSSQLDatabaseTreeEntryStoredProcedureParameter>(schema(), procedureName());
     parameter->setDisplayName(record.parameterName);
     parameter->setDetails(record.typeName);
     return parameter;
+}
+
+QString MSSQLDatabaseTreeEntryStoredProcedure::dragDropString() const
+{
+    return MSSQLObjectPath::readable({schema(), procedureName()});
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryStoredProcedure::propertiesLoader() const
+{
+    return MSSQLTreeCatalog::objectProperties(*this, schema(), procedureName());
+}
+
+KNMenu MSSQLDatabaseTreeEntryStoredProcedure::additionalMenu()
+{
+    return {{},
+            {scriptAsMenuItem({{"EXECUTE to", std::make_shared<MSSQLScriptStatementQueryLoader>(
+                                                  MSSQLScriptStatementQueryLoader::Statement::Execute,
+                                                  schema(), procedureName())}})}};
 }
 
 MSSQLScriptSubject MSSQLDatabaseTreeEntryStoredProcedure::scriptSubject() const

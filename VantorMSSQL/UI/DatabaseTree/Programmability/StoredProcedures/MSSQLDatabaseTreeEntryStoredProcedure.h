@@ -16,10 +16,13 @@ public:
     QString procedureName() const { return object(); }
 
     QString image() const override { return QStringLiteral("DatabaseTree-StoredProcedure"); }
+    QString dragDropString() const override;
     void removeChild(const Ptr &child) override;
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
 protected:
+    KNMenu additionalMenu() override;
     Ptr entryFor(const MSSQLParameterRecord &record) override;
 
 private:

@@ -6,5 +6,14 @@
 class MSSQLDatabaseTreeEntryStoredProcedureParameter : public KNDatabaseTreeEntry
 {
 public:
+    /// Names are not escaped.
+    MSSQLDatabaseTreeEntryStoredProcedureParameter(const QString &schema, const QString &procedureName);
+
     QString image() const override { return QStringLiteral("DatabaseTree-StoredProcedureParameter"); }
+    QString dragDropString() const override { return displayName(); }
+    KNObjectPropertiesLoader propertiesLoader() const override;
+
+private:
+    const QString m_schema;
+    const QString m_procedureName;
 };

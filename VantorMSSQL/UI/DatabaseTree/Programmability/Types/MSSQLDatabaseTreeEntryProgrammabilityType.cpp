@@ -1,5 +1,7 @@
 #include "UI/DatabaseTree/Programmability/Types/MSSQLDatabaseTreeEntryProgrammabilityType.h"
 
+#include "Catalog/MSSQLObjectProperties.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
@@ -12,6 +14,18 @@ MSSQLDatabaseTreeEntryProgrammabilityType::MSSQLDatabaseTreeEntryProgrammability
     , m_typeType(typeType)
 {
     setDisplayName(displayName);
+}
+
+QString MSSQLDatabaseTreeEntryProgrammabilityType::dragDropString() const
+{
+    return MSSQLObjectPath::readable({m_schema, m_typeName});
+}
+
+KNObjectPropertiesLoader MSSQLDatabaseTreeEntryProgrammabilityType::propertiesLoader() const
+{
+    return MSSQLObjectProperties::loader(
+        databaseConnectionDetails(), "Properties_Type",
+        {{QStringLiteral("SCHEMA"), m_schema}, {QStringLiteral("TYPE"), m_typeName}});
 }
 
 KNMenu MSSQLDatabaseTreeEntryProgrammabilityType::menu()

@@ -14,7 +14,9 @@ public:
     QString typeName() const { return m_typeName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-UserType"); }
+    QString dragDropString() const override;
     KNMenu menu() override;
+    KNObjectPropertiesLoader propertiesLoader() const override;
 
 private:
     const QString m_schema;

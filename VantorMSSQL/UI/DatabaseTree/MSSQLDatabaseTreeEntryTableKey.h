@@ -1,0 +1,25 @@
+#pragma once
+
+#include "DatabaseTree/KNDatabaseTreeEntry.h"
+#include "Implementations/MSSQLObjectPath.h"
+
+/// A primary, unique or foreign key of a table.
+class MSSQLDatabaseTreeEntryTableKey : public KNDatabaseTreeEntry
+{
+public:
+    /// Names are not escaped.
+    MSSQLDatabaseTreeEntryTableKey(const QString &schema, const QString &tableName, const QString &keyName,
+                                   bool isPrimaryKey);
+
+    QString image() const override;
+    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
+    KNObjectPropertiesLoader propertiesLoader() const override;
+
+protected:
+    KNMenu additionalMenu() override;
+
+private:
+    const QString m_schema;
+    const QString m_tableName;
+    const bool m_isPrimaryKey;
+};

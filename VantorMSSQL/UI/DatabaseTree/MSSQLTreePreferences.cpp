@@ -1,0 +1,8 @@
+#include "UI/DatabaseTree/MSSQLTreePreferences.h"
+
+#include "Foundation/KNUserDefaults.h"
+
+bool MSSQLTreePreferences::isOn(const char *key)
+{
+    return KNUserDefaults::standardUserDefaults()->boolForKey(QString::fromLatin1(key));
+}
