@@ -17,6 +17,6 @@ struct KNObjectProperty
 
 using KNObjectProperties = QList<KNObjectProperty>;
 
-/// Reads the properties of one object. Blocks on the server: any thread except the UI thread. Returns an empty
-/// list and sets `error` on failure.
+/// Reads the properties of one object. Blocks on the server: any thread except the UI thread. Returns an
+/// empty list and sets `error` on failure.
 using KNObjectPropertiesLoader = std::function<KNObjectProperties(KNError *error)>;

@@ -18,15 +18,15 @@ KNObjectPropertiesLoader MSSQLObjectProperties::loader(std::shared_ptr<const Van
 {
     return [settings = std::move(settings), title = QString::fromLatin1(title), values](KNError *error) {
         KNObjectProperties properties;
-        *error = MSSQLCatalogReader::read(
-            *settings, title, values, "mssql.databaseTree.properties", [&](const DatabaseResultSet &row) {
-                const QStringList names = row.columnNames();
-                for (qsizetype column = 0; column < names.size(); ++column) {
-                    const KNValue value = row.objectForColumnIndex(column);
-                    if (!value.isNull())
-                        properties.append({names[column], displayText(value)});
-                }
-            });
+        *error = MSSQLCatalogReader::read(*settings, title, values, "mssql.databaseTree.properties",
+                                          [&](const DatabaseResultSet &row) {
+                                              const QStringList names = row.columnNames();
+                                              for (qsizetype column = 0; column < names.size(); ++column) {
+                                                  const KNValue value = row.objectForColumnIndex(column);
+                                                  if (!value.isNull())
+                                                      properties.append({names[column], displayText(value)});
+                                              }
+                                          });
         return *error ? KNObjectProperties() : properties;
     };
 }

@@ -20,8 +20,8 @@ QString MSSQLScriptStatementQueryLoader::script(const VantorDBC &details, KNQuer
 {
     if (m_statement == Statement::Execute)
         return execution(details, &report->failure);
-    const auto columns = MSSQLCatalogReader::records<MSSQLColumnRecord>(details, m_schema, m_object, Domain,
-                                                                        &report->failure);
+    const auto columns =
+        MSSQLCatalogReader::records<MSSQLColumnRecord>(details, m_schema, m_object, Domain, &report->failure);
     if (report->failure)
         return {};
     if (columns.isEmpty()) {

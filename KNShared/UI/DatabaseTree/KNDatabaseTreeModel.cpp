@@ -13,10 +13,26 @@
 
 namespace {
 
-QString nameWithDetails(const KNDatabaseTreeEntry &entry)
+bool isError(const KNDatabaseTreeEntry &entry)
 {
-    return entry.details().isEmpty() ? entry.displayName()
-                                     : KNFormat("%@ %@", entry.displayName(), entry.details());
+    return dynamic_cast<const KNDatabaseTreeErrorEntry *>(&entry) != nullptr;
+}
+
+bool isHead(const KNDatabaseTreeEntry &entry)
+{
+    return entry.tableCellIdentifier().startsWith(QLatin1String("HeaderCell"));
+}
+
+/// The children whose names contain the text, and errors.
+KNDatabaseTreeEntry::Children filtered(const KNDatabaseTreeEntry::Children &children, const QString &text)
+{
+    if (!children || text.isEmpty())
+        return children;
+    KNDatabaseTreeEntry::List matching;
+    std::copy_if(children->begin(), children->end(), std::back_inserter(matching), [&](const auto &child) {
+        return child->displayName().contains(text, Qt::CaseInsensitive) || isError(*child);
+    });
+    return std::make_shared<const KNDatabaseTreeEntry::List>(std::move(matching));
 }
 
 } // namespace
@@ -27,9 +43,26 @@ struct KNDatabaseTreeModel::Node
     Entry entry;
     Node *parent = nullptr;
     int row = 0;
-    KNDatabaseTreeEntry::Children shown;
+    KNDatabaseTreeEntry::Children shown; ///< without regard to the filter
+    QString filter;                      ///< empty for none
     std::vector<std::unique_ptr<Node>> children;
 };
+
+QString KNDatabaseTreeModel::detailsOf(const Node &node) const
+{
+    if (isHead(*node.entry) && !node.shown && m_loading.contains(node.entry.get()))
+        return tr("Connecting…");
+    if (!node.filter.isEmpty())
+        return KNFormat(tr("names with \"%@\""), node.filter);
+    return node.entry->details();
+}
+
+QString KNDatabaseTreeModel::nameWithDetails(const Node &node) const
+{
+    const QString name = node.entry->displayName();
+    const QString details = detailsOf(node);
+    return details.isEmpty() ? name : KNFormat("%@ %@", name, details);
+}
 
 /// Passes load notifications from their threads to the UI thread.
 class KNDatabaseTreeModel::LoadWatcher : public KNDatabaseTreeEntryDelegate
@@ -102,6 +135,23 @@ KNDatabaseTreeModel::Entry KNDatabaseTreeModel::entry(const QModelIndex &index) 
     return node ? node->entry : nullptr;
 }
 
+void KNDatabaseTreeModel::setFilter(const QModelIndex &index, const QString &text)
+{
+    Node *const node = nodeAt(index);
+    if (!node || node->filter == text)
+        return;
+    node->filter = text;
+    node->shown = nullptr; // the children are the same, but not those to show
+    updateChildren(*node);
+    Q_EMIT dataChanged(index, index);
+}
+
+QString KNDatabaseTreeModel::filter(const QModelIndex &index) const
+{
+    const Node *const node = nodeAt(index);
+    return node ? node->filter : QString();
+}
+
 QModelIndex KNDatabaseTreeModel::indexOf(const KNDatabaseTreeEntry &entry) const
 {
     const Node *const node = m_nodes.value(&entry);
@@ -139,7 +189,8 @@ bool KNDatabaseTreeModel::hasChildren(const QModelIndex &parent) const
     const Node *const node = nodeAt(parent);
     if (!node)
         return m_rootNode != nullptr;
-    return node->entry->canHaveChildren() && !(node->shown && node->children.empty());
+    const bool isKnownEmpty = node->shown && node->children.empty() && node->filter.isEmpty();
+    return node->entry->canHaveChildren() && !isKnownEmpty;
 }
 
 bool KNDatabaseTreeModel::canFetchMore(const QModelIndex &parent) const
@@ -169,19 +220,19 @@ QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         return KNIcon::named(entry.image());
     case Qt::ToolTipRole:
-        return KNPlainToolTip(nameWithDetails(entry));
+        return KNPlainToolTip(nameWithDetails(*node));
     case Qt::AccessibleTextRole:
-        return nameWithDetails(entry);
+        return nameWithDetails(*node);
     case DetailsRole:
-        return entry.details();
+        return detailsOf(*node);
     case IsBusyRole:
         return m_loading.contains(&entry);
     case IsErrorRole:
-        return dynamic_cast<const KNDatabaseTreeErrorEntry *>(&entry) != nullptr;
+        return isError(entry);
     case IsDimmedRole:
         return entry.isDimmed();
     case IsHeadRole:
-        return entry.tableCellIdentifier().startsWith(QLatin1String("HeaderCell"));
+        return isHead(entry);
     case HeightRole:
         return entry.tableCellHeight();
     default:
@@ -261,7 +312,8 @@ void KNDatabaseTreeModel::updateChildren(Node &node)
     if (children == node.shown)
         return;
     static const KNDatabaseTreeEntry::List none;
-    const KNDatabaseTreeEntry::List &entries = children ? *children : none;
+    const KNDatabaseTreeEntry::Children visible = filtered(children, node.filter);
+    const KNDatabaseTreeEntry::List &entries = visible ? *visible : none;
     const auto isSame = [](const std::unique_ptr<Node> &shown, const Entry &entry) {
         return shown->entry == entry;
     };

@@ -38,6 +38,11 @@ public:
     QModelIndex indexOf(const KNDatabaseTreeEntry &entry) const;
     bool isBusy() const { return !m_loading.isEmpty(); }
 
+    /// Shows only those children of a row whose names contain the text, in any case; all for an empty text.
+    /// It remains set when the children are loaded again.
+    void setFilter(const QModelIndex &index, const QString &text);
+    QString filter(const QModelIndex &index) const;
+
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &index) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -62,6 +67,8 @@ private:
 
     Node *nodeAt(const QModelIndex &index) const;
     QModelIndex indexOf(const Node &node) const;
+    QString detailsOf(const Node &node) const;
+    QString nameWithDetails(const Node &node) const;
     void didBeginLoading(const Entry &entry);
     void didFinishLoading(const Entry &entry);
     void updateChildren(Node &node);

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QInputDialog>
 #include <QKeyEvent>
 #include <QPointer>
 
@@ -166,7 +167,7 @@ void KNDatabaseTreeViewController::showSearchResults()
     const QString text = m_searchField->text().trimmed();
     const Entry found = m_feed == Feed::Refused ? nullptr : m_root->copyWithSearchResults(text);
     if (!m_feedError)
-        showNotice(found ? QString() : KNFormat(tr("Nothing has \"%@\" in its name."), text));
+        showNotice(found ? QString() : KNFormat(tr("No object's name contains \"%@\"."), text));
     else if (m_feed == Feed::Refused)
         showNotice(m_feedError.localizedDescription());
     else
@@ -215,9 +216,47 @@ void KNDatabaseTreeViewController::showMenu(const Entry &entry, const QPoint &gl
                         [entry] { QApplication::clipboard()->setText(entry->displayName()); });
     } else {
         KNMenuView::fill(*menu, entry->contextMenu());
+        addFilterItems(*menu, entry);
     }
     if (menu->isEmpty())
         delete menu;
     else
         menu->popup(globalPosition);
+}
+
+/// A filter is worth its menu item only where there are several objects.
+void KNDatabaseTreeViewController::addFilterItems(QMenu &menu, const Entry &entry)
+{
+    const bool isFiltered = !m_model->filter(m_model->indexOf(*entry)).isEmpty();
+    const KNDatabaseTreeEntry::Children children = entry->childEntries();
+    constexpr std::size_t Several = 5;
+    if (!isFiltered && (!children || children->size() < Several))
+        return;
+    menu.addSeparator();
+    menu.addAction(tr("Filter…"), this, [this, entry] { askForFilter(entry); });
+    if (isFiltered)
+        menu.addAction(tr("Remove Filter"), this, [this, entry] { setFilter(entry, {}); });
+}
+
+/// Filters as the user types; Cancel restores the filter from before.
+void KNDatabaseTreeViewController::askForFilter(const Entry &entry)
+{
+    auto *const dialog = new QInputDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Filter"));
+    dialog->setLabelText(
+        KNFormat(tr("Show what has this text in its name in \"%@\":"), entry->displayName()));
+    const QString before = m_model->filter(m_model->indexOf(*entry));
+    dialog->setTextValue(before);
+    connect(dialog, &QInputDialog::textValueChanged, this,
+            [this, entry](const QString &text) { setFilter(entry, text); });
+    connect(dialog, &QInputDialog::rejected, this, [this, entry, before] { setFilter(entry, before); });
+    dialog->open();
+}
+
+void KNDatabaseTreeViewController::setFilter(const Entry &entry, const QString &text)
+{
+    const QModelIndex index = m_model->indexOf(*entry);
+    m_model->setFilter(index, text.trimmed());
+    m_view->expand(index);
 }

@@ -7,6 +7,7 @@
 
 class QLabel;
 class QLineEdit;
+class QMenu;
 
 /// The object explorer: the tree of one connection and a search field for all databases.
 class KNSHAREDUI_EXPORT KNDatabaseTreeViewController : public QWidget
@@ -48,6 +49,9 @@ private:
     void searchOnceLoaded();
     void showNotice(const QString &text);
     void showMenu(const Entry &entry, const QPoint &globalPosition);
+    void addFilterItems(QMenu &menu, const Entry &entry);
+    void askForFilter(const Entry &entry);
+    void setFilter(const Entry &entry, const QString &text);
 
     enum class Feed { Outdated, Loading, Loaded, Refused };
 

@@ -5,6 +5,7 @@
 #include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 
 #include <QAbstractItemModelTester>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -202,7 +203,7 @@ TEST_F(DatabaseTree, SearchesAsTheUserTypesAndAsksForTheObjectsOnlyOnce)
 
     type("nowhere");
     EXPECT_TRUE(waitFor([&] { return !m_controller.notice().isNull(); }));
-    EXPECT_EQ(m_controller.notice(), QStringLiteral("Nothing has \"nowhere\" in its name."));
+    EXPECT_EQ(m_controller.notice(), QStringLiteral("No object's name contains \"nowhere\"."));
 
     QTest::keyClick(m_controller.searchField(), Qt::Key_Escape);
     EXPECT_TRUE(waitFor([&] { return shown() == list({"Customers", "Orders", "OrderLines"}); }));
@@ -297,4 +298,32 @@ TEST_F(DatabaseTree, MayEndWhileItLoads)
     m_gate.signal();
     EXPECT_TRUE(WindowTesting::settle());
     EXPECT_EQ(model()->rowCount(), 0);
+}
+
+TEST_F(DatabaseTree, FiltersAListAsTheUserTypes)
+{
+    show(list({"Orders", "OrderLines", "Customers", "Products", "Stores"}));
+    m_controller.view()->setCurrentIndex(rootIndex());
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(m_controller.view(), &event);
+    auto *const menu = m_controller.findChild<QMenu *>();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->actions().last()->text(), QStringLiteral("Filter…"));
+    menu->actions().last()->trigger();
+    menu->close();
+    auto *const dialog = m_controller.findChild<QInputDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->setTextValue(QStringLiteral("orDER"));
+    EXPECT_EQ(shown(), list({"Orders", "OrderLines"}));
+    EXPECT_EQ(rootIndex().data(KNDatabaseTreeModel::DetailsRole).toString(),
+              QStringLiteral("names with \"orDER\""));
+
+    setNames(list({"Customers", "New orders"})); // the filter outlives a refresh
+    m_controller.refreshDatabaseTreeItem(m_root);
+    EXPECT_TRUE(waitFor([&] { return shown() == list({"New orders"}); }));
+    dialog->setTextValue(QStringLiteral("nothing"));
+    EXPECT_EQ(shown(), QStringList());
+    EXPECT_TRUE(model()->hasChildren(rootIndex()));
+    dialog->reject();
+    EXPECT_EQ(shown(), list({"Customers", "New orders"}));
 }

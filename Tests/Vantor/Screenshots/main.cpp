@@ -12,6 +12,7 @@
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/DatabaseTree/KNPropertiesDialog.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
@@ -187,9 +188,24 @@ void showViewer(MainWindow &window, const QString &folder)
     viewer->close();
 }
 
+void showProperties(MainWindow &window, const QString &folder)
+{
+    KNDatabaseTreeView *const view = window.explorer()->view();
+    const QModelIndex table =
+        rowOf(*view->model(), {QStringLiteral("shop"), QStringLiteral("Tables"), QStringLiteral("Orders")});
+    const auto entry = static_cast<KNDatabaseTreeModel *>(view->model())->entry(table);
+    auto *const dialog = new KNPropertiesDialog(entry->displayName(), entry->propertiesLoader(), &window);
+    dialog->show();
+    waitFor("property", [&] { return !dialog->text().isEmpty(); });
+    QTest::qWait(50);
+    save(dialog, folder, "properties");
+    dialog->close();
+}
+
 void showOtherWindows(MainWindow &window, const QString &folder)
 {
     showViewer(window, folder);
+    showProperties(window, folder);
     PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
     preferences.show();
     save(&preferences, folder, "preferences");

@@ -100,8 +100,7 @@ TEST_F(ContextMenu, RowCountsAreDetailsOfTheirTables)
     server->answer("List_TableRowCounts", {{200, 1}, {100, 12345}});
     const Ptr tables = entry({"shop", "Tables"});
     load(tables);
-    EXPECT_EQ(find(tables, list({"Orders"}))->details(),
-              QLocale().toString(12345) + QStringLiteral(" rows"));
+    EXPECT_EQ(find(tables, list({"Orders"}))->details(), QLocale().toString(12345) + QStringLiteral(" rows"));
     EXPECT_EQ(find(tables, list({"my table"}))->details(), QStringLiteral("1 row"));
 }
 

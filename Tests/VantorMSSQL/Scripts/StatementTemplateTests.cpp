@@ -69,11 +69,11 @@ TEST(StatementTemplate, UpdatesNoRowUntilTheKeyIsFilledIn)
 
 TEST(StatementTemplate, ExecutesWithVariablesForOutputs)
 {
-    EXPECT_EQ(MSSQLStatementTemplate::execute(
-                  schema, QStringLiteral("p"),
-                  {parameter("@a", "int"), parameter("@b", "nvarchar(50)", true)}),
-              QStringLiteral("DECLARE @b nvarchar(50);\r\nEXECUTE dbo.p\r\n    @a = NULL /* int */,\r\n"
-                             "    @b = @b OUTPUT;\r\nSELECT\r\n    @b AS [@b];\r\n"));
+    EXPECT_EQ(
+        MSSQLStatementTemplate::execute(schema, QStringLiteral("p"),
+                                        {parameter("@a", "int"), parameter("@b", "nvarchar(50)", true)}),
+        QStringLiteral("DECLARE @b nvarchar(50);\r\nEXECUTE dbo.p\r\n    @a = NULL /* int */,\r\n"
+                       "    @b = @b OUTPUT;\r\nSELECT\r\n    @b AS [@b];\r\n"));
     EXPECT_EQ(MSSQLStatementTemplate::execute(schema, QStringLiteral("p"), {}),
               QStringLiteral("EXECUTE dbo.p;\r\n"));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the tree shows beside the objects of the user's databases. All are off by default, and take effect when
-/// the tree is loaded.
+/// What the tree shows beside the objects of the user's databases. All are off by default, and take effect
+/// when the tree is loaded.
 namespace MSSQLTreePreferences {
 
 inline constexpr auto ShowSystemDatabases = "MSSQLShowSystemDatabases";
