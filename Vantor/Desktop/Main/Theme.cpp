@@ -1,5 +1,6 @@
 #include "Desktop/Main/Theme.h"
 
+#include "Desktop/Main/ProgramStyle.h"
 #include "Foundation/KNDispatch.h"
 #include "UI/KNPreferences.h"
 
@@ -10,7 +11,6 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QPointer>
-#include <QStyleFactory>
 #include <QToolTip>
 
 namespace {
@@ -44,6 +44,7 @@ QPalette paletteOf(const Colours &colours)
     for (const auto role :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText})
         palette.setColor(QPalette::Disabled, role, colours.disabled);
+    palette.setColor(QPalette::Disabled, QPalette::Base, colours.window); // a field that takes no text
     return palette;
 }
 
@@ -52,7 +53,7 @@ QPalette paletteOf(const Colours &colours)
 Theme::Theme(QObject *parent)
     : QObject(parent)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ProgramStyle);
     m_preferencesChanged = KNNotificationCenter::defaultCenter()->addObserver(
         KNPreferences::ChangedNotificationName,
         [self = QPointer(this)](const QString &, const QVariantMap &) {
