@@ -212,6 +212,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_TablesAndColumnsForImport"), {}},
         {QStringLiteral("List_EntriesForAutocomplete"), {}},
         {QStringLiteral("List_ExportableDatabaseEntries"), {}},
+        {QStringLiteral("List_DependentsOfTable"), ofTable},
         {QStringLiteral("List_TableRowCounts"), {}},
         {QStringLiteral("List_ServerPrincipals"), {}},
         {QStringLiteral("List_DatabasePrincipals"), {}},

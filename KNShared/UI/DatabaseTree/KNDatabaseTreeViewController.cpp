@@ -78,6 +78,8 @@ void KNDatabaseTreeViewController::refreshDatabaseTreeItem(const Entry &entry)
     if (!entry)
         return;
     m_feed = Feed::Outdated;
+    if (m_model->root() != m_root)
+        search(); // search results are copies, which never load
     if (entry->canHaveChildren())
         entry->loadEntriesAsync(true);
     else

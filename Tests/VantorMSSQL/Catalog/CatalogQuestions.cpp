@@ -52,6 +52,7 @@ QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
             question("List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_ForeignKeysForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_PrimaryKeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
+            question("List_DependentsOfTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             varying("Properties_Object", {{"SCHEMA", schema}, {"OBJECT", table}}),
             question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}})};
 }

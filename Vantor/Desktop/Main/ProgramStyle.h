@@ -2,8 +2,8 @@
 
 #include <QProxyStyle>
 
-/// Fusion with outlines that are visible in light and dark: of fields, check boxes and tab crosses, and with flat
-/// scroll bars. Their contrast to the window is at least 3 to 1, as WCAG 2.1, 1.4.11 asks of controls.
+/// Fusion with outlines that are visible in light and dark: of fields, check boxes and tab crosses, and with
+/// flat scroll bars. Their contrast to the window is at least 3 to 1, as WCAG 2.1, 1.4.11 asks of controls.
 class ProgramStyle : public QProxyStyle
 {
     Q_OBJECT

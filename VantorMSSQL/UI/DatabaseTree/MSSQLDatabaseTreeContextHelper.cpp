@@ -2,7 +2,9 @@
 
 void MSSQLDatabaseTreeContextHelper::addActions()
 {
+    addDropActions();
     addFederationActions();
+    addTableActions();
 }
 
 void MSSQLDatabaseTreeContextHelper::addAction(const QString &name, Action action)

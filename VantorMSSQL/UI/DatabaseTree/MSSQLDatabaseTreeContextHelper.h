@@ -41,7 +41,9 @@ public:
     }
 
 private:
+    void addDropActions();
     void addFederationActions();
+    void addTableActions();
 
     KNDatabaseTreeContextHelper &m_helper;
     const std::weak_ptr<KNWorkspace> m_workspace;

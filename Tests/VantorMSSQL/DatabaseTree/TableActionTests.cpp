@@ -1,0 +1,223 @@
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "DatabaseTree/KNDatabaseNotificationTable.h"
+#include "DatabaseTree/KNDatabaseTreeContextHelper.h"
+#include "Foundation/KNFormat.h"
+#include "Support/PrintQt.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/RecordingSheets.h"
+#include "Support/RecordingWorkspace.h"
+#include "Support/SampleServerFixture.h"
+#include "Support/TreeTesting.h"
+#include "Support/WindowTesting.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
+#include "UI/MSSQLUserInterface.h"
+#include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+using WindowTesting::waitFor;
+
+namespace {
+
+std::shared_ptr<MSSQLDatabaseConnectionDetails> sampleSettings()
+{
+    const auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
+    details->setHost(QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()));
+    details->setUsername(QString::fromLatin1(SampleServerFixture::User));
+    details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
+    details->setDatabase(QStringLiteral("library"));
+    return details;
+}
+
+/// Actions of the tree that change tables, on a real server with two tables of one name.
+class TableAction : public testing::Test
+{
+protected:
+    TableAction()
+        : m_workspace(*sampleSettings())
+    {
+        MSSQLUserInterface().addTreeActions(*m_helper, m_workspace);
+        run("IF SCHEMA_ID('act') IS NULL EXEC('CREATE SCHEMA act')");
+        for (const char *table : {"dbo.Acted", "act.Acted"}) {
+            run(qPrintable(KNFormat("CREATE TABLE %@ (id int NOT NULL, name nvarchar(10) NULL)", table)));
+            run(qPrintable(KNFormat("CREATE INDEX IX_Acted ON %@ (name)", table)));
+        }
+        m_root = MSSQLDatabaseTreeEntryServer::create();
+        m_root->setContextHelper(m_helper);
+        m_root->setDatabaseConnectionDetails(m_workspace.databaseConnectionDetails().get());
+    }
+    ~TableAction() override
+    {
+        for (const char *table : {"dbo.Acted", "act.Acted", "act.Renamed", "dbo.Renamed"})
+            run(qPrintable(KNFormat("IF OBJECT_ID('%@') IS NOT NULL DROP TABLE %@", table, table)));
+        EXPECT_TRUE(WindowTesting::settle());
+    }
+
+    void run(const char *sql)
+    {
+        KNError error;
+        VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+            [&](VantorDatabaseClient &client, KNError *failure) {
+                client.executeNonQuery(QString::fromUtf8(sql), failure);
+            },
+            *m_workspace.databaseConnectionDetails(), &error);
+        EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+    }
+    /// Whether the condition holds on the server.
+    bool holds(const char *condition)
+    {
+        bool answer = false;
+        KNError error;
+        VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+            [&](VantorDatabaseClient &client, KNError *failure) {
+                const auto rows = client.executeQuery(
+                    KNFormat("SELECT CASE WHEN %@ THEN 1 ELSE 0 END", condition), failure);
+                answer = rows && rows->next() && rows->numberForColumnIndex(0).toBool();
+            },
+            *m_workspace.databaseConnectionDetails(), &error);
+        EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+        return answer;
+    }
+    TreeTesting::Ptr entry(std::initializer_list<const char *> path)
+    {
+        return TreeTesting::find(m_root, TreeTesting::list(path));
+    }
+    /// Chooses a drop and accepts its preview.
+    void drop(const char *action, const TreeTesting::Ptr &entry)
+    {
+        ASSERT_TRUE(m_helper->performAction(QString::fromLatin1(action), entry));
+        ASSERT_TRUE(m_previews.last);
+        ASSERT_TRUE(waitFor([&] { return !m_previews.last->statements.isEmpty(); }));
+        m_statement = m_previews.last->statements;
+        m_titles = m_previews.last->titles();
+        m_previews.last->accept(m_previews.last->statements);
+        ASSERT_TRUE(waitFor([&] { return !m_previews.last || !m_previews.last->isRunning(); }));
+    }
+
+    RecordingAlerts &m_alerts = RecordingAlerts::install();
+    RecordingQueryPreview::Installation m_previews;
+    RecordingProgressSheets m_sheets;
+    RecordingWorkspace m_workspace;
+    const std::shared_ptr<KNDatabaseTreeContextHelper> m_helper =
+        std::make_shared<KNDatabaseTreeContextHelper>();
+    std::shared_ptr<MSSQLDatabaseTreeEntryServer> m_root;
+    QString m_statement;
+    KNQueryPreview::Titles m_titles;
+};
+
+} // namespace
+
+TEST_F(TableAction, DropsTheTableThatIsShown)
+{
+    QStringList removed;
+    const auto token = KNNotificationCenter::defaultCenter()->addObserver(
+        KNDatabaseNotificationTable::TableRemovedNotificationName,
+        [&](const QString &, const QVariantMap &info) {
+            const auto table = KNDatabaseNotificationTable::fromUserInfo(info);
+            removed = {table.tableSchema(), table.tableName()};
+        });
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    m_workspace.selected = table;
+    drop("confirmDropTable:", table);
+    EXPECT_EQ(m_statement, QStringLiteral("DROP TABLE act.Acted"));
+    EXPECT_EQ(m_titles.title, QStringLiteral("Do you really want to drop the table 'Acted'?"));
+    EXPECT_EQ(m_titles.information, QStringLiteral("Once a table has been removed, it cannot be recovered."));
+    EXPECT_EQ(m_titles.acceptTitle, QStringLiteral("Drop"));
+    EXPECT_EQ(m_titles.progressTitle, QStringLiteral("Dropping Table 'Acted'"));
+    EXPECT_TRUE(holds("OBJECT_ID('act.Acted') IS NULL AND OBJECT_ID('dbo.Acted') IS NOT NULL"));
+    EXPECT_EQ(removed, TreeTesting::list({"act", "Acted"}));
+    EXPECT_EQ(m_workspace.selected, nullptr);
+}
+
+TEST_F(TableAction, DropsAColumnAndAnIndexOfTheRightTable)
+{
+    drop("confirmDropIndex:", entry({"library", "Tables", "act.Acted", "Indexes", "IX_Acted"}));
+    EXPECT_EQ(m_statement, QStringLiteral("DROP INDEX act.Acted.IX_Acted"));
+    ASSERT_EQ(m_workspace.notifications.size(), 1u);
+    EXPECT_EQ(m_workspace.notifications.front(),
+              TreeTesting::list({"Index has been dropped", "Index IX_Acted has been dropped"}));
+    const TreeTesting::Ptr column = entry({"library", "Tables", "act.Acted", "Columns", "name"});
+    const TreeTesting::Ptr columns = column->parent();
+    drop("confirmDropColumn:", column);
+    EXPECT_EQ(m_statement, QStringLiteral("ALTER TABLE act.Acted DROP COLUMN name"));
+    EXPECT_EQ(TreeTesting::names(columns), TreeTesting::list({"id"}));
+    EXPECT_TRUE(holds("COL_LENGTH('act.Acted', 'name') IS NULL AND COL_LENGTH('dbo.Acted', 'name') = 20"));
+}
+
+TEST_F(TableAction, ACancelledDropChangesNothing)
+{
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("confirmDropTable:"), table));
+    m_previews.last->cancel();
+    EXPECT_TRUE(WindowTesting::settle());
+    EXPECT_TRUE(holds("OBJECT_ID('act.Acted') IS NOT NULL"));
+    const auto children = table->parent()->childEntries();
+    EXPECT_NE(std::find(children->begin(), children->end(), table), children->end());
+}
+
+TEST_F(TableAction, AFailedDropKeepsTheEntryAndShowsTheError)
+{
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    run("DROP TABLE act.Acted"); // somebody else was faster
+    drop("confirmDropTable:", table);
+    ASSERT_TRUE(m_previews.last);
+    ASSERT_EQ(m_previews.last->outcomes.size(), 1u);
+    EXPECT_EQ(m_previews.last->outcomes.front().error.domain(), QStringLiteral("MSSQL::dropTable"));
+    const auto children = table->parent()->childEntries();
+    EXPECT_NE(std::find(children->begin(), children->end(), table), children->end());
+    m_previews.last->cancel();
+}
+
+TEST_F(TableAction, AViewIsNeitherDroppedAsATableNorRenamed)
+{
+    run("IF OBJECT_ID('act.ActedView') IS NULL EXEC('CREATE VIEW act.ActedView AS SELECT 1 AS a')");
+    const TreeTesting::Ptr view = entry({"library", "Views", "act.ActedView"});
+    EXPECT_TRUE(m_helper->performAction(QStringLiteral("confirmDropTable:"), view));
+    EXPECT_TRUE(m_helper->performAction(QStringLiteral("renameTable:"), view));
+    EXPECT_FALSE(m_previews.last);
+    EXPECT_EQ(m_workspace.window.findChild<QDialog *>(), nullptr);
+    drop("confirmDropView:", view);
+    EXPECT_TRUE(holds("OBJECT_ID('act.ActedView') IS NULL"));
+}
+
+TEST_F(TableAction, RenamesAfterAskingForAValidName)
+{
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("renameTable:"), table));
+    auto *const dialog = m_workspace.window.findChild<MSSQLRenameTableWindowController *>();
+    ASSERT_NE(dialog, nullptr);
+    auto *const field = dialog->findChild<QLineEdit *>();
+    QPushButton *const accept = dialog->findChildren<QPushButton *>().last();
+    for (const char *invalid : {"  ", "a-b", "a b"}) {
+        field->setText(QString::fromLatin1(invalid));
+        accept->click();
+        ASSERT_FALSE(m_alerts.errors.empty());
+        EXPECT_EQ(m_alerts.errors.back().localizedDescription(),
+                  QStringLiteral("The specified table name is invalid."));
+        EXPECT_FALSE(dialog->closed());
+    }
+    m_alerts.errors.clear();
+    field->setText(QStringLiteral(" Renamed "));
+    accept->click();
+    EXPECT_TRUE(waitFor([&] { return !m_workspace.refreshed.empty(); }));
+    EXPECT_TRUE(m_alerts.errors.empty());
+    ASSERT_EQ(m_sheets.all.size(), 1u);
+    EXPECT_EQ(m_sheets.all.front()->labels, TreeTesting::list({"Renaming Table"}));
+    EXPECT_FALSE(m_sheets.all.front()->isShown);
+    EXPECT_EQ(m_workspace.refreshed.front(), table->parent());
+    EXPECT_TRUE(holds("OBJECT_ID('act.Renamed') IS NOT NULL AND OBJECT_ID('dbo.Acted') IS NOT NULL"));
+}
+
+TEST_F(TableAction, ShowsWhyARenameFailed)
+{
+    run("CREATE TABLE act.Renamed (a int)");
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("renameTable:"), table));
+    auto *const dialog = m_workspace.window.findChild<MSSQLRenameTableWindowController *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit *>()->setText(QStringLiteral("Renamed"));
+    dialog->findChildren<QPushButton *>().last()->click();
+    EXPECT_TRUE(waitFor([&] { return !m_alerts.errors.empty(); }));
+    EXPECT_TRUE(m_workspace.refreshed.empty());
+}

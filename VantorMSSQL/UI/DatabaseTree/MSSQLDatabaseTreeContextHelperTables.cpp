@@ -1,0 +1,69 @@
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
+#include "Database/KNStatementRun.h"
+#include "Foundation/KNFormat.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
+#include "TableDesign/MSSQLTableScript.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
+#include "UI/Workspace/KNProgressSheet.h"
+#include "UI/Workspace/KNStatementChoice.h"
+
+namespace {
+
+using TableEntry = std::shared_ptr<MSSQLDatabaseTreeEntryDatabaseTable>;
+
+MSSQLDesignedTable designedTable(const MSSQLDatabaseTreeEntryDatabaseTable &entry)
+{
+    const auto &settings = MSSQLTreeCatalog::settings(entry);
+    return {entry.schema(), entry.tableName(),
+            MSSQLDefaultSchemaHelper::sharedInstance()->knownSchemaForDBC(settings).value_or(QString())};
+}
+
+void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &statement)
+{
+    const std::shared_ptr<KNProgressSheet> sheet = KNProgressSheet::create(workspace.sheetParent());
+    sheet->setLabelString(QCoreApplication::translate("MSSQLRenameTableWindowController", "Renaming Table"));
+    sheet->begin();
+    const auto finished = [pointer = workspace.weakPointer(), entry, sheet](const KNStatementOutcome &outcome) {
+        sheet->end();
+        const auto existing = pointer.lock();
+        if (!existing)
+            return;
+        if (!outcome.succeeded())
+            return KNAlerts::shared().showError(existing->sheetParent(), outcome.error);
+        if (const auto parent = entry->parent())
+            existing->refreshTreeEntry(parent);
+        existing->deselectTree();
+    };
+    KNStatementRun::start({statement, false, QStringLiteral("MSSQL::renameTable")}, *entry->databaseConnectionDetails(),
+                          workspace.sheetParent(), finished);
+}
+
+void renameTable(KNWorkspace &workspace, const TableEntry &entry)
+{
+    if (entry->isView())
+        return;
+    const MSSQLDesignedTable table = designedTable(*entry);
+    auto *const dialog = new MSSQLRenameTableWindowController(table, entry->databaseConnectionDetails(),
+                                                              workspace.sheetParent());
+    dialog->beginSheet([dialog, table, entry, pointer = workspace.weakPointer()](int code) {
+        const auto existing = pointer.lock();
+        if (code != 1 || !existing)
+            return;
+        KNChooseStatement(existing->sheetParent(), MSSQLTableScript::rename(table, dialog->tableName()),
+                          MSSQLCorrectedStatements::areUsed(), [entry, pointer](const QString &statement) {
+                              if (const auto window = pointer.lock())
+                                  runRename(*window, entry, statement);
+                          });
+    });
+}
+
+} // namespace
+
+void MSSQLDatabaseTreeContextHelper::addTableActions()
+{
+    addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("renameTable:"), renameTable);
+}
