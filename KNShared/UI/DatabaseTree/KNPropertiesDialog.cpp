@@ -1,108 +1,26 @@
 #include "UI/DatabaseTree/KNPropertiesDialog.h"
 
-#include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
-#include "UI/Dialogs/KNProgressMark.h"
 
-#include <QApplication>
 #include <QBoxLayout>
-#include <QClipboard>
 #include <QDialogButtonBox>
-#include <QHeaderView>
-#include <QLabel>
-#include <QPointer>
-#include <QPushButton>
-#include <QTreeWidget>
 
 namespace {
 
-constexpr QSize InitialSize(460, 420);
-constexpr int LongestShownValue = 1000; // UTF-16 units; the clipboard gets all
+constexpr QSize InitialSize(460, 460);
 
 } // namespace
 
 KNPropertiesDialog::KNPropertiesDialog(const QString &name, KNObjectPropertiesLoader loader, QWidget *parent)
     : QDialog(parent)
-    , m_loader(std::move(loader))
-    , m_list(new QTreeWidget)
-    , m_notice(new QLabel)
-    , m_mark(new KNProgressMark(tr("Reading the properties")))
+    , m_view(new KNPropertiesView(std::move(loader)))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(KNFormat(tr("Properties of %@"), name));
-    m_list->setAccessibleName(tr("Properties"));
-    m_list->setHeaderLabels({tr("Property"), tr("Value")});
-    m_list->setRootIsDecorated(false);
-    m_list->setUniformRowHeights(true);
-    m_list->setAlternatingRowColors(true);
-    m_list->header()->setStretchLastSection(true);
-    m_notice->setTextFormat(Qt::PlainText);
-    m_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_notice->setWordWrap(true);
-    m_notice->hide();
-
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    QPushButton *const refresh = buttons->addButton(tr("&Refresh"), QDialogButtonBox::ActionRole);
-    QPushButton *const copy = buttons->addButton(tr("&Copy"), QDialogButtonBox::ActionRole);
-    for (QPushButton *const button : {refresh, copy})
-        button->setAutoDefault(false);
-    connect(refresh, &QPushButton::clicked, this, &KNPropertiesDialog::load);
-    connect(copy, &QPushButton::clicked, this, &KNPropertiesDialog::copy);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-
-    auto *const bottom = new QHBoxLayout;
-    bottom->addWidget(m_mark);
-    bottom->addWidget(buttons, 1);
     auto *const layout = new QVBoxLayout(this);
-    layout->addWidget(m_list, 1);
-    layout->addWidget(m_notice);
-    layout->addLayout(bottom);
+    layout->addWidget(m_view, 1);
+    layout->addWidget(buttons);
     resize(InitialSize);
-    load();
-}
-
-void KNPropertiesDialog::load()
-{
-    m_mark->start();
-    const QPointer self(this);
-    KNDispatch::globalQueue([self, load = ++m_load, loader = m_loader] {
-        KNError error;
-        const KNObjectProperties properties = loader(&error);
-        KNDispatch::mainQueue([self, load, properties, error] {
-            if (self && self->m_load == load)
-                self->showProperties(properties, error);
-        });
-    });
-}
-
-void KNPropertiesDialog::showProperties(const KNObjectProperties &properties, const KNError &error)
-{
-    m_mark->stop();
-    m_list->clear();
-    for (const KNObjectProperty &property : properties) {
-        auto *const item =
-            new QTreeWidgetItem(m_list, {property.name, property.value.left(LongestShownValue).simplified()});
-        item->setData(1, Qt::UserRole, property.value);
-    }
-    m_list->resizeColumnToContents(0);
-    if (error)
-        m_notice->setText(error.localizedDescription());
-    else
-        m_notice->setText(tr("The object was not found, or you have no right to see its properties."));
-    m_notice->setVisible(properties.isEmpty());
-}
-
-QString KNPropertiesDialog::text() const
-{
-    QString text;
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-        const QTreeWidgetItem *const item = m_list->topLevelItem(row);
-        text += KNFormat("%@\t%@\n", item->text(0), item->data(1, Qt::UserRole).toString());
-    }
-    return text;
-}
-
-void KNPropertiesDialog::copy() const
-{
-    QApplication::clipboard()->setText(text());
 }
