@@ -59,6 +59,7 @@ void KNQueryPreview::accept(const QString &statements)
 {
     if (m_run)
         return;
+    m_accepted = statements;
     m_run = KNStatementRun::start(
         {statements, m_usesTransaction, m_errorDomain}, *m_details, this,
         [this](const KNStatementOutcome &outcome) { finish(outcome); },

@@ -59,6 +59,8 @@ public:
     bool isEditable() const { return m_isEditable; }
     bool usesTransaction() const { return m_usesTransaction; }
     bool isRunning() const { return m_run != nullptr; }
+    /// The statements that the user accepted last; null if none. Available while `ended` is called.
+    const QString &acceptedStatements() const { return m_accepted; }
 
 protected:
     KNQueryPreview(QObject *parent, const VantorDBC &details);
@@ -88,6 +90,7 @@ private:
     Titles m_titles;
     KNQueryLoaderPtr m_loader;
     QString m_errorDomain;
+    QString m_accepted;
     std::function<void(const KNError &error)> m_reportError;
     std::function<void(Changes changes)> m_ended;
     KNStatementRun::Ptr m_run; ///< null while nothing runs
