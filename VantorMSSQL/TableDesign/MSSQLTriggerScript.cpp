@@ -12,3 +12,11 @@ KNStatementPair MSSQLTriggerScript::drop(const MSSQLDesignedTable &table, const 
     return {KNFormat("DROP TRIGGER %@", triggerName), KNFormat("DROP TRIGGER %@", trigger.quoted()),
             caution.text()};
 }
+KNStatementPair MSSQLTriggerScript::setEnabled(const MSSQLDesignedTable &table, const QString &triggerName,
+                                               bool isEnabled)
+{
+    const QString statement =
+        KNFormat("ALTER TABLE %@ %@ TRIGGER %@", table.quoted(), isEnabled ? "ENABLE" : "DISABLE",
+                 MSSQLDesignedTable{{}, triggerName}.quoted());
+    return {statement, statement, {}};
+}

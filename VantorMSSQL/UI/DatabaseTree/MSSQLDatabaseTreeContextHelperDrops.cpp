@@ -122,10 +122,10 @@ void dropFunction(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTre
 void dropIndex(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTreeEntryTableIndex> &entry)
 {
     const QString name = entry->indexName();
-    MSSQLDropAction drop = dropOf(
-        entry, name, Index,
-        subject("INDEX", *entry, entry->schema(), name, entry->tableName())
-            .script<MSSQLScriptDropIndexQueryLoader>(name, entry->tableName(), entry->schema()));
+    MSSQLDropAction drop =
+        dropOf(entry, name, Index,
+               subject("INDEX", *entry, entry->schema(), name, entry->tableName())
+                   .script<MSSQLScriptDropIndexQueryLoader>(name, entry->tableName(), entry->schema()));
     drop.dropped = [name](KNWorkspace &window) {
         window.notifyUser(
             QCoreApplication::translate("MSSQLDropAction", "Index has been dropped"),

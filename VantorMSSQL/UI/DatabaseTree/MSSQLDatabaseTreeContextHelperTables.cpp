@@ -8,6 +8,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
+#include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 #include "UI/Workspace/KNProgressSheet.h"
 #include "UI/Workspace/KNStatementChoice.h"
 
@@ -27,7 +28,8 @@ void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &s
     const std::shared_ptr<KNProgressSheet> sheet = KNProgressSheet::create(workspace.sheetParent());
     sheet->setLabelString(QCoreApplication::translate("MSSQLRenameTableWindowController", "Renaming Table"));
     sheet->begin();
-    const auto finished = [pointer = workspace.weakPointer(), entry, sheet](const KNStatementOutcome &outcome) {
+    const auto finished = [pointer = workspace.weakPointer(), entry,
+                           sheet](const KNStatementOutcome &outcome) {
         sheet->end();
         const auto existing = pointer.lock();
         if (!existing)
@@ -38,8 +40,8 @@ void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &s
             existing->refreshTreeEntry(parent);
         existing->deselectTree();
     };
-    KNStatementRun::start({statement, false, QStringLiteral("MSSQL::renameTable")}, *entry->databaseConnectionDetails(),
-                          workspace.sheetParent(), finished);
+    KNStatementRun::start({statement, false, QStringLiteral("MSSQL::renameTable")},
+                          *entry->databaseConnectionDetails(), workspace.sheetParent(), finished);
 }
 
 void renameTable(KNWorkspace &workspace, const TableEntry &entry)
@@ -61,9 +63,17 @@ void renameTable(KNWorkspace &workspace, const TableEntry &entry)
     });
 }
 
+void alterTable(KNWorkspace &workspace, const TableEntry &entry)
+{
+    if (!entry->isView())
+        MSSQLTableDesignerViewController::open(entry->schema(), entry->tableName(),
+                                               entry->databaseConnectionDetails(), workspace);
+}
+
 } // namespace
 
 void MSSQLDatabaseTreeContextHelper::addTableActions()
 {
+    addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("alterTable:"), alterTable);
     addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("renameTable:"), renameTable);
 }

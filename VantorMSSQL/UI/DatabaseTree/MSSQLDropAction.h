@@ -12,7 +12,8 @@ struct MSSQLDropAction
     QString progress;
     QString errorDomain;
     KNQueryLoaderPtr statement;
-    std::function<void(KNWorkspace &workspace)> dropped = {}; ///< called after success; empty for nothing more
+    std::function<void(KNWorkspace &workspace)> dropped =
+        {}; ///< called after success; empty for nothing more
 
     /// Shows the preview. After success the entry is removed from the tree and the selection is cleared.
     void begin(KNWorkspace &workspace) const;

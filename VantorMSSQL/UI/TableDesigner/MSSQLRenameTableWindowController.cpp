@@ -17,7 +17,7 @@ namespace {
 
 constexpr int InitialWidth = 420;
 constexpr int ListHeight = 110;
-constexpr int LongestName = 128; // of an object, in characters
+constexpr int LongestTableName = 128; // of an object, in characters
 
 /// Null if the list could not be read.
 std::optional<QStringList> dependentsOf(const MSSQLDesignedTable &table, const VantorDBC &settings)
@@ -44,7 +44,7 @@ MSSQLRenameTableWindowController::MSSQLRenameTableWindowController(const MSSQLDe
 {
     setWindowTitle(tr("Rename Table"));
     setMinimumWidth(InitialWidth);
-    m_name->setMaxLength(LongestName);
+    m_name->setMaxLength(LongestTableName);
     m_name->setAccessibleName(tr("New name"));
     m_name->selectAll();
     m_notice->setWordWrap(true);
@@ -74,8 +74,7 @@ void MSSQLRenameTableWindowController::onAccept()
     if (!tableName().isNull())
         return endSheetWithReturnCode(1);
     m_name->setFocus();
-    KNAlerts::shared().showError(this,
-                                 KNError(QString(), 0, tr("The specified table name is invalid.")));
+    KNAlerts::shared().showError(this, KNError(QString(), 0, tr("The specified table name is invalid.")));
 }
 
 void MSSQLRenameTableWindowController::loadDependents(const MSSQLDesignedTable &table,

@@ -1,0 +1,279 @@
+#include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
+
+#include "Catalog/MSSQLVersionHelper.h"
+#include "Foundation/KNAssert.h"
+#include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+#include "TableDesign/MSSQLColumnDefaultScript.h"
+#include "TableDesign/MSSQLColumnScript.h"
+#include "TableDesign/MSSQLPrimaryKeyScript.h"
+#include "UI/Alerts/KNAlerts.h"
+#include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
+
+#include <QBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QTableView>
+
+namespace {
+
+constexpr auto LoadDomain = "mssql.tabledesigner.loadTable";
+
+QString templateText(const VantorDBC &settings, const char *title)
+{
+    return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
+}
+
+/// The types of the server's version and the alias types of the database.
+QStringList typesOf(const VantorDBC &settings)
+{
+    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
+    QStringList types = MSSQLColumnGridDelegate::builtInTypes(
+        details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details));
+    MSSQLCatalogReader::read(
+        settings, QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
+        {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QStringLiteral("AND is_table_type = 0")}}, LoadDomain,
+        [&](const DatabaseResultSet &row) {
+            types.append(
+                MSSQLDesignedTable{row.stringForColumnIndex(0), row.stringForColumnIndex(1)}.quoted());
+        });
+    return types;
+}
+
+} // namespace
+
+MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
+    MSSQLTableDesignSession &session, QWidget *parent)
+    : QWidget(parent)
+    , m_session(session)
+    , m_model(new MSSQLColumnGridModel(this))
+    , m_delegate(new MSSQLColumnGridDelegate(this))
+    , m_grid(new QTableView)
+    , m_notice(new QLabel)
+    , m_add(new QPushButton(tr("&Add Column")))
+    , m_drop(new QPushButton(tr("&Drop Column")))
+{
+    m_grid->setAccessibleName(tr("Columns"));
+    m_grid->setModel(m_model);
+    m_grid->setItemDelegate(m_delegate);
+    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_grid->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                            QAbstractItemView::AnyKeyPressed);
+    m_grid->setTabKeyNavigation(false);
+    m_grid->verticalHeader()->hide();
+    m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Field, QHeaderView::Stretch);
+    m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Default, QHeaderView::Stretch);
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setWordWrap(true);
+    m_notice->hide();
+
+    auto *const buttons = new QHBoxLayout;
+    buttons->addWidget(m_add);
+    buttons->addWidget(m_drop);
+    buttons->addStretch(1);
+    auto *const layout = new QVBoxLayout(this);
+    layout->addLayout(buttons);
+    layout->addWidget(m_notice);
+    layout->addWidget(m_grid, 1);
+
+    connect(m_add, &QPushButton::clicked, this, &MSSQLTableColumnDesignerViewController::addNewColumn);
+    connect(m_drop, &QPushButton::clicked, this, &MSSQLTableColumnDesignerViewController::handleDeleteColumn);
+    connect(m_model, &MSSQLColumnGridModel::edited, this,
+            [this](int row, Column column, const QVariant &value) { setObjectValue(value, column, row); });
+    connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &MSSQLTableColumnDesignerViewController::updateControls);
+    connect(&m_session, &MSSQLTableDesignSession::busyChanged, this,
+            &MSSQLTableColumnDesignerViewController::updateControls);
+    connect(&m_session, &MSSQLTableDesignSession::tableChanged, this,
+            &MSSQLTableColumnDesignerViewController::reload);
+    loadTypes();
+    reload();
+}
+
+QList<MSSQLColumnRecord> MSSQLTableColumnDesignerViewController::loadTable(const QString &tableName,
+                                                                           const QString &inSchema,
+                                                                           const VantorDBC *connectionDetails,
+                                                                           KNError *error)
+{
+    const QString path = QStringLiteral("UI/TableDesigner/MSSQLTableColumnDesignerViewController");
+    KNAssert(!tableName.isNull(), QStringLiteral("tableName cannot be nil."), path);
+    KNAssert(connectionDetails != nullptr, QStringLiteral("connectionDetails cannot be nil."), path);
+    return MSSQLCatalogReader::records<MSSQLColumnRecord>(*connectionDetails, inSchema, tableName, LoadDomain,
+                                                          error);
+}
+
+void MSSQLTableColumnDesignerViewController::loadTypes()
+{
+    KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings()] {
+        const QStringList types = typesOf(*settings);
+        KNDispatch::mainQueue([self, types] {
+            if (self)
+                self->m_delegate->setTypes(types);
+        });
+    });
+}
+
+void MSSQLTableColumnDesignerViewController::reload()
+{
+    m_isOutdated = m_isLoading;
+    if (m_isLoading)
+        return;
+    m_isLoading = true;
+    updateControls();
+    KNDispatch::globalQueue(
+        [self = QPointer(this), table = m_session.table(), settings = m_session.settings()] {
+            KNError error;
+            const auto columns = loadTable(table.name, table.schema, settings.get(), &error);
+            KNDispatch::mainQueue([self, columns, error] {
+                if (self)
+                    self->showColumns(columns, error);
+            });
+        });
+}
+
+void MSSQLTableColumnDesignerViewController::showColumns(const QList<MSSQLColumnRecord> &columns,
+                                                         const KNError &error)
+{
+    m_isLoading = false;
+    if (m_isOutdated)
+        return reload();
+    const QModelIndex current = m_grid->currentIndex();
+    m_model->setColumns(columns);
+    m_grid->resizeColumnsToContents();
+    if (current.isValid() && m_model->rowCount() > 0)
+        m_grid->setCurrentIndex(
+            m_model->index(std::min(current.row(), m_model->rowCount() - 1), current.column()));
+    if (error)
+        m_notice->setText(error.localizedDescription());
+    else
+        m_notice->setText(tr("The table was not found, or you have no right to see its columns."));
+    m_notice->setVisible(columns.isEmpty());
+    updateControls();
+    KNLogHelper::sharedInstance()->logMessage("Finished loading");
+    if (const auto loaded = std::exchange(m_loaded, {}))
+        loaded();
+}
+
+void MSSQLTableColumnDesignerViewController::updateControls()
+{
+    const bool isReady = !m_session.isBusy() && !m_isLoading;
+    m_model->setEditable(isReady);
+    m_add->setEnabled(isReady && m_model->rowCount() > 0);
+    m_drop->setEnabled(isReady && m_grid->currentIndex().isValid());
+}
+
+void MSSQLTableColumnDesignerViewController::setObjectValue(const QVariant &value, Column column, int row)
+{
+    KNLogHelper::sharedInstance()->logMessage("Want to setObjectValue: %@ to be: %@ (row %ld).",
+                                              MSSQLColumnGridModel::identifier(column), value.toString(),
+                                              static_cast<long>(row));
+    const MSSQLColumnRecord record = m_model->columns().value(row);
+    if (column == Column::Primary && MSSQLPrimaryKeyScript::needsNotNull(record, value.toBool()))
+        return KNAlerts::shared().showError(
+            m_session.window(),
+            KNError(QString(), 0,
+                    tr("You must disable 'nullable' before this column can become a primary key.")));
+    m_session.run({updateStatement(record, column, value),
+                   KNFormat(tr("Changing column '%@'"), record.columnName),
+                   QStringLiteral("mssql.tabledesigner.alterTable"),
+                   {{QStringLiteral("setObject"), record.columnName},
+                    {QStringLiteral("tableColumn.identifier"), MSSQLColumnGridModel::identifier(column)},
+                    {QStringLiteral("toValue"), value}}},
+                  [self = QPointer(this), row, column](bool succeeded) {
+                      if (self && succeeded)
+                          self->m_loaded = [self, row, column] { self->editNextCell(row, column); };
+                  });
+}
+
+MSSQLTableDesignSession::Statement
+MSSQLTableColumnDesignerViewController::updateStatement(const MSSQLColumnRecord &record, Column column,
+                                                        const QVariant &value) const
+{
+    return [record, column, value, columns = m_model->columns(),
+            settings = m_session.settings()](const MSSQLDesignedTable &table) {
+        MSSQLColumnRecord after = record;
+        switch (column) {
+        case Column::Field:
+            return MSSQLColumnScript::wrapped(
+                MSSQLColumnScript(table).rename(record.columnName, value.toString()));
+        case Column::Default:
+            return MSSQLColumnScript::wrapped(
+                MSSQLColumnDefaultScript(table, {templateText(*settings, "Table_RemoveDefaultForColumn"),
+                                                 templateText(*settings, "Table_ReplaceDefaultForColumn")})
+                    .change(record.columnName, value.toString()));
+        case Column::Primary:
+            return MSSQLColumnScript::wrapped(
+                MSSQLPrimaryKeyScript(table, templateText(*settings, "Table_DropPrimaryKey"))
+                    .change(columns, record.columnName, value.toBool()));
+        case Column::Type:
+            after.typeName = value.toString();
+            after.maxLength = after.precision = after.scale = KNValue();
+            break;
+        case Column::Nullable:
+            after.isNullable = value.toBool();
+            break;
+        default:
+            after.isIdentity = value.toBool();
+            break;
+        }
+        return MSSQLColumnScript::wrapped(MSSQLColumnScript(table).changeType(record, after));
+    };
+}
+
+void MSSQLTableColumnDesignerViewController::addNewColumn()
+{
+    const QString name = MSSQLColumnScript::nameForNewColumn(m_model->columns());
+    m_session.run({[name](const MSSQLDesignedTable &table) { return MSSQLColumnScript(table).addColumn(name); },
+                   tr("Adding column"), QStringLiteral("mssql.tabledesigner.alterTable")},
+                  [self = QPointer(this), name](bool succeeded) {
+                      if (self && succeeded)
+                          self->m_loaded = [self, name] { self->selectColumn(name, Column::Field, true); };
+                  });
+}
+
+void MSSQLTableColumnDesignerViewController::handleDeleteColumn()
+{
+    const QList<MSSQLColumnRecord> columns = m_model->columns();
+    const QString name = columns.value(m_grid->currentIndex().row()).columnName;
+    if (name.isEmpty())
+        return;
+    if (columns.size() == 1)
+        return KNAlerts::shared().showMessage(
+            m_session.window(), tr("Unable to remove column"),
+            tr("The last column cannot be removed from a table. Please remove the table instead."));
+    const KNAlerts::Question question{KNFormat(tr("Drop column '%@'?"), name),
+                                      tr("Dropping a column cannot be recovered."),
+                                      {tr("Cancel"), tr("Drop")}};
+    KNAlerts::shared().ask(m_session.window(), question, [self = QPointer(this), name, columns](int button) {
+        if (!self || button != 1)
+            return;
+        self->m_session.run({[name, columns](const MSSQLDesignedTable &table) {
+                                 return MSSQLColumnScript(table).dropColumn(name, columns);
+                             },
+                             tr("Dropping column"), QStringLiteral("MSSQLAlterIndex")});
+    });
+}
+
+void MSSQLTableColumnDesignerViewController::selectColumn(const QString &name, Column column, bool isEdited)
+{
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (m_model->columns()[row].columnName != name)
+            continue;
+        m_grid->setCurrentIndex(m_model->index(row, column));
+        m_grid->setFocus();
+        if (isEdited)
+            m_grid->edit(m_grid->currentIndex());
+    }
+}
+
+/// Goes on to the next cell, or to the first one of the next row.
+void MSSQLTableColumnDesignerViewController::editNextCell(int row, Column column)
+{
+    const bool isLast = column == Column::AutoIncrement;
+    const QModelIndex next = m_model->index(isLast ? row + 1 : row, isLast ? 0 : column + 1);
+    if (next.isValid())
+        m_grid->setCurrentIndex(next);
+}
