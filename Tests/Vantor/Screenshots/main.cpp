@@ -16,10 +16,14 @@
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
+#include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
+#include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
+#include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
 #include "UI/Results/KNValueViewer.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
 
@@ -202,10 +206,36 @@ void showProperties(MainWindow &window, const QString &folder)
     dialog->close();
 }
 
+std::shared_ptr<const VantorDBC> shopSettings(MainWindow &window)
+{
+    const VantorDBCPtr settings = window.databaseConnectionDetails()->copy();
+    settings->setDatabase(QStringLiteral("shop"));
+    return settings;
+}
+
+void showDesigner(MainWindow &window, const QString &folder)
+{
+    MSSQLTableDesignerViewController::open(QStringLiteral("dbo"), QStringLiteral("Orders"),
+                                           shopSettings(window), window);
+    auto *const designer = qobject_cast<MSSQLTableDesignerViewController *>(window.currentDocument());
+    QTabWidget *const tabs = designer->tabs();
+    for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        QTest::qWait(400);
+        save(&window, folder, qPrintable(QStringLiteral("designer-") + tabs->widget(i)->objectName()));
+    }
+    auto *const indexes = designer->findChild<MSSQLTableIndexDesignerViewController *>();
+    indexes->addNewIndex();
+    QTest::qWait(200);
+    save(designer->findChild<MSSQLEditIndexWindowController *>(), folder, "designer-index");
+    delete designer->findChild<MSSQLEditIndexWindowController *>();
+}
+
 void showOtherWindows(MainWindow &window, const QString &folder)
 {
     showViewer(window, folder);
     showProperties(window, folder);
+    showDesigner(window, folder);
     PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
     preferences.show();
     save(&preferences, folder, "preferences");
