@@ -214,6 +214,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_ExportableDatabaseEntries"), {}},
         {QStringLiteral("List_DependentsOfTable"), ofTable},
         {QStringLiteral("List_TableRowCounts"), {}},
+        {QStringLiteral("List_Schemas"), {}},
         {QStringLiteral("List_ServerPrincipals"), {}},
         {QStringLiteral("List_DatabasePrincipals"), {}},
         {QStringLiteral("Properties_Server"), {}},

@@ -53,6 +53,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(tables, "List_ForeignKeysForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_PrimaryKeysForTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
         trial("List_TableRowCounts"),
+        trial("List_Schemas"),
         trialOf(tables, "List_DependentsOfTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
         trialOf(tables, "Properties_Object", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}}),
         trialOf(tables, "Properties_Column", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}, {"COLUMN", "id"}}),

@@ -15,6 +15,27 @@ QString MSSQLTableScript::acceptedName(const QString &entered, Dialog dialog)
     return isAccepted && !name.isEmpty() ? name : QString();
 }
 
+QStringList MSSQLTableScript::columnDefinitions(const QList<MSSQLColumnRecord> &columns)
+{
+    QStringList definitions;
+    QStringList keys;
+    for (const MSSQLColumnRecord &column : columns) {
+        const QString name = MSSQLDesignedTable{{}, column.columnName}.quoted();
+        QString definition = KNFormat("%@ %@", name, column.displayType());
+        if (column.isIdentity)
+            definition += QLatin1String(" IDENTITY (1,1)");
+        definition += QLatin1String(column.isNullable && !column.isPrimaryKey ? " NULL" : " NOT NULL");
+        if (!column.defaultValue.isEmpty())
+            definition += QLatin1String(" DEFAULT ") + column.defaultValue;
+        definitions.append(definition);
+        if (column.isPrimaryKey)
+            keys.append(name);
+    }
+    if (!keys.isEmpty())
+        definitions.append(KNFormat("PRIMARY KEY (%@)", keys.join(QStringLiteral(", "))));
+    return definitions;
+}
+
 KNStatementPair MSSQLTableScript::creationQueryForColumns(const QStringList &columns,
                                                           const MSSQLDesignedTable &table)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Catalog/MSSQLColumnRecord.h"
 #include "QueryLoader/KNStatementPair.h"
 #include "TableDesign/MSSQLDesignedTable.h"
 
@@ -12,6 +13,10 @@ enum class Dialog { Create, Rename };
 /// The entered name without the white space around it. Null when it is empty or has other characters than
 /// letters, digits and "_", in the create dialog also "-".
 QString acceptedName(const QString &entered, Dialog dialog);
+
+/// The definitions of a new table's columns, and of its primary key if there is one. Defaults are taken as
+/// they were entered.
+QStringList columnDefinitions(const QList<MSSQLColumnRecord> &columns);
 
 /// `columns` are definitions such as "Id int NOT NULL"; without any the table gets "Column1 int".
 KNStatementPair creationQueryForColumns(const QStringList &columns, const MSSQLDesignedTable &table);

@@ -9,8 +9,8 @@ class KNProgressMark;
 class QLabel;
 class QTreeWidget;
 
-/// The properties of an object of the tree as a list of names and values. It reads them in the background, when
-/// it is created and at every refresh.
+/// The properties of an object of the tree as a list of names and values. It reads them in the background,
+/// when it is created and at every refresh.
 class KNSHAREDUI_EXPORT KNPropertiesView : public QWidget
 {
     Q_OBJECT

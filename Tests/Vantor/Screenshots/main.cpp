@@ -16,10 +16,10 @@
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
+#include "UI/Results/KNValueViewer.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 #include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
-#include "UI/Results/KNValueViewer.h"
 
 #include <QApplication>
 #include <QDir>

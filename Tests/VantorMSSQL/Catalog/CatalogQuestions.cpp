@@ -59,7 +59,8 @@ QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
 
 QList<CatalogQuestion> tableQuestions()
 {
-    QList<CatalogQuestion> questions{question("DatabaseTree_ListTables"), question("List_TableRowCounts")};
+    QList<CatalogQuestion> questions{question("DatabaseTree_ListTables"), question("List_TableRowCounts"),
+                                     question("List_Schemas")};
     for (const auto &[schema, table] : std::initializer_list<std::pair<const char *, const char *>>{
              {"dbo", "Orders"},      {"dbo", "OrderLines"},
              {"dbo", "AllTypes"},    {"dbo", "Customers"},

@@ -11,8 +11,10 @@
 #include "Support/WindowTesting.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 #include "UI/MSSQLUserInterface.h"
+#include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -49,7 +51,7 @@ protected:
     }
     ~TableAction() override
     {
-        for (const char *table : {"dbo.Acted", "act.Acted", "act.Renamed", "dbo.Renamed"})
+        for (const char *table : {"dbo.Acted", "act.Acted", "act.Renamed", "dbo.Renamed", "act.[Made-1]"})
             run(qPrintable(KNFormat("IF OBJECT_ID('%@') IS NOT NULL DROP TABLE %@", table, table)));
         EXPECT_TRUE(WindowTesting::settle());
     }
@@ -220,4 +222,50 @@ TEST_F(TableAction, ShowsWhyARenameFailed)
     dialog->findChildren<QPushButton *>().last()->click();
     EXPECT_TRUE(waitFor([&] { return !m_alerts.errors.empty(); }));
     EXPECT_TRUE(m_workspace.refreshed.empty());
+}
+
+TEST_F(TableAction, CreatesATableAndOpensItsDesigner)
+{
+    QStringList added;
+    const auto token = KNNotificationCenter::defaultCenter()->addObserver(
+        KNDatabaseNotificationTable::TableAddedNotificationName,
+        [&](const QString &, const QVariantMap &info) {
+            const auto table = KNDatabaseNotificationTable::fromUserInfo(info);
+            added = {table.tableSchema(), table.tableName()};
+        });
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("addNewTable:"), QStringLiteral("")));
+    auto *const dialog = m_workspace.window.findChild<MSSQLCreateTableWindowController *>();
+    ASSERT_NE(dialog, nullptr);
+    auto *const schema = dialog->findChild<QComboBox *>();
+    ASSERT_TRUE(waitFor([&] { return schema->findText(QStringLiteral("act")) >= 0; }));
+    EXPECT_EQ(schema->currentText(), QStringLiteral("dbo"));
+    schema->setEditText(QStringLiteral("act"));
+    auto *const name = dialog->findChild<QLineEdit *>();
+    QPushButton *accept = nullptr;
+    for (QPushButton *const button : dialog->findChildren<QPushButton *>()) {
+        if (button->isDefault())
+            accept = button;
+    }
+    ASSERT_NE(accept, nullptr);
+    accept->click();
+    ASSERT_EQ(m_alerts.errors.size(), 1u);
+    EXPECT_EQ(m_alerts.errors.front().localizedDescription(),
+              QStringLiteral("The specified table name is invalid."));
+    m_alerts.errors.clear();
+    name->setText(QStringLiteral("Made-1")); // a hyphen is allowed here, though not in a rename
+    accept->click();
+    ASSERT_TRUE(waitFor([&] { return !m_workspace.opened.empty() || !m_alerts.errors.empty(); }));
+    EXPECT_TRUE(m_alerts.errors.empty());
+    ASSERT_EQ(m_sheets.all.size(), 1u);
+    EXPECT_EQ(m_sheets.all.front()->labels, TreeTesting::list({"Creating table. Please wait."}));
+    EXPECT_EQ(m_workspace.opened.front()->title(), QStringLiteral("Made-1"));
+    EXPECT_EQ(added, TreeTesting::list({"act", "Made-1"}));
+    EXPECT_TRUE(holds("COLUMNPROPERTY(OBJECT_ID('act.[Made-1]'), 'Id', 'IsIdentity') = 1"));
+}
+
+TEST(CreateTable, HasTheExactStatement)
+{
+    EXPECT_EQ(MSSQLCreateTableWindowController::creationQueryForColumns({}, QStringLiteral("T"),
+                                                                        QStringLiteral("dbo")),
+              QStringLiteral("CREATE TABLE dbo.T (\r\nColumn1 int\r\n);"));
 }

@@ -39,7 +39,8 @@ std::shared_ptr<MSSQLDatabaseConnectionDetails> librarySettings()
     return details;
 }
 
-/// A designer of des.Item, beside which stands dbo.Item: whatever is done to one must not be done to the other.
+/// A designer of des.Item, beside which stands dbo.Item: whatever is done to one must not be done to the
+/// other.
 class TableDesigner : public testing::Test
 {
 protected:
@@ -89,10 +90,10 @@ protected:
         EXPECT_FALSE(error) << error.localizedDescription().toStdString();
         QStringList texts;
         for (const MSSQLColumnRecord &column : columns)
-            texts.append(KNFormat("%@ %@%@%@%@", column.columnName, column.displayType(),
-                                  column.isNullable ? " null" : "", column.isPrimaryKey ? " pk" : "",
-                                  column.defaultValue.isNull() ? QStringLiteral("")
-                                                               : u' ' + column.defaultValue));
+            texts.append(
+                KNFormat("%@ %@%@%@%@", column.columnName, column.displayType(),
+                         column.isNullable ? " null" : "", column.isPrimaryKey ? " pk" : "",
+                         column.defaultValue.isNull() ? QStringLiteral("") : u' ' + column.defaultValue));
         return texts;
     }
     template <typename Page>
@@ -348,9 +349,9 @@ TEST_F(TableDesigner, ListsAndDropsForeignKeys)
     QStringList cells;
     for (int column = 0; column < 6; ++column)
         cells.append(keys->list()->topLevelItem(0)->text(column));
-    EXPECT_EQ(cells, (QStringList{QStringLiteral("FK_Part"), QStringLiteral("des.Item"), QStringLiteral("item"),
-                                  QStringLiteral("id"), QStringLiteral("No Action"),
-                                  QStringLiteral("No Action")}));
+    EXPECT_EQ(cells,
+              (QStringList{QStringLiteral("FK_Part"), QStringLiteral("des.Item"), QStringLiteral("item"),
+                           QStringLiteral("id"), QStringLiteral("No Action"), QStringLiteral("No Action")}));
     keys->list()->setCurrentItem(keys->list()->topLevelItem(0));
     keys->dropSelected();
     m_alerts.pending.front()(0);
@@ -364,7 +365,8 @@ TEST_F(ExactTableDesigner, AsksBeforeAStatementThatMeansAnotherTable)
     columns()->addNewColumn();
     ASSERT_TRUE(waitFor([&] { return !m_alerts.questions.empty(); }));
     EXPECT_EQ(m_alerts.questions.front().buttons.first(), QStringLiteral("Use Corrected Statement"));
-    EXPECT_TRUE(m_alerts.questions.front().text.contains(QStringLiteral("ALTER TABLE Item ADD NewColumn1 INT")));
+    EXPECT_TRUE(
+        m_alerts.questions.front().text.contains(QStringLiteral("ALTER TABLE Item ADD NewColumn1 INT")));
     EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
     m_alerts.pending.front()(0);
     ASSERT_TRUE(waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));

@@ -1,5 +1,6 @@
 #include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Database/KNStatementRun.h"
+#include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNFormat.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "TableDesign/MSSQLTableScript.h"
@@ -7,6 +8,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 #include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 #include "UI/Workspace/KNProgressSheet.h"
@@ -70,10 +72,29 @@ void alterTable(KNWorkspace &workspace, const TableEntry &entry)
                                                entry->databaseConnectionDetails(), workspace);
 }
 
+void addNewTable(KNWorkspace &workspace, const KNMenuRepresentedObject &)
+{
+    const KNWorkspace::Settings settings = workspace.selectedSettings();
+    auto *const dialog = new MSSQLCreateTableWindowController(settings, workspace.sheetParent());
+    dialog->beginSheet([dialog, settings, selected = workspace.selectedTreeEntry(),
+                        pointer = workspace.weakPointer()](int code) {
+        const auto existing = pointer.lock();
+        if (code != 1 || !existing)
+            return;
+        KNDatabaseNotificationTable::postAdditionNotificationForTable(
+            dialog->createdTableName(), dialog->createdTableSchemaName(), *settings);
+        if (selected)
+            existing->refreshTreeEntry(selected);
+        MSSQLTableDesignerViewController::open(dialog->createdTableSchemaName(), dialog->createdTableName(),
+                                               settings, *existing);
+    });
+}
+
 } // namespace
 
 void MSSQLDatabaseTreeContextHelper::addTableActions()
 {
+    addAction(QStringLiteral("addNewTable:"), addNewTable);
     addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("alterTable:"), alterTable);
     addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("renameTable:"), renameTable);
 }

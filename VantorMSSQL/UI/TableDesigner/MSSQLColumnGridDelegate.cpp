@@ -9,16 +9,17 @@
 namespace {
 
 constexpr const char *TypesOf2000[] = {
-    "bigint",         "binary(50)",       "bit",   "char(10)", "datetime",    "decimal(18,2)", "float",
-    "image",          "int",              "money", "nchar(10)", "ntext",      "numeric(18,0)", "nvarchar(50)",
-    "real",           "smalldatetime",    "smallint", "smallmoney", "sql_variant", "text",      "timestamp",
-    "tinyint",        "uniqueidentifier", "varbinary(50)", "varchar(50)"};
-constexpr const char *LaterTypes[] = {"date",          "datetime2(7)",  "datetimeoffset(7)", "geography",
-                                      "geometry",      "hierarchyid",   "nvarchar(max)",     "time(7)",
-                                      "varbinary(max)", "varchar(max)", "xml"};
-constexpr const char *Defaults[] = {"CURRENT_TIMESTAMP", "getdate()",        "getutcdate()",
-                                    "host_name()",       "newid()",          "newsequentialid()",
-                                    "suser_sname()",     "sysdatetime()",    "sysdatetimeoffset()",
+    "bigint",        "binary(50)",   "bit",       "char(10)",      "datetime",         "decimal(18,2)",
+    "float",         "image",        "int",       "money",         "nchar(10)",        "ntext",
+    "numeric(18,0)", "nvarchar(50)", "real",      "smalldatetime", "smallint",         "smallmoney",
+    "sql_variant",   "text",         "timestamp", "tinyint",       "uniqueidentifier", "varbinary(50)",
+    "varchar(50)"};
+constexpr const char *LaterTypes[] = {
+    "date",          "datetime2(7)", "datetimeoffset(7)", "geography",    "geometry", "hierarchyid",
+    "nvarchar(max)", "time(7)",      "varbinary(max)",    "varchar(max)", "xml"};
+constexpr const char *Defaults[] = {"CURRENT_TIMESTAMP", "getdate()",     "getutcdate()",
+                                    "host_name()",       "newid()",       "newsequentialid()",
+                                    "suser_sname()",     "sysdatetime()", "sysdatetimeoffset()",
                                     "sysutcdatetime()",  "user_name()"};
 
 } // namespace

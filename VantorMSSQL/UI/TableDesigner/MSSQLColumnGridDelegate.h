@@ -3,7 +3,8 @@
 #include <QStringList>
 #include <QStyledItemDelegate>
 
-/// Editors of the column grid: a list of types that also takes text, and completion of functions for defaults.
+/// Editors of the column grid: a list of types that also takes text, and completion of functions for
+/// defaults.
 class MSSQLColumnGridDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -45,6 +45,33 @@ QString MSSQLColumnGridModel::identifier(int column)
     return column >= 0 && column < ColumnCount ? QString::fromLatin1(Identifiers[column]) : QString();
 }
 
+MSSQLColumnRecord MSSQLColumnGridModel::applied(MSSQLColumnRecord record, Column column,
+                                                const QVariant &value)
+{
+    switch (column) {
+    case Primary:
+        record.isPrimaryKey = value.toBool();
+        break;
+    case Field:
+        record.columnName = value.toString();
+        break;
+    case Type:
+        record.typeName = value.toString();
+        record.maxLength = record.precision = record.scale = KNValue();
+        break;
+    case Default:
+        record.defaultValue = value.toString().isEmpty() ? QString() : value.toString();
+        break;
+    case Nullable:
+        record.isNullable = value.toBool();
+        break;
+    default:
+        record.isIdentity = value.toBool();
+        break;
+    }
+    return record;
+}
+
 void MSSQLColumnGridModel::setColumns(const QList<MSSQLColumnRecord> &columns)
 {
     beginResetModel();
@@ -144,9 +171,8 @@ bool MSSQLColumnGridModel::setData(const QModelIndex &index, const QVariant &val
     if (role != (isCheck ? Qt::CheckStateRole : Qt::EditRole))
         return false;
     const QVariant entered = isCheck ? QVariant(value.toInt() == Qt::Checked) : value.toString().trimmed();
-    const QVariant before = isCheck
-                                ? QVariant(isChecked(m_columns[index.row()], index.column()))
-                                : QVariant(textOf(m_columns[index.row()], index.column()));
+    const QVariant before = isCheck ? QVariant(isChecked(m_columns[index.row()], index.column()))
+                                    : QVariant(textOf(m_columns[index.row()], index.column()));
     if (entered != before)
         Q_EMIT edited(index.row(), static_cast<Column>(index.column()), entered);
     return false;

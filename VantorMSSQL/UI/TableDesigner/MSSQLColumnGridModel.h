@@ -18,6 +18,9 @@ public:
     /// "Primary", "Field", "Type", "Default", "Nullable" or "AutoIncrement".
     static QString identifier(int column);
 
+    /// The record with the edit of one cell. A new type replaces its length, too.
+    static MSSQLColumnRecord applied(MSSQLColumnRecord record, Column column, const QVariant &value);
+
     const QList<MSSQLColumnRecord> &columns() const { return m_columns; }
     void setColumns(const QList<MSSQLColumnRecord> &columns);
     /// Whether cells can be edited; false while a statement runs.

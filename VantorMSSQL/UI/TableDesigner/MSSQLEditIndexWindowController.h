@@ -10,8 +10,8 @@ class QLineEdit;
 class QListWidget;
 class QPushButton;
 
-/// Edits an index, or a new one: its name, kind and key columns in their order. The statements are shown before
-/// they run. On the UI thread.
+/// Edits an index, or a new one: its name, kind and key columns in their order. The statements are shown
+/// before they run. On the UI thread.
 class MSSQLEditIndexWindowController : public KNWindowController
 {
     Q_OBJECT

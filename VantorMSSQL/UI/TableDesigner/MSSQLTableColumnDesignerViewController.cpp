@@ -194,7 +194,6 @@ MSSQLTableColumnDesignerViewController::updateStatement(const MSSQLColumnRecord 
 {
     return [record, column, value, columns = m_model->columns(),
             settings = m_session.settings()](const MSSQLDesignedTable &table) {
-        MSSQLColumnRecord after = record;
         switch (column) {
         case Column::Field:
             return MSSQLColumnScript::wrapped(
@@ -208,30 +207,23 @@ MSSQLTableColumnDesignerViewController::updateStatement(const MSSQLColumnRecord 
             return MSSQLColumnScript::wrapped(
                 MSSQLPrimaryKeyScript(table, templateText(*settings, "Table_DropPrimaryKey"))
                     .change(columns, record.columnName, value.toBool()));
-        case Column::Type:
-            after.typeName = value.toString();
-            after.maxLength = after.precision = after.scale = KNValue();
-            break;
-        case Column::Nullable:
-            after.isNullable = value.toBool();
-            break;
         default:
-            after.isIdentity = value.toBool();
-            break;
+            return MSSQLColumnScript::wrapped(MSSQLColumnScript(table).changeType(
+                record, MSSQLColumnGridModel::applied(record, column, value)));
         }
-        return MSSQLColumnScript::wrapped(MSSQLColumnScript(table).changeType(record, after));
     };
 }
 
 void MSSQLTableColumnDesignerViewController::addNewColumn()
 {
     const QString name = MSSQLColumnScript::nameForNewColumn(m_model->columns());
-    m_session.run({[name](const MSSQLDesignedTable &table) { return MSSQLColumnScript(table).addColumn(name); },
-                   tr("Adding column"), QStringLiteral("mssql.tabledesigner.alterTable")},
-                  [self = QPointer(this), name](bool succeeded) {
-                      if (self && succeeded)
-                          self->m_loaded = [self, name] { self->selectColumn(name, Column::Field, true); };
-                  });
+    m_session.run(
+        {[name](const MSSQLDesignedTable &table) { return MSSQLColumnScript(table).addColumn(name); },
+         tr("Adding column"), QStringLiteral("mssql.tabledesigner.alterTable")},
+        [self = QPointer(this), name](bool succeeded) {
+            if (self && succeeded)
+                self->m_loaded = [self, name] { self->selectColumn(name, Column::Field, true); };
+        });
 }
 
 void MSSQLTableColumnDesignerViewController::handleDeleteColumn()

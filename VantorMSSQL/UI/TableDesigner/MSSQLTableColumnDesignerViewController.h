@@ -53,6 +53,6 @@ private:
     QPushButton *const m_add;
     QPushButton *const m_drop;
     bool m_isLoading = false;
-    bool m_isOutdated = false; ///< the table has changed since the load began
+    bool m_isOutdated = false;      ///< the table has changed since the load began
     std::function<void()> m_loaded; ///< called after the next load; empty for nothing
 };

@@ -80,13 +80,13 @@ void MSSQLTableDesignSession::choose(const KNStatementPair &pair, const Change &
     if (prefersCorrected)
         return KNAlerts::shared().showMessage(m_window, tr("No statement makes this change."),
                                               pair.difference);
-    KNAlerts::shared().ask(m_window,
-                           {pair.difference, KNFormat(tr("Statement:\n%@"), pair.exact),
-                            {tr("Cancel"), tr("Run Unchanged")}},
-                           [use, script = pair.exact](int button) {
-                               if (button == 1)
-                                   use(script);
-                           });
+    KNAlerts::shared().ask(
+        m_window,
+        {pair.difference, KNFormat(tr("Statement:\n%@"), pair.exact), {tr("Cancel"), tr("Run Unchanged")}},
+        [use, script = pair.exact](int button) {
+            if (button == 1)
+                use(script);
+        });
 }
 
 void MSSQLTableDesignSession::execute(const QString &script, const Change &change, const Finished &finished)

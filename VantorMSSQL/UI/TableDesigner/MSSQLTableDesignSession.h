@@ -20,8 +20,8 @@ class MSSQLTableDesignSession : public QObject
 
 public:
     using Settings = std::shared_ptr<const VantorDBC>;
-    /// Makes the statement of a change on a background thread, where it may read the catalog. Without an exact
-    /// statement nothing is run.
+    /// Makes the statement of a change on a background thread, where it may read the catalog. Without an
+    /// exact statement nothing is run.
     using Statement = std::function<KNStatementPair(const MSSQLDesignedTable &table)>;
     using Finished = std::function<void(bool succeeded)>;
 
@@ -52,8 +52,8 @@ public:
     /// The scripts that succeeded, in their order.
     const QStringList &executedScripts() const { return m_executed; }
 
-    /// Makes and runs a change, unless another one runs. Asks the user first if the statement does not do what
-    /// was meant. `finished` is not called if the user declines.
+    /// Makes and runs a change, unless another one runs. Asks the user first if the statement does not do
+    /// what was meant. `finished` is not called if the user declines.
     void run(const Change &change, Finished finished = {});
     /// Stops the running change; what it has changed is rolled back if it runs in a transaction.
     void cancel();

@@ -96,7 +96,8 @@ QWidget *MSSQLTableDesignerViewController::createChangePane()
     auto *const pane = new QWidget;
     auto *const title = new QLabel(tr("Changes made to the table:"));
     auto *const copy = new QPushButton(tr("&Copy as Script"));
-    connect(copy, &QPushButton::clicked, this, [this] { QApplication::clipboard()->setText(changeScript()); });
+    connect(copy, &QPushButton::clicked, this,
+            [this] { QApplication::clipboard()->setText(changeScript()); });
     m_changes->setReadOnly(true);
     m_changes->setAccessibleName(tr("Changes"));
     auto *const top = new QHBoxLayout;

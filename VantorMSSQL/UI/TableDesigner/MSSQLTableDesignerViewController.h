@@ -8,8 +8,8 @@ class KNSQLEditor;
 class QSplitter;
 class QTabWidget;
 
-/// The designer of one table: tabs for columns, indexes, foreign keys, triggers and details, and below them the
-/// script of every change made so far. On the UI thread.
+/// The designer of one table: tabs for columns, indexes, foreign keys, triggers and details, and below them
+/// the script of every change made so far. On the UI thread.
 class MSSQLTableDesignerViewController : public KNDocumentTab
 {
     Q_OBJECT

@@ -52,19 +52,18 @@ QString MSSQLTableIndexDesignerViewController::cellText(const MSSQLIndexEntry &i
 void MSSQLTableIndexDesignerViewController::loadIndexes()
 {
     KNLogHelper::sharedInstance()->logMessage("Want to load indexes");
-    loadRecords<MSSQLIndexEntry>(
-        "mssql.tabledesigner.loadIndexes", [this](const QList<MSSQLIndexEntry> &indexes, const KNError &error) {
-            m_indexes = indexes;
-            QList<QStringList> rows;
-            for (const MSSQLIndexEntry &index : indexes)
-                rows.append({cellText(index, QStringLiteral("Name")), cellText(index, QStringLiteral("Fields")),
-                             cellText(index, QStringLiteral("Type")),
-                             cellText(index, QStringLiteral("Unique"))});
-            showRows(rows, error, tr("The table has no indexes."));
-            KNLogHelper::sharedInstance()->logMessage("Loaded %ld indexes for table %@",
-                                                      static_cast<long>(indexes.size()),
-                                                      session().table().name);
-        });
+    loadRecords<MSSQLIndexEntry>("mssql.tabledesigner.loadIndexes", [this](
+                                                                        const QList<MSSQLIndexEntry> &indexes,
+                                                                        const KNError &error) {
+        m_indexes = indexes;
+        QList<QStringList> rows;
+        for (const MSSQLIndexEntry &index : indexes)
+            rows.append({cellText(index, QStringLiteral("Name")), cellText(index, QStringLiteral("Fields")),
+                         cellText(index, QStringLiteral("Type")), cellText(index, QStringLiteral("Unique"))});
+        showRows(rows, error, tr("The table has no indexes."));
+        KNLogHelper::sharedInstance()->logMessage("Loaded %ld indexes for table %@",
+                                                  static_cast<long>(indexes.size()), session().table().name);
+    });
 }
 
 void MSSQLTableIndexDesignerViewController::handleDeleteIndex()

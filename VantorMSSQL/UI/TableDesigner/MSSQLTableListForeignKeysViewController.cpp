@@ -8,7 +8,7 @@
 namespace {
 
 constexpr const char *KeyIdentifiers[] = {"Name",         "TargetTable", "LocalFields",
-                                       "TargetFields", "OnUpdate",    "OnDelete"};
+                                          "TargetFields", "OnUpdate",    "OnDelete"};
 
 } // namespace
 
@@ -59,8 +59,8 @@ void MSSQLTableListForeignKeysViewController::loadForeignKeys()
             }
             showRows(rows, error, tr("The table has no foreign keys."));
             KNLogHelper::sharedInstance()->logMessage("Loaded %ld foreign keys for table %@.%@",
-                                                      static_cast<long>(keys.size()), session().table().schema,
-                                                      session().table().name);
+                                                      static_cast<long>(keys.size()),
+                                                      session().table().schema, session().table().name);
         });
 }
 
@@ -70,19 +70,17 @@ void MSSQLTableListForeignKeysViewController::dropSelected()
     if (row < 0 || row >= m_keys.size())
         return;
     const QString name = m_keys[row].keyName;
-    const KNAlerts::Question question{
-        KNFormat(tr("Do you really want to drop the foreign key '%@'?"), name),
-        tr("Once a foreign key has been removed, it cannot be recovered."),
-        {tr("Drop"), tr("Cancel")}};
+    const KNAlerts::Question question{KNFormat(tr("Do you really want to drop the foreign key '%@'?"), name),
+                                      tr("Once a foreign key has been removed, it cannot be recovered."),
+                                      {tr("Drop"), tr("Cancel")}};
     KNAlerts::shared().ask(session().window(), question, [self = QPointer(this), name](int button) {
         if (self && button == 0)
-            self->session().run({[name](const MSSQLDesignedTable &table) {
-                                     return MSSQLForeignKeyScript::drop(table, name);
-                                 },
-                                 KNFormat(tr("Dropping foreign key '%@'"), name),
-                                 QStringLiteral("mssql.tabledesigner.dropForeignKey"),
-                                 {},
-                                 false,
-                                 QStringLiteral("Error is: %@")});
+            self->session().run(
+                {[name](const MSSQLDesignedTable &table) { return MSSQLForeignKeyScript::drop(table, name); },
+                 KNFormat(tr("Dropping foreign key '%@'"), name),
+                 QStringLiteral("mssql.tabledesigner.dropForeignKey"),
+                 {},
+                 false,
+                 QStringLiteral("Error is: %@")});
     });
 }

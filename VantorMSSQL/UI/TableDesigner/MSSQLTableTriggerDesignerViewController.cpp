@@ -75,14 +75,13 @@ void MSSQLTableTriggerDesignerViewController::dropSelected()
                                       {tr("Drop"), tr("Cancel")}};
     KNAlerts::shared().ask(session().window(), question, [self = QPointer(this), name](int button) {
         if (self && button == 0)
-            self->session().run({[name](const MSSQLDesignedTable &table) {
-                                     return MSSQLTriggerScript::drop(table, name);
-                                 },
-                                 KNFormat(tr("Dropping trigger '%@'"), name),
-                                 QStringLiteral("mssql.tabledesigner.dropTrigger"),
-                                 {},
-                                 false,
-                                 QStringLiteral("Error is: %@")});
+            self->session().run(
+                {[name](const MSSQLDesignedTable &table) { return MSSQLTriggerScript::drop(table, name); },
+                 KNFormat(tr("Dropping trigger '%@'"), name),
+                 QStringLiteral("mssql.tabledesigner.dropTrigger"),
+                 {},
+                 false,
+                 QStringLiteral("Error is: %@")});
     });
 }
 
