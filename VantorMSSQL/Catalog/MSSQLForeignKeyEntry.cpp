@@ -18,6 +18,7 @@ MSSQLCatalogReader::Values MSSQLForeignKeyEntry::values(const QString &schema, c
 
 QList<MSSQLForeignKeyEntry> MSSQLForeignKeyEntry::listFrom(DatabaseResultSet &rows)
 {
+    const bool knowsState = rows.columnNames().contains(QStringLiteral("is_not_trusted"));
     QList<MSSQLForeignKeyEntry> keys;
     while (rows.next()) {
         const QString name = rows.stringForColumn(QStringLiteral("keyName"));
@@ -28,6 +29,10 @@ QList<MSSQLForeignKeyEntry> MSSQLForeignKeyEntry::listFrom(DatabaseResultSet &ro
             key.targetTableSchema = rows.stringForColumn(QStringLiteral("referencedTableSchema"));
             key.deleteRule = rows.numberForColumn(QStringLiteral("delete_referential_action")).toInt64();
             key.updateRule = rows.numberForColumn(QStringLiteral("update_referential_action")).toInt64();
+            if (knowsState) {
+                key.isEnabled = !rows.numberForColumn(QStringLiteral("is_disabled")).toBool();
+                key.isTrusted = !rows.numberForColumn(QStringLiteral("is_not_trusted")).toBool();
+            }
             keys.append(key);
         }
         keys.last().localColumns.append(rows.stringForColumn(QStringLiteral("localColumnName")));

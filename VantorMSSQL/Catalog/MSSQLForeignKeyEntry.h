@@ -17,8 +17,12 @@ struct MSSQLForeignKeyEntry
     QStringList targetColumns; ///< one for each of localColumns
     qint64 deleteRule = 0;     ///< 0 no action, 1 cascade, 2 set null, 3 set default
     qint64 updateRule = 0;
+    bool isEnabled = true;
+    bool isTrusted = true; ///< whether all rows have been checked
 
     /// "No Action", "Cascade", "SET NULL" or "SET DEFAULT"; empty for any other rule.
     QString deleteRuleDisplay() const;
     QString updateRuleDisplay() const;
+
+    friend bool operator==(const MSSQLForeignKeyEntry &, const MSSQLForeignKeyEntry &) = default;
 };

@@ -9,6 +9,7 @@
 #include "Support/RecordingWorkspace.h"
 #include "Support/SampleServerFixture.h"
 #include "Support/WindowTesting.h"
+#include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
 #include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
@@ -19,9 +20,11 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTableWidget>
 
 using WindowTesting::waitFor;
 using Column = MSSQLColumnGridModel::Column;
@@ -356,6 +359,69 @@ TEST_F(TableDesigner, ListsAndDropsForeignKeys)
     keys->dropSelected();
     m_alerts.pending.front()(0);
     EXPECT_TRUE(waitFor([&] { return keys->list()->topLevelItemCount() == 0; }));
+    run("DROP TABLE des.Part");
+    run("ALTER TABLE des.Item DROP CONSTRAINT PK_des");
+}
+
+TEST_F(TableDesigner, AddsAndChangesAForeignKeyThroughItsStatements)
+{
+    run("ALTER TABLE des.Item ADD CONSTRAINT PK_des PRIMARY KEY (id)");
+    run("CREATE TABLE des.Part (item int NOT NULL, other bigint NULL)");
+    {
+        MSSQLTableDesignerViewController designer(QStringLiteral("des"), QStringLiteral("Part"), m_settings,
+                                                  m_workspace);
+        designer.show();
+        auto *const keys = designer.findChild<MSSQLTableListForeignKeysViewController *>();
+        const auto apply = [&](MSSQLEditForeignKeyWindowController *editor) {
+            for (QPushButton *const button : editor->findChildren<QPushButton *>()) {
+                if (button->isDefault())
+                    button->click();
+            }
+        };
+        const auto accept = [&] {
+            ASSERT_TRUE(m_previews.last);
+            ASSERT_TRUE(waitFor([&] { return !m_previews.last->statements.isEmpty(); }));
+            m_previews.last->accept(m_previews.last->statements);
+            ASSERT_TRUE(waitFor([&] { return !m_previews.last; }));
+        };
+        keys->addNewKey();
+        QPointer editor = designer.findChild<MSSQLEditForeignKeyWindowController *>();
+        ASSERT_TRUE(editor);
+        ASSERT_TRUE(waitFor([&] { return editor->isLoaded(); }));
+        apply(editor);
+        ASSERT_EQ(m_alerts.messages.size(), 1u) << "a name is required";
+        editor->findChild<QLineEdit *>()->setText(QStringLiteral("FK ]new"));
+        auto *const tables = editor->findChild<QComboBox *>();
+        QTableWidget *const pairs = editor->findChild<QTableWidget *>();
+        tables->setCurrentIndex(tables->findText(QStringLiteral("des.Item")));
+        ASSERT_TRUE(waitFor([&] { return pairs->rowCount() == 1; }));
+        auto *const local = qobject_cast<QComboBox *>(pairs->cellWidget(0, 0));
+        local->setCurrentText(QStringLiteral("other"));
+        EXPECT_EQ(editor->typeProblem(), QStringLiteral("other is bigint, but id is int."));
+        local->setCurrentText(QStringLiteral("item"));
+        EXPECT_TRUE(editor->typeProblem().isNull());
+        apply(editor);
+        accept();
+        ASSERT_TRUE(waitFor([&] { return keys->list()->topLevelItemCount() == 1; }));
+        EXPECT_EQ(keys->list()->topLevelItem(0)->text(0), QStringLiteral("FK ]new"));
+
+        keys->list()->setCurrentItem(keys->list()->topLevelItem(0));
+        keys->editSelected();
+        editor = designer.findChildren<MSSQLEditForeignKeyWindowController *>().last();
+        ASSERT_TRUE(waitFor([&] { return editor->isLoaded(); }));
+        EXPECT_EQ(editor->editedKey().localColumns, QStringList{QStringLiteral("item")});
+        editor->findChildren<QComboBox *>().last()->setCurrentIndex(1);
+        const MSSQLForeignKeyEntry edited = editor->editedKey();
+        EXPECT_EQ(edited.deleteRule + edited.updateRule, 1);
+        apply(editor);
+        accept();
+        EXPECT_TRUE(waitFor([&] {
+            return keys->list()->topLevelItemCount() == 1 &&
+                   (keys->list()->topLevelItem(0)->text(4) == QStringLiteral("Cascade") ||
+                    keys->list()->topLevelItem(0)->text(5) == QStringLiteral("Cascade"));
+        }));
+        EXPECT_TRUE(WindowTesting::settle());
+    }
     run("DROP TABLE des.Part");
     run("ALTER TABLE des.Item DROP CONSTRAINT PK_des");
 }

@@ -1,5 +1,6 @@
 #include "Support/PrintQt.h"
 #include "TableDesign/MSSQLColumnDefaultScript.h"
+#include "TableDesign/MSSQLForeignKeyScript.h"
 #include "TableDesign/MSSQLPrimaryKeyScript.h"
 
 #include <QFile>
@@ -125,4 +126,29 @@ TEST(PrimaryKeyScript, ReturnsNothingWithoutAChange)
 {
     EXPECT_TRUE(keys().change({column("a", true)}, q("a"), true).exact.isNull());
     EXPECT_TRUE(keys().change({column("a", true)}, q("other"), true).exact.isNull());
+}
+
+TEST(ForeignKeyScript, MakesAKeyWithQuotedNames)
+{
+    MSSQLForeignKeyEntry key;
+    key.keyName = QStringLiteral("FK ]a");
+    key.targetTableSchema = QStringLiteral("dbo");
+    key.targetTable = QStringLiteral("my table");
+    key.localColumns = {QStringLiteral("a"), QStringLiteral("b c")};
+    key.targetColumns = {QStringLiteral("x"), QStringLiteral("y")};
+    const MSSQLDesignedTable table{QStringLiteral("s"), QStringLiteral("T")};
+    EXPECT_EQ(MSSQLForeignKeyScript::create(table, key),
+              QStringLiteral("ALTER TABLE s.T WITH CHECK ADD CONSTRAINT [FK ]]a] FOREIGN KEY (a, [b c]) "
+                             "REFERENCES dbo.[my table] (x, y);"));
+    MSSQLForeignKeyEntry changed = key;
+    changed.deleteRule = 1;
+    changed.updateRule = 2;
+    changed.isEnabled = false;
+    changed.isTrusted = false;
+    EXPECT_EQ(MSSQLForeignKeyScript::change(table, key, changed),
+              QStringLiteral("ALTER TABLE s.T DROP CONSTRAINT [FK ]]a];\r\n"
+                             "ALTER TABLE s.T WITH NOCHECK ADD CONSTRAINT [FK ]]a] FOREIGN KEY (a, [b c]) "
+                             "REFERENCES dbo.[my table] (x, y) ON UPDATE SET NULL ON DELETE CASCADE;\r\n"
+                             "ALTER TABLE s.T NOCHECK CONSTRAINT [FK ]]a];"));
+    EXPECT_TRUE(MSSQLForeignKeyScript::change(table, key, key).isNull());
 }

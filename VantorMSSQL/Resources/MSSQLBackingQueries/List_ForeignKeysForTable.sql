@@ -6,7 +6,9 @@ SELECT
     CONVERT(int, f.update_referential_action) AS update_referential_action,
     CONVERT(int, f.delete_referential_action) AS delete_referential_action,
     lc.name AS localColumnName,
-    rc.name AS referencedColumnName
+    rc.name AS referencedColumnName,
+    CONVERT(int, f.is_disabled) AS is_disabled,
+    CONVERT(int, f.is_not_trusted) AS is_not_trusted
 FROM sys.foreign_keys AS f
 INNER JOIN sys.tables AS t ON t.object_id = f.parent_object_id
 INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id

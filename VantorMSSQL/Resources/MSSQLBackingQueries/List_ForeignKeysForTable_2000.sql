@@ -6,7 +6,9 @@ SELECT
     CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsUpdateCascade')) AS update_referential_action,
     CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsDeleteCascade')) AS delete_referential_action,
     lc.name AS localColumnName,
-    rc.name AS referencedColumnName
+    rc.name AS referencedColumnName,
+    CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsDisabled')) AS is_disabled,
+    CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsNotTrusted')) AS is_not_trusted
 FROM dbo.sysforeignkeys AS fk
 INNER JOIN dbo.sysobjects AS f ON f.id = fk.constid
 INNER JOIN dbo.sysobjects AS o ON o.id = fk.fkeyid

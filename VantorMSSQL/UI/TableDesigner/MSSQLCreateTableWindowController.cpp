@@ -86,7 +86,8 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
 
     auto *const columnButtons = new QHBoxLayout;
     columnButtons->addWidget(newButton(tr("&Add Column"), &MSSQLCreateTableWindowController::addColumn));
-    columnButtons->addWidget(newButton(tr("&Remove Column"), &MSSQLCreateTableWindowController::removeColumn));
+    columnButtons->addWidget(
+        newButton(tr("&Remove Column"), &MSSQLCreateTableWindowController::removeColumn));
     columnButtons->addStretch(1);
     QDialogButtonBox *const buttons = makeButtons(tr("Create"));
     disconnect(buttons, &QDialogButtonBox::accepted, nullptr, nullptr);
@@ -104,9 +105,8 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
 
 MSSQLCreateTableWindowController::~MSSQLCreateTableWindowController() = default;
 
-QPushButton *
-MSSQLCreateTableWindowController::newButton(const QString &title,
-                                            void (MSSQLCreateTableWindowController::*clicked)())
+QPushButton *MSSQLCreateTableWindowController::newButton(const QString &title,
+                                                         void (MSSQLCreateTableWindowController::*clicked)())
 {
     auto *const button = new QPushButton(title);
     button->setAutoDefault(false);
@@ -171,13 +171,12 @@ void MSSQLCreateTableWindowController::onAccept()
         MSSQLTableScript::acceptedName(m_name->text(), MSSQLTableScript::Dialog::Create);
     if (tableName.isNull()) {
         m_name->setFocus();
-        KNAlerts::shared().showError(this,
-                                     KNError(QString(), 0, tr("The specified table name is invalid.")));
+        KNAlerts::shared().showError(this, KNError(QString(), 0, tr("The specified table name is invalid.")));
         return;
     }
-    const KNStatementPair pair = MSSQLTableScript::creationQueryForColumns(
-        MSSQLTableScript::columnDefinitions(m_columns->columns()),
-        {m_schema->currentText().trimmed(), tableName});
+    const KNStatementPair pair =
+        MSSQLTableScript::creationQueryForColumns(MSSQLTableScript::columnDefinitions(m_columns->columns()),
+                                                  {m_schema->currentText().trimmed(), tableName});
     KNChooseStatement(this, pair, MSSQLCorrectedStatements::areUsed(),
                       [self = QPointer(this), tableName](const QString &statement) {
                           if (self)
@@ -194,10 +193,9 @@ void MSSQLCreateTableWindowController::create(const QString &tableName, const QS
             m_run->cancel();
     });
     m_progress->begin();
-    m_run = KNStatementRun::start({statement, false, QStringLiteral("MSSQL::createTable")}, *m_settings, this,
-                                  [this, tableName](const KNStatementOutcome &outcome) {
-                                      finish(tableName, outcome);
-                                  });
+    m_run = KNStatementRun::start(
+        {statement, false, QStringLiteral("MSSQL::createTable")}, *m_settings, this,
+        [this, tableName](const KNStatementOutcome &outcome) { finish(tableName, outcome); });
 }
 
 void MSSQLCreateTableWindowController::finish(const QString &tableName, const KNStatementOutcome &outcome)

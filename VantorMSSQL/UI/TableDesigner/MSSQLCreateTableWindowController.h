@@ -10,8 +10,8 @@ class QLineEdit;
 class QPushButton;
 class QTableView;
 
-/// Creates a table: its name, its schema and its first columns, which are proposed and can be edited. The sheet
-/// ends with 1 once the table exists. On the UI thread.
+/// Creates a table: its name, its schema and its first columns, which are proposed and can be edited. The
+/// sheet ends with 1 once the table exists. On the UI thread.
 class MSSQLCreateTableWindowController : public KNWindowController
 {
     Q_OBJECT

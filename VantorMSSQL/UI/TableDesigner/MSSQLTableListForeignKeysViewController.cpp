@@ -4,6 +4,7 @@
 #include "Foundation/KNLogHelper.h"
 #include "TableDesign/MSSQLForeignKeyScript.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 
 namespace {
 
@@ -19,6 +20,10 @@ MSSQLTableListForeignKeysViewController::MSSQLTableListForeignKeysViewController
                              tr("On Update"), tr("On Delete")},
                             parent)
 {
+    addButton(tr("&New Foreign Key…"), false, [this] { addNewKey(); });
+    addButton(tr("&Edit Foreign Key…"), true, [this] { editSelected(); });
+    connect(list(), &QTreeWidget::itemActivated, this,
+            &MSSQLTableListForeignKeysViewController::editSelected);
     addButton(tr("&Drop Foreign Key…"), true, [this] { dropSelected(); });
     loadForeignKeys();
 }
@@ -83,4 +88,16 @@ void MSSQLTableListForeignKeysViewController::dropSelected()
                  false,
                  QStringLiteral("Error is: %@")});
     });
+}
+
+void MSSQLTableListForeignKeysViewController::addNewKey()
+{
+    (new MSSQLEditForeignKeyWindowController(session(), {}))->beginSheet({});
+}
+
+void MSSQLTableListForeignKeysViewController::editSelected()
+{
+    const int row = currentRow();
+    if (row >= 0 && row < m_keys.size())
+        (new MSSQLEditForeignKeyWindowController(session(), m_keys[row]))->beginSheet({});
 }

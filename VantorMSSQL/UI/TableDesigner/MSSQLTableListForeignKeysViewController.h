@@ -18,6 +18,9 @@ public:
 
     void loadForeignKeys();
     void dropSelected();
+    /// Opens the editor for a new key, or for the selected one.
+    void addNewKey();
+    void editSelected();
 
 protected:
     void load() override { loadForeignKeys(); }
