@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Database/KNQueryDetails.h"
 #include "KNSharedExport.h"
 
 #include <QString>
@@ -24,7 +25,8 @@ struct KNSHARED_EXPORT DatabaseMessage
     quint64 calculatedLineNumber = 0; ///< within the whole text that contains the batch
     QString msgtext;
     QString srvname;
-    QString procname; ///< empty when the message does not come from a procedure
+    QString procname;  ///< empty when the message does not come from a procedure
+    KNRange textRange; ///< the part of the whole text that the message is about; not found if not known
 
     /// True for all client errors, and for server messages of severity 16 and above.
     bool isError() const;

@@ -81,6 +81,9 @@ public:
     virtual bool cancelCurrentQuery(KNError *error) = 0;
     /// Whether the last run was stopped by cancelCurrentQuery(). Any thread.
     virtual bool wasCancelled() const = 0;
+    /// Whether a statement of the last run failed, including those after the first result, which set no
+    /// error. Any thread.
+    virtual bool hadErrors() const = 0;
 
     /// Whether the server has closed the connection since its last use, as far as the local machine knows.
     /// Does not access the server. Call only between runs.

@@ -184,6 +184,7 @@ public:
         return true;
     }
     bool wasCancelled() const override { return cancels > 0; }
+    bool hadErrors() const override { return false; }
     bool hasHungUp() const override { return m_settings->server().hangsUp; }
     bool resetSession() override
     {

@@ -10,6 +10,8 @@
 
 #include <QVariant>
 
+#include <atomic>
+
 struct tds_dblib_dbprocess;
 struct tds_dblib_loginrec;
 struct MSSQLServerAddress;
@@ -72,6 +74,7 @@ public:
     VantorSessionState sessionStateAfter(const QString &sql) const override;
     bool cancelCurrentQuery(KNError *error) override;
     bool wasCancelled() const override { return m_cancellation.isRequested(); }
+    bool hadErrors() const override { return m_hadErrors; }
     bool hasHungUp() const override;
     bool resetSession() override;
     void prepareForPool(VantorDBC &details, bool isUserQuery) override;
@@ -152,5 +155,6 @@ private:
     mutable std::mutex m_socketMutex;
     MSSQLSocketReference m_socket; ///< of m_dbProc, usable without the handle; guarded by m_socketMutex
     MSSQLCancellation m_cancellation;
+    std::atomic<bool> m_hadErrors = false; ///< of the last run
     std::shared_ptr<KNSSHTunnel> m_tunnel; ///< null without a tunnel; accessed by the running thread only
 };

@@ -2,6 +2,7 @@
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseResultSet.h"
+#include "Implementations/MSSQLErrorRange.h"
 #include "Implementations/MSSQLHandleScope.h"
 #include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLMessageList.h"
@@ -26,17 +27,47 @@ KNQueryDetails wholeText(const QString &sql)
     return {sql, {0, sql.size()}};
 }
 
-/// Adds messages to a result set, with their lines relative to the whole text.
-void attach(QList<DatabaseMessage> messages, const KNQueryDetails &details, KNDatabaseResultSet &resultSet)
+/// Adds a batch's messages to its result sets, with lines and ranges of the whole text.
+class MessageAttachment
 {
-    if (messages.isEmpty())
-        return;
-    for (DatabaseMessage &message : messages) {
-        message.calculatedLineNumber = message.line + details.lineNumberOffset;
-        message.msgtext = MSSQLLoginError::textForUsers(message);
+public:
+    explicit MessageAttachment(const KNQueryDetails &details)
+        : m_details(details)
+    {
     }
-    resultSet.appendServerMessages(messages);
-}
+
+    /// `isFirst` for the messages of the batch's first statement.
+    void attach(QList<DatabaseMessage> messages, KNDatabaseResultSet &resultSet, bool isFirst = false)
+    {
+        if (messages.isEmpty())
+            return;
+        for (DatabaseMessage &message : messages) {
+            message.calculatedLineNumber = message.line + m_details.lineNumberOffset;
+            if (message.type == DatabaseMessage::ServerMessage && message.isFailure())
+                locate(message, isFirst);
+            m_hadErrors = m_hadErrors || message.isFailure();
+            message.msgtext = MSSQLLoginError::textForUsers(message);
+        }
+        resultSet.appendServerMessages(messages);
+    }
+    bool hadErrors() const { return m_hadErrors; }
+
+private:
+    /// Each search reads the batch: a loop that fails ten thousand times is not searched for each failure.
+    static constexpr int MostSearches = 100;
+
+    void locate(DatabaseMessage &message, bool isFirst)
+    {
+        if (m_searches++ < MostSearches)
+            message.textRange = isFirst && message.procname.isEmpty()
+                                    ? MSSQLErrorRange::inBatch(message, m_details)
+                                    : MSSQLErrorRange::atLine(message, m_details);
+    }
+
+    const KNQueryDetails &m_details;
+    int m_searches = 0;
+    bool m_hadErrors = false;
+};
 
 QList<KNDisplayMessage> summaryOf(const KNDatabaseResultSet &resultSet, bool wasCancelled)
 {
@@ -146,6 +177,7 @@ bool MSSQLClient::executeQueryDetails(const QList<KNQueryDetails> &queries, KNRe
     KNAssert(error, "Error must be specified.", "Implementations/MSSQLClient");
     const MSSQLRunScope run(m_cancellation);
     error->clear();
+    m_hadErrors = false;
     const QString federation = m_databaseConnectionDetails->federationStatement();
     if (!federation.isEmpty())
         executeQueryInternal(federation, withResultSet, error);
@@ -168,6 +200,7 @@ bool MSSQLClient::executeQueryInternal(const QString &sql, KNResultSetHolder &wi
 /// Runs a text as one batch. Unlike runBatch(), it fails if any statement fails.
 void MSSQLClient::executeWhole(const QString &sql, KNResultSetHolder &holder, KNError *error)
 {
+    m_hadErrors = false;
     const bool complete = executeQueryInternal(sql, holder, error);
     if (error->isSet())
         return;
@@ -241,8 +274,11 @@ bool MSSQLClient::executeQueryDetails(const KNQueryDetails &details, KNResultSet
             KNError(RunDomain, 0,
                     QStringLiteral("There is not enough memory for the results. The batch was cancelled."));
     }
+    if (error->isSet())
+        m_hadErrors = true;
     if (!timer.stop())
         return complete;
+    m_hadErrors = true;
     *error =
         KNError(RunDomain, 0,
                 KNFormat("The batch took longer than the %d seconds that this connection allows, and was "
@@ -358,13 +394,15 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
                               KNResultSetHolder &holder, KNError *error)
 {
     MSSQLMessageList &messages = MSSQLMessageList::sharedInstance();
+    MessageAttachment attachment(details);
     Summaries summaries;
+    const KNDatabaseResultSetPtr failure = previous;
     bool previousHadCompute = false;
     qint64 unlisted = 0; // results without columns beyond the limit of the list
     Next next = nextResult();
     for (; next == Next::Result; next = nextResult()) {
         if (previous)
-            attach(messages.takeMessages(), details, *previous);
+            attachment.attach(messages.takeMessages(), *previous, previous == failure);
         const auto resultSet = std::make_shared<KNDatabaseResultSet>(details.targetQuery);
         const FinishedInTheEnd finished(*resultSet);
         readColumns(*resultSet);
@@ -411,7 +449,7 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
         holder.append(previous);
     }
     if (previous) {
-        attach(last, details, *previous);
+        attachment.attach(last, *previous, previous == failure);
         if (unlisted > 0)
             previous->setMessages(
                 previous->messages() +
@@ -419,6 +457,8 @@ bool MSSQLClient::readResults(const KNQueryDetails &details, KNDatabaseResultSet
         if (error->isSet())
             showFailure(*error, *previous);
     }
+    if (attachment.hadErrors())
+        m_hadErrors = true;
     return !error->isSet();
 }
 

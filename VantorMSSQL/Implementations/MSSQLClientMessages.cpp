@@ -2,9 +2,9 @@
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLClientCallbacks.h"
+#include "Implementations/MSSQLErrorRange.h"
 #include "Implementations/MSSQLLoginError.h"
 #include "Implementations/MSSQLMessageList.h"
-#include "SQL/SQLMetadataTokenizer.h"
 
 #include <QSet>
 
@@ -29,38 +29,6 @@ bool isEmptyOfContent(const QString &text)
 MSSQLCancellation *cancellationOf(DBPROCESS *dbproc)
 {
     return dbproc ? reinterpret_cast<MSSQLCancellation *>(dbgetuserdata(dbproc)) : nullptr;
-}
-
-bool isPunctuation(QChar character)
-{
-    return character.isPunct();
-}
-
-QString trimmedOfPunctuation(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && isPunctuation(text.at(begin)))
-        ++begin;
-    while (end > begin && isPunctuation(text.at(end - 1)))
-        --end;
-    return text.mid(begin, end - begin);
-}
-
-/// The word that a message complains about; empty if it names none.
-QString offendingWord(const QString &message)
-{
-    for (const char *phrase : {"Invalid column name '", "Invalid object name '", "Incorrect syntax near '"}) {
-        const QLatin1String text(phrase);
-        if (const qsizetype found = message.indexOf(text); found >= 0)
-            return trimmedOfPunctuation(message.mid(found + text.size()));
-    }
-    return QString();
-}
-
-bool holdsNoNames(SQLTokenKind kind)
-{
-    return static_cast<int>(kind) >= 1 && static_cast<int>(kind) <= 4;
 }
 
 int addClientError(DBPROCESS *dbproc, int severity, int dberr, const char *dberrstr)
@@ -172,24 +140,7 @@ int handle_interrupt(void *)
 KNRange MSSQLClient::processErrorDetails(const DatabaseMessage &message,
                                          const KNQueryDetails &forQueryDetails)
 {
-    const QString word = offendingWord(message.msgtext);
-    if (word.isEmpty())
-        return KNRange();
-
-    KNRange hit;
-    SQLMetadataTokenizer tokenizer(forQueryDetails.targetQuery,
-                                   MSSQLDatabaseConnectionDetails::createPreParserOptions());
-    for (SQLToken token; tokenizer.next(&token);) {
-        if (holdsNoNames(token.kind))
-            continue;
-        for (qsizetype at = token.text.indexOf(word); at >= 0;
-             at = token.text.indexOf(word, at + word.size())) {
-            if (hit.isFound())
-                return KNRange();
-            hit = {forQueryDetails.queryRange.location + token.location + at, word.size()};
-        }
-    }
-    return hit;
+    return MSSQLErrorRange::inBatch(message, forQueryDetails);
 }
 
 KNError MSSQLClient::batchError(const KNQueryDetails &details, quint64 *lastLine) const
