@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 namespace {
 
@@ -51,6 +52,33 @@ int KNMessageText::lineOf(const DatabaseMessage &message)
     const bool hasLine =
         message.type == DatabaseMessage::ServerMessage && message.procname.isEmpty() && message.line > 0;
     return hasLine ? static_cast<int>(message.calculatedLineNumber) : 0;
+}
+
+QString KNMessageText::countText(qint64 count)
+{
+    return QLocale(QLocale::English).toString(count);
+}
+
+QString KNMessageText::summaryText(const KNDatabaseResultSet &result, const QString &summary)
+{
+    const bool hasRows = !result.columnNames().isEmpty();
+    const qint64 count = hasRows ? result.rows().rowCount() : result.numberOfRowsAffected();
+    const QString exact = hasRows ? KNFormat(" (%ld result%@).", count, count == 1 ? "" : "s")
+                                  : KNFormat(" (%ld rows affected).", count);
+    if (!summary.endsWith(exact))
+        return summary;
+    const char *const shown = hasRows      ? count == 1 ? QT_TRANSLATE_NOOP("KNMessageText", " (%@ result).")
+                                                        : QT_TRANSLATE_NOOP("KNMessageText", " (%@ results).")
+                                   : count == 1 ? QT_TRANSLATE_NOOP("KNMessageText", " (%@ row affected).")
+                                           : QT_TRANSLATE_NOOP("KNMessageText", " (%@ rows affected).");
+    return summary.chopped(exact.size()) + KNFormat(translated(shown), countText(count));
+}
+
+QString KNMessageText::batchesNotRun(qint64 count)
+{
+    return count == 1 ? translated(QT_TRANSLATE_NOOP("KNMessageText", "1 batch was not run."))
+                      : KNFormat(translated(QT_TRANSLATE_NOOP("KNMessageText", "%@ batches were not run.")),
+                                 countText(count));
 }
 
 KNRange KNMessageText::markedRange(const KNError &error)

@@ -91,7 +91,7 @@ int runTitle(const QString &title, const QStringList &values, const ConnectionOp
     return onServer(options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
         KNError error;
         const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
-        return text ? runText(client, *text, format, interrupts)
+        return text ? runText(client, *text, format, KNOnError::Stop, interrupts)
                     : Terminal::fail(ExitUsage, error.localizedDescription());
     });
 }

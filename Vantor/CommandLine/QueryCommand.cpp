@@ -26,5 +26,5 @@ int runQueryCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
     InterruptWatcher interrupts(ExitCancelled);
     if (const ExitStatus status = connection.connect(&error))
         return Terminal::fail(status, error.descriptionWithSuggestion());
-    return runText(connection.client(), *text, options->format, interrupts);
+    return runText(connection.client(), *text, options->format, options->onError, interrupts);
 }

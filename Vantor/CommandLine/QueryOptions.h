@@ -2,6 +2,8 @@
 
 #include "CommandLine/ConnectionOptions.h"
 
+#include "Database/KNScriptRun.h"
+
 #include <QStringList>
 
 /// The options of "vantor-cli query".
@@ -10,6 +12,7 @@ struct QueryOptions
     bool showHelp = false;
     ConnectionOptions connection;
     QString format = QStringLiteral("table");
+    KNOnError onError = KNOnError::Stop;
     QString file;               ///< null when not given
     std::optional<QString> sql; ///< the text, if it is an argument
 

@@ -5,6 +5,7 @@
 #include "CommandLine/QueryPrinter.h"
 #include "CommandLine/StandardOutput.h"
 #include "CommandLine/Terminal.h"
+#include "Database/KNMessageText.h"
 #include "Export/ResultFormat.h"
 #include "Foundation/KNAssert.h"
 #include "SQL/KNQuerySplitter.h"
@@ -33,9 +34,19 @@ bool printResults(QueryPrinter &printer, const std::atomic<bool> &done, bool *is
     }
 }
 
+/// A cancel between two batches finds nothing to stop, so it is repeated.
+void cancelUntil(const std::atomic<bool> &done, VantorDatabaseClient &client)
+{
+    while (!done) {
+        KNError ignored;
+        client.cancelCurrentQuery(&ignored);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
 } // namespace
 
-int runText(VantorDatabaseClient &client, const QString &text, const QString &format,
+int runText(VantorDatabaseClient &client, const QString &text, const QString &format, KNOnError onError,
             InterruptWatcher &interrupts)
 {
     StandardOutput output;
@@ -46,11 +57,13 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     holder.setResultReadAhead(QueryPrinter::ResultReadAhead);
 
     const QList<KNQueryDetails> batches = batchesOf(text, client.databaseConnectionDetails());
+    KNScriptRun script(onError);
+    script.setIsCancelled([&] { return printer.isStopped() || !printer.isGood(); });
     KNError error;
     std::atomic<bool> done = false;
     std::thread worker([&] {
         try {
-            client.executeQueryDetails(batches, holder, {}, &error);
+            script.run(batches, client, holder, &error);
         } catch (const KNAssertionFailure &failure) {
             error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, failure.message());
         }
@@ -65,8 +78,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     bool isOutOfMemory = false;
     if (!printResults(printer, done, &isOutOfMemory)) {
         holder.setResultReadAhead(0);
-        KNError ignored;
-        client.cancelCurrentQuery(&ignored);
+        cancelUntil(done, client);
     }
     worker.join();
     interrupts.setTarget({});
@@ -82,6 +94,8 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
                               QStringLiteral("The results could not be written to standard output."));
     if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
         Terminal::printError(excerpt, Terminal::Colour::None);
+    if (const qint64 count = KNScriptRun::countOf(script.notRun()))
+        Terminal::printError(KNMessageText::batchesNotRun(count), Terminal::Colour::Yellow);
     if (error && !printer.hadErrors())
         return Terminal::fail(ExitSqlError, error.localizedDescription());
     return printer.hadErrors() ? ExitSqlError : ExitSuccess;
