@@ -32,6 +32,12 @@ void VantorDBC::getHostAndPortForServer(const QString &server, quint16 *port, QS
         *port = static_cast<quint16>(number);
 }
 
+const QStringList &VantorDBC::dataTypes() const
+{
+    static const QStringList none;
+    return none;
+}
+
 std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewControllerHelper() const
 {
     return std::make_unique<ResultSetViewControllerHelper>();

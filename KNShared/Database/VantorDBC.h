@@ -93,6 +93,8 @@ public:
     virtual const QStringList &keywords() const = 0;
     /// Functions of the server's language, sorted case-insensitively.
     virtual const QStringList &functions() const = 0;
+    /// Data types of the server's language, sorted case-insensitively; none by default.
+    virtual const QStringList &dataTypes() const;
     /// How the server's dialect is cut into tokens.
     virtual SQLTokenizerOptions tokenizerOptions() const { return {}; }
 

@@ -107,6 +107,11 @@ const QStringList &MSSQLDatabaseConnectionDetails::keywords() const
     return sqlKeywords();
 }
 
+const QStringList &MSSQLDatabaseConnectionDetails::dataTypes() const
+{
+    return MSSQLWordLists::dataTypes();
+}
+
 const QStringList &MSSQLDatabaseConnectionDetails::functions() const
 {
     return sqlFunctions();

@@ -80,6 +80,7 @@ public:
     QVariantMap connectedWithDetails() const override;
     void setConnectedWithDetails(const QVariantMap &details) override;
     const QStringList &keywords() const override;
+    const QStringList &dataTypes() const override;
     const QStringList &functions() const override;
     SQLTokenizerOptions tokenizerOptions() const override;
 

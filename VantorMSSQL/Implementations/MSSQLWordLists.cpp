@@ -44,6 +44,12 @@ const QStringList &MSSQLWordLists::functions()
     return words;
 }
 
+const QStringList &MSSQLWordLists::dataTypes()
+{
+    static const QStringList words = wordsOfResource("MSSQLDataTypes");
+    return words;
+}
+
 const QStringList &MSSQLWordLists::functionsAndKeywords()
 {
     static const QStringList words = sortedWithoutCase(keywords() + functions());

@@ -8,6 +8,7 @@ namespace MSSQLWordLists {
 
 const QStringList &keywords();
 const QStringList &functions();
+const QStringList &dataTypes();
 const QStringList &functionsAndKeywords();
 
 } // namespace MSSQLWordLists

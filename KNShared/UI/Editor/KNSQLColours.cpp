@@ -9,6 +9,7 @@ KNSQLColours light()
     colours.text = QColor(0x1f2328);
     colours.keyword = QColor(0x0b4fb3);
     colours.function = QColor(0x7a3aa8);
+    colours.type = QColor(0x1f6b2e);
     colours.string = QColor(0x8a4b00);
     colours.number = QColor(0x0a6b5c);
     colours.comment = QColor(0x5c6b5c);
@@ -30,6 +31,7 @@ KNSQLColours dark()
     colours.text = QColor(0xdfe2e7);
     colours.keyword = QColor(0x7fb0ff);
     colours.function = QColor(0xcfa3f2);
+    colours.type = QColor(0x8fd694);
     colours.string = QColor(0xe8b376);
     colours.number = QColor(0x7fd6bf);
     colours.comment = QColor(0x8fa38f);

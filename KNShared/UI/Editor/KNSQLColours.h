@@ -13,6 +13,7 @@ struct KNSHAREDUI_EXPORT KNSQLColours
     QColor text;
     QColor keyword;
     QColor function;
+    QColor type;
     QColor string;
     QColor number;
     QColor comment;

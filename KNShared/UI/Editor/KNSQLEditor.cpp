@@ -109,9 +109,9 @@ void KNSQLEditor::addKeys()
 }
 
 void KNSQLEditor::setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
-                             const QStringList &functions)
+                             const QStringList &functions, const QStringList &dataTypes)
 {
-    m_lexer->setDialect(options, keywords, functions);
+    m_lexer->setDialect(options, keywords, functions, dataTypes);
     recolor();
 }
 

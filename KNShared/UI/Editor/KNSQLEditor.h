@@ -20,7 +20,7 @@ public:
 
     /// The dialect to colour: how its text is cut into tokens, and its words in any case.
     void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
-                    const QStringList &functions);
+                    const QStringList &functions, const QStringList &dataTypes = {});
 
     /// The complete text.
     QString wholeText() const;

@@ -167,7 +167,7 @@ KNSQLLexer::KNSQLLexer(QObject *parent)
 }
 
 void KNSQLLexer::setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
-                            const QStringList &functions)
+                            const QStringList &functions, const QStringList &dataTypes)
 {
     m_options = options;
     const auto upper = [](const QStringList &words) {
@@ -178,13 +178,14 @@ void KNSQLLexer::setDialect(const SQLTokenizerOptions &options, const QStringLis
     };
     m_keywords = upper(keywords);
     m_functions = upper(functions);
+    m_dataTypes = upper(dataTypes);
 }
 
 void KNSQLLexer::setColours(const KNSQLColours &colours, const QFont &font)
 {
-    const QColor byStyle[StyleCount] = {colours.text,     colours.keyword,    colours.function,
-                                        colours.string,   colours.number,     colours.comment,
-                                        colours.variable, colours.quotedName, colours.text};
+    const QColor byStyle[StyleCount] = {
+        colours.text,   colours.keyword, colours.function, colours.type,       colours.string,
+        colours.number, colours.comment, colours.variable, colours.quotedName, colours.text};
     setDefaultColor(colours.text);
     setDefaultPaper(colours.background);
     setDefaultFont(font);
@@ -200,8 +201,8 @@ void KNSQLLexer::setColours(const KNSQLColours &colours, const QFont &font)
 
 QString KNSQLLexer::description(int style) const
 {
-    static const char *const names[StyleCount] = {"Text",    "Keyword",  "Function",    "String",  "Number",
-                                                  "Comment", "Variable", "Quoted name", "Operator"};
+    static const char *const names[StyleCount] = {"Text",   "Keyword", "Function", "Data type",   "String",
+                                                  "Number", "Comment", "Variable", "Quoted name", "Operator"};
     return style >= 0 && style < StyleCount ? QString::fromLatin1(names[style]) : QString();
 }
 
@@ -281,5 +282,7 @@ KNSQLLexer::Style KNSQLLexer::styleOfWord(const SQLToken &token, QStringView tex
         if (behind < text.size() && text[behind] == u'(')
             return Function;
     }
+    if (m_dataTypes.contains(word))
+        return DataType;
     return m_keywords.contains(word) ? Keyword : Text;
 }

@@ -17,6 +17,7 @@ public:
         Text,
         Keyword,
         Function,
+        DataType,
         String,
         Number,
         Comment,
@@ -28,9 +29,10 @@ public:
 
     explicit KNSQLLexer(QObject *parent);
 
-    /// The words of the dialect, in any case. A word of both lists is a function before a parenthesis.
+    /// The words of the dialect, in any case. A word of several lists is a function before a parenthesis,
+    /// else a data type.
     void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
-                    const QStringList &functions);
+                    const QStringList &functions, const QStringList &dataTypes);
     void setColours(const KNSQLColours &colours, const QFont &font);
 
     const char *language() const override { return "SQL"; }
@@ -47,5 +49,6 @@ private:
 
     QSet<QString> m_keywords;  ///< in upper case
     QSet<QString> m_functions; ///< in upper case
+    QSet<QString> m_dataTypes; ///< in upper case
     SQLTokenizerOptions m_options;
 };

@@ -80,7 +80,8 @@ void KNQueryPreviewDialog::arrange()
 
 void KNQueryPreviewDialog::setDialect(const VantorDBC &details)
 {
-    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions());
+    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions(),
+                         details.dataTypes());
 }
 
 void KNQueryPreviewDialog::setTitles(const QString &title, const QString &information,

@@ -127,3 +127,18 @@ TEST(SQLColouring, DoesNotMakeTypingInAScriptOfFiveMegabytesStall)
     }
     EXPECT_LT(application.longestCall().milliseconds, WatchedApplication::LongestAllowed);
 }
+
+TEST(SQLColouring, ColoursDataTypesOfTheDialect)
+{
+    KNSQLEditor editor;
+    editor.setDialect({}, {QStringLiteral("CREATE"), QStringLiteral("INT")}, {QStringLiteral("CHAR")},
+                      {QStringLiteral("INT"), QStringLiteral("DATETIME2"), QStringLiteral("CHAR")});
+    editor.setWholeText(QStringLiteral("create t (a int, b DateTime2(7), c char, d = char (10), dates)"));
+    editor.grab();
+    EXPECT_EQ(styleAt(editor, QStringLiteral("create")), KNSQLLexer::Keyword);
+    EXPECT_EQ(styleAt(editor, QStringLiteral("int")), KNSQLLexer::DataType);
+    EXPECT_EQ(styleAt(editor, QStringLiteral("DateTime2")), KNSQLLexer::DataType);
+    EXPECT_EQ(styleAt(editor, QStringLiteral("char,")), KNSQLLexer::DataType);
+    EXPECT_EQ(styleAt(editor, QStringLiteral("char (")), KNSQLLexer::Function);
+    EXPECT_EQ(styleAt(editor, QStringLiteral("dates")), KNSQLLexer::Text);
+}

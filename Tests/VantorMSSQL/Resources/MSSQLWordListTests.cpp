@@ -105,3 +105,16 @@ TEST(MSSQLFunctions, CoverTheNewestVersionOfTheServer)
                                     "BIT_COUNT", "APPROX_PERCENTILE_CONT"}),
               QStringList());
 }
+
+TEST(MSSQLDataTypes, AreThoseOfEveryVersionUpTo2022)
+{
+    const QStringList types = words("MSSQLDataTypes.plist");
+    expectEachOnceAndPlain(types);
+    const QStringList expected =
+        QStringLiteral("BIGINT BINARY BIT CHAR CHARACTER DATE DATETIME DATETIME2 DATETIMEOFFSET DEC DECIMAL "
+                       "FLOAT GEOGRAPHY GEOMETRY HIERARCHYID IMAGE INT INTEGER MONEY NCHAR NTEXT NUMERIC "
+                       "NVARCHAR REAL ROWVERSION SMALLDATETIME SMALLINT SMALLMONEY SQL_VARIANT SYSNAME TEXT "
+                       "TIME TIMESTAMP TINYINT UNIQUEIDENTIFIER VARBINARY VARCHAR XML")
+            .split(QLatin1Char(' '));
+    EXPECT_EQ(types, expected) << "json is a type from 2025 on";
+}

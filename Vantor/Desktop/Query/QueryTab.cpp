@@ -43,7 +43,8 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_clock(new QTimer(this))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
 {
-    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions());
+    m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions(),
+                         details.dataTypes());
     arrange();
     connectParts();
     newConnection(details);

@@ -25,7 +25,8 @@ QueryHistoryDialog::QueryHistoryDialog(const QueryHistory &history, const Vantor
     , m_remove(new QPushButton(tr("&Delete All…")))
 {
     setWindowTitle(tr("Query History"));
-    m_preview->setDialect(details.tokenizerOptions(), details.keywords(), details.functions());
+    m_preview->setDialect(details.tokenizerOptions(), details.keywords(), details.functions(),
+                          details.dataTypes());
     m_filter->setSourceModel(m_model);
     m_filter->setFilterKeyColumn(0);
     m_filter->setFilterRole(QueryHistoryModel::SearchRole);
