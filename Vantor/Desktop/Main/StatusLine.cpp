@@ -1,10 +1,14 @@
 #include "Desktop/Main/StatusLine.h"
 
+#include "Database/KNMessageText.h"
 #include "Foundation/KNFormat.h"
 #include "UI/KNPlainToolTip.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QLabel>
-#include <QLocale>
+
+#include <utility>
 
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
@@ -13,6 +17,9 @@ StatusLine::StatusLine(QWidget *parent)
     , m_login(addLabel(tr("Login")))
     , m_database(addLabel(tr("Database")))
     , m_transaction(addLabel(tr("Transaction")))
+    , m_position(addLabel(tr("Position")))
+    , m_encoding(addLabel(tr("Encoding")))
+    , m_lineEnds(addLabel(tr("Line ends")))
     , m_rows(addLabel(tr("Rows")))
     , m_time(addLabel(tr("Time")))
 {
@@ -48,6 +55,13 @@ void StatusLine::showStatus(const KNDocumentStatus &status)
 {
     m_database->setText(status.database);
     m_transaction->setText(status.hasOpenTransaction ? tr("Transaction open") : QString());
+    setHasTransaction(status.hasOpenTransaction);
+    m_position->setText(status.line > 0
+                            ? KNFormat(tr("Line %@, Column %@"), KNMessageText::countText(status.line),
+                                       KNMessageText::countText(status.column))
+                            : QString());
+    m_encoding->setText(status.encoding);
+    m_lineEnds->setText(status.lineEnds);
     m_text->setText(status.text);
     m_rows->setText(status.rowCount ? rowsText(*status.rowCount) : QString());
     m_time->setText(status.elapsedMilliseconds ? durationText(*status.elapsedMilliseconds) : QString());
@@ -55,13 +69,38 @@ void StatusLine::showStatus(const KNDocumentStatus &status)
 
 void StatusLine::clearStatus()
 {
-    for (QLabel *const label : {m_text, m_database, m_transaction, m_rows, m_time})
+    for (QLabel *const label :
+         {m_text, m_database, m_transaction, m_position, m_encoding, m_lineEnds, m_rows, m_time})
         label->clear();
+    setHasTransaction(false);
+}
+
+void StatusLine::setHasTransaction(bool hasTransaction)
+{
+    if (hasTransaction == m_hasTransaction)
+        return;
+    m_hasTransaction = hasTransaction;
+    setAutoFillBackground(hasTransaction);
+    QPalette colours;
+    if (hasTransaction) {
+        const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
+        colours.setColor(QPalette::Window, isDark ? QColor(0x5c4510) : QColor(0xffe2a0));
+        colours.setColor(QPalette::WindowText, isDark ? QColor(0xffe9bd) : QColor(0x3d2c00));
+    }
+    setPalette(colours);
+}
+
+/// Colours an open transaction anew when the theme changes.
+void StatusLine::changeEvent(QEvent *event)
+{
+    QStatusBar::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange && std::exchange(m_hasTransaction, false))
+        setHasTransaction(true);
 }
 
 QString StatusLine::rowsText(qint64 count)
 {
-    return count == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), QLocale(QLocale::English).toString(count));
+    return count == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNMessageText::countText(count));
 }
 
 QString StatusLine::durationText(qint64 milliseconds)

@@ -6,8 +6,8 @@
 
 class QLabel;
 
-/// The status bar of the window: server and login, and the current document's text, database, rows, time and
-/// transaction.
+/// The status bar of the window: server and login, and the current document's text, database, transaction,
+/// cursor, file, rows and time. An open transaction colours it.
 class StatusLine : public QStatusBar
 {
     Q_OBJECT
@@ -26,7 +26,11 @@ public:
     /// "0:01.234", with hours in front if there are any.
     static QString durationText(qint64 milliseconds);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void setHasTransaction(bool hasTransaction);
     QLabel *addLabel(const QString &accessibleName);
 
     QLabel *const m_text;
@@ -34,6 +38,10 @@ private:
     QLabel *const m_login;
     QLabel *const m_database;
     QLabel *const m_transaction;
+    QLabel *const m_position;
+    QLabel *const m_encoding;
+    QLabel *const m_lineEnds;
     QLabel *const m_rows;
     QLabel *const m_time;
+    bool m_hasTransaction = false;
 };
