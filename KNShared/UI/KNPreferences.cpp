@@ -13,6 +13,7 @@ namespace {
 const QString EditorFont = QStringLiteral("EditorFont");
 const QString TabWidth = QStringLiteral("TabWidth");
 const QString RowLimit = QStringLiteral("RowLimit");
+const QString ContinuesAfterError = QStringLiteral("ContinuesAfterError");
 const QString NullText = QStringLiteral("NullText");
 const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
@@ -49,6 +50,7 @@ KNPreferences KNPreferences::current()
         preferences.editorFont = font;
     preferences.tabWidth = number(TabWidth, preferences.tabWidth, 1, 16);
     preferences.rowLimit = number(RowLimit, 0, 0, std::numeric_limits<int>::max());
+    preferences.continuesAfterError = stored.boolForKey(ContinuesAfterError);
     preferences.nullText = stored.stringForKey(NullText, preferences.nullText);
     preferences.dateFormat = static_cast<DateFormat>(number(DateFormatKey, 0, 0, 1));
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
@@ -63,6 +65,7 @@ void KNPreferences::save() const
     defaults.setObject(EditorFont, editorFont.toString());
     defaults.setObject(TabWidth, tabWidth);
     defaults.setObject(RowLimit, rowLimit);
+    defaults.setObject(ContinuesAfterError, continuesAfterError);
     defaults.setObject(NullText, nullText);
     defaults.setObject(DateFormatKey, static_cast<int>(dateFormat));
     defaults.setObject(ThemeKey, static_cast<int>(theme));

@@ -16,9 +16,10 @@ struct KNSHAREDUI_EXPORT KNPreferences
     /// Posted at the default notification centre after save().
     static const QString ChangedNotificationName;
 
-    QFont editorFont; ///< fixed-width
-    int tabWidth = 4; ///< in spaces
-    int rowLimit = 0; ///< maximum rows kept per result; 0 for all
+    QFont editorFont;                 ///< fixed-width
+    int tabWidth = 4;                 ///< in spaces
+    int rowLimit = 0;                 ///< maximum rows kept per result; 0 for all
+    bool continuesAfterError = false; ///< whether a script continues after a batch that had an error
     QString nullText = QStringLiteral("NULL");
     DateFormat dateFormat = DateFormat::Milliseconds;
     Theme theme = Theme::FollowsDesktop;

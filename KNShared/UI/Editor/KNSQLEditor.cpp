@@ -4,9 +4,12 @@
 #include "UI/Editor/KNSQLLexer.h"
 #include "UI/KNPreferences.h"
 
+#include <QAction>
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QShortcut>
+
+#include <algorithm>
 
 namespace {
 
@@ -44,7 +47,7 @@ KNSQLEditor::KNSQLEditor(QWidget *parent)
     applyPreferences();
     connect(this, &QsciScintilla::linesChanged, this, &KNSQLEditor::fitMargins);
     connect(this, &QsciScintillaBase::SCN_ZOOM, this, &KNSQLEditor::fitMargins);
-    connect(this, &QsciScintilla::textChanged, this, &KNSQLEditor::clearErrorMark);
+    connect(this, &QsciScintilla::textChanged, this, &KNSQLEditor::clearErrorMarks);
     m_preferencesObserver = KNNotificationCenter::defaultCenter()->addObserver(
         KNPreferences::ChangedNotificationName,
         [this](const QString &, const QVariantMap &) { applyPreferences(); });
@@ -153,6 +156,31 @@ QString KNSQLEditor::textOfRange(const KNRange &range) const
     return KNEditorText::text(*this, positionOf(range.location), positionOf(range.location + range.length));
 }
 
+int KNSQLEditor::cursorLine() const
+{
+    return static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETCURRENTPOS))) + 1;
+}
+
+int KNSQLEditor::cursorColumn() const
+{
+    const auto position = SendScintilla(SCI_GETCURRENTPOS);
+    const auto begin = SendScintilla(SCI_POSITIONFROMLINE, SendScintilla(SCI_LINEFROMPOSITION, position));
+    return static_cast<int>(SendScintilla(SCI_COUNTCODEUNITS, begin, position)) + 1;
+}
+
+QString KNSQLEditor::lineEndName() const
+{
+    switch (eolMode()) {
+    case EolWindows:
+        return QStringLiteral("CRLF");
+    case EolMac:
+        return QStringLiteral("CR");
+    case EolUnix:
+        break;
+    }
+    return QStringLiteral("LF");
+}
+
 void KNSQLEditor::replaceRanges(const QList<Replacement> &replacements)
 {
     beginUndoAction();
@@ -179,35 +207,38 @@ void KNSQLEditor::markError(const KNRange &range)
     markErrorLine(static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, start)) + 1);
     SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ErrorIndicator));
     SendScintilla(SCI_INDICATORFILLRANGE, start, positionOf(range.location + range.length) - start);
-    m_errorMark = range;
+    m_errorMarks.append(range);
 }
 
 void KNSQLEditor::markErrorLine(int line)
 {
-    clearErrorMark();
-    markerAdd(line - 1, ErrorMarker);
-    m_hasErrorMark = true;
+    constexpr long Marked = 1L << ErrorMarker;
+    if ((SendScintilla(SCI_MARKERGET, line - 1) & Marked) == 0)
+        markerAdd(line - 1, ErrorMarker);
+    m_hasErrorMarks = true;
 }
 
-void KNSQLEditor::clearErrorMark()
+void KNSQLEditor::clearErrorMarks()
 {
-    if (!m_hasErrorMark)
+    if (!m_hasErrorMarks)
         return;
-    m_hasErrorMark = false;
-    m_errorMark = {};
+    m_hasErrorMarks = false;
+    m_errorMarks.clear();
     markerDeleteAll(ErrorMarker);
     SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ErrorIndicator));
     SendScintilla(SCI_INDICATORCLEARRANGE, 0UL, static_cast<long>(length()));
 }
 
-KNRange KNSQLEditor::errorMark() const
+QList<int> KNSQLEditor::errorLines() const
 {
-    return m_errorMark;
-}
-
-int KNSQLEditor::errorLine() const
-{
-    return static_cast<int>(SendScintilla(SCI_MARKERNEXT, 0UL, 1L << ErrorMarker)) + 1;
+    const auto next = [this](long from) {
+        return static_cast<int>(
+            SendScintilla(SCI_MARKERNEXT, static_cast<unsigned long>(from), 1L << ErrorMarker));
+    };
+    QList<int> marked;
+    for (int line = next(0); line >= 0; line = next(line + 1))
+        marked.append(line + 1);
+    return marked;
 }
 
 void KNSQLEditor::toggleComment()
@@ -277,8 +308,7 @@ void KNSQLEditor::askForLine()
     dialog->setLabelText(tr("Line (1 to %1):").arg(lines()));
     dialog->setInputMode(QInputDialog::IntInput);
     dialog->setIntRange(1, lines());
-    dialog->setIntValue(
-        static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETCURRENTPOS))) + 1);
+    dialog->setIntValue(cursorLine());
     connect(dialog, &QInputDialog::intValueSelected, this, &KNSQLEditor::goToLine);
     dialog->open();
 }
@@ -286,6 +316,26 @@ void KNSQLEditor::askForLine()
 void KNSQLEditor::resetZoom()
 {
     zoomTo(0);
+}
+
+bool KNSQLEditor::event(QEvent *event)
+{
+    if (event->type() != QEvent::ShortcutOverride || !isShortcutOfWindow(*static_cast<QKeyEvent *>(event)))
+        return QsciScintilla::event(event);
+    event->ignore();
+    return true;
+}
+
+/// Shortcuts of the window, which the user can change, precede the component's own bindings.
+bool KNSQLEditor::isShortcutOfWindow(const QKeyEvent &key) const
+{
+    if (!(key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) && key.key() < Qt::Key_F1)
+        return false;
+    const QKeySequence pressed(key.keyCombination());
+    const auto actions = window()->findChildren<QAction *>();
+    return std::any_of(actions.begin(), actions.end(), [&](const QAction *action) {
+        return action->isEnabled() && action->shortcuts().contains(pressed);
+    });
 }
 
 void KNSQLEditor::changeEvent(QEvent *event)

@@ -34,6 +34,12 @@ public:
     /// Selects the range and scrolls to it. Positions beyond the text are set to its end.
     void selectRange(const KNRange &range);
     QString textOfRange(const KNRange &range) const;
+    /// The line (from 1) of the cursor.
+    int cursorLine() const;
+    /// The number of UTF-16 units before the cursor in its line, plus 1.
+    int cursorColumn() const;
+    /// The line end that Return inserts: "LF", "CRLF" or "CR".
+    QString lineEndName() const;
 
     struct Replacement
     {
@@ -45,15 +51,15 @@ public:
     /// Replaces the selection with a text and moves the cursor behind it.
     void insertText(const QString &text);
 
-    /// Underlines the range and marks its line in the margin until the next edit or clearErrorMark().
+    /// Underlines the range and marks its line in the margin until the next edit or clearErrorMarks().
     void markError(const KNRange &range);
     /// Marks a line (from 1) in the margin only.
     void markErrorLine(int line);
-    void clearErrorMark();
-    /// The underlined range; not found if there is none.
-    KNRange errorMark() const;
-    /// The line (from 1) marked in the margin; 0 if none.
-    int errorLine() const;
+    void clearErrorMarks();
+    /// The underlined ranges in the order in which they were marked.
+    const QList<KNRange> &errorMarks() const { return m_errorMarks; }
+    /// The lines (from 1) marked in the margin, ascending.
+    QList<int> errorLines() const;
 
 public Q_SLOTS:
     /// Comments out the selected lines, or uncomments them if all of them are line comments.
@@ -67,10 +73,12 @@ public Q_SLOTS:
     void resetZoom();
 
 protected:
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    bool isShortcutOfWindow(const QKeyEvent &key) const;
     void configure();
     void releaseKeys();
     void addKeys();
@@ -83,7 +91,7 @@ private:
     qsizetype locationOf(int position) const;
 
     KNSQLLexer *const m_lexer;
-    KNRange m_errorMark;
-    bool m_hasErrorMark = false;
+    QList<KNRange> m_errorMarks;
+    bool m_hasErrorMarks = false;
     KNNotificationCenter::Token m_preferencesObserver;
 };

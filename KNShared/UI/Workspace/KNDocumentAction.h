@@ -5,6 +5,9 @@ enum class KNDocumentAction {
     Execute,
     ExecuteBatch, ///< the batch at the cursor
     Cancel,
+    Commit,   ///< ends the open transaction
+    Rollback, ///< undoes the open transaction
+    Reconnect,
     Save,
     SaveAs,
     Find,

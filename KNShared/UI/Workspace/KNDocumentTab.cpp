@@ -49,6 +49,11 @@ bool KNDocumentTab::canPerform(KNDocumentAction) const
 
 void KNDocumentTab::perform(KNDocumentAction) {}
 
+QString KNDocumentTab::textForCopy() const
+{
+    return {};
+}
+
 bool KNDocumentTab::insertText(const QString &)
 {
     return false;

@@ -51,6 +51,8 @@ public:
     virtual bool canPerform(KNDocumentAction action) const;
     /// Performs an action that canPerform() allows.
     virtual void perform(KNDocumentAction action);
+    /// The text of a copy of this document; null, the default, for documents that cannot be copied.
+    virtual QString textForCopy() const;
     /// Inserts a text at the cursor; false, the default, for documents that do not accept text.
     virtual bool insertText(const QString &text);
 

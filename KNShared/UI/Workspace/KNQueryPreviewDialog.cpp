@@ -159,7 +159,7 @@ void KNQueryPreviewDialog::showRunning(bool isRunning, const QString &progressTi
     m_progress->setVisible(isRunning);
     m_cancel->setEnabled(true);
     if (isRunning) {
-        m_editor->clearErrorMark();
+        m_editor->clearErrorMarks();
         m_failure->hide();
     }
     updateButtons();

@@ -63,8 +63,8 @@ TEST(SQLEditor, MarksAnErrorUntilTheNextEdit)
     const auto editor = editorWith(text);
     const KNRange wrong{text.indexOf(QStringLiteral("wrong")), 5};
     editor->markError(wrong);
-    EXPECT_EQ(editor->errorLine(), 2);
-    EXPECT_EQ(editor->errorMark(), wrong);
+    EXPECT_EQ(editor->errorLines(), QList<int>{2});
+    EXPECT_EQ(editor->errorMarks(), QList<KNRange>{wrong});
     const auto marked = [&](qsizetype unit) {
         const auto position = text.left(unit).toUtf8().size();
         return editor->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, 8UL,
@@ -76,8 +76,8 @@ TEST(SQLEditor, MarksAnErrorUntilTheNextEdit)
     EXPECT_FALSE(marked(wrong.location + 5));
 
     QTest::keyClick(editor.get(), 'x');
-    EXPECT_EQ(editor->errorLine(), 0);
-    EXPECT_FALSE(editor->errorMark().isFound());
+    EXPECT_EQ(editor->errorLines(), QList<int>());
+    EXPECT_TRUE(editor->errorMarks().isEmpty());
     EXPECT_EQ(editor->SendScintilla(QsciScintillaBase::SCI_INDICATOREND, 8UL, 0L), 0);
 }
 

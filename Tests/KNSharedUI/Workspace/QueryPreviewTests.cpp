@@ -152,7 +152,7 @@ TEST_F(QueryPreviews, StayOpenAfterAFailureAndMarkTheStatement)
     EXPECT_TRUE(visibleTexts().contains(
         QStringLiteral("It does not exist.\nStatements before this one may have changed something.")))
         << visibleTexts().toStdString();
-    EXPECT_EQ(dialog()->findChild<KNSQLEditor *>()->errorMark(), (KNRange{12, 15}));
+    EXPECT_EQ(dialog()->findChild<KNSQLEditor *>()->errorMarks(), QList<KNRange>{(KNRange{12, 15})});
     EXPECT_TRUE(button("Drop")->isEnabled());
     EXPECT_TRUE(ended.isEmpty());
     button("Cancel")->click();

@@ -20,6 +20,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_fontSize(new QSpinBox)
     , m_tabWidth(new QSpinBox)
     , m_rowLimit(new QSpinBox)
+    , m_continuesAfterError(new QCheckBox(tr("&Continue a script after a batch with an error")))
     , m_nullText(new QLineEdit)
     , m_dateFormat(new QComboBox)
     , m_theme(new QComboBox)
@@ -109,6 +110,7 @@ QWidget *PreferencesDialog::makeResultsGroup()
     m_rowLimit->setSuffix(tr(" rows"));
     m_dateFormat->addItems({tr("To the millisecond"), tr("All digits, as stored")});
     form->addRow(tr("Keep of each &result:"), m_rowLimit);
+    form->addRow(m_continuesAfterError);
     form->addRow(tr("Show &NULL as:"), m_nullText);
     form->addRow(tr("Show &dates:"), m_dateFormat);
     return group;
@@ -134,6 +136,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_fontSize->setValue(preferences.editorFont.pointSize());
     m_tabWidth->setValue(preferences.tabWidth);
     m_rowLimit->setValue(preferences.rowLimit);
+    m_continuesAfterError->setChecked(preferences.continuesAfterError);
     m_nullText->setText(preferences.nullText);
     m_dateFormat->setCurrentIndex(static_cast<int>(preferences.dateFormat));
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
@@ -148,6 +151,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.editorFont.setPointSize(m_fontSize->value());
     preferences.tabWidth = m_tabWidth->value();
     preferences.rowLimit = m_rowLimit->value();
+    preferences.continuesAfterError = m_continuesAfterError->isChecked();
     preferences.nullText = m_nullText->text();
     preferences.dateFormat = static_cast<KNPreferences::DateFormat>(m_dateFormat->currentIndex());
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());

@@ -36,6 +36,7 @@ private:
     QSpinBox *const m_fontSize;
     QSpinBox *const m_tabWidth;
     QSpinBox *const m_rowLimit;
+    QCheckBox *const m_continuesAfterError;
     QLineEdit *const m_nullText;
     QComboBox *const m_dateFormat;
     QComboBox *const m_theme;

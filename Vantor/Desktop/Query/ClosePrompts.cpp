@@ -28,6 +28,21 @@ void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed)
     });
 }
 
+void confirmReconnection(QueryTab &tab, const std::function<void()> &proceed)
+{
+    if (!tab.status().hasOpenTransaction) {
+        proceed();
+        return;
+    }
+    const KNAlerts::Question question{QueryTab::tr("%1 has a transaction open.").arg(tab.title()),
+                                      QueryTab::tr("A new session rolls it back."),
+                                      {QueryTab::tr("Cancel"), QueryTab::tr("Roll Back and Reconnect")}};
+    KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
+        if (self && button == 1 && self->canPerform(KNDocumentAction::Reconnect))
+            proceed();
+    });
+}
+
 void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed)
 {
     if (!tab.isModified() || (tab.filePath().isNull() && tab.text().isEmpty())) {

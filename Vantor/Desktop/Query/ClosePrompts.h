@@ -7,6 +7,9 @@ class QueryTab;
 /// Asks whether a running query may be stopped or an open transaction rolled back. `proceed` is called if
 /// there is neither or the user agrees.
 void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed);
+/// Asks whether an open transaction may be rolled back by a new session. `proceed` is called if there is none
+/// or the user agrees.
+void confirmReconnection(QueryTab &tab, const std::function<void()> &proceed);
 /// Asks whether unsaved text is to be saved or discarded, and saves it. `proceed` is called if nothing is
 /// unsaved any more or the text is discarded.
 void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed);

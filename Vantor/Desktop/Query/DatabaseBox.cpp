@@ -3,7 +3,9 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNDispatch.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 
@@ -18,6 +20,8 @@ DatabaseBox::DatabaseBox(QWidget *parent)
     setMinimumContentsLength(20);
     completer()->setCompletionMode(QCompleter::PopupCompletion);
     lineEdit()->setPlaceholderText(tr("Default database"));
+    view()->installEventFilter(this);
+    completer()->popup()->installEventFilter(this);
     connect(this, &QComboBox::activated, this, &DatabaseBox::choose);
     connect(lineEdit(), &QLineEdit::returnPressed, this, &DatabaseBox::choose);
     // A typed name that was not confirmed is not the session's database.
@@ -39,6 +43,32 @@ void DatabaseBox::showPopup()
         QComboBox::showPopup();
     else
         load();
+}
+
+bool DatabaseBox::event(QEvent *event)
+{
+    return leavesAt(event) || QComboBox::event(event);
+}
+
+bool DatabaseBox::eventFilter(QObject *watched, QEvent *event)
+{
+    return leavesAt(event) || QComboBox::eventFilter(watched, event);
+}
+
+/// Escape closes the lists, drops a typed name and leaves the box, before any shortcut.
+bool DatabaseBox::leavesAt(QEvent *event)
+{
+    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!isKey || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape)
+        return false;
+    event->accept();
+    if (event->type() == QEvent::KeyPress) {
+        completer()->popup()->hide();
+        hidePopup();
+        setEditText(m_current);
+        Q_EMIT left();
+    }
+    return true;
 }
 
 void DatabaseBox::choose()

@@ -26,8 +26,15 @@ Q_SIGNALS:
     void databaseChosen(const QString &name);
     void loadFailed(const KNError &error);
     void loaded();
+    /// The user left the box without a choice.
+    void left();
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool leavesAt(QEvent *event);
     void load();
     void choose();
 

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int ShowingTime = 20; // milliseconds for putting in messages before the program has its turn
 constexpr int PiecesAtOnce = 200;
+constexpr qsizetype MostErrorTargets = 1000;
 
 } // namespace
 
@@ -23,6 +24,7 @@ MessagesView::MessagesView(QWidget *parent)
 {
     setAccessibleName(tr("Messages"));
     setReadOnly(true);
+    setMouseTracking(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setUndoRedoEnabled(false);
@@ -54,7 +56,12 @@ void MessagesView::finishRun(const KNError &error)
 
 void MessagesView::addText(const QString &text, bool isError)
 {
-    add({text, isError, 0});
+    add({text, isError});
+}
+
+void MessagesView::addLink(const QString &text, const QString &link)
+{
+    add({text, false, {.isLink = true}, link});
 }
 
 void MessagesView::clearMessages()
@@ -64,7 +71,8 @@ void MessagesView::clearMessages()
     m_pending.clear();
     m_position = 0;
     m_awaitingMessages.clear();
-    m_firstErrorLine = 0;
+    m_errorTargets.clear();
+    m_targets.clear();
     m_errorCount = 0;
     m_firstError.clear();
     m_isSilent = true;
@@ -104,26 +112,25 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
     for (const KNDisplayMessage &message : isSilent ? QList<KNDisplayMessage>() : messages) {
         const bool red = message.colour == KNDisplayMessage::Colour::Red;
         if (!red || !saysErrors) // red ones repeat the server's errors
-            add({message.text, red, 0});
+            add({KNMessageText::summaryText(result, message.text), red});
     }
     if (const qsizetype dropped = result.rows().droppedRowCount())
         add({tr("The row limit keeps %1 rows of this result; %2 more were read and not kept.")
-                 .arg(result.rows().rowCount())
-                 .arg(dropped),
-             false, 0});
+                 .arg(KNMessageText::countText(result.rows().rowCount()), KNMessageText::countText(dropped)),
+             false});
 }
 
 void MessagesView::addMessage(const DatabaseMessage &message)
 {
-    const int line = KNMessageText::lineOf(message);
+    const Target target{message.textRange, KNMessageText::lineOf(message)};
     const bool isError = message.isFailure();
     if (isError) {
         if (m_errorCount++ == 0)
             m_firstError = KNMessageText::textOf(message);
-        if (m_firstErrorLine == 0)
-            m_firstErrorLine = line;
+        if ((target.range.isFound() || target.line > 0) && m_errorTargets.size() < MostErrorTargets)
+            m_errorTargets.append(target);
     }
-    m_pending.push_back({message, isError, line});
+    m_pending.push_back({message, isError, target});
     m_showTimer->start();
 }
 
@@ -142,9 +149,6 @@ void MessagesView::showPending()
 {
     QElapsedTimer timer;
     timer.start();
-    QTextCharFormat plain;
-    QTextCharFormat red;
-    red.setForeground(KNSQLColours::forPalette(palette()).error);
     QTextCursor cursor(document());
     cursor.movePosition(QTextCursor::End);
     while (!m_pending.empty() && timer.elapsed() < ShowingTime) {
@@ -152,15 +156,7 @@ void MessagesView::showPending()
         for (int i = 0; i < PiecesAtOnce && !m_pending.empty(); ++i) {
             const Piece piece = std::move(m_pending.front());
             m_pending.pop_front();
-            const auto *const message = std::get_if<DatabaseMessage>(&piece.content);
-            const QString text = message ? KNMessageText::textOf(*message) : std::get<QString>(piece.content);
-            const auto lines = text.split(u'\n');
-            for (const QString &line : lines) {
-                if (!document()->isEmpty() || cursor.blockNumber() > 0)
-                    cursor.insertBlock();
-                cursor.block().setUserState(piece.line);
-                cursor.insertText(line.endsWith(u'\r') ? line.chopped(1) : line, piece.isError ? red : plain);
-            }
+            showPiece(piece, cursor);
         }
         cursor.endEditBlock();
     }
@@ -168,11 +164,60 @@ void MessagesView::showPending()
         m_showTimer->stop();
 }
 
+void MessagesView::showPiece(const Piece &piece, QTextCursor &cursor)
+{
+    QTextCharFormat format;
+    if (piece.isError)
+        format.setForeground(KNSQLColours::forPalette(palette()).error);
+    const int number = numberOf(piece.target);
+    const auto *const message = std::get_if<DatabaseMessage>(&piece.content);
+    const QString text = message ? KNMessageText::textOf(*message) : std::get<QString>(piece.content);
+    const auto lines = text.split(u'\n');
+    for (const QString &line : lines) {
+        if (!document()->isEmpty() || cursor.blockNumber() > 0)
+            cursor.insertBlock();
+        cursor.block().setUserState(number);
+        cursor.insertText(line.endsWith(u'\r') ? line.chopped(1) : line, format);
+    }
+    if (piece.link.isEmpty())
+        return;
+    QTextCharFormat link;
+    link.setAnchor(true);
+    link.setAnchorHref(piece.link);
+    link.setFontUnderline(true);
+    link.setForeground(palette().link());
+    cursor.insertText(QStringLiteral(" "), {});
+    cursor.insertText(piece.link, link);
+    cursor.setCharFormat({});
+}
+
+/// Lets a text block refer to a target; 0 for one that leads nowhere.
+int MessagesView::numberOf(const Target &target)
+{
+    if (!target.range.isFound() && target.line == 0 && !target.isLink)
+        return 0;
+    m_targets.append(target);
+    return static_cast<int>(m_targets.size());
+}
+
 void MessagesView::mouseReleaseEvent(QMouseEvent *event)
 {
     QPlainTextEdit::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton && !textCursor().hasSelection())
-        activate(cursorForPosition(event->position().toPoint()));
+    if (event->button() != Qt::LeftButton || textCursor().hasSelection())
+        return;
+    const QPoint position = event->position().toPoint();
+    const QTextCursor cursor = cursorForPosition(position);
+    // A click beside the link must not run anything.
+    if (const Target *const target = targetAt(cursor);
+        target && (!target->isLink || !anchorAt(position).isEmpty()))
+        activate(cursor);
+}
+
+void MessagesView::mouseMoveEvent(QMouseEvent *event)
+{
+    QPlainTextEdit::mouseMoveEvent(event);
+    const bool isOverLink = !anchorAt(event->position().toPoint()).isEmpty();
+    viewport()->setCursor(isOverLink ? Qt::PointingHandCursor : Qt::IBeamCursor);
 }
 
 void MessagesView::keyPressEvent(QKeyEvent *event)
@@ -183,10 +228,23 @@ void MessagesView::keyPressEvent(QKeyEvent *event)
         QPlainTextEdit::keyPressEvent(event);
 }
 
+/// Null if the message leads nowhere.
+const MessagesView::Target *MessagesView::targetAt(const QTextCursor &cursor) const
+{
+    const int number = cursor.block().userState();
+    return number > 0 && number <= m_targets.size() ? &m_targets[number - 1] : nullptr;
+}
+
 void MessagesView::activate(const QTextCursor &cursor)
 {
-    if (const int line = cursor.block().userState(); line > 0)
-        Q_EMIT lineActivated(line);
+    const Target *const found = targetAt(cursor);
+    if (!found)
+        return;
+    const Target target = *found; // a run that begins now removes it
+    if (target.isLink)
+        Q_EMIT linkActivated();
+    else
+        Q_EMIT targetActivated(target);
 }
 
 /// Recolours messages that are already shown, to suit the background.
@@ -197,15 +255,19 @@ void MessagesView::changeEvent(QEvent *event)
         return;
     const QColor red = KNSQLColours::forPalette(palette()).error;
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-        const auto fragment = block.begin();
-        if (fragment == block.end() ||
-            !fragment.fragment().charFormat().hasProperty(QTextFormat::ForegroundBrush) ||
-            fragment.fragment().charFormat().foreground().color() == red)
-            continue;
-        QTextCursor cursor(block);
-        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        QTextCharFormat format;
-        format.setForeground(red);
-        cursor.mergeCharFormat(format);
+        for (auto part = block.begin(); part != block.end(); ++part) {
+            const QTextFragment fragment = part.fragment();
+            const QTextCharFormat before = fragment.charFormat();
+            const QColor colour = before.isAnchor() ? palette().color(QPalette::Link) : red;
+            if (!before.hasProperty(QTextFormat::ForegroundBrush) || before.foreground().color() == colour)
+                continue;
+            QTextCursor cursor(document());
+            cursor.setPosition(fragment.position());
+            cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+            QTextCharFormat format;
+            format.setForeground(colour);
+            cursor.mergeCharFormat(format);
+            part = block.begin(); // the fragments may have changed
+        }
     }
 }

@@ -28,6 +28,8 @@ QList<KNQueryDetails> batchesOf(const QueryRequest &request, const VantorDBC &de
 {
     if (request.part == QueryRequest::Part::Everything)
         return split(request.text, details);
+    if (request.part == QueryRequest::Part::Batches)
+        return request.batches;
     if (request.part == QueryRequest::Part::BatchAt)
         return batchAt(request.range.location, split(request.text, details));
     const KNRange range = request.range;
@@ -39,4 +41,22 @@ QList<KNQueryDetails> batchesOf(const QueryRequest &request, const VantorDBC &de
         batch.lineNumberOffset += linesBefore;
     }
     return batches;
+}
+
+QString textOf(const QueryRequest &request)
+{
+    switch (request.part) {
+    case QueryRequest::Part::Range:
+        return request.text.mid(request.range.location, request.range.length);
+    case QueryRequest::Part::Batches: {
+        QStringList batches;
+        for (const KNQueryDetails &batch : request.batches)
+            batches.append(batch.targetQuery);
+        return batches.join(QStringLiteral("\nGO\n"));
+    }
+    case QueryRequest::Part::Everything:
+    case QueryRequest::Part::BatchAt:
+        break;
+    }
+    return request.text;
 }

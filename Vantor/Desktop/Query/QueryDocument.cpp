@@ -22,6 +22,7 @@ bool QueryDocument::open(const QString &path, KNError *error)
         return false;
     m_editor->setWholeText(text);
     Q_EMIT titleChanged();
+    Q_EMIT pathChanged(filePath());
     return true;
 }
 
@@ -99,9 +100,12 @@ void QueryDocument::write(const TextFile &file, const std::function<void()> &sav
         KNAlerts::shared().showError(m_editor, error);
         return;
     }
+    const bool isNew = written.path() != m_file.path();
     m_file = written;
     m_editor->setModified(false);
     Q_EMIT titleChanged();
+    if (isNew)
+        Q_EMIT pathChanged(filePath());
     if (saved)
         saved();
 }

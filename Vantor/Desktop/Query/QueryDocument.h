@@ -22,6 +22,7 @@ public:
     QString filePath() const { return m_file.path(); }
     /// The file's name, or the untitled document's name.
     QString title() const;
+    QString encodingName() const { return m_file.encodingName(); }
     void setUntitledName(const QString &name);
     QString untitledName() const { return m_untitledName; }
     bool isModified() const;
@@ -37,6 +38,8 @@ public:
 Q_SIGNALS:
     /// Name, file or modified state has changed.
     void titleChanged();
+    /// The text was opened from or saved to another file.
+    void pathChanged(const QString &path);
 
 private:
     void write(const TextFile &file, const std::function<void()> &saved);

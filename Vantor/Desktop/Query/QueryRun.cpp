@@ -6,7 +6,6 @@
 
 #include <QPointer>
 
-#include <algorithm>
 #include <condition_variable>
 
 /// The state that the worker and the cancelling threads share. It outlives the run.
@@ -67,20 +66,26 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
         phase = Phase::Running;
     }
     results->setRowLimit(request.rowLimit);
-    // Recorded before they run: the session may be lost with their changes.
-    for (const KNQueryDetails &batch : batches)
+    KNScriptRun script(request.onError);
+    script.setIsCancelled([this] {
+        const std::lock_guard lock(mutex);
+        return isCancelled;
+    });
+    bool mayHaveChanged = false;
+    script.setBeforeBatch([&](const KNQueryDetails &batch) {
+        // Recorded before it runs: the session may be lost with its changes.
         connection->addSessionState(client.sessionStateAfter(batch.targetQuery));
-    client.executeQueryDetails(batches, *results, {}, error);
-    outcome->wasCancelled = client.wasCancelled();
+        mayHaveChanged = mayHaveChanged || client.mayChangeTransaction(batch.targetQuery);
+    });
+    script.run(batches, client, *results, error);
+    outcome->notRun = script.notRun();
     {
         const std::lock_guard lock(mutex);
+        outcome->wasCancelled = isCancelled || client.wasCancelled();
         phase = Phase::Done;
         changed.notify_all();
     }
     outcome->database = client.currentDatabase();
-    const bool mayHaveChanged = std::any_of(batches.begin(), batches.end(), [&](const KNQueryDetails &batch) {
-        return client.mayChangeTransaction(batch.targetQuery);
-    });
     if (!client.isConnected()) {
         outcome->inTransaction = false;
     } else if (request.asksForTransaction || mayHaveChanged) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/KNResultSetHolder.h"
+#include "Database/KNScriptRun.h"
 #include "Database/VantorTabConnection.h"
 #include "Foundation/KNChangeNotifier.h"
 
@@ -14,11 +15,14 @@ struct QueryRequest
         Everything,
         Range,   ///< the text in `range`
         BatchAt, ///< the batch in which `range` begins
+        Batches, ///< those in `batches`
     };
 
     QString text; ///< the whole text, to which lines and ranges of errors refer
     Part part = Part::Everything;
     KNRange range = {};
+    QList<KNQueryDetails> batches = {}; ///< batches of an earlier run that were not run
+    KNOnError onError = KNOnError::Stop;
     qsizetype rowLimit = 0;          ///< maximum number of rows kept for each result; 0 for all
     bool asksForTransaction = false; ///< checks for an open transaction even if the text cannot change it
 };
@@ -29,6 +33,7 @@ struct QueryOutcome
     KNError error;
     bool wasCancelled = false;
     bool hadBatches = true;
+    QList<KNQueryDetails> notRun;      ///< the batches that were not run because of an error
     QString database;                  ///< the session's current database; null if not known
     std::optional<bool> inTransaction; ///< nullopt if it was not checked or there was no answer
 };

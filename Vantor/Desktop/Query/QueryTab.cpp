@@ -5,9 +5,11 @@
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/EditorActions.h"
 #include "Desktop/Query/MessagesView.h"
+#include "Desktop/Query/QueryBatches.h"
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryRun.h"
-#include "Foundation/KNDispatch.h"
+#include "Desktop/Query/QuerySession.h"
+#include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
@@ -16,12 +18,11 @@
 #include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
 
+#include <QKeyEvent>
 #include <QPointer>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QUuid>
-
-#include <algorithm>
 
 namespace {
 
@@ -37,24 +38,25 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_document(new QueryDocument(m_editor))
     , m_findBar(new KNFindBar(m_editor))
     , m_databaseBox(new DatabaseBox)
+    , m_transactionBar(new TransactionBar)
     , m_resultsPane(new KNResultsPane)
     , m_messages(new MessagesView)
     , m_resultTabs(new QTabWidget)
     , m_clock(new QTimer(this))
+    , m_session(std::make_unique<QuerySession>(details))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
 {
     m_editor->setDialect(details.tokenizerOptions(), details.keywords(), details.functions(),
                          details.dataTypes());
     arrange();
     connectParts();
-    newConnection(details);
+    m_databaseBox->setConnectionDetails(details);
     showDatabase(details.database());
 }
 
 QueryTab::~QueryTab()
 {
     m_run.reset();
-    releaseConnection();
 }
 
 void QueryTab::arrange()
@@ -66,6 +68,8 @@ void QueryTab::arrange()
     top->addWidget(databaseLabel);
     top->addWidget(m_databaseBox);
     top->addStretch(1);
+    top->addWidget(m_transactionBar);
+    m_transactionBar->hide();
 
     auto *const editing = new QWidget;
     auto *const editingLayout = new QVBoxLayout(editing);
@@ -106,10 +110,31 @@ void QueryTab::connectParts()
     connect(m_editor, &KNSQLEditor::textChanged, this, [this] { m_isEditedSinceRun = true; });
     connect(m_editor, &KNSQLEditor::textChanged, this, &QueryTab::stateChanged);
     connect(m_editor, &KNSQLEditor::cursorPositionChanged, this, &QueryTab::stateChanged);
-    connect(m_messages, &MessagesView::lineActivated, m_editor, &KNSQLEditor::goToLine);
+    connect(m_editor, &KNSQLEditor::cursorPositionChanged, this, &QueryTab::statusChanged);
+    connect(m_document, &QueryDocument::pathChanged, this, &QueryTab::statusChanged);
+    connect(m_session.get(), &QuerySession::stateChanged, this, &QueryTab::statusChanged);
+    connect(m_session.get(), &QuerySession::databaseReached, this,
+            [this](const QString &name) { showDatabase(name.isNull() ? m_database : name); });
+    connect(m_session.get(), &QuerySession::succeeded, this,
+            [this](const QString &text) { m_messages->addText(text, false); });
+    connect(m_session.get(), &QuerySession::failed, this,
+            [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
+    connect(m_session.get(), &QuerySession::lost, this, &QueryTab::askAboutLostSession);
+    connect(m_transactionBar, &TransactionBar::commitRequested, this,
+            [this] { perform(KNDocumentAction::Commit); });
+    connect(m_transactionBar, &TransactionBar::rollbackRequested, this,
+            [this] { perform(KNDocumentAction::Rollback); });
+    connect(this, &QueryTab::statusChanged, this,
+            [this] { m_transactionBar->setVisible(canPerform(KNDocumentAction::Commit)); });
+    connect(m_messages, &MessagesView::targetActivated, this,
+            [this](const MessagesView::Target &target) { goTo(target.range, target.line); });
+    connect(m_messages, &MessagesView::linkActivated, this, &QueryTab::runRemainingBatches);
     connect(m_messages, &MessagesView::errorCountChanged, this, [this](int count) {
-        m_resultTabs->setTabText(1, count == 0 ? tr("Messages") : tr("Messages (%1)").arg(count));
+        m_resultTabs->setTabText(1, count == 0 ? tr("Messages")
+                                               : tr("Messages (%1)").arg(KNMessageText::countText(count)));
     });
+    connect(m_databaseBox, &DatabaseBox::left, m_editor, qOverload<>(&KNSQLEditor::setFocus));
+    connect(m_databaseBox, &DatabaseBox::databaseChosen, m_editor, qOverload<>(&KNSQLEditor::setFocus));
     connect(m_databaseBox, &DatabaseBox::databaseChosen, this, &QueryTab::changeDatabase);
     connect(m_databaseBox, &DatabaseBox::loadFailed, this,
             [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
@@ -123,6 +148,11 @@ QString QueryTab::text() const
 void QueryTab::setText(const QString &text)
 {
     m_editor->setWholeText(text);
+}
+
+QString QueryTab::textForCopy() const
+{
+    return text();
 }
 
 bool QueryTab::insertText(const QString &text)
@@ -176,12 +206,20 @@ void QueryTab::prepareToEndSession(std::function<void()> proceed)
 
 std::shared_ptr<const VantorDBC> QueryTab::databaseConnectionDetails() const
 {
-    return m_connection->connectionDetails();
+    return m_session->connectionDetails();
 }
 
 bool QueryTab::isRunning() const
 {
     return m_run && !m_run->isFinished();
+}
+
+KNDocumentStatus::Outcome QueryTab::outcome() const
+{
+    if (!m_run || !m_run->isFinished() || m_run->outcome().wasCancelled)
+        return KNDocumentStatus::Outcome::None;
+    const bool hadErrors = m_run->outcome().error || m_messages->errorCount() > 0;
+    return hadErrors ? KNDocumentStatus::Outcome::Failed : KNDocumentStatus::Outcome::Succeeded;
 }
 
 KNDocumentStatus QueryTab::status() const
@@ -190,8 +228,13 @@ KNDocumentStatus QueryTab::status() const
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
     status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;
+    status.outcome = outcome();
+    status.line = m_editor->cursorLine();
+    status.column = m_editor->cursorColumn();
+    status.encoding = m_document->encodingName();
+    status.lineEnds = m_editor->lineEndName();
     status.isRunning = isRunning();
-    status.hasOpenTransaction = m_hasOpenTransaction;
+    status.hasOpenTransaction = m_session->hasOpenTransaction();
     return status;
 }
 
@@ -222,6 +265,11 @@ bool QueryTab::canPerform(KNDocumentAction action) const
         return !isRunning();
     case KNDocumentAction::Cancel:
         return isRunning();
+    case KNDocumentAction::Commit:
+    case KNDocumentAction::Rollback:
+        return m_session->hasOpenTransaction() && !isRunning() && !m_session->isBusy();
+    case KNDocumentAction::Reconnect:
+        return !isRunning() && !m_session->isBusy();
     default:
         return true;
     }
@@ -236,6 +284,12 @@ void QueryTab::perform(KNDocumentAction action)
         return runBatchAtCursor();
     case KNDocumentAction::Cancel:
         return cancel();
+    case KNDocumentAction::Commit:
+    case KNDocumentAction::Rollback:
+        m_editor->setFocus();
+        return m_session->endTransaction(action == KNDocumentAction::Commit);
+    case KNDocumentAction::Reconnect:
+        return confirmReconnection(*this, [this] { m_session->reconnect(); });
     case KNDocumentAction::Save:
         return m_document->save();
     case KNDocumentAction::SaveAs:
@@ -260,9 +314,10 @@ void QueryTab::restore(const TabState &state)
     m_editor->selectRange({state.cursor, 0});
     if (state.database.isEmpty() || state.database == m_database)
         return;
-    const VantorDBCPtr details = m_connection->connectionDetails();
+    const VantorDBCPtr details = m_session->connectionDetails();
     details->setDatabase(state.database);
-    newConnection(*details);
+    m_session->replace(*details);
+    m_databaseBox->setConnectionDetails(*details);
     showDatabase(state.database);
 }
 
@@ -283,26 +338,40 @@ void QueryTab::runBatchAtCursor()
     start(std::move(request));
 }
 
+void QueryTab::runRemainingBatches()
+{
+    if (isRunning() || !m_run || m_run->outcome().notRun.isEmpty())
+        return;
+    QueryRequest request;
+    request.part = QueryRequest::Part::Batches;
+    request.batches = m_run->outcome().notRun;
+    const bool wasEdited = m_isEditedSinceRun;
+    start(std::move(request));
+    m_isEditedSinceRun = wasEdited; // the batches keep their lines in the text before
+}
+
 void QueryTab::start(QueryRequest request)
 {
     if (isRunning())
         return;
-    if (m_isChangingDatabase) {
-        m_afterChangeOfDatabase = [this, request] { start(request); };
+    if (m_session->isBusy()) {
+        m_session->setNext([this, request] { start(request); });
         return;
     }
     request.text = text();
-    request.rowLimit = KNPreferences::current().rowLimit;
-    request.asksForTransaction = m_hasOpenTransaction;
-    m_editor->clearErrorMark();
+    const KNPreferences preferences = KNPreferences::current();
+    request.rowLimit = preferences.rowLimit;
+    request.onError = preferences.continuesAfterError ? KNOnError::Continue : KNOnError::Stop;
+    request.asksForTransaction = m_session->hasOpenTransaction();
+    m_editor->clearErrorMarks();
     m_isEditedSinceRun = false;
     m_showsRows = false;
     m_databaseBox->setEnabled(false);
     m_resultTabs->show();
-    m_run = std::make_unique<QueryRun>(m_connection, std::move(request), nullptr);
+    m_run = std::make_unique<QueryRun>(m_session->connection(), std::move(request), nullptr);
     connect(m_run.get(), &QueryRun::resultsChanged, this, &QueryTab::showNewResults);
     connect(m_run.get(), &QueryRun::finished, this, &QueryTab::finishRun);
-    m_resultsPane->beginRun(m_run->results(), *m_connection->connectionDetails());
+    m_resultsPane->beginRun(m_run->results(), *m_session->connectionDetails());
     m_messages->beginRun(m_run->results());
     m_runBegan = QDateTime::currentDateTimeUtc();
     m_run->start();
@@ -332,7 +401,7 @@ void QueryTab::finishRun()
     m_clock->stop();
     const QueryOutcome &outcome = m_run->outcome();
     if (m_run->isAbandoned())
-        newConnection(*m_connection->connectionDetails());
+        m_session->replace(*m_session->connectionDetails());
     m_resultsPane->finishRun();
     showNewResults();
     m_messages->finishRun(outcome.error);
@@ -340,7 +409,7 @@ void QueryTab::finishRun()
     if (!outcome.database.isNull())
         showDatabase(outcome.database);
     if (outcome.inTransaction)
-        m_hasOpenTransaction = *outcome.inTransaction;
+        m_session->setHasOpenTransaction(*outcome.inTransaction);
     Q_EMIT statusChanged();
     showOutcome();
     const QueryRequest &request = m_run->request();
@@ -348,12 +417,9 @@ void QueryTab::finishRun()
         askAboutLostSession(outcome.error, [this, request] { start(request); });
         return;
     }
-    Q_EMIT runFinished({m_runBegan,
-                        request.part == QueryRequest::Part::Range
-                            ? request.text.mid(request.range.location, request.range.length)
-                            : request.text,
-                        m_database, m_run->elapsedMilliseconds(), m_run->results()->totalResultCount(),
-                        m_messages->firstError(), outcome.wasCancelled});
+    Q_EMIT runFinished({m_runBegan, textOf(request), m_database, m_run->elapsedMilliseconds(),
+                        m_run->results()->totalResultCount(), m_messages->firstError(),
+                        outcome.wasCancelled});
 }
 
 void QueryTab::showOutcome()
@@ -363,18 +429,46 @@ void QueryTab::showOutcome()
         m_messages->addText(tr("Connecting was cancelled."), false);
     else if (!outcome.hadBatches && !outcome.error)
         m_messages->addText(tr("There is nothing to run."), false);
+    if (const qint64 count = KNScriptRun::countOf(outcome.notRun))
+        m_messages->addLink(KNMessageText::batchesNotRun(count), count == 1 ? tr("Run it") : tr("Run them"));
     if (m_messages->errorCount() > 0 || !m_showsRows)
         m_resultTabs->setCurrentWidget(m_messages);
     if (!m_isEditedSinceRun)
-        markError(outcome.error);
+        markErrors(outcome.error);
 }
 
-void QueryTab::markError(const KNError &error)
+void QueryTab::markErrors(const KNError &error)
 {
-    if (const KNRange range = KNMessageText::markedRange(error); range.isFound())
-        m_editor->markError(range);
-    else if (const int line = m_messages->firstErrorLine(); line > 0)
-        m_editor->markErrorLine(line);
+    const auto mark = [this](const KNRange &range, int line) {
+        if (range.isFound())
+            m_editor->markError(range);
+        else if (line > 0)
+            m_editor->markErrorLine(line);
+    };
+    if (m_messages->errorTargets().isEmpty())
+        mark(KNMessageText::markedRange(error), 0);
+    for (const MessagesView::Target &target : m_messages->errorTargets())
+        mark(target.range, target.line);
+}
+
+void QueryTab::goTo(const KNRange &range, int line)
+{
+    if (line > 0)
+        m_editor->goToLine(line);
+    if (range.isFound() && !m_isEditedSinceRun)
+        m_editor->selectRange(range);
+    m_editor->setFocus();
+}
+
+/// Escape closes the find bar, wherever the focus is.
+void QueryTab::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Escape || m_findBar->isHidden()) {
+        KNDocumentTab::keyPressEvent(event);
+        return;
+    }
+    m_findBar->hide();
+    m_editor->setFocus();
 }
 
 void QueryTab::toggleResults()
@@ -402,38 +496,10 @@ void QueryTab::showNextPane()
 
 void QueryTab::changeDatabase(const QString &name)
 {
-    if (isRunning() || m_isChangingDatabase) {
+    if (isRunning() || m_session->isBusy())
         m_databaseBox->showDatabase(m_database);
-        return;
-    }
-    m_isChangingDatabase = true;
-    KNDispatch::globalQueue([tab = QPointer(this), connection = m_connection, name] {
-        KNError error;
-        QString database;
-        connection->executeQuery(
-            [&](VantorDatabaseClient &client, KNError *failure) {
-                client.changeDatabase(name, failure);
-                database = client.currentDatabase();
-            },
-            &error);
-        KNDispatch::mainQueue([tab, name, database, error] {
-            if (tab)
-                tab->endChangeOfDatabase(name, database, error);
-        });
-    });
-}
-
-/// `name` is the requested database, `database` the session's current one.
-void QueryTab::endChangeOfDatabase(const QString &name, const QString &database, const KNError &error)
-{
-    m_isChangingDatabase = false;
-    if (VantorTabConnection::isSessionLost(error))
-        askAboutLostSession(error, [this, name] { changeDatabase(name); });
-    else if (error)
-        KNAlerts::shared().showError(this, error);
-    showDatabase(database.isNull() ? m_database : database);
-    if (const auto next = std::exchange(m_afterChangeOfDatabase, {}); next && !error)
-        next();
+    else
+        m_session->changeDatabase(name);
 }
 
 /// Nothing runs on a new session before the user is told what was lost with the old one.
@@ -442,14 +508,12 @@ void QueryTab::askAboutLostSession(const KNError &error, std::function<void()> p
     const KNAlerts::Question question{error.localizedDescription(),
                                       tr("Run on a new connection?"),
                                       {tr("Cancel"), tr("Run on New Connection")}};
-    KNAlerts::shared().ask(this, question,
-                           [self = QPointer(this), connection = m_connection, proceed](int button) {
-                               if (!self || button != 1 || self->isRunning())
-                                   return;
-                               connection->beginNewSession();
-                               self->m_hasOpenTransaction = false;
-                               proceed();
-                           });
+    KNAlerts::shared().ask(this, question, [self = QPointer(this), proceed](int button) {
+        if (!self || button != 1 || self->isRunning())
+            return;
+        self->m_session->acceptLoss();
+        proceed();
+    });
 }
 
 void QueryTab::showDatabase(const QString &name)
@@ -461,19 +525,4 @@ void QueryTab::showDatabase(const QString &name)
         return;
     Q_EMIT statusChanged();
     Q_EMIT stateChanged();
-}
-
-void QueryTab::newConnection(const VantorDBC &details)
-{
-    releaseConnection();
-    m_connection = VantorDatabaseConnectionPool::sharedInstance()->connectionForTab(details);
-    m_databaseBox->setConnectionDetails(details);
-    m_hasOpenTransaction = false;
-}
-
-/// Closing a connection may wait for the server.
-void QueryTab::releaseConnection()
-{
-    if (m_connection)
-        KNDispatch::globalQueue([connection = std::exchange(m_connection, nullptr)] {});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Database/KNQueryDetails.h"
 #include "Database/VantorDBC.h"
 #include "Desktop/Session/QueryHistoryEntry.h"
 #include "Desktop/Session/TabState.h"
@@ -18,7 +19,8 @@ class QTabWidget;
 class QTimer;
 class QueryDocument;
 class QueryRun;
-class VantorTabConnection;
+class QuerySession;
+class TransactionBar;
 struct QueryRequest;
 
 /// A query: an editor, its results and messages, and its own session. On the UI thread.
@@ -61,6 +63,7 @@ public:
     std::optional<KNDocumentState> savedState() const override;
     bool canPerform(KNDocumentAction action) const override;
     void perform(KNDocumentAction action) override;
+    QString textForCopy() const override;
     bool insertText(const QString &text) override;
 
     QueryDocument *document() const { return m_document; }
@@ -75,6 +78,8 @@ public Q_SLOTS:
     void run();
     /// Runs the batch at the cursor.
     void runBatchAtCursor();
+    /// Runs the batches that the last run left out because of an error.
+    void runRemainingBatches();
     void cancel();
     /// Hides the results and messages, or shows them again.
     void toggleResults();
@@ -85,6 +90,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     void runFinished(const QueryHistoryEntry &entry);
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     void arrange();
     void connectParts();
@@ -92,29 +100,26 @@ private:
     void showNewResults();
     void finishRun();
     void showOutcome();
-    void markError(const KNError &error);
-    void endChangeOfDatabase(const QString &name, const QString &database, const KNError &error);
+    void markErrors(const KNError &error);
+    void goTo(const KNRange &range, int line);
+    KNDocumentStatus::Outcome outcome() const;
     void askAboutLostSession(const KNError &error, std::function<void()> proceed);
     void showDatabase(const QString &name);
-    void newConnection(const VantorDBC &details);
-    void releaseConnection();
 
     KNSQLEditor *const m_editor;
     QueryDocument *const m_document;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
+    TransactionBar *const m_transactionBar;
     KNResultsPane *const m_resultsPane;
     MessagesView *const m_messages;
     QTabWidget *const m_resultTabs;
     QTimer *const m_clock; ///< shows the elapsed time of a run
-    std::shared_ptr<VantorTabConnection> m_connection;
+    const std::unique_ptr<QuerySession> m_session;
     std::unique_ptr<QueryRun> m_run; ///< the current or last one
-    std::function<void()> m_afterChangeOfDatabase;
     QString m_id;
     QString m_database;
     QDateTime m_runBegan;
-    bool m_isChangingDatabase = false;
-    bool m_hasOpenTransaction = false;
     bool m_isEditedSinceRun = false;
     bool m_showsRows = false; ///< the run has a result with columns
 };

@@ -116,6 +116,23 @@ bool TextFile::read(const QString &path, QString *text, KNError *error)
     return true;
 }
 
+QString TextFile::encodingName() const
+{
+    switch (m_encoding) {
+    case Encoding::UTF8WithMark:
+        return tr("UTF-8 with BOM");
+    case Encoding::UTF16LittleEndian:
+        return QStringLiteral("UTF-16 LE");
+    case Encoding::UTF16BigEndian:
+        return QStringLiteral("UTF-16 BE");
+    case Encoding::Latin1:
+        return QStringLiteral("ISO 8859-1");
+    case Encoding::UTF8:
+        break;
+    }
+    return QStringLiteral("UTF-8");
+}
+
 QByteArray TextFile::encoded(const QString &text)
 {
     QStringEncoder encoder(converterFor(m_encoding));

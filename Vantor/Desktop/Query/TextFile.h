@@ -22,6 +22,8 @@ public:
     QString path() const { return m_path; }
     void setPath(const QString &path) { m_path = path; }
     Encoding encoding() const { return m_encoding; }
+    /// The name of the encoding for users, such as "UTF-8 with BOM".
+    QString encodingName() const;
 
     /// Reads the file into `text`; false, with an error and without changes, on failure. Text that is not
     /// valid UTF-8 is decoded as Latin-1.

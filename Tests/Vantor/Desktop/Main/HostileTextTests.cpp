@@ -136,7 +136,7 @@ TEST_F(HostileTexts, OfResultsAndMessagesAreShownAsTheyAre)
 {
     const QString longText = Markup + QString(300, QLatin1Char('x')); // does not fit into its column
     run(KNFormat("SELECT N'%@' AS ", longText) +
-        withMarkup("[{}], 1 AS [{}2]\nPRINT N'{}'\nRAISERROR(N'{}', 16, 1)\nGO\n"
+        withMarkup("[{}], 1 AS [{}2]\nPRINT N'{}'\nRAISERROR(N'{}', 16, 1)\n"
                    "SELECT * FROM [{}]"));
     EXPECT_TRUE(waitFor([&] { return tab()->messages()->toPlainText().count(Markup) >= 3; }))
         << tab()->messages()->toPlainText().toStdString();

@@ -65,7 +65,8 @@ TEST_F(Messages, NameNumberLevelStateProcedureAndLineOfTheWholeText)
                              "Msg 8134, Level 16, State 1, Procedure dbo.p, Line 4\nDivide by zero.\n"
                              "Command completed successfully. (1 result)."));
     EXPECT_EQ(view.errorCount(), 2);
-    EXPECT_EQ(view.firstErrorLine(), 13);
+    ASSERT_EQ(view.errorTargets().size(), 1) << "a line of a procedure is none of the text";
+    EXPECT_EQ(view.errorTargets().first().line, 13);
     EXPECT_GT(colourOfLine(3).red(), 150);
     EXPECT_LT(colourOfLine(1).red(), 100);
 }
@@ -79,7 +80,8 @@ TEST_F(Messages, GoToTheirLineByAClickAndByReturn)
     view.finishRun({});
     shown();
     QList<int> lines;
-    QObject::connect(&view, &MessagesView::lineActivated, &view, [&](int line) { lines.append(line); });
+    QObject::connect(&view, &MessagesView::targetActivated, &view,
+                     [&](const MessagesView::Target &target) { lines.append(target.line); });
     QTextCursor cursor(view.document()->findBlockByNumber(3));
     view.setTextCursor(cursor);
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.cursorRect().center());
@@ -109,7 +111,7 @@ TEST_F(Messages, ShowErrorOfRunWithoutResult)
     view.finishRun(KNError(QStringLiteral("x"), 1, QStringLiteral("Login failed.\r\nReally.")));
     EXPECT_EQ(shown(), QStringLiteral("Login failed.\nReally."));
     EXPECT_EQ(view.errorCount(), 1);
-    EXPECT_EQ(view.firstErrorLine(), 0);
+    EXPECT_TRUE(view.errorTargets().isEmpty());
 
     view.beginRun(holder);
     add({message(208, 16, 3, "wrong")}, {QStringLiteral("wrong."), KNDisplayMessage::Colour::Red});

@@ -93,16 +93,17 @@ TEST_F(QueryTabs, MarkTheWordThatTheServerComplainsAbout)
 {
     const QString text = QString::fromUtf8("select '\xF0\x9F\x98\x80é'\nGO\n\nselect *\nfrom nowhere");
     run(text);
-    EXPECT_EQ(tab.editor()->errorMark(), (KNRange{text.indexOf(QStringLiteral("nowhere")), 7}));
-    EXPECT_EQ(tab.editor()->errorLine(), 5);
+    EXPECT_EQ(tab.editor()->errorMarks(),
+              QList<KNRange>{(KNRange{text.indexOf(QStringLiteral("nowhere")), 7})});
+    EXPECT_EQ(tab.editor()->errorLines(), QList<int>{5});
     EXPECT_EQ(resultTabs().currentWidget(), tab.messages());
     EXPECT_EQ(resultTabs().tabText(1), QStringLiteral("Messages (1)"));
     EXPECT_TRUE(messages().contains(QStringLiteral("Msg 208, Level 16, State 1, Line ")))
         << messages().toStdString();
-    tab.editor()->clearErrorMark();
+    tab.editor()->clearErrorMarks();
     run(QStringLiteral("select 1"));
     EXPECT_EQ(resultTabs().tabText(1), QStringLiteral("Messages"));
-    EXPECT_EQ(tab.editor()->errorLine(), 0);
+    EXPECT_EQ(tab.editor()->errorLines(), QList<int>());
 }
 
 TEST_F(QueryTabs, CountTheLinesOfASelectionFromTheTextsBeginning)
@@ -112,7 +113,7 @@ TEST_F(QueryTabs, CountTheLinesOfASelectionFromTheTextsBeginning)
     tab.run();
     ASSERT_TRUE(finish(tab));
     EXPECT_TRUE(messages().contains(QStringLiteral("Line 6"))) << messages().toStdString();
-    EXPECT_EQ(tab.editor()->errorLine(), 6);
+    EXPECT_EQ(tab.editor()->errorLines(), QList<int>{6});
     EXPECT_EQ(tab.status().rowCount, 0);
 
     tab.messages()->moveCursor(QTextCursor::Start);
@@ -160,7 +161,7 @@ TEST_F(QueryTabs, CancelAWaitAndKeepTheSession)
         tab.cancel(); // however early
         tab.cancel();
         ASSERT_TRUE(finish(tab));
-        EXPECT_EQ(tab.messages()->firstErrorLine(), 0);
+        EXPECT_TRUE(tab.messages()->errorTargets().isEmpty());
     }
     tab.run();
     ASSERT_TRUE(waitFor([&] { return tab.status().elapsedMilliseconds > 50; }));
@@ -336,7 +337,7 @@ TEST_F(QueryTabs, MarkNothingInATextThatWasChangedMeanwhile)
     tab.insertText(QStringLiteral("-- "));
     ASSERT_TRUE(finish(tab));
     EXPECT_EQ(tab.messages()->errorCount(), 1);
-    EXPECT_EQ(tab.editor()->errorLine(), 0);
+    EXPECT_EQ(tab.editor()->errorLines(), QList<int>());
 }
 
 TEST_F(QueryTabs, ReportEmptyText)

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Database/VantorTabConnection.h"
+
+#include <QObject>
+
+/// The session of a query tab between its runs: its database, its transaction, and what the user does with
+/// them in the background. On the UI thread.
+class QuerySession : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit QuerySession(const VantorDBC &details);
+    /// Closes the session in the background.
+    ~QuerySession() override;
+
+    /// For a run, which needs it on another thread.
+    const std::shared_ptr<VantorTabConnection> &connection() const { return m_connection; }
+    /// A copy of the settings, with the database in which the last run ended.
+    VantorDBCPtr connectionDetails() const { return m_connection->connectionDetails(); }
+    /// Closes the session in the background; a new one is opened when it is needed.
+    void replace(const VantorDBC &details);
+    /// Lets the next run use a new session in place of a lost one.
+    void acceptLoss();
+
+    bool hasOpenTransaction() const { return m_hasOpenTransaction; }
+    void setHasOpenTransaction(bool hasOpenTransaction);
+    /// Whether one of the operations below has not ended yet.
+    bool isBusy() const { return m_isBusy; }
+    /// Calls `next` after the current operation unless that fails.
+    void setNext(std::function<void()> next) { m_next = std::move(next); }
+
+    /// \name Operations; not while busy or during a run
+    /// @{
+    void changeDatabase(const QString &name);
+    /// Commits the open transaction, or rolls it back.
+    void endTransaction(bool commits);
+    /// Opens a new session.
+    void reconnect();
+    /// @}
+
+Q_SIGNALS:
+    void stateChanged();
+    /// An attempt to change the database has ended in this one; null if it is not known.
+    void databaseReached(const QString &name);
+    /// An operation succeeded; the text says so.
+    void succeeded(const QString &text);
+    void failed(const KNError &error);
+    /// A session with state was lost before `retry` could be done.
+    void lost(const KNError &error, const std::function<void()> &retry);
+
+private:
+    using Work = VantorDatabaseConnectionPool::Work;
+    using Finish = std::function<void(const KNError &error)>;
+
+    void perform(const Work &work, const Finish &finish);
+    void release();
+
+    std::shared_ptr<VantorTabConnection> m_connection;
+    std::function<void()> m_next;
+    bool m_isBusy = false;
+    bool m_hasOpenTransaction = false;
+};
