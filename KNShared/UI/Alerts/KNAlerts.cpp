@@ -1,11 +1,30 @@
 #include "UI/Alerts/KNAlerts.h"
 
 #include <QAbstractButton>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace {
+
+/// A message box that Escape and the window's cross close whatever its buttons are. Closed so, none of them
+/// was clicked.
+class ClosableBox : public QMessageBox
+{
+public:
+    using QMessageBox::QMessageBox;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape)
+            reject();
+        else
+            QMessageBox::keyPressEvent(event);
+    }
+    void closeEvent(QCloseEvent *event) override { QDialog::closeEvent(event); }
+};
 
 /// The desktop's message boxes, shown as sheets of their window.
 class MessageBoxes : public KNAlerts
@@ -42,7 +61,7 @@ private:
     static QMessageBox *make(QWidget *parent, QMessageBox::Icon icon, const QString &title,
                              const QString &text)
     {
-        auto *const box = new QMessageBox(parent);
+        auto *const box = new ClosableBox(parent);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->setIcon(icon);
         box->setTextInteractionFlags(Qt::TextSelectableByMouse);
