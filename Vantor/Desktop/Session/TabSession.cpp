@@ -21,19 +21,23 @@ struct StoredTab
 {
     KNDocumentState state;
     int position = 0;
+    bool isCurrent = false; ///< in front
 };
 
 const QString IdKey = QStringLiteral("id");
 const QString KindKey = QStringLiteral("kind");
 const QString PositionKey = QStringLiteral("position");
+const QString CurrentKey = QStringLiteral("current");
 const QString KindOfOldFiles = QStringLiteral("query"); // for files from before other kinds existed
 
-QByteArray toJson(const KNDocumentState &state, int position)
+QByteArray toJson(const StoredTab &tab)
 {
-    QJsonObject object = state.content;
-    object.insert(IdKey, state.id);
-    object.insert(KindKey, state.kind);
-    object.insert(PositionKey, position);
+    QJsonObject object = tab.state.content;
+    object.insert(IdKey, tab.state.id);
+    object.insert(KindKey, tab.state.kind);
+    object.insert(PositionKey, tab.position);
+    if (tab.isCurrent)
+        object.insert(CurrentKey, true);
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -44,11 +48,12 @@ std::optional<StoredTab> fromJson(const QByteArray &bytes)
     tab.state.id = object.take(IdKey).toString();
     tab.state.kind = object.take(KindKey).toString(KindOfOldFiles);
     tab.position = object.take(PositionKey).toInt();
+    tab.isCurrent = object.take(CurrentKey).toBool();
     tab.state.content = object;
     return tab.state.id.isEmpty() ? std::nullopt : std::optional(tab);
 }
 
-QList<KNDocumentState> readTabs(const QString &folder)
+QList<StoredTab> readTabs(const QString &folder)
 {
     QList<StoredTab> tabs;
     const QDir directory(folder);
@@ -63,10 +68,7 @@ QList<KNDocumentState> readTabs(const QString &folder)
     }
     std::stable_sort(tabs.begin(), tabs.end(),
                      [](const StoredTab &a, const StoredTab &b) { return a.position < b.position; });
-    QList<KNDocumentState> states;
-    for (const StoredTab &tab : std::as_const(tabs))
-        states.append(tab.state);
-    return states;
+    return tabs;
 }
 
 QString fileOf(const QString &folder, const QString &id)
@@ -95,8 +97,8 @@ struct TabSession::Writer
         bool succeeded = true;
         for (const auto &[id, tab] : work) {
             const QString path = fileOf(folder, id);
-            const bool done = tab ? KNReplacePrivateFile(path, toJson(tab->state, tab->position))
-                                  : !QFile::exists(path) || QFile::remove(path);
+            const bool done =
+                tab ? KNReplacePrivateFile(path, toJson(*tab)) : !QFile::exists(path) || QFile::remove(path);
             if (done)
                 continue;
             KNLogHelper::sharedInstance()->logMessage("A tab could not be remembered: %@", path);
@@ -145,17 +147,21 @@ void TabSession::openFolder(const QString &connectionId)
         lock->setStaleLockTime(0); // a lock is valid as long as its program runs, regardless of its age
         if (!lock->tryLock())
             continue;
-        const QList<KNDocumentState> states = readTabs(folder);
-        m_stored += states;
+        const QList<StoredTab> tabs = readTabs(folder);
+        for (const StoredTab &tab : tabs) {
+            m_stored.append(tab.state);
+            if (tab.isCurrent && m_storedCurrent.isNull())
+                m_storedCurrent = tab.state.id;
+        }
         if (!m_lock) {
             m_folder = folder;
             m_lock = std::move(lock);
             continue;
         }
-        int position = static_cast<int>(m_stored.size() - states.size());
-        for (const KNDocumentState &state : states) {
-            if (KNReplacePrivateFile(fileOf(m_folder, state.id), toJson(state, position++)))
-                QFile::remove(fileOf(folder, state.id));
+        int position = static_cast<int>(m_stored.size() - tabs.size());
+        for (const StoredTab &tab : tabs) {
+            if (KNReplacePrivateFile(fileOf(m_folder, tab.state.id), toJson({tab.state, position++})))
+                QFile::remove(fileOf(folder, tab.state.id));
         }
     }
 }
@@ -188,6 +194,15 @@ void TabSession::setTabs(const QList<KNDocumentTab *> &tabs)
     m_timer->start();
 }
 
+void TabSession::setCurrentTab(KNDocumentTab *tab)
+{
+    const QPointer<KNDocumentTab> before = std::exchange(m_current, tab);
+    for (KNDocumentTab *const changed : {before.data(), tab}) {
+        if (changed && before != tab)
+            markChanged(changed);
+    }
+}
+
 void TabSession::markChanged(KNDocumentTab *tab)
 {
     if (!m_changed.contains(tab))
@@ -203,7 +218,7 @@ void TabSession::collect()
         const qsizetype position = m_tabs.indexOf(tab);
         const auto state = tab && position >= 0 ? tab->savedState() : std::nullopt;
         if (state)
-            m_writer->pending[state->id] = StoredTab{*state, static_cast<int>(position)};
+            m_writer->pending[state->id] = StoredTab{*state, static_cast<int>(position), tab == m_current};
     }
     m_changed.clear();
 }

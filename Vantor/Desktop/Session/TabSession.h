@@ -31,6 +31,10 @@ public:
 
     /// The documents of the last session in their order, without damaged files. Read by the constructor.
     QList<KNDocumentState> storedTabs() const { return m_stored; }
+    /// The id of the one that was in front; null if not known.
+    QString storedCurrentTab() const { return m_storedCurrent; }
+    /// Sets the document in front, one of setTabs(); null for none.
+    void setCurrentTab(KNDocumentTab *tab);
     /// Sets the documents to save from now on, in this order. Documents without a saved state are skipped.
     void setTabs(const QList<KNDocumentTab *> &tabs);
     /// Writes pending changes before it returns; false if a write failed. For the program's end, before the
@@ -54,6 +58,8 @@ private:
     QString m_folder;
     std::unique_ptr<QLockFile> m_lock;
     QList<KNDocumentState> m_stored;
+    QString m_storedCurrent;
+    QPointer<KNDocumentTab> m_current;
     QList<QPointer<KNDocumentTab>> m_tabs;
     QList<QPointer<KNDocumentTab>> m_changed;
     QStringList m_ids; ///< of the documents; before the first setTabs() of the stored ones
