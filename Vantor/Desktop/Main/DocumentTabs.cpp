@@ -1,12 +1,56 @@
 #include "Desktop/Main/DocumentTabs.h"
 
+#include "Desktop/Main/DocumentTabMenu.h"
+#include "Desktop/Main/TabCycle.h"
+#include "Desktop/Main/TabTitles.h"
 #include "Foundation/KNFormat.h"
+#include "UI/Icons/KNIcon.h"
 #include "UI/KNPlainToolTip.h"
 
+#include <QMenu>
+#include <QMouseEvent>
 #include <QTabBar>
+
+namespace {
+
+/// The icon of a document's tab: what it does, or how its last run ended.
+QIcon iconOf(const KNDocumentTab &document)
+{
+    const KNDocumentStatus status = document.status();
+    if (status.isRunning)
+        return KNIcon::named(QStringLiteral("tab-running"));
+    switch (status.outcome) {
+    case KNDocumentStatus::Outcome::Succeeded:
+        return KNIcon::named(QStringLiteral("tab-succeeded"));
+    case KNDocumentStatus::Outcome::Failed:
+        return KNIcon::named(QStringLiteral("tab-failed"));
+    case KNDocumentStatus::Outcome::None:
+        break;
+    }
+    return document.icon();
+}
+
+/// What the icon says, in words; empty if it says nothing.
+QString stateText(const KNDocumentStatus &status)
+{
+    if (status.isRunning)
+        return DocumentTabs::tr("A query is running.");
+    switch (status.outcome) {
+    case KNDocumentStatus::Outcome::Succeeded:
+        return DocumentTabs::tr("The last run succeeded.");
+    case KNDocumentStatus::Outcome::Failed:
+        return DocumentTabs::tr("The last run had errors.");
+    case KNDocumentStatus::Outcome::None:
+        break;
+    }
+    return {};
+}
+
+} // namespace
 
 DocumentTabs::DocumentTabs(QWidget *parent)
     : QTabWidget(parent)
+    , m_cycle(new TabCycle(this))
 {
     setDocumentMode(true);
     setTabsClosable(true);
@@ -17,6 +61,10 @@ DocumentTabs::DocumentTabs(QWidget *parent)
     connect(this, &QTabWidget::tabCloseRequested, this,
             [this](int index) { closeDocument(documents().value(index)); });
     connect(tabBar(), &QTabBar::tabMoved, this, &DocumentTabs::documentsChanged);
+    connect(this, &DocumentTabs::documentsChanged, this, &DocumentTabs::updateTitles);
+    tabBar()->installEventFilter(this);
+    tabBar()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(tabBar(), &QTabBar::customContextMenuRequested, this, &DocumentTabs::showMenu);
 }
 
 QList<KNDocumentTab *> DocumentTabs::documents() const
@@ -35,12 +83,13 @@ KNDocumentTab *DocumentTabs::currentDocument() const
 void DocumentTabs::insertDocument(int index, KNDocumentTab *document)
 {
     insertTab(index, document, QString());
-    connect(document, &KNDocumentTab::titleChanged, this, [this, document] { updateTab(document); });
+    connect(document, &KNDocumentTab::titleChanged, this, [this] { updateTitles(); });
     connect(document, &KNDocumentTab::statusChanged, this, [this, document] {
+        updateState(document);
         if (document == currentDocument())
             Q_EMIT currentStatusChanged();
     });
-    updateTab(document);
+    updateState(document);
     Q_EMIT documentsChanged();
 }
 
@@ -54,10 +103,49 @@ void DocumentTabs::removeDocument(KNDocumentTab *document)
 
 void DocumentTabs::closeDocument(KNDocumentTab *document)
 {
-    document->prepareToClose([self = QPointer(this), document = QPointer(document)] {
-        if (self && document && self->indexOf(document) >= 0)
-            self->removeDocument(document);
+    closeThen(document, [] {});
+}
+
+void DocumentTabs::closeThen(KNDocumentTab *document, const std::function<void()> &proceed)
+{
+    document->prepareToClose([self = QPointer(this), document = QPointer(document), proceed] {
+        if (!self || !document || self->indexOf(document) < 0)
+            return;
+        const auto state = document->isUnused() ? std::nullopt : document->savedState();
+        if (state)
+            self->m_closed.append(*state);
+        if (self->m_closed.size() > MostClosed)
+            self->m_closed.removeFirst();
+        self->removeDocument(document);
+        proceed();
     });
+}
+
+void DocumentTabs::closeDocuments(const QList<KNDocumentTab *> &toClose)
+{
+    QList<QPointer<KNDocumentTab>> left;
+    for (KNDocumentTab *const document : toClose)
+        left.append(document);
+    closeNext(left);
+}
+
+void DocumentTabs::closeNext(const QList<QPointer<KNDocumentTab>> &toClose)
+{
+    if (toClose.isEmpty())
+        return;
+    const auto next = [self = QPointer(this), rest = toClose.mid(1)] {
+        if (self)
+            self->closeNext(rest);
+    };
+    if (toClose.first())
+        closeThen(toClose.first(), next);
+    else
+        next();
+}
+
+std::optional<KNDocumentState> DocumentTabs::takeClosedDocument()
+{
+    return m_closed.isEmpty() ? std::nullopt : std::optional(m_closed.takeLast());
 }
 
 void DocumentTabs::prepareToEndSession(std::function<void()> proceed)
@@ -90,14 +178,61 @@ void DocumentTabs::showAdjacent(int offset)
         setCurrentIndex((currentIndex() + offset + count()) % count());
 }
 
-void DocumentTabs::updateTab(KNDocumentTab *document)
+void DocumentTabs::showRecent(int offset)
+{
+    m_cycle->step(offset);
+}
+
+void DocumentTabs::updateTitles()
+{
+    const QList<KNDocumentTab *> all = documents();
+    const QStringList titles = distinctTitles(all);
+    for (qsizetype i = 0; i < all.size(); ++i)
+        updateTab(all[i], titles[i]);
+}
+
+void DocumentTabs::updateTab(KNDocumentTab *document, const QString &title)
+{
+    const int index = indexOf(document);
+    setTabText(index, document->isModified() ? KNFormat("%@ •", title) : title);
+    updateState(document);
+}
+
+/// Called several times a second while a query runs.
+void DocumentTabs::updateState(KNDocumentTab *document)
 {
     const int index = indexOf(document);
     if (index < 0)
         return;
-    const QString title = document->title();
     const QString path = document->filePath();
-    setTabText(index, document->isModified() ? KNFormat("%@ •", title) : title);
-    setTabToolTip(index, KNPlainToolTip(path.isNull() ? title : path));
-    setTabIcon(index, document->icon());
+    const QString state = stateText(document->status());
+    const QString name = path.isNull() ? document->title() : path;
+    const QString toolTip = KNPlainToolTip(state.isEmpty() ? name : name + QLatin1Char('\n') + state);
+    if (tabToolTip(index) == toolTip && state.isEmpty() == tabIcon(index).isNull())
+        return;
+    setTabToolTip(index, toolTip);
+    setTabIcon(index, iconOf(*document));
+}
+
+bool DocumentTabs::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto *const mouse = static_cast<const QMouseEvent *>(event);
+    if (watched == tabBar() && event->type() == QEvent::MouseButtonRelease &&
+        mouse->button() == Qt::MiddleButton) {
+        if (KNDocumentTab *const document = documents().value(tabBar()->tabAt(mouse->position().toPoint())))
+            closeDocument(document);
+        return true;
+    }
+    return QTabWidget::eventFilter(watched, event);
+}
+
+void DocumentTabs::showMenu(const QPoint &position)
+{
+    KNDocumentTab *const document = documents().value(tabBar()->tabAt(position));
+    if (!document)
+        return;
+    auto *const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    fillDocumentTabMenu(*menu, *this, *document);
+    menu->popup(tabBar()->mapToGlobal(position));
 }

@@ -5,6 +5,8 @@
 #include <QPointer>
 #include <QTabWidget>
 
+class TabCycle;
+
 /// The tabs of a window's documents. On the UI thread.
 class DocumentTabs : public QTabWidget
 {
@@ -24,18 +26,42 @@ public:
     void removeDocument(KNDocumentTab *document);
     /// Asks what must be answered before the document is closed, and removes it.
     void closeDocument(KNDocumentTab *document);
+    /// Closes one document after the other, until one does not agree.
+    void closeDocuments(const QList<KNDocumentTab *> &toClose);
+    /// Whether takeClosedDocument() has a state.
+    bool hasClosedDocuments() const { return !m_closed.isEmpty(); }
+    /// Removes and returns the state of the document that was closed last; empty if there is none.
+    std::optional<KNDocumentState> takeClosedDocument();
     /// Asks one document after the other. `proceed` is called once all of them agree.
     void prepareToEndSession(std::function<void()> proceed);
     /// Shows the tab `offset` places to the right of the one in front; the last tab is followed by the first.
     void showAdjacent(int offset);
+    /// Steps through the tabs in the order of their last use, until Ctrl is released.
+    void showRecent(int offset);
 
 Q_SIGNALS:
     /// Documents were added, removed or moved.
     void documentsChanged();
     /// Another document is current, or the status of the current one has changed.
     void currentStatusChanged();
+    /// The user wants the document back that was closed last.
+    void reopenRequested();
+    void duplicateRequested(KNDocumentTab *document);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void updateTab(KNDocumentTab *document);
+    static constexpr qsizetype MostClosed = 20;
+
+    void updateTitles();
+    void updateTab(KNDocumentTab *document, const QString &title);
+    void updateState(KNDocumentTab *document);
+    void showMenu(const QPoint &position);
+    void closeNext(const QList<QPointer<KNDocumentTab>> &toClose);
+    void closeThen(KNDocumentTab *document, const std::function<void()> &proceed);
     void askNext(const QList<QPointer<KNDocumentTab>> &toAsk, const std::function<void()> &proceed);
+
+    TabCycle *const m_cycle;
+    QList<KNDocumentState> m_closed; ///< the one closed last at the end
 };

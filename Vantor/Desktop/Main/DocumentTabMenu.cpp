@@ -1,0 +1,33 @@
+#include "Desktop/Main/DocumentTabMenu.h"
+
+#include "Desktop/Main/DocumentTabs.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QMenu>
+
+void fillDocumentTabMenu(QMenu &menu, DocumentTabs &tabs, KNDocumentTab &document)
+{
+    const auto text = [](const char *title) { return DocumentTabs::tr(title); };
+    const auto add = [&](const char *title, bool isEnabled, const std::function<void()> &perform) {
+        menu.addAction(text(title), &document, perform)->setEnabled(isEnabled);
+    };
+    const QList<KNDocumentTab *> documents = tabs.documents();
+    QList<KNDocumentTab *> others = documents;
+    others.removeAll(&document);
+    const QList<KNDocumentTab *> toTheRight = documents.mid(documents.indexOf(&document) + 1);
+
+    add(QT_TR_NOOP("&Close"), true, [&tabs, &document] { tabs.closeDocuments({&document}); });
+    add(QT_TR_NOOP("Close &Others"), !others.isEmpty(), [&tabs, others] { tabs.closeDocuments(others); });
+    add(QT_TR_NOOP("Close to the &Right"), !toTheRight.isEmpty(),
+        [&tabs, toTheRight] { tabs.closeDocuments(toTheRight); });
+    add(QT_TR_NOOP("Reopen C&losed"), tabs.hasClosedDocuments(), [&tabs] { Q_EMIT tabs.reopenRequested(); });
+    menu.addSeparator();
+    add(QT_TR_NOOP("&Duplicate"), !document.textForCopy().isNull(),
+        [&tabs, &document] { Q_EMIT tabs.duplicateRequested(&document); });
+    add(QT_TR_NOOP("Copy &Path"), !document.filePath().isNull(),
+        [&document] { QApplication::clipboard()->setText(QDir::toNativeSeparators(document.filePath())); });
+    add(QT_TR_NOOP("Reco&nnect"), document.canPerform(KNDocumentAction::Reconnect),
+        [&document] { document.perform(KNDocumentAction::Reconnect); });
+}
