@@ -14,6 +14,7 @@ public:
         QString text;
         Settings details;
         QueryUse use;
+        QString name;
     };
 
     /// Takes a copy of the settings.
@@ -24,9 +25,10 @@ public:
     ~RecordingWorkspace() override { qDeleteAll(opened); }
 
     const Settings &databaseConnectionDetails() const override { return m_details; }
-    void openQueryText(const QString &text, const Settings &details, QueryUse use) override
+    void openQueryText(const QString &text, const Settings &details, QueryUse use,
+                       const QString &name) override
     {
-        queries.push_back({text, details, use});
+        queries.push_back({text, details, use, name});
     }
     void openDocument(std::unique_ptr<KNDocumentTab> document) override { opened.append(document.release()); }
     QList<KNDocumentTab *> documents() const override { return opened; }

@@ -10,11 +10,12 @@ KNWorkspace::KNWorkspace()
 
 KNWorkspace::~KNWorkspace() = default;
 
-void KNWorkspace::openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use)
+void KNWorkspace::openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use,
+                            const QString &name)
 {
     KNQueryLoading::load(
         loader, *details,
-        [self = weakPointer(), details, use](const QString &text, const KNQueryReport &report) {
+        [self = weakPointer(), details, use, name](const QString &text, const KNQueryReport &report) {
             const auto workspace = self.lock();
             if (!workspace)
                 return;
@@ -22,7 +23,7 @@ void KNWorkspace::openQuery(const KNQueryLoaderPtr &loader, const Settings &deta
                 workspace->showLoadFailure(report);
             else
                 workspace->openQueryText(report.guardedText(text), details,
-                                         report.needsAttention() ? QueryUse::Show : use);
+                                         report.needsAttention() ? QueryUse::Show : use, name);
         });
 }
 

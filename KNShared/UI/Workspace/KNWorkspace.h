@@ -38,10 +38,13 @@ public:
     virtual const Settings &databaseConnectionDetails() const = 0;
 
     /// Opens a query with this text in front; null for an empty one. `details` contains the initial database.
-    virtual void openQueryText(const QString &text, const Settings &details, QueryUse use) = 0;
+    /// `name` is the query's title, such as the name of a table; null for a numbered one.
+    virtual void openQueryText(const QString &text, const Settings &details, QueryUse use,
+                               const QString &name) = 0;
     /// Opens a query with the loader's text when it is loaded, immediately for a loader with a fixed text.
     /// Shows a text that is incomplete or has notices without running it. Shows an error if there is no text.
-    void openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use);
+    void openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use,
+                   const QString &name = {});
     /// Shows the reason why a loader has no text.
     void showLoadFailure(const KNQueryReport &report);
 

@@ -2,7 +2,9 @@
 #include "Connector/KNConnectorPlugin.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/MainWindowActions.h"
+#include "Desktop/Main/RecentFiles.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Preferences/ShortcutsDialog.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
 #include "QueryLoader/KNStatementPair.h"
@@ -139,8 +141,9 @@ protected:
     }
 
     PseudoTranslator translator;
-    UntranslatedTexts untranslated{
-        {QStringLiteral("shop"), QStringLiteral("sa"), QStringLiteral("SET LOCK_TIMEOUT 5000")}};
+    UntranslatedTexts untranslated{{QStringLiteral("shop"), QStringLiteral("sa"),
+                                    QStringLiteral("SET LOCK_TIMEOUT 5000"), QStringLiteral("UTF-8"),
+                                    QStringLiteral("LF")}};
 };
 
 const KNConnectorUserInterface &connector()
@@ -158,6 +161,7 @@ TEST_F(Translations, ReachTheMainWindow)
         DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"));
     details->setConnectionId(QStringLiteral("translated"));
     details->setAlias(QStringLiteral("the shop"));
+    RecentFiles::clear(); // their names are data
     auto window = std::make_unique<MainWindow>(*details, &connector());
     window->setAttribute(Qt::WA_DeleteOnClose, false);
     window->show();
@@ -177,6 +181,9 @@ TEST_F(Translations, ReachPreferencesHistoryAndStartWindow)
     PreferencesDialog preferences(connector().preferences());
     preferences.show();
     untranslated.collect(preferences);
+    ShortcutsDialog shortcuts{ShortcutList({})};
+    shortcuts.show();
+    untranslated.collect(shortcuts);
     QueryHistoryDialog history(QueryHistory(QStringLiteral("translated")),
                                *DesktopTesting::settingsFor(SampleServerFixture::shared()));
     history.show();

@@ -2,8 +2,11 @@
 
 #include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindowActions.h"
+#include "Desktop/Main/RecentFiles.h"
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Preferences/ShortcutsDialog.h"
+#include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Session/TabSession.h"
@@ -22,6 +25,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QSplitter>
 
 #include <algorithm>
@@ -78,7 +82,10 @@ MainWindow::MainWindow(const VantorDBC &details, const KNConnectorUserInterface 
     restoreLayout();
     restoreDocuments();
     connect(m_tabs, &DocumentTabs::documentsChanged, this, [this] { m_session->setTabs(documents()); });
+    connect(m_tabs, &QTabWidget::currentChanged, this,
+            [this] { m_session->setCurrentTab(currentDocument()); });
     m_session->setTabs(documents());
+    m_session->setCurrentTab(currentDocument());
 }
 
 MainWindow::~MainWindow() = default;
@@ -98,6 +105,9 @@ void MainWindow::arrange()
 void MainWindow::connectParts()
 {
     connect(m_tabs, &DocumentTabs::currentStatusChanged, this, &MainWindow::updateForCurrentDocument);
+    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::focusDocument);
+    connect(m_tabs, &DocumentTabs::reopenRequested, this, &MainWindow::reopenClosedDocument);
+    connect(m_tabs, &DocumentTabs::duplicateRequested, this, &MainWindow::duplicateDocument);
     connect(m_session, &TabSession::writingFailed, this, [this](bool failed) {
         if (failed)
             KNAlerts::shared().showMessage(this, tr("The tabs could not be remembered."),
@@ -146,9 +156,7 @@ QList<KNDocumentTab *> MainWindow::documents() const
 
 void MainWindow::openDocument(std::unique_ptr<KNDocumentTab> document)
 {
-    KNDocumentTab *const opened = document.release();
-    m_tabs->insertDocument(-1, opened);
-    showDocument(opened);
+    showDocument(append(std::move(document)));
 }
 
 void MainWindow::showDocument(KNDocumentTab *document)
@@ -163,25 +171,43 @@ std::unique_ptr<QueryTab> MainWindow::makeQueryTab(const VantorDBC &details)
     auto tab = std::make_unique<QueryTab>(details);
     connect(tab.get(), &QueryTab::runFinished, this,
             [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
+    connect(tab->document(), &QueryDocument::pathChanged, &RecentFiles::add);
     return tab;
 }
 
-QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text)
+QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text, const QString &name)
 {
     auto made = makeQueryTab(details);
     QueryTab *const tab = made.get();
-    tab->setUntitledName(KNFormat(tr("Query %d"), ++m_untitledCount));
+    tab->setUntitledName(name.isNull() ? KNFormat(tr("Query %d"), ++m_untitledCount) : name);
     if (!text.isNull())
         tab->setText(text);
     openDocument(std::move(made));
     return tab;
 }
 
-void MainWindow::openQueryText(const QString &text, const Settings &details, QueryUse use)
+/// A query of the object explorer that is open and unchanged is run again.
+void MainWindow::openQueryText(const QString &text, const Settings &details, QueryUse use,
+                               const QString &name)
 {
-    QueryTab *const tab = addQueryTab(*details, text);
+    QueryTab *tab = use == QueryUse::Execute ? unchangedQuery(text, *details, name) : nullptr;
+    if (tab)
+        showDocument(tab);
+    else
+        tab = addQueryTab(*details, text, name);
     if (use == QueryUse::Execute)
         tab->run();
+}
+
+QueryTab *MainWindow::unchangedQuery(const QString &text, const VantorDBC &details, const QString &name) const
+{
+    for (KNDocumentTab *const document : documents()) {
+        auto *const tab = qobject_cast<QueryTab *>(document);
+        if (tab && !name.isNull() && tab->title() == name && tab->filePath().isNull() && !tab->isModified() &&
+            !tab->isRunning() && tab->status().database == details.database() && tab->text() == text)
+            return tab;
+    }
+    return nullptr;
 }
 
 void MainWindow::openConnection(const VantorDBC &details)
@@ -214,8 +240,11 @@ void MainWindow::notifyUser(const QString &title, const QString &text)
 void MainWindow::restoreDocuments()
 {
     if (KNPreferences::current().reopensTabs) {
-        for (const KNDocumentState &state : m_session->storedTabs())
-            restoreDocument(state);
+        for (const KNDocumentState &state : m_session->storedTabs()) {
+            KNDocumentTab *const restored = restoreDocument(state);
+            if (restored && state.id == m_session->storedCurrentTab())
+                m_tabs->setCurrentWidget(restored);
+        }
     }
     if (documents().isEmpty())
         newQuery();
@@ -224,20 +253,39 @@ void MainWindow::restoreDocuments()
     updateForCurrentDocument();
 }
 
-void MainWindow::restoreDocument(const KNDocumentState &state)
+/// The restored document; null if its kind is not known.
+KNDocumentTab *MainWindow::restoreDocument(const KNDocumentState &state)
 {
     if (state.kind == QueryTab::Kind) {
         auto tab = makeQueryTab(*m_details);
         tab->restore(TabState::fromDocumentState(state));
         const int number = tab->state().untitledName.section(QLatin1Char(' '), -1).toInt();
         m_untitledCount = std::max(m_untitledCount, number);
-        m_tabs->insertDocument(-1, tab.release());
-        return;
+        return append(std::move(tab));
     }
     if (auto document = m_connector ? m_connector->restoreDocument(state, *this) : nullptr)
-        m_tabs->insertDocument(-1, document.release());
-    else
-        KNLogHelper::sharedInstance()->logMessage("A document of the kind %@ was not restored.", state.kind);
+        return append(std::move(document));
+    KNLogHelper::sharedInstance()->logMessage("A document of the kind %@ was not restored.", state.kind);
+    return nullptr;
+}
+
+KNDocumentTab *MainWindow::append(std::unique_ptr<KNDocumentTab> document)
+{
+    KNDocumentTab *const appended = document.release();
+    m_tabs->insertDocument(-1, appended);
+    return appended;
+}
+
+void MainWindow::reopenClosedDocument()
+{
+    const auto state = m_tabs->takeClosedDocument();
+    if (KNDocumentTab *const document = state ? restoreDocument(*state) : nullptr)
+        showDocument(document);
+}
+
+void MainWindow::duplicateDocument(KNDocumentTab *document)
+{
+    addQueryTab(*document->databaseConnectionDetails(), document->textForCopy());
 }
 
 void MainWindow::updateForCurrentDocument()
@@ -247,6 +295,24 @@ void MainWindow::updateForCurrentDocument()
     else
         m_statusLine->clearStatus();
     m_actions->update();
+}
+
+/// Moves the focus into the current document, into the tree if none is open.
+void MainWindow::focusDocument()
+{
+    if (KNDocumentTab *const document = currentDocument())
+        document->setFocus();
+    else
+        m_explorer->focusTree();
+}
+
+/// Escape that no bar, box or running query has used leads back to the document.
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        focusDocument();
+    else
+        QMainWindow::keyPressEvent(event);
 }
 
 void MainWindow::newQuery()
@@ -327,6 +393,13 @@ void MainWindow::showPreferences()
     dialog->open();
 }
 
+void MainWindow::showShortcuts()
+{
+    auto *const dialog = new ShortcutsDialog(m_actions->shortcuts(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
 void MainWindow::showAbout()
 {
     KNAlerts::shared().showMessage(this, KNFormat("Vantor %@", QApplication::applicationVersion()),
@@ -340,8 +413,8 @@ void MainWindow::toggleExplorer()
     m_explorer->setVisible(m_explorer->isHidden());
     if (!m_explorer->isHidden())
         m_explorer->focusTree();
-    else if (KNDocumentTab *const document = currentDocument())
-        document->setFocus();
+    else
+        focusDocument();
 }
 
 void MainWindow::searchObjects()

@@ -36,15 +36,16 @@ public:
     /// Null if no document is open.
     KNDocumentTab *currentDocument() const;
 
-    /// Opens a query tab in the foreground; a null text leaves it empty. `details` determines its initial
-    /// database.
-    QueryTab *addQueryTab(const VantorDBC &details, const QString &text = {});
+    /// Opens a query tab in the foreground; a null text leaves it empty, a null name numbers it. `details`
+    /// determines its initial database.
+    QueryTab *addQueryTab(const VantorDBC &details, const QString &text = {}, const QString &name = {});
     /// Opens each file in a query tab; activates the tab of a file that is already open. Shows an error for
     /// each file that cannot be read.
     void openFiles(const QStringList &paths);
 
     const Settings &databaseConnectionDetails() const override { return m_details; }
-    void openQueryText(const QString &text, const Settings &details, QueryUse use) override;
+    void openQueryText(const QString &text, const Settings &details, QueryUse use,
+                       const QString &name) override;
     void openDocument(std::unique_ptr<KNDocumentTab> document) override;
     QList<KNDocumentTab *> documents() const override;
     void showDocument(KNDocumentTab *document) override;
@@ -58,8 +59,13 @@ public:
 public Q_SLOTS:
     void newQuery();
     void chooseFiles();
+    /// Opens the document again that was closed last.
+    void reopenClosedDocument();
+    /// Opens a query with the document's text.
+    void duplicateDocument(KNDocumentTab *document);
     void showHistory();
     void showPreferences();
+    void showShortcuts();
     void showAbout();
     void toggleExplorer();
     void searchObjects();
@@ -72,17 +78,21 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void arrange();
     void connectParts();
     void showTree();
     std::unique_ptr<QueryTab> makeQueryTab(const VantorDBC &details);
+    QueryTab *unchangedQuery(const QString &text, const VantorDBC &details, const QString &name) const;
     KNError openFile(const QString &path);
     void insertText(const QString &text);
+    KNDocumentTab *append(std::unique_ptr<KNDocumentTab> document);
     void restoreDocuments();
-    void restoreDocument(const KNDocumentState &state);
+    KNDocumentTab *restoreDocument(const KNDocumentState &state);
     void updateForCurrentDocument();
+    void focusDocument();
     void updateServer();
     void restoreLayout();
     void saveLayout() const;

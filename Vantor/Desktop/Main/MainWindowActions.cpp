@@ -2,6 +2,7 @@
 
 #include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindow.h"
+#include "Desktop/Main/RecentFiles.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Icons/KNIcon.h"
 
@@ -37,6 +38,20 @@ MainWindowActions::MainWindowActions(MainWindow &window)
     makeViewMenu();
     makeHelpMenu();
     makeToolBar();
+    applyShortcuts();
+    m_shortcutsChanged = KNNotificationCenter::defaultCenter()->addObserver(
+        ShortcutList::ChangedNotificationName,
+        [this](const QString &, const QVariantMap &) { applyShortcuts(); });
+}
+
+void MainWindowActions::applyShortcuts()
+{
+    for (ShortcutEntry &entry : m_shortcuts) {
+        if (entry.isFixed)
+            continue;
+        entry.shortcuts = ShortcutList::stored(entry.name, entry.defaults);
+        m_actions.value(entry.name)->setShortcuts(entry.shortcuts);
+    }
 }
 
 QAction *MainWindowActions::action(const QString &name) const
@@ -48,7 +63,12 @@ QAction *MainWindowActions::add(QMenu *menu, const Description &description, std
 {
     QAction *const action = menu->addAction(tr(description.text), this, std::move(perform));
     action->setObjectName(QString::fromLatin1(description.name));
-    action->setShortcuts(description.shortcuts);
+    const QString title = action->text().remove(QLatin1Char('&'));
+    const QKeySequence fixed(title.section(QLatin1Char('\t'), 1), QKeySequence::NativeText);
+    const QList<QKeySequence> defaults = fixed.isEmpty() ? description.shortcuts : QList<QKeySequence>{fixed};
+    m_shortcuts.append({action->objectName(), menu->title().remove(QLatin1Char('&')),
+                        title.section(QLatin1Char('\t'), 0, 0).remove(QStringLiteral("…")), defaults,
+                        defaults, !fixed.isEmpty()});
     if (description.icon)
         action->setIcon(KNIcon::named(QString::fromLatin1(description.icon)));
     m_actions.insert(action->objectName(), action);
@@ -83,6 +103,10 @@ void MainWindowActions::makeFileMenu()
         [this] { m_window.newQuery(); });
     add(menu, {"open", QT_TR_NOOP("&Open…"), "document-open", {keys("Ctrl+O")}},
         [this] { m_window.chooseFiles(); });
+    auto *const recent = new RecentFiles(this);
+    recent->show(menu->addMenu(tr("Open &Recent")));
+    connect(recent, &RecentFiles::openRequested, &m_window,
+            [this](const QString &path) { m_window.openFiles({path}); });
     addForDocument(menu, {"save", QT_TR_NOOP("&Save"), "document-save", {keys("Ctrl+S")}},
                    KNDocumentAction::Save);
     addForDocument(menu, {"saveAs", QT_TR_NOOP("Save &As…"), nullptr, {keys("Ctrl+Shift+S")}},
@@ -91,6 +115,9 @@ void MainWindowActions::makeFileMenu()
         if (KNDocumentTab *const document = m_window.currentDocument())
             m_window.tabs()->closeDocument(document);
     });
+    m_reopenClosed =
+        add(menu, {"reopenClosed", QT_TR_NOOP("Reopen C&losed Tab"), nullptr, {keys("Ctrl+Shift+T")}},
+            [this] { m_window.reopenClosedDocument(); });
     menu->addSeparator();
     add(menu, {"connections", QT_TR_NOOP("Co&nnections…"), "connection-new", {keys("Ctrl+Shift+N")}},
         [this] { Q_EMIT m_window.connectionsRequested(); });
@@ -147,6 +174,10 @@ void MainWindowActions::makeQueryMenu()
         {"cancel", QT_TR_NOOP("&Cancel"), "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},
         KNDocumentAction::Cancel);
     menu->addSeparator();
+    addForDocument(menu, {"commit", QT_TR_NOOP("C&ommit Transaction")}, KNDocumentAction::Commit);
+    addForDocument(menu, {"rollback", QT_TR_NOOP("Ro&ll Back Transaction")}, KNDocumentAction::Rollback);
+    addForDocument(menu, {"reconnect", QT_TR_NOOP("R&econnect")}, KNDocumentAction::Reconnect);
+    menu->addSeparator();
     addForDocument(menu, {"database", QT_TR_NOOP("Change &Database"), nullptr, {keys("Ctrl+U")}},
                    KNDocumentAction::ChangeDatabase);
     add(menu, {"history", QT_TR_NOOP("&History…"), "history", {keys("Ctrl+Shift+H")}},
@@ -174,16 +205,21 @@ void MainWindowActions::makeViewMenu()
     addForDocument(menu, {"resetZoom", QT_TR_NOOP("&Actual Size"), nullptr, {keys("Ctrl+0")}},
                    Action::ResetZoom);
     menu->addSeparator();
-    add(menu, {"nextTab", QT_TR_NOOP("&Next Tab"), nullptr, {keys("Ctrl+PgDown"), keys("Ctrl+Tab")}},
+    add(menu, {"nextTab", QT_TR_NOOP("&Next Tab"), nullptr, {keys("Ctrl+PgDown")}},
         [this] { m_window.tabs()->showAdjacent(1); });
-    add(menu,
-        {"previousTab", QT_TR_NOOP("&Previous Tab"), nullptr, {keys("Ctrl+PgUp"), keys("Ctrl+Shift+Tab")}},
+    add(menu, {"previousTab", QT_TR_NOOP("&Previous Tab"), nullptr, {keys("Ctrl+PgUp")}},
         [this] { m_window.tabs()->showAdjacent(-1); });
+    add(menu, {"lastUsedTab", QT_TR_NOOP("&Last Used Tab"), nullptr, {keys("Ctrl+Tab")}},
+        [this] { m_window.tabs()->showRecent(1); });
+    add(menu, {"firstUsedTab", QT_TR_NOOP("Least Recently &Used Tab"), nullptr, {keys("Ctrl+Shift+Tab")}},
+        [this] { m_window.tabs()->showRecent(-1); });
 }
 
 void MainWindowActions::makeHelpMenu()
 {
     QMenu *const menu = m_window.menuBar()->addMenu(tr("&Help"));
+    add(menu, {"shortcuts", QT_TR_NOOP("&Keyboard Shortcuts…"), nullptr, {keys("Ctrl+F1")}},
+        [this] { m_window.showShortcuts(); });
     add(menu, {"about", QT_TR_NOOP("&About Vantor"), nullptr, {}}, [this] { m_window.showAbout(); });
 }
 
@@ -206,6 +242,7 @@ void MainWindowActions::update()
 {
     const KNDocumentTab *const document = m_window.currentDocument();
     m_closeTab->setEnabled(document != nullptr);
+    m_reopenClosed->setEnabled(m_window.tabs()->hasClosedDocuments());
     for (const auto &[item, action] : m_forDocument)
         item->setEnabled(document && document->canPerform(action));
 }

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "Desktop/Preferences/ShortcutList.h"
+#include "Foundation/KNNotificationCenter.h"
 #include "UI/Workspace/KNDocumentAction.h"
 
 #include <QAction>
 #include <QHash>
-#include <QKeySequence>
 #include <QObject>
 
 #include <functional>
@@ -24,6 +25,8 @@ public:
     void update();
     /// The action with this object name, such as "run"; null if there is none.
     QAction *action(const QString &name) const;
+    /// The shortcuts of all actions in the order of the menus.
+    ShortcutList shortcuts() const { return ShortcutList(m_shortcuts); }
 
 private:
     struct Description
@@ -40,6 +43,7 @@ private:
     /// Adds an action on the focused widget, if that has this slot. Its shortcuts are those that the widget
     /// handles itself.
     void addForFocus(QMenu *menu, const char *slot, const char *text);
+    void applyShortcuts();
     void makeFileMenu();
     void makeEditMenu();
     void makeQueryMenu();
@@ -49,6 +53,9 @@ private:
 
     MainWindow &m_window;
     QHash<QString, QAction *> m_actions;
+    QList<ShortcutEntry> m_shortcuts;
+    KNNotificationCenter::Token m_shortcutsChanged;
     QList<std::pair<QAction *, KNDocumentAction>> m_forDocument;
     QAction *m_closeTab = nullptr;
+    QAction *m_reopenClosed = nullptr;
 };

@@ -19,7 +19,7 @@ TreeActions::TreeActions(KNWorkspace &workspace, QObject *parent)
     , m_helper(std::make_shared<KNDatabaseTreeContextHelper>())
 {
     addAction("newQuery:", [this](const KNMenuRepresentedObject &) {
-        m_workspace.openQueryText({}, m_workspace.selectedSettings(), QueryUse::Show);
+        m_workspace.openQueryText({}, m_workspace.selectedSettings(), QueryUse::Show, {});
     });
     addAction("refreshDatabaseTreeItem:", [this](const KNMenuRepresentedObject &object) {
         if (const auto *entry = std::get_if<KNDatabaseTreeEntry::Ptr>(&object))
@@ -61,7 +61,7 @@ void TreeActions::addTextAction(const char *name, QueryUse use)
 {
     addAction(name, [this, use](const KNMenuRepresentedObject &object) {
         if (const auto *text = std::get_if<QString>(&object))
-            m_workspace.openQueryText(*text, m_workspace.selectedSettings(), use);
+            m_workspace.openQueryText(*text, m_workspace.selectedSettings(), use, selectedName());
     });
 }
 
@@ -69,8 +69,15 @@ void TreeActions::addQueryAction(const char *name, QueryUse use)
 {
     addAction(name, [this, use](const KNMenuRepresentedObject &object) {
         if (const auto *loader = std::get_if<KNQueryLoaderPtr>(&object); loader && *loader)
-            m_workspace.openQuery(*loader, m_workspace.selectedSettings(), use);
+            m_workspace.openQuery(*loader, m_workspace.selectedSettings(), use, selectedName());
     });
+}
+
+/// The name of the object that the action applies to; null if none is selected.
+QString TreeActions::selectedName() const
+{
+    const KNWorkspace::TreeEntry entry = m_workspace.selectedTreeEntry();
+    return entry ? entry->displayName() : QString();
 }
 
 void TreeActions::addScriptAction(const char *name, const Use &use)

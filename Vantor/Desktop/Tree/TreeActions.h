@@ -30,6 +30,7 @@ private:
     void addQueryAction(const char *name, KNWorkspace::QueryUse use);
     /// Adds an action on the text of a script loader, with the script's report as comments.
     void addScriptAction(const char *name, const Use &use);
+    QString selectedName() const;
     void saveScript(const QString &text);
 
     KNWorkspace &m_workspace;

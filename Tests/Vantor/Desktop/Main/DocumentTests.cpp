@@ -215,7 +215,7 @@ TEST_F(Documents, TakeNoTextFromTheHistoryIfTheyHaveNone)
     DummyDocument *const document = openDummy();
     EXPECT_FALSE(document->insertText(QStringLiteral("select 1")));
     window->openQueryText(QStringLiteral("select 2"), window->databaseConnectionDetails(),
-                          KNWorkspace::QueryUse::Show);
+                          KNWorkspace::QueryUse::Show, {});
     EXPECT_EQ(DesktopTesting::currentQuery(*window)->text(), QStringLiteral("select 2"));
 }
 
