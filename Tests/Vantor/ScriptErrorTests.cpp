@@ -52,3 +52,15 @@ TEST(ScriptErrors, HaveAnOptionWithTwoValues)
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("ignore")));
     EXPECT_EQ(QueryOptions::parse({QStringLiteral("--sample")}, &error)->onError, KNOnError::Stop);
 }
+
+TEST(ScriptErrors, ShowTheirLineWhereverTheyOccur)
+{
+    const Outcome outcome =
+        run("USE shop\nSELECT 1 AS a\nSELECT nope FROM Customers\nGO\nSELECT neither FROM Customers",
+            {QStringLiteral("--on-error"), QStringLiteral("continue")});
+    const qsizetype first = outcome.errors.indexOf("\n3: SELECT nope FROM Customers\n          ^^^^\n");
+    const qsizetype second =
+        outcome.errors.indexOf("\n5: SELECT neither FROM Customers\n          ^^^^^^^\n");
+    EXPECT_GT(first, 0) << outcome.errors.toStdString();
+    EXPECT_GT(second, first) << outcome.errors.toStdString();
+}

@@ -1,9 +1,10 @@
 #include "CommandLine/ErrorExcerpt.h"
 
 #include "CommandLine/Terminal.h"
-#include "Database/KNMessageText.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNTerminalText.h"
+
+#include <QStringList>
 
 namespace {
 
@@ -20,9 +21,8 @@ QString blanksFor(const QString &text)
 
 } // namespace
 
-QString errorExcerpt(const QString &text, const KNError &error)
+QString errorExcerpt(const QString &text, const KNRange &range)
 {
-    const KNRange range = KNMessageText::markedRange(error);
     if (!range.isFound())
         return QString();
     const QStringView before = QStringView(text).left(range.location);

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "Foundation/KNError.h"
+#include "Database/KNQueryDetails.h"
 
-#include <QString>
-
-/// Returns the line of a text with the word that a failed batch complains about, preceded by the line number
-/// and underlined with carets. Null if the error marks no word.
-QString errorExcerpt(const QString &text, const KNError &error);
+/// Returns the line of a text with the part that an error is about, preceded by the line number and
+/// underlined with carets. Null if the range is not found.
+QString errorExcerpt(const QString &text, const KNRange &range);

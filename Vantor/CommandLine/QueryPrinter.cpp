@@ -1,5 +1,6 @@
 #include "CommandLine/QueryPrinter.h"
 
+#include "CommandLine/ErrorExcerpt.h"
 #include "Database/KNMessageText.h"
 #include "Foundation/KNFormat.h"
 
@@ -23,9 +24,11 @@ Terminal::Colour colourOf(KNMessageText::Kind kind)
 
 } // namespace
 
-QueryPrinter::QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries)
+QueryPrinter::QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, const QString &text,
+                           bool withSummaries)
     : m_holder(holder)
     , m_writer(writer)
+    , m_text(text)
     , m_withSummaries(withSummaries || Terminal::isErrorTerminal())
     , m_showsProgress(!Terminal::isOutputTerminal())
     , m_spinner(Terminal::isErrorTerminal())
@@ -145,4 +148,6 @@ void QueryPrinter::printMessage(const DatabaseMessage &message)
     const KNMessageText::Kind kind = KNMessageText::kindOf(message);
     m_hadErrors = m_hadErrors || kind == KNMessageText::Kind::Error;
     Terminal::printError(KNMessageText::textOf(message), colourOf(kind));
+    if (const QString excerpt = errorExcerpt(m_text, message.textRange); !excerpt.isNull())
+        Terminal::printError(excerpt, Terminal::Colour::None);
 }

@@ -18,8 +18,9 @@ public:
     /// Maximum number of results that the run may be ahead of the printer.
     static constexpr qsizetype ResultReadAhead = 5'000;
 
-    /// `withSummaries` also prints a summary of each statement.
-    QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, bool withSummaries);
+    /// `text` is the whole text, of which errors show a line. `withSummaries` also prints a summary of each
+    /// statement.
+    QueryPrinter(KNResultSetHolder &holder, ResultWriter &writer, const QString &text, bool withSummaries);
 
     /// Prints until `done` is true and all results are printed; false as soon as the output cannot be written
     /// or stop() was called.
@@ -45,6 +46,7 @@ private:
 
     KNResultSetHolder &m_holder;
     ResultWriter &m_writer;
+    const QString m_text;
     const bool m_withSummaries;
     const bool m_showsProgress; ///< while rows are written
     Terminal::Spinner m_spinner;

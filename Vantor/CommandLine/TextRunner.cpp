@@ -1,6 +1,5 @@
 #include "CommandLine/TextRunner.h"
 
-#include "CommandLine/ErrorExcerpt.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/QueryPrinter.h"
 #include "CommandLine/StandardOutput.h"
@@ -52,7 +51,7 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     StandardOutput output;
     const auto writer = ResultFormat::named(format)->createWriter({.device = output, .hasManyResults = true});
     KNResultSetHolder holder;
-    QueryPrinter printer(holder, *writer, format == QLatin1String("table"));
+    QueryPrinter printer(holder, *writer, text, format == QLatin1String("table"));
     holder.setReadAhead(QueryPrinter::ReadAhead);
     holder.setResultReadAhead(QueryPrinter::ResultReadAhead);
 
@@ -92,8 +91,6 @@ int runText(VantorDatabaseClient &client, const QString &text, const QString &fo
     if (!printer.isGood())
         return Terminal::fail(ExitUsage,
                               QStringLiteral("The results could not be written to standard output."));
-    if (const QString excerpt = errorExcerpt(text, error); !excerpt.isNull())
-        Terminal::printError(excerpt, Terminal::Colour::None);
     if (const qint64 count = KNScriptRun::countOf(script.notRun()))
         Terminal::printError(KNMessageText::batchesNotRun(count), Terminal::Colour::Yellow);
     if (error && !printer.hadErrors())
