@@ -101,7 +101,7 @@ QWidget *PreferencesDialog::makeEditorGroup()
 
 QWidget *PreferencesDialog::makeResultsGroup()
 {
-    auto *const group = new QGroupBox(tr("Results"));
+    auto *const group = new QGroupBox(tr("Queries"));
     auto *const form = new QFormLayout(group);
     m_rowLimit->setRange(0, std::numeric_limits<int>::max());
     m_rowLimit->setSingleStep(1000);
@@ -109,7 +109,7 @@ QWidget *PreferencesDialog::makeResultsGroup()
     m_rowLimit->setSpecialValueText(tr("All rows"));
     m_rowLimit->setSuffix(tr(" rows"));
     m_dateFormat->addItems({tr("To the millisecond"), tr("All digits, as stored")});
-    form->addRow(tr("Keep of each &result:"), m_rowLimit);
+    form->addRow(tr("Rows per &result:"), m_rowLimit);
     form->addRow(m_continuesAfterError);
     form->addRow(tr("Show &NULL as:"), m_nullText);
     form->addRow(tr("Show &dates:"), m_dateFormat);
@@ -120,7 +120,7 @@ QWidget *PreferencesDialog::makeProgramGroup()
 {
     auto *const group = new QGroupBox(tr("Program"));
     auto *const form = new QFormLayout(group);
-    m_theme->addItems({tr("As the desktop"), tr("Light"), tr("Dark")});
+    m_theme->addItems({tr("Same as desktop"), tr("Light"), tr("Dark")});
     form->addRow(tr("&Appearance:"), m_theme);
     form->addRow(m_reopensTabs);
     m_tracesProtocol->setToolTip(

@@ -37,8 +37,13 @@ TEST(PreferencesDialog, SavesChangesOnAccept)
     control<QSpinBox>(dialog, "Tab width:")->setValue(2);
     control<QLineEdit>(dialog, "Show NULL as:")->setText(QStringLiteral("(null)"));
     control<QComboBox>(dialog, "Appearance:")->setCurrentIndex(2);
+    for (QCheckBox *const box : dialog.findChildren<QCheckBox *>()) {
+        if (box->text().contains(QStringLiteral("after a batch with an error")))
+            box->click();
+    }
     EXPECT_EQ(KNPreferences::current().tabWidth, 4);
     dialog.accept();
+    EXPECT_TRUE(KNPreferences::current().continuesAfterError);
     EXPECT_EQ(KNPreferences::current().tabWidth, 2);
     EXPECT_EQ(KNPreferences::current().nullText, QStringLiteral("(null)"));
     EXPECT_EQ(KNPreferences::current().theme, KNPreferences::Theme::Dark);
@@ -48,7 +53,7 @@ TEST(PreferencesDialog, ChangesNothingWhenItIsCancelled)
 {
     KNPreferences::defaults().save();
     PreferencesDialog dialog;
-    control<QSpinBox>(dialog, "Keep of each result:")->setValue(500);
+    control<QSpinBox>(dialog, "Rows per result:")->setValue(500);
     dialog.reject();
     EXPECT_EQ(KNPreferences::current(), KNPreferences::defaults());
 }
