@@ -21,6 +21,15 @@ struct VantorSessionState
     bool hasOptions = false; ///< set by the user's statements
 };
 
+/// How a session is protected on the network, from the weakest to the strongest.
+enum class VantorEncryption {
+    Unknown,
+    None,
+    LoginOnly,  ///< the password is encrypted, statements and results are not
+    Unverified, ///< everything is encrypted; the server's certificate was not verified
+    Verified,   ///< everything is encrypted; the server's certificate was verified
+};
+
 /// One connection to a database server, used by one thread at a time. Every operation that accesses the
 /// server blocks; only cancelCurrentQuery(), wasCancelled() and isConnected() may be called from another
 /// thread meanwhile. A UI thread may call only wasCancelled(), isConnected() and the getters.
@@ -39,6 +48,8 @@ public:
     virtual bool connect(KNError *error) = 0;
     /// Whether the connection is open according to local state; does not access the server.
     virtual bool isConnected() const = 0;
+    /// How the open session is protected, as measured when it was opened. Any thread after connect().
+    virtual VantorEncryption encryption() const { return VantorEncryption::Unknown; }
     /// Closes the connection. Does nothing if it is closed.
     virtual void disconnect() = 0;
 

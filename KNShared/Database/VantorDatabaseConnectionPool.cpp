@@ -185,10 +185,41 @@ VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, 
             isConnected = connectClient(*client, error, connecting);
         }
     }
-    if (isConnected)
+    if (isConnected) {
         hints.settings = client->databaseConnectionDetails().copy();
+        rememberEncryption(details, client->encryption());
+    }
     remember(hints);
     return isConnected ? std::move(client) : nullptr;
+}
+
+void VantorDatabaseConnectionPool::keep(const VantorDBC &details, Client client)
+{
+    giveBack(details, std::move(client));
+}
+
+void VantorDatabaseConnectionPool::rememberEncryption(const VantorDBC &details, VantorEncryption encryption)
+{
+    const std::lock_guard lock(m_mutex);
+    for (Protection &known : m_protections) {
+        if (known.details->usesSameLogin(details) &&
+            known.details->sessionParameters() == details.sessionParameters()) {
+            known.weakest = std::min(known.weakest, encryption);
+            return;
+        }
+    }
+    m_protections.push_back({details.copy(), encryption});
+}
+
+VantorEncryption VantorDatabaseConnectionPool::encryptionOf(const VantorDBC &details) const
+{
+    const std::lock_guard lock(m_mutex);
+    for (const Protection &known : m_protections) {
+        if (known.details->usesSameLogin(details) &&
+            known.details->sessionParameters() == details.sessionParameters())
+            return known.weakest;
+    }
+    return VantorEncryption::Unknown;
 }
 
 void VantorDatabaseConnectionPool::forgetRefusals(const VantorDBC &details)

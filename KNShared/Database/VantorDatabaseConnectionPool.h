@@ -49,6 +49,11 @@ public:
     std::unique_ptr<VantorDatabaseClient>
     connectedClient(const VantorDBC &details, KNError *error,
                     const std::function<void(VantorDatabaseClient *client)> &connecting = {});
+    /// Keeps a connected client for later use with these settings. Accesses the server.
+    void keep(const VantorDBC &details, std::unique_ptr<VantorDatabaseClient> client);
+    /// The weakest protection of all sessions that were opened with this account and these session
+    /// parameters, in any database; Unknown if there was none.
+    VantorEncryption encryptionOf(const VantorDBC &details) const;
     /// Allows retrying a refused login. Called when the user asks for it.
     void forgetRefusals(const VantorDBC &details);
 
@@ -68,6 +73,12 @@ private:
         bool isUnreliable = false; ///< were wrong once; every login then detects them again
     };
 
+    struct Protection
+    {
+        VantorDBCPtr details;
+        VantorEncryption weakest = VantorEncryption::Unknown;
+    };
+
     struct Refusal
     {
         VantorDBCPtr details;
@@ -80,6 +91,7 @@ private:
     Client connect(const VantorDBC &details, KNError *error, const Connecting &connecting);
     static bool connectClient(VantorDatabaseClient &client, KNError *error, const Connecting &connecting);
     bool isRefused(const VantorDBC &details, KNError *error) const;
+    void rememberEncryption(const VantorDBC &details, VantorEncryption encryption);
     void rememberRefusal(const VantorDBC &details, const KNError &error);
     bool hasLoggedIn(const VantorDBC &details) const;
     Client borrow(const VantorDBC &details, KNError *error);
@@ -91,10 +103,11 @@ private:
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;    ///< signalled when a client becomes idle or the pool ends
-    VantorIdleClients m_idle;             ///< guarded by m_mutex
-    std::vector<LoginHints> m_loginHints; ///< guarded by m_mutex
-    std::vector<Refusal> m_refusals;      ///< guarded by m_mutex
+    std::condition_variable m_changed;     ///< signalled when a client becomes idle or the pool ends
+    VantorIdleClients m_idle;              ///< guarded by m_mutex
+    std::vector<LoginHints> m_loginHints;  ///< guarded by m_mutex
+    std::vector<Refusal> m_refusals;       ///< guarded by m_mutex
+    std::vector<Protection> m_protections; ///< guarded by m_mutex
     std::vector<std::shared_ptr<FirstLogin>> m_firstLogins; ///< in progress; guarded by m_mutex
     std::condition_variable m_firstLoginEnded;
     bool m_isEnding = false; ///< guarded by m_mutex
