@@ -43,6 +43,11 @@ std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewCon
     return std::make_unique<ResultSetViewControllerHelper>();
 }
 
+QStringList VantorDBC::riskyStatements(const QString &) const
+{
+    return {};
+}
+
 QString VantorDBC::startProtocolTrace() const
 {
     return QString();

@@ -50,12 +50,17 @@ public:
     quint16 port() const { return m_port; }
     void setPort(quint16 port) { m_port = port; }
 
+    /// Whether the server runs production work: windows show that, and ask before risky statements.
+    bool isProduction() const { return m_isProduction; }
+    void setProduction(bool isProduction) { m_isProduction = isProduction; }
+
     /// The SSH server used for the connection, if any.
     const KNSSHTunnelModel &sshTunnelModel() const { return m_sshTunnelModel; }
     void setSSHTunnelModel(const KNSSHTunnelModel &model) { m_sshTunnelModel = model; }
 
     /// Further session settings of the server kind, by name. All kinds support "loginTimeout", the seconds
-    /// allowed for connecting (15 if not given).
+    /// allowed for connecting (15 if not given), and "pinnedCertificate", the only certificate that the
+    /// server may show, as PEM text (KNServerCertificate).
     virtual QVariantMap sessionParameters() const = 0;
     virtual void setSessionParameters(const QVariantMap &parameters) = 0;
 
@@ -80,6 +85,10 @@ public:
     /// Returns a literal of the server's language for a value, without loss where the language allows;
     /// standard SQL by default.
     virtual QString literal(const KNValue &value) const;
+    /// Returns the statements of a batch that a user can easily regret, each as a short text in the order of
+    /// the batch: changes of all rows of a table, and objects dropped or emptied. None by default. Pure; any
+    /// thread.
+    virtual QStringList riskyStatements(const QString &batch) const;
     /// Starts a trace file of all data sent and received by connections to this server kind, without login
     /// passwords. Returns the file's path; null if traces are not supported or the file cannot be written.
     virtual QString startProtocolTrace() const;
@@ -120,5 +129,6 @@ private:
     QString m_host;
     QString m_database;
     quint16 m_port = 0;
+    bool m_isProduction = false;
     KNSSHTunnelModel m_sshTunnelModel;
 };
