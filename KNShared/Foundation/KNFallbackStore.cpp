@@ -28,6 +28,11 @@ QString KNFallbackStore::name() const
     return m_stores->used->name();
 }
 
+bool KNFallbackStore::isEncrypted() const
+{
+    return m_stores->used->isEncrypted();
+}
+
 void KNFallbackStore::textForKey(const QString &key, Read read)
 {
     m_stores->used->textForKey(
@@ -48,6 +53,17 @@ void KNFallbackStore::setText(const QString &key, const QString &text, Done done
                                 else
                                     done(error);
                             });
+}
+
+void KNFallbackStore::changeText(const QString &key, Change change, Read changed)
+{
+    m_stores->used->changeText(
+        key, change, [stores = m_stores, key, change, changed](const QString &text, const KNError &error) {
+            if (stores->fallsBack(error))
+                stores->used->changeText(key, change, changed);
+            else
+                changed(text, error);
+        });
 }
 
 void KNFallbackStore::removeKey(const QString &key, Done done)

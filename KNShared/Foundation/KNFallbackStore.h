@@ -10,8 +10,10 @@ public:
     ~KNFallbackStore() override;
 
     QString name() const override;
+    bool isEncrypted() const override;
     void textForKey(const QString &key, Read read) override;
     void setText(const QString &key, const QString &text, Done done) override;
+    void changeText(const QString &key, Change change, Read changed) override;
     void removeKey(const QString &key, Done done) override;
 
 private:

@@ -4,6 +4,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNPrivateFolder.h"
 #include "Foundation/KNSerialQueue.h"
+#include "Foundation/KNStoreLock.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -38,6 +39,9 @@ struct KNFileStore::File
 
     KNError change(const std::function<void(QJsonObject &)> &apply) const
     {
+        KNStoreLock lock(path + QStringLiteral(".lock"));
+        if (!lock.isHeld())
+            return lock.error();
         KNError problem;
         QJsonObject texts = read(&problem);
         if (problem.code() == Refused)
@@ -87,6 +91,18 @@ void KNFileStore::setText(const QString &key, const QString &text, Done done)
     m_file->queue.add([file = m_file, key, text, done = std::move(done)] {
         const KNError error = file->change([&](QJsonObject &texts) { texts.insert(key, text); });
         KNDispatch::mainQueue([done, error] { done(error); });
+    });
+}
+
+void KNFileStore::changeText(const QString &key, Change change, Read changed)
+{
+    m_file->queue.add([file = m_file, key, change = std::move(change), changed = std::move(changed)] {
+        QString text;
+        const KNError error = file->change([&](QJsonObject &texts) {
+            text = change(texts.value(key).toString());
+            texts.insert(key, text);
+        });
+        KNDispatch::mainQueue([changed, text, error] { changed(text, error); });
     });
 }
 

@@ -34,3 +34,21 @@ void KNKeyValueStore::setShared(std::shared_ptr<KNKeyValueStore> store)
 {
     instance() = store ? std::move(store) : makeFileStore();
 }
+
+void KNKeyValueStore::changeText(const QString &key, Change change, Read changed)
+{
+    textForKey(key, [this, key, change = std::move(change),
+                     changed = std::move(changed)](const QString &stored, const KNError &error) {
+        if (error && error.code() != Damaged) {
+            changed(QString(), error);
+            return;
+        }
+        const QString text = change(stored);
+        setText(key, text, [text, changed](const KNError &problem) { changed(text, problem); });
+    });
+}
+
+bool KNKeyValueStore::isEncrypted() const
+{
+    return false;
+}

@@ -1,7 +1,11 @@
 #include "UI/Credentials/KNKeychainStore.h"
 
+#include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNPrivateFolder.h"
+#include "Foundation/KNStoreLock.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -121,6 +125,25 @@ void KNKeychainStore::setText(const QString &key, const QString &text, Done done
     QObject::connect(job, &QKeychain::Job::finished, job,
                      [job, done = std::move(done)] { report(*job, NotWritten, done); });
     job->start();
+}
+
+/// The keyring itself has no lock: programs exclude each other with a file.
+void KNKeychainStore::changeText(const QString &key, Change change, Read changed)
+{
+    KNDispatch::globalQueue(
+        [self = shared_from_this(), key, change = std::move(change), changed = std::move(changed)] {
+            const auto lock =
+                std::make_shared<KNStoreLock>(KNStateFolder() + QStringLiteral("/vantor/keyring.lock"));
+            KNDispatch::mainQueue([self, key, change, changed, lock] {
+                if (!lock->isHeld()) {
+                    changed(QString(), lock->error());
+                    return;
+                }
+                self->KNKeyValueStore::changeText(
+                    key, change,
+                    [changed, lock](const QString &text, const KNError &error) { changed(text, error); });
+            });
+        });
 }
 
 void KNKeychainStore::removeKey(const QString &key, Done done)

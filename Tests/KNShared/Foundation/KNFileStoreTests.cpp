@@ -1,6 +1,7 @@
 #include "Foundation/KNFileStore.h"
 
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNStoreLock.h"
 #include "Support/PrintQt.h"
 
 #include <gtest/gtest.h>
@@ -162,4 +163,39 @@ TEST(KeyValueStore, OfAProgramIsAFileBelowTheDataFolderUnlessAnotherIsPutInPlace
     EXPECT_EQ(KNKeyValueStore::shared()->name(), QStringLiteral("the file ") +
                                                      qEnvironmentVariable("XDG_DATA_HOME") +
                                                      QStringLiteral("/vantor/credentials.json"));
+}
+
+TEST_F(FileStoreTest, LosesNoChangeOfTwoStoresThatShareTheFile)
+{
+    constexpr int Changes = 10;
+    KNFileStore other(m_path); // as another program's
+    int done = 0;
+    for (int i = 0; i < Changes; ++i) {
+        for (KNFileStore *const store : {&m_store, &other})
+            store->changeText(
+                ListKey, [](const QString &stored) { return stored + QLatin1Char('x'); },
+                [&](const QString &, const KNError &error) {
+                    EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+                    ++done;
+                });
+    }
+    for (int i = 0; i < 1000 && done < 2 * Changes; ++i)
+        KNDispatch::pumpMainQueue(100);
+    EXPECT_EQ(done, 2 * Changes);
+    EXPECT_EQ(text(ListKey), QString(2 * Changes, QLatin1Char('x')));
+}
+
+TEST_F(FileStoreTest, WaitsUntilAnotherProgramHasFinishedItsChange)
+{
+    std::optional<KNError> answer;
+    {
+        const KNStoreLock lock(m_path + QStringLiteral(".lock"));
+        ASSERT_TRUE(lock.isHeld());
+        m_store.setText(ListKey, QStringLiteral("a"), [&](const KNError &error) { answer = error; });
+        KNDispatch::pumpMainQueue(300);
+        EXPECT_FALSE(answer);
+        EXPECT_FALSE(QFile::exists(m_path));
+    }
+    EXPECT_FALSE(waitFor(answer));
+    EXPECT_EQ(text(ListKey), QStringLiteral("a"));
 }

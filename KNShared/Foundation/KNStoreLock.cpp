@@ -1,0 +1,25 @@
+#include "Foundation/KNStoreLock.h"
+
+#include "Foundation/KNKeyValueStore.h"
+#include "Foundation/KNPrivateFolder.h"
+
+#include <QFileInfo>
+
+KNStoreLock::KNStoreLock(const QString &path)
+    : m_file(path)
+{
+    constexpr int LongestWait = 10'000; // milliseconds
+    KNMakePrivateFolder(QFileInfo(path).path());
+    m_file.setStaleLockTime(0); // held as long as the program runs
+    m_isHeld = m_file.tryLock(LongestWait) || m_file.error() != QLockFile::LockFailedError;
+}
+
+KNError KNStoreLock::error() const
+{
+    if (m_isHeld)
+        return {};
+    return KNError(
+        KNKeyValueStore::ErrorDomain, KNKeyValueStore::NotWritten,
+        QStringLiteral("Another program is changing the remembered connections. Try again when it has "
+                       "finished."));
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Foundation/KNError.h"
+#include "KNSharedExport.h"
+
+#include <QLockFile>
+
+/// The right to change a store that several programs share, until the object is destroyed. The system's
+/// process list shows whether the program that holds it still runs.
+class KNSHARED_EXPORT KNStoreLock
+{
+public:
+    /// Waits up to ten seconds for other programs. `path` is the lock file, whose folder is created.
+    explicit KNStoreLock(const QString &path);
+
+    /// Also true where no lock file can be written: the store then cannot be written either, and says why.
+    bool isHeld() const { return m_isHeld; }
+    /// A KNKeyValueStore::NotWritten error if another program holds the lock.
+    KNError error() const;
+
+private:
+    QLockFile m_file;
+    bool m_isHeld = false;
+};
