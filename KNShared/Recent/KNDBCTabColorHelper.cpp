@@ -76,6 +76,13 @@ void KNDBCTabColorHelper::setColorFromAliasTemporary(const QString &alias, const
         all.byId.insert(forId, colourOf(alias));
 }
 
+void KNDBCTabColorHelper::setColorForId(const QString &colour, const QString &connectionId)
+{
+    Colours &all = colours();
+    const std::lock_guard lock(all.mutex);
+    all.byId.insert(connectionId, colour);
+}
+
 QString KNDBCTabColorHelper::colorForId(const QString &connectionId)
 {
     Colours &all = colours();

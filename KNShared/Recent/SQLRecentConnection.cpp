@@ -1,6 +1,22 @@
 #include "Recent/SQLRecentConnection.h"
 
+#include "Recent/KNDBCTabColorHelper.h"
+
 #include <QUuid>
+
+namespace {
+
+QString storedText(const QDateTime &date)
+{
+    return date.toUTC().toString(Qt::ISODateWithMs);
+}
+
+QDateTime dateIn(const QVariant &stored)
+{
+    return QDateTime::fromString(stored.toString(), Qt::ISODateWithMs);
+}
+
+} // namespace
 
 SQLRecentConnection::SQLRecentConnection() = default;
 SQLRecentConnection::~SQLRecentConnection() = default;
@@ -19,8 +35,19 @@ void SQLRecentConnection::copyFields(const SQLRecentConnection &from)
     serverPort = from.serverPort;
     rememberPassword = from.rememberPassword;
     connectionDate = from.connectionDate;
+    lastUsed = from.lastUsed;
+    colour = from.colour;
+    group = from.group;
+    isProduction = from.isProduction;
     connectionSessionParameters = from.connectionSessionParameters;
     sshTunnelDetails = from.sshTunnelDetails;
+}
+
+void SQLRecentConnection::registerColour() const
+{
+    KNDBCTabColorHelper::setColorFromAliasTemporary(alias, connectionId);
+    if (!colour.isEmpty())
+        KNDBCTabColorHelper::setColorForId(colour, connectionId);
 }
 
 void SQLRecentConnection::fill(VantorDBC &details) const
@@ -33,6 +60,7 @@ void SQLRecentConnection::fill(VantorDBC &details) const
     details.setPort(serverPort);
     details.setSessionParameters(connectionSessionParameters);
     details.setSSHTunnelModel(sshTunnelDetails);
+    details.setProduction(isProduction);
 }
 
 QVariantMap SQLRecentConnection::encodeWithCoder() const
@@ -44,7 +72,11 @@ QVariantMap SQLRecentConnection::encodeWithCoder() const
             {QStringLiteral("password"), rememberPassword ? password : QStringLiteral("")},
             {QStringLiteral("serverPort"), static_cast<qint64>(serverPort)},
             {QStringLiteral("rememberPassword"), rememberPassword},
-            {QStringLiteral("connectionDate"), connectionDate.toUTC().toString(Qt::ISODateWithMs)},
+            {QStringLiteral("connectionDate"), storedText(connectionDate)},
+            {QStringLiteral("lastUsed"), storedText(lastUsed)},
+            {QStringLiteral("colour"), colour},
+            {QStringLiteral("group"), group},
+            {QStringLiteral("isProduction"), isProduction},
             {QStringLiteral("connectionSessionParameters"), connectionSessionParameters},
             {QStringLiteral("sshTunnelDetails"), sshTunnelDetails.toVariantMap()}};
 }
@@ -60,8 +92,12 @@ void SQLRecentConnection::initWithCoder(const QVariantMap &coder)
     rememberPassword = coder.value(QStringLiteral("rememberPassword")).toBool();
     password = rememberPassword ? coder.value(QStringLiteral("password")).toString() : QStringLiteral("");
     serverPort = static_cast<quint16>(coder.value(QStringLiteral("serverPort")).toUInt());
-    connectionDate =
-        QDateTime::fromString(coder.value(QStringLiteral("connectionDate")).toString(), Qt::ISODateWithMs);
+    connectionDate = dateIn(coder.value(QStringLiteral("connectionDate")));
+    // Older versions changed the date of the connection by connecting.
+    lastUsed = dateIn(coder.value(QStringLiteral("lastUsed"), storedText(connectionDate)));
+    colour = coder.value(QStringLiteral("colour")).toString();
+    group = coder.value(QStringLiteral("group")).toString();
+    isProduction = coder.value(QStringLiteral("isProduction")).toBool();
     connectionSessionParameters = coder.value(QStringLiteral("connectionSessionParameters")).toMap();
     sshTunnelDetails =
         KNSSHTunnelModel::fromVariantMap(coder.value(QStringLiteral("sshTunnelDetails")).toMap());

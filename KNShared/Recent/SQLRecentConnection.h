@@ -21,7 +21,11 @@ public:
     QString password; ///< stored only with rememberPassword
     quint16 serverPort = 0;
     bool rememberPassword = false;
-    QDateTime connectionDate; ///< time of the last successful connect
+    QDateTime connectionDate; ///< time of the last change or connect
+    QDateTime lastUsed;       ///< time of the last successful connect; invalid if there was none
+    QString colour;           ///< "#rrggbb"; empty for the one that the name determines
+    QString group;            ///< the user's name for a group of connections; empty for none
+    bool isProduction = false;
     QVariantMap connectionSessionParameters;
     KNSSHTunnelModel sshTunnelDetails;
 
@@ -37,6 +41,8 @@ public:
     virtual std::shared_ptr<SQLRecentConnection> copy() const = 0;
     /// Copies all fields except the identity.
     virtual void copyFields(const SQLRecentConnection &from);
+    /// Makes windows show this connection in its colour.
+    void registerColour() const;
     /// Creates settings that open this connection.
     virtual VantorDBCPtr createDatabaseConnectionDetails() const = 0;
 

@@ -3,7 +3,6 @@
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNNotificationCenter.h"
-#include "Recent/KNDBCTabColorHelper.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,18 +12,52 @@
 
 namespace {
 
+QString encoded(const QJsonArray &array)
+{
+    return QString::fromLatin1(QJsonDocument(array).toJson(QJsonDocument::Compact).toBase64());
+}
+
 QString encoded(const QList<SQLRecentConnectionPtr> &connections)
 {
     QJsonArray array;
     for (const SQLRecentConnectionPtr &connection : connections)
         array.append(QJsonObject::fromVariantMap(connection->encodeWithCoder()));
-    return QString::fromLatin1(QJsonDocument(array).toJson(QJsonDocument::Compact).toBase64());
+    return encoded(array);
 }
 
 /// Text that cannot be decoded gives an empty list.
 QJsonArray decoded(const QString &text)
 {
     return QJsonDocument::fromJson(QByteArray::fromBase64(text.toLatin1())).array();
+}
+
+/// Ids are compared without regard to case.
+QString idOf(const QString &connectionId)
+{
+    return connectionId.toLower();
+}
+
+QString idOf(const QJsonValue &stored)
+{
+    return idOf(stored.toObject().value(QStringLiteral("connectionId")).toString());
+}
+
+/// The stored text with changed entries replaced or appended and others removed: the entries of other
+/// programs stay. `changed` has JSON objects by id.
+QString merged(const QString &stored, QMap<QString, QJsonObject> changed, const QSet<QString> &removed)
+{
+    QJsonArray array;
+    const QJsonArray before = decoded(stored);
+    for (const QJsonValue &value : before) {
+        const QString id = idOf(value);
+        if (changed.contains(id))
+            array.append(changed.take(id));
+        else if (!removed.contains(id))
+            array.append(value);
+    }
+    for (const QJsonObject &added : std::as_const(changed))
+        array.append(added);
+    return encoded(array);
 }
 
 SQLRecentConnectionPtr withId(const QList<SQLRecentConnectionPtr> &connections, const QString &connectionId)
@@ -70,20 +103,18 @@ void SQLRecentConnectionList::finishLoading(const QString &text, const KNError &
     if (error)
         KNLogHelper::sharedInstance()->logError(error, {});
 
-    bool gaveIds = false;
+    QSet<QString> withoutId;
     QList<SQLRecentConnectionPtr> stored;
     const QJsonArray array = decoded(text);
     for (const QJsonValue &value : array) {
-        const QVariantMap coder = value.toObject().toVariantMap();
-        gaveIds = gaveIds || coder.value(QStringLiteral("connectionId")).toString().isEmpty();
-        const SQLRecentConnectionPtr connection = makeEntry();
-        connection->initWithCoder(coder);
-        KNDBCTabColorHelper::setColorFromAliasTemporary(connection->alias, connection->connectionId);
-        stored.append(connection);
+        stored.append(entryOf(value.toObject()));
+        m_stored.insert(idOf(value), value.toObject());
+        if (idOf(value).isEmpty())
+            withoutId.insert(idOf(stored.last()->connectionId));
     }
     // Writes the entries added before the stored ones arrived; the stored ones are part of the next write.
-    if (gaveIds && m_state == State::Loaded)
-        save();
+    if (!withoutId.isEmpty() && m_state == State::Loaded)
+        writeAll();
     // Changes made before the store answered are newer.
     for (const SQLRecentConnectionPtr &connection : std::as_const(stored)) {
         if (!withId(m_connections, connection->connectionId))
@@ -91,7 +122,19 @@ void SQLRecentConnectionList::finishLoading(const QString &text, const KNError &
     }
     if (m_hasUnsavedChanges && !m_isWriting && m_state == State::Loaded)
         write();
+    if (!withoutId.isEmpty()) {
+        for (const SQLRecentConnectionPtr &connection : std::as_const(stored))
+            m_changed.insert(idOf(connection->connectionId));
+    }
     notify();
+}
+
+SQLRecentConnectionPtr SQLRecentConnectionList::entryOf(const QJsonObject &stored) const
+{
+    const SQLRecentConnectionPtr connection = makeEntry();
+    connection->initWithCoder(stored.toVariantMap());
+    connection->registerColour();
+    return connection;
 }
 
 QList<SQLRecentConnectionPtr> SQLRecentConnectionList::connections() const
@@ -113,6 +156,8 @@ void SQLRecentConnectionList::update(const SQLRecentConnectionPtr &entry)
         known->copyFields(*entry);
     else
         m_connections.append(entry);
+    m_changed.insert(idOf(entry->connectionId));
+    m_removed.remove(idOf(entry->connectionId));
     save();
     notify();
 }
@@ -123,6 +168,8 @@ void SQLRecentConnectionList::remove(const SQLRecentConnectionPtr &entry)
         return;
     KNAssert(contains(entry), "Connection is not available.", "Recent/SQLRecentConnectionList");
     m_connections.removeOne(entry);
+    m_changed.remove(idOf(entry->connectionId));
+    m_removed.insert(idOf(entry->connectionId));
     save();
     notify();
 }
@@ -156,27 +203,87 @@ void SQLRecentConnectionList::save()
         write();
 }
 
+/// Writes the list as it is in memory.
+void SQLRecentConnectionList::writeAll()
+{
+    m_isWriting = true;
+    m_store->setText(m_key, encoded(m_connections),
+                     [this, life = std::weak_ptr(m_life)](const KNError &error) {
+                         if (!life.expired())
+                             finishWriting(error);
+                     });
+}
+
+/// Writes this program's changes into the stored list, which other programs may have changed, and takes over
+/// theirs.
 void SQLRecentConnectionList::write()
 {
     m_isWriting = true;
     m_hasUnsavedChanges = false;
-    m_store->setText(
-        m_key, encoded(m_connections), [this, life = std::weak_ptr(m_life)](const KNError &error) {
+    QMap<QString, QJsonObject> changed;
+    for (const SQLRecentConnectionPtr &connection : std::as_const(m_connections)) {
+        const QString id = idOf(connection->connectionId);
+        if (m_changed.contains(id))
+            changed.insert(id, QJsonObject::fromVariantMap(connection->encodeWithCoder()));
+    }
+    const QSet<QString> changedIds = std::exchange(m_changed, {});
+    const QSet<QString> removed = std::exchange(m_removed, {});
+    m_store->changeText(
+        m_key, [changed, removed](const QString &stored) { return merged(stored, changed, removed); },
+        [this, changedIds, removed, life = std::weak_ptr(m_life)](const QString &text, const KNError &error) {
             if (life.expired())
                 return;
-            m_isWriting = false;
-            m_problem = error;
-            if (m_state == State::Dropped) { // removeAll() was called while the write was running
-                removeAll();
-                return;
+            if (error) {
+                m_changed |= changedIds - m_removed;
+                m_removed |= removed - m_changed;
+                m_hasUnsavedChanges = true;
+            } else if (m_state == State::Loaded) {
+                takeOver(decoded(text), changedIds);
             }
-            if (error)
-                KNLogHelper::sharedInstance()->logError(error, {});
-            else if (m_hasUnsavedChanges)
-                write();
-            m_hasUnsavedChanges = m_hasUnsavedChanges || error.isSet();
-            notify();
+            finishWriting(error);
         });
+}
+
+void SQLRecentConnectionList::finishWriting(const KNError &error)
+{
+    m_isWriting = false;
+    m_problem = error;
+    if (m_state == State::Dropped) { // removeAll() was called while the write was running
+        removeAll();
+        return;
+    }
+    if (error)
+        KNLogHelper::sharedInstance()->logError(error, {});
+    else if (m_hasUnsavedChanges)
+        write();
+    notify();
+}
+
+/// Takes over what other programs have stored, except for the entries that this one has changed.
+void SQLRecentConnectionList::takeOver(const QJsonArray &stored, const QSet<QString> &written)
+{
+    QSet<QString> ids = m_changed;
+    for (const QJsonValue &value : stored) {
+        const QString id = idOf(value);
+        ids.insert(id);
+        const QJsonObject before = m_stored.value(id);
+        m_stored.insert(id, value.toObject());
+        if (value.toObject() == before) // no other program has changed it
+            continue;
+        if (id.isEmpty() || written.contains(id) || m_changed.contains(id) || m_removed.contains(id))
+            continue;
+        const SQLRecentConnectionPtr known = withId(m_connections, id);
+        const SQLRecentConnectionPtr theirs = entryOf(value.toObject());
+        if (!known) {
+            m_connections.append(theirs);
+            continue;
+        }
+        if (!theirs->rememberPassword)
+            theirs->password = known->password; // known as long as this program runs
+        known->copyFields(*theirs);
+    }
+    m_connections.removeIf(
+        [&](const SQLRecentConnectionPtr &known) { return !ids.contains(idOf(known->connectionId)); });
 }
 
 void SQLRecentConnectionList::notify() const

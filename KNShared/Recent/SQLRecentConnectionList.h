@@ -3,12 +3,16 @@
 #include "Foundation/KNKeyValueStore.h"
 #include "Recent/SQLRecentConnection.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QList>
+#include <QSet>
 
 /// The remembered connections of one server kind, stored in the program's KNKeyValueStore under one key as a
 /// JSON array in base64. The list is read once, in the background, and written after every change. If the
-/// store fails, the list in memory is kept, and stored data that could not be read is never overwritten. On
-/// the main thread.
+/// store fails, the list in memory is kept, and stored data that could not be read is never overwritten.
+/// Writes change the program's own entries only, and take over what other programs have stored. On the main
+/// thread.
 class KNSHARED_EXPORT SQLRecentConnectionList
 {
 public:
@@ -43,6 +47,7 @@ public:
     const KNError &problem() const { return m_problem; }
     /// The store's kind and location, as KNKeyValueStore::name() returns it.
     QString storeName() const { return m_store->name(); }
+    bool isStoreEncrypted() const { return m_store->isEncrypted(); }
     /// Retries a failed read or write.
     void tryAgain();
 
@@ -50,8 +55,12 @@ private:
     enum class State { Loading, NotRead, Loaded, Dropped };
 
     void finishLoading(const QString &text, const KNError &error);
+    SQLRecentConnectionPtr entryOf(const QJsonObject &stored) const;
     void save();
+    void writeAll();
     void write();
+    void finishWriting(const KNError &error);
+    void takeOver(const QJsonArray &stored, const QSet<QString> &written);
     void notify() const;
 
     const QString m_key;
@@ -62,5 +71,8 @@ private:
     KNError m_problem;
     bool m_isWriting = false;
     bool m_hasUnsavedChanges = false;
+    QMap<QString, QJsonObject> m_stored; ///< as read or written last, by id
+    QSet<QString> m_changed;             ///< ids of the entries to write
+    QSet<QString> m_removed;             ///< ids of the entries to remove from the store
     const std::shared_ptr<int> m_life = std::make_shared<int>(); ///< callbacks check whether it still exists
 };

@@ -336,10 +336,9 @@ TEST_F(RecentConnections, AreWrittenOnceForAllThatChangedDuringAWrite)
     m_store->holdsAnswersBack = true;
     for (const char *id : {"one", "two", "three"})
         MSSQLRecentConnection::UpdateRecentConnection(entry(QString::fromLatin1(id), QStringLiteral("a")));
-    EXPECT_EQ(m_store->writes.size(), 1U);
-    m_store->answerPending();
-    EXPECT_EQ(m_store->writes.size(), 2U);
-    m_store->answerPending();
+    EXPECT_EQ(m_store->pending.size(), 1U); // one change of the stored text at a time
+    while (!m_store->pending.empty())
+        m_store->answerPending();
     EXPECT_EQ(m_store->writes.size(), 2U);
     EXPECT_EQ(written().size(), 3);
 }
@@ -362,4 +361,93 @@ TEST_F(RecentConnections, ListMayBeDestroyedBeforeAnswers)
     restart();
     m_store->answerPending();
     EXPECT_TRUE(m_store->writes.empty());
+}
+
+TEST_F(RecentConnections, OfAnotherProgramAreKeptAndTakenOver)
+{
+    m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("one")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("a")}},
+                                       {{QStringLiteral("connectionId"), QStringLiteral("two")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("b")}},
+                                       {{QStringLiteral("connectionId"), QStringLiteral("three")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("c")}}}));
+    ASSERT_EQ(count(), 3);
+    // Another program changes the second one, removes the third and adds a fourth.
+    m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("one")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("a")}},
+                                       {{QStringLiteral("connectionId"), QStringLiteral("TWO")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("theirs")}},
+                                       {{QStringLiteral("connectionId"), QStringLiteral("four")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("d")}}}));
+    MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("one"), QStringLiteral("mine")));
+
+    const auto hosts = [](const QJsonArray &array) {
+        QStringList texts;
+        for (const QJsonValue &value : array)
+            texts.append(value.toObject().value(QStringLiteral("serverHost")).toString());
+        texts.sort();
+        return texts;
+    };
+    const QStringList expected = {QStringLiteral("d"), QStringLiteral("mine"), QStringLiteral("theirs")};
+    EXPECT_EQ(hosts(written()), expected);
+    QStringList inMemory;
+    for (const SQLRecentConnectionPtr &connection : MSSQLRecentConnection::RecentConnections())
+        inMemory.append(connection->serverHost);
+    inMemory.sort();
+    EXPECT_EQ(inMemory, expected);
+
+    MSSQLRecentConnection::RemoveConnection(at(0)); // the latest, this program's own
+    EXPECT_EQ(hosts(written()), (QStringList{QStringLiteral("d"), QStringLiteral("theirs")}));
+}
+
+TEST_F(RecentConnections, KeepTheirPasswordInMemoryWhenAnotherProgramChangesThem)
+{
+    const Entry made = entry(QStringLiteral("one"), QStringLiteral("a"));
+    made->password = QStringLiteral("typed");
+    MSSQLRecentConnection::UpdateRecentConnection(made);
+    m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("one")},
+                                        {QStringLiteral("serverHost"), QStringLiteral("theirs")}}}));
+    MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("two"), QStringLiteral("b")));
+    ASSERT_EQ(count(), 2);
+    EXPECT_EQ(at(1)->serverHost, QStringLiteral("theirs"));
+    EXPECT_EQ(at(1)->password, QStringLiteral("typed"));
+}
+
+TEST_F(RecentConnections, ThatCouldNotBeWrittenAreWrittenByTheNextAttemptBesideThoseOfOthers)
+{
+    MSSQLRecentConnection::list();
+    m_store->writeProblem = KNKeyValueStore::NotWritten;
+    MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("one"), QStringLiteral("a")));
+    m_store->writeProblem.reset();
+    m_store->texts.insert(Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("theirs")}}}));
+    MSSQLRecentConnection::list().tryAgain();
+    EXPECT_EQ(written().size(), 2);
+    EXPECT_EQ(count(), 2);
+}
+
+TEST_F(RecentConnections, KeepLastUseColourGroupAndProductionFlag)
+{
+    const Entry made = entry(QStringLiteral("one"), QStringLiteral("a"));
+    made->lastUsed = QDateTime::fromString(QStringLiteral("2024-05-06T07:08:09.123Z"), Qt::ISODateWithMs);
+    made->colour = QStringLiteral("#c04040");
+    made->group = QStringLiteral("Shops");
+    made->isProduction = true;
+    MSSQLRecentConnection::UpdateRecentConnection(made);
+    restart();
+    ASSERT_EQ(count(), 1);
+    EXPECT_EQ(at(0)->lastUsed, made->lastUsed); // an update alone is no use
+    EXPECT_EQ(at(0)->colour, QStringLiteral("#c04040"));
+    EXPECT_EQ(at(0)->group, QStringLiteral("Shops"));
+    EXPECT_TRUE(at(0)->isProduction);
+    EXPECT_TRUE(at(0)->createDatabaseConnectionDetails()->isProduction());
+    EXPECT_EQ(KNDBCTabColorHelper::colorForId(QStringLiteral("one")), QStringLiteral("#c04040"));
+}
+
+TEST_F(RecentConnections, OfOlderVersionsWereLastUsedAtTheirDate)
+{
+    m_store->texts.insert(
+        Key, stored({{{QStringLiteral("connectionId"), QStringLiteral("old")},
+                      {QStringLiteral("connectionDate"), QStringLiteral("2020-01-01T00:00:00.000Z")}}}));
+    ASSERT_EQ(count(), 1);
+    EXPECT_EQ(at(0)->lastUsed.toUTC().date(), QDate(2020, 1, 1));
 }
