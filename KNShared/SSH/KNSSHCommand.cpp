@@ -18,7 +18,7 @@ void addOption(QStringList &arguments, const QString &option)
 QStringList commonArguments(const KNSSHTunnelModel &model)
 {
     QStringList arguments;
-    for (const char *option : {"BatchMode=yes", "ControlMaster=no", "ControlPath=none", "ControlPersist=no",
+    for (const char *option : {"ControlMaster=no", "ControlPath=none", "ControlPersist=no",
                                "ForkAfterAuthentication=no", "UpdateHostKeys=no", "CheckHostIP=no",
                                "RequestTTY=no", "RemoteCommand=none", "ForwardAgent=no", "ForwardX11=no"})
         addOption(arguments, QString::fromLatin1(option));
@@ -41,6 +41,10 @@ QStringList KNSSHCommand::toForward(const KNSSHTunnelModel &model, quint16 local
                                     quint16 port, int timeoutSeconds)
 {
     QStringList arguments = commonArguments(model);
+    // The only questions are those for a key's passphrase, once each (KNSSHAskPass).
+    for (const char *const option : {"BatchMode=no", "PasswordAuthentication=no",
+                                     "KbdInteractiveAuthentication=no", "NumberOfPasswordPrompts=1"})
+        addOption(arguments, QString::fromLatin1(option));
     addOption(arguments, QStringLiteral("StrictHostKeyChecking=yes"));
     addOption(arguments, KNFormat("UserKnownHostsFile=%@ ~/.ssh/known_hosts ~/.ssh/known_hosts2",
                                   quoted(KNSSHHostKey::knownHostsFile())));
@@ -65,6 +69,7 @@ QStringList KNSSHCommand::toForward(const KNSSHTunnelModel &model, quint16 local
 QStringList KNSSHCommand::toLearnTheHostKey(const KNSSHTunnelModel &model, const QString &knownHostsFile)
 {
     QStringList arguments = commonArguments(model);
+    addOption(arguments, QStringLiteral("BatchMode=yes"));
     addOption(arguments, QStringLiteral("StrictHostKeyChecking=accept-new"));
     addOption(arguments, KNFormat("UserKnownHostsFile=%@", quoted(knownHostsFile)));
     addOption(arguments, QStringLiteral("GlobalKnownHostsFile=/dev/null"));

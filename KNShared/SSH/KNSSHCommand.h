@@ -16,7 +16,8 @@ KNSHARED_EXPORT extern const QString ErrorDomain;
 enum Problem {
     UnknownHost = 1, ///< the error contains the host's key: KNSSHHostKey::fromError()
     ChangedHostKey,
-    NotLetIn, ///< the server accepted none of the user's keys
+    NotLetIn,        ///< the server accepted none of the user's keys
+    NeedsPassphrase, ///< of a key; the error contains ssh's prompt: KNSSHPassphrases::promptIn()
     Failed,
 };
 

@@ -1,6 +1,7 @@
 #include "SSH/KNSSHProcess.h"
 
 #include <QFile>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 
 #include <fcntl.h>
@@ -35,6 +36,24 @@ QByteArray programPath()
     return QFile::encodeName(name.contains(QLatin1Char('/')) ? name : QStandardPaths::findExecutable(name));
 }
 
+QList<QByteArray> encoded(const QStringList &texts)
+{
+    QList<QByteArray> bytes;
+    for (const QString &text : texts)
+        bytes.append(QFile::encodeName(text));
+    return bytes;
+}
+
+/// With null at the end, for exec.
+std::vector<char *> pointersTo(QList<QByteArray> &texts)
+{
+    std::vector<char *> pointers;
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 } // namespace
 
 void KNSSHProcess::setProgram(const QString &name)
@@ -43,17 +62,17 @@ void KNSSHProcess::setProgram(const QString &name)
     program().name = name;
 }
 
-KNSSHProcess::KNSSHProcess(const QStringList &arguments)
+KNSSHProcess::KNSSHProcess(const QStringList &arguments, const QStringList &variables)
 {
     // Prepared before the fork: after it, a multi-threaded process must not allocate memory.
     const QByteArray path = programPath();
-    QList<QByteArray> texts = {path};
-    for (const QString &argument : arguments)
-        texts.append(QFile::encodeName(argument));
-    std::vector<char *> pointers;
-    for (QByteArray &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
+    QList<QByteArray> texts = encoded(QStringList(QFile::decodeName(path)) + arguments);
+    std::vector<char *> pointers = pointersTo(texts);
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    for (const QString &variable : variables)
+        all.insert(variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
+    QList<QByteArray> environment = encoded(all.toStringList());
+    std::vector<char *> environmentPointers = pointersTo(environment);
 
     int output[2] = {-1, -1};
     int errors[2] = {-1, -1};
@@ -76,7 +95,7 @@ KNSSHProcess::KNSSHProcess(const QStringList &arguments)
         // inheriting it.
         syscall(SYS_close_range, 3U, ~0U, 0U);
         if (getppid() == parent)
-            execv(pointers[0], pointers.data());
+            execve(pointers[0], pointers.data(), environmentPointers.data());
         _exit(127);
     }
     close(null);

@@ -14,7 +14,8 @@ class KNSHARED_EXPORT KNSSHProcess
 public:
     enum class Event { Output, Complaint, Ended, Stopped, TimedOut };
 
-    explicit KNSSHProcess(const QStringList &arguments);
+    /// `variables` are added to the environment, as NAME=value.
+    explicit KNSSHProcess(const QStringList &arguments, const QStringList &variables = {});
     /// Ends the process with SIGTERM, or with SIGKILL if it does not react.
     ~KNSSHProcess();
     KNSSHProcess(const KNSSHProcess &) = delete;

@@ -2,8 +2,10 @@
 
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
+#include "SSH/KNSSHAskPass.h"
 #include "SSH/KNSSHCommand.h"
 #include "SSH/KNSSHHostKey.h"
+#include "SSH/KNSSHPassphrases.h"
 #include "SSH/KNSSHProcess.h"
 
 #include <arpa/inet.h>
@@ -122,8 +124,10 @@ bool KNSSHTunnel::serve(bool isLastAttempt)
 {
     const QDeadlineTimer deadline(m_timeout);
     m_localPort = freePort();
+    const KNSSHAskPass askPass;
     KNSSHProcess process(
-        KNSSHCommand::toForward(m_model, m_localPort, m_host, m_port, static_cast<int>(m_timeout.count())));
+        KNSSHCommand::toForward(m_model, m_localPort, m_host, m_port, static_cast<int>(m_timeout.count())),
+        askPass.environment());
     KNSSHProcess::Event event = KNSSHProcess::Event::Complaint;
     while (event == KNSSHProcess::Event::Complaint)
         event = process.wait(m_stop, deadline);
@@ -135,7 +139,7 @@ bool KNSSHTunnel::serve(bool isLastAttempt)
                event == KNSSHProcess::Event::TimedOut
                    ? KNError(KNSSHCommand::ErrorDomain, KNSSHCommand::Failed,
                              KNFormat("The SSH server %@ did not answer in time.", m_model.host))
-                   : explained(complaints));
+                   : explained(complaints, askPass));
         return true;
     }
     change(State::Open);
@@ -165,11 +169,31 @@ void KNSSHTunnel::noteUnreachableHost()
     m_changed.notify_all();
 }
 
-KNError KNSSHTunnel::explained(const QString &complaints) const
+KNError KNSSHTunnel::explained(const QString &complaints, const KNSSHAskPass &askPass) const
 {
     const KNError error = KNSSHCommand::errorFor(m_model, complaints);
+    if (error.code() == KNSSHCommand::NotLetIn)
+        return missingPassphrase(error, askPass);
     if (error.code() != KNSSHCommand::UnknownHost)
         return error;
     const auto key = KNSSHHostKey::ask(m_model, QDeadlineTimer(m_timeout));
     return key ? key->unknownHostError() : error;
+}
+
+/// The error that asks for a passphrase, if ssh has asked for one that is unknown or may be wrong.
+KNError KNSSHTunnel::missingPassphrase(const KNError &error, const KNSSHAskPass &askPass) const
+{
+    const auto needs = [&](const QString &prompt, const char *why) {
+        return KNError(KNSSHCommand::ErrorDomain, KNSSHCommand::NeedsPassphrase,
+                       KNFormat("The SSH server %@ %@ (%@)", m_model.host, why, prompt.trimmed()),
+                       KNSSHPassphrases::errorInfo(prompt));
+    };
+    if (const QString prompt = askPass.unansweredPrompt(); !prompt.isEmpty())
+        return needs(prompt,
+                     "needs a key whose passphrase is not known, and which the SSH agent does not hold.");
+    const QStringList answered = askPass.answeredPrompts();
+    for (const QString &prompt : answered)
+        KNSSHPassphrases::forget(prompt);
+    return answered.isEmpty() ? error
+                              : needs(answered.last(), "did not accept the key, or its passphrase is wrong.");
 }

@@ -10,6 +10,8 @@
 #include <mutex>
 #include <thread>
 
+class KNSSHAskPass;
+
 /// A loopback port that the system's `ssh` forwards to a host and port as seen from the SSH server.
 /// Connections with the same server and target share a tunnel; it closes when its last user releases it. Any
 /// thread.
@@ -47,7 +49,8 @@ private:
     bool serve(bool isLastAttempt);
     void noteUnreachableHost();
     void change(State state, const KNError &error = {});
-    KNError explained(const QString &complaints) const;
+    KNError explained(const QString &complaints, const KNSSHAskPass &askPass) const;
+    KNError missingPassphrase(const KNError &error, const KNSSHAskPass &askPass) const;
 
     const KNSSHTunnelModel m_model;
     const QString m_host;

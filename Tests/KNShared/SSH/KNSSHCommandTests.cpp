@@ -26,11 +26,13 @@ QString argumentAfter(const QStringList &arguments, const char *name)
 
 } // namespace
 
-TEST(SSHCommand, ForwardsLoopbackPortWithoutPrompts)
+TEST(SSHCommand, ForwardsLoopbackPortAndAsksForPassphrasesOnly)
 {
     const QStringList arguments = forward(model());
     EXPECT_EQ(argumentAfter(arguments, "-L"), QStringLiteral("127.0.0.1:40000:db:1433"));
-    for (const char *option : {"BatchMode=yes", "ExitOnForwardFailure=yes", "StrictHostKeyChecking=yes"})
+    for (const char *option :
+         {"PasswordAuthentication=no", "KbdInteractiveAuthentication=no", "NumberOfPasswordPrompts=1",
+          "ExitOnForwardFailure=yes", "StrictHostKeyChecking=yes"})
         EXPECT_TRUE(arguments.contains(QString::fromLatin1(option))) << option;
     EXPECT_EQ(arguments.last(), QStringLiteral("gate.example"));
     EXPECT_FALSE(arguments.contains(QStringLiteral("-l")));

@@ -1,14 +1,20 @@
 #include "SSH/KNSSHTunnel.h"
 
+#include "Foundation/KNLogHelper.h"
+#include "SSH/KNSSHAskPass.h"
 #include "SSH/KNSSHCommand.h"
 #include "SSH/KNSSHHostKey.h"
+#include "SSH/KNSSHPassphrases.h"
 #include "SSH/KNSSHProcess.h"
 #include "Support/PrintQt.h"
 #include "Support/SSHServerTest.h"
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
 
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -289,4 +295,79 @@ TEST_F(FakeSSH, IsStartedOnceForConcurrentCallers)
     for (const auto &tunnel : tunnels)
         EXPECT_EQ(tunnel, tunnels[0]);
     EXPECT_EQ(runs(), 1);
+}
+
+namespace {
+
+/// Gives the accepted key a passphrase.
+void protect(const QString &keyFile, const char *passphrase)
+{
+    QProcess keygen;
+    keygen.start(QStringLiteral("ssh-keygen"),
+                 {QStringLiteral("-p"), QStringLiteral("-P"), QString(), QStringLiteral("-N"),
+                  QString::fromLatin1(passphrase), QStringLiteral("-f"), keyFile});
+    ASSERT_TRUE(keygen.waitForFinished());
+    ASSERT_EQ(keygen.exitCode(), 0);
+}
+
+} // namespace
+
+TEST_F(Tunnel, AsksForThePassphraseOfItsKeyAndForgetsAWrongOne)
+{
+    acceptHostKey();
+    protect(m_model.keyFile, "open ' \" $sesame");
+    KNError error;
+    EXPECT_FALSE(open(&error));
+    EXPECT_EQ(error.code(), KNSSHCommand::NeedsPassphrase) << error.localizedDescription().toStdString();
+    const QString prompt = KNSSHPassphrases::promptIn(error);
+    EXPECT_TRUE(prompt.contains(m_model.keyFile)) << prompt.toStdString();
+
+    KNSSHPassphrases::set(prompt, QStringLiteral("wrong"));
+    EXPECT_FALSE(open(&error));
+    EXPECT_EQ(error.code(), KNSSHCommand::NeedsPassphrase);
+    EXPECT_EQ(KNSSHPassphrases::promptIn(error), prompt);
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("wrong.")));
+    EXPECT_TRUE(KNSSHPassphrases::all().isEmpty());
+
+    KNSSHPassphrases::set(prompt, QStringLiteral("open ' \" $sesame"));
+    QString logged;
+    KNLogHelper::sharedInstance()->setObserver([&](const QString &record) { logged += record; });
+    EXPECT_EQ(heardFrom(opened()->localPort()), "hello\n");
+    KNLogHelper::sharedInstance()->setObserver({});
+    EXPECT_FALSE(logged.contains(QStringLiteral("sesame")));
+    KNSSHPassphrases::forget(prompt);
+}
+
+TEST_F(Tunnel, KeepsAPassphraseOutOfFilesArgumentsAndEnvironment)
+{
+    constexpr char Secret[] = "pass-phrase-of-the-test";
+    KNSSHPassphrases::set(QStringLiteral("Enter it: "), QString::fromLatin1(Secret));
+    const KNSSHAskPass askPass;
+    const QStringList variables = askPass.environment();
+    ASSERT_EQ(variables.size(), 2);
+    EXPECT_EQ(variables[1], QStringLiteral("SSH_ASKPASS_REQUIRE=force"));
+    EXPECT_FALSE(variables.join(QLatin1Char(' ')).contains(QLatin1String(Secret)));
+    const QString program = variables[0].section(QLatin1Char('='), 1);
+    const QFileInfo folder(QFileInfo(program).path());
+    EXPECT_EQ(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
+              QFile::Permissions());
+    const QFileInfoList files = QDir(folder.filePath()).entryInfoList(QDir::Files);
+    EXPECT_GE(files.size(), 2);
+    for (const QFileInfo &info : files) {
+        QFile file(info.filePath());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_FALSE(file.readAll().contains(Secret)) << info.fileName().toStdString();
+    }
+    const auto answerTo = [&](const char *prompt) {
+        QProcess asking;
+        asking.start(program, {QString::fromLatin1(prompt)});
+        asking.waitForFinished();
+        return asking.exitCode() == 0 ? asking.readAllStandardOutput() : QByteArray("refused");
+    };
+    EXPECT_EQ(answerTo("Something else: "), "refused");
+    EXPECT_EQ(askPass.unansweredPrompt(), QStringLiteral("Something else: "));
+    EXPECT_EQ(answerTo("Enter it: "), QByteArray(Secret) + '\n');
+    EXPECT_EQ(answerTo("Enter it: "), "refused"); // once only
+    EXPECT_EQ(askPass.answeredPrompts(), QStringList{QStringLiteral("Enter it: ")});
+    KNSSHPassphrases::forget(QStringLiteral("Enter it: "));
 }
