@@ -59,6 +59,9 @@ public:
     /// the
     ///   certificate against the system's authorities;
     /// - "trustServerCertificate": true to accept any certificate then (default false);
+    /// - "pinnedCertificate": the only certificate that is accepted, as PEM text; it implies required
+    /// encryption, and
+    ///   the other parameters of the certificate are ignored;
     /// - "checkHostName": false to accept a certificate that was issued for another host (default true).
     /// nullopt, with an error for the user, for invalid values and for a file that cannot be read or contains
     /// no certificate.
@@ -74,6 +77,7 @@ public:
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
     QString startProtocolTrace() const override;
+    QStringList riskyStatements(const QString &batch) const override;
     QString quotedName(const QString &name) const override;
     QString literal(const KNValue &value) const override;
     QString description() const override;

@@ -6,6 +6,7 @@
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLQuerySplitter.h"
 #include "Implementations/MSSQLResultSetViewControllerHelper.h"
+#include "Implementations/MSSQLRiskyStatements.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
 std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewClient() const
@@ -40,4 +41,9 @@ MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
 QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const
 {
     return MSSQLClient::enableFreeTDSLogging();
+}
+
+QStringList MSSQLDatabaseConnectionDetails::riskyStatements(const QString &batch) const
+{
+    return MSSQLRiskyStatements(batch);
 }
