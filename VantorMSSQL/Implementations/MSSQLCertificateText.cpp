@@ -66,6 +66,15 @@ QString issuerOf(gnutls_x509_crt_t certificate)
     return QString::fromUtf8(text, static_cast<qsizetype>(size));
 }
 
+QString subjectOf(gnutls_x509_crt_t certificate)
+{
+    char text[256];
+    size_t size = sizeof text;
+    if (gnutls_x509_crt_get_dn(certificate, text, &size) != GNUTLS_E_SUCCESS || size == 0)
+        return namesOf(certificate).join(QStringLiteral(", "));
+    return QString::fromUtf8(text, static_cast<qsizetype>(size));
+}
+
 QString dateText(time_t time)
 {
     return QDateTime::fromSecsSinceEpoch(time, Qt::UTC).toString(QStringLiteral("yyyy-MM-dd hh:mm 'UTC'"));
@@ -132,4 +141,30 @@ QString MSSQLCertificateText(gnutls_session_int *session, unsigned status, const
             "is the right server.",
             namesOf(certificate.get()).join(QStringLiteral(", ")), host);
     return otherText(status);
+}
+
+std::optional<KNServerCertificate> MSSQLTrustableCertificate(gnutls_session_int *session, unsigned status)
+{
+    constexpr unsigned NeverTrusted = GNUTLS_CERT_REVOKED | GNUTLS_CERT_EXPIRED | GNUTLS_CERT_NOT_ACTIVATED |
+                                      GNUTLS_CERT_INSECURE_ALGORITHM;
+    const Certificate certificate = serverCertificate(session);
+    const QByteArray pem = MSSQLShownCertificate(session);
+    if (!certificate || pem.isEmpty() || (status & NeverTrusted) != 0)
+        return std::nullopt;
+    const auto date = [](time_t time) { return QDateTime::fromSecsSinceEpoch(time, Qt::UTC); };
+    return KNServerCertificate{pem, subjectOf(certificate.get()), issuerOf(certificate.get()),
+                               date(gnutls_x509_crt_get_activation_time(certificate.get())),
+                               date(gnutls_x509_crt_get_expiration_time(certificate.get()))};
+}
+
+QByteArray MSSQLShownCertificate(gnutls_session_int *session)
+{
+    unsigned count = 0;
+    const gnutls_datum_t *const chain = gnutls_certificate_get_peers(session, &count);
+    gnutls_datum_t pem = {};
+    if (count == 0 || gnutls_pem_base64_encode2("CERTIFICATE", &chain[0], &pem) != GNUTLS_E_SUCCESS)
+        return QByteArray();
+    const QByteArray text(reinterpret_cast<const char *>(pem.data), static_cast<qsizetype>(pem.size));
+    gnutls_free(pem.data);
+    return text;
 }

@@ -43,6 +43,7 @@ public:
     /// One login attempt with a db-lib protocol constant.
     bool connect(KNError *error, bool useNTLMv2, int tdsVersion);
     bool isConnected() const override;
+    VantorEncryption encryption() const override { return m_encryption; }
     void disconnect() override;
 
     bool executeQueryDetails(const QList<KNQueryDetails> &queries, KNResultSetHolder &withResultSet,
@@ -125,6 +126,9 @@ private:
     void setSocket(const MSSQLSocketReference &socket);
     quint64 bytesWritten() const;
     quint64 sizeInClear(const QString &sql) const;
+    quint64 largestLoginInClear(const MSSQLServerAddress &server) const;
+    VantorEncryption encryptionMeasured(const MSSQLEncryption &encryption, const MSSQLServerAddress &server,
+                                        quint64 loginSize, bool isAllEncrypted) const;
 
     bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error);
@@ -154,6 +158,7 @@ private:
     tds_dblib_dbprocess *m_dbProc = nullptr; ///< guarded by m_dbProcSemaphore
     mutable std::mutex m_socketMutex;
     MSSQLSocketReference m_socket; ///< of m_dbProc, usable without the handle; guarded by m_socketMutex
+    std::atomic<VantorEncryption> m_encryption = VantorEncryption::Unknown;
     MSSQLCancellation m_cancellation;
     std::atomic<bool> m_hadErrors = false; ///< of the last run
     std::shared_ptr<KNSSHTunnel> m_tunnel; ///< null without a tunnel; accessed by the running thread only

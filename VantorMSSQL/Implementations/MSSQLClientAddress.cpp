@@ -61,7 +61,11 @@ quint16 portIn(const QString &server)
 KNError noServerError(const QString &host)
 {
     return MSSQLLoginError::hopeless(
-        KNFormat("\"%@\" is not the name of a server. Give server, server,port or server\\instance.", host));
+        host.isEmpty()
+            ? QStringLiteral(
+                  "The name of the server is missing. Enter server, server,port or server\\instance.")
+            : KNFormat("\"%@\" is not a valid server name. Enter server, server,port or server\\instance.",
+                       host));
 }
 
 } // namespace
@@ -129,19 +133,19 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveTunnel(MSSQLEncryption *en
     const MSSQLServerAddress nearEnd = {QStringLiteral("127.0.0.1"), m_tunnel->localPort()};
     if (!encryption->checksHostName)
         return nearEnd;
-    QByteArray certificate;
-    const QString problem = MSSQLEncryptionProblem(nearEnd.host, nearEnd.port, *encryption, loginTimeLeft(),
-                                                   name, &certificate, m_cancellation.requestDescriptor());
+    const MSSQLEncryptionFinding finding = MSSQLCheckEncryption(
+        nearEnd.host, nearEnd.port, *encryption, loginTimeLeft(), name, m_cancellation.requestDescriptor());
     if (m_cancellation.isRequested()) {
         *error = MSSQLLoginError::cancelled();
         return std::nullopt;
     }
-    if (!problem.isNull()) {
-        *error = MSSQLLoginError::hopeless(problem);
+    if (!finding.problem.isNull()) {
+        *error = KNError(MSSQLLoginError::Domain, MSSQLLoginError::Hopeless, finding.problem,
+                         finding.untrusted ? finding.untrusted->errorInfo() : QVariantMap());
         return std::nullopt;
     }
-    if (!certificate.isEmpty()) {
-        encryption->pinnedCertificate = certificate;
+    if (!finding.certificate.isEmpty()) {
+        encryption->pinnedCertificate = finding.certificate;
         encryption->checksHostName = false;
     }
     return nearEnd;

@@ -15,7 +15,10 @@
 
 #include <sybdb.h>
 
+#include <QSysInfo>
+
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -25,6 +28,12 @@ const QString SourcePath = QStringLiteral("Implementations/MSSQLClient");
 const char *yesOrNo(bool flag)
 {
     return flag ? "YES" : "NO";
+}
+
+KNError encryptionProblem(const MSSQLEncryptionFinding &finding)
+{
+    return KNError(Domain, Hopeless, finding.problem,
+                   finding.untrusted ? finding.untrusted->errorInfo() : QVariantMap());
 }
 
 /// Whether neither another protocol version nor the other kind of NTLM can succeed. A refused Windows login
@@ -193,15 +202,16 @@ bool MSSQLClient::checkCertificate(const MSSQLServerAddress &server, MSSQLEncryp
         return true;
     QByteArray certificate = MSSQLVerifiedCertificates::find(server, *encryption);
     if (certificate.isEmpty()) {
-        const QString problem = MSSQLEncryptionProblem(server.host, server.port, *encryption, loginTimeLeft(),
-                                                       {}, &certificate, m_cancellation.requestDescriptor());
+        const MSSQLEncryptionFinding finding = MSSQLCheckEncryption(
+            server.host, server.port, *encryption, loginTimeLeft(), {}, m_cancellation.requestDescriptor());
+        certificate = finding.certificate;
         KNError failure;
         if (m_cancellation.isRequested())
             failure = cancelled();
         else if (m_cancellation.isDeadlineOver())
             failure = timeoutError(server, "did not finish the TLS handshake and the login");
-        else if (!problem.isNull())
-            failure = hopeless(problem);
+        else if (!finding.problem.isNull())
+            failure = encryptionProblem(finding);
         else if (certificate.isEmpty())
             failure =
                 unreachable(serverNameForUsers(), portForUsers(server),
@@ -268,10 +278,10 @@ KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEnc
     if (isByDefault ||
         error.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
         return error;
-    const QString problem =
-        MSSQLEncryptionProblem(server.host, server.port, encryption, std::min(left, LongestCheck), {},
-                               nullptr, m_cancellation.requestDescriptor());
-    return problem.isNull() ? error : hopeless(problem);
+    const MSSQLEncryptionFinding finding =
+        MSSQLCheckEncryption(server.host, server.port, encryption, std::min(left, LongestCheck), {},
+                             m_cancellation.requestDescriptor());
+    return finding.problem.isNull() ? error : encryptionProblem(finding);
 }
 
 bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, const MSSQLServerAddress &server,
@@ -300,6 +310,7 @@ bool MSSQLClient::configureSession(const MSSQLEncryption &encryption, const MSSQ
             "of yours was sent in clear; the connection was closed."));
         return false;
     }
+    m_encryption = encryptionMeasured(encryption, server, before, bytesWritten() - before > sizeInClear(sql));
     KNLogHelper::sharedInstance()->logMessage("MSSQLClient::connect configure took %0.2f.", timer.seconds());
     return reachDatabase(error) && runInitialStatements(error);
 }
@@ -360,4 +371,29 @@ quint64 MSSQLClient::sizeInClear(const QString &sql) const
     const KNSemaphoreLocker locker(m_dbProcSemaphore);
     const bool hasHeaders = m_dbProc && dbtds(m_dbProc) >= DBTDS_7_2;
     return PacketHeader + (hasHeaders ? TransactionHeaders : 0) + 2 * static_cast<quint64>(sql.size());
+}
+
+/// The protection of this session. The certificate counts only if it was verified for this login.
+VantorEncryption MSSQLClient::encryptionMeasured(const MSSQLEncryption &encryption,
+                                                 const MSSQLServerAddress &server, quint64 loginSize,
+                                                 bool isAllEncrypted) const
+{
+    if (isAllEncrypted)
+        return encryption.verifiesCertificate ? VantorEncryption::Verified : VantorEncryption::Unverified;
+    return loginSize > largestLoginInClear(server) ? VantorEncryption::LoginOnly : VantorEncryption::None;
+}
+
+/// The most that PRELOGIN and LOGIN7 without encryption can have: a TLS handshake adds more than the slack.
+/// The length of a Windows login is not known; it is not called encrypted, and does not send the password.
+quint64 MSSQLClient::largestLoginInClear(const MSSQLServerAddress &server) const
+{
+    constexpr quint64 Headers = 200;
+    constexpr qsizetype OwnTexts = 100; // program, library, language, the entry without its host
+    const MSSQLDatabaseConnectionDetails &details = *m_databaseConnectionDetails;
+    if (details.username().contains(QLatin1Char('\\')))
+        return std::numeric_limits<quint64>::max();
+    const qsizetype texts = details.username().size() + details.password().size() +
+                            details.database().size() + QSysInfo::machineHostName().size() +
+                            server.host.size() + OwnTexts;
+    return Headers + 2 * static_cast<quint64>(texts);
 }

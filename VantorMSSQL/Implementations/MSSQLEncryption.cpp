@@ -75,6 +75,19 @@ std::optional<MSSQLEncryption> MSSQLEncryption::fromSessionParameters(const QVar
     encryption.mode = *mode;
     if (*mode == Mode::Off)
         return encryption;
+    if (const QByteArray pinned = parameters.value(QStringLiteral("pinnedCertificate")).toString().toLatin1();
+        !pinned.isEmpty()) {
+        if (!holdsCertificates(pinned)) {
+            *error = settingsError(
+                QStringLiteral("The certificate that is trusted for this connection is damaged. "
+                               "Choose another kind of encryption in the connection's options."));
+            return std::nullopt;
+        }
+        encryption.mode = Mode::Require;
+        encryption.verifiesCertificate = true;
+        encryption.pinnedCertificate = pinned;
+        return encryption;
+    }
     if (!path.isEmpty() && trustsAnyone) {
         *error = settingsError(QStringLiteral(
             "Either a trusted certificate file is given or any server certificate is trusted, not both."));

@@ -111,76 +111,86 @@ private:
     QByteArray m_written;
 };
 
-/// The certificate that the server presented, as PEM.
-QByteArray certificateOf(gnutls_session_t session)
+MSSQLEncryptionFinding problem(const QString &text)
 {
-    unsigned count = 0;
-    const gnutls_datum_t *const chain = gnutls_certificate_get_peers(session, &count);
-    gnutls_datum_t pem = {};
-    if (count == 0 || gnutls_pem_base64_encode2("CERTIFICATE", &chain[0], &pem) != GNUTLS_E_SUCCESS)
-        return QByteArray();
-    const QByteArray text(reinterpret_cast<const char *>(pem.data), static_cast<qsizetype>(pem.size));
-    gnutls_free(pem.data);
-    return text;
+    return {text, {}, std::nullopt};
+}
+
+/// Compares the server's certificate with the only one that is accepted.
+MSSQLEncryptionFinding checkPinned(gnutls_session_t session, const QByteArray &pinned)
+{
+    const QByteArray shown = MSSQLShownCertificate(session);
+    if (KNServerCertificate::fingerprintOf(shown) == KNServerCertificate::fingerprintOf(pinned))
+        return {{}, shown, std::nullopt};
+    return {
+        QStringLiteral("The server's certificate is not the one that is trusted for this connection. It may "
+                       "have been renewed; otherwise someone may be pretending to be the server."),
+        {},
+        MSSQLTrustableCertificate(session, 0)};
 }
 
 /// Does the handshake and checks the server's certificate against the settings.
-QString handshakeProblem(MSSQLPreloginSocket &socket, const QString &host, const MSSQLEncryption &encryption,
-                         QByteArray *certificate)
+MSSQLEncryptionFinding checkHandshake(MSSQLPreloginSocket &socket, const QString &host,
+                                      const MSSQLEncryption &encryption)
 {
     Handshake handshake(socket, encryption);
     if (const int result = handshake.run(); result != GNUTLS_E_SUCCESS) {
         if (socket.hasTimedOut())
-            return QStringLiteral(
-                "The server did not finish the TLS handshake in time. Check that the port is "
-                "SQL Server's, or allow more time for connecting.");
-        return KNFormat("The TLS handshake with the server failed: %@ The server may only speak versions of "
-                        "TLS or ciphers that are not accepted any more, or may be none that speaks TLS here.",
-                        gnutls_strerror(result));
+            return problem(
+                QStringLiteral("The server did not finish the TLS handshake in time. Check that the port is "
+                               "SQL Server's, or allow more time for connecting."));
+        return problem(
+            KNFormat("The TLS handshake with the server failed: %@ The server may only speak versions of "
+                     "TLS or ciphers that are not accepted any more, or may be none that speaks TLS here.",
+                     gnutls_strerror(result)));
     }
+    if (!encryption.pinnedCertificate.isEmpty())
+        return checkPinned(handshake.session(), encryption.pinnedCertificate);
     if (!encryption.verifiesCertificate)
-        return QString();
+        return {};
     const QByteArray name = host.toUtf8();
     unsigned status = 0;
     const int result = gnutls_certificate_verify_peers3(
         handshake.session(), encryption.checksHostName ? name.constData() : nullptr, &status);
     if (result != GNUTLS_E_SUCCESS)
-        return KNFormat("The server's certificate could not be verified: %@", gnutls_strerror(result));
-    const QString problem = MSSQLCertificateText(handshake.session(), status, host);
-    if (problem.isNull() && certificate)
-        *certificate = certificateOf(handshake.session());
-    return problem;
+        return problem(
+            KNFormat("The server's certificate could not be verified: %@", gnutls_strerror(result)));
+    const QString text = MSSQLCertificateText(handshake.session(), status, host);
+    if (text.isNull())
+        return {{}, MSSQLShownCertificate(handshake.session()), std::nullopt};
+    return {text, {}, MSSQLTrustableCertificate(handshake.session(), status)};
 }
 
 } // namespace
 
-QString MSSQLEncryptionProblem(const QString &host, quint16 port, const MSSQLEncryption &encryption,
-                               std::chrono::milliseconds timeout, const QString &name,
-                               QByteArray *certificate, int cancelDescriptor)
+MSSQLEncryptionFinding MSSQLCheckEncryption(const QString &host, quint16 port,
+                                            const MSSQLEncryption &encryption,
+                                            std::chrono::milliseconds timeout, const QString &name,
+                                            int cancelDescriptor)
 {
     MSSQLPreloginSocket socket(MSSQLPreloginSocket::Clock::now() + timeout, cancelDescriptor);
     if (!socket.connect(host, port) ||
         !socket.sendPacket(MSSQLServerCheck::preloginAsking(wishFor(encryption.mode))))
-        return QString();
+        return {};
     const QByteArray answer = socket.readPacket();
     if (answer.isEmpty())
-        return socket.hasTimedOut()
-                   ? QStringLiteral(
-                         "The server took the connection and then said nothing. Check that the port "
-                         "is SQL Server's, or allow more time for connecting.")
-                   : QString();
+        return problem(
+            socket.hasTimedOut()
+                ? QStringLiteral("The server took the connection and then said nothing. Check that "
+                                 "the port is SQL Server's, or allow more time for connecting.")
+                : QString());
     const char agreed = encryptionIn(answer).value_or(CannotEncrypt);
     if (encryption.mode == Mode::Off)
-        return agreed == MustEncrypt
-                   ? QStringLiteral("The server lets nobody in without encryption. Set the connection's "
-                                    "encryption to request or require.")
-                   : QString();
+        return problem(
+            agreed == MustEncrypt
+                ? QStringLiteral("The server requires encryption. Set the connection's encryption to "
+                                 "request or require.")
+                : QString());
     if (agreed != CannotEncrypt)
-        return handshakeProblem(socket, name.isEmpty() ? host : name, encryption, certificate);
+        return checkHandshake(socket, name.isEmpty() ? host : name, encryption);
     if (encryption.mode != Mode::Require)
-        return QString();
-    return QStringLiteral(
-        "The server does not offer encryption, which this connection requires. Turn it on at "
-        "the server; or set the connection's encryption to request if nobody can listen on "
-        "the way.");
+        return {};
+    return problem(QStringLiteral("The server does not offer encryption, which this connection requires. "
+                                  "Turn it on at the server; or set the "
+                                  "connection's encryption to request if nobody can listen on the network."));
 }

@@ -1,9 +1,12 @@
+#include "Database/KNServerCertificate.h"
 #include "Foundation/KNFormat.h"
 #include "Support/HostileServerRelay.h"
 #include "Support/TestCertificates.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 using namespace WireTest;
@@ -133,7 +136,7 @@ TEST(Encryption, WorksForWindowsAccounts)
 TEST(Encryption, OffFailsOnServerThatRequiresEncryption)
 {
     EXPECT_TRUE(says(failureOf(withParameters(settings(requiringServer().port()), encryption("off"))),
-                     {"lets nobody in without encryption", "request or require"}));
+                     {"requires encryption", "request or require"}));
 }
 
 TEST(Encryption, RequiredFailsOnServerWithoutEncryption)
@@ -366,4 +369,119 @@ TEST(LoginSettings, AreNotChangedByTheUsersOwnForOtherPrograms)
     qputenv("HOME", oldHome);
     qunsetenv("FREETDSCONF");
     EXPECT_FALSE(QFile::exists(QFile::decodeName(trace))) << "a trace would hold the password";
+}
+
+namespace {
+
+VantorEncryption measured(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &details)
+{
+    MSSQLClient client(details);
+    KNError error;
+    EXPECT_TRUE(client.connect(&error)) << error.localizedDescription().toStdString();
+    return client.encryption();
+}
+
+/// The SHA-256 hash of the certificate in a PEM file, in hexadecimal.
+QByteArray hashOf(const std::string &file)
+{
+    QFile pem(QString::fromStdString(file));
+    EXPECT_TRUE(pem.open(QIODevice::ReadOnly));
+    QByteArray body;
+    while (!pem.atEnd()) {
+        const QByteArray line = pem.readLine();
+        if (!line.startsWith("-----"))
+            body += line.trimmed();
+    }
+    return QCryptographicHash::hash(QByteArray::fromBase64(body), QCryptographicHash::Sha256).toHex();
+}
+
+KNError errorOf(const std::shared_ptr<MSSQLDatabaseConnectionDetails> &details)
+{
+    MSSQLClient client(details);
+    KNError error;
+    EXPECT_FALSE(client.connect(&error));
+    return error;
+}
+
+} // namespace
+
+TEST(MeasuredEncryption, IsThatOfTheSession)
+{
+    const SampleServerFixture &clear = SampleServerFixture::shared();
+    EXPECT_EQ(measured(settings(clear.port())), VantorEncryption::None);
+    EXPECT_EQ(measured(withParameters(settings(clear.port()), encryption("off"))), VantorEncryption::None);
+    const SampleServerFixture requesting(serving(certificates().usual(), "request"));
+    EXPECT_EQ(measured(settings(requesting.port())), VantorEncryption::LoginOnly);
+    EXPECT_EQ(measured(withParameters(settings(requesting.port()), encryption("off"))),
+              VantorEncryption::None);
+    EXPECT_EQ(measured(settings(requiringServer().port())), VantorEncryption::Unverified);
+    EXPECT_EQ(measured(withParameters(settings(requiringServer().port()),
+                                      {{QStringLiteral("encryption"), QStringLiteral("require")},
+                                       {QStringLiteral("trustServerCertificate"), true}})),
+              VantorEncryption::Unverified);
+    EXPECT_EQ(measured(encryptedSettings(requiringServer().port())), VantorEncryption::Verified);
+}
+
+TEST(MeasuredEncryption, OfLongLoginTextsIsNotTakenForTLS)
+{
+    const SampleServerFixture &clear = SampleServerFixture::shared();
+    const auto details = settings(clear.port());
+    details->setDatabase(QStringLiteral("shop"));
+    EXPECT_EQ(measured(details), VantorEncryption::None);
+    const SampleServerFixture requesting(serving(certificates().usual(), "request"));
+    const auto encrypted = settings(requesting.port());
+    encrypted->setDatabase(QStringLiteral("shop"));
+    EXPECT_EQ(measured(encrypted), VantorEncryption::LoginOnly);
+}
+
+TEST(PinnedCertificate, OfAFailedCheckIsAcceptedAloneFromThenOn)
+{
+    const auto files = certificates().issue({{}, {"127.0.0.1"}, -1, 30, true});
+    const SampleServerFixture server(serving(files));
+    const auto details = withParameters(settings(server.port()), encryption("require"));
+    const auto certificate = KNServerCertificate::fromError(errorOf(details));
+    ASSERT_TRUE(certificate);
+    QByteArray fingerprint = certificate->fingerprint().toLatin1().toLower();
+    fingerprint.replace(":", "").replace("\n", "");
+    EXPECT_EQ(fingerprint, hashOf(files.certificate));
+    EXPECT_FALSE(certificate->subject.isEmpty());
+    EXPECT_EQ(certificate->issuer, certificate->subject); // it signed itself
+    EXPECT_LT(certificate->validFrom, QDateTime::currentDateTimeUtc());
+    EXPECT_GT(certificate->validUntil, QDateTime::currentDateTimeUtc().addDays(28));
+
+    certificate->pinTo(*details);
+    EXPECT_EQ(measured(details), VantorEncryption::Verified);
+
+    const auto elsewhere = settings(requiringServer().port());
+    elsewhere->setSessionParameters(details->sessionParameters());
+    const KNError error = errorOf(elsewhere);
+    EXPECT_TRUE(says(error.localizedDescription().toStdString(),
+                     {"is not the one that is trusted for this connection"}));
+    const auto other = KNServerCertificate::fromError(error);
+    ASSERT_TRUE(other);
+    EXPECT_NE(other->fingerprint(), certificate->fingerprint());
+}
+
+TEST(PinnedCertificate, OfAnotherHostCanBeTrusted)
+{
+    const SampleServerFixture server(serving(certificates().issue({{"sql.example"}, {}})));
+    const auto details = encryptedSettings(server.port());
+    const auto certificate = KNServerCertificate::fromError(errorOf(details));
+    ASSERT_TRUE(certificate);
+    EXPECT_EQ(certificate->issuer, QStringLiteral("CN=Test authority"));
+    certificate->pinTo(*details);
+    EXPECT_EQ(measured(details), VantorEncryption::Verified);
+}
+
+TEST(PinnedCertificate, IsNotOfferedForOneThatIsNotValidNow)
+{
+    const SampleServerFixture server(serving(certificates().issue({{"localhost"}, {"127.0.0.1"}, -20, -10})));
+    EXPECT_FALSE(KNServerCertificate::fromError(errorOf(encryptedSettings(server.port()))));
+}
+
+TEST(PinnedCertificate, ThatIsDamagedIsAnError)
+{
+    EXPECT_TRUE(says(failureOf(withParameters(settings(requiringServer().port()),
+                                              parameter("pinnedCertificate", QStringLiteral("no PEM")))),
+                     {"is damaged"}));
 }
