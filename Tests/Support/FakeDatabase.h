@@ -24,6 +24,7 @@ struct Server
     std::atomic<bool> resetsFail = false;
     std::atomic<bool> hangsUp = false; ///< idle clients find their connection closed
     std::atomic<int> cancels = 0;
+    std::atomic<VantorEncryption> encryption = VantorEncryption::Unknown; ///< of the sessions that begin
     KNError refusal{QStringLiteral("fake"), 1, QStringLiteral("refused")};
     std::function<void()> duringLogin; ///< runs on the thread that connects
 
@@ -139,6 +140,7 @@ public:
         return true;
     }
     bool isConnected() const override { return m_isConnected; }
+    VantorEncryption encryption() const override { return m_settings->server().encryption; }
     void disconnect() override
     {
         if (m_isConnected.exchange(false))

@@ -464,3 +464,32 @@ TEST_F(ConnectionPool, ATabIsCancelledFromAnotherThread)
     EXPECT_TRUE(tab->cancelCurrentQuery(&error));
     runner.join();
 }
+
+TEST_F(ConnectionPool, KnowsTheWeakestEncryptionOfItsSessions)
+{
+    EXPECT_EQ(pool.encryptionOf(settings), VantorEncryption::Unknown);
+    server.encryption = VantorEncryption::Verified;
+    KNError error;
+    const auto first = pool.connectedClient(settings, &error);
+    EXPECT_EQ(pool.encryptionOf(settings), VantorEncryption::Verified);
+    server.encryption = VantorEncryption::LoginOnly;
+    settings.setDatabase(QStringLiteral("other"));
+    const auto second = pool.connectedClient(settings, &error);
+    server.encryption = VantorEncryption::Unverified;
+    const auto third = pool.connectedClient(settings, &error);
+    settings.setDatabase(QString());
+    EXPECT_EQ(pool.encryptionOf(settings), VantorEncryption::LoginOnly);
+    settings.setUsername(QStringLiteral("another"));
+    EXPECT_EQ(pool.encryptionOf(settings), VantorEncryption::Unknown);
+}
+
+TEST_F(ConnectionPool, LendsAClientThatWasKept)
+{
+    KNError error;
+    auto client = pool.connectedClient(settings, &error);
+    ASSERT_TRUE(client);
+    pool.keep(settings, std::move(client));
+    EXPECT_EQ(pool.idleCount(), 1U);
+    EXPECT_TRUE(pool.executeQuery(doNothing, settings, nullptr));
+    EXPECT_EQ(server.logins, 1);
+}
