@@ -26,6 +26,7 @@ KNFileField::KNFileField(const QString &title, const QStringList &filters, QWidg
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_path, 1);
     layout->addWidget(choose);
+    setFocusPolicy(Qt::StrongFocus); // for the mnemonic of its label
     setFocusProxy(m_path);
 }
 
