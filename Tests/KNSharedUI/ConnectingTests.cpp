@@ -1,17 +1,21 @@
+#include "Database/KNServerCertificate.h"
 #include "SSH/KNSSHHostKey.h"
 #include "Support/FakeDatabase.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNConnectionQuestions.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
 #include "UI/Dialogs/KNFileField.h"
 #include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNPasswordField.h"
 #include "UI/Dialogs/KNProgressMark.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
@@ -361,4 +365,98 @@ TEST(ProgressMark, ShowsProgressOrFailure)
     EXPECT_TRUE(mark.problem().isNull());
     mark.stop();
     EXPECT_FALSE(mark.isRunning());
+}
+
+TEST(SessionOptionsSheet, ShowsAndForgetsAPinnedCertificate)
+{
+    // The certificate is the text "abc"; its SHA-256 hash begins with BA:78:16:BF.
+    const QVariantMap parameters = {
+        {string("encryption"), string("require")},
+        {string("pinnedCertificate"),
+         string("-----BEGIN CERTIFICATE-----\nYWJj\n-----END CERTIFICATE-----\n")}};
+    QWidget parent;
+    KNSessionOptionsWindowController sheet(parameters, &parent);
+    const auto shows = [&](const char *text) {
+        const auto labels = sheet.findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel *label) { return label->text().contains(string(text)); });
+    };
+    EXPECT_TRUE(shows("BA:78:16:BF:8F:01:CF:EA:41:41:40:DE:5D:AE:22:23\nB0:03:61:A3"));
+    EXPECT_EQ(sheet.connectionSessionParameters(), parameters);
+    auto *const encryption = sheet.findChildren<QComboBox *>().first();
+    encryption->setCurrentIndex(encryption->findText(string("Encrypt everything")));
+    EXPECT_FALSE(shows("BA:78"));
+    EXPECT_EQ(sheet.connectionSessionParameters(), (QVariantMap{{string("encryption"), string("require")}}));
+}
+
+TEST(SessionOptionsSheet, ExplainsWhatAChoiceMeans)
+{
+    QWidget parent;
+    KNSessionOptionsWindowController sheet({}, &parent);
+    const auto shows = [&](const char *text) {
+        const auto labels = sheet.findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel *label) { return label->text().contains(string(text)); });
+    };
+    auto *const encryption = sheet.findChildren<QComboBox *>().first();
+    EXPECT_TRUE(shows("Statements and results are sent as plain text, unless"));
+    encryption->setCurrentIndex(encryption->findText(string("Do not encrypt")));
+    EXPECT_TRUE(shows("also the password"));
+    encryption->setCurrentIndex(encryption->findText(string("Encrypt everything")));
+    EXPECT_TRUE(shows("must prove"));
+}
+
+TEST(CertificateQuestion, ShowsTheCertificateAndPinsItOnlyWhenItIsTrusted)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    class Settings : public FakeDatabase::Settings
+    {
+    public:
+        using FakeDatabase::Settings::Settings;
+        QVariantMap sessionParameters() const override { return parameters; }
+        void setSessionParameters(const QVariantMap &changed) override { parameters = changed; }
+        QVariantMap parameters = {{string("checkHostName"), false}, {string("loginTimeout"), 3}};
+    };
+    QWidget window;
+    FakeDatabase::Server server;
+    const auto details = std::make_shared<Settings>(server);
+    details->setHost(string("db.example"));
+    const KNServerCertificate certificate = {"-----BEGIN CERTIFICATE-----\nYWJj\n-----END CERTIFICATE-----\n",
+                                             string("CN=db"), string("CN=someone"),
+                                             QDateTime(QDate(2026, 1, 2), QTime(0, 0), Qt::UTC),
+                                             QDateTime(QDate(2027, 3, 4), QTime(0, 0), Qt::UTC)};
+    const KNError error(string("x"), 1, string("It is not trusted here."), certificate.errorInfo());
+    std::vector<bool> answers;
+    const auto answered = [&](bool again) { answers.push_back(again); };
+
+    alerts.answer = 0; // also the Return key's
+    KNConnectionQuestions::ask(&window, error, details, answered);
+    EXPECT_FALSE(details->parameters.contains(string("pinnedCertificate")));
+    ASSERT_EQ(alerts.questions.size(), 1U);
+    for (const char *const text : {"It is not trusted here.", "db.example", "CN=db", "CN=someone",
+                                   "2026-01-02", "2027-03-04", "BA:78:16:BF"})
+        EXPECT_TRUE(alerts.questions[0].text.contains(string(text))) << text;
+
+    alerts.answer = 1;
+    KNConnectionQuestions::ask(&window, error, details, answered);
+    EXPECT_EQ(answers, (std::vector<bool>{false, true}));
+    EXPECT_EQ(details->parameters,
+              (QVariantMap{{string("loginTimeout"), 3},
+                           {string("encryption"), string("require")},
+                           {string("pinnedCertificate"), QString::fromLatin1(certificate.pem)}}));
+}
+
+TEST(PasswordField, ShowsItsTextWhileTheEyeIsOpen)
+{
+    KNPasswordField field;
+    field.show();
+    EXPECT_EQ(field.echoMode(), QLineEdit::Password);
+    ASSERT_EQ(field.actions().size(), 1);
+    QAction *const eye = field.actions().first();
+    EXPECT_EQ(eye->text(), string("Show the password"));
+    eye->trigger();
+    EXPECT_EQ(field.echoMode(), QLineEdit::Normal);
+    EXPECT_EQ(eye->text(), string("Hide the password"));
+    eye->trigger();
+    EXPECT_EQ(field.echoMode(), QLineEdit::Password);
 }

@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "SSH/KNSSHHostKey.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Connecting/KNConnectionQuestions.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
 
@@ -60,23 +61,11 @@ void ConnectionWindowController::checkSSHFingerprintError(const KNError &error,
         answered(false);
         return;
     }
-    KNAlerts::Question question;
-    question.title = KNFormat(tr("Is this the right SSH server?"));
-    question.text =
-        KNFormat(tr("%@ is not known yet. Its %@ key has the fingerprint\n\n%@\n\nCompare it with what "
-                    "the server's administrator has given you. A wrong one may be somebody who "
-                    "pretends to be the server."),
-                 key->host(), key->type(), key->fingerprint());
-    question.buttons = QStringList{tr("Cancel"), tr("Accept Key and Connect")};
-    KNAlerts::shared().ask(this, question, [this, guard = QPointer(this), key, answered](int button) {
-        if (!guard || closed())
-            return;
-        KNError problem;
-        const bool isAccepted = button == 1 && key->accept(&problem);
-        if (problem)
-            KNAlerts::shared().showError(this, problem);
-        answered(isAccepted);
-    });
+    KNConnectionQuestions::askAboutHostKey(this, *key,
+                                           [this, guard = QPointer(this), answered](bool accepted) {
+                                               if (guard && !closed())
+                                                   answered(accepted);
+                                           });
 }
 
 void ConnectionWindowController::setSSHTunnelModel(const KNSSHTunnelModel &model)

@@ -2,7 +2,7 @@
 
 #include "UI/Dialogs/KNWindowController.h"
 
-class QLineEdit;
+class KNPasswordField;
 
 /// Asks for a password. Ends with 1 if one was entered, 0 if cancelled.
 class KNSHAREDUI_EXPORT KNPasswordWindowController : public KNWindowController
@@ -10,11 +10,20 @@ class KNSHAREDUI_EXPORT KNPasswordWindowController : public KNWindowController
     Q_OBJECT
 
 public:
+    struct Texts
+    {
+        QString title;
+        QString prompt; ///< plain text
+        QString accept; ///< of the button
+        QString reason; ///< why it is asked for, in sentences; may be empty
+    };
+
+    KNPasswordWindowController(const Texts &texts, QWidget *parent);
     /// `account` names the login in the prompt: "sa at db.example".
     KNPasswordWindowController(const QString &account, QWidget *parent);
 
     QString password() const;
 
 private:
-    QLineEdit *const m_password;
+    KNPasswordField *const m_password;
 };

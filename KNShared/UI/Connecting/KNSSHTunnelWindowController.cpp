@@ -27,10 +27,9 @@ KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel 
     m_keyFile->setPath(model.keyFile);
     m_keyFile->lineEdit()->setPlaceholderText(tr("SSH agent and usual keys"));
     m_keyFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
-    auto *const note =
-        new QLabel(tr("The tunnel is made by the system's ssh, with your SSH configuration. It can use a key "
-                      "without a passphrase, or those that the SSH agent holds. With a tunnel the server's "
-                      "name and port are looked up by the SSH server."));
+    auto *const note = new QLabel(
+        tr("The system's ssh makes the tunnel, with your SSH configuration. The passphrase of a key that "
+           "the SSH agent does not hold is asked for. The SSH server looks up the database server's name."));
     note->setWordWrap(true);
 
     auto *const form = new QFormLayout;
@@ -63,6 +62,7 @@ KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel 
     });
     connect(m_host, &QLineEdit::textChanged, this, update);
     update();
+    m_isUsed->setFocus();
 }
 
 KNSSHTunnelModel KNSSHTunnelWindowController::sshTunnelModel() const

@@ -1,5 +1,7 @@
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
 
+#include "Database/KNServerCertificate.h"
+#include "Foundation/KNFormat.h"
 #include "UI/Dialogs/KNFileField.h"
 
 #include <QCheckBox>
@@ -7,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSpinBox>
@@ -16,6 +19,7 @@ namespace {
 
 const QString Encryption = QStringLiteral("encryption");
 const QString TrustedCertificateFile = QStringLiteral("trustedCertificateFile");
+const QString PinnedCertificate = QStringLiteral("pinnedCertificate");
 const QString TrustServerCertificate = QStringLiteral("trustServerCertificate");
 const QString CheckHostName = QStringLiteral("checkHostName");
 const QString LoginTimeout = QStringLiteral("loginTimeout");
@@ -39,6 +43,12 @@ QString required()
     return QStringLiteral("require");
 }
 
+/// Everything is encrypted, and one certificate is accepted.
+QString pinned()
+{
+    return QStringLiteral("pinned");
+}
+
 void select(QComboBox *box, const QString &value)
 {
     box->setCurrentIndex(std::max(0, box->findData(value)));
@@ -51,6 +61,7 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
     : KNWindowController(parent)
     , m_parameters(parameters)
     , m_encryption(new QComboBox)
+    , m_explanation(new QLabel)
     , m_trustsAnyone(new QCheckBox(tr("&Trust any server certificate")))
     , m_certificateFile(new KNFileField(tr("Trusted certificate"),
                                         {tr("Certificates (*.pem *.crt *.cer)"), tr("All files (*)")}))
@@ -61,12 +72,22 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
     , m_statements(new QPlainTextEdit)
 {
     setWindowTitle(tr("Connection Options"));
-    m_encryption->addItem(tr("If the server can (login at least)"), request());
-    m_encryption->addItem(tr("Required, with a valid certificate"), required());
-    m_encryption->addItem(tr("Off"), off());
-    select(m_encryption, parameters.value(Encryption, request()).toString());
+    const bool isPinned = parameters.contains(PinnedCertificate);
+    m_encryption->addItem(tr("Encrypt the login if the server can"), request());
+    m_encryption->addItem(tr("Encrypt everything"), required());
+    if (isPinned)
+        m_encryption->addItem(tr("Encrypt everything, trust one certificate"), pinned());
+    m_encryption->addItem(tr("Do not encrypt"), off());
+    select(m_encryption, isPinned ? pinned() : parameters.value(Encryption, request()).toString());
+    m_encryption->setAccessibleName(tr("Encryption"));
+    m_explanation->setWordWrap(true);
+    m_explanation->setTextFormat(Qt::PlainText);
+    m_explanation->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_explanation->setForegroundRole(QPalette::PlaceholderText);
+    m_explanation->setMinimumHeight(fontMetrics().lineSpacing() * 3);
+    m_explanation->setAlignment(Qt::AlignTop);
     m_trustsAnyone->setChecked(parameters.value(TrustServerCertificate).toBool());
-    m_trustsAnyone->setToolTip(tr("Listeners are kept out, impostors are not."));
+    m_trustsAnyone->setToolTip(tr("Nobody can listen, but another server could pretend to be this one."));
     m_certificateFile->setPath(parameters.value(TrustedCertificateFile).toString());
     m_certificateFile->lineEdit()->setPlaceholderText(tr("The system's authorities"));
     m_certificateFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
@@ -89,6 +110,7 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
 
     auto *const form = new QFormLayout;
     form->addRow(tr("&Encryption:"), m_encryption);
+    form->addRow(QString(), m_explanation);
     form->addRow(tr("Trusted &certificate:"), m_certificateFile);
     form->addRow(QString(), m_checksHostName);
     form->addRow(QString(), m_trustsAnyone);
@@ -110,7 +132,7 @@ KNSessionOptionsWindowController::KNSessionOptionsWindowController(const QVarian
 
 void KNSessionOptionsWindowController::updateControls()
 {
-    const bool isEncrypted = m_encryption->currentData() != off();
+    const bool isEncrypted = m_encryption->currentData() != off() && m_encryption->currentData() != pinned();
     const bool isVerified = isEncrypted && !m_trustsAnyone->isChecked();
     m_trustsAnyone->setEnabled(isEncrypted);
     m_certificateFile->setEnabled(isVerified);
@@ -121,6 +143,25 @@ void KNSessionOptionsWindowController::updateControls()
         modes->item(m_encryption->findData(request()))->setEnabled(!namesCertificate);
     if (namesCertificate && m_encryption->currentData() == request())
         select(m_encryption, required());
+    m_explanation->setText(explanation());
+}
+
+QString KNSessionOptionsWindowController::explanation() const
+{
+    const QVariant mode = m_encryption->currentData();
+    if (mode == off())
+        return tr("Everything is sent as plain text, also the password.");
+    if (mode == request())
+        return tr(
+            "Statements and results are sent as plain text, unless the server requires encryption. Nothing "
+            "proves that it is the right server.");
+    if (mode == pinned())
+        return KNFormat(
+            tr("Only the certificate with this SHA-256 fingerprint is accepted:\n%@"),
+            KNServerCertificate::fingerprintOf(m_parameters.value(PinnedCertificate).toByteArray()));
+    if (m_trustsAnyone->isChecked())
+        return tr("Nobody can listen, but another server could pretend to be this one.");
+    return tr("The server must prove with a valid certificate that it is the right one.");
 }
 
 QVariantMap KNSessionOptionsWindowController::connectionSessionParameters() const
@@ -133,7 +174,10 @@ QVariantMap KNSessionOptionsWindowController::connectionSessionParameters() cons
             parameters.insert(key, value);
     };
     const bool isVerified = m_checksHostName->isEnabled();
-    set(Encryption, m_encryption->currentData(), request());
+    const bool isPinned = m_encryption->currentData() == pinned();
+    if (!isPinned)
+        parameters.remove(PinnedCertificate);
+    set(Encryption, isPinned ? required() : m_encryption->currentData(), request());
     set(TrustServerCertificate, m_trustsAnyone->isEnabled() && m_trustsAnyone->isChecked(), false);
     set(TrustedCertificateFile, isVerified ? m_certificateFile->path() : QString(), QString());
     set(CheckHostName, !isVerified || m_checksHostName->isChecked(), true);

@@ -7,6 +7,7 @@
 class KNFileField;
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QPlainTextEdit;
 class QSpinBox;
 
@@ -24,9 +25,11 @@ public:
 
 private:
     void updateControls();
+    QString explanation() const;
 
     const QVariantMap m_parameters;
     QComboBox *const m_encryption;
+    QLabel *const m_explanation; ///< what the chosen encryption means
     QCheckBox *const m_trustsAnyone;
     KNFileField *const m_certificateFile;
     QCheckBox *const m_checksHostName;
