@@ -1,3 +1,4 @@
+#include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNLogHelper.h"
 #include "Recent/KNDBCTabColorHelper.h"
 #include "SSH/KNSSHHostKey.h"
@@ -9,8 +10,13 @@
 #include "Support/RecordingStore.h"
 #include "Support/SSHServer.h"
 #include "Support/SampleServerFixture.h"
+#include "Support/TestCertificates.h"
 #include "Support/WindowTesting.h"
+#include "UI/Connecting/KNColourBox.h"
+#include "UI/Connecting/KNConnectionStoreLabel.h"
+#include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNPasswordField.h"
 #include "UI/Dialogs/KNProgressMark.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
@@ -21,6 +27,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QPointer>
+#include <QProcess>
 #include <QTableWidget>
 
 using WindowTesting::settle;
@@ -53,6 +60,12 @@ protected:
             m_details = m_dialog->databaseConnectionDetails();
         });
         m_form = m_dialog->findChild<MSSQLConnectionForm *>();
+    }
+    /// Makes shortcuts and mnemonics work, as for a user.
+    void activate() const
+    {
+        m_dialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog));
     }
     /// Fills in what opens the shared sample server.
     void fillIn(const char *password = SampleServerFixture::Password,
@@ -272,7 +285,7 @@ TEST_F(ConnectionWindow, ShowsStorageLocationAndErrors)
     m_store->holdsAnswersBack = true;
     open();
     EXPECT_TRUE(m_form->state->text().contains(QStringLiteral("the test's memory")));
-    EXPECT_TRUE(m_form->state->text().contains(QStringLiteral("being read")));
+    EXPECT_TRUE(m_form->state->text().contains(QStringLiteral("Reading the remembered")));
     m_store->readProblem = KNKeyValueStore::Refused;
     m_store->answerPending();
     EXPECT_TRUE(m_form->state->text().contains(QStringLiteral("As the test wants it.")));
@@ -331,7 +344,7 @@ TEST_F(ConnectionWindow, IgnoresConnectResultAfterClosing)
     fillIn(SampleServerFixture::Password, relay->port());
     m_dialog->onConnectAndSave();
     ASSERT_TRUE(waitFor([&] { return !relay->saidByClient().empty(); }));
-    QTest::keyClick(m_dialog, Qt::Key_Escape);
+    m_dialog->close(); // as the window's close button does
     EXPECT_EQ(m_result, 0);
     relay.reset();
     ASSERT_TRUE(settle());
@@ -339,6 +352,90 @@ TEST_F(ConnectionWindow, IgnoresConnectResultAfterClosing)
     EXPECT_EQ(m_result, 0);
     EXPECT_TRUE(m_alerts.errors.empty());
     EXPECT_TRUE(m_store->writes.empty());
+}
+
+TEST_F(ConnectionWindow, CancelDuringAnAttemptKeepsTheDialogAndItsText)
+{
+    const HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::Stall, 0);
+    for (const bool byEscape : {false, true}) {
+        open();
+        fillIn("typed", relay.port());
+        const auto before = relay.saidByClient().size();
+        m_dialog->onConnectAndSave();
+        ASSERT_TRUE(waitFor([&] { return relay.saidByClient().size() > before; }));
+        if (byEscape)
+            QTest::keyClick(m_dialog, Qt::Key_Escape);
+        else
+            button("Cancel")->click();
+        EXPECT_FALSE(m_result);
+        ASSERT_TRUE(m_dialog && m_dialog->isVisible());
+        EXPECT_FALSE(connecting()->isRunning());
+        EXPECT_TRUE(button("Save and Connect")->isEnabled());
+        EXPECT_EQ(m_form->password->text(), QStringLiteral("typed"));
+        ASSERT_TRUE(settle());
+        EXPECT_TRUE(m_alerts.errors.empty());
+        QTest::keyClick(m_dialog, Qt::Key_Escape);
+        EXPECT_EQ(m_result, 0);
+        m_result.reset();
+        ASSERT_TRUE(settle());
+    }
+}
+
+TEST_F(ConnectionWindow, ReachesEveryFieldByTheMnemonicOfItsLabel)
+{
+    open();
+    activate();
+    const std::pair<Qt::Key, QWidget *> fields[] = {{Qt::Key_N, m_form->alias},
+                                                    {Qt::Key_E, m_form->server},
+                                                    {Qt::Key_A, m_form->authentication},
+                                                    {Qt::Key_U, m_form->account},
+                                                    {Qt::Key_P, m_form->password},
+                                                    {Qt::Key_D, m_form->database},
+                                                    {Qt::Key_R, m_form->remembersPassword}};
+    for (const auto &[key, field] : fields) {
+        QTest::keyClick(m_dialog, key, Qt::AltModifier);
+        EXPECT_TRUE(m_dialog->focusWidget() == field || field->isAncestorOf(m_dialog->focusWidget()))
+            << QKeySequence(key).toString().toStdString();
+    }
+    EXPECT_TRUE(waitFor([this] { return m_form->remembersPassword->isChecked(); })); // after its animation
+    EXPECT_FALSE(m_result);
+}
+
+TEST_F(ConnectionWindow, BeginsEmptyForAnEntryWithoutFieldsAndKeepsItsId)
+{
+    MSSQLRecentConnection::UpdateRecentConnection(entry("one", "a"));
+    const auto made = std::make_shared<MSSQLRecentConnection>();
+    made->connectionId = QStringLiteral("new");
+    open(made);
+    EXPECT_EQ(m_form->server->currentText(), QString());
+    EXPECT_EQ(m_form->account->text(), QString());
+    EXPECT_EQ(m_form->server->count(), 1); // the servers of the others can be chosen
+    fillIn();
+    m_dialog->onSave();
+    EXPECT_EQ(remembered(0)->connectionId, QStringLiteral("new"));
+}
+
+TEST_F(ConnectionWindow, ConnectsWithControlAndReturn)
+{
+    open();
+    fillIn();
+    activate();
+    QTest::keyClick(m_dialog, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(connecting()->isRunning());
+    ASSERT_TRUE(waitFor([this] { return m_result.has_value(); }));
+    EXPECT_EQ(m_result, KNModalResponseSaveAndConnect);
+}
+
+TEST_F(ConnectionWindow, LogsInOnceForTheDialogAndItsWindow)
+{
+    VantorDatabaseConnectionPool &pool = *VantorDatabaseConnectionPool::sharedInstance();
+    pool.closeIdleClients();
+    open();
+    fillIn();
+    m_dialog->onConnectAndSave();
+    ASSERT_TRUE(waitFor([this] { return m_result.has_value(); }));
+    EXPECT_EQ(pool.idleCount(), 1U);
+    pool.closeIdleClients();
 }
 
 TEST_F(ConnectionWindow, SavesNothingAfterClosing)
@@ -409,4 +506,142 @@ TEST_F(ConnectionWindow, TakesTheServerThatIsChosenInTheBrowser)
         << m_form->server->currentText().toStdString();
     ASSERT_TRUE(settle());
     MSSQLBrowserServiceClient::setSearch({});
+}
+
+TEST_F(ConnectionWindow, SaveAloneChangesNoLastUse)
+{
+    const auto lastUsed =
+        QDateTime::fromString(QStringLiteral("2024-05-06T07:08:09.000Z"), Qt::ISODateWithMs);
+    auto edited = entry("one", "a");
+    edited->lastUsed = lastUsed;
+    MSSQLRecentConnection::UpdateRecentConnection(edited);
+    open(edited);
+    m_form->alias->setText(QStringLiteral("renamed"));
+    m_dialog->onSave();
+    ASSERT_EQ(remembered(0)->alias, QStringLiteral("renamed"));
+    EXPECT_EQ(remembered(0)->lastUsed, lastUsed);
+
+    m_result.reset();
+    open(remembered(0));
+    fillIn();
+    m_dialog->onConnectAndSave();
+    ASSERT_TRUE(waitFor([this] { return m_result.has_value(); }));
+    EXPECT_GT(remembered(0)->lastUsed, lastUsed);
+}
+
+TEST_F(ConnectionWindow, TrustsACertificateForThisConnectionOnceItsFingerprintWasShown)
+{
+    TestCertificates &certificates = TestCertificates::shared();
+    const auto files = certificates.issue({{}, {"127.0.0.1"}, -1, 30, true});
+    const SampleServerFixture server({files.arguments("require"), {}});
+    auto edited = entry("one", "");
+    edited->connectionSessionParameters = {{QStringLiteral("encryption"), QStringLiteral("require")}};
+    open(edited);
+    fillIn(SampleServerFixture::Password, server.port());
+    m_alerts.answer = 0;
+    m_dialog->onConnectAndSave();
+    ASSERT_TRUE(waitFor([this] { return !m_alerts.errors.empty(); }));
+    ASSERT_EQ(m_alerts.questions.size(), 1U);
+    EXPECT_TRUE(m_alerts.questions[0].text.contains(QStringLiteral("SHA-256")));
+    EXPECT_FALSE(m_result);
+
+    m_alerts.answer = 1;
+    m_dialog->onConnectAndSave();
+    ASSERT_TRUE(waitFor([this] { return m_result.has_value() || m_alerts.errors.size() > 1; }));
+    EXPECT_EQ(m_result, KNModalResponseSaveAndConnect);
+    ASSERT_TRUE(remembered(0));
+    EXPECT_TRUE(remembered(0)
+                    ->connectionSessionParameters.value(QStringLiteral("pinnedCertificate"))
+                    .toString()
+                    .startsWith(QStringLiteral("-----BEGIN CERTIFICATE-----")));
+}
+
+TEST_F(ConnectionWindow, EditsColourGroupAndProductionFlag)
+{
+    auto edited = entry("one", "a");
+    edited->group = QStringLiteral("Shops");
+    edited->colour = QStringLiteral("#123456"); // chosen elsewhere
+    edited->isProduction = true;
+    MSSQLRecentConnection::UpdateRecentConnection(edited);
+    open(edited);
+    EXPECT_EQ(m_form->group->currentText(), QStringLiteral("Shops"));
+    EXPECT_EQ(m_form->group->findText(QStringLiteral("Shops")), 0); // the groups can be chosen
+    EXPECT_EQ(m_form->colour->colour(), QStringLiteral("#123456"));
+    EXPECT_TRUE(m_form->isProduction->isChecked());
+    EXPECT_TRUE(m_dialog->connectionDetailsForCurrentState()->isProduction());
+
+    m_form->group->setEditText(QStringLiteral(" Other "));
+    m_form->colour->setCurrentIndex(m_form->colour->findText(QStringLiteral("Green")));
+    m_form->isProduction->setChecked(false);
+    m_dialog->onSave();
+    EXPECT_EQ(remembered(0)->group, QStringLiteral("Other"));
+    EXPECT_EQ(remembered(0)->colour, m_form->colour->colour());
+    EXPECT_EQ(KNDBCTabColorHelper::colorForId(QStringLiteral("one")), remembered(0)->colour);
+    EXPECT_FALSE(remembered(0)->isProduction);
+}
+
+TEST_F(ConnectionWindow, TestsAConnectionWithoutSavingIt)
+{
+    open();
+    fillIn();
+    button("Test")->click();
+    EXPECT_TRUE(connecting()->isRunning());
+    EXPECT_FALSE(button("Test")->isEnabled());
+    ASSERT_TRUE(waitFor([this] { return !m_alerts.messages.empty(); }));
+    EXPECT_EQ(m_alerts.messages[0].value(0), QStringLiteral("The connection works."));
+    EXPECT_TRUE(m_alerts.messages[0].value(1).startsWith(QStringLiteral("Microsoft SQL Server")))
+        << m_alerts.messages[0].value(1).toStdString();
+    EXPECT_FALSE(m_result);
+    EXPECT_TRUE(m_store->writes.empty());
+    EXPECT_TRUE(button("Test")->isEnabled());
+
+    fillIn("wrong");
+    button("Test")->click();
+    ASSERT_TRUE(waitFor([this] { return !m_alerts.errors.empty(); }));
+    EXPECT_TRUE(m_alerts.errors[0].localizedDescription().contains(QStringLiteral("Login failed")));
+    EXPECT_FALSE(m_result);
+}
+
+TEST_F(ConnectionWindow, TestCanBeCancelled)
+{
+    const HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::Stall, 0);
+    open();
+    fillIn(SampleServerFixture::Password, relay.port());
+    button("Test")->click();
+    ASSERT_TRUE(waitFor([&] { return !relay.saidByClient().empty(); }));
+    button("Cancel")->click();
+    EXPECT_FALSE(connecting()->isRunning());
+    EXPECT_TRUE(button("Test")->isEnabled());
+    EXPECT_FALSE(m_result);
+    ASSERT_TRUE(settle());
+    EXPECT_TRUE(m_alerts.errors.empty());
+    EXPECT_TRUE(m_alerts.messages.empty());
+}
+
+TEST_F(ConnectionWindow, AsksForThePassphraseOfTheSSHKey)
+{
+    if (const QString missing = SSHServer::whatIsMissing(); !missing.isNull())
+        GTEST_SKIP() << missing.toStdString();
+    const SSHServer ssh;
+    KNSSHProcess::setProgram(ssh.client());
+    QProcess keygen;
+    keygen.start(QStringLiteral("ssh-keygen"),
+                 {QStringLiteral("-p"), QStringLiteral("-P"), QString(), QStringLiteral("-N"),
+                  QStringLiteral("sesame"), QStringLiteral("-f"), ssh.keyFile()});
+    ASSERT_TRUE(keygen.waitForFinished());
+    auto edited = entry("one", "");
+    edited->sshTunnelDetails = {QString::fromLatin1(SSHServer::Alias), 0, QString(), ssh.keyFile()};
+    open(edited);
+    fillIn();
+    m_alerts.answer = 1; // the server's key is the right one
+    m_dialog->onConnectAndSave();
+    const auto sheet = [this] { return m_dialog->findChild<KNPasswordWindowController *>(); };
+    ASSERT_TRUE(waitFor([&] { return sheet() != nullptr || !m_alerts.errors.empty(); }));
+    ASSERT_TRUE(sheet());
+    QTest::keyClicks(sheet()->findChild<QLineEdit *>(), QStringLiteral("sesame"));
+    QTest::keyClick(sheet(), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return m_result.has_value() || !m_alerts.errors.empty(); }));
+    EXPECT_EQ(m_result, KNModalResponseSaveAndConnect);
+    KNSSHProcess::setProgram(QStringLiteral("ssh"));
+    QFile::remove(KNSSHHostKey::knownHostsFile());
 }

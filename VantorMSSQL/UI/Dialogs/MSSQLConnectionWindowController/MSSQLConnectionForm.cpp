@@ -1,12 +1,14 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 
+#include "UI/Connecting/KNColourBox.h"
+#include "UI/Connecting/KNConnectionStoreLabel.h"
 #include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNPasswordField.h"
 #include "UI/Dialogs/KNProgressMark.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -19,6 +21,8 @@ QWidget *row(std::initializer_list<QWidget *> widgets)
     layout->setContentsMargins(0, 0, 0, 0);
     for (QWidget *const widget : widgets)
         layout->addWidget(widget);
+    // A label's mnemonic needs the policy, too.
+    line->setFocusPolicy((*widgets.begin())->focusPolicy());
     line->setFocusProxy(*widgets.begin());
     return line;
 }
@@ -39,13 +43,16 @@ MSSQLConnectionForm::MSSQLConnectionForm(QWidget *parent)
     , browse(plainButton(tr("&Browse…")))
     , authentication(new QComboBox)
     , account(new QLineEdit)
-    , password(new QLineEdit)
+    , password(new KNPasswordField)
     , remembersPassword(new QCheckBox(tr("&Remember password")))
     , database(new KNLazyComboBox)
     , databaseProgress(new KNProgressMark(tr("Listing databases")))
-    , sshTunnel(plainButton(tr("SSH &Tunnel…")))
-    , sessionOptions(plainButton(tr("&Options…")))
-    , state(new QLabel)
+    , group(new KNLazyComboBox)
+    , colour(new KNColourBox)
+    , isProduction(new QCheckBox(tr("Production: as&k before risky statements")))
+    , sshTunnel(plainButton(tr("SSH Tunne&l…")))
+    , sessionOptions(plainButton(tr("Opt&ions…")))
+    , state(new KNConnectionStoreLabel)
 {
     alias->setPlaceholderText(tr("A name of your own (optional)"));
     alias->setAccessibleName(tr("Name"));
@@ -56,12 +63,15 @@ MSSQLConnectionForm::MSSQLConnectionForm(QWidget *parent)
     authentication->addItem(tr("Windows account (NTLM)"));
     authentication->setAccessibleName(tr("Authentication"));
     account->setAccessibleName(tr("User name"));
-    password->setEchoMode(QLineEdit::Password);
     password->setAccessibleName(tr("Password"));
     database->setAccessibleName(tr("Database"));
     database->lineEdit()->setPlaceholderText(tr("The login's default"));
-    state->setWordWrap(true);
-    state->setTextFormat(Qt::PlainText);
+    group->setAccessibleName(tr("Group"));
+    group->lineEdit()->setPlaceholderText(tr("None"));
+    colour->setAccessibleName(tr("Colour"));
+    isProduction->setToolTip(
+        tr("Marks the windows of this connection, and asks before an UPDATE or DELETE without "
+           "WHERE, DROP and TRUNCATE."));
     layOut();
     connect(authentication, &QComboBox::currentIndexChanged, this,
             &MSSQLConnectionForm::explainAuthentication);
@@ -87,6 +97,9 @@ void MSSQLConnectionForm::layOut()
     layout->addWidget(sessionOptions);
     layout->addStretch();
     form->addRow(QString(), options);
+    form->addRow(tr("&Group:"), group);
+    form->addRow(tr("C&olour:"), colour);
+    form->addRow(QString(), isProduction);
     form->addRow(QString(), state);
 }
 

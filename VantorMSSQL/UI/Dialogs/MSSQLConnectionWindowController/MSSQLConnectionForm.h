@@ -2,11 +2,13 @@
 
 #include <QWidget>
 
+class KNColourBox;
+class KNConnectionStoreLabel;
 class KNLazyComboBox;
+class KNPasswordField;
 class KNProgressMark;
 class QCheckBox;
 class QComboBox;
-class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -23,13 +25,16 @@ public:
     QPushButton *const browse;
     QComboBox *const authentication;
     QLineEdit *const account;
-    QLineEdit *const password;
+    KNPasswordField *const password;
     QCheckBox *const remembersPassword;
     KNLazyComboBox *const database;
     KNProgressMark *const databaseProgress;
+    KNLazyComboBox *const group;
+    KNColourBox *const colour;
+    QCheckBox *const isProduction;
     QPushButton *const sshTunnel;
     QPushButton *const sessionOptions;
-    QLabel *const state; ///< shows where connections are stored, and storage errors
+    KNConnectionStoreLabel *const state; ///< shows where connections are stored, and storage errors
 
 private:
     void layOut();

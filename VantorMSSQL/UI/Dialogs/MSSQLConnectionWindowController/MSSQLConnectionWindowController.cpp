@@ -1,14 +1,16 @@
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 
 #include "Catalog/MSSQLSystemDatabaseQueries.h"
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Database/DatabaseResultSet.h"
 #include "Database/VantorLoginProblem.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNLogHelper.h"
 #include "Implementations/MSSQLClient.h"
-#include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Connecting/KNColourBox.h"
+#include "UI/Connecting/KNConnectionStoreLabel.h"
 #include "UI/Dialogs/KNLazyComboBox.h"
 #include "UI/Dialogs/KNProgressMark.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
@@ -20,6 +22,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 
 namespace {
 
@@ -72,7 +75,8 @@ MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent
             populateRecentConnection(*chosen);
     });
     // Another server or login has other databases.
-    for (const QLineEdit *const field : {m_form->server->lineEdit(), m_form->account, m_form->password})
+    for (const QLineEdit *const field : std::initializer_list<const QLineEdit *>{
+             m_form->server->lineEdit(), m_form->account, m_form->password})
         connect(field, &QLineEdit::textEdited, m_form->database, [this] { m_form->database->setTexts({}); });
     connect(this, &ConnectionWindowController::optionsChanged, this,
             &MSSQLConnectionWindowController::showState);
@@ -88,11 +92,21 @@ void MSSQLConnectionWindowController::makeButtons()
     m_save = buttons->addButton(tr("&Save"), QDialogButtonBox::AcceptRole);
     m_connect = buttons->addButton(tr("Save and &Connect"), QDialogButtonBox::AcceptRole);
     m_connect->setAutoDefault(false);
+    const QKeySequence connectKeys(Qt::CTRL | Qt::Key_Return);
+    connect(new QShortcut(connectKeys, this), &QShortcut::activated, m_connect,
+            [this] { m_connect->click(); });
+    m_connect->setToolTip(KNFormat(tr("Connects, and saves once the login has succeeded (%@)"),
+                                   connectKeys.toString(QKeySequence::NativeText)));
     m_save->setDefault(true);
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_save, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onSave);
     connect(m_connect, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onConnectAndSave);
+    m_test = new QPushButton(tr("&Test"));
+    m_test->setAutoDefault(false);
+    m_test->setToolTip(tr("Connects without saving, and shows the server's version"));
+    connect(m_test, &QPushButton::clicked, this, &MSSQLConnectionWindowController::onTest);
     auto *const row = new QHBoxLayout;
+    row->addWidget(m_test);
     row->addWidget(m_progress);
     row->addStretch();
     row->addWidget(buttons);
@@ -111,9 +125,16 @@ void MSSQLConnectionWindowController::fillServers()
     const QString current = m_form->server->currentText();
     const auto connections = MSSQLRecentConnection::RecentConnections();
     QStringList hosts;
-    for (const SQLRecentConnectionPtr &connection : connections)
+    QStringList groups;
+    for (const SQLRecentConnectionPtr &connection : connections) {
         hosts.append(connection->serverHost);
+        if (!connection->group.isEmpty())
+            groups.append(connection->group);
+    }
+    groups.removeDuplicates();
+    groups.sort(Qt::CaseInsensitive);
     m_form->server->setTexts(hosts);
+    m_form->group->setTexts(groups);
 
     const SQLRecentConnectionPtr shown = recentConnection() ? recentConnection() : connections.value(0);
     const bool isUntouched = current.isEmpty() && m_form->account->text().isEmpty();
@@ -133,22 +154,19 @@ void MSSQLConnectionWindowController::populateRecentConnection(const MSSQLRecent
     m_form->database->setEditText(connection.database);
     m_form->remembersPassword->setChecked(connection.rememberPassword);
     m_form->authentication->setCurrentIndex(connection.dumbAuthenticationType != 0 ? 1 : 0);
+    m_form->group->setEditText(connection.group);
+    m_form->colour->setColour(connection.colour);
+    m_form->isProduction->setChecked(connection.isProduction);
     setConnectionSessionParameters(connection.connectionSessionParameters);
     setSSHTunnelModel(connection.sshTunnelDetails);
 }
 
 void MSSQLConnectionWindowController::showState()
 {
-    const SQLRecentConnectionList &list = MSSQLRecentConnection::list();
     QStringList lines;
     if (sshTunnelModel().isUsed())
         lines.append(KNFormat(tr("Through the SSH server %@."), sshTunnelModel().host));
-    if (list.isLoading())
-        lines.append(tr("Remembered connections are being read…"));
-    else if (list.problem())
-        lines.append(list.problem().localizedDescription());
-    lines.append(KNFormat(tr("Connections are kept in %@."), list.storeName()));
-    m_form->state->setText(lines.join(QLatin1Char('\n')));
+    m_form->state->showState(MSSQLRecentConnection::list(), lines);
 }
 
 std::shared_ptr<MSSQLDatabaseConnectionDetails>
@@ -162,6 +180,7 @@ MSSQLConnectionWindowController::connectionDetailsForCurrentState() const
     details->setDatabase(m_form->database->currentText().trimmed());
     details->setSessionParameters(connectionSessionParameters());
     details->setSSHTunnelModel(sshTunnelModel());
+    details->setProduction(m_form->isProduction->isChecked());
     return details;
 }
 
@@ -173,16 +192,18 @@ void MSSQLConnectionWindowController::onSave()
         m_form->account->setFocus();
         return;
     }
-    saveConnectionDetails(connectionDetailsForCurrentState());
+    saveConnectionDetails(connectionDetailsForCurrentState(),
+                          recentConnection() ? recentConnection()->lastUsed : QDateTime());
     endSheetWithReturnCode(KNModalResponseSaveWithoutConnecting);
 }
 
 /// Stores the settings, and assigns them the id of their entry.
-void MSSQLConnectionWindowController::saveConnectionDetails(const Details &details)
+void MSSQLConnectionWindowController::saveConnectionDetails(const Details &details, const QDateTime &lastUsed)
 {
     const auto entry = std::make_shared<MSSQLRecentConnection>();
-    entry->connectionId =
-        recentConnection() ? recentConnection()->connectionId : SQLRecentConnection::createConnectionId();
+    entry->connectionId = recentConnection() && !recentConnection()->connectionId.isEmpty()
+                              ? recentConnection()->connectionId
+                              : SQLRecentConnection::createConnectionId();
     entry->serverHost = details->host();
     entry->alias = m_form->alias->text();
     entry->username = details->username();
@@ -193,69 +214,101 @@ void MSSQLConnectionWindowController::saveConnectionDetails(const Details &detai
     entry->sshTunnelDetails = details->sshTunnelModel();
     entry->dumbAuthenticationType = m_form->authentication->currentIndex();
     entry->rememberPassword = m_form->remembersPassword->isChecked();
+    entry->lastUsed = lastUsed;
+    entry->group = m_form->group->currentText().trimmed();
+    entry->colour = m_form->colour->colour();
+    entry->isProduction = m_form->isProduction->isChecked();
     details->setConnectionId(entry->connectionId);
-    KNDBCTabColorHelper::setColorFromAliasTemporary(entry->alias, entry->connectionId);
+    entry->registerColour();
     MSSQLRecentConnection::UpdateRecentConnection(entry);
 }
 
 void MSSQLConnectionWindowController::onConnectAndSave()
 {
+    attempt({}, [this](const Details &details, const QString &) {
+        saveConnectionDetails(details, QDateTime::currentDateTimeUtc());
+        setDatabaseConnectionDetails(details);
+        endSheetWithReturnCode(KNModalResponseSaveAndConnect);
+    });
+}
+
+void MSSQLConnectionWindowController::onTest()
+{
+    const auto askForVersion = [](VantorDatabaseClient &client, KNError *) {
+        const auto &details =
+            static_cast<MSSQLDatabaseConnectionDetails &>(client.databaseConnectionDetails());
+        MSSQLVersionHelper::sharedInstance()->learnFrom(client, details);
+        return MSSQLVersionHelper::sharedInstance()->versionForDBC(details);
+    };
+    attempt(askForVersion, [this](const Details &details, const QString &version) {
+        setConnectionSessionParameters(details->sessionParameters()); // perhaps trusts a certificate
+        KNAlerts::shared().showMessage(this, tr("The connection works."),
+                                       version.section(QLatin1Char('\n'), 0, 0).simplified());
+    });
+}
+
+/// Cancel and Esc stop an attempt first, and close the dialog only without one: the text of the fields is
+/// kept.
+void MSSQLConnectionWindowController::reject()
+{
+    if (m_attempt)
+        stopAttempt();
+    else
+        ConnectionWindowController::reject();
+}
+
+/// The window's close button closes the dialog during an attempt, too.
+void MSSQLConnectionWindowController::closeEvent(QCloseEvent *event)
+{
+    stopAttempt();
+    ConnectionWindowController::closeEvent(event);
+}
+
+/// Connects in the background with what the fields contain, and runs the inquiry.
+void MSSQLConnectionWindowController::attempt(const KNConnectionAttempt::Inquiry &inquiry,
+                                              const Succeeded &succeeded)
+{
     const Details details = connectionDetailsForCurrentState();
+    KNAssert(details != nullptr, "localDatabaseConnectionDetails cannot be nil", SourcePath.toUtf8());
     if (!checkSSHToLocalhost(*details)) {
         m_form->server->setFocus();
         return;
     }
+    m_attempt = new KNConnectionAttempt(details, this);
+    connect(m_attempt, &KNConnectionAttempt::succeeded, this,
+            [this, details, succeeded](const QString &answer) {
+                stopAttempt();
+                succeeded(details, answer);
+            });
+    connect(m_attempt, &KNConnectionAttempt::failed, this, &MSSQLConnectionWindowController::connectFailed);
     m_progress->start();
     setButtonsEnabled(false);
-    tryToConnect(details, true);
+    m_attempt->start(inquiry);
 }
 
-/// Only the background work uses the settings until it has finished.
-void MSSQLConnectionWindowController::tryToConnect(const Details &details, bool mayAskForHostKey)
+void MSSQLConnectionWindowController::connectFailed(const KNError &error)
 {
-    KNAssert(details != nullptr, "localDatabaseConnectionDetails cannot be nil", SourcePath.toUtf8());
-    KNDispatch::globalQueue([this, guard = QPointer(this), details, mayAskForHostKey] {
-        KNError error;
-        const bool isConnected =
-            MSSQLClient(details).connect(&error, static_cast<KNSSHTunnelDelegate *>(this));
-        KNDispatch::mainQueue([this, guard, details, mayAskForHostKey, isConnected, error] {
-            if (!guard || closed())
-                return;
-            if (!isConnected) {
-                connectFailed(details, error, mayAskForHostKey);
-                return;
-            }
-            saveConnectionDetails(details);
-            setDatabaseConnectionDetails(details);
-            endSheetWithReturnCode(KNModalResponseSaveAndConnect);
-        });
-    });
+    setConnectionSessionParameters(m_attempt->details()->sessionParameters()); // perhaps trusts a certificate
+    stopAttempt();
+    KNAlerts::shared().showError(this, error);
+    m_progress->fail(error.localizedDescription());
 }
 
-void MSSQLConnectionWindowController::connectFailed(const Details &details, const KNError &error,
-                                                    bool mayAskForHostKey)
+void MSSQLConnectionWindowController::stopAttempt()
 {
-    const auto giveUp = [this, error] {
-        KNAlerts::shared().showError(this, error);
-        m_progress->fail(error.localizedDescription());
-        setButtonsEnabled(true);
-    };
-    if (!mayAskForHostKey) {
-        giveUp();
+    if (!m_attempt)
         return;
-    }
-    checkSSHFingerprintError(error, [this, details, giveUp](bool isAccepted) {
-        if (isAccepted)
-            tryToConnect(details, false);
-        else
-            giveUp();
-    });
+    m_attempt->deleteLater();
+    m_attempt->disconnect(this);
+    m_attempt = nullptr;
+    m_progress->stop();
+    setButtonsEnabled(true);
 }
 
 void MSSQLConnectionWindowController::setButtonsEnabled(bool enabled)
 {
     for (QPushButton *const button :
-         {m_save, m_connect, m_form->browse, m_form->sshTunnel, m_form->sessionOptions})
+         {m_save, m_connect, m_test, m_form->browse, m_form->sshTunnel, m_form->sessionOptions})
         button->setEnabled(enabled);
 }
 

@@ -4,6 +4,7 @@
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLRecentConnection.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNConnectionAttempt.h"
 
 class KNLazyComboBox;
 class KNProgressMark;
@@ -28,22 +29,27 @@ public:
     /// @{
     void onSave();
     void onConnectAndSave();
+    void onTest();
     void onBrowse();
     /// @}
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void reject() override;
 
 private:
     using Details = std::shared_ptr<MSSQLDatabaseConnectionDetails>;
+    using Succeeded = std::function<void(const Details &details, const QString &answer)>;
 
     void makeButtons();
     void populateRecentConnection(const MSSQLRecentConnection &connection);
     void fillServers();
     void showState();
-    void saveConnectionDetails(const Details &details);
-    void tryToConnect(const Details &details, bool mayAskForHostKey);
-    void connectFailed(const Details &details, const KNError &error, bool mayAskForHostKey);
+    void saveConnectionDetails(const Details &details, const QDateTime &lastUsed);
+    void attempt(const KNConnectionAttempt::Inquiry &inquiry, const Succeeded &succeeded);
+    void connectFailed(const KNError &error);
+    void stopAttempt();
     void listDatabases();
     void databasesListed(const QStringList &names, const KNError &error);
     void setButtonsEnabled(bool enabled);
@@ -52,6 +58,8 @@ private:
     KNProgressMark *const m_progress;
     QPushButton *m_save = nullptr;
     QPushButton *m_connect = nullptr;
+    QPushButton *m_test = nullptr;
+    KNConnectionAttempt *m_attempt = nullptr; ///< null while none runs
     bool m_isPopulated = false;
     bool m_isListing = false;
     Details m_databaseListerConnectionDetails; ///< of the last listing
