@@ -11,6 +11,7 @@
 #include "Support/PrintQt.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
@@ -204,6 +205,9 @@ TEST_F(Translations, ReachTheDialogsOfAConnection)
     KNPasswordWindowController password(QStringLiteral("sa"), nullptr);
     password.setAttribute(Qt::WA_DeleteOnClose, false);
     untranslated.collect(password);
+    KNLoginWindowController login(*DesktopTesting::settingsFor(SampleServerFixture::shared()), true, nullptr);
+    login.setAttribute(Qt::WA_DeleteOnClose, false);
+    untranslated.collect(login);
     const KNSSHTunnelModel noTunnel;
     auto *const tunnel = new KNSSHTunnelWindowController(noTunnel, &parent);
     auto *const options = new KNSessionOptionsWindowController({}, &parent);

@@ -7,7 +7,6 @@
 #include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
 #include "Implementations/MSSQLRecentConnection.h"
-#include "Recent/KNDBCTabColorHelper.h"
 #include "Recent/SQLRecentConnectionList.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
@@ -121,21 +120,26 @@ void rememberConnections(const MSSQLUserInterface &connector)
 {
     struct Made
     {
-        const char *alias, *host, *user, *database;
+        const char *alias, *host, *user, *database, *group, *colour;
     };
     SQLRecentConnectionList &list = connector.recentConnections();
     waitFor("list of connections", [&] { return !list.isLoading(); });
-    for (const Made &made : {Made{"Reports", "reports.example.com", "analyst", "warehouse"},
-                             Made{"Test", "192.0.2.17,14330", "sa", "shop"},
-                             Made{"Azure, west", "shop.database.windows.net", "carla@shop", "shop"},
-                             Made{"Production", "db1.example.com\\SHOP", "EXAMPLE\\carla", "shop"}}) {
+    for (const Made &made :
+         {Made{"Reports", "reports.example.com", "analyst", "warehouse", "", ""},
+          Made{"Test", "192.0.2.17,14330", "sa", "shop", "Shop", "#3a8a3f"},
+          Made{"Azure, west", "shop.database.windows.net", "carla@shop", "shop", "Shop", ""},
+          Made{"Production", "db1.example.com\\SHOP", "EXAMPLE\\carla", "shop", "Shop", "#d0393e"}}) {
         const SQLRecentConnectionPtr entry = list.makeEntry();
         entry->connectionId = SQLRecentConnection::createConnectionId();
         entry->alias = QString::fromUtf8(made.alias);
         entry->serverHost = QString::fromUtf8(made.host);
         entry->username = QString::fromUtf8(made.user);
         std::static_pointer_cast<MSSQLRecentConnection>(entry)->database = QString::fromUtf8(made.database);
-        KNDBCTabColorHelper::setColorFromAliasTemporary(entry->alias, entry->connectionId);
+        entry->group = QString::fromUtf8(made.group);
+        entry->colour = QString::fromUtf8(made.colour);
+        entry->isProduction = entry->alias == QStringLiteral("Production");
+        entry->lastUsed = QDateTime::currentDateTimeUtc();
+        entry->registerColour();
         list.update(entry);
         QTest::qWait(5); // they are told apart by their times
     }

@@ -27,6 +27,57 @@ QColor mixed(const QColor &first, const QColor &second, double share)
             channel(first.blue(), second.blue())};
 }
 
+QString groupOf(const QModelIndex &index)
+{
+    return index.data(RecentConnectionsModel::GroupRole).toString();
+}
+
+/// The name of the group that begins with this row; empty for none.
+QString headingOf(const QModelIndex &index)
+{
+    const QString group = groupOf(index);
+    const bool isFirst = index.row() == 0 ||
+                         groupOf(index.sibling(index.row() - 1, 0)).compare(group, Qt::CaseInsensitive) != 0;
+    return isFirst ? group : QString();
+}
+
+int headingHeight(const QStyleOptionViewItem &option)
+{
+    return option.fontMetrics.height() + marginFor(option);
+}
+
+void paintHeading(QPainter *painter, const QStyleOptionViewItem &option, const QString &heading)
+{
+    const int margin = marginFor(option);
+    const QRect area = option.rect.adjusted(margin, margin / 2, -margin, 0);
+    painter->save();
+    painter->setPen(option.palette.color(QPalette::PlaceholderText));
+    painter->drawText(area, Qt::AlignLeft | Qt::AlignVCenter,
+                      option.fontMetrics.elidedText(heading, Qt::ElideRight, area.width()));
+    painter->restore();
+}
+
+/// Draws the word at the right end of `area`, and returns the rest.
+QRect paintProduction(QPainter *painter, const QStyleOptionViewItem &option, const QRect &area)
+{
+    const QString text = RecentConnectionsModel::tr("PRODUCTION");
+    const int margin = marginFor(option);
+    QFont font = boldFont(option);
+    font.setPointSizeF(font.pointSizeF() * 0.8);
+    QRect mark = area;
+    mark.setLeft(area.right() - QFontMetrics(font).horizontalAdvance(text) - margin);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setFont(font);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(QColor(0xc4, 0x2f, 0x34));
+    painter->drawRoundedRect(mark, 3, 3);
+    painter->setPen(Qt::white);
+    painter->drawText(mark, Qt::AlignCenter, text);
+    painter->restore();
+    return area.adjusted(0, 0, -mark.width() - margin, 0);
+}
+
 } // namespace
 
 void RecentConnectionDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -34,6 +85,12 @@ void RecentConnectionDelegate::paint(QPainter *painter, const QStyleOptionViewIt
 {
     QStyleOptionViewItem item = option;
     initStyleOption(&item, index);
+    if (const QString heading = headingOf(index); !heading.isEmpty()) {
+        QStyleOptionViewItem above = item;
+        above.rect.setHeight(headingHeight(item));
+        paintHeading(painter, above, heading);
+        item.rect.setTop(item.rect.top() + headingHeight(item));
+    }
     item.text.clear();
     const QStyle *const style = item.widget ? item.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
@@ -62,6 +119,8 @@ void RecentConnectionDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     painter->drawText(lower, Qt::AlignLeft | Qt::AlignVCenter,
                       elided(item.font, RecentConnectionsModel::DetailRole, lower.width()));
     upper.setRight(upper.right() - item.fontMetrics.horizontalAdvance(date) - margin);
+    if (index.data(RecentConnectionsModel::ProductionRole).toBool())
+        upper = paintProduction(painter, item, upper.adjusted(0, 1, 0, -1));
     painter->setPen(text);
     painter->setFont(boldFont(item));
     painter->drawText(upper, Qt::AlignLeft | Qt::AlignVCenter,
@@ -69,8 +128,9 @@ void RecentConnectionDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     painter->restore();
 }
 
-QSize RecentConnectionDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &) const
+QSize RecentConnectionDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const int lines = option.fontMetrics.height() + QFontMetrics(boldFont(option)).height();
-    return {option.fontMetrics.averageCharWidth() * 30, lines + marginFor(option) * 2};
+    return {option.fontMetrics.averageCharWidth() * 30,
+            lines + marginFor(option) * 2 + (headingOf(index).isEmpty() ? 0 : headingHeight(option))};
 }

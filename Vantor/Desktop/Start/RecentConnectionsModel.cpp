@@ -5,6 +5,8 @@
 
 #include <QColor>
 
+#include <algorithm>
+
 namespace {
 
 QString detailOf(const SQLRecentConnection &connection)
@@ -22,11 +24,38 @@ QString detailOf(const SQLRecentConnection &connection)
 
 QString dateOf(const SQLRecentConnection &connection)
 {
-    const QDateTime date = connection.connectionDate.toLocalTime();
+    const QDateTime date = connection.lastUsed.toLocalTime();
     if (!date.isValid())
         return QString();
     return date.date() == QDate::currentDate() ? date.toString(QStringLiteral("HH:mm"))
                                                : date.toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+QString accessibleTextOf(const SQLRecentConnection &connection)
+{
+    QString text = KNFormat("%@, %@", connection.hostDisplay(), detailOf(connection));
+    if (connection.isProduction)
+        text = KNFormat(RecentConnectionsModel::tr("%@, production"), text);
+    if (!connection.group.isEmpty())
+        text = KNFormat(RecentConnectionsModel::tr("%@, group %@"), text, connection.group);
+    return text;
+}
+
+/// Connections that were never used come where they were made.
+QDateTime orderOf(const SQLRecentConnection &connection)
+{
+    return connection.lastUsed.isValid() ? connection.lastUsed : connection.connectionDate;
+}
+
+/// Connections without a group come first, then the groups by name. In each, the latest is first.
+QList<SQLRecentConnectionPtr> sorted(QList<SQLRecentConnectionPtr> connections)
+{
+    std::stable_sort(connections.begin(), connections.end(),
+                     [](const SQLRecentConnectionPtr &left, const SQLRecentConnectionPtr &right) {
+                         const int groups = left->group.compare(right->group, Qt::CaseInsensitive);
+                         return groups != 0 ? groups < 0 : orderOf(*left) > orderOf(*right);
+                     });
+    return connections;
 }
 
 } // namespace
@@ -34,14 +63,14 @@ QString dateOf(const SQLRecentConnection &connection)
 RecentConnectionsModel::RecentConnectionsModel(SQLRecentConnectionList &list, QObject *parent)
     : QAbstractListModel(parent)
     , m_list(list)
-    , m_connections(list.connections())
+    , m_connections(sorted(list.connections()))
 {
 }
 
 void RecentConnectionsModel::reload()
 {
     beginResetModel();
-    m_connections = m_list.connections();
+    m_connections = sorted(m_list.connections());
     endResetModel();
 }
 
@@ -64,7 +93,11 @@ QVariant RecentConnectionsModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return connection.hostDisplay();
     case Qt::AccessibleTextRole:
-        return KNFormat("%@, %@", connection.hostDisplay(), detailOf(connection));
+        return accessibleTextOf(connection);
+    case GroupRole:
+        return connection.group;
+    case ProductionRole:
+        return connection.isProduction;
     case DetailRole:
         return detailOf(connection);
     case DateRole:
@@ -72,7 +105,8 @@ QVariant RecentConnectionsModel::data(const QModelIndex &index, int role) const
     case ColourRole:
         return QColor(KNDBCTabColorHelper::colorForId(connection.connectionId));
     case SearchRole:
-        return KNFormat("%@\n%@\n%@", connection.alias, connection.serverHost, detailOf(connection));
+        return KNFormat("%@\n%@\n%@\n%@", connection.alias, connection.serverHost, detailOf(connection),
+                        connection.group);
     default:
         return {};
     }

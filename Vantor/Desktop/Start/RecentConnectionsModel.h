@@ -4,7 +4,8 @@
 
 #include <QAbstractListModel>
 
-/// The remembered connections, the latest first. On the UI thread.
+/// The remembered connections: those without a group, then the groups by name; in each, the latest first. On
+/// the UI thread.
 class RecentConnectionsModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -14,6 +15,8 @@ public:
         DetailRole = Qt::UserRole, ///< account, server and database in one line
         DateRole,                  ///< time of the last use, formatted for display
         ColourRole,                ///< a QColor, invalid for none
+        GroupRole,                 ///< the name of the group; empty for none
+        ProductionRole,            ///< whether it is a production connection
         SearchRole,                ///< all texts
     };
 

@@ -3,10 +3,10 @@
 #include "Desktop/Start/RecentConnectionDelegate.h"
 #include "Desktop/Start/RecentConnectionsModel.h"
 #include "Foundation/KNFormat.h"
-#include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/ConnectionWindowController.h"
-#include "UI/Connecting/KNPasswordWindowController.h"
+#include "UI/Connecting/KNConnectionStoreLabel.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/KNConnectorUserInterface.h"
 
 #include <QKeyEvent>
@@ -25,7 +25,7 @@ StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *par
     , m_filter(new QLineEdit)
     , m_view(new QListView)
     , m_hint(new QLabel)
-    , m_state(new QLabel)
+    , m_state(new KNConnectionStoreLabel)
     , m_tryAgain(new QPushButton(tr("Try &Again")))
     , m_connect(new QPushButton(tr("&Connect")))
     , m_listChanged(KNNotificationCenter::defaultCenter()->addObserver(
@@ -43,7 +43,6 @@ StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *par
     m_view->setModel(m_filtered);
     m_view->setItemDelegate(new RecentConnectionDelegate(m_view));
     m_view->setAccessibleName(tr("Connections"));
-    m_view->setUniformItemSizes(true);
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     layOut();
@@ -59,6 +58,7 @@ StartWindow::StartWindow(const KNConnectorUserInterface &connector, QWidget *par
     connect(m_view, &QListView::activated, this, &StartWindow::connectToSelected);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &StartWindow::showState);
     connect(m_connect, &QPushButton::clicked, this, &StartWindow::connectToSelected);
+    m_connect->setDefault(true); // see keyPressEvent()
     connect(m_tryAgain, &QPushButton::clicked, this, [this] { m_connector.recentConnections().tryAgain(); });
     showList();
     m_view->setFocus();
@@ -70,15 +70,13 @@ void StartWindow::layOut()
 {
     auto *const newConnection = new QPushButton(tr("&New Connection…"));
     auto *const sample = new QPushButton(tr("Try the &Sample Server"));
-    sample->setToolTip(tr("Starts a small server of your own, with two databases to try things on."));
+    sample->setToolTip(tr("Starts a small server on this computer, with two sample databases"));
     connect(newConnection, &QPushButton::clicked, this, &StartWindow::newConnection);
     connect(sample, &QPushButton::clicked, this, &StartWindow::sampleServerRequested);
     m_hint->setAlignment(Qt::AlignCenter);
     m_hint->setWordWrap(true);
     m_hint->setTextFormat(Qt::PlainText);
     m_hint->setMargin(fontMetrics().height());
-    m_state->setWordWrap(true);
-    m_state->setTextFormat(Qt::PlainText);
 
     m_hint->setForegroundRole(QPalette::PlaceholderText);
     auto *const overList = new QVBoxLayout(m_view->viewport());
@@ -132,6 +130,19 @@ bool StartWindow::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
+/// The Return key connects, unless another button has the focus.
+void StartWindow::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto *const button = qobject_cast<QPushButton *>(focusWidget());
+    if (isReturn && button)
+        button->click();
+    else if (isReturn)
+        m_connect->click();
+    else
+        QWidget::keyPressEvent(event);
+}
+
 SQLRecentConnectionPtr StartWindow::selected() const
 {
     return m_model->connection(m_filtered->mapToSource(m_view->currentIndex()));
@@ -139,7 +150,10 @@ SQLRecentConnectionPtr StartWindow::selected() const
 
 void StartWindow::newConnection()
 {
-    edit(nullptr);
+    // An entry of its own begins with empty fields, not with those of the latest connection.
+    const SQLRecentConnectionPtr connection = m_connector.recentConnections().makeEntry();
+    connection->connectionId = SQLRecentConnection::createConnectionId();
+    edit(connection);
 }
 
 void StartWindow::editSelected()
@@ -152,9 +166,11 @@ void StartWindow::edit(const SQLRecentConnectionPtr &connection)
 {
     ConnectionWindowController *const dialog = m_connector.createConnectionWindowController(this);
     dialog->setRecentConnection(connection);
-    dialog->beginSheet([this, dialog](int code) {
+    dialog->beginSheet([this, dialog, connectionId = connection->connectionId](int code) {
         if (code == KNModalResponseSaveAndConnect)
             Q_EMIT connectionRequested(dialog->databaseConnectionDetails());
+        select(connectionId);
+        m_view->setFocus();
     });
 }
 
@@ -163,25 +179,24 @@ void StartWindow::connectToSelected()
     const SQLRecentConnectionPtr connection = selected();
     if (!connection)
         return;
-    if (connection->rememberPassword || !connection->password.isEmpty()) {
-        request(connection);
-        return;
-    }
-    auto *const sheet = new KNPasswordWindowController(
-        KNFormat(tr("%@ at %@"), connection->username, connection->serverHost), this);
+    const bool knowsPassword = connection->rememberPassword || !connection->password.isEmpty();
+    auto *const sheet =
+        new KNLoginWindowController(*connection->createDatabaseConnectionDetails(), !knowsPassword, this);
     sheet->beginSheet([this, sheet, connection](int code) {
-        if (code != 1)
-            return;
-        const SQLRecentConnectionPtr withPassword = connection->copy();
-        withPassword->password = sheet->password();
-        request(withPassword);
+        if (code == 1)
+            loggedIn(connection, sheet->details());
     });
 }
 
-void StartWindow::request(const SQLRecentConnectionPtr &connection)
+/// Remembers the login with what has led to it: the password, an accepted certificate.
+void StartWindow::loggedIn(const SQLRecentConnectionPtr &connection, const VantorDBCPtr &details)
 {
-    m_connector.recentConnections().update(connection);
-    Q_EMIT connectionRequested(connection->createDatabaseConnectionDetails());
+    const SQLRecentConnectionPtr used = connection->copy();
+    used->password = details->password();
+    used->connectionSessionParameters = details->sessionParameters();
+    used->lastUsed = QDateTime::currentDateTimeUtc();
+    m_connector.recentConnections().update(used);
+    Q_EMIT connectionRequested(details);
 }
 
 void StartWindow::duplicateSelected()
@@ -191,8 +206,9 @@ void StartWindow::duplicateSelected()
         return;
     const SQLRecentConnectionPtr duplicate = connection->copy();
     duplicate->connectionId = SQLRecentConnection::createConnectionId();
+    duplicate->lastUsed = QDateTime();
     duplicate->alias = KNFormat(tr("%@ copy"), connection->hostDisplay());
-    KNDBCTabColorHelper::setColorFromAliasTemporary(duplicate->alias, duplicate->connectionId);
+    duplicate->registerColour();
     m_connector.recentConnections().update(duplicate);
     select(duplicate->connectionId);
 }
@@ -204,11 +220,11 @@ void StartWindow::removeSelected()
         return;
     KNAlerts::Question question;
     question.title = KNFormat(tr("Remove the connection \"%@\"?"), connection->hostDisplay());
-    question.text = tr("It is forgotten with its password. The server is not touched.");
-    question.buttons = QStringList{tr("Remove"), tr("Cancel")};
+    question.text = tr("Vantor forgets the connection and its password. Nothing changes on the server.");
+    question.buttons = QStringList{tr("Keep"), tr("Remove")};
     KNAlerts::shared().ask(this, question, [this, connection](int button) {
         SQLRecentConnectionList &list = m_connector.recentConnections();
-        if (button == 0 && list.contains(connection))
+        if (button == 1 && list.contains(connection))
             list.remove(connection);
     });
 }
@@ -238,12 +254,11 @@ void StartWindow::showState()
     const SQLRecentConnectionList &list = m_connector.recentConnections();
     m_connect->setEnabled(selected() != nullptr);
     m_tryAgain->setVisible(list.problem().isSet());
-    m_state->setText(list.problem() ? list.problem().localizedDescription()
-                                    : KNFormat(tr("Connections are kept in %@."), list.storeName()));
+    m_state->showState(list);
     m_hint->setVisible(m_filtered->rowCount() == 0);
-    m_hint->setText(list.isLoading() ? tr("Remembered connections are being read…")
+    m_hint->setText(list.isLoading() ? tr("Reading the remembered connections…")
                     : m_model->rowCount() > 0
                         ? tr("No connection matches the filter.")
-                        : tr("The servers that you connect to will be listed here.\n\nMake a "
-                             "new connection, or try things on the sample server."));
+                        : tr("The servers that you connect to will be listed here.\n\nChoose New "
+                             "Connection to connect to a server, or try the sample server."));
 }

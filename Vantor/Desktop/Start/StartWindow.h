@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+class KNConnectionStoreLabel;
 class KNConnectorUserInterface;
 class QLabel;
 class QLineEdit;
@@ -14,8 +15,8 @@ class QPushButton;
 class QSortFilterProxyModel;
 class RecentConnectionsModel;
 
-/// The first window: lists the remembered connections and offers to create new ones. It does not connect
-/// itself. On the UI thread.
+/// The first window: lists the remembered connections, logs in to them and offers to create new ones. On the
+/// UI thread.
 class StartWindow : public QWidget
 {
     Q_OBJECT
@@ -26,7 +27,7 @@ public:
 
 public Q_SLOTS:
     void newConnection();
-    /// Opens the selected connection; asks for its password first if that is not known.
+    /// Logs in to the selected connection; asks for its password if that is not known or is wrong.
     void connectToSelected();
     void editSelected();
     void duplicateSelected();
@@ -34,19 +35,20 @@ public Q_SLOTS:
     void removeSelected();
 
 Q_SIGNALS:
-    /// The user requested to open this connection.
+    /// The login of a connection that the user has chosen has succeeded.
     void connectionRequested(const VantorDBCPtr &details);
     void sampleServerRequested();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void layOut();
     void makeContextMenu();
     SQLRecentConnectionPtr selected() const;
     void edit(const SQLRecentConnectionPtr &connection);
-    void request(const SQLRecentConnectionPtr &connection);
+    void loggedIn(const SQLRecentConnectionPtr &connection, const VantorDBCPtr &details);
     void showList();
     void showState();
     void select(const QString &connectionId);
@@ -57,7 +59,7 @@ private:
     QLineEdit *const m_filter;
     QListView *const m_view;
     QLabel *const m_hint;
-    QLabel *const m_state;
+    KNConnectionStoreLabel *const m_state;
     QPushButton *const m_tryAgain;
     QPushButton *const m_connect;
     const KNNotificationCenter::Token m_listChanged;

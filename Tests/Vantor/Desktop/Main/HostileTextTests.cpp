@@ -9,6 +9,7 @@
 #include "Support/RichTextSearch.h"
 #include "Support/WindowTesting.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Dialogs/KNProgressMark.h"
@@ -166,6 +167,7 @@ TEST_F(HostileTexts, OfObjectsAreShownAsTheyAreInTheTreeAndItsMenus)
 {
     run(withMarkup(Objects));
     EXPECT_EQ(tab()->messages()->errorCount(), 0) << tab()->messages()->toPlainText().toStdString();
+    EXPECT_TRUE(WindowTesting::settle()); // a refresh during the first load would find no new object
     m_window->explorer()->refreshSelected();
     constexpr int Depth = 6;
     expand(tree()->model()->index(0, 0), Depth);
@@ -263,8 +265,10 @@ TEST(HostileTextsOfConnecting, AreShownAsTheyAre)
     KNProgressMark mark(Markup);
     mark.fail(Markup);
     KNPasswordWindowController password(Markup, nullptr);
-    for (QWidget *const window :
-         {static_cast<QWidget *>(&line), static_cast<QWidget *>(&mark), static_cast<QWidget *>(&password)}) {
+    const VantorDBCPtr details = DesktopTesting::settingsFor(SampleServerFixture::shared());
+    details->setHost(Markup);
+    KNLoginWindowController login(*details, true, nullptr);
+    for (QWidget *const window : std::initializer_list<QWidget *>{&line, &mark, &password, &login}) {
         const auto places = RichTextSearch::search(*window);
         EXPECT_EQ(places.interpreted, QStringList());
         EXPECT_FALSE(places.literal.isEmpty());

@@ -1,5 +1,7 @@
 #include "Desktop/Start/StartWindow.h"
 
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "Database/VantorLoginProblem.h"
 #include "Recent/SQLRecentConnectionList.h"
 #include "Support/FakeDatabase.h"
 #include "Support/PrintQt.h"
@@ -7,7 +9,7 @@
 #include "Support/RecordingStore.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
-#include "UI/Connecting/KNPasswordWindowController.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/KNConnectorUserInterface.h"
 
 #include <QAction>
@@ -19,10 +21,15 @@
 
 namespace {
 
+FakeDatabase::Server &server()
+{
+    static FakeDatabase::Server instance;
+    return instance;
+}
+
 std::shared_ptr<FakeDatabase::Settings> newSettings()
 {
-    static FakeDatabase::Server server;
-    return std::make_shared<FakeDatabase::Settings>(server);
+    return std::make_shared<FakeDatabase::Settings>(server());
 }
 
 class Entry : public SQLRecentConnection
@@ -68,7 +75,10 @@ protected:
     void TearDown() override
     {
         m_window.reset();
+        EXPECT_TRUE(WindowTesting::settle());
         m_connector.reset();
+        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+        server().refusesLogins = false;
         KNKeyValueStore::setShared(nullptr);
     }
     /// Remembers a connection; the last one is the latest.
@@ -82,6 +92,7 @@ protected:
         entry->password = QString::fromLatin1(password);
         list().update(entry);
         entry->connectionDate = QDateTime::currentDateTimeUtc().addSecs(++m_seconds - 100000);
+        entry->lastUsed = entry->connectionDate;
         return entry;
     }
     void open()
@@ -92,6 +103,11 @@ protected:
         m_filter = m_window->findChild<QLineEdit *>();
         m_requests = std::make_unique<QSignalSpy>(m_window.get(), &StartWindow::connectionRequested);
     }
+    bool waitForRequests(int count) const
+    {
+        return WindowTesting::waitFor([&] { return m_requests->size() >= count; });
+    }
+    KNLoginWindowController *login() const { return m_window->findChild<KNLoginWindowController *>(); }
     SQLRecentConnectionList &list() { return m_connector->recentConnections(); }
     QStringList shown() const
     {
@@ -162,7 +178,7 @@ TEST_F(StartWindowTest, DoubleClickConnects)
     const QPoint second = m_view->visualRect(m_view->model()->index(1, 0)).center();
     QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, second);
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, second);
-    ASSERT_EQ(m_requests->size(), 1);
+    ASSERT_TRUE(waitForRequests(1));
     EXPECT_EQ(requested(0)->host(), QStringLiteral("a"));
     EXPECT_EQ(requested(0)->password(), QStringLiteral("p"));
     EXPECT_EQ(requested(0)->connectionId(), QStringLiteral("old"));
@@ -175,7 +191,7 @@ TEST_F(StartWindowTest, ConnectsWithTheReturnKey)
     remember("new", "b");
     open();
     QTest::keyClick(m_view, Qt::Key_Return);
-    ASSERT_EQ(m_requests->size(), 1);
+    ASSERT_TRUE(waitForRequests(1));
     EXPECT_EQ(requested(0)->host(), QStringLiteral("b"));
 }
 
@@ -190,7 +206,7 @@ TEST_F(StartWindowTest, FiltersWhileOneTypesAndConnectsFromThere)
     m_filter->setText(QStringLiteral("db2")); // the server counts, too
     EXPECT_EQ(shown(), QStringList{QStringLiteral("Test")});
     QTest::keyClick(m_filter, Qt::Key_Return);
-    ASSERT_EQ(m_requests->size(), 1);
+    ASSERT_TRUE(waitForRequests(1));
     EXPECT_EQ(requested(0)->host(), QStringLiteral("db2.example"));
 
     m_filter->setText(QStringLiteral("nothing like it"));
@@ -208,7 +224,7 @@ TEST_F(StartWindowTest, GoesThroughTheListWithTheArrowKeysOfTheFilter)
     QTest::keyClick(m_filter, Qt::Key_Down);
     QTest::keyClick(m_filter, Qt::Key_Down);
     QTest::keyClick(m_filter, Qt::Key_Return);
-    ASSERT_EQ(m_requests->size(), 1);
+    ASSERT_TRUE(waitForRequests(1));
     EXPECT_EQ(requested(0)->host(), QStringLiteral("a"));
 }
 
@@ -218,17 +234,63 @@ TEST_F(StartWindowTest, AsksForAPasswordThatIsNotRemembered)
     open();
     QTest::keyClick(m_view, Qt::Key_Return);
     EXPECT_EQ(m_requests->size(), 0);
-    auto *const sheet = m_window->findChild<KNPasswordWindowController *>();
-    ASSERT_TRUE(sheet);
-    QTest::keyClicks(sheet->findChild<QLineEdit *>(), QStringLiteral("typed"));
-    QTest::keyClick(sheet, Qt::Key_Return);
-    ASSERT_EQ(m_requests->size(), 1);
+    ASSERT_TRUE(login());
+    QTest::keyClicks(login()->findChild<QLineEdit *>(), QStringLiteral("typed"));
+    QTest::keyClick(login(), Qt::Key_Return);
+    ASSERT_TRUE(waitForRequests(1));
     EXPECT_EQ(requested(0)->password(), QStringLiteral("typed"));
     // As long as the program runs it is not asked for again, and it is not stored.
     QTest::keyClick(m_view, Qt::Key_Return);
-    EXPECT_EQ(m_requests->size(), 2);
+    ASSERT_TRUE(waitForRequests(2));
     EXPECT_FALSE(QByteArray::fromBase64(m_store->texts.value(QStringLiteral("Connections")).toLatin1())
                      .contains("typed"));
+}
+
+TEST_F(StartWindowTest, OpensNothingBeforeTheLoginHasSucceededAndOffersThePasswordAgain)
+{
+    const auto entry = remember("one", "a", "wrong");
+    entry->rememberPassword = true;
+    server().refusesLogins = true;
+    server().refusal = KNError(QStringLiteral("fake"), 1, QStringLiteral("Login failed for user 'alice'."),
+                               VantorLoginProblemInfo(VantorLoginProblem::LoginRefused));
+    open();
+    QTest::keyClick(m_view, Qt::Key_Return);
+    ASSERT_TRUE(login());
+    EXPECT_FALSE(login()->findChild<QLineEdit *>()->isVisible()); // it is known, as far as one knows
+    ASSERT_TRUE(WindowTesting::waitFor([this] { return !login()->problem().isEmpty(); }));
+    EXPECT_EQ(m_requests->size(), 0);
+    EXPECT_TRUE(login()->problem().contains(QStringLiteral("Login failed for user 'alice'.")));
+    EXPECT_TRUE(m_alerts.errors.empty());
+    auto *const password = login()->findChild<QLineEdit *>();
+    EXPECT_TRUE(password->isVisible());
+    EXPECT_EQ(login()->focusWidget(), password);
+    const auto buttons = login()->findChildren<QPushButton *>();
+    EXPECT_TRUE(std::any_of(buttons.begin(), buttons.end(), [](const QPushButton *one) {
+        return one->isDefault() && one->isEnabled() && one->text() == QStringLiteral("&Try Again");
+    }));
+
+    server().refusesLogins = false;
+    QTest::keyClicks(password, QStringLiteral("right")); // the wrong one is selected
+    QTest::keyClick(login(), Qt::Key_Return);
+    ASSERT_TRUE(waitForRequests(1));
+    EXPECT_EQ(requested(0)->password(), QStringLiteral("right"));
+    EXPECT_EQ(list().connections().first()->password, QStringLiteral("right"));
+    EXPECT_TRUE(QByteArray::fromBase64(m_store->texts.value(QStringLiteral("Connections")).toLatin1())
+                    .contains("\"right\""));
+}
+
+TEST_F(StartWindowTest, AFailedLoginCanBeCancelledAndRemembersNoUse)
+{
+    remember("one", "a");
+    server().refusesLogins = true;
+    open();
+    const auto lastUsed = list().connections().first()->lastUsed;
+    QTest::keyClick(m_view, Qt::Key_Return);
+    ASSERT_TRUE(WindowTesting::waitFor([this] { return !login()->problem().isEmpty(); }));
+    QTest::keyClick(login(), Qt::Key_Escape);
+    ASSERT_TRUE(WindowTesting::settle());
+    EXPECT_EQ(m_requests->size(), 0);
+    EXPECT_EQ(list().connections().first()->lastUsed, lastUsed);
 }
 
 TEST_F(StartWindowTest, ConnectsToNothingWhenNoPasswordIsGiven)
@@ -236,8 +298,18 @@ TEST_F(StartWindowTest, ConnectsToNothingWhenNoPasswordIsGiven)
     remember("one", "a", "");
     open();
     QTest::keyClick(m_view, Qt::Key_Return);
-    QTest::keyClick(m_window->findChild<KNPasswordWindowController *>(), Qt::Key_Escape);
+    QTest::keyClick(login(), Qt::Key_Escape);
     EXPECT_EQ(m_requests->size(), 0);
+}
+
+TEST_F(StartWindowTest, ConnectIsItsDefaultButton)
+{
+    remember("one", "a");
+    open();
+    EXPECT_TRUE(button("Connect")->isDefault());
+    m_filter->clear();
+    QTest::keyClick(m_window.get(), Qt::Key_Return);
+    EXPECT_TRUE(waitForRequests(1));
 }
 
 TEST_F(StartWindowTest, NewConnectionOpensWithSettingsOfDialog)
@@ -247,7 +319,9 @@ TEST_F(StartWindowTest, NewConnectionOpensWithSettingsOfDialog)
     button("New Connection…")->click();
     auto *const dialog = static_cast<Dialog *>(m_window->findChild<ConnectionWindowController *>());
     ASSERT_TRUE(dialog);
-    EXPECT_FALSE(dialog->recentConnection());
+    ASSERT_TRUE(dialog->recentConnection());
+    EXPECT_TRUE(dialog->recentConnection()->serverHost.isEmpty()); // it begins empty
+    EXPECT_FALSE(dialog->recentConnection()->connectionId.isEmpty());
     const auto details = newSettings();
     dialog->setDatabaseConnectionDetails(details);
     dialog->endSheetWithReturnCode(KNModalResponseSaveAndConnect);
@@ -279,18 +353,22 @@ TEST_F(StartWindowTest, DuplicatesAConnection)
     EXPECT_NE(list().connections()[0]->connectionId, list().connections()[1]->connectionId);
 }
 
-TEST_F(StartWindowTest, RemovesAConnectionAfterItHasAsked)
+TEST_F(StartWindowTest, RemovesAConnectionAfterItHasAskedAndNotWithTheReturnKey)
 {
     remember("one", "a");
     remember("two", "b");
     open();
-    m_alerts.answer = 1;
+    m_alerts.answer = 0; // the default button
     trigger("Remove…");
     EXPECT_EQ(shown().size(), 2);
-    m_alerts.answer = 0;
+    m_alerts.answer = -1; // Esc
+    trigger("Remove…");
+    EXPECT_EQ(shown().size(), 2);
+    m_alerts.answer = 1;
     trigger("Remove…");
     EXPECT_EQ(shown(), QStringList{QStringLiteral("one")});
-    EXPECT_EQ(m_alerts.questions.size(), 2U);
+    ASSERT_EQ(m_alerts.questions.size(), 3U);
+    EXPECT_EQ(m_alerts.questions[0].buttons, (QStringList{QStringLiteral("Keep"), QStringLiteral("Remove")}));
 }
 
 TEST_F(StartWindowTest, ShowsHintWhenListIsEmpty)
@@ -313,7 +391,7 @@ TEST_F(StartWindowTest, ShowsStoreErrorAndRetries)
     m_store->readProblem = KNKeyValueStore::Refused;
     m_connector = std::make_unique<Connector>();
     open();
-    EXPECT_TRUE(shows("being read"));
+    EXPECT_TRUE(shows("Reading the remembered connections"));
     m_store->holdsAnswersBack = false;
     m_store->answerPending();
     EXPECT_TRUE(shows("As the test wants it."));
@@ -322,4 +400,54 @@ TEST_F(StartWindowTest, ShowsStoreErrorAndRetries)
     button("Try Again")->click();
     EXPECT_FALSE(shows("As the test wants it."));
     EXPECT_FALSE(button("Try Again")->isVisible());
+}
+
+TEST_F(StartWindowTest, KeepsItsOrderWhenAConnectionIsOnlySaved)
+{
+    const auto older = remember("old", "a");
+    remember("new", "b");
+    open();
+    const auto saved = older->copy();
+    saved->username = QStringLiteral("bob");
+    list().update(saved);
+    EXPECT_EQ(shown(), (QStringList{QStringLiteral("new"), QStringLiteral("old")}));
+}
+
+TEST_F(StartWindowTest, ShowsGroupsByNameBelowTheOthers)
+{
+    remember("in b", "a")->group = QStringLiteral("Beta");
+    remember("plain", "b");
+    remember("in a", "c")->group = QStringLiteral("alpha");
+    remember("in a, too", "d")->group = QStringLiteral("Alpha");
+    open();
+    EXPECT_EQ(shown(), (QStringList{QStringLiteral("plain"), QStringLiteral("in a, too"),
+                                    QStringLiteral("in a"), QStringLiteral("in b")}));
+    // The first row of a group has the group's name above it.
+    const auto height = [this](int row) {
+        return m_view->visualRect(m_view->model()->index(row, 0)).height();
+    };
+    EXPECT_GT(height(1), height(0));
+    EXPECT_EQ(height(2), height(0));
+    EXPECT_GT(height(3), height(0));
+    EXPECT_TRUE(m_view->model()
+                    ->index(1, 0)
+                    .data(Qt::AccessibleTextRole)
+                    .toString()
+                    .contains(QStringLiteral("group Alpha")));
+    m_filter->setText(QStringLiteral("beta")); // a group is found by its name
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("in b")});
+}
+
+TEST_F(StartWindowTest, ReadsOutThatAConnectionIsAProductionOne)
+{
+    remember("one", "a")->isProduction = true;
+    open();
+    EXPECT_TRUE(m_view->model()
+                    ->index(0, 0)
+                    .data(Qt::AccessibleTextRole)
+                    .toString()
+                    .contains(QStringLiteral("production")));
+    QTest::keyClick(m_view, Qt::Key_Return);
+    ASSERT_TRUE(waitForRequests(1));
+    EXPECT_TRUE(requested(0)->isProduction());
 }
