@@ -1,6 +1,9 @@
 #include "Desktop/Main/MainWindow.h"
 
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "Desktop/Main/ConnectionStrip.h"
 #include "Desktop/Main/DocumentTabs.h"
+#include "Desktop/Main/EncryptionMark.h"
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/RecentFiles.h"
 #include "Desktop/Main/StatusLine.h"
@@ -14,7 +17,6 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNUserDefaults.h"
-#include "Recent/KNDBCTabColorHelper.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/Alerts/KNUserNotifications.h"
@@ -39,25 +41,6 @@ constexpr int NoticeTime = 10'000; // milliseconds
 QString nameOf(const VantorDBC &details)
 {
     return details.alias().isEmpty() ? details.host() : details.alias();
-}
-
-/// The widget below a strip in the connection's colour, if it has one.
-QWidget *withColour(QWidget *widget, const QString &colour)
-{
-    if (colour.isNull())
-        return widget;
-    constexpr int StripHeight = 3;
-    auto *const strip = new QWidget;
-    strip->setFixedHeight(StripHeight);
-    strip->setAutoFillBackground(true);
-    strip->setPalette(QPalette(QColor(colour)));
-    auto *const both = new QWidget;
-    auto *const layout = new QVBoxLayout(both);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(strip);
-    layout->addWidget(widget, 1);
-    return both;
 }
 
 } // namespace
@@ -98,7 +81,7 @@ void MainWindow::arrange()
     m_splitter->addWidget(m_tabs);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setChildrenCollapsible(false);
-    setCentralWidget(withColour(m_splitter, KNDBCTabColorHelper::colorForId(m_details->connectionId())));
+    setCentralWidget(ConnectionStrip::above(m_splitter, *m_details));
     setStatusBar(m_statusLine);
 }
 
@@ -116,7 +99,7 @@ void MainWindow::connectParts()
                                               "tries again every few seconds."));
     });
     connect(m_treeActions, &TreeActions::connectionsRequested, this, &MainWindow::connectionsRequested);
-    connect(m_treeActions, &TreeActions::disconnectRequested, this, &QWidget::close);
+    connect(m_treeActions, &TreeActions::disconnectRequested, this, &MainWindow::disconnectFromServer);
 }
 
 void MainWindow::showTree()
@@ -136,7 +119,17 @@ void MainWindow::showTree()
 
 void MainWindow::updateServer()
 {
-    m_statusLine->setServer(nameOf(*m_details), m_explorer->root()->details());
+    const auto root = m_explorer->root();
+    m_statusLine->setServer(nameOf(*m_details), root->childEntries() ? root->details() : tr("Connecting…"));
+    updateEncryption();
+}
+
+/// Sessions of documents may be protected in another way than that of the tree: the weakest counts.
+void MainWindow::updateEncryption()
+{
+    m_statusLine->encryption()->setEncryption(
+        VantorDatabaseConnectionPool::sharedInstance()->encryptionOf(*m_details),
+        m_details->sshTunnelModel().host);
 }
 
 KNDatabaseTreeContextHelper &MainWindow::treeContextHelper() const
@@ -294,6 +287,7 @@ void MainWindow::updateForCurrentDocument()
         m_statusLine->showStatus(document->status());
     else
         m_statusLine->clearStatus();
+    updateEncryption();
     m_actions->update();
 }
 
@@ -441,11 +435,20 @@ void MainWindow::saveLayout() const
     defaults->setObject(SplitterKey, QString::fromLatin1(m_splitter->saveState().toBase64()));
 }
 
+void MainWindow::disconnectFromServer()
+{
+    m_isDisconnecting = true;
+    close();
+    m_isDisconnecting = false;
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (m_mayClose) {
         if (m_session->flush() || m_mayLoseTabs) {
             saveLayout();
+            if (m_returnsToConnections)
+                Q_EMIT connectionsRequested(); // before the last window is closed
             event->accept();
             return;
         }
@@ -454,8 +457,9 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     event->ignore();
-    m_tabs->prepareToEndSession([this] {
+    m_tabs->prepareToEndSession([this, isDisconnecting = m_isDisconnecting] {
         m_mayClose = true;
+        m_returnsToConnections = isDisconnecting;
         // Deferred: the event that requested it may still be processed.
         QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
     });

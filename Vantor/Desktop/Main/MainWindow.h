@@ -69,6 +69,8 @@ public Q_SLOTS:
     void showAbout();
     void toggleExplorer();
     void searchObjects();
+    /// Closes the window and returns to the remembered connections, unless the user keeps a document.
+    void disconnectFromServer();
 
 Q_SIGNALS:
     /// The user requested the window of the remembered connections.
@@ -94,6 +96,7 @@ private:
     void updateForCurrentDocument();
     void focusDocument();
     void updateServer();
+    void updateEncryption();
     void restoreLayout();
     void saveLayout() const;
     void askWhetherTabsMayBeLost();
@@ -109,6 +112,8 @@ private:
     TreeActions *const m_treeActions;
     MainWindowActions *m_actions = nullptr;
     int m_untitledCount = 0;
-    bool m_mayClose = false;    ///< all documents have agreed to close
-    bool m_mayLoseTabs = false; ///< the user has accepted that tabs could not be saved
+    bool m_isDisconnecting = false;      ///< while disconnectFromServer() closes the window
+    bool m_returnsToConnections = false; ///< once the window has closed
+    bool m_mayClose = false;             ///< all documents have agreed to close
+    bool m_mayLoseTabs = false;          ///< the user has accepted that tabs could not be saved
 };

@@ -121,7 +121,8 @@ void MainWindowActions::makeFileMenu()
     menu->addSeparator();
     add(menu, {"connections", QT_TR_NOOP("Co&nnections…"), "connection-new", {keys("Ctrl+Shift+N")}},
         [this] { Q_EMIT m_window.connectionsRequested(); });
-    add(menu, {"disconnect", QT_TR_NOOP("&Disconnect"), nullptr, {}}, [this] { m_window.close(); });
+    add(menu, {"disconnect", QT_TR_NOOP("&Disconnect"), nullptr, {}},
+        [this] { m_window.disconnectFromServer(); });
     menu->addSeparator();
     add(menu, {"preferences", QT_TR_NOOP("&Preferences…"), "preferences", {keys("Ctrl+,")}},
         [this] { m_window.showPreferences(); });

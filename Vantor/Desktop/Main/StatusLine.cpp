@@ -1,6 +1,7 @@
 #include "Desktop/Main/StatusLine.h"
 
 #include "Database/KNMessageText.h"
+#include "Desktop/Main/EncryptionMark.h"
 #include "Foundation/KNFormat.h"
 #include "UI/KNPlainToolTip.h"
 
@@ -14,6 +15,7 @@ StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
     , m_text(addLabel(tr("Activity")))
     , m_server(addLabel(tr("Server")))
+    , m_encryption(new EncryptionMark)
     , m_login(addLabel(tr("Login")))
     , m_database(addLabel(tr("Database")))
     , m_transaction(addLabel(tr("Transaction")))
@@ -24,6 +26,7 @@ StatusLine::StatusLine(QWidget *parent)
     , m_time(addLabel(tr("Time")))
 {
     setSizeGripEnabled(false);
+    insertPermanentWidget(2, m_encryption);
     clearStatus();
 }
 

@@ -4,6 +4,7 @@
 
 #include <QStatusBar>
 
+class EncryptionMark;
 class QLabel;
 
 /// The status bar of the window: server and login, and the current document's text, database, transaction,
@@ -17,6 +18,8 @@ public:
 
     void setServer(const QString &server, const QString &version);
     void setLogin(const QString &login);
+    /// The mark that shows how the connection is protected.
+    EncryptionMark *encryption() const { return m_encryption; }
     void showStatus(const KNDocumentStatus &status);
     /// Clears the parts of a document when none is current.
     void clearStatus();
@@ -35,6 +38,7 @@ private:
 
     QLabel *const m_text;
     QLabel *const m_server;
+    EncryptionMark *const m_encryption;
     QLabel *const m_login;
     QLabel *const m_database;
     QLabel *const m_transaction;

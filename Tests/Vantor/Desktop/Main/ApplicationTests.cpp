@@ -1,6 +1,7 @@
 #include "Desktop/Application.h"
 
 #include "Desktop/Main/MainWindow.h"
+#include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Start/StartWindow.h"
 #include "Support/PrintQt.h"
 #include "Support/WindowTesting.h"
@@ -73,4 +74,18 @@ TEST(DesktopApplication, OpensTheSampleServerAndTheFilesOfItsCommandLine)
     const QAbstractItemModel &tree = *window.explorer()->view()->model();
     EXPECT_TRUE(waitFor([&] { return tree.rowCount(tree.index(0, 0)) == 2; })) << "library and shop";
     closeMainWindow();
+}
+
+TEST(DesktopApplication, ReturnsToTheConnectionsOnDisconnect)
+{
+    Application program({});
+    ASSERT_TRUE(program.start());
+    MainWindow *const window = program.openConnection(
+        *DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("library")));
+    ASSERT_TRUE(WindowTesting::settle());
+    window->actions()->action(QStringLiteral("disconnect"))->trigger();
+    ASSERT_TRUE(waitFor([] { return !visible<MainWindow>(); }));
+    ASSERT_NE(visible<StartWindow>(), nullptr);
+    visible<StartWindow>()->close();
+    EXPECT_TRUE(WindowTesting::settle());
 }

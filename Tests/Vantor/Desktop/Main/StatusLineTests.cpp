@@ -1,4 +1,6 @@
 #include "Desktop/Main/StatusLine.h"
+
+#include "Desktop/Main/EncryptionMark.h"
 #include "Support/PrintQt.h"
 
 #include <QLabel>
@@ -48,4 +50,24 @@ TEST(StatusLine, CountsHoursOnlyWhereThereAreAny)
     EXPECT_EQ(StatusLine::durationText(0), QStringLiteral("0:00.000"));
     EXPECT_EQ(StatusLine::durationText(59'999), QStringLiteral("0:59.999"));
     EXPECT_EQ(StatusLine::durationText(3'600'000 + 62'001), QStringLiteral("1:01:02.001"));
+}
+
+TEST(StatusLine, SaysHowTheConnectionIsProtected)
+{
+    StatusLine line;
+    line.show();
+    EncryptionMark &mark = *line.encryption();
+    EXPECT_FALSE(mark.isVisible()); // nothing is known
+    const std::pair<VantorEncryption, const char *> texts[] = {
+        {VantorEncryption::None, "Not encrypted"},
+        {VantorEncryption::LoginOnly, "Only login encrypted"},
+        {VantorEncryption::Unverified, "Encrypted, not verified"},
+        {VantorEncryption::Verified, "Encrypted, verified"}};
+    for (const auto &[encryption, text] : texts) {
+        mark.setEncryption(encryption, {});
+        EXPECT_TRUE(mark.isVisible());
+        EXPECT_EQ(mark.text(), QString::fromLatin1(text));
+    }
+    mark.setEncryption(VantorEncryption::None, QStringLiteral("gate"));
+    EXPECT_TRUE(mark.toolTip().contains(QStringLiteral("gate")));
 }
