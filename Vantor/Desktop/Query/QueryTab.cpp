@@ -9,6 +9,7 @@
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryRun.h"
 #include "Desktop/Query/QuerySession.h"
+#include "Desktop/Query/RiskyRunQuestion.h"
 #include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Editor/KNFindBar.h"
@@ -363,6 +364,14 @@ void QueryTab::start(QueryRequest request)
     request.rowLimit = preferences.rowLimit;
     request.onError = preferences.continuesAfterError ? KNOnError::Continue : KNOnError::Stop;
     request.asksForTransaction = m_session->hasOpenTransaction();
+    RiskyRunQuestion::ask(this, request, *m_connection->connectionDetails(),
+                          [this, request] { startConfirmed(request); });
+}
+
+void QueryTab::startConfirmed(QueryRequest request)
+{
+    if (isRunning())
+        return;
     m_editor->clearErrorMarks();
     m_isEditedSinceRun = false;
     m_showsRows = false;

@@ -97,6 +97,7 @@ private:
     void arrange();
     void connectParts();
     void start(QueryRequest request);
+    void startConfirmed(QueryRequest request);
     void showNewResults();
     void finishRun();
     void showOutcome();
