@@ -51,7 +51,7 @@ void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed)
     }
     const KNAlerts::Question question{
         QueryTab::tr("%1 has changes that are not saved.").arg(tab.title()),
-        QueryTab::tr("They are lost unless they are saved."),
+        QueryTab::tr("Your changes will be lost if you do not save them."),
         {QueryTab::tr("Save"), QueryTab::tr("Don't Save"), QueryTab::tr("Cancel")}};
     KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
         if (self && button == 0)
