@@ -1,10 +1,12 @@
 #include "Database/KNServerCertificate.h"
+#include "Database/VantorDatabaseConnectionPool.h"
 #include "SSH/KNSSHHostKey.h"
 #include "Support/FakeDatabase.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNConnectionAttempt.h"
 #include "UI/Connecting/KNConnectionQuestions.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
@@ -26,6 +28,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QThread>
 
 using WindowTesting::waitFor;
 
@@ -459,4 +462,48 @@ TEST(PasswordField, ShowsItsTextWhileTheEyeIsOpen)
     EXPECT_EQ(eye->text(), string("Hide the password"));
     eye->trigger();
     EXPECT_EQ(field.echoMode(), QLineEdit::Password);
+}
+
+TEST(ConnectionAttempt, KeepsItsSessionAndReportsTheAnswer)
+{
+    static FakeDatabase::Server server; // the pool remembers its logins beyond the test
+    VantorDatabaseConnectionPool &pool = *VantorDatabaseConnectionPool::sharedInstance();
+    QWidget window;
+    const auto details = std::make_shared<FakeDatabase::Settings>(server);
+    details->setHost(string("kept"));
+    KNConnectionAttempt attempt(details, &window);
+    QSignalSpy succeeded(&attempt, &KNConnectionAttempt::succeeded);
+    attempt.start([](VantorDatabaseClient &client, KNError *) {
+        return client.isConnected() ? string("16.0") : QString();
+    });
+    ASSERT_TRUE(waitFor([&] { return succeeded.size() == 1; }));
+    EXPECT_EQ(succeeded.value(0).value(0), QVariant(string("16.0")));
+    EXPECT_EQ(server.open, 1);
+    pool.closeIdleClients();
+    EXPECT_EQ(server.open, 0);
+}
+
+TEST(ConnectionAttempt, IsCancelledWhenItIsDestroyed)
+{
+    static FakeDatabase::Server server; // the pool remembers its logins beyond the test
+    server.cancels = 0;
+    std::atomic<bool> hasBegun = false;
+    server.duringLogin = [&] {
+        hasBegun = true;
+        for (int i = 0; i < 30000 && server.cancels == 0; ++i)
+            QThread::msleep(1);
+    };
+    QWidget window;
+    const auto details = std::make_shared<FakeDatabase::Settings>(server);
+    details->setHost(string("cancelled"));
+    auto *const attempt = new KNConnectionAttempt(details, &window);
+    QSignalSpy succeeded(attempt, &KNConnectionAttempt::succeeded);
+    attempt->start();
+    ASSERT_TRUE(waitFor([&] { return hasBegun.load(); }));
+    delete attempt;
+    EXPECT_TRUE(WindowTesting::settle());
+    server.duringLogin = {};
+    EXPECT_EQ(server.cancels, 1);
+    EXPECT_EQ(server.open, 0); // nobody keeps the session
+    EXPECT_TRUE(succeeded.isEmpty());
 }

@@ -7,28 +7,31 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <atomic>
 #include <mutex>
 
 /// The client in use, shared by the threads of an attempt.
 struct KNConnectionAttempt::Work
 {
-    /// Called by the thread that connects, with null once it has.
-    void setConnecting(VantorDatabaseClient *client)
+    /// Called by the thread that uses the client, with null once it has.
+    void setClient(VantorDatabaseClient *used)
     {
         const std::lock_guard lock(mutex);
-        connecting = client;
+        client = used;
     }
     /// Waits for the server. Not for the UI thread.
     void cancel()
     {
+        isCancelled = true;
         KNError ignored;
         const std::lock_guard lock(mutex);
-        if (connecting)
-            connecting->cancelCurrentQuery(&ignored);
+        if (client)
+            client->cancelCurrentQuery(&ignored);
     }
 
+    std::atomic<bool> isCancelled = false;
     std::mutex mutex;
-    VantorDatabaseClient *connecting = nullptr; ///< guarded by mutex
+    VantorDatabaseClient *client = nullptr; ///< guarded by mutex
 };
 
 KNConnectionAttempt::KNConnectionAttempt(const VantorDBCPtr &details, QWidget *window)
@@ -58,12 +61,17 @@ void KNConnectionAttempt::connectInBackground()
         VantorDatabaseConnectionPool &pool = *VantorDatabaseConnectionPool::sharedInstance();
         KNError error;
         QString answer;
+        if (work->isCancelled)
+            return;
         pool.forgetRefusals(*details); // the user has asked for this attempt
         auto client = pool.connectedClient(
-            *details, &error, [&](VantorDatabaseClient *connecting) { work->setConnecting(connecting); });
-        if (client && inquiry)
+            *details, &error, [&](VantorDatabaseClient *connecting) { work->setClient(connecting); });
+        if (client && inquiry && !work->isCancelled) {
+            work->setClient(client.get());
             answer = inquiry(*client, &error);
-        if (client && !error)
+            work->setClient(nullptr);
+        }
+        if (client && !error && !work->isCancelled)
             pool.keep(*details, std::move(client));
         KNDispatch::mainQueue([self, answer, error] {
             if (self)
