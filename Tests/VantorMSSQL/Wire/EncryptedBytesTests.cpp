@@ -289,3 +289,16 @@ TEST(SpoiledHandshake, WithAByteChangedNeverLogsIn)
         failureWith(relay.port(), 10'000);
     }
 }
+
+TEST(EncryptedBytes, OfADowngradedLoginAreMeasuredAsNone)
+{
+    const SampleServerFixture server({TestCertificates::shared().usual().arguments("request"), {}});
+    HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+    constexpr std::uint8_t NotSupported = 2;
+    changeWish(relay, NotSupported);
+    const auto details = settings(relay.port()); // requests encryption
+    MSSQLClient client(details);
+    KNError error;
+    ASSERT_TRUE(client.connect(&error)) << error.localizedDescription().toStdString();
+    EXPECT_EQ(client.encryption(), VantorEncryption::None);
+}
