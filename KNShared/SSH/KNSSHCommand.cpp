@@ -96,7 +96,8 @@ KNError KNSSHCommand::errorFor(const KNSSHTunnelModel &model, const QString &com
                        KNFormat("The SSH server %@ accepts none of the keys that it was offered. Use a key "
                                 "without a passphrase, or add the key to the SSH agent. (%@)",
                                 model.host, complaints));
-    return KNError(ErrorDomain, Failed,
-                   KNFormat("The SSH tunnel through %@ could not be opened: %@", model.host,
-                            complaints.isEmpty() ? QStringLiteral("ssh ended without a word.") : complaints));
+    return KNError(
+        ErrorDomain, Failed,
+        KNFormat("The SSH tunnel through %@ could not be opened: %@", model.host,
+                 complaints.isEmpty() ? QStringLiteral("ssh ended without a message.") : complaints));
 }

@@ -96,8 +96,9 @@ QString otherText(unsigned status)
     gnutls_certificate_verification_status_print(status, GNUTLS_CRT_X509, &text, 0);
     const QString reason = QString::fromUtf8(reinterpret_cast<const char *>(text.data), text.size).trimmed();
     gnutls_free(text.data);
-    return KNFormat("The server's certificate cannot be trusted: %@ Ask who runs the server for a new one.",
-                    reason);
+    return KNFormat(
+        "The server's certificate cannot be trusted: %@ Ask the server's administrator for a new one.",
+        reason);
 }
 
 } // namespace
@@ -111,8 +112,7 @@ QString MSSQLCertificateText(gnutls_session_int *session, unsigned status, const
         return purposeText(certificate.get());
     if (status & GNUTLS_CERT_REVOKED)
         return QStringLiteral(
-            "The server's certificate was revoked. Do not connect before who runs the server "
-            "has given it a new one.");
+            "The server's certificate was revoked. Do not connect until the server has a new one.");
     if (status & (GNUTLS_CERT_SIGNER_NOT_FOUND | GNUTLS_CERT_SIGNER_NOT_CA))
         return KNFormat(
             "The server's certificate is signed by an authority that is not trusted here: %@. Get "

@@ -23,7 +23,7 @@ KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel 
     m_port->setRange(0, 65535);
     m_port->setSpecialValueText(tr("Default"));
     m_port->setValue(model.port);
-    m_username->setPlaceholderText(tr("As your SSH configuration says"));
+    m_username->setPlaceholderText(tr("From your SSH configuration"));
     m_keyFile->setPath(model.keyFile);
     m_keyFile->lineEdit()->setPlaceholderText(tr("SSH agent and usual keys"));
     m_keyFile->setMinimumWidth(fontMetrics().averageCharWidth() * 55);
