@@ -5,6 +5,7 @@
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
+#include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/Connecting/KNConnectionAttempt.h"
 #include "UI/Connecting/KNConnectionQuestions.h"
@@ -23,6 +24,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -506,4 +508,24 @@ TEST(ConnectionAttempt, IsCancelledWhenItIsDestroyed)
     EXPECT_EQ(server.cancels, 1);
     EXPECT_EQ(server.open, 0); // nobody keeps the session
     EXPECT_TRUE(succeeded.isEmpty());
+}
+
+TEST(MessageBoxes, AreDismissedByEscapeAndAnsweredByReturn)
+{
+    KNAlerts::setShared(nullptr); // the program's own
+    QWidget window;
+    window.show();
+    std::vector<int> answers;
+    const KNAlerts::Question question = {
+        string("Go on?"), string("Or not."), {string("Keep"), string("Remove")}};
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        KNAlerts::shared().ask(&window, question, [&](int button) { answers.push_back(button); });
+        const QPointer box = window.findChild<QMessageBox *>();
+        ASSERT_TRUE(box);
+        QTest::keyClick(box, key);
+        EXPECT_TRUE(waitFor([&] { return !box; }));
+    }
+    KNAlerts::shared().ask(&window, question, [&](int button) { answers.push_back(button); });
+    window.findChild<QMessageBox *>()->close();
+    EXPECT_EQ(answers, (std::vector<int>{-1, 0, -1}));
 }
