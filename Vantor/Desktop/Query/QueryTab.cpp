@@ -346,9 +346,7 @@ void QueryTab::runRemainingBatches()
     QueryRequest request;
     request.part = QueryRequest::Part::Batches;
     request.batches = m_run->outcome().notRun;
-    const bool wasEdited = m_isEditedSinceRun;
     start(std::move(request));
-    m_isEditedSinceRun = wasEdited; // the batches keep their lines in the text before
 }
 
 void QueryTab::start(QueryRequest request)
@@ -364,7 +362,7 @@ void QueryTab::start(QueryRequest request)
     request.rowLimit = preferences.rowLimit;
     request.onError = preferences.continuesAfterError ? KNOnError::Continue : KNOnError::Stop;
     request.asksForTransaction = m_session->hasOpenTransaction();
-    RiskyRunQuestion::ask(this, request, *m_connection->connectionDetails(),
+    RiskyRunQuestion::ask(this, request, *m_session->connectionDetails(),
                           [this, request] { startConfirmed(request); });
 }
 
@@ -372,8 +370,13 @@ void QueryTab::startConfirmed(QueryRequest request)
 {
     if (isRunning())
         return;
+    if (m_session->isBusy()) {
+        m_session->setNext([this, request] { startConfirmed(request); });
+        return;
+    }
     m_editor->clearErrorMarks();
-    m_isEditedSinceRun = false;
+    if (request.part != QueryRequest::Part::Batches) // these keep their lines in the text of the run before
+        m_isEditedSinceRun = false;
     m_showsRows = false;
     m_databaseBox->setEnabled(false);
     m_resultTabs->show();
