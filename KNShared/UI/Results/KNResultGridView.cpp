@@ -2,6 +2,7 @@
 
 #include "Foundation/KNNotificationCenter.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/Results/KNResultGridAccessible.h"
 #include "UI/Results/KNRowNumberBar.h"
 
 #include <QGuiApplication>
@@ -19,6 +20,7 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     , m_header(new QHeaderView(Qt::Horizontal, this))
     , m_rowNumbers(new KNRowNumberBar(this))
 {
+    KNResultGridAccessible::install();
     setAccessibleName(tr("Rows of the result"));
     setSelectionMode(ExtendedSelection);
     setSelectionBehavior(SelectItems);
@@ -66,6 +68,16 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     });
     connect(this, &QAbstractItemView::doubleClicked, this, &KNResultGridView::valueRequested);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_rowNumbers, qOverload<>(&QWidget::update));
+}
+
+QList<int> KNResultGridView::shownColumns() const
+{
+    QList<int> columns;
+    for (int column = 0; column < m_header->count(); ++column) {
+        if (!m_header->isSectionHidden(column))
+            columns.append(column);
+    }
+    return columns;
 }
 
 int KNResultGridView::topRow() const
@@ -355,5 +367,6 @@ bool KNResultGridView::viewportEvent(QEvent *event)
         QToolTip::showText(help->globalPos(), KNPlainToolTip(cell.text), viewport(), visualRect(index));
     else
         QToolTip::hideText();
+    KNResultGridAccessible::reportCurrentCell(this);
     return true;
 }

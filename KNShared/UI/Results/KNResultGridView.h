@@ -23,6 +23,8 @@ public:
     KNRowNumberBar *rowNumbers() const { return m_rowNumbers; }
     int rowHeight() const { return m_rowHeight; }
     /// The first visible row, and the number of rows that fit.
+    /// The columns that are not hidden, from left to right.
+    QList<int> shownColumns() const;
     int topRow() const;
     int visibleRowCount() const;
     /// The height for this number of rows, with headers and scroll bar.

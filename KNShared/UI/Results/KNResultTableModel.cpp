@@ -1,6 +1,7 @@
 #include "UI/Results/KNResultTableModel.h"
 
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
 #include "Foundation/KNNotificationCenter.h"
 #include "UI/KNPlainToolTip.h"
 
@@ -90,10 +91,14 @@ QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
     if (!index.isValid())
         return {};
     switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole: {
+    case Qt::DisplayRole: {
         const Cell shownCell = cell(index.row(), index.column());
         return shownCell.isNull ? KNPreferences::current().nullText : shownCell.text;
+    }
+    case Qt::AccessibleTextRole: {
+        // Read out even if the preferred text for NULL is empty.
+        const Cell shownCell = cell(index.row(), index.column());
+        return shownCell.isNull ? QStringLiteral("NULL") : shownCell.text;
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(
@@ -114,18 +119,26 @@ QString KNResultTableModel::remarkOn(int column) const
     return remark.isNull() ? QString() : QLatin1Char('\n') + remark;
 }
 
+QString KNResultTableModel::shownName(int column) const
+{
+    const QString name = m_columnNames.value(column);
+    return name.isEmpty() ? tr("(no name)") : inOneLine(name);
+}
+
 QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+    const bool isSorted = m_arrangement.sortColumn == section;
+    const bool isAscending = m_arrangement.sortOrder == Qt::AscendingOrder;
     switch (role) {
-    case Qt::DisplayRole: {
-        const QString name = m_columnNames.value(section);
-        const bool isSorted = m_arrangement.sortColumn == section;
-        const char16_t *const mark = m_arrangement.sortOrder == Qt::AscendingOrder ? u" ▲" : u" ▼";
-        return (name.isEmpty() ? tr("(no name)") : inOneLine(name)) +
-               (isSorted ? QString::fromUtf16(mark) : QString());
-    }
+    case Qt::DisplayRole:
+        return shownName(section) + (!isSorted ? QString() : QString::fromUtf16(isAscending ? u" ▲" : u" ▼"));
+    case Qt::AccessibleTextRole:
+        if (!isSorted)
+            return shownName(section);
+        return KNFormat(isAscending ? tr("%@, sorted ascending") : tr("%@, sorted descending"),
+                        shownName(section));
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);

@@ -53,6 +53,8 @@ public:
     /// The stored row number of a displayed row.
     qsizetype storedRow(int row) const;
     QString columnName(int column) const { return m_columnNames.value(column); }
+    /// The name in one line, or "(no name)".
+    QString shownName(int column) const;
     /// The type name of a column; null if unknown.
     QString typeName(int column) const { return m_helper->typeNameForColumn(column); }
 

@@ -7,9 +7,39 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QAccessibleWidget>
 #include <QLabel>
 
 #include <utility>
+
+namespace {
+
+/// Reads out a label's name with its text: "Rows: 12 rows".
+class LabelAccessible : public QAccessibleWidget
+{
+public:
+    explicit LabelAccessible(QLabel *label)
+        : QAccessibleWidget(label, QAccessible::StaticText)
+    {
+    }
+    QString text(QAccessible::Text kind) const override
+    {
+        const QString text = static_cast<const QLabel *>(widget())->text();
+        if (kind == QAccessible::Value)
+            return text;
+        if (kind != QAccessible::Name || text.isEmpty())
+            return QAccessibleWidget::text(kind);
+        return KNFormat("%@: %@", widget()->accessibleName(), text);
+    }
+};
+
+QAccessibleInterface *labelInterface(const QString &, QObject *object)
+{
+    auto *const label = qobject_cast<QLabel *>(object);
+    return label && qobject_cast<StatusLine *>(label->parent()) ? new LabelAccessible(label) : nullptr;
+}
+
+} // namespace
 
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)

@@ -3,6 +3,7 @@
 #include "Desktop/Main/EncryptionMark.h"
 #include "Support/PrintQt.h"
 
+#include <QAccessible>
 #include <QLabel>
 
 #include <gtest/gtest.h>
@@ -43,6 +44,23 @@ TEST(StatusLine, ShowsServerLoginAndTheTabInFront)
     line.clearStatus();
     EXPECT_EQ(shown(line, "Rows"), QString());
     EXPECT_EQ(shown(line, "Login"), QStringLiteral("alice"));
+}
+
+TEST(StatusLine, ReadsOutTheValuesOfItsLabels)
+{
+    StatusLine line;
+    line.setLogin(QStringLiteral("alice"));
+    KNDocumentStatus status;
+    status.database = QStringLiteral("shop");
+    status.rowCount = 12;
+    line.showStatus(status);
+    QStringList names;
+    for (QLabel *const label : line.findChildren<QLabel *>())
+        names.append(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name));
+    EXPECT_TRUE(names.contains(QStringLiteral("Login: alice")));
+    EXPECT_TRUE(names.contains(QStringLiteral("Database: shop")));
+    EXPECT_TRUE(names.contains(QStringLiteral("Rows: 12 rows")));
+    EXPECT_TRUE(names.contains(QStringLiteral("Time"))) << "it is empty";
 }
 
 TEST(StatusLine, CountsHoursOnlyWhereThereAreAny)
