@@ -286,6 +286,22 @@ ResultRows KNResultGridView::selectedRows() const
     return rows;
 }
 
+QList<KNCellStatistics::Range> KNResultGridView::selectedCells() const
+{
+    QList<KNCellStatistics::Range> cells;
+    const QList<int> shown = shownColumns();
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        QList<qsizetype> columns;
+        for (const int column : shown) {
+            if (range.left() <= column && column <= range.right())
+                columns.append(column);
+        }
+        if (!columns.isEmpty())
+            cells.append({{range.top(), range.height()}, columns});
+    }
+    return cells;
+}
+
 void KNResultGridView::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex current = currentIndex();
@@ -351,6 +367,7 @@ void KNResultGridView::currentChanged(const QModelIndex &current, const QModelIn
                                  .arg(QString::number(current.row() + 1),
                                       m_resultModel.columnName(current.column()),
                                       current.data(Qt::AccessibleTextRole).toString()));
+    KNResultGridAccessible::reportCurrentCell(this);
 }
 
 bool KNResultGridView::viewportEvent(QEvent *event)
@@ -367,6 +384,5 @@ bool KNResultGridView::viewportEvent(QEvent *event)
         QToolTip::showText(help->globalPos(), KNPlainToolTip(cell.text), viewport(), visualRect(index));
     else
         QToolTip::hideText();
-    KNResultGridAccessible::reportCurrentCell(this);
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Results/KNCellStatistics.h"
 #include "UI/Results/KNResultTableModel.h"
 
 #include <QAbstractItemView>
@@ -22,9 +23,9 @@ public:
     QHeaderView *horizontalHeader() const { return m_header; }
     KNRowNumberBar *rowNumbers() const { return m_rowNumbers; }
     int rowHeight() const { return m_rowHeight; }
-    /// The first visible row, and the number of rows that fit.
     /// The columns that are not hidden, from left to right.
     QList<int> shownColumns() const;
+    /// The first visible row, and the number of rows that fit.
     int topRow() const;
     int visibleRowCount() const;
     /// The height for this number of rows, with headers and scroll bar.
@@ -32,6 +33,8 @@ public:
 
     /// The selected rows and columns: those with at least one selected cell.
     ResultRows selectedRows() const;
+    /// The selected cells of shown columns. The ranges do not overlap.
+    QList<KNCellStatistics::Range> selectedCells() const;
     void selectRows(int first, int last, QItemSelectionModel::SelectionFlags command);
     void selectColumn(int column, QItemSelectionModel::SelectionFlags command);
 

@@ -5,6 +5,7 @@
 #include "UI/KNPlainToolTip.h"
 #include "UI/Results/KNResultFilterBar.h"
 #include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNSelectionSummary.h"
 #include "UI/Results/KNValueViewer.h"
 
 #include <QLocale>
@@ -29,6 +30,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     , m_grid(new KNResultGridView(model, this))
     , m_filterBar(new KNResultFilterBar(model, this))
     , m_copier(new KNResultCopier(details, this))
+    , m_selectionSummary(new KNSelectionSummary(m_grid))
     , m_caption(new QLabel(this))
     , m_menu(new QMenu(this))
     , m_cancel(new QToolButton(this))

@@ -8,6 +8,7 @@
 
 class KNResultFilterBar;
 class KNResultGridView;
+class KNSelectionSummary;
 class QLabel;
 class QMenu;
 class QToolButton;
@@ -26,6 +27,7 @@ public:
     KNResultGridView *grid() const { return m_grid; }
     KNResultFilterBar *filterBar() const { return m_filterBar; }
     KNResultCopier *copier() const { return m_copier; }
+    KNSelectionSummary *selectionSummary() const { return m_selectionSummary; }
     /// "Result 1: 12 of 40 rows, sorted by name".
     QString caption() const;
 
@@ -61,6 +63,7 @@ private:
     KNResultGridView *m_grid;
     KNResultFilterBar *m_filterBar;
     KNResultCopier *m_copier;
+    KNSelectionSummary *m_selectionSummary;
     QLabel *m_caption;
     QMenu *m_menu;
     QAction *m_filter = nullptr;

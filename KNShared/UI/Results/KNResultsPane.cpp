@@ -8,6 +8,7 @@
 #include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultStack.h"
 #include "UI/Results/KNResultTabs.h"
+#include "UI/Results/KNSelectionSummary.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
@@ -96,8 +97,15 @@ void KNResultsPane::clear()
     m_position = 0;
     m_firstUnfinished = 0;
     showPlaces();
+    setSelectionSummary({});
     if (std::exchange(m_rowCount, 0) != 0)
         Q_EMIT rowCountChanged(0);
+}
+
+void KNResultsPane::setSelectionSummary(const QString &text)
+{
+    if (std::exchange(m_selectionSummary, text) != text)
+        Q_EMIT selectionSummaryChanged();
 }
 
 qint64 KNResultsPane::rowCount() const
@@ -183,6 +191,7 @@ void KNResultsPane::setShowsTabs(bool shows)
         m_entries[static_cast<std::size_t>(result)].columnWidths =
             m_sections[result]->grid()->horizontalHeader()->saveState();
     qDeleteAll(std::exchange(m_sections, {}));
+    setSelectionSummary({});
     m_stack->setCount(0);
     m_views->setCurrentIndex(shows ? 1 : 0);
     showPlaces();
@@ -198,6 +207,8 @@ KNResultSection *KNResultsPane::section(int result)
         made->grid()->horizontalHeader()->restoreState(entry.columnWidths);
     connect(made, &KNResultSection::exportRequested, this,
             [this, made] { m_exportBar->exportRows(made->model().shownRows()); });
+    connect(made->selectionSummary(), &KNSelectionSummary::changed, this,
+            [this, made] { setSelectionSummary(made->selectionSummary()->text()); });
     m_sections.insert(result, made);
     return made;
 }
@@ -230,6 +241,8 @@ void KNResultsPane::dropSections(int firstKept, int lastKept)
         m_entries[static_cast<std::size_t>(result)].columnWidths =
             each->grid()->horizontalHeader()->saveState();
         m_sections.remove(result);
+        if (!each->selectionSummary()->text().isEmpty())
+            setSelectionSummary({});
         each->hide();
         each->deleteLater();
     }

@@ -36,6 +36,8 @@ public:
     void clear();
     /// The number of rows shown so far in all results.
     qint64 rowCount() const;
+    /// Describes the cells selected last; empty if there are none to describe.
+    QString selectionSummary() const { return m_selectionSummary; }
 
     /// The number of results with columns; each has a section.
     int resultCount() const { return static_cast<int>(m_entries.size()); }
@@ -54,6 +56,7 @@ public:
 
 Q_SIGNALS:
     void rowCountChanged(qint64 count);
+    void selectionSummaryChanged();
 
 private:
     struct Entry
@@ -67,6 +70,7 @@ private:
     void showTab(int result);
     void dropSections(int firstKept, int lastKept);
     int wantedHeight(int result) const;
+    void setSelectionSummary(const QString &text);
 
     std::shared_ptr<KNResultSetHolder> m_holder;
     VantorDBCPtr m_details;
@@ -76,6 +80,7 @@ private:
     QHash<int, KNResultSection *> m_sections; ///< by result
     int m_firstUnfinished = 0;                ///< all earlier results have all their rows
     qint64 m_rowCount = 0;
+    QString m_selectionSummary;
     bool m_showsTabs;
     bool m_isRunning = false;
     KNResultTabs *m_tabs;

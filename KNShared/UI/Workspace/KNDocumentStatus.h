@@ -8,6 +8,7 @@
 struct KNDocumentStatus
 {
     QString text;                              ///< what the document is doing; null for nothing
+    QString selection = {};                    ///< describes the selected cells; null for nothing
     QString database;                          ///< null if it is not known
     std::optional<qint64> rowCount;            ///< empty for documents without rows
     std::optional<qint64> elapsedMilliseconds; ///< of the current or last run; empty without runs

@@ -43,6 +43,7 @@ QAccessibleInterface *labelInterface(const QString &, QObject *object)
 
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
+    , m_selection(newLabel(tr("Selection")))
     , m_text(addLabel(tr("Activity")))
     , m_server(addLabel(tr("Server")))
     , m_encryption(new EncryptionMark)
@@ -55,6 +56,10 @@ StatusLine::StatusLine(QWidget *parent)
     , m_rows(addLabel(tr("Rows")))
     , m_time(addLabel(tr("Time")))
 {
+    QAccessible::installFactory(labelInterface);
+    // A long text must not widen the window; messages are shown instead of it.
+    m_selection->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    addWidget(m_selection, 1);
     setSizeGripEnabled(false);
     insertPermanentWidget(2, m_encryption);
     clearStatus();
@@ -62,11 +67,17 @@ StatusLine::StatusLine(QWidget *parent)
 
 QLabel *StatusLine::addLabel(const QString &accessibleName)
 {
+    QLabel *const label = newLabel(accessibleName);
+    addPermanentWidget(label);
+    return label;
+}
+
+QLabel *StatusLine::newLabel(const QString &accessibleName)
+{
     auto *const label = new QLabel(this);
     label->setAccessibleName(accessibleName);
     label->setTextFormat(Qt::PlainText);
     label->setContentsMargins(6, 0, 6, 0);
-    addPermanentWidget(label);
     return label;
 }
 
@@ -96,14 +107,17 @@ void StatusLine::showStatus(const KNDocumentStatus &status)
     m_encoding->setText(status.encoding);
     m_lineEnds->setText(status.lineEnds);
     m_text->setText(status.text);
+    m_selection->setText(status.selection);
+    m_selection->setToolTip(KNPlainToolTip(status.selection));
     m_rows->setText(status.rowCount ? rowsText(*status.rowCount) : QString());
     m_time->setText(status.elapsedMilliseconds ? durationText(*status.elapsedMilliseconds) : QString());
 }
 
 void StatusLine::clearStatus()
 {
-    for (QLabel *const label :
-         {m_text, m_database, m_transaction, m_position, m_encoding, m_lineEnds, m_rows, m_time})
+    m_selection->setToolTip({});
+    for (QLabel *const label : {m_selection, m_text, m_database, m_transaction, m_position, m_encoding,
+                                m_lineEnds, m_rows, m_time})
         label->clear();
     setHasTransaction(false);
 }

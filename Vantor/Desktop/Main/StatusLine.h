@@ -7,8 +7,8 @@
 class EncryptionMark;
 class QLabel;
 
-/// The status bar of the window: server and login, and the current document's text, database, transaction,
-/// cursor, file, rows and time. An open transaction colours it.
+/// The status bar of the window: server and login, and the current document's text, selection, database,
+/// transaction, cursor, file, rows and time. An open transaction colours it.
 class StatusLine : public QStatusBar
 {
     Q_OBJECT
@@ -35,7 +35,9 @@ protected:
 private:
     void setHasTransaction(bool hasTransaction);
     QLabel *addLabel(const QString &accessibleName);
+    QLabel *newLabel(const QString &accessibleName);
 
+    QLabel *const m_selection;
     QLabel *const m_text;
     QLabel *const m_server;
     EncryptionMark *const m_encryption;

@@ -136,6 +136,7 @@ void QueryTab::connectParts()
     });
     connect(m_databaseBox, &DatabaseBox::left, m_editor, qOverload<>(&KNSQLEditor::setFocus));
     connect(m_databaseBox, &DatabaseBox::databaseChosen, m_editor, qOverload<>(&KNSQLEditor::setFocus));
+    connect(m_resultsPane, &KNResultsPane::selectionSummaryChanged, this, &QueryTab::statusChanged);
     connect(m_databaseBox, &DatabaseBox::databaseChosen, this, &QueryTab::changeDatabase);
     connect(m_databaseBox, &DatabaseBox::loadFailed, this,
             [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
@@ -226,6 +227,7 @@ KNDocumentStatus::Outcome QueryTab::outcome() const
 KNDocumentStatus QueryTab::status() const
 {
     KNDocumentStatus status;
+    status.selection = m_resultsPane->selectionSummary();
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
     status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;

@@ -89,3 +89,17 @@ TEST(StatusLine, SaysHowTheConnectionIsProtected)
     mark.setEncryption(VantorEncryption::None, QStringLiteral("gate"));
     EXPECT_TRUE(mark.toolTip().contains(QStringLiteral("gate")));
 }
+
+TEST(StatusLine, ShowsTheSelectionWithoutWideningTheWindow)
+{
+    StatusLine line;
+    const int before = line.minimumSizeHint().width();
+    KNDocumentStatus status;
+    status.selection = QStringLiteral("Count: 2 · Sum: ") + QString(2000, QLatin1Char('9'));
+    line.showStatus(status);
+    line.show();
+    EXPECT_EQ(shown(line, "Selection"), status.selection);
+    EXPECT_EQ(line.minimumSizeHint().width(), before);
+    line.clearStatus();
+    EXPECT_EQ(shown(line, "Selection"), QString());
+}
