@@ -26,6 +26,7 @@ private:
     Integer total() const;
     static QString text(const Integer &number, int scale);
 
-    std::array<Partial, KNDecimal::MaximumDigits + 1> m_byScale = {}; ///< sums of the magnitudes of each scale
-    int m_scale = 0;                                                  ///< the largest
+    std::array<Partial, KNDecimal::MaximumDigits + 1> m_byScale =
+        {};          ///< sums of the magnitudes of each scale
+    int m_scale = 0; ///< the largest
 };

@@ -3,8 +3,6 @@
 #include "Database/KNRowReader.h"
 #include "Results/KNRowSortKey.h"
 
-#include <QStringMatcher>
-
 #include <algorithm>
 #include <numeric>
 
@@ -14,43 +12,6 @@ constexpr quint32 StepsBetweenLooks = 4096; // rows between two checks for cance
 
 struct Cancelled
 {
-};
-
-/// Whether a cell's text contains a search text, case-insensitively.
-class CellMatcher
-{
-public:
-    CellMatcher(const QString &text, const KNRowArrangement::Display &display)
-        : m_matcher(text, Qt::CaseInsensitive)
-        , m_ascii(text.toLower().toLatin1())
-        , m_isAscii(std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; }))
-        , m_display(display)
-    {
-    }
-
-    bool matches(const KNRowCell &cell, qsizetype column) const
-    {
-        if (cell.tag == KNRowCell::Null)
-            return false;
-        if (cell.tag == KNRowCell::Text && m_isAscii)
-            return holdsAscii(cell);
-        return m_matcher.indexIn(m_display(cell, column)) >= 0;
-    }
-
-private:
-    static char lower(unsigned char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c); }
-
-    /// In UTF-8, bytes of non-ASCII characters are never ASCII bytes.
-    bool holdsAscii(const KNRowCell &cell) const
-    {
-        const auto same = [](unsigned char a, char b) { return lower(a) == b; };
-        return std::search(cell.data, cell.end(), m_ascii.begin(), m_ascii.end(), same) != cell.end();
-    }
-
-    const QStringMatcher m_matcher;
-    const QByteArray m_ascii;
-    const bool m_isAscii;
-    const KNRowArrangement::Display &m_display;
 };
 
 } // namespace
@@ -74,7 +35,7 @@ KNRowOrderPtr KNRowArrangement::order(const KNDatabaseResultSet &result, const D
 bool KNRowArrangement::filter(KNRowOrder &rows, const KNDatabaseResultSet &result, const Display &display,
                               const std::atomic<bool> &cancelled) const
 {
-    const CellMatcher matcher(filterText, display);
+    const KNCellMatcher matcher(filterText, Qt::CaseInsensitive, display);
     const qsizetype columns = result.columnNames().size();
     KNRowReader reader(result.rows());
     const auto isWanted = [&](qsizetype row) {

@@ -3,6 +3,7 @@
 #include "Database/KNRowCell.h"
 #include "Export/ResultRows.h"
 #include "KNSharedExport.h"
+#include "Results/KNCellMatcher.h"
 
 #include <atomic>
 
@@ -11,8 +12,7 @@ struct KNSHARED_EXPORT KNRowArrangement
 {
     static constexpr qsizetype NoColumn = -1;
 
-    /// Formats a cell of a column for display; a null QString for null. Called on any thread.
-    using Display = std::function<QString(const KNRowCell &cell, qsizetype column)>;
+    using Display = KNCellMatcher::Display;
 
     qsizetype sortColumn = NoColumn; ///< none: in order of arrival
     Qt::SortOrder sortOrder = Qt::AscendingOrder;

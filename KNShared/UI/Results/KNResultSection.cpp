@@ -3,21 +3,30 @@
 #include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/Results/KNCountText.h"
 #include "UI/Results/KNResultFilterBar.h"
+#include "UI/Results/KNResultFindBar.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNSelectionSummary.h"
 #include "UI/Results/KNValueViewer.h"
 
-#include <QLocale>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QStyle>
 #include <QToolButton>
 
 namespace {
 
-QString number(qint64 count)
+std::optional<KNDocumentAction> findActionOf(const QKeyEvent &event)
 {
-    return QLocale(QLocale::English, QLocale::UnitedStates).toString(count);
+    const QKeyCombination keys = event.keyCombination();
+    if (keys == (Qt::CTRL | Qt::Key_F))
+        return KNDocumentAction::Find;
+    if (keys == QKeyCombination(Qt::Key_F3))
+        return KNDocumentAction::FindNext;
+    if (keys == (Qt::SHIFT | Qt::Key_F3))
+        return KNDocumentAction::FindPrevious;
+    return std::nullopt;
 }
 
 } // namespace
@@ -29,6 +38,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     , m_model(model)
     , m_grid(new KNResultGridView(model, this))
     , m_filterBar(new KNResultFilterBar(model, this))
+    , m_findBar(new KNResultFindBar(m_grid, this))
     , m_copier(new KNResultCopier(details, this))
     , m_selectionSummary(new KNSelectionSummary(m_grid))
     , m_caption(new QLabel(this))
@@ -55,6 +65,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     layout->addLayout(head);
     layout->addWidget(m_filterBar);
     layout->addWidget(m_grid, 1);
+    layout->addWidget(m_findBar);
     setFocusProxy(m_grid);
 
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -83,9 +94,44 @@ int KNResultSection::heightForRows(int rows) const
     const QMargins margins = layout()->contentsMargins();
     int height = margins.top() + margins.bottom() + layout()->itemAt(0)->sizeHint().height() +
                  layout()->spacing() + m_grid->heightForRows(rows);
-    if (m_filterBar->isVisibleTo(this))
-        height += m_filterBar->sizeHint().height() + layout()->spacing();
+    for (const QWidget *const bar : std::initializer_list<QWidget *>{m_filterBar, m_findBar}) {
+        if (bar->isVisibleTo(this))
+            height += bar->sizeHint().height() + layout()->spacing();
+    }
     return height;
+}
+
+bool KNResultSection::perform(KNDocumentAction action)
+{
+    switch (action) {
+    case KNDocumentAction::Find:
+        m_findBar->open();
+        return true;
+    case KNDocumentAction::FindNext:
+        m_findBar->findNext();
+        return true;
+    case KNDocumentAction::FindPrevious:
+        m_findBar->findPrevious();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool KNResultSection::event(QEvent *event)
+{
+    // Within a result, these keys come before the shortcuts of the editor.
+    if (event->type() == QEvent::ShortcutOverride && findActionOf(*static_cast<QKeyEvent *>(event)))
+        event->accept();
+    return QWidget::event(event);
+}
+
+void KNResultSection::keyPressEvent(QKeyEvent *event)
+{
+    if (const auto action = findActionOf(*event))
+        perform(*action);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void KNResultSection::updateCaption()
@@ -93,9 +139,9 @@ void KNResultSection::updateCaption()
     const KNRowArrangement &arrangement = m_model.arrangement();
     const int rows = m_model.rowCount();
     const int arrived = m_model.arrivedRowCount();
-    QString text = arrived == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), number(arrived));
+    QString text = arrived == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNCountText(arrived));
     if (!arrangement.filterText.isEmpty())
-        text = KNFormat(tr("%@ of %@"), number(rows), text);
+        text = KNFormat(tr("%@ of %@"), KNCountText(rows), text);
     if (!m_model.isFinished())
         text = KNFormat(tr("%@ so far"), text);
     if (arrangement.sortColumn != KNRowArrangement::NoColumn) {
@@ -162,6 +208,7 @@ void KNResultSection::addActions()
     addAction(tr("Select &All"), QKeySequence::SelectAll, [this] { m_grid->selectAll(); });
     addAction(tr("Show &Value"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { showValue(); });
     m_menu->addSeparator();
+    addAction(tr("Fi&nd…\tCtrl+F"), {}, [this] { m_findBar->open(); });
     addArrangingActions();
     m_menu->addSeparator();
     m_export = addAction(tr("&Export…"), {}, [this] { Q_EMIT exportRequested(); });

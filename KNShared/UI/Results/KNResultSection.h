@@ -3,10 +3,12 @@
 #include "UI/KNSharedUIExport.h"
 #include "UI/Results/KNResultCopier.h"
 #include "UI/Results/KNResultTableModel.h"
+#include "UI/Workspace/KNDocumentAction.h"
 
 #include <QWidget>
 
 class KNResultFilterBar;
+class KNResultFindBar;
 class KNResultGridView;
 class KNSelectionSummary;
 class QLabel;
@@ -26,6 +28,7 @@ public:
     KNResultTableModel &model() const { return m_model; }
     KNResultGridView *grid() const { return m_grid; }
     KNResultFilterBar *filterBar() const { return m_filterBar; }
+    KNResultFindBar *findBar() const { return m_findBar; }
     KNResultCopier *copier() const { return m_copier; }
     KNSelectionSummary *selectionSummary() const { return m_selectionSummary; }
     /// "Result 1: 12 of 40 rows, sorted by name".
@@ -34,6 +37,8 @@ public:
     /// The height of the section for this number of rows.
     int heightForRows(int rows) const;
 
+    /// Performs an action; false if a result has no such action.
+    bool perform(KNDocumentAction action);
     /// Copies the selection to the clipboard in the format of this name.
     void copySelection(const QString &format);
     /// Switches the sorting by a column: ascending, descending, order of arrival.
@@ -49,6 +54,10 @@ Q_SIGNALS:
     /// Emitted when the user requests an export of the rows.
     void exportRequested();
 
+protected:
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     void addActions();
     QAction *addAction(const QString &text, const QKeySequence &shortcut, std::function<void()> triggered);
@@ -62,6 +71,7 @@ private:
     KNResultTableModel &m_model;
     KNResultGridView *m_grid;
     KNResultFilterBar *m_filterBar;
+    KNResultFindBar *m_findBar;
     KNResultCopier *m_copier;
     KNSelectionSummary *m_selectionSummary;
     QLabel *m_caption;

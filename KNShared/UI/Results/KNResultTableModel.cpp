@@ -224,8 +224,7 @@ void KNResultTableModel::showOrder(const KNRowArrangement &arrangement, KNRowOrd
     Q_EMIT arrangingChanged();
 }
 
-/// Formats cells as they are displayed, but not truncated; usable on any thread.
-KNRowArrangement::Display KNResultTableModel::display() const
+KNCellMatcher::Display KNResultTableModel::display() const
 {
     return [helper = m_helper, format = m_dateFormat](const KNRowCell &cell, qsizetype column) {
         return textOf(*helper, format, cell, cell.length, column, false);

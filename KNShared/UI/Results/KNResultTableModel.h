@@ -58,6 +58,9 @@ public:
     /// The type name of a column; null if unknown.
     QString typeName(int column) const { return m_helper->typeNameForColumn(column); }
 
+    /// Formats cells as they are displayed, but not truncated; usable on any thread.
+    KNCellMatcher::Display display() const;
+
     /// All displayed rows and columns.
     ResultRows shownRows() const;
 
@@ -75,7 +78,6 @@ Q_SIGNALS:
 
 private:
     void showOrder(const KNRowArrangement &arrangement, KNRowOrderPtr order);
-    KNRowArrangement::Display display() const;
     static QString textOf(const ResultSetViewControllerHelper &helper, KNPreferences::DateFormat format,
                           const KNRowCell &cell, std::size_t limit, qsizetype column, bool allowTruncate);
     Cell shown(const KNRowCell &stored, int column) const;

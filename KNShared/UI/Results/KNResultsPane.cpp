@@ -10,6 +10,7 @@
 #include "UI/Results/KNResultTabs.h"
 #include "UI/Results/KNSelectionSummary.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QStackedWidget>
@@ -225,6 +226,12 @@ KNResultSection *KNResultsPane::currentSection()
         return section(m_tabs->current());
     const QList<int> places = m_sections.keys();
     return places.isEmpty() ? nullptr : m_sections.value(*std::min_element(places.begin(), places.end()));
+}
+
+bool KNResultsPane::perform(KNDocumentAction action)
+{
+    KNResultSection *const current = isAncestorOf(QApplication::focusWidget()) ? currentSection() : nullptr;
+    return current && current->perform(action);
 }
 
 /// Deletes sections that are far outside of the visible range.

@@ -3,6 +3,7 @@
 #include "Database/KNResultSetHolder.h"
 #include "Database/VantorDBC.h"
 #include "UI/KNSharedUIExport.h"
+#include "UI/Workspace/KNDocumentAction.h"
 
 #include <QHash>
 #include <QWidget>
@@ -47,6 +48,8 @@ public:
     KNResultSection *section(int result);
     /// The section with the focus, or else the first visible one; null if there are no results.
     KNResultSection *currentSection();
+    /// Performs an action in the result that has the focus; false if none has, or it has no such action.
+    bool perform(KNDocumentAction action);
     KNResultTabs *tabs() const { return m_tabs; }
     KNResultExportBar *exportBar() const { return m_exportBar; }
 

@@ -2,15 +2,15 @@
 
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
+#include "UI/Results/KNCountText.h"
 #include "UI/Results/KNResultGridView.h"
 
-#include <QLocale>
 #include <QPointer>
 #include <QTimer>
 
 namespace {
 
-constexpr int PauseMilliseconds = 40;
+constexpr int PauseBeforeSummary = 40;
 
 /// Groups the digits of a number before the point: "-1,234.5".
 QString grouped(QString number)
@@ -33,7 +33,7 @@ KNSelectionSummary::KNSelectionSummary(KNResultGridView *grid)
     , m_pause(new QTimer(this))
 {
     m_pause->setSingleShot(true);
-    m_pause->setInterval(PauseMilliseconds);
+    m_pause->setInterval(PauseBeforeSummary);
     connect(m_pause, &QTimer::timeout, this, &KNSelectionSummary::calculate);
     connect(grid->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &KNSelectionSummary::selectionChanged);
@@ -67,32 +67,29 @@ void KNSelectionSummary::calculate()
     show(cells < ManyCells ? QString() : tr("Calculating…"));
     m_cancelled = std::make_shared<std::atomic<bool>>(false);
     const ResultRows shown = m_grid->resultModel().shownRows();
-    KNDispatch::globalQueue([self = QPointer(this), ranges, result = shown.result, order = shown.order,
-                             cancelled = m_cancelled] {
-        const auto statistics = KNCellStatistics::of(*result, order, ranges, *cancelled);
-        KNDispatch::mainQueue([self, statistics, cancelled] {
-            if (!self || !statistics || self->m_cancelled != cancelled)
-                return;
-            self->m_cancelled = nullptr;
-            self->show(self->textOf(*statistics));
+    KNDispatch::globalQueue(
+        [self = QPointer(this), ranges, result = shown.result, order = shown.order, cancelled = m_cancelled] {
+            const auto statistics = KNCellStatistics::of(*result, order, ranges, *cancelled);
+            KNDispatch::mainQueue([self, statistics, cancelled] {
+                if (!self || !statistics || self->m_cancelled != cancelled)
+                    return;
+                self->m_cancelled = nullptr;
+                self->show(self->textOf(*statistics));
+            });
         });
-    });
 }
 
 QString KNSelectionSummary::textOf(const KNCellStatistics &statistics) const
 {
-    const QString count = QLocale(QLocale::English).toString(statistics.count);
-    const QString nullCount = QLocale(QLocale::English).toString(statistics.nullCount);
-    QStringList parts = {statistics.nullCount == 0
-                             ? KNFormat(tr("Count: %@"), count)
-                             : KNFormat(tr("Count: %@ and %@ NULL"), count, nullCount)};
+    const QString count = KNCountText(statistics.count);
+    const QString nullCount = KNCountText(statistics.nullCount);
+    QStringList parts = {statistics.nullCount == 0 ? KNFormat(tr("Count: %@"), count)
+                                                   : KNFormat(tr("Count: %@ and %@ NULL"), count, nullCount)};
     if (statistics.kind == KNCellStatistics::Kind::Numbers) {
         parts.append(KNFormat(tr("Sum: %@"), grouped(statistics.sum)));
         parts.append(KNFormat(tr("Average: %@"), grouped(statistics.average)));
-        parts.append(
-            KNFormat(tr("Minimum: %@"), grouped(statistics.minimum.storedValue().displayText())));
-        parts.append(
-            KNFormat(tr("Maximum: %@"), grouped(statistics.maximum.storedValue().displayText())));
+        parts.append(KNFormat(tr("Minimum: %@"), grouped(statistics.minimum.storedValue().displayText())));
+        parts.append(KNFormat(tr("Maximum: %@"), grouped(statistics.maximum.storedValue().displayText())));
     } else if (statistics.kind == KNCellStatistics::Kind::Dates) {
         parts.append(KNFormat(tr("Minimum: %@"), statistics.minimum.dateTime().toString()));
         parts.append(KNFormat(tr("Maximum: %@"), statistics.maximum.dateTime().toString()));

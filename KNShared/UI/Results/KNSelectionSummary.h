@@ -8,8 +8,8 @@
 class KNResultGridView;
 class QTimer;
 
-/// Describes the selected cells of a grid: "Count: 3 · Sum: 6 · Average: 2 · Minimum: 1 · Maximum: 3". Reads the
-/// cells in the background; a new selection replaces the previous one. On the UI thread.
+/// Describes the selected cells of a grid: "Count: 3 · Sum: 6 · Average: 2 · Minimum: 1 · Maximum: 3". Reads
+/// the cells in the background; a new selection replaces the previous one. On the UI thread.
 class KNSHAREDUI_EXPORT KNSelectionSummary : public QObject
 {
     Q_OBJECT

@@ -305,7 +305,8 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        return performEditorAction(action, *m_editor, *m_findBar);
+        if (!m_resultsPane->perform(action))
+            performEditorAction(action, *m_editor, *m_findBar);
     }
 }
 
