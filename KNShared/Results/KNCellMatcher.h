@@ -7,7 +7,8 @@
 
 #include <functional>
 
-/// Tests whether the displayed text of cells contains a text. NULL contains nothing. Any thread, one at a time.
+/// Tests whether the displayed text of cells contains a text. NULL contains nothing. Any thread, one at a
+/// time.
 class KNSHARED_EXPORT KNCellMatcher
 {
 public:

@@ -14,13 +14,54 @@ struct Cancelled
 {
 };
 
+/// A KNColumnFilter that is ready to test rows.
+class ColumnCondition
+{
+public:
+    ColumnCondition(const KNColumnFilter &filter, const KNRowArrangement::Display &display)
+        : m_filter(filter)
+        , m_display(display)
+        , m_matcher(filter.text, Qt::CaseInsensitive, display)
+    {
+    }
+    bool isMetBy(KNRowReader &reader, qsizetype row) const
+    {
+        const KNRowCell cell = reader.cell(row, m_filter.column);
+        if (!m_filter.text.isEmpty() && !m_matcher.matches(cell, m_filter.column))
+            return false;
+        if (!m_filter.choosesValues)
+            return true;
+        const QString text = m_display(cell, m_filter.column);
+        return text.isNull() ? m_filter.includesNull : m_filter.values.contains(text);
+    }
+
+private:
+    const KNColumnFilter &m_filter;
+    const KNRowArrangement::Display &m_display;
+    const KNCellMatcher m_matcher;
+};
+
 } // namespace
+
+const KNColumnFilter *KNRowArrangement::filterOf(qsizetype column) const
+{
+    const auto found = std::find_if(columnFilters.begin(), columnFilters.end(),
+                                    [&](const KNColumnFilter &each) { return each.column == column; });
+    return found == columnFilters.end() ? nullptr : &*found;
+}
+
+void KNRowArrangement::setColumnFilter(const KNColumnFilter &filter)
+{
+    columnFilters.removeIf([&](const KNColumnFilter &each) { return each.column == filter.column; });
+    if (!filter.isPlain())
+        columnFilters.append(filter);
+}
 
 KNRowOrderPtr KNRowArrangement::order(const KNDatabaseResultSet &result, const Display &display,
                                       const std::atomic<bool> &cancelled) const
 {
     auto rows = std::make_shared<KNRowOrder>();
-    if (!filterText.isEmpty()) {
+    if (isFiltered()) {
         if (!filter(*rows, result, display, cancelled))
             return nullptr;
     } else {
@@ -36,9 +77,18 @@ bool KNRowArrangement::filter(KNRowOrder &rows, const KNDatabaseResultSet &resul
                               const std::atomic<bool> &cancelled) const
 {
     const KNCellMatcher matcher(filterText, Qt::CaseInsensitive, display);
+    std::vector<ColumnCondition> conditions;
+    conditions.reserve(static_cast<std::size_t>(columnFilters.size()));
+    for (const KNColumnFilter &each : columnFilters)
+        conditions.emplace_back(each, display);
     const qsizetype columns = result.columnNames().size();
     KNRowReader reader(result.rows());
     const auto isWanted = [&](qsizetype row) {
+        if (!std::all_of(conditions.begin(), conditions.end(),
+                         [&](const ColumnCondition &each) { return each.isMetBy(reader, row); }))
+            return false;
+        if (filterText.isEmpty())
+            return true;
         if (filterColumn != NoColumn)
             return matcher.matches(reader.cell(row, filterColumn), filterColumn);
         reader.seek(row);

@@ -60,7 +60,12 @@ void KNResultFilterBar::open()
 void KNResultFilterBar::showAllRows()
 {
     m_field->clear();
-    apply();
+    m_pause->stop();
+    KNRowArrangement arrangement = m_model.arrangement();
+    arrangement.filterText.clear();
+    arrangement.columnFilters.clear();
+    if (arrangement != m_model.arrangement() || m_model.isArranging())
+        m_model.arrange(arrangement);
     hide();
     Q_EMIT closed();
 }

@@ -24,7 +24,7 @@ public:
     void open();
 
 public Q_SLOTS:
-    /// Removes the filter and hides the bar.
+    /// Removes all filters, also those of columns, and hides the bar.
     void showAllRows();
 
 Q_SIGNALS:

@@ -85,8 +85,8 @@ void KNResultFindBar::arrange()
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(m_field, 1);
-    for (QWidget *const widget : std::initializer_list<QWidget *>{previous, next, m_matchesCase, m_message,
-                                                                  m_cancel, closing})
+    for (QWidget *const widget :
+         std::initializer_list<QWidget *>{previous, next, m_matchesCase, m_message, m_cancel, closing})
         layout->addWidget(widget);
     setFocusProxy(m_field);
     connect(previous, &QToolButton::clicked, this, &KNResultFindBar::findPrevious);
@@ -189,7 +189,8 @@ void KNResultFindBar::finishSearch(std::vector<KNRowSearch::Match> matches)
 KNRowSearch::Match KNResultFindBar::current() const
 {
     const QModelIndex index = m_grid->currentIndex();
-    return {static_cast<quint32>(std::max(0, index.row())), static_cast<quint32>(std::max(0, index.column()))};
+    return {static_cast<quint32>(std::max(0, index.row())),
+            static_cast<quint32>(std::max(0, index.column()))};
 }
 
 void KNResultFindBar::step(Step step)
@@ -215,8 +216,8 @@ void KNResultFindBar::step(Step step)
         if (target == m_matches.cend())
             target = m_matches.cbegin();
     }
-    const QModelIndex index = m_grid->resultModel().index(static_cast<int>(target->row),
-                                                          static_cast<int>(target->column));
+    const QModelIndex index =
+        m_grid->resultModel().index(static_cast<int>(target->row), static_cast<int>(target->column));
     m_grid->setCurrentIndex(index);
     m_grid->scrollTo(index);
     sayPosition();
@@ -226,7 +227,8 @@ void KNResultFindBar::step(Step step)
 void KNResultFindBar::sayPosition()
 {
     const bool areAll = m_matches.size() < KNRowSearch::MostMatches;
-    const QString total = KNCountText(static_cast<qint64>(m_matches.size())) + (areAll ? QString() : QStringLiteral("+"));
+    const QString total =
+        KNCountText(static_cast<qint64>(m_matches.size())) + (areAll ? QString() : QStringLiteral("+"));
     const auto found = std::lower_bound(m_matches.cbegin(), m_matches.cend(), current());
     if (found != m_matches.cend() && *found == current())
         say(KNFormat(tr("%@ of %@"), KNCountText(found - m_matches.cbegin() + 1), total));

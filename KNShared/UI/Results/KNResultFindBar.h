@@ -12,8 +12,8 @@ class QLineEdit;
 class QTimer;
 class QToolButton;
 
-/// Finds text in the displayed cells of a grid. Searches in the background; a new search replaces the previous
-/// one. Hidden until opened; Escape hides it and returns the focus to the grid. On the UI thread.
+/// Finds text in the displayed cells of a grid. Searches in the background; a new search replaces the
+/// previous one. Hidden until opened; Escape hides it and returns the focus to the grid. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultFindBar : public QWidget
 {
     Q_OBJECT
@@ -62,7 +62,7 @@ private:
     QToolButton *m_cancel;
     QTimer *m_pause; ///< while the user is typing, or rows arrive
     std::vector<KNRowSearch::Match> m_matches;
-    bool m_isComplete = false; ///< m_matches belong to the text and the rows
-    Step m_step = Step::None;  ///< after the running or coming search
+    bool m_isComplete = false;                      ///< m_matches belong to the text and the rows
+    Step m_step = Step::None;                       ///< after the running or coming search
     std::shared_ptr<std::atomic<bool>> m_cancelled; ///< of the running search; null if none
 };

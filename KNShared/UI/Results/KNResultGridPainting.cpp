@@ -1,4 +1,5 @@
 // Measuring and painting of KNResultGridView.
+#include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNRowNumberBar.h"
 
@@ -70,7 +71,7 @@ void KNResultGridView::updateGeometries()
     if (viewportMargins() != QMargins(numbersWidth, headerHeight, 0, 0))
         setViewportMargins(numbersWidth, headerHeight, 0, 0);
     const QRect area = viewport()->geometry();
-    m_header->setGeometry(area.left(), area.top() - headerHeight, area.width(), headerHeight);
+    m_columns->setGeometry({area.left(), area.top() - headerHeight, area.width(), headerHeight});
     m_rowNumbers->setGeometry(area.left() - numbersWidth, area.top(), numbersWidth, area.height());
 
     const int rows = visibleRowCount();
@@ -96,16 +97,31 @@ void KNResultGridView::paintEvent(QPaintEvent *event)
 
 void KNResultGridView::paintRow(QPainter &painter, int row, const QItemSelection &selection)
 {
+    const int frozen = m_columns->frozenWidth();
     const int columns = m_resultModel.columnCount();
-    const int first = std::max(0, m_header->logicalIndexAt(0));
-    const int lastShown = m_header->logicalIndexAt(viewport()->width() - 1);
-    const int last = lastShown < 0 ? columns - 1 : lastShown;
+    const int y = (row - topRow()) * m_rowHeight;
+    const int first = std::max(0, m_columns->at(frozen));
+    const int lastShown = m_columns->at(viewport()->width() - 1);
+    painter.setClipRect(frozen, y, viewport()->width() - frozen, m_rowHeight);
+    paintCells(painter, row, first, lastShown < 0 ? columns - 1 : lastShown, selection);
+    painter.setClipping(false);
+    if (frozen == 0)
+        return;
+    paintCells(painter, row, 0, m_columns->lastFrozen(), selection);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(frozen - 1, y, frozen - 1, y + m_rowHeight - 1);
+}
+
+void KNResultGridView::paintCells(QPainter &painter, int row, int first, int last,
+                                  const QItemSelection &selection)
+{
     const int y = (row - topRow()) * m_rowHeight;
     const QModelIndex current = currentIndex();
     const QPen lines(mixed(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.15F));
     m_resultModel.visitCells(row, first, last, [&](int column, const KNResultTableModel::Cell &cell) {
-        const QRect rect(m_header->sectionViewportPosition(column), y, m_header->sectionSize(column),
-                         m_rowHeight);
+        const QRect rect(m_columns->x(column), y, m_columns->width(column), m_rowHeight);
+        if (rect.isEmpty())
+            return; // hidden
         const bool isSelected = std::any_of(selection.begin(), selection.end(), [&](const auto &range) {
             return range.top() <= row && row <= range.bottom() && range.left() <= column &&
                    column <= range.right();

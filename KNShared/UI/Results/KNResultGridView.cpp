@@ -2,6 +2,7 @@
 
 #include "Foundation/KNNotificationCenter.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultGridAccessible.h"
 #include "UI/Results/KNRowNumberBar.h"
 
@@ -17,7 +18,8 @@
 KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     : QAbstractItemView(parent)
     , m_resultModel(model)
-    , m_header(new QHeaderView(Qt::Horizontal, this))
+    , m_columns(new KNResultColumns(model, this))
+    , m_header(m_columns->header())
     , m_rowNumbers(new KNRowNumberBar(this))
 {
     KNResultGridAccessible::install();
@@ -27,13 +29,6 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     setEditTriggers(NoEditTriggers);
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
-    m_header->setAccessibleName(tr("Columns of the result"));
-    m_header->setSectionsClickable(true);
-    m_header->setHighlightSections(false);
-    m_header->setSortIndicatorShown(false);
-    m_header->setFocusPolicy(Qt::NoFocus);
-    m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-
     const auto readPreferences = [this] {
         m_nullText = KNPreferences::current().nullText;
         viewport()->update();
@@ -44,22 +39,20 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
         [readPreferences](const QString &, const QVariantMap &) { readPreferences(); });
 
     setModel(&model);
-    m_header->setModel(&model);
     measure();
     fitColumns();
-    connect(m_header, &QHeaderView::sectionResized, this, [this] {
+    connect(m_columns, &KNResultColumns::changed, this, [this] {
         m_wasResizedByUser = m_wasResizedByUser || !m_isFitting;
         updateGeometries();
         viewport()->update();
     });
-    connect(m_header, &QHeaderView::sectionHandleDoubleClicked, this,
-            [this](int column) { m_header->resizeSection(column, sizeHintForColumn(column)); });
-    connect(m_header, &QHeaderView::sectionPressed, this, [this](int column) {
+    connect(m_columns, &KNResultColumns::fitRequested, this, &KNResultGridView::fitColumn);
+    connect(m_columns, &KNResultColumns::pressed, this, [this](int column) {
         setFocus();
         const bool adds = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
         selectColumn(column, adds ? QItemSelectionModel::Toggle : QItemSelectionModel::ClearAndSelect);
     });
-    connect(m_header, &QHeaderView::sectionDoubleClicked, this, &KNResultGridView::sortRequested);
+    connect(m_columns, &KNResultColumns::doubleClicked, this, &KNResultGridView::sortRequested);
     // Connected after the selection model, which resets the current cell.
     connect(&model, &QAbstractItemModel::modelReset, this, [this] {
         if (m_resultModel.rowCount() > 0)
@@ -72,12 +65,12 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
 
 QList<int> KNResultGridView::shownColumns() const
 {
-    QList<int> columns;
-    for (int column = 0; column < m_header->count(); ++column) {
-        if (!m_header->isSectionHidden(column))
-            columns.append(column);
-    }
-    return columns;
+    return m_columns->shown();
+}
+
+void KNResultGridView::fitColumn(int column)
+{
+    m_header->resizeSection(column, sizeHintForColumn(column));
 }
 
 int KNResultGridView::topRow() const
@@ -104,7 +97,7 @@ int KNResultGridView::rowAt(int y) const
 QModelIndex KNResultGridView::indexAt(const QPoint &point) const
 {
     const int row = rowAt(point.y());
-    const int column = m_header->logicalIndexAt(point.x());
+    const int column = m_columns->at(point.x());
     return row < 0 || column < 0 ? QModelIndex() : m_resultModel.index(row, column);
 }
 
@@ -112,8 +105,8 @@ QRect KNResultGridView::visualRect(const QModelIndex &index) const
 {
     if (!index.isValid())
         return {};
-    return {m_header->sectionViewportPosition(index.column()), (index.row() - topRow()) * m_rowHeight,
-            m_header->sectionSize(index.column()), m_rowHeight};
+    return {m_columns->x(index.column()), (index.row() - topRow()) * m_rowHeight,
+            m_columns->width(index.column()), m_rowHeight};
 }
 
 void KNResultGridView::scrollTo(const QModelIndex &index, ScrollHint hint)
@@ -133,11 +126,14 @@ void KNResultGridView::scrollTo(const QModelIndex &index, ScrollHint hint)
         top = std::clamp(top, row - fitting + 1, row);
     verticalScrollBar()->setValue(top);
 
+    if (m_columns->isFrozen(index.column()))
+        return;
     const int left = m_header->sectionPosition(index.column());
-    const int right = left + m_header->sectionSize(index.column());
+    const int right = left + m_columns->width(index.column());
+    const int frozen = m_columns->frozenWidth();
     QScrollBar *const bar = horizontalScrollBar();
-    if (left < bar->value() || right - left > viewport()->width())
-        bar->setValue(left);
+    if (left - frozen < bar->value() || right - left > viewport()->width() - frozen)
+        bar->setValue(left - frozen);
     else if (right > bar->value() + viewport()->width())
         bar->setValue(right - viewport()->width());
 }
@@ -145,14 +141,17 @@ void KNResultGridView::scrollTo(const QModelIndex &index, ScrollHint hint)
 QModelIndex KNResultGridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
     const int rows = m_resultModel.rowCount();
-    const int columns = m_resultModel.columnCount();
+    const QList<int> shown = shownColumns();
+    const auto columns = static_cast<int>(shown.size());
     if (rows == 0 || columns == 0)
         return {};
     const QModelIndex current = currentIndex();
     if (!current.isValid())
-        return m_resultModel.index(0, 0);
+        return m_resultModel.index(0, shown.first());
     int row = current.row();
-    int column = current.column();
+    // The position among the shown columns.
+    auto column =
+        static_cast<int>(std::lower_bound(shown.begin(), shown.end(), current.column()) - shown.begin());
     const bool isFar = modifiers & Qt::ControlModifier;
     switch (action) {
     case MoveUp:
@@ -184,7 +183,7 @@ QModelIndex KNResultGridView::moveCursor(CursorAction action, Qt::KeyboardModifi
         row = isFar ? rows - 1 : row;
         break;
     }
-    return m_resultModel.index(std::clamp(row, 0, rows - 1), std::clamp(column, 0, columns - 1));
+    return m_resultModel.index(std::clamp(row, 0, rows - 1), shown.at(std::clamp(column, 0, columns - 1)));
 }
 
 int KNResultGridView::horizontalOffset() const
@@ -197,9 +196,9 @@ int KNResultGridView::verticalOffset() const
     return topRow() * m_rowHeight;
 }
 
-bool KNResultGridView::isIndexHidden(const QModelIndex &) const
+bool KNResultGridView::isIndexHidden(const QModelIndex &index) const
 {
-    return false;
+    return m_columns->isHidden(index.column());
 }
 
 void KNResultGridView::setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command)
@@ -208,8 +207,16 @@ void KNResultGridView::setSelection(const QRect &rect, QItemSelectionModel::Sele
     const int columns = m_resultModel.columnCount();
     if (rows == 0 || columns == 0)
         return;
+    // A cell below frozen columns is not found by its position.
+    if (m_isExtending && m_selectionStart.isValid() && (command & QItemSelectionModel::Current)) {
+        const auto [firstRow, lastRow] = std::minmax({m_selectionStart.row(), currentIndex().row()});
+        const auto [left, right] = std::minmax({m_selectionStart.column(), currentIndex().column()});
+        selectionModel()->select({m_resultModel.index(firstRow, left), m_resultModel.index(lastRow, right)},
+                                 command);
+        return;
+    }
     const auto columnAt = [&](int x) {
-        const int column = m_header->logicalIndexAt(x);
+        const int column = m_columns->at(x);
         return column >= 0 ? column : x < 0 ? 0 : columns - 1;
     };
     const QRect area = rect.normalized();
@@ -228,8 +235,8 @@ QRegion KNResultGridView::visualRegionForSelection(const QItemSelection &selecti
         const int last = std::min(range.bottom(), topRow() + visibleRowCount() + 1);
         if (first > last)
             continue;
-        region += visualRect(m_resultModel.index(first, range.left())) |
-                  visualRect(m_resultModel.index(last, range.right()));
+        region +=
+            QRect(0, (first - topRow()) * m_rowHeight, viewport()->width(), (last - first + 1) * m_rowHeight);
     }
     return region & viewport()->rect();
 }
@@ -279,9 +286,9 @@ ResultRows KNResultGridView::selectedRows() const
         else
             rows.ranges.append({first, bottom + 1 - first});
     }
-    for (std::size_t column = 0; column < columns.size(); ++column) {
-        if (columns[column])
-            rows.columns.append(static_cast<qsizetype>(column));
+    for (const int column : shownColumns()) {
+        if (columns[static_cast<std::size_t>(column)])
+            rows.columns.append(column);
     }
     return rows;
 }
@@ -318,7 +325,9 @@ void KNResultGridView::keyPressEvent(QKeyEvent *event)
     if (!event->text().isEmpty() && event->text().at(0).isPrint() &&
         (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0)
         return event->ignore();
+    m_isExtending = event->modifiers() & Qt::ShiftModifier;
     QAbstractItemView::keyPressEvent(event);
+    m_isExtending = false;
 }
 
 void KNResultGridView::changeEvent(QEvent *event)
@@ -333,7 +342,7 @@ void KNResultGridView::changeEvent(QEvent *event)
 void KNResultGridView::scrollContentsBy(int dx, int)
 {
     if (dx != 0)
-        m_header->setOffset(horizontalScrollBar()->value());
+        m_columns->setOffset(horizontalScrollBar()->value());
     viewport()->update();
 }
 
@@ -363,6 +372,8 @@ void KNResultGridView::currentChanged(const QModelIndex &current, const QModelIn
     if (!current.isValid())
         return;
     m_currentColumn = current.column();
+    if (!m_isExtending && !(QGuiApplication::keyboardModifiers() & Qt::ShiftModifier))
+        m_selectionStart = current;
     setAccessibleDescription(tr("Row %1, %2: %3")
                                  .arg(QString::number(current.row() + 1),
                                       m_resultModel.columnName(current.column()),

@@ -5,6 +5,7 @@
 
 #include <QAbstractItemView>
 
+class KNResultColumns;
 class KNRowNumberBar;
 class QHeaderView;
 
@@ -20,18 +21,21 @@ public:
     explicit KNResultGridView(KNResultTableModel &model, QWidget *parent = nullptr);
 
     KNResultTableModel &resultModel() const { return m_resultModel; }
+    KNResultColumns *columns() const { return m_columns; }
     QHeaderView *horizontalHeader() const { return m_header; }
     KNRowNumberBar *rowNumbers() const { return m_rowNumbers; }
     int rowHeight() const { return m_rowHeight; }
     /// The columns that are not hidden, from left to right.
     QList<int> shownColumns() const;
+    /// Sizes a column to its header and the visible values.
+    void fitColumn(int column);
     /// The first visible row, and the number of rows that fit.
     int topRow() const;
     int visibleRowCount() const;
     /// The height for this number of rows, with headers and scroll bar.
     int heightForRows(int rows) const;
 
-    /// The selected rows and columns: those with at least one selected cell.
+    /// The selected rows and shown columns: those with at least one selected cell.
     ResultRows selectedRows() const;
     /// The selected cells of shown columns. The ranges do not overlap.
     QList<KNCellStatistics::Range> selectedCells() const;
@@ -82,19 +86,23 @@ private:
     void measure();
     void fitColumns();
     void paintRow(QPainter &painter, int row, const QItemSelection &selection);
+    void paintCells(QPainter &painter, int row, int first, int last, const QItemSelection &selection);
     void paintCell(QPainter &painter, const QRect &rect, const KNResultTableModel::Cell &cell,
                    bool isSelected);
     int rowAt(int y) const;
 
     KNResultTableModel &m_resultModel;
+    KNResultColumns *m_columns;
     QHeaderView *m_header;
     KNRowNumberBar *m_rowNumbers;
     std::shared_ptr<void> m_preferencesObserver;
     QString m_nullText;
     int m_rowHeight = 1;
     int m_padding = 1;
-    int m_currentColumn = 0; ///< last column of the cursor
-    int m_fittedRows = 0;    ///< number of rows used for the column widths
+    int m_currentColumn = 0;                ///< last column of the cursor
+    QPersistentModelIndex m_selectionStart; ///< of an extension with Shift
+    bool m_isExtending = false;             ///< the cursor is moved by a key with Shift
+    int m_fittedRows = 0;                   ///< number of rows used for the column widths
     bool m_isFitting = false;
     bool m_wasResizedByUser = false;
     bool m_isUpdatingGeometries = false;

@@ -3,7 +3,10 @@
 #include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNCountText.h"
+#include "UI/Results/KNResultColumnMenu.h"
+#include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultFilterBar.h"
 #include "UI/Results/KNResultFindBar.h"
 #include "UI/Results/KNResultGridView.h"
@@ -43,6 +46,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     , m_selectionSummary(new KNSelectionSummary(m_grid))
     , m_caption(new QLabel(this))
     , m_menu(new QMenu(this))
+    , m_columnMenu(new KNResultColumnMenu(this))
     , m_cancel(new QToolButton(this))
 {
     setAccessibleName(title);
@@ -74,6 +78,8 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
             [this] { copySelection(QStringLiteral("text")); });
     connect(m_grid, &KNResultGridView::valueRequested, this, &KNResultSection::showValue);
     connect(m_grid, &KNResultGridView::sortRequested, this, &KNResultSection::toggleSorting);
+    connect(m_grid->columns(), &KNResultColumns::menuRequested, this,
+            [this](int column, const QPoint &position) { columnMenu(column)->popup(position); });
     connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));
     connect(m_cancel, &QToolButton::clicked, &m_model, &KNResultTableModel::cancelArranging);
     connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
@@ -140,7 +146,7 @@ void KNResultSection::updateCaption()
     const int rows = m_model.rowCount();
     const int arrived = m_model.arrivedRowCount();
     QString text = arrived == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNCountText(arrived));
-    if (!arrangement.filterText.isEmpty())
+    if (arrangement.isFiltered())
         text = KNFormat(tr("%@ of %@"), KNCountText(rows), text);
     if (!m_model.isFinished())
         text = KNFormat(tr("%@ so far"), text);
@@ -201,6 +207,31 @@ void KNResultSection::sort(int column, Qt::SortOrder order)
     m_model.arrange(arrangement);
 }
 
+void KNResultSection::filterColumn(int column)
+{
+    if (!m_model.isFinished())
+        return;
+    auto *const dialog = new KNColumnFilterDialog(m_model, column, this);
+    dialog->beginSheet([this, dialog](int code) {
+        if (code != 0)
+            setColumnFilter(dialog->filter());
+        m_grid->setFocus();
+    });
+}
+
+void KNResultSection::setColumnFilter(const KNColumnFilter &filter)
+{
+    KNRowArrangement arrangement = m_model.arrangement();
+    arrangement.setColumnFilter(filter);
+    m_model.arrange(arrangement);
+}
+
+KNResultColumnMenu *KNResultSection::columnMenu(int column)
+{
+    m_columnMenu->setColumn(column);
+    return m_columnMenu;
+}
+
 void KNResultSection::addActions()
 {
     addCopyActions();
@@ -231,17 +262,12 @@ void KNResultSection::addCopyActions()
 
 void KNResultSection::addArrangingActions()
 {
-    m_arrangingActions = {
-        addAction(tr("Sort As&cending"), {},
-                  [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::AscendingOrder); }),
-        addAction(tr("Sort &Descending"), {},
-                  [this] { sort(qMax(0, m_grid->currentIndex().column()), Qt::DescendingOrder); }),
-        addAction(tr("&Original Order"), {},
-                  [this] { sort(static_cast<int>(KNRowArrangement::NoColumn), Qt::AscendingOrder); }),
-    };
     m_filter =
         addAction(tr("&Filter…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F), [this] { openFilter(); });
     m_arrangingActions += m_filter;
+    m_menu->addMenu(m_columnMenu);
+    connect(m_menu, &QMenu::aboutToShow, this,
+            [this] { columnMenu(qMax(0, m_grid->currentIndex().column())); });
     m_arrangingActions += addAction(tr("Show All &Rows"), {}, [this] { m_filterBar->showAllRows(); });
 }
 

@@ -7,6 +7,7 @@
 
 #include <QWidget>
 
+class KNResultColumnMenu;
 class KNResultFilterBar;
 class KNResultFindBar;
 class KNResultGridView;
@@ -43,6 +44,12 @@ public:
     void copySelection(const QString &format);
     /// Switches the sorting by a column: ascending, descending, order of arrival.
     void toggleSorting(int column);
+    void sort(int column, Qt::SortOrder order);
+    /// Asks for a filter of a column.
+    void filterColumn(int column);
+    void setColumnFilter(const KNColumnFilter &filter);
+    /// The menu of a column's header; valid until the next call.
+    KNResultColumnMenu *columnMenu(int column);
 
 public Q_SLOTS:
     void openFilter();
@@ -64,7 +71,6 @@ private:
     void addCopyActions();
     void addArrangingActions();
     void showMenu(const QPoint &position);
-    void sort(int column, Qt::SortOrder order);
     QToolButton *newButton(QAction *action);
 
     const QString m_title;
@@ -76,6 +82,7 @@ private:
     KNSelectionSummary *m_selectionSummary;
     QLabel *m_caption;
     QMenu *m_menu;
+    KNResultColumnMenu *m_columnMenu;
     QAction *m_filter = nullptr;
     QAction *m_export = nullptr;
     QToolButton *m_cancel;

@@ -125,6 +125,13 @@ QString KNResultTableModel::shownName(int column) const
     return name.isEmpty() ? tr("(no name)") : inOneLine(name);
 }
 
+/// The name, and whether the column is filtered.
+QString KNResultTableModel::titleOf(int column) const
+{
+    const QString name = shownName(column);
+    return m_arrangement.filterOf(column) ? KNFormat(tr("%@ (filtered)"), name) : name;
+}
+
 QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation == Qt::Vertical)
@@ -133,17 +140,17 @@ QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation
     const bool isAscending = m_arrangement.sortOrder == Qt::AscendingOrder;
     switch (role) {
     case Qt::DisplayRole:
-        return shownName(section) + (!isSorted ? QString() : QString::fromUtf16(isAscending ? u" ▲" : u" ▼"));
+        return titleOf(section) + (!isSorted ? QString() : QString::fromUtf16(isAscending ? u" ▲" : u" ▼"));
     case Qt::AccessibleTextRole:
         if (!isSorted)
-            return shownName(section);
+            return titleOf(section);
         return KNFormat(isAscending ? tr("%@, sorted ascending") : tr("%@, sorted descending"),
-                        shownName(section));
+                        titleOf(section));
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);
         return KNPlainToolTip((type.isNull() ? name : name + QLatin1Char('\n') + type) + remarkOn(section) +
-                              u'\n' + tr("Click to select, double-click to sort"));
+                              u'\n' + tr("Click to select, double-click to sort, right-click for more"));
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));

@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNUserDefaults.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
+#include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultExportBar.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNResultSection.h"
@@ -12,7 +13,6 @@
 
 #include <QApplication>
 #include <QBoxLayout>
-#include <QHeaderView>
 #include <QStackedWidget>
 #include <QToolButton>
 
@@ -189,8 +189,7 @@ void KNResultsPane::setShowsTabs(bool shows)
     m_mode->setAccessibleName(m_mode->text());
     // A section belongs to one of the two views; it is recreated in the current one.
     for (const int result : m_sections.keys())
-        m_entries[static_cast<std::size_t>(result)].columnWidths =
-            m_sections[result]->grid()->horizontalHeader()->saveState();
+        m_entries[static_cast<std::size_t>(result)].columns = m_sections[result]->grid()->columns()->state();
     qDeleteAll(std::exchange(m_sections, {}));
     setSelectionSummary({});
     m_stack->setCount(0);
@@ -204,8 +203,8 @@ KNResultSection *KNResultsPane::section(int result)
         return existing;
     const Entry &entry = m_entries[static_cast<std::size_t>(result)];
     auto *const made = new KNResultSection(titleOf(result), *entry.model, *m_details, m_views);
-    if (!entry.columnWidths.isEmpty())
-        made->grid()->horizontalHeader()->restoreState(entry.columnWidths);
+    if (!entry.columns.isEmpty())
+        made->grid()->columns()->restoreState(entry.columns);
     connect(made, &KNResultSection::exportRequested, this,
             [this, made] { m_exportBar->exportRows(made->model().shownRows()); });
     connect(made->selectionSummary(), &KNSelectionSummary::changed, this,
@@ -245,8 +244,7 @@ void KNResultsPane::dropSections(int firstKept, int lastKept)
             each->hide();
             continue;
         }
-        m_entries[static_cast<std::size_t>(result)].columnWidths =
-            each->grid()->horizontalHeader()->saveState();
+        m_entries[static_cast<std::size_t>(result)].columns = each->grid()->columns()->state();
         m_sections.remove(result);
         if (!each->selectionSummary()->text().isEmpty())
             setSelectionSummary({});

@@ -65,7 +65,7 @@ private:
     struct Entry
     {
         std::unique_ptr<KNResultTableModel> model;
-        QByteArray columnWidths; ///< of a deleted section
+        QByteArray columns; ///< widths and more of a deleted section
     };
 
     bool takeNewResults();

@@ -1,3 +1,4 @@
+#include "Results/KNDistinctValues.h"
 #include "Results/KNRowArrangement.h"
 #include "Support/PrintQt.h"
 #include "Support/ResultTesting.h"
@@ -194,4 +195,57 @@ TEST(SortedRows, OrderDoubleValuesByStoredValue)
     EXPECT_EQ(arranged(result, {.sortColumn = 0}), (std::vector<quint32>{2, 1, 0}));
     EXPECT_EQ(arranged(result, {.sortColumn = 1}), (std::vector<quint32>{2, 0, 1}));
     EXPECT_EQ(arranged(result, {.filterText = QStringLiteral("214748.3646")}), (std::vector<quint32>{1}));
+}
+
+TEST(ColumnFilters, ApplyTogetherWithTheTextOfAnyColumn)
+{
+    const auto rows = result({QStringLiteral("a"), QStringLiteral("b")}, {{text("red apple"), KNValue(1)},
+                                                                          {text("green apple"), KNValue(2)},
+                                                                          {text("red plum"), KNValue(2)},
+                                                                          {KNValue(), KNValue(2)}});
+    KNRowArrangement arrangement;
+    arrangement.setColumnFilter({.column = 0, .text = QStringLiteral("APPLE")});
+    EXPECT_EQ(arranged(rows, arrangement), (Rows{0, 1}));
+    arrangement.setColumnFilter({.column = 1, .choosesValues = true, .values = {QStringLiteral("2")}});
+    EXPECT_EQ(arranged(rows, arrangement), (Rows{1}));
+    arrangement.setColumnFilter({.column = 0});
+    EXPECT_EQ(arranged(rows, arrangement), (Rows{1, 2, 3}));
+    EXPECT_EQ(arrangement.filterOf(0), nullptr);
+    arrangement.filterText = QStringLiteral("red");
+    EXPECT_EQ(arranged(rows, arrangement), (Rows{2}));
+}
+
+TEST(ColumnFilters, ChooseNullAndEmptyTextSeparately)
+{
+    const auto rows = column({text(""), KNValue(), text("x")});
+    const auto chosen = [&](const QSet<QString> &values, bool includesNull) {
+        KNRowArrangement arrangement;
+        arrangement.setColumnFilter(
+            {.column = 0, .choosesValues = true, .values = values, .includesNull = includesNull});
+        return arranged(rows, arrangement);
+    };
+    EXPECT_EQ(chosen({QStringLiteral("")}, false), (Rows{0}));
+    EXPECT_EQ(chosen({}, true), (Rows{1}));
+    EXPECT_EQ(chosen({}, false), Rows{});
+    EXPECT_EQ(chosen({QStringLiteral("x")}, true), (Rows{1, 2}));
+}
+
+TEST(DistinctValues, AreSortedByValueWithoutNull)
+{
+    const auto values = column({KNValue(10), KNValue(9), KNValue(), KNValue(10)});
+    const auto distinct = KNDistinctValues::of(*values, 0, shown, false);
+    EXPECT_EQ(distinct->texts, (QStringList{QStringLiteral("9"), QStringLiteral("10")}));
+    EXPECT_TRUE(distinct->hasNull);
+    EXPECT_TRUE(distinct->areAll);
+}
+
+TEST(DistinctValues, AreLimited)
+{
+    const auto many = KNDistinctValues::of(*numberedRows(5000), 0, shown, false);
+    EXPECT_FALSE(many->areAll);
+    EXPECT_EQ(many->texts.size(), KNDistinctValues::MostValues);
+    const auto huge = column({KNValue(QString(900'000, QLatin1Char('x'))),
+                              KNValue(QString(900'000, QLatin1Char('y'))), text("z")});
+    EXPECT_FALSE(KNDistinctValues::of(*huge, 0, shown, false)->areAll);
+    EXPECT_FALSE(KNDistinctValues::of(*numberedRows(5000), 0, shown, true));
 }

@@ -14,8 +14,7 @@ QString shown(const KNRowCell &cell, qsizetype)
 
 using Matches = std::vector<KNRowSearch::Match>;
 
-Matches found(const ResultRows &rows, const char *text,
-              Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive)
+Matches found(const ResultRows &rows, const char *text, Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive)
 {
     return *KNRowSearch{QString::fromUtf8(text), sensitivity}.find(rows, shown, false);
 }
