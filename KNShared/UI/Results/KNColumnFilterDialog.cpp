@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr int ValueRole = Qt::UserRole;       // the displayed text
-constexpr int NullRole = Qt::UserRole + 1;    // whether it is NULL
-constexpr qsizetype LongestShownValue = 200;  // characters
+constexpr int ValueRole = Qt::UserRole;      // the displayed text
+constexpr int NullRole = Qt::UserRole + 1;   // whether it is NULL
+constexpr qsizetype LongestShownValue = 200; // characters
 
 } // namespace
 
@@ -92,9 +92,9 @@ void KNColumnFilterDialog::showValues(const KNDistinctValues &values)
     m_isLoading = false;
     // A choice among some of the values would hide the others unseen.
     m_remark->setVisible(!values.areAll);
-    m_remark->setText(KNFormat(
-        tr("The column has more than %@ values. Enter a text that the values to show contain."),
-        KNCountText(values.texts.size())));
+    m_remark->setText(
+        KNFormat(tr("The column has more than %@ values. Enter a text that the values to show contain."),
+                 KNCountText(values.texts.size())));
     m_values->setVisible(values.areAll);
     m_all->setVisible(values.areAll);
     if (!values.areAll)

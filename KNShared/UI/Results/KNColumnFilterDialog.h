@@ -10,8 +10,8 @@ class QLabel;
 class QLineEdit;
 class QListWidget;
 
-/// Asks for a filter of one column: a text and a choice among its values, which are read in the background. On
-/// the UI thread.
+/// Asks for a filter of one column: a text and a choice among its values, which are read in the background.
+/// On the UI thread.
 class KNSHAREDUI_EXPORT KNColumnFilterDialog : public KNWindowController
 {
     Q_OBJECT

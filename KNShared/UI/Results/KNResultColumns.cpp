@@ -16,11 +16,8 @@ KNResultColumns::KNResultColumns(QAbstractItemModel &model, QWidget *grid)
     }
     m_frozenHeader->hide();
     connect(m_header, &QHeaderView::sectionResized, this, [this](int column, int, int size) {
-        m_frozenHeader->setSectionHidden(column, isHidden(column));
-        if (!isHidden(column))
-            m_frozenHeader->resizeSection(column, size);
-        placeFrozenHeader();
-        Q_EMIT changed();
+        if (size > 0) // a header resizes a section before it hides it
+            updateColumn(column);
     });
     connect(m_frozenHeader, &QHeaderView::sectionResized, this, [this](int column, int, int size) {
         if (!m_frozenHeader->isSectionHidden(column) && !isHidden(column))
@@ -75,11 +72,23 @@ void KNResultColumns::hide(int column)
 {
     if (m_header->count() - m_header->hiddenSectionCount() > 1)
         m_header->hideSection(column);
+    updateColumn(column);
 }
 
 void KNResultColumns::show(int column)
 {
     m_header->showSection(column);
+    updateColumn(column);
+}
+
+/// Copies a column to the header of frozen columns.
+void KNResultColumns::updateColumn(int column)
+{
+    m_frozenHeader->setSectionHidden(column, isHidden(column));
+    if (!isHidden(column))
+        m_frozenHeader->resizeSection(column, width(column));
+    placeFrozenHeader();
+    Q_EMIT changed();
 }
 
 void KNResultColumns::freezeUpTo(int column)
@@ -148,10 +157,7 @@ void KNResultColumns::restoreState(const QByteArray &state)
     int lastFrozen = -1;
     stream >> header >> lastFrozen;
     m_header->restoreState(header);
-    for (int column = 0; column < m_header->count(); ++column) {
-        m_frozenHeader->setSectionHidden(column, isHidden(column));
-        if (!isHidden(column))
-            m_frozenHeader->resizeSection(column, width(column));
-    }
+    for (int column = 0; column < m_header->count(); ++column)
+        updateColumn(column);
     freezeUpTo(lastFrozen);
 }

@@ -9,8 +9,8 @@ class QAbstractItemModel;
 class QHeaderView;
 class QWidget;
 
-/// The columns of a grid: their headers, widths and positions, which are hidden, and which are frozen at the left
-/// while the others scroll. On the UI thread.
+/// The columns of a grid: their headers, widths and positions, which are hidden, and which are frozen at the
+/// left while the others scroll. On the UI thread.
 class KNSHAREDUI_EXPORT KNResultColumns : public QObject
 {
     Q_OBJECT
@@ -28,8 +28,8 @@ public:
     void hide(int column);
     void show(int column);
 
-    /// Freezes the columns up to this one; -1 freezes none. They scroll nevertheless while they fill most of the
-    /// grid.
+    /// Freezes the columns up to this one; -1 freezes none. They scroll nevertheless while they fill most of
+    /// the grid.
     void freezeUpTo(int column);
     int lastFrozen() const { return m_lastFrozen; }
     /// The width of the columns that do not scroll now.
@@ -61,6 +61,7 @@ Q_SIGNALS:
 private:
     void prepare(QHeaderView *header);
     void placeFrozenHeader();
+    void updateColumn(int column);
 
     QHeaderView *const m_header;
     QHeaderView *const m_frozenHeader; ///< covers the left part of m_header while columns are frozen

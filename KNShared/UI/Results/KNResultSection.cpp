@@ -5,6 +5,7 @@
 #include "UI/KNPlainToolTip.h"
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNCountText.h"
+#include "UI/Results/KNRecordView.h"
 #include "UI/Results/KNResultColumnMenu.h"
 #include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultFilterBar.h"
@@ -13,8 +14,10 @@
 #include "UI/Results/KNSelectionSummary.h"
 #include "UI/Results/KNValueViewer.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QSplitter>
 #include <QStyle>
 #include <QToolButton>
 
@@ -42,6 +45,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     , m_grid(new KNResultGridView(model, this))
     , m_filterBar(new KNResultFilterBar(model, this))
     , m_findBar(new KNResultFindBar(m_grid, this))
+    , m_recordView(new KNRecordView(m_grid, this))
     , m_copier(new KNResultCopier(details, this))
     , m_selectionSummary(new KNSelectionSummary(m_grid))
     , m_caption(new QLabel(this))
@@ -68,7 +72,13 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     layout->setSpacing(space);
     layout->addLayout(head);
     layout->addWidget(m_filterBar);
-    layout->addWidget(m_grid, 1);
+    auto *const splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(m_grid);
+    splitter->addWidget(m_recordView);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    layout->addWidget(splitter, 1);
     layout->addWidget(m_findBar);
     setFocusProxy(m_grid);
 
@@ -80,6 +90,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     connect(m_grid, &KNResultGridView::sortRequested, this, &KNResultSection::toggleSorting);
     connect(m_grid->columns(), &KNResultColumns::menuRequested, this,
             [this](int column, const QPoint &position) { columnMenu(column)->popup(position); });
+    connect(m_recordView, &KNRecordView::valueRequested, this, &KNResultSection::showValue);
     connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));
     connect(m_cancel, &QToolButton::clicked, &m_model, &KNResultTableModel::cancelArranging);
     connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
@@ -188,6 +199,14 @@ void KNResultSection::showValue()
     viewer->show();
 }
 
+void KNResultSection::showRecord()
+{
+    if (m_recordView->isAncestorOf(QApplication::focusWidget()))
+        m_recordView->close();
+    else
+        m_recordView->open();
+}
+
 void KNResultSection::toggleSorting(int column)
 {
     const KNRowArrangement &arrangement = m_model.arrangement();
@@ -238,6 +257,7 @@ void KNResultSection::addActions()
     m_menu->addSeparator();
     addAction(tr("Select &All"), QKeySequence::SelectAll, [this] { m_grid->selectAll(); });
     addAction(tr("Show &Value"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { showValue(); });
+    addAction(tr("Show &Row as Form"), QKeySequence(Qt::Key_F4), [this] { showRecord(); });
     m_menu->addSeparator();
     addAction(tr("Fi&nd…\tCtrl+F"), {}, [this] { m_findBar->open(); });
     addArrangingActions();

@@ -7,6 +7,7 @@
 
 #include <QWidget>
 
+class KNRecordView;
 class KNResultColumnMenu;
 class KNResultFilterBar;
 class KNResultFindBar;
@@ -30,6 +31,7 @@ public:
     KNResultGridView *grid() const { return m_grid; }
     KNResultFilterBar *filterBar() const { return m_filterBar; }
     KNResultFindBar *findBar() const { return m_findBar; }
+    KNRecordView *recordView() const { return m_recordView; }
     KNResultCopier *copier() const { return m_copier; }
     KNSelectionSummary *selectionSummary() const { return m_selectionSummary; }
     /// "Result 1: 12 of 40 rows, sorted by name".
@@ -54,6 +56,8 @@ public:
 public Q_SLOTS:
     void openFilter();
     void showValue();
+    /// Opens the record view, or closes it if it has the focus.
+    void showRecord();
     /// Updates the caption with the current number of rows.
     void updateCaption();
 
@@ -78,6 +82,7 @@ private:
     KNResultGridView *m_grid;
     KNResultFilterBar *m_filterBar;
     KNResultFindBar *m_findBar;
+    KNRecordView *m_recordView;
     KNResultCopier *m_copier;
     KNSelectionSummary *m_selectionSummary;
     QLabel *m_caption;

@@ -2,16 +2,19 @@
 
 #include "Database/KNResultSetHolder.h"
 #include "UI/KNSharedUIExport.h"
+#include "UI/Results/KNValueImage.h"
 #include "UI/Results/KNValueText.h"
 
 #include <QDialog>
 
 class QComboBox;
+class KNValueFindBar;
 class QLabel;
+class QStackedWidget;
 class QsciScintilla;
 
-/// Shows one value, or the first part of a huge one, as text, indented JSON or XML, or hexadecimal, and saves
-/// it to a file. Deletes itself when closed. On the UI thread.
+/// Shows one value, or the first part of a huge one, as text, indented JSON or XML, hexadecimal or an image;
+/// finds text in it, copies it and saves it to a file. Deletes itself when closed. On the UI thread.
 class KNSHAREDUI_EXPORT KNValueViewer : public QDialog
 {
     Q_OBJECT
@@ -27,16 +30,31 @@ public:
     /// The displayed text.
     QString text() const;
     QString remark() const;
+    /// Type and length: "nvarchar, 3 characters, 4 bytes in UTF-8".
+    QString description() const;
+    /// The displayed image; null if none is displayed.
+    QImage image() const;
+    KNValueFindBar *findBar() const { return m_findBar; }
     /// Whether the value is being prepared.
     bool isLoading() const { return m_isLoading; }
 
 public Q_SLOTS:
     void saveToFile();
+    /// Copies the displayed image, or the whole value as text.
+    void copyValue();
 
 protected:
     void changeEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    void arrange();
+    void choose(int form);
+    void prepareImage();
+    void showImage(const KNValueImage &image);
+    void measure();
+    void setRemarks(const QStringList &remarks);
     void prepare(std::optional<KNValueText::Form> form);
     void showText(KNValueText::Form form, const QString &text, bool linesWereBroken);
     void writeTo(const QString &path);
@@ -47,9 +65,15 @@ private:
     const qsizetype m_column;
     KNValue m_value; ///< the displayed part
     qsizetype m_byteCount = 0;
+    QByteArray m_imageFormat; ///< empty if the value is not an image
+    QString m_typeName;
     bool m_isLoading = false;
     int m_generation = 0; ///< of the form requested last
     QComboBox *m_forms;
+    QLabel *m_description;
     QLabel *m_remark;
+    QStackedWidget *m_pages; ///< the editor and the image
     QsciScintilla *m_editor;
+    QLabel *m_image;
+    KNValueFindBar *m_findBar;
 };

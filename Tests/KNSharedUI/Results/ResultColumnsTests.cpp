@@ -179,9 +179,7 @@ TEST(FrozenColumns, StayWhileTheOthersScroll)
     shown.choose(1, "Freeze Columns up to This One");
     EXPECT_EQ(shown.columns.frozenWidth(), 300);
     shown.grid.horizontalScrollBar()->setValue(200);
-    const auto left = [&](int column) {
-        return shown.grid.visualRect(shown.model.index(0, column)).left();
-    };
+    const auto left = [&](int column) { return shown.grid.visualRect(shown.model.index(0, column)).left(); };
     EXPECT_EQ(left(0), 0);
     EXPECT_EQ(left(1), 150);
     EXPECT_EQ(left(2), 100);

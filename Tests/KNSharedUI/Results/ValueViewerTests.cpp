@@ -3,12 +3,18 @@
 #include "Support/ResultTesting.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/Editor/KNScintilla.h"
+#include "UI/Results/KNValueFindBar.h"
 #include "UI/Results/KNValueViewer.h"
 
+#include <QBuffer>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
+#include <QLineEdit>
 #include <QPointer>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 using namespace ResultTesting;
 using namespace WindowTesting;
@@ -159,4 +165,146 @@ TEST(ValueViewer, SavesBytesAndReportsWriteFailure)
     panels.answer = {QStringLiteral("/nonexistent/value.bin")};
     viewer.viewer->saveToFile();
     EXPECT_TRUE(waitFor([&] { return alerts.errors.size() == 1; }));
+}
+
+namespace {
+
+/// A file of a red image.
+QByteArray imageFile(const char *format, QSize size = {30, 20})
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QByteArray file;
+    QBuffer buffer(&file);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, format));
+    return file;
+}
+
+} // namespace
+
+TEST(ValueImage, IsRecognisedByItsBytes)
+{
+    EXPECT_EQ(KNValueImage::formatOf(imageFile("png")), QByteArray("png"));
+    EXPECT_EQ(KNValueImage::formatOf(imageFile("jpg")), QByteArray("jpeg"));
+    EXPECT_EQ(KNValueImage::formatOf(imageFile("bmp")), QByteArray("bmp"));
+    EXPECT_EQ(KNValueImage::formatOf(QByteArray("GIF89a")), QByteArray("gif"));
+    EXPECT_EQ(KNValueImage::formatOf(QByteArray("BMW and other cars.")), QByteArray());
+    EXPECT_EQ(KNValueImage::formatOf(QByteArray("<svg/>")), QByteArray());
+    EXPECT_EQ(KNValueImage::formatOf({}), QByteArray());
+}
+
+TEST(ValueImage, HasLimits)
+{
+    QByteArray huge = imageFile("bmp");
+    const quint32 side = qToLittleEndian<quint32>(5'000);
+    huge.replace(18, 4, reinterpret_cast<const char *>(&side), 4);
+    huge.replace(22, 4, reinterpret_cast<const char *>(&side), 4);
+    EXPECT_EQ(KNValueImage::decoded(huge, "bmp").problem,
+              QStringLiteral("The image is not shown: 5000 × 5000 pixels are too many."));
+    const QByteArray large = imageFile("png") + QByteArray(KNValueImage::LargestFile, 'x');
+    EXPECT_EQ(KNValueImage::decoded(large, "png").problem,
+              QStringLiteral("The image is not shown: it has more than 32 MB."));
+    const KNValueImage wide = KNValueImage::decoded(imageFile("png", {4000, 100}), "png");
+    EXPECT_EQ(wide.size, QSize(4000, 100));
+    EXPECT_EQ(wide.image.size(), QSize(2048, 51));
+}
+
+TEST(ValueImage, SurvivesDamagedFiles)
+{
+    for (const char *const format : {"png", "jpg", "bmp"}) {
+        const QByteArray whole = imageFile(format);
+        const QByteArray name = KNValueImage::formatOf(whole);
+        for (qsizetype size = 0; size < whole.size(); size += 7) {
+            const KNValueImage part = KNValueImage::decoded(whole.first(size), name);
+            EXPECT_TRUE(part.image.isNull() != part.problem.isEmpty());
+        }
+    }
+    EXPECT_FALSE(
+        KNValueImage::decoded(QByteArray("GIF89a\xff\xff\xff\xff\0\0", 12), "gif").problem.isEmpty());
+}
+
+TEST(ValueViewer, ShowsImagesAndTheirBytes)
+{
+    Viewer viewer(KNValue(imageFile("png")));
+    EXPECT_EQ(viewer.form(), QStringLiteral("Image"));
+    EXPECT_EQ(viewer.viewer->image().size(), QSize(30, 20));
+    EXPECT_EQ(viewer.viewer->image().pixelColor(5, 5), QColor(Qt::red));
+    EXPECT_EQ(viewer.viewer->remark(), QStringLiteral("PNG image of 30 × 20 pixels."));
+    viewer.viewer->copyValue();
+    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), QSize(30, 20));
+    viewer.choose(3);
+    EXPECT_TRUE(viewer.viewer->image().isNull());
+    EXPECT_TRUE(viewer.viewer->text().startsWith(QStringLiteral("00000000  89 50 4E 47")));
+    viewer.choose(4);
+    EXPECT_FALSE(viewer.viewer->image().isNull());
+    EXPECT_EQ(Viewer(KNValue(QByteArray("no image"))).viewer->findChild<QComboBox *>()->count(), 4);
+}
+
+TEST(ValueViewer, SaysWhyAnImageIsNotShown)
+{
+    const Viewer viewer(KNValue(imageFile("png").first(40)));
+    EXPECT_TRUE(viewer.viewer->image().isNull());
+    EXPECT_TRUE(viewer.viewer->remark().startsWith(QStringLiteral("The image cannot be shown: ")))
+        << viewer.viewer->remark().toStdString();
+}
+
+TEST(ValueViewer, SaysTypeAndLength)
+{
+    const auto description = [](const KNValue &value) {
+        const Viewer viewer(value);
+        EXPECT_TRUE(settle());
+        return viewer.viewer->description();
+    };
+    EXPECT_EQ(description(text("äb🐘")), QStringLiteral("text, 3 characters, 7 bytes in UTF-8"));
+    EXPECT_EQ(description(text("x")), QStringLiteral("text, 1 character, 1 byte in UTF-8"));
+    EXPECT_EQ(description(KNValue(QByteArray(1234, 'x'))), QStringLiteral("binary, 1,234 bytes"));
+    EXPECT_EQ(description(KNValue(5)), QStringLiteral("number"));
+    EXPECT_EQ(description(KNValue()), QStringLiteral("NULL"));
+}
+
+TEST(ValueViewer, FindsTextAndWrapsAround)
+{
+    const Viewer viewer(text("one two\nTwo three"));
+    auto &editor = *viewer.viewer->findChild<QsciScintilla *>();
+    QApplication::setActiveWindow(viewer.viewer);
+    editor.setFocus();
+    QTest::keyClick(&editor, Qt::Key_F, Qt::ControlModifier);
+    KNValueFindBar &bar = *viewer.viewer->findBar();
+    ASSERT_TRUE(bar.isVisible());
+    QTest::keyClicks(bar.field(), QStringLiteral("two"));
+    const auto selected = [&] {
+        int line = 0, start = 0, lastLine = 0, end = 0;
+        editor.getSelection(&line, &start, &lastLine, &end);
+        return QPair<int, int>(line, start);
+    };
+    EXPECT_EQ(selected(), (QPair<int, int>(0, 4)));
+    QTest::keyClick(bar.field(), Qt::Key_Return);
+    EXPECT_EQ(selected(), (QPair<int, int>(1, 0)));
+    bar.findNext();
+    EXPECT_EQ(selected(), (QPair<int, int>(0, 4)));
+    QTest::keyClick(&editor, Qt::Key_F3, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), (QPair<int, int>(1, 0)));
+    bar.field()->setText(QStringLiteral("four"));
+    EXPECT_EQ(bar.message(), QStringLiteral("No matches"));
+    QTest::keyClick(bar.field(), Qt::Key_Escape);
+    EXPECT_FALSE(bar.isVisible());
+    EXPECT_TRUE(viewer.viewer->isVisible());
+}
+
+TEST(ValueViewer, ClosesWithEscapeFromItsEditor)
+{
+    const Viewer viewer(text("x"));
+    QPointer<KNValueViewer> watched = viewer.viewer;
+    QTest::keyClick(watched->findChild<QsciScintilla *>(), Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return !watched; }));
+}
+
+TEST(ValueViewer, CopiesTheWholeValue)
+{
+    const Viewer viewer(KNValue(QString(3'000'000, QLatin1Char('x'))));
+    viewer.viewer->copyValue();
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(QGuiApplication::clipboard()->text().size(), 3'000'000);
+    EXPECT_EQ(namelessWidgets(*viewer.viewer), QStringList());
 }
