@@ -2,18 +2,11 @@
 
 #include "Database/KNCellText.h"
 
-#include <array>
+#include <algorithm>
 
 namespace {
 
-constexpr QByteArrayView NullWord = "NULL";
-
-constexpr auto IsSpecial = [] {
-    std::array<bool, 256> special = {};
-    for (const unsigned char byte : {',', '"', '\n', '\r'})
-        special[byte] = true;
-    return special;
-}();
+const QByteArray NullWord = "NULL"; // where an empty field would be an empty line
 
 bool isBlank(QByteArrayView character)
 {
@@ -35,44 +28,28 @@ bool hasOuterBlank(QByteArrayView text)
            (mayBeBlank(text[last]) && isBlank(text.sliced(last)));
 }
 
-bool needsQuotes(QByteArrayView text)
-{
-    if (text.isEmpty() || hasOuterBlank(text))
-        return true;
-    return std::any_of(text.begin(), text.end(),
-                       [](char c) { return IsSpecial[static_cast<unsigned char>(c)]; });
-}
-
-void appendQuoted(KNByteBuffer &to, QByteArrayView text)
-{
-    to.append('"');
-    for (const char c : text) {
-        if (c == '"')
-            to.append('"');
-        to.append(c);
-    }
-    to.append('"');
-}
-
-void appendCsvText(KNByteBuffer &to, QByteArrayView text)
-{
-    if (needsQuotes(text))
-        appendQuoted(to, text);
-    else
-        to.append(text);
-}
-
 } // namespace
+
+CsvWriter::CsvWriter(QIODevice &device, const CsvOptions &options)
+    : DeviceWriter(device)
+    , m_options(options)
+    , m_nullText(options.nullText.toUtf8())
+{
+    for (const char character : {options.separator, '"', '\n', '\r'})
+        m_isSpecial[static_cast<unsigned char>(character)] = true;
+}
 
 void CsvWriter::beginResult(const QStringList &columnNames)
 {
     if (!m_isFirst)
         buffer().append('\n');
     m_isFirst = false;
+    if (!m_options.hasHeader)
+        return;
     for (qsizetype i = 0; i < columnNames.size(); ++i) {
         if (i > 0)
-            buffer().append(',');
-        appendCsvText(buffer(), columnNames[i].toUtf8());
+            buffer().append(m_options.separator);
+        appendText(columnNames[i].toUtf8(), {});
     }
     write("\n");
 }
@@ -81,7 +58,7 @@ void CsvWriter::writeRow(Cells cells)
 {
     for (const KNRowCell &cell : cells) {
         if (&cell != &cells.front())
-            buffer().append(',');
+            buffer().append(m_options.separator);
         writeField(cell, cells.size() == 1);
     }
     buffer().append('\n');
@@ -95,17 +72,50 @@ void CsvWriter::endResult()
 
 void CsvWriter::writeField(const KNRowCell &cell, bool isOnly)
 {
+    const QByteArray &nullText = isOnly && m_nullText.isEmpty() ? NullWord : m_nullText;
     if (cell.tag == KNRowCell::Null) {
-        if (isOnly)
-            buffer().append(NullWord);
+        if (!nullText.isEmpty() && needsQuotes(nullText))
+            appendQuoted(nullText);
+        else
+            buffer().append(nullText);
     } else if (cell.tag == KNRowCell::Text) {
         QByteArray repaired;
-        const QByteArrayView text = KNCellText::validText(cell, repaired);
-        if (isOnly && text == NullWord)
-            appendQuoted(buffer(), text);
-        else
-            appendCsvText(buffer(), text);
+        appendText(KNCellText::validText(cell, repaired), nullText);
     } else {
+        // No other value contains a character that needs quotes.
+        if (m_options.quotesAlways)
+            buffer().append('"');
         KNCellText::append(buffer(), cell);
+        if (m_options.quotesAlways)
+            buffer().append('"');
     }
+}
+
+/// Quotes a text that would read as NULL.
+void CsvWriter::appendText(QByteArrayView text, const QByteArray &nullText)
+{
+    if (m_options.quotesAlways || needsQuotes(text) || text == nullText)
+        appendQuoted(text);
+    else
+        buffer().append(text);
+}
+
+bool CsvWriter::needsQuotes(QByteArrayView text) const
+{
+    if (text.isEmpty() || hasOuterBlank(text))
+        return true;
+    return std::any_of(text.begin(), text.end(),
+                       [this](char c) { return m_isSpecial[static_cast<unsigned char>(c)]; });
+}
+
+void CsvWriter::appendQuoted(QByteArrayView text)
+{
+    KNByteBuffer &to = buffer();
+    to.append('"');
+    for (const char c : text) {
+        if (c == '"')
+            to.append('"');
+        to.append(c);
+    }
+    to.append('"');
 }

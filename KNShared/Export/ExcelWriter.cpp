@@ -7,6 +7,7 @@
 
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -17,6 +18,10 @@ constexpr double SerialOf1900 = 2;    // the format's number for 1900-01-01, wit
 constexpr qint64 FirstDay = 59;       // 1900-03-01, the first day that the format numbers correctly
 constexpr qsizetype ExactDigits = 15; // decimal digits that the double of a cell keeps exactly
 constexpr int WrittenDigits = 16;     // digits of a double that the library writes
+constexpr quint32 RowsForWidth = 1000; // that determine the width of columns
+constexpr int NarrowestColumn = 8;     // in characters
+constexpr int WidestColumn = 60;
+constexpr qsizetype DateWidths[] = {10, 12, 23}; // by the parts of a date
 
 /// Counts the digits of a number in plain notation, without leading and trailing zeros.
 qsizetype significantDigits(const QString &number)
@@ -93,6 +98,7 @@ void ExcelWriter::endRun()
 {
     if (!m_workbook)
         return;
+    setWidths();
     // The library packs its temporary files without checking that they were written.
     qint64 needed = 0;
     for (lxw_worksheet *sheet = m_workbook->worksheets ? m_workbook->worksheets->stqh_first : nullptr; sheet;
@@ -139,6 +145,7 @@ void ExcelWriter::beginSheet()
 {
     if (!m_good)
         return;
+    setWidths();
     ++m_sheets;
     m_sheet = workbook_add_worksheet(m_workbook, nullptr);
     m_good = m_sheet != nullptr;
@@ -146,6 +153,7 @@ void ExcelWriter::beginSheet()
         return;
     worksheet_freeze_panes(m_sheet, 1, 0);
     m_row = 0;
+    m_widths.assign(static_cast<std::size_t>(m_columnNames.size()), NarrowestColumn);
     quint16 column = 0;
     for (const QString &name : std::as_const(m_columnNames))
         writeText(column++, name, m_headerFormat);
@@ -188,6 +196,8 @@ void ExcelWriter::writeText(quint16 column, const QString &text, lxw_format *for
         ++m_cutTexts;
     }
     fitting.replace(QChar(0), QChar(QChar::ReplacementCharacter));
+    const qsizetype lineEnd = fitting.indexOf(QLatin1Char('\n'));
+    widen(column, lineEnd < 0 ? fitting.size() : lineEnd);
     check(worksheet_write_string(m_sheet, m_row, column, fitting.toUtf8().constData(), format));
 }
 
@@ -203,6 +213,7 @@ bool ExcelWriter::writeDate(quint16 column, const KNDateTime &date)
     double serial = static_cast<double>(date.ticks) / static_cast<double>(TicksOfDay);
     if (!isTime)
         serial += SerialOf1900;
+    widen(column, DateWidths[static_cast<int>(date.parts)]);
     lxw_format *const format = m_dateFormats[static_cast<int>(date.parts)][date.fractionDigits > 0];
     check(worksheet_write_number(m_sheet, m_row, column, serial, format));
     return true;
@@ -220,8 +231,31 @@ bool ExcelWriter::writeNumber(quint16 column, const KNValue &value)
         return false;
     if (isFloating && QString::number(number, 'g', WrittenDigits).toDouble() != number)
         ++m_roundedNumbers;
+    widen(column, text.size());
     check(worksheet_write_number(m_sheet, m_row, column, number, nullptr));
     return true;
+}
+
+void ExcelWriter::widen(quint16 column, qsizetype characters)
+{
+    if (m_row > RowsForWidth)
+        return;
+    if (column >= m_widths.size())
+        m_widths.resize(column + std::size_t{1}, NarrowestColumn);
+    // One character more for the margins of a cell.
+    int &width = m_widths[column];
+    width = std::max(width, static_cast<int>(std::min<qsizetype>(characters + 1, WidestColumn)));
+}
+
+/// Sets the widths of the sheet that ends.
+void ExcelWriter::setWidths()
+{
+    if (!m_sheet)
+        return;
+    for (std::size_t column = 0; column < m_widths.size(); ++column) {
+        const auto place = static_cast<quint16>(column);
+        check(worksheet_set_column(m_sheet, place, place, m_widths[column], nullptr));
+    }
 }
 
 void ExcelWriter::check(int status)

@@ -3,6 +3,7 @@
 #include "Export/ResultWriter.h"
 
 #include <memory>
+#include <vector>
 
 struct lxw_workbook;
 struct lxw_worksheet;
@@ -11,7 +12,7 @@ struct lxw_format;
 /// Writes the rows of one result as an Excel workbook. Values that a cell cannot hold exactly are written as
 /// their stored text: exact numbers of more than 15 digits, and dates with an offset, before March 1900 or
 /// finer than a millisecond. Rows beyond the limit of a sheet continue on another sheet. NULL is an empty
-/// cell.
+/// cell. Columns are as wide as their names and first values; the row of names does not scroll.
 class KNSHARED_EXPORT ExcelWriter : public ResultWriter
 {
 public:
@@ -37,6 +38,8 @@ private:
     bool writeDate(quint16 column, const KNDateTime &date);
     bool writeNumber(quint16 column, const KNValue &value);
     void check(int status);
+    void widen(quint16 column, qsizetype characters);
+    void setWidths();
 
     const QByteArray m_path;
     QByteArray m_folder; ///< for temporary files; the library keeps a pointer to it
@@ -46,7 +49,8 @@ private:
     lxw_format *m_headerFormat = nullptr;
     lxw_format *m_dateFormats[3][2] = {}; ///< by the parts of a date, without and with milliseconds
     QStringList m_columnNames;
-    quint32 m_row = 0; ///< the next row of the sheet
+    std::vector<int> m_widths; ///< in characters, from the first rows of the sheet
+    quint32 m_row = 0;         ///< the next row of the sheet
     int m_sheets = 0;
     qint64 m_cutTexts = 0;
     qint64 m_numbersAsText = 0;

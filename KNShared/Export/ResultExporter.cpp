@@ -1,6 +1,7 @@
 #include "Export/ResultExporter.h"
 
 #include "Export/ResultFormat.h"
+#include "Export/Utf16Device.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 
@@ -72,18 +73,20 @@ QString extensions()
 
 } // namespace
 
-QStringList ResultExporter::fileFilters()
+QStringList ResultExporter::fileFilters(const QString &preferredExtension)
 {
     QStringList filters;
     for (const ResultFormat &format : ResultFormat::offeredFor(ResultFormat::File))
-        filters.append(
+        filters.insert(
+            format.extension == preferredExtension ? 0 : filters.size(),
             KNFormat("%@ (*.%@)", format.localizedTitle().remove(QLatin1Char('&')), format.extension));
     return filters;
 }
 
-ResultExporter::ResultExporter(ResultRows rows, QString path)
+ResultExporter::ResultExporter(ResultRows rows, QString path, CsvOptions csv)
     : m_rows(std::move(rows))
     , m_path(std::move(path))
+    , m_csv(std::move(csv))
     , m_rowCount(m_rows.rowCount())
 {
 }
@@ -117,14 +120,9 @@ bool ResultExporter::writeFile(KNError *error, QStringList *remarks)
         *error = exportError(KNFormat("The file's name must end with %@.", extensions()));
         return false;
     }
-    const auto writer =
-        format->createWriter({.device = unfinished.file(), .path = unfinished.file().fileName()});
-    const bool isWritten = m_rows.writeTo(*writer, [this](qsizetype count) {
-        m_rowsWritten = count;
-        return !m_cancelled;
-    });
-    *remarks = writer->remarks();
-    if (!writer->isGood()) {
+    bool isGood = false;
+    const bool isWritten = write(unfinished.file(), unfinished.file().fileName(), *format, &isGood, remarks);
+    if (!isGood) {
         *error = exportError(KNFormat("The file %@ could not be written. Is the disk full?", m_path));
         return false;
     }
@@ -133,4 +131,27 @@ bool ResultExporter::writeFile(KNError *error, QStringList *remarks)
     if (!unfinished.commit())
         *error = exportError(KNFormat("The file %@ could not be replaced.", m_path));
     return !*error;
+}
+
+/// Writes the rows in the encoding of a CSV file or in UTF-8. Returns false if it was stopped or failed.
+bool ResultExporter::write(QIODevice &device, const QString &path, const ResultFormat &format, bool *isGood,
+                           QStringList *remarks)
+{
+    const bool isCsv = format.name == QLatin1String("csv");
+    const bool isUtf16 = isCsv && m_csv.encoding == CsvOptions::Encoding::Utf16;
+    const QByteArray mark = !isCsv || !m_csv.hasByteOrderMark ? QByteArray()
+                            : isUtf16                         ? QByteArray("\xff\xfe")
+                                                              : QByteArray("\xef\xbb\xbf");
+    if (device.write(mark) != mark.size())
+        return false;
+    Utf16Device converted(device);
+    QIODevice &target = isUtf16 ? static_cast<QIODevice &>(converted) : device;
+    const auto writer = format.createWriter({.device = target, .path = path, .csv = m_csv});
+    const bool isWritten = m_rows.writeTo(*writer, [this](qsizetype count) {
+        m_rowsWritten = count;
+        return !m_cancelled;
+    });
+    *remarks = writer->remarks();
+    *isGood = writer->isGood();
+    return isWritten;
 }

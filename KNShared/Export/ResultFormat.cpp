@@ -35,6 +35,11 @@ ResultFormat::CreateWriter tabbed(bool withHeader)
     };
 }
 
+std::unique_ptr<ResultWriter> createCsvWriter(const Target &target)
+{
+    return std::make_unique<CsvWriter>(target.device, target.csv);
+}
+
 std::unique_ptr<ResultWriter> createJsonWriter(const Target &target)
 {
     if (target.hasManyResults)
@@ -74,7 +79,7 @@ const QList<ResultFormat> &ResultFormat::all()
          Terminal,
          onDevice<TableWriter>()},
         {QStringLiteral("csv"), QT_TRANSLATE_NOOP("ResultFormat", "&CSV"), QStringLiteral("csv"),
-         CopyAs | File | Terminal, onDevice<CsvWriter>()},
+         CopyAs | File | Terminal, createCsvWriter},
         {QStringLiteral("json"), QT_TRANSLATE_NOOP("ResultFormat", "&JSON"), QStringLiteral("json"),
          CopyAs | File | Terminal, createJsonWriter},
         {QStringLiteral("insert"),

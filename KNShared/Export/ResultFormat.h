@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "Export/CsvOptions.h"
 #include "Export/ResultWriter.h"
 
 #include <QIODevice>
@@ -24,6 +25,7 @@ struct KNSHARED_EXPORT ResultFormat
         bool hasManyResults = false; ///< whether all results of a run are written there, or one
         VantorDBCPtr details = {};   ///< quotes names and values; may be null for uses without this format
         QString nullText = {};       ///< replaces NULL in plain text
+        CsvOptions csv = {};
     };
     using CreateWriter = std::function<std::unique_ptr<ResultWriter>(const Target &target)>;
 

@@ -9,8 +9,8 @@ class KNResultGridView;
 class QLabel;
 class QTableView;
 
-/// Shows the current row of a grid as a form, one line per column, and moves to other rows. Hidden until opened;
-/// Escape hides it and returns the focus to the grid. On the UI thread.
+/// Shows the current row of a grid as a form, one line per column, and moves to other rows. Hidden until
+/// opened; Escape hides it and returns the focus to the grid. On the UI thread.
 class KNSHAREDUI_EXPORT KNRecordView : public QWidget
 {
     Q_OBJECT

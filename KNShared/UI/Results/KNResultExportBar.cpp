@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
+#include "UI/Results/KNExportDialog.h"
 
 #include <QBoxLayout>
 #include <QFileInfo>
@@ -51,25 +52,37 @@ KNResultExportBar::~KNResultExportBar()
         m_exporter->cancel();
 }
 
-void KNResultExportBar::exportRows(const ResultRows &rows)
+void KNResultExportBar::exportRows(const ResultRows &rows, qsizetype hiddenColumns)
 {
     if (m_exporter) {
         KNAlerts::shared().showMessage(this, tr("Export"),
                                        tr("Another export is being written. Cancel it or wait."));
         return;
     }
-    const KNFilePanels::Request request = {tr("Export Rows"), QStringLiteral("result.csv"),
-                                           ResultExporter::fileFilters()};
-    const QPointer<KNResultExportBar> self(this);
-    KNFilePanels::shared().chooseFileToSave(window(), request, [self, rows](const QString &path) {
-        if (self && !self->m_exporter)
-            self->start(rows, path);
+    auto *const dialog = new KNExportDialog(rows, hiddenColumns, parentWidget());
+    dialog->beginSheet([self = QPointer(this), dialog, rows](int code) {
+        if (!self || code == 0)
+            return;
+        dialog->remember();
+        self->chooseFile(rows, dialog->extension(), dialog->csvOptions());
     });
 }
 
-void KNResultExportBar::start(const ResultRows &rows, const QString &path)
+void KNResultExportBar::chooseFile(const ResultRows &rows, const QString &extension, const CsvOptions &csv)
 {
-    m_exporter = std::make_shared<ResultExporter>(rows, path);
+    const KNFilePanels::Request request = {tr("Export Rows"), KNFormat("result.%@", extension),
+                                           ResultExporter::fileFilters(extension)};
+    const QPointer<KNResultExportBar> self(this);
+    KNFilePanels::shared().chooseFileToSave(window(), request, [self, rows, csv](const QString &path) {
+        if (self && !self->m_exporter)
+            self->start(rows, path, csv);
+    });
+}
+
+void KNResultExportBar::start(const ResultRows &rows, const QString &path, const CsvOptions &csv)
+{
+    m_exporter = std::make_shared<ResultExporter>(rows, path, csv);
+    m_path = path;
     m_label->setText(KNFormat(tr("Exporting to %@"), QFileInfo(path).fileName()));
     m_progress->setValue(0);
     m_timer->start();
@@ -90,10 +103,11 @@ void KNResultExportBar::cancel()
 void KNResultExportBar::finish(bool complete, const KNError &error, const QStringList &remarks)
 {
     m_timer->stop();
+    const qsizetype rows = m_exporter->rowCount();
     m_exporter = nullptr;
     hide();
     if (error)
         KNAlerts::shared().showError(window(), error);
-    else if (complete && !remarks.isEmpty())
-        KNAlerts::shared().showMessage(window(), tr("Export"), remarks.join(QLatin1Char('\n')));
+    else if (complete)
+        Q_EMIT written(rows, m_path, remarks);
 }

@@ -293,6 +293,17 @@ ResultRows KNResultGridView::selectedRows() const
     return rows;
 }
 
+qsizetype KNResultGridView::hiddenColumnsInSelection() const
+{
+    const QItemSelection selection = selectionModel()->selection();
+    const QList<int> hidden = m_columns->hidden();
+    return std::count_if(hidden.begin(), hidden.end(), [&](int column) {
+        return std::any_of(selection.begin(), selection.end(), [&](const QItemSelectionRange &range) {
+            return range.left() <= column && column <= range.right();
+        });
+    });
+}
+
 QList<KNCellStatistics::Range> KNResultGridView::selectedCells() const
 {
     QList<KNCellStatistics::Range> cells;

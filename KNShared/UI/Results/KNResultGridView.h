@@ -37,6 +37,8 @@ public:
 
     /// The selected rows and shown columns: those with at least one selected cell.
     ResultRows selectedRows() const;
+    /// The number of hidden columns between selected ones.
+    qsizetype hiddenColumnsInSelection() const;
     /// The selected cells of shown columns. The ranges do not overlap.
     QList<KNCellStatistics::Range> selectedCells() const;
     void selectRows(int first, int last, QItemSelectionModel::SelectionFlags command);

@@ -1,7 +1,6 @@
 #include "UI/Results/KNResultSection.h"
 
 #include "Foundation/KNFormat.h"
-#include "UI/Alerts/KNAlerts.h"
 #include "UI/KNPlainToolTip.h"
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNCountText.h"
@@ -94,10 +93,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     connect(m_filterBar, &KNResultFilterBar::closed, m_grid, qOverload<>(&QWidget::setFocus));
     connect(m_cancel, &QToolButton::clicked, &m_model, &KNResultTableModel::cancelArranging);
     connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
-    connect(m_copier, &KNResultCopier::copied, this, [this](qsizetype, const QString &remark) {
-        if (!remark.isEmpty())
-            KNAlerts::shared().showMessage(this, tr("Copied"), remark);
-    });
+    connect(m_copier, &KNResultCopier::copied, this, &KNResultSection::showCopied);
     updateCaption();
 }
 
@@ -178,8 +174,27 @@ void KNResultSection::updateCaption()
 
 void KNResultSection::copySelection(const QString &format)
 {
-    if (const ResultFormat *const found = ResultFormat::named(format))
-        m_copier->copy(m_grid->selectedRows(), *found);
+    const ResultFormat *const found = ResultFormat::named(format);
+    if (!found)
+        return;
+    m_columnsLeftOut = m_grid->hiddenColumnsInSelection();
+    m_copier->copy(m_grid->selectedRows(), *found);
+}
+
+/// Tells what the clipboard lacks; a complete copy needs no note.
+void KNResultSection::showCopied(qsizetype rows, const QString &remark)
+{
+    QStringList remarks;
+    if (!remark.isEmpty())
+        remarks.append(remark);
+    if (m_columnsLeftOut > 0)
+        remarks.append(m_columnsLeftOut == 1
+                           ? tr("A hidden column was left out.")
+                           : KNFormat(tr("%@ hidden columns were left out."), KNCountText(m_columnsLeftOut)));
+    if (remarks.isEmpty())
+        return;
+    remarks.prepend(rows == 1 ? tr("1 row copied.") : KNFormat(tr("%@ rows copied."), KNCountText(rows)));
+    Q_EMIT noticed(remarks.join(u' '));
 }
 
 void KNResultSection::openFilter()

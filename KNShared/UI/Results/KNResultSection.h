@@ -64,6 +64,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Emitted when the user requests an export of the rows.
     void exportRequested();
+    /// Emitted with a note about a finished copy.
+    void noticed(const QString &text);
 
 protected:
     bool event(QEvent *event) override;
@@ -75,6 +77,7 @@ private:
     void addCopyActions();
     void addArrangingActions();
     void showMenu(const QPoint &position);
+    void showCopied(qsizetype rows, const QString &remark);
     QToolButton *newButton(QAction *action);
 
     const QString m_title;
@@ -91,5 +94,6 @@ private:
     QAction *m_filter = nullptr;
     QAction *m_export = nullptr;
     QToolButton *m_cancel;
+    qsizetype m_columnsLeftOut = 0;      ///< hidden columns in the selection copied last
     QList<QAction *> m_arrangingActions; ///< enabled for finished results only
 };

@@ -3,6 +3,8 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNUserDefaults.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
+#include "UI/Results/KNCountText.h"
+#include "UI/Results/KNNoticeBar.h"
 #include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultExportBar.h"
 #include "UI/Results/KNResultGridView.h"
@@ -13,8 +15,11 @@
 
 #include <QApplication>
 #include <QBoxLayout>
+#include <QDesktopServices>
+#include <QFileInfo>
 #include <QStackedWidget>
 #include <QToolButton>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -42,6 +47,7 @@ KNResultsPane::KNResultsPane(QWidget *parent)
     , m_page(new QWidget(this))
     , m_views(new QStackedWidget(this))
     , m_exportBar(new KNResultExportBar(this))
+    , m_noticeBar(new KNNoticeBar(this))
 {
     setAccessibleName(tr("Results"));
     m_mode->setAutoRaise(true);
@@ -60,6 +66,8 @@ KNResultsPane::KNResultsPane(QWidget *parent)
     layout->addLayout(head);
     layout->addWidget(m_views, 1);
     layout->addWidget(m_exportBar);
+    layout->addWidget(m_noticeBar);
+    connect(m_exportBar, &KNResultExportBar::written, this, &KNResultsPane::showWritten);
 
     connect(m_tabs, &KNResultTabs::currentChanged, this, [this](int result) {
         if (m_showsTabs)
@@ -99,8 +107,20 @@ void KNResultsPane::clear()
     m_firstUnfinished = 0;
     showPlaces();
     setSelectionSummary({});
+    if (!m_exportBar->isExporting())
+        m_noticeBar->hide();
     if (std::exchange(m_rowCount, 0) != 0)
         Q_EMIT rowCountChanged(0);
+}
+
+void KNResultsPane::showWritten(qsizetype rows, const QString &path, const QStringList &remarks)
+{
+    const QString name = QFileInfo(path).fileName();
+    const QString text = rows == 1 ? KNFormat(tr("1 row written to %@."), name)
+                                   : KNFormat(tr("%@ rows written to %@."), KNCountText(rows), name);
+    m_noticeBar->showNotice((QStringList(text) + remarks).join(u' '), tr("Open Folder"), [path] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    });
 }
 
 void KNResultsPane::setSelectionSummary(const QString &text)
@@ -205,8 +225,11 @@ KNResultSection *KNResultsPane::section(int result)
     auto *const made = new KNResultSection(titleOf(result), *entry.model, *m_details, m_views);
     if (!entry.columns.isEmpty())
         made->grid()->columns()->restoreState(entry.columns);
-    connect(made, &KNResultSection::exportRequested, this,
-            [this, made] { m_exportBar->exportRows(made->model().shownRows()); });
+    connect(made, &KNResultSection::exportRequested, this, [this, made] {
+        m_exportBar->exportRows(made->model().shownRows(), made->grid()->columns()->hidden().size());
+    });
+    connect(made, &KNResultSection::noticed, m_noticeBar,
+            qOverload<const QString &>(&KNNoticeBar::showNotice));
     connect(made->selectionSummary(), &KNSelectionSummary::changed, this,
             [this, made] { setSelectionSummary(made->selectionSummary()->text()); });
     m_sections.insert(result, made);

@@ -10,6 +10,7 @@
 
 #include <vector>
 
+class KNNoticeBar;
 class KNResultExportBar;
 class KNResultSection;
 class KNResultStack;
@@ -52,6 +53,7 @@ public:
     bool perform(KNDocumentAction action);
     KNResultTabs *tabs() const { return m_tabs; }
     KNResultExportBar *exportBar() const { return m_exportBar; }
+    KNNoticeBar *noticeBar() const { return m_noticeBar; }
 
     /// Whether results are shown as tabs instead of stacked. Also the default for panes created later.
     bool showsTabs() const { return m_showsTabs; }
@@ -74,6 +76,7 @@ private:
     void dropSections(int firstKept, int lastKept);
     int wantedHeight(int result) const;
     void setSelectionSummary(const QString &text);
+    void showWritten(qsizetype rows, const QString &path, const QStringList &remarks);
 
     std::shared_ptr<KNResultSetHolder> m_holder;
     VantorDBCPtr m_details;
@@ -92,4 +95,5 @@ private:
     QWidget *m_page; ///< contains the section of the current tab
     QStackedWidget *m_views;
     KNResultExportBar *m_exportBar;
+    KNNoticeBar *m_noticeBar;
 };

@@ -222,3 +222,28 @@ TEST(ExcelWriter, ReportsWriteFailure)
     writer.endRun();
     EXPECT_FALSE(writer.isGood());
 }
+
+TEST_F(ExcelFile, HasWidthsForNamesAndValuesAndAFrozenHeader)
+{
+    Workbook workbook;
+    workbook.write({QStringLiteral("id"), QStringLiteral("a name of many letters"), QStringLiteral("long")},
+                   {{KNValue(1), text("x"), KNValue(QString(500, QLatin1Char('m')))}});
+    QXmlStreamReader xml(workbook.part(QStringLiteral("xl/worksheets/sheet1.xml")));
+    QList<double> widths;
+    bool isFrozen = false;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement() && xml.name() == QLatin1String("col"))
+            widths.append(xml.attributes().value(QLatin1String("width")).toDouble());
+        if (xml.isStartElement() && xml.name() == QLatin1String("pane"))
+            isFrozen = xml.attributes().value(QLatin1String("ySplit")).toString() == QLatin1String("1") &&
+                       xml.attributes().value(QLatin1String("state")).toString() == QLatin1String("frozen");
+    }
+    ASSERT_EQ(widths.size(), 3);
+    EXPECT_LT(widths[0], 12);
+    EXPECT_GE(widths[1], 22);
+    EXPECT_LT(widths[1], 30);
+    EXPECT_GE(widths[2], 50);
+    EXPECT_LE(widths[2], 62);
+    EXPECT_TRUE(isFrozen);
+}

@@ -164,3 +164,46 @@ TEST_F(Exporting, ReportsProgressInRows)
     EXPECT_EQ(counted, 5000);
     EXPECT_EQ(exporter->rowCount(), 5000);
 }
+
+TEST_F(Exporting, WritesCsvInTheChosenEncoding)
+{
+    const auto rows = rowsOf(result({QStringLiteral("a"), QStringLiteral("b")}, {{text("ä"), text("🐘")}}));
+    const auto written = [&](const CsvOptions &options) {
+        const auto exporter = std::make_shared<ResultExporter>(rows, path("a.csv"), options);
+        bool isFinished = false;
+        exporter->start([&](bool complete, const KNError &, const QStringList &) {
+            EXPECT_TRUE(complete);
+            isFinished = true;
+        });
+        while (!isFinished)
+            KNDispatch::pumpMainQueue(1000);
+        return contents(path("a.csv"));
+    };
+    const auto utf16 = CsvOptions::Encoding::Utf16;
+    EXPECT_EQ(written({.hasHeader = false}), QByteArray("\xc3\xa4,\xf0\x9f\x90\x98\n"));
+    EXPECT_EQ(written({.hasByteOrderMark = true, .hasHeader = false}),
+              QByteArray("\xef\xbb\xbf\xc3\xa4,\xf0\x9f\x90\x98\n"));
+    EXPECT_EQ(written({.encoding = utf16, .hasHeader = false}),
+              QByteArray("\xe4\0,\0\x3d\xd8\x18\xdc\n\0", 10));
+    EXPECT_EQ(written({.encoding = utf16, .hasByteOrderMark = true, .hasHeader = false}),
+              QByteArray("\xff\xfe\xe4\0,\0\x3d\xd8\x18\xdc\n\0", 12));
+}
+
+TEST_F(Exporting, WritesUtf16AcrossPieces)
+{
+    constexpr int Count = 30'000; // more than one piece of the writer's buffer
+    QList<KNRow> rows;
+    for (int row = 0; row < Count; ++row)
+        rows.append({text("ä🐘"), KNValue(1)});
+    const auto exporter = std::make_shared<ResultExporter>(
+        rowsOf(result({QStringLiteral("a"), QStringLiteral("b")}, rows)), path("a.csv"),
+        CsvOptions{.encoding = CsvOptions::Encoding::Utf16, .hasHeader = false});
+    bool isFinished = false;
+    exporter->start([&](bool, const KNError &, const QStringList &) { isFinished = true; });
+    while (!isFinished)
+        KNDispatch::pumpMainQueue(1000);
+    const QByteArray file = contents(path("a.csv"));
+    const QString read =
+        QString::fromUtf16(reinterpret_cast<const char16_t *>(file.constData()), file.size() / 2);
+    EXPECT_EQ(read, QStringLiteral("ä🐘,1\n").repeated(Count));
+}

@@ -1,3 +1,4 @@
+#include "Export/CsvWriter.h"
 #include "Export/ResultCopy.h"
 #include "Support/FakeDatabase.h"
 #include "Support/PrintQt.h"
@@ -5,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -188,4 +190,48 @@ TEST(CopiedRows, HoldStoredValuesInEveryFormat)
         EXPECT_TRUE(text.contains(money)) << text.toStdString();
         EXPECT_TRUE(text.contains(QStringLiteral("0AFF"))) << text.toStdString();
     }
+}
+
+namespace {
+
+/// One result in CSV with options.
+QByteArray csvOf(const CsvOptions &options, const QStringList &columns, const QList<KNRow> &rows)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    CsvWriter writer(buffer, options);
+    writer.beginRun();
+    writer.beginResult(columns);
+    writeRows(writer, rows);
+    writer.endResult();
+    writer.endRun();
+    return buffer.data();
+}
+
+const QStringList TwoColumns = {QStringLiteral("a;b"), QStringLiteral("c")};
+
+} // namespace
+
+TEST(CsvOptions, ChangeSeparatorAndHeader)
+{
+    const QList<KNRow> rows = {{text("x;y"), text("x,y")}, {decimal(u"1.5"), KNValue()}};
+    EXPECT_EQ(csvOf({.separator = ';'}, TwoColumns, rows), QByteArray("\"a;b\";c\n\"x;y\";x,y\n1.5;\n"));
+    EXPECT_EQ(csvOf({.separator = '\t', .hasHeader = false}, TwoColumns, rows),
+              QByteArray("x;y\tx,y\n1.5\t\n"));
+}
+
+TEST(CsvOptions, QuoteEveryValueButNull)
+{
+    EXPECT_EQ(csvOf({.quotesAlways = true}, TwoColumns, {{text("x\"y"), KNValue(5)}, {text(""), KNValue()}}),
+              QByteArray("\"a;b\",\"c\"\n\"x\"\"y\",\"5\"\n\"\",\n"));
+}
+
+TEST(CsvOptions, ReplaceNullAndQuoteTheSameText)
+{
+    EXPECT_EQ(csvOf({.hasHeader = false, .nullText = QStringLiteral("\\N")}, TwoColumns,
+                    {{KNValue(), text("\\N")}, {text(""), text("N")}}),
+              QByteArray("\\N,\"\\N\"\n\"\",N\n"));
+    EXPECT_EQ(csvOf({.hasHeader = false, .nullText = QStringLiteral("-")}, {QStringLiteral("a")},
+                    {{KNValue()}, {text("NULL")}, {text("-")}}),
+              QByteArray("-\nNULL\n\"-\"\n"));
 }

@@ -6,6 +6,9 @@
 #include "Support/ResultTesting.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/Results/KNExportDialog.h"
+#include "UI/Results/KNNoticeBar.h"
+#include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultExportBar.h"
 #include "UI/Results/KNResultFilterBar.h"
 #include "UI/Results/KNResultGridView.h"
@@ -13,7 +16,9 @@
 #include "UI/Results/KNResultTabs.h"
 #include "UI/Results/KNResultsPane.h"
 
+#include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -66,6 +71,16 @@ public:
 private:
     FakeDatabase::Server m_server;
 };
+
+/// Requests an export and accepts its dialog.
+void exportResult(KNResultsPane &pane)
+{
+    Q_EMIT pane.section(0)->exportRequested();
+    auto *const dialog = pane.findChild<KNExportDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->endSheetWithReturnCode(1);
+    delete dialog;
+}
 
 QByteArray contents(const QString &path)
 {
@@ -254,7 +269,7 @@ TEST(ResultExport, WritesTheShownRowsToAFile)
     KNResultSection &section = *shown.pane.section(0);
     section.model().arrange({.filterText = QStringLiteral("row 99")});
     ASSERT_TRUE(waitFor([&] { return !section.model().isArranging(); }));
-    Q_EMIT section.exportRequested();
+    exportResult(shown.pane);
     EXPECT_TRUE(shown.pane.exportBar()->isExporting());
     EXPECT_TRUE(shown.pane.exportBar()->isVisible());
     ASSERT_TRUE(waitFor([&] { return !shown.pane.exportBar()->isExporting(); }));
@@ -269,7 +284,7 @@ TEST(ResultExport, IsCancelledWithoutATrace)
     RecordingAlerts &alerts = RecordingAlerts::install();
     RecordingFilePanels::install().answer = {folder.filePath(QStringLiteral("a.xlsx"))};
     Pane shown({numberedRows(500'000)});
-    Q_EMIT shown.pane.section(0)->exportRequested();
+    exportResult(shown.pane);
     shown.pane.exportBar()->cancel();
     ASSERT_TRUE(waitFor([&] { return !shown.pane.exportBar()->isExporting(); }));
     EXPECT_TRUE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).isEmpty());
@@ -283,12 +298,89 @@ TEST(ResultExport, ReportsErrorsAndLossesOfFormat)
     RecordingFilePanels &panels = RecordingFilePanels::install();
     panels.answer = {QStringLiteral("/nonexistent/a.csv")};
     Pane shown({result({QStringLiteral("a")}, {{KNValue(std::numeric_limits<qint64>::max())}})});
-    Q_EMIT shown.pane.section(0)->exportRequested();
+    exportResult(shown.pane);
     ASSERT_TRUE(waitFor([&] { return alerts.errors.size() == 1; }));
     panels.answer = {folder.filePath(QStringLiteral("a.xlsx"))};
+    exportResult(shown.pane);
+    ASSERT_TRUE(waitFor([&] { return shown.pane.noticeBar()->isVisible(); }));
+    EXPECT_TRUE(shown.pane.noticeBar()->text().startsWith(
+        QStringLiteral("1 row written to a.xlsx. One number is text")))
+        << shown.pane.noticeBar()->text().toStdString();
+    EXPECT_TRUE(alerts.messages.empty());
+}
+
+TEST(ResultExport, SaysWhatWasWrittenAndOpensTheFolder)
+{
+    const QTemporaryDir folder;
+    RecordingFilePanels::install().answer = {folder.filePath(QStringLiteral("a.csv"))};
+    Pane shown({numberedRows(1234)});
+    exportResult(shown.pane);
+    ASSERT_TRUE(waitFor([&] { return shown.pane.noticeBar()->isVisible(); }));
+    EXPECT_EQ(shown.pane.noticeBar()->text(), QStringLiteral("1,234 rows written to a.csv."));
+    EXPECT_EQ(shown.pane.noticeBar()->button()->text(), QStringLiteral("Open Folder"));
+    EXPECT_EQ(namelessWidgets(shown.pane), QStringList());
+    shown.pane.clear();
+    EXPECT_FALSE(shown.pane.noticeBar()->isVisible());
+}
+
+TEST(ResultExport, SaysThatHiddenColumnsAreWritten)
+{
+    const QTemporaryDir folder;
+    RecordingFilePanels &panels = RecordingFilePanels::install();
+    panels.answer = {folder.filePath(QStringLiteral("a.csv"))};
+    Pane shown({numberedRows(2)});
+    shown.pane.section(0)->grid()->columns()->hide(0);
     Q_EMIT shown.pane.section(0)->exportRequested();
-    ASSERT_TRUE(waitFor([&] { return alerts.messages.size() == 1; }));
-    EXPECT_TRUE(alerts.messages.at(0).at(1).startsWith(QStringLiteral("One number is text")));
+    auto *const dialog = shown.pane.findChild<KNExportDialog *>();
+    EXPECT_EQ(dialog->summary(),
+              QStringLiteral("2 rows and all 2 columns are written, also the hidden one."));
+    EXPECT_EQ(namelessWidgets(*dialog), QStringList());
+    dialog->endSheetWithReturnCode(1);
+    ASSERT_TRUE(waitFor([&] { return shown.pane.noticeBar()->isVisible(); }));
+    EXPECT_EQ(contents(panels.answer.first()), QByteArray("id,name\n0,row 0\n1,row 1\n"));
+}
+
+TEST(ResultExport, RemembersFormatAndCsvOptions)
+{
+    const CsvOptions before = CsvOptions::remembered();
+    const ResultRows rows{numberedRows(1), nullptr, {{0, 1}}, {0, 1}};
+    KNExportDialog first(rows, 0, nullptr);
+    EXPECT_EQ(first.summary(), QStringLiteral("1 row and all 2 columns are written."));
+    EXPECT_EQ(first.csvOptions(), CsvOptions());
+    for (QComboBox *const box : first.findChildren<QComboBox *>()) {
+        if (box->accessibleName() == QLatin1String("Separator"))
+            box->setCurrentText(QStringLiteral("Tab"));
+        if (box->accessibleName() == QLatin1String("Encoding"))
+            box->setCurrentText(QStringLiteral("UTF-16"));
+    }
+    for (QCheckBox *const box : first.findChildren<QCheckBox *>())
+        box->toggle();
+    first.findChild<QLineEdit *>()->setText(QStringLiteral("\\N"));
+    first.remember();
+    const CsvOptions expected = {.separator = '\t',
+                                 .quotesAlways = true,
+                                 .encoding = CsvOptions::Encoding::Utf16,
+                                 .hasByteOrderMark = true,
+                                 .hasHeader = false,
+                                 .nullText = QStringLiteral("\\N")};
+    EXPECT_EQ(CsvOptions::remembered(), expected);
+    EXPECT_EQ(KNExportDialog(rows, 0, nullptr).csvOptions(), expected);
+    EXPECT_EQ(first.extension(), QStringLiteral("csv"));
+    before.remember();
+}
+
+TEST(ResultSection, TellsWhichColumnsACopyLacks)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    Pane shown({result({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
+                       {{KNValue(1), KNValue(2), KNValue(3)}})});
+    KNResultSection &section = *shown.pane.section(0);
+    section.grid()->columns()->hide(1);
+    section.grid()->selectAll();
+    EXPECT_EQ(shown.clipboardAfter([&] { section.copySelection(QStringLiteral("text")); }),
+              QStringLiteral("1\t3"));
+    EXPECT_EQ(shown.pane.noticeBar()->text(), QStringLiteral("1 row copied. A hidden column was left out."));
+    EXPECT_TRUE(alerts.messages.empty());
 }
 
 TEST(ResultsPane, IsFreeWhileAMillionRowsStreamIn)
