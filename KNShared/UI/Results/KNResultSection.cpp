@@ -131,14 +131,6 @@ bool KNResultSection::perform(KNDocumentAction action)
     }
 }
 
-bool KNResultSection::event(QEvent *event)
-{
-    // Within a result, these keys come before the shortcuts of the editor.
-    if (event->type() == QEvent::ShortcutOverride && findActionOf(*static_cast<QKeyEvent *>(event)))
-        event->accept();
-    return QWidget::event(event);
-}
-
 void KNResultSection::keyPressEvent(QKeyEvent *event)
 {
     if (const auto action = findActionOf(*event))

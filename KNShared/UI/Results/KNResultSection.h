@@ -68,7 +68,6 @@ Q_SIGNALS:
     void noticed(const QString &text);
 
 protected:
-    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

@@ -8,6 +8,9 @@
 #include "Support/WindowTesting.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
+#include "UI/Results/KNResultFindBar.h"
+#include "UI/Results/KNResultGridView.h"
+#include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
@@ -440,4 +443,31 @@ TEST_F(QueryTabs, ComeBackAsTheyWere)
     EXPECT_EQ(other.title(), QStringLiteral("Query 4"));
     run(other, QStringLiteral("select count(*) from dbo.Books"));
     EXPECT_EQ(other.messages()->errorCount(), 0) << other.messages()->toPlainText().toStdString();
+}
+
+TEST_F(QueryTabs, FindInTheResultThatHasTheFocus)
+{
+    run(QStringLiteral("SELECT 1 AS a UNION ALL SELECT 22"));
+    KNResultSection &section = *tab.resultsPane()->section(0);
+    tab.editor()->setFocus();
+    tab.perform(KNDocumentAction::Find);
+    EXPECT_FALSE(section.findBar()->isVisible());
+    section.grid()->setFocus();
+    tab.perform(KNDocumentAction::Find);
+    ASSERT_TRUE(section.findBar()->isVisible());
+    section.findBar()->field()->setText(QStringLiteral("22"));
+    tab.perform(KNDocumentAction::FindNext);
+    EXPECT_TRUE(waitFor([&] { return section.grid()->currentIndex().row() == 1; }));
+}
+
+TEST_F(QueryTabs, DescribeTheSelectedCellsInTheStatus)
+{
+    run(QStringLiteral("SELECT 1 AS a UNION ALL SELECT 22"));
+    EXPECT_EQ(tab.status().selection, QString());
+    tab.resultsPane()->section(0)->grid()->selectAll();
+    EXPECT_TRUE(waitFor([&] {
+        return tab.status().selection.startsWith(QStringLiteral("Count: 2 · Sum: 23 "));
+    })) << tab.status().selection.toStdString();
+    tab.resultsPane()->clear();
+    EXPECT_EQ(tab.status().selection, QString());
 }
