@@ -19,9 +19,8 @@ const QString ExportFormat = QStringLiteral("ExportFormat");
 QString summaryOf(const ResultRows &rows, qsizetype hiddenColumns)
 {
     const auto tr = [](const char *text) { return KNExportDialog::tr(text); };
-    const QString rowText = rows.rowCount() == 1
-                                ? tr("1 row")
-                                : KNFormat(tr("%@ rows"), KNCountText(rows.rowCount()));
+    const QString rowText =
+        rows.rowCount() == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNCountText(rows.rowCount()));
     const QString columnText = rows.columns.size() == 1
                                    ? tr("1 column")
                                    : KNFormat(tr("all %@ columns"), KNCountText(rows.columns.size()));
@@ -39,6 +38,7 @@ KNExportDialog::KNExportDialog(const ResultRows &rows, qsizetype hiddenColumns, 
     : KNWindowController(parent)
     , m_summary(new QLabel(summaryOf(rows, hiddenColumns), this))
     , m_formats(new QComboBox(this))
+    , m_form(new QFormLayout)
     , m_separators(new QComboBox(this))
     , m_encodings(new QComboBox(this))
     , m_byteOrderMark(new QCheckBox(tr("&Byte-order mark (for Excel)"), this))
@@ -56,23 +56,24 @@ KNExportDialog::KNExportDialog(const ResultRows &rows, qsizetype hiddenColumns, 
             m_formats->setCurrentIndex(m_formats->count() - 1);
     }
     m_formats->setAccessibleName(tr("Format"));
-    auto *const form = new QFormLayout;
-    form->addRow(tr("&Format:"), m_formats);
-    m_csv = makeCsvOptions();
+    m_form->addRow(tr("&Format:"), m_formats);
+    addCsvOptions();
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_summary);
-    layout->addLayout(form);
-    layout->addWidget(m_csv);
+    layout->addLayout(m_form);
     layout->addStretch();
     layout->addWidget(makeButtons(tr("Choose File…")));
     showCsvOptions(CsvOptions::remembered());
-    const auto formatChanged = [this] { m_csv->setVisible(extension() == QLatin1String("csv")); };
+    const auto formatChanged = [this] {
+        for (int row = 1; row < m_form->rowCount(); ++row)
+            m_form->setRowVisible(row, extension() == QLatin1String("csv"));
+    };
     connect(m_formats, &QComboBox::currentIndexChanged, this, formatChanged);
     formatChanged();
     m_formats->setFocus();
 }
 
-QWidget *KNExportDialog::makeCsvOptions()
+void KNExportDialog::addCsvOptions()
 {
     m_separators->addItem(tr("Comma"), QChar(u','));
     m_separators->addItem(tr("Semicolon"), QChar(u';'));
@@ -83,16 +84,11 @@ QWidget *KNExportDialog::makeCsvOptions()
     m_encodings->setAccessibleName(tr("Encoding"));
     m_nullText->setPlaceholderText(tr("nothing"));
     m_nullText->setAccessibleName(tr("Text for NULL"));
-    auto *const options = new QWidget(this);
-    auto *const form = new QFormLayout(options);
-    form->setContentsMargins({});
-    form->addRow(tr("&Separator:"), m_separators);
-    form->addRow(tr("&Encoding:"), m_encodings);
-    form->addRow({}, m_byteOrderMark);
-    form->addRow({}, m_header);
-    form->addRow({}, m_quotes);
-    form->addRow(tr("&Text for NULL:"), m_nullText);
-    return options;
+    m_form->addRow(tr("&Separator:"), m_separators);
+    m_form->addRow(tr("&Encoding:"), m_encodings);
+    for (QCheckBox *const box : {m_byteOrderMark, m_header, m_quotes})
+        m_form->addRow({}, box);
+    m_form->addRow(tr("&Text for NULL:"), m_nullText);
 }
 
 void KNExportDialog::showCsvOptions(const CsvOptions &options)

@@ -6,6 +6,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QFormLayout;
 class QLabel;
 class QLineEdit;
 
@@ -28,12 +29,12 @@ public:
     void remember() const;
 
 private:
-    QWidget *makeCsvOptions();
+    void addCsvOptions();
     void showCsvOptions(const CsvOptions &options);
 
     QLabel *m_summary;
     QComboBox *m_formats;
-    QWidget *m_csv;
+    QFormLayout *m_form; ///< the format, followed by the options of CSV files
     QComboBox *m_separators;
     QComboBox *m_encodings;
     QCheckBox *m_byteOrderMark;

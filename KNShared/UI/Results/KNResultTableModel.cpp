@@ -1,8 +1,8 @@
 #include "UI/Results/KNResultTableModel.h"
 
 #include "Foundation/KNDispatch.h"
-#include "Foundation/KNFormat.h"
 #include "Foundation/KNNotificationCenter.h"
+#include "UI/Icons/KNIcon.h"
 #include "UI/KNPlainToolTip.h"
 
 #include <QPointer>
@@ -125,27 +125,26 @@ QString KNResultTableModel::shownName(int column) const
     return name.isEmpty() ? tr("(no name)") : inOneLine(name);
 }
 
-/// The name, and whether the column is filtered.
-QString KNResultTableModel::titleOf(int column) const
-{
-    const QString name = shownName(column);
-    return m_arrangement.filterOf(column) ? KNFormat(tr("%@ (filtered)"), name) : name;
-}
-
 QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
     const bool isSorted = m_arrangement.sortColumn == section;
     const bool isAscending = m_arrangement.sortOrder == Qt::AscendingOrder;
+    const bool isFiltered = m_arrangement.filterOf(section) != nullptr;
     switch (role) {
     case Qt::DisplayRole:
-        return titleOf(section) + (!isSorted ? QString() : QString::fromUtf16(isAscending ? u" ▲" : u" ▼"));
-    case Qt::AccessibleTextRole:
-        if (!isSorted)
-            return titleOf(section);
-        return KNFormat(isAscending ? tr("%@, sorted ascending") : tr("%@, sorted descending"),
-                        titleOf(section));
+        return shownName(section) + (!isSorted ? QString() : QString::fromUtf16(isAscending ? u" ▲" : u" ▼"));
+    case Qt::DecorationRole:
+        return isFiltered ? KNIcon::named(QStringLiteral("edit-find")) : QVariant();
+    case Qt::AccessibleTextRole: {
+        QStringList parts = {shownName(section)};
+        if (isSorted)
+            parts.append(isAscending ? tr("sorted ascending") : tr("sorted descending"));
+        if (isFiltered)
+            parts.append(tr("filtered"));
+        return parts.join(QStringLiteral(", "));
+    }
     case Qt::ToolTipRole: {
         const QString type = m_helper->typeNameForColumn(section);
         const QString name = m_columnNames.value(section);

@@ -82,7 +82,6 @@ private:
                           const KNRowCell &cell, std::size_t limit, qsizetype column, bool allowTruncate);
     Cell shown(const KNRowCell &stored, int column) const;
     QString remarkOn(int column) const;
-    QString titleOf(int column) const;
 
     const KNDatabaseResultSetPtr m_result;
     const Helper m_helper;

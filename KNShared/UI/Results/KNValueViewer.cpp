@@ -138,8 +138,9 @@ void KNValueViewer::arrange()
         button->setAutoDefault(false);
         button->setEnabled(isEnabled);
         connect(button, &QPushButton::clicked, this, pressed);
+        return button;
     };
-    addButton(tr("&Find…"), true, [this] { m_findBar->open(); });
+    m_find = addButton(tr("&Find…"), true, [this] { m_findBar->open(); });
     addButton(tr("&Copy"), !m_value.isNull(), [this] { copyValue(); });
     addButton(tr("&Save to File…"), !m_value.isNull(), [this] { saveToFile(); });
     auto *const layout = new QVBoxLayout(this);
@@ -208,6 +209,8 @@ void KNValueViewer::showImage(const KNValueImage &image)
 {
     m_isLoading = false;
     m_pages->setCurrentIndex(1);
+    m_find->setEnabled(false);
+    m_findBar->hide();
     m_image->setPixmap(QPixmap::fromImage(image.image));
     QStringList remarks;
     if (!image.problem.isEmpty())
@@ -247,7 +250,7 @@ void KNValueViewer::copyValue()
 void KNValueViewer::keyPressEvent(QKeyEvent *event)
 {
     const QKeyCombination keys = event->keyCombination();
-    if (keys == (Qt::CTRL | Qt::Key_F))
+    if (keys == (Qt::CTRL | Qt::Key_F) && m_find->isEnabled())
         m_findBar->open();
     else if (keys == QKeyCombination(Qt::Key_F3))
         m_findBar->findNext();
@@ -301,6 +304,7 @@ void KNValueViewer::showText(Form form, const QString &text, bool linesWereBroke
 {
     m_isLoading = false;
     m_pages->setCurrentIndex(0);
+    m_find->setEnabled(true);
     m_forms->setCurrentIndex(static_cast<int>(form));
     QsciLexer *lexer = nullptr;
     if (form == Form::Json)

@@ -10,6 +10,7 @@
 class QComboBox;
 class KNValueFindBar;
 class QLabel;
+class QPushButton;
 class QStackedWidget;
 class QsciScintilla;
 
@@ -76,4 +77,5 @@ private:
     QsciScintilla *m_editor;
     QLabel *m_image;
     KNValueFindBar *m_findBar;
+    QPushButton *m_find; ///< for text only
 };
