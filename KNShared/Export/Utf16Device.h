@@ -21,6 +21,7 @@ protected:
 
 private:
     QIODevice &m_device;
-    QStringDecoder m_decoder = QStringDecoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
+    QStringDecoder m_decoder =
+        QStringDecoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
     QStringEncoder m_encoder = QStringEncoder(QStringConverter::Utf16LE);
 };

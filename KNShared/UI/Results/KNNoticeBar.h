@@ -9,8 +9,8 @@
 class QLabel;
 class QToolButton;
 
-/// A line with a note about finished work, which needs no answer, and optionally a button. Hidden until there is
-/// a note; the user closes it. On the UI thread.
+/// A line with a note about finished work, which needs no answer, and optionally a button. Hidden until there
+/// is a note; the user closes it. On the UI thread.
 class KNSHAREDUI_EXPORT KNNoticeBar : public QFrame
 {
     Q_OBJECT

@@ -93,6 +93,18 @@ void KNResultGridView::paintEvent(QPaintEvent *event)
     const QItemSelection selection = selectionModel()->selection();
     for (int row = first; row <= last; ++row)
         paintRow(painter, row, selection);
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(m_padding, m_padding, -m_padding, -m_padding),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText());
+}
+
+QString KNResultGridView::emptyText() const
+{
+    if (m_resultModel.rowCount() > 0 || !m_resultModel.isFinished())
+        return {};
+    return m_resultModel.arrangement().isFiltered()
+               ? tr("No row matches the filter. \"Show All Rows\" removes it.")
+               : tr("The result has no rows.");
 }
 
 void KNResultGridView::paintRow(QPainter &painter, int row, const QItemSelection &selection)

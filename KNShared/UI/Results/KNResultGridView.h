@@ -34,6 +34,8 @@ public:
     int visibleRowCount() const;
     /// The height for this number of rows, with headers and scroll bar.
     int heightForRows(int rows) const;
+    /// Explains a grid without rows; empty while rows are shown or may arrive.
+    QString emptyText() const;
 
     /// The selected rows and shown columns: those with at least one selected cell.
     ResultRows selectedRows() const;

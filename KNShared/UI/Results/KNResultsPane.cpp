@@ -17,6 +17,7 @@
 #include <QBoxLayout>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QLabel>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QUrl>
@@ -39,6 +40,7 @@ QString titleOf(int result)
 KNResultsPane::KNResultsPane(QWidget *parent)
     : QWidget(parent)
     , m_showsTabs(KNUserDefaults::standardUserDefaults()->boolForKey(ResultsAsTabs))
+    , m_empty(new QLabel(this))
     , m_tabs(new KNResultTabs(this))
     , m_mode(new QToolButton(this))
     , m_stack(new KNResultStack([this](int result) { return section(result); },
@@ -55,6 +57,10 @@ KNResultsPane::KNResultsPane(QWidget *parent)
     pageLayout->setContentsMargins({});
     m_views->addWidget(m_stack);
     m_views->addWidget(m_page);
+    m_views->addWidget(m_empty);
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setWordWrap(true);
+    m_empty->setForegroundRole(QPalette::PlaceholderText);
 
     auto *const head = new QHBoxLayout;
     head->addWidget(m_tabs, 1);
@@ -88,12 +94,14 @@ void KNResultsPane::beginRun(const std::shared_ptr<KNResultSetHolder> &results, 
     m_holder = results;
     m_details = details.copy();
     m_isRunning = true;
+    showPage();
 }
 
 void KNResultsPane::finishRun()
 {
     m_isRunning = false;
     showNewResults();
+    showPage();
 }
 
 void KNResultsPane::clear()
@@ -182,10 +190,31 @@ void KNResultsPane::showPlaces()
     m_tabs->setCount(resultCount());
     m_tabs->setVisible(m_showsTabs && resultCount() > 1);
     m_mode->setVisible(resultCount() > 1);
+    showPage();
     if (!m_showsTabs)
         m_stack->setCount(resultCount());
     else if (resultCount() > 0 && !m_sections.contains(m_tabs->current()))
         showTab(m_tabs->current());
+}
+
+/// Shows the results or why there are none.
+void KNResultsPane::showPage()
+{
+    if (m_isRunning)
+        m_empty->setText(tr("Waiting for results…"));
+    else if (m_holder)
+        m_empty->setText(tr("The query returned no result set. Its messages are under Messages."));
+    else
+        m_empty->setText(tr("Run a query with F5 to see its results here."));
+    if (resultCount() == 0)
+        m_views->setCurrentWidget(m_empty);
+    else
+        m_views->setCurrentIndex(m_showsTabs ? 1 : 0);
+}
+
+QString KNResultsPane::emptyText() const
+{
+    return m_views->currentWidget() == m_empty ? m_empty->text() : QString();
 }
 
 void KNResultsPane::showTab(int result)
@@ -213,7 +242,6 @@ void KNResultsPane::setShowsTabs(bool shows)
     qDeleteAll(std::exchange(m_sections, {}));
     setSelectionSummary({});
     m_stack->setCount(0);
-    m_views->setCurrentIndex(shows ? 1 : 0);
     showPlaces();
 }
 

@@ -16,6 +16,7 @@ class KNResultSection;
 class KNResultStack;
 class KNResultTableModel;
 class KNResultTabs;
+class QLabel;
 class QStackedWidget;
 class QToolButton;
 
@@ -51,6 +52,8 @@ public:
     KNResultSection *currentSection();
     /// Performs an action in the result that has the focus; false if none has, or it has no such action.
     bool perform(KNDocumentAction action);
+    /// Explains an empty pane; empty while it shows results.
+    QString emptyText() const;
     KNResultTabs *tabs() const { return m_tabs; }
     KNResultExportBar *exportBar() const { return m_exportBar; }
     KNNoticeBar *noticeBar() const { return m_noticeBar; }
@@ -72,6 +75,7 @@ private:
 
     bool takeNewResults();
     void showPlaces();
+    void showPage();
     void showTab(int result);
     void dropSections(int firstKept, int lastKept);
     int wantedHeight(int result) const;
@@ -89,6 +93,7 @@ private:
     QString m_selectionSummary;
     bool m_showsTabs;
     bool m_isRunning = false;
+    QLabel *m_empty; ///< shown instead of results while there are none
     KNResultTabs *m_tabs;
     QToolButton *m_mode;
     KNResultStack *m_stack;

@@ -409,3 +409,35 @@ TEST(ResultsPane, IsFreeWhileAMillionRowsStreamIn)
     const auto &longest = WatchedApplication::instance().longestCall();
     EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
 }
+
+TEST(ResultsPane, SaysWhyItIsEmpty)
+{
+    KNResultsPane unused;
+    EXPECT_EQ(unused.emptyText(), QStringLiteral("Run a query with F5 to see its results here."));
+    Pane running;
+    EXPECT_EQ(running.pane.emptyText(), QStringLiteral("Waiting for results…"));
+    running.pane.finishRun();
+    EXPECT_EQ(running.pane.emptyText(),
+              QStringLiteral("The query returned no result set. Its messages are under Messages."));
+    for (const bool asTabs : {false, true}) {
+        Pane shown({numberedRows(3)});
+        shown.pane.setShowsTabs(asTabs);
+        EXPECT_EQ(shown.pane.emptyText(), QString());
+        EXPECT_TRUE(shown.pane.section(0)->grid()->isVisible());
+        shown.pane.clear();
+        EXPECT_EQ(shown.pane.emptyText(), unused.emptyText());
+        shown.pane.setShowsTabs(false);
+    }
+}
+
+TEST(ResultGrid, SaysWhyItIsEmpty)
+{
+    Pane shown({result({QStringLiteral("a")}, {}), numberedRows(10)});
+    EXPECT_EQ(shown.pane.section(0)->grid()->emptyText(), QStringLiteral("The result has no rows."));
+    KNResultSection &filtered = *shown.pane.section(1);
+    EXPECT_EQ(filtered.grid()->emptyText(), QString());
+    ASSERT_TRUE(filtered.model().arrange({.filterText = QStringLiteral("zzz")}));
+    ASSERT_TRUE(waitFor([&] { return !filtered.model().isArranging(); }));
+    EXPECT_EQ(filtered.grid()->emptyText(),
+              QStringLiteral("No row matches the filter. \"Show All Rows\" removes it."));
+}

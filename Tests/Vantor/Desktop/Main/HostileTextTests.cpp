@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 using WindowTesting::waitFor;
@@ -142,6 +143,8 @@ TEST_F(HostileTexts, OfResultsAndMessagesAreShownAsTheyAre)
     EXPECT_TRUE(waitFor([&] { return tab()->messages()->toPlainText().count(Markup) >= 3; }))
         << tab()->messages()->toPlainText().toStdString();
     tab()->resultsPane()->setShowsTabs(true);
+    // The error has brought the messages to the front.
+    tab()->findChild<QTabWidget *>()->setCurrentWidget(tab()->resultsPane());
     EXPECT_TRUE(WindowTesting::settle());
     const QStringList places = placesIn(*m_window);
     EXPECT_EQ(missing(places, {QStringLiteral("header"), QStringLiteral("header's help"),
