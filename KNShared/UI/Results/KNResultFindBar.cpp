@@ -195,8 +195,10 @@ KNRowSearch::Match KNResultFindBar::current() const
 
 void KNResultFindBar::step(Step step)
 {
-    if (step == Step::None || m_field->text().isEmpty())
+    if (step == Step::None)
         return;
+    if (m_field->text().isEmpty())
+        return open();
     if (!m_isComplete) {
         if (isSearching())
             m_step = step;

@@ -157,3 +157,11 @@ TEST(ResultFindBar, SearchesAMillionRowsInTheBackgroundAndCanBeCancelled)
     EXPECT_LT(application.longestCall().milliseconds, WatchedApplication::LongestAllowed)
         << application.longestCall().what;
 }
+
+TEST(ResultFindBar, AsksForATextWhenThereIsNone)
+{
+    Searched shown(numberedRows(10));
+    QTest::keyClick(shown.section.grid(), Qt::Key_F3);
+    EXPECT_TRUE(shown.bar.isVisible());
+    EXPECT_TRUE(shown.bar.field()->hasFocus());
+}
