@@ -55,7 +55,8 @@ MSSQLTableDesignerViewController::MSSQLTableDesignerViewController(const QString
 
     connect(triggers, &MSSQLTableTriggerDesignerViewController::definitionRequested, this,
             [this](const QString &statement) {
-                m_workspace.openQueryText(statement, m_session->settings(), KNWorkspace::QueryUse::Show);
+                m_workspace.openQueryText(statement, m_session->settings(), KNWorkspace::QueryUse::Show,
+                                          m_session->table().name);
             });
     connect(m_session, &MSSQLTableDesignSession::busyChanged, this, &KNDocumentTab::statusChanged);
     connect(m_session, &MSSQLTableDesignSession::renamed, this, &KNDocumentTab::titleChanged);
