@@ -15,7 +15,7 @@ class VantorDBC;
 ///     Q_PLUGIN_METADATA(IID KNConnectorPlugin_iid FILE "Connector.json")
 ///     Q_INTERFACES(KNConnectorPlugin)
 ///
-/// with {"contract": 1, "name": "..."} in the file. A change that breaks modules built before it raises both
+/// with {"contract": 2, "name": "..."} in the file. A change that breaks modules built before it raises both
 /// numbers.
 class KNSHARED_EXPORT KNConnectorPlugin
 {
@@ -28,5 +28,5 @@ public:
     virtual std::shared_ptr<VantorDBC> createConnectionDetails() const = 0;
 };
 
-#define KNConnectorPlugin_iid "com.quorvex.vantor.connector/1"
+#define KNConnectorPlugin_iid "com.quorvex.vantor.connector/2"
 Q_DECLARE_INTERFACE(KNConnectorPlugin, KNConnectorPlugin_iid)

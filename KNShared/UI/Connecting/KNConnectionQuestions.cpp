@@ -18,8 +18,6 @@ struct KNConnectionQuestionTexts
     Q_DECLARE_TR_FUNCTIONS(KNConnectionQuestions)
 };
 
-using Texts = KNConnectionQuestionTexts;
-
 } // namespace
 
 void KNConnectionQuestions::ask(QWidget *window, const KNError &error, const VantorDBCPtr &details,
@@ -41,13 +39,14 @@ void KNConnectionQuestions::askAboutHostKey(QWidget *window, const KNSSHHostKey 
                                             const Answered &answered)
 {
     KNAlerts::Question question;
-    question.title = Texts::tr("Is this the right SSH server?");
-    question.text =
-        KNFormat(Texts::tr("%@ is not known yet. Its %@ key has the fingerprint\n\n%@\n\nCompare it "
-                           "with the one from the server's administrator. If they differ, someone "
-                           "may be pretending to be the server."),
-                 key.host(), key.type(), key.fingerprint());
-    question.buttons = QStringList{Texts::tr("Cancel"), Texts::tr("Accept Key and Connect")};
+    question.title = KNConnectionQuestionTexts::tr("Is this the right SSH server?");
+    question.text = KNFormat(KNConnectionQuestionTexts::tr(
+                                 "%@ is not known yet. Its %@ key has the fingerprint\n\n%@\n\nCompare it "
+                                 "with the one from the server's administrator. If they differ, someone "
+                                 "may be pretending to be the server."),
+                             key.host(), key.type(), key.fingerprint());
+    question.buttons = QStringList{KNConnectionQuestionTexts::tr("Cancel"),
+                                   KNConnectionQuestionTexts::tr("Accept Key and Connect")};
     KNAlerts::shared().ask(window, question, [window = QPointer(window), key, answered](int button) {
         if (!window)
             return;
@@ -65,9 +64,9 @@ void KNConnectionQuestions::askAboutCertificate(QWidget *window, const KNServerC
 {
     const auto date = [](const QDateTime &time) { return time.toString(QStringLiteral("yyyy-MM-dd")); };
     KNAlerts::Question question;
-    question.title = Texts::tr("Trust this certificate?");
+    question.title = KNConnectionQuestionTexts::tr("Trust this certificate?");
     question.text = KNFormat(
-        Texts::tr(
+        KNConnectionQuestionTexts::tr(
             "%@\n\nServer: %@\nIssued to: %@\nIssued by: %@\nValid: %@ to %@\nSHA-256 fingerprint:\n%@\n\n"
             "Compare the fingerprint with the one from the server's administrator. If they differ, someone "
             "may "
@@ -75,7 +74,8 @@ void KNConnectionQuestions::askAboutCertificate(QWidget *window, const KNServerC
             "other one."),
         reason, details->host(), certificate.subject, certificate.issuer, date(certificate.validFrom),
         date(certificate.validUntil), certificate.fingerprint());
-    question.buttons = QStringList{Texts::tr("Cancel"), Texts::tr("Trust This Certificate")};
+    question.buttons = QStringList{KNConnectionQuestionTexts::tr("Cancel"),
+                                   KNConnectionQuestionTexts::tr("Trust This Certificate")};
     KNAlerts::shared().ask(window, question,
                            [window = QPointer(window), certificate, details, answered](int button) {
                                if (!window)
@@ -89,10 +89,11 @@ void KNConnectionQuestions::askAboutCertificate(QWidget *window, const KNServerC
 void KNConnectionQuestions::askForPassphrase(QWidget *window, const QString &prompt, const QString &reason,
                                              const Answered &answered)
 {
-    auto *const sheet = new KNPasswordWindowController({Texts::tr("Passphrase of the SSH Key"),
-                                                        prompt.trimmed().replace(u'&', QStringLiteral("&&")),
-                                                        Texts::tr("Connect"), reason},
-                                                       window);
+    auto *const sheet =
+        new KNPasswordWindowController({KNConnectionQuestionTexts::tr("Passphrase of the SSH Key"),
+                                        prompt.trimmed().replace(u'&', QStringLiteral("&&")),
+                                        KNConnectionQuestionTexts::tr("Connect"), reason},
+                                       window);
     sheet->beginSheet([sheet, prompt, answered](int code) {
         if (code == 1)
             KNSSHPassphrases::set(prompt, sheet->password());

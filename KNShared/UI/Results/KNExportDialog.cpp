@@ -18,18 +18,18 @@ const QString ExportFormat = QStringLiteral("ExportFormat");
 
 QString summaryOf(const ResultRows &rows, qsizetype hiddenColumns)
 {
-    const auto tr = [](const char *text) { return KNExportDialog::tr(text); };
-    const QString rowText =
-        rows.rowCount() == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNCountText(rows.rowCount()));
-    const QString columnText = rows.columns.size() == 1
-                                   ? tr("1 column")
-                                   : KNFormat(tr("all %@ columns"), KNCountText(rows.columns.size()));
+    const QString rowText = rows.rowCount() == 1
+                                ? KNExportDialog::tr("1 row")
+                                : KNFormat(KNExportDialog::tr("%@ rows"), KNCountText(rows.rowCount()));
+    const QString columnText = rows.columns.size() == 1 ? KNExportDialog::tr("1 column")
+                                                        : KNFormat(KNExportDialog::tr("all %@ columns"),
+                                                                   KNCountText(rows.columns.size()));
     if (hiddenColumns == 0)
-        return KNFormat(tr("%@ and %@ are written."), rowText, columnText);
-    const QString hiddenText = hiddenColumns == 1
-                                   ? tr("the hidden one")
-                                   : KNFormat(tr("the %@ hidden ones"), KNCountText(hiddenColumns));
-    return KNFormat(tr("%@ and %@ are written, also %@."), rowText, columnText, hiddenText);
+        return KNFormat(KNExportDialog::tr("%@ and %@ are written."), rowText, columnText);
+    const QString hiddenText =
+        hiddenColumns == 1 ? KNExportDialog::tr("the hidden one")
+                           : KNFormat(KNExportDialog::tr("the %@ hidden ones"), KNCountText(hiddenColumns));
+    return KNFormat(KNExportDialog::tr("%@ and %@ are written, also %@."), rowText, columnText, hiddenText);
 }
 
 } // namespace

@@ -11,11 +11,6 @@ namespace {
 
 constexpr int AllocationLimit = 128; // MB, for one image
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("KNValueImage", text);
-}
-
 /// A bitmap has no more than two letters as a mark: its header must have a known size, too.
 bool isBitmap(const QByteArray &bytes)
 {
@@ -51,12 +46,17 @@ KNValueImage KNValueImage::decoded(const QByteArray &file, const QByteArray &for
     reader.setAutoTransform(true);
     result.size = reader.size();
     if (file.size() > LargestFile) {
-        result.problem = KNFormat(tr("The image is not shown: it has more than %lld MB."), LargestFile >> 20);
+        result.problem = KNFormat(
+            QCoreApplication::translate("KNValueImage", "The image is not shown: it has more than %lld MB."),
+            LargestFile >> 20);
     } else if (qint64{result.size.width()} * result.size.height() > MostPixels) {
-        result.problem = KNFormat(tr("The image is not shown: %d × %d pixels are too many."),
+        result.problem = KNFormat(QCoreApplication::translate(
+                                      "KNValueImage", "The image is not shown: %d × %d pixels are too many."),
                                   result.size.width(), result.size.height());
     } else if (!reader.read(&result.image)) {
-        result.problem = KNFormat(tr("The image cannot be shown: %@."), reader.errorString());
+        result.problem =
+            KNFormat(QCoreApplication::translate("KNValueImage", "The image cannot be shown: %@."),
+                     reader.errorString());
     }
     if (!result.problem.isEmpty()) {
         result.image = QImage(); // a part of it may have been read

@@ -22,8 +22,13 @@ TEST(Connector, BringsItsWindowsWithIt)
     EXPECT_EQ(dialog->parent(), &parent);
     EXPECT_TRUE(windows->recentConnections().makeEntry());
     const KNConnectorPreferences preferences = windows->preferences();
-    ASSERT_EQ(preferences.booleans.size(), 1);
-    EXPECT_EQ(preferences.booleans.first().key, QStringLiteral("MSSQLUseCorrectedStatements"));
+    QStringList keys;
+    for (const KNBooleanPreference &preference : preferences.booleans) {
+        keys.append(preference.key);
+        EXPECT_FALSE(preference.defaultValue) << preference.key.toStdString();
+    }
+    EXPECT_EQ(keys, (QStringList{QStringLiteral("MSSQLUseCorrectedStatements"),
+                                 QStringLiteral("MSSQLShowSystemDatabases"),
+                                 QStringLiteral("MSSQLShowSecurity"), QStringLiteral("MSSQLShowRowCounts")}));
     EXPECT_EQ(preferences.booleans.first().title, QStringLiteral("&Use corrected statements"));
-    EXPECT_FALSE(preferences.booleans.first().defaultValue);
 }

@@ -18,16 +18,19 @@ void fillDocumentTabMenu(QMenu &menu, DocumentTabs &tabs, KNDocumentTab &documen
     others.removeAll(&document);
     const QList<KNDocumentTab *> toTheRight = documents.mid(documents.indexOf(&document) + 1);
 
-    add(QT_TR_NOOP("&Close"), true, [&tabs, &document] { tabs.closeDocuments({&document}); });
-    add(QT_TR_NOOP("Close &Others"), !others.isEmpty(), [&tabs, others] { tabs.closeDocuments(others); });
-    add(QT_TR_NOOP("Close to the &Right"), !toTheRight.isEmpty(),
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "&Close"), true,
+        [&tabs, &document] { tabs.closeDocuments({&document}); });
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Close &Others"), !others.isEmpty(),
+        [&tabs, others] { tabs.closeDocuments(others); });
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Close to the &Right"), !toTheRight.isEmpty(),
         [&tabs, toTheRight] { tabs.closeDocuments(toTheRight); });
-    add(QT_TR_NOOP("Reopen C&losed"), tabs.hasClosedDocuments(), [&tabs] { Q_EMIT tabs.reopenRequested(); });
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Reopen C&losed"), tabs.hasClosedDocuments(),
+        [&tabs] { Q_EMIT tabs.reopenRequested(); });
     menu.addSeparator();
-    add(QT_TR_NOOP("&Duplicate"), !document.textForCopy().isNull(),
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "&Duplicate"), !document.textForCopy().isNull(),
         [&tabs, &document] { Q_EMIT tabs.duplicateRequested(&document); });
-    add(QT_TR_NOOP("Copy &Path"), !document.filePath().isNull(),
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Copy &Path"), !document.filePath().isNull(),
         [&document] { QApplication::clipboard()->setText(QDir::toNativeSeparators(document.filePath())); });
-    add(QT_TR_NOOP("Reco&nnect"), document.canPerform(KNDocumentAction::Reconnect),
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Reco&nnect"), document.canPerform(KNDocumentAction::Reconnect),
         [&document] { document.perform(KNDocumentAction::Reconnect); });
 }

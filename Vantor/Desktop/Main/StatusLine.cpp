@@ -5,9 +5,9 @@
 #include "Foundation/KNFormat.h"
 #include "UI/KNPlainToolTip.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QEvent>
-#include <QAccessibleWidget>
 #include <QLabel>
 
 #include <utility>
@@ -116,8 +116,8 @@ void StatusLine::showStatus(const KNDocumentStatus &status)
 void StatusLine::clearStatus()
 {
     m_selection->setToolTip({});
-    for (QLabel *const label : {m_selection, m_text, m_database, m_transaction, m_position, m_encoding,
-                                m_lineEnds, m_rows, m_time})
+    for (QLabel *const label :
+         {m_selection, m_text, m_database, m_transaction, m_position, m_encoding, m_lineEnds, m_rows, m_time})
         label->clear();
     setHasTransaction(false);
 }

@@ -16,8 +16,6 @@ struct RiskyRunQuestionTexts
     Q_DECLARE_TR_FUNCTIONS(RiskyRunQuestion)
 };
 
-using Texts = RiskyRunQuestionTexts;
-
 QStringList riskyStatements(const QueryRequest &request, const VantorDBC &details)
 {
     QStringList found;
@@ -33,7 +31,7 @@ QString listOf(const QStringList &statements)
     constexpr qsizetype Most = 8;
     QString text = statements.mid(0, Most).join(QLatin1Char('\n'));
     if (statements.size() > Most)
-        text += KNFormat(Texts::tr("\n… and %ld more"), statements.size() - Most);
+        text += KNFormat(RiskyRunQuestionTexts::tr("\n… and %ld more"), statements.size() - Most);
     return text;
 }
 
@@ -41,11 +39,13 @@ void confirm(QWidget *window, const QString &name, const QStringList &statements
              const std::function<void()> &run)
 {
     KNAlerts::Question question;
-    question.title = KNFormat(Texts::tr("Run this on the production connection \"%@\"?"), name);
+    question.title =
+        KNFormat(RiskyRunQuestionTexts::tr("Run this on the production connection \"%@\"?"), name);
     question.text =
-        KNFormat(Texts::tr("These statements change all rows of a table, or drop or empty an object:\n\n%@"),
+        KNFormat(RiskyRunQuestionTexts::tr(
+                     "These statements change all rows of a table, or drop or empty an object:\n\n%@"),
                  listOf(statements));
-    question.buttons = QStringList{Texts::tr("Cancel"), Texts::tr("Run")};
+    question.buttons = QStringList{RiskyRunQuestionTexts::tr("Cancel"), RiskyRunQuestionTexts::tr("Run")};
     KNAlerts::shared().ask(window, question, [window = QPointer(window), run](int button) {
         if (window && button == 1)
             run();

@@ -143,9 +143,9 @@ void MSSQLEditForeignKeyWindowController::loadReferencedColumns()
             using Designer = MSSQLTableColumnDesignerViewController;
             KNError error;
             const Columns own = Designer::loadTable(table.name, table.schema, settings.get(), &error);
-            const Columns referenced =
-                target.size() == 2 ? Designer::loadTable(target[1], target[0], settings.get(), &error)
-                                   : Columns();
+            const Columns referenced = target.size() == 2
+                                           ? Designer::loadTable(target[1], target[0], settings.get(), &error)
+                                           : Columns();
             KNDispatch::mainQueue([self, own, referenced, load] {
                 if (self && self->m_load == load)
                     self->showColumns(own, referenced);
