@@ -99,8 +99,8 @@ TEST(KNConnectorLoader, RefusesAPluginForSomethingElse)
 TEST(KNConnectorLoader, RefusesAnotherVersionOfTheContract)
 {
     expectRefusal(plugin("NewerContract"), Problem::WrongContract,
-                  "keeps version 2 of the connector contract");
-    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 1");
+                  "keeps version 3 of the connector contract");
+    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 2");
 }
 
 TEST(KNConnectorLoader, RefusesAConnectorWithoutAName)
