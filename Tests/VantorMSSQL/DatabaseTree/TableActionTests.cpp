@@ -29,6 +29,7 @@ std::shared_ptr<MSSQLDatabaseConnectionDetails> sampleSettings()
     details->setUsername(QString::fromLatin1(SampleServerFixture::User));
     details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
     details->setDatabase(QStringLiteral("library"));
+    details->setConnectionId(QStringLiteral("table-action-tests"));
     return details;
 }
 
@@ -261,6 +262,16 @@ TEST_F(TableAction, CreatesATableAndOpensItsDesigner)
     EXPECT_EQ(m_workspace.opened.front()->title(), QStringLiteral("Made-1"));
     EXPECT_EQ(added, TreeTesting::list({"act", "Made-1"}));
     EXPECT_TRUE(holds("COLUMNPROPERTY(OBJECT_ID('act.[Made-1]'), 'Id', 'IsIdentity') = 1"));
+}
+
+TEST_F(TableAction, ADoubleClickOnAColumnOrIndexOpensTheDesigner)
+{
+    entry({"library", "Tables", "act.Acted", "Columns", "name"})->onDoubleClicked();
+    ASSERT_EQ(m_workspace.opened.size(), 1);
+    EXPECT_EQ(m_workspace.opened.front()->title(), QStringLiteral("Acted"));
+    entry({"library", "Tables", "act.Acted", "Indexes", "IX_Acted"})->onDoubleClicked();
+    EXPECT_EQ(m_workspace.opened.size(), 1);
+    EXPECT_EQ(m_workspace.shown, m_workspace.opened.front());
 }
 
 TEST(CreateTable, HasTheExactStatement)

@@ -208,6 +208,28 @@ TEST_F(TableDesigner, OffersTypesWithTheAliasTypesOfTheDatabase)
     EXPECT_EQ(columnsOf("des")[0], QStringLiteral("id bigint"));
 }
 
+TEST_F(TableDesigner, AsksBeforeATypeThatDoesNotHoldAllValues)
+{
+    run("INSERT INTO des.Item (id, name) VALUES (1, N'a'), (2, N'a longer name'), (3, NULL)");
+    edit(1, Column::Type, QStringLiteral("nvarchar(5)"));
+    ASSERT_TRUE(waitFor([&] { return !m_alerts.questions.empty(); }));
+    EXPECT_EQ(m_alerts.questions[0].title,
+              QStringLiteral("Change the type of 'name' from nvarchar(20) to nvarchar(5)?"));
+    EXPECT_EQ(m_alerts.questions[0].text,
+              QStringLiteral("1 row has a value that the new type does not hold."));
+    m_alerts.pending[0](0);
+    EXPECT_EQ(columnsOf("des")[1], QStringLiteral("name nvarchar(20) null"));
+    edit(1, Column::Type, QStringLiteral("nvarchar(13)"));
+    ASSERT_TRUE(waitFor([&] { return m_alerts.questions.size() == 2; }));
+    EXPECT_EQ(m_alerts.questions[1].text,
+              QStringLiteral("0 rows have values that the new type does not hold."));
+    m_alerts.pending[1](1);
+    ASSERT_TRUE(waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
+    finish();
+    EXPECT_EQ(columnsOf("des")[1], QStringLiteral("name nvarchar(13) null"));
+    run("DELETE FROM des.Item");
+}
+
 TEST_F(TableDesigner, RefusesANullableKey)
 {
     edit(1, Column::Primary, true);
@@ -221,6 +243,12 @@ TEST_F(TableDesigner, ShowsTheErrorAndTheStatementOfARefusedChange)
 {
     const QStringList before = columnsOf("des");
     edit(0, Column::Type, QStringLiteral("notatype"));
+    ASSERT_TRUE(waitFor([&] { return !m_alerts.pending.empty(); }));
+    EXPECT_EQ(m_alerts.questions.front().text,
+              QStringLiteral("It is unknown how many rows have values that the new type does not hold."));
+    m_alerts.pending.front()(1);
+    EXPECT_TRUE(waitFor([&] { return !m_alerts.messages.empty(); }));
+    finish();
     ASSERT_EQ(m_alerts.messages.size(), 1u);
     const QString text = m_alerts.messages.front().at(1);
     EXPECT_TRUE(text.startsWith(QStringLiteral("Error: "))) << text.toStdString();

@@ -2,6 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 /// An index of a table or a view.
 class MSSQLDatabaseTreeEntryTableIndex : public KNDatabaseTreeEntry
@@ -17,6 +18,8 @@ public:
     QString image() const override { return QStringLiteral("DatabaseTree-Index"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNMenu menu() override;
+    /// Opens the designer of the table; does nothing for a view.
+    void onDoubleClicked() override { MSSQLTreeCatalog::openDesigner(*this); }
     KNObjectPropertiesLoader propertiesLoader() const override;
 
 protected:

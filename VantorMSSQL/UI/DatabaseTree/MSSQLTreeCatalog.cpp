@@ -2,6 +2,7 @@
 
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Catalog/MSSQLObjectProperties.h"
+#include "DatabaseTree/KNDatabaseTreeContextHelper.h"
 
 #include <QCollator>
 
@@ -26,6 +27,14 @@ KNObjectPropertiesLoader objectProperties(const KNDatabaseTreeEntry &entry, cons
     return MSSQLObjectProperties::loader(
         entry.databaseConnectionDetails(), "Properties_Object",
         {{QStringLiteral("SCHEMA"), schema}, {QStringLiteral("OBJECT"), object}});
+}
+
+void openDesigner(const KNDatabaseTreeEntry &entry)
+{
+    const auto section = entry.parent();
+    const auto table = section ? section->parent() : nullptr;
+    if (const auto helper = entry.contextHelper(); helper && table)
+        helper->performAction(QStringLiteral("alterTable:"), table);
 }
 
 int compareNames(const QString &left, const QString &right)

@@ -20,6 +20,9 @@ QString text(const KNDatabaseTreeEntry &entry, const char *title, const QMap<QSt
 KNObjectPropertiesLoader objectProperties(const KNDatabaseTreeEntry &entry, const QString &schema,
                                           const QString &object);
 
+/// Opens the designer of the table that contains the entry; does nothing below a view.
+void openDesigner(const KNDatabaseTreeEntry &entry);
+
 /// Compares names by the user's locale, without regard to case; null equals empty.
 int compareNames(const QString &left, const QString &right);
 

@@ -8,12 +8,15 @@
 #include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "TableDesign/MSSQLColumnScript.h"
 #include "TableDesign/MSSQLPrimaryKeyScript.h"
+#include "TableDesign/MSSQLTypeChange.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
+#include "UI/TableDesigner/MSSQLMisfitCount.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableView>
@@ -176,6 +179,43 @@ void MSSQLTableColumnDesignerViewController::setObjectValue(const QVariant &valu
             m_session.window(),
             KNError(QString(), 0,
                     tr("You must disable 'nullable' before this column can become a primary key.")));
+    if (column == Column::Type && MSSQLTypeChange::mayLoseValues(record.displayType(), value.toString()))
+        return confirmType(value.toString(), row);
+    runEdit(value, column, row);
+}
+
+/// Counts the rows that the type does not hold, and asks the user.
+void MSSQLTableColumnDesignerViewController::confirmType(const QString &type, int row)
+{
+    const MSSQLColumnRecord record = m_model->columns().value(row);
+    MSSQLMisfitCount::count(
+        m_session.settings(),
+        MSSQLTypeChange::countQuery(m_session.table(), record.columnName, record.displayType(), type), this,
+        [this, type, row](std::optional<qint64> misfits) { askAboutType(type, row, misfits); });
+}
+
+void MSSQLTableColumnDesignerViewController::askAboutType(const QString &type, int row,
+                                                          std::optional<qint64> misfits)
+{
+    const MSSQLColumnRecord record = m_model->columns().value(row);
+    QString text = tr("It is unknown how many rows have values that the new type does not hold.");
+    if (misfits)
+        text = *misfits == 1 ? tr("1 row has a value that the new type does not hold.")
+                             : KNFormat(tr("%@ rows have values that the new type does not hold."),
+                                        QLocale().toString(*misfits));
+    const KNAlerts::Question question{
+        KNFormat(tr("Change the type of '%@' from %@ to %@?"), record.columnName, record.displayType(), type),
+        text,
+        {tr("Cancel"), tr("Change Type")}};
+    KNAlerts::shared().ask(m_session.window(), question, [self = QPointer(this), type, row](int button) {
+        if (self && button == 1)
+            self->runEdit(type, Column::Type, row);
+    });
+}
+
+void MSSQLTableColumnDesignerViewController::runEdit(const QVariant &value, Column column, int row)
+{
+    const MSSQLColumnRecord record = m_model->columns().value(row);
     m_session.run({updateStatement(record, column, value),
                    KNFormat(tr("Changing column '%@'"), record.columnName),
                    QStringLiteral("mssql.tabledesigner.alterTable"),

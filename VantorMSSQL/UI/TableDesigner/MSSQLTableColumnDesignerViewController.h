@@ -37,6 +37,9 @@ private:
     using Column = MSSQLColumnGridModel::Column;
 
     void setObjectValue(const QVariant &value, Column column, int row);
+    void confirmType(const QString &type, int row);
+    void askAboutType(const QString &type, int row, std::optional<qint64> misfits);
+    void runEdit(const QVariant &value, Column column, int row);
     MSSQLTableDesignSession::Statement updateStatement(const MSSQLColumnRecord &record, Column column,
                                                        const QVariant &value) const;
     void loadTypes();

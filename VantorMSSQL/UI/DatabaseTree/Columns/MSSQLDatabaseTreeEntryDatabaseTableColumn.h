@@ -2,6 +2,7 @@
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 /// A column of a table or a view, displayed by its name.
 class MSSQLDatabaseTreeEntryDatabaseTableColumn : public KNDatabaseTreeEntry
@@ -21,6 +22,8 @@ public:
     QString tableCellIdentifier() const override { return QStringLiteral("ColumnDetailsTableCellView"); }
     QString dragDropString() const override { return MSSQLObjectPath::readable({m_columnName}); }
     KNMenu menu() override;
+    /// Opens the designer of the table; does nothing for a view.
+    void onDoubleClicked() override { MSSQLTreeCatalog::openDesigner(*this); }
     KNObjectPropertiesLoader propertiesLoader() const override;
 
 protected:
