@@ -89,9 +89,11 @@ protected:
     {
         if (depth == 0)
             return;
-        const QAbstractItemModel *const model = tree()->model();
+        QAbstractItemModel *const model = tree()->model();
         const QPersistentModelIndex parent(index);
         tree()->expand(index);
+        if (model->canFetchMore(parent)) // the view waits for its next layout
+            model->fetchMore(parent);
         EXPECT_TRUE(WindowTesting::settle());
         for (int row = 0; row < model->rowCount(parent); ++row)
             expand(model->index(row, 0, parent), depth - 1);
