@@ -18,8 +18,8 @@ struct Type
 {
     QString name;
     Family family = Family::Other;
-    int first = -1;  ///< length or precision; Unlimited for max; -1 if not given
-    int second = -1; ///< scale; -1 if not given
+    int first = -1;       ///< length or precision; Unlimited for max; -1 if not given
+    int second = -1;      ///< scale; -1 if not given
     bool isKnown = false; ///< whether the text is one word with a size; alias types are not
 };
 
@@ -99,8 +99,8 @@ QString condition(const QString &column, const Type &before, const Type &after)
             conditions.append(KNFormat("DATALENGTH(%@) > %d", column,
                                        before.family == Family::UnicodeText ? after.first * 2 : after.first));
         if (before.family == Family::UnicodeText && after.family == Family::Text)
-            conditions.append(KNFormat("CONVERT(nvarchar(max), CONVERT(varchar(max), %@)) <> %@", column,
-                                       column));
+            conditions.append(
+                KNFormat("CONVERT(nvarchar(max), CONVERT(varchar(max), %@)) <> %@", column, column));
         return conditions.join(QStringLiteral(" OR "));
     }
     if (before.family == Family::Binary && after.family == Family::Binary)

@@ -20,20 +20,32 @@ QString count(const char *before, const char *after)
 
 TEST(TypeChange, LosesNothingInAWiderTypeOfTheFamily)
 {
-    for (const auto &[before, after] :
-         {std::pair("int", "bigint"), {"nvarchar(20)", "nvarchar(21)"}, {"nvarchar(20)", "NVARCHAR(MAX)"},
-          {"varchar(20)", "nvarchar(20)"}, {"decimal(9,2)", "decimal(10,3)"}, {"decimal(9,2)", "numeric(9,2)"},
-          {"varbinary(8)", "varbinary(max)"}, {"datetime", "datetime"}, {"int", " INT "}})
+    for (const auto &[before, after] : {std::pair("int", "bigint"),
+                                        {"nvarchar(20)", "nvarchar(21)"},
+                                        {"nvarchar(20)", "NVARCHAR(MAX)"},
+                                        {"varchar(20)", "nvarchar(20)"},
+                                        {"decimal(9,2)", "decimal(10,3)"},
+                                        {"decimal(9,2)", "numeric(9,2)"},
+                                        {"varbinary(8)", "varbinary(max)"},
+                                        {"datetime", "datetime"},
+                                        {"int", " INT "}})
         EXPECT_FALSE(mayLose(before, after)) << before << " to " << after;
 }
 
 TEST(TypeChange, MayLoseInANarrowerTypeOrAnotherFamily)
 {
-    for (const auto &[before, after] :
-         {std::pair("bigint", "int"), {"nvarchar(20)", "nvarchar(19)"}, {"nvarchar(max)", "nvarchar(4000)"},
-          {"nvarchar(20)", "varchar(20)"}, {"nvarchar(20)", "nvarchar"}, {"decimal(9,2)", "decimal(9,3)"},
-          {"decimal(9,2)", "decimal(9,1)"}, {"varbinary(8)", "varbinary(7)"}, {"int", "nvarchar(10)"},
-          {"datetime2(7)", "datetime2(3)"}, {"datetime", "date"}, {"int", "[dbo].[Flag]"}})
+    for (const auto &[before, after] : {std::pair("bigint", "int"),
+                                        {"nvarchar(20)", "nvarchar(19)"},
+                                        {"nvarchar(max)", "nvarchar(4000)"},
+                                        {"nvarchar(20)", "varchar(20)"},
+                                        {"nvarchar(20)", "nvarchar"},
+                                        {"decimal(9,2)", "decimal(9,3)"},
+                                        {"decimal(9,2)", "decimal(9,1)"},
+                                        {"varbinary(8)", "varbinary(7)"},
+                                        {"int", "nvarchar(10)"},
+                                        {"datetime2(7)", "datetime2(3)"},
+                                        {"datetime", "date"},
+                                        {"int", "[dbo].[Flag]"}})
         EXPECT_TRUE(mayLose(before, after)) << before << " to " << after;
 }
 

@@ -67,7 +67,7 @@ void renameTable(KNWorkspace &workspace, const TableEntry &entry)
 
 void alterTable(KNWorkspace &workspace, const TableEntry &entry)
 {
-    if (!entry->isView())
+    if (!entry->isView() && !entry->tableName().isEmpty())
         MSSQLTableDesignerViewController::open(entry->schema(), entry->tableName(),
                                                entry->databaseConnectionDetails(), workspace);
 }

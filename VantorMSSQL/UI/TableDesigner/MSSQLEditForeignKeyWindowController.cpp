@@ -6,7 +6,6 @@
 #include "TableDesign/MSSQLForeignKeyScript.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
-#include "UI/Workspace/KNQueryPreview.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -254,19 +253,12 @@ void MSSQLEditForeignKeyWindowController::onAccept()
                                       : MSSQLForeignKeyScript::change(m_session.table(), m_unedited, key);
     if (script.isNull())
         return endSheetWithReturnCode(0);
-    KNQueryPreview *const preview =
-        KNQueryPreview::createQueryPreviewViewContoller(this, *m_session.settings());
-    preview->setTitle(isNewKey() ? tr("Add foreign key") : tr("Alter foreign key"),
-                      tr("The foreign key will be made using the following statements."), tr("Apply"),
-                      tr("Performing changes"));
-    preview->setQueryLoader(std::make_shared<StaticQueryLoader>(script));
-    preview->setUseTransaction(true);
-    preview->setErrorDomain(QStringLiteral("mssql.tabledesigner.alterForeignKey"));
-    preview->setReportErrorBlock(MSSQLTableDesignSession::logError);
-    preview->beginSheet([self = QPointer(this), preview](KNQueryPreview::Changes changes) {
-        if (!self || changes != KNQueryPreview::Changes::All)
-            return;
-        self->m_session.noteExecuted(preview->acceptedStatements());
-        self->endSheetWithReturnCode(1);
-    });
+    const KNQueryPreview::Titles titles{isNewKey() ? tr("Add foreign key") : tr("Alter foreign key"),
+                                        tr("The foreign key will be made using the following statements."),
+                                        tr("Apply"), tr("Performing changes")};
+    m_session.preview(this, titles, std::make_shared<StaticQueryLoader>(script),
+                      QStringLiteral("mssql.tabledesigner.alterForeignKey"), [self = QPointer(this)] {
+                          if (self)
+                              self->endSheetWithReturnCode(1);
+                      });
 }

@@ -5,7 +5,6 @@
 #include "TableDesign/MSSQLIndexScript.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
-#include "UI/Workspace/KNQueryPreview.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -186,19 +185,12 @@ void MSSQLEditIndexWindowController::onAccept()
         MSSQLIndexScript(m_session.table()).queryForUpdateIndex(m_unedited, edited, m_isNewIndex);
     if (pair.exact.isNull())
         return endSheetWithReturnCode(0);
-    const bool prefersCorrected = MSSQLCorrectedStatements::areUsed();
-    KNQueryPreview *const preview =
-        KNQueryPreview::createQueryPreviewViewContoller(this, *m_session.settings());
-    preview->setTitle(tr("Alter index"), tr("The index will be modifed using the following queries."),
-                      tr("Apply"), tr("Performing changes"));
-    preview->setQueryLoader(pair.loader(prefersCorrected));
-    preview->setUseTransaction(true);
-    preview->setErrorDomain(QStringLiteral("MSSQLAlterIndex"));
-    preview->setReportErrorBlock(MSSQLTableDesignSession::logError);
-    preview->beginSheet([self = QPointer(this), preview](KNQueryPreview::Changes changes) {
-        if (!self || changes != KNQueryPreview::Changes::All)
-            return;
-        self->m_session.noteExecuted(preview->acceptedStatements());
-        self->endSheetWithReturnCode(1);
-    });
+    const KNQueryPreview::Titles titles{tr("Alter index"),
+                                        tr("The index will be modifed using the following queries."),
+                                        tr("Apply"), tr("Performing changes")};
+    m_session.preview(this, titles, pair.loader(MSSQLCorrectedStatements::areUsed()),
+                      QStringLiteral("MSSQLAlterIndex"), [self = QPointer(this)] {
+                          if (self)
+                              self->endSheetWithReturnCode(1);
+                      });
 }

@@ -70,7 +70,8 @@ void MSSQLMisfitCount::count(const std::shared_ptr<const VantorDBC> &settings, c
         return counted(std::nullopt);
     const auto running = std::make_shared<RunningCount>();
     // The first of the two reports; the other one finds the function empty.
-    const auto report = [once = std::make_shared<std::function<void(std::optional<qint64>)>>(std::move(counted)),
+    const auto report = [once =
+                             std::make_shared<std::function<void(std::optional<qint64>)>>(std::move(counted)),
                          owner = QPointer(owner)](std::optional<qint64> rows) {
         if (const auto call = std::exchange(*once, nullptr); call && owner)
             call(rows);

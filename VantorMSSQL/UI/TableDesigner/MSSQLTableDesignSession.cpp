@@ -127,14 +127,26 @@ void MSSQLTableDesignSession::cancel()
         m_run->cancel();
 }
 
-void MSSQLTableDesignSession::logError(const KNError &error)
+void MSSQLTableDesignSession::preview(QWidget *parent, const KNQueryPreview::Titles &titles,
+                                      const KNQueryLoaderPtr &statements, const QString &errorDomain,
+                                      std::function<void()> applied)
 {
-    const QString query = QStringLiteral("Query");
-    KNLogHelper::sharedInstance()->logError(error, {{query, error.userInfo().value(query)}});
-}
-
-void MSSQLTableDesignSession::noteExecuted(const QString &script)
-{
-    m_executed.append(script);
-    Q_EMIT tableChanged();
+    KNQueryPreview *const preview = KNQueryPreview::createQueryPreviewViewContoller(parent, *m_settings);
+    preview->setTitle(titles.title, titles.information, titles.acceptTitle, titles.progressTitle);
+    preview->setQueryLoader(statements);
+    preview->setUseTransaction(true);
+    preview->setErrorDomain(errorDomain);
+    preview->setReportErrorBlock([](const KNError &error) {
+        const QString query = QStringLiteral("Query");
+        KNLogHelper::sharedInstance()->logError(error, {{query, error.userInfo().value(query)}});
+    });
+    preview->beginSheet(
+        [self = QPointer(this), preview, applied = std::move(applied)](KNQueryPreview::Changes changes) {
+            if (!self || changes != KNQueryPreview::Changes::All)
+                return;
+            self->m_executed.append(preview->acceptedStatements());
+            Q_EMIT self->tableChanged();
+            if (applied)
+                applied();
+        });
 }

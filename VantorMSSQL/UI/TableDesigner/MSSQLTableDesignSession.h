@@ -3,6 +3,7 @@
 #include "Database/KNStatementRun.h"
 #include "QueryLoader/KNStatementPair.h"
 #include "TableDesign/MSSQLDesignedTable.h"
+#include "UI/Workspace/KNQueryPreview.h"
 
 #include <QObject>
 #include <QStringList>
@@ -57,10 +58,10 @@ public:
     void run(const Change &change, Finished finished = {});
     /// Stops the running change; what it has changed is rolled back if it runs in a transaction.
     void cancel();
-    /// Logs the error of a preview with its statement.
-    static void logError(const KNError &error);
-    /// Records a script that was run elsewhere, such as in a preview, and reports the change.
-    void noteExecuted(const QString &script);
+    /// Shows statements, which run in a transaction if the user accepts them. `parent` shows the sheet.
+    /// `applied` is called after success.
+    void preview(QWidget *parent, const KNQueryPreview::Titles &titles, const KNQueryLoaderPtr &statements,
+                 const QString &errorDomain, std::function<void()> applied = {});
 
 Q_SIGNALS:
     void busyChanged();

@@ -6,7 +6,6 @@
 #include "Scripts/MSSQLScriptSubject.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
-#include "UI/Workspace/KNQueryPreview.h"
 
 namespace {
 
@@ -81,19 +80,11 @@ void MSSQLTableIndexDesignerViewController::handleDeleteIndex()
                                      session().settings(), table.name};
     const auto loader =
         subject.script<MSSQLScriptDropIndexQueryLoader>(index.indexName, table.name, table.schema);
-    KNQueryPreview *const preview =
-        KNQueryPreview::createQueryPreviewViewContoller(session().window(), *session().settings());
-    preview->setTitle(KNFormat(tr("Do you really want to drop the index '%@'?"), index.indexName),
-                      tr("Once an index has been removed, it cannot be recovered."), tr("Drop"),
-                      KNFormat(tr("Dropping index '%@'"), index.indexName));
-    preview->setQueryLoader(loader);
-    preview->setUseTransaction(true);
-    preview->setErrorDomain(QStringLiteral("MSSQLAlterIndex"));
-    preview->setReportErrorBlock(MSSQLTableDesignSession::logError);
-    preview->beginSheet([self = QPointer(this), preview](KNQueryPreview::Changes changes) {
-        if (self && changes == KNQueryPreview::Changes::All)
-            self->session().noteExecuted(preview->acceptedStatements());
-    });
+    const KNQueryPreview::Titles titles{
+        KNFormat(tr("Do you really want to drop the index '%@'?"), index.indexName),
+        tr("Once an index has been removed, it cannot be recovered."), tr("Drop"),
+        KNFormat(tr("Dropping index '%@'"), index.indexName)};
+    session().preview(session().window(), titles, loader, QStringLiteral("MSSQLAlterIndex"));
 }
 
 void MSSQLTableIndexDesignerViewController::indexTableViewDoubleClicked()
