@@ -2,7 +2,7 @@
 
 #include "Database/VantorDatabaseClient.h"
 
-/// What a script does after a batch that had an error.
+/// The continuation of a script after a batch that had an error.
 enum class KNOnError { Stop, Continue };
 
 /// Runs the batches of a script on a client, one by one. Used by one thread.

@@ -11,7 +11,7 @@
 /// amounts of money are added exactly; the sum is a floating number if one of the values is.
 struct KNSHARED_EXPORT KNCellStatistics
 {
-    /// What the values are that are not NULL. Mixed values and text are Other: they are only counted.
+    /// The kind of the values that are not NULL. Text and mixed values are Other and are only counted.
     enum class Kind { Other, Numbers, Dates };
 
     /// Displayed rows in some columns.

@@ -16,7 +16,7 @@ class MSSQLCancellation
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// What db-lib does after its wait was interrupted.
+    /// The result that db-lib's interrupt handler returns.
     enum class Action { KeepWaiting, SendAttention, GiveUpConnection };
 
     /// Time limits for a server to acknowledge a cancel before the connection is closed: while it stalls

@@ -46,7 +46,7 @@ Family familyOf(const QString &name)
     return Family::Other;
 }
 
-/// What a server takes when a length or precision is left out of a column's type.
+/// The default length or precision of a column type without one.
 int defaultSize(Family family)
 {
     constexpr int DecimalPrecision = 18;

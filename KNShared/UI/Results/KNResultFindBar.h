@@ -43,7 +43,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    /// What to do when a search has finished.
+    /// The step that follows a finished search.
     enum class Step { None, Nearest, Next, Previous };
 
     void arrange();

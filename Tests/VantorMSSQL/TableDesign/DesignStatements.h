@@ -8,7 +8,7 @@
 #include "TableDesign/MSSQLTableScript.h"
 #include "TableDesign/MSSQLTriggerScript.h"
 
-/// What the tests of statements for the designer share.
+/// Helpers of the tests of designer statements.
 namespace DesignStatements {
 
 /// Names that are text of SQL unless they are quoted. Each needs brackets.

@@ -30,7 +30,7 @@ QIcon iconOf(const KNDocumentTab &document)
     return document.icon();
 }
 
-/// What the icon says, in words; empty if it says nothing.
+/// Describes the icon for screen readers; empty without an icon.
 QString stateText(const KNDocumentStatus &status)
 {
     if (status.isRunning)

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the tree shows beside the objects of the user's databases. All are off by default, and take effect
+/// Optional branches and details of the tree. All are off by default, and take effect
 /// when the tree is loaded.
 namespace MSSQLTreePreferences {
 

@@ -23,7 +23,7 @@ public:
 
     /// The key as entered. Pairs of which a column is missing are left out.
     MSSQLForeignKeyEntry editedKey() const;
-    /// What does not fit between the columns of the pairs; null if everything fits.
+    /// Describes pairs whose columns have different types; null if there are none.
     QString typeProblem() const;
     bool isLoaded() const { return m_isLoaded; }
 

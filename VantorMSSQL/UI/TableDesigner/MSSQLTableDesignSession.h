@@ -13,8 +13,8 @@
 
 class QWidget;
 
-/// What the tabs of one table designer share: the table, the settings of its connection, at most one running
-/// change, and the scripts of all changes made. On the UI thread.
+/// The state shared by the tabs of one table designer: the table, the settings of its connection, at most one
+/// running change, and the scripts of all changes made. On the UI thread.
 class MSSQLTableDesignSession : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ public:
         QString errorDomain;      ///< of the logged error
         QVariantMap details = {}; ///< logged with an error
         bool usesTransaction = false;
-        /// What the user reads after an error; filled with its description, and with the script if it has a
+        /// The message after an error; filled with its description, and with the script if it has a
         /// second place.
         QString errorText = QStringLiteral("Error: %@.\r\nQuery was: %@");
     };
@@ -48,7 +48,7 @@ public:
     QWidget *window() const { return m_window; }
 
     bool isBusy() const { return m_isBusy; }
-    /// What is running; null for nothing.
+    /// The description of the running change; null for none.
     QString status() const { return m_status; }
     /// The scripts that succeeded, in their order.
     const QStringList &executedScripts() const { return m_executed; }

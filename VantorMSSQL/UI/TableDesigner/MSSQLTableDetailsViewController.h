@@ -3,7 +3,7 @@
 #include "UI/DatabaseTree/KNPropertiesView.h"
 #include "UI/TableDesigner/MSSQLTableDesignSession.h"
 
-/// What the catalog says of a table: rows, space, dates, compression and the like. On the UI thread.
+/// Shows rows, space, dates, compression and other properties of a table. On the UI thread.
 class MSSQLTableDetailsViewController : public KNPropertiesView
 {
     Q_OBJECT
