@@ -19,6 +19,8 @@ public:
     explicit KNPropertiesView(KNObjectPropertiesLoader loader, QWidget *parent = nullptr);
 
     void load();
+    /// Replaces the loader, for example after a rename.
+    void setLoader(KNObjectPropertiesLoader loader) { m_loader = std::move(loader); }
     /// The list as text: a line for each property, with a tab between name and value.
     QString text() const;
 
@@ -26,7 +28,7 @@ private:
     void showProperties(const KNObjectProperties &properties, const KNError &error);
     void copy() const;
 
-    const KNObjectPropertiesLoader m_loader;
+    KNObjectPropertiesLoader m_loader;
     QTreeWidget *const m_list;
     QLabel *const m_notice; ///< the error, or that there is nothing to show
     KNProgressMark *const m_mark;

@@ -187,6 +187,7 @@ TEST_F(TableAction, AViewIsNeitherDroppedAsATableNorRenamed)
 TEST_F(TableAction, RenamesAfterAskingForAValidName)
 {
     const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("alterTable:"), table)); // follows the rename
     ASSERT_TRUE(m_helper->performAction(QStringLiteral("renameTable:"), table));
     auto *const dialog = m_workspace.window.findChild<MSSQLRenameTableWindowController *>();
     ASSERT_NE(dialog, nullptr);
@@ -209,6 +210,7 @@ TEST_F(TableAction, RenamesAfterAskingForAValidName)
     EXPECT_EQ(m_sheets.all.front()->labels, TreeTesting::list({"Renaming Table"}));
     EXPECT_FALSE(m_sheets.all.front()->isShown);
     EXPECT_EQ(m_workspace.refreshed.front(), table->parent());
+    EXPECT_EQ(m_workspace.opened.front()->title(), QStringLiteral("Renamed"));
     EXPECT_TRUE(holds("OBJECT_ID('act.Renamed') IS NOT NULL AND OBJECT_ID('dbo.Acted') IS NOT NULL"));
 }
 

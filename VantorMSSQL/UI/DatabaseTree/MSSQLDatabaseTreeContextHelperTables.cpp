@@ -25,12 +25,13 @@ MSSQLDesignedTable designedTable(const MSSQLDatabaseTreeEntryDatabaseTable &entr
             MSSQLDefaultSchemaHelper::sharedInstance()->knownSchemaForDBC(settings).value_or(QString())};
 }
 
-void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &statement)
+void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &newName,
+               const QString &statement)
 {
     const std::shared_ptr<KNProgressSheet> sheet = KNProgressSheet::create(workspace.sheetParent());
     sheet->setLabelString(QCoreApplication::translate("MSSQLRenameTableWindowController", "Renaming Table"));
     sheet->begin();
-    const auto finished = [pointer = workspace.weakPointer(), entry,
+    const auto finished = [pointer = workspace.weakPointer(), entry, newName,
                            sheet](const KNStatementOutcome &outcome) {
         sheet->end();
         const auto existing = pointer.lock();
@@ -38,6 +39,8 @@ void runRename(KNWorkspace &workspace, const TableEntry &entry, const QString &s
             return;
         if (!outcome.succeeded())
             return KNAlerts::shared().showError(existing->sheetParent(), outcome.error);
+        MSSQLTableDesignerViewController::tableWasRenamed(entry->schema(), entry->tableName(), newName,
+                                                          entry->databaseConnectionDetails(), *existing);
         if (const auto parent = entry->parent())
             existing->refreshTreeEntry(parent);
         existing->deselectTree();
@@ -57,10 +60,12 @@ void renameTable(KNWorkspace &workspace, const TableEntry &entry)
         const auto existing = pointer.lock();
         if (code != 1 || !existing)
             return;
-        KNChooseStatement(existing->sheetParent(), MSSQLTableScript::rename(table, dialog->tableName()),
-                          MSSQLCorrectedStatements::areUsed(), [entry, pointer](const QString &statement) {
+        const QString newName = dialog->tableName();
+        KNChooseStatement(existing->sheetParent(), MSSQLTableScript::rename(table, newName),
+                          MSSQLCorrectedStatements::areUsed(),
+                          [entry, newName, pointer](const QString &statement) {
                               if (const auto window = pointer.lock())
-                                  runRename(*window, entry, statement);
+                                  runRename(*window, entry, newName, statement);
                           });
     });
 }

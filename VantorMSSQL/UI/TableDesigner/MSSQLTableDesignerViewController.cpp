@@ -67,13 +67,32 @@ MSSQLTableDesignerViewController::MSSQLTableDesignerViewController(const QString
 void MSSQLTableDesignerViewController::open(const QString &schema, const QString &tableName,
                                             const Settings &settings, KNWorkspace &workspace)
 {
-    for (KNDocumentTab *const document : workspace.documents()) {
-        const auto *designer = qobject_cast<MSSQLTableDesignerViewController *>(document);
-        if (designer && designer->shows(schema, tableName, *settings))
-            return workspace.showDocument(document);
-    }
+    if (MSSQLTableDesignerViewController *const existing = find(schema, tableName, settings, workspace))
+        return workspace.showDocument(existing);
     workspace.openDocument(
         std::make_unique<MSSQLTableDesignerViewController>(schema, tableName, settings, workspace));
+}
+
+void MSSQLTableDesignerViewController::tableWasRenamed(const QString &schema, const QString &oldName,
+                                                       const QString &newName, const Settings &settings,
+                                                       KNWorkspace &workspace)
+{
+    if (MSSQLTableDesignerViewController *const existing = find(schema, oldName, settings, workspace))
+        existing->m_session->setTableName(newName);
+}
+
+/// The open designer of a table; null if there is none.
+MSSQLTableDesignerViewController *MSSQLTableDesignerViewController::find(const QString &schema,
+                                                                         const QString &tableName,
+                                                                         const Settings &settings,
+                                                                         KNWorkspace &workspace)
+{
+    for (KNDocumentTab *const document : workspace.documents()) {
+        auto *designer = qobject_cast<MSSQLTableDesignerViewController *>(document);
+        if (designer && designer->shows(schema, tableName, *settings))
+            return designer;
+    }
+    return nullptr;
 }
 
 bool MSSQLTableDesignerViewController::shows(const QString &schema, const QString &tableName,

@@ -25,6 +25,10 @@ public:
     static void open(const QString &schema, const QString &tableName, const Settings &settings,
                      KNWorkspace &workspace);
 
+    /// Gives the open designer of a table its new name; does nothing if there is none.
+    static void tableWasRenamed(const QString &schema, const QString &oldName, const QString &newName,
+                                const Settings &settings, KNWorkspace &workspace);
+
     QString title() const override;
     QIcon icon() const override;
     Settings databaseConnectionDetails() const override { return m_session->settings(); }
@@ -39,6 +43,8 @@ public:
     QString changeScript() const;
 
 private:
+    static MSSQLTableDesignerViewController *find(const QString &schema, const QString &tableName,
+                                                  const Settings &settings, KNWorkspace &workspace);
     bool shows(const QString &schema, const QString &tableName, const VantorDBC &settings) const;
     void addTab(QWidget *page, const QString &identifier, const QString &title, const char *image);
     void showChanges();

@@ -17,5 +17,7 @@ MSSQLTableDetailsViewController::MSSQLTableDetailsViewController(MSSQLTableDesig
                                                                  QWidget *parent)
     : KNPropertiesView(loaderFor(session), parent)
 {
+    connect(&session, &MSSQLTableDesignSession::renamed, this,
+            [this, &session] { setLoader(loaderFor(session)); });
     connect(&session, &MSSQLTableDesignSession::tableChanged, this, &KNPropertiesView::load);
 }
