@@ -30,10 +30,13 @@ enum PairColumn { Local, Referenced };
 QList<QStringList> tablesOf(const VantorDBC &settings)
 {
     QList<QStringList> tables;
+    const auto add = [&](const DatabaseResultSet &row) {
+        const QStringList table{row.stringForColumnIndex(1), row.stringForColumnIndex(2)};
+        if (!table[1].isEmpty()) // a broken server may answer NULL
+            tables.append(table);
+    };
     MSSQLCatalogReader::read(settings, QStringLiteral("DatabaseTree_ListTables"), {},
-                             "mssql.tabledesigner.loadTables", [&](const DatabaseResultSet &row) {
-                                 tables.append({row.stringForColumnIndex(1), row.stringForColumnIndex(2)});
-                             });
+                             "mssql.tabledesigner.loadTables", add);
     return tables;
 }
 
