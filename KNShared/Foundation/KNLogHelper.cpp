@@ -6,6 +6,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <chrono>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -91,8 +92,47 @@ struct KNLogHelper::Private
     {
     }
 
+    /// Writes a record; returns its lines.
+    QString write(const QString &message)
+    {
+        const QString record = KNFormat(
+            "%@ [%d] %@", QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs), gettid(), message);
+        // Mask secrets before splitting the record into lines; a secret with a line end would not be found
+        // afterwards.
+        const QString lines = asLines(withoutSecrets(record, secrets));
+        file.append(lines.toUtf8() + '\n');
+        return lines;
+    }
+
+    /// Whether the message is the newest record's and follows it soon, so that it is counted instead of
+    /// written.
+    bool isRepetition(const QString &message)
+    {
+        constexpr auto MostCountedTime = std::chrono::seconds(1);
+        const auto now = std::chrono::steady_clock::now();
+        if (message == newest && now - newestTime < MostCountedTime) {
+            ++repetitions;
+            return true;
+        }
+        writeRepetitions();
+        newest = message;
+        newestTime = now;
+        return false;
+    }
+
+    void writeRepetitions()
+    {
+        if (repetitions > 0)
+            write(KNFormat("The record above was repeated %ld %@.", repetitions,
+                           repetitions == 1 ? "time" : "times"));
+        repetitions = 0;
+    }
+
     mutable std::mutex mutex; ///< guards everything below
     KNLogFile file;
+    QString newest; ///< the message of the newest record
+    std::chrono::steady_clock::time_point newestTime;
+    qint64 repetitions = 0; ///< of the newest record, not yet written
     QStringList secrets;
     std::function<void(const QString &)> observer;
 };
@@ -109,17 +149,17 @@ KNLogHelper::KNLogHelper(const QString &folder, qint64 maximumBytes)
 {
 }
 
-KNLogHelper::~KNLogHelper() = default;
+KNLogHelper::~KNLogHelper()
+{
+    d->writeRepetitions();
+}
 
 void KNLogHelper::logMessage(const QString &message)
 {
-    const QString record = KNFormat("%@ [%d] %@", QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs),
-                                    gettid(), message);
     std::unique_lock lock(d->mutex);
-    // Mask secrets before splitting the record into lines; a secret with a line end would not be found
-    // afterwards.
-    const QString lines = asLines(withoutSecrets(record, d->secrets));
-    d->file.append(lines.toUtf8() + '\n');
+    if (!d->observer && d->isRepetition(message))
+        return;
+    const QString lines = d->write(message);
     const auto observer = d->observer;
     lock.unlock();
     if (observer)

@@ -26,6 +26,8 @@ public:
     KNLogHelper(const KNLogHelper &) = delete;
     KNLogHelper &operator=(const KNLogHelper &) = delete;
 
+    /// Writes a record. Records with the same message that follow within a second are only counted; the count
+    /// is written before the next record.
     void logMessage(const QString &message);
     template <typename... Arguments>
     void logMessage(const char *format, const Arguments &...arguments)

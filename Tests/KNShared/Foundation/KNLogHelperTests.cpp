@@ -57,6 +57,25 @@ TEST_F(KNLogHelperTest, TakesAPlainMessageWithPercentSignsAsItIs)
     EXPECT_TRUE(contents(log.filePath()).endsWith(QStringLiteral("] LIKE '%@%d'\n")));
 }
 
+TEST_F(KNLogHelperTest, CountsRepetitionsInsteadOfWritingThem)
+{
+    {
+        KNLogHelper log(m_folder);
+        for (int time = 0; time < 4; ++time)
+            log.logMessage("one");
+        log.logMessage("two");
+        log.logMessage("one");
+        log.logMessage("one");
+    }
+    const QStringList lines = contents(m_folder + QStringLiteral("/vantor.log")).split(u'\n');
+    ASSERT_EQ(lines.size(), 6);
+    EXPECT_TRUE(lines[0].endsWith(QStringLiteral("] one")));
+    EXPECT_TRUE(lines[1].endsWith(QStringLiteral("] The record above was repeated 3 times.")));
+    EXPECT_TRUE(lines[2].endsWith(QStringLiteral("] two")));
+    EXPECT_TRUE(lines[3].endsWith(QStringLiteral("] one")));
+    EXPECT_TRUE(lines[4].endsWith(QStringLiteral("] The record above was repeated 1 time.")));
+}
+
 TEST_F(KNLogHelperTest, KeepsTheFileForTheUserAlone)
 {
     const KNLogHelper log(m_folder);

@@ -42,7 +42,7 @@ TEST(KNLogHelperThreads, WriteWholeLinesAndRotateAtOnce)
     onManyThreads([&](int thread, int step) {
         if (step % 10 == 0)
             log.registerSecret(QStringLiteral("secret%1").arg(thread));
-        log.logMessage("from %d: secret%d end", thread, thread);
+        log.logMessage("from %d step %d: secret%d end", thread, step, thread);
     });
     int lines = 0;
     for (const char *name : {"vantor.log", "vantor.1.log", "vantor.2.log", "vantor.3.log", "vantor.4.log"}) {
