@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <system_error>
 
 namespace {
@@ -79,6 +80,13 @@ void pollUntil(MSSQLCancellation::Clock::time_point deadline, pollfd *descriptor
     } while (ready < 0 && errno == EINTR);
 }
 
+/// The number of bytes that can be read at once; the largest number if it is unknown.
+int availableBytes(int socket)
+{
+    int available = 0;
+    return ioctl(socket, FIONREAD, &available) == 0 ? available : std::numeric_limits<int>::max();
+}
+
 /// Makes a socket readable only from that many bytes on.
 void setLowWaterMark(int socket, int bytes)
 {
@@ -128,13 +136,15 @@ void MSSQLCancellation::waitForAnswer(int socket, int packetSize)
     const Unit first = nextUnit(socket);
     if (first.length == 0)
         return;
-    setLowWaterMark(socket, first.length);
-    waitFor(socket);
-    int available = 0;
-    const bool isCut = ioctl(socket, FIONREAD, &available) == 0 && available < first.length;
+    bool isCut = availableBytes(socket) < first.length;
+    if (isCut) {
+        setLowWaterMark(socket, first.length);
+        waitFor(socket);
+        isCut = availableBytes(socket) < first.length;
+        setLowWaterMark(socket, 1);
+    }
     // A server that pauses sends its partial packet; a full packet is followed by more data.
     m_isStreaming = isCut || (!first.isTheLast && first.length >= packetSize);
-    setLowWaterMark(socket, 1);
 }
 
 /// Waits until the socket is readable, a request arrives or the deadline passes.
