@@ -27,6 +27,8 @@ struct Outcome
     QByteArray errors;
     long maximumKilobytes = 0;
     double processorSeconds = 0; ///< of the program and what it waited for
+    double userSeconds = 0;      ///< the part of them outside the kernel
+    long waits = 0;              ///< voluntary context switches
 };
 
 /// Turns a child process into vantor-cli. `password` goes into its environment; null for none.
@@ -123,6 +125,9 @@ public:
         rusage usage = {};
         wait4(m_process, &status, 0, &usage);
         m_outcome.maximumKilobytes = usage.ru_maxrss;
+        m_outcome.waits = usage.ru_nvcsw;
+        m_outcome.userSeconds =
+            static_cast<double>(usage.ru_utime.tv_sec) + static_cast<double>(usage.ru_utime.tv_usec) / 1e6;
         m_outcome.processorSeconds =
             static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
             static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;

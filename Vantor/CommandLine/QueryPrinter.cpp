@@ -42,6 +42,7 @@ bool QueryPrinter::printUntil(const std::atomic<bool> &done)
         // Read before the results: all results exist before it becomes true.
         const bool wasDone = done;
         const QList<KNDatabaseResultSetPtr> resultSets = m_holder.takeResultSets();
+        const Terminal::ErrorLines lines;
         for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
             if (!goesOn())
                 return false;
@@ -66,6 +67,7 @@ bool QueryPrinter::printUntil(const std::atomic<bool> &done)
 void QueryPrinter::printRest()
 {
     m_spinner.clear();
+    const Terminal::ErrorLines lines;
     for (const KNDatabaseResultSetPtr &resultSet : std::as_const(m_awaitingMessages))
         printMessages(*resultSet);
     m_awaitingMessages.clear();
@@ -79,6 +81,7 @@ void QueryPrinter::printRows(KNDatabaseResultSet &resultSet)
     const QStringList columnNames = resultSet.columnNames();
     if (columnNames.isEmpty())
         return;
+    Terminal::ErrorLines::flush(); // the lines may go to the same terminal as the rows
     KNRowStore &rows = resultSet.rows();
     qsizetype next = 0;
     while (goesOn()) {

@@ -10,10 +10,15 @@ namespace Terminal {
 
 namespace {
 
+constinit int errorLineHolders = 0;  ///< main thread
+constinit QByteArray heldErrorLines; ///< main thread
+
 void writeToError(const QByteArray &bytes)
 {
-    fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
-    fflush(stderr);
+    constexpr qsizetype MostHeldBytes = 64 * 1024;
+    heldErrorLines += bytes;
+    if (errorLineHolders == 0 || heldErrorLines.size() > MostHeldBytes)
+        ErrorLines::flush();
 }
 
 const char *codeOf(Colour colour)
@@ -64,6 +69,26 @@ void printError(const QString &line, Colour colour)
                  (coloured ? "\033[0m\n" : "\n"));
 }
 
+ErrorLines::ErrorLines()
+{
+    ++errorLineHolders;
+}
+
+ErrorLines::~ErrorLines()
+{
+    if (--errorLineHolders == 0)
+        flush();
+}
+
+void ErrorLines::flush()
+{
+    if (heldErrorLines.isEmpty())
+        return;
+    fwrite(heldErrorLines.constData(), 1, static_cast<size_t>(heldErrorLines.size()), stderr);
+    fflush(stderr);
+    heldErrorLines.clear();
+}
+
 int fail(ExitStatus status, const QString &line)
 {
     printError(line, Colour::Red);
@@ -82,6 +107,7 @@ void Spinner::tick(qint64 rows)
     writeToError(
         KNFormat("\r%@ %lld rows, %0.1f s ", QString(QLatin1Char(pictures[m_picture++ % 4])), rows, seconds)
             .toUtf8());
+    ErrorLines::flush();
 }
 
 void Spinner::clear()

@@ -21,6 +21,18 @@ void printLine(const QString &line);
 void printText(const QByteArray &utf8);
 /// Writes a line to standard error, escaped; in a colour if that is a terminal (and NO_COLOR is not set).
 void printError(const QString &line, Colour colour = Colour::None);
+/// Holds the lines for standard error back while it exists, and writes them at once: a system call for each
+/// of many lines takes longer than to produce them. Main thread.
+class ErrorLines
+{
+public:
+    ErrorLines();
+    ~ErrorLines();
+    ErrorLines(const ErrorLines &) = delete;
+    ErrorLines &operator=(const ErrorLines &) = delete;
+    /// Writes what is held back now.
+    static void flush();
+};
 /// Writes a line to standard error, in red, and returns the status.
 int fail(ExitStatus status, const QString &line);
 /// Prompts for a text on the controlling terminal without echo; nullopt if there is none. If a signal ends or
