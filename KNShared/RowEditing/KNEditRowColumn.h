@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/KNValue.h"
+#include "RowEditing/KNTypedValue.h"
 
 #include <QString>
 
@@ -13,4 +14,9 @@ struct KNEditRowColumn
     bool isIdentity = false; ///< the server makes the value
     KNValue columnCurrentValue = {};
     bool hasBeenModified = false; ///< by the user, since the row was read
+
+    QString typeName = {}; ///< for display, such as nvarchar(50)
+    KNTypedValue::Input input = KNTypedValue::Input::Text;
+    bool isNullable = true;
+    bool isReadOnly = false; ///< no statement can set it, such as a computed column
 };

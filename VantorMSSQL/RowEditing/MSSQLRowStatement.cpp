@@ -4,6 +4,8 @@
 #include "Implementations/MSSQLQuoting.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace {
@@ -17,7 +19,7 @@ QString joined(const QStringList &items, const char *separator)
 QString exactItem(const KNEditRowColumn &column)
 {
     return KNFormat("%@ = %@", MSSQLDesignedTable::escaped(column.columnName),
-                    MSSQLQuoting::escapeColumnValue(column.columnCurrentValue));
+                    MSSQLQuoting::literal(column.columnCurrentValue));
 }
 
 QString correctedItem(const QString &name, const KNValue &value)
@@ -30,18 +32,35 @@ void addName(MSSQLStatementCaution *caution, const QString &name)
     caution->addUnlessRead(MSSQLDesignedTable::escaped(name), {name});
 }
 
-/// A literal of the exact form may not give the value again.
-void addValue(MSSQLStatementCaution *caution, const KNValue &value)
+/// `typeName` may have precision and scale. Types of users take text, which the server converts.
+KNTypedValue::Input inputOf(const QString &typeName)
 {
-    if (MSSQLQuoting::escapeColumnValue(value) == MSSQLQuoting::literal(value))
-        return;
-    if (value.isText())
-        caution->add(MSSQLStatementCaution::tr(
-            "This writes a text without the prefix N and would lose the characters that "
-            "the database's code page does not have."));
-    else
-        caution->add(MSSQLStatementCaution::tr(
-            "This writes a date without quotes, which SQL Server does not read as a date."));
+    using Input = KNTypedValue::Input;
+    static const QHash<QString, Input> inputs = {
+        {QStringLiteral("tinyint"), Input::Integer},
+        {QStringLiteral("smallint"), Input::Integer},
+        {QStringLiteral("int"), Input::Integer},
+        {QStringLiteral("bigint"), Input::Integer},
+        {QStringLiteral("decimal"), Input::Number},
+        {QStringLiteral("numeric"), Input::Number},
+        {QStringLiteral("money"), Input::Number},
+        {QStringLiteral("smallmoney"), Input::Number},
+        {QStringLiteral("float"), Input::Number},
+        {QStringLiteral("real"), Input::Number},
+        {QStringLiteral("bit"), Input::Boolean},
+        {QStringLiteral("date"), Input::Date},
+        {QStringLiteral("datetime"), Input::DateAndTime},
+        {QStringLiteral("smalldatetime"), Input::DateAndTime},
+        {QStringLiteral("datetime2"), Input::DateAndTime},
+        {QStringLiteral("datetimeoffset"), Input::DateAndTime},
+        {QStringLiteral("time"), Input::Time},
+        {QStringLiteral("uniqueidentifier"), Input::Guid},
+        {QStringLiteral("binary"), Input::Binary},
+        {QStringLiteral("varbinary"), Input::Binary},
+        {QStringLiteral("image"), Input::Binary},
+        {QStringLiteral("timestamp"), Input::Binary},
+    };
+    return inputs.value(typeName.section(u'(', 0, 0).toLower(), Input::Text);
 }
 
 bool isWritten(const KNEditRowColumn &column)
@@ -70,7 +89,11 @@ QList<KNEditRowColumn> MSSQLRowStatement::columnsFrom(const QList<MSSQLColumnRec
              .columnDefaultValue = record.defaultValue,
              .isPrimaryKey = record.isPrimaryKey,
              .isIdentity = record.isIdentity,
-             .columnCurrentValue = initialValues ? initialValues->value(record.columnName) : KNValue()});
+             .columnCurrentValue = initialValues ? initialValues->value(record.columnName) : KNValue(),
+             .typeName = record.displayType(),
+             .input = inputOf(record.typeName),
+             .isNullable = record.isNullable,
+             .isReadOnly = !record.isWritable()});
     return columns;
 }
 
@@ -82,19 +105,17 @@ KNStatementPair MSSQLRowStatement::generateQuery() const
 KNStatementPair MSSQLRowStatement::generateInsert() const
 {
     MSSQLStatementCaution caution = cautionOfTable();
-    QStringList exactNames, exactValues, names, values;
+    QStringList exactNames, names, values;
     for (const KNEditRowColumn &column : m_columns) {
         if (!isWritten(column))
             continue;
         exactNames.append(MSSQLDesignedTable::escaped(column.columnName));
-        exactValues.append(MSSQLQuoting::escapeColumnValue(column.columnCurrentValue));
         names.append(MSSQLQuoting::quotedName(column.columnName));
         values.append(MSSQLQuoting::literal(column.columnCurrentValue));
         addName(&caution, column.columnName);
-        addValue(&caution, column.columnCurrentValue);
     }
     const QString exact = KNFormat("SET QUOTED_IDENTIFIER OFF\r\nINSERT INTO %@ (%@) VALUES (%@)",
-                                   exactTable(), joined(exactNames, ", "), joined(exactValues, ", "));
+                                   exactTable(), joined(exactNames, ", "), joined(values, ", "));
     if (names.isEmpty()) {
         caution.add(
             MSSQLStatementCaution::tr("SQL Server does not accept INSERT with an empty list of columns."));
@@ -133,7 +154,6 @@ void MSSQLRowStatement::cautionOfUpdate(MSSQLStatementCaution *caution) const
         if (!column.isPrimaryKey && !column.hasBeenModified)
             continue;
         addName(caution, column.columnName);
-        addValue(caution, column.columnCurrentValue);
         if (column.isPrimaryKey && column.columnCurrentValue != searchedValue(column))
             caution->add(MSSQLStatementCaution::tr(
                 "This looks for the row by the edited key: it would change another row, or none."));
@@ -205,7 +225,6 @@ KNStatementPair MSSQLRowStatement::generateReadBack() const
         }
         conditions.append(exactItem(column));
         addName(&caution, column.columnName);
-        addValue(&caution, column.columnCurrentValue);
     }
     if (conditions.isEmpty())
         return {};
