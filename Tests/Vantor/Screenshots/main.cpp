@@ -8,6 +8,7 @@
 #include "Foundation/KNDispatch.h"
 #include "Implementations/MSSQLRecentConnection.h"
 #include "Recent/SQLRecentConnectionList.h"
+#include "RowEditing/MSSQLEditRowHelper.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
@@ -16,6 +17,8 @@
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
 #include "UI/Results/KNValueViewer.h"
+#include "UI/RowEditing/KNEditRowModel.h"
+#include "UI/RowEditing/KNEditRowWindowController.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 #include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
@@ -235,11 +238,26 @@ void showDesigner(MainWindow &window, const QString &folder)
     delete designer->findChild<MSSQLEditIndexWindowController *>();
 }
 
+void showRowForm(MainWindow &window, const QString &folder)
+{
+    const auto row = std::make_shared<MSSQLEditRowHelper>(shopSettings(window), QStringLiteral("dbo"),
+                                                          QStringLiteral("Orders"), std::nullopt);
+    auto *const form = new KNEditRowWindowController(row, false, &window);
+    form->beginSheet({});
+    waitFor("row form", [&] { return form->model()->rowCount() > 0; });
+    form->model()->setData(form->model()->index(1, KNEditRowModel::Value), QStringLiteral("3"));
+    form->model()->setNull(2);
+    QTest::qWait(50);
+    save(form, folder, "row-form");
+    delete form;
+}
+
 void showOtherWindows(MainWindow &window, const QString &folder)
 {
     showViewer(window, folder);
     showProperties(window, folder);
     showDesigner(window, folder);
+    showRowForm(window, folder);
     PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
     preferences.show();
     save(&preferences, folder, "preferences");

@@ -11,6 +11,8 @@
 #include "Support/WindowTesting.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 #include "UI/MSSQLUserInterface.h"
+#include "UI/RowEditing/KNEditRowModel.h"
+#include "UI/RowEditing/KNEditRowWindowController.h"
 #include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 
@@ -281,4 +283,21 @@ TEST(CreateTable, HasTheExactStatement)
     EXPECT_EQ(MSSQLCreateTableWindowController::creationQueryForColumns({}, QStringLiteral("T"),
                                                                         QStringLiteral("dbo")),
               QStringLiteral("CREATE TABLE dbo.T (\r\nColumn1 int\r\n);"));
+}
+
+TEST_F(TableAction, InsertRowOpensTheFormOfTheTable)
+{
+    const auto table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("displayInsertDialog:"), table));
+    auto *const form = m_workspace.sheetParent()->findChild<KNEditRowWindowController *>();
+    ASSERT_TRUE(form);
+    ASSERT_TRUE(waitFor([&] { return form->model()->rowCount() == 2; }));
+    EXPECT_EQ(form->windowTitle(), QStringLiteral("New Row in act.Acted"));
+    form->model()->setData(form->model()->index(0, KNEditRowModel::Value), QStringLiteral("5"));
+    form->apply();
+    ASSERT_TRUE(waitFor([&] { return !form->model()->isLocked(); }));
+    EXPECT_TRUE(m_alerts.errors.empty());
+    EXPECT_TRUE(holds("EXISTS (SELECT * FROM act.Acted WHERE id = 5)"));
+    EXPECT_TRUE(holds("NOT EXISTS (SELECT * FROM dbo.Acted)"));
+    form->reject();
 }

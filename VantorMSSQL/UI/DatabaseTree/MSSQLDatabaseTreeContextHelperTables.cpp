@@ -2,12 +2,14 @@
 #include "Database/KNStatementRun.h"
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNFormat.h"
+#include "RowEditing/MSSQLEditRowHelper.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "TableDesign/MSSQLTableScript.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
+#include "UI/RowEditing/KNEditRowWindowController.h"
 #include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 #include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
@@ -95,6 +97,17 @@ void addNewTable(KNWorkspace &workspace, const KNMenuRepresentedObject &)
     });
 }
 
+void displayInsertDialog(KNWorkspace &workspace, const TableEntry &entry)
+{
+    if (entry->isView())
+        return;
+    const auto row = std::make_shared<MSSQLEditRowHelper>(entry->databaseConnectionDetails(), entry->schema(),
+                                                          entry->tableName(), std::nullopt);
+    auto *const form =
+        new KNEditRowWindowController(row, MSSQLCorrectedStatements::areUsed(), workspace.sheetParent());
+    form->beginSheet({});
+}
+
 } // namespace
 
 void MSSQLDatabaseTreeContextHelper::addTableActions()
@@ -102,4 +115,6 @@ void MSSQLDatabaseTreeContextHelper::addTableActions()
     addAction(QStringLiteral("addNewTable:"), addNewTable);
     addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("alterTable:"), alterTable);
     addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("renameTable:"), renameTable);
+    addEntryAction<MSSQLDatabaseTreeEntryDatabaseTable>(QStringLiteral("displayInsertDialog:"),
+                                                        displayInsertDialog);
 }
