@@ -51,7 +51,6 @@ bool isElsewhere(std::string_view name)
                                                  "EVENTDATA",
                                                  "FILEGROUPPROPERTY",
                                                  "FILEGROUP_ID",
-                                                 "FILEGROUP_NAME",
                                                  "FILE_ID",
                                                  "FILE_IDEX",
                                                  "FILE_NAME",

@@ -364,11 +364,18 @@ Value nothing(EvaluationContext &, const Operation &, Arguments)
     return {};
 }
 
+/// There is one filegroup only.
+Value filegroupName(EvaluationContext &, const Operation &, Arguments a)
+{
+    return number(a[0]) == 1 ? Value(std::string("PRIMARY")) : Value();
+}
+
 constexpr Builtin metadataBuiltins[] = {
     {"COLUMNPROPERTY", 3, 3, "itt", intResult, columnProperty, true, false},
     {"COL_LENGTH", 2, 2, "tt", smallIntResult, columnLength, true, false},
     {"COL_NAME", 2, 2, "ii", nameResult, columnName, true, false},
     {"DATABASE_PRINCIPAL_ID", 0, 1, "t", intResult, yes, false},
+    {"FILEGROUP_NAME", 1, 1, "i", nameResult, filegroupName},
     {"FILEPROPERTY", 2, 2, "tt", intResult, nothing},
     {"HAS_PERMS_BY_NAME", 3, 5, "t", intResult, yes, false},
     {"IDENT_CURRENT", 1, 1, "t", identityResult, identityValue<2>, true, false},
