@@ -207,6 +207,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("Table_ReplaceDefaultForColumn"),
          columnDefault + QStringList{QStringLiteral("{NEW_DEFAULT}")}},
         {QStringLiteral("List_IndexesAndColumnsForTable"), schemaAndTable},
+        {QStringLiteral("List_IndexDefinitionsForTable"), schemaAndTable},
         {QStringLiteral("List_ForeignKeysForTable"), schemaAndTable},
         {QStringLiteral("List_PrimaryKeysForTable"), ofTable},
         {QStringLiteral("List_TablesAndColumnsForImport"), {}},

@@ -50,6 +50,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(tables, "List_KeysForTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
         trialOf(tables, "List_TriggersForTableWithDetails", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
+        trialOf(tables, "List_IndexDefinitionsForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_ForeignKeysForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_PrimaryKeysForTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
         trial("List_TableRowCounts"),

@@ -6,11 +6,11 @@
 
 namespace {
 
-QString columnList(const MSSQLIndexEntry &index, QString (*quoted)(const QString &))
+QString columnList(const MSSQLIndexEntry &index)
 {
     QStringList names;
     for (const MSSQLIndexColumnEntry &column : index.columns)
-        names.append(quoted(column.name));
+        names.append(MSSQLDesignedTable::escaped(column.name));
     return names.isEmpty() ? QStringLiteral("") : names.join(QLatin1String(", "));
 }
 
@@ -20,10 +20,18 @@ bool haveSameDefinition(const MSSQLIndexEntry &oldIndex, const MSSQLIndexEntry &
            oldIndex.columns == newIndex.columns;
 }
 
+QString lossSentence(const QStringList &parts)
+{
+    return parts.isEmpty() ? QString()
+                           : KNFormat(MSSQLStatementCaution::tr("The index would lose: %@."),
+                                      parts.join(QLatin1String(", ")));
+}
+
 } // namespace
 
-MSSQLIndexScript::MSSQLIndexScript(MSSQLDesignedTable table)
+MSSQLIndexScript::MSSQLIndexScript(MSSQLDesignedTable table, MSSQLIndexSyntax syntax)
     : m_table(std::move(table))
+    , m_syntax(syntax)
 {
 }
 
@@ -34,7 +42,8 @@ bool MSSQLIndexScript::isRename(const MSSQLIndexEntry &oldIndex, const MSSQLInde
 }
 
 KNStatementPair MSSQLIndexScript::queryForUpdateIndex(const MSSQLIndexEntry &oldIndex,
-                                                      const MSSQLIndexEntry &newIndex, bool isNewIndex) const
+                                                      const MSSQLIndexEntry &newIndex, bool isNewIndex,
+                                                      const MSSQLIndexDefinition &definition) const
 {
     if (oldIndex == newIndex)
         return {};
@@ -42,7 +51,8 @@ KNStatementPair MSSQLIndexScript::queryForUpdateIndex(const MSSQLIndexEntry &old
         return rename(oldIndex.indexName, newIndex.indexName);
 
     MSSQLStatementCaution caution;
-    KNStatementPair pair{exactCreation(newIndex), correctedCreation(newIndex), {}};
+    const MSSQLIndexCreation creation(m_table, newIndex, definition, m_syntax);
+    KNStatementPair pair{exactCreation(newIndex), creation.statements(), {}};
     caution.addWithoutSchema(m_table);
     caution.addUnlessRead(MSSQLDesignedTable::escaped(m_table.name), {m_table.name});
     caution.addUnlessRead(MSSQLDesignedTable::escaped(newIndex.indexName), {newIndex.indexName});
@@ -58,12 +68,19 @@ KNStatementPair MSSQLIndexScript::queryForUpdateIndex(const MSSQLIndexEntry &old
         caution.addUnlessRead(oldName, {oldIndex.indexName});
         caution.add(
             MSSQLStatementCaution::tr("SQL Server does not accept DROP INDEX without the index's table."));
+        caution.add(lossSentence(creation.lostWithoutOptions()));
         // The name differs in the case of its letters only: the exact statements drop and create.
         if (haveSameDefinition(oldIndex, newIndex))
             pair.corrected = rename(oldIndex.indexName, newIndex.indexName).corrected;
     }
     pair.difference = caution.text();
     return pair;
+}
+
+QString MSSQLIndexScript::lossBy(const MSSQLIndexEntry &newIndex,
+                                 const MSSQLIndexDefinition &definition) const
+{
+    return lossSentence(MSSQLIndexCreation(m_table, newIndex, definition, m_syntax).lost());
 }
 
 KNStatementPair MSSQLIndexScript::rename(const QString &oldName, const QString &newName) const
@@ -84,21 +101,14 @@ QString MSSQLIndexScript::exactCreation(const MSSQLIndexEntry &index) const
 {
     return KNFormat("CREATE %@%@INDEX %@ ON %@ (%@);", index.isUnique ? "UNIQUE " : "",
                     index.isNonClustered ? "NONCLUSTERED " : "", MSSQLDesignedTable::escaped(index.indexName),
-                    MSSQLDesignedTable::escaped(m_table.name),
-                    columnList(index, MSSQLDesignedTable::escaped));
-}
-
-QString MSSQLIndexScript::correctedCreation(const MSSQLIndexEntry &index) const
-{
-    return KNFormat("CREATE %@%@INDEX %@ ON %@ (%@);", index.isUnique ? "UNIQUE " : "",
-                    index.isNonClustered ? "NONCLUSTERED " : "CLUSTERED ",
-                    MSSQLQuoting::quotedName(index.indexName), m_table.quoted(),
-                    columnList(index, MSSQLQuoting::quotedName));
+                    MSSQLDesignedTable::escaped(m_table.name), columnList(index));
 }
 
 QString MSSQLIndexScript::correctedDrop(const QString &indexName) const
 {
-    return KNFormat("DROP INDEX %@ ON %@", MSSQLQuoting::quotedName(indexName), m_table.quoted());
+    const QString name = MSSQLQuoting::quotedName(indexName);
+    return m_syntax == MSSQLIndexSyntax::SQL2000 ? KNFormat("DROP INDEX %@.%@", m_table.quoted(), name)
+                                                 : KNFormat("DROP INDEX %@ ON %@", name, m_table.quoted());
 }
 
 KNStatementPair MSSQLIndexScript::dropIndex(const QString &indexName) const

@@ -50,6 +50,7 @@ QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
             question("List_KeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             question("List_TriggersForTableWithDetails", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_IndexesAndColumnsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
+            question("List_IndexDefinitionsForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_ForeignKeysForTable", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
             question("List_PrimaryKeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             question("List_DependentsOfTable", {{"SCHEMA", schema}, {"TABLE", table}}),

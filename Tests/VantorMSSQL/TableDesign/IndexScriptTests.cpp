@@ -1,5 +1,6 @@
 #include "Support/PrintQt.h"
 #include "TableDesign/MSSQLIndexScript.h"
+#include "VantorMSSQL/Scripts/ScriptTest.h"
 
 #include <gtest/gtest.h>
 
@@ -119,4 +120,147 @@ TEST(IndexScript, DropActionNamesSchemaTableAndIndex)
     EXPECT_TRUE(pair.difference.isEmpty());
     EXPECT_EQ(script().dropIndex(q("a.b")).difference,
               q("SQL Server would not read the names in this statement as the ones shown."));
+}
+
+namespace {
+
+/// An index with everything that the editor does not show.
+MSSQLIndexDefinition fullDefinition()
+{
+    return {.indexName = q("IX"),
+            .descendingKeys = {q("b")},
+            .includedColumns = {q("c]"), q("d")},
+            .fillFactor = 80,
+            .isPadded = true,
+            .ignoresDuplicates = true,
+            .isWithoutRecompute = true,
+            .allowsRowLocks = false,
+            .allowsPageLocks = false,
+            .isDisabled = true,
+            .filter = q("([a]>(0))"),
+            .compression = q("PAGE"),
+            .dataSpace = q("by year"),
+            .partitionColumn = q("a")};
+}
+
+} // namespace
+
+TEST(IndexScript, KeepsWhatTheEditorDoesNotShowInTheCorrectedStatementOnly)
+{
+    const KNStatementPair pair = script().queryForUpdateIndex(
+        index("IX", {"a", "b"}, true), index("IX", {"b", "a"}, true), false, fullDefinition());
+    EXPECT_EQ(pair.exact, q("DROP INDEX IX;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON Orders (b, a);"));
+    EXPECT_EQ(pair.corrected,
+              q("DROP INDEX IX ON sales.Orders;\r\n"
+                "CREATE UNIQUE NONCLUSTERED INDEX IX ON sales.Orders (b DESC, a) INCLUDE ([c]]], d) "
+                "WHERE ([a]>(0)) WITH (FILLFACTOR = 80, PAD_INDEX = ON, IGNORE_DUP_KEY = ON, "
+                "STATISTICS_NORECOMPUTE = ON, ALLOW_ROW_LOCKS = OFF, ALLOW_PAGE_LOCKS = OFF, "
+                "DATA_COMPRESSION = PAGE) ON [by year](a);\r\n"
+                "ALTER INDEX IX ON sales.Orders DISABLE;"));
+    EXPECT_EQ(pair.difference,
+              q("SQL Server does not accept DROP INDEX without the index's table. The index would lose: sort "
+                "order, included columns, filter, fill factor, PAD_INDEX, IGNORE_DUP_KEY, "
+                "STATISTICS_NORECOMPUTE, ALLOW_ROW_LOCKS, ALLOW_PAGE_LOCKS, compression, partition scheme, "
+                "disabled state."));
+    EXPECT_TRUE(script().lossBy(index("IX", {"b", "a"}, true), fullDefinition()).isNull());
+}
+
+TEST(IndexScript, LeavesOutWhatTheChangedIndexCannotHave)
+{
+    const MSSQLIndexDefinition old{.indexName = q("IX"),
+                                   .descendingKeys = {q("gone")},
+                                   .includedColumns = {q("c"), q("d")},
+                                   .ignoresDuplicates = true,
+                                   .filter = q("([a]>(0))"),
+                                   .hasMixedCompression = true,
+                                   .dataSpace = q("Archive")};
+    EXPECT_EQ(
+        script()
+            .queryForUpdateIndex(index("IX", {"gone"}, true), index("IX", {"a", "c"}), false, old)
+            .corrected,
+        q("DROP INDEX IX ON sales.Orders;\r\n"
+          "CREATE NONCLUSTERED INDEX IX ON sales.Orders (a, c) INCLUDE (d) WHERE ([a]>(0)) ON Archive;"));
+    const MSSQLIndexEntry clustered = index("IX", {"a"}, false, false);
+    EXPECT_EQ(
+        script().queryForUpdateIndex(index("IX", {"gone"}, true), clustered, false, old).corrected,
+        q("DROP INDEX IX ON sales.Orders;\r\nCREATE CLUSTERED INDEX IX ON sales.Orders (a) ON Archive;"));
+    EXPECT_EQ(script().lossBy(clustered, old),
+              q("The index would lose: filter, compression, which differs by partition."));
+}
+
+TEST(IndexScript, UsesTheStatementsOfSQLServer2000)
+{
+    const MSSQLIndexScript old({q("sales"), q("a table"), q("sales")}, MSSQLIndexSyntax::SQL2000);
+    EXPECT_EQ(old.dropIndex(q("IX one")).corrected, q("DROP INDEX sales.[a table].[IX one]"));
+    const MSSQLIndexDefinition definition{.indexName = q("IX"),
+                                          .descendingKeys = {q("a")},
+                                          .fillFactor = 70,
+                                          .isPadded = true,
+                                          .isWithoutRecompute = true,
+                                          .allowsRowLocks = false,
+                                          .dataSpace = q("Archive")};
+    const MSSQLIndexEntry changed = index("IX", {"a", "b"});
+    EXPECT_EQ(
+        old.queryForUpdateIndex(index("IX", {"a"}), changed, false, definition).corrected,
+        q("DROP INDEX sales.[a table].IX;\r\nCREATE NONCLUSTERED INDEX IX ON sales.[a table] (a DESC, b) "
+          "WITH FILLFACTOR = 70, PAD_INDEX, STATISTICS_NORECOMPUTE ON Archive;"));
+    EXPECT_EQ(old.lossBy(changed, definition), q("The index would lose: ALLOW_ROW_LOCKS."));
+}
+
+TEST(IndexScript, NamesNoLossForARenameOrAPlainIndex)
+{
+    const KNStatementPair renamed =
+        script().queryForUpdateIndex(index("IX", {"a"}), index("IY", {"a"}), false, fullDefinition());
+    EXPECT_FALSE(renamed.difference.contains(q("would lose")));
+    const KNStatementPair plain = script().queryForUpdateIndex(index("IX", {"a"}), index("IX", {"b"}), false);
+    EXPECT_FALSE(plain.difference.contains(q("would lose")));
+}
+
+TEST(IndexDefinition, ReadsARowForEachColumn)
+{
+    const auto row = [](const char *index, const char *column, int isIncluded, int isDescending) {
+        return QList<KNValue>{ScriptTest::text(index),
+                              ScriptTest::text(column),
+                              KNValue(isIncluded),
+                              KNValue(isDescending),
+                              KNValue(80),
+                              KNValue(1),
+                              KNValue(0),
+                              KNValue(1),
+                              KNValue(0),
+                              KNValue(1),
+                              KNValue(1),
+                              ScriptTest::text("([a]>(0))"),
+                              ScriptTest::text("PAGE"),
+                              KNValue(0),
+                              ScriptTest::text("by year"),
+                              ScriptTest::text("y")};
+    };
+    QList<KNValue> plain(16);
+    plain[0] = ScriptTest::text("IY");
+    plain[1] = ScriptTest::text("a");
+    const auto answer =
+        ScriptTest::rows({row("IX", "a", 0, 0), row("IX", "b", 0, 1), row("IX", "c", 1, 0), plain});
+    const auto indexes = MSSQLIndexDefinition::listFrom(*answer);
+    ASSERT_EQ(indexes.size(), 2);
+    const MSSQLIndexDefinition &full = indexes[0];
+    EXPECT_EQ(full.indexName, q("IX"));
+    EXPECT_EQ(full.descendingKeys, QStringList{q("b")});
+    EXPECT_EQ(full.includedColumns, QStringList{q("c")});
+    EXPECT_EQ(full.fillFactor, 80);
+    EXPECT_TRUE(full.isPadded);
+    EXPECT_FALSE(full.ignoresDuplicates);
+    EXPECT_TRUE(full.isWithoutRecompute);
+    EXPECT_FALSE(full.allowsRowLocks);
+    EXPECT_TRUE(full.allowsPageLocks);
+    EXPECT_TRUE(full.isDisabled);
+    EXPECT_EQ(full.filter, q("([a]>(0))"));
+    EXPECT_EQ(full.compression, q("PAGE"));
+    EXPECT_FALSE(full.hasMixedCompression);
+    EXPECT_EQ(full.dataSpace, q("by year"));
+    EXPECT_EQ(full.partitionColumn, q("y"));
+    // A server that answers NULL everywhere.
+    EXPECT_TRUE(indexes[1].filter.isNull());
+    EXPECT_TRUE(indexes[1].dataSpace.isNull());
+    EXPECT_EQ(indexes[1].fillFactor, 0);
 }

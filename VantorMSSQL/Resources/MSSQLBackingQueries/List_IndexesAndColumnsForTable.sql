@@ -1,4 +1,5 @@
--- One row per key column, in key order. The primary key's index is called PRIMARY: it changes with the key only.
+-- One row per key column, in key order. The primary key's index is called PRIMARY: it changes with the key only. Unique
+-- constraints are left out: their indexes cannot be dropped.
 SELECT
     i.index_id AS IndexId,
     CASE WHEN i.is_primary_key = 1 THEN N'PRIMARY' ELSE i.name END AS indexName,
@@ -14,5 +15,6 @@ WHERE s.name = N'{TABLE_SCHEMA}'
     AND t.name = N'{TABLE_NAME}'
     AND i.type IN (1, 2)
     AND i.is_hypothetical = 0
+    AND i.is_unique_constraint = 0
     AND ic.key_ordinal > 0
 ORDER BY i.index_id, ic.key_ordinal

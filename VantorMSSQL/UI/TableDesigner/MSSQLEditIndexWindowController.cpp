@@ -1,8 +1,7 @@
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 
 #include "Foundation/KNDispatch.h"
-#include "Scripts/MSSQLCorrectedStatements.h"
-#include "TableDesign/MSSQLIndexScript.h"
+#include "TableDesign/MSSQLAlterIndexQueryLoader.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
 
@@ -181,16 +180,15 @@ void MSSQLEditIndexWindowController::onAccept()
     if (edited.columns.isEmpty())
         return KNAlerts::shared().showMessage(this, tr("Please specify at least one column."),
                                               tr("You must specify at least one column."));
-    const KNStatementPair pair =
-        MSSQLIndexScript(m_session.table()).queryForUpdateIndex(m_unedited, edited, m_isNewIndex);
-    if (pair.exact.isNull())
+    if (edited == m_unedited)
         return endSheetWithReturnCode(0);
     const KNQueryPreview::Titles titles{tr("Alter index"),
                                         tr("The index will be modifed using the following queries."),
                                         tr("Apply"), tr("Performing changes")};
-    m_session.preview(this, titles, pair.loader(MSSQLCorrectedStatements::areUsed()),
-                      QStringLiteral("MSSQLAlterIndex"), [self = QPointer(this)] {
-                          if (self)
-                              self->endSheetWithReturnCode(1);
-                      });
+    const auto statements =
+        std::make_shared<MSSQLAlterIndexQueryLoader>(m_session.table(), m_unedited, edited, m_isNewIndex);
+    m_session.preview(this, titles, statements, QStringLiteral("MSSQLAlterIndex"), [self = QPointer(this)] {
+        if (self)
+            self->endSheetWithReturnCode(1);
+    });
 }
