@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 
 namespace {
 
@@ -28,6 +29,14 @@ QBoxLayout *titledList(const QString &title, QListWidget *list)
     layout->addWidget(label);
     layout->addWidget(list);
     return layout;
+}
+
+/// A column in a list. A column dropped on another one goes before or after it.
+QListWidgetItem *newItem(const QString &column)
+{
+    auto *const item = new QListWidgetItem(column);
+    item->setFlags(item->flags() & ~Qt::ItemIsDropEnabled);
+    return item;
 }
 
 } // namespace
@@ -55,6 +64,8 @@ MSSQLEditIndexWindowController::MSSQLEditIndexWindowController(MSSQLTableDesignS
     m_available->setAccessibleName(tr("Columns of the table"));
     m_keys->setAccessibleName(tr("Columns of the index"));
     m_keys->setDragDropMode(QAbstractItemView::InternalMove);
+    addMoveShortcut(m_up, Qt::ALT | Qt::Key_Up, -1);
+    addMoveShortcut(m_down, Qt::ALT | Qt::Key_Down, 1);
     m_add->setToolTip(tr("Add column to index"));
     m_remove->setToolTip(tr("Remove column from index"));
 
@@ -80,7 +91,9 @@ MSSQLEditIndexWindowController::MSSQLEditIndexWindowController(MSSQLTableDesignS
     resize(InitialEditorSize);
 
     for (const MSSQLIndexColumnEntry &column : index.columns)
-        m_keys->addItem(column.name);
+        m_keys->addItem(newItem(column.name));
+    connect(m_keys->model(), &QAbstractItemModel::rowsMoved, this,
+            &MSSQLEditIndexWindowController::updateButtons);
     for (QListWidget *const list : {m_available, m_keys})
         connect(list, &QListWidget::currentRowChanged, this, &MSSQLEditIndexWindowController::updateButtons);
     connect(m_available, &QListWidget::itemActivated, this, [this] { addColumnToIndex(); });
@@ -96,6 +109,12 @@ QPushButton *MSSQLEditIndexWindowController::newButton(const QString &title,
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, clicked);
     return button;
+}
+
+void MSSQLEditIndexWindowController::addMoveShortcut(QPushButton *button, QKeySequence keys, int by)
+{
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, by] { moveColumn(by); });
+    button->setToolTip(keys.toString(QKeySequence::NativeText));
 }
 
 void MSSQLEditIndexWindowController::loadColumns()
@@ -119,7 +138,7 @@ void MSSQLEditIndexWindowController::showColumns(const QList<MSSQLColumnRecord> 
 {
     for (const MSSQLColumnRecord &column : columns) {
         if (m_keys->findItems(column.columnName, Qt::MatchFixedString).isEmpty())
-            m_available->addItem(column.columnName);
+            m_available->addItem(newItem(column.columnName));
     }
     updateButtons();
 }

@@ -5,6 +5,8 @@
 #include "UI/Dialogs/KNWindowController.h"
 #include "UI/TableDesigner/MSSQLTableDesignSession.h"
 
+#include <QKeySequence>
+
 class QCheckBox;
 class QLineEdit;
 class QListWidget;
@@ -31,6 +33,7 @@ private:
     void addColumnToIndex();
     void removeColumnFromIndex();
     void moveColumn(int by);
+    void addMoveShortcut(QPushButton *button, QKeySequence keys, int by);
     void updateButtons();
     QPushButton *newButton(const QString &title, const std::function<void()> &clicked);
 
