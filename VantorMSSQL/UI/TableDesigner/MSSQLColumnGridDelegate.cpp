@@ -17,24 +17,36 @@ constexpr const char *TypesOf2000[] = {
 constexpr const char *LaterTypes[] = {
     "date",          "datetime2(7)", "datetimeoffset(7)", "geography",    "geometry", "hierarchyid",
     "nvarchar(max)", "time(7)",      "varbinary(max)",    "varchar(max)", "xml"};
-constexpr const char *Defaults[] = {"CURRENT_TIMESTAMP", "getdate()",     "getutcdate()",
-                                    "host_name()",       "newid()",       "newsequentialid()",
-                                    "suser_sname()",     "sysdatetime()", "sysdatetimeoffset()",
-                                    "sysutcdatetime()",  "user_name()"};
+constexpr const char *DefaultsOf2000[] = {"CURRENT_TIMESTAMP", "getdate()",     "getutcdate()", "host_name()",
+                                          "newid()",           "suser_sname()", "user_name()"};
+constexpr const char *LaterDefaults[] = {"newsequentialid()", "sysdatetime()", "sysdatetimeoffset()",
+                                         "sysutcdatetime()"};
+
+/// The texts of the oldest version, and on a later one its own.
+template <typename Old, typename Later>
+QStringList textsFor(bool isSQL2000, const Old &old, const Later &later)
+{
+    QStringList texts;
+    for (const char *text : old)
+        texts.append(QString::fromLatin1(text));
+    if (!isSQL2000) {
+        for (const char *text : later)
+            texts.append(QString::fromLatin1(text));
+    }
+    texts.sort(Qt::CaseInsensitive);
+    return texts;
+}
 
 } // namespace
 
 QStringList MSSQLColumnGridDelegate::builtInTypes(bool isSQL2000)
 {
-    QStringList types;
-    for (const char *type : TypesOf2000)
-        types.append(QString::fromLatin1(type));
-    if (!isSQL2000) {
-        for (const char *type : LaterTypes)
-            types.append(QString::fromLatin1(type));
-    }
-    types.sort();
-    return types;
+    return textsFor(isSQL2000, TypesOf2000, LaterTypes);
+}
+
+QStringList MSSQLColumnGridDelegate::builtInDefaults(bool isSQL2000)
+{
+    return textsFor(isSQL2000, DefaultsOf2000, LaterDefaults);
 }
 
 QWidget *MSSQLColumnGridDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,
@@ -51,10 +63,7 @@ QWidget *MSSQLColumnGridDelegate::createEditor(QWidget *parent, const QStyleOpti
     QWidget *const editor = QStyledItemDelegate::createEditor(parent, option, index);
     auto *const line = qobject_cast<QLineEdit *>(editor);
     if (line && index.column() == MSSQLColumnGridModel::Default) {
-        QStringList functions;
-        for (const char *text : Defaults)
-            functions.append(QString::fromLatin1(text));
-        auto *const completer = new QCompleter(functions, line);
+        auto *const completer = new QCompleter(m_defaults, line);
         completer->setCaseSensitivity(Qt::CaseInsensitive);
         line->setCompleter(completer);
     }

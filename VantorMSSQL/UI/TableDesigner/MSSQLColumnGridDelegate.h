@@ -14,7 +14,14 @@ public:
 
     /// The types of SQL Server 2005 and later, or of SQL Server 2000.
     static QStringList builtInTypes(bool isSQL2000);
-    void setTypes(const QStringList &types) { m_types = types; }
+    /// The functions that a default may call, likewise.
+    static QStringList builtInDefaults(bool isSQL2000);
+    /// Sets what the editors offer.
+    void setOffers(const QStringList &types, const QStringList &defaults)
+    {
+        m_types = types;
+        m_defaults = defaults;
+    }
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
@@ -23,4 +30,5 @@ public:
 
 private:
     QStringList m_types = builtInTypes(false);
+    QStringList m_defaults = builtInDefaults(false);
 };

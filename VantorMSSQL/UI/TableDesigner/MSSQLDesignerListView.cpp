@@ -1,5 +1,8 @@
 #include "UI/TableDesigner/MSSQLDesignerListView.h"
 
+#include "Catalog/MSSQLColumnRecord.h"
+#include "Foundation/KNFormat.h"
+
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -48,6 +51,19 @@ int MSSQLDesignerListView::currentRow() const
 {
     const QList<QTreeWidgetItem *> selected = m_list->selectedItems();
     return selected.isEmpty() ? -1 : m_list->indexOfTopLevelItem(selected.first());
+}
+
+KNError MSSQLDesignerListView::errorWithoutTable(const MSSQLDesignedTable &table, const VantorDBC &settings,
+                                                 const char *errorDomain)
+{
+    KNError error;
+    const auto columns = MSSQLCatalogReader::records<MSSQLColumnRecord>(settings, table.schema, table.name,
+                                                                        errorDomain, &error);
+    if (error || !columns.isEmpty())
+        return error;
+    return KNError(QString::fromLatin1(errorDomain), 0,
+                   KNFormat(tr("The table %@.%@ was not found, or you have no right to see it."),
+                            table.schema, table.name));
 }
 
 void MSSQLDesignerListView::updateButtons()

@@ -51,6 +51,8 @@ protected:
             KNError error;
             const auto records =
                 MSSQLCatalogReader::records<Record>(*settings, table.schema, table.name, errorDomain, &error);
+            if (!error && records.isEmpty())
+                error = errorWithoutTable(table, *settings, errorDomain);
             KNDispatch::mainQueue([self, records, error, show] {
                 if (!self)
                     return;
@@ -65,6 +67,10 @@ protected:
 
 private:
     void updateButtons();
+    /// The error that the table is not there, or hidden from the login; none if it can be seen. Blocks on the
+    /// server.
+    static KNError errorWithoutTable(const MSSQLDesignedTable &table, const VantorDBC &settings,
+                                     const char *errorDomain);
 
     MSSQLTableDesignSession &m_session;
     QTreeWidget *const m_list;

@@ -1,5 +1,6 @@
 #include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "QueryLoader/StaticQueryLoader.h"
@@ -25,9 +26,10 @@ namespace {
 
 constexpr QSize InitialKeyEditorSize(620, 460);
 constexpr int LongestKeyName = 128; // in characters
+constexpr int RulesOf2000 = 2;      // no action and cascade
 enum PairColumn { Local, Referenced };
 
-QList<QStringList> tablesOf(const VantorDBC &settings)
+QList<QStringList> tablesOf(const VantorDBC &settings, KNError *error)
 {
     QList<QStringList> tables;
     const auto add = [&](const DatabaseResultSet &row) {
@@ -35,9 +37,15 @@ QList<QStringList> tablesOf(const VantorDBC &settings)
         if (!table[1].isEmpty()) // a broken server may answer NULL
             tables.append(table);
     };
-    MSSQLCatalogReader::read(settings, QStringLiteral("DatabaseTree_ListTables"), {},
-                             "mssql.tabledesigner.loadTables", add);
+    *error = MSSQLCatalogReader::read(settings, QStringLiteral("DatabaseTree_ListTables"), {},
+                                      "mssql.tabledesigner.loadTables", add);
     return tables;
+}
+
+bool isSQL2000(const VantorDBC &settings)
+{
+    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
+    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
 }
 
 QComboBox *newRuleBox(qint64 rule, const QString &name)
@@ -122,18 +130,37 @@ void MSSQLEditForeignKeyWindowController::arrange()
 void MSSQLEditForeignKeyWindowController::loadTables()
 {
     KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings()] {
-        const QList<QStringList> tables = tablesOf(*settings);
-        KNDispatch::mainQueue([self, tables] {
+        KNError error;
+        const QList<QStringList> tables = tablesOf(*settings, &error);
+        KNDispatch::mainQueue([self, tables, error, isOld = isSQL2000(*settings)] {
             if (!self)
                 return;
-            const QSignalBlocker blocker(self->m_table);
-            for (const QStringList &table : tables)
-                self->m_table->addItem(table.join(QLatin1Char('.')), table);
-            self->m_table->setCurrentIndex(self->m_table->findData(
-                QStringList{self->m_unedited.targetTableSchema, self->m_unedited.targetTable}));
-            self->loadReferencedColumns();
+            if (error)
+                KNAlerts::shared().showError(self, error);
+            if (isOld)
+                self->limitRules();
+            self->showTables(tables);
         });
     });
+}
+
+void MSSQLEditForeignKeyWindowController::showTables(const QList<QStringList> &tables)
+{
+    const QSignalBlocker blocker(m_table);
+    for (const QStringList &table : tables)
+        m_table->addItem(table.join(QLatin1Char('.')), table);
+    m_table->setCurrentIndex(
+        m_table->findData(QStringList{m_unedited.targetTableSchema, m_unedited.targetTable}));
+    loadReferencedColumns();
+}
+
+/// Offers the rules of SQL Server 2000 only.
+void MSSQLEditForeignKeyWindowController::limitRules()
+{
+    for (QComboBox *const box : {m_updateRule, m_deleteRule}) {
+        while (box->count() > RulesOf2000)
+            box->removeItem(box->count() - 1);
+    }
 }
 
 void MSSQLEditForeignKeyWindowController::loadReferencedColumns()
@@ -145,12 +172,15 @@ void MSSQLEditForeignKeyWindowController::loadReferencedColumns()
             using Designer = MSSQLTableColumnDesignerViewController;
             KNError error;
             const Columns own = Designer::loadTable(table.name, table.schema, settings.get(), &error);
-            const Columns referenced = target.size() == 2
+            const Columns referenced = target.size() == 2 && !error
                                            ? Designer::loadTable(target[1], target[0], settings.get(), &error)
                                            : Columns();
-            KNDispatch::mainQueue([self, own, referenced, load] {
-                if (self && self->m_load == load)
-                    self->showColumns(own, referenced);
+            KNDispatch::mainQueue([self, own, referenced, load, error] {
+                if (!self || self->m_load != load)
+                    return;
+                if (error)
+                    KNAlerts::shared().showError(self, error);
+                self->showColumns(own, referenced);
             });
         });
 }

@@ -32,6 +32,8 @@ private:
 
     void arrange();
     void loadTables();
+    void showTables(const QList<QStringList> &tables);
+    void limitRules();
     void loadReferencedColumns();
     void showColumns(const Columns &own, const Columns &referenced);
     void addPair(const QString &local = {}, const QString &referenced = {});

@@ -30,12 +30,16 @@ QString templateText(const VantorDBC &settings, const char *title)
     return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
 }
 
+bool isOnSQL2000(const VantorDBC &settings)
+{
+    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
+    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
+}
+
 /// The types of the server's version and the alias types of the database.
 QStringList typesOf(const VantorDBC &settings)
 {
-    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
-    QStringList types = MSSQLColumnGridDelegate::builtInTypes(
-        details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details));
+    QStringList types = MSSQLColumnGridDelegate::builtInTypes(isOnSQL2000(settings));
     MSSQLCatalogReader::read(
         settings, QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
         {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QStringLiteral("AND is_table_type = 0")}}, LoadDomain,
@@ -112,9 +116,10 @@ void MSSQLTableColumnDesignerViewController::loadTypes()
 {
     KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings()] {
         const QStringList types = typesOf(*settings);
-        KNDispatch::mainQueue([self, types] {
+        const QStringList defaults = MSSQLColumnGridDelegate::builtInDefaults(isOnSQL2000(*settings));
+        KNDispatch::mainQueue([self, types, defaults] {
             if (self)
-                self->m_delegate->setTypes(types);
+                self->m_delegate->setOffers(types, defaults);
         });
     });
 }

@@ -17,10 +17,7 @@ MSSQLTableTriggerDesignerViewController::MSSQLTableTriggerDesignerViewController
     : MSSQLDesignerListView(session, tr("Triggers"),
                             {tr("Name"), tr("Timing"), tr("Event"), tr("Enabled"), tr("Statement")}, parent)
 {
-    addButton(tr("&Open Definition"), true, [this] {
-        if (const int row = currentRow(); row >= 0 && row < m_triggers.size())
-            Q_EMIT definitionRequested(m_triggers[row].statement);
-    });
+    addButton(tr("&Open Definition"), true, [this] { openSelected(); });
     addButton(tr("&Enable or Disable"), true, [this] { toggleSelected(); });
     addButton(tr("&Drop Trigger…"), true, [this] { dropSelected(); });
     loadTriggers();
@@ -62,6 +59,20 @@ void MSSQLTableTriggerDesignerViewController::loadTriggers()
                                                       static_cast<long>(triggers.size()),
                                                       session().table().name);
         });
+}
+
+void MSSQLTableTriggerDesignerViewController::openSelected()
+{
+    const int row = currentRow();
+    if (row < 0 || row >= m_triggers.size())
+        return;
+    const MSSQLTriggerEntry &trigger = m_triggers[row];
+    if (trigger.statement.isEmpty())
+        return KNAlerts::shared().showMessage(
+            session().window(),
+            KNFormat(tr("The definition of the trigger '%@' cannot be read."), trigger.triggerName),
+            tr("It is encrypted, or you have no right to see it."));
+    Q_EMIT definitionRequested(trigger.statement);
 }
 
 void MSSQLTableTriggerDesignerViewController::dropSelected()

@@ -17,6 +17,7 @@ public:
     static QString cellText(const MSSQLTriggerEntry &trigger, const QString &identifier);
 
     void loadTriggers();
+    void openSelected();
     void dropSelected();
     /// Enables a disabled trigger and disables an enabled one.
     void toggleSelected();
