@@ -23,6 +23,7 @@
 
 namespace {
 
+constexpr int MeasuredRows = 100; // for the widths of the grid's columns
 constexpr auto LoadDomain = "mssql.tabledesigner.loadTable";
 
 QString templateText(const VantorDBC &settings, const char *title)
@@ -73,6 +74,7 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
     m_grid->verticalHeader()->hide();
     m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Field, QHeaderView::Stretch);
     m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Default, QHeaderView::Stretch);
+    m_grid->horizontalHeader()->setResizeContentsPrecision(MeasuredRows);
     m_notice->setTextFormat(Qt::PlainText);
     m_notice->setWordWrap(true);
     m_notice->hide();

@@ -1,0 +1,72 @@
+#include "Support/WatchedApplication.h"
+#include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
+#include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
+#include "VantorMSSQL/Dialogs/DesignerTest.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QScrollBar>
+
+namespace {
+
+constexpr int ManyColumns = 1024; // as many as a table may have
+
+/// No event may hold the UI thread up.
+class WideTable : public DesignerTest
+{
+protected:
+    WideTable()
+    {
+        QStringList definitions;
+        for (int i = 1; i <= ManyColumns; ++i)
+            definitions.append(KNFormat("column_%d nvarchar(20) NULL CONSTRAINT DF_%d DEFAULT N'text'", i, i));
+        run(KNFormat("CREATE TABLE dbo.Wide (%@)", definitions.join(QStringLiteral(", "))));
+        WatchedApplication::instance().beginWatch();
+        open(QStringLiteral("dbo"), QStringLiteral("Wide"));
+    }
+    ~WideTable() override
+    {
+        const WatchedApplication::Call &longest = WatchedApplication::instance().longestCall();
+        EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
+    }
+};
+
+} // namespace
+
+TEST_F(WideTable, OpensAndScrollsWithoutHoldingTheWindowUp)
+{
+    ASSERT_EQ(grid()->model()->rowCount(), ManyColumns);
+    for (int row = 0; row < ManyColumns; row += 10) {
+        QTest::keyClick(grid(), Qt::Key_PageDown);
+        QTest::qWait(0);
+    }
+    EXPECT_EQ(grid()->currentIndex().row(), ManyColumns - 1);
+    QTest::keyClick(grid(), Qt::Key_Home, Qt::ControlModifier);
+    grid()->verticalScrollBar()->setValue(grid()->verticalScrollBar()->maximum());
+    QTest::qWait(0);
+}
+
+TEST_F(WideTable, EditsACellAndLoadsAgainWithoutHoldingTheWindowUp)
+{
+    grid()->setFocus();
+    grid()->setCurrentIndex(grid()->model()->index(ManyColumns - 1, Column::Type));
+    QTest::keyClick(grid(), Qt::Key_F2);
+    auto *const box = grid()->findChild<QComboBox *>();
+    ASSERT_NE(box, nullptr);
+    box->setEditText(QStringLiteral("nvarchar(40)"));
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_TRUE(WindowTesting::waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
+    finish();
+    EXPECT_EQ(cells(Column::Type).last(), QStringLiteral("nvarchar(40)"));
+}
+
+TEST_F(WideTable, ChoosesIndexColumnsWithoutHoldingTheWindowUp)
+{
+    auto *const indexes = page<MSSQLTableIndexDesignerViewController>();
+    indexes->addNewIndex();
+    auto *const editor = m_designer->findChild<MSSQLEditIndexWindowController *>();
+    ASSERT_NE(editor, nullptr);
+    EXPECT_TRUE(WindowTesting::settle());
+    editor->findChild<QLineEdit *>()->setText(QStringLiteral("IX"));
+    editor->endSheetWithReturnCode(0);
+}
