@@ -142,11 +142,13 @@ void MSSQLTableDesignSession::preview(QWidget *parent, const KNQueryPreview::Tit
     });
     preview->beginSheet(
         [self = QPointer(this), preview, applied = std::move(applied)](KNQueryPreview::Changes changes) {
-            if (!self || changes != KNQueryPreview::Changes::All)
+            const bool hasSucceeded = changes == KNQueryPreview::Changes::All;
+            if (!self || changes == KNQueryPreview::Changes::None)
                 return;
-            self->m_executed.append(preview->acceptedStatements());
+            if (hasSucceeded)
+                self->m_executed.append(preview->acceptedStatements());
             Q_EMIT self->tableChanged();
-            if (applied)
+            if (hasSucceeded && applied)
                 applied();
         });
 }
