@@ -1,12 +1,59 @@
 #include "UI/Alerts/KNAlerts.h"
 
+#include "UI/Dialogs/KNWindowController.h"
+
 #include <QAbstractButton>
+#include <QBoxLayout>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 namespace {
+
+constexpr qsizetype MostLinesInABox = 15;
+constexpr qsizetype LongestTextInABox = 1500; // UTF-16 units
+constexpr QSize LongMessageSize(640, 400);
+
+bool isLong(const QString &text)
+{
+    return text.size() > LongestTextInABox || text.count(QLatin1Char('\n')) > MostLinesInABox;
+}
+
+/// A sheet for a text that is higher than a screen, such as an error with its script. It ends with the number
+/// of the button from 1, or 0.
+class LongMessage : public KNWindowController
+{
+public:
+    LongMessage(QWidget *parent, const KNAlerts::Question &question)
+        : KNWindowController(parent)
+    {
+        auto *const heading = new QLabel(question.title);
+        heading->setTextFormat(Qt::PlainText);
+        heading->setWordWrap(true);
+        auto *const body = new QPlainTextEdit(question.text);
+        body->setReadOnly(true);
+        body->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        body->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        body->setAccessibleName(question.title);
+        auto *const buttons = new QDialogButtonBox;
+        for (int i = 0; i < question.buttons.size(); ++i) {
+            QPushButton *const button = buttons->addButton(question.buttons[i], QDialogButtonBox::ActionRole);
+            button->setDefault(i == 0);
+            connect(button, &QPushButton::clicked, this, [this, i] { endSheetWithReturnCode(i + 1); });
+        }
+        auto *const layout = new QVBoxLayout(this);
+        layout->addWidget(heading);
+        layout->addWidget(body, 1);
+        layout->addWidget(buttons);
+        resize(LongMessageSize);
+        if (!question.buttons.isEmpty())
+            buttons->buttons().first()->setFocus();
+    }
+};
 
 /// A message box that Escape and the window's cross close whatever its buttons are. Closed so, none of them
 /// was clicked.
@@ -39,11 +86,18 @@ public:
 
     void showMessage(QWidget *parent, const QString &title, const QString &text) override
     {
-        open(parent, QMessageBox::Information, title, text);
+        if (isLong(text))
+            (new LongMessage(parent, {title, text, {QMessageBox::tr("OK")}}))->beginSheet({});
+        else
+            open(parent, QMessageBox::Information, title, text);
     }
 
     void ask(QWidget *parent, const Question &question, Answer answer) override
     {
+        if (isLong(question.text))
+            return (new LongMessage(parent, question))->beginSheet([answer = std::move(answer)](int code) {
+                answer(code - 1);
+            });
         QMessageBox *const box = make(parent, QMessageBox::Question, question.title, question.text);
         for (const QString &title : question.buttons)
             box->addButton(title, QMessageBox::ActionRole);

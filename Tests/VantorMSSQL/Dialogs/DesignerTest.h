@@ -33,10 +33,10 @@ protected:
         : m_settings(settingsFor(server))
     {
         KNUserDefaults::standardUserDefaults()->setObject(MSSQLCorrectedStatements::Key, true);
-        run("IF DB_ID('designed') IS NOT NULL DROP DATABASE designed");
-        run("CREATE DATABASE designed");
-        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
-        m_settings->setDatabase(QStringLiteral("designed"));
+        static int databases = 0;
+        const QString database = KNFormat("designed_%d", ++databases);
+        run(KNFormat("CREATE DATABASE %@", database));
+        m_settings->setDatabase(database);
         m_workspace.window.show();
     }
     ~DesignerTest() override
@@ -83,7 +83,8 @@ protected:
 
     void open(const QString &schema, const QString &table)
     {
-        m_designer = std::make_unique<MSSQLTableDesignerViewController>(schema, table, m_settings, m_workspace);
+        m_designer =
+            std::make_unique<MSSQLTableDesignerViewController>(schema, table, m_settings, m_workspace);
         m_designer->resize(900, 600);
         m_designer->show();
         finish();
@@ -95,7 +96,8 @@ protected:
         EXPECT_TRUE(WindowTesting::waitFor([&] {
             const auto lists = m_designer->findChildren<MSSQLDesignerListView *>();
             return !m_designer->session().isBusy() && !columns()->isLoading() &&
-                   std::none_of(lists.begin(), lists.end(), [](const auto *list) { return list->isLoading(); });
+                   std::none_of(lists.begin(), lists.end(),
+                                [](const auto *list) { return list->isLoading(); });
         }));
     }
     template <typename Page>
@@ -168,13 +170,15 @@ protected:
     QString acceptPreview()
     {
         EXPECT_TRUE(m_previews.last);
-        if (!m_previews.last || !WindowTesting::waitFor([&] { return !m_previews.last->statements.isEmpty(); }))
+        if (!m_previews.last ||
+            !WindowTesting::waitFor([&] { return !m_previews.last->statements.isEmpty(); }))
             return {};
         const QString statements = m_previews.last->statements;
         m_previews.last->accept(statements);
-        EXPECT_TRUE(WindowTesting::waitFor(
-            [&] { return !m_previews.last || !m_previews.last->outcomes.empty(); }));
-        EXPECT_TRUE(!m_previews.last) << m_previews.last->outcomes[0].error.localizedDescription().toStdString();
+        EXPECT_TRUE(
+            WindowTesting::waitFor([&] { return !m_previews.last || !m_previews.last->outcomes.empty(); }));
+        EXPECT_TRUE(!m_previews.last)
+            << m_previews.last->outcomes[0].error.localizedDescription().toStdString();
         finish();
         return statements;
     }

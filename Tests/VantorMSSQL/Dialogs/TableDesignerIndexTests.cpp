@@ -14,7 +14,8 @@ class DesignedIndexes : public DesignerTest
 protected:
     DesignedIndexes()
     {
-        run("CREATE TABLE dbo.T (a int NOT NULL, b int NULL, c int NULL, d int NULL, CONSTRAINT PK_T PRIMARY KEY "
+        run("CREATE TABLE dbo.T (a int NOT NULL, b int NULL, c int NULL, d int NULL, CONSTRAINT PK_T PRIMARY "
+            "KEY "
             "(a), CONSTRAINT UQ_T UNIQUE (d))");
         run("CREATE INDEX IX ON dbo.T (a, b DESC, c) INCLUDE (d) WITH (FILLFACTOR = 70)");
         open(QStringLiteral("dbo"), QStringLiteral("T"));

@@ -19,7 +19,8 @@ protected:
     {
         QStringList definitions;
         for (int i = 1; i <= ManyColumns; ++i)
-            definitions.append(KNFormat("column_%d nvarchar(20) NULL CONSTRAINT DF_%d DEFAULT N'text'", i, i));
+            definitions.append(
+                KNFormat("column_%d nvarchar(20) NULL CONSTRAINT DF_%d DEFAULT N'text'", i, i));
         run(KNFormat("CREATE TABLE dbo.Wide (%@)", definitions.join(QStringLiteral(", "))));
         WatchedApplication::instance().beginWatch();
         open(QStringLiteral("dbo"), QStringLiteral("Wide"));

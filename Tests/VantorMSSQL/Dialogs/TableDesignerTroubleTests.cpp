@@ -10,8 +10,10 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QTableWidget>
+
+#include <tuple>
 
 using WindowTesting::waitFor;
 
@@ -22,8 +24,8 @@ const QString Longest = QString(128, QChar(u'x'));
 QStringList troublesomeNames()
 {
     QStringList names{Longest};
-    for (const char *name : {"a]b", "[a]", "it's", "say \"hi\"", "a.b.c", " two  words ", "🎁 Größe", "new\nline",
-                             "-- x", "%@{TABLE_NAME}"})
+    for (const char *name : {"a]b", "[a]", "it's", "say \"hi\"", "a.b.c", " two  words ", "🎁 Größe",
+                             "new\nline", "-- x", "%@{TABLE_NAME}"})
         names.append(QString::fromUtf8(name));
     return names;
 }
@@ -59,8 +61,9 @@ protected:
 
     QStringList columnNames()
     {
-        return column(KNFormat("SELECT name FROM sys.columns WHERE object_id = OBJECT_ID(%@) ORDER BY column_id",
-                               literal(m_table)));
+        return column(
+            KNFormat("SELECT name FROM sys.columns WHERE object_id = OBJECT_ID(%@) ORDER BY column_id",
+                     literal(m_table)));
     }
     QStringList names(const char *view)
     {
@@ -127,11 +130,12 @@ TEST_P(TroublesomeName, IsTheOneThatColumnEditsMean)
     edit(1, Column::Default, QString::fromLatin1(""));
     EXPECT_EQ(names("sys.default_constraints").size(), 0);
     edit(1, Column::Primary, true);
-    EXPECT_EQ(column(QStringLiteral("SELECT name FROM sys.key_constraints WHERE type = 'PK' AND parent_object_id = "
-                                    "OBJECT_ID(%1)")
-                         .arg(literal(m_table)))
-                  .size(),
-              1);
+    EXPECT_EQ(
+        column(QStringLiteral("SELECT name FROM sys.key_constraints WHERE type = 'PK' AND parent_object_id = "
+                              "OBJECT_ID(%1)")
+                   .arg(literal(m_table)))
+            .size(),
+        1);
     edit(1, Column::Primary, false);
     edit(1, Column::Nullable, true);
     edit(1, Column::Field, m_other);
@@ -159,8 +163,7 @@ TEST_P(TroublesomeName, IsTheOneThatIndexStatementsMean)
     QTest::keyClick(available, Qt::Key_Return);
     clickDefault(editor);
     acceptPreview();
-    EXPECT_EQ(rows(indexes->list()),
-              QStringList{KNFormat("%@ | %@ | Non-Clustered | no", m_name, m_name)});
+    EXPECT_EQ(rows(indexes->list()), QStringList{KNFormat("%@ | %@ | Non-Clustered | no", m_name, m_name)});
 
     ASSERT_TRUE(select(indexes->list(), m_name));
     indexes->indexTableViewDoubleClicked();
@@ -168,8 +171,7 @@ TEST_P(TroublesomeName, IsTheOneThatIndexStatementsMean)
     editor->findChild<QLineEdit *>()->setText(m_other);
     clickDefault(editor);
     acceptPreview();
-    EXPECT_EQ(rows(indexes->list()),
-              QStringList{KNFormat("%@ | %@ | Non-Clustered | no", m_other, m_name)});
+    EXPECT_EQ(rows(indexes->list()), QStringList{KNFormat("%@ | %@ | Non-Clustered | no", m_other, m_name)});
 
     ASSERT_TRUE(select(indexes->list(), m_other));
     indexes->handleDeleteIndex();
@@ -219,7 +221,8 @@ TEST_F(DesignInTrouble, ShowsThatTheTableIsGone)
     edit(2, Column::Type, QStringLiteral("bigint"));
     ASSERT_EQ(m_alerts.messages.size(), 1u);
     EXPECT_TRUE(m_alerts.messages[0][1].startsWith(QStringLiteral("Error: ")));
-    EXPECT_TRUE(m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
+    EXPECT_TRUE(
+        m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
     EXPECT_EQ(grid()->model()->rowCount(), 0);
     EXPECT_EQ(notice(columns()),
               QStringLiteral("The table was not found, or you have no right to see its columns."));
@@ -232,7 +235,8 @@ TEST_F(DesignInTrouble, ShowsWhatSomebodyElseHasChanged)
     run("EXEC sp_rename 'dbo.T.amount', 'total', 'COLUMN'");
     edit(2, Column::Type, QStringLiteral("bigint"));
     ASSERT_EQ(m_alerts.messages.size(), 1u);
-    EXPECT_TRUE(m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
+    EXPECT_TRUE(
+        m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
     EXPECT_EQ(cells(Column::Field).last(), QStringLiteral("total"));
     edit(2, Column::Type, QStringLiteral("bigint"));
     EXPECT_EQ(m_alerts.messages.size(), 1u);
@@ -267,10 +271,43 @@ TEST_F(DesignInTrouble, LetsTheUserSelectTheFailedStatement)
     run("DROP TABLE dbo.T");
     KNAlerts::setShared(nullptr); // the real message boxes
     edit(2, Column::Type, QStringLiteral("bigint"));
-    const auto *const box = m_designer->findChild<QMessageBox *>();
-    ASSERT_NE(box, nullptr);
-    EXPECT_TRUE(box->informativeText().contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
-    EXPECT_TRUE(box->textInteractionFlags() & Qt::TextSelectableByMouse);
+    const QDialog *const sheet = m_designer->findChild<QDialog *>();
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_LE(sheet->height(), 600) << "higher than a small screen";
+    const auto *const text = sheet->findChild<QPlainTextEdit *>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("Error: ")));
+    EXPECT_TRUE(text->toPlainText().contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
+    EXPECT_TRUE(text->textInteractionFlags() & Qt::TextSelectableByMouse);
+    RecordingAlerts::install();
+}
+
+TEST_F(DesignInTrouble, AsksAboutALongStatementInASheetThatFitsTheScreen)
+{
+    KNAlerts::setShared(nullptr); // the real message boxes
+    for (const auto &[title, expected, line] :
+         std::initializer_list<std::tuple<const char *, int, const char *>>{
+             {"First", 0, "line\n"}, {"Second", 1, "long line "}, {nullptr, -1, "line\n"}}) {
+        int answered = -2;
+        KNAlerts::shared().ask(m_designer.get(),
+                               {QStringLiteral("Run?"),
+                                QString::fromLatin1(line).repeated(200),
+                                {QStringLiteral("First"), QStringLiteral("Second")}},
+                               [&answered](int button) { answered = button; });
+        auto *const sheet = m_designer->findChildren<QDialog *>().last();
+        ASSERT_TRUE(waitFor([&] { return sheet->isVisible(); }));
+        EXPECT_LE(sheet->height(), 600);
+        for (QPushButton *const button : sheet->findChildren<QPushButton *>()) {
+            EXPECT_EQ(button->isDefault(), button->text() == QStringLiteral("First"));
+            if (title && button->text() == QString::fromLatin1(title))
+                button->click();
+        }
+        if (!title)
+            QTest::keyClick(sheet, Qt::Key_Escape);
+        EXPECT_TRUE(waitFor([&] { return answered != -2; }));
+        EXPECT_EQ(answered, expected);
+        QTest::qWait(0);
+    }
     RecordingAlerts::install();
 }
 
@@ -305,7 +342,10 @@ TEST_F(DesignInTrouble, CancelsALongChangeWhileTheWindowStaysFree)
                                        "ALTER TABLE dbo.T ADD extra int; WAITFOR DELAY '00:05:00'");
                                    return KNStatementPair{statement, statement, {}};
                                },
-                               QStringLiteral("Waiting"), QStringLiteral("test"), {}, true});
+                               QStringLiteral("Waiting"),
+                               QStringLiteral("test"),
+                               {},
+                               true});
     ASSERT_TRUE(waitFor([&] { return m_designer->status().text == QStringLiteral("Waiting"); }));
     QTest::qWait(500);
     EXPECT_TRUE(m_designer->canPerform(KNDocumentAction::Cancel));
@@ -324,7 +364,8 @@ TEST_F(DesignWithoutServer, ShowsTheErrorWhenTheConnectionIsLostBeforeAChange)
     stopServer();
     edit(2, Column::Type, QStringLiteral("bigint"));
     ASSERT_EQ(m_alerts.messages.size(), 1u);
-    EXPECT_TRUE(m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
+    EXPECT_TRUE(
+        m_alerts.messages[0][1].contains(QStringLiteral("ALTER TABLE dbo.T ALTER COLUMN amount bigint")));
     EXPECT_EQ(grid()->model()->rowCount(), 0);
     EXPECT_FALSE(notice(columns()).isEmpty());
     EXPECT_NE(notice(columns()),
@@ -344,7 +385,8 @@ TEST_F(DesignWithoutServer, ShowsTheErrorWhenTheConnectionIsLostBetweenTwoStatem
     clickDefault(editor);
     ASSERT_TRUE(waitFor([&] { return !m_previews.last->statements.isEmpty(); }));
     QString statements = m_previews.last->statements;
-    statements.replace(QStringLiteral(";\r\n"), QStringLiteral(";\r\nGO\r\nWAITFOR DELAY '00:05:00';\r\nGO\r\n"));
+    statements.replace(QStringLiteral(";\r\n"),
+                       QStringLiteral(";\r\nGO\r\nWAITFOR DELAY '00:05:00';\r\nGO\r\n"));
     m_previews.last->accept(statements);
     QTest::qWait(1000); // DROP INDEX has run, CREATE INDEX has not
     EXPECT_TRUE(m_previews.last->isRunning());
