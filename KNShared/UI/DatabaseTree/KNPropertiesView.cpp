@@ -79,7 +79,7 @@ void KNPropertiesView::showProperties(const KNObjectProperties &properties, cons
         auto *const item =
             new QTreeWidgetItem(m_list, {property.name, property.value.left(LongestShownValue).simplified()});
         item->setData(1, Qt::UserRole, property.value);
-        item->setSizeHint(0, QSize(0, fontMetrics().height() + RowPadding));
+        item->setSizeHint(1, QSize(0, fontMetrics().height() + RowPadding)); // the names keep their width
     }
     m_list->resizeColumnToContents(0);
     if (error)

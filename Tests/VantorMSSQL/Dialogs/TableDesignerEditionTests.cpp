@@ -143,9 +143,12 @@ TEST_P(DesignerOfEdition, ChangesAnIndexAndATrigger)
     ASSERT_NE(index, nullptr);
     index->findChild<QCheckBox *>()->setChecked(true); // unique
     clickDefault(index);
-    EXPECT_EQ(acceptPreview(),
-              isOld() ? QStringLiteral("DROP INDEX dbo.T.IX;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON dbo.T (a DESC);")
-                      : QStringLiteral("DROP INDEX IX ON dbo.T;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON dbo.T (a DESC);"));
+    EXPECT_EQ(
+        acceptPreview(),
+        isOld()
+            ? QStringLiteral("DROP INDEX dbo.T.IX;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON dbo.T (a DESC);")
+            : QStringLiteral(
+                  "DROP INDEX IX ON dbo.T;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON dbo.T (a DESC);"));
     EXPECT_EQ(rows(indexes->list()), QStringList{QStringLiteral("IX | a | Non-Clustered | yes")});
 
     auto *const triggers = page<MSSQLTableTriggerDesignerViewController>();
@@ -156,15 +159,27 @@ TEST_P(DesignerOfEdition, ChangesAnIndexAndATrigger)
     EXPECT_EQ(triggers->list()->topLevelItem(0)->text(3), QStringLiteral("no"));
 }
 
+TEST_P(DesignerOfEdition, ShowsTheNamesOfItsDetailsInFull)
+{
+    auto *const list = page<MSSQLTableDetailsViewController>()->findChild<QTreeWidget *>();
+    ASSERT_TRUE(waitFor([&] { return list->topLevelItemCount() > 3; }));
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+        const QString name = list->topLevelItem(row)->text(0);
+        EXPECT_GT(list->columnWidth(0), list->fontMetrics().horizontalAdvance(name)) << name.toStdString();
+    }
+}
+
 TEST_F(DesignerOfFake, SaysInEachTabThatTheTableIsNotThere)
 {
     open();
     const QString missing = QStringLiteral("The table dbo.T was not found, or you have no right to see it.");
-    expectNotice<MSSQLTableColumnDesignerViewController>(QStringLiteral("The table was not found, or you have no right to see its columns."));
+    expectNotice<MSSQLTableColumnDesignerViewController>(
+        QStringLiteral("The table was not found, or you have no right to see its columns."));
     expectNotice<MSSQLTableIndexDesignerViewController>(missing);
     expectNotice<MSSQLTableListForeignKeysViewController>(missing);
     expectNotice<MSSQLTableTriggerDesignerViewController>(missing);
-    expectNotice<MSSQLTableDetailsViewController>(QStringLiteral("The object was not found, or you have no right to see its properties."));
+    expectNotice<MSSQLTableDetailsViewController>(
+        QStringLiteral("The object was not found, or you have no right to see its properties."));
 }
 
 TEST_F(DesignerOfFake, SaysInEachTabWhatATableDoesNotHave)
@@ -208,7 +223,8 @@ TEST_F(DesignerOfFake, SaysWhenATriggersDefinitionCannotBeRead)
 TEST_F(DesignerOfFake, OffersNoTableWithoutNameToAForeignKey)
 {
     m_server->answer("ColumnsForTable", OneColumn);
-    m_server->answer("DatabaseTree_ListTables", {{1, "dbo", "T"}, {2, "dbo", nullptr}, {3, "dbo", ""}, {4, nullptr, "U"}});
+    m_server->answer("DatabaseTree_ListTables",
+                     {{1, "dbo", "T"}, {2, "dbo", nullptr}, {3, "dbo", ""}, {4, nullptr, "U"}});
     open();
     m_designer->findChild<MSSQLTableListForeignKeysViewController *>()->addNewKey();
     auto *const key = m_designer->findChild<MSSQLEditForeignKeyWindowController *>();
@@ -267,9 +283,11 @@ TEST(RenamingATable, ListsTheObjectsThatNameItOnEachVersion)
         for (const char *title : {"List_DependentsOfTable", "List_DependentsOfTable_2000"})
             server->answer(title, {{"dbo", "V"}, {"sales", "P"}});
         const Renaming renaming(server);
-        EXPECT_EQ(renaming.dialog->findChild<QPlainTextEdit *>()->toPlainText(), QStringLiteral("dbo.V\nsales.P"))
+        EXPECT_EQ(renaming.dialog->findChild<QPlainTextEdit *>()->toPlainText(),
+                  QStringLiteral("dbo.V\nsales.P"))
             << banner;
-        EXPECT_TRUE(renaming.says("These objects name the table. They are not changed, and may fail afterwards:"));
+        EXPECT_TRUE(
+            renaming.says("These objects name the table. They are not changed, and may fail afterwards:"));
         const QStringList asked =
             server->texts("List_DependentsOfTable") + server->texts("List_DependentsOfTable_2000");
         ASSERT_EQ(asked.size(), 1) << banner;

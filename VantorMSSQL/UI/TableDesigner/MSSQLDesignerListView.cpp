@@ -10,6 +10,13 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int RowPadding = 6;
+constexpr int ColumnPadding = 12;
+
+} // namespace
+
 MSSQLDesignerListView::MSSQLDesignerListView(MSSQLTableDesignSession &session, const QString &name,
                                              const QStringList &headers, QWidget *parent)
     : QWidget(parent)
@@ -23,6 +30,7 @@ MSSQLDesignerListView::MSSQLDesignerListView(MSSQLTableDesignSession &session, c
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
+    m_list->setAlternatingRowColors(true);
     m_notice->setTextFormat(Qt::PlainText);
     m_notice->setWordWrap(true);
     m_notice->hide();
@@ -80,10 +88,14 @@ void MSSQLDesignerListView::showRows(const QList<QStringList> &rows, const KNErr
 {
     const int row = currentRow();
     m_list->clear();
+    const int last = m_list->columnCount() - 1;
     for (const QStringList &texts : rows)
-        new QTreeWidgetItem(m_list, texts);
-    for (int column = 0; column < m_list->columnCount(); ++column)
+        (new QTreeWidgetItem(m_list, texts))
+            ->setSizeHint(last, QSize(0, fontMetrics().height() + RowPadding));
+    for (int column = 0; column < last; ++column) {
         m_list->resizeColumnToContents(column);
+        m_list->setColumnWidth(column, m_list->columnWidth(column) + ColumnPadding);
+    }
     if (row >= 0 && !rows.isEmpty())
         m_list->setCurrentItem(m_list->topLevelItem(std::min(row, static_cast<int>(rows.size()) - 1)));
     m_notice->setText(error ? error.localizedDescription() : emptyText);

@@ -109,6 +109,9 @@ void MSSQLEditForeignKeyWindowController::arrange()
     auto *const add = new QPushButton(tr("&Add Pair"));
     add->setAutoDefault(false);
     connect(add, &QPushButton::clicked, this, [this] { addPair(); });
+    auto *const addRow = new QHBoxLayout;
+    addRow->addWidget(add);
+    addRow->addStretch(1);
     QDialogButtonBox *const buttons = makeButtons(tr("Apply…"));
     disconnect(buttons, &QDialogButtonBox::accepted, nullptr, nullptr);
     connect(buttons, &QDialogButtonBox::accepted, this, &MSSQLEditForeignKeyWindowController::onAccept);
@@ -117,7 +120,7 @@ void MSSQLEditForeignKeyWindowController::arrange()
     layout->addRow(tr("&Name:"), m_name);
     layout->addRow(tr("Referenced &table:"), m_table);
     layout->addRow(m_pairs);
-    layout->addRow(add);
+    layout->addRow(addRow);
     layout->addRow(m_problem);
     layout->addRow(tr("On &update:"), m_updateRule);
     layout->addRow(tr("On &delete:"), m_deleteRule);

@@ -19,10 +19,12 @@
 namespace {
 
 constexpr int LongestIndexName = 128; // of an index, in characters
+constexpr int ColumnSpacing = 2;
 constexpr QSize InitialEditorSize(560, 420);
 
 QBoxLayout *titledList(const QString &title, QListWidget *list)
 {
+    list->setSpacing(ColumnSpacing);
     auto *const label = new QLabel(title);
     label->setBuddy(list);
     auto *const layout = new QVBoxLayout;
