@@ -1,3 +1,4 @@
+#include "DesignerScreenshots.h"
 #include "Desktop/Application.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/Theme.h"
@@ -9,6 +10,7 @@
 #include "Implementations/MSSQLRecentConnection.h"
 #include "Recent/SQLRecentConnectionList.h"
 #include "RowEditing/MSSQLEditRowHelper.h"
+#include "Screenshot.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
@@ -19,37 +21,18 @@
 #include "UI/Results/KNValueViewer.h"
 #include "UI/RowEditing/KNEditRowModel.h"
 #include "UI/RowEditing/KNEditRowWindowController.h"
-#include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
-#include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
-#include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
 
 #include <cstdio>
 
+using Screenshot::save;
+using Screenshot::waitFor;
+
 namespace {
-
-/// Waits for the program; ends this one when nothing comes.
-void waitFor(const char *what, const std::function<bool()> &condition)
-{
-    if (QTest::qWaitFor(condition, 60000))
-        return;
-    std::fprintf(stderr, "There was no %s.\n", what);
-    std::exit(1);
-}
-
-void save(QWidget *window, const QString &folder, const char *name)
-{
-    const QString path = QStringLiteral("%1/%2.png").arg(folder, QString::fromLatin1(name));
-    if (!window->grab().save(path)) {
-        std::fprintf(stderr, "%s could not be written.\n", path.toLocal8Bit().constData());
-        std::exit(1);
-    }
-}
 
 MainWindow *mainWindow()
 {
@@ -213,34 +196,11 @@ void showProperties(MainWindow &window, const QString &folder)
     dialog->close();
 }
 
-std::shared_ptr<const VantorDBC> shopSettings(MainWindow &window)
+void showRowForm(MainWindow &window, const QString &folder)
 {
     const VantorDBCPtr settings = window.databaseConnectionDetails()->copy();
     settings->setDatabase(QStringLiteral("shop"));
-    return settings;
-}
-
-void showDesigner(MainWindow &window, const QString &folder)
-{
-    MSSQLTableDesignerViewController::open(QStringLiteral("dbo"), QStringLiteral("Orders"),
-                                           shopSettings(window), window);
-    auto *const designer = qobject_cast<MSSQLTableDesignerViewController *>(window.currentDocument());
-    QTabWidget *const tabs = designer->tabs();
-    for (int i = 0; i < tabs->count(); ++i) {
-        tabs->setCurrentIndex(i);
-        QTest::qWait(400);
-        save(&window, folder, qPrintable(QStringLiteral("designer-") + tabs->widget(i)->objectName()));
-    }
-    auto *const indexes = designer->findChild<MSSQLTableIndexDesignerViewController *>();
-    indexes->addNewIndex();
-    QTest::qWait(200);
-    save(designer->findChild<MSSQLEditIndexWindowController *>(), folder, "designer-index");
-    delete designer->findChild<MSSQLEditIndexWindowController *>();
-}
-
-void showRowForm(MainWindow &window, const QString &folder)
-{
-    const auto row = std::make_shared<MSSQLEditRowHelper>(shopSettings(window), QStringLiteral("dbo"),
+    const auto row = std::make_shared<MSSQLEditRowHelper>(settings, QStringLiteral("dbo"),
                                                           QStringLiteral("Orders"), std::nullopt);
     auto *const form = new KNEditRowWindowController(row, false, &window);
     form->beginSheet({});
