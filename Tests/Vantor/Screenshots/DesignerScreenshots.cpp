@@ -96,7 +96,8 @@ void showDialogs(MainWindow &window, MSSQLTableDesignerViewController &designer,
     const auto settings = shopSettings(window);
     (new MSSQLCreateTableWindowController(settings, &window))->beginSheet({});
     saveSheet(folder, "designer-create");
-    (new MSSQLRenameTableWindowController({QStringLiteral("dbo"), QStringLiteral("Orders")}, settings, &window))
+    (new MSSQLRenameTableWindowController({QStringLiteral("dbo"), QStringLiteral("Orders")}, settings,
+                                          &window))
         ->beginSheet({});
     saveSheet(folder, "designer-rename");
 }
