@@ -220,6 +220,29 @@ TEST_F(DesignerOfFake, SaysWhenATriggersDefinitionCannotBeRead)
     EXPECT_TRUE(m_workspace.queries.empty());
 }
 
+TEST_F(DesignerOfFake, KeepsAColumnThatAViewIsBoundTo)
+{
+    KNUserDefaults::standardUserDefaults()->setObject(MSSQLCorrectedStatements::Key, true);
+    FakeCatalog::Rows columns = OneColumn + OneColumn;
+    columns[1][0] = "b";
+    m_server->answer("ColumnsForTable", columns);
+    const QString refusal =
+        QStringLiteral("ALTER TABLE DROP COLUMN b failed because one or more objects access this column.");
+    m_server->fail("ALTER TABLE dbo.T DROP COLUMN b", KNError(QStringLiteral("SQLClient"), 4922, refusal));
+    open();
+    auto *const tab = m_designer->findChild<MSSQLTableColumnDesignerViewController *>();
+    tab->grid()->setCurrentIndex(tab->grid()->model()->index(1, MSSQLColumnGridModel::Field));
+    tab->handleDeleteColumn();
+    ASSERT_EQ(m_alerts.pending.size(), 1u);
+    m_alerts.pending[0](1);
+    ASSERT_TRUE(waitFor([&] { return !m_alerts.messages.empty(); }));
+    EXPECT_EQ(m_alerts.messages[0][1],
+              KNFormat("Error: %@.\r\nQuery was: ALTER TABLE dbo.T DROP COLUMN b", refusal));
+    EXPECT_TRUE(waitFor([&] { return !tab->isLoading(); }));
+    EXPECT_EQ(tab->grid()->model()->rowCount(), 2);
+    KNUserDefaults::standardUserDefaults()->removeObject(MSSQLCorrectedStatements::Key);
+}
+
 TEST_F(DesignerOfFake, OffersNoTableWithoutNameToAForeignKey)
 {
     m_server->answer("ColumnsForTable", OneColumn);

@@ -388,7 +388,7 @@ TEST_F(DesignWithoutServer, ShowsTheErrorWhenTheConnectionIsLostBetweenTwoStatem
     statements.replace(QStringLiteral(";\r\n"),
                        QStringLiteral(";\r\nGO\r\nWAITFOR DELAY '00:05:00';\r\nGO\r\n"));
     m_previews.last->accept(statements);
-    QTest::qWait(1000); // DROP INDEX has run, CREATE INDEX has not
+    QTest::qWait(3000); // DROP INDEX has run, CREATE INDEX has not
     EXPECT_TRUE(m_previews.last->isRunning());
     stopServer();
     ASSERT_TRUE(waitFor([&] { return !m_previews.last->outcomes.empty(); }));
