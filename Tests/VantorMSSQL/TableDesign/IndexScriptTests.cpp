@@ -207,6 +207,17 @@ TEST(IndexScript, UsesTheStatementsOfSQLServer2000)
     EXPECT_EQ(old.lossBy(changed, definition), q("The index would lose: ALLOW_ROW_LOCKS."));
 }
 
+TEST(IndexScript, QuotesAFilegroupWhoseNameIsAKeyword)
+{
+    for (const char *name : {"PRIMARY", "default"}) {
+        const MSSQLIndexDefinition old{.indexName = q("IX"), .dataSpace = q(name)};
+        const QString changed =
+            script().queryForUpdateIndex(index("IX", {"a"}), index("IX", {"b"}), false, old).corrected;
+        EXPECT_TRUE(changed.endsWith(q("ON sales.Orders (b) ON [") + q(name) + q("];")))
+            << changed.toStdString();
+    }
+}
+
 TEST(IndexScript, NamesNoLossForARenameOrAPlainIndex)
 {
     const KNStatementPair renamed =
