@@ -318,7 +318,7 @@ void DefinitionParser::parseAlterColumn(AlterTable &node)
         }
     } else {
         column.type = parseTypeName();
-        while (m_parsers.tables.parseColumnProperty(column)) {
+        while (!isKeyword("IDENTITY") && m_parsers.tables.parseColumnProperty(column)) {
         }
     }
     node.added.columns.push_back(std::move(column));
