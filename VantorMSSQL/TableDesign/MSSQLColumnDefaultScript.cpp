@@ -5,11 +5,11 @@
 
 namespace {
 
-QString filled(const QString &text, const QString &schema, const QString &table, const QString &column,
+QString filled(const QString &text, const MSSQLDesignedTable &table, const QString &column,
                const QString &newDefault)
 {
-    return KNQueryTemplate::filled(text, {{QStringLiteral("TABLE_SCHEMA"), schema},
-                                          {QStringLiteral("TABLE_NAME"), table},
+    return KNQueryTemplate::filled(text, {{QStringLiteral("TABLE_SCHEMA"), table.schema},
+                                          {QStringLiteral("TABLE_NAME"), table.name},
                                           {QStringLiteral("COLUMN_NAME"), column},
                                           {QStringLiteral("NEW_DEFAULT"), newDefault}});
 }
@@ -31,19 +31,17 @@ MSSQLColumnDefaultScript::MSSQLColumnDefaultScript(MSSQLDesignedTable table, Tem
 
 KNStatementPair MSSQLColumnDefaultScript::change(const QString &columnName, const QString &newDefault) const
 {
+    if (newDefault.isEmpty()) {
+        const QString script = filled(m_templates.remove, m_table, columnName, QStringLiteral(""));
+        return {script, script, {}};
+    }
     MSSQLStatementCaution caution;
-    caution.addWithoutSchema(m_table);
-    const QString none = QStringLiteral("");
-    if (newDefault.isEmpty())
-        return {filled(m_templates.remove, none, m_table.name, columnName, none),
-                filled(m_templates.remove, m_table.schema, m_table.name, columnName, none), caution.text()};
     if (newDefault.contains(QLatin1Char('"')))
         caution.add(MSSQLStatementCaution::tr(
             "This would store an apostrophe for each double quote in the default."));
     QString sent = newDefault;
     sent.replace(QLatin1Char('\''), QLatin1Char('"'));
-    return {filled(m_templates.replace, none, m_table.name, columnName, sent),
-            filled(takingDefaultAsItIs(m_templates.replace), m_table.schema, m_table.name, columnName,
-                   newDefault),
+    return {filled(m_templates.replace, m_table, columnName, sent),
+            filled(takingDefaultAsItIs(m_templates.replace), m_table, columnName, newDefault),
             caution.text()};
 }

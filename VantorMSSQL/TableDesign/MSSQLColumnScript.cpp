@@ -122,11 +122,10 @@ QString MSSQLColumnScript::differenceOfChange(const MSSQLColumnRecord &before,
 KNStatementPair MSSQLColumnScript::addColumn(const QString &columnName) const
 {
     MSSQLStatementCaution caution;
-    caution.addWithoutSchema(m_table);
-    caution.addUnlessRead(m_table.name, {m_table.name});
+    caution.addToExactName(m_table);
     caution.addUnlessRead(columnName, {columnName});
     return {
-        KNFormat("ALTER TABLE %@ ADD %@ INT", m_table.name, columnName),
+        KNFormat("ALTER TABLE %@ ADD %@ INT", m_table.exactName(), columnName),
         KNFormat("ALTER TABLE %@ ADD %@ INT", m_table.quoted(), MSSQLQuoting::quotedName(columnName)),
         caution.text(),
     };
@@ -138,11 +137,10 @@ KNStatementPair MSSQLColumnScript::dropColumn(const QString &columnName,
     if (columns.size() <= 1)
         return {};
     MSSQLStatementCaution caution;
-    caution.addWithoutSchema(m_table);
-    caution.addUnlessRead(m_table.name, {m_table.name});
+    caution.addToExactName(m_table);
     caution.addUnlessRead(columnName, {columnName});
     return {
-        KNFormat("ALTER TABLE %@ DROP COLUMN %@", m_table.name, columnName),
+        KNFormat("ALTER TABLE %@ DROP COLUMN %@", m_table.exactName(), columnName),
         KNFormat("ALTER TABLE %@ DROP COLUMN %@", m_table.quoted(), MSSQLQuoting::quotedName(columnName)),
         caution.text(),
     };

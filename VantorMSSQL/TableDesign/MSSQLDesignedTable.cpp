@@ -20,6 +20,11 @@ QString MSSQLDesignedTable::renameLiteral(const QString &part) const
     return unicodeLiteral(parts.join(QLatin1Char('.')));
 }
 
+QString MSSQLDesignedTable::exactName() const
+{
+    return schema.isEmpty() || schema == defaultSchema ? name : exactPath();
+}
+
 QString MSSQLDesignedTable::exactPath() const
 {
     return escaped(schema) + QLatin1Char('.') + escaped(name);

@@ -16,6 +16,9 @@ struct MSSQLDesignedTable
     /// The path of a part of the table (a column, an index) as the literal that sp_rename takes:
     /// N'[schema].[table].[part]', apostrophes doubled. An empty part gives the table's own path.
     QString renameLiteral(const QString &part = {}) const;
+    /// The table as exact statements name it by one word where that word means it: the bare name, as it is,
+    /// in the login's default schema and without a schema, and otherwise both parts, each by escaped().
+    QString exactName() const;
     /// Schema, dot and name as exact statements hold them, also without a schema: each part by escaped().
     QString exactPath() const;
     /// MSSQLQuoting::escapeTableNameIfRequired(), and empty for null.

@@ -38,31 +38,28 @@ KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &co
     KNStatementPair pair = addition(names);
     if (!hadKey)
         return pair;
-    const auto drop = [this](const QString &schema) {
-        return KNQueryTemplate::filled(m_dropTemplate, {{QStringLiteral("TABLE_SCHEMA"), schema},
-                                                        {QStringLiteral("TABLE_NAME"), m_table.name}});
-    };
+    const QString drop =
+        KNQueryTemplate::filled(m_dropTemplate, {{QStringLiteral("TABLE_SCHEMA"), m_table.schema},
+                                                 {QStringLiteral("TABLE_NAME"), m_table.name}});
     const QString between =
         names.isEmpty() ? QString() : QStringLiteral("\r\n\r\n-- Now update with our new keys\r\n");
-    return {drop(QStringLiteral("")) + between + pair.exact, drop(m_table.schema) + between + pair.corrected,
-            pair.difference};
+    return {drop + between + pair.exact, drop + between + pair.corrected, pair.difference};
 }
 
-/// Without names the texts are empty; the difference is that of the drop then.
+/// Without names the texts are empty.
 KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names) const
 {
     MSSQLStatementCaution caution;
-    caution.addWithoutSchema(m_table);
     if (names.isEmpty())
-        return {QStringLiteral(""), QStringLiteral(""), caution.text()};
-    caution.addUnlessRead(m_table.name, {m_table.name});
+        return {QStringLiteral(""), QStringLiteral(""), {}};
+    caution.addToExactName(m_table);
     QStringList quoted;
     for (const QString &name : names) {
         caution.addUnlessRead(name, {name});
         quoted.append(MSSQLQuoting::quotedName(name));
     }
     const QString separator = QStringLiteral(", ");
-    return {KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.name, names.join(separator)),
+    return {KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.exactName(), names.join(separator)),
             KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.quoted(), quoted.join(separator)),
             caution.text()};
 }

@@ -53,6 +53,12 @@ void MSSQLStatementCaution::addWithoutSchema(const MSSQLDesignedTable &table, co
     }
 }
 
+void MSSQLStatementCaution::addToExactName(const MSSQLDesignedTable &table)
+{
+    const QString name = table.exactName();
+    addUnlessRead(name, name == table.name ? QStringList{table.name} : QStringList{table.schema, table.name});
+}
+
 void MSSQLStatementCaution::addUnlessRead(const QString &text, const QStringList &path)
 {
     if (!MSSQLObjectPath::reads(text, path))

@@ -14,6 +14,8 @@ public:
     /// The statement names a table, or a trigger of it, without the schema.
     void addWithoutSchema(const MSSQLDesignedTable &table);
     void addWithoutSchema(const MSSQLDesignedTable &table, const QString &trigger);
+    /// The statement names the table by its exactName().
+    void addToExactName(const MSSQLDesignedTable &table);
     /// The statement holds `text` where it means the object with this path.
     void addUnlessRead(const QString &text, const QStringList &path);
     /// The parts stand in a literal of sp_rename, joined by dots, and no character of them is escaped.

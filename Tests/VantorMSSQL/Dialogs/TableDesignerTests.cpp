@@ -454,18 +454,34 @@ TEST_F(TableDesigner, AddsAndChangesAForeignKeyThroughItsStatements)
     run("ALTER TABLE des.Item DROP CONSTRAINT PK_des");
 }
 
-TEST_F(ExactTableDesigner, AsksBeforeAStatementThatMeansAnotherTable)
+TEST_F(ExactTableDesigner, AddsAColumnToTheTableOfItsSchemaWithoutAsking)
 {
     columns()->addNewColumn();
-    ASSERT_TRUE(waitFor([&] { return !m_alerts.questions.empty(); }));
-    EXPECT_EQ(m_alerts.questions.front().buttons.first(), QStringLiteral("Use Corrected Statement"));
-    EXPECT_TRUE(
-        m_alerts.questions.front().text.contains(QStringLiteral("ALTER TABLE Item ADD NewColumn1 INT")));
-    EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
-    m_alerts.pending.front()(0);
     ASSERT_TRUE(waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
     finish();
+    EXPECT_TRUE(m_alerts.questions.empty());
+    EXPECT_EQ(m_designer->session().executedScripts().first(),
+              QStringLiteral("ALTER TABLE des.Item ADD NewColumn1 INT"));
     EXPECT_EQ(columnsOf("des").last(), QStringLiteral("NewColumn1 int null"));
+}
+
+TEST_F(ExactTableDesigner, AsksBeforeAStatementThatMeansAnotherColumn)
+{
+    run("ALTER TABLE des.Item ADD [a, b] int NULL");
+    columns()->reload();
+    ASSERT_TRUE(waitFor([&] { return grid()->model()->rowCount() == 4; }));
+    grid()->setCurrentIndex(grid()->model()->index(3, Column::Field));
+    columns()->handleDeleteColumn();
+    ASSERT_EQ(m_alerts.questions.size(), 1u);
+    m_alerts.pending.front()(1);
+    ASSERT_TRUE(waitFor([&] { return m_alerts.questions.size() == 2; }));
+    EXPECT_EQ(m_alerts.questions[1].buttons.first(), QStringLiteral("Use Corrected Statement"));
+    EXPECT_TRUE(m_alerts.questions[1].text.contains(QStringLiteral("ALTER TABLE des.Item DROP COLUMN a, b")));
+    EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
+    m_alerts.pending[1](0);
+    ASSERT_TRUE(waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
+    finish();
+    EXPECT_EQ(columnsOf("des").size(), 3);
 }
 
 TEST_F(ExactTableDesigner, RunsAnExactStatementThatDoesWhatIsMeantWithoutAsking)

@@ -1,3 +1,4 @@
+#include "Foundation/KNFormat.h"
 #include "Support/PrintQt.h"
 #include "TableDesign/MSSQLColumnScript.h"
 
@@ -164,9 +165,9 @@ TEST(ColumnScript, DropsThePrecisionInAnyCaseInTheCorrectedStatement)
 TEST(ColumnScript, AddsAColumnOfTypeInt)
 {
     const KNStatementPair pair = script().addColumn(q("NewColumn1"));
-    EXPECT_EQ(pair.exact, q("ALTER TABLE Orders ADD NewColumn1 INT"));
-    EXPECT_EQ(pair.corrected, q("ALTER TABLE sales.Orders ADD NewColumn1 INT"));
-    EXPECT_EQ(pair.difference, q("This names the table without its schema and would change dbo.Orders."));
+    EXPECT_EQ(pair.exact, q("ALTER TABLE sales.Orders ADD NewColumn1 INT"));
+    EXPECT_EQ(pair.corrected, pair.exact);
+    EXPECT_TRUE(pair.difference.isEmpty());
 }
 
 TEST(ColumnScript, NamesANewColumnByTheFirstFreeNumber)
@@ -176,19 +177,34 @@ TEST(ColumnScript, NamesANewColumnByTheFirstFreeNumber)
               q("NewColumn2"));
 }
 
-TEST(ColumnScript, NamesTheTableThatAStatementWithoutSchemaReaches)
+TEST(ColumnScript, NamesTheTableByOneWordInTheDefaultSchemaOnly)
 {
-    const auto difference = [](const char *schema, const char *defaultSchema) {
-        return script(schema, "Orders", defaultSchema).addColumn(q("a")).difference;
+    const auto expect = [](const MSSQLColumnScript &script, const char *table) {
+        const KNStatementPair add = script.addColumn(q("a"));
+        EXPECT_EQ(add.exact, KNFormat("ALTER TABLE %@ ADD a INT", q(table)));
+        EXPECT_TRUE(add.difference.isEmpty()) << add.difference.toStdString();
+        const KNStatementPair drop = script.dropColumn(q("a"), {column("a", "int"), column("b", "int")});
+        EXPECT_EQ(drop.exact, KNFormat("ALTER TABLE %@ DROP COLUMN a", q(table)));
+        EXPECT_TRUE(drop.difference.isEmpty()) << drop.difference.toStdString();
     };
-    EXPECT_EQ(difference("sales", "sales"), QString());
-    EXPECT_EQ(difference("dbo", "sales"),
-              q("This names the table without its schema and would change sales.Orders, if there is one."));
-    EXPECT_EQ(difference("sales", "hr"),
-              q("This names the table without its schema and would change hr.Orders or dbo.Orders."));
-    EXPECT_EQ(difference("sales", ""), q("This names the table without its schema and would change Orders in "
-                                         "the default schema of the login."));
-    EXPECT_EQ(difference("", ""), QString());
+    expect(script("sales", "Orders", "sales"), "Orders");
+    expect(script("dbo", "Orders", "dbo"), "Orders");
+    expect(script("dbo", "Orders", "sales"), "dbo.Orders");
+    expect(script("sales", "Orders", "dbo"), "sales.Orders");
+    expect(script("Sales", "Orders", "sales"), "Sales.Orders");
+    expect(script("sales", "Orders", ""), "sales.Orders");
+    expect(script("my schema", "Order Lines", "dbo"), "[my schema].[Order Lines]");
+    expect(script("", "Orders", ""), "Orders");
+}
+
+TEST(ColumnScript, WarnsWhenTheExactNameOfTheTableIsReadOtherwise)
+{
+    const char *const misread = "SQL Server would not read the names in this statement as the ones shown.";
+    const KNStatementPair inDefault = script("dbo", "Order Lines").addColumn(q("a"));
+    EXPECT_EQ(inDefault.exact, q("ALTER TABLE Order Lines ADD a INT"));
+    EXPECT_EQ(inDefault.corrected, q("ALTER TABLE dbo.[Order Lines] ADD a INT"));
+    EXPECT_EQ(inDefault.difference, q(misread));
+    EXPECT_EQ(script("s", "a]b").addColumn(q("a")).difference, q(misread));
 }
 
 TEST(ColumnScript, DropsAColumnUnlessItIsTheOnlyOne)
