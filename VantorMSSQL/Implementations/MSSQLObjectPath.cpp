@@ -31,6 +31,31 @@ bool isPlainName(QStringView word)
     return !isKeywordLike && isRegularIdentifier(word);
 }
 
+/// Reads the part that begins at `position`, which ends behind it; null if it is empty or not closed.
+QString enteredPart(const QString &path, qsizetype *position)
+{
+    const QChar open = *position < path.size() ? path[*position] : QChar();
+    if (open != QLatin1Char('[') && open != QLatin1Char('"')) {
+        const qsizetype dot = path.indexOf(QLatin1Char('.'), *position);
+        const qsizetype end = dot < 0 ? path.size() : dot;
+        const QString part = path.mid(*position, end - *position);
+        *position = end;
+        return part.isEmpty() ? QString() : part;
+    }
+    const QChar close = open == QLatin1Char('[') ? QLatin1Char(']') : open;
+    QString part;
+    for (qsizetype i = *position + 1; i < path.size(); ++i) {
+        if (path[i] == close && (i + 1 >= path.size() || path[i + 1] != close)) {
+            *position = i + 1;
+            return part.isEmpty() ? QString() : part;
+        }
+        if (path[i] == close)
+            ++i;
+        part.append(path[i]);
+    }
+    return {};
+}
+
 bool readsAs(const SQLToken &token, const QString &name)
 {
     if (token.kind == SQLTokenKind::Word)
@@ -65,6 +90,21 @@ bool MSSQLObjectPath::reads(const QString &text, const QStringList &parts)
             return false;
     }
     return !tokenizer.next(&token);
+}
+
+std::optional<QStringList> MSSQLObjectPath::entered(const QString &path)
+{
+    QStringList parts;
+    for (qsizetype position = 0;; ++position) {
+        const QString part = enteredPart(path, &position);
+        if (part.isNull())
+            return std::nullopt;
+        parts.append(part);
+        if (position >= path.size())
+            return parts;
+        if (path[position] != QLatin1Char('.'))
+            return std::nullopt;
+    }
 }
 
 QString MSSQLObjectPath::readable(const QStringList &parts)

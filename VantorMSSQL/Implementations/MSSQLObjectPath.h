@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /// Object names in the syntax of statements: "schema.[table]".
 namespace MSSQLObjectPath {
 
@@ -19,6 +21,11 @@ bool reads(const QString &text, const QStringList &parts);
 
 /// The parts joined by dots, without quoting if a server parses them correctly, otherwise quoted().
 QString readable(const QStringList &parts);
+
+/// Splits a path as people enter it, such as schema.table. A part in brackets or double quotes is taken
+/// without them, and any other up to the next dot as it is, even if a statement would need brackets. nullopt
+/// if a part is empty or its bracket or quote is not closed.
+std::optional<QStringList> entered(const QString &path);
 
 /// The path of a table: its first and its last part. A single part may hold a schema, a dot and a name.
 /// Escaped by MSSQLClient if a server parses that correctly, otherwise quoted().

@@ -484,6 +484,16 @@ TEST_F(ExactTableDesigner, AsksBeforeAStatementThatMeansAnotherColumn)
     EXPECT_EQ(columnsOf("des").size(), 3);
 }
 
+TEST_F(TableDesigner, RefusesAColumnWithoutNameOrType)
+{
+    edit(0, Column::Field, QStringLiteral(" "));
+    edit(0, Column::Type, QStringLiteral(" "));
+    ASSERT_EQ(m_alerts.errors.size(), 2u);
+    EXPECT_EQ(m_alerts.errors[0].localizedDescription(), QStringLiteral("A column needs a name."));
+    EXPECT_EQ(m_alerts.errors[1].localizedDescription(), QStringLiteral("A column needs a type."));
+    EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
+}
+
 TEST_F(ExactTableDesigner, RunsAnExactStatementThatDoesWhatIsMeantWithoutAsking)
 {
     edit(1, Column::Type, QStringLiteral("nvarchar(30)"));

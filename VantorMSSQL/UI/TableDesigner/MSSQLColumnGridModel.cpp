@@ -4,38 +4,18 @@
 #include "Foundation/KNLogHelper.h"
 #include "UI/KNPlainToolTip.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr const char *Identifiers[] = {"Primary", "Field", "Type", "Default", "Nullable", "AutoIncrement"};
 
 bool isCheckCell(int column)
 {
-    return column == MSSQLColumnGridModel::Primary || column == MSSQLColumnGridModel::Nullable ||
-           column == MSSQLColumnGridModel::AutoIncrement;
+    return MSSQLColumnEdit::isCheck(static_cast<MSSQLColumnEdit::Cell>(column));
 }
 
 bool isChecked(const MSSQLColumnRecord &record, int column)
 {
-    switch (column) {
-    case MSSQLColumnGridModel::Primary:
-        return record.isPrimaryKey;
-    case MSSQLColumnGridModel::Nullable:
-        return record.isNullable;
-    default:
-        return record.isIdentity;
-    }
-}
-
-/// Whether a column of this type can be an identity column.
-bool takesIdentity(const MSSQLColumnRecord &record)
-{
-    const QString name = record.typeName.section(QLatin1Char('('), 0, 0).trimmed().toUpper();
-    static const QStringList types = {QStringLiteral("SMALLINT"), QStringLiteral("TINYINT"),
-                                      QStringLiteral("INT"),      QStringLiteral("BIGINT"),
-                                      QStringLiteral("DECIMAL"),  QStringLiteral("NUMERIC")};
-    return record.isIdentity || types.contains(name);
+    return MSSQLColumnEdit::valueOf(record, static_cast<MSSQLColumnEdit::Cell>(column)).toBool();
 }
 
 } // namespace
@@ -43,33 +23,6 @@ bool takesIdentity(const MSSQLColumnRecord &record)
 QString MSSQLColumnGridModel::identifier(int column)
 {
     return column >= 0 && column < ColumnCount ? QString::fromLatin1(Identifiers[column]) : QString();
-}
-
-MSSQLColumnRecord MSSQLColumnGridModel::applied(MSSQLColumnRecord record, Column column,
-                                                const QVariant &value)
-{
-    switch (column) {
-    case Primary:
-        record.isPrimaryKey = value.toBool();
-        break;
-    case Field:
-        record.columnName = value.toString();
-        break;
-    case Type:
-        record.typeName = value.toString();
-        record.maxLength = record.precision = record.scale = KNValue();
-        break;
-    case Default:
-        record.defaultValue = value.toString().isEmpty() ? QString() : value.toString();
-        break;
-    case Nullable:
-        record.isNullable = value.toBool();
-        break;
-    default:
-        record.isIdentity = value.toBool();
-        break;
-    }
-    return record;
 }
 
 void MSSQLColumnGridModel::setColumns(const QList<MSSQLColumnRecord> &columns)
@@ -128,8 +81,9 @@ QVariant MSSQLColumnGridModel::data(const QModelIndex &index, int role) const
             return {};
         return isChecked(record, index.column()) ? Qt::Checked : Qt::Unchecked;
     case Qt::ToolTipRole:
-        if (record.isComputed && index.column() != Field)
-            return tr("A computed column. Only its name can be changed here.");
+        if (const QString refusal = MSSQLColumnEdit::refusal(record, static_cast<Column>(index.column()));
+            !refusal.isNull())
+            return KNPlainToolTip(refusal);
         return KNPlainToolTip(textOf(record, index.column()));
     case Qt::AccessibleTextRole:
         return KNFormat("%@ %@", headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString(),
@@ -156,9 +110,7 @@ Qt::ItemFlags MSSQLColumnGridModel::flags(const QModelIndex &index) const
     if (!index.isValid() || index.row() >= m_columns.size() || !m_isEditable)
         return flags;
     const MSSQLColumnRecord &record = m_columns[index.row()];
-    if (record.isComputed && index.column() != Field)
-        return flags;
-    if (index.column() == AutoIncrement && !takesIdentity(record))
+    if (!MSSQLColumnEdit::refusal(record, static_cast<Column>(index.column())).isNull())
         return flags;
     return flags | (isCheckCell(index.column()) ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Catalog/MSSQLColumnRecord.h"
+#include "TableDesign/MSSQLColumnEdit.h"
 
 #include <QAbstractTableModel>
 
@@ -11,15 +11,14 @@ class MSSQLColumnGridModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    enum Column { Primary, Field, Type, Default, Nullable, AutoIncrement, ColumnCount };
+    using Column = MSSQLColumnEdit::Cell;
+    using enum MSSQLColumnEdit::Cell;
+    static constexpr int ColumnCount = CellCount;
 
     using QAbstractTableModel::QAbstractTableModel;
 
     /// "Primary", "Field", "Type", "Default", "Nullable" or "AutoIncrement".
     static QString identifier(int column);
-
-    /// The record with the edit of one cell. A new type replaces its length, too.
-    static MSSQLColumnRecord applied(MSSQLColumnRecord record, Column column, const QVariant &value);
 
     const QList<MSSQLColumnRecord> &columns() const { return m_columns; }
     void setColumns(const QList<MSSQLColumnRecord> &columns);

@@ -132,7 +132,7 @@ void MSSQLCreateTableWindowController::edit(int row, MSSQLColumnGridModel::Colum
                                             const QVariant &value)
 {
     QList<MSSQLColumnRecord> columns = m_columns->columns();
-    columns[row] = MSSQLColumnGridModel::applied(columns[row], edited, value);
+    columns[row] = MSSQLColumnEdit(columns[row], edited, value).after();
     m_columns->setColumns(columns);
     m_grid->setCurrentIndex(m_columns->index(row, edited));
 }

@@ -5,18 +5,15 @@
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
-#include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "TableDesign/MSSQLColumnScript.h"
-#include "TableDesign/MSSQLPrimaryKeyScript.h"
+#include "TableDesign/MSSQLMisfitCount.h"
 #include "TableDesign/MSSQLTypeChange.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
-#include "UI/TableDesigner/MSSQLMisfitCount.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLocale>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableView>
@@ -25,11 +22,6 @@ namespace {
 
 constexpr int MeasuredRows = 100; // for the widths of the grid's columns
 constexpr auto LoadDomain = "mssql.tabledesigner.loadTable";
-
-QString templateText(const VantorDBC &settings, const char *title)
-{
-    return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
-}
 
 bool isOnSQL2000(const VantorDBC &settings)
 {
@@ -180,13 +172,10 @@ void MSSQLTableColumnDesignerViewController::setObjectValue(const QVariant &valu
     KNLogHelper::sharedInstance()->logMessage("Want to setObjectValue: %@ to be: %@ (row %ld).",
                                               MSSQLColumnGridModel::identifier(column), value.toString(),
                                               static_cast<long>(row));
-    const MSSQLColumnRecord record = m_model->columns().value(row);
-    if (column == Column::Primary && MSSQLPrimaryKeyScript::needsNotNull(record, value.toBool()))
-        return KNAlerts::shared().showError(
-            m_session.window(),
-            KNError(QString(), 0,
-                    tr("You must disable 'nullable' before this column can become a primary key.")));
-    if (column == Column::Type && MSSQLTypeChange::mayLoseValues(record.displayType(), value.toString()))
+    const MSSQLColumnEdit edit(m_model->columns().value(row), column, value);
+    if (const QString refusal = edit.refusal(); !refusal.isNull())
+        return KNAlerts::shared().showError(m_session.window(), KNError(QString(), 0, refusal));
+    if (edit.isTypeThatMayLoseValues())
         return confirmType(value.toString(), row);
     runEdit(value, column, row);
 }
@@ -195,24 +184,24 @@ void MSSQLTableColumnDesignerViewController::setObjectValue(const QVariant &valu
 void MSSQLTableColumnDesignerViewController::confirmType(const QString &type, int row)
 {
     const MSSQLColumnRecord record = m_model->columns().value(row);
-    MSSQLMisfitCount::count(
-        m_session.settings(),
-        MSSQLTypeChange::countQuery(m_session.table(), record.columnName, record.displayType(), type), this,
-        [this, type, row](std::optional<qint64> misfits) { askAboutType(type, row, misfits); });
+    const QString query =
+        MSSQLTypeChange::countQuery(m_session.table(), record.columnName, record.displayType(), type);
+    KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings(), query, type, row] {
+        const std::optional<qint64> misfits = MSSQLMisfitCount::count(settings, query);
+        KNDispatch::mainQueue([self, type, row, misfits] {
+            if (self)
+                self->askAboutType(type, row, misfits);
+        });
+    });
 }
 
 void MSSQLTableColumnDesignerViewController::askAboutType(const QString &type, int row,
                                                           std::optional<qint64> misfits)
 {
     const MSSQLColumnRecord record = m_model->columns().value(row);
-    QString text = tr("It is unknown how many rows have values that the new type does not hold.");
-    if (misfits)
-        text = *misfits == 1 ? tr("1 row has a value that the new type does not hold.")
-                             : KNFormat(tr("%@ rows have values that the new type does not hold."),
-                                        QLocale().toString(*misfits));
     const KNAlerts::Question question{
         KNFormat(tr("Change the type of '%@' from %@ to %@?"), record.columnName, record.displayType(), type),
-        text,
+        MSSQLMisfitCount::sentence(misfits),
         {tr("Cancel"), tr("Change Type")}};
     KNAlerts::shared().ask(m_session.window(), question, [self = QPointer(this), type, row](int button) {
         if (self && button == 1)
@@ -239,25 +228,9 @@ MSSQLTableDesignSession::Statement
 MSSQLTableColumnDesignerViewController::updateStatement(const MSSQLColumnRecord &record, Column column,
                                                         const QVariant &value) const
 {
-    return [record, column, value, columns = m_model->columns(),
+    return [edit = MSSQLColumnEdit(record, column, value), columns = m_model->columns(),
             settings = m_session.settings()](const MSSQLDesignedTable &table) {
-        switch (column) {
-        case Column::Field:
-            return MSSQLColumnScript::wrapped(
-                MSSQLColumnScript(table).rename(record.columnName, value.toString()));
-        case Column::Default:
-            return MSSQLColumnScript::wrapped(
-                MSSQLColumnDefaultScript(table, {templateText(*settings, "Table_RemoveDefaultForColumn"),
-                                                 templateText(*settings, "Table_ReplaceDefaultForColumn")})
-                    .change(record.columnName, value.toString()));
-        case Column::Primary:
-            return MSSQLColumnScript::wrapped(
-                MSSQLPrimaryKeyScript(table, templateText(*settings, "Table_DropPrimaryKey"))
-                    .change(columns, record.columnName, value.toBool()));
-        default:
-            return MSSQLColumnScript::wrapped(MSSQLColumnScript(table).changeType(
-                record, MSSQLColumnGridModel::applied(record, column, value)));
-        }
+        return edit.script(table, columns, *settings);
     };
 }
 

@@ -1,0 +1,136 @@
+#include "TableDesign/MSSQLColumnEdit.h"
+
+#include "Foundation/KNFormat.h"
+#include "TableDesign/MSSQLColumnDefaultScript.h"
+#include "TableDesign/MSSQLColumnScript.h"
+#include "TableDesign/MSSQLPrimaryKeyScript.h"
+#include "TableDesign/MSSQLTypeChange.h"
+
+namespace {
+
+/// Whether a column of this type can be an identity column.
+bool takesIdentity(const MSSQLColumnRecord &column)
+{
+    const QString name = column.typeName.section(QLatin1Char('('), 0, 0).trimmed().toUpper();
+    static const QStringList types = {QStringLiteral("SMALLINT"), QStringLiteral("TINYINT"),
+                                      QStringLiteral("INT"),      QStringLiteral("BIGINT"),
+                                      QStringLiteral("DECIMAL"),  QStringLiteral("NUMERIC")};
+    return column.isIdentity || types.contains(name);
+}
+
+QString templateText(const VantorDBC &settings, const char *title)
+{
+    return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
+}
+
+} // namespace
+
+MSSQLColumnEdit::MSSQLColumnEdit(MSSQLColumnRecord column, Cell cell, QVariant value)
+    : m_before(std::move(column))
+    , m_cell(cell)
+    , m_value(std::move(value))
+{
+}
+
+bool MSSQLColumnEdit::isCheck(Cell cell)
+{
+    return cell == Primary || cell == Nullable || cell == AutoIncrement;
+}
+
+QVariant MSSQLColumnEdit::valueOf(const MSSQLColumnRecord &column, Cell cell)
+{
+    switch (cell) {
+    case Primary:
+        return column.isPrimaryKey;
+    case Field:
+        return column.columnName;
+    case Type:
+        return column.displayType();
+    case Default:
+        return column.defaultValue;
+    case Nullable:
+        return column.isNullable;
+    default:
+        return column.isIdentity;
+    }
+}
+
+QString MSSQLColumnEdit::refusal(const MSSQLColumnRecord &column, Cell cell)
+{
+    if (column.isComputed && cell != Field)
+        return tr("A computed column. Only its name can be changed here.");
+    if (cell == AutoIncrement && !takesIdentity(column))
+        return KNFormat(tr("A column of type %@ cannot be an identity column."), column.displayType());
+    return {};
+}
+
+MSSQLColumnRecord MSSQLColumnEdit::after() const
+{
+    MSSQLColumnRecord record = m_before;
+    switch (m_cell) {
+    case Primary:
+        record.isPrimaryKey = m_value.toBool();
+        break;
+    case Field:
+        record.columnName = m_value.toString();
+        break;
+    case Type:
+        record.typeName = m_value.toString();
+        record.maxLength = record.precision = record.scale = KNValue();
+        break;
+    case Default:
+        record.defaultValue = m_value.toString().isEmpty() ? QString() : m_value.toString();
+        break;
+    case Nullable:
+        record.isNullable = m_value.toBool();
+        break;
+    default:
+        record.isIdentity = m_value.toBool();
+        break;
+    }
+    return record;
+}
+
+QString MSSQLColumnEdit::refusal() const
+{
+    if (m_cell == Field && m_value.toString().isEmpty())
+        return tr("A column needs a name.");
+    if (m_cell == Type && m_value.toString().isEmpty())
+        return tr("A column needs a type.");
+    if (m_cell == Primary && MSSQLPrimaryKeyScript::needsNotNull(m_before, m_value.toBool()))
+        return tr("You must disable 'nullable' before this column can become a primary key.");
+    return refusal(m_before, m_cell);
+}
+
+bool MSSQLColumnEdit::isTypeThatMayLoseValues() const
+{
+    return m_cell == Type && MSSQLTypeChange::mayLoseValues(m_before.displayType(), m_value.toString());
+}
+
+KNStatementPair MSSQLColumnEdit::script(const MSSQLDesignedTable &table,
+                                        const QList<MSSQLColumnRecord> &columns,
+                                        const VantorDBC &settings) const
+{
+    if (m_value == valueOf(m_before, m_cell))
+        return {};
+    return MSSQLColumnScript::wrapped(statement(table, columns, settings));
+}
+
+KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,
+                                           const QList<MSSQLColumnRecord> &columns,
+                                           const VantorDBC &settings) const
+{
+    switch (m_cell) {
+    case Field:
+        return MSSQLColumnScript(table).rename(m_before.columnName, m_value.toString());
+    case Default:
+        return MSSQLColumnDefaultScript(table, {templateText(settings, "Table_RemoveDefaultForColumn"),
+                                                templateText(settings, "Table_ReplaceDefaultForColumn")})
+            .change(m_before.columnName, m_value.toString());
+    case Primary:
+        return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"))
+            .change(columns, m_before.columnName, m_value.toBool());
+    default:
+        return MSSQLColumnScript(table).changeType(m_before, after());
+    }
+}
