@@ -1,5 +1,6 @@
 #include "Database/VantorDBC.h"
 
+#include "Database/KNTableDesign.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
 
 VantorDBC::VantorDBC() = default;
@@ -41,6 +42,12 @@ const QStringList &VantorDBC::dataTypes() const
 std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewControllerHelper() const
 {
     return std::make_unique<ResultSetViewControllerHelper>();
+}
+
+std::unique_ptr<KNTableDesign> VantorDBC::createTableDesign(const QString &, KNError *error) const
+{
+    *error = KNTableDesign::refused(QStringLiteral("Tables of this kind of server cannot be designed."));
+    return nullptr;
 }
 
 QStringList VantorDBC::riskyStatements(const QString &) const

@@ -12,8 +12,10 @@
 
 class DatabaseTreeEntryServerRoot;
 class KNAutocompleteHelper;
+class KNError;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
+class KNTableDesign;
 class KNValue;
 class ResultSetViewControllerHelper;
 class VantorDatabaseClient;
@@ -77,6 +79,10 @@ public:
     virtual KNAutocompleteHelper *sharedAutocompleteHelper() const { return nullptr; }
     /// Returns the catalog queries for the server of these settings.
     virtual std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const = 0;
+    /// Returns the design of the table with this path, which may begin with a schema: with a copy of these
+    /// settings, and without accessing the server. Null, with an error, if the path cannot be read or the
+    /// server kind has no designer.
+    virtual std::unique_ptr<KNTableDesign> createTableDesign(const QString &path, KNError *error) const;
     /// Returns the helper that result grids use to format values of this server; by default it shows values
     /// unchanged.
     virtual std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const;

@@ -1,8 +1,8 @@
 #include "CommandLine/QueryOptions.h"
 
 #include "CommandLine/FormatOption.h"
+#include "CommandLine/OnErrorOption.h"
 #include "CommandLine/TextInput.h"
-#include "Foundation/KNFormat.h"
 
 #include <QCommandLineParser>
 
@@ -16,15 +16,6 @@ std::nullopt_t usageError(KNError *error, const QString &text)
     return std::nullopt;
 }
 
-std::optional<KNOnError> onErrorOf(const QString &text)
-{
-    if (text == QLatin1String("stop"))
-        return KNOnError::Stop;
-    if (text == QLatin1String("continue"))
-        return KNOnError::Continue;
-    return std::nullopt;
-}
-
 void addOptions(QCommandLineParser &parser)
 {
     const auto text = [](const char *utf8) { return QString::fromUtf8(utf8); };
@@ -32,10 +23,7 @@ void addOptions(QCommandLineParser &parser)
     ConnectionOptions::addTo(parser);
     parser.addOptions({
         FormatOption::option(),
-        {text("on-error"),
-         text("What a script does after a batch with an error: stop (the default) or continue with the next "
-              "batch."),
-         text("stop|continue"), text("stop")},
+        OnErrorOption::option(),
         {text("file"), text("Read the SQL from a file; - is standard input."), text("file")},
         {{text("h"), text("help")}, text("Show this help.")},
     });
@@ -61,10 +49,9 @@ std::optional<QueryOptions> QueryOptions::parse(const QStringList &arguments, KN
     options.format = FormatOption::from(parser, error);
     if (options.format.isNull())
         return std::nullopt;
-    const auto onError = onErrorOf(parser.value(QStringLiteral("on-error")));
+    const auto onError = OnErrorOption::from(parser, error);
     if (!onError)
-        return usageError(error, KNFormat("--on-error is stop or continue, not %@.",
-                                          parser.value(QStringLiteral("on-error"))));
+        return std::nullopt;
     options.onError = *onError;
     const auto connection = ConnectionOptions::from(parser, error);
     if (!connection)

@@ -1,4 +1,5 @@
 #include "CommandLine/CatalogCommand.h"
+#include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/QueryCommand.h"
 #include "CommandLine/SplitCommand.h"
@@ -28,6 +29,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  tree     print the objects of a server as a tree\n"
                         "  menu     print the menu of an object\n"
                         "  script   print a script of an object: CREATE, ALTER, DROP, MySQL, ...\n"
+                        "  design   print or run the script that changes a column of a table\n"
                         "  split    print the batches of a script as JSON\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -40,7 +42,8 @@ struct Command
 
 constexpr Command Commands[] = {
     {"query", runQueryCommand}, {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
-    {"menu", runMenuCommand},   {"script", runScriptCommand},   {"split", runSplitCommand},
+    {"menu", runMenuCommand},   {"script", runScriptCommand},   {"design", runDesignCommand},
+    {"split", runSplitCommand},
 };
 
 /// Null if there is no such command.

@@ -75,6 +75,7 @@ public:
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
     std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override;
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
+    std::unique_ptr<KNTableDesign> createTableDesign(const QString &path, KNError *error) const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
     QString startProtocolTrace() const override;
     QStringList riskyStatements(const QString &batch) const override;

@@ -7,6 +7,7 @@
 #include "Implementations/MSSQLQuerySplitter.h"
 #include "Implementations/MSSQLResultSetViewControllerHelper.h"
 #include "Implementations/MSSQLRiskyStatements.h"
+#include "TableDesign/MSSQLTableDesign.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
 std::unique_ptr<VantorDatabaseClient> MSSQLDatabaseConnectionDetails::createNewClient() const
@@ -30,6 +31,12 @@ MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
 std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
 {
     return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
+}
+
+std::unique_ptr<KNTableDesign> MSSQLDatabaseConnectionDetails::createTableDesign(const QString &path,
+                                                                                 KNError *error) const
+{
+    return MSSQLTableDesign::create(path, *this, error);
 }
 
 std::unique_ptr<ResultSetViewControllerHelper>

@@ -1,26 +1,14 @@
 #include "UI/TableDesigner/MSSQLTableDesignSession.h"
 
-#include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
+#include "TableDesign/MSSQLTableDesign.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Workspace/KNStatementChoice.h"
 
 #include <QPointer>
-
-namespace {
-
-/// The table with the login's default schema, which statements without a schema mean.
-MSSQLDesignedTable withDefaultSchema(MSSQLDesignedTable table, const VantorDBC &settings)
-{
-    if (const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings))
-        table.defaultSchema = MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(*details);
-    return table;
-}
-
-} // namespace
 
 MSSQLTableDesignSession::MSSQLTableDesignSession(const MSSQLDesignedTable &table, Settings settings,
                                                  QWidget *window)
@@ -53,7 +41,7 @@ void MSSQLTableDesignSession::run(const Change &change, Finished finished)
     setBusy(true, change.status);
     const QPointer self(this);
     KNDispatch::globalQueue([self, change, finished, table = m_table, settings = m_settings] {
-        const KNStatementPair pair = change.statement(withDefaultSchema(table, *settings));
+        const KNStatementPair pair = change.statement(MSSQLTableDesign::withDefaultSchema(table, *settings));
         KNDispatch::mainQueue([self, pair, change, finished] {
             if (!self)
                 return;
@@ -78,8 +66,7 @@ void MSSQLTableDesignSession::choose(const KNStatementPair &pair, const Change &
     if (!pair.corrected.isNull())
         return KNChooseStatement(m_window, pair, prefersCorrected, use);
     if (prefersCorrected)
-        return KNAlerts::shared().showMessage(m_window, tr("No statement makes this change."),
-                                              pair.difference);
+        return KNAlerts::shared().showMessage(m_window, MSSQLTableDesign::noStatement(), pair.difference);
     KNAlerts::shared().ask(
         m_window,
         {pair.difference, KNFormat(tr("Statement:\n%@"), pair.exact), {tr("Cancel"), tr("Run Unchanged")}},
