@@ -23,6 +23,14 @@ QString templateText(const VantorDBC &settings, const char *title)
     return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
 }
 
+MSSQLPrimaryKeyRecord primaryKeyOf(const MSSQLDesignedTable &table, const VantorDBC &settings)
+{
+    KNError error;
+    return MSSQLCatalogReader::records<MSSQLPrimaryKeyRecord>(settings, table.schema, table.name,
+                                                              "mssql.tabledesigner.loadTable", &error)
+        .value(0);
+}
+
 } // namespace
 
 MSSQLColumnEdit::MSSQLColumnEdit(MSSQLColumnRecord column, Cell cell, QVariant value)
@@ -129,7 +137,7 @@ KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,
             .change(m_before.columnName, m_value.toString());
     case Primary:
         return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"))
-            .change(columns, m_before.columnName, m_value.toBool());
+            .change(columns, m_before.columnName, m_value.toBool(), primaryKeyOf(table, settings));
     default:
         return MSSQLColumnScript(table).changeType(m_before, after());
     }

@@ -30,9 +30,9 @@ public:
     /// Why the edit is not made; null if it is.
     QString refusal() const;
     bool isTypeThatMayLoseValues() const;
-    /// Returns the script, which runs in a transaction of its own. `columns` are those of the table before the
-    /// edit. A null exact script means that nothing is to be run. May ask the server for its version: any
-    /// thread except the UI thread.
+    /// Returns the script, which runs in a transaction of its own. `columns` are those of the table before
+    /// the edit. A null exact script means that nothing is to be run. Asks the server for its version and for
+    /// the primary key: any thread except the UI thread.
     KNStatementPair script(const MSSQLDesignedTable &table, const QList<MSSQLColumnRecord> &columns,
                            const VantorDBC &settings) const;
 

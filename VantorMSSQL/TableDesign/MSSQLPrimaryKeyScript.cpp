@@ -19,7 +19,8 @@ bool MSSQLPrimaryKeyScript::needsNotNull(const MSSQLColumnRecord &column, bool b
 }
 
 KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &columns,
-                                              const QString &columnName, bool becomesKey) const
+                                              const QString &columnName, bool becomesKey,
+                                              const MSSQLPrimaryKeyRecord &key) const
 {
     const auto edited = std::find_if(columns.begin(), columns.end(), [&](const MSSQLColumnRecord &column) {
         return column.columnName == columnName;
@@ -35,7 +36,7 @@ KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &co
     }
     if (becomesKey)
         names.append(columnName);
-    KNStatementPair pair = addition(names);
+    KNStatementPair pair = addition(names, key);
     if (!hadKey)
         return pair;
     const QString drop =
@@ -47,19 +48,39 @@ KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &co
 }
 
 /// Without names the texts are empty.
-KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names) const
+KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names,
+                                                const MSSQLPrimaryKeyRecord &key) const
 {
-    MSSQLStatementCaution caution;
     if (names.isEmpty())
         return {QStringLiteral(""), QStringLiteral(""), {}};
+    MSSQLStatementCaution caution;
     caution.addToExactName(m_table);
-    QStringList quoted;
-    for (const QString &name : names) {
+    for (const QString &name : names)
         caution.addUnlessRead(name, {name});
-        quoted.append(MSSQLQuoting::quotedName(name));
+    const QString corrected = correctedAddition(names, key);
+    if (corrected != correctedAddition(names, {}))
+        caution.add(MSSQLStatementCaution::tr(
+            "This would lose the name of the key, the order of its columns or the kind of its index."));
+    return {
+        KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.exactName(), names.join(QLatin1String(", "))),
+        corrected, caution.text()};
+}
+
+QString MSSQLPrimaryKeyScript::correctedAddition(const QStringList &names,
+                                                 const MSSQLPrimaryKeyRecord &key) const
+{
+    QStringList listed;
+    QStringList rest = names;
+    for (const MSSQLPrimaryKeyRecord::Column &column : key.columns) {
+        if (rest.removeOne(column.name))
+            listed.append(MSSQLQuoting::quotedName(column.name) +
+                          QLatin1String(column.isDescending ? " DESC" : ""));
     }
-    const QString separator = QStringLiteral(", ");
-    return {KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.exactName(), names.join(separator)),
-            KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.quoted(), quoted.join(separator)),
-            caution.text()};
+    for (const QString &name : rest)
+        listed.append(MSSQLQuoting::quotedName(name));
+    const QString constraint = key.name.isNull()
+                                   ? QStringLiteral("")
+                                   : KNFormat("CONSTRAINT %@ ", MSSQLQuoting::quotedName(key.name));
+    return KNFormat("ALTER TABLE %@ ADD %@PRIMARY KEY%@(%@);", m_table.quoted(), constraint,
+                    key.isClustered ? "" : " NONCLUSTERED ", listed.join(QLatin1String(", ")));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Catalog/MSSQLColumnRecord.h"
+#include "Catalog/MSSQLPrimaryKeyRecord.h"
 #include "QueryLoader/KNStatementPair.h"
 #include "TableDesign/MSSQLDesignedTable.h"
 
@@ -14,12 +15,15 @@ public:
     /// Whether the change is refused because the column would become part of the key while it takes NULL.
     static bool needsNotNull(const MSSQLColumnRecord &column, bool becomesKey);
     /// `columns` in the table's order, as they are before. Drops the key there is and adds one of the columns
-    /// that remain, the added column last. Nothing when the column is unknown, refused, or that already.
+    /// that remain, the added column last. The corrected script keeps the name of the `key` there is, its
+    /// order, its sort orders and whether it is clustered. Nothing when the column is unknown, refused, or
+    /// that already.
     KNStatementPair change(const QList<MSSQLColumnRecord> &columns, const QString &columnName,
-                           bool becomesKey) const;
+                           bool becomesKey, const MSSQLPrimaryKeyRecord &key = {}) const;
 
 private:
-    KNStatementPair addition(const QStringList &names) const;
+    KNStatementPair addition(const QStringList &names, const MSSQLPrimaryKeyRecord &key) const;
+    QString correctedAddition(const QStringList &names, const MSSQLPrimaryKeyRecord &key) const;
 
     MSSQLDesignedTable m_table;
     QString m_dropTemplate;

@@ -114,6 +114,22 @@ TEST(PrimaryKeyScript, OnlyDropsTheKeyWithItsLastColumn)
     EXPECT_EQ(pair.corrected, q("drop N'sales' N'Orders'"));
 }
 
+TEST(PrimaryKeyScript, KeepsNameOrderAndKindOfTheKeyInTheCorrectedScriptOnly)
+{
+    const MSSQLPrimaryKeyRecord key{q("PK ]x"), false, {{q("b"), true}, {q("a"), false}}};
+    const QList<MSSQLColumnRecord> columns{column("a", true), column("b", true), column("c")};
+    const KNStatementPair pair = keys().change(columns, q("c"), true, key);
+    EXPECT_EQ(pair.exact, q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                            "ALTER TABLE Orders ADD PRIMARY KEY(a, b, c);"));
+    EXPECT_EQ(pair.corrected,
+              q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                "ALTER TABLE sales.Orders ADD CONSTRAINT [PK ]]x] PRIMARY KEY NONCLUSTERED (b DESC, a, c);"));
+    EXPECT_EQ(pair.difference, q("This would lose the name of the key, the order of its columns or the kind "
+                                 "of its index."));
+    const MSSQLPrimaryKeyRecord unnamed{QString(), true, {{q("a"), false}, {q("b"), false}}};
+    EXPECT_TRUE(keys().change(columns, q("c"), true, unnamed).difference.isEmpty());
+}
+
 TEST(PrimaryKeyScript, RefusesAColumnThatTakesNull)
 {
     const MSSQLColumnRecord nullable = column("a", false, true);

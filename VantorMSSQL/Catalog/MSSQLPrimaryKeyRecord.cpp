@@ -1,0 +1,24 @@
+#include "Catalog/MSSQLPrimaryKeyRecord.h"
+
+namespace {
+
+enum Position { ColumnName, KeyName, Clustered, Descending };
+
+} // namespace
+
+MSSQLCatalogReader::Values MSSQLPrimaryKeyRecord::values(const QString &schema, const QString &table)
+{
+    return {{QStringLiteral("SCHEMA"), schema}, {QStringLiteral("TABLE"), table}};
+}
+
+QList<MSSQLPrimaryKeyRecord> MSSQLPrimaryKeyRecord::listFrom(DatabaseResultSet &rows)
+{
+    MSSQLPrimaryKeyRecord key;
+    while (rows.next()) {
+        key.name = rows.stringForColumnIndex(KeyName);
+        key.isClustered = rows.numberForColumnIndex(Clustered).toBool();
+        key.columns.append(
+            {rows.stringForColumnIndex(ColumnName), rows.numberForColumnIndex(Descending).toBool()});
+    }
+    return key.columns.isEmpty() ? QList<MSSQLPrimaryKeyRecord>() : QList{key};
+}
