@@ -6,7 +6,20 @@
 
 namespace {
 
-enum Position { Name, Type, MaxLength, Precision, Scale, Nullable, PrimaryKey, Default, Identity, Computed };
+enum Position {
+    Name,
+    Type,
+    MaxLength,
+    Precision,
+    Scale,
+    Nullable,
+    PrimaryKey,
+    Default,
+    Identity,
+    Computed,
+    Collation,
+    Sparse
+};
 
 } // namespace
 
@@ -34,7 +47,9 @@ QList<MSSQLColumnRecord> MSSQLColumnRecord::listFrom(DatabaseResultSet &rows)
              .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
              .defaultValue = rows.stringForColumnIndex(Default),
              .isIdentity = rows.numberForColumnIndex(Identity).toBool(),
-             .isComputed = rows.columnCount() > Computed && rows.numberForColumnIndex(Computed).toBool()});
+             .isComputed = rows.columnCount() > Computed && rows.numberForColumnIndex(Computed).toBool(),
+             .collation = rows.columnCount() > Collation ? rows.stringForColumnIndex(Collation) : QString(),
+             .isSparse = rows.columnCount() > Sparse && rows.numberForColumnIndex(Sparse).toBool()});
     }
     return columns;
 }

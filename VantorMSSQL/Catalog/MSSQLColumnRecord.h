@@ -20,6 +20,8 @@ struct MSSQLColumnRecord
     QString defaultValue; ///< the expression; null without one
     bool isIdentity = false;
     bool isComputed = false;
+    QString collation; ///< null if it is the database's or the type has none
+    bool isSparse = false;
 
     /// Whether statements can set the column: it is no identity, computed or rowversion column.
     bool isWritable() const;

@@ -31,9 +31,38 @@ QString acceptedType(const QString &type)
     return withoutSize(type, {"datetime", "date", "smalldatetime", "ntext", "text"}, Qt::CaseInsensitive);
 }
 
+/// Whether a collation belongs behind the type: an alias type takes none.
+bool takesCollation(const QString &type)
+{
+    static const QStringList types{QStringLiteral("char"),  QStringLiteral("varchar"),
+                                   QStringLiteral("nchar"), QStringLiteral("nvarchar"),
+                                   QStringLiteral("text"),  QStringLiteral("ntext")};
+    return types.contains(type.section(QLatin1Char('('), 0, 0).trimmed(), Qt::CaseInsensitive);
+}
+
+bool keepsCollation(const MSSQLColumnRecord &column)
+{
+    return !column.collation.isEmpty() && takesCollation(column.displayType());
+}
+
+bool keepsSparse(const MSSQLColumnRecord &column)
+{
+    return column.isSparse && column.isNullable;
+}
+
 QString withNullability(const QString &type, const MSSQLColumnRecord &column)
 {
     return column.isNullable ? type : type + QLatin1String(" NOT NULL");
+}
+
+/// What stands behind the name of a column that keeps its collation and stays sparse.
+QString correctedDefinition(const MSSQLColumnRecord &column)
+{
+    QString definition = acceptedType(column.displayType());
+    if (keepsCollation(column))
+        definition += QLatin1String(" COLLATE ") + column.collation;
+    definition = withNullability(definition, column);
+    return keepsSparse(column) ? definition + QLatin1String(" SPARSE") : definition;
 }
 
 } // namespace
@@ -84,8 +113,7 @@ QString MSSQLColumnScript::correctedChange(const MSSQLColumnRecord &before,
     if (before.isIdentity != after.isIdentity)
         return {};
     const QString change = KNFormat("ALTER TABLE %@ ALTER COLUMN %@ %@", m_table.quoted(),
-                                    MSSQLQuoting::quotedName(before.columnName),
-                                    withNullability(acceptedType(after.displayType()), after));
+                                    MSSQLQuoting::quotedName(before.columnName), correctedDefinition(after));
     if (!isRenamed(before, after))
         return change;
     return change + QLatin1String(";\r\n") + correctedRename(before.columnName, after.columnName);
@@ -107,6 +135,12 @@ QString MSSQLColumnScript::differenceOfChange(const MSSQLColumnRecord &before,
     if (before.isIdentity != after.isIdentity)
         caution.add(MSSQLStatementCaution::tr(
             "Whether a column is an identity column can only be chosen when it is created."));
+    if (keepsCollation(after))
+        caution.add(KNFormat(MSSQLStatementCaution::tr("This would replace the column's collation %@ by the "
+                                                       "database's."),
+                             after.collation));
+    if (keepsSparse(after))
+        caution.add(MSSQLStatementCaution::tr("This would make the column no longer sparse."));
     const QString type = after.displayType();
     const QString sent = dispayForColumnDataType(type);
     const QString accepted = acceptedType(type);

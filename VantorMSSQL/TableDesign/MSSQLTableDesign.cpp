@@ -191,9 +191,8 @@ QList<KNDesignStep> MSSQLTableDesign::steps(const KNColumnEdit &edit, bool prefe
     if (*error)
         return {};
     if (columns.isEmpty()) {
-        *error = refused(
-            KNFormat(tr("Table %@ was not found, or you have no right to see its columns."),
-                     MSSQLObjectPath::readable({table.schema, table.name})));
+        *error = refused(KNFormat(tr("Table %@ was not found, or you have no right to see its columns."),
+                                  MSSQLObjectPath::readable({table.schema, table.name})));
         return {};
     }
     Steps steps(table, m_settings, prefersCorrected);

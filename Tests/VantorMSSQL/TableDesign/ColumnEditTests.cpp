@@ -26,7 +26,8 @@ TEST(ColumnEdit, ReplacesTheLengthWithTheType)
     MSSQLColumnRecord before = columnOfType("nvarchar");
     before.maxLength = KNValue(40);
     ASSERT_EQ(before.displayType(), text("nvarchar(20)"));
-    EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Type, text("money")).after().displayType(), text("money"));
+    EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Type, text("money")).after().displayType(),
+              text("money"));
     EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Nullable, false).after().displayType(),
               text("nvarchar(20)"));
     EXPECT_TRUE(MSSQLColumnEdit(before, MSSQLColumnEdit::Default, text("")).after().defaultValue.isNull());

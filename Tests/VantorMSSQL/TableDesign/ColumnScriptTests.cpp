@@ -88,6 +88,29 @@ TEST(ColumnScript, KeepsTheSizeOfACatalogTypeWhenOnlyNullabilityChanges)
               q("ALTER TABLE sales.Orders ALTER COLUMN Name nvarchar(50) NOT NULL"));
 }
 
+TEST(ColumnScript, KeepsCollationAndSparsityInTheCorrectedStatementOnly)
+{
+    MSSQLColumnRecord before = column("Name", "nvarchar(20)");
+    before.collation = q("Latin1_General_BIN2");
+    before.isSparse = true;
+    MSSQLColumnRecord after = before;
+    after.typeName = q("nvarchar(40)");
+    const KNStatementPair pair = script().changeType(before, after);
+    EXPECT_EQ(pair.exact, q("ALTER TABLE sales.Orders ALTER COLUMN Name nvarchar(40)"));
+    EXPECT_EQ(pair.corrected, q("ALTER TABLE sales.Orders ALTER COLUMN Name nvarchar(40) COLLATE "
+                                "Latin1_General_BIN2 SPARSE"));
+    EXPECT_EQ(pair.difference, q("This would replace the column's collation Latin1_General_BIN2 by the "
+                                 "database's. This would make the column no longer sparse."));
+    after.isNullable = false;
+    EXPECT_EQ(
+        script().changeType(before, after).corrected,
+        q("ALTER TABLE sales.Orders ALTER COLUMN Name nvarchar(40) COLLATE Latin1_General_BIN2 NOT NULL"));
+    for (const char *type : {"int", "[dbo].[nvarchar]"}) {
+        after.typeName = q(type);
+        EXPECT_FALSE(script().changeType(before, after).corrected.contains(q("COLLATE"))) << type;
+    }
+}
+
 TEST(ColumnScript, ReturnsNothingWithoutAChange)
 {
     const KNStatementPair pair = script().changeType(column("a", "int"), column("a", "int"));

@@ -1,5 +1,6 @@
 -- type_name is ready for a statement: it carries precision and scale, and a user's type carries its schema.
--- max_length (in bytes, -1 for max) is given only where a length belongs behind the type's name.
+-- max_length (in bytes, -1 for max) is given only where a length belongs behind the type's name, and a collation only
+-- where it is not the database's.
 SELECT
     c.name AS column_name,
     CASE
@@ -30,7 +31,9 @@ SELECT
     ) THEN 1 ELSE 0 END AS is_primary_key,
     d.definition AS default_value,
     CONVERT(int, c.is_identity) AS is_identity,
-    CONVERT(int, c.is_computed) AS is_computed
+    CONVERT(int, c.is_computed) AS is_computed,
+    NULLIF(c.collation_name, CONVERT(nvarchar(128), DATABASEPROPERTYEX(DB_NAME(), N'Collation'))) AS own_collation,
+    CONVERT(int, ISNULL(COLUMNPROPERTY(c.object_id, c.name, N'IsSparse'), 0)) AS is_sparse
 FROM (
     SELECT
         col.object_id,
@@ -42,6 +45,7 @@ FROM (
         col.is_nullable,
         col.is_identity,
         col.is_computed,
+        col.collation_name COLLATE DATABASE_DEFAULT AS collation_name,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
         COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name

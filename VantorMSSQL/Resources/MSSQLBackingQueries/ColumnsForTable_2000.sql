@@ -1,5 +1,6 @@
 -- type_name carries precision and scale. max_length (in bytes) is given only where a length belongs behind the type's
--- name. A default is at most 4000 characters here, the first chunk of its text.
+-- name, and a collation only where it is not the database's. A default is at most 4000 characters here, the first chunk
+-- of its text.
 SELECT
     c.name AS column_name,
     CASE
@@ -26,7 +27,9 @@ SELECT
     ) THEN 1 ELSE 0 END AS is_primary_key,
     d.text AS default_value,
     CONVERT(int, COLUMNPROPERTY(c.id, c.name, N'IsIdentity')) AS is_identity,
-    CONVERT(int, c.iscomputed) AS is_computed
+    CONVERT(int, c.iscomputed) AS is_computed,
+    NULLIF(c.collation, CONVERT(nvarchar(128), DATABASEPROPERTYEX(DB_NAME(), N'Collation'))) AS own_collation,
+    0 AS is_sparse
 FROM dbo.syscolumns AS c
 INNER JOIN dbo.sysobjects AS o ON o.id = c.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
