@@ -40,8 +40,8 @@ public:
     KNTableDesign(const KNTableDesign &) = delete;
     KNTableDesign &operator=(const KNTableDesign &) = delete;
 
-    /// The domain of errors for edits that are refused before anything runs: there is no such table or column,
-    /// or no statement makes the change. Other errors are the server's.
+    /// The domain of errors for edits that are refused before anything runs: there is no such table or
+    /// column, or no statement makes the change. Other errors are the server's.
     static const QString RefusedDomain;
     static KNError refused(const QString &reason);
 

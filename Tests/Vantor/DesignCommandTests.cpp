@@ -17,8 +17,8 @@ QString bracketed(QString name)
     return QLatin1Char('[') + name.replace(QLatin1Char(']'), QLatin1String("]]")) + QLatin1Char(']');
 }
 
-/// A database of its own, in which dbo.Item and des.Item stand: whatever is done to one must not be done to the
-/// other.
+/// A database of its own, in which dbo.Item and des.Item stand: whatever is done to one must not be done to
+/// the other.
 class DesignCommand : public testing::Test
 {
 protected:
@@ -73,8 +73,7 @@ protected:
         // The tree shows tables of the default schema without it.
         if (qstrncmp(table, "dbo.", 4) == 0)
             table += 4;
-        const Outcome outcome =
-            runAt(port(), {q("script"), q("design/Tables/") + q(table), q("CREATE to")});
+        const Outcome outcome = runAt(port(), {q("script"), q("design/Tables/") + q(table), q("CREATE to")});
         EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
         return outcome.output;
     }
@@ -87,9 +86,10 @@ protected:
         const QString apostrophe = q("'");
         table.replace(apostrophe, q("''"));
         column.replace(apostrophe, q("''"));
-        return query(KNFormat("SELECT COUNT(*) AS n FROM sys.columns c INNER JOIN sys.tables t ON t.object_id = "
-                              "c.object_id WHERE t.name = N'%@' AND c.name = N'%@' %@",
-                              table, column, condition));
+        return query(
+            KNFormat("SELECT COUNT(*) AS n FROM sys.columns c INNER JOIN sys.tables t ON t.object_id = "
+                     "c.object_id WHERE t.name = N'%@' AND c.name = N'%@' %@",
+                     table, column, condition));
     }
 
     static void expectRefusal(std::initializer_list<const char *> arguments, const char *reason)
@@ -283,7 +283,8 @@ TEST_F(DesignCommand, PrintsCautionsAsCommentsAndRunsSuchStatementsOnlyWhenForce
     EXPECT_EQ(printed.status, 0);
     EXPECT_TRUE(printed.output.startsWith("-- SQL Server does not accept IDENTITY in ALTER COLUMN. "))
         << printed.output.toStdString();
-    EXPECT_TRUE(printed.output.contains("\r\nALTER TABLE dbo.Item ALTER COLUMN id int NOT NULL IDENTITY (1,1)"));
+    EXPECT_TRUE(
+        printed.output.contains("\r\nALTER TABLE dbo.Item ALTER COLUMN id int NOT NULL IDENTITY (1,1)"));
     expectRefusal({"Item", "--column", "id", "--set", "identity=true"},
                   "Nothing was run. --force runs it all the same.");
     expectRefusal({"Item", "--column", "id", "--set", "identity=true", "--corrected"},
@@ -295,15 +296,16 @@ TEST_F(DesignCommand, PrintsCautionsAsCommentsAndRunsSuchStatementsOnlyWhenForce
 
 TEST_F(DesignCommand, TakesOddNames)
 {
-    const QStringList names{q("we]ird"), q("it's"),   q("a.b.c"),  q("say \"hi\""), q("🦆"), q("select"),
-                            q(" lead"),  q("a]; --"), q("x\r\nGO\r\n--"), QString(128, QLatin1Char('n'))};
+    const QStringList names{
+        q("we]ird"), q("it's"),  q("a.b.c"),  q("say \"hi\""),    q("🦆"),
+        q("select"), q(" lead"), q("a]; --"), q("x\r\nGO\r\n--"), QString(128, QLatin1Char('n'))};
     for (const QString &name : names) {
         SCOPED_TRACE(name.toStdString());
         query(KNFormat("CREATE TABLE des.%@ (%@ int NULL, b int NULL)", bracketed(name), bracketed(name)));
         const QString path = q("des.") + bracketed(name);
         const auto change = [&](const QStringList &arguments) {
-            const Outcome outcome = runAt(
-                port(), QStringList{q("design"), path, q("--corrected"), q("--apply")} + arguments);
+            const Outcome outcome =
+                runAt(port(), QStringList{q("design"), path, q("--corrected"), q("--apply")} + arguments);
             EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
         };
         const QString column = q("--column=") + name;
@@ -314,8 +316,9 @@ TEST_F(DesignCommand, TakesOddNames)
         const QString renamed = name.trimmed().left(100) + q("2");
         change({q("--column=b"), q("--add"), q("--set"), q("name=") + renamed});
         EXPECT_EQ(
-            countOf(name, name,
-                    "AND c.is_nullable = 0 AND TYPE_NAME(c.user_type_id) = 'bigint' AND c.default_object_id = 0"),
+            countOf(
+                name, name,
+                "AND c.is_nullable = 0 AND TYPE_NAME(c.user_type_id) = 'bigint' AND c.default_object_id = 0"),
             QByteArray("n\n1\n"));
         EXPECT_EQ(countOf(name, renamed), QByteArray("n\n1\n"));
     }
@@ -327,8 +330,8 @@ TEST_F(DesignCommand, RefusesAnExactStatementThatWouldReadANameOtherwise)
     query("CREATE TABLE dbo.[a]]b] (x int NULL, y int NULL)");
     const Outcome outcome = design({"[a]]b]", "--column", "x", "--drop", "--apply"});
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_TRUE(outcome.errors.contains(
-        "SQL Server would not read the names in this statement as the ones shown."))
+    EXPECT_TRUE(
+        outcome.errors.contains("SQL Server would not read the names in this statement as the ones shown."))
         << outcome.errors.toStdString();
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM sys.columns WHERE name = 'x'"), QByteArray("n\n1\n"));
 }
@@ -343,7 +346,8 @@ TEST_F(DesignCommand, StopsAfterAnErrorUnlessItContinues)
     EXPECT_EQ(stopped.status, 1);
     EXPECT_TRUE(stopped.errors.contains("1 batch was not run")) << stopped.errors.toStdString();
     EXPECT_TRUE(has("dbo.Item", "[amount]"));
-    EXPECT_TRUE(has("dbo.Item", "CONSTRAINT [DF_dbo]")) << "the old default stays when the new one is refused";
+    EXPECT_TRUE(has("dbo.Item", "CONSTRAINT [DF_dbo]"))
+        << "the old default stays when the new one is refused";
     EXPECT_EQ(setBoth("continue").status, 1);
     EXPECT_TRUE(has("dbo.Item", "[price]"));
 }
@@ -395,10 +399,9 @@ TEST_F(DesignCommand, EndsWithAnErrorWhereverTheConnectionIsLost)
 
 TEST_F(DesignCommand, EndsWithStatus3WithoutAConnection)
 {
-    const Outcome outcome =
-        Program({q("design"), q("--server"), q("127.0.0.1,1"), q("--user"), q("sa"), q("Item"), q("--column"),
-                 q("id"), q("--drop")})
-            .wait();
+    const Outcome outcome = Program({q("design"), q("--server"), q("127.0.0.1,1"), q("--user"), q("sa"),
+                                     q("Item"), q("--column"), q("id"), q("--drop")})
+                                .wait();
     EXPECT_EQ(outcome.status, 3);
     EXPECT_FALSE(outcome.errors.isEmpty());
 }

@@ -45,8 +45,8 @@ int apply(const Steps &steps, const DesignOptions &options, const VantorDBC &set
     KNError error;
     VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
         [&](VantorDatabaseClient &client, KNError *) {
-            status = runText(client, scriptOf(steps, false), QStringLiteral("table"), options.onError,
-                             interrupts);
+            status =
+                runText(client, scriptOf(steps, false), QStringLiteral("table"), options.onError, interrupts);
         },
         settings, &error);
     return error ? Terminal::fail(ExitNoConnection, error.descriptionWithSuggestion()) : status;
@@ -58,8 +58,8 @@ int design(const DesignOptions &options, const VantorDBC &settings, InterruptWat
     const auto table = settings.createTableDesign(options.table, &error);
     if (!table)
         return Terminal::fail(ExitUsage, error.localizedDescription());
-    if (!VantorDatabaseConnectionPool::sharedInstance()->executeQuery([](VantorDatabaseClient &, KNError *) {},
-                                                                      settings, &error))
+    if (!VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
+            [](VantorDatabaseClient &, KNError *) {}, settings, &error))
         return Terminal::fail(ExitNoConnection, error.descriptionWithSuggestion());
     const Steps steps = table->steps(options.edit, options.prefersCorrected, &error);
     if (error)

@@ -20,9 +20,9 @@ struct NamedProperty
 };
 
 constexpr NamedProperty Properties[] = {
-    {"type", Property::Type, false},        {"nullable", Property::Nullable, true},
-    {"default", Property::Default, false},  {"name", Property::Name, false},
-    {"primary", Property::Primary, true},   {"identity", Property::Identity, true},
+    {"type", Property::Type, false},       {"nullable", Property::Nullable, true},
+    {"default", Property::Default, false}, {"name", Property::Name, false},
+    {"primary", Property::Primary, true},  {"identity", Property::Identity, true},
 };
 
 std::nullopt_t refuse(KNError *error, const QString &text)
@@ -46,14 +46,13 @@ std::optional<bool> boolOf(const QString &text)
 std::optional<std::pair<Property, QVariant>> valueOf(const QString &text, KNError *error)
 {
     const QString name = text.section(QLatin1Char('='), 0, 0);
-    const auto *const found = std::find_if(std::begin(Properties), std::end(Properties),
-                                           [&](const NamedProperty &known) {
-                                               return name == QLatin1String(known.name);
-                                           });
+    const auto *const found =
+        std::find_if(std::begin(Properties), std::end(Properties),
+                     [&](const NamedProperty &known) { return name == QLatin1String(known.name); });
     if (found == std::end(Properties) || !text.contains(QLatin1Char('=')))
         return refuse(error, KNFormat("\"%@\" sets nothing. Set type=, nullable=, default=, name=, "
-                                          "primary= or identity=.",
-                                          text));
+                                      "primary= or identity=.",
+                                      text));
     const QString value = text.section(QLatin1Char('='), 1).trimmed();
     if (!found->isCheck)
         return std::pair(found->property, QVariant(value));
@@ -111,10 +110,11 @@ void addDesignOptions(QCommandLineParser &parser)
         OnErrorOption::option(),
         {{text("h"), text("help")}, text("Show this help.")},
     });
-    parser.addPositionalArgument(text("TABLE"),
-                                 text("The table; without a schema in the login's default schema. A name with "
-                                      "a dot is written in brackets."),
-                                 text("[SCHEMA.]TABLE"));
+    parser.addPositionalArgument(
+        text("TABLE"),
+        text("The table; without a schema in the login's default schema. A name with "
+             "a dot is written in brackets."),
+        text("[SCHEMA.]TABLE"));
 }
 
 } // namespace
