@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "TableDesign/MSSQLRenameScript.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
 #include <algorithm>
@@ -85,8 +86,7 @@ KNStatementPair MSSQLColumnScript::rename(const QString &columnName, const QStri
 
 QString MSSQLColumnScript::correctedRename(const QString &columnName, const QString &newName) const
 {
-    return KNFormat("EXEC sp_rename %@, %@, N'COLUMN'", m_table.renameLiteral(columnName),
-                    MSSQLDesignedTable::unicodeLiteral(newName));
+    return MSSQLRenameScript::column(m_table, columnName, newName);
 }
 
 KNStatementPair MSSQLColumnScript::changeType(const MSSQLColumnRecord &before,

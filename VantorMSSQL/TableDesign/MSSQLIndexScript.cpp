@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "TableDesign/MSSQLRenameScript.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
 namespace {
@@ -91,8 +92,7 @@ KNStatementPair MSSQLIndexScript::rename(const QString &oldName, const QString &
     caution.addUnlessReadInLiteral(newName, true);
     return {
         KNFormat("EXEC sp_rename N'%@.%@', N'%@', N'INDEX';", m_table.name, oldName, newName),
-        KNFormat("EXEC sp_rename %@, %@, N'INDEX';", m_table.renameLiteral(oldName),
-                 MSSQLDesignedTable::unicodeLiteral(newName)),
+        MSSQLRenameScript::index(m_table, oldName, newName) + QLatin1Char(';'),
         caution.text(),
     };
 }

@@ -1,6 +1,7 @@
 #include "TableDesign/MSSQLTableScript.h"
 
 #include "Foundation/KNFormat.h"
+#include "TableDesign/MSSQLRenameScript.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
 #include <algorithm>
@@ -61,7 +62,5 @@ KNStatementPair MSSQLTableScript::rename(const MSSQLDesignedTable &table, const 
         caution.add(
             KNFormat(MSSQLStatementCaution::tr("This would make the brackets part of the name %@."), sent));
     return {KNFormat("sp_rename '%@', '%@'", path, sent),
-            KNFormat("EXEC sp_rename %@, %@, N'OBJECT';", table.renameLiteral(),
-                     MSSQLDesignedTable::unicodeLiteral(newName)),
-            caution.text()};
+            MSSQLRenameScript::table(table, newName) + QLatin1Char(';'), caution.text()};
 }

@@ -45,15 +45,12 @@ KNSSHTunnelWindowController::KNSSHTunnelWindowController(const KNSSHTunnelModel 
     layout->addStretch();
     layout->addWidget(buttons);
 
-    const auto update = [this, buttons] {
+    const auto update = [this, accept = acceptButton(*buttons)] {
         const bool isUsed = m_isUsed->isChecked();
         for (QWidget *const widget : {static_cast<QWidget *>(m_host), static_cast<QWidget *>(m_port),
                                       static_cast<QWidget *>(m_username), static_cast<QWidget *>(m_keyFile)})
             widget->setEnabled(isUsed);
-        for (QAbstractButton *const button : buttons->buttons()) {
-            if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
-                button->setEnabled(!isUsed || !m_host->text().trimmed().isEmpty());
-        }
+        accept->setEnabled(!isUsed || !m_host->text().trimmed().isEmpty());
     };
     connect(m_isUsed, &QCheckBox::toggled, this, [this, update] {
         update();

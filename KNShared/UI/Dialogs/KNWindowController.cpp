@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QLayout>
+#include <QPushButton>
 
 namespace {
 
@@ -62,4 +63,13 @@ QDialogButtonBox *KNWindowController::makeButtons(const QString &acceptTitle)
     connect(buttons, &QDialogButtonBox::accepted, this, [this] { endSheetWithReturnCode(1); });
     connect(buttons, &QDialogButtonBox::rejected, this, [this] { endSheetWithReturnCode(0); });
     return buttons;
+}
+
+QPushButton *KNWindowController::acceptButton(const QDialogButtonBox &buttons)
+{
+    for (QAbstractButton *const button : buttons.buttons()) {
+        if (buttons.buttonRole(button) == QDialogButtonBox::AcceptRole)
+            return qobject_cast<QPushButton *>(button);
+    }
+    return nullptr;
 }

@@ -7,6 +7,7 @@
 #include <functional>
 
 class QDialogButtonBox;
+class QPushButton;
 
 /// A dialog shown as a sheet of its parent's window. It deletes itself when it ends.
 class KNSHAREDUI_EXPORT KNWindowController : public QDialog
@@ -29,6 +30,8 @@ public:
 protected:
     /// Creates a row of buttons: Cancel ends the sheet with 0, the default button with 1.
     QDialogButtonBox *makeButtons(const QString &acceptTitle);
+    /// The button of makeButtons() that ends the sheet with 1.
+    static QPushButton *acceptButton(const QDialogButtonBox &buttons);
 
 private:
     bool m_closed = false;

@@ -47,7 +47,7 @@ TEST_F(ContextMenu, OfAKeyHasItsScriptNameAndProperties)
 {
     const Ptr key = entry({"shop", "Tables", "my table", "Keys", "FK a"});
     const KNMenu menu = key->contextMenu();
-    EXPECT_EQ(titles(menu), list({"Script as", "-", "Copy name", "Properties"}));
+    EXPECT_EQ(titles(menu), list({"Rename key", "Script as", "-", "Copy name", "Properties"}));
     EXPECT_EQ(text(item(menu, list({"Copy name"}))), QStringLiteral("[FK a]"));
     EXPECT_TRUE(key->propertiesLoader());
 }

@@ -15,10 +15,15 @@
 #include "UI/RowEditing/KNEditRowWindowController.h"
 #include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
+#include "UI/TableDesigner/MSSQLRenameWindowController.h"
+#include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
+#include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTableView>
+#include <QTest>
 
 using WindowTesting::waitFor;
 
@@ -77,7 +82,7 @@ protected:
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
             [&](VantorDatabaseClient &client, KNError *failure) {
                 const auto rows = client.executeQuery(
-                    KNFormat("SELECT CASE WHEN %@ THEN 1 ELSE 0 END", condition), failure);
+                    KNFormat("SELECT CASE WHEN %@ THEN 1 ELSE 0 END", QString::fromUtf8(condition)), failure);
                 answer = rows && rows->next() && rows->numberForColumnIndex(0).toBool();
             },
             *m_workspace.databaseConnectionDetails(), &error);
@@ -98,6 +103,42 @@ protected:
         m_titles = m_previews.last->titles();
         m_previews.last->accept(m_previews.last->statements);
         ASSERT_TRUE(waitFor([&] { return !m_previews.last || !m_previews.last->isRunning(); }));
+    }
+
+    /// Chooses a rename, enters the name and accepts; the preview is m_previews.last.
+    void enterName(const char *action, const TreeTesting::Ptr &entry, const QString &newName)
+    {
+        ASSERT_TRUE(m_helper->performAction(QString::fromLatin1(action), entry));
+        auto *const dialog = m_workspace.window.findChild<MSSQLRenameWindowController *>();
+        ASSERT_NE(dialog, nullptr);
+        auto *const field = dialog->findChild<QLineEdit *>();
+        EXPECT_EQ(field->text(), entry->displayName());
+        field->setText(newName);
+        QTest::keyClick(field, Qt::Key_Return);
+        ASSERT_TRUE(m_previews.last);
+        ASSERT_TRUE(waitFor([&] { return !m_previews.last->statements.isEmpty(); }));
+        m_statement = m_previews.last->statements;
+        m_titles = m_previews.last->titles();
+        WindowTesting::settle(); // the dialog deletes itself
+    }
+    void rename(const char *action, const TreeTesting::Ptr &entry, const QString &newName)
+    {
+        enterName(action, entry, newName);
+        ASSERT_TRUE(m_previews.last);
+        m_previews.last->accept(m_previews.last->statements);
+        ASSERT_TRUE(waitFor([&] { return !m_previews.last || !m_previews.last->isRunning(); }));
+        EXPECT_FALSE(m_previews.last)
+            << m_previews.last->outcomes.front().error.localizedDescription().toStdString();
+    }
+    /// The number on the server for a query in which %@ stands for the names' literals.
+    bool exists(const char *query, const QString &name)
+    {
+        QString literal = name;
+        literal.replace(QLatin1Char('\''), QLatin1String("''"));
+        return holds(
+            qPrintable(QStringLiteral("EXISTS (%1)")
+                           .arg(QString::fromLatin1(query).replace(
+                               QLatin1Char('?'), QLatin1String("N'") + literal + QLatin1Char('\'')))));
     }
 
     RecordingAlerts &m_alerts = RecordingAlerts::install();
@@ -227,6 +268,137 @@ TEST_F(TableAction, ShowsWhyARenameFailed)
     dialog->findChildren<QPushButton *>().last()->click();
     EXPECT_TRUE(waitFor([&] { return !m_alerts.errors.empty(); }));
     EXPECT_TRUE(m_workspace.refreshed.empty());
+}
+
+TEST_F(TableAction, RenamesAColumnAnIndexAndAKeyOfTheRightTable)
+{
+    run("ALTER TABLE act.Acted ADD CONSTRAINT PK_Acted PRIMARY KEY (id)");
+    const TreeTesting::Ptr index = entry({"library", "Tables", "act.Acted", "Indexes", "IX_Acted"});
+    const TreeTesting::Ptr column = entry({"library", "Tables", "act.Acted", "Columns", "name"});
+    const TreeTesting::Ptr key = entry({"library", "Tables", "act.Acted", "Keys", "PK_Acted"});
+
+    rename("renameColumn:", column, QStringLiteral(" label "));
+    EXPECT_EQ(m_statement, QStringLiteral("EXEC sp_rename N'[act].[Acted].[name]', N'label', N'COLUMN'"));
+    EXPECT_EQ(m_titles.title, QStringLiteral("Rename the column 'name' to 'label'?"));
+    EXPECT_EQ(m_titles.acceptTitle, QStringLiteral("Rename"));
+    EXPECT_TRUE(holds("COL_LENGTH('act.Acted', 'label') = 20 AND COL_LENGTH('act.Acted', 'name') IS NULL"));
+    EXPECT_TRUE(holds("COL_LENGTH('dbo.Acted', 'name') = 20"));
+
+    rename("renameIndex:", index, QStringLiteral("IX_Label"));
+    EXPECT_EQ(m_statement,
+              QStringLiteral("EXEC sp_rename N'[act].[Acted].[IX_Acted]', N'IX_Label', N'INDEX'"));
+    EXPECT_TRUE(holds("EXISTS (SELECT 1 FROM sys.indexes WHERE name = 'IX_Label' AND object_id = "
+                      "OBJECT_ID('act.Acted'))"));
+    EXPECT_TRUE(holds("EXISTS (SELECT 1 FROM sys.indexes WHERE name = 'IX_Acted' AND object_id = "
+                      "OBJECT_ID('dbo.Acted'))"));
+
+    m_workspace.refreshed.clear();
+    rename("renameKey:", key, QStringLiteral("PK_Label"));
+    EXPECT_EQ(m_statement, QStringLiteral("EXEC sp_rename N'[act].[PK_Acted]', N'PK_Label', N'OBJECT'"));
+    EXPECT_TRUE(holds("OBJECT_ID('act.PK_Label') IS NOT NULL AND OBJECT_ID('act.PK_Acted') IS NULL"));
+    const std::vector<TreeTesting::Ptr> lists{column->parent(), key->parent(), index->parent()};
+    EXPECT_EQ(m_workspace.refreshed, lists) << "the index of the key has its name";
+}
+
+TEST_F(TableAction, RenamesToAndFromOddNames)
+{
+    run("ALTER TABLE act.Acted ADD CONSTRAINT PK_Acted PRIMARY KEY (id)");
+    QString columnName = QStringLiteral("name");
+    QString indexName = QStringLiteral("IX_Acted");
+    QString keyName = QStringLiteral("PK_Acted");
+    const QStringList names{QStringLiteral("a]b"),
+                            QStringLiteral("it's"),
+                            QStringLiteral("a.b.c"),
+                            QStringLiteral("[x]"),
+                            QString::fromUtf8("\xf0\x9f\x93\xa6 \"Gr\xc3\xb6\xc3\x9f"
+                                              "e\""),
+                            QString(128, QLatin1Char(']'))};
+    for (const QString &name : names) {
+        const auto section = [&](const char *list, const QString &part) {
+            return TreeTesting::find(entry({"library", "Tables", "act.Acted", list}), {part});
+        };
+        rename("renameColumn:", section("Columns", columnName), name);
+        EXPECT_TRUE(
+            exists("SELECT 1 FROM sys.columns WHERE name = ? AND object_id = OBJECT_ID('act.Acted')", name));
+        rename("renameIndex:", section("Indexes", indexName), QLatin1Char('i') + name.left(127));
+        EXPECT_TRUE(exists("SELECT 1 FROM sys.indexes WHERE name = ? AND object_id = OBJECT_ID('act.Acted')",
+                           QLatin1Char('i') + name.left(127)));
+        rename("renameKey:", section("Keys", keyName), QLatin1Char('k') + name.left(127));
+        EXPECT_TRUE(exists("SELECT 1 FROM sys.key_constraints WHERE name = ? AND parent_object_id = "
+                           "OBJECT_ID('act.Acted')",
+                           QLatin1Char('k') + name.left(127)));
+        columnName = name;
+        indexName = QLatin1Char('i') + name.left(127);
+        keyName = QLatin1Char('k') + name.left(127);
+        for (const char *list : {"Columns", "Indexes", "Keys"})
+            TreeTesting::load(entry({"library", "Tables", "act.Acted", list}), true);
+    }
+    EXPECT_TRUE(holds("COL_LENGTH('dbo.Acted', 'name') = 20"));
+}
+
+TEST_F(TableAction, AnOpenDesignerShowsARenamedColumn)
+{
+    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("alterTable:"), table));
+    auto *const designer = qobject_cast<MSSQLTableDesignerViewController *>(m_workspace.opened.front());
+    ASSERT_NE(designer, nullptr);
+    auto *const grid =
+        designer->findChild<MSSQLTableColumnDesignerViewController *>()->findChild<QTableView *>();
+    ASSERT_NE(grid, nullptr);
+    const auto shows = [grid](const QString &name) {
+        for (int row = 0; row < grid->model()->rowCount(); ++row)
+            for (int column = 0; column < grid->model()->columnCount(); ++column)
+                if (grid->model()->index(row, column).data().toString() == name)
+                    return true;
+        return false;
+    };
+    ASSERT_TRUE(waitFor([&] { return shows(QStringLiteral("name")); }));
+    rename("renameColumn:", entry({"library", "Tables", "act.Acted", "Columns", "name"}),
+           QStringLiteral("label"));
+    EXPECT_TRUE(waitFor([&] { return shows(QStringLiteral("label")) && !shows(QStringLiteral("name")); }));
+}
+
+TEST_F(TableAction, ARenameNeedsAnotherNameThatAServerTakes)
+{
+    ASSERT_TRUE(m_helper->performAction(QStringLiteral("renameColumn:"),
+                                        entry({"library", "Tables", "act.Acted", "Columns", "name"})));
+    auto *const dialog = m_workspace.window.findChild<MSSQLRenameWindowController *>();
+    ASSERT_NE(dialog, nullptr);
+    auto *const field = dialog->findChild<QLineEdit *>();
+    for (const char *invalid : {"", "  ", "name", " name ", "a\tb"}) {
+        field->setText(QString::fromLatin1(invalid));
+        QTest::keyClick(field, Qt::Key_Return);
+        EXPECT_FALSE(dialog->closed()) << invalid;
+    }
+    field->setText(QStringLiteral("NAME")); // another name where case matters
+    EXPECT_EQ(dialog->newName(), QStringLiteral("NAME"));
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_TRUE(WindowTesting::settle());
+    EXPECT_FALSE(m_previews.last);
+    EXPECT_TRUE(holds("COL_LENGTH('act.Acted', 'name') = 20"));
+}
+
+TEST_F(TableAction, AFailedRenameStaysOpenAndRefreshesNothing)
+{
+    enterName("renameColumn:", entry({"library", "Tables", "act.Acted", "Columns", "name"}),
+              QStringLiteral("id"));
+    m_previews.last->accept(m_statement);
+    ASSERT_TRUE(waitFor([&] { return !m_previews.last->isRunning(); }));
+    ASSERT_EQ(m_previews.last->outcomes.size(), 1u);
+    EXPECT_EQ(m_previews.last->outcomes.front().error.domain(), QStringLiteral("MSSQL::renameColumn"));
+    EXPECT_TRUE(m_workspace.refreshed.empty());
+    m_previews.last->cancel();
+}
+
+TEST_F(TableAction, AColumnOfAViewIsNotRenamed)
+{
+    run("IF OBJECT_ID('act.ActedView') IS NULL EXEC('CREATE VIEW act.ActedView AS SELECT 1 AS a')");
+    const TreeTesting::Ptr column = entry({"library", "Views", "act.ActedView", "Columns", "a"});
+    const QStringList titles = TreeTesting::titles(column->contextMenu());
+    EXPECT_FALSE(titles.contains(QStringLiteral("Rename column"))) << titles.join(u',').toStdString();
+    EXPECT_TRUE(m_helper->performAction(QStringLiteral("renameColumn:"), column));
+    EXPECT_EQ(m_workspace.window.findChild<QDialog *>(), nullptr);
+    run("DROP VIEW act.ActedView");
 }
 
 TEST_F(TableAction, CreatesATableAndOpensItsDesigner)

@@ -4,6 +4,7 @@ void MSSQLDatabaseTreeContextHelper::addActions()
 {
     addDropActions();
     addFederationActions();
+    addRenameActions();
     addTableActions();
 }
 

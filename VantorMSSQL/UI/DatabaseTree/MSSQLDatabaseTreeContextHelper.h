@@ -43,6 +43,7 @@ public:
 private:
     void addDropActions();
     void addFederationActions();
+    void addRenameActions();
     void addTableActions();
 
     KNDatabaseTreeContextHelper &m_helper;

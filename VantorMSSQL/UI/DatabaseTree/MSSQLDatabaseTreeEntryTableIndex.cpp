@@ -24,7 +24,8 @@ KNMenu MSSQLDatabaseTreeEntryTableIndex::additionalMenu()
     const MSSQLScriptSubject index{QStringLiteral("INDEX"), m_schema, m_indexName,
                                    databaseConnectionDetails(), m_tableName};
     return {{},
-            {scriptAsMenuItem({{"DROP to", index.script<MSSQLScriptDropIndexQueryLoader>(
+            {actionItem("Rename index", "renameIndex:", shared_from_this()),
+             scriptAsMenuItem({{"DROP to", index.script<MSSQLScriptDropIndexQueryLoader>(
                                                m_indexName, m_tableName, m_schema)}})}};
 }
 

@@ -29,5 +29,7 @@ KNMenu MSSQLDatabaseTreeEntryTableKey::additionalMenu()
     const QString drop =
         KNFormat("ALTER TABLE %@ DROP CONSTRAINT %@;\r\n", MSSQLObjectPath::quoted({m_schema, m_tableName}),
                  MSSQLObjectPath::quoted({displayName()}));
-    return {{}, {scriptAsMenuItem({{"DROP to", std::make_shared<StaticQueryLoader>(drop)}})}};
+    return {{},
+            {actionItem("Rename key", "renameKey:", shared_from_this()),
+             scriptAsMenuItem({{"DROP to", std::make_shared<StaticQueryLoader>(drop)}})}};
 }

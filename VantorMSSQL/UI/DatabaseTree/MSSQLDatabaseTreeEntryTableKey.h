@@ -11,6 +11,9 @@ public:
     MSSQLDatabaseTreeEntryTableKey(const QString &schema, const QString &tableName, const QString &keyName,
                                    bool isPrimaryKey);
 
+    QString schema() const { return m_schema; }
+    QString tableName() const { return m_tableName; }
+
     QString image() const override;
     QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
     KNObjectPropertiesLoader propertiesLoader() const override;

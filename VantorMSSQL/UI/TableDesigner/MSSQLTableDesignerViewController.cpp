@@ -81,6 +81,13 @@ void MSSQLTableDesignerViewController::tableWasRenamed(const QString &schema, co
         existing->m_session->setTableName(newName);
 }
 
+void MSSQLTableDesignerViewController::tableWasChanged(const QString &schema, const QString &tableName,
+                                                       const Settings &settings, KNWorkspace &workspace)
+{
+    if (MSSQLTableDesignerViewController *const existing = find(schema, tableName, settings, workspace))
+        Q_EMIT existing->m_session->tableChanged();
+}
+
 /// The open designer of a table; null if there is none.
 MSSQLTableDesignerViewController *MSSQLTableDesignerViewController::find(const QString &schema,
                                                                          const QString &tableName,

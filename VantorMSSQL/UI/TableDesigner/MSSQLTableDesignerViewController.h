@@ -28,6 +28,9 @@ public:
     /// Gives the open designer of a table its new name; does nothing if there is none.
     static void tableWasRenamed(const QString &schema, const QString &oldName, const QString &newName,
                                 const Settings &settings, KNWorkspace &workspace);
+    /// Lets the open designer of a table read it again; does nothing if there is none.
+    static void tableWasChanged(const QString &schema, const QString &tableName, const Settings &settings,
+                                KNWorkspace &workspace);
 
     QString title() const override;
     QIcon icon() const override;

@@ -3,6 +3,7 @@
 #include "Catalog/MSSQLObjectProperties.h"
 #include "Scripts/MSSQLScriptDropColumnInTableQueryLoader.h"
 #include "Scripts/MSSQLScriptSubject.h"
+#include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabaseTable.h"
 
 MSSQLDatabaseTreeEntryDatabaseTableColumn::MSSQLDatabaseTreeEntryDatabaseTableColumn(
     const QString &schema, const QString &tableName, const QString &columnName)
@@ -27,9 +28,20 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTableColumn::additionalMenu()
 {
     const MSSQLScriptSubject column{QStringLiteral("COLUMN"), m_schema, m_columnName,
                                     databaseConnectionDetails(), m_tableName};
-    return {{},
-            {scriptAsMenuItem({{"DROP to", column.script<MSSQLScriptDropColumnInTableQueryLoader>(
-                                               m_columnName, m_tableName, m_schema)}})}};
+    KNMenu menu;
+    if (!belongsToView()) // sp_rename refuses those
+        menu.items.push_back(actionItem("Rename column", "renameColumn:", shared_from_this()));
+    menu.items.push_back(scriptAsMenuItem({{"DROP to", column.script<MSSQLScriptDropColumnInTableQueryLoader>(
+                                                           m_columnName, m_tableName, m_schema)}}));
+    return menu;
+}
+
+bool MSSQLDatabaseTreeEntryDatabaseTableColumn::belongsToView() const
+{
+    const auto section = parent();
+    const auto table =
+        std::dynamic_pointer_cast<MSSQLDatabaseTreeEntryDatabaseTable>(section ? section->parent() : nullptr);
+    return table && table->isView();
 }
 
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabaseTableColumn::propertiesLoader() const

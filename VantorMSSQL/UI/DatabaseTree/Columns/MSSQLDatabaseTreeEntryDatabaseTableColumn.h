@@ -16,6 +16,7 @@ public:
     QString columnName() const { return m_columnName; }
     bool isPrimaryKey() const { return m_isPrimaryKey; }
     void setIsPrimaryKey(bool isPrimaryKey) { m_isPrimaryKey = isPrimaryKey; }
+    bool belongsToView() const;
 
     QString image() const override;
     int tableCellHeight() const override { return 23; }

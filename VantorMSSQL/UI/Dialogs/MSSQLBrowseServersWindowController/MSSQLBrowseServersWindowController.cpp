@@ -47,10 +47,7 @@ MSSQLBrowseServersWindowController::MSSQLBrowseServersWindowController(QWidget *
     m_table->setColumnWidth(3, fontMetrics().averageCharWidth() * 9);
 
     QDialogButtonBox *const buttons = makeButtons(tr("Choose"));
-    for (QAbstractButton *const button : buttons->buttons()) {
-        if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
-            m_accept = qobject_cast<QPushButton *>(button);
-    }
+    m_accept = acceptButton(*buttons);
     auto *const searching = new QHBoxLayout;
     searching->addWidget(m_searching);
     searching->addWidget(m_progress);
