@@ -1,5 +1,6 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 
+#include "Database/VantorChangedPasswords.h"
 #include "Database/VantorLoginProblem.h"
 #include "Database/VantorTabConnection.h"
 #include "Foundation/KNLogHelper.h"
@@ -104,23 +105,25 @@ VantorDatabaseConnectionPool::~VantorDatabaseConnectionPool()
 bool VantorDatabaseConnectionPool::executeQuery(const Work &work, const VantorDBC &withConnectionDetails,
                                                 KNError *error, bool retryOnError)
 {
+    const VantorDBCPtr changed = VantorChangedPasswords::shared().applied(withConnectionDetails);
+    const VantorDBC &details = changed ? *changed : withConnectionDetails;
     KNError failure;
-    Client client = borrow(withConnectionDetails, &failure);
+    Client client = borrow(details, &failure);
     for (bool isLastAttempt = !retryOnError; client; isLastAttempt = true) {
         work(*client, &failure);
         if (client->isConnected()) {
-            giveBack(withConnectionDetails, std::move(client));
+            giveBack(details, std::move(client));
             break;
         }
         client.reset();
         // Other idle connections to the same server have most likely failed, too.
-        dropIdle(withConnectionDetails);
+        dropIdle(details);
         if (isLastAttempt || !failure)
             break;
         KNLogHelper::sharedInstance()->logMessage("The lent connection was dead (%@). Trying a fresh one.",
                                                   failure.localizedDescription());
         failure.clear();
-        client = connectedClient(withConnectionDetails, &failure);
+        client = connectedClient(details, &failure);
     }
     const bool succeeded = !failure;
     if (error)
@@ -195,6 +198,7 @@ VantorDatabaseConnectionPool::connect(const VantorDBC &details, KNError *error, 
 
 void VantorDatabaseConnectionPool::keep(const VantorDBC &details, Client client)
 {
+    VantorChangedPasswords::shared().remove(details); // this password is the valid one
     giveBack(details, std::move(client));
 }
 
@@ -211,8 +215,10 @@ void VantorDatabaseConnectionPool::rememberEncryption(const VantorDBC &details, 
     m_protections.push_back({details.copy(), encryption});
 }
 
-VantorEncryption VantorDatabaseConnectionPool::encryptionOf(const VantorDBC &details) const
+VantorEncryption VantorDatabaseConnectionPool::encryptionOf(const VantorDBC &ofDetails) const
 {
+    const VantorDBCPtr changed = VantorChangedPasswords::shared().applied(ofDetails);
+    const VantorDBC &details = changed ? *changed : ofDetails;
     const std::lock_guard lock(m_mutex);
     for (const Protection &known : m_protections) {
         if (known.details->usesSameLogin(details) &&
@@ -224,9 +230,12 @@ VantorEncryption VantorDatabaseConnectionPool::encryptionOf(const VantorDBC &det
 
 void VantorDatabaseConnectionPool::forgetRefusals(const VantorDBC &details)
 {
+    const VantorDBCPtr changed = VantorChangedPasswords::shared().applied(details);
     const std::lock_guard lock(m_mutex);
-    std::erase_if(m_refusals,
-                  [&](const Refusal &refusal) { return refusal.details->usesSameLogin(details); });
+    std::erase_if(m_refusals, [&](const Refusal &refusal) {
+        return refusal.details->usesSameLogin(details) ||
+               (changed && refusal.details->usesSameLogin(*changed));
+    });
 }
 
 bool VantorDatabaseConnectionPool::isRefused(const VantorDBC &details, KNError *error) const

@@ -1,5 +1,6 @@
 #include "Database/VantorTabConnection.h"
 
+#include "Database/VantorChangedPasswords.h"
 #include "Foundation/KNFormat.h"
 
 namespace {
@@ -48,7 +49,9 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
             return nullptr;
         }
     }
-    const VantorDBCPtr details = connectionDetails();
+    VantorDBCPtr details = connectionDetails();
+    if (const VantorDBCPtr changed = VantorChangedPasswords::shared().applied(*details))
+        details = changed;
     m_pool.forgetRefusals(*details); // each run is a retry that the user requested
     const std::shared_ptr<VantorDatabaseClient> client =
         m_pool.connectedClient(*details, error, [this](VantorDatabaseClient *connecting) {

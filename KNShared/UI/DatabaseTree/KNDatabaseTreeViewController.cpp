@@ -1,9 +1,12 @@
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 
+#include "Database/VantorChangedPasswords.h"
 #include "Database/VantorDatabaseConnectionPool.h"
+#include "Database/VantorLoginProblem.h"
 #include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/Menus/KNMenuView.h"
 
 #include <QApplication>
@@ -11,6 +14,15 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QPointer>
+
+namespace {
+
+bool isErrorEntry(const KNDatabaseTreeEntry::Ptr &entry)
+{
+    return dynamic_cast<const KNDatabaseTreeErrorEntry *>(entry.get()) != nullptr;
+}
+
+} // namespace
 
 KNDatabaseTreeViewController::KNDatabaseTreeViewController(QWidget *parent)
     : QWidget(parent)
@@ -89,7 +101,34 @@ void KNDatabaseTreeViewController::refreshDatabaseTreeItem(const Entry &entry)
 void KNDatabaseTreeViewController::refreshSelected()
 {
     const Entry selected = currentlySelectedDatabaseTreeEntry();
-    refreshDatabaseTreeItem(selected ? selected : m_root);
+    if (isErrorEntry(selected))
+        tryAgain(selected);
+    else
+        refreshDatabaseTreeItem(selected ? selected : m_root);
+}
+
+/// Loads again what has failed. After a refused login it asks for the password first: an attempt with a wrong
+/// one counts against the account.
+void KNDatabaseTreeViewController::tryAgain(const Entry &errorEntry)
+{
+    const KNError &error = static_cast<const KNDatabaseTreeErrorEntry &>(*errorEntry).error();
+    if (VantorLoginProblemOf(error) == VantorLoginProblem::LoginRefused)
+        askForPassword(errorEntry);
+    else
+        refreshDatabaseTreeItem(errorEntry);
+}
+
+void KNDatabaseTreeViewController::askForPassword(const Entry &errorEntry)
+{
+    const auto settings = errorEntry->databaseConnectionDetails();
+    auto *const login = new KNLoginWindowController(*settings, true, this);
+    login->beginSheet([self = QPointer(this), login, errorEntry, settings](int code) {
+        if (!self || code != 1)
+            return;
+        VantorChangedPasswords::shared().add(*settings, login->details()->password());
+        Q_EMIT self->passwordEntered(login->details()->password());
+        self->refreshDatabaseTreeItem(errorEntry);
+    });
 }
 
 void KNDatabaseTreeViewController::focusSearchField()
@@ -212,8 +251,8 @@ void KNDatabaseTreeViewController::showMenu(const Entry &entry, const QPoint &gl
 {
     auto *const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (dynamic_cast<const KNDatabaseTreeErrorEntry *>(entry.get())) {
-        menu->addAction(tr("Try again"), this, [this, entry] { refreshDatabaseTreeItem(entry); });
+    if (isErrorEntry(entry)) {
+        menu->addAction(tr("Try again"), this, [this, entry] { tryAgain(entry); });
         menu->addAction(tr("Copy message"), this,
                         [entry] { QApplication::clipboard()->setText(entry->displayName()); });
     } else {

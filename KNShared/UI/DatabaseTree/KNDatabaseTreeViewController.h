@@ -38,10 +38,16 @@ public:
     /// The text below the search field that explains an empty tree; null if hidden.
     QString notice() const;
 
+Q_SIGNALS:
+    /// The user has entered the password of a login that was refused, and it has succeeded.
+    void passwordEntered(const QString &password);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void tryAgain(const Entry &errorEntry);
+    void askForPassword(const Entry &errorEntry);
     void search();
     void loadSearchEntries();
     void showSearchResults();

@@ -17,6 +17,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
 #include "Foundation/KNUserDefaults.h"
+#include "Recent/SQLRecentConnectionList.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/Alerts/KNUserNotifications.h"
@@ -98,6 +99,7 @@ void MainWindow::connectParts()
                                               "your home folder has room; the program "
                                               "tries again every few seconds."));
     });
+    connect(m_explorer, &KNDatabaseTreeViewController::passwordEntered, this, &MainWindow::rememberPassword);
     connect(m_treeActions, &TreeActions::connectionsRequested, this, &MainWindow::connectionsRequested);
     connect(m_treeActions, &TreeActions::disconnectRequested, this, &MainWindow::disconnectFromServer);
 }
@@ -115,6 +117,20 @@ void MainWindow::showTree()
             });
     m_statusLine->setLogin(m_details->username());
     updateServer();
+}
+
+void MainWindow::rememberPassword(const QString &password)
+{
+    if (!m_connector)
+        return;
+    SQLRecentConnectionList &list = m_connector->recentConnections();
+    for (const SQLRecentConnectionPtr &connection : list.connections()) {
+        if (connection->connectionId != m_details->connectionId())
+            continue;
+        const SQLRecentConnectionPtr changed = connection->copy();
+        changed->password = password;
+        return list.update(changed);
+    }
 }
 
 void MainWindow::updateServer()

@@ -95,6 +95,7 @@ private:
     KNDocumentTab *restoreDocument(const KNDocumentState &state);
     void updateForCurrentDocument();
     void focusDocument();
+    void rememberPassword(const QString &password);
     void updateServer();
     void updateEncryption();
     void restoreLayout();

@@ -1,14 +1,19 @@
+#include "Database/VantorDatabaseConnectionPool.h"
+#include "Desktop/Query/MessagesView.h"
 #include "Desktop/Tree/TreeActions.h"
+#include "Support/LoginCounter.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingWorkspace.h"
 #include "Support/WatchedApplication.h"
 #include "Support/WindowTesting.h"
+#include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/DatabaseTree/KNPropertiesDialog.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QClipboard>
 #include <QFile>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTemporaryDir>
 
@@ -231,6 +236,65 @@ TEST_F(ObjectExplorer, ShowsWhyServerIsUnreachable)
     const QModelIndex root = model()->index(0, 0);
     ASSERT_TRUE(waitFor([&] { return model()->rowCount(root) == 1; }));
     EXPECT_TRUE(model()->index(0, 0, root).data(KNDatabaseTreeModel::IsErrorRole).toBool());
+}
+
+TEST_F(ObjectExplorer, TryAgainAsksForAPasswordThatWasChangedAtTheServer)
+{
+    auto server = std::make_unique<SampleServerFixture>();
+    connectTo(*server);
+    open({QStringLiteral("shop"), QStringLiteral("Tables")});
+    QueryTab tab(*DesktopTesting::settingsFor(*server, QStringLiteral("shop")));
+    SampleServerFixture::Options options{.arguments = {"--port", std::to_string(server->port())},
+                                         .environment = {{"VANTOR_SAMPLE_PASSWORD", "Changed-2"}}};
+    server.reset();
+    VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
+    server = std::make_unique<SampleServerFixture>(options);
+
+    const QPersistentModelIndex tables = open({QStringLiteral("library"), QStringLiteral("Tables")});
+    const auto shown = [&] { return model()->index(0, 0, tables); };
+    ASSERT_TRUE(waitFor([&] { return shown().data(KNDatabaseTreeModel::IsErrorRole).toBool(); }));
+    choose(shown(), {QStringLiteral("Try again")});
+    const QPointer login = m_controller.findChild<KNLoginWindowController *>();
+    ASSERT_TRUE(login);
+    auto *const field = login->findChild<QLineEdit *>();
+    field->setText(QStringLiteral("wrong"));
+    QTest::keyClick(field, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return !login->problem().isEmpty(); }));
+    QStringList entered;
+    QObject::connect(&m_controller, &KNDatabaseTreeViewController::passwordEntered, &m_controller,
+                     [&](const QString &password) { entered.append(password); });
+    field->setText(QStringLiteral("Changed-2"));
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(waitFor([&] {
+        return shown().isValid() && !model()->isBusy() &&
+               !shown().data(KNDatabaseTreeModel::IsErrorRole).toBool();
+    }));
+    EXPECT_FALSE(login);
+    EXPECT_EQ(entered, QStringList{QStringLiteral("Changed-2")});
+
+    tab.setText(QStringLiteral("SELECT 1 AS a"));
+    tab.run();
+    EXPECT_TRUE(waitFor([&] { return !tab.isRunning() && tab.messages()->isComplete(); }));
+    EXPECT_EQ(tab.messages()->errorCount(), 0) << tab.messages()->toPlainText().toStdString();
+}
+
+TEST_F(ObjectExplorer, ACancelledPasswordCostsNoLogin)
+{
+    const LoginCounter server(18456, "Refused.");
+    const VantorDBCPtr details = DesktopTesting::settingsFor(server.port());
+    const auto entry = details->createRootDatabaseTreeNode();
+    entry->setDatabaseConnectionDetails(details.get());
+    m_controller.setRoot(entry);
+    const QModelIndex root = model()->index(0, 0);
+    ASSERT_TRUE(waitFor([&] { return model()->rowCount(root) == 1 && !model()->isBusy(); }));
+    const int logins = server.logins();
+    choose(model()->index(0, 0, root), {QStringLiteral("Try again")});
+    auto *const login = m_controller.findChild<KNLoginWindowController *>();
+    ASSERT_NE(login, nullptr);
+    QTest::keyClick(login, Qt::Key_Escape);
+    EXPECT_TRUE(WindowTesting::settle());
+    EXPECT_EQ(server.logins(), logins);
+    EXPECT_EQ(model()->rowCount(root), 1);
 }
 
 TEST_F(ObjectExplorer, StaysResponsiveWhileFiftyThousandTablesLoadAndAreSearched)
