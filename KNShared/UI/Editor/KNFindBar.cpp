@@ -1,7 +1,6 @@
 #include "UI/Editor/KNFindBar.h"
 
 #include "Foundation/KNDispatch.h"
-#include "UI/Editor/KNSQLColours.h"
 #include "UI/Editor/KNSQLEditor.h"
 
 #include <QCheckBox>
@@ -15,16 +14,6 @@
 
 namespace {
 
-QToolButton *button(const QString &text, const QString &hint, QWidget *parent)
-{
-    auto *const made = new QToolButton(parent);
-    made->setText(text);
-    made->setToolTip(hint);
-    made->setAccessibleName(hint);
-    made->setFocusPolicy(Qt::TabFocus);
-    return made;
-}
-
 QList<qsizetype> matchesIn(const QString &text, const QRegularExpression &expression)
 {
     QList<qsizetype> places;
@@ -37,30 +26,21 @@ QList<qsizetype> matchesIn(const QString &text, const QRegularExpression &expres
 } // namespace
 
 KNFindBar::KNFindBar(KNSQLEditor *editor, QWidget *parent)
-    : QWidget(parent)
+    : KNSearchBar(editor, tr("Find"), parent)
     , m_editor(editor)
-    , m_pattern(new QLineEdit(this))
     , m_replacement(new QLineEdit(this))
     , m_matchesCase(new QCheckBox(tr("Match &case"), this))
     , m_wholeWords(new QCheckBox(tr("Whole &words"), this))
     , m_isExpression(new QCheckBox(tr("Regular e&xpression"), this))
-    , m_message(new QLabel(this))
     , m_countTimer(new QTimer(this))
 {
     auto *const findLabel = new QLabel(tr("F&ind:"), this);
-    findLabel->setBuddy(m_pattern);
+    findLabel->setBuddy(field());
     auto *const replaceLabel = new QLabel(tr("Re&place:"), this);
     replaceLabel->setBuddy(m_replacement);
-    m_pattern->setAccessibleName(tr("Find"));
     m_replacement->setAccessibleName(tr("Replace with"));
-    m_pattern->setClearButtonEnabled(true);
-    m_message->setAccessibleName(tr("Matches"));
-    m_message->setTextFormat(Qt::PlainText);
-    auto *const previous = button(tr("Previous"), tr("Previous match (Shift+F3)"), this);
-    auto *const next = button(tr("Next"), tr("Next match (F3)"), this);
-    auto *const close = button(tr("Close"), tr("Close the find bar (Esc)"), this);
-    auto *const replaceOne = button(tr("Replace"), tr("Replace this match"), this);
-    auto *const replaceEvery = button(tr("Replace All"), tr("Replace all matches"), this);
+    auto *const replaceOne = newButton(tr("Replace"), tr("Replace this match"));
+    auto *const replaceEvery = newButton(tr("Replace All"), tr("Replace all matches"));
     m_replaceWidgets = {replaceLabel, m_replacement, replaceOne, replaceEvery};
 
     auto *const options = new QHBoxLayout;
@@ -68,23 +48,23 @@ KNFindBar::KNFindBar(KNSQLEditor *editor, QWidget *parent)
         options->addWidget(box);
         connect(box, &QCheckBox::toggled, this, &KNFindBar::patternChanged);
     }
-    options->addWidget(m_message, 1);
+    options->addWidget(messageLabel(), 1);
     auto *const grid = new QGridLayout(this);
     grid->addWidget(findLabel, 0, 0);
-    grid->addWidget(m_pattern, 0, 1);
-    grid->addWidget(previous, 0, 2);
-    grid->addWidget(next, 0, 3);
-    grid->addWidget(close, 0, 4);
+    grid->addWidget(field(), 0, 1);
+    grid->addWidget(previousButton(), 0, 2);
+    grid->addWidget(nextButton(), 0, 3);
+    grid->addWidget(closeButton(), 0, 4);
     grid->addWidget(replaceLabel, 1, 0);
     grid->addWidget(m_replacement, 1, 1);
     grid->addWidget(replaceOne, 1, 2);
     grid->addWidget(replaceEvery, 1, 3, 1, 2);
     grid->addLayout(options, 2, 1, 1, 4);
     grid->setColumnStretch(1, 1);
-    QWidget *before = m_pattern;
-    for (QWidget *const widget :
-         std::initializer_list<QWidget *>{m_replacement, previous, next, replaceOne, replaceEvery,
-                                          m_matchesCase, m_wholeWords, m_isExpression, close}) {
+    QWidget *before = field();
+    for (QWidget *const widget : std::initializer_list<QWidget *>{
+             m_replacement, previousButton(), nextButton(), replaceOne, replaceEvery, m_matchesCase,
+             m_wholeWords, m_isExpression, closeButton()}) {
         setTabOrder(before, widget);
         before = widget;
     }
@@ -92,28 +72,19 @@ KNFindBar::KNFindBar(KNSQLEditor *editor, QWidget *parent)
     m_countTimer->setSingleShot(true);
     m_countTimer->setInterval(150);
     connect(m_countTimer, &QTimer::timeout, this, &KNFindBar::count);
-    connect(m_pattern, &QLineEdit::textChanged, this, &KNFindBar::patternChanged);
-    connect(m_pattern, &QLineEdit::returnPressed, this, &KNFindBar::findNext);
-    connect(m_replacement, &QLineEdit::returnPressed, this, &KNFindBar::replace);
-    connect(previous, &QToolButton::clicked, this, &KNFindBar::findPrevious);
-    connect(next, &QToolButton::clicked, this, &KNFindBar::findNext);
+    connect(field(), &QLineEdit::textChanged, this, &KNFindBar::patternChanged);
     connect(replaceOne, &QToolButton::clicked, this, &KNFindBar::replace);
     connect(replaceEvery, &QToolButton::clicked, this, &KNFindBar::replaceAll);
-    connect(close, &QToolButton::clicked, this, [this] {
-        hide();
-        m_editor->setFocus();
-    });
     connect(editor, &KNSQLEditor::textChanged, this, [this] {
         m_isCounted = false;
         if (isVisible())
             m_countTimer->start();
     });
-    hide();
 }
 
 KNTextSearch KNFindBar::search() const
 {
-    return {m_pattern->text(), m_isExpression->isChecked(), m_matchesCase->isChecked(),
+    return {field()->text(), m_isExpression->isChecked(), m_matchesCase->isChecked(),
             m_wholeWords->isChecked()};
 }
 
@@ -133,17 +104,15 @@ void KNFindBar::show(bool withReplace)
         widget->setVisible(withReplace);
     const QString selected = m_editor->textOfRange(m_editor->selectedRange());
     if (!selected.isEmpty() && !selected.contains(u'\n') && !selected.contains(u'\r'))
-        m_pattern->setText(m_isExpression->isChecked() ? QRegularExpression::escape(selected) : selected);
-    setVisible(true);
-    m_pattern->setFocus();
-    m_pattern->selectAll();
+        field()->setText(m_isExpression->isChecked() ? QRegularExpression::escape(selected) : selected);
+    open();
     patternChanged();
 }
 
 void KNFindBar::findNext()
 {
     const QRegularExpression expression = search().expression();
-    if (m_pattern->text().isEmpty() || !expression.isValid())
+    if (field()->text().isEmpty() || !expression.isValid())
         return;
     const QString text = m_editor->wholeText();
     const KNRange selection = m_editor->selectedRange();
@@ -159,7 +128,7 @@ void KNFindBar::findNext()
 void KNFindBar::findPrevious()
 {
     const QRegularExpression expression = search().expression();
-    if (m_pattern->text().isEmpty() || !expression.isValid())
+    if (field()->text().isEmpty() || !expression.isValid())
         return;
     const QString text = m_editor->wholeText();
     const qsizetype before = m_editor->selectedRange().location;
@@ -178,7 +147,7 @@ void KNFindBar::findPrevious()
 bool KNFindBar::select(const QRegularExpressionMatch &match)
 {
     if (!match.hasMatch()) {
-        say(tr("No matches"), true);
+        sayCount(-1, 0, false);
         return false;
     }
     m_editor->selectRange({match.capturedStart(), match.capturedLength()});
@@ -223,22 +192,13 @@ void KNFindBar::replaceAll()
     say(tr("%n replaced", nullptr, static_cast<int>(replacements.size())), replacements.isEmpty());
 }
 
-bool KNFindBar::event(QEvent *event)
-{
-    // The bar handles Escape before any shortcut does.
-    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
-        event->accept();
-    return QWidget::event(event);
-}
-
 void KNFindBar::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() != Qt::Key_Escape) {
-        QWidget::keyPressEvent(event);
-        return;
-    }
-    hide();
-    m_editor->setFocus();
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && m_replacement->hasFocus())
+        replace();
+    else
+        KNSearchBar::keyPressEvent(event);
 }
 
 void KNFindBar::patternChanged()
@@ -247,12 +207,12 @@ void KNFindBar::patternChanged()
     ++m_generation;
     m_countTimer->stop();
     const QRegularExpression expression = search().expression();
-    if (m_pattern->text().isEmpty()) {
-        say(QString(), false);
+    if (field()->text().isEmpty()) {
+        say({});
     } else if (!expression.isValid()) {
         say(tr("%1, at %2").arg(expression.errorString()).arg(search().errorOffset() + 1), true);
     } else {
-        say(QString(), false);
+        say({});
         m_countTimer->start();
     }
 }
@@ -260,7 +220,7 @@ void KNFindBar::patternChanged()
 void KNFindBar::count()
 {
     const QRegularExpression expression = search().expression();
-    if (m_pattern->text().isEmpty() || !expression.isValid())
+    if (field()->text().isEmpty() || !expression.isValid())
         return;
     KNDispatch::globalQueue(
         [bar = QPointer(this), generation = ++m_generation, expression, text = m_editor->wholeText()] {
@@ -277,26 +237,9 @@ void KNFindBar::count()
 
 void KNFindBar::showCount()
 {
-    if (m_matches.isEmpty()) {
-        say(tr("No matches"), true);
-        return;
-    }
-    const QString total = QString::number(m_matches.size()) +
-                          (m_matches.size() == CountLimit ? QStringLiteral("+") : QString());
-    const auto current =
-        std::lower_bound(m_matches.cbegin(), m_matches.cend(), m_editor->selectedRange().location);
-    if (current != m_matches.cend() && *current == m_editor->selectedRange().location &&
-        m_editor->selectedRange().length > 0)
-        say(tr("%1 of %2").arg(current - m_matches.cbegin() + 1).arg(total), false);
-    else
-        say(m_matches.size() == 1 ? tr("1 match") : tr("%1 matches").arg(total), false);
-}
-
-void KNFindBar::say(const QString &text, bool isProblem)
-{
-    QPalette colours = palette();
-    if (isProblem)
-        colours.setColor(QPalette::WindowText, KNSQLColours::forPalette(palette()).error);
-    m_message->setPalette(colours);
-    m_message->setText(text);
+    const KNRange selection = m_editor->selectedRange();
+    const auto current = std::lower_bound(m_matches.cbegin(), m_matches.cend(), selection.location);
+    const bool isCurrent =
+        current != m_matches.cend() && *current == selection.location && selection.length > 0;
+    sayCount(isCurrent ? current - m_matches.cbegin() : -1, m_matches.size(), m_matches.size() == CountLimit);
 }

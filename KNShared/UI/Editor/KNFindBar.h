@@ -1,20 +1,15 @@
 #pragma once
 
 #include "Database/KNQueryDetails.h"
+#include "UI/Editor/KNSearchBar.h"
 #include "UI/Editor/KNTextSearch.h"
-#include "UI/KNSharedUIExport.h"
-
-#include <QPointer>
-#include <QWidget>
 
 class KNSQLEditor;
 class QCheckBox;
-class QLabel;
 class QLineEdit;
 
-/// Finds and replaces text in an editor. Hidden until requested; Escape hides it and returns the focus to the
-/// editor. Matches are counted in the background. On the UI thread.
-class KNSHAREDUI_EXPORT KNFindBar : public QWidget
+/// Finds and replaces text in an editor. Matches are counted in the background. On the UI thread.
+class KNSHAREDUI_EXPORT KNFindBar : public KNSearchBar
 {
     Q_OBJECT
 
@@ -30,16 +25,15 @@ public Q_SLOTS:
     /// Shows the bar with the selected text as the pattern.
     void showFind();
     void showReplace();
-    /// Selects the next match after the cursor; wraps around at the end of the text.
-    void findNext();
-    void findPrevious();
+    /// Selects the next match after the cursor.
+    void findNext() override;
+    void findPrevious() override;
     /// Replaces the selected match and selects the next one.
     void replace();
     /// Replaces every match as one undo step.
     void replaceAll();
 
 protected:
-    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -48,15 +42,12 @@ private:
     void count();
     void showCount();
     bool select(const QRegularExpressionMatch &match);
-    void say(const QString &text, bool isProblem);
 
     const QPointer<KNSQLEditor> m_editor;
-    QLineEdit *m_pattern;
     QLineEdit *m_replacement;
     QCheckBox *m_matchesCase;
     QCheckBox *m_wholeWords;
     QCheckBox *m_isExpression;
-    QLabel *m_message;
     QList<QWidget *> m_replaceWidgets;
     QTimer *m_countTimer;
     QList<qsizetype> m_matches; ///< start positions of the matches last counted

@@ -1,14 +1,10 @@
 #include "UI/Results/KNResultFindBar.h"
 
 #include "Foundation/KNDispatch.h"
-#include "Foundation/KNFormat.h"
-#include "UI/Editor/KNSQLColours.h"
-#include "UI/Results/KNCountText.h"
 #include "UI/Results/KNResultGridView.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -21,29 +17,16 @@ namespace {
 
 constexpr int PauseBeforeSearch = 200;
 
-QToolButton *newFindButton(const QString &text, const QString &hint, QWidget *parent)
-{
-    auto *const made = new QToolButton(parent);
-    made->setText(text);
-    made->setToolTip(hint);
-    made->setAccessibleName(hint);
-    made->setFocusPolicy(Qt::TabFocus);
-    return made;
-}
-
 } // namespace
 
 KNResultFindBar::KNResultFindBar(KNResultGridView *grid, QWidget *parent)
-    : QWidget(parent)
+    : KNSearchBar(grid, tr("Find in the result"), parent)
     , m_grid(grid)
-    , m_field(new QLineEdit(this))
     , m_matchesCase(new QCheckBox(tr("Match &case"), this))
-    , m_message(new QLabel(this))
-    , m_cancel(newFindButton(tr("Cancel"), tr("Cancel the search"), this))
+    , m_cancel(newButton(tr("Cancel"), tr("Cancel the search")))
     , m_pause(new QTimer(this))
 {
     arrange();
-    hide();
     m_pause->setSingleShot(true);
     m_pause->setInterval(PauseBeforeSearch);
     connect(m_pause, &QTimer::timeout, this, [this] { startSearch(m_step); });
@@ -54,7 +37,7 @@ KNResultFindBar::KNResultFindBar(KNResultGridView *grid, QWidget *parent)
         say({});
         m_pause->start();
     };
-    connect(m_field, &QLineEdit::textChanged, this, textChanged);
+    connect(field(), &QLineEdit::textChanged, this, textChanged);
     connect(m_matchesCase, &QCheckBox::toggled, this, textChanged);
     connect(m_cancel, &QToolButton::clicked, this, &KNResultFindBar::cancel);
     const KNResultTableModel &model = grid->resultModel();
@@ -74,52 +57,38 @@ KNResultFindBar::~KNResultFindBar()
 
 void KNResultFindBar::arrange()
 {
-    m_field->setPlaceholderText(tr("Find in the result"));
-    m_field->setAccessibleName(tr("Find in the result"));
-    m_field->setClearButtonEnabled(true);
-    m_message->setTextFormat(Qt::PlainText);
+    field()->setPlaceholderText(tr("Find in the result"));
     m_cancel->hide();
-    auto *const previous = newFindButton(tr("Previous"), tr("Previous match (Shift+F3)"), this);
-    auto *const next = newFindButton(tr("Next"), tr("Next match (F3)"), this);
-    auto *const closing = newFindButton(tr("Close"), tr("Close the find bar (Esc)"), this);
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
-    layout->addWidget(m_field, 1);
-    for (QWidget *const widget :
-         std::initializer_list<QWidget *>{previous, next, m_matchesCase, m_message, m_cancel, closing})
+    layout->addWidget(field(), 1);
+    QWidget *before = field();
+    for (QWidget *const widget : std::initializer_list<QWidget *>{
+             previousButton(), nextButton(), m_matchesCase, messageLabel(), m_cancel, closeButton()}) {
         layout->addWidget(widget);
-    setFocusProxy(m_field);
-    connect(previous, &QToolButton::clicked, this, &KNResultFindBar::findPrevious);
-    connect(next, &QToolButton::clicked, this, &KNResultFindBar::findNext);
-    connect(closing, &QToolButton::clicked, this, &KNResultFindBar::close);
-}
-
-QString KNResultFindBar::message() const
-{
-    return m_message->text();
+        setTabOrder(before, widget);
+        before = widget;
+    }
 }
 
 void KNResultFindBar::open()
 {
     const bool wasHidden = isHidden();
-    show();
-    m_field->setFocus();
-    m_field->selectAll();
-    if (wasHidden && !m_field->text().isEmpty())
+    KNSearchBar::open();
+    if (wasHidden && !field()->text().isEmpty())
         startSearch(Step::None);
 }
 
 void KNResultFindBar::close()
 {
     cancel();
-    hide();
-    m_grid->setFocus();
+    KNSearchBar::close();
 }
 
 void KNResultFindBar::rowsChanged()
 {
     m_isComplete = false;
-    if (isHidden() || m_field->text().isEmpty())
+    if (isHidden() || field()->text().isEmpty())
         return;
     cancel();
     if (!m_pause->isActive())
@@ -152,12 +121,12 @@ void KNResultFindBar::startSearch(Step step)
 {
     cancel();
     m_step = step;
-    if (m_field->text().isEmpty())
+    if (field()->text().isEmpty())
         return say({});
     say(tr("Searching…"));
     m_cancel->show();
     m_cancelled = std::make_shared<std::atomic<bool>>(false);
-    KNRowSearch search = {m_field->text(),
+    KNRowSearch search = {field()->text(),
                           m_matchesCase->isChecked() ? Qt::CaseSensitive : Qt::CaseInsensitive};
     ResultRows rows = m_grid->resultModel().shownRows();
     rows.columns.clear();
@@ -179,10 +148,7 @@ void KNResultFindBar::finishSearch(std::vector<KNRowSearch::Match> matches)
     m_cancel->hide();
     m_matches = std::move(matches);
     m_isComplete = true;
-    if (m_matches.empty())
-        say(tr("No matches"), true);
-    else
-        sayPosition();
+    sayPosition();
     step(std::exchange(m_step, Step::None));
 }
 
@@ -197,7 +163,7 @@ void KNResultFindBar::step(Step step)
 {
     if (step == Step::None)
         return;
-    if (m_field->text().isEmpty())
+    if (field()->text().isEmpty())
         return open();
     if (!m_isComplete) {
         if (isSearching())
@@ -228,42 +194,8 @@ void KNResultFindBar::step(Step step)
 /// Says which of the matches is the current cell, or how many there are.
 void KNResultFindBar::sayPosition()
 {
-    const bool areAll = m_matches.size() < KNRowSearch::MostMatches;
-    const QString total =
-        KNCountText(static_cast<qint64>(m_matches.size())) + (areAll ? QString() : QStringLiteral("+"));
     const auto found = std::lower_bound(m_matches.cbegin(), m_matches.cend(), current());
-    if (found != m_matches.cend() && *found == current())
-        say(KNFormat(tr("%@ of %@"), KNCountText(found - m_matches.cbegin() + 1), total));
-    else
-        say(m_matches.size() == 1 ? tr("1 match") : KNFormat(tr("%@ matches"), total));
-}
-
-void KNResultFindBar::say(const QString &text, bool isProblem)
-{
-    QPalette colours = palette();
-    if (isProblem)
-        colours.setColor(QPalette::WindowText, KNSQLColours::forPalette(palette()).error);
-    m_message->setPalette(colours);
-    m_message->setText(text);
-}
-
-bool KNResultFindBar::event(QEvent *event)
-{
-    // The bar handles Escape before any shortcut does.
-    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
-        event->accept();
-    return QWidget::event(event);
-}
-
-void KNResultFindBar::keyPressEvent(QKeyEvent *event)
-{
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else if (isReturn && event->modifiers() == Qt::ShiftModifier)
-        findPrevious();
-    else if (isReturn)
-        findNext();
-    else
-        QWidget::keyPressEvent(event);
+    const bool isCurrent = found != m_matches.cend() && *found == current();
+    sayCount(isCurrent ? found - m_matches.cbegin() : -1, static_cast<qsizetype>(m_matches.size()),
+             m_matches.size() >= KNRowSearch::MostMatches);
 }

@@ -127,6 +127,22 @@ TEST_F(FindBar, ReplacesOneMatchAfterTheOther)
     EXPECT_EQ(editor->wholeText(), QStringLiteral("aa aa a"));
 }
 
+TEST_F(FindBar, ReturnReplacesInTheOneFieldAndFindsInTheOther)
+{
+    begin(QStringLiteral("a a a"));
+    find(QStringLiteral("a"));
+    auto *const replacement = named<QLineEdit>("Replace with");
+    replacement->setText(QStringLiteral("b"));
+    QTest::keyClick(bar->field(), Qt::Key_Return);
+    EXPECT_EQ(editor->selectedRange(), (KNRange{0, 1}));
+    QTest::keyClick(bar->field(), Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(editor->selectedRange(), (KNRange{4, 1})); // the one before the first
+    replacement->setFocus();
+    QTest::keyClick(replacement, Qt::Key_Return);
+    EXPECT_EQ(editor->wholeText(), QStringLiteral("a a b"));
+    EXPECT_EQ(editor->selectedRange(), (KNRange{0, 1}));
+}
+
 TEST_F(FindBar, ShowsPositionOfExpressionError)
 {
     begin(QStringLiteral("a(b"));

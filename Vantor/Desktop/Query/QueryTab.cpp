@@ -482,8 +482,7 @@ void QueryTab::keyPressEvent(QKeyEvent *event)
         KNDocumentTab::keyPressEvent(event);
         return;
     }
-    m_findBar->hide();
-    m_editor->setFocus();
+    m_findBar->close();
 }
 
 void QueryTab::toggleResults()
