@@ -1,6 +1,6 @@
 -- Views, procedures, functions, triggers and constraints whose text names the table. A name without schema in a
--- procedure is resolved when it runs: until then it is known by name only. 2005 knows only what sys.sql_dependencies has
--- recorded.
+-- procedure is resolved when it runs, and is known by name only until then. 2005 knows only what sys.sql_dependencies
+-- has recorded.
 DECLARE @schema nvarchar(128)
 DECLARE @name nvarchar(128)
 DECLARE @table int
