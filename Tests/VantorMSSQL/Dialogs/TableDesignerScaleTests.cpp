@@ -1,4 +1,5 @@
 #include "Support/WatchedApplication.h"
+#include "UI/TableDesigner/MSSQLColumnFilter.h"
 #include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
@@ -64,6 +65,30 @@ TEST_F(WideTable, EditsACellAndLoadsAgainWithoutHoldingTheWindowUp)
     EXPECT_TRUE(WindowTesting::waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
     finish();
     EXPECT_EQ(cells(Column::Type).last(), QStringLiteral("nvarchar(40)"));
+}
+
+TEST_F(WideTable, FiltersByNameWithoutHoldingTheWindowUp)
+{
+    const auto shown = [&] {
+        QStringList names;
+        for (int row = 0; row < grid()->model()->rowCount(); ++row) {
+            if (!grid()->isRowHidden(row))
+                names.append(grid()->model()->index(row, Column::Field).data().toString());
+        }
+        return names;
+    };
+    auto *const filter = m_designer->findChild<MSSQLColumnFilter *>();
+    for (const char character : {'N', '_', '1', '0', '2'})
+        QTest::keyClick(filter, character);
+    const QStringList expected{QStringLiteral("column_102"),  QStringLiteral("column_1020"),
+                               QStringLiteral("column_1021"), QStringLiteral("column_1022"),
+                               QStringLiteral("column_1023"), QStringLiteral("column_1024")};
+    EXPECT_EQ(shown(), expected);
+    columns()->reload();
+    finish();
+    EXPECT_EQ(shown(), expected) << "the filter stays";
+    filter->clear();
+    EXPECT_EQ(shown().size(), ManyColumns);
 }
 
 TEST_F(WideTable, ChoosesIndexColumnsWithoutHoldingTheWindowUp)

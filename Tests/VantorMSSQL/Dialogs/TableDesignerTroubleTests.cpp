@@ -1,4 +1,5 @@
 #include "Support/WatchedApplication.h"
+#include "UI/TableDesigner/MSSQLColumnFilter.h"
 #include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableIndexDesignerViewController.h"
@@ -213,6 +214,17 @@ TEST_P(TroublesomeName, IsTheOneThatForeignKeysAndTriggersMean)
     triggers->dropSelected();
     answer(0);
     EXPECT_TRUE(names("sys.triggers").isEmpty());
+}
+
+TEST_F(DesignInTrouble, ShowsANewColumnThatTheFilterWouldHide)
+{
+    m_designer->findChild<MSSQLColumnFilter *>()->setText(QStringLiteral("amount"));
+    EXPECT_TRUE(grid()->isRowHidden(0));
+    columns()->addNewColumn();
+    finish();
+    EXPECT_EQ(cells(Column::Field).last(), QStringLiteral("NewColumn1"));
+    EXPECT_FALSE(grid()->isRowHidden(3));
+    EXPECT_FALSE(grid()->isRowHidden(0));
 }
 
 TEST_F(DesignInTrouble, ShowsThatTheTableIsGone)

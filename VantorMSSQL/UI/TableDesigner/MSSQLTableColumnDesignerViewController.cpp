@@ -9,6 +9,7 @@
 #include "TableDesign/MSSQLMisfitCount.h"
 #include "TableDesign/MSSQLTypeChange.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/TableDesigner/MSSQLColumnFilter.h"
 #include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
 
 #include <QBoxLayout>
@@ -75,6 +76,8 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
     buttons->addWidget(m_add);
     buttons->addWidget(m_drop);
     buttons->addStretch(1);
+    m_filter = new MSSQLColumnFilter(m_grid);
+    buttons->addWidget(m_filter);
     auto *const layout = new QVBoxLayout(this);
     layout->addLayout(buttons);
     layout->addWidget(m_notice);
@@ -241,8 +244,10 @@ void MSSQLTableColumnDesignerViewController::addNewColumn()
         {[name](const MSSQLDesignedTable &table) { return MSSQLColumnScript(table).addColumn(name); },
          tr("Adding column"), QStringLiteral("mssql.tabledesigner.alterTable")},
         [self = QPointer(this), name](bool succeeded) {
-            if (self && succeeded)
-                self->m_loaded = [self, name] { self->selectColumn(name, Column::Field, true); };
+            if (!self || !succeeded)
+                return;
+            self->m_filter->clear(); // shows the new column
+            self->m_loaded = [self, name] { self->selectColumn(name, Column::Field, true); };
         });
 }
 

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class MSSQLColumnGridDelegate;
+class MSSQLColumnFilter;
 class QLabel;
 class QPushButton;
 class QTableView;
@@ -52,6 +53,7 @@ private:
     MSSQLColumnGridModel *const m_model;
     MSSQLColumnGridDelegate *const m_delegate;
     QTableView *const m_grid;
+    MSSQLColumnFilter *m_filter = nullptr;
     QLabel *const m_notice;
     QPushButton *const m_add;
     QPushButton *const m_drop;
