@@ -346,6 +346,25 @@ TEST_F(DesignInTrouble, KeepsTheIndexWhenTheNewOneIsRefused)
     EXPECT_EQ(rows(indexes->list()), QStringList{QStringLiteral("IX | amount | Non-Clustered | no")});
 }
 
+TEST_F(DesignInTrouble, ShowsWhatAFailedPreviewHasLeft)
+{
+    run("CREATE INDEX IX ON dbo.T (amount)");
+    auto *const indexes = page<MSSQLTableIndexDesignerViewController>();
+    indexes->loadIndexes();
+    finish();
+    ASSERT_TRUE(select(indexes->list(), QStringLiteral("IX")));
+    indexes->handleDeleteIndex();
+    ASSERT_TRUE(waitFor([&] { return !m_previews.last->statements.isEmpty(); }));
+    m_previews.last->accept(
+        QStringLiteral("DROP INDEX IX ON dbo.T;\r\nCOMMIT;\r\nGO\r\nRAISERROR(N'failed', 16, 1)"));
+    ASSERT_TRUE(waitFor([&] { return !m_previews.last->outcomes.empty(); }));
+    EXPECT_NE(m_previews.last->outcomes[0].changes, KNStatementOutcome::Changes::None);
+    m_previews.last->cancel();
+    finish();
+    EXPECT_EQ(indexes->list()->topLevelItemCount(), 0);
+    EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
+}
+
 TEST_F(DesignInTrouble, CancelsALongChangeWhileTheWindowStaysFree)
 {
     WatchedApplication::instance().beginWatch();
