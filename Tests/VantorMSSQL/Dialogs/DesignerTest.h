@@ -49,7 +49,7 @@ protected:
 
     static std::shared_ptr<MSSQLDatabaseConnectionDetails> settingsFor(const SampleServerFixture &server)
     {
-        const auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
+        auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
         details->setHost(QStringLiteral("127.0.0.1,%1").arg(server.port()));
         details->setUsername(QString::fromLatin1(SampleServerFixture::User));
         details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
@@ -173,7 +173,7 @@ protected:
         if (!m_previews.last ||
             !WindowTesting::waitFor([&] { return !m_previews.last->statements.isEmpty(); }))
             return {};
-        const QString statements = m_previews.last->statements;
+        QString statements = m_previews.last->statements;
         m_previews.last->accept(statements);
         EXPECT_TRUE(
             WindowTesting::waitFor([&] { return !m_previews.last || !m_previews.last->outcomes.empty(); }));

@@ -5,8 +5,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 
-using WindowTesting::waitFor;
-
 namespace {
 
 class DesignedIndexes : public DesignerTest

@@ -54,7 +54,7 @@ protected:
     QList<MSSQLIndexEntry> indexes()
     {
         KNError error;
-        const auto list =
+        auto list =
             MSSQLCatalogReader::records<MSSQLIndexEntry>(*m_details, q("dbo"), q("T"), "test", &error);
         EXPECT_FALSE(error) << error.localizedDescription().toStdString();
         return list;
@@ -84,7 +84,7 @@ protected:
     /// Changes an index as the user does, and returns the statements.
     QString change(const MSSQLIndexEntry &before, const MSSQLIndexEntry &after)
     {
-        const QString statements = load(before, after)->texts().value(0);
+        QString statements = load(before, after)->texts().value(0);
         EXPECT_FALSE(m_loader->report().failure);
         make(statements);
         return statements;
