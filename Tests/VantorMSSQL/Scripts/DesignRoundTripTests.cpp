@@ -28,8 +28,8 @@ KNColumnEdit editOf(const QString &column, Property property, const QVariant &va
     return {Kind::Change, column, {{property, value}}};
 }
 
-/// A type that holds all values of this one, and from which all go back; null if the test knows none. The values
-/// of binary(n) get zeros at their end and do not go back.
+/// A type that holds all values of this one, and from which all go back; null if the test knows none. The
+/// values of binary(n) get zeros at their end and do not go back.
 QString widerType(const QString &type)
 {
     static const QMap<QString, QString> wider{
