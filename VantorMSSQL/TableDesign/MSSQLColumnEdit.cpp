@@ -1,5 +1,6 @@
 #include "TableDesign/MSSQLColumnEdit.h"
 
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNFormat.h"
 #include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "TableDesign/MSSQLColumnScript.h"
@@ -21,6 +22,12 @@ bool takesIdentity(const MSSQLColumnRecord &column)
 QString templateText(const VantorDBC &settings, const char *title)
 {
     return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
+}
+
+bool isSQL2000(const VantorDBC &settings)
+{
+    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
+    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
 }
 
 MSSQLPrimaryKeyRecord primaryKeyOf(const MSSQLDesignedTable &table, const VantorDBC &settings)
@@ -121,7 +128,8 @@ KNStatementPair MSSQLColumnEdit::script(const MSSQLDesignedTable &table,
 {
     if (m_value == valueOf(m_before, m_cell))
         return {};
-    return MSSQLColumnScript::wrapped(statement(table, columns, settings));
+    const KNStatementPair pair = statement(table, columns, settings);
+    return isSQL2000(settings) ? MSSQLColumnScript::wrappedFor2000(pair) : MSSQLColumnScript::wrapped(pair);
 }
 
 KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,

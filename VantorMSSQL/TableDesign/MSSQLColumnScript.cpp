@@ -239,3 +239,24 @@ KNStatementPair MSSQLColumnScript::wrapped(const KNStatementPair &pair)
 {
     return {wrapped(pair.exact), wrapped(pair.corrected), pair.difference};
 }
+
+KNStatementPair MSSQLColumnScript::wrappedFor2000(const KNStatementPair &pair)
+{
+    if (pair.exact.isNull())
+        return {};
+    MSSQLStatementCaution caution;
+    caution.add(MSSQLStatementCaution::tr("SQL Server 2000 does not know BEGIN TRY."));
+    if (!pair.difference.isEmpty())
+        caution.add(pair.difference);
+    return {wrapped(pair.exact),
+            pair.corrected.isNull() ? QString()
+                                    : KNFormat("SET XACT_ABORT ON\r\n"
+                                               "BEGIN TRANSACTION\r\n"
+                                               "\r\n"
+                                               "%@\r\n"
+                                               "\r\n"
+                                               "COMMIT TRAN\r\n"
+                                               "SET XACT_ABORT OFF",
+                                               pair.corrected),
+            caution.text()};
+}

@@ -30,6 +30,9 @@ public:
     /// statement of it fails. Null stays null.
     static QString wrapped(const QString &script);
     static KNStatementPair wrapped(const KNStatementPair &pair);
+    /// The same for SQL Server 2000, which has no TRY: it refuses the exact text, and the corrected one is a
+    /// transaction that the first error ends.
+    static KNStatementPair wrappedFor2000(const KNStatementPair &pair);
 
 private:
     QString correctedRename(const QString &columnName, const QString &newName) const;

@@ -242,6 +242,17 @@ TEST(ColumnScript, DropsAColumnUnlessItIsTheOnlyOne)
     EXPECT_TRUE(script().dropColumn(q("a"), {column("a", "int")}).corrected.isNull());
 }
 
+TEST(ColumnScript, WrapsScriptsForSQLServer2000WithoutTry)
+{
+    const KNStatementPair pair = MSSQLColumnScript::wrappedFor2000({q("a"), q("b"), q("why")});
+    EXPECT_EQ(pair.exact, MSSQLColumnScript::wrapped(q("a")));
+    EXPECT_EQ(pair.corrected, q("SET XACT_ABORT ON\r\nBEGIN TRANSACTION\r\n\r\nb\r\n\r\nCOMMIT TRAN\r\n"
+                                "SET XACT_ABORT OFF"));
+    EXPECT_EQ(pair.difference, q("SQL Server 2000 does not know BEGIN TRY. why"));
+    EXPECT_TRUE(MSSQLColumnScript::wrappedFor2000({q("a"), QString(), q("why")}).corrected.isNull());
+    EXPECT_TRUE(MSSQLColumnScript::wrappedFor2000({}).exact.isNull());
+}
+
 TEST(ColumnScript, WrapsScriptsInATransactionThatIsRolledBackOnFailure)
 {
     EXPECT_EQ(
