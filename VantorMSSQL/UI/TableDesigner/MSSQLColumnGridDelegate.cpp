@@ -1,52 +1,30 @@
 #include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
 
+#include "Foundation/KNDispatch.h"
+#include "TableDesign/MSSQLColumnTypes.h"
 #include "UI/TableDesigner/MSSQLColumnGridModel.h"
 
 #include <QComboBox>
 #include <QCompleter>
 #include <QLineEdit>
+#include <QPointer>
 
-namespace {
-
-constexpr const char *TypesOf2000[] = {
-    "bigint",        "binary(50)",   "bit",       "char(10)",      "datetime",         "decimal(18,2)",
-    "float",         "image",        "int",       "money",         "nchar(10)",        "ntext",
-    "numeric(18,0)", "nvarchar(50)", "real",      "smalldatetime", "smallint",         "smallmoney",
-    "sql_variant",   "text",         "timestamp", "tinyint",       "uniqueidentifier", "varbinary(50)",
-    "varchar(50)"};
-constexpr const char *LaterTypes[] = {
-    "date",          "datetime2(7)", "datetimeoffset(7)", "geography",    "geometry", "hierarchyid",
-    "nvarchar(max)", "time(7)",      "varbinary(max)",    "varchar(max)", "xml"};
-constexpr const char *DefaultsOf2000[] = {"CURRENT_TIMESTAMP", "getdate()",     "getutcdate()", "host_name()",
-                                          "newid()",           "suser_sname()", "user_name()"};
-constexpr const char *LaterDefaults[] = {"newsequentialid()", "sysdatetime()", "sysdatetimeoffset()",
-                                         "sysutcdatetime()"};
-
-/// The texts of the oldest version, and on a later one its own.
-template <typename Old, typename Later>
-QStringList textsFor(bool isSQL2000, const Old &old, const Later &later)
+MSSQLColumnGridDelegate::MSSQLColumnGridDelegate(const std::shared_ptr<const VantorDBC> &settings,
+                                                 QObject *parent)
+    : QStyledItemDelegate(parent)
+    , m_types(MSSQLColumnTypes::builtIn({}))
+    , m_defaults(MSSQLColumnTypes::builtInDefaults({}))
 {
-    QStringList texts;
-    for (const char *text : old)
-        texts.append(QString::fromLatin1(text));
-    if (!isSQL2000) {
-        for (const char *text : later)
-            texts.append(QString::fromLatin1(text));
-    }
-    texts.sort(Qt::CaseInsensitive);
-    return texts;
-}
-
-} // namespace
-
-QStringList MSSQLColumnGridDelegate::builtInTypes(bool isSQL2000)
-{
-    return textsFor(isSQL2000, TypesOf2000, LaterTypes);
-}
-
-QStringList MSSQLColumnGridDelegate::builtInDefaults(bool isSQL2000)
-{
-    return textsFor(isSQL2000, DefaultsOf2000, LaterDefaults);
+    KNDispatch::globalQueue([self = QPointer(this), settings] {
+        const QStringList types = MSSQLColumnTypes::of(*settings);
+        const QStringList defaults = MSSQLColumnTypes::defaultsOf(*settings);
+        KNDispatch::mainQueue([self, types, defaults] {
+            if (!self)
+                return;
+            self->m_types = types;
+            self->m_defaults = defaults;
+        });
+    });
 }
 
 QWidget *MSSQLColumnGridDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &option,

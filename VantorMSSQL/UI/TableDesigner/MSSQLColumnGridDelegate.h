@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Database/VantorDBC.h"
+
 #include <QStringList>
 #include <QStyledItemDelegate>
 
@@ -10,18 +12,9 @@ class MSSQLColumnGridDelegate : public QStyledItemDelegate
     Q_OBJECT
 
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    /// The types of SQL Server 2005 and later, or of SQL Server 2000.
-    static QStringList builtInTypes(bool isSQL2000);
-    /// The functions that a default may call, likewise.
-    static QStringList builtInDefaults(bool isSQL2000);
-    /// Sets what the editors offer.
-    void setOffers(const QStringList &types, const QStringList &defaults)
-    {
-        m_types = types;
-        m_defaults = defaults;
-    }
+    /// Loads the types of the server and of the database, and the server's functions for defaults, in the
+    /// background.
+    MSSQLColumnGridDelegate(const std::shared_ptr<const VantorDBC> &settings, QObject *parent);
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
@@ -29,6 +22,6 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
 
 private:
-    QStringList m_types = builtInTypes(false);
-    QStringList m_defaults = builtInDefaults(false);
+    QStringList m_types;
+    QStringList m_defaults;
 };

@@ -75,7 +75,7 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
     m_schema->setEditText(QStringLiteral("dbo"));
     m_columns->setColumns(proposedColumns());
     m_grid->setModel(m_columns);
-    m_grid->setItemDelegate(new MSSQLColumnGridDelegate(m_grid));
+    m_grid->setItemDelegate(new MSSQLColumnGridDelegate(m_settings, m_grid));
     m_grid->setAccessibleName(tr("Columns"));
     m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
     m_grid->setTabKeyNavigation(false);

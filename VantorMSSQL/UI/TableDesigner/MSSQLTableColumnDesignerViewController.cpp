@@ -1,6 +1,5 @@
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
 
-#include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
@@ -24,26 +23,6 @@ namespace {
 constexpr int MeasuredRows = 100; // for the widths of the grid's columns
 constexpr auto LoadDomain = "mssql.tabledesigner.loadTable";
 
-bool isOnSQL2000(const VantorDBC &settings)
-{
-    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
-    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
-}
-
-/// The types of the server's version and the alias types of the database.
-QStringList typesOf(const VantorDBC &settings)
-{
-    QStringList types = MSSQLColumnGridDelegate::builtInTypes(isOnSQL2000(settings));
-    MSSQLCatalogReader::read(
-        settings, QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
-        {{QStringLiteral("EXTRA_WHERE_CLAUSE"), QStringLiteral("AND is_table_type = 0")}}, LoadDomain,
-        [&](const DatabaseResultSet &row) {
-            types.append(
-                MSSQLDesignedTable{row.stringForColumnIndex(0), row.stringForColumnIndex(1)}.quoted());
-        });
-    return types;
-}
-
 } // namespace
 
 MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
@@ -51,7 +30,6 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
     : QWidget(parent)
     , m_session(session)
     , m_model(new MSSQLColumnGridModel(this))
-    , m_delegate(new MSSQLColumnGridDelegate(this))
     , m_grid(new QTableView)
     , m_notice(new QLabel)
     , m_add(new QPushButton(tr("&Add Column")))
@@ -59,7 +37,7 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
 {
     m_grid->setAccessibleName(tr("Columns"));
     m_grid->setModel(m_model);
-    m_grid->setItemDelegate(m_delegate);
+    m_grid->setItemDelegate(new MSSQLColumnGridDelegate(m_session.settings(), this));
     m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
     m_grid->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                             QAbstractItemView::AnyKeyPressed);
@@ -93,7 +71,6 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
             &MSSQLTableColumnDesignerViewController::updateControls);
     connect(&m_session, &MSSQLTableDesignSession::tableChanged, this,
             &MSSQLTableColumnDesignerViewController::reload);
-    loadTypes();
     reload();
 }
 
@@ -107,18 +84,6 @@ QList<MSSQLColumnRecord> MSSQLTableColumnDesignerViewController::loadTable(const
     KNAssert(connectionDetails != nullptr, QStringLiteral("connectionDetails cannot be nil."), path);
     return MSSQLCatalogReader::records<MSSQLColumnRecord>(*connectionDetails, inSchema, tableName, LoadDomain,
                                                           error);
-}
-
-void MSSQLTableColumnDesignerViewController::loadTypes()
-{
-    KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings()] {
-        const QStringList types = typesOf(*settings);
-        const QStringList defaults = MSSQLColumnGridDelegate::builtInDefaults(isOnSQL2000(*settings));
-        KNDispatch::mainQueue([self, types, defaults] {
-            if (self)
-                self->m_delegate->setOffers(types, defaults);
-        });
-    });
 }
 
 void MSSQLTableColumnDesignerViewController::reload()

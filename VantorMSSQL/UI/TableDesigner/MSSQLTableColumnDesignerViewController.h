@@ -5,7 +5,6 @@
 
 #include <QWidget>
 
-class MSSQLColumnGridDelegate;
 class MSSQLColumnFilter;
 class QLabel;
 class QPushButton;
@@ -43,7 +42,6 @@ private:
     void runEdit(const QVariant &value, Column column, int row);
     MSSQLTableDesignSession::Statement updateStatement(const MSSQLColumnRecord &record, Column column,
                                                        const QVariant &value) const;
-    void loadTypes();
     void showColumns(const QList<MSSQLColumnRecord> &columns, const KNError &error);
     void updateControls();
     void editNextCell(int row, Column column);
@@ -51,7 +49,6 @@ private:
 
     MSSQLTableDesignSession &m_session;
     MSSQLColumnGridModel *const m_model;
-    MSSQLColumnGridDelegate *const m_delegate;
     QTableView *const m_grid;
     MSSQLColumnFilter *m_filter = nullptr;
     QLabel *const m_notice;
