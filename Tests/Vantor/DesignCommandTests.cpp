@@ -362,6 +362,14 @@ TEST_F(DesignCommand, ReportsWhatTheServerRefuses)
     EXPECT_TRUE(unread.errors.contains("syz.columns")) << unread.errors.toStdString();
 
     const QByteArray before = scriptOf("dbo.Item");
+    HostileServerRelay keyless(port(), HostileServerRelay::Fault::None, 0);
+    keyless.replaceInBatches(u"sys.key_constraints AS k ON", u"syz.key_constraints AS k ON");
+    const Outcome withoutKey =
+        runAt(keyless.port(), words({"Item", "--column", "id", "--set", "primary=true", "--apply"}));
+    EXPECT_EQ(withoutKey.status, 1);
+    EXPECT_TRUE(withoutKey.errors.contains("syz.key_constraints")) << withoutKey.errors.toStdString();
+    EXPECT_EQ(scriptOf("dbo.Item"), before);
+
     HostileServerRelay refusing(port(), HostileServerRelay::Fault::None, 0);
     refusing.replaceInBatches(u"ALTER COLUMN id", u"ALTER COLUMN iq");
     const Outcome refused =
@@ -371,7 +379,7 @@ TEST_F(DesignCommand, ReportsWhatTheServerRefuses)
     EXPECT_EQ(scriptOf("dbo.Item"), before);
 }
 
-TEST_F(DesignCommand, EndsWithAnErrorWhereverTheConnectionIsLost)
+TEST_F(DesignCommand, SucceedsOnlyIfTheTableIsChangedWhereverTheConnectionIsLost)
 {
     const QStringList arguments = words({"Item", "--column", "id", "--set", "primary=true", "--apply"});
     const QByteArray before = scriptOf("dbo.Item");
@@ -385,16 +393,20 @@ TEST_F(DesignCommand, EndsWithAnErrorWhereverTheConnectionIsLost)
     EXPECT_NE(after, before);
     apply({"Item", "--column", "id", "--set", "primary=false"});
     EXPECT_EQ(scriptOf("dbo.Item"), before);
+    int failures = 0;
     for (std::uint64_t at = 50; at < whole; at += whole / 12) {
         const HostileServerRelay relay(port(), HostileServerRelay::Fault::Reset, at);
         const Outcome outcome = runAt(relay.port(), arguments);
-        EXPECT_TRUE(outcome.status == 1 || outcome.status == 3) << at << ": " << outcome.status;
+        // A lost connection that had changed nothing is replaced once.
+        EXPECT_TRUE(outcome.status == 0 || outcome.status == 1 || outcome.status == 3) << outcome.status;
         EXPECT_FALSE(outcome.errors.isEmpty()) << at;
         const QByteArray now = scriptOf("dbo.Item");
-        EXPECT_TRUE(now == before || now == after) << at;
+        EXPECT_TRUE(now == after || (outcome.status != 0 && now == before)) << at << ": " << outcome.status;
+        failures += outcome.status != 0 ? 1 : 0;
         if (now == after)
             apply({"Item", "--column", "id", "--set", "primary=false"});
     }
+    EXPECT_GE(failures, 6);
 }
 
 TEST_F(DesignCommand, EndsWithStatus3WithoutAConnection)

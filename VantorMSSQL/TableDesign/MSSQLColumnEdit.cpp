@@ -30,14 +30,6 @@ bool isSQL2000(const VantorDBC &settings)
     return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
 }
 
-MSSQLPrimaryKeyRecord primaryKeyOf(const MSSQLDesignedTable &table, const VantorDBC &settings)
-{
-    KNError error;
-    return MSSQLCatalogReader::records<MSSQLPrimaryKeyRecord>(settings, table.schema, table.name,
-                                                              "mssql.tabledesigner.loadTable", &error)
-        .value(0);
-}
-
 } // namespace
 
 MSSQLColumnEdit::MSSQLColumnEdit(MSSQLColumnRecord column, Cell cell, QVariant value)
@@ -123,18 +115,19 @@ bool MSSQLColumnEdit::isTypeThatMayLoseValues() const
 }
 
 KNStatementPair MSSQLColumnEdit::script(const MSSQLDesignedTable &table,
-                                        const QList<MSSQLColumnRecord> &columns,
-                                        const VantorDBC &settings) const
+                                        const QList<MSSQLColumnRecord> &columns, const VantorDBC &settings,
+                                        KNError *error) const
 {
+    error->clear();
     if (m_value == valueOf(m_before, m_cell))
         return {};
-    const KNStatementPair pair = statement(table, columns, settings);
+    const KNStatementPair pair = statement(table, columns, settings, error);
     return isSQL2000(settings) ? MSSQLColumnScript::wrappedFor2000(pair) : MSSQLColumnScript::wrapped(pair);
 }
 
 KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,
-                                           const QList<MSSQLColumnRecord> &columns,
-                                           const VantorDBC &settings) const
+                                           const QList<MSSQLColumnRecord> &columns, const VantorDBC &settings,
+                                           KNError *error) const
 {
     switch (m_cell) {
     case Field:
@@ -144,9 +137,20 @@ KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,
                                                 templateText(settings, "Table_ReplaceDefaultForColumn")})
             .change(m_before.columnName, m_value.toString());
     case Primary:
-        return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"))
-            .change(columns, m_before.columnName, m_value.toBool(), primaryKeyOf(table, settings));
+        return keyChange(table, columns, settings, error);
     default:
         return MSSQLColumnScript(table).changeType(m_before, after());
     }
+}
+
+KNStatementPair MSSQLColumnEdit::keyChange(const MSSQLDesignedTable &table,
+                                           const QList<MSSQLColumnRecord> &columns, const VantorDBC &settings,
+                                           KNError *error) const
+{
+    const auto keys = MSSQLCatalogReader::records<MSSQLPrimaryKeyRecord>(
+        settings, table.schema, table.name, "mssql.tabledesigner.loadTable", error);
+    if (*error)
+        return {};
+    return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"))
+        .change(columns, m_before.columnName, m_value.toBool(), keys.value(0));
 }

@@ -31,14 +31,16 @@ public:
     QString refusal() const;
     bool isTypeThatMayLoseValues() const;
     /// Returns the script, which runs in a transaction of its own. `columns` are those of the table before
-    /// the edit. A null exact script means that nothing is to be run. Asks the server for its version and for
-    /// the primary key: any thread except the UI thread.
+    /// the edit. A null exact script means that nothing is to be run, with an error that the catalog could
+    /// not be read. Asks the server for its version and for the primary key: any thread except the UI thread.
     KNStatementPair script(const MSSQLDesignedTable &table, const QList<MSSQLColumnRecord> &columns,
-                           const VantorDBC &settings) const;
+                           const VantorDBC &settings, KNError *error) const;
 
 private:
     KNStatementPair statement(const MSSQLDesignedTable &table, const QList<MSSQLColumnRecord> &columns,
-                              const VantorDBC &settings) const;
+                              const VantorDBC &settings, KNError *error) const;
+    KNStatementPair keyChange(const MSSQLDesignedTable &table, const QList<MSSQLColumnRecord> &columns,
+                              const VantorDBC &settings, KNError *error) const;
 
     MSSQLColumnRecord m_before;
     Cell m_cell;

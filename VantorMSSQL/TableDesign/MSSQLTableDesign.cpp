@@ -72,14 +72,15 @@ public:
             drop(edit.column);
         else
             change(edit, position, m_columns[position]);
-        return m_refusal ? QList<KNDesignStep>() : m_steps;
+        return m_error ? QList<KNDesignStep>() : m_steps;
     }
 
-    const KNError &refusal() const { return m_refusal; }
+    /// Why there are no steps: a refusal or an error of the server.
+    const KNError &error() const { return m_error; }
 
 private:
     QString path() const { return MSSQLObjectPath::readable({m_table.schema, m_table.name}); }
-    void refuse(const QString &reason) { m_refusal = refused(reason); }
+    void refuse(const QString &reason) { m_error = refused(reason); }
 
     void add(const KNColumnEdit &edit, qsizetype position)
     {
@@ -106,11 +107,13 @@ private:
             const MSSQLColumnEdit step(m_columns[position], cellOf(property), value);
             if (const QString reason = step.refusal(); !reason.isNull())
                 return refuse(reason);
-            const KNStatementPair pair = step.script(m_table, m_columns, *m_settings);
+            const KNStatementPair pair = step.script(m_table, m_columns, *m_settings, &m_error);
+            if (m_error)
+                return;
             if (pair.exact.isNull())
                 continue;
             append(pair);
-            if (m_refusal)
+            if (m_error)
                 return;
             if (stored && property == KNColumnEdit::Property::Type)
                 m_steps.last().loss = lossOf(*stored, value.toString());
@@ -145,7 +148,7 @@ private:
     const bool m_prefersCorrected;
     QList<MSSQLColumnRecord> m_columns;
     QList<KNDesignStep> m_steps;
-    KNError m_refusal;
+    KNError m_error;
 };
 
 std::unique_ptr<MSSQLTableDesign> MSSQLTableDesign::create(const QString &path, const VantorDBC &settings,
@@ -197,6 +200,6 @@ QList<KNDesignStep> MSSQLTableDesign::steps(const KNColumnEdit &edit, bool prefe
     }
     Steps steps(table, m_settings, prefersCorrected);
     const QList<KNDesignStep> made = steps.make(edit, columns);
-    *error = steps.refusal();
+    *error = steps.error();
     return made;
 }

@@ -195,7 +195,7 @@ void KNFindBar::replaceAll()
 void KNFindBar::keyPressEvent(QKeyEvent *event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && m_replacement->hasFocus())
+    if (isReturn && focusWidget() == m_replacement)
         replace();
     else
         KNSearchBar::keyPressEvent(event);

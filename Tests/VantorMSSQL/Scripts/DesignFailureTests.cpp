@@ -97,8 +97,8 @@ protected:
     /// syntax and runs nothing; one that an IF skips is none.
     void failBehindEachStatement(const QString &sql, int atLeast)
     {
-        const QStringList variants = withFailures(sql, QStringLiteral("BEGIN TRANSACTION\r\n"),
-                                                  QStringLiteral("\r\nCOMMIT TRAN"));
+        const QStringList variants =
+            withFailures(sql, QStringLiteral("BEGIN TRANSACTION\r\n"), QStringLiteral("\r\nCOMMIT TRAN"));
         int failures = 0;
         for (const QString &variant : variants) {
             const KNError failure = WireTest::runScript(*m_client, variant);
@@ -136,8 +136,8 @@ TEST_F(DesignFailure, BehindEachStatementOfAKeyChangeKeepsTheTable)
 TEST_F(DesignFailure, BehindEachStatementOfADefaultChangeKeepsTheTable)
 {
     for (const bool corrected : {false, true}) {
-        failBehindEachStatement(
-            scriptFor("amount", EditProperty::Default, QStringLiteral("'7'"), corrected), 4);
+        failBehindEachStatement(scriptFor("amount", EditProperty::Default, QStringLiteral("'7'"), corrected),
+                                4);
         failBehindEachStatement(scriptFor("amount", EditProperty::Default, QStringLiteral(""), corrected), 4);
     }
 }

@@ -103,7 +103,8 @@ TEST_P(DesignTypes, EveryKindOfEditRunsOnTheEdition)
     EXPECT_TRUE(make({kind, QStringLiteral("c"), {{Property::Name, QStringLiteral("b")}}}));
     EXPECT_EQ(columns(), before);
     EXPECT_EQ(WireTest::scalar(*client, QStringLiteral("SELECT @@TRANCOUNT")).toInt64(), 0);
-    EXPECT_FALSE(make({kind, QStringLiteral("c"), {{Property::Primary, false}, {Property::Default, QString()}}}));
+    EXPECT_FALSE(
+        make({kind, QStringLiteral("c"), {{Property::Primary, false}, {Property::Default, QString()}}}));
     EXPECT_FALSE(make({kind, QStringLiteral("c"), {{Property::Type, QStringLiteral("bigint")}}}));
     EXPECT_EQ(columns(), QStringLiteral("c bigint -, b int pk -"));
     EXPECT_FALSE(make({KNColumnEdit::Kind::Drop, QStringLiteral("c"), {}}));

@@ -15,11 +15,18 @@ QStringList typesOf(const char *version)
 /// Which of the types that not all versions have are offered.
 QStringList laterTypesOf(const char *version)
 {
-    static const QStringList later{
-        QStringLiteral("date"),           QStringLiteral("datetime2(7)"), QStringLiteral("datetimeoffset(7)"),
-        QStringLiteral("geography"),      QStringLiteral("geometry"),     QStringLiteral("hierarchyid"),
-        QStringLiteral("json"),           QStringLiteral("nvarchar(max)"), QStringLiteral("time(7)"),
-        QStringLiteral("varbinary(max)"), QStringLiteral("varchar(max)"), QStringLiteral("xml")};
+    static const QStringList later{QStringLiteral("date"),
+                                   QStringLiteral("datetime2(7)"),
+                                   QStringLiteral("datetimeoffset(7)"),
+                                   QStringLiteral("geography"),
+                                   QStringLiteral("geometry"),
+                                   QStringLiteral("hierarchyid"),
+                                   QStringLiteral("json"),
+                                   QStringLiteral("nvarchar(max)"),
+                                   QStringLiteral("time(7)"),
+                                   QStringLiteral("varbinary(max)"),
+                                   QStringLiteral("varchar(max)"),
+                                   QStringLiteral("xml")};
     QStringList found;
     for (const QString &type : typesOf(version)) {
         if (later.contains(type))

@@ -197,8 +197,16 @@ MSSQLTableColumnDesignerViewController::updateStatement(const MSSQLColumnRecord 
                                                         const QVariant &value) const
 {
     return [edit = MSSQLColumnEdit(record, column, value), columns = m_model->columns(),
-            settings = m_session.settings()](const MSSQLDesignedTable &table) {
-        return edit.script(table, columns, *settings);
+            settings = m_session.settings(),
+            window = QPointer(m_session.window())](const MSSQLDesignedTable &table) {
+        KNError error;
+        const KNStatementPair pair = edit.script(table, columns, *settings, &error);
+        if (error)
+            KNDispatch::mainQueue([window, error] {
+                if (window)
+                    KNAlerts::shared().showError(window, error);
+            });
+        return pair;
     };
 }
 
