@@ -1,6 +1,7 @@
 #pragma once
 
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Alerts/KNFileManager.h"
 #include "UI/Alerts/KNFilePanels.h"
 
 #include <vector>
@@ -68,4 +69,21 @@ public:
 
     std::vector<Request> requests;
     QStringList answer; ///< the chosen paths; empty when the user chooses none
+};
+
+/// Records the files whose folders the user would see.
+class RecordingFileManager : public KNFileManager
+{
+public:
+    static RecordingFileManager &install()
+    {
+        auto fileManager = std::make_unique<RecordingFileManager>();
+        RecordingFileManager &reference = *fileManager;
+        setShared(std::move(fileManager));
+        return reference;
+    }
+
+    void showFolderOf(const QString &file) override { files.append(file); }
+
+    QStringList files;
 };

@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNUserDefaults.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
+#include "UI/Alerts/KNFileManager.h"
 #include "UI/Results/KNCountText.h"
 #include "UI/Results/KNNoticeBar.h"
 #include "UI/Results/KNResultColumns.h"
@@ -15,12 +16,10 @@
 
 #include <QApplication>
 #include <QBoxLayout>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QToolButton>
-#include <QUrl>
 
 #include <algorithm>
 
@@ -126,9 +125,8 @@ void KNResultsPane::showWritten(qsizetype rows, const QString &path, const QStri
     const QString name = QFileInfo(path).fileName();
     const QString text = rows == 1 ? KNFormat(tr("1 row written to %@."), name)
                                    : KNFormat(tr("%@ rows written to %@."), KNCountText(rows), name);
-    m_noticeBar->showNotice((QStringList(text) + remarks).join(u' '), tr("Open Folder"), [path] {
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
-    });
+    m_noticeBar->showNotice((QStringList(text) + remarks).join(u' '), tr("Open Folder"),
+                            [path] { KNFileManager::shared().showFolderOf(path); });
 }
 
 void KNResultsPane::setSelectionSummary(const QString &text)

@@ -319,6 +319,10 @@ TEST(ResultExport, SaysWhatWasWrittenAndOpensTheFolder)
     EXPECT_EQ(shown.pane.noticeBar()->text(), QStringLiteral("1,234 rows written to a.csv."));
     EXPECT_EQ(shown.pane.noticeBar()->button()->text(), QStringLiteral("Open Folder"));
     EXPECT_EQ(namelessWidgets(shown.pane), QStringList());
+    const RecordingFileManager &fileManager = RecordingFileManager::install();
+    shown.pane.noticeBar()->button()->click();
+    EXPECT_EQ(fileManager.files, QStringList{folder.filePath(QStringLiteral("a.csv"))});
+    KNFileManager::setShared(nullptr);
     shown.pane.clear();
     EXPECT_FALSE(shown.pane.noticeBar()->isVisible());
 }
