@@ -34,7 +34,7 @@ KNConnectorPreferences MSSQLUserInterface::preferences() const
           tr("Shows master, model, msdb and tempdb in the object explorer after the next refresh."), false},
          {QString::fromLatin1(MSSQLTreePreferences::ShowSecurity), tr("Show &logins, users and roles"),
           tr("Adds a Security branch to the object explorer after the next refresh."), false},
-         {QString::fromLatin1(MSSQLTreePreferences::ShowRowCounts), tr("Show row &counts of tables"),
+         {QString::fromLatin1(MSSQLTreePreferences::ShowRowCounts), tr("Show row counts &of tables"),
           tr("Shows the number of rows beside each table, as the server's catalog knows it, after the next "
              "refresh."),
           false}}};

@@ -120,6 +120,7 @@ private:
         box->setIcon(icon);
         box->setTextInteractionFlags(Qt::TextSelectableByMouse);
         box->setText(title.isEmpty() ? text : title);
+        box->setAccessibleName(box->text());
         if (!title.isEmpty())
             box->setInformativeText(text);
         // setTextFormat() does not apply to the informative text.

@@ -1,26 +1,9 @@
 #include "UI/Dialogs/KNWindowController.h"
 
+#include "UI/Dialogs/KNButtonOrder.h"
+
 #include <QDialogButtonBox>
-#include <QLayout>
 #include <QPushButton>
-
-namespace {
-
-/// Qt loses buttons from the chain of the Tab key when their box comes into a window after it was filled.
-void orderButtons(const QDialogButtonBox &box)
-{
-    QWidget *previous = nullptr;
-    for (int i = 0; i < box.layout()->count(); ++i) {
-        QWidget *const button = box.layout()->itemAt(i)->widget();
-        if (!button)
-            continue;
-        if (previous)
-            QWidget::setTabOrder(previous, button);
-        previous = button;
-    }
-}
-
-} // namespace
 
 KNWindowController::KNWindowController(QWidget *parent)
     : QDialog(parent)
@@ -38,8 +21,7 @@ void KNWindowController::beginSheet(std::function<void(int)> ended)
             ended(code);
     });
     open();
-    for (const QDialogButtonBox *const box : findChildren<QDialogButtonBox *>())
-        orderButtons(*box);
+    KNOrderButtons(*this);
 }
 
 void KNWindowController::endSheetWithReturnCode(int code)

@@ -7,6 +7,7 @@
 #include "Foundation/KNReplaceFile.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
+#include "UI/Dialogs/KNButtonOrder.h"
 #include "UI/Editor/KNScintilla.h"
 #include "UI/KNPreferences.h"
 #include "UI/Results/KNCountText.h"
@@ -149,6 +150,7 @@ void KNValueViewer::arrange()
     layout->addWidget(m_findBar);
     layout->addWidget(m_remark);
     layout->addWidget(buttons);
+    KNOrderButtons(*this);
     // Wide enough for a hexadecimal dump.
     const QFontMetrics metrics(KNPreferences::current().editorFont);
     resize(metrics.horizontalAdvance(QLatin1Char('0')) * 90, metrics.height() * 30);

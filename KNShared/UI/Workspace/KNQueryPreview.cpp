@@ -36,7 +36,7 @@ KNQueryPreview::~KNQueryPreview() = default;
 void KNQueryPreview::setTitle(const QString &title, const QString &information, const QString &acceptTitle,
                               const QString &progressTitle)
 {
-    m_titles = {title, information, acceptTitle, progressTitle};
+    m_titles = {title, information, acceptTitle, progressTitle, m_titles.removes};
 }
 
 void KNQueryPreview::setReportErrorBlock(std::function<void(const KNError &error)> report)

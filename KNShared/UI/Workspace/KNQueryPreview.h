@@ -25,6 +25,7 @@ public:
         QString information;
         QString acceptTitle;
         QString progressTitle; ///< shown while the statements run
+        bool removes = false;  ///< the Return key cancels then
     };
 
     /// Creates a preview that runs statements with a copy of these settings. The parent owns it, and its
@@ -37,6 +38,8 @@ public:
 
     void setTitle(const QString &title, const QString &information, const QString &acceptTitle,
                   const QString &progressTitle);
+    /// Sets whether the statements remove an object: the Return key cancels then; false by default.
+    void setRemoves(bool removes) { m_titles.removes = removes; }
     /// Sets the source of the statements. Notices and the pair of its report become a caution; an incomplete
     /// text is shown but cannot be accepted.
     void setQueryLoader(const KNQueryLoaderPtr &loader) { m_loader = loader; }

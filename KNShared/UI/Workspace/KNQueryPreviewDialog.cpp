@@ -67,8 +67,8 @@ void KNQueryPreviewDialog::arrange()
     buttons->addWidget(m_progressTitle, 1);
     buttons->addWidget(m_progress, 1);
     buttons->addStretch(1);
-    buttons->addWidget(m_cancel);
     buttons->addWidget(m_accept);
+    buttons->addWidget(m_cancel);
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_title);
     layout->addWidget(m_information);
@@ -94,6 +94,20 @@ void KNQueryPreviewDialog::setTitles(const QString &title, const QString &inform
     m_accept->setText(acceptTitle);
 }
 
+void KNQueryPreviewDialog::setRemoves(bool removes)
+{
+    m_removes = removes;
+    suggestButton();
+}
+
+/// The button for the Return key.
+void KNQueryPreviewDialog::suggestButton()
+{
+    QPushButton *const suggested = m_removes ? m_cancel : m_accept;
+    suggested->setDefault(true);
+    suggested->setFocus();
+}
+
 void KNQueryPreviewDialog::setEditable(bool editable)
 {
     m_isEditable = editable;
@@ -107,7 +121,7 @@ void KNQueryPreviewDialog::showStatements(const QString &text, bool isIncomplete
     m_isAcceptable = !isIncomplete;
     updateButtons();
     if (!m_isEditable)
-        m_accept->setFocus();
+        suggestButton();
 }
 
 void KNQueryPreviewDialog::fitHeight()
@@ -146,8 +160,7 @@ void KNQueryPreviewDialog::useCorrectedText()
     replaceText(m_correctedText);
     showCaution(m_notices, {});
     m_failure->hide();
-    m_accept->setDefault(true);
-    m_accept->setFocus();
+    suggestButton();
 }
 
 void KNQueryPreviewDialog::showRunning(bool isRunning, const QString &progressTitle)

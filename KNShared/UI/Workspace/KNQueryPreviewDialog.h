@@ -23,6 +23,8 @@ public:
 
     void setDialect(const VantorDBC &details);
     void setTitles(const QString &title, const QString &information, const QString &acceptTitle);
+    /// Makes Cancel the default button, because the statements remove something.
+    void setRemoves(bool removes);
     void setEditable(bool editable);
     /// Shows the statements, which can be accepted unless they are incomplete.
     void showStatements(const QString &text, bool isIncomplete);
@@ -47,6 +49,7 @@ private:
     void fitHeight();
     void useCorrectedText();
     void updateButtons();
+    void suggestButton();
 
     QLabel *const m_title;
     QLabel *const m_information;
@@ -59,6 +62,7 @@ private:
     QPushButton *const m_accept;
     QStringList m_notices; ///< of the caution, also for a corrected text
     QString m_correctedText;
+    bool m_removes = false;
     bool m_isEditable = false;
     bool m_isAcceptable = false; ///< the statements are loaded and complete
     bool m_isRunning = false;

@@ -16,6 +16,7 @@ KNQueryPreviewSheet::KNQueryPreviewSheet(QWidget *parent, const VantorDBC &detai
 void KNQueryPreviewSheet::showSheet()
 {
     m_dialog->setTitles(titles().title, titles().information, titles().acceptTitle);
+    m_dialog->setRemoves(titles().removes);
     m_dialog->setEditable(isEditable());
     m_dialog->open();
 }

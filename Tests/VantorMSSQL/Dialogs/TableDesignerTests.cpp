@@ -365,7 +365,8 @@ TEST_F(TableDesigner, ListsDropsAndDisablesTriggers)
     ASSERT_EQ(m_alerts.questions.size(), 1u);
     EXPECT_EQ(m_alerts.questions.front().title,
               QStringLiteral("Do you really want to drop the trigger 'Item_Trigger'?"));
-    m_alerts.pending.front()(0);
+    EXPECT_EQ(m_alerts.questions.front().buttons.first(), QStringLiteral("Cancel")); // for the Return key
+    m_alerts.pending.front()(1);
     EXPECT_TRUE(waitFor([&] { return triggers->list()->topLevelItemCount() == 0; }));
 }
 
@@ -385,7 +386,8 @@ TEST_F(TableDesigner, ListsAndDropsForeignKeys)
                            QStringLiteral("id"), QStringLiteral("No Action"), QStringLiteral("No Action")}));
     keys->list()->setCurrentItem(keys->list()->topLevelItem(0));
     keys->dropSelected();
-    m_alerts.pending.front()(0);
+    EXPECT_EQ(m_alerts.questions.front().buttons.first(), QStringLiteral("Cancel")); // for the Return key
+    m_alerts.pending.front()(1);
     EXPECT_TRUE(waitFor([&] { return keys->list()->topLevelItemCount() == 0; }));
     run("DROP TABLE des.Part");
     run("ALTER TABLE des.Item DROP CONSTRAINT PK_des");

@@ -1,6 +1,7 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
 
 #include "Foundation/KNUserDefaults.h"
+#include "UI/Dialogs/KNButtonOrder.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -42,6 +43,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     if (!m_connector.booleans.isEmpty())
         layout->addWidget(makeConnectorGroup());
     layout->addWidget(buttons);
+    KNOrderButtons(*this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     fill(KNPreferences::current());
     fillConnectorGroup(false);
@@ -109,7 +111,7 @@ QWidget *PreferencesDialog::makeResultsGroup()
     m_rowLimit->setSpecialValueText(tr("All rows"));
     m_rowLimit->setSuffix(tr(" rows"));
     m_dateFormat->addItems({tr("To the millisecond"), tr("All digits, as stored")});
-    form->addRow(tr("Rows per &result:"), m_rowLimit);
+    form->addRow(tr("Rows &per result:"), m_rowLimit);
     form->addRow(m_continuesAfterError);
     form->addRow(tr("Show &NULL as:"), m_nullText);
     form->addRow(tr("Show &dates:"), m_dateFormat);

@@ -1,6 +1,7 @@
 #include "Desktop/Preferences/ShortcutsDialog.h"
 
 #include "Foundation/KNFormat.h"
+#include "UI/Dialogs/KNButtonOrder.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
@@ -46,6 +47,12 @@ ShortcutsDialog::ShortcutsDialog(const ShortcutList &shortcuts, QWidget *parent)
     fill();
 }
 
+/// The field reports a change when it loses the focus, which it also does in the end.
+ShortcutsDialog::~ShortcutsDialog()
+{
+    m_keys->disconnect(this);
+}
+
 void ShortcutsDialog::arrange()
 {
     m_list->setAccessibleName(tr("Actions"));
@@ -82,6 +89,7 @@ void ShortcutsDialog::arrange()
     layout->addLayout(editing);
     layout->addWidget(m_note);
     layout->addWidget(buttons);
+    KNOrderButtons(*this);
     resize(fontMetrics().averageCharWidth() * 80, fontMetrics().lineSpacing() * 36);
 }
 

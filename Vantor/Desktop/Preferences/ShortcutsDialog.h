@@ -18,6 +18,7 @@ class ShortcutsDialog : public QDialog
 
 public:
     explicit ShortcutsDialog(const ShortcutList &shortcuts, QWidget *parent = nullptr);
+    ~ShortcutsDialog() override;
 
     void accept() override;
 

@@ -38,6 +38,7 @@ void MSSQLDropAction::begin(KNWorkspace &workspace) const
     KNQueryPreview *const preview = KNQueryPreview::createQueryPreviewViewContoller(
         workspace.sheetParent(), *entry->databaseConnectionDetails());
     preview->setTitle(title, information, QCoreApplication::translate("MSSQLDropAction", "Drop"), progress);
+    preview->setRemoves(true);
     preview->setQueryLoader(statement);
     preview->setUseTransaction(true);
     preview->setErrorDomain(errorDomain);

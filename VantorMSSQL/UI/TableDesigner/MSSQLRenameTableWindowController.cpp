@@ -61,6 +61,7 @@ MSSQLRenameTableWindowController::MSSQLRenameTableWindowController(const MSSQLDe
     layout->addRow(m_notice);
     layout->addRow(m_dependents);
     layout->addRow(buttons);
+    m_name->setFocus();
     loadDependents(table, std::move(settings));
 }
 

@@ -33,6 +33,7 @@ MSSQLRenameWindowController::MSSQLRenameWindowController(const QString &title, c
     auto *const layout = new QFormLayout(this);
     layout->addRow(tr("&New name:"), m_name);
     layout->addRow(buttons);
+    m_name->setFocus();
 }
 
 QString MSSQLRenameWindowController::newName() const

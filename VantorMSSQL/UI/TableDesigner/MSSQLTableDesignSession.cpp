@@ -120,6 +120,7 @@ void MSSQLTableDesignSession::preview(QWidget *parent, const KNQueryPreview::Tit
 {
     KNQueryPreview *const preview = KNQueryPreview::createQueryPreviewViewContoller(parent, *m_settings);
     preview->setTitle(titles.title, titles.information, titles.acceptTitle, titles.progressTitle);
+    preview->setRemoves(titles.removes);
     preview->setQueryLoader(statements);
     preview->setUseTransaction(true);
     preview->setErrorDomain(errorDomain);

@@ -83,7 +83,7 @@ void MSSQLTableIndexDesignerViewController::handleDeleteIndex()
     const KNQueryPreview::Titles titles{
         KNFormat(tr("Do you really want to drop the index '%@'?"), index.indexName),
         tr("Once an index has been removed, it cannot be recovered."), tr("Drop"),
-        KNFormat(tr("Dropping index '%@'"), index.indexName)};
+        KNFormat(tr("Dropping index '%@'"), index.indexName), true};
     session().preview(session().window(), titles, loader, QStringLiteral("MSSQLAlterIndex"));
 }
 

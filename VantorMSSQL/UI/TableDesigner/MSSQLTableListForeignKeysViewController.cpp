@@ -77,9 +77,9 @@ void MSSQLTableListForeignKeysViewController::dropSelected()
     const QString name = m_keys[row].keyName;
     const KNAlerts::Question question{KNFormat(tr("Do you really want to drop the foreign key '%@'?"), name),
                                       tr("Once a foreign key has been removed, it cannot be recovered."),
-                                      {tr("Drop"), tr("Cancel")}};
+                                      {tr("Cancel"), tr("Drop")}};
     KNAlerts::shared().ask(session().window(), question, [self = QPointer(this), name](int button) {
-        if (self && button == 0)
+        if (self && button == 1)
             self->session().run(
                 {[name](const MSSQLDesignedTable &table) { return MSSQLForeignKeyScript::drop(table, name); },
                  KNFormat(tr("Dropping foreign key '%@'"), name),

@@ -83,9 +83,9 @@ void MSSQLTableTriggerDesignerViewController::dropSelected()
     const QString name = m_triggers[row].triggerName;
     const KNAlerts::Question question{KNFormat(tr("Do you really want to drop the trigger '%@'?"), name),
                                       tr("Once a trigger has been removed, it cannot be recovered."),
-                                      {tr("Drop"), tr("Cancel")}};
+                                      {tr("Cancel"), tr("Drop")}};
     KNAlerts::shared().ask(session().window(), question, [self = QPointer(this), name](int button) {
-        if (self && button == 0)
+        if (self && button == 1)
             self->session().run(
                 {[name](const MSSQLDesignedTable &table) { return MSSQLTriggerScript::drop(table, name); },
                  KNFormat(tr("Dropping trigger '%@'"), name),

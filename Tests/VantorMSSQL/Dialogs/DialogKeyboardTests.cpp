@@ -1,0 +1,167 @@
+#include "Support/DialogTesting.h"
+#include "Support/RecordingAlerts.h"
+#include "Support/RecordingStore.h"
+#include "Support/SampleServerFixture.h"
+#include "UI/Connecting/KNLoginWindowController.h"
+#include "UI/Connecting/KNPasswordWindowController.h"
+#include "UI/Connecting/KNSSHTunnelWindowController.h"
+#include "UI/Connecting/KNSessionOptionsWindowController.h"
+#include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
+#include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
+#include "UI/Dialogs/MSSQLFederationMemberConnectionWindowController/MSSQLFederationMemberConnectionWindowController.h"
+#include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
+#include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
+#include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
+#include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
+#include "UI/TableDesigner/MSSQLRenameWindowController.h"
+
+#include <QPointer>
+
+namespace {
+
+/// How each dialog of the connector, and of connecting, is opened.
+struct Opening
+{
+    const char *name;
+    std::function<KNWindowController *(QWidget *parent)> make;
+    const char *defaultButton;
+};
+
+std::shared_ptr<const VantorDBC> shopSettings()
+{
+    const auto settings = std::make_shared<MSSQLDatabaseConnectionDetails>();
+    settings->setHost(QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()));
+    settings->setUsername(QString::fromLatin1(SampleServerFixture::User));
+    settings->setPassword(QString::fromLatin1(SampleServerFixture::Password));
+    settings->setDatabase(QStringLiteral("shop"));
+    return settings;
+}
+
+MSSQLDesignedTable orders()
+{
+    return {QStringLiteral("dbo"), QStringLiteral("Orders")};
+}
+
+/// A session that its window owns.
+MSSQLTableDesignSession *designSession(QWidget *window)
+{
+    return new MSSQLTableDesignSession(orders(), shopSettings(), window);
+}
+
+std::vector<Opening> openings()
+{
+    return {
+        {"connection", [](QWidget *parent) { return new MSSQLConnectionWindowController(parent); }, "Save"},
+        {"servers", [](QWidget *parent) { return new MSSQLBrowseServersWindowController(parent); }, "Choose"},
+        {"federation",
+         [](QWidget *parent) {
+             MSSQLDatabaseConnectionDetails settings;
+             settings.setHost(QStringLiteral("127.0.0.1,1"));
+             settings.setUsername(QStringLiteral("sa"));
+             return new MSSQLFederationMemberConnectionWindowController(settings, QStringLiteral("int"),
+                                                                        parent);
+         },
+         "Connect"},
+        {"tunnel",
+         [](QWidget *parent) {
+             return new KNSSHTunnelWindowController({QStringLiteral("gate"), 0, {}, {}}, parent);
+         },
+         "OK"},
+        {"options", [](QWidget *parent) { return new KNSessionOptionsWindowController({}, parent); }, "OK"},
+        {"password",
+         [](QWidget *parent) { return new KNPasswordWindowController(QStringLiteral("sa at db"), parent); },
+         "Connect"},
+        {"login",
+         [](QWidget *parent) {
+             MSSQLDatabaseConnectionDetails settings;
+             settings.setHost(QStringLiteral("db"));
+             settings.setUsername(QStringLiteral("sa"));
+             return new KNLoginWindowController(settings, true, parent);
+         },
+         "Connect"},
+        {"newTable",
+         [](QWidget *parent) { return new MSSQLCreateTableWindowController(shopSettings(), parent); },
+         "Create"},
+        {"renameTable",
+         [](QWidget *parent) {
+             return new MSSQLRenameTableWindowController(orders(), shopSettings(), parent);
+         },
+         "Rename"},
+        {"renameColumn",
+         [](QWidget *parent) {
+             return new MSSQLRenameWindowController(QStringLiteral("Rename Column"),
+                                                    QStringLiteral("OrderId"), parent);
+         },
+         "Rename…"},
+        {"index",
+         [](QWidget *parent) { return new MSSQLEditIndexWindowController(*designSession(parent), {}, true); },
+         "Apply…"},
+        {"foreignKey",
+         [](QWidget *parent) { return new MSSQLEditForeignKeyWindowController(*designSession(parent), {}); },
+         "Apply…"},
+    };
+}
+
+class ConnectorDialogs : public testing::TestWithParam<Opening>
+{
+protected:
+    void SetUp() override
+    {
+        MSSQLRecentConnection::forgetList();
+        m_window.show();
+        m_dialog = GetParam().make(&m_window);
+        m_dialog->beginSheet([this](int code) { m_result = code; });
+        m_dialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog));
+        if (qstrcmp(GetParam().name, "servers") != 0) { // its search does not end
+            ASSERT_TRUE(WindowTesting::settle());
+        }
+    }
+    void TearDown() override
+    {
+        delete m_dialog;
+        EXPECT_TRUE(WindowTesting::settle());
+        MSSQLRecentConnection::forgetList();
+        KNKeyValueStore::setShared(nullptr);
+    }
+
+    RecordingAlerts &m_alerts = RecordingAlerts::install();
+    const std::shared_ptr<RecordingStore> m_store = RecordingStore::install();
+    QWidget m_window;
+    QPointer<KNWindowController> m_dialog;
+    std::optional<int> m_result;
+};
+
+} // namespace
+
+TEST_P(ConnectorDialogs, AreNamedAndTheTabKeyReachesEveryNamedField)
+{
+    DialogTesting::expectNamesAndTabOrder(*m_dialog);
+    EXPECT_FALSE(m_result);
+}
+
+TEST_P(ConnectorDialogs, CloseWithEscapeAndAcceptNothing)
+{
+    DialogTesting::pressEscape(*m_dialog);
+    EXPECT_EQ(m_result, 0);
+    EXPECT_TRUE(m_store->writes.empty());
+    EXPECT_TRUE(m_alerts.errors.empty());
+}
+
+TEST_P(ConnectorDialogs, HaveOneDefaultButtonForTheReturnKey)
+{
+    DialogTesting::expectDefaultButton(*m_dialog, QString::fromUtf8(GetParam().defaultButton));
+    // No other button takes the Return key over because it has had the focus.
+    for (QPushButton *const button : m_dialog->findChildren<QPushButton *>()) {
+        EXPECT_TRUE(button->isDefault() || !button->autoDefault()) << button->text().toStdString();
+    }
+}
+
+TEST_P(ConnectorDialogs, HaveMnemonicsThatDifferAndReachTheirFields)
+{
+    DialogTesting::expectMnemonics(*m_dialog);
+    EXPECT_FALSE(m_result);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ConnectorDialogs, testing::ValuesIn(openings()),
+                         [](const testing::TestParamInfo<Opening> &opening) { return opening.param.name; });
