@@ -55,6 +55,9 @@ MainWindow *Application::openConnection(const VantorDBC &details)
     connect(window, &MainWindow::connectionsRequested, this, &Application::showConnections);
     connect(window, &MainWindow::connectionRequested, this,
             [this](const VantorDBCPtr &requested) { openConnection(*requested); });
+    connect(window, &MainWindow::newWindowRequested, this, [this, window](KNDocumentTab *document) {
+        openConnection(*window->databaseConnectionDetails())->adoptDocument(document);
+    });
     window->show();
     window->openFiles(m_options.files);
     m_options.files.clear();

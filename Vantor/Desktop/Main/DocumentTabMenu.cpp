@@ -29,6 +29,8 @@ void fillDocumentTabMenu(QMenu &menu, DocumentTabs &tabs, KNDocumentTab &documen
     menu.addSeparator();
     add(QT_TRANSLATE_NOOP("DocumentTabs", "&Duplicate"), !document.textForCopy().isNull(),
         [&tabs, &document] { Q_EMIT tabs.duplicateRequested(&document); });
+    add(QT_TRANSLATE_NOOP("DocumentTabs", "Move to New &Window"), tabs.canMove(document),
+        [&tabs, &document] { Q_EMIT tabs.newWindowRequested(&document); });
     add(QT_TRANSLATE_NOOP("DocumentTabs", "Copy &Path"), !document.filePath().isNull(),
         [&document] { QApplication::clipboard()->setText(QDir::toNativeSeparators(document.filePath())); });
     add(QT_TRANSLATE_NOOP("DocumentTabs", "Reco&nnect"), document.canPerform(KNDocumentAction::Reconnect),

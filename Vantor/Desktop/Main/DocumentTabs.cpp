@@ -2,11 +2,14 @@
 
 #include "Desktop/Main/DocumentTabMenu.h"
 #include "Desktop/Main/TabCycle.h"
+#include "Desktop/Main/TabDrag.h"
 #include "Desktop/Main/TabTitles.h"
+#include "Desktop/Query/QueryTab.h"
 #include "Foundation/KNFormat.h"
 #include "UI/Icons/KNIcon.h"
 #include "UI/KNPlainToolTip.h"
 
+#include <QDragEnterEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTabBar>
@@ -63,6 +66,8 @@ DocumentTabs::DocumentTabs(QWidget *parent)
     connect(tabBar(), &QTabBar::tabMoved, this, &DocumentTabs::documentsChanged);
     connect(this, &DocumentTabs::documentsChanged, this, &DocumentTabs::updateTitles);
     tabBar()->installEventFilter(this);
+    new TabDrag(this);
+    setAcceptDrops(true);
     tabBar()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(tabBar(), &QTabBar::customContextMenuRequested, this, &DocumentTabs::showMenu);
 }
@@ -95,10 +100,20 @@ void DocumentTabs::insertDocument(int index, KNDocumentTab *document)
 
 void DocumentTabs::removeDocument(KNDocumentTab *document)
 {
+    takeDocument(document);
+    document->deleteLater();
+}
+
+void DocumentTabs::takeDocument(KNDocumentTab *document)
+{
     removeTab(indexOf(document));
     document->disconnect(this);
-    document->deleteLater();
     Q_EMIT documentsChanged();
+}
+
+bool DocumentTabs::canMove(const KNDocumentTab &document) const
+{
+    return qobject_cast<const QueryTab *>(&document) != nullptr;
 }
 
 void DocumentTabs::closeDocument(KNDocumentTab *document)
@@ -235,4 +250,21 @@ void DocumentTabs::showMenu(const QPoint &position)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fillDocumentTabMenu(*menu, *this, *document);
     menu->popup(tabBar()->mapToGlobal(position));
+}
+
+void DocumentTabs::dragEnterEvent(QDragEnterEvent *event)
+{
+    KNDocumentTab *const document = TabDrag::documentIn(*event->mimeData());
+    if (document && indexOf(document) < 0)
+        event->acceptProposedAction();
+}
+
+void DocumentTabs::dropEvent(QDropEvent *event)
+{
+    KNDocumentTab *const document = TabDrag::documentIn(*event->mimeData());
+    if (!document || indexOf(document) >= 0)
+        return;
+    event->acceptProposedAction();
+    const QPoint position = tabBar()->mapFrom(this, event->position().toPoint());
+    Q_EMIT documentDropped(document, tabBar()->tabAt(position));
 }

@@ -24,6 +24,10 @@ public:
     void insertDocument(int index, KNDocumentTab *document);
     /// Removes and deletes a document without asking.
     void removeDocument(KNDocumentTab *document);
+    /// Removes a document, which belongs to the caller from now on.
+    void takeDocument(KNDocumentTab *document);
+    /// Whether the document can go to another window. A designer uses its window.
+    bool canMove(const KNDocumentTab &document) const;
     /// Asks what must be answered before the document is closed, and removes it.
     void closeDocument(KNDocumentTab *document);
     /// Closes one document after the other, until one does not agree.
@@ -47,9 +51,15 @@ Q_SIGNALS:
     /// The user wants the document back that was closed last.
     void reopenRequested();
     void duplicateRequested(KNDocumentTab *document);
+    /// The user wants the document in a window of its own.
+    void newWindowRequested(KNDocumentTab *document);
+    /// The user has dragged a tab to this position; it may be that of another connection.
+    void documentDropped(KNDocumentTab *document, int index);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     static constexpr qsizetype MostClosed = 20;

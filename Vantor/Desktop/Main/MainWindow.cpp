@@ -92,6 +92,8 @@ void MainWindow::connectParts()
     connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::focusDocument);
     connect(m_tabs, &DocumentTabs::reopenRequested, this, &MainWindow::reopenClosedDocument);
     connect(m_tabs, &DocumentTabs::duplicateRequested, this, &MainWindow::duplicateDocument);
+    connect(m_tabs, &DocumentTabs::documentDropped, this, &MainWindow::adoptDocument);
+    connect(m_tabs, &DocumentTabs::newWindowRequested, this, &MainWindow::newWindowRequested);
     connect(m_session, &TabSession::writingFailed, this, [this](bool failed) {
         if (failed)
             KNAlerts::shared().showMessage(this, tr("The tabs could not be remembered."),
@@ -178,10 +180,33 @@ void MainWindow::showDocument(KNDocumentTab *document)
 std::unique_ptr<QueryTab> MainWindow::makeQueryTab(const VantorDBC &details)
 {
     auto tab = std::make_unique<QueryTab>(details);
-    connect(tab.get(), &QueryTab::runFinished, this,
-            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
+    connectQuery(tab.get());
     connect(tab->document(), &QueryDocument::pathChanged, &RecentFiles::add);
     return tab;
+}
+
+void MainWindow::connectQuery(QueryTab *tab)
+{
+    connect(tab, &QueryTab::runFinished, this,
+            [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
+}
+
+void MainWindow::adoptDocument(KNDocumentTab *document, int index)
+{
+    auto *const query = qobject_cast<QueryTab *>(document);
+    auto *const source = query ? qobject_cast<MainWindow *>(query->window()) : nullptr;
+    if (!source || source == this || source->m_details->connectionId() != m_details->connectionId() ||
+        !source->m_details->usesSameLogin(*m_details))
+        return;
+    KNDocumentTab *const unused =
+        currentDocument() && currentDocument()->isUnused() ? currentDocument() : nullptr;
+    source->m_tabs->takeDocument(query);
+    query->disconnect(source);
+    connectQuery(query);
+    m_tabs->insertDocument(index, query);
+    showDocument(query);
+    if (unused)
+        m_tabs->removeDocument(unused);
 }
 
 QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text, const QString &name)

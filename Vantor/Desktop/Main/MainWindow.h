@@ -43,6 +43,10 @@ public:
     /// each file that cannot be read.
     void openFiles(const QStringList &paths);
 
+    /// Takes a query over from another window of this connection, with its session and results; does nothing
+    /// for other documents. A position of -1 appends it.
+    void adoptDocument(KNDocumentTab *document, int index = -1);
+
     const Settings &databaseConnectionDetails() const override { return m_details; }
     void openQueryText(const QString &text, const Settings &details, QueryUse use,
                        const QString &name) override;
@@ -77,6 +81,8 @@ Q_SIGNALS:
     void connectionsRequested();
     /// An action requested a window with these settings.
     void connectionRequested(const VantorDBCPtr &details);
+    /// The user wants this document of the window in a new one.
+    void newWindowRequested(KNDocumentTab *document);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -86,6 +92,7 @@ private:
     void arrange();
     void connectParts();
     void showTree();
+    void connectQuery(QueryTab *tab);
     std::unique_ptr<QueryTab> makeQueryTab(const VantorDBC &details);
     QueryTab *unchangedQuery(const QString &text, const VantorDBC &details, const QString &name) const;
     KNError openFile(const QString &path);

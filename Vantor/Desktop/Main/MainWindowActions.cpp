@@ -115,6 +115,8 @@ void MainWindowActions::makeFileMenu()
         if (KNDocumentTab *const document = m_window.currentDocument())
             m_window.tabs()->closeDocument(document);
     });
+    m_moveTab = add(menu, {"moveTab", QT_TR_NOOP("&Move Tab to New Window")},
+                    [this] { Q_EMIT m_window.newWindowRequested(m_window.currentDocument()); });
     m_reopenClosed =
         add(menu, {"reopenClosed", QT_TR_NOOP("Reopen C&losed Tab"), nullptr, {keys("Ctrl+Shift+T")}},
             [this] { m_window.reopenClosedDocument(); });
@@ -243,6 +245,7 @@ void MainWindowActions::update()
 {
     const KNDocumentTab *const document = m_window.currentDocument();
     m_closeTab->setEnabled(document != nullptr);
+    m_moveTab->setEnabled(document && m_window.tabs()->canMove(*document));
     m_reopenClosed->setEnabled(m_window.tabs()->hasClosedDocuments());
     for (const auto &[item, action] : m_forDocument)
         item->setEnabled(document && document->canPerform(action));

@@ -58,4 +58,5 @@ private:
     QList<std::pair<QAction *, KNDocumentAction>> m_forDocument;
     QAction *m_closeTab = nullptr;
     QAction *m_reopenClosed = nullptr;
+    QAction *m_moveTab = nullptr;
 };

@@ -89,3 +89,25 @@ TEST(DesktopApplication, ReturnsToTheConnectionsOnDisconnect)
     visible<StartWindow>()->close();
     EXPECT_TRUE(WindowTesting::settle());
 }
+
+TEST(DesktopApplication, MovesATabToANewWindow)
+{
+    Application program({});
+    ASSERT_TRUE(program.start());
+    const VantorDBCPtr details =
+        DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("library"));
+    details->setConnectionId(QStringLiteral("moved-tab"));
+    const QPointer first = program.openConnection(*details);
+    QueryTab *const query = first->addQueryTab(*details, QStringLiteral("SELECT 1"), QStringLiteral("Moved"));
+    first->actions()->action(QStringLiteral("moveTab"))->trigger();
+    const QPointer second = qobject_cast<MainWindow *>(query->window());
+    ASSERT_TRUE(second);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(second->documents(), QList<KNDocumentTab *>{query});
+    EXPECT_EQ(query->text(), QStringLiteral("SELECT 1"));
+    EXPECT_FALSE(first->documents().contains(query));
+    for (const QPointer<MainWindow> &window : {first, second})
+        window->close();
+    EXPECT_TRUE(waitFor([&] { return !first && !second; }));
+    EXPECT_TRUE(WindowTesting::settle());
+}

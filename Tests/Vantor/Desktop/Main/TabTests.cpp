@@ -3,15 +3,19 @@
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/RecentFiles.h"
+#include "Desktop/Main/TabDrag.h"
 #include "Desktop/Query/MessagesView.h"
+#include "Support/DummyDocument.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QClipboard>
+#include <QDropEvent>
 #include <QFile>
 #include <QMenu>
+#include <QMimeData>
 #include <QTabBar>
 #include <QTemporaryDir>
 
@@ -286,4 +290,69 @@ TEST(RecentFileList, KeepsTheNewestTen)
     EXPECT_EQ(opened, QStringList{QStringLiteral("/tmp/11.sql")});
     menu.actions().last()->trigger();
     EXPECT_TRUE(RecentFiles::paths().isEmpty());
+}
+
+TEST_F(Tabs, MoveToAnotherWindowWithTheirSessionAndResults)
+{
+    MainWindow other(*window->databaseConnectionDetails());
+    other.setAttribute(Qt::WA_DeleteOnClose, false);
+    other.show();
+    QueryTab *const moved = add("Orders", "BEGIN TRANSACTION CREATE TABLE #kept (a int) SELECT 7 AS a");
+    run();
+    ASSERT_TRUE(moved->status().hasOpenTransaction);
+    const auto data = TabDrag::dataOf(moved);
+    QDragEnterEvent enter(QPoint(50, 50), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(other.tabs(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(50, 50), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(other.tabs(), &drop);
+
+    EXPECT_EQ(titles(), QStringList{QStringLiteral("Query 1")});
+    ASSERT_EQ(other.documents(), QList<KNDocumentTab *>{moved}); // in place of the unused query
+    EXPECT_EQ(other.currentDocument(), moved);
+    EXPECT_EQ(moved->window(), &other);
+    EXPECT_EQ(moved->status().rowCount, 1);
+    EXPECT_TRUE(alerts.questions.empty());
+    delete window;
+    moved->setText(QStringLiteral("SELECT COUNT(*) AS a FROM #kept"));
+    moved->run();
+    ASSERT_TRUE(waitFor([&] { return !moved->isRunning(); }));
+    EXPECT_EQ(moved->messages()->errorCount(), 0) << moved->messages()->toPlainText().toStdString();
+    EXPECT_TRUE(moved->status().hasOpenTransaction);
+    EXPECT_TRUE(WindowTesting::settle());
+}
+
+TEST_F(Tabs, AreDroppedOnlyInWindowsOfTheirConnection)
+{
+    const VantorDBCPtr details = window->databaseConnectionDetails()->copy();
+    details->setConnectionId(QStringLiteral("another connection"));
+    MainWindow other(*details);
+    other.setAttribute(Qt::WA_DeleteOnClose, false);
+    QueryTab *const kept = add("Orders");
+    other.adoptDocument(kept);
+    EXPECT_EQ(kept->window(), window);
+    QMimeData text;
+    text.setData(QStringLiteral("application/x-vantor-tab"), "of another program");
+    EXPECT_EQ(TabDrag::documentIn(text), nullptr);
+    QDragEnterEvent own(QPoint(50, 50), Qt::MoveAction, TabDrag::dataOf(kept).release(), Qt::LeftButton,
+                        Qt::NoModifier);
+    QApplication::sendEvent(window->tabs(), &own);
+    EXPECT_FALSE(own.isAccepted()); // within its bar a tab is moved, not dragged
+    delete own.mimeData();
+    EXPECT_TRUE(WindowTesting::settle());
+}
+
+TEST_F(Tabs, AskForAWindowOfTheirOwn)
+{
+    QueryTab *const query = add("Orders");
+    QList<KNDocumentTab *> asked;
+    QObject::connect(window, &MainWindow::newWindowRequested, window,
+                     [&](KNDocumentTab *document) { asked.append(document); });
+    EXPECT_TRUE(choose(query, "Move to New Window"));
+    action("moveTab")->trigger();
+    EXPECT_EQ(asked, (QList<KNDocumentTab *>{query, query}));
+    auto *const dummy = new DummyDocument(window->databaseConnectionDetails());
+    window->openDocument(std::unique_ptr<KNDocumentTab>(dummy));
+    EXPECT_FALSE(choose(dummy, "Move to New Window"));
+    EXPECT_FALSE(action("moveTab")->isEnabled());
 }
