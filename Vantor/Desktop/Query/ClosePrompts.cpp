@@ -60,3 +60,14 @@ void confirmTextLoss(QueryTab &tab, const std::function<void()> &proceed)
             proceed();
     });
 }
+
+void confirmNewSession(QueryTab &tab, const KNError &error, const std::function<void()> &proceed)
+{
+    const KNAlerts::Question question{error.localizedDescription(),
+                                      QueryTab::tr("Run on a new connection?"),
+                                      {QueryTab::tr("Cancel"), QueryTab::tr("Run on New Connection")}};
+    KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
+        if (self && button == 1 && !self->isRunning())
+            proceed();
+    });
+}

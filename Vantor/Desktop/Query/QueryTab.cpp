@@ -4,9 +4,11 @@
 #include "Desktop/Query/ClosePrompts.h"
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/EditorActions.h"
+#include "Desktop/Query/ErrorMarks.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Query/QueryBatches.h"
 #include "Desktop/Query/QueryDocument.h"
+#include "Desktop/Query/QueryResults.h"
 #include "Desktop/Query/QueryRun.h"
 #include "Desktop/Query/QuerySession.h"
 #include "Desktop/Query/RiskyRunQuestion.h"
@@ -15,14 +17,11 @@
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
-#include "UI/Results/KNResultGridView.h"
-#include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
 
 #include <QKeyEvent>
 #include <QPointer>
 #include <QSplitter>
-#include <QTabWidget>
 #include <QUuid>
 
 namespace {
@@ -40,9 +39,8 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_findBar(new KNFindBar(m_editor))
     , m_databaseBox(new DatabaseBox)
     , m_transactionBar(new TransactionBar)
-    , m_resultsPane(new KNResultsPane)
-    , m_messages(new MessagesView)
-    , m_resultTabs(new QTabWidget)
+    , m_results(new QueryResults)
+    , m_errorMarks(new ErrorMarks(m_editor, m_results->messages(), this))
     , m_clock(new QTimer(this))
     , m_session(std::make_unique<QuerySession>(details))
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
@@ -66,6 +64,7 @@ void QueryTab::arrange()
     databaseLabel->setBuddy(m_databaseBox);
     auto *const top = new QHBoxLayout;
     top->setContentsMargins(6, 4, 6, 4);
+    top->setSpacing(6);
     top->addWidget(databaseLabel);
     top->addWidget(m_databaseBox);
     top->addStretch(1);
@@ -80,16 +79,11 @@ void QueryTab::arrange()
     editingLayout->addWidget(m_findBar);
 
     m_editor->setFrameShape(QFrame::NoFrame);
-    m_messages->setFrameShape(QFrame::NoFrame);
-    m_resultTabs->setDocumentMode(true);
-    m_resultTabs->setAccessibleName(tr("Results and messages"));
-    m_resultTabs->addTab(m_resultsPane, tr("Results"));
-    m_resultTabs->addTab(m_messages, tr("Messages"));
 
     auto *const splitter = new QSplitter(Qt::Vertical);
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(editing);
-    splitter->addWidget(m_resultTabs);
+    splitter->addWidget(m_results);
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 2);
 
@@ -108,7 +102,6 @@ void QueryTab::connectParts()
     connect(m_clock, &QTimer::timeout, this, &QueryTab::statusChanged);
     connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::titleChanged);
     connect(m_document, &QueryDocument::titleChanged, this, &QueryTab::stateChanged);
-    connect(m_editor, &KNSQLEditor::textChanged, this, [this] { m_isEditedSinceRun = true; });
     connect(m_editor, &KNSQLEditor::textChanged, this, &QueryTab::stateChanged);
     connect(m_editor, &KNSQLEditor::cursorPositionChanged, this, &QueryTab::stateChanged);
     connect(m_editor, &KNSQLEditor::cursorPositionChanged, this, &QueryTab::statusChanged);
@@ -117,7 +110,7 @@ void QueryTab::connectParts()
     connect(m_session.get(), &QuerySession::databaseReached, this,
             [this](const QString &name) { showDatabase(name.isNull() ? m_database : name); });
     connect(m_session.get(), &QuerySession::succeeded, this,
-            [this](const QString &text) { m_messages->addText(text, false); });
+            [this](const QString &text) { messages()->addText(text, false); });
     connect(m_session.get(), &QuerySession::failed, this,
             [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
     connect(m_session.get(), &QuerySession::lost, this, &QueryTab::askAboutLostSession);
@@ -127,19 +120,23 @@ void QueryTab::connectParts()
             [this] { perform(KNDocumentAction::Rollback); });
     connect(this, &QueryTab::statusChanged, this,
             [this] { m_transactionBar->setVisible(canPerform(KNDocumentAction::Commit)); });
-    connect(m_messages, &MessagesView::targetActivated, this,
-            [this](const MessagesView::Target &target) { goTo(target.range, target.line); });
-    connect(m_messages, &MessagesView::linkActivated, this, &QueryTab::runRemainingBatches);
-    connect(m_messages, &MessagesView::errorCountChanged, this, [this](int count) {
-        m_resultTabs->setTabText(1, count == 0 ? tr("Messages")
-                                               : tr("Messages (%1)").arg(KNMessageText::countText(count)));
-    });
+    connect(messages(), &MessagesView::linkActivated, this, &QueryTab::runRemainingBatches);
     connect(m_databaseBox, &DatabaseBox::left, m_editor, qOverload<>(&KNSQLEditor::setFocus));
     connect(m_databaseBox, &DatabaseBox::databaseChosen, m_editor, qOverload<>(&KNSQLEditor::setFocus));
-    connect(m_resultsPane, &KNResultsPane::selectionSummaryChanged, this, &QueryTab::statusChanged);
+    connect(resultsPane(), &KNResultsPane::selectionSummaryChanged, this, &QueryTab::statusChanged);
     connect(m_databaseBox, &DatabaseBox::databaseChosen, this, &QueryTab::changeDatabase);
     connect(m_databaseBox, &DatabaseBox::loadFailed, this,
             [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
+}
+
+KNResultsPane *QueryTab::resultsPane() const
+{
+    return m_results->pane();
+}
+
+MessagesView *QueryTab::messages() const
+{
+    return m_results->messages();
 }
 
 QString QueryTab::text() const
@@ -220,14 +217,14 @@ KNDocumentStatus::Outcome QueryTab::outcome() const
 {
     if (!m_run || !m_run->isFinished() || m_run->outcome().wasCancelled)
         return KNDocumentStatus::Outcome::None;
-    const bool hadErrors = m_run->outcome().error || m_messages->errorCount() > 0;
+    const bool hadErrors = m_run->outcome().error || messages()->errorCount() > 0;
     return hadErrors ? KNDocumentStatus::Outcome::Failed : KNDocumentStatus::Outcome::Succeeded;
 }
 
 KNDocumentStatus QueryTab::status() const
 {
     KNDocumentStatus status;
-    status.selection = m_resultsPane->selectionSummary();
+    status.selection = resultsPane()->selectionSummary();
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
     status.elapsedMilliseconds = m_run ? m_run->elapsedMilliseconds() : 0;
@@ -305,7 +302,7 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        if (!m_resultsPane->perform(action))
+        if (!resultsPane()->perform(action))
             performEditorAction(action, *m_editor, *m_findBar);
     }
 }
@@ -377,17 +374,15 @@ void QueryTab::startConfirmed(QueryRequest request)
         m_session->setNext([this, request] { startConfirmed(request); });
         return;
     }
-    m_editor->clearErrorMarks();
-    if (request.part != QueryRequest::Part::Batches) // these keep their lines in the text of the run before
-        m_isEditedSinceRun = false;
-    m_showsRows = false;
+    if (request.part == QueryRequest::Part::Batches) // these keep their lines in the text of the run before
+        m_errorMarks->continueRun();
+    else
+        m_errorMarks->beginRun();
     m_databaseBox->setEnabled(false);
-    m_resultTabs->show();
     m_run = std::make_unique<QueryRun>(m_session->connection(), std::move(request), nullptr);
     connect(m_run.get(), &QueryRun::resultsChanged, this, &QueryTab::showNewResults);
     connect(m_run.get(), &QueryRun::finished, this, &QueryTab::finishRun);
-    m_resultsPane->beginRun(m_run->results(), *m_session->connectionDetails());
-    m_messages->beginRun(m_run->results());
+    m_results->beginRun(m_run->results(), *m_session->connectionDetails());
     m_runBegan = QDateTime::currentDateTimeUtc();
     m_run->start();
     m_clock->start();
@@ -402,12 +397,7 @@ void QueryTab::cancel()
 
 void QueryTab::showNewResults()
 {
-    m_resultsPane->showNewResults();
-    m_messages->showNewResults();
-    if (!m_showsRows && m_resultsPane->resultCount() > 0) {
-        m_showsRows = true;
-        m_resultTabs->setCurrentWidget(m_resultsPane);
-    }
+    m_results->showNewResults();
     Q_EMIT statusChanged();
 }
 
@@ -417,9 +407,7 @@ void QueryTab::finishRun()
     const QueryOutcome &outcome = m_run->outcome();
     if (m_run->isAbandoned())
         m_session->replace(*m_session->connectionDetails());
-    m_resultsPane->finishRun();
-    showNewResults();
-    m_messages->finishRun(outcome.error);
+    m_results->finishRun(outcome.error);
     m_databaseBox->setEnabled(true);
     if (!outcome.database.isNull())
         showDatabase(outcome.database);
@@ -433,7 +421,7 @@ void QueryTab::finishRun()
         return;
     }
     Q_EMIT runFinished({m_runBegan, textOf(request), m_database, m_run->elapsedMilliseconds(),
-                        m_run->results()->totalResultCount(), m_messages->firstError(),
+                        m_run->results()->totalResultCount(), messages()->firstError(),
                         outcome.wasCancelled});
 }
 
@@ -441,38 +429,14 @@ void QueryTab::showOutcome()
 {
     const QueryOutcome &outcome = m_run->outcome();
     if (m_run->isAbandoned())
-        m_messages->addText(tr("Connecting was cancelled."), false);
+        messages()->addText(tr("Connecting was cancelled."), false);
     else if (!outcome.hadBatches && !outcome.error)
-        m_messages->addText(tr("There is nothing to run."), false);
+        messages()->addText(tr("There is nothing to run."), false);
     if (const qint64 count = KNScriptRun::countOf(outcome.notRun))
-        m_messages->addLink(KNMessageText::batchesNotRun(count), count == 1 ? tr("Run it") : tr("Run them"));
-    if (m_messages->errorCount() > 0 || !m_showsRows)
-        m_resultTabs->setCurrentWidget(m_messages);
-    if (!m_isEditedSinceRun)
-        markErrors(outcome.error);
-}
-
-void QueryTab::markErrors(const KNError &error)
-{
-    const auto mark = [this](const KNRange &range, int line) {
-        if (range.isFound())
-            m_editor->markError(range);
-        else if (line > 0)
-            m_editor->markErrorLine(line);
-    };
-    if (m_messages->errorTargets().isEmpty())
-        mark(KNMessageText::markedRange(error), 0);
-    for (const MessagesView::Target &target : m_messages->errorTargets())
-        mark(target.range, target.line);
-}
-
-void QueryTab::goTo(const KNRange &range, int line)
-{
-    if (line > 0)
-        m_editor->goToLine(line);
-    if (range.isFound() && !m_isEditedSinceRun)
-        m_editor->selectRange(range);
-    m_editor->setFocus();
+        messages()->addLink(KNMessageText::batchesNotRun(count), count == 1 ? tr("Run it") : tr("Run them"));
+    if (messages()->errorCount() > 0 || !m_results->showsRows())
+        m_results->showMessages();
+    m_errorMarks->show(outcome.error);
 }
 
 /// Escape closes the find bar, wherever the focus is.
@@ -487,25 +451,18 @@ void QueryTab::keyPressEvent(QKeyEvent *event)
 
 void QueryTab::toggleResults()
 {
-    const bool hadFocus = m_resultTabs->isAncestorOf(focusWidget());
-    m_resultTabs->setVisible(m_resultTabs->isHidden());
-    if (hadFocus && m_resultTabs->isHidden())
+    const bool hadFocus = m_results->isAncestorOf(focusWidget());
+    m_results->setVisible(m_results->isHidden());
+    if (hadFocus && m_results->isHidden())
         m_editor->setFocus();
 }
 
 void QueryTab::showNextPane()
 {
-    if (m_resultTabs->isAncestorOf(focusWidget())) {
+    if (m_results->isAncestorOf(focusWidget()))
         m_editor->setFocus(Qt::ShortcutFocusReason);
-        return;
-    }
-    m_resultTabs->show();
-    KNResultSection *const section =
-        m_resultTabs->currentWidget() == m_resultsPane ? m_resultsPane->currentSection() : nullptr;
-    QWidget *const target = section ? static_cast<QWidget *>(section->grid()) : m_messages;
-    if (!section)
-        m_resultTabs->setCurrentWidget(m_messages);
-    target->setFocus(Qt::ShortcutFocusReason);
+    else
+        m_results->focusContent();
 }
 
 void QueryTab::changeDatabase(const QString &name)
@@ -516,16 +473,10 @@ void QueryTab::changeDatabase(const QString &name)
         m_session->changeDatabase(name);
 }
 
-/// Nothing runs on a new session before the user is told what was lost with the old one.
-void QueryTab::askAboutLostSession(const KNError &error, std::function<void()> proceed)
+void QueryTab::askAboutLostSession(const KNError &error, const std::function<void()> &proceed)
 {
-    const KNAlerts::Question question{error.localizedDescription(),
-                                      tr("Run on a new connection?"),
-                                      {tr("Cancel"), tr("Run on New Connection")}};
-    KNAlerts::shared().ask(this, question, [self = QPointer(this), proceed](int button) {
-        if (!self || button != 1 || self->isRunning())
-            return;
-        self->m_session->acceptLoss();
+    confirmNewSession(*this, error, [this, proceed] {
+        m_session->acceptLoss();
         proceed();
     });
 }

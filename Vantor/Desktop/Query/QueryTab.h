@@ -10,14 +10,14 @@
 #include <functional>
 
 class DatabaseBox;
+class ErrorMarks;
 class KNFindBar;
 class KNResultsPane;
 class KNSQLEditor;
 class MessagesView;
-class QSplitter;
-class QTabWidget;
 class QTimer;
 class QueryDocument;
+class QueryResults;
 class QueryRun;
 class QuerySession;
 class TransactionBar;
@@ -69,8 +69,8 @@ public:
     QueryDocument *document() const { return m_document; }
     KNSQLEditor *editor() const { return m_editor; }
     KNFindBar *findBar() const { return m_findBar; }
-    KNResultsPane *resultsPane() const { return m_resultsPane; }
-    MessagesView *messages() const { return m_messages; }
+    KNResultsPane *resultsPane() const;
+    MessagesView *messages() const;
     DatabaseBox *databaseBox() const { return m_databaseBox; }
 
 public Q_SLOTS:
@@ -101,10 +101,8 @@ private:
     void showNewResults();
     void finishRun();
     void showOutcome();
-    void markErrors(const KNError &error);
-    void goTo(const KNRange &range, int line);
     KNDocumentStatus::Outcome outcome() const;
-    void askAboutLostSession(const KNError &error, std::function<void()> proceed);
+    void askAboutLostSession(const KNError &error, const std::function<void()> &proceed);
     void showDatabase(const QString &name);
 
     KNSQLEditor *const m_editor;
@@ -112,15 +110,12 @@ private:
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;
-    KNResultsPane *const m_resultsPane;
-    MessagesView *const m_messages;
-    QTabWidget *const m_resultTabs;
+    QueryResults *const m_results;
+    ErrorMarks *const m_errorMarks;
     QTimer *const m_clock; ///< shows the elapsed time of a run
     const std::unique_ptr<QuerySession> m_session;
     std::unique_ptr<QueryRun> m_run; ///< the current or last one
     QString m_id;
     QString m_database;
     QDateTime m_runBegan;
-    bool m_isEditedSinceRun = false;
-    bool m_showsRows = false; ///< the run has a result with columns
 };
