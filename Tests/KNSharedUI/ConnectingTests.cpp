@@ -9,6 +9,7 @@
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/Connecting/KNConnectionAttempt.h"
 #include "UI/Connecting/KNConnectionQuestions.h"
+#include "UI/Connecting/KNConnectionStoreLabel.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
@@ -22,6 +23,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -528,4 +530,19 @@ TEST(MessageBoxes, AreDismissedByEscapeAndAnsweredByReturn)
     KNAlerts::shared().ask(&window, question, [&](int button) { answers.push_back(button); });
     window.findChild<QMessageBox *>()->close();
     EXPECT_EQ(answers, (std::vector<int>{-1, 0, -1}));
+}
+
+TEST(ConnectionStoreLabel, IsHighEnoughForItsLinesInAForm)
+{
+    QWidget window;
+    auto *const form = new QFormLayout(&window);
+    auto *const label = new KNConnectionStoreLabel;
+    form->addRow(string("Name:"), new QLineEdit);
+    form->addRow(QString(), label);
+    label->setText(
+        string("Connections are stored in the file /home/somebody/.local/share/vantor/credentials.json, "
+               "not encrypted."));
+    window.resize(300, 10);
+    window.show();
+    EXPECT_TRUE(waitFor([&] { return label->height() >= label->heightForWidth(label->width()); }));
 }

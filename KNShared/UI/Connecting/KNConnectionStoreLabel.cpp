@@ -30,4 +30,12 @@ void KNConnectionStoreLabel::showState(const SQLRecentConnectionList &list, cons
                                                   : tr("Connections are stored in %@, not encrypted."),
                           store));
     setText(lines.join(QLatin1Char('\n')));
+    if (isVisible()) // before that the width is not known
+        setMinimumHeight(heightForWidth(width()));
+}
+
+void KNConnectionStoreLabel::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    setMinimumHeight(heightForWidth(width()));
 }

@@ -17,4 +17,8 @@ public:
 
     /// `before` is shown in lines above the state.
     void showState(const SQLRecentConnectionList &list, const QStringList &before = {});
+
+protected:
+    /// Keeps the label high enough for its lines: forms do not ask for the height that a width needs.
+    void resizeEvent(QResizeEvent *event) override;
 };

@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int RowPadding = 6;
+constexpr int TextMargin = 8;
 constexpr int LongestShownValue = 1000; // UTF-16 units; the clipboard gets all
 
 } // namespace

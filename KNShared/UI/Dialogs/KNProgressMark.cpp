@@ -31,12 +31,14 @@ void KNProgressMark::start()
 {
     m_warning->hide();
     m_progress->show();
+    show();
 }
 
 void KNProgressMark::stop()
 {
     m_warning->hide();
     m_progress->hide();
+    hide(); // takes no place, not even the spacing beside it
 }
 
 void KNProgressMark::fail(const QString &why)
@@ -45,6 +47,7 @@ void KNProgressMark::fail(const QString &why)
     m_warning->setToolTip(KNPlainToolTip(why));
     m_warning->setAccessibleDescription(why);
     m_warning->show();
+    show();
 }
 
 bool KNProgressMark::isRunning() const

@@ -1,8 +1,10 @@
 #include "DesignerScreenshots.h"
 #include "Desktop/Application.h"
 #include "Desktop/Main/MainWindow.h"
+#include "Desktop/Main/MainWindowActions.h"
 #include "Desktop/Main/Theme.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "Desktop/Preferences/ShortcutsDialog.h"
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
@@ -13,14 +15,24 @@
 #include "Screenshot.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
+#include "UI/Connecting/KNLoginWindowController.h"
+#include "UI/Connecting/KNSSHTunnelWindowController.h"
+#include "UI/Connecting/KNSessionOptionsWindowController.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/DatabaseTree/KNPropertiesDialog.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
+#include "UI/Results/KNColumnFilterDialog.h"
+#include "UI/Results/KNExportDialog.h"
+#include "UI/Results/KNResultSection.h"
+#include "UI/Results/KNResultsPane.h"
 #include "UI/Results/KNValueViewer.h"
 #include "UI/RowEditing/KNEditRowModel.h"
 #include "UI/RowEditing/KNEditRowWindowController.h"
+#include "UI/TableDesigner/MSSQLRenameWindowController.h"
+#include "UI/Workspace/KNQueryPreview.h"
+#include "UI/Workspace/KNQueryPreviewDialog.h"
 
 #include <QApplication>
 #include <QDir>
@@ -196,11 +208,16 @@ void showProperties(MainWindow &window, const QString &folder)
     dialog->close();
 }
 
-void showRowForm(MainWindow &window, const QString &folder)
+std::shared_ptr<const VantorDBC> shopSettings(MainWindow &window)
 {
     const VantorDBCPtr settings = window.databaseConnectionDetails()->copy();
     settings->setDatabase(QStringLiteral("shop"));
-    const auto row = std::make_shared<MSSQLEditRowHelper>(settings, QStringLiteral("dbo"),
+    return settings;
+}
+
+void showRowForm(MainWindow &window, const QString &folder)
+{
+    const auto row = std::make_shared<MSSQLEditRowHelper>(shopSettings(window), QStringLiteral("dbo"),
                                                           QStringLiteral("Orders"), std::nullopt);
     auto *const form = new KNEditRowWindowController(row, false, &window);
     form->beginSheet({});
@@ -210,6 +227,56 @@ void showRowForm(MainWindow &window, const QString &folder)
     QTest::qWait(50);
     save(form, folder, "row-form");
     delete form;
+}
+
+/// Shows a sheet, waits for what it loads and closes it.
+void showSheet(KNWindowController *sheet, const QString &folder, const char *name)
+{
+    sheet->beginSheet([](int) {});
+    waitFor("end of loading", [] { return KNDispatch::waitUntilIdle(1); });
+    QTest::qWait(100);
+    save(sheet, folder, name);
+    delete sheet;
+}
+
+void showPreview(MainWindow &window, const QString &folder)
+{
+    KNQueryPreview *const preview =
+        KNQueryPreview::createQueryPreviewViewContoller(&window, *shopSettings(window));
+    preview->setTitle(QStringLiteral("Do you really want to drop the table 'Orders'?"),
+                      QStringLiteral("Once a table has been removed, it cannot be recovered."),
+                      QStringLiteral("Drop"), QString());
+    preview->setRemoves(true);
+    preview->setQueryLoader(KNStatementPair{QStringLiteral("DROP TABLE Orders"),
+                                            QStringLiteral("DROP TABLE dbo.Orders"),
+                                            QStringLiteral("This names the table without its schema.")}
+                                .loader(false));
+    preview->beginSheet({});
+    QTest::qWait(100);
+    auto *const dialog = window.findChild<KNQueryPreviewDialog *>();
+    save(dialog, folder, "preview");
+    dialog->reject();
+}
+
+void showSheets(MainWindow &window, const QString &folder)
+{
+    const auto settings = shopSettings(window);
+    showSheet(
+        new MSSQLRenameWindowController(QStringLiteral("Rename Column"), QStringLiteral("OrderId"), &window),
+        folder, "rename-column");
+    showSheet(new KNSSHTunnelWindowController({QStringLiteral("gate"), 22, {}, {}}, &window), folder,
+              "tunnel");
+    showSheet(new KNSessionOptionsWindowController({}, &window), folder, "options");
+    showSheet(new KNLoginWindowController(*settings, true, &window), folder, "login");
+    const auto *const tab = qobject_cast<QueryTab *>(window.documents().first());
+    KNResultSection *const section = tab->resultsPane()->section(0);
+    showSheet(new KNColumnFilterDialog(section->model(), 0, &window), folder, "column-filter");
+    showSheet(new KNExportDialog(section->model().shownRows(), 1, &window), folder, "export");
+    showPreview(window, folder);
+    ShortcutsDialog shortcuts(window.actions()->shortcuts(), &window);
+    shortcuts.show();
+    QTest::qWait(50);
+    save(&shortcuts, folder, "shortcuts");
 }
 
 void showOtherWindows(MainWindow &window, const QString &folder)
@@ -231,8 +298,8 @@ void showOtherWindows(MainWindow &window, const QString &folder)
 
 } // namespace
 
-/// Takes pictures of the program's windows on its sample server: vantor-screenshots FOLDER. All windows are
-/// also taken in the dark when VANTOR_ALL_SCREENSHOTS is set.
+/// Takes pictures of the program's windows on its sample server: vantor-screenshots FOLDER. All windows and
+/// dialogs are taken, also in the dark, when VANTOR_ALL_SCREENSHOTS is set.
 int main(int argc, char **argv)
 {
     if (argc != 2) {
@@ -261,12 +328,16 @@ int main(int argc, char **argv)
     showOtherWindows(*window, folder);
     showConnecting(folder);
     showBrowser(folder);
+    const bool takesAll = qEnvironmentVariableIsSet("VANTOR_ALL_SCREENSHOTS");
+    if (takesAll)
+        showSheets(*window, folder);
     setTheme(KNPreferences::Theme::Dark);
     save(window, folder, "main-dark");
-    if (qEnvironmentVariableIsSet("VANTOR_ALL_SCREENSHOTS")) {
+    if (takesAll) {
         const QString dark = folder + QStringLiteral("/dark");
         QDir().mkpath(dark);
         showOtherWindows(*window, dark);
+        showSheets(*window, dark);
         showConnecting(dark);
         showBrowser(dark);
     }

@@ -8,6 +8,7 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCompleter>

@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
 using WindowTesting::waitFor;
 
@@ -337,6 +338,11 @@ TEST_F(ObjectExplorer, ShowsPropertiesReadInTheBackground)
     EXPECT_TRUE(waitFor([&] { return !dialog->text().isEmpty(); }));
     EXPECT_TRUE(dialog->text().startsWith(QStringLiteral("Name\tOrders\nSchema\tdbo\nKind\tuser table\n")));
     EXPECT_TRUE(dialog->text().contains(QStringLiteral("\nRows\t10\n")));
+    const auto *const list = dialog->findChild<QTreeWidget *>();
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+        const QString name = list->topLevelItem(row)->text(0);
+        EXPECT_GT(list->columnWidth(0), list->fontMetrics().horizontalAdvance(name)) << name.toStdString();
+    }
     QTest::keyClick(dialog, Qt::Key_Escape);
     EXPECT_FALSE(dialog->isVisible());
 }
