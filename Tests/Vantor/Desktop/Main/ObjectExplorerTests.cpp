@@ -13,6 +13,7 @@
 
 #include <QClipboard>
 #include <QFile>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTemporaryDir>
@@ -307,6 +308,13 @@ TEST_F(ObjectExplorer, StaysResponsiveWhileFiftyThousandTablesLoadAndAreSearched
     const QModelIndex tables = open({QStringLiteral("many"), QStringLiteral("Tables")});
     EXPECT_TRUE(waitFor([&] { return model()->rowCount(tables) == 50000; }));
     m_controller.view()->scrollToBottom();
+    choose(tables, {QStringLiteral("Filter…")});
+    auto *const filter = m_controller.findChild<QInputDialog *>();
+    ASSERT_NE(filter, nullptr);
+    QTest::keyClicks(filter->findChild<QLineEdit *>(), QStringLiteral("4999"));
+    EXPECT_TRUE(waitFor([&] { return model()->rowCount(tables) < 100 && model()->rowCount(tables) > 0; }));
+    QTest::keyClick(filter, Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return model()->rowCount(tables) == 50000; }));
     QTest::keyClicks(m_controller.searchField(), QStringLiteral("tab"));
     const auto found = [&] {
         const QModelIndex many = child(model()->index(0, 0), QStringLiteral("many"));
