@@ -1,3 +1,4 @@
+#include "Database/VantorChangedPasswords.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Database/VantorLoginProblem.h"
 #include "Database/VantorTabConnection.h"
@@ -416,6 +417,26 @@ TEST_F(ConnectionPool, ATabThatLostAnEmptySessionConnectsAgainByItself)
     server.hangsUp = true;
     EXPECT_TRUE(tab->executeQuery(doNothing, nullptr));
     EXPECT_EQ(server.logins, 2);
+}
+
+TEST_F(ConnectionPool, UsesAChangedPasswordUntilTheOldOneSucceeds)
+{
+    settings.setPassword(QStringLiteral("old"));
+    QStringList used;
+    const auto note = [&](VantorDatabaseClient &client, KNError *) {
+        used.append(client.databaseConnectionDetails().password());
+    };
+    const auto tab = pool.connectionForTab(settings);
+    VantorChangedPasswords::shared().add(settings, QStringLiteral("new"));
+    EXPECT_TRUE(pool.executeQuery(note, settings, nullptr));
+    EXPECT_TRUE(tab->executeQuery(note, nullptr));
+    VantorChangedPasswords::shared().add(settings, QStringLiteral("newer"));
+    EXPECT_TRUE(pool.executeQuery(note, settings, nullptr));
+    KNError error;
+    pool.keep(settings, pool.connectedClient(settings, &error)); // the user has entered the old one
+    EXPECT_TRUE(pool.executeQuery(note, settings, nullptr));
+    EXPECT_EQ(used, (QStringList{QStringLiteral("new"), QStringLiteral("new"), QStringLiteral("newer"),
+                                 QStringLiteral("old")}));
 }
 
 TEST_F(ConnectionPool, DoesNotRepeatRefusedLogin)

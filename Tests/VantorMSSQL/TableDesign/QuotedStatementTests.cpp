@@ -1,5 +1,6 @@
 #include "SQL/SQLMetadataTokenizer.h"
 #include "Support/PrintQt.h"
+#include "TableDesign/MSSQLRenameScript.h"
 #include "VantorMSSQL/TableDesign/DesignStatements.h"
 
 #include <gtest/gtest.h>
@@ -38,6 +39,9 @@ QStringList statementsOf(const QString &name)
         row.generateInsert().corrected,
         row.generateUpdate().corrected,
         row.generateReadBack().corrected,
+        MSSQLRenameScript::column(table, name, name),
+        MSSQLRenameScript::index(table, name, name),
+        MSSQLRenameScript::constraint(table, name, name),
     };
 }
 
@@ -82,4 +86,21 @@ TEST(QuotedStatement, HasTheShapeOfItsPlainCounterpart)
     EXPECT_EQ(shape(statements[8]).join(QLatin1Char(' ')), QStringLiteral("DROP INDEX name ON name . name"));
     EXPECT_EQ(shape(statements[14]).join(QLatin1Char(' ')),
               QStringLiteral("UPDATE TOP ( 1 ) name . name SET name = 2 WHERE name = 1"));
+}
+
+TEST(RenameScript, NamesAConstraintByTheSchemaOfItsTable)
+{
+    const MSSQLDesignedTable table{QStringLiteral("it's]"), QStringLiteral("Orders")};
+    EXPECT_EQ(MSSQLRenameScript::constraint(table, QStringLiteral("PK.a"), QStringLiteral("o'clock")),
+              QStringLiteral("EXEC sp_rename N'[it''s]]].[PK.a]', N'o''clock', N'OBJECT'"));
+}
+
+TEST(RenameScript, AcceptsNamesThatAServerTakes)
+{
+    const QString longest(128, QLatin1Char('x'));
+    EXPECT_EQ(MSSQLRenameScript::acceptedName(QLatin1Char(' ') + longest + QLatin1Char(' ')), longest);
+    EXPECT_EQ(MSSQLRenameScript::acceptedName(QStringLiteral("a]b c.d")), QStringLiteral("a]b c.d"));
+    for (const QString &name : {QString(), QStringLiteral(" "), longest + QLatin1Char('x'),
+                                QStringLiteral("a\nb"), QString(QChar(0)) + QLatin1Char('a')})
+        EXPECT_TRUE(MSSQLRenameScript::acceptedName(name).isNull()) << name.toStdString();
 }
