@@ -9,6 +9,7 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/KNConnectorUserInterface.h"
 #include "UI/KNPreferences.h"
+#include "UI/Workspace/KNDocumentTab.h"
 
 namespace {
 

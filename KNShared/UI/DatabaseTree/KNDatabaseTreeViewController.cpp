@@ -10,9 +10,13 @@
 #include "UI/Menus/KNMenuView.h"
 
 #include <QApplication>
+#include <QBoxLayout>
 #include <QClipboard>
 #include <QInputDialog>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
 
 namespace {

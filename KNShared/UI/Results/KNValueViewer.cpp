@@ -13,6 +13,7 @@
 #include "UI/Results/KNCountText.h"
 #include "UI/Results/KNValueFindBar.h"
 
+#include <QBoxLayout>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>

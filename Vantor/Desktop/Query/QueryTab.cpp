@@ -19,7 +19,9 @@
 #include "UI/KNPreferences.h"
 #include "UI/Results/KNResultsPane.h"
 
+#include <QBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPointer>
 #include <QSplitter>
 #include <QUuid>

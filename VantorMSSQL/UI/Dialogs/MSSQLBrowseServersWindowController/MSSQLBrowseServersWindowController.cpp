@@ -4,6 +4,7 @@
 #include "Foundation/KNFormat.h"
 #include "UI/Dialogs/KNProgressMark.h"
 
+#include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
