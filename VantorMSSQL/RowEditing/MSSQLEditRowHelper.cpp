@@ -37,7 +37,8 @@ KNStatementPair MSSQLEditRowHelper::generateQuery() const
     if (statement.generateReadBack().differs()) {
         MSSQLStatementCaution caution;
         caution.add(pair.difference);
-        caution.add(MSSQLStatementCaution::tr("Reading the row again afterwards would fail, or read another row."));
+        caution.add(
+            MSSQLStatementCaution::tr("Reading the row again afterwards would fail, or read another row."));
         pair.difference = caution.text();
     }
     return pair;

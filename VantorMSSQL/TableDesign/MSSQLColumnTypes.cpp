@@ -46,17 +46,10 @@ constexpr Versioned ColumnTypes[] = {
 };
 
 constexpr Versioned Defaults[] = {
-    {"CURRENT_TIMESTAMP", SQL2000},
-    {"getdate()", SQL2000},
-    {"getutcdate()", SQL2000},
-    {"host_name()", SQL2000},
-    {"newid()", SQL2000},
-    {"newsequentialid()", SQL2005},
-    {"suser_sname()", SQL2000},
-    {"sysdatetime()", SQL2008},
-    {"sysdatetimeoffset()", SQL2008},
-    {"sysutcdatetime()", SQL2008},
-    {"user_name()", SQL2000},
+    {"CURRENT_TIMESTAMP", SQL2000}, {"getdate()", SQL2000},     {"getutcdate()", SQL2000},
+    {"host_name()", SQL2000},       {"newid()", SQL2000},       {"newsequentialid()", SQL2005},
+    {"suser_sname()", SQL2000},     {"sysdatetime()", SQL2008}, {"sysdatetimeoffset()", SQL2008},
+    {"sysutcdatetime()", SQL2008},  {"user_name()", SQL2000},
 };
 
 /// The major version of "Microsoft SQL Server 2008 (RTM) - 10.0.1600.22 (X64)". Azure's number stays at 12,

@@ -33,8 +33,9 @@ QString titleOf(const KNEditRowHelper &row)
 QString savedText(bool wasNew, KNEditRowHelper::ReadBack readBack)
 {
     if (readBack == KNEditRowHelper::ReadBack::Made)
-        return wasNew ? KNEditRowWindowController::tr("The row was added. These are the values of the server.")
-                      : KNEditRowWindowController::tr("The row was saved. These are the values of the server.");
+        return wasNew
+                   ? KNEditRowWindowController::tr("The row was added. These are the values of the server.")
+                   : KNEditRowWindowController::tr("The row was saved. These are the values of the server.");
     return wasNew ? KNEditRowWindowController::tr("The row was added, but could not be read again.")
                   : KNEditRowWindowController::tr("The row was saved, but could not be read again.");
 }

@@ -44,7 +44,8 @@ TEST(KNTypedValue, ReadsNumbersToTheLastDigit)
     EXPECT_EQ(readAs(Input::Number, "-0.10"), "-0.10");
     EXPECT_EQ(kindOf(Input::Number, "12.50"), KNValue::Kind::Decimal);
     EXPECT_EQ(kindOf(Input::Number, "1e300"), KNValue::Kind::Double);
-    for (const char *text : {"1,5", "nan", "inf", "0x10", "1e999", "123456789012345678901234567890123456789", "."})
+    for (const char *text :
+         {"1,5", "nan", "inf", "0x10", "1e999", "123456789012345678901234567890123456789", "."})
         EXPECT_EQ(readAs(Input::Number, text), "!") << text;
 }
 

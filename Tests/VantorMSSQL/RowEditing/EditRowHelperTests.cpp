@@ -27,11 +27,13 @@ protected:
         m_client = WireTest::connectedClient(m_settings);
         WireTest::run(*m_client, u("IF SCHEMA_ID('row') IS NULL EXEC('CREATE SCHEMA row')"));
         for (const char *schema : {"dbo", "row"})
-            WireTest::run(*m_client,
-                          KNFormat("CREATE TABLE %@.Edited (id int NOT NULL PRIMARY KEY, name nvarchar(40) NULL "
-                                   "DEFAULT 'new', amount decimal(38,10) NULL, half float NULL, stamp datetime2(7) NULL, "
-                                   "raw varbinary(20) NULL, double_id AS id * 2); INSERT INTO %@.Edited (id) VALUES (1)",
-                                   schema, schema));
+            WireTest::run(
+                *m_client,
+                KNFormat(
+                    "CREATE TABLE %@.Edited (id int NOT NULL PRIMARY KEY, name nvarchar(40) NULL "
+                    "DEFAULT 'new', amount decimal(38,10) NULL, half float NULL, stamp datetime2(7) NULL, "
+                    "raw varbinary(20) NULL, double_id AS id * 2); INSERT INTO %@.Edited (id) VALUES (1)",
+                    schema, schema));
     }
     ~EditRowHelper() override
     {
@@ -78,8 +80,8 @@ TEST_F(EditRowHelper, LoadsTheColumnsInTheOrderOfTheTable)
     QStringList names;
     for (const KNEditRowColumn &column : row.tableColumns())
         names.append(column.columnName);
-    EXPECT_EQ(names, QStringList({u("id"), u("name"), u("amount"), u("half"), u("stamp"), u("raw"),
-                                  u("double_id")}));
+    EXPECT_EQ(names, QStringList(
+                         {u("id"), u("name"), u("amount"), u("half"), u("stamp"), u("raw"), u("double_id")}));
     EXPECT_TRUE(row.tableColumns()[0].isPrimaryKey);
     EXPECT_FALSE(row.tableColumns()[0].isNullable);
     EXPECT_EQ(row.tableColumns()[1].columnCurrentValue, KNValue(u("x")));
@@ -131,8 +133,7 @@ TEST_F(EditRowHelper, ChangesARowInBothForms)
         ASSERT_TRUE(row.applyChanges(corrected, &error)) << error.localizedDescription().toStdString();
         EXPECT_EQ(row.readBack(), ReadBack::Made);
         EXPECT_EQ(valueOf(row, "name"), KNValue(text));
-        EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT name FROM row.Edited WHERE id = 1")),
-                  KNValue(text));
+        EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT name FROM row.Edited WHERE id = 1")), KNValue(text));
         WireTest::run(*m_client, u("UPDATE row.Edited SET name = NULL"));
     }
 }
@@ -159,10 +160,10 @@ TEST_F(EditRowHelper, ReportsTheServersErrorAndKeepsTheValues)
         const char *column;
         KNValue value;
     } cases[] = {
-        {std::nullopt, nullptr, {}},                   // an INSERT with empty lists
-        {Values{{u("id"), KNValue(1)}}, nullptr, {}},  // an UPDATE without changes
-        {std::nullopt, "id", KNValue(1)},              // the key exists
-        {std::nullopt, "amount", KNValue(u("abc"))},   // no number
+        {std::nullopt, nullptr, {}},                  // an INSERT with empty lists
+        {Values{{u("id"), KNValue(1)}}, nullptr, {}}, // an UPDATE without changes
+        {std::nullopt, "id", KNValue(1)},             // the key exists
+        {std::nullopt, "amount", KNValue(u("abc"))},  // no number
     };
     for (const auto &one : cases) {
         MSSQLEditRowHelper row = rowWith(one.initial);
@@ -194,7 +195,8 @@ TEST_F(EditRowHelper, HasNoReadBackWithoutTheKey)
 
 TEST_F(EditRowHelper, WritesTheRowAndCannotReadItWhereANameIsNotQuoted)
 {
-    WireTest::run(*m_client, u("CREATE TABLE row.Spaced ([the id] int PRIMARY KEY, [the ]] name] nvarchar(10))"));
+    WireTest::run(*m_client,
+                  u("CREATE TABLE row.Spaced ([the id] int PRIMARY KEY, [the ]] name] nvarchar(10))"));
     for (const bool corrected : {false, true}) {
         MSSQLEditRowHelper row(m_settings, u("row"), u("Spaced"), std::nullopt);
         row.loadTableColumns();

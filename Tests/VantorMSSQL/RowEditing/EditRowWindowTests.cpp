@@ -78,9 +78,7 @@ protected:
     {
         KNError error;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-            [&](VantorDatabaseClient &client, KNError *failure) {
-                client.executeNonQuery(u(sql), failure);
-            },
+            [&](VantorDatabaseClient &client, KNError *failure) { client.executeNonQuery(u(sql), failure); },
             *m_settings, &error);
         EXPECT_FALSE(error) << error.localizedDescription().toStdString();
     }
@@ -165,7 +163,8 @@ TEST_F(EditRowWindow, RefusesTextThatIsNoValueAndRunsNothing)
 TEST_F(EditRowWindow, SetsNullByKeyWhereTheColumnTakesIt)
 {
     run("INSERT INTO dbo.FormRow (id, name) VALUES (7, 'old')");
-    open(KNEditRowHelper::Values{{u("id"), KNValue(7)}, {u("name"), KNValue(u("old"))}, {u("done"), KNValue(false)}});
+    open(KNEditRowHelper::Values{
+        {u("id"), KNValue(7)}, {u("name"), KNValue(u("old"))}, {u("done"), KNValue(false)}});
     m_form->table()->setCurrentIndex(value(2));
     QTest::keyClick(m_form, Qt::Key_0, Qt::ControlModifier);
     EXPECT_EQ(m_form->status(), u("done does not take NULL."));
