@@ -201,7 +201,7 @@ TEST_P(TroublesomeName, IsTheOneThatForeignKeysAndTriggersMean)
     EXPECT_EQ(names("sys.foreign_keys"), QStringList{keyName});
     ASSERT_TRUE(select(keys->list(), keyName));
     keys->dropSelected();
-    answer(0);
+    answer(1);
     EXPECT_TRUE(names("sys.foreign_keys").isEmpty());
 
     auto *const triggers = page<MSSQLTableTriggerDesignerViewController>();
@@ -212,7 +212,7 @@ TEST_P(TroublesomeName, IsTheOneThatForeignKeysAndTriggersMean)
     EXPECT_EQ(column(QStringLiteral("SELECT name FROM sys.triggers WHERE is_disabled = 1")).size(), 1);
     triggers->list()->setCurrentItem(triggers->list()->topLevelItem(0));
     triggers->dropSelected();
-    answer(0);
+    answer(1);
     EXPECT_TRUE(names("sys.triggers").isEmpty());
 }
 
