@@ -99,8 +99,8 @@ TEST(KNConnectorLoader, RefusesAPluginForSomethingElse)
 TEST(KNConnectorLoader, RefusesAnotherVersionOfTheContract)
 {
     expectRefusal(plugin("NewerContract"), Problem::WrongContract,
-                  "keeps version 3 of the connector contract");
-    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 2");
+                  "keeps version 4 of the connector contract");
+    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 3");
 }
 
 TEST(KNConnectorLoader, RefusesAConnectorWithoutAName)
