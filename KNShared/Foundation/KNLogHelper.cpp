@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -110,12 +111,12 @@ struct KNLogHelper::Private
     {
         constexpr auto MostCountedTime = std::chrono::seconds(1);
         const auto now = std::chrono::steady_clock::now();
-        if (message == newest && now - newestTime < MostCountedTime) {
+        if (message == QStringView(newest) && now - newestTime < MostCountedTime) {
             ++repetitions;
             return true;
         }
         writeRepetitions();
-        newest = message;
+        newest = message.toStdU16String();
         newestTime = now;
         return false;
     }
@@ -130,7 +131,7 @@ struct KNLogHelper::Private
 
     mutable std::mutex mutex; ///< guards everything below
     KNLogFile file;
-    QString newest; ///< the message of the newest record
+    std::u16string newest; ///< the message of the newest record; shares no memory with the caller's text
     std::chrono::steady_clock::time_point newestTime;
     qint64 repetitions = 0; ///< of the newest record, not yet written
     QStringList secrets;
