@@ -9,7 +9,7 @@
 
 #include <utility>
 
-/// What a user wants of one column of a table.
+/// A change of one column of a table, as a user enters it.
 struct KNColumnEdit
 {
     enum class Kind { Change, Add, Drop };

@@ -58,7 +58,7 @@ public:
     /// Runs the statement, in its corrected form if asked to, and reads the row again. True without an error;
     /// otherwise the values stay as they are. `error` must not be null.
     virtual bool applyChanges(bool corrected, KNError *error) = 0;
-    /// What the last applyChanges() could read.
+    /// The result of reading the row again in the last applyChanges().
     ReadBack readBack() const { return m_readBack; }
 
 protected:

@@ -14,7 +14,7 @@ class KNSHARED_EXPORT KNTypedValue
     Q_DECLARE_TR_FUNCTIONS(KNTypedValue)
 
 public:
-    /// What a column takes.
+    /// The kinds of values that columns accept.
     enum class Input {
         Text,
         Integer,

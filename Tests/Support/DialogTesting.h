@@ -10,7 +10,7 @@
 #include <QPushButton>
 #include <QSet>
 
-/// What the keyboard and a screen reader need of every dialog.
+/// Checks of a dialog for keyboard and screen reader users.
 namespace DialogTesting {
 
 inline QString nameOf(QWidget *widget)

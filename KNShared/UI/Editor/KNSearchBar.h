@@ -9,7 +9,7 @@ class QLabel;
 class QLineEdit;
 class QToolButton;
 
-/// What the bars that find something have in common: a field, buttons for the next and the previous match,
+/// The base of the find bars: a field, buttons for the next and the previous match,
 /// and a message. Hidden until opened. Return finds the next match, Shift+Return the previous one; Escape
 /// hides the bar and returns the focus to what it searches. Derived bars lay the widgets out. On the UI
 /// thread.

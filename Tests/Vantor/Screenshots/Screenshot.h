@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <functional>
 
-/// What takes pictures of windows.
+/// Helpers that take pictures of windows.
 namespace Screenshot {
 
 /// Waits for the program; ends this one when nothing comes.
