@@ -33,6 +33,7 @@ const CatalogTable &indexesTable();
 const CatalogTable &indexColumnsTable();
 const CatalogTable &foreignKeysTable();
 const CatalogTable &foreignKeyColumnsTable();
+const CatalogTable &dependenciesTable();
 
 /// Returns the table with this name ("objects$"); null if there is none.
 const CatalogTable *findCatalogTable(std::string_view name);

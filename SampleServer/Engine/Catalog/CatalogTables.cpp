@@ -407,6 +407,7 @@ const CatalogTable *findCatalogTable(std::string_view name)
         {"index_columns$", indexColumnsTable},
         {"foreign_keys$", foreignKeysTable},
         {"foreign_key_columns$", foreignKeyColumnsTable},
+        {"dependencies$", dependenciesTable},
         {"parameters$", parameters},
         {"trigger_events$", triggerEvents},
         {"schemas$", schemas},

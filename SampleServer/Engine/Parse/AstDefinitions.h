@@ -135,6 +135,7 @@ struct ModuleDefinition
     TypeName returns;                     ///< of a scalar function
     CreateTable resultTable;              ///< of a multi-statement function; its name is the variable's
     ObjectName parent;                    ///< of a trigger
+    std::vector<ObjectName> references;   ///< the tables, views and procedures that the text names
     bool onInsert = false, onUpdate = false, onDelete = false, insteadOf = false;
 
     ModuleDefinition();

@@ -41,6 +41,7 @@ StatementPtr ModuleParser::parseModule(std::size_t start, bool create, bool alte
         parseTriggerRest(*definition);
     else
         parseProcedureRest(*definition);
+    definition->references = std::move(m_context.references);
     // The catalog stores the text as if it had been created with CREATE.
     const Token &first = m_context.tokens[start];
     CreateModule node;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engine/Edition.h"
+#include "Engine/Parse/AstExpressions.h"
 #include "Engine/Parse/Lexer.h"
 
 #include <set>
@@ -20,14 +21,15 @@ struct ParseContext
     int nesting = 0;
     int setOperators = 0; ///< of the statement
     int statementLine = 1;
-    int loops = 0;                        ///< number of enclosing WHILE loops
-    std::string module;                   ///< the module being defined, for errors
-    bool allowsColumns = true;            ///< not in DEFAULT
-    bool allowsSubqueries = true;         ///< not in constraints and PRINT
-    std::set<std::string> declared;       ///< folded names of the variables declared so far
-    std::set<std::string> declaredTables; ///< likewise of table variables
-    std::set<std::string> mayBeTables;    ///< declared with a type that may be a table type
-    bool mayReturnValue = false;          ///< RETURN takes a value here
+    int loops = 0;                           ///< number of enclosing WHILE loops
+    std::string module;                      ///< the module being defined, for errors
+    bool allowsColumns = true;               ///< not in DEFAULT
+    bool allowsSubqueries = true;            ///< not in constraints and PRINT
+    std::set<std::string> declared;          ///< folded names of the variables declared so far
+    std::set<std::string> declaredTables;    ///< likewise of table variables
+    std::set<std::string> mayBeTables;       ///< declared with a type that may be a table type
+    bool mayReturnValue = false;             ///< RETURN takes a value here
+    std::vector<Ast::ObjectName> references; ///< the tables, views and procedures named so far
 };
 
 } // namespace SampleServer

@@ -86,7 +86,7 @@ StatementPtr StatementParser::parseExecute()
     if (current().kind == TokenKind::Variable)
         node.procedureVariable = expectVariable();
     else
-        node.procedure = parseObjectName();
+        node.procedure = m_context.references.emplace_back(parseObjectName());
     const auto startsArgument = [this] {
         const TokenKind kind = current().kind;
         return (kind != TokenKind::Symbol && kind != TokenKind::Word && kind != TokenKind::End) ||

@@ -150,8 +150,10 @@ ObjectName TokenReader::parseObjectName()
 ObjectName TokenReader::parseTableName()
 {
     const Token &token = current();
-    if (token.kind != TokenKind::Variable)
-        return parseObjectName();
+    if (token.kind != TokenKind::Variable) {
+        m_context.references.push_back(parseObjectName());
+        return m_context.references.back();
+    }
     if (!m_context.declaredTables.contains(foldedName(token.value)) &&
         !m_context.mayBeTables.contains(foldedName(token.value)))
         fail(EngineError(1087, 15, 2, "Must declare the table variable \"" + token.value + "\".",

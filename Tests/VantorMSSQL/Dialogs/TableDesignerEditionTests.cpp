@@ -271,6 +271,11 @@ TEST_F(DesignerOfFake, ShowsWhyTheTablesForAForeignKeyCannotBeRead)
 
 namespace {
 
+struct PublicSettings : DesignerTest
+{
+    using DesignerTest::settingsFor;
+};
+
 /// The dialog's text and list for a table on a server with this banner.
 struct Renaming
 {
@@ -315,6 +320,24 @@ TEST(RenamingATable, ListsTheObjectsThatNameItOnEachVersion)
             server->texts("List_DependentsOfTable") + server->texts("List_DependentsOfTable_2000");
         ASSERT_EQ(asked.size(), 1) << banner;
         EXPECT_TRUE(asked[0].contains(QString::fromUtf8(source))) << banner;
+    }
+}
+
+TEST(RenamingATable, ListsTheObjectsOfADatabaseThatNameIt)
+{
+    for (const char *edition : {"2000", "2008", "2022", "azure"}) {
+        const SampleServerFixture server({{"--edition", edition}, {}});
+        const auto settings = PublicSettings::settingsFor(server);
+        settings->setDatabase(QStringLiteral("shop"));
+        QWidget window;
+        const auto *const dialog = new MSSQLRenameTableWindowController(
+            {QStringLiteral("dbo"), QStringLiteral("Orders")}, settings, &window);
+        EXPECT_TRUE(WindowTesting::settle());
+        // A trigger of the table follows the rename: it is not among them.
+        EXPECT_EQ(dialog->findChild<QPlainTextEdit *>()->toPlainText(),
+                  QStringLiteral("sales.CustomerOrders\nsales.OrdersOf\nsales.PlaceOrder"))
+            << edition;
+        VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
     }
 }
 

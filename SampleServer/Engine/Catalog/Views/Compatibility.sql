@@ -127,8 +127,9 @@ FROM sys.[properties$] p
 WHERE p.class IN (0, 1)
 GO
 CREATE VIEW sys.sysdepends AS
-SELECT 0 AS id, 0 AS depid, CAST(0 AS smallint) AS number, CAST(0 AS smallint) AS depnumber
-WHERE 1 = 0
+SELECT d.referencing_id AS id, d.referenced_id AS depid, CAST(1 AS smallint) AS number,
+    CAST(0 AS smallint) AS depnumber
+FROM sys.[dependencies$] AS d
 GO
 CREATE VIEW sys.sysprocesses AS
 SELECT s.session_id AS spid, CAST(0 AS smallint) AS kpid, CAST(0 AS smallint) AS blocked,

@@ -243,10 +243,21 @@ SELECT 1 AS xml_collection_id, 4 AS schema_id, CAST(NULL AS int) AS principal_id
     CAST('2022-01-01' AS datetime) AS create_date, CAST('2022-01-01' AS datetime) AS modify_date
 GO
 CREATE VIEW sys.sql_dependencies AS
-SELECT CAST(0 AS tinyint) AS class, CAST('' AS nvarchar(60)) AS class_desc, 0 AS object_id, 0 AS column_id,
-    0 AS referenced_major_id, 0 AS referenced_minor_id, CAST(0 AS bit) AS is_selected, CAST(0 AS bit) AS is_updated,
-    CAST(0 AS bit) AS is_select_all
-WHERE 1 = 0
+SELECT CAST(d.is_schema_bound_reference AS tinyint) AS class,
+    CAST(CASE d.is_schema_bound_reference WHEN 0 THEN 'OBJECT_OR_COLUMN_REFERENCE_NON_SCHEMA_BOUND'
+        ELSE 'OBJECT_OR_COLUMN_REFERENCE_SCHEMA_BOUND' END AS nvarchar(60)) AS class_desc,
+    d.referencing_id AS object_id, 0 AS column_id, d.referenced_id AS referenced_major_id, 0 AS referenced_minor_id,
+    CAST(0 AS bit) AS is_selected, CAST(0 AS bit) AS is_updated, CAST(0 AS bit) AS is_select_all
+FROM sys.[dependencies$] AS d
+GO
+CREATE VIEW sys.sql_expression_dependencies AS
+SELECT d.referencing_id, 0 AS referencing_minor_id, CAST(1 AS tinyint) AS referencing_class,
+    CAST('OBJECT_OR_COLUMN' AS nvarchar(60)) AS referencing_class_desc, d.is_schema_bound_reference,
+    CAST(1 AS tinyint) AS referenced_class, CAST('OBJECT_OR_COLUMN' AS nvarchar(60)) AS referenced_class_desc,
+    CAST(NULL AS sysname) AS referenced_server_name, CAST(NULL AS sysname) AS referenced_database_name,
+    d.referenced_schema_name, d.referenced_entity_name, d.referenced_id, 0 AS referenced_minor_id,
+    CAST(0 AS bit) AS is_caller_dependent, CAST(0 AS bit) AS is_ambiguous
+FROM sys.[dependencies$] AS d
 GO
 CREATE VIEW sys.sequences AS
 SELECT *
