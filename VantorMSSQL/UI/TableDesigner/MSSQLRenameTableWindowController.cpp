@@ -51,7 +51,6 @@ MSSQLRenameTableWindowController::MSSQLRenameTableWindowController(const MSSQLDe
     m_dependents->setReadOnly(true);
     m_dependents->setMaximumHeight(ListHeight);
     m_dependents->setAccessibleName(tr("Objects that name the table"));
-    m_dependents->hide();
     QDialogButtonBox *const buttons = makeButtons(tr("Rename"));
     disconnect(buttons, &QDialogButtonBox::accepted, nullptr, nullptr);
     connect(buttons, &QDialogButtonBox::accepted, this, &MSSQLRenameTableWindowController::onAccept);
@@ -60,6 +59,7 @@ MSSQLRenameTableWindowController::MSSQLRenameTableWindowController(const MSSQLDe
     layout->addRow(tr("&New name:"), m_name);
     layout->addRow(m_notice);
     layout->addRow(m_dependents);
+    layout->setRowVisible(m_dependents, false); // without its spacing
     layout->addRow(buttons);
     m_name->setFocus();
     loadDependents(table, std::move(settings));
@@ -100,6 +100,6 @@ void MSSQLRenameTableWindowController::showDependents(const QStringList &names)
                                       : tr("These objects name the table. They are not changed, and may fail "
                                            "afterwards:"));
     m_dependents->setPlainText(names.join(QLatin1Char('\n')));
-    m_dependents->setVisible(!names.isEmpty());
+    static_cast<QFormLayout *>(layout())->setRowVisible(m_dependents, !names.isEmpty());
     adjustSize();
 }
