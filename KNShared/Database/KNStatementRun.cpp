@@ -87,6 +87,10 @@ KNStatementOutcome KNStatementRun::Work::perform(const VantorDBC &details)
         [&](VantorDatabaseClient &lent, KNError *failure) {
             outcome = perform(lent);
             *failure = outcome.error;
+            // Later callers of the pool must not inherit SET options or temporary tables.
+            const VantorSessionState state = lent.sessionStateAfter(request.script);
+            if (state.hasOptions || state.hasTemporaryTables)
+                lent.disconnect();
         },
         details, &error);
     if (error && !outcome.error) { // no connection could be opened

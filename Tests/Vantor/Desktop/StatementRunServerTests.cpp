@@ -81,6 +81,14 @@ TEST_F(StatementRunsOnAServer, RollBackWhenALaterBatchFails)
     EXPECT_EQ(rowCount(), 0);
 }
 
+TEST_F(StatementRunsOnAServer, LeaveNoOptionsInAPooledSession)
+{
+    const QString failing = QStringLiteral("SET XACT_ABORT ON\nSELECT 1 / 0\nSET XACT_ABORT OFF");
+    EXPECT_TRUE(run(failing, false).error);
+    EXPECT_TRUE(run(QStringLiteral("IF @@OPTIONS & 16384 <> 0 RAISERROR('XACT_ABORT is on', 16, 1)"), false)
+                    .succeeded());
+}
+
 TEST_F(StatementRunsOnAServer, FailWithALaterStatementOfABatch)
 {
     const QString script =
