@@ -5,13 +5,13 @@
 
 #include <QFileInfo>
 
-KNStoreLock::KNStoreLock(const QString &path)
+KNStoreLock::KNStoreLock(const QString &path, std::chrono::milliseconds longestWait)
     : m_file(path)
 {
-    constexpr int LongestWait = 10'000; // milliseconds
     KNMakePrivateFolder(QFileInfo(path).path());
     m_file.setStaleLockTime(0); // held as long as the program runs
-    m_isHeld = m_file.tryLock(LongestWait) || m_file.error() != QLockFile::LockFailedError;
+    m_isHeld =
+        m_file.tryLock(static_cast<int>(longestWait.count())) || m_file.error() != QLockFile::LockFailedError;
 }
 
 KNError KNStoreLock::error() const

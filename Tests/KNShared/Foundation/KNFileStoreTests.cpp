@@ -185,6 +185,22 @@ TEST_F(FileStoreTest, LosesNoChangeOfTwoStoresThatShareTheFile)
     EXPECT_EQ(text(ListKey), QString(2 * Changes, QLatin1Char('x')));
 }
 
+TEST(StoreLock, GivesUpWhenAnotherProgramDoesNotFinish)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("store.lock"));
+    const KNStoreLock other(path);
+    ASSERT_TRUE(other.isHeld());
+    EXPECT_FALSE(other.error());
+
+    const KNStoreLock late(path, std::chrono::milliseconds(50));
+    EXPECT_FALSE(late.isHeld());
+    EXPECT_EQ(late.error().code(), KNKeyValueStore::NotWritten);
+    EXPECT_EQ(late.error().localizedDescription(),
+              QStringLiteral("Another program is changing the remembered connections. Try again when it has "
+                             "finished."));
+}
+
 TEST_F(FileStoreTest, WaitsUntilAnotherProgramHasFinishedItsChange)
 {
     std::optional<KNError> answer;
