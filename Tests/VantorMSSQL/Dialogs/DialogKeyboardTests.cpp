@@ -1,7 +1,9 @@
+#include "Implementations/MSSQLBrowserServiceClient.h"
 #include "Support/DialogTesting.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingStore.h"
 #include "Support/SampleServerFixture.h"
+#include "Support/WatchedApplication.h"
 #include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
@@ -108,9 +110,13 @@ protected:
     void SetUp() override
     {
         MSSQLRecentConnection::forgetList();
+        MSSQLBrowserServiceClient::setSearch({QStringLiteral("127.255.255.255"), 1, ShortTime, ShortTime});
         m_window.show();
-        m_dialog = GetParam().make(&m_window);
-        m_dialog->beginSheet([this](int code) { m_result = code; });
+        WatchedApplication::instance().beginWatch();
+        WatchedApplication::instance().watch("opening", [this] {
+            m_dialog = GetParam().make(&m_window);
+            m_dialog->beginSheet([this](int code) { m_result = code; });
+        });
         m_dialog->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog));
         if (qstrcmp(GetParam().name, "servers") != 0) { // its search does not end
@@ -121,10 +127,12 @@ protected:
     {
         delete m_dialog;
         EXPECT_TRUE(WindowTesting::settle());
+        MSSQLBrowserServiceClient::setSearch({});
         MSSQLRecentConnection::forgetList();
         KNKeyValueStore::setShared(nullptr);
     }
 
+    static constexpr auto ShortTime = std::chrono::milliseconds(50);
     RecordingAlerts &m_alerts = RecordingAlerts::install();
     const std::shared_ptr<RecordingStore> m_store = RecordingStore::install();
     QWidget m_window;
@@ -155,6 +163,12 @@ TEST_P(ConnectorDialogs, HaveOneDefaultButtonForTheReturnKey)
     for (QPushButton *const button : m_dialog->findChildren<QPushButton *>()) {
         EXPECT_TRUE(button->isDefault() || !button->autoDefault()) << button->text().toStdString();
     }
+}
+
+TEST_P(ConnectorDialogs, OpenWithoutHoldingTheWindowUp)
+{
+    const WatchedApplication::Call &longest = WatchedApplication::instance().longestCall();
+    EXPECT_LT(longest.milliseconds, WatchedApplication::LongestAllowed) << longest.what;
 }
 
 TEST_P(ConnectorDialogs, HaveMnemonicsThatDifferAndReachTheirFields)
