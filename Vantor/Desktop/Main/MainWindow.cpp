@@ -29,6 +29,7 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QScreen>
 #include <QSplitter>
 
 #include <algorithm>
@@ -463,7 +464,8 @@ void MainWindow::restoreLayout()
     const auto stored = [](const QString &key) {
         return QByteArray::fromBase64(KNUserDefaults::standardUserDefaults()->stringForKey(key).toLatin1());
     };
-    resize(1280, 800);
+    constexpr QSize TitleBar(0, 40); // about; known only when the window is shown
+    resize(QSize(1280, 800).boundedTo(screen()->availableSize() - TitleBar));
     m_splitter->setSizes({300, 980});
     restoreGeometry(stored(GeometryKey));
     m_splitter->restoreState(stored(SplitterKey));
