@@ -57,7 +57,9 @@ MainWindow *Application::openConnection(const VantorDBC &details)
     connect(window, &MainWindow::connectionRequested, this,
             [this](const VantorDBCPtr &requested) { openConnection(*requested); });
     connect(window, &MainWindow::newWindowRequested, this, [this, window](KNDocumentTab *document) {
-        openConnection(*window->databaseConnectionDetails())->adoptDocument(document);
+        MainWindow *const other = openConnection(*window->databaseConnectionDetails());
+        other->adoptDocument(document);
+        other->activateWindow();
     });
     window->show();
     window->openFiles(m_options.files);

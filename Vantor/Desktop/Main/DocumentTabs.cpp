@@ -10,6 +10,7 @@
 #include "UI/KNPlainToolTip.h"
 
 #include <QDragEnterEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTabBar>
@@ -54,7 +55,11 @@ QString stateText(const KNDocumentStatus &status)
 DocumentTabs::DocumentTabs(QWidget *parent)
     : QTabWidget(parent)
     , m_cycle(new TabCycle(this))
+    , m_hint(new QLabel(tr("Open a new query, or double-click a table to see its rows."), this))
 {
+    m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setWordWrap(true);
+    m_hint->setForegroundRole(QPalette::PlaceholderText);
     setDocumentMode(true);
     setTabsClosable(true);
     setMovable(true);
@@ -70,6 +75,25 @@ DocumentTabs::DocumentTabs(QWidget *parent)
     setAcceptDrops(true);
     tabBar()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(tabBar(), &QTabBar::customContextMenuRequested, this, &DocumentTabs::showMenu);
+}
+
+void DocumentTabs::resizeEvent(QResizeEvent *event)
+{
+    QTabWidget::resizeEvent(event);
+    m_hint->setGeometry(rect());
+}
+
+void DocumentTabs::tabInserted(int index)
+{
+    QTabWidget::tabInserted(index);
+    m_hint->hide();
+}
+
+void DocumentTabs::tabRemoved(int index)
+{
+    QTabWidget::tabRemoved(index);
+    m_hint->setVisible(count() == 0);
+    m_hint->raise();
 }
 
 QList<KNDocumentTab *> DocumentTabs::documents() const

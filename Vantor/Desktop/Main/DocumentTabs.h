@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTabWidget>
 
+class QLabel;
 class TabCycle;
 
 /// The tabs of a window's documents. On the UI thread.
@@ -60,6 +61,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void tabInserted(int index) override;
+    void tabRemoved(int index) override;
 
 private:
     static constexpr qsizetype MostClosed = 20;
@@ -73,5 +77,6 @@ private:
     void askNext(const QList<QPointer<KNDocumentTab>> &toAsk, const std::function<void()> &proceed);
 
     TabCycle *const m_cycle;
+    QLabel *const m_hint;            ///< shown while there is no tab
     QList<KNDocumentState> m_closed; ///< the one closed last at the end
 };

@@ -14,6 +14,7 @@
 #include <QClipboard>
 #include <QDropEvent>
 #include <QFile>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
 #include <QTabBar>
@@ -340,6 +341,26 @@ TEST_F(Tabs, AreDroppedOnlyInWindowsOfTheirConnection)
     EXPECT_FALSE(own.isAccepted()); // within its bar a tab is moved, not dragged
     delete own.mimeData();
     EXPECT_TRUE(WindowTesting::settle());
+}
+
+TEST_F(Tabs, ShowAHintWhileThereIsNone)
+{
+    const auto shownHints = [&] {
+        QStringList texts;
+        for (const QLabel *const label : window->tabs()->findChildren<QLabel *>(Qt::FindDirectChildrenOnly)) {
+            if (label->isVisible())
+                texts.append(label->text());
+        }
+        return texts;
+    };
+    window->show();
+    EXPECT_EQ(shownHints(), QStringList());
+    window->tabs()->closeDocuments(window->tabs()->documents());
+    EXPECT_TRUE(waitFor([&] { return window->tabs()->count() == 0; }));
+    EXPECT_EQ(shownHints(),
+              QStringList(QStringLiteral("Open a new query, or double-click a table to see its rows.")));
+    add("Orders");
+    EXPECT_EQ(shownHints(), QStringList());
 }
 
 TEST_F(Tabs, AskForAWindowOfTheirOwn)
