@@ -488,6 +488,13 @@ TEST_F(ConnectionWindow, AsksWhetherAnUnknownSSHServerIsTheRightOne)
     QFile::remove(KNSSHHostKey::knownHostsFile());
 }
 
+TEST_F(ConnectionWindow, BeginsInTheFieldOfTheServer)
+{
+    open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog));
+    EXPECT_TRUE(m_form->server->hasFocus());
+}
+
 TEST_F(ConnectionWindow, TakesTheServerThatIsChosenInTheBrowser)
 {
     const SampleServerFixture server({{"--browser-port", "0", "--instance", "SAMPLE"}, {}});

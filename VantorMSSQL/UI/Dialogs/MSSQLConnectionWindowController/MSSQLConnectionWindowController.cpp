@@ -81,6 +81,7 @@ MSSQLConnectionWindowController::MSSQLConnectionWindowController(QWidget *parent
     connect(this, &ConnectionWindowController::optionsChanged, this,
             &MSSQLConnectionWindowController::showState);
     showState();
+    m_form->server->setFocus(); // a name is optional
 }
 
 MSSQLConnectionWindowController::~MSSQLConnectionWindowController() = default;
