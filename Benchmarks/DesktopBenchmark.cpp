@@ -118,17 +118,19 @@ int main(int argc, char **argv)
     waitFor("database", [&] { return tree->rowCount(tree->index(0, 0)) > 0; });
     window->grab();
     const double toDatabases = processAge();
-    std::printf("desktop, start to a window that can be typed in %.2f s\n", toWindow);
-    std::printf("desktop, start to the databases in the tree %.2f s, a sample server started meanwhile\n",
-                toDatabases);
+    std::printf("desktop, start to a window that accepts input  %.2f s\n", toWindow);
+    std::printf(
+        "desktop, start to the databases in the tree  %.2f s, including the start of a sample server\n",
+        toDatabases);
 
     const VantorDBC &details = *window->databaseConnectionDetails();
     secondsToReadWithoutWindow(details); // warms up
     const double bare = secondsToReadWithoutWindow(details);
     const double shown = secondsToShow(*window);
-    std::printf("desktop, 1,000,000 rows until the last one is shown %.2f s, %.2f times reading them without "
-                "a window\n",
-                shown, shown / bare);
+    std::printf(
+        "desktop, 1,000,000 rows until the last one is shown  %.2f s, %.2f times reading them without "
+        "a window\n",
+        shown, shown / bare);
     std::fflush(stdout);
     delete window;
     KNDispatch::waitUntilIdle(60'000);
