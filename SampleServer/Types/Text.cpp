@@ -121,6 +121,8 @@ std::string utf16Substring(std::string_view text, std::size_t start, std::size_t
 
 std::string toUpper(std::string_view text)
 {
+    if (isAscii(text))
+        return asciiUpper(text);
     return mapped(text, [](char32_t c) {
         return static_cast<char32_t>(towupper_l(static_cast<wint_t>(c), unicodeLocale()));
     });
