@@ -62,13 +62,13 @@ function(vantor_precompile_widgets target)
     <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
 endfunction()
 
-# Compiles a library's files several at a time: parsing headers is most of the work. Names in anonymous namespaces must
-# then differ within the library.
-function(vantor_compile_together target)
+# vantor_compile_together(TARGET FILES): compiles FILES of a target's files at a time, because parsing headers is most of
+# the work. Names in anonymous namespaces must then differ within the target.
+function(vantor_compile_together target files)
   if(VANTOR_PLAIN)
     return()
   endif()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${files})
   # The unity file includes the others: GCC treats their anonymous namespaces as if they came from headers.
   target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
 endfunction()
