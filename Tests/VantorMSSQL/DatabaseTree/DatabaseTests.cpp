@@ -48,7 +48,7 @@ KNDatabaseSearchResult object(const char *display, const char *schema, const cha
 class Counting : public KNAutocompleteHelper
 {
 public:
-    void requestEntriesForDatabaseConnectionDetails(const VantorDBC &details) override
+    void requestEntriesForDatabaseConnectionDetails(const VantorDBC &details, bool) override
     {
         databases.append(details.database());
     }

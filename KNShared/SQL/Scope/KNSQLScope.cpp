@@ -1,0 +1,143 @@
+#include "SQL/Scope/KNSQLScope.h"
+
+#include "SQL/Scope/KNSQLDeclarations.h"
+#include "SQL/Scope/KNSQLName.h"
+#include "SQL/Scope/KNSQLScopeParser.h"
+
+namespace {
+
+using Role = KNSQLRole;
+
+bool isPartOfName(SQLTokenKind kind)
+{
+    return kind == SQLTokenKind::Word || kind == SQLTokenKind::BracketedIdentifier ||
+           kind == SQLTokenKind::QuotedIdentifier || kind == SQLTokenKind::Variable;
+}
+
+/// Whether the caret stands in a token, which may lack its end.
+bool isInside(const KNSQLTokens &tokens, qsizetype index, qsizetype caret)
+{
+    const KNSQLPiece &piece = tokens.at(index);
+    if (caret < piece.end())
+        return true;
+    const QStringView text = tokens.textAt(index);
+    const bool isQuoted = piece.kind == SQLTokenKind::String ||
+                          piece.kind == SQLTokenKind::QuotedIdentifier ||
+                          piece.kind == SQLTokenKind::BracketedIdentifier;
+    const QChar closing = piece.kind == SQLTokenKind::String             ? u'\''
+                          : piece.kind == SQLTokenKind::QuotedIdentifier ? u'"'
+                                                                         : u']';
+    return isQuoted && caret == piece.end() && (text.size() < 2 || text.back() != closing);
+}
+
+/// Finds the name at the caret and the names before it. False where none can stand.
+bool findTyped(const KNSQLTokens &tokens, qsizetype caret, KNSQLScope *scope, KNSQLTyped *typed)
+{
+    qsizetype index = tokens.countBefore(caret);
+    typed->begin = typed->end = index;
+    scope->replaceFrom = scope->replaceTo = caret;
+    if (index > 0 && tokens.at(index - 1).end() >= caret) {
+        const KNSQLPiece &piece = tokens.at(index - 1);
+        if (piece.kind == SQLTokenKind::String ? isInside(tokens, index - 1, caret)
+                                               : piece.kind == SQLTokenKind::Number)
+            return false;
+        const bool isClosedQuote = piece.kind != SQLTokenKind::Word && piece.kind != SQLTokenKind::Variable &&
+                                   !isInside(tokens, index - 1, caret);
+        if (isPartOfName(piece.kind) && !isClosedQuote) {
+            scope->replaceFrom = piece.location;
+            // An open quote reaches further than the name.
+            const bool isOpen = piece.kind != SQLTokenKind::Word && piece.kind != SQLTokenKind::Variable;
+            scope->replaceTo = isOpen ? caret : piece.end();
+            scope->prefix = KNSQLName::withoutQuotes(
+                QStringView(tokens.text()).mid(piece.location, caret - piece.location));
+            typed->begin = --index;
+        }
+    }
+    QStringList qualifier;
+    while (index > 0 && KNSQLName::is(tokens, index - 1, u'.')) {
+        --index;
+        if (index > 0 && (KNSQLName::isName(tokens, index - 1) || isPartOfName(tokens.at(index - 1).kind)) &&
+            tokens.at(index - 1).kind != SQLTokenKind::Variable) {
+            --index;
+            qualifier.prepend(KNSQLName::text(tokens, index));
+        } else {
+            qualifier.prepend(QStringLiteral(""));
+        }
+    }
+    scope->qualifier = qualifier;
+    typed->begin = index;
+    return true;
+}
+
+/// SELECT ... INTO #name of a statement before.
+void addSelectInto(const KNSQLTokens &tokens, const KNSQLStatement &statement, KNSQLSources *tables)
+{
+    for (qsizetype at = statement.begin; at + 1 < statement.end; ++at) {
+        if (tokens.at(at).role != Role::Into || !tokens.textAt(at + 1).startsWith(u'#') ||
+            statement.lead == Role::Insert)
+            continue;
+        KNSQLScope scope;
+        KNSQLScopeParser parser(tokens, statement, {statement.end, statement.end});
+        parser.parse(&scope);
+        KNSQLSource table = parser.result();
+        table.path = QStringList{tokens.textAt(at + 1).toString()};
+        tables->append(table);
+        return;
+    }
+}
+
+/// The quote that is missing in a quoted name at the caret, which reaches into the text behind it; null if
+/// none is.
+QChar missingQuote(const KNSQLTokens &tokens, qsizetype caret)
+{
+    const qsizetype index = tokens.countBefore(caret) - 1;
+    if (index < 0 || tokens.at(index).end() < caret || !isInside(tokens, index, caret))
+        return QChar();
+    const KNSQLPiece &piece = tokens.at(index);
+    const bool isBracketed = piece.kind == SQLTokenKind::BracketedIdentifier;
+    if (!isBracketed && piece.kind != SQLTokenKind::QuotedIdentifier)
+        return QChar();
+    const QChar closing = isBracketed ? u']' : u'"';
+    const QStringView behind = QStringView(tokens.text()).mid(caret, piece.end() - caret);
+    const bool isClosed = behind.endsWith(closing) && !behind.contains(u'[') && !behind.contains(u'\n');
+    return isClosed ? QChar() : closing;
+}
+
+KNSQLScope analyse(const KNSQLTokens &tokens, qsizetype caret)
+{
+    KNSQLScope scope;
+    KNSQLTyped typed;
+    if (tokens.isInComment(caret) || !findTyped(tokens, caret, &scope, &typed))
+        return scope;
+    const bool isTyped = typed.end > typed.begin;
+    const auto found = KNSQLStatements::upTo(tokens, isTyped ? typed.begin + 1 : typed.begin);
+    const KNSQLStatement &last = found.statements.last();
+    KNSQLScopeParser(tokens, last, typed).parse(&scope);
+    for (qsizetype index = 0; index + 1 < found.statements.size(); ++index) {
+        const KNSQLStatement &statement = found.statements[index];
+        if (!statement.mentionsTemporaryTable)
+            continue;
+        KNSQLDeclarations::addTemporaryTable(tokens, statement, &scope.temporaryTables);
+        addSelectInto(tokens, statement, &scope.temporaryTables);
+    }
+    for (qsizetype index = found.batchBegin; index < found.statements.size(); ++index)
+        KNSQLDeclarations::addVariables(tokens, found.statements[index], typed.begin, &scope.variables,
+                                        &scope.temporaryTables);
+    return scope;
+}
+
+} // namespace
+
+KNSQLScope KNAnalyseSQLScope(const KNSQLTokens &tokens, qsizetype caret)
+{
+    const QChar quote = missingQuote(tokens, caret);
+    if (quote.isNull())
+        return analyse(tokens, caret);
+    QString text = tokens.text();
+    text.insert(caret, quote);
+    KNSQLTokens closed(tokens.dialect());
+    closed.setText(text);
+    KNSQLScope scope = analyse(closed, caret);
+    scope.replaceTo = caret;
+    return scope;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "KNSharedExport.h"
+#include "SQL/Scope/KNSQLDialect.h"
+
+/// A token other than white space and comments.
+struct KNSQLPiece
+{
+    SQLTokenKind kind;
+    KNSQLRole role;
+    qint32 location;
+    qint32 length;
+
+    qint32 end() const { return location + length; }
+};
+
+/// The tokens of a text that is edited: a new text reuses the tokens of its unchanged parts. Used by one
+/// thread at a time.
+class KNSHARED_EXPORT KNSQLTokens
+{
+public:
+    /// The dialect must outlive the object.
+    explicit KNSQLTokens(const KNSQLDialect &dialect)
+        : m_dialect(dialect)
+    {
+    }
+
+    void setText(const QString &text);
+    const QString &text() const { return m_text; }
+    const KNSQLDialect &dialect() const { return m_dialect; }
+
+    qsizetype size() const { return m_pieces.size(); }
+    const KNSQLPiece &at(qsizetype index) const { return m_pieces[index]; }
+    QStringView textAt(qsizetype index) const
+    {
+        return QStringView(m_text).mid(m_pieces[index].location, m_pieces[index].length);
+    }
+    /// The number of tokens that begin before a position of the text.
+    qsizetype countBefore(qsizetype location) const;
+    /// Whether a position is inside of a comment.
+    bool isInComment(qsizetype location) const;
+    /// Whether the token separates batches.
+    bool isBatchSeparator(qsizetype index) const;
+
+private:
+    qsizetype tokenize(qsizetype from, qsizetype unchangedFrom, qsizetype shift, QList<KNSQLPiece> *pieces,
+                       qsizetype firstOld) const;
+    KNSQLRole roleOf(const SQLToken &token, bool isBehindDot) const;
+    void renewRole(qsizetype index);
+
+    const KNSQLDialect &m_dialect;
+    QString m_text;
+    QList<KNSQLPiece> m_pieces;
+};
