@@ -39,14 +39,14 @@ QString titleOf(const QString &sql)
     return sql;
 }
 
-std::unique_ptr<DatabaseResultSet> resultSet(const Rows &rows)
+std::unique_ptr<DatabaseResultSet> resultSet(const Rows &rows, const QStringList &names)
 {
     const auto result = std::make_shared<KNDatabaseResultSet>();
-    const qsizetype width = rows.isEmpty() ? 1 : rows.first().size();
+    const qsizetype width = !names.isEmpty() ? names.size() : rows.isEmpty() ? 1 : rows.first().size();
     QStringList columns;
     QList<int> types;
     for (qsizetype index = 0; index < width; ++index) {
-        columns.append(QString::number(index));
+        columns.append(names.isEmpty() ? QString::number(index) : names[index]);
         types.append(0);
     }
     result->setColumns(columns, types);
@@ -126,6 +126,13 @@ void Server::answer(const char *title, const Rows &rows)
     answer(QString::fromLatin1(title), [rows](const QString &, KNError *) { return rows; });
 }
 
+void Server::answer(const char *title, const QStringList &columns, const Rows &rows)
+{
+    answer(title, rows);
+    const std::lock_guard lock(m_mutex);
+    m_columns[QString::fromLatin1(title)] = columns;
+}
+
 void Server::fail(const char *title, const KNError &failure)
 {
     answer(QString::fromLatin1(title), [failure](const QString &, KNError *error) {
@@ -187,6 +194,8 @@ std::unique_ptr<DatabaseResultSet> Server::execute(const QString &sql, const Van
     const auto duringQuery = m_duringQuery;
     const auto found = m_answers.find(title);
     const Answer answer = found == m_answers.end() ? Answer() : found->second;
+    const auto columns = m_columns.find(title);
+    const QStringList names = columns == m_columns.end() ? QStringList() : columns->second;
     lock.unlock();
     if (duringQuery)
         duringQuery(title);
@@ -195,7 +204,7 @@ std::unique_ptr<DatabaseResultSet> Server::execute(const QString &sql, const Van
         return nullptr;
     }
     const Rows rows = answer ? answer(sql, error) : Rows();
-    return *error ? nullptr : resultSet(rows);
+    return *error ? nullptr : resultSet(rows, names);
 }
 
 } // namespace FakeCatalog

@@ -45,6 +45,8 @@ public:
     /// Queries are known by the title of their text, what is none by its text; unanswered ones have no rows.
     void answer(const QString &title, Answer answer);
     void answer(const char *title, const Rows &rows);
+    /// The same with names of the columns, which are numbers otherwise.
+    void answer(const char *title, const QStringList &columns, const Rows &rows);
     void fail(const char *title, const KNError &error);
     /// The next query with this title fails, and its connection with it.
     void loseConnection(const char *title);
@@ -78,6 +80,7 @@ private:
     QString m_host;
     mutable std::mutex m_mutex;
     std::map<QString, Answer> m_answers; ///< guarded by m_mutex, as all below
+    std::map<QString, QStringList> m_columns;
     QStringList m_losingConnection;
     std::function<void(const QString &)> m_duringQuery;
     QList<Asked> m_asked;

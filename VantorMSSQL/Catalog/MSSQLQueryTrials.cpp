@@ -84,6 +84,9 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(types, "UserDefinedDataType_CreationQuery", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
 
         trial("List_EntriesForAutocomplete"),
+        trial("List_ObjectsForAutocomplete"),
+        trial("List_MembersForAutocomplete"),
+        trial("List_ForeignKeysForAutocomplete"),
         trial("List_ExportableDatabaseEntries"),
         trial("List_SearchableDatabaseEntries"),
         trial("List_SearchableDatabaseEntries_Azure"),

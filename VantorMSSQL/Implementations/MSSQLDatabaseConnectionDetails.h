@@ -74,6 +74,7 @@ public:
     std::unique_ptr<VantorDatabaseClient> createNewClient() const override;
     std::unique_ptr<KNQuerySplitter> createQuerySplitter() const override;
     std::shared_ptr<DatabaseTreeEntryServerRoot> createRootDatabaseTreeNode() const override;
+    KNAutocompleteHelper *sharedAutocompleteHelper() const override;
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     std::unique_ptr<KNTableDesign> createTableDesign(const QString &path, KNError *error) const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;

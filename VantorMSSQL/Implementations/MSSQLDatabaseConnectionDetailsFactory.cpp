@@ -1,6 +1,7 @@
 // The factory functions of the settings, which use every class of the connector. They are in a separate file,
 // so that the settings themselves include none of these.
 
+#include "Autocomplete/MSSQLAutocompleteHelper.h"
 #include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
@@ -31,6 +32,11 @@ MSSQLDatabaseConnectionDetails::createRootDatabaseTreeNode() const
 std::unique_ptr<KNSystemDatabaseQueryHelper> MSSQLDatabaseConnectionDetails::queryLoader() const
 {
     return std::make_unique<MSSQLSystemDatabaseQueries>(*this);
+}
+
+KNAutocompleteHelper *MSSQLDatabaseConnectionDetails::sharedAutocompleteHelper() const
+{
+    return MSSQLAutocompleteHelper::sharedInstance();
 }
 
 std::unique_ptr<KNTableDesign> MSSQLDatabaseConnectionDetails::createTableDesign(const QString &path,

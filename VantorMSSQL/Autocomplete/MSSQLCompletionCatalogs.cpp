@@ -1,0 +1,99 @@
+#include "Autocomplete/MSSQLCompletionCatalogs.h"
+
+#include "Autocomplete/MSSQLAutocompleteHelper.h"
+#include "Autocomplete/MSSQLCompletionLoader.h"
+#include "Catalog/MSSQLDefaultSchemaHelper.h"
+#include "Foundation/KNDispatch.h"
+
+namespace {
+
+constexpr std::chrono::seconds PauseAfterFailure(30);
+
+} // namespace
+
+MSSQLCompletionCatalogs::Catalog
+MSSQLCompletionCatalogs::catalog(const MSSQLDatabaseConnectionDetails &details)
+{
+    const QString description = details.description();
+    const QMutexLocker locker(&m_mutex);
+    Known &known = m_known[description];
+    if (!known.isLoading && known.isOutdated && Clock::now() >= known.notBefore) {
+        known.isLoading = true;
+        known.isOutdated = false;
+        KNDispatch::globalQueue([this, settings = details.copy()] {
+            load(static_cast<const MSSQLDatabaseConnectionDetails &>(*settings));
+        });
+    }
+    return known.catalog;
+}
+
+void MSSQLCompletionCatalogs::markOutdated(const QString &description)
+{
+    const QMutexLocker locker(&m_mutex);
+    Known &known = m_known[description];
+    known.isOutdated = true;
+    known.notBefore = {};
+}
+
+MSSQLCompletionCatalogs::Catalog MSSQLCompletionCatalogs::load(const MSSQLDatabaseConnectionDetails &details)
+{
+    Catalog loaded;
+    const QString description = details.description();
+    auto entires = m_helper.entriesForDatabaseConnectionDetails(details);
+    if (!entires) {
+        m_helper.doLoadAutocompleteDetails(details);
+        entires = m_helper.entriesForDatabaseConnectionDetails(details);
+        const QMutexLocker locker(&m_mutex);
+        m_known[description].isOutdated = false; // the entries are what this load wanted
+    }
+    if (entires) {
+        const QString schema = MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(details);
+        const auto first = MSSQLCompletionLoader::tables(entires, schema);
+        first->createIndex();
+        publish(description, first);
+        // The rest can take longer.
+        const auto complete = MSSQLCompletionLoader::tables(entires, schema);
+        MSSQLCompletionLoader::addObjects(details, complete.get());
+        complete->otherDatabase = otherDatabases(details, complete->databases);
+        complete->createIndex();
+        publish(description, complete);
+        loaded = complete;
+    }
+    const QMutexLocker locker(&m_mutex);
+    Known &known = m_known[description];
+    known.isLoading = false;
+    if (!entires) {
+        known.isOutdated = true;
+        known.notBefore = Clock::now() + PauseAfterFailure;
+    }
+    return loaded;
+}
+
+void MSSQLCompletionCatalogs::publish(const QString &description, const Catalog &catalog)
+{
+    {
+        const QMutexLocker locker(&m_mutex);
+        m_known[description].catalog = catalog;
+    }
+    MSSQLAutocompleteHelper::postUpdated(description);
+}
+
+std::function<MSSQLCompletionCatalogs::Catalog(const QString &)>
+MSSQLCompletionCatalogs::otherDatabases(const MSSQLDatabaseConnectionDetails &details,
+                                        const QStringList &databases)
+{
+    const VantorDBCPtr settings = details.copy();
+    return [this, settings, databases](const QString &name) -> Catalog {
+        const qsizetype index = databases.indexOf(name, 0);
+        const auto found =
+            index >= 0 ? databases.cbegin() + index
+                       : std::find_if(databases.cbegin(), databases.cend(), [&](const QString &known) {
+                             return known.compare(name, Qt::CaseInsensitive) == 0;
+                         });
+        if (found == databases.cend())
+            return nullptr;
+        const VantorDBCPtr other = settings->copy();
+        other->setDatabase(*found);
+        return catalog(static_cast<const MSSQLDatabaseConnectionDetails &>(*other));
+    };
+}
