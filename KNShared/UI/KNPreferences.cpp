@@ -18,6 +18,7 @@ const QString NullText = QStringLiteral("NullText");
 const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
+const QString CompletesWhileTyping = QStringLiteral("CompletesWhileTyping");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
 /// The stored number, or the default if there is none or it is out of range.
@@ -55,6 +56,7 @@ KNPreferences KNPreferences::current()
     preferences.dateFormat = static_cast<DateFormat>(number(DateFormatKey, 0, 0, 1));
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
     preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
+    preferences.completesWhileTyping = stored.boolForKey(CompletesWhileTyping, true);
     preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
     return preferences;
 }
@@ -70,6 +72,7 @@ void KNPreferences::save() const
     defaults.setObject(DateFormatKey, static_cast<int>(dateFormat));
     defaults.setObject(ThemeKey, static_cast<int>(theme));
     defaults.setObject(ReopensTabs, reopensTabs);
+    defaults.setObject(CompletesWhileTyping, completesWhileTyping);
     defaults.setObject(TracesProtocol, tracesProtocol);
     defaults.synchronize();
     KNNotificationCenter::defaultCenter()->post(ChangedNotificationName);

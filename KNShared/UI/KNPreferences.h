@@ -25,7 +25,8 @@ struct KNSHAREDUI_EXPORT KNPreferences
     Theme theme = Theme::FollowsDesktop;
     bool reopensTabs = true; ///< whether opening a connection restores the tabs of its last session
 
-    bool tracesProtocol = false; ///< from the start of the program
+    bool completesWhileTyping = true; ///< whether the editor offers names without Ctrl+Space
+    bool tracesProtocol = false;      ///< from the start of the program
 
     static KNPreferences current();
     /// The default preferences.

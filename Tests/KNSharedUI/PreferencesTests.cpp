@@ -16,6 +16,7 @@ TEST(Preferences, ComeBackAsTheyWereSaved)
     preferences.theme = KNPreferences::Theme::Dark;
     preferences.dateFormat = KNPreferences::DateFormat::AsStored;
     preferences.reopensTabs = false;
+    preferences.completesWhileTyping = false;
     preferences.tracesProtocol = true;
     preferences.editorFont.setPointSize(17);
     int notified = 0;

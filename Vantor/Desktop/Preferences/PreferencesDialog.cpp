@@ -26,6 +26,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_dateFormat(new QComboBox)
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
+    , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
     , m_connector(connector)
 {
@@ -98,6 +99,7 @@ QWidget *PreferencesDialog::makeEditorGroup()
     form->addRow(tr("&Font:"), m_font);
     form->addRow(tr("&Size:"), m_fontSize);
     form->addRow(tr("&Tab width:"), m_tabWidth);
+    form->addRow(m_completesWhileTyping);
     return group;
 }
 
@@ -143,6 +145,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_dateFormat->setCurrentIndex(static_cast<int>(preferences.dateFormat));
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
+    m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
     m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
 
@@ -158,6 +161,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.dateFormat = static_cast<KNPreferences::DateFormat>(m_dateFormat->currentIndex());
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
+    preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
     preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;
 }

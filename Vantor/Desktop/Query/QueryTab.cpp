@@ -14,6 +14,7 @@
 #include "Desktop/Query/RiskyRunQuestion.h"
 #include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Completion/KNEditorCompletion.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
@@ -53,6 +54,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     connectParts();
     m_databaseBox->setConnectionDetails(details);
     showDatabase(details.database());
+    m_completion = new KNEditorCompletion(m_editor, [this] { return databaseConnectionDetails(); });
 }
 
 QueryTab::~QueryTab()
@@ -418,6 +420,7 @@ void QueryTab::finishRun()
     Q_EMIT statusChanged();
     showOutcome();
     const QueryRequest &request = m_run->request();
+    m_completion->noteRun(textOf(request));
     if (VantorTabConnection::isSessionLost(outcome.error)) {
         askAboutLostSession(outcome.error, [this, request] { start(request); });
         return;

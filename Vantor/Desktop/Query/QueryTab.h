@@ -11,6 +11,7 @@
 
 class DatabaseBox;
 class ErrorMarks;
+class KNEditorCompletion;
 class KNFindBar;
 class KNResultsPane;
 class KNSQLEditor;
@@ -68,6 +69,7 @@ public:
 
     QueryDocument *document() const { return m_document; }
     KNSQLEditor *editor() const { return m_editor; }
+    KNEditorCompletion *completion() const { return m_completion; }
     KNFindBar *findBar() const { return m_findBar; }
     KNResultsPane *resultsPane() const;
     MessagesView *messages() const;
@@ -107,6 +109,7 @@ private:
 
     KNSQLEditor *const m_editor;
     QueryDocument *const m_document;
+    KNEditorCompletion *m_completion = nullptr;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Autocomplete/KNCompletionList.h"
+#include "Foundation/KNNotificationCenter.h"
+#include "SQL/Scope/KNSQLTokens.h"
+#include "UI/KNSharedUIExport.h"
+
+#include <QObject>
+
+#include <optional>
+
+class KNCompletionPopup;
+class KNSQLEditor;
+class VantorDBC;
+
+/// Completes names in an editor: while typing, behind a dot and behind "@", and by Ctrl+Space. Return and Tab
+/// accept, Escape closes. Works on cached names only: a key press never waits for the server. On the UI
+/// thread.
+class KNSHAREDUI_EXPORT KNEditorCompletion : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Returns the settings of the tab's connection with its current database.
+    using Settings = std::function<std::shared_ptr<const VantorDBC>()>;
+
+    /// The editor owns the object.
+    KNEditorCompletion(KNSQLEditor *editor, Settings settings);
+    ~KNEditorCompletion() override;
+
+    /// The list, visible or not; null before it was first opened.
+    const KNCompletionPopup *popup() const { return m_popup; }
+    /// The entries for the caret, best first.
+    QList<KNCompletionItem> completions();
+    /// Loads the names anew if the text that was run may have changed them.
+    void noteRun(const QString &text);
+
+public Q_SLOTS:
+    /// Opens the list for the caret, or updates it.
+    void open();
+    void close();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void characterAdded(int character);
+    void cursorMoved();
+    void update(bool isRequested);
+    bool handleKey(int key);
+    void accept(const KNCompletionItem &item);
+    QRect lineOfName() const;
+    bool isOpen() const;
+    void namesChanged(const QString &description);
+
+    KNSQLEditor *const m_editor;
+    const Settings m_settings;
+    std::optional<KNSQLTokens> m_tokens; ///< empty if the server kind has no completion
+    KNSQLScope m_scope;
+    KNCompletionPopup *m_popup = nullptr;
+    bool m_isAccepting = false;
+    bool m_isRequested = false; ///< by Ctrl+Space
+    KNNotificationCenter::Token m_observer;
+};
