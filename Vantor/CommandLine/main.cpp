@@ -1,4 +1,5 @@
 #include "CommandLine/CatalogCommand.h"
+#include "CommandLine/CompleteCommand.h"
 #include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/QueryCommand.h"
@@ -31,6 +32,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  script   print a script of an object: CREATE, ALTER, DROP, MySQL, ...\n"
                         "  design   print or run the script that changes a column of a table\n"
                         "  split    print the batches of a script as JSON\n"
+                        "  complete print what the editor offers at a place of a script\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
 
@@ -41,9 +43,9 @@ struct Command
 };
 
 constexpr Command Commands[] = {
-    {"query", runQueryCommand}, {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
-    {"menu", runMenuCommand},   {"script", runScriptCommand},   {"design", runDesignCommand},
-    {"split", runSplitCommand},
+    {"query", runQueryCommand}, {"catalog", runCatalogCommand},   {"tree", runTreeCommand},
+    {"menu", runMenuCommand},   {"script", runScriptCommand},     {"design", runDesignCommand},
+    {"split", runSplitCommand}, {"complete", runCompleteCommand},
 };
 
 /// Null if there is no such command.
