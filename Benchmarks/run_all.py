@@ -165,6 +165,7 @@ def main():
         lines("Showing results in a grid", programs, "grid-benchmark", environment)
         lines("The desktop program", programs, "desktop-benchmark", environment)
         lines("Splitting scripts of 100 MB", programs, "split-benchmark", environment)
+        lines("Completing names", programs, "completion-benchmark", environment)
 
 
 if __name__ == "__main__":
