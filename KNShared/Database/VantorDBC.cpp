@@ -1,6 +1,7 @@
 #include "Database/VantorDBC.h"
 
 #include "Database/KNTableDesign.h"
+#include "Import/KNDatabaseImportHelper.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
 
 VantorDBC::VantorDBC() = default;
@@ -42,6 +43,11 @@ const QStringList &VantorDBC::dataTypes() const
 std::unique_ptr<ResultSetViewControllerHelper> VantorDBC::createResultSetViewControllerHelper() const
 {
     return std::make_unique<ResultSetViewControllerHelper>();
+}
+
+std::unique_ptr<KNDatabaseImportHelper> VantorDBC::createDatabaseImportHelper() const
+{
+    return nullptr;
 }
 
 std::unique_ptr<KNTableDesign> VantorDBC::createTableDesign(const QString &, KNError *error) const

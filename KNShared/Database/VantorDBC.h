@@ -12,6 +12,7 @@
 
 class DatabaseTreeEntryServerRoot;
 class KNAutocompleteHelper;
+class KNDatabaseImportHelper;
 class KNError;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
@@ -86,6 +87,9 @@ public:
     /// Returns the helper that result grids use to format values of this server; by default it shows values
     /// unchanged.
     virtual std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const;
+    /// Returns the helper for imports into the database of these settings; null, the default, if the server
+    /// kind has none.
+    virtual std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const;
     /// Quotes the name of a table or column if the server's language requires it; "name" by default.
     virtual QString quotedName(const QString &name) const;
     /// Returns a literal of the server's language for a value, without loss where the language allows;

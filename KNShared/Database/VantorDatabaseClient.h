@@ -69,6 +69,12 @@ public:
                             const QStringList &columnNames, const QStringList &columnTypes,
                             const Progress &progressBlock, KNError *error) = 0;
 
+    /// Inserts rows as bulkInsert() does, but within the transaction that the caller has begun, so that many
+    /// calls share one, and without altering text that the literals of bulkInsert() cannot express. Sets an
+    /// error, the default, if the server kind has no such operation. `error` must not be null.
+    virtual bool insertRows(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                            const QStringList &columnNames, const QStringList &columnTypes, KNError *error);
+
     virtual bool beginTransaction(KNError *error) = 0;
     virtual bool commitTransaction(KNError *error) = 0;
     virtual bool rollbackTransaction(KNError *error) = 0;

@@ -1,0 +1,48 @@
+#include "Import/KNImportPlan.h"
+
+KNImportMapping::Sources KNImportMapping::byName(const QStringList &fileColumns,
+                                                 const QList<KNImportTableColumnModel> &columns)
+{
+    Sources sources;
+    for (const KNImportTableColumnModel &column : columns) {
+        sources.append(fileColumns.indexOf(column.name));
+        for (qsizetype i = 0; i < fileColumns.size() && sources.last() < 0; ++i) {
+            if (fileColumns[i].compare(column.name, Qt::CaseInsensitive) == 0)
+                sources.last() = i;
+        }
+    }
+    return sources;
+}
+
+KNImportMapping::Sources KNImportMapping::byPosition(const QStringList &fileColumns,
+                                                     const QList<KNImportTableColumnModel> &columns)
+{
+    Sources sources;
+    for (qsizetype i = 0; i < columns.size(); ++i)
+        sources.append(i < fileColumns.size() ? i : -1);
+    return sources;
+}
+
+QStringList KNImportMapping::unusedColumns(const QStringList &fileColumns, const Sources &sources)
+{
+    QStringList unused;
+    for (qsizetype i = 0; i < fileColumns.size(); ++i) {
+        if (!sources.contains(i))
+            unused.append(fileColumns[i]);
+    }
+    return unused;
+}
+
+QList<KNImportTableColumnModel> KNImportMapping::newColumns(const QList<KNImportColumnAnalysis> &analyses,
+                                                            const KNDatabaseImportHelper &helper,
+                                                            bool usesHints)
+{
+    const QStringList types = helper.mapDataTypes(analyses);
+    QList<KNImportTableColumnModel> columns;
+    for (qsizetype i = 0; i < analyses.size(); ++i) {
+        const KNImportTypeHint hint =
+            usesHints ? helper.hintForType(types[i], analyses[i]) : KNImportTypeHint();
+        columns.append({analyses[i].name, hint.text.isNull() ? types[i] : hint.type, true});
+    }
+    return columns;
+}
