@@ -58,6 +58,10 @@ public:
     bool bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
                     const QStringList &columnNames, const QStringList &columnTypes,
                     const Progress &progressBlock, KNError *error) override;
+    /// As bulkInsert(), but text outside of ASCII has the prefix N, and servers before SQL Server 2008, which
+    /// know no list of rows, get one statement for each row.
+    bool insertRows(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                    const QStringList &columnNames, const QStringList &columnTypes, KNError *error) override;
     /// Sends one INSERT statement. `header` is its beginning, `rows` holds the rows as "(1,'a')".
     bool performBulkInsert(const QStringList &rows, const QString &header, const QStringList &dataTypes,
                            KNError *error);
@@ -130,8 +134,10 @@ private:
     VantorEncryption encryptionMeasured(const MSSQLEncryption &encryption, const MSSQLServerAddress &server,
                                         quint64 loginSize, bool isAllEncrypted) const;
 
-    bool insertRows(const QList<QList<KNValue>> &rows, const QString &header, const QStringList &columnTypes,
+    struct InsertStatement;
+    bool insertRows(const QList<QList<KNValue>> &rows, const InsertStatement &statement,
                     const Progress &progressBlock, KNError *error);
+    bool sendRows(const QStringList &rows, const InsertStatement &statement, KNError *error);
     void executeWhole(const QString &sql, KNResultSetHolder &holder, KNError *error);
     bool runBatch(const KNQueryDetails &details, KNResultSetHolder &holder, KNError *error);
     Sent sendBatch(const QString &sql);

@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <sybdb.h>
+
 #include <algorithm>
 
 namespace {
@@ -29,7 +31,9 @@ bool isNumberOrNull(const QString &text)
     return pattern.match(text).hasMatch();
 }
 
-QString literal(const KNValue &value, bool isNumericColumn)
+using Literal = QString (*)(const KNValue &);
+
+QString literal(const KNValue &value, bool isNumericColumn, Literal ofOtherColumns)
 {
     if (isNumericColumn && value.kind() == KNValue::Kind::Text && !value.text().isEmpty()) {
         QString number = value.text();
@@ -37,17 +41,17 @@ QString literal(const KNValue &value, bool isNumericColumn)
         if (isNumberOrNull(number))
             return number;
     }
-    return MSSQLClient::escapeColumnValue(value);
+    return ofOtherColumns(value);
 }
 
-QString rowText(const QList<KNValue> &row, const std::vector<bool> &isNumeric)
+QString rowText(const QList<KNValue> &row, const std::vector<bool> &isNumeric, Literal ofOtherColumns)
 {
     QString text = QStringLiteral("(");
     for (qsizetype column = 0; column < row.size(); ++column) {
         if (column > 0)
             text += QLatin1Char(',');
         const auto index = static_cast<std::size_t>(column);
-        text += literal(row[column], index < isNumeric.size() && isNumeric[index]);
+        text += literal(row[column], index < isNumeric.size() && isNumeric[index], ofOtherColumns);
     }
     return text + QLatin1Char(')');
 }
@@ -61,6 +65,15 @@ QString statementHead(const QStringList &table, const QStringList &columnNames)
 }
 
 } // namespace
+
+/// How rows are written as INSERT statements.
+struct MSSQLClient::InsertStatement
+{
+    QString header; ///< the beginning, up to the columns
+    QStringList columnTypes;
+    Literal literal;        ///< for all columns except numeric ones
+    bool hasOneRow = false; ///< for servers that know no list of rows
+};
 
 bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
                              const QStringList &columnNames, const QStringList &columnTypes,
@@ -79,7 +92,8 @@ bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringLis
         log->logError(*error, details);
         return false;
     }
-    if (insertRows(rows, statementHead(intoTable, columnNames), columnTypes, progressBlock, &failure)) {
+    const InsertStatement statement{statementHead(intoTable, columnNames), columnTypes, escapeColumnValue};
+    if (insertRows(rows, statement, progressBlock, &failure)) {
         executeNonQuery(QStringLiteral("COMMIT"), &failure);
     } else {
         KNError rollbackFailure;
@@ -93,27 +107,45 @@ bool MSSQLClient::bulkInsert(const QList<QList<KNValue>> &rows, const QStringLis
     return !failure;
 }
 
+bool MSSQLClient::insertRows(const QList<QList<KNValue>> &rows, const QStringList &intoTable,
+                             const QStringList &columnNames, const QStringList &columnTypes, KNError *error)
+{
+    error->clear();
+    const bool isOld = m_dbProc && dbtds(m_dbProc) < DBTDS_7_3;
+    const InsertStatement statement{statementHead(intoTable, columnNames), columnTypes, MSSQLQuoting::literal,
+                                    isOld};
+    return insertRows(rows, statement, {}, error);
+}
+
 /// Inserts the rows within the transaction. A single run, so that a cancel between two statements takes
 /// effect.
-bool MSSQLClient::insertRows(const QList<QList<KNValue>> &rows, const QString &header,
-                             const QStringList &columnTypes, const Progress &progressBlock, KNError *error)
+bool MSSQLClient::insertRows(const QList<QList<KNValue>> &rows, const InsertStatement &statement,
+                             const Progress &progressBlock, KNError *error)
 {
     const MSSQLRunScope run(m_cancellation);
     std::vector<bool> isNumeric;
-    for (const QString &type : columnTypes)
+    for (const QString &type : statement.columnTypes)
         isNumeric.push_back(isNumericType(type));
     QStringList pending;
     for (qsizetype i = 0; i < rows.size(); ++i) {
         if (progressBlock)
             progressBlock(double(i) / double(rows.size()) * 100.0, nullptr);
-        pending.append(rowText(rows[i], isNumeric));
+        pending.append(rowText(rows[i], isNumeric, statement.literal));
         if (pending.size() < RowsPerStatement)
             continue;
-        if (!performBulkInsert(pending, header, columnTypes, error))
+        if (!sendRows(pending, statement, error))
             return false;
         pending.clear();
     }
-    return pending.isEmpty() || performBulkInsert(pending, header, columnTypes, error);
+    return pending.isEmpty() || sendRows(pending, statement, error);
+}
+
+bool MSSQLClient::sendRows(const QStringList &rows, const InsertStatement &statement, KNError *error)
+{
+    if (!statement.hasOneRow)
+        return performBulkInsert(rows, statement.header, statement.columnTypes, error);
+    const QString separate = rows.join(KNFormat(";\r\n%@ VALUES ", statement.header));
+    return performBulkInsert({separate}, statement.header, statement.columnTypes, error);
 }
 
 bool MSSQLClient::performBulkInsert(const QStringList &rows, const QString &header,

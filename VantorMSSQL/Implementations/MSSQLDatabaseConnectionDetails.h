@@ -78,6 +78,7 @@ public:
     std::unique_ptr<KNSystemDatabaseQueryHelper> queryLoader() const override;
     std::unique_ptr<KNTableDesign> createTableDesign(const QString &path, KNError *error) const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
+    std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const override;
     QString startProtocolTrace() const override;
     QStringList riskyStatements(const QString &batch) const override;
     QString quotedName(const QString &name) const override;

@@ -8,6 +8,7 @@
 #include "Implementations/MSSQLQuerySplitter.h"
 #include "Implementations/MSSQLResultSetViewControllerHelper.h"
 #include "Implementations/MSSQLRiskyStatements.h"
+#include "Import/MSSQLDatabaseImportHelper.h"
 #include "TableDesign/MSSQLTableDesign.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
@@ -49,6 +50,11 @@ std::unique_ptr<ResultSetViewControllerHelper>
 MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
 {
     return std::make_unique<MSSQLResultSetViewControllerHelper>();
+}
+
+std::unique_ptr<KNDatabaseImportHelper> MSSQLDatabaseConnectionDetails::createDatabaseImportHelper() const
+{
+    return std::make_unique<MSSQLDatabaseImportHelper>(*this);
 }
 
 QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const

@@ -1,0 +1,342 @@
+#include "Database/VantorDatabaseClient.h"
+#include "Foundation/KNFormat.h"
+#include "Import/KNImportFileAnalysis.h"
+#include "Import/KNImportRun.h"
+#include "Support/FullDisk.h"
+#include "Support/HostileServerRelay.h"
+#include "VantorMSSQL/Wire/WireTest.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <sybdb.h>
+
+#include <thread>
+
+using namespace WireTest;
+
+namespace {
+
+QString w(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+/// Imports into tables of tempdb, in a session of the test's own.
+class Importing : public testing::Test
+{
+protected:
+    void createTable(const char *columns)
+    {
+        run(*client, KNFormat("USE tempdb CREATE TABLE #t (%@)", columns));
+    }
+
+    KNImportFile write(const QByteArray &content, const char *name = "a.csv")
+    {
+        QFile file(folder.filePath(w(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(content), content.size());
+        return {file.fileName()};
+    }
+    /// A plan that fills the columns of these types, in the order of the file.
+    KNImportPlan plan(const KNImportFile &file, std::initializer_list<const char *> columnsAndTypes)
+    {
+        std::atomic<bool> cancelled = false;
+        KNImportPlan result;
+        result.file = file;
+        result.fileColumns = KNImportFileAnalysis::read(file, 1, cancelled).columnNames();
+        result.tablePath = QStringList{w("#t")};
+        const QStringList words = [&] {
+            QStringList list;
+            for (const char *word : columnsAndTypes)
+                list.append(w(word));
+            return list;
+        }();
+        for (qsizetype i = 0; i + 1 < words.size(); i += 2)
+            result.columns.append({{words[i], words[i + 1], true}, i / 2});
+        return result;
+    }
+    KNImportOutcome import(const KNImportPlan &thePlan)
+    {
+        KNImportRun importRun(thePlan);
+        return importRun.run(*client, *helper);
+    }
+    qint64 count() { return scalar(*client, w("SELECT COUNT(*) FROM #t")).toInt64(); }
+    int transactions() { return static_cast<int>(scalar(*client, w("SELECT @@TRANCOUNT")).toInt64()); }
+    static QByteArray numbers(int count)
+    {
+        QByteArray lines = "id\n";
+        for (int i = 0; i < count; ++i)
+            lines += QByteArray::number(i) + '\n';
+        return lines;
+    }
+
+    std::unique_ptr<MSSQLClient> client = connectedClient();
+    std::unique_ptr<KNDatabaseImportHelper> helper =
+        client->databaseConnectionDetails().createDatabaseImportHelper();
+    QTemporaryDir folder;
+};
+
+std::string textOf(const KNImportOutcome &outcome)
+{
+    return outcome.error.localizedDescription().toStdString();
+}
+
+} // namespace
+
+TEST_F(Importing, WritesEveryTypeUnchanged)
+{
+    createTable(
+        "n nvarchar(50), i int, b bigint, d decimal(38,20), m money, f float, t bit, "
+        "dt datetime2(7), dy date, o datetimeoffset(7), g uniqueidentifier, x varbinary(10), e nvarchar(5)");
+    const auto file =
+        write("n,i,b,d,m,f,t,dt,dy,o,g,x,e\n"
+              "\"Zoë 日本 😀 O'Brien\",-5,9223372036854775807,123456789012345678.12345678901234567890,"
+              "\"$1,234.50\",0.1,true,2024-02-29 13:45:00.1234567,2024-02-29,2024-02-29T13:45:00+02:00,"
+              "6f9619ff-8b86-d011-b42d-00c04fc964ff,0x00ff,\"\"\n"
+              "b,6,1,5,1,1e300,0,0001-01-01,9999-12-31,2024-02-29T13:45:00Z,"
+              "00000000-0000-0000-0000-000000000000,0x,\n");
+    const auto outcome = import(plan(file, {"n",  "nvarchar(50)",
+                                            "i",  "int",
+                                            "b",  "bigint",
+                                            "d",  "decimal(38,20)",
+                                            "m",  "money",
+                                            "f",  "float",
+                                            "t",  "bit",
+                                            "dt", "datetime2(7)",
+                                            "dy", "date",
+                                            "o",  "datetimeoffset(7)",
+                                            "g",  "uniqueidentifier",
+                                            "x",  "varbinary(10)",
+                                            "e",  "nvarchar(5)"}));
+    ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
+    EXPECT_EQ(outcome.rows, 2U);
+    const auto rows = run(*client, w("SELECT n, i, b, d, m, f, t, CONVERT(varchar(40), dt, 126), "
+                                     "CONVERT(varchar(10), dy, 120), g, x, e FROM #t ORDER BY i"));
+    ASSERT_FALSE(rows.isEmpty());
+    const auto value = [&](qsizetype row, qsizetype column) { return rows.last()->rows().row(row)[column]; };
+    EXPECT_EQ(value(0, 0).text(), w("Zoë 日本 😀 O'Brien"));
+    EXPECT_EQ(value(0, 1).displayText(), w("-5"));
+    EXPECT_EQ(value(0, 2).displayText(), w("9223372036854775807"));
+    EXPECT_EQ(value(0, 3).displayText(), w("123456789012345678.12345678901234567890"));
+    EXPECT_EQ(value(1, 3).displayText(), w("5.00000000000000000000"));
+    EXPECT_EQ(value(0, 4).displayText(), w("1234.5000"));
+    EXPECT_EQ(value(0, 5).toDouble(), 0.1);
+    EXPECT_EQ(value(1, 5).toDouble(), 1e300);
+    EXPECT_EQ(value(0, 6), KNValue(true));
+    EXPECT_EQ(value(0, 7).text(), w("2024-02-29T13:45:00.1234567"));
+    EXPECT_EQ(value(1, 7).text().left(10), w("0001-01-01"));
+    EXPECT_EQ(value(0, 8).text(), w("2024-02-29"));
+    EXPECT_EQ(value(0, 9).displayText(), w("6F9619FF-8B86-D011-B42D-00C04FC964FF"));
+    EXPECT_EQ(value(0, 10).bytes(), QByteArray("\x00\xff", 2));
+    EXPECT_EQ(value(0, 11), KNValue(QStringLiteral("")));
+    EXPECT_TRUE(value(1, 11).isNull());
+    EXPECT_EQ(transactions(), 0);
+}
+
+TEST_F(Importing, SendsOneStatementForEachRowToOldServers)
+{
+    const HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::None, 0);
+    const auto old = settings(relay.port());
+    old->setTdsVersion(DBVERSION_72);
+    old->setUseNTLMv2(false);
+    client = connectedClient(old);
+    createTable("id int");
+    const auto outcome = import(plan(write(numbers(3)), {"id", "int"}));
+    ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
+    EXPECT_EQ(count(), 3);
+    const QString expected = w("INSERT INTO [#t] (id) VALUES ('0');\r\nINSERT INTO [#t] (id) VALUES ('1');");
+    EXPECT_NE(relay.saidByClient().find(std::string(reinterpret_cast<const char *>(expected.utf16()),
+                                                    static_cast<std::size_t>(expected.size()) * 2)),
+              std::string::npos);
+}
+
+TEST_F(Importing, UsesConstantsAndSkipsColumns)
+{
+    createTable("id int, source nvarchar(10), nothing int");
+    auto thePlan = plan(write("id,ignored\n1,x\n2,y\n"), {"id", "int"});
+    thePlan.columns.append({{w("source"), w("nvarchar(10)"), true}, -1, w("file")});
+    thePlan.columns.append({{w("nothing"), w("int"), true}, -1, QString()});
+    ASSERT_TRUE(import(thePlan).succeeded());
+    EXPECT_EQ(
+        scalar(*client, w("SELECT COUNT(*) FROM #t WHERE source = N'file' AND nothing IS NULL")).toInt64(),
+        2);
+    thePlan.columns.last().constant = w("x");
+    EXPECT_EQ(textOf(import(thePlan)),
+              "The value for column \"nothing\" cannot be used. This is not a number.");
+    EXPECT_EQ(count(), 2);
+}
+
+TEST_F(Importing, StopsAtTheFirstFaultAndUndoesEverything)
+{
+    createTable("id int");
+    run(*client, w("INSERT #t VALUES (-1)"));
+    const auto outcome = import(plan(write(numbers(1200) + "x\n7\n"), {"id", "int"}));
+    EXPECT_EQ(textOf(outcome), "Line 1202, column \"id\": This is not a number.\nNothing was imported.");
+    ASSERT_EQ(outcome.faults.size(), 1);
+    EXPECT_EQ(outcome.faults[0].value, w("x"));
+    EXPECT_EQ(outcome.rows, 0U);
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(transactions(), 0);
+}
+
+TEST_F(Importing, UndoesEverythingWhenTheServerRefusesARow)
+{
+    createTable("id int PRIMARY KEY");
+    const auto outcome = import(plan(write(numbers(1200) + "3\n"), {"id", "int"}));
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("2627"))) << textOf(outcome);
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Importing, SkipsFaultyAndRefusedRowsIntoAFile)
+{
+    createTable("id int PRIMARY KEY, n nvarchar(3)");
+    auto thePlan = plan(write("id,n\n1,a\n2,\"to\"\"o long\"\n1,dup\n3\n4,\xc3\xa9\n"),
+                        {"id", "int", "n", "nvarchar(3)"});
+    thePlan.faultFile = folder.filePath(w("faults.csv"));
+    const auto outcome = import(thePlan);
+    ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
+    EXPECT_EQ(outcome.rows, 2U);
+    EXPECT_EQ(outcome.faultCount, 3U);
+    EXPECT_EQ(
+        scalar(*client, w("SELECT COUNT(*) FROM #t WHERE (id = 1 AND n = N'a') OR (id = 4 AND n = N'é')"))
+            .toInt64(),
+        2);
+    QFile file(thePlan.faultFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    EXPECT_TRUE(text.startsWith(w("\"Line\",\"Column\",\"Reason\",\"id\",\"n\"\r\n")));
+    EXPECT_TRUE(text.contains(
+        w("\"3\",\"n\",\"The text has 9 characters, the column holds 3.\",\"2\",\"to\"\"o long\"\r\n")));
+    EXPECT_TRUE(text.contains(w("\"5\",,\"The line has 1 values, but there are 2 columns.\",\"3\"\r\n")));
+    EXPECT_TRUE(text.contains(w("2627")) && text.contains(w("\"1\",\"dup\"\r\n"))) << text.toStdString();
+}
+
+TEST_F(Importing, KeepsAnExistingFaultFile)
+{
+    createTable("id int");
+    auto thePlan = plan(write(numbers(2)), {"id", "int"});
+    thePlan.faultFile = write("mine", "mine.txt").path;
+    EXPECT_TRUE(import(thePlan).error.localizedDescription().contains(w("exists already")));
+    QFile file(thePlan.faultFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("mine"));
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Importing, AFullDiskForFaultsIsAnError)
+{
+    createTable("id int");
+    QByteArray lines = "id\n1\n";
+    for (int i = 0; i < 3000; ++i)
+        lines += "not a number\n";
+    auto thePlan = plan(write(lines), {"id", "int"});
+    thePlan.faultFile = folder.filePath(w("faults.csv"));
+    KNImportOutcome outcome;
+    {
+        const FullDisk disk(64 * 1024);
+        outcome = import(thePlan);
+    }
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("cannot be written"))) << textOf(outcome);
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Importing, TruncatesWithinTheTransaction)
+{
+    createTable("id int");
+    run(*client, w("INSERT #t VALUES (-1)"));
+    auto thePlan = plan(write("id\n1\nx\n"), {"id", "int"});
+    thePlan.truncatesFirst = true;
+    EXPECT_FALSE(import(thePlan).succeeded());
+    EXPECT_EQ(scalar(*client, w("SELECT id FROM #t")), KNValue(-1));
+    thePlan.file = write("id\n1\n2\n", "b.csv");
+    EXPECT_TRUE(import(thePlan).succeeded());
+    EXPECT_EQ(scalar(*client, w("SELECT MIN(id) FROM #t")), KNValue(1));
+}
+
+TEST_F(Importing, WritesIdentityColumns)
+{
+    createTable("id int IDENTITY, n int");
+    auto thePlan = plan(write("id,n\n70,1\n80,2\n"), {"id", "int", "n", "int"});
+    EXPECT_FALSE(import(thePlan).succeeded());
+    thePlan.writesIdentity = true;
+    const auto outcome = import(thePlan);
+    EXPECT_TRUE(outcome.succeeded()) << textOf(outcome);
+    EXPECT_EQ(scalar(*client, w("SELECT MAX(id) FROM #t")), KNValue(80));
+    run(*client, w("INSERT #t (n) VALUES (3)")); // the option is off again
+    EXPECT_EQ(count(), 3);
+}
+
+TEST_F(Importing, ADryRunReportsTheFirstFaultsOnly)
+{
+    QByteArray lines = "id\n";
+    for (int i = 0; i < 1500; ++i)
+        lines += "x\n5\n";
+    KNImportRun dryRun(plan(write(lines), {"id", "int"}));
+    const auto outcome = dryRun.dryRun(*helper);
+    EXPECT_TRUE(outcome.succeeded()) << textOf(outcome);
+    EXPECT_EQ(outcome.rows, 1500U);
+    EXPECT_EQ(outcome.faultCount, 1500U);
+    EXPECT_EQ(outcome.faults.size(), 1000);
+    EXPECT_EQ(outcome.faults[1].line, 4U);
+    EXPECT_EQ(outcome.faults[1].column, w("id"));
+    EXPECT_EQ(outcome.faults[1].reason, w("This is not a number."));
+}
+
+TEST_F(Importing, CancelRollsBackWithinASecond)
+{
+    createTable("id int");
+    run(*client, w("INSERT #t VALUES (-1)"));
+    KNImportRun importRun(plan(write(numbers(200'000)), {"id", "int"}));
+    std::atomic<bool> begun = false;
+    std::chrono::steady_clock::time_point cancelled;
+    std::thread canceller([&] {
+        EXPECT_TRUE(waitFor([&] { return begun.load(); }));
+        cancelled = std::chrono::steady_clock::now();
+        importRun.cancel();
+    });
+    const auto outcome = importRun.run(
+        *client, *helper, [&](const KNImportRun::Progress &progress) { begun = progress.rows > 2000; });
+    const auto ended = std::chrono::steady_clock::now();
+    canceller.join();
+    EXPECT_TRUE(outcome.wasCancelled) << textOf(outcome);
+    EXPECT_EQ(outcome.rows, 0U);
+    EXPECT_LT(ended - cancelled, std::chrono::seconds(1));
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(transactions(), 0);
+}
+
+TEST_F(Importing, NothingRemainsWhenTheConnectionIsLostHalfWay)
+{
+    run(*client, w("USE tempdb CREATE TABLE dbo.Half (id int)"));
+    HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::Close,
+                             std::numeric_limits<std::uint64_t>::max());
+    const auto relayed = connectedClient(settings(relay.port()));
+    run(*relayed, w("USE tempdb"));
+    auto thePlan = plan(write(numbers(20'000)), {"id", "int"});
+    thePlan.tablePath = QStringList{w("dbo"), w("Half")};
+    KNImportRun importRun(thePlan);
+    bool isLost = false;
+    const auto outcome = importRun.run(*relayed, *helper, [&](const KNImportRun::Progress &progress) {
+        if (!isLost && progress.fraction >= 0.5) {
+            isLost = true;
+            relay.strikeAfter(relay.bytesFromServer() + 1);
+        }
+    });
+    EXPECT_TRUE(isLost);
+    EXPECT_TRUE(outcome.error) << "no error";
+    EXPECT_FALSE(outcome.wasCancelled);
+    EXPECT_EQ(outcome.rows, 0U);
+    EXPECT_TRUE(waitFor([&] { return scalar(*client, w("SELECT COUNT(*) FROM dbo.Half")).toInt64() == 0; }));
+    run(*client, w("DROP TABLE dbo.Half"));
+}
+
+TEST_F(Importing, ReportsRowsWithKeysThatTheAnalysisDidNotFind)
+{
+    createTable("a int");
+    const auto outcome = import(plan(write("{\"a\":1}\n{\"a\":2,\"b\":3}\n", "a.jsonl"), {"a", "int"}));
+    EXPECT_TRUE(outcome.error.localizedDescription().startsWith(
+        w("Line 2: The row has values that the analysis of the file did not find.")))
+        << textOf(outcome);
+    EXPECT_EQ(count(), 0);
+}
