@@ -2,6 +2,7 @@
 #include "CommandLine/CompleteCommand.h"
 #include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
+#include "CommandLine/ImportCommand.h"
 #include "CommandLine/QueryCommand.h"
 #include "CommandLine/SplitCommand.h"
 #include "CommandLine/Terminal.h"
@@ -31,6 +32,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  menu     print the menu of an object\n"
                         "  script   print a script of an object: CREATE, ALTER, DROP, MySQL, ...\n"
                         "  design   print or run the script that changes a column of a table\n"
+                        "  import   import a file into a table\n"
                         "  split    print the batches of a script as JSON\n"
                         "  complete print what the editor offers at a place of a script\n"
                         "\n"
@@ -43,9 +45,9 @@ struct Command
 };
 
 constexpr Command Commands[] = {
-    {"query", runQueryCommand}, {"catalog", runCatalogCommand},   {"tree", runTreeCommand},
-    {"menu", runMenuCommand},   {"script", runScriptCommand},     {"design", runDesignCommand},
-    {"split", runSplitCommand}, {"complete", runCompleteCommand},
+    {"query", runQueryCommand},   {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
+    {"menu", runMenuCommand},     {"script", runScriptCommand},   {"design", runDesignCommand},
+    {"import", runImportCommand}, {"split", runSplitCommand},     {"complete", runCompleteCommand},
 };
 
 /// Null if there is no such command.
