@@ -130,6 +130,44 @@ def bulk_insert(programs, environment, tedious):
     table(["writer", "client's processor time per row", "rows per second"], rows)
 
 
+def freebcp(environment, count):
+    """FreeTDS's bulk copy of the same rows; its processor seconds and rows per second. None if the server refuses it: the
+    sample server has no bulk load. VANTOR_BENCHMARK_PORT names another server."""
+    table_name = "tempdb.dbo.freebcp_rows"
+    create = ["tsql", "-H", "127.0.0.1", "-p", environment["VANTOR_BENCHMARK_PORT"], "-U", "sa", "-P", "Sample-1"]
+    statement = f"CREATE TABLE {table_name} (id int, name nvarchar(50), price money, day date)\nGO\n"
+    subprocess.run(create, env={**environment, "TDSVER": "7.4"}, input=statement, text=True, stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL, check=False)
+    with tempfile.TemporaryDirectory() as folder:
+        source = pathlib.Path(folder) / "rows.csv"
+        source.write_text("".join(f"{n},name of row {n},{n % 1000}.25,2026-11-21\n" for n in range(count)))
+        begin = time.monotonic()
+        usage = os.times().children_user + os.times().children_system
+        done = subprocess.run(["freebcp", table_name, "in", str(source), "-S", f"127.0.0.1:{environment['VANTOR_BENCHMARK_PORT']}",
+                               "-U", "sa", "-P", "Sample-1", "-c", "-t", ","], env={**environment, "TDSVER": "7.4"},
+                              capture_output=True, text=True, check=False)
+        seconds = time.monotonic() - begin
+        processor = os.times().children_user + os.times().children_system - usage
+    copied = re.search(r"(\d+) rows copied", done.stdout)
+    return (processor, count / seconds) if done.returncode == 0 and copied and int(copied[1]) == count else None
+
+
+def importing(programs, environment):
+    text, _, _, _ = measure([programs / "import-benchmark"], environment)
+    count = int(figure(text, "import, rows"))
+    alone = figure(text, "bulk insert alone, processor time")
+    ours = figure(text, "import, processor time")
+    print(f"### Importing a CSV file of {count:,} rows and four columns\n")
+    rows = [["Vantor import", f"{ours:.1f} µs", f"{ours / alone:.2f}", f"{figure(text, 'import, rows per second'):,.0f}"],
+            ["bulkInsert alone", f"{alone:.1f} µs", "1.00", f"{figure(text, 'bulk insert alone, rows per second'):,.0f}"]]
+    peer = freebcp(environment, count) if shutil.which("freebcp") else None
+    if peer:
+        rows.append(["freebcp", f"{peer[0] / count * 1e6:.1f} µs", f"{peer[0] / count * 1e6 / alone:.2f}", f"{peer[1]:,.0f}"])
+    else:
+        rows.append(["freebcp", "refused by this server", "", ""])
+    table(["writer", "client's processor time per row", "ratio", "rows per second"], rows)
+
+
 def lines(title, programs, program, environment):
     print(f"### {title}\n")
     text, _, _, _ = measure([programs / program], environment)
@@ -159,6 +197,7 @@ def main():
         printing(programs, environment)
         many_results(programs, environment)
         bulk_insert(programs, environment, tedious)
+        importing(programs, environment)
         lines("Logging in", programs, "connect-benchmark", environment)
         lines("Listing 50,000 tables in the object tree", programs, "catalog-benchmark", environment)
         catalog_queries(programs)
