@@ -14,3 +14,9 @@ KNConnectorPreferences KNConnectorUserInterface::preferences() const
 {
     return {};
 }
+
+KNCreateTableWindowController *KNConnectorUserInterface::createTableWindowController(
+    const QList<KNImportColumnAnalysis> &, const std::shared_ptr<const VantorDBC> &, QWidget *) const
+{
+    return nullptr;
+}

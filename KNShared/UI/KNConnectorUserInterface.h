@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "Import/KNImportColumnAnalysis.h"
 #include "UI/KNConnectorPreferences.h"
 #include "UI/KNSharedUIExport.h"
 #include "UI/Workspace/KNDocumentState.h"
@@ -10,6 +11,7 @@
 #include <memory>
 
 class ConnectionWindowController;
+class KNCreateTableWindowController;
 class KNDatabaseTreeContextHelper;
 class KNDocumentTab;
 class KNWorkspace;
@@ -35,6 +37,11 @@ public:
     /// the kind or cannot restore the document.
     virtual std::unique_ptr<KNDocumentTab> restoreDocument(const KNDocumentState &state,
                                                            KNWorkspace &workspace) const;
+    /// Creates a dialog for a new table with a column for each analysed one of a file, not shown yet and
+    /// owned by its parent; null, the default, if the connector has none.
+    virtual KNCreateTableWindowController *
+    createTableWindowController(const QList<KNImportColumnAnalysis> &columns,
+                                const std::shared_ptr<const VantorDBC> &settings, QWidget *parent) const;
     /// The connector's preferences; none by default.
     virtual KNConnectorPreferences preferences() const;
 };

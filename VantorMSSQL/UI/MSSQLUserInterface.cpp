@@ -5,6 +5,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
 #include "UI/DatabaseTree/MSSQLTreePreferences.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
+#include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 
 ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *parent) const
 {
@@ -19,6 +20,14 @@ SQLRecentConnectionList &MSSQLUserInterface::recentConnections() const
 void MSSQLUserInterface::addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const
 {
     MSSQLDatabaseTreeContextHelper(helper, workspace).addActions();
+}
+
+KNCreateTableWindowController *
+MSSQLUserInterface::createTableWindowController(const QList<KNImportColumnAnalysis> &columns,
+                                                const std::shared_ptr<const VantorDBC> &settings,
+                                                QWidget *parent) const
+{
+    return new MSSQLCreateTableWindowController(settings, columns, parent);
 }
 
 KNConnectorPreferences MSSQLUserInterface::preferences() const

@@ -13,5 +13,9 @@ public:
     ConnectionWindowController *createConnectionWindowController(QWidget *parent) const override;
     SQLRecentConnectionList &recentConnections() const override;
     void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const override;
+    KNCreateTableWindowController *
+    createTableWindowController(const QList<KNImportColumnAnalysis> &columns,
+                                const std::shared_ptr<const VantorDBC> &settings,
+                                QWidget *parent) const override;
     KNConnectorPreferences preferences() const override;
 };

@@ -2,10 +2,12 @@
 
 #include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "TableDesign/MSSQLColumnScript.h"
 #include "TableDesign/MSSQLTableScript.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Dialogs/KNCautionBar.h"
 #include "UI/TableDesigner/MSSQLColumnGridDelegate.h"
 #include "UI/Workspace/KNProgressSheet.h"
 #include "UI/Workspace/KNStatementChoice.h"
@@ -62,14 +64,18 @@ Schemas schemasOf(const VantorDBC &settings)
 } // namespace
 
 MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings settings, QWidget *parent)
-    : KNWindowController(parent)
+    : KNCreateTableWindowController(parent)
     , m_settings(std::move(settings))
     , m_name(new QLineEdit)
     , m_schema(new QComboBox)
     , m_columns(new MSSQLColumnGridModel(this))
     , m_grid(new QTableView)
+    , m_hints(new KNCautionBar)
 {
     setWindowTitle(tr("New Table"));
+    m_hints->setButtonTitle(tr("Use S&uggested Types"));
+    connect(m_hints->button(), &QPushButton::clicked, this,
+            &MSSQLCreateTableWindowController::useSuggestedTypes);
     m_name->setMaxLength(LongestCreatedName);
     m_schema->setEditable(true);
     m_schema->setEditText(QStringLiteral("dbo"));
@@ -98,9 +104,26 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
     layout->addRow(tr("&Schema:"), m_schema);
     layout->addRow(columnButtons);
     layout->addRow(m_grid);
+    layout->addRow(m_hints);
     layout->addRow(buttons);
     resize(InitialDialogSize);
     loadSchemas();
+}
+
+MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(
+    Settings settings, const QList<KNImportColumnAnalysis> &defaultColumns, QWidget *parent)
+    : MSSQLCreateTableWindowController(std::move(settings), parent)
+{
+    m_analyses = defaultColumns;
+    const QStringList types = m_settings->createDatabaseImportHelper()->mapDataTypes(defaultColumns);
+    QList<MSSQLColumnRecord> columns;
+    for (qsizetype i = 0; i < types.size(); ++i) {
+        MSSQLColumnRecord proposed;
+        proposed.columnName = defaultColumns[i].name;
+        proposed.typeName = types[i];
+        columns.append(proposed);
+    }
+    setColumns(columns);
 }
 
 MSSQLCreateTableWindowController::~MSSQLCreateTableWindowController() = default;
@@ -133,7 +156,7 @@ void MSSQLCreateTableWindowController::edit(int row, MSSQLColumnGridModel::Colum
 {
     QList<MSSQLColumnRecord> columns = m_columns->columns();
     columns[row] = MSSQLColumnEdit(columns[row], edited, value).after();
-    m_columns->setColumns(columns);
+    setColumns(columns);
     m_grid->setCurrentIndex(m_columns->index(row, edited));
 }
 
@@ -155,7 +178,52 @@ void MSSQLCreateTableWindowController::removeColumn()
     if (row < 0 || row >= columns.size())
         return;
     columns.removeAt(row);
+    setColumns(columns);
+}
+
+void MSSQLCreateTableWindowController::setColumns(const QList<MSSQLColumnRecord> &columns)
+{
     m_columns->setColumns(columns);
+    showHints();
+}
+
+KNImportTypeHint MSSQLCreateTableWindowController::hintFor(const MSSQLColumnRecord &column) const
+{
+    const auto helper = m_settings->createDatabaseImportHelper();
+    for (const KNImportColumnAnalysis &analysis : m_analyses) {
+        if (analysis.name == column.columnName)
+            return helper->hintForType(column.displayType(), analysis);
+    }
+    return {};
+}
+
+void MSSQLCreateTableWindowController::showHints()
+{
+    QStringList lines;
+    for (const MSSQLColumnRecord &column : m_columns->columns()) {
+        if (const KNImportTypeHint hint = hintFor(column); !hint.text.isNull())
+            lines.append(KNFormat(tr("%@ (%@): %@"), column.columnName, column.displayType(), hint.text));
+    }
+    constexpr qsizetype MostLines = 6;
+    const qsizetype more = lines.size() - MostLines;
+    if (more > 0)
+        lines = lines.mid(0, MostLines) + QStringList{KNFormat(tr("and %ld more columns"), more)};
+    m_hints->setText(lines.isEmpty() ? QString() : lines.join(QLatin1Char('\n')));
+}
+
+QString MSSQLCreateTableWindowController::hints() const
+{
+    return m_hints->text();
+}
+
+void MSSQLCreateTableWindowController::useSuggestedTypes()
+{
+    QList<MSSQLColumnRecord> columns = m_columns->columns();
+    for (MSSQLColumnRecord &column : columns) {
+        if (const KNImportTypeHint hint = hintFor(column); !hint.text.isNull())
+            column = MSSQLColumnEdit(column, MSSQLColumnGridModel::Type, hint.type).after();
+    }
+    setColumns(columns);
 }
 
 QString MSSQLCreateTableWindowController::creationQueryForColumns(const QStringList &columns,
@@ -207,7 +275,5 @@ void MSSQLCreateTableWindowController::finish(const QString &tableName, const KN
             KNAlerts::shared().showError(this, outcome.error);
         return;
     }
-    m_createdTableName = tableName;
-    m_createdTableSchemaName = m_schema->currentText().trimmed();
-    endSheetWithReturnCode(1);
+    endWithTable(m_schema->currentText().trimmed(), tableName);
 }

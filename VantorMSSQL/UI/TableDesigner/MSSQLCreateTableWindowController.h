@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Database/KNStatementRun.h"
-#include "UI/Dialogs/KNWindowController.h"
+#include "Import/KNDatabaseImportHelper.h"
+#include "UI/Dialogs/KNCreateTableWindowController.h"
 #include "UI/TableDesigner/MSSQLColumnGridModel.h"
 
+class KNCautionBar;
 class KNProgressSheet;
 class QComboBox;
 class QLineEdit;
@@ -12,7 +14,7 @@ class QTableView;
 
 /// Creates a table: its name, its schema and its first columns, which are proposed and can be edited. The
 /// sheet ends with 1 once the table exists. On the UI thread.
-class MSSQLCreateTableWindowController : public KNWindowController
+class MSSQLCreateTableWindowController : public KNCreateTableWindowController
 {
     Q_OBJECT
 
@@ -20,21 +22,31 @@ public:
     using Settings = std::shared_ptr<const VantorDBC>;
 
     MSSQLCreateTableWindowController(Settings settings, QWidget *parent);
+    /// Proposes a column for each analysed one of a file, and shows hints at types that the server would
+    /// refuse or that would not hold all values.
+    MSSQLCreateTableWindowController(Settings settings, const QList<KNImportColumnAnalysis> &defaultColumns,
+                                     QWidget *parent);
     ~MSSQLCreateTableWindowController() override;
 
     /// The statement that creates the table. Without columns it gets "Column1 int".
     static QString creationQueryForColumns(const QStringList &columns, const QString &targetTableName,
                                            const QString &inSchema);
 
-    /// The table that was created; null before.
-    const QString &createdTableName() const { return m_createdTableName; }
-    const QString &createdTableSchemaName() const { return m_createdTableSchemaName; }
+    /// The hints at the types, a line for each column; null without one.
+    QString hints() const;
+
+public Q_SLOTS:
+    /// Uses the types of the hints.
+    void useSuggestedTypes();
 
 private:
     void onAccept();
     void create(const QString &tableName, const QString &statement);
     void finish(const QString &tableName, const KNStatementOutcome &outcome);
     void loadSchemas();
+    void setColumns(const QList<MSSQLColumnRecord> &columns);
+    KNImportTypeHint hintFor(const MSSQLColumnRecord &column) const;
+    void showHints();
     void edit(int row, MSSQLColumnGridModel::Column column, const QVariant &value);
     void addColumn();
     void removeColumn();
@@ -47,6 +59,6 @@ private:
     QTableView *const m_grid;
     std::unique_ptr<KNProgressSheet> m_progress; ///< while the table is created
     KNStatementRun::Ptr m_run;
-    QString m_createdTableName;
-    QString m_createdTableSchemaName;
+    QList<KNImportColumnAnalysis> m_analyses; ///< of the file that fills the table; none without one
+    KNCautionBar *const m_hints;
 };

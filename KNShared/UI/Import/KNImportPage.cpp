@@ -1,0 +1,7 @@
+#include "UI/Import/KNImportPage.h"
+
+KNImportPage::KNImportPage(KNImportSession &session, QWidget *parent)
+    : QWidget(parent)
+    , m_session(session)
+{
+}
