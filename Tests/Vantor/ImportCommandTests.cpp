@@ -102,7 +102,7 @@ TEST_F(ImportCommand, ReportsFaultsInADryRun)
     EXPECT_EQ(outcome.errors,
               QByteArray("Line 2, column \"born\", value \"2024-02-30\": This is not a date.\n"
                          "Line 4, column \"id\", value \"x\": This is not a number.\n"
-                         "1 rows can be imported, 2 cannot.\n"));
+                         "1 row can be imported, 2 rows cannot.\n"));
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM People"), QByteArray("n\n0\n"));
 }
 
@@ -112,7 +112,7 @@ TEST_F(ImportCommand, SkipsFaultyRows)
     const Outcome outcome = runIn("import", {t("import"), write("e.csv", "id\n1\nx\n1\n2\n"), t("--into"),
                                              t("People"), t("--skip-faulty"), faults});
     EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
-    EXPECT_TRUE(outcome.errors.startsWith("2 rows imported.\n2 rows were refused: see "));
+    EXPECT_TRUE(outcome.errors.startsWith("2 rows imported.\n2 rows refused: see "));
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM People"), QByteArray("n\n2\n"));
     EXPECT_TRUE(QFile::exists(faults));
 }

@@ -13,6 +13,11 @@ QString faultText(const KNImportFault &fault)
                     fault.value.isNull() ? QStringLiteral("NULL") : fault.value, fault.reason);
 }
 
+QString rowsText(quint64 rows)
+{
+    return rows == 1 ? QStringLiteral("1 row") : KNFormat("%llu rows", rows);
+}
+
 void printFaults(const KNImportOutcome &outcome)
 {
     const Terminal::ErrorLines lines;
@@ -58,12 +63,12 @@ int ImportProgress::printOutcome(const KNImportOutcome &outcome, const KNImportP
     if (isDryRun) {
         printFaults(outcome);
         Terminal::printError(
-            KNFormat("%llu rows can be imported, %llu cannot.", outcome.rows, outcome.faultCount));
+            KNFormat("%@ can be imported, %@ cannot.", rowsText(outcome.rows), rowsText(outcome.faultCount)));
         return outcome.faultCount == 0 ? ExitSuccess : ExitUsage;
     }
-    Terminal::printError(KNFormat("%llu rows imported.", outcome.rows));
+    Terminal::printError(KNFormat("%@ imported.", rowsText(outcome.rows)));
     if (outcome.faultCount > 0)
-        Terminal::printError(KNFormat("%llu rows were refused: see %@.", outcome.faultCount, plan.faultFile),
+        Terminal::printError(KNFormat("%@ refused: see %@.", rowsText(outcome.faultCount), plan.faultFile),
                              Terminal::Colour::Yellow);
     return ExitSuccess;
 }
