@@ -1,6 +1,7 @@
 #include "Desktop/Main/MainWindow.h"
 
 #include "Database/VantorDatabaseConnectionPool.h"
+#include "Desktop/Import/ImportActions.h"
 #include "Desktop/Main/ConnectionStrip.h"
 #include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/EncryptionMark.h"
@@ -59,6 +60,7 @@ MainWindow::MainWindow(const VantorDBC &details, const KNConnectorUserInterface 
     , m_treeActions(new TreeActions(*this, this))
 {
     arrange();
+    m_imports = new ImportActions(*this, *this, treeContextHelper(), m_connector);
     m_actions = new MainWindowActions(*this);
     connectParts();
     if (m_connector)

@@ -7,6 +7,7 @@
 #include <QMainWindow>
 
 class DocumentTabs;
+class ImportActions;
 class KNConnectorUserInterface;
 class KNDatabaseTreeContextHelper;
 class KNDatabaseTreeViewController;
@@ -31,6 +32,7 @@ public:
     KNDatabaseTreeViewController *explorer() const { return m_explorer; }
     MainWindowActions *actions() const { return m_actions; }
     DocumentTabs *tabs() const { return m_tabs; }
+    ImportActions *imports() const { return m_imports; }
     /// Performs the actions of the tree's menus.
     KNDatabaseTreeContextHelper &treeContextHelper() const;
     /// Null if no document is open.
@@ -119,6 +121,7 @@ private:
     const QueryHistory m_history;
     TreeActions *const m_treeActions;
     MainWindowActions *m_actions = nullptr;
+    ImportActions *m_imports = nullptr;
     int m_untitledCount = 0;
     bool m_isDisconnecting = false;      ///< while disconnectFromServer() closes the window
     bool m_returnsToConnections = false; ///< once the window has closed

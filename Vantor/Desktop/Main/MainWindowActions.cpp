@@ -1,5 +1,6 @@
 #include "Desktop/Main/MainWindowActions.h"
 
+#include "Desktop/Import/ImportActions.h"
 #include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/RecentFiles.h"
@@ -120,6 +121,8 @@ void MainWindowActions::makeFileMenu()
     m_reopenClosed =
         add(menu, {"reopenClosed", QT_TR_NOOP("Reopen C&losed Tab"), nullptr, {keys("Ctrl+Shift+T")}},
             [this] { m_window.reopenClosedDocument(); });
+    menu->addSeparator();
+    add(menu, {"import", QT_TR_NOOP("&Import…"), nullptr, {}}, [this] { m_window.imports()->import(); });
     menu->addSeparator();
     add(menu, {"connections", QT_TR_NOOP("Co&nnections…"), "connection-new", {keys("Ctrl+Shift+N")}},
         [this] { Q_EMIT m_window.connectionsRequested(); });
