@@ -10,6 +10,7 @@
 #include "Desktop/Start/StartWindow.h"
 #include "Foundation/KNDispatch.h"
 #include "Implementations/MSSQLRecentConnection.h"
+#include "ImportScreenshots.h"
 #include "Recent/SQLRecentConnectionList.h"
 #include "RowEditing/MSSQLEditRowHelper.h"
 #include "Screenshot.h"
@@ -285,6 +286,7 @@ void showOtherWindows(MainWindow &window, const QString &folder)
     showProperties(window, folder);
     showDesigner(window, folder);
     showRowForm(window, folder);
+    showImport(window, folder);
     PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
     preferences.show();
     save(&preferences, folder, "preferences");
