@@ -1,5 +1,5 @@
-// Imports a CSV file of four columns, and loads the same rows with bulkInsert. The server is a process of its own, so
-// the processor time is the client's alone.
+// Imports a CSV file of four columns, and loads the same rows with bulkInsert. The server is a process of its
+// own, so the processor time is the client's alone.
 
 #include "BenchmarkSupport.h"
 #include "Import/KNImportRun.h"
@@ -60,7 +60,8 @@ void measure(const char *name, int count, const Load &load)
         std::fprintf(stderr, "%s\n", error.localizedDescription().toUtf8().constData());
         std::exit(1);
     }
-    std::printf("%s, processor time        %.2f us per row\n", name, (processorSeconds() - processor) / count * 1e6);
+    std::printf("%s, processor time        %.2f us per row\n", name,
+                (processorSeconds() - processor) / count * 1e6);
     std::printf("%s, rows per second       %.0f\n", name, count / (wallSeconds() - wall));
 }
 
