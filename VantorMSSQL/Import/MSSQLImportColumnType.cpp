@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-using Kind = KNImportColumnType::Kind;
+using ImportKind = KNImportColumnType::Kind;
 
 namespace {
 
@@ -19,42 +19,42 @@ constexpr int MostDigits = 38;
 struct KnownType
 {
     const char *name;
-    Kind kind;
+    ImportKind kind;
     qint64 minimum = 0;
     qint64 maximum = 0;
 };
 
 constexpr KnownType KnownTypes[] = {
-    {"bigint", Kind::Integer, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()},
-    {"binary", Kind::Binary},
-    {"bit", Kind::Boolean},
-    {"char", Kind::Text},
-    {"date", Kind::Date},
-    {"datetime", Kind::DateAndTime},
-    {"datetime2", Kind::DateAndTime},
-    {"datetimeoffset", Kind::DateTimeOffset},
-    {"dec", Kind::Decimal},
-    {"decimal", Kind::Decimal},
-    {"float", Kind::Real},
-    {"image", Kind::Binary},
-    {"int", Kind::Integer, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
-    {"integer", Kind::Integer, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
-    {"money", Kind::Decimal},
-    {"nchar", Kind::Text},
-    {"ntext", Kind::Text},
-    {"numeric", Kind::Decimal},
-    {"nvarchar", Kind::Text},
-    {"real", Kind::Real},
-    {"smalldatetime", Kind::DateAndTime},
-    {"smallint", Kind::Integer, std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()},
-    {"smallmoney", Kind::Decimal},
-    {"sysname", Kind::Text},
-    {"text", Kind::Text},
-    {"time", Kind::Time},
-    {"tinyint", Kind::Integer, 0, 255},
-    {"uniqueidentifier", Kind::Guid},
-    {"varbinary", Kind::Binary},
-    {"varchar", Kind::Text},
+    {"bigint", ImportKind::Integer, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()},
+    {"binary", ImportKind::Binary},
+    {"bit", ImportKind::Boolean},
+    {"char", ImportKind::Text},
+    {"date", ImportKind::Date},
+    {"datetime", ImportKind::DateAndTime},
+    {"datetime2", ImportKind::DateAndTime},
+    {"datetimeoffset", ImportKind::DateTimeOffset},
+    {"dec", ImportKind::Decimal},
+    {"decimal", ImportKind::Decimal},
+    {"float", ImportKind::Real},
+    {"image", ImportKind::Binary},
+    {"int", ImportKind::Integer, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
+    {"integer", ImportKind::Integer, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
+    {"money", ImportKind::Decimal},
+    {"nchar", ImportKind::Text},
+    {"ntext", ImportKind::Text},
+    {"numeric", ImportKind::Decimal},
+    {"nvarchar", ImportKind::Text},
+    {"real", ImportKind::Real},
+    {"smalldatetime", ImportKind::DateAndTime},
+    {"smallint", ImportKind::Integer, std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()},
+    {"smallmoney", ImportKind::Decimal},
+    {"sysname", ImportKind::Text},
+    {"text", ImportKind::Text},
+    {"time", ImportKind::Time},
+    {"tinyint", ImportKind::Integer, 0, 255},
+    {"uniqueidentifier", ImportKind::Guid},
+    {"varbinary", ImportKind::Binary},
+    {"varchar", ImportKind::Text},
 };
 
 /// A type's name and the numbers behind it; -1 for one that is not given, and for max.
@@ -176,7 +176,7 @@ QString fittingNumber(const KNImportColumnAnalysis &analysis)
 KNImportTypeHint numberHint(const KNImportColumnType &type, const KNImportColumnAnalysis &analysis)
 {
     const QString fitting = fittingNumber(analysis);
-    if (type.kind == Kind::Integer) {
+    if (type.kind == ImportKind::Integer) {
         const bool fits = analysis.fractionDigits() == 0 && !analysis.hasExponent() &&
                           analysis.integerDigits() <= 19 && analysis.minNumericValue() >= type.minimum &&
                           analysis.maxNumericValue() <= type.maximum &&
@@ -189,7 +189,7 @@ KNImportTypeHint numberHint(const KNImportColumnType &type, const KNImportColumn
                                            .arg(fitting),
                                        fitting};
     }
-    if (type.kind != Kind::Decimal)
+    if (type.kind != ImportKind::Decimal)
         return {};
     if (analysis.hasExponent())
         return {say(QT_TRANSLATE_NOOP("MSSQLDatabaseImportHelper", "Some numbers have an exponent: %1?"))
@@ -223,15 +223,15 @@ KNImportColumnType MSSQLImportColumnType::read(const QString &type)
     result.kind = known->kind;
     result.literalType = parts->name == QLatin1String("dec") ? QStringLiteral("decimal") : parts->name;
     switch (known->kind) {
-    case Kind::Text:
-    case Kind::Binary:
+    case ImportKind::Text:
+    case ImportKind::Binary:
         readLength(*parts, &result);
         break;
-    case Kind::Integer:
+    case ImportKind::Integer:
         result.minimum = known->minimum;
         result.maximum = known->maximum;
         break;
-    case Kind::Decimal:
+    case ImportKind::Decimal:
         readDigits(*parts, &result);
         break;
     default:
@@ -243,7 +243,7 @@ KNImportColumnType MSSQLImportColumnType::read(const QString &type)
 KNImportTypeHint MSSQLImportColumnType::hint(const QString &type, const KNImportColumnAnalysis &analysis)
 {
     const KNImportColumnType known = read(type);
-    if (known.kind == Kind::Text)
+    if (known.kind == ImportKind::Text)
         return textHint(known, analysis);
     return analysis.dataType() == KNImportColumnAnalysis::Numeric ? numberHint(known, analysis)
                                                                   : KNImportTypeHint();
