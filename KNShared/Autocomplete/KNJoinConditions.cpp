@@ -51,14 +51,15 @@ QStringList KNJoinConditions(const KNSQLScope &scope, const KNSourceColumns &col
                 conditions.append(condition(last, key.referencedColumns, other, key.columns, quotedName));
         }
     }
-    const QList<KNSourceColumn> own = columns.of(last);
+    QHash<QString, KNSourceColumn> own; // by name in lower case
+    for (const KNSourceColumn &mine : columns.of(last))
+        own.insert(mine.name.toLower(), mine);
     for (qsizetype index = joined - 1; index >= 0; --index) {
         const KNSQLSource &other = scope.sources[index];
         for (const KNSourceColumn &theirs : columns.of(other)) {
-            for (const KNSourceColumn &mine : own) {
-                if (mine.name.compare(theirs.name, Qt::CaseInsensitive) == 0 && mine.type == theirs.type)
-                    conditions.append(condition(last, {mine.name}, other, {theirs.name}, quotedName));
-            }
+            const auto mine = own.constFind(theirs.name.toLower());
+            if (mine != own.constEnd() && mine->type == theirs.type)
+                conditions.append(condition(last, {mine->name}, other, {theirs.name}, quotedName));
         }
     }
     conditions.removeDuplicates();

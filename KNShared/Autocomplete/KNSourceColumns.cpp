@@ -3,6 +3,7 @@
 namespace {
 
 constexpr int MaximumDepth = 16;             ///< of subqueries and of common table expressions of themselves
+constexpr int MaximumSteps = 2'000;          ///< expressions can name themselves many times
 constexpr qsizetype MaximumColumns = 10'000; ///< of one source
 
 bool isSameName(const QString &a, const QString &b)
@@ -42,7 +43,7 @@ const KNSQLSource *KNSourceColumns::declared(const KNSQLSource &source) const
 QList<KNSourceColumn> KNSourceColumns::of(const KNSQLSource &source, int depth) const
 {
     QList<KNSourceColumn> columns;
-    if (depth > MaximumDepth)
+    if (depth > MaximumDepth || ++m_steps > MaximumSteps)
         return columns;
     if (const KNSQLSource *const known = declared(source)) {
         columns = of(*known, depth + 1);

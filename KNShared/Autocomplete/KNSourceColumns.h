@@ -21,7 +21,11 @@ public:
     {
     }
 
-    QList<KNSourceColumn> of(const KNSQLSource &source) const { return of(source, 0); }
+    QList<KNSourceColumn> of(const KNSQLSource &source) const
+    {
+        m_steps = 0;
+        return of(source, 0);
+    }
     /// The object that a path of up to three names refers to; null if it is unknown.
     const KNCompletionCatalog::Object *object(const QStringList &path) const;
 
@@ -32,5 +36,6 @@ private:
 
     const KNSQLScope &m_scope;
     const KNCompletionCatalog *m_catalog;
+    mutable int m_steps = 0;                                            ///< of the current search
     mutable QList<std::shared_ptr<const KNCompletionCatalog>> m_others; ///< keep the objects returned
 };

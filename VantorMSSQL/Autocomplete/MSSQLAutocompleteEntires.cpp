@@ -5,6 +5,7 @@
 #include <QCollator>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -20,28 +21,33 @@ template <typename Element, typename NameOf>
 QList<Element> sortedForUser(const QList<Element> &elements, NameOf nameOf)
 {
     const QCollator collator;
-    struct Keyed
-    {
-        QCollatorSortKey key;
-        Element element;
-    };
-    std::vector<Keyed> keyed;
+    std::vector<QCollatorSortKey> keys;
+    QList<Element> distinct;
     QSet<QString> seen;
+    seen.reserve(elements.size());
     for (const Element &element : elements) {
         const QString &name = nameOf(element);
-        if (seen.contains(name))
-            continue;
+        const qsizetype known = seen.size();
         seen.insert(name);
-        keyed.push_back({collator.sortKey(name.toLower()), element});
+        if (seen.size() == known)
+            continue;
+        keys.push_back(collator.sortKey(name.toLower()));
+        distinct.append(element);
     }
-    std::sort(keyed.begin(), keyed.end(), [&](const Keyed &a, const Keyed &b) {
-        const int order = a.key.compare(b.key);
-        return order == 0 ? nameOf(a.element) < nameOf(b.element) : order < 0;
+    // Keys are expensive to move.
+    std::vector<std::size_t> order(keys.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    const auto elementAt = [&](std::size_t index) -> const Element & {
+        return distinct.at(static_cast<qsizetype>(index));
+    };
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        const int comparison = keys[a].compare(keys[b]);
+        return comparison == 0 ? nameOf(elementAt(a)) < nameOf(elementAt(b)) : comparison < 0;
     });
     QList<Element> sorted;
-    sorted.reserve(static_cast<qsizetype>(keyed.size()));
-    for (Keyed &entry : keyed)
-        sorted.append(std::move(entry.element));
+    sorted.reserve(distinct.size());
+    for (const std::size_t index : order)
+        sorted.append(elementAt(index));
     return sorted;
 }
 

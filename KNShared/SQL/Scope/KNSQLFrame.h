@@ -19,6 +19,7 @@ struct KNSQLFrame
     Kind kind = Kind::Query;
     Use use = Use::None;
     int parent = -1;
+    int query = 0;         ///< the query that parentheses belong to
     bool seesOuter = true; ///< whether a subquery sees the sources around it
     KNSQLClause clause = KNSQLClause::Statement;
 

@@ -75,7 +75,7 @@ private:
     void open();
     Frame frameForParenthesis();
     Frame frameForSource();
-    void push(Frame frame);
+    void push(Frame inner);
     void close();
     void use(Frame &closed);
     void finishItem(Frame &query, qsizetype end);
@@ -87,7 +87,7 @@ private:
     bool fillAfterWord(KNSQLScope *scope, Role previous) const;
     const QList<KNSQLOutput> &outputsOf(const Frame &query) const;
     KNSQLSource derived(const Frame &query) const;
-    void replaceCommonTables(KNSQLSource *source, int depth) const;
+    void replaceCommonTables(KNSQLSource *source, int depth, int *steps) const;
 
     const KNSQLTokens &m_tokens;
     const qsizetype m_begin;

@@ -124,10 +124,11 @@ void KNSQLScopeParser::open()
     ++m_at;
 }
 
-void KNSQLScopeParser::push(Frame frame)
+void KNSQLScopeParser::push(Frame inner)
 {
-    frame.parent = m_top;
-    m_frames.push_back(std::move(frame));
+    inner.parent = m_top;
+    inner.query = queryOf(m_top);
+    m_frames.push_back(std::move(inner));
     m_top = static_cast<int>(m_frames.size()) - 1;
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-class CompletionCorpus : public testing::TestWithParam<const char *>
+class CompletionLimits : public testing::Test
 {
 protected:
     QStringList complete(const QString &text, qsizetype caret)
@@ -26,6 +26,10 @@ protected:
     }
 
     const CompletionDatabase m_database;
+};
+
+class CompletionCorpus : public CompletionLimits, public testing::WithParamInterface<const char *>
+{
 };
 
 /// An empty text, or what is wrong with a list.
@@ -95,4 +99,25 @@ TEST(CompletionCorpusFiles, HoldAtLeast400Cases)
     for (const char *const file : {"sources.txt", "changes.txt", "places.txt", "declared.txt"})
         count += CompletionCase::all(QString::fromLatin1(file)).size();
     EXPECT_GE(count, 400);
+}
+
+TEST_F(CompletionLimits, ExpressionsThatNameThemselvesEnd)
+{
+    QStringList sources;
+    for (int index = 0; index < 40; ++index)
+        sources.append(QStringLiteral("x s%1").arg(index));
+    const QString list = sources.join(QStringLiteral(", "));
+    const QString expression = QStringLiteral("WITH x AS (SELECT * FROM %1) ").arg(list);
+    const QString query = expression + QStringLiteral("SELECT q. FROM x q");
+    EXPECT_TRUE(complete(query, query.indexOf(u'.') + 1).isEmpty());
+    const QString earlier = expression + QStringLiteral("SELECT * INTO #t FROM x; SELECT t. FROM #t t");
+    EXPECT_TRUE(complete(earlier, earlier.lastIndexOf(u'.') + 1).isEmpty());
+}
+
+TEST_F(CompletionLimits, DeepParenthesesTakeLinearTime)
+{
+    constexpr qsizetype Depth = 300'000;
+    const QString text =
+        QStringLiteral("SELECT ") + QString(Depth, u'(') + QStringLiteral("o. FROM Orders o");
+    EXPECT_EQ(complete(text, text.indexOf(u'.') + 1).value(0), QStringLiteral("OrderId"));
 }
