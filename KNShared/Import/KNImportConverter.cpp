@@ -42,6 +42,16 @@ bool isAnyOf(const QString &text, std::initializer_list<const char *> words)
     });
 }
 
+/// Whether a text is what a statement contains for this number. Most integers need no further reading.
+bool isPlainInteger(const QString &text)
+{
+    constexpr qsizetype SafeDigits = 18;
+    if (text.isEmpty() || text.size() > SafeDigits || (text.front() == QLatin1Char('0') && text.size() > 1))
+        return false;
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); });
+}
+
 /// Without exponent, or null for a number of more than 38 digits.
 QString plainNumber(const KNImportNumberText &number)
 {
@@ -112,6 +122,11 @@ std::optional<KNValue> KNImportConverter::textValue(const QString &text, QString
 
 std::optional<KNValue> KNImportConverter::integerValue(const QString &text, QString *reason) const
 {
+    if (isPlainInteger(text)) {
+        const qint64 value = text.toLongLong();
+        if (value >= m_type.minimum && value <= m_type.maximum)
+            return KNValue(text);
+    }
     const auto number = KNImportNumberText::read(text, m_format.decimalPoint);
     QString whole = number ? plainNumber(*number) : QString();
     if (const qsizetype point = whole.indexOf(QLatin1Char('.')); point >= 0) {
@@ -147,11 +162,14 @@ std::optional<KNValue> KNImportConverter::decimalValue(const QString &text, QStr
         return refused(reason, tr("The number has %1 decimals, the column keeps %2.")
                                    .arg(digits->fractionDigits)
                                    .arg(m_type.scale));
-    const QString whole = plain.section(QLatin1Char('.'), 0, 0);
-    const QString fraction = plain.section(QLatin1Char('.'), 1, 1).left(digits->fractionDigits);
+    const qsizetype point = plain.indexOf(QLatin1Char('.'));
+    QString result = point < 0 ? plain : plain.left(point);
     if (m_type.scale == 0)
-        return KNValue(whole);
-    return KNValue(whole + QLatin1Char('.') + (fraction.isEmpty() ? QStringLiteral("0") : fraction));
+        return KNValue(result);
+    result += QLatin1Char('.');
+    result += digits->fractionDigits == 0 ? QStringView(u"0")
+                                          : QStringView(plain).mid(point + 1, digits->fractionDigits);
+    return KNValue(result);
 }
 
 /// With an exponent the number is a floating-point one in every statement.
