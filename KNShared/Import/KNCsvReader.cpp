@@ -14,6 +14,17 @@ int isNoBlank(unsigned char)
     return 0;
 }
 
+/// Most values are ASCII, which needs no decoder.
+QString textFromUtf8(QByteArrayView utf8, bool *isValid)
+{
+    if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return QString::fromLatin1(utf8);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(utf8);
+    *isValid = !decoder.hasError();
+    return text;
+}
+
 /// Refuses to keep a value that is too large.
 void *limitedRealloc(void *memory, size_t size)
 {
@@ -101,6 +112,7 @@ bool KNCsvReader::start(const KNImportFile &file, KNError *error)
         *error = fileError(tr("Separator and quote are two different characters of ASCII."));
         return false;
     }
+    m_isEncodingAssumed = file.encoding == KNImportTextSource::Encoding::Detect;
     csv_set_delim(&m_parser->state, static_cast<unsigned char>(separator));
     csv_set_quote(&m_parser->state, static_cast<unsigned char>(quote));
     return m_lines.source.open(file.path, file.encoding, error) && readHeader(file.hasHeader, error);
@@ -123,6 +135,12 @@ bool KNCsvReader::readHeader(bool isFirstRow, KNError *error)
     if (!isFirstRow)
         m_rows.prepend(first);
     return true;
+}
+
+QString KNCsvReader::assumedEncoding() const
+{
+    const bool isLatin = m_lines.source.encoding() == KNImportTextSource::Encoding::Latin1;
+    return m_isEncodingAssumed && isLatin ? QStringLiteral("Latin-1") : QString();
 }
 
 bool KNCsvReader::readRow(KNImportRow *row, KNError *error)
@@ -195,9 +213,9 @@ void KNCsvReader::addValue(const char *utf8, qsizetype size)
         m_current.values.append(QString());
         return;
     }
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString value = decoder(QByteArrayView(utf8, size));
-    if (decoder.hasError() && m_current.problem.isNull())
+    bool isValid = true;
+    const QString value = textFromUtf8({utf8, size}, &isValid);
+    if (!isValid && m_current.problem.isNull())
         m_current.problem =
             tr("Value %1 is not valid UTF-8. Choose the file's encoding.").arg(m_current.values.size() + 1);
     m_current.values.append(value.isNull() ? QStringLiteral("") : value);

@@ -19,6 +19,7 @@ public:
     ~KNCsvReader() override;
     QStringList columns() const override { return m_columns; }
     bool readRow(KNImportRow *row, KNError *error) override;
+    QString assumedEncoding() const override;
     double progress() const override { return m_lines.source.progress(); }
 
 private:
@@ -40,6 +41,7 @@ private:
     QList<KNImportRow> m_rows; ///< parsed and not yet read
     KNImportRow m_current;     ///< is being parsed
     bool m_isRowOver = true;   ///< the next piece begins a row
+    bool m_isEncodingAssumed = false;
     bool m_hasTooMany = false; ///< values in a row
     bool m_isFinished = false;
 };

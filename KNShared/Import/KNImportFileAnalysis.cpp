@@ -46,6 +46,7 @@ KNImportFileAnalysis KNImportFileAnalysis::read(const KNImportFile &file, quint6
     const auto reader = KNImportFormat::open(file, &analysis.error);
     if (!reader)
         return analysis;
+    analysis.assumedEncoding = reader->assumedEncoding();
     analysis.columns.resize(reader->columns().size());
     KNImportRow row;
     bool isThere = true;

@@ -17,6 +17,7 @@ struct KNSHARED_EXPORT KNImportFileAnalysis
     QList<KNImportColumnAnalysis> columns;
     QList<KNImportRow> preview; ///< long values are cut
     quint64 rows = 0;           ///< that were analysed
+    QString assumedEncoding;    ///< as KNImportReader says
     bool isComplete = false;    ///< whether these are all rows of the file
     KNError error;              ///< why the reading ended before the end; not set otherwise
 

@@ -37,6 +37,8 @@ public:
     /// Reads the next row; false at the end of the file, and with an error. A row with a problem is no error:
     /// the next one can be read.
     virtual bool readRow(KNImportRow *row, KNError *error) = 0;
+    /// The encoding of a text that does not say which one it has, if it is not UTF-8; null otherwise.
+    virtual QString assumedEncoding() const { return {}; }
     /// The part of the file that was read, from 0 to 1.
     virtual double progress() const = 0;
 

@@ -94,6 +94,16 @@ TEST_F(ImportCommand, AsksForEveryColumnOfTheFile)
     EXPECT_EQ(query("SELECT * FROM People"), QByteArray("id,name,born\n1,Ann,2000-01-01\n"));
 }
 
+TEST_F(ImportCommand, SaysWhenItAssumesAnEncoding)
+{
+    const QString file = write("latin.csv", "id,name\n1,caf\xe9\n");
+    const Outcome assumed = import(file, {"--into", "People", "--dry-run"});
+    EXPECT_TRUE(assumed.errors.startsWith("The file is not UTF-8 and is read as Latin-1."))
+        << assumed.errors.toStdString();
+    const Outcome given = import(file, {"--into", "People", "--dry-run", "--encoding", "latin1"});
+    EXPECT_EQ(given.errors, QByteArray("1 row can be imported, 0 rows cannot.\n"));
+}
+
 TEST_F(ImportCommand, ReportsFaultsInADryRun)
 {
     const Outcome outcome = import(write("d.csv", "id,born\n1,2024-02-30\n2,2024-02-29\nx,\n"),

@@ -61,6 +61,9 @@ private:
         // Faults behind the columns are reported by the import with the rows before them.
         if (m_analysis.error && (m_options.createsTable || m_analysis.columns.isEmpty()))
             return Terminal::fail(ExitUsage, m_analysis.error.localizedDescription());
+        if (!m_analysis.assumedEncoding.isNull())
+            note(KNFormat("The file is not UTF-8 and is read as %@. --encoding chooses another encoding.",
+                          m_analysis.assumedEncoding));
         if (m_options.createsTable && !m_analysis.isComplete)
             note(KNFormat(
                 "Only the first %llu rows were analysed: values of later rows may not fit their columns.",

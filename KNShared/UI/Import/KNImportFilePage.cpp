@@ -33,6 +33,21 @@ QStringList importFilters()
             KNImportFilePage::tr("All files (*)")};
 }
 
+QString statusText(const KNImportFileAnalysis &analysis)
+{
+    if (analysis.error)
+        return analysis.error.localizedDescription();
+    QString text = KNImportFilePage::tr("The first rows of the file");
+    if (analysis.isComplete)
+        text = analysis.rows == 1 ? KNImportFilePage::tr("1 row")
+                                  : KNFormat(KNImportFilePage::tr("%@ rows"),
+                                             KNCountText(static_cast<qsizetype>(analysis.rows)));
+    if (!analysis.assumedEncoding.isNull())
+        text += KNFormat(KNImportFilePage::tr(". The file is not UTF-8 and is read as %@."),
+                         analysis.assumedEncoding);
+    return text;
+}
+
 } // namespace
 
 KNImportFilePage::KNImportFilePage(KNImportSession &session, const QString &path, QWidget *parent)
@@ -183,14 +198,7 @@ void KNImportFilePage::showAnalysis()
         rows.append(row.values.first(std::min(row.values.size(), MostPreviewColumns)));
     m_rows->setTexts(analysis.columnNames().mid(0, MostPreviewColumns), rows);
     m_preview->resizeColumnsToContents();
-    if (analysis.error)
-        m_status->setText(analysis.error.localizedDescription());
-    else if (analysis.isComplete)
-        m_status->setText(analysis.rows == 1
-                              ? tr("1 row")
-                              : KNFormat(tr("%@ rows"), KNCountText(static_cast<qsizetype>(analysis.rows))));
-    else
-        m_status->setText(tr("The first rows of the file"));
+    m_status->setText(statusText(analysis));
     Q_EMIT completeChanged();
 }
 

@@ -216,6 +216,10 @@ TEST_F(ImportWindow, StaysAtAFileThatCannotBeRead)
     m_wizard->filePage()->file()->setPath(write("e.csv", "id\n1\n"));
     ASSERT_TRUE(waitFor([&] { return button("Next")->isEnabled(); }));
     EXPECT_EQ(m_wizard->filePage()->status(), z("1 row"));
+    m_wizard->filePage()->file()->setPath(write("latin.csv", "id,name\n1,caf\xe9\n"));
+    EXPECT_TRUE(waitFor([&] {
+        return m_wizard->filePage()->status() == z("1 row. The file is not UTF-8 and is read as Latin-1.");
+    })) << m_wizard->filePage()->status().toStdString();
 }
 
 TEST_F(ImportWindow, CreatesATableWithTheSuggestedTypes)
