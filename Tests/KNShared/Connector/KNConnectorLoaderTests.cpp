@@ -99,8 +99,8 @@ TEST(KNConnectorLoader, RefusesAPluginForSomethingElse)
 TEST(KNConnectorLoader, RefusesAnotherVersionOfTheContract)
 {
     expectRefusal(plugin("NewerContract"), Problem::WrongContract,
-                  "keeps version 4 of the connector contract");
-    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 3");
+                  "keeps version 5 of the connector contract");
+    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 4");
 }
 
 TEST(KNConnectorLoader, RefusesAConnectorWithoutAName)
