@@ -1,6 +1,6 @@
 #include "Database/KNStatementRun.h"
 
-#include "Database/VantorDatabaseConnectionPool.h"
+#include "Database/KNStatementSession.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
@@ -70,29 +70,39 @@ struct KNStatementRun::Work
     void cancelUntilEnding();
 
 private:
+    /// What a rollback undoes. A transaction that was open before the run must survive it.
+    enum class Scope { Nothing, Transaction, Savepoint };
+
     bool beginRunning(VantorDatabaseClient &running);
     bool endRunning();
     bool runBatches(VantorDatabaseClient &running, KNStatementOutcome *outcome);
     bool runBatch(const KNQueryDetails &batch, VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    bool begin(VantorDatabaseClient &running, KNStatementOutcome *outcome);
+    bool complete(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
     void commit(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
     void rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
+    void rollBackToSavepoint(VantorDatabaseClient &running, KNStatementOutcome *outcome) const;
     KNError mapped(const KNStatementOutcome &outcome) const;
+
+    Scope scope = Scope::Nothing; ///< worker only
 };
 
 KNStatementOutcome KNStatementRun::Work::perform(const VantorDBC &details)
 {
     KNStatementOutcome outcome;
     KNError error;
-    VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-        [&](VantorDatabaseClient &lent, KNError *failure) {
-            outcome = perform(lent);
-            *failure = outcome.error;
-            // Later callers of the pool must not inherit SET options or temporary tables.
-            const VantorSessionState state = lent.sessionStateAfter(request.script);
-            if (state.hasOptions || state.hasTemporaryTables)
-                lent.disconnect();
-        },
-        details, &error);
+    const auto work = [&](VantorDatabaseClient &lent, KNError *failure) {
+        outcome = perform(lent);
+        *failure = outcome.error;
+        // Later callers of the pool must not inherit SET options or temporary tables.
+        const VantorSessionState state = lent.sessionStateAfter(request.script);
+        if (!request.session && (state.hasOptions || state.hasTemporaryTables))
+            lent.disconnect();
+    };
+    if (request.session)
+        request.session->executeQuery(work, &error);
+    else
+        VantorDatabaseConnectionPool::sharedInstance()->executeQuery(work, details, &error);
     if (error && !outcome.error) { // no connection could be opened
         outcome.error = error;
         outcome.error = mapped(outcome);
@@ -109,8 +119,8 @@ KNStatementOutcome KNStatementRun::Work::perform(VantorDatabaseClient &running)
         return outcome;
     }
     try {
-        const bool isWhole = (!request.usesTransaction || running.beginTransaction(&outcome.error)) &&
-                             !outcome.error && runBatches(running, &outcome);
+        const bool isWhole =
+            begin(running, &outcome) && runBatches(running, &outcome) && complete(running, &outcome);
         const bool wasCancelled = endRunning();
         if (!request.usesTransaction) {
             outcome.wasCancelled = wasCancelled && !isWhole;
@@ -121,6 +131,8 @@ KNStatementOutcome KNStatementRun::Work::perform(VantorDatabaseClient &running)
             outcome.wasCancelled = wasCancelled;
             rollBack(running, &outcome);
         }
+        if (request.session && running.isConnected())
+            request.session->restore(running);
     } catch (const KNAssertionFailure &failure) {
         outcome.error = KNError(QStringLiteral("com.quorvex.vantor.query"), 0, failure.message());
         outcome.changes = Changes::Unknown;
@@ -206,8 +218,12 @@ bool KNStatementRun::Work::runBatch(const KNQueryDetails &batch, VantorDatabaseC
     running.executeQueryDetails({batch}, results, {}, &outcome->error);
     if (!outcome->error)
         outcome->error = results.failure();
+    if (!outcome->error && running.wasCancelled())
+        return false;
+    if (!outcome->error && request.session)
+        request.session->check(done, results, &outcome->error);
     if (!outcome->error)
-        return !running.wasCancelled();
+        return true;
     outcome->failedStatement = batch.targetQuery;
     const QVariantList ranges = outcome->error.userInfo().value(RangesKey).toList();
     outcome->failedRange = ranges.isEmpty() ? batch.queryRange : ranges.constFirst().value<KNRange>();
@@ -215,9 +231,40 @@ bool KNStatementRun::Work::runBatch(const KNQueryDetails &batch, VantorDatabaseC
     return false;
 }
 
+/// Begins the transaction, or a savepoint inside of one that the session has open.
+bool KNStatementRun::Work::begin(VantorDatabaseClient &running, KNStatementOutcome *outcome)
+{
+    KNError *const error = &outcome->error;
+    if (request.session)
+        request.session->prepare(running, error);
+    if (*error || !request.usesTransaction)
+        return !*error;
+    const std::optional<bool> isOpen = request.session ? running.isInTransaction(error) : false;
+    if (*error)
+        return false;
+    if (!isOpen.value_or(true)) {
+        scope = Scope::Transaction;
+        running.beginTransaction(error);
+        return !*error;
+    }
+    running.executeNonQuery(request.session->savepoint(), error);
+    outcome->isInOuterTransaction = running.isConnected();
+    if (!*error)
+        scope = Scope::Savepoint;
+    return !*error;
+}
+
+bool KNStatementRun::Work::complete(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
+{
+    if (request.session)
+        request.session->complete(running, &outcome->error);
+    return !outcome->error && !(request.session && running.wasCancelled());
+}
+
 void KNStatementRun::Work::commit(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
 {
-    running.commitTransaction(&outcome->error);
+    if (scope == Scope::Transaction)
+        running.commitTransaction(&outcome->error);
     if (!outcome->error)
         outcome->changes = Changes::All;
     else if (running.isConnected())
@@ -231,7 +278,14 @@ void KNStatementRun::Work::commit(VantorDatabaseClient &running, KNStatementOutc
 void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOutcome *outcome) const
 {
     outcome->changes = Changes::None;
-    if (!running.isConnected())
+    if (!running.isConnected()) {
+        if (outcome->isInOuterTransaction)
+            outcome->isInOuterTransaction = false;
+        return;
+    }
+    if (scope == Scope::Savepoint)
+        return rollBackToSavepoint(running, outcome);
+    if (scope == Scope::Nothing)
         return;
     KNError ignored;
     if (running.isInTransaction(&ignored) == false) {
@@ -242,6 +296,21 @@ void KNStatementRun::Work::rollBack(VantorDatabaseClient &running, KNStatementOu
     running.rollbackTransaction(&outcome->rollbackError);
     if (outcome->rollbackError && running.isConnected())
         outcome->changes = Changes::Unknown;
+}
+
+/// A server may have ended the whole transaction because of the error.
+void KNStatementRun::Work::rollBackToSavepoint(VantorDatabaseClient &running,
+                                               KNStatementOutcome *outcome) const
+{
+    KNError ignored;
+    if (running.isInTransaction(&ignored) == false) {
+        outcome->isInOuterTransaction = false;
+        return;
+    }
+    running.executeNonQuery(request.session->rollbackToSavepoint(), &outcome->rollbackError);
+    if (outcome->rollbackError)
+        outcome->changes = running.isConnected() ? Changes::Unknown : Changes::None;
+    outcome->isInOuterTransaction = running.isConnected();
 }
 
 KNError KNStatementRun::Work::mapped(const KNStatementOutcome &outcome) const

@@ -10,7 +10,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
+class KNStatementSession;
 class VantorDatabaseClient;
 
 /// A script and the options to run it with.
@@ -19,6 +21,7 @@ struct KNStatementRequest
     QString script;
     bool usesTransaction = false; ///< commits on success and rolls back otherwise
     QString errorDomain;          ///< the domain of the outcome's error; null keeps the original one
+    std::shared_ptr<KNStatementSession> session = nullptr; ///< null for a session of the pool
 };
 
 /// The outcome of a script run.
@@ -40,6 +43,8 @@ struct KNSHARED_EXPORT KNStatementOutcome
     KNError rollbackError;
     bool wasCancelled = false;
     Changes changes = Changes::None;
+    /// Whether the session is in a transaction that was open before the run; nullopt if there was none.
+    std::optional<bool> isInOuterTransaction = {};
     QString failedStatement; ///< text of the failing batch; null if none failed
     KNRange failedRange;    ///< range of the failing text in the script, or of its batch if that is not known
     quint64 failedLine = 0; ///< line of the failure in the script, from 1; 0 if unknown

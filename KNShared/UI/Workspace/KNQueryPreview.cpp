@@ -61,7 +61,7 @@ void KNQueryPreview::accept(const QString &statements)
         return;
     m_accepted = statements;
     m_run = KNStatementRun::start(
-        {statements, m_usesTransaction, m_errorDomain}, *m_details, this,
+        {statements, m_usesTransaction, m_errorDomain, m_session}, *m_details, this,
         [this](const KNStatementOutcome &outcome) { finish(outcome); },
         [this](int done, int total) { showProgress(done, total); });
     showRunning(true);
@@ -78,6 +78,7 @@ void KNQueryPreview::cancel()
 void KNQueryPreview::finish(const KNStatementOutcome &outcome)
 {
     m_run.reset();
+    m_outcome = outcome;
     if (outcome.changes != Changes::None)
         m_changes = outcome.changes;
     if (outcome.succeeded()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/KNStatementRun.h"
+#include "Database/KNStatementSession.h"
 #include "QueryLoader/KNQueryLoader.h"
 #include "UI/KNSharedUIExport.h"
 
@@ -49,6 +50,8 @@ public:
     void setEditable(bool editable) { m_isEditable = editable; }
     /// Sets the domain of errors; that of the client by default.
     void setErrorDomain(const QString &domain) { m_errorDomain = domain; }
+    /// Runs the statements in this session instead of one of the pool.
+    void setSession(const std::shared_ptr<KNStatementSession> &session) { m_session = session; }
     /// Called with each error of a run, whose user info contains the failing statement under "Query". The
     /// sheet shows the error in any case and stays open.
     void setReportErrorBlock(std::function<void(const KNError &error)> report);
@@ -64,6 +67,8 @@ public:
     bool isRunning() const { return m_run != nullptr; }
     /// The statements that the user accepted last; null if none. Available while `ended` is called.
     const QString &acceptedStatements() const { return m_accepted; }
+    /// The outcome of the last run. Available while `ended` is called.
+    const KNStatementOutcome &outcome() const { return m_outcome; }
 
 protected:
     KNQueryPreview(QObject *parent, const VantorDBC &details);
@@ -93,10 +98,12 @@ private:
     Titles m_titles;
     KNQueryLoaderPtr m_loader;
     QString m_errorDomain;
+    std::shared_ptr<KNStatementSession> m_session; ///< null for one of the pool
     QString m_accepted;
     std::function<void(const KNError &error)> m_reportError;
     std::function<void(Changes changes)> m_ended;
     KNStatementRun::Ptr m_run; ///< null while nothing runs
+    KNStatementOutcome m_outcome;
     Changes m_changes = Changes::None;
     bool m_usesTransaction = false;
     bool m_isEditable = false;

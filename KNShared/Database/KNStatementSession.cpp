@@ -1,0 +1,3 @@
+#include "Database/KNStatementSession.h"
+
+KNStatementSession::~KNStatementSession() = default;
