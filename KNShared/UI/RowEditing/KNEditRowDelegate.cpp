@@ -1,6 +1,6 @@
 #include "UI/RowEditing/KNEditRowDelegate.h"
 
-#include "UI/RowEditing/KNEditRowModel.h"
+#include "RowEditing/KNTypedValue.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -29,8 +29,7 @@ QString withLineEndsOf(const QString &stored, QString edited)
 QWidget *KNEditRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                          const QModelIndex &index) const
 {
-    const auto input = static_cast<const KNEditRowModel *>(index.model())->inputOf(index.row());
-    const QString name = index.siblingAtColumn(KNEditRowModel::Name).data().toString();
+    const auto input = static_cast<KNTypedValue::Input>(index.data(InputRole).toInt());
     QWidget *editor = nullptr;
     if (input == KNTypedValue::Input::Boolean) {
         auto *const box = new QComboBox(parent);
@@ -46,7 +45,7 @@ QWidget *KNEditRowDelegate::createEditor(QWidget *parent, const QStyleOptionView
         line->setMaxLength(std::numeric_limits<int>::max());
         editor = line;
     }
-    editor->setAccessibleName(name);
+    editor->setAccessibleName(index.data(NameRole).toString());
     return editor;
 }
 

@@ -2,12 +2,18 @@
 
 #include <QStyledItemDelegate>
 
-/// Edits a value of a KNEditRowModel: text in several lines, booleans in a list, everything else in a line.
+/// Edits a value of a row: text in several lines, booleans in a list, everything else in a line.
 class KNEditRowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 
 public:
+    /// The roles in which a model reports what it edits.
+    enum Role {
+        InputRole = Qt::UserRole + 100, ///< a KNTypedValue::Input as a number
+        NameRole,                       ///< the name of the value's column
+    };
+
     using QStyledItemDelegate::QStyledItemDelegate;
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,

@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "UI/Icons/KNIcon.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/RowEditing/KNEditRowDelegate.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -96,6 +97,10 @@ QVariant KNEditRowModel::valueData(const KNEditRowColumn &column, int role) cons
         return placeholder.isNull() ? column.columnCurrentValue.displayText() : placeholder;
     case Qt::EditRole:
         return column.columnCurrentValue.displayText();
+    case KNEditRowDelegate::InputRole:
+        return static_cast<int>(column.input);
+    case KNEditRowDelegate::NameRole:
+        return column.columnName;
     case Qt::FontRole:
         font.setItalic(!placeholder.isNull());
         font.setBold(column.hasBeenModified);
