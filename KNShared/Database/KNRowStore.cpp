@@ -136,6 +136,16 @@ void KNRowStore::appendValue(const KNValue &value)
     }
 }
 
+void KNRowStore::appendCell(const KNRowCell &cell)
+{
+    if (cell.tag == KNRowCell::Text || cell.tag == KNRowCell::Bytes || cell.tag == KNRowCell::FlagBytes)
+        return appendVariable(cell.tag, cell.data, cell.length);
+    unsigned char *const place = reserve(1 + cell.length);
+    *place = cell.tag;
+    if (cell.length > 0)
+        std::memcpy(place + 1, cell.data, cell.length);
+}
+
 void KNRowStore::endRow()
 {
     if (m_rowLimit > 0 && m_endedRows >= m_rowLimit) {

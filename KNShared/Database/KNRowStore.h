@@ -62,6 +62,8 @@ public:
     /// as null.
     void appendDecimal(const unsigned char *magnitude, std::size_t length, bool negative, int scale);
     void appendValue(const KNValue &value);
+    /// Appends a copy of a cell of another store.
+    void appendCell(const KNRowCell &cell);
     void endRow();
     /// Limits the number of rows kept; 0, the default, keeps all. Call before the first row.
     void setRowLimit(qsizetype rows) { m_rowLimit = rows; }

@@ -1,5 +1,8 @@
 #include "RowEditing/ResultSetViewControllerHelper.h"
 
+#include "RowEditing/KNEditRowHelper.h"
+#include "RowEditing/KNTableStatements.h"
+
 namespace {
 
 const QChar Ellipsis(0x2026);
@@ -17,6 +20,9 @@ QString truncated(const QString &text)
 
 } // namespace
 
+ResultSetViewControllerHelperDelegate::~ResultSetViewControllerHelperDelegate() = default;
+
+ResultSetViewControllerHelper::ResultSetViewControllerHelper() = default;
 ResultSetViewControllerHelper::~ResultSetViewControllerHelper() = default;
 
 int ResultSetViewControllerHelper::dataTypeForTableColumnIndex(qsizetype, const KNValue &) const
@@ -51,4 +57,51 @@ QString ResultSetViewControllerHelper::stringValueForRowArray(const KNRow &row, 
                                                               bool allowTruncate) const
 {
     return stringForValue(row.value(column), column, allowTruncate);
+}
+
+QString ResultSetViewControllerHelper::readOnlyReason() const
+{
+    return QStringLiteral("results of this server cannot be edited");
+}
+
+QString ResultSetViewControllerHelper::readOnlyReasonForTable(const QString &, const QString &) const
+{
+    return readOnlyReason();
+}
+
+void ResultSetViewControllerHelper::beginLoadingPrimaryKeys() {}
+
+QStringList ResultSetViewControllerHelper::primaryKeyColumnNames() const
+{
+    return {};
+}
+
+bool ResultSetViewControllerHelper::isWritableColumn(qsizetype) const
+{
+    return false;
+}
+
+QString ResultSetViewControllerHelper::updateQueryForTable(const QString &, const QString &, const QString &,
+                                                           const QString &) const
+{
+    return {};
+}
+
+std::shared_ptr<KNQueryLoader> ResultSetViewControllerHelper::createQueryLoaderForDeleteFromTablePath(
+    const QStringList &, const QStringList &, const QList<QList<KNValue>> &) const
+{
+    return nullptr;
+}
+
+std::shared_ptr<const KNTableStatements>
+ResultSetViewControllerHelper::createTableStatements(const QString &, const QString &) const
+{
+    return nullptr;
+}
+
+std::shared_ptr<KNEditRowHelper>
+ResultSetViewControllerHelper::createEditRowHelper(const QString &, const QString &,
+                                                   const std::optional<QMap<QString, KNValue>> &) const
+{
+    return nullptr;
 }

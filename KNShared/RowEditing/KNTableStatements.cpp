@@ -1,0 +1,3 @@
+#include "RowEditing/KNTableStatements.h"
+
+KNTableStatements::~KNTableStatements() = default;
