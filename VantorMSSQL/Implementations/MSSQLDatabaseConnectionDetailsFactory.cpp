@@ -6,9 +6,9 @@
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLQuerySplitter.h"
-#include "Implementations/MSSQLResultSetViewControllerHelper.h"
 #include "Implementations/MSSQLRiskyStatements.h"
 #include "Import/MSSQLDatabaseImportHelper.h"
+#include "RowEditing/MSSQLResultSetViewControllerHelper.h"
 #include "TableDesign/MSSQLTableDesign.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
@@ -49,7 +49,7 @@ std::unique_ptr<KNTableDesign> MSSQLDatabaseConnectionDetails::createTableDesign
 std::unique_ptr<ResultSetViewControllerHelper>
 MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
 {
-    return std::make_unique<MSSQLResultSetViewControllerHelper>();
+    return std::make_unique<MSSQLResultSetViewControllerHelper>(*this);
 }
 
 std::unique_ptr<KNDatabaseImportHelper> MSSQLDatabaseConnectionDetails::createDatabaseImportHelper() const

@@ -1,5 +1,5 @@
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
-#include "Implementations/MSSQLResultSetViewControllerHelper.h"
+#include "RowEditing/MSSQLResultSetViewControllerHelper.h"
 #include "Support/PrintQt.h"
 
 #include <gtest/gtest.h>
