@@ -19,6 +19,7 @@ const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
 const QString CompletesWhileTyping = QStringLiteral("CompletesWhileTyping");
+const QString PreviewsRowChanges = QStringLiteral("PreviewsRowChanges");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
 /// The stored number, or the default if there is none or it is out of range.
@@ -57,6 +58,7 @@ KNPreferences KNPreferences::current()
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
     preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
     preferences.completesWhileTyping = stored.boolForKey(CompletesWhileTyping, true);
+    preferences.previewsRowChanges = stored.boolForKey(PreviewsRowChanges, true);
     preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
     return preferences;
 }
@@ -73,6 +75,7 @@ void KNPreferences::save() const
     defaults.setObject(ThemeKey, static_cast<int>(theme));
     defaults.setObject(ReopensTabs, reopensTabs);
     defaults.setObject(CompletesWhileTyping, completesWhileTyping);
+    defaults.setObject(PreviewsRowChanges, previewsRowChanges);
     defaults.setObject(TracesProtocol, tracesProtocol);
     defaults.synchronize();
     KNNotificationCenter::defaultCenter()->post(ChangedNotificationName);

@@ -150,25 +150,47 @@ void KNResultGridView::paintCells(QPainter &painter, int row, int first, int las
     });
 }
 
+/// Edits are tinted: changed and new cells, and deleted rows, whose text is crossed out as well.
+QColor KNResultGridView::groundOf(const KNResultTableModel::Cell &cell) const
+{
+    using Change = KNResultTableModel::Change;
+    const QColor base = palette().color(QPalette::Base);
+    switch (cell.change) {
+    case Change::None:
+        break;
+    case Change::Changed:
+        return mixed(QColor(0xE0, 0xA8, 0x00), base, 0.28F);
+    case Change::New:
+        return mixed(QColor(0x2E, 0xA0, 0x43), base, 0.22F);
+    case Change::Deleted:
+        return mixed(QColor(0xD0, 0x39, 0x3E), base, 0.22F);
+    }
+    return base;
+}
+
 void KNResultGridView::paintCell(QPainter &painter, const QRect &rect, const KNResultTableModel::Cell &cell,
                                  bool isSelected)
 {
     const QPalette::ColorGroup group =
         hasFocus() || !isActiveWindow() ? QPalette::Active : QPalette::Inactive;
-    const QColor ground = palette().color(group, isSelected ? QPalette::Highlight : QPalette::Base);
+    const QColor ground = isSelected ? palette().color(group, QPalette::Highlight) : groundOf(cell);
     const QColor ink = palette().color(group, isSelected ? QPalette::HighlightedText : QPalette::Text);
     painter.fillRect(rect, cell.isNull && !isSelected ? mixed(palette().color(QPalette::Text), ground, 0.05F)
                                                       : ground);
     const QRect inside = rect.adjusted(m_padding, 0, -m_padding - 1, -1);
+    QFont struckOut = font();
+    struckOut.setStrikeOut(cell.change == KNResultTableModel::Change::Deleted);
     if (!cell.isNull && !cell.isMarked) {
         painter.setPen(ink);
+        painter.setFont(struckOut);
         const QString text = fontMetrics().elidedText(cell.text, Qt::ElideRight, inside.width());
         painter.drawText(
             inside, Qt::AlignVCenter | Qt::TextSingleLine | (cell.isNumber ? Qt::AlignRight : Qt::AlignLeft),
             text);
+        painter.setFont(font());
         return;
     }
-    QFont italic = font();
+    QFont italic = struckOut;
     italic.setItalic(true);
     painter.setFont(italic);
     painter.setPen(isSelected ? ink : mixed(ink, ground, 0.6F));

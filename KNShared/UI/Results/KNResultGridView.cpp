@@ -5,6 +5,7 @@
 #include "UI/Results/KNResultColumns.h"
 #include "UI/Results/KNResultGridAccessible.h"
 #include "UI/Results/KNRowNumberBar.h"
+#include "UI/RowEditing/KNEditRowDelegate.h"
 
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -26,7 +27,8 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
     setAccessibleName(tr("Rows of the result"));
     setSelectionMode(ExtendedSelection);
     setSelectionBehavior(SelectItems);
-    setEditTriggers(NoEditTriggers);
+    setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed); // of cells that can be edited
+    setItemDelegate(new KNEditRowDelegate(this));
     setHorizontalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
     const auto readPreferences = [this] {
@@ -59,7 +61,10 @@ KNResultGridView::KNResultGridView(KNResultTableModel &model, QWidget *parent)
             selectionModel()->setCurrentIndex(m_resultModel.index(0, m_currentColumn),
                                               QItemSelectionModel::NoUpdate);
     });
-    connect(this, &QAbstractItemView::doubleClicked, this, &KNResultGridView::valueRequested);
+    connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex &index) {
+        if (!isEditable(index))
+            Q_EMIT valueRequested(index);
+    });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, m_rowNumbers, qOverload<>(&QWidget::update));
 }
 
@@ -278,7 +283,11 @@ ResultRows KNResultGridView::selectedRows() const
         std::fill(columns.begin() + range.left(), columns.begin() + range.right() + 1, true);
     }
     std::sort(ranges.begin(), ranges.end());
-    for (const auto &[top, bottom] : std::as_const(ranges)) {
+    const int lastStored = m_resultModel.storedRowCount() - 1; // new rows have no stored values
+    for (const auto &[top, last] : std::as_const(ranges)) {
+        const int bottom = std::min(last, lastStored);
+        if (bottom < top)
+            continue;
         const qsizetype end = rows.ranges.isEmpty() ? 0 : rows.ranges.last().first + rows.ranges.last().count;
         const qsizetype first = rows.ranges.isEmpty() ? top : std::max<qsizetype>(top, end);
         if (!rows.ranges.isEmpty() && top <= end)
@@ -308,20 +317,25 @@ QList<KNCellStatistics::Range> KNResultGridView::selectedCells() const
 {
     QList<KNCellStatistics::Range> cells;
     const QList<int> shown = shownColumns();
+    const int lastStored = m_resultModel.storedRowCount() - 1;
     for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        if (range.top() > lastStored)
+            continue;
         QList<qsizetype> columns;
         for (const int column : shown) {
             if (range.left() <= column && column <= range.right())
                 columns.append(column);
         }
         if (!columns.isEmpty())
-            cells.append({{range.top(), range.height()}, columns});
+            cells.append({{range.top(), std::min(range.bottom(), lastStored) - range.top() + 1}, columns});
     }
     return cells;
 }
 
 void KNResultGridView::keyPressEvent(QKeyEvent *event)
 {
+    if (state() == EditingState && !hasFocus())
+        return QAbstractItemView::keyPressEvent(event); // an editor has left it
     const QModelIndex current = currentIndex();
     if (event->key() == Qt::Key_Space && current.isValid()) {
         if (event->modifiers() == Qt::ControlModifier)
@@ -333,12 +347,21 @@ void KNResultGridView::keyPressEvent(QKeyEvent *event)
         (event->modifiers() & ~Qt::KeypadModifier) == 0)
         return valueRequested(current);
     // These are shortcuts of the program, not letters to search for.
-    if (!event->text().isEmpty() && event->text().at(0).isPrint() &&
+    if (!isEditable(current) && !event->text().isEmpty() && event->text().at(0).isPrint() &&
         (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0)
+        return event->ignore();
+    // Keys such as Delete and Escape carry a control character, which would begin to edit.
+    if (isEditable(current) && !event->text().isEmpty() && !event->text().at(0).isPrint() &&
+        event->key() != Qt::Key_Tab)
         return event->ignore();
     m_isExtending = event->modifiers() & Qt::ShiftModifier;
     QAbstractItemView::keyPressEvent(event);
     m_isExtending = false;
+}
+
+bool KNResultGridView::isEditable(const QModelIndex &index) const
+{
+    return index.isValid() && (m_resultModel.flags(index) & Qt::ItemIsEditable);
 }
 
 void KNResultGridView::changeEvent(QEvent *event)
@@ -354,6 +377,7 @@ void KNResultGridView::scrollContentsBy(int dx, int)
 {
     if (dx != 0)
         m_columns->setOffset(horizontalScrollBar()->value());
+    updateEditorGeometries();
     viewport()->update();
 }
 
@@ -374,6 +398,15 @@ void KNResultGridView::reset()
     verticalScrollBar()->setValue(0);
     viewport()->update();
     m_rowNumbers->update();
+}
+
+/// The base class would find the rectangle of each changed cell, also of those far out of view.
+void KNResultGridView::dataChanged(const QModelIndex &, const QModelIndex &, const QList<int> &)
+{
+    updateEditorData();
+    viewport()->update();
+    m_rowNumbers->update();
+    KNResultGridAccessible::reportCurrentCell(this);
 }
 
 void KNResultGridView::currentChanged(const QModelIndex &current, const QModelIndex &previous)

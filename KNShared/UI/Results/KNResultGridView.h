@@ -59,6 +59,9 @@ Q_SIGNALS:
     void valueRequested(const QModelIndex &index);
     /// Emitted when a column header is double-clicked.
     void sortRequested(int column);
+    /// Emitted when the user requests to paste or to undo.
+    void pasteRequested();
+    void undoRequested();
 
 protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -81,8 +84,12 @@ protected Q_SLOTS:
 
 public Q_SLOTS:
     void reset() override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles) override;
     /// Called by an Edit menu.
     void copy() { Q_EMIT copyRequested(); }
+    void paste() { Q_EMIT pasteRequested(); }
+    void undo() { Q_EMIT undoRequested(); }
 
 private:
     static constexpr int RowsForWidths = 100; ///< number of rows that determine the column widths
@@ -93,6 +100,8 @@ private:
     void paintCells(QPainter &painter, int row, int first, int last, const QItemSelection &selection);
     void paintCell(QPainter &painter, const QRect &rect, const KNResultTableModel::Cell &cell,
                    bool isSelected);
+    QColor groundOf(const KNResultTableModel::Cell &cell) const;
+    bool isEditable(const QModelIndex &index) const;
     int rowAt(int y) const;
 
     KNResultTableModel &m_resultModel;

@@ -2,6 +2,8 @@
 
 #include "Foundation/KNFormat.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/ResultEditing/KNResultEditActions.h"
+#include "UI/ResultEditing/KNRowEditBar.h"
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNCountText.h"
 #include "UI/Results/KNRecordView.h"
@@ -48,6 +50,7 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     , m_copier(new KNResultCopier(details, this))
     , m_selectionSummary(new KNSelectionSummary(m_grid))
     , m_caption(new QLabel(this))
+    , m_editState(new QLabel(this))
     , m_menu(new QMenu(this))
     , m_columnMenu(new KNResultColumnMenu(this))
     , m_cancel(new QToolButton(this))
@@ -61,7 +64,11 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     m_caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     auto *const head = new QHBoxLayout;
+    m_editState->setTextFormat(Qt::PlainText);
+    m_editState->setForegroundRole(QPalette::PlaceholderText);
+    m_editState->hide();
     head->addWidget(m_caption, 1);
+    head->addWidget(m_editState);
     head->addWidget(m_cancel);
     head->addWidget(newButton(m_filter));
     head->addWidget(newButton(m_export));
@@ -95,6 +102,23 @@ KNResultSection::KNResultSection(const QString &title, KNResultTableModel &model
     connect(&m_model, &KNResultTableModel::arrangingChanged, this, &KNResultSection::updateCaption);
     connect(m_copier, &KNResultCopier::copied, this, &KNResultSection::showCopied);
     updateCaption();
+}
+
+void KNResultSection::setEditing(KNResultEditing &editing)
+{
+    m_editActions = new KNResultEditActions(*this, editing, m_menu, m_editState);
+    layout()->addWidget(m_editActions->bar());
+}
+
+void KNResultSection::showReadOnly(const QString &reason)
+{
+    m_editState->setText(KNFormat(tr("Read-only: %@"), reason));
+    m_editState->show();
+}
+
+QString KNResultSection::editState() const
+{
+    return m_editState->text();
 }
 
 QString KNResultSection::caption() const
@@ -142,7 +166,7 @@ void KNResultSection::keyPressEvent(QKeyEvent *event)
 void KNResultSection::updateCaption()
 {
     const KNRowArrangement &arrangement = m_model.arrangement();
-    const int rows = m_model.rowCount();
+    const int rows = m_model.storedRowCount();
     const int arrived = m_model.arrivedRowCount();
     QString text = arrived == 1 ? tr("1 row") : KNFormat(tr("%@ rows"), KNCountText(arrived));
     if (arrangement.isFiltered())
@@ -198,7 +222,7 @@ void KNResultSection::openFilter()
 void KNResultSection::showValue()
 {
     const QModelIndex index = m_grid->currentIndex();
-    if (!index.isValid())
+    if (!index.isValid() || index.row() >= m_model.storedRowCount())
         return;
     const QString type = m_model.typeName(index.column());
     auto *const viewer =

@@ -11,6 +11,8 @@ class KNRecordView;
 class KNResultColumnMenu;
 class KNResultFilterBar;
 class KNResultFindBar;
+class KNResultEditActions;
+class KNResultEditing;
 class KNResultGridView;
 class KNSelectionSummary;
 class QLabel;
@@ -34,6 +36,14 @@ public:
     KNRecordView *recordView() const { return m_recordView; }
     KNResultCopier *copier() const { return m_copier; }
     KNSelectionSummary *selectionSummary() const { return m_selectionSummary; }
+    /// Lets the user edit the rows; the edits must outlive the section.
+    void setEditing(KNResultEditing &editing);
+    /// Says why the rows cannot be edited, as a text that follows "Read-only: ".
+    void showReadOnly(const QString &reason);
+    /// Null while the rows cannot be edited at all.
+    KNResultEditActions *editActions() const { return m_editActions; }
+    /// "Read-only: joins several tables", or "Editable"; empty if that is not known.
+    QString editState() const;
     /// "Result 1: 12 of 40 rows, sorted by name".
     QString caption() const;
 
@@ -88,6 +98,8 @@ private:
     KNResultCopier *m_copier;
     KNSelectionSummary *m_selectionSummary;
     QLabel *m_caption;
+    QLabel *m_editState;
+    KNResultEditActions *m_editActions = nullptr;
     QMenu *m_menu;
     KNResultColumnMenu *m_columnMenu;
     QAction *m_filter = nullptr;

@@ -1,13 +1,17 @@
 #include "UI/Results/KNResultTableModel.h"
 
 #include "Foundation/KNDispatch.h"
+#include "Foundation/KNFormat.h"
 #include "Foundation/KNNotificationCenter.h"
 #include "UI/Icons/KNIcon.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/ResultEditing/KNResultEditing.h"
+#include "UI/RowEditing/KNEditRowDelegate.h"
 
 #include <QPointer>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -43,7 +47,7 @@ KNResultTableModel::KNResultTableModel(KNDatabaseResultSetPtr result, Helper hel
     , m_helper(std::move(helper))
     , m_columnNames(m_result->columnNames())
     , m_dateFormat(KNPreferences::current().dateFormat)
-    , m_reader(m_result->rows())
+    , m_reader(std::in_place, m_result->rows())
 {
     m_preferencesObserver = KNNotificationCenter::defaultCenter()->addObserver(
         KNPreferences::ChangedNotificationName,
@@ -78,6 +82,11 @@ int KNResultTableModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
         return 0;
+    return storedRowCount() + m_newRows;
+}
+
+int KNResultTableModel::storedRowCount() const
+{
     return m_order ? static_cast<int>(m_order->size()) : m_arrivedRows;
 }
 
@@ -98,7 +107,18 @@ QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole: {
         // Read out even if the preferred text for NULL is empty.
         const Cell shownCell = cell(index.row(), index.column());
-        return shownCell.isNull ? QStringLiteral("NULL") : shownCell.text;
+        const QString text = shownCell.isNull ? QStringLiteral("NULL") : shownCell.text;
+        switch (shownCell.change) {
+        case Change::None:
+            break;
+        case Change::Changed:
+            return KNFormat(tr("%@, changed"), text);
+        case Change::New:
+            return KNFormat(tr("%@, in a new row"), text);
+        case Change::Deleted:
+            return KNFormat(tr("%@, in a deleted row"), text);
+        }
+        return text;
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(
@@ -107,9 +127,26 @@ QVariant KNResultTableModel::data(const QModelIndex &index, int role) const
     case Qt::ToolTipRole:
         return cell(index.row(), index.column()).isMarked ? m_helper->remarkForColumn(index.column())
                                                           : QVariant();
+    case Qt::EditRole:
+        return m_editing ? m_editing->value(index).displayText() : QVariant();
+    case KNEditRowDelegate::InputRole:
+        return m_editing ? static_cast<int>(m_editing->inputOf(index.column())) : QVariant();
+    case KNEditRowDelegate::NameRole:
+        return shownName(index.column());
     default:
         return {};
     }
+}
+
+bool KNResultTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    return role == Qt::EditRole && m_editing && m_editing->setText(index, value.toString());
+}
+
+Qt::ItemFlags KNResultTableModel::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    return m_editing && m_editing->canEdit(index) ? flags | Qt::ItemIsEditable : flags;
 }
 
 /// Returns a remark on a column's values on a separate line.
@@ -160,19 +197,107 @@ QVariant KNResultTableModel::headerData(int section, Qt::Orientation orientation
 
 KNResultTableModel::Cell KNResultTableModel::cell(int row, int column) const
 {
-    return shown(m_reader.cell(storedRow(row), column), column);
+    const KNRowEdits::Row *const edits = editedRow(row);
+    const bool isNew = row >= storedRowCount();
+    const Cell stored = isNew ? Cell() : shown(m_reader->cell(storedRow(row), column), column);
+    return edits ? edited(*edits, column, stored, isNew) : stored;
 }
 
 void KNResultTableModel::visitCells(int row, int first, int last,
                                     const std::function<void(int, const Cell &)> &visit) const
 {
-    if (!m_reader.seek(storedRow(row)))
+    const KNRowEdits::Row *const edits = editedRow(row);
+    const bool isNew = row >= storedRowCount();
+    if (!isNew && !m_reader->seek(storedRow(row)))
         return;
     for (int column = 0; column <= last; ++column) {
-        const KNRowCell stored = m_reader.next();
-        if (column >= first)
-            visit(column, shown(stored, column));
+        const KNRowCell stored = isNew ? KNRowCell() : m_reader->next();
+        if (column < first)
+            continue;
+        const Cell cell = shown(stored, column);
+        visit(column, edits ? edited(*edits, column, cell, isNew) : cell);
     }
+}
+
+const KNRowEdits::Row *KNResultTableModel::editedRow(int row) const
+{
+    return m_editing && !m_editing->edits().isEmpty() ? m_editing->edits().row(rowId(row)) : nullptr;
+}
+
+/// Returns a cell of an edited row. A column of a new row without a value is shown empty, not as NULL: the
+/// server sets it.
+KNResultTableModel::Cell KNResultTableModel::edited(const KNRowEdits::Row &row, int column, Cell stored,
+                                                    bool isNew) const
+{
+    Cell cell = std::move(stored);
+    cell.change = row.isDeleted ? Change::Deleted : isNew ? Change::New : Change::None;
+    const auto value = row.values.constFind(column);
+    if (value == row.values.constEnd()) {
+        cell.isNull = cell.isNull && !isNew;
+        return cell;
+    }
+    cell.change = isNew ? Change::New : Change::Changed;
+    cell.text = inOneLine(m_helper->stringForValue(*value, column, true));
+    cell.isNull = value->isNull();
+    cell.isNumber = value->isNumber();
+    cell.isMarked = false;
+    return cell;
+}
+
+void KNResultTableModel::setEditing(KNResultEditing *editing)
+{
+    m_editing = editing;
+}
+
+void KNResultTableModel::showEdits()
+{
+    const int newRows = m_editing ? static_cast<int>(m_editing->edits().newRows().size()) : 0;
+    const int stored = storedRowCount();
+    if (newRows > m_newRows) {
+        beginInsertRows({}, stored + m_newRows, stored + newRows - 1);
+        m_newRows = newRows;
+        endInsertRows();
+    } else if (newRows < m_newRows) {
+        beginRemoveRows({}, stored + newRows, stored + m_newRows - 1);
+        m_newRows = newRows;
+        endRemoveRows();
+    }
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+}
+
+void KNResultTableModel::replaceResult(const KNDatabaseResultSetPtr &result)
+{
+    cancelArranging();
+    const KNRowArrangement arrangement = m_arrangement;
+    beginResetModel();
+    m_result = result;
+    m_reader.emplace(m_result->rows());
+    m_arrivedRows = static_cast<int>(m_result->rows().rowCount());
+    m_newRows = 0;
+    m_order = nullptr;
+    m_arrangement = {};
+    endResetModel();
+    arrange(arrangement);
+}
+
+KNRowEdits::RowId KNResultTableModel::rowId(int row) const
+{
+    const int stored = storedRowCount();
+    return row < stored || !m_editing ? storedRow(row) : m_editing->edits().newRows().value(row - stored);
+}
+
+KNValue KNResultTableModel::storedValue(int row, int column) const
+{
+    return row < storedRowCount() ? m_reader->cell(storedRow(row), column).storedValue() : KNValue();
+}
+
+KNResultTableModel::Change KNResultTableModel::changeOf(int row) const
+{
+    const KNRowEdits::Row *const edits = editedRow(row);
+    if (row >= storedRowCount())
+        return Change::New;
+    return !edits ? Change::None : edits->isDeleted ? Change::Deleted : Change::Changed;
 }
 
 qsizetype KNResultTableModel::storedRow(int row) const
@@ -182,7 +307,7 @@ qsizetype KNResultTableModel::storedRow(int row) const
 
 ResultRows KNResultTableModel::shownRows() const
 {
-    ResultRows rows{m_result, m_order, {{0, rowCount()}}, {}};
+    ResultRows rows{m_result, m_order, {{0, storedRowCount()}}, {}};
     for (int column = 0; column < columnCount(); ++column)
         rows.columns.append(column);
     return rows;

@@ -4,6 +4,7 @@
 #include "Foundation/KNUserDefaults.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
 #include "UI/Alerts/KNFileManager.h"
+#include "UI/ResultEditing/KNResultEditing.h"
 #include "UI/Results/KNCountText.h"
 #include "UI/Results/KNNoticeBar.h"
 #include "UI/Results/KNResultColumns.h"
@@ -108,6 +109,7 @@ void KNResultsPane::clear()
     m_isRunning = false;
     qDeleteAll(std::exchange(m_sections, {}));
     m_entries.clear();
+    m_readOnlyReason.clear();
     m_awaitingColumns.clear();
     m_holder = nullptr;
     m_position = 0;
@@ -118,6 +120,44 @@ void KNResultsPane::clear()
         m_noticeBar->hide();
     if (std::exchange(m_rowCount, 0) != 0)
         Q_EMIT rowCountChanged(0);
+}
+
+void KNResultsPane::beginEditing(const KNResultEditSession &session)
+{
+    if (resultCount() == 0 || !m_holder)
+        return;
+    Entry &entry = m_entries.front();
+    if (resultCount() > 1)
+        m_readOnlyReason = tr("several results");
+    else if (m_holder->resultSets().last() != entry.model->result())
+        m_readOnlyReason = tr("other statements ran after it");
+    else if (session.database.isEmpty())
+        m_readOnlyReason = tr("its database is not known");
+    if (m_readOnlyReason.isEmpty()) {
+        entry.editing = std::make_unique<KNResultEditing>(*entry.model, session);
+        entry.model->setEditing(entry.editing.get());
+    }
+    for (const int result : m_sections.keys())
+        showEditing(result, *m_sections[result]);
+}
+
+void KNResultsPane::showEditing(int result, KNResultSection &section)
+{
+    const Entry &entry = m_entries[static_cast<std::size_t>(result)];
+    if (entry.editing)
+        section.setEditing(*entry.editing);
+    else if (!m_readOnlyReason.isEmpty())
+        section.showReadOnly(m_readOnlyReason);
+}
+
+KNResultEditing *KNResultsPane::editing() const
+{
+    return m_entries.size() == 1 ? m_entries.front().editing.get() : nullptr;
+}
+
+qsizetype KNResultsPane::pendingChanges() const
+{
+    return editing() ? editing()->edits().changeCount() : 0;
 }
 
 void KNResultsPane::showWritten(qsizetype rows, const QString &path, const QStringList &remarks)
@@ -177,7 +217,7 @@ bool KNResultsPane::takeNewResults()
         std::shared_ptr<ResultSetViewControllerHelper> helper =
             m_details->createResultSetViewControllerHelper();
         helper->setColumnTypes(result->columnTypes());
-        m_entries.push_back({std::make_unique<KNResultTableModel>(result, std::move(helper)), {}});
+        m_entries.push_back({std::make_unique<KNResultTableModel>(result, std::move(helper)), {}, nullptr});
         return true;
     });
     return resultCount() > before;
@@ -258,6 +298,7 @@ KNResultSection *KNResultsPane::section(int result)
             qOverload<const QString &>(&KNNoticeBar::showNotice));
     connect(made->selectionSummary(), &KNSelectionSummary::changed, this,
             [this, made] { setSelectionSummary(made->selectionSummary()->text()); });
+    showEditing(result, *made);
     m_sections.insert(result, made);
     return made;
 }

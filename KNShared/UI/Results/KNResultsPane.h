@@ -3,6 +3,7 @@
 #include "Database/KNResultSetHolder.h"
 #include "Database/VantorDBC.h"
 #include "UI/KNSharedUIExport.h"
+#include "UI/ResultEditing/KNResultEditSession.h"
 #include "UI/Workspace/KNDocumentAction.h"
 
 #include <QHash>
@@ -11,6 +12,7 @@
 #include <vector>
 
 class KNNoticeBar;
+class KNResultEditing;
 class KNResultExportBar;
 class KNResultSection;
 class KNResultStack;
@@ -37,6 +39,12 @@ public:
     /// Shows the remaining results; no more will arrive.
     void finishRun();
     void clear();
+    /// Lets the user edit the rows of a finished run's only result.
+    void beginEditing(const KNResultEditSession &session);
+    /// The edits of the only result; null if it has none or there are several.
+    KNResultEditing *editing() const;
+    /// The number of edited rows that are not applied.
+    qsizetype pendingChanges() const;
     /// The number of rows shown so far in all results.
     qint64 rowCount() const;
     /// Describes the cells selected last; empty if there are none to describe.
@@ -71,6 +79,7 @@ private:
     {
         std::unique_ptr<KNResultTableModel> model;
         QByteArray columns; ///< widths and more of a deleted section
+        std::unique_ptr<KNResultEditing> editing;
     };
 
     bool takeNewResults();
@@ -80,6 +89,7 @@ private:
     void dropSections(int firstKept, int lastKept);
     int wantedHeight(int result) const;
     void setSelectionSummary(const QString &text);
+    void showEditing(int result, KNResultSection &section);
     void showWritten(qsizetype rows, const QString &path, const QStringList &remarks);
 
     std::shared_ptr<KNResultSetHolder> m_holder;
@@ -91,6 +101,7 @@ private:
     int m_firstUnfinished = 0;                ///< all earlier results have all their rows
     qint64 m_rowCount = 0;
     QString m_selectionSummary;
+    QString m_readOnlyReason; ///< of all results; null if it is not known or depends on the result
     bool m_showsTabs;
     bool m_isRunning = false;
     QLabel *m_empty; ///< shown instead of results while there are none

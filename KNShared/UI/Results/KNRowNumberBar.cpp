@@ -33,7 +33,9 @@ void KNRowNumberBar::paintEvent(QPaintEvent *)
     for (int row = m_grid->topRow(); row < last; ++row) {
         const QRect line(0, (row - m_grid->topRow()) * m_grid->rowHeight(), width() - margin,
                          m_grid->rowHeight() - 1);
-        painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, QString::number(row + 1));
+        const bool isNew = m_grid->resultModel().changeOf(row) == KNResultTableModel::Change::New;
+        painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter,
+                         isNew ? QStringLiteral("*") : QString::number(row + 1));
     }
     ink.setAlphaF(0.2F);
     painter.setPen(ink);

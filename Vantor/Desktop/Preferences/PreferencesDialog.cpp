@@ -24,6 +24,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_continuesAfterError(new QCheckBox(tr("&Continue a script after a batch with an error")))
     , m_nullText(new QLineEdit)
     , m_dateFormat(new QComboBox)
+    , m_previewsRowChanges(new QCheckBox(tr("Show the statements of &edited rows before they run")))
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
@@ -117,6 +118,7 @@ QWidget *PreferencesDialog::makeResultsGroup()
     form->addRow(m_continuesAfterError);
     form->addRow(tr("Show &NULL as:"), m_nullText);
     form->addRow(tr("Show &dates:"), m_dateFormat);
+    form->addRow(m_previewsRowChanges);
     return group;
 }
 
@@ -146,6 +148,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
     m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
+    m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
     m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
 
@@ -162,6 +165,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
     preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
+    preferences.previewsRowChanges = m_previewsRowChanges->isChecked();
     preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;
 }

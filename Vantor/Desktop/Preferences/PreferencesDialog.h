@@ -39,6 +39,7 @@ private:
     QCheckBox *const m_continuesAfterError;
     QLineEdit *const m_nullText;
     QComboBox *const m_dateFormat;
+    QCheckBox *const m_previewsRowChanges;
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;

@@ -2,9 +2,30 @@
 
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryTab.h"
+#include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
+#include "UI/Results/KNResultsPane.h"
 
 #include <QPointer>
+
+void confirmEditLoss(QueryTab &tab, const QString &consequence, const std::function<void()> &proceed)
+{
+    const qsizetype count = tab.resultsPane()->pendingChanges();
+    if (count == 0) {
+        proceed();
+        return;
+    }
+    const KNAlerts::Question question{
+        count == 1
+            ? KNFormat(QueryTab::tr("%@ has 1 edited row that is not applied."), tab.title())
+            : KNFormat(QueryTab::tr("%@ has %ld edited rows that are not applied."), tab.title(), count),
+        consequence,
+        {QueryTab::tr("Cancel"), QueryTab::tr("Discard Changes")}};
+    KNAlerts::shared().ask(&tab, question, [self = QPointer(&tab), proceed](int button) {
+        if (self && button == 1)
+            proceed();
+    });
+}
 
 void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed)
 {

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <QString>
+
 #include <functional>
 
 class KNError;
 class QueryTab;
 
+/// Asks whether edited rows of the results that are not applied may be lost. `proceed` is called if there are
+/// none or the user agrees.
+void confirmEditLoss(QueryTab &tab, const QString &consequence, const std::function<void()> &proceed);
 /// Asks whether a running query may be stopped or an open transaction rolled back. `proceed` is called if
 /// there is neither or the user agrees.
 void confirmSessionLoss(QueryTab &tab, const std::function<void()> &proceed);

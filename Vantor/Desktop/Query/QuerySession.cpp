@@ -54,11 +54,41 @@ void QuerySession::perform(const Work &work, const Finish &finish)
                 return;
             session->m_isBusy = false;
             finish(error);
-            Q_EMIT session->stateChanged();
-            if (const auto next = std::exchange(session->m_next, {}); next && !error)
-                next();
+            session->endOperation(error);
         });
     });
+}
+
+void QuerySession::endOperation(const KNError &error)
+{
+    Q_EMIT stateChanged();
+    if (const auto next = std::exchange(m_next, {}); next && !error)
+        next();
+}
+
+std::shared_ptr<void> QuerySession::lease()
+{
+    if (m_isBusy)
+        return nullptr;
+    m_isBusy = true;
+    Q_EMIT stateChanged();
+    return std::shared_ptr<void>(this, [session = QPointer(this)](void *) {
+        KNDispatch::mainQueue([session] {
+            if (!session)
+                return;
+            session->m_isBusy = false;
+            session->endOperation({});
+        });
+    });
+}
+
+KNResultEditSession QuerySession::editSession(const QString &inDatabase)
+{
+    return {connectionDetails(), inDatabase, [this] { return m_connection; }, [this] { return lease(); },
+            [this](bool isOpen) {
+                m_connection->setHasTransaction(isOpen);
+                setHasOpenTransaction(isOpen);
+            }};
 }
 
 void QuerySession::changeDatabase(const QString &name)

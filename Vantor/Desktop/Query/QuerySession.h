@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Database/VantorTabConnection.h"
+#include "UI/ResultEditing/KNResultEditSession.h"
 
 #include <QObject>
 
@@ -28,6 +28,11 @@ public:
     void setHasOpenTransaction(bool hasOpenTransaction);
     /// Whether one of the operations below has not ended yet.
     bool isBusy() const { return m_isBusy; }
+    /// Reserves the session for work on its connection until the last copy of the result is gone; null while
+    /// it is busy.
+    std::shared_ptr<void> lease();
+    /// The session for edits of a result that a run left in this database.
+    KNResultEditSession editSession(const QString &inDatabase);
     /// Calls `next` after the current operation unless that fails.
     void setNext(std::function<void()> next) { m_next = std::move(next); }
 
@@ -56,6 +61,7 @@ private:
 
     void perform(const Work &work, const Finish &finish);
     void release();
+    void endOperation(const KNError &error);
 
     std::shared_ptr<VantorTabConnection> m_connection;
     std::function<void()> m_next;

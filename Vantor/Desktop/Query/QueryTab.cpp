@@ -196,13 +196,16 @@ bool QueryTab::isUnused() const
 
 void QueryTab::prepareToClose(std::function<void()> proceed)
 {
-    confirmSessionLoss(*this, [this, proceed] { confirmTextLoss(*this, proceed); });
+    confirmEditLoss(*this, tr("Closing the tab discards them."), [this, proceed] {
+        confirmSessionLoss(*this, [this, proceed] { confirmTextLoss(*this, proceed); });
+    });
 }
 
 void QueryTab::prepareToEndSession(std::function<void()> proceed)
 {
     if (KNPreferences::current().reopensTabs)
-        confirmSessionLoss(*this, proceed);
+        confirmEditLoss(*this, tr("Closing the tab discards them."),
+                        [this, proceed] { confirmSessionLoss(*this, proceed); });
     else
         prepareToClose(std::move(proceed));
 }
@@ -353,14 +356,24 @@ void QueryTab::runRemainingBatches()
     start(std::move(request));
 }
 
-void QueryTab::start(QueryRequest request)
+/// Whether nothing can run now. Calls `next` once the session is free, unless a query is running.
+bool QueryTab::isBlocked(const std::function<void()> &next)
 {
-    if (isRunning())
+    if (!isRunning() && m_session->isBusy())
+        m_session->setNext(next);
+    return isRunning() || m_session->isBusy();
+}
+
+void QueryTab::start(const QueryRequest &request)
+{
+    if (isBlocked([this, request] { start(request); }))
         return;
-    if (m_session->isBusy()) {
-        m_session->setNext([this, request] { start(request); });
-        return;
-    }
+    confirmEditLoss(*this, tr("Running a query discards them."), [this, request] { startUnedited(request); });
+}
+
+void QueryTab::startUnedited(const QueryRequest &unedited)
+{
+    QueryRequest request = unedited;
     request.text = text();
     const KNPreferences preferences = KNPreferences::current();
     request.rowLimit = preferences.rowLimit;
@@ -372,12 +385,8 @@ void QueryTab::start(QueryRequest request)
 
 void QueryTab::startConfirmed(QueryRequest request)
 {
-    if (isRunning())
+    if (isBlocked([this, request] { startConfirmed(request); }))
         return;
-    if (m_session->isBusy()) {
-        m_session->setNext([this, request] { startConfirmed(request); });
-        return;
-    }
     if (request.part == QueryRequest::Part::Batches) // these keep their lines in the text of the run before
         m_errorMarks->continueRun();
     else
@@ -418,6 +427,8 @@ void QueryTab::finishRun()
     if (outcome.inTransaction)
         m_session->setHasOpenTransaction(*outcome.inTransaction);
     Q_EMIT statusChanged();
+    if (!outcome.error && !outcome.wasCancelled)
+        resultsPane()->beginEditing(m_session->editSession(outcome.database));
     showOutcome();
     const QueryRequest &request = m_run->request();
     m_completion->noteRun(textOf(request));

@@ -98,7 +98,9 @@ protected:
 private:
     void arrange();
     void connectParts();
-    void start(QueryRequest request);
+    bool isBlocked(const std::function<void()> &next);
+    void start(const QueryRequest &request);
+    void startUnedited(const QueryRequest &request);
     void startConfirmed(QueryRequest request);
     void showNewResults();
     void finishRun();
