@@ -16,7 +16,7 @@ namespace {
 
 constexpr auto TablesTitle = "List_TablesAndColumnsForImport";
 
-bool isSameName(const QString &one, const QString &other)
+bool isSameObjectName(const QString &one, const QString &other)
 {
     return one.compare(other, Qt::CaseInsensitive) == 0;
 }
@@ -29,7 +29,7 @@ QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
     while (rows.next()) {
         const QString schema = rows.stringForColumnIndex(0);
         const QString name = rows.stringForColumnIndex(1);
-        if (!current || !isSameName(current->schema(), schema) || !isSameName(current->name(), name)) {
+        if (!current || !isSameObjectName(current->schema(), schema) || !isSameObjectName(current->name(), name)) {
             current = std::make_shared<MSSQLImportTableModel>();
             current->setSchema(schema);
             current->setName(name);
