@@ -33,7 +33,9 @@ QString aliasAt(const KNSQLTokens &tokens, qsizetype index)
     if (tokens.at(index).kind != SQLTokenKind::String)
         return KNSQLName::text(tokens, index);
     const QStringView text = tokens.textAt(index);
-    return text.mid(text.indexOf(u'\'') + 1).chopped(1).toString();
+    const QStringView behindQuote = text.mid(text.indexOf(u'\'') + 1);
+    const bool isClosed = behindQuote.endsWith(u'\''); // not while it is being typed
+    return behindQuote.chopped(isClosed ? 1 : 0).toString();
 }
 
 } // namespace
