@@ -137,6 +137,7 @@ TEST_F(ImportCommand, ExitsWithTheStatusOfTheFailure)
     EXPECT_EQ(import(write("g.dat", "x"), {"--into", "People"}).status, 2);
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need several times the memory
 TEST_F(ImportCommand, NeedsLittleMemoryForManyRows)
 {
     QByteArray lines = "id,name\n";
@@ -147,3 +148,4 @@ TEST_F(ImportCommand, NeedsLittleMemoryForManyRows)
     EXPECT_LT(outcome.maximumKilobytes, 200 * 1024);
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM People"), QByteArray("n\n300000\n"));
 }
+#endif
