@@ -29,7 +29,8 @@ QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
     while (rows.next()) {
         const QString schema = rows.stringForColumnIndex(0);
         const QString name = rows.stringForColumnIndex(1);
-        if (!current || !isSameObjectName(current->schema(), schema) || !isSameObjectName(current->name(), name)) {
+        if (!current || !isSameObjectName(current->schema(), schema) ||
+            !isSameObjectName(current->name(), name)) {
             current = std::make_shared<MSSQLImportTableModel>();
             current->setSchema(schema);
             current->setName(name);

@@ -58,7 +58,7 @@ KNImportFilePage::KNImportFilePage(KNImportSession &session, const QString &path
     , m_encoding(new QComboBox)
     , m_separator(new QComboBox)
     , m_quote(new QComboBox)
-    , m_header(new QCheckBox(tr("The &first row holds the names of the columns")))
+    , m_header(new QCheckBox(tr("The first row &holds the names of the columns")))
     , m_form(new QFormLayout)
     , m_rows(new KNImportTextModel(this))
     , m_preview(new QTableView)
@@ -99,6 +99,7 @@ void KNImportFilePage::addChoices()
 
 void KNImportFilePage::arrange()
 {
+    setFocusProxy(m_file);
     m_file->lineEdit()->setAccessibleName(tr("File"));
     m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     m_form->addRow(tr("&File:"), m_file);

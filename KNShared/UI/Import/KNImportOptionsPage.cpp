@@ -22,7 +22,7 @@ KNImportOptionsPage::KNImportOptionsPage(KNImportSession &session, QWidget *pare
     , m_empty(new QComboBox)
     , m_dateFormat(new QComboBox)
     , m_decimalPoint(new QComboBox)
-    , m_identity(new QCheckBox(tr("Write the values of the &identity column")))
+    , m_identity(new QCheckBox(tr("&Write the values of the identity column")))
     , m_truncate(new QCheckBox(tr("&Delete all rows of the table first")))
     , m_batchRows(new QSpinBox)
     , m_skipsFaults(new QCheckBox(tr("&Skip faulty rows, and write them into a file:")))
@@ -68,7 +68,7 @@ void KNImportOptionsPage::arrange()
     auto *const form = new QFormLayout;
     form->addRow(tr("&Empty values:"), m_empty);
     form->addRow(tr("Da&tes:"), m_dateFormat);
-    form->addRow(tr("Decimal &separator:"), m_decimalPoint);
+    form->addRow(tr("Decimal se&parator:"), m_decimalPoint);
     form->addRow(tr("&Rows sent together:"), m_batchRows);
     form->addRow({}, m_identity);
     form->addRow({}, m_truncate);

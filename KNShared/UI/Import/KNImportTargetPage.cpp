@@ -26,7 +26,7 @@ KNImportTargetPage::KNImportTargetPage(KNImportSession &session, const QString &
     , m_wanted(table)
     , m_createTable(std::move(createTable))
     , m_tables(new QComboBox)
-    , m_new(new QPushButton(tr("&New Table…")))
+    , m_new(new QPushButton(tr("Ne&w Table…")))
     , m_mapping(new KNImportMappingModel(this))
     , m_grid(new QTableView)
     , m_status(new QLabel)

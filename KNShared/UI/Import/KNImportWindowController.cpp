@@ -1,5 +1,6 @@
 #include "UI/Import/KNImportWindowController.h"
 
+#include "Foundation/KNFormat.h"
 #include "UI/Import/KNImportFilePage.h"
 #include "UI/Import/KNImportOptionsPage.h"
 #include "UI/Import/KNImportProgressPage.h"
@@ -28,7 +29,8 @@ KNImportWindowController::KNImportWindowController(const Settings &settings, con
     , m_pages(new QStackedWidget)
     , m_title(new QLabel)
 {
-    setWindowTitle(tr("Import"));
+    setWindowTitle(settings->database().isEmpty() ? tr("Import")
+                                                  : KNFormat(tr("Import into %@"), settings->database()));
     for (KNImportPage *const added :
          {static_cast<KNImportPage *>(m_filePage), static_cast<KNImportPage *>(m_targetPage),
           static_cast<KNImportPage *>(m_optionsPage), static_cast<KNImportPage *>(m_progressPage)}) {
@@ -84,6 +86,8 @@ void KNImportWindowController::showPage(int index)
 {
     m_pages->setCurrentIndex(index);
     page()->enter();
+    if (page()->focusProxy())
+        page()->setFocus();
     update();
 }
 

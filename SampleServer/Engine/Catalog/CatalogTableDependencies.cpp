@@ -25,8 +25,9 @@ ObjectPtr findReferenced(const Database &database, const Module &module, const A
     return object ? object : database.find("dbo", name.object());
 }
 
-/// The names that views, procedures, functions and triggers give to tables and procedures of their database. Names
-/// that do not resolve (aliases, common tables, other databases, objects that do not exist yet) are left out.
+/// The names that views, procedures, functions and triggers give to tables and procedures of their database.
+/// Names that do not resolve (aliases, common tables, other databases, objects that do not exist yet) are
+/// left out.
 std::vector<DependencyRow> listDependencies(const Context &context)
 {
     std::vector<DependencyRow> rows;

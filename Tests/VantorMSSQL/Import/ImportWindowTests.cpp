@@ -167,6 +167,19 @@ TEST_F(ImportWindow, ImportsAFileFromPageToPage)
     EXPECT_EQ(m_code, 1);
 }
 
+TEST_F(ImportWindow, HasMnemonicsThatDifferOnEachPage)
+{
+    open(write("m.csv", "id,name\n1,a\n"));
+    m_wizard->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_wizard));
+    DialogTesting::expectMnemonics(*m_wizard);
+    click("Next");
+    DialogTesting::expectMnemonics(*m_wizard);
+    click("Next");
+    DialogTesting::expectMnemonics(*m_wizard);
+    EXPECT_EQ(m_wizard->currentPage(), 2);
+}
+
 TEST_F(ImportWindow, ListsTheFaultsOfADryRun)
 {
     open(write("b.csv", "id,name\n1,a\nx,b\n3,far too long\n"));

@@ -22,11 +22,12 @@ QString importableFile(const QDropEvent &drop)
 } // namespace
 
 ImportActions::ImportActions(QWidget &window, KNWorkspace &workspace, KNDatabaseTreeContextHelper &helper,
-                             const KNConnectorUserInterface *connector)
+                             const KNConnectorUserInterface *connector, CurrentDocument currentDocument)
     : QObject(&window)
     , m_window(window)
     , m_workspace(workspace)
     , m_connector(connector)
+    , m_currentDocument(std::move(currentDocument))
 {
     // The tree, and with it the helper, may outlive this object.
     helper.addAction(QStringLiteral("importIntoDatabase:"),
@@ -42,7 +43,12 @@ ImportActions::ImportActions(QWidget &window, KNWorkspace &workspace, KNDatabase
 
 void ImportActions::import(const QString &path)
 {
-    open(m_workspace.selectedTreeEntry(), m_workspace.selectedSettings(), path);
+    const KNWorkspace::Settings selected = m_workspace.selectedSettings();
+    const KNDocumentTab *const document = m_currentDocument();
+    if (selected->database().isEmpty() && document)
+        open(nullptr, document->databaseConnectionDetails(), path);
+    else
+        open(m_workspace.selectedTreeEntry(), selected, path);
 }
 
 void ImportActions::open(const KNWorkspace::TreeEntry &entry, const KNWorkspace::Settings &settings,

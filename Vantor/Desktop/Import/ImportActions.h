@@ -1,6 +1,7 @@
 #pragma once
 
 #include "UI/Import/KNImportWindowController.h"
+#include "UI/Workspace/KNDocumentTab.h"
 #include "UI/Workspace/KNWorkspace.h"
 
 #include <QObject>
@@ -16,13 +17,16 @@ class ImportActions : public QObject
     Q_OBJECT
 
 public:
+    /// Returns the document in front; null if there is none.
+    using CurrentDocument = std::function<KNDocumentTab *()>;
+
     /// Adds the tree's action to the helper. `connector` creates new tables; null for none. The window, which
     /// is the workspace, outlives this object.
     ImportActions(QWidget &window, KNWorkspace &workspace, KNDatabaseTreeContextHelper &helper,
-                  const KNConnectorUserInterface *connector);
+                  const KNConnectorUserInterface *connector, CurrentDocument currentDocument);
 
-    /// Opens the wizard for the database of the tree's selection, or of the connection; a null path asks for
-    /// the file. The tree's selected table is proposed.
+    /// Opens the wizard for the database of the tree's selection, otherwise for that of the current document;
+    /// a null path asks for the file. The tree's selected table is proposed.
     void import(const QString &path = {});
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -35,5 +39,6 @@ private:
     QWidget &m_window;
     KNWorkspace &m_workspace;
     const KNConnectorUserInterface *const m_connector; ///< may be null
-    QPointer<KNImportWindowController> m_wizard;       ///< while it is open
+    const CurrentDocument m_currentDocument;
+    QPointer<KNImportWindowController> m_wizard; ///< while it is open
 };

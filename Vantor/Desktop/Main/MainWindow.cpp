@@ -60,7 +60,8 @@ MainWindow::MainWindow(const VantorDBC &details, const KNConnectorUserInterface 
     , m_treeActions(new TreeActions(*this, this))
 {
     arrange();
-    m_imports = new ImportActions(*this, *this, treeContextHelper(), m_connector);
+    m_imports = new ImportActions(*this, *this, treeContextHelper(), m_connector,
+                                  [this] { return currentDocument(); });
     m_actions = new MainWindowActions(*this);
     connectParts();
     if (m_connector)

@@ -11,6 +11,7 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/DatabaseTree/KNPropertiesDialog.h"
 #include "UI/Editor/KNSQLEditor.h"
+#include "UI/Import/KNImportWindowController.h"
 #include "UI/KNConnectorUserInterface.h"
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNExportDialog.h"
@@ -101,6 +102,12 @@ std::vector<DialogOpening> dialogOpenings()
              (new KNExportDialog(rows, 0, window))->beginSheet({});
          },
          "Choose File…"},
+        {"import",
+         [](QWidget *window) {
+             const auto settings = DesktopTesting::settingsFor(SampleServerFixture::shared());
+             (new KNImportWindowController(settings, {}, {}, window))->beginSheet({});
+         },
+         "Next"},
         {"columnFilter",
          [](QWidget *window) {
              auto *const model = new KNResultTableModel(

@@ -9,6 +9,7 @@
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QTemporaryDir>
 
@@ -59,6 +60,25 @@ TEST_F(ImportActionsOfWindow, OpenTheWizardFromTheMenu)
     m_window->actions()->action(QStringLiteral("import"))->trigger();
     ASSERT_TRUE(wizard());
     EXPECT_EQ(wizard()->filePage()->status(), QStringLiteral("Choose a file to import."));
+}
+
+TEST_F(ImportActionsOfWindow, BeginInTheFieldOfTheFile)
+{
+    m_window->actions()->action(QStringLiteral("import"))->trigger();
+    ASSERT_TRUE(wizard());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(wizard()));
+    auto *const file = wizard()->findChild<KNFileField *>();
+    EXPECT_TRUE(file->lineEdit()->hasFocus());
+}
+
+TEST_F(ImportActionsOfWindow, FillTheDatabaseOfTheCurrentQuery)
+{
+    const VantorDBCPtr details = m_window->databaseConnectionDetails()->copy();
+    details->setDatabase(QStringLiteral("library"));
+    m_window->openQueryText(QStringLiteral("SELECT 1"), details, KNWorkspace::QueryUse::Show, {});
+    m_window->actions()->action(QStringLiteral("import"))->trigger();
+    ASSERT_TRUE(wizard());
+    EXPECT_EQ(wizard()->windowTitle(), QStringLiteral("Import into library"));
 }
 
 TEST_F(ImportActionsOfWindow, OpenTheWizardFromTheTree)
