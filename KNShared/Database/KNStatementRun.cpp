@@ -70,7 +70,7 @@ struct KNStatementRun::Work
     void cancelUntilEnding();
 
 private:
-    /// What a rollback undoes. A transaction that was open before the run must survive it.
+    /// The extent of a rollback. A transaction that was open before the run must survive it.
     enum class Scope { Nothing, Transaction, Savepoint };
 
     bool beginRunning(VantorDatabaseClient &running);

@@ -14,7 +14,7 @@ struct KNSQLTyped
 };
 
 /// Reads one statement and notes the state at the caret. Sources behind the caret belong to the scope, too.
-/// What does not fit is skipped.
+/// Tokens that do not fit are skipped.
 class KNSQLScopeParser
 {
 public:
