@@ -149,7 +149,12 @@ TEST_F(WireTree, ADatabaseThatIsGoneShowsItsErrorAndTheOthersWork)
     const auto tree = root(*WireTest::settings(server.port()));
     const Ptr tables = find(tree, list({"passing", "Tables"}));
     VantorDatabaseConnectionPool::sharedInstance()->closeIdleClients();
-    WireTest::run(*client, QStringLiteral("DROP DATABASE passing"));
+    const auto isDropped = [&] { // the server may not have seen yet that the connection was closed
+        KNError inUse;
+        WireTest::run(*client, QStringLiteral("DROP DATABASE passing"), &inUse);
+        return !inUse;
+    };
+    ASSERT_TRUE(WireTest::waitFor(isDropped));
     load(tables);
     ASSERT_EQ(names(tables).size(), 1);
     EXPECT_NE(std::dynamic_pointer_cast<KNDatabaseTreeErrorEntry>(tables->childEntries()->front()), nullptr);
