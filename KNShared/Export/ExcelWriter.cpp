@@ -20,7 +20,7 @@ constexpr qsizetype ExactDigits = 15; // decimal digits that the double of a cel
 constexpr int WrittenDigits = 16;     // digits of a double that the library writes
 constexpr quint32 RowsForWidth = 1000; // that determine the width of columns
 constexpr int NarrowestColumn = 8;     // in characters
-constexpr int WidestColumn = 60;
+constexpr int WidestSheetColumn = 60;
 constexpr qsizetype DateWidths[] = {10, 12, 23}; // by the parts of a date
 
 /// Counts the digits of a number in plain notation, without leading and trailing zeros.
@@ -244,7 +244,7 @@ void ExcelWriter::widen(quint16 column, qsizetype characters)
         m_widths.resize(column + std::size_t{1}, NarrowestColumn);
     // One character more for the margins of a cell.
     int &width = m_widths[column];
-    width = std::max(width, static_cast<int>(std::min<qsizetype>(characters + 1, WidestColumn)));
+    width = std::max(width, static_cast<int>(std::min<qsizetype>(characters + 1, WidestSheetColumn)));
 }
 
 /// Sets the widths of the sheet that ends.

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr qsizetype RowsForWidths = 200;
-constexpr qsizetype WidestColumn =
+constexpr qsizetype WidestTextColumn =
     4096; ///< wider values exceed the column; padding every row to them would use too much memory
 
 /// Whether every byte takes one terminal column and needs no escape.
@@ -90,7 +90,7 @@ void TableWriter::writeHeld()
     m_holding = false;
     for (const QList<HeldField> &line : std::as_const(m_held)) {
         for (qsizetype i = 0; i < line.size(); ++i)
-            m_widths[i] = std::max(m_widths[i], std::min(line[i].width, WidestColumn));
+            m_widths[i] = std::max(m_widths[i], std::min(line[i].width, WidestTextColumn));
     }
     for (qsizetype i = 0; i < m_columnNames.size(); ++i)
         writeField(

@@ -2,6 +2,7 @@
 
 #include "Types/Text.h"
 #include "Wire/ByteReader.h"
+#include "Wire/LoginFeature.h"
 #include "Wire/Utf16Bytes.h"
 
 #include <algorithm>
@@ -20,8 +21,6 @@ constexpr std::size_t TdsVersion = 4, PacketSize = 8, OptionFlags2 = 25, OptionF
 constexpr std::uint8_t Odbc = 0x02;
 constexpr std::uint8_t IntegratedSecurity = 0x80;
 constexpr std::uint8_t HasExtension = 0x10;
-constexpr std::uint8_t FeatureUtf8 = 0x0A;
-constexpr std::uint8_t FeatureTerminator = 0xFF;
 constexpr std::size_t LongestName = 128;
 
 using Message = std::span<const std::uint8_t>;
@@ -57,8 +56,8 @@ bool requestsUtf8(Message message)
     const Message pointer = field(message, At::Extension, 1);
     ByteReader features = readerAt(message, ByteReader(pointer).take<std::uint32_t>());
     bool found = false;
-    for (std::uint8_t feature; (feature = features.take<std::uint8_t>()) != FeatureTerminator;) {
-        found = found || feature == FeatureUtf8;
+    for (std::uint8_t feature; (feature = features.take<std::uint8_t>()) != LoginFeature::Terminator;) {
+        found = found || feature == LoginFeature::Utf8Support;
         features.takeBytes(features.take<std::uint32_t>());
     }
     return found;

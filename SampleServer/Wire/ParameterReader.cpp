@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::uint16_t ShortNull = 0xFFFF;
 constexpr std::uint16_t InChunks = 0xFFFF;
-constexpr std::uint64_t NullChunks = 0xFFFF'FFFF'FFFF'FFFF;
 constexpr std::uint8_t HighestTimeScale = 7;
 
 using NullableBytes = std::optional<Bytes>; ///< empty for NULL
@@ -29,7 +28,7 @@ NullableBytes takeCounted(ByteReader &reader, std::size_t length, bool null)
 
 NullableBytes takeChunks(ByteReader &reader)
 {
-    if (reader.take<std::uint64_t>() == NullChunks)
+    if (reader.take<std::uint64_t>() == PartLengthOfNull)
         return std::nullopt;
     Bytes all;
     while (const auto length = reader.take<std::uint32_t>()) {

@@ -1,6 +1,7 @@
 #include "Wire/TokenWriter.h"
 
 #include "Types/Text.h"
+#include "Wire/LoginFeature.h"
 #include "Wire/WireType.h"
 
 namespace SampleServer {
@@ -15,8 +16,6 @@ constexpr std::uint8_t ReturnStatus = 0x79, Order = 0xA9, Error = 0xAA, Info = 0
 constexpr std::uint8_t EnvironmentCollation = 7;
 constexpr std::uint8_t EnvironmentReset = 18;
 constexpr std::size_t LongestMessage = 16000;
-constexpr std::uint8_t FeatureUtf8 = 0x0A;
-constexpr std::uint8_t FeatureTerminator = 0xFF;
 
 std::u16string shortText(std::string_view text)
 {
@@ -156,11 +155,11 @@ void TokenWriter::featureExtensionAck(bool utf8Requested)
 {
     put(Token::FeatureExtensionAck);
     if (utf8Requested) {
-        m_out.put(FeatureUtf8);
+        m_out.put(LoginFeature::Utf8Support);
         m_out.put<std::uint32_t>(1);
         m_out.put<std::uint8_t>(0);
     }
-    m_out.put(FeatureTerminator);
+    m_out.put(LoginFeature::Terminator);
 }
 
 } // namespace SampleServer

@@ -14,7 +14,6 @@ namespace {
 constexpr std::size_t ChunkSize = 8000;
 constexpr std::size_t VariantTextLimit = 8000;
 constexpr std::size_t MemoryToKeep = 1 << 20; ///< kept from a huge text for the next one
-constexpr std::uint64_t NullChunks = 0xFFFF'FFFF'FFFF'FFFF;
 
 std::span<const std::uint8_t> bytesOf(const void *data, std::size_t size)
 {
@@ -56,7 +55,7 @@ void ValueWriter::putNull(const WireType &wire)
     case LengthForm::Short:
         return m_out.put<std::uint16_t>(0xFFFF);
     case LengthForm::Chunks:
-        return m_out.put(NullChunks);
+        return m_out.put(PartLengthOfNull);
     case LengthForm::Variant:
         return m_out.put<std::uint32_t>(0);
     }

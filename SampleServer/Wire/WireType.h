@@ -21,6 +21,9 @@ inline constexpr std::uint8_t Image = 0x22, Text = 0x23, UniqueIdentifier = 0x24
                               NChar = 0xEF, Udt = 0xF0, Xml = 0xF1;
 } // namespace TypeCode
 
+/// The length of a NULL that may be sent in parts (MS-TDS 2.2.5.2.3).
+inline constexpr std::uint64_t PartLengthOfNull = 0xFFFF'FFFF'FFFF'FFFF;
+
 /// SQL_Latin1_General_CP1_CI_AS, the collation of all values; its code page is Windows-1252.
 inline constexpr std::array<std::uint8_t, 5> DefaultCollation = {0x09, 0x04, 0xD0, 0x00, 0x34};
 

@@ -4,13 +4,13 @@
 
 #include <QCommandLineParser>
 
-namespace {
-
 std::nullopt_t usageError(KNError *error, const QString &text)
 {
     *error = KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, text);
     return std::nullopt;
 }
+
+namespace {
 
 /// The encryption arguments as session parameters; nullopt if they are contradictory.
 std::optional<QVariantMap> encryptionFrom(const QCommandLineParser &parser, KNError *error)

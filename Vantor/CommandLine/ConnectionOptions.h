@@ -8,6 +8,9 @@
 
 class QCommandLineParser;
 
+/// Sets the error of arguments that are invalid or contradictory.
+std::nullopt_t usageError(KNError *error, const QString &text);
+
 /// The options with which a command connects to its server.
 struct ConnectionOptions
 {

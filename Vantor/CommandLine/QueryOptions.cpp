@@ -8,14 +8,6 @@
 
 namespace {
 
-const QString Domain = QStringLiteral("com.quorvex.vantor.cli");
-
-std::nullopt_t usageError(KNError *error, const QString &text)
-{
-    *error = KNError(Domain, 0, text);
-    return std::nullopt;
-}
-
 void addOptions(QCommandLineParser &parser)
 {
     const auto text = [](const char *utf8) { return QString::fromUtf8(utf8); };

@@ -1,11 +1,5 @@
 #include "Catalog/MSSQLPrimaryKeyRecord.h"
 
-namespace {
-
-enum Position { ColumnName, KeyName, Clustered, Descending };
-
-} // namespace
-
 MSSQLCatalogReader::Values MSSQLPrimaryKeyRecord::values(const QString &schema, const QString &table)
 {
     return {{QStringLiteral("SCHEMA"), schema}, {QStringLiteral("TABLE"), table}};
@@ -13,6 +7,7 @@ MSSQLCatalogReader::Values MSSQLPrimaryKeyRecord::values(const QString &schema, 
 
 QList<MSSQLPrimaryKeyRecord> MSSQLPrimaryKeyRecord::listFrom(DatabaseResultSet &rows)
 {
+    enum Position { ColumnName, KeyName, Clustered, Descending };
     MSSQLPrimaryKeyRecord key;
     while (rows.next()) {
         key.name = rows.stringForColumnIndex(KeyName);

@@ -55,7 +55,7 @@ const Words &modules()
 }
 
 /// A token that is neither a space nor a comment.
-struct Piece
+struct ScriptPiece
 {
     SQLTokenKind kind;
     QString word; ///< of a Word and an Operator, in upper case
@@ -64,9 +64,9 @@ struct Piece
     bool isNested; ///< inside of parentheses or of CASE ... END
 };
 
-QList<Piece> piecesOf(const QString &batch)
+QList<ScriptPiece> scriptPiecesOf(const QString &batch)
 {
-    QList<Piece> pieces;
+    QList<ScriptPiece> pieces;
     SQLMetadataTokenizer tokenizer(batch, MSSQLTokenizer::options());
     SQLToken token;
     QList<bool> open; // of each open parenthesis and CASE, whether it is a CASE
@@ -98,7 +98,7 @@ class Finder
 {
 public:
     explicit Finder(const QString &batch)
-        : m_pieces(piecesOf(batch))
+        : m_pieces(scriptPiecesOf(batch))
     {
     }
 
@@ -137,7 +137,7 @@ private:
 
     bool beginsStatement(qsizetype at) const
     {
-        const Piece &piece = m_pieces[at];
+        const ScriptPiece &piece = m_pieces[at];
         if (piece.isNested || piece.kind != SQLTokenKind::Word || !statementWords().contains(piece.word))
             return false;
         // ON DELETE CASCADE, but not SET NOCOUNT ON DELETE
@@ -260,7 +260,7 @@ private:
         constexpr qsizetype Longest = 100;
         QString text;
         for (qsizetype at = begin; at < end && text.size() <= Longest; ++at) {
-            const Piece &piece = m_pieces[at];
+            const ScriptPiece &piece = m_pieces[at];
             const qsizetype before =
                 at > begin ? m_pieces[at - 1].location + m_pieces[at - 1].text.size() : 0;
             if (at > begin && piece.location > before)
@@ -271,7 +271,7 @@ private:
         return text.size() > Longest ? text.left(Longest) + QChar(0x2026) : text;
     }
 
-    const QList<Piece> m_pieces;
+    const QList<ScriptPiece> m_pieces;
     qsizetype m_at = 0;
     qsizetype m_alter = -1; ///< where the current ALTER statement begins; -1 outside of one
     QStringList m_found;

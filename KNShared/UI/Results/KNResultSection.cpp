@@ -16,7 +16,9 @@
 #include "UI/Results/KNValueViewer.h"
 
 #include <QApplication>
+#include <QBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QSplitter>
 #include <QStyle>

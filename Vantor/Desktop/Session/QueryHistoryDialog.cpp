@@ -7,6 +7,7 @@
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QPointer>
 #include <QSortFilterProxyModel>
 #include <QSplitter>

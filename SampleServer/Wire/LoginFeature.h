@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace SampleServer::LoginFeature {
+
+/// What a client asks for and the server acknowledges behind a login (MS-TDS 2.2.6.4).
+inline constexpr std::uint8_t Utf8Support = 0x0A, Terminator = 0xFF;
+
+} // namespace SampleServer::LoginFeature
