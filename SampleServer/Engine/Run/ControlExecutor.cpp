@@ -1,6 +1,7 @@
 #include "Engine/Run/ControlExecutor.h"
 #include "Engine/Errors.h"
 #include "Engine/Parse/Parser.h"
+#include "Engine/Run/ParseOnlyOption.h"
 #include "Engine/ScopedValue.h"
 
 namespace SampleServer {
@@ -76,6 +77,8 @@ void ControlExecutor::runText(std::string_view sql, const ParserOptions &options
             throw;
         return m_errors.reportSyntax(error);
     }
+    if (const auto parseOnly = parseOnlyOption(statements))
+        m_session.options.parseOnly = *parseOnly;
     if (m_session.options.parseOnly)
         return;
     try {

@@ -112,7 +112,7 @@ bool OptionExecutor::applyWord(const std::string &option, const std::string &val
         {"IMPLICIT_TRANSACTIONS", &options.implicitTransactions},
         {"CONCAT_NULL_YIELDS_NULL", &m_session.evaluation.concatNullYieldsNull},
         {"FMTONLY", &options.formatOnly},
-        {"PARSEONLY", &options.parseOnly},
+        {"PARSEONLY", &options.parseOnly}, // known since the batch was parsed
         {"NOEXEC", &options.noExecute}};
     for (const auto &[name, flag] : switches)
         if (name == option) {
