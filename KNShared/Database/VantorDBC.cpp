@@ -1,5 +1,6 @@
 #include "Database/VantorDBC.h"
 
+#include "Database/KNSyntaxCheck.h"
 #include "Database/KNTableDesign.h"
 #include "Import/KNDatabaseImportHelper.h"
 #include "RowEditing/ResultSetViewControllerHelper.h"
@@ -57,6 +58,11 @@ std::unique_ptr<KNTableDesign> VantorDBC::createTableDesign(const QString &, KNE
 }
 
 QStringList VantorDBC::riskyStatements(const QString &) const
+{
+    return {};
+}
+
+KNSyntaxCheckRules VantorDBC::syntaxCheckRules() const
 {
     return {};
 }

@@ -17,6 +17,7 @@ class KNError;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
 class KNTableDesign;
+struct KNSyntaxCheckRules;
 class KNValue;
 class ResultSetViewControllerHelper;
 class VantorDatabaseClient;
@@ -99,6 +100,8 @@ public:
     /// the batch: changes of all rows of a table, and objects dropped or emptied. None by default. Pure; any
     /// thread.
     virtual QStringList riskyStatements(const QString &batch) const;
+    /// How sessions check statements without running them; not supported by default.
+    virtual KNSyntaxCheckRules syntaxCheckRules() const;
     /// Starts a trace file of all data sent and received by connections to this server kind, without login
     /// passwords. Returns the file's path; null if traces are not supported or the file cannot be written.
     virtual QString startProtocolTrace() const;

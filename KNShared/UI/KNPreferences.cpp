@@ -19,6 +19,7 @@ const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
 const QString CompletesWhileTyping = QStringLiteral("CompletesWhileTyping");
+const QString ChecksWhileTyping = QStringLiteral("ChecksWhileTyping");
 const QString PreviewsRowChanges = QStringLiteral("PreviewsRowChanges");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
@@ -58,6 +59,7 @@ KNPreferences KNPreferences::current()
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
     preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
     preferences.completesWhileTyping = stored.boolForKey(CompletesWhileTyping, true);
+    preferences.checksWhileTyping = stored.boolForKey(ChecksWhileTyping);
     preferences.previewsRowChanges = stored.boolForKey(PreviewsRowChanges, true);
     preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
     return preferences;
@@ -75,6 +77,7 @@ void KNPreferences::save() const
     defaults.setObject(ThemeKey, static_cast<int>(theme));
     defaults.setObject(ReopensTabs, reopensTabs);
     defaults.setObject(CompletesWhileTyping, completesWhileTyping);
+    defaults.setObject(ChecksWhileTyping, checksWhileTyping);
     defaults.setObject(PreviewsRowChanges, previewsRowChanges);
     defaults.setObject(TracesProtocol, tracesProtocol);
     defaults.synchronize();

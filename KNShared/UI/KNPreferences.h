@@ -26,6 +26,7 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool reopensTabs = true; ///< whether opening a connection restores the tabs of its last session
 
     bool completesWhileTyping = true; ///< whether the editor offers names without Ctrl+Space
+    bool checksWhileTyping = false;   ///< whether the server checks the syntax after pauses in typing
     bool previewsRowChanges = true;   ///< whether statements of edited rows are shown before they run
     bool tracesProtocol = false;      ///< from the start of the program
 

@@ -3,6 +3,7 @@
 #include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/ImportCommand.h"
+#include "CommandLine/ParseCommand.h"
 #include "CommandLine/QueryCommand.h"
 #include "CommandLine/SplitCommand.h"
 #include "CommandLine/Terminal.h"
@@ -34,6 +35,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  design   print or run the script that changes a column of a table\n"
                         "  import   import a file into a table\n"
                         "  split    print the batches of a script as JSON\n"
+                        "  parse    check the syntax of a script without running it\n"
                         "  complete print what the editor offers at a place of a script\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -48,6 +50,7 @@ constexpr Command Commands[] = {
     {"query", runQueryCommand},   {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
     {"menu", runMenuCommand},     {"script", runScriptCommand},   {"design", runDesignCommand},
     {"import", runImportCommand}, {"split", runSplitCommand},     {"complete", runCompleteCommand},
+    {"parse", runParseCommand},
 };
 
 /// Null if there is no such command.

@@ -81,6 +81,7 @@ public:
     std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const override;
     QString startProtocolTrace() const override;
     QStringList riskyStatements(const QString &batch) const override;
+    KNSyntaxCheckRules syntaxCheckRules() const override;
     QString quotedName(const QString &name) const override;
     QString literal(const KNValue &value) const override;
     QString description() const override;

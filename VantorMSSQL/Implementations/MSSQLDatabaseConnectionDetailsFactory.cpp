@@ -3,6 +3,7 @@
 
 #include "Autocomplete/MSSQLAutocompleteHelper.h"
 #include "Catalog/MSSQLSystemDatabaseQueries.h"
+#include "Database/KNSyntaxCheck.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLQuerySplitter.h"
@@ -60,6 +61,16 @@ std::unique_ptr<KNDatabaseImportHelper> MSSQLDatabaseConnectionDetails::createDa
 QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const
 {
     return MSSQLClient::enableFreeTDSLogging();
+}
+
+/// SET PARSEONLY and the settings listed take effect when a batch is parsed (T-SQL, "SET statements").
+KNSyntaxCheckRules MSSQLDatabaseConnectionDetails::syntaxCheckRules() const
+{
+    return {QStringLiteral("SET PARSEONLY ON"),
+            QStringLiteral("SET PARSEONLY OFF"),
+            QStringLiteral("PARSEONLY"),
+            {QStringLiteral("QUOTED_IDENTIFIER"), QStringLiteral("ANSI_DEFAULTS"), QStringLiteral("OFFSETS"),
+             QStringLiteral("FIPS_FLAGGER")}};
 }
 
 QStringList MSSQLDatabaseConnectionDetails::riskyStatements(const QString &batch) const

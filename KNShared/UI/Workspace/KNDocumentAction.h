@@ -4,6 +4,7 @@
 enum class KNDocumentAction {
     Execute,
     ExecuteBatch, ///< the batch at the cursor
+    Parse,        ///< checks the syntax without running the text
     Cancel,
     Commit,   ///< ends the open transaction
     Rollback, ///< undoes the open transaction

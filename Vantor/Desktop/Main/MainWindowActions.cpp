@@ -175,6 +175,8 @@ void MainWindowActions::makeQueryMenu()
                     "query-run-batch",
                     {keys("Ctrl+Shift+Return"), keys("Ctrl+Shift+Enter")}},
                    KNDocumentAction::ExecuteBatch);
+    addForDocument(menu, {"parse", QT_TR_NOOP("&Parse"), nullptr, {keys("Ctrl+F5")}},
+                   KNDocumentAction::Parse);
     addForDocument(
         menu,
         {"cancel", QT_TR_NOOP("&Cancel"), "query-cancel", {keys("Esc"), keys("Ctrl+."), keys("Alt+Pause")}},

@@ -28,6 +28,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
+    , m_checksWhileTyping(new QCheckBox(tr("Check the synta&x while typing")))
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
     , m_connector(connector)
 {
@@ -39,12 +40,20 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     connect(buttons->button(QDialogButtonBox::RestoreDefaults), &QPushButton::clicked, this,
             &PreferencesDialog::restoreDefaults);
     auto *const layout = new QVBoxLayout(this);
-    layout->addWidget(makeEditorGroup());
-    layout->addWidget(makeResultsGroup());
-    layout->addWidget(makeProgramGroup());
-    if (!m_connector.booleans.isEmpty())
-        layout->addWidget(makeConnectorGroup());
+    auto *const columns = new QHBoxLayout;
+    auto *const left = new QVBoxLayout;
+    auto *const right = new QVBoxLayout;
+    layout->addLayout(columns);
     layout->addWidget(buttons);
+    columns->addLayout(left);
+    columns->addLayout(right);
+    left->addWidget(makeEditorGroup());
+    right->addWidget(makeResultsGroup());
+    right->addWidget(makeProgramGroup());
+    if (!m_connector.booleans.isEmpty())
+        right->addWidget(makeConnectorGroup());
+    left->addStretch(1);
+    right->addStretch(1);
     KNOrderButtons(*this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     fill(KNPreferences::current());
@@ -101,6 +110,9 @@ QWidget *PreferencesDialog::makeEditorGroup()
     form->addRow(tr("&Size:"), m_fontSize);
     form->addRow(tr("&Tab width:"), m_tabWidth);
     form->addRow(m_completesWhileTyping);
+    m_checksWhileTyping->setToolTip(
+        tr("The server checks the text half a second after the last key, without running it."));
+    form->addRow(m_checksWhileTyping);
     return group;
 }
 
@@ -148,6 +160,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
     m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
+    m_checksWhileTyping->setChecked(preferences.checksWhileTyping);
     m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
     m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
@@ -165,6 +178,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
     preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
+    preferences.checksWhileTyping = m_checksWhileTyping->isChecked();
     preferences.previewsRowChanges = m_previewsRowChanges->isChecked();
     preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;

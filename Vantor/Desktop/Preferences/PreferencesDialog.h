@@ -43,6 +43,7 @@ private:
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;
+    QCheckBox *const m_checksWhileTyping;
     QCheckBox *const m_tracesProtocol;
     const KNConnectorPreferences m_connector;
     QList<QCheckBox *> m_connectorBoxes; ///< of m_connector.booleans

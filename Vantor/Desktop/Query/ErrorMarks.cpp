@@ -33,6 +33,19 @@ void ErrorMarks::show(const KNError &error)
         mark(target);
 }
 
+void ErrorMarks::showErrorsOf(const KNResultSetHolder &results)
+{
+    m_editor->clearErrorMarks();
+    const auto resultSets = results.resultSets();
+    for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
+        const auto messages = resultSet->serverMessages();
+        for (const DatabaseMessage &message : messages) {
+            if (message.isFailure())
+                mark(MessagesView::targetOf(message));
+        }
+    }
+}
+
 void ErrorMarks::mark(const MessagesView::Target &target)
 {
     if (target.range.isFound())

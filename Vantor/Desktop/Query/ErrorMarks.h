@@ -21,6 +21,8 @@ public:
     void continueRun();
     /// Marks what the messages name, or else the place of the error.
     void show(const KNError &error);
+    /// Marks the errors of a check of the present text, in place of the marks before.
+    void showErrorsOf(const KNResultSetHolder &results);
     /// Moves the cursor to a place that a message names.
     void goTo(const MessagesView::Target &target);
 

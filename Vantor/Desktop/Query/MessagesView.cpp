@@ -120,9 +120,14 @@ void MessagesView::addResult(const KNDatabaseResultSet &result)
              false});
 }
 
+MessagesView::Target MessagesView::targetOf(const DatabaseMessage &message)
+{
+    return {message.textRange, KNMessageText::lineOf(message)};
+}
+
 void MessagesView::addMessage(const DatabaseMessage &message)
 {
-    const Target target{message.textRange, KNMessageText::lineOf(message)};
+    const Target target = targetOf(message);
     const bool isError = message.isFailure();
     if (isError) {
         if (m_errorCount++ == 0)

@@ -42,6 +42,7 @@ public:
         int line = 0;        ///< from 1; 0 if not known
         bool isLink = false; ///< the target of addLink() instead
     };
+    static Target targetOf(const DatabaseMessage &message);
     /// The targets of the errors, of the first ones if there are very many.
     const QList<Target> &errorTargets() const { return m_errorTargets; }
     /// Whether all added texts are shown.

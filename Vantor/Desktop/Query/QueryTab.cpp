@@ -12,6 +12,7 @@
 #include "Desktop/Query/QueryRun.h"
 #include "Desktop/Query/QuerySession.h"
 #include "Desktop/Query/RiskyRunQuestion.h"
+#include "Desktop/Query/SyntaxCheck.h"
 #include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Completion/KNEditorCompletion.h"
@@ -54,7 +55,9 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     connectParts();
     m_databaseBox->setConnectionDetails(details);
     showDatabase(details.database());
-    m_completion = new KNEditorCompletion(m_editor, [this] { return databaseConnectionDetails(); });
+    const auto settings = [this] { return databaseConnectionDetails(); };
+    m_completion = new KNEditorCompletion(m_editor, settings);
+    m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
 }
 
 QueryTab::~QueryTab()
@@ -269,6 +272,7 @@ bool QueryTab::canPerform(KNDocumentAction action) const
     switch (action) {
     case KNDocumentAction::Execute:
     case KNDocumentAction::ExecuteBatch:
+    case KNDocumentAction::Parse:
         return !isRunning();
     case KNDocumentAction::Cancel:
         return isRunning();
@@ -289,6 +293,8 @@ void QueryTab::perform(KNDocumentAction action)
         return run();
     case KNDocumentAction::ExecuteBatch:
         return runBatchAtCursor();
+    case KNDocumentAction::Parse:
+        return m_syntaxCheck->check();
     case KNDocumentAction::Cancel:
         return cancel();
     case KNDocumentAction::Commit:
@@ -391,6 +397,7 @@ void QueryTab::startConfirmed(QueryRequest request)
         m_errorMarks->continueRun();
     else
         m_errorMarks->beginRun();
+    m_syntaxCheck->noteRun();
     m_databaseBox->setEnabled(false);
     m_run = std::make_unique<QueryRun>(m_session->connection(), std::move(request), nullptr);
     connect(m_run.get(), &QueryRun::resultsChanged, this, &QueryTab::showNewResults);

@@ -21,6 +21,7 @@ class QueryDocument;
 class QueryResults;
 class QueryRun;
 class QuerySession;
+class SyntaxCheck;
 class TransactionBar;
 struct QueryRequest;
 
@@ -112,6 +113,7 @@ private:
     KNSQLEditor *const m_editor;
     QueryDocument *const m_document;
     KNEditorCompletion *m_completion = nullptr;
+    SyntaxCheck *m_syntaxCheck = nullptr;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;
