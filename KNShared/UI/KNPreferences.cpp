@@ -20,6 +20,10 @@ const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
 const QString CompletesWhileTyping = QStringLiteral("CompletesWhileTyping");
 const QString ChecksWhileTyping = QStringLiteral("ChecksWhileTyping");
+const QString FormatKeywordCase = QStringLiteral("FormatKeywordCase");
+const QString FormatLeadingCommas = QStringLiteral("FormatLeadingCommas");
+const QString FormatIndent = QStringLiteral("FormatIndent");
+const QString FormatWidth = QStringLiteral("FormatWidth");
 const QString PreviewsRowChanges = QStringLiteral("PreviewsRowChanges");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
@@ -29,6 +33,27 @@ int number(const QString &key, int defaultValue, int minimum, int maximum)
     bool isNumber = false;
     const int value = KNUserDefaults::standardUserDefaults()->stringForKey(key).toInt(&isNumber);
     return isNumber && value >= minimum && value <= maximum ? value : defaultValue;
+}
+
+KNSQLFormatStyle storedFormatStyle()
+{
+    KNSQLFormatStyle style;
+    style.keywordCase = static_cast<KNSQLFormatStyle::KeywordCase>(
+        number(FormatKeywordCase, static_cast<int>(style.keywordCase), 0, 2));
+    style.hasLeadingCommas = KNUserDefaults::standardUserDefaults()->boolForKey(FormatLeadingCommas);
+    style.indent = number(FormatIndent, style.indent, 1, KNSQLFormatStyle::GreatestIndent);
+    style.width =
+        number(FormatWidth, style.width, KNSQLFormatStyle::LeastWidth, KNSQLFormatStyle::GreatestWidth);
+    return style;
+}
+
+void storeFormatStyle(const KNSQLFormatStyle &style)
+{
+    KNUserDefaults &defaults = *KNUserDefaults::standardUserDefaults();
+    defaults.setObject(FormatKeywordCase, static_cast<int>(style.keywordCase));
+    defaults.setObject(FormatLeadingCommas, style.hasLeadingCommas);
+    defaults.setObject(FormatIndent, style.indent);
+    defaults.setObject(FormatWidth, style.width);
 }
 
 } // namespace
@@ -62,6 +87,7 @@ KNPreferences KNPreferences::current()
     preferences.checksWhileTyping = stored.boolForKey(ChecksWhileTyping);
     preferences.previewsRowChanges = stored.boolForKey(PreviewsRowChanges, true);
     preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
+    preferences.formatStyle = storedFormatStyle();
     return preferences;
 }
 
@@ -80,6 +106,7 @@ void KNPreferences::save() const
     defaults.setObject(ChecksWhileTyping, checksWhileTyping);
     defaults.setObject(PreviewsRowChanges, previewsRowChanges);
     defaults.setObject(TracesProtocol, tracesProtocol);
+    storeFormatStyle(formatStyle);
     defaults.synchronize();
     KNNotificationCenter::defaultCenter()->post(ChangedNotificationName);
 }

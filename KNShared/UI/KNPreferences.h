@@ -1,5 +1,6 @@
 #pragma once
 
+#include "SQL/Format/KNSQLFormatStyle.h"
 #include "UI/KNSharedUIExport.h"
 
 #include <QFont>
@@ -29,6 +30,7 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool checksWhileTyping = false;   ///< whether the server checks the syntax after pauses in typing
     bool previewsRowChanges = true;   ///< whether statements of edited rows are shown before they run
     bool tracesProtocol = false;      ///< from the start of the program
+    KNSQLFormatStyle formatStyle;
 
     static KNPreferences current();
     /// The default preferences.

@@ -2,6 +2,7 @@
 #include "CommandLine/CompleteCommand.h"
 #include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
+#include "CommandLine/FormatCommand.h"
 #include "CommandLine/ImportCommand.h"
 #include "CommandLine/ParseCommand.h"
 #include "CommandLine/QueryCommand.h"
@@ -36,6 +37,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  import   import a file into a table\n"
                         "  split    print the batches of a script as JSON\n"
                         "  parse    check the syntax of a script without running it\n"
+                        "  format   print a script with new line breaks and indentation\n"
                         "  complete print what the editor offers at a place of a script\n"
                         "\n"
                         "vantor-cli COMMAND --help tells more. vantor-cli --version prints the version.\n";
@@ -50,7 +52,7 @@ constexpr Command Commands[] = {
     {"query", runQueryCommand},   {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
     {"menu", runMenuCommand},     {"script", runScriptCommand},   {"design", runDesignCommand},
     {"import", runImportCommand}, {"split", runSplitCommand},     {"complete", runCompleteCommand},
-    {"parse", runParseCommand},
+    {"parse", runParseCommand},   {"format", runFormatCommand},
 };
 
 /// Null if there is no such command.

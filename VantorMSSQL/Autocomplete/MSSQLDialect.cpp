@@ -1,5 +1,6 @@
 #include "Autocomplete/MSSQLDialect.h"
 
+#include "Autocomplete/MSSQLFormatRules.h"
 #include "Implementations/MSSQLTokenizer.h"
 #include "Implementations/MSSQLWordLists.h"
 
@@ -269,6 +270,7 @@ KNSQLDialect create()
     dialect.functions = MSSQLWordLists::functions();
     dialect.types = MSSQLWordLists::dataTypes();
     dialect.changedRows = QStringList{QStringLiteral("inserted"), QStringLiteral("deleted")};
+    dialect.format = MSSQLFormatRules::create();
     return dialect;
 }
 

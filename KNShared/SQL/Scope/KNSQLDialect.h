@@ -1,5 +1,6 @@
 #pragma once
 
+#include "SQL/Format/KNSQLFormatRules.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 #include <QFlags>
@@ -140,7 +141,7 @@ struct KNSQLClauseRule
     QStringList followWords;    ///< behind an operand
 };
 
-/// The rules of a server's language for completion.
+/// The rules of a server's language for completion and formatting.
 struct KNSQLDialect
 {
     SQLTokenizerOptions tokenizer;
@@ -149,4 +150,5 @@ struct KNSQLDialect
     QStringList functions;
     QStringList types;
     QStringList changedRows; ///< names of the sources that an output clause sees
+    KNSQLFormatRules format;
 };

@@ -18,6 +18,7 @@ enum class KNDocumentAction {
     ToggleComment,
     CommentLines,
     UncommentLines,
+    Format, ///< the selection, or everything if nothing is selected
     GoToLine,
     ChangeDatabase, ///< asks the user for a database
     ToggleResults,  ///< shows or hides the results

@@ -156,6 +156,8 @@ void MainWindowActions::makeEditMenu()
                    Action::ToggleComment);
     addForDocument(menu, {"comment", QT_TR_NOOP("C&omment Lines\tCtrl+K, C")}, Action::CommentLines);
     addForDocument(menu, {"uncomment", QT_TR_NOOP("Uncomment &Lines\tCtrl+K, U")}, Action::UncommentLines);
+    addForDocument(menu, {"format", QT_TR_NOOP("For&mat"), nullptr, {keys("Ctrl+K, Ctrl+D")}},
+                   Action::Format);
     addForDocument(menu, {"goToLine", QT_TR_NOOP("&Go to Line…"), nullptr, {keys("Ctrl+G")}},
                    Action::GoToLine);
 }

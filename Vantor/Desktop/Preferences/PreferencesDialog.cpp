@@ -1,5 +1,6 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
 
+#include "Desktop/Preferences/FormatPreferences.h"
 #include "Foundation/KNUserDefaults.h"
 #include "UI/Dialogs/KNButtonOrder.h"
 
@@ -29,6 +30,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
     , m_checksWhileTyping(new QCheckBox(tr("Check the synta&x while typing")))
+    , m_formatting(new FormatPreferences)
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
     , m_connector(connector)
 {
@@ -48,6 +50,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     columns->addLayout(left);
     columns->addLayout(right);
     left->addWidget(makeEditorGroup());
+    left->addWidget(m_formatting);
     right->addWidget(makeResultsGroup());
     right->addWidget(makeProgramGroup());
     if (!m_connector.booleans.isEmpty())
@@ -162,6 +165,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
     m_checksWhileTyping->setChecked(preferences.checksWhileTyping);
     m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
+    m_formatting->setFormatStyle(preferences.formatStyle);
     m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
 
@@ -180,6 +184,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
     preferences.checksWhileTyping = m_checksWhileTyping->isChecked();
     preferences.previewsRowChanges = m_previewsRowChanges->isChecked();
+    preferences.formatStyle = m_formatting->formatStyle();
     preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;
 }

@@ -5,6 +5,7 @@
 
 #include <QDialog>
 
+class FormatPreferences;
 class QCheckBox;
 class QComboBox;
 class QFontComboBox;
@@ -44,6 +45,7 @@ private:
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;
     QCheckBox *const m_checksWhileTyping;
+    FormatPreferences *const m_formatting;
     QCheckBox *const m_tracesProtocol;
     const KNConnectorPreferences m_connector;
     QList<QCheckBox *> m_connectorBoxes; ///< of m_connector.booleans

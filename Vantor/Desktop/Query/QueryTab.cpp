@@ -16,6 +16,7 @@
 #include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Completion/KNEditorCompletion.h"
+#include "UI/Editor/KNEditorFormatting.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
@@ -58,6 +59,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     const auto settings = [this] { return databaseConnectionDetails(); };
     m_completion = new KNEditorCompletion(m_editor, settings);
     m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
+    m_formatting = new KNEditorFormatting(m_editor, settings);
 }
 
 QueryTab::~QueryTab()
@@ -295,6 +297,8 @@ void QueryTab::perform(KNDocumentAction action)
         return runBatchAtCursor();
     case KNDocumentAction::Parse:
         return m_syntaxCheck->check();
+    case KNDocumentAction::Format:
+        return m_formatting->format();
     case KNDocumentAction::Cancel:
         return cancel();
     case KNDocumentAction::Commit:

@@ -12,6 +12,7 @@
 class DatabaseBox;
 class ErrorMarks;
 class KNEditorCompletion;
+class KNEditorFormatting;
 class KNFindBar;
 class KNResultsPane;
 class KNSQLEditor;
@@ -114,6 +115,7 @@ private:
     QueryDocument *const m_document;
     KNEditorCompletion *m_completion = nullptr;
     SyntaxCheck *m_syntaxCheck = nullptr;
+    KNEditorFormatting *m_formatting = nullptr;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;

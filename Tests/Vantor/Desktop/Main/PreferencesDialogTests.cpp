@@ -112,5 +112,5 @@ TEST(PreferencesDialog, HoldsThePreferencesOfTheConnector)
 
 TEST(PreferencesDialog, HasNoGroupForAConnectorWithoutPreferences)
 {
-    EXPECT_EQ(PreferencesDialog().findChildren<QGroupBox *>().size(), 3);
+    EXPECT_EQ(PreferencesDialog().findChildren<QGroupBox *>().size(), 4);
 }
