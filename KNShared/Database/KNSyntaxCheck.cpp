@@ -24,6 +24,7 @@ void KNSyntaxCheck::run(const QList<KNQueryDetails> &batches, VantorDatabaseClie
                          QStringLiteral("This kind of server cannot check statements without running them."));
         return;
     }
+    results.setRowLimit(1); // there are no rows
     client.executeNonQuery(m_rules.begin, error);
     if (error->isSet())
         return client.disconnect();
