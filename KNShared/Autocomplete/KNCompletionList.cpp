@@ -1,6 +1,7 @@
 #include "Autocomplete/KNCompletionList.h"
 
 #include "Autocomplete/KNCompletionCandidates.h"
+#include "Autocomplete/KNCompletionObjects.h"
 #include "Autocomplete/KNJoinConditions.h"
 #include "Autocomplete/KNSourceColumns.h"
 #include "Foundation/KNFormat.h"
@@ -19,49 +20,6 @@ using Expected = KNSQLExpected;
 bool isSame(const QString &a, const QString &b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-Kind kindOf(KNCompletionCatalog::Kind kind)
-{
-    switch (kind) {
-    case KNCompletionCatalog::Kind::Table:
-        return Kind::Table;
-    case KNCompletionCatalog::Kind::View:
-        return Kind::View;
-    case KNCompletionCatalog::Kind::Procedure:
-        return Kind::Procedure;
-    case KNCompletionCatalog::Kind::Type:
-        return Kind::Type;
-    case KNCompletionCatalog::Kind::Sequence:
-        return Kind::Sequence;
-    case KNCompletionCatalog::Kind::Synonym:
-        return Kind::Synonym;
-    default:
-        return Kind::Function;
-    }
-}
-
-/// Whether an object of a kind can stand where these names are expected.
-bool isExpected(KNCompletionCatalog::Kind kind, KNSQLExpectations expected)
-{
-    using Catalog = KNCompletionCatalog::Kind;
-    switch (kind) {
-    case Catalog::Table:
-        return expected.testFlag(Expected::Sources) || expected.testFlag(Expected::Objects);
-    case Catalog::View:
-    case Catalog::TableFunction:
-    case Catalog::Synonym:
-        return expected & (KNSQLExpectations(Expected::Sources) | Expected::Modules | Expected::Objects);
-    case Catalog::Procedure:
-        return expected & (KNSQLExpectations(Expected::Procedures) | Expected::Modules | Expected::Objects);
-    case Catalog::ScalarFunction:
-        return expected & (KNSQLExpectations(Expected::Functions) | Expected::Modules | Expected::Objects);
-    case Catalog::Type:
-        return expected & (KNSQLExpectations(Expected::Types) | Expected::Objects);
-    case Catalog::Sequence:
-        return expected.testFlag(Expected::Objects);
-    }
-    return false;
 }
 
 class List
@@ -216,26 +174,7 @@ private:
         const QList<QStringList> related = m_scope.isJoinTarget && catalog == m_catalog
                                                ? KNRelatedTables(m_scope, *catalog, m_columns)
                                                : QList<QStringList>();
-        for (const Object &object : catalog->objects) {
-            if (!isExpected(object.kind, m_scope.expected) ||
-                (!schema.isNull() && !isSame(object.schema, schema)) || !m_candidates.suits(object.name))
-                continue;
-            const bool isPlain = !schema.isNull() || isSame(object.schema, catalog->defaultSchema);
-            // A scalar function is called with its schema.
-            const bool needsSchema =
-                schema.isNull() && (!isPlain || object.kind == KNCompletionCatalog::Kind::ScalarFunction);
-            const QString name = quoted(object.name);
-            const bool isRelated = std::any_of(related.begin(), related.end(), [&](const QStringList &path) {
-                return isSame(path.first(), object.schema) && isSame(path.last(), object.name);
-            });
-            const bool isFunction = object.kind == KNCompletionCatalog::Kind::ScalarFunction;
-            const Group group = isRelated    ? Group::Related
-                                : isFunction ? Group::Functions
-                                : isPlain    ? Group::Objects
-                                             : Group::OtherObjects;
-            add(group, kindOf(object.kind), object.name,
-                needsSchema ? quoted(object.schema) + u'.' + name : name, object.schema);
-        }
+        KNAddObjectCompletions(m_request, *catalog, schema, related, &m_candidates);
     }
 
     /// The parameters of the procedure that is called.
