@@ -49,6 +49,29 @@ TEST(PreferencesDialog, SavesChangesOnAccept)
     EXPECT_EQ(KNPreferences::current().theme, KNPreferences::Theme::Dark);
 }
 
+TEST(PreferencesDialog, SavesHowTextsAreCheckedAndFormatted)
+{
+    KNPreferences::defaults().save();
+    PreferencesDialog dialog;
+    control<QComboBox>(dialog, "Keywords:")->setCurrentIndex(2);
+    control<QSpinBox>(dialog, "Indentation:")->setValue(2);
+    control<QSpinBox>(dialog, "Line length:")->setValue(120);
+    for (QCheckBox *const box : dialog.findChildren<QCheckBox *>()) {
+        const QString text = box->text().remove(QLatin1Char('&'));
+        if (text == QStringLiteral("Commas at the beginning of lines") ||
+            text == QStringLiteral("Check the syntax while typing"))
+            box->click();
+    }
+    dialog.accept();
+    const KNPreferences saved = KNPreferences::current();
+    EXPECT_TRUE(saved.checksWhileTyping);
+    EXPECT_EQ(saved.formatStyle, (KNSQLFormatStyle{.keywordCase = KNSQLFormatStyle::KeywordCase::Lower,
+                                                   .hasLeadingCommas = true,
+                                                   .indent = 2,
+                                                   .width = 120}));
+    KNPreferences::defaults().save();
+}
+
 TEST(PreferencesDialog, ChangesNothingWhenItIsCancelled)
 {
     KNPreferences::defaults().save();
