@@ -1,6 +1,7 @@
 #include "Autocomplete/MSSQLDialect.h"
 
 #include "Autocomplete/MSSQLFormatRules.h"
+#include "Autocomplete/MSSQLFunctionSignatures.h"
 #include "Implementations/MSSQLTokenizer.h"
 #include "Implementations/MSSQLWordLists.h"
 
@@ -268,6 +269,7 @@ KNSQLDialect create()
         dialect.clauses.insert(entry.clause, rule);
     }
     dialect.functions = MSSQLWordLists::functions();
+    dialect.signatures = MSSQLFunctionSignatures::read();
     dialect.types = MSSQLWordLists::dataTypes();
     dialect.changedRows = QStringList{QStringLiteral("inserted"), QStringLiteral("deleted")};
     dialect.format = MSSQLFormatRules::create();

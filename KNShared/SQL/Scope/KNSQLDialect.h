@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SQL/Format/KNSQLFormatRules.h"
+#include "SQL/KNSignature.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
 #include <QFlags>
@@ -148,6 +149,7 @@ struct KNSQLDialect
     QHash<QString, KNSQLRole> roles; ///< by word in upper case
     QHash<KNSQLClause, KNSQLClauseRule> clauses;
     QStringList functions;
+    QHash<QString, KNSignature> signatures; ///< of functions, by name in upper case
     QStringList types;
     QStringList changedRows; ///< names of the sources that an output clause sees
     KNSQLFormatRules format;

@@ -9,6 +9,7 @@
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
+#include "EditorScreenshots.h"
 #include "Foundation/KNDispatch.h"
 #include "Implementations/MSSQLRecentConnection.h"
 #include "ImportScreenshots.h"
@@ -371,8 +372,10 @@ int main(int argc, char **argv)
     showConnecting(folder);
     showBrowser(folder);
     const bool takesAll = qEnvironmentVariableIsSet("VANTOR_ALL_SCREENSHOTS");
-    if (takesAll)
+    if (takesAll) {
         showSheets(*window, folder);
+        EditorScreenshots::take(*window, folder);
+    }
     setTheme(KNPreferences::Theme::Dark);
     save(window, folder, "main-dark");
     if (takesAll) {
@@ -380,6 +383,7 @@ int main(int argc, char **argv)
         QDir().mkpath(dark);
         showOtherWindows(*window, dark);
         showSheets(*window, dark);
+        EditorScreenshots::take(*window, dark);
         showConnecting(dark);
         showBrowser(dark);
     }

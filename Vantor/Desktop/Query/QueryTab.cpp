@@ -16,6 +16,7 @@
 #include "Desktop/Query/TransactionBar.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Completion/KNEditorCompletion.h"
+#include "UI/Completion/KNEditorSignature.h"
 #include "UI/Editor/KNEditorFormatting.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
@@ -57,6 +58,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     m_databaseBox->setConnectionDetails(details);
     showDatabase(details.database());
     const auto settings = [this] { return databaseConnectionDetails(); };
+    m_signature = new KNEditorSignature(m_editor, settings);
     m_completion = new KNEditorCompletion(m_editor, settings);
     m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
     m_formatting = new KNEditorFormatting(m_editor, settings);

@@ -13,6 +13,7 @@ class DatabaseBox;
 class ErrorMarks;
 class KNEditorCompletion;
 class KNEditorFormatting;
+class KNEditorSignature;
 class KNFindBar;
 class KNResultsPane;
 class KNSQLEditor;
@@ -72,6 +73,7 @@ public:
     QueryDocument *document() const { return m_document; }
     KNSQLEditor *editor() const { return m_editor; }
     KNEditorCompletion *completion() const { return m_completion; }
+    KNEditorSignature *signature() const { return m_signature; }
     KNFindBar *findBar() const { return m_findBar; }
     KNResultsPane *resultsPane() const;
     MessagesView *messages() const;
@@ -116,6 +118,7 @@ private:
     KNEditorCompletion *m_completion = nullptr;
     SyntaxCheck *m_syntaxCheck = nullptr;
     KNEditorFormatting *m_formatting = nullptr;
+    KNEditorSignature *m_signature = nullptr;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;
