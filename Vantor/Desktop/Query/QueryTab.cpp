@@ -231,8 +231,7 @@ KNDocumentStatus::Outcome QueryTab::outcome() const
 {
     if (!m_run || !m_run->isFinished() || m_run->outcome().wasCancelled)
         return KNDocumentStatus::Outcome::None;
-    const bool hadErrors = m_run->outcome().error || messages()->errorCount() > 0;
-    return hadErrors ? KNDocumentStatus::Outcome::Failed : KNDocumentStatus::Outcome::Succeeded;
+    return m_hadErrors ? KNDocumentStatus::Outcome::Failed : KNDocumentStatus::Outcome::Succeeded;
 }
 
 KNDocumentStatus QueryTab::status() const
@@ -434,6 +433,7 @@ void QueryTab::finishRun()
     if (m_run->isAbandoned())
         m_session->replace(*m_session->connectionDetails());
     m_results->finishRun(outcome.error);
+    m_hadErrors = outcome.error || messages()->errorCount() > 0;
     m_databaseBox->setEnabled(true);
     if (!outcome.database.isNull())
         showDatabase(outcome.database);

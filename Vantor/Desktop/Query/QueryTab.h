@@ -130,4 +130,5 @@ private:
     QString m_id;
     QString m_database;
     QDateTime m_runBegan;
+    bool m_hadErrors = false; ///< in the last run; a check of the syntax does not count
 };

@@ -67,6 +67,17 @@ TEST_F(SyntaxCheckInATab, MarksTheErrorsOfAllBatches)
     EXPECT_EQ(tab.messages()->errorCount(), 0);
 }
 
+TEST_F(SyntaxCheckInATab, LeavesTheOutcomeOfTheLastRun)
+{
+    tab.setText(QStringLiteral("SELECT 1"));
+    tab.run();
+    ASSERT_TRUE(waitFor([&] { return !tab.isRunning(); }));
+    EXPECT_EQ(tab.status().outcome, KNDocumentStatus::Outcome::Succeeded);
+    parse("SELECT FROM WHERE");
+    EXPECT_EQ(tab.messages()->errorCount(), 1);
+    EXPECT_EQ(tab.status().outcome, KNDocumentStatus::Outcome::Succeeded);
+}
+
 TEST_F(SyntaxCheckInATab, ChecksTheSelectionOnly)
 {
     tab.setText(QStringLiteral("SELECT FROM\nSELECT 1\nUPDATE SET\n"));
