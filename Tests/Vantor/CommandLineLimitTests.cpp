@@ -1,5 +1,7 @@
 #include "Vantor/Program.h"
 
+namespace CommandLineLimitTests {
+
 // What vantor-cli takes of memory and time. Sanitizers take more of both.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
@@ -94,3 +96,5 @@ TEST(CommandLineLimits, AScriptOfManyRowsForMySQLIsNotKeptInMemory)
 }
 
 #endif
+
+} // namespace CommandLineLimitTests

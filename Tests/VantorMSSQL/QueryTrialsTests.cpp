@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+namespace QueryTrialsTests {
+
 namespace {
 
 const QHash<QString, QString> &texts()
@@ -77,3 +79,5 @@ TEST(QueryTrials, SayWhichServerHasNoAnswer)
     for (const QString &title : MSSQLQueryTrials::notOnSQL2000())
         EXPECT_FALSE(texts().contains(title + QLatin1String("_2000"))) << title.toStdString();
 }
+
+} // namespace QueryTrialsTests

@@ -14,6 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace KNLogHelperTests {
+
 namespace {
 
 QString contents(const QString &path)
@@ -261,3 +263,5 @@ TEST_F(KNLogHelperTest, LiesBelowTheStateFolder)
     EXPECT_EQ(KNLogHelper::sharedInstance()->filePath(),
               qEnvironmentVariable("XDG_STATE_HOME") + QStringLiteral("/vantor/logs/vantor.log"));
 }
+
+} // namespace KNLogHelperTests

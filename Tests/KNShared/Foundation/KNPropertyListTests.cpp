@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace KNPropertyListTests {
+
 namespace {
 
 using KNPropertyList::Problem;
@@ -160,3 +162,5 @@ TEST(KNPropertyList, DoesNotGrowWithoutBoundOnEntitiesThatNameEachOther)
     data += "]><plist><array><string>&a9;</string></array></plist>";
     expectBadList(data, Problem::Malformed);
 }
+
+} // namespace KNPropertyListTests

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace KNRowSearchTests {
+
 using namespace ResultTesting;
 
 namespace {
@@ -58,3 +60,5 @@ TEST(RowSearch, StopsWhenCancelledAndAtItsLimit)
     EXPECT_EQ(found({many.result, nullptr, {{0, Count}, {0, Count}}, {1}}, "row").size(),
               KNRowSearch::MostMatches);
 }
+
+} // namespace KNRowSearchTests

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace PacketReaderTest {
+
 using namespace SampleServer;
 using namespace std::chrono_literals;
 using Bytes = MemoryTransport::Bytes;
@@ -156,3 +158,5 @@ TEST(PacketReader, FailsWhenTheDeadlinePasses)
     reader.setDeadline(PacketReader::Clock::now());
     EXPECT_THROW(reader.read(), ProtocolError);
 }
+
+} // namespace PacketReaderTest

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace StatementEndTest {
+
 // A DONE is sent for each statement of a batch except variable declarations, a DONEINPROC for each statement
 // of a procedure (MS-TDS 2.2.7.6, 2.2.7.7). Control flow has none of its own.
 
@@ -84,3 +86,5 @@ TEST(StatementEnd, IsDoneInProcInsideOfAProcedure)
     client.batch(u"CREATE PROCEDURE dbo.silent AS SET NOCOUNT ON DECLARE @v int SET @v = 1");
     EXPECT_EQ(endsOf(client.batch(u"EXEC dbo.silent")), "proc");
 }
+
+} // namespace StatementEndTest

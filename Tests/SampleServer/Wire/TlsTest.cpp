@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+namespace TlsTest {
+
 using namespace SampleServer;
 using namespace std::chrono_literals;
 using Bytes = WireClient::Bytes;
@@ -323,3 +325,5 @@ TEST(TlsCertificate, ErrorsNameTheFile)
     for (const std::string &key : {files.certificate, others.key})
         EXPECT_NE(failureOf(files.certificate, key).find("cannot be used with the key"), std::string::npos);
 }
+
+} // namespace TlsTest

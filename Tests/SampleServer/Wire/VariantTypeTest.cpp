@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace VariantTypeTest {
+
 using namespace SampleServer;
 
 namespace {
@@ -80,3 +82,5 @@ TEST(VariantType, BinaryCarriesItsLengthAndGuidsNothing)
         encoded({TypeId::UniqueIdentifier}, Guid{{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}}),
         "12 00 00 00 24 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10");
 }
+
+} // namespace VariantTypeTest

@@ -40,6 +40,8 @@
 
 #include <memory>
 
+namespace TranslationTests {
+
 namespace {
 
 const QString Mark = QStringLiteral("¤");
@@ -229,3 +231,5 @@ TEST_F(Translations, ReachPreviewsAndProgressSheets)
     untranslated.collect(parent);
     EXPECT_EQ(untranslated.texts(), QStringList());
 }
+
+} // namespace TranslationTests

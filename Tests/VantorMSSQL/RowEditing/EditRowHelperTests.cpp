@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace EditRowHelperTests {
+
 using ReadBack = KNEditRowHelper::ReadBack;
 using Values = KNEditRowHelper::Values;
 
@@ -223,3 +225,5 @@ TEST_F(EditRowHelper, AssertsThatAnErrorIsAskedFor)
         EXPECT_EQ(failure.sourcePath(), u("Implementations/MSSQLEditRowHelper"));
     }
 }
+
+} // namespace EditRowHelperTests

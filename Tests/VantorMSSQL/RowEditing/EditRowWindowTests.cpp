@@ -16,6 +16,8 @@
 #include <QTableView>
 #include <QTest>
 
+namespace EditRowWindowTests {
+
 using WindowTesting::waitFor;
 
 namespace {
@@ -198,3 +200,5 @@ TEST_F(EditRowWindow, AsksBeforeItDiscardsChanges)
     EXPECT_EQ(m_code, 0);
     EXPECT_EQ(stored("SELECT CAST(COUNT(*) AS nvarchar(9)) FROM dbo.FormRow"), u("0"));
 }
+
+} // namespace EditRowWindowTests

@@ -7,6 +7,8 @@
 
 #include <mutex>
 
+namespace ResultKeyTests {
+
 namespace {
 
 QString u(const char *utf8)
@@ -165,3 +167,5 @@ TEST_F(ResultKeys, DoNotMakeVariantsAndClrTypesWritable)
     EXPECT_FALSE(helper->isWritableColumn(1));
     EXPECT_FALSE(helper->isWritableColumn(2));
 }
+
+} // namespace ResultKeyTests

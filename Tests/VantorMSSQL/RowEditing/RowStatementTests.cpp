@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace RowStatementTests {
+
 namespace {
 
 QString q(const char *utf8)
@@ -191,3 +193,5 @@ TEST(RowStatement, MakesOneColumnForEachRecord)
     EXPECT_EQ(columns[1].columnCurrentValue, KNValue(3));
     EXPECT_FALSE(columns[1].hasBeenModified);
 }
+
+} // namespace RowStatementTests

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace SourceTableTests {
+
 namespace {
 
 QStringList pathOf(const char *batch)
@@ -131,3 +133,5 @@ TEST(QueryPatterns, SplitAtTheFirstDotAndUnbracket)
     EXPECT_EQ(three->name, QStringLiteral("b.c"));
     EXPECT_FALSE(split(QStringLiteral("(")));
 }
+
+} // namespace SourceTableTests

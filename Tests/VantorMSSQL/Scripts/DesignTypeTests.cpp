@@ -4,6 +4,8 @@
 #include "TableDesign/MSSQLTableDesign.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
+namespace DesignTypeTests {
+
 namespace {
 
 /// What an edition's server is offered for columns of the sample database.
@@ -111,3 +113,5 @@ TEST_P(DesignTypes, EveryKindOfEditRunsOnTheEdition)
     EXPECT_FALSE(make({KNColumnEdit::Kind::Add, QStringLiteral("d"), {}}));
     EXPECT_EQ(columns(), QStringLiteral("b int pk -, d int null -"));
 }
+
+} // namespace DesignTypeTests

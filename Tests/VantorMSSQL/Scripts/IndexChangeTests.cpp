@@ -7,6 +7,8 @@
 #include "VantorMSSQL/Scripts/ScriptTest.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
+namespace IndexChangeTests {
+
 using namespace WireTest;
 
 namespace {
@@ -209,3 +211,5 @@ TEST_F(IndexChangeOn2000, KeepsTheOptionsInTheirOldForm)
         names.append(entry.indexName);
     EXPECT_EQ(names, (QStringList{q("PRIMARY"), q("IX")}));
 }
+
+} // namespace IndexChangeTests

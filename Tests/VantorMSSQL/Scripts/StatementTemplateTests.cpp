@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace StatementTemplateTests {
+
 namespace {
 
 MSSQLColumnRecord column(const char *name, const char *type)
@@ -85,3 +87,5 @@ TEST(StatementTemplate, CommentsCannotBeLeft)
     EXPECT_FALSE(text.contains(QStringLiteral("*/ DROP TABLE victim; -- int")));
     EXPECT_TRUE(text.contains(QStringLiteral("[a */ DROP TABLE victim; --]")));
 }
+
+} // namespace StatementTemplateTests

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace ColumnEditTests {
+
 namespace {
 
 QString text(const char *utf8)
@@ -79,3 +81,5 @@ TEST(EnteredPath, IsSplitAtDotsOutsideBracketsAndQuotes)
     for (const char *path : {"", ".", "a.", ".a", "a..b", "[a", "[]", "[a]]", "\"a", "[a]b", "\"a\"b"})
         EXPECT_FALSE(parts(path)) << path;
 }
+
+} // namespace ColumnEditTests

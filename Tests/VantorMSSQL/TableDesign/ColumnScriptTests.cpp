@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace ColumnScriptTests {
+
 namespace {
 
 QString q(const char *utf8)
@@ -268,3 +270,5 @@ TEST(ColumnScript, WrapsScriptsInATransactionThatIsRolledBackOnFailure)
     EXPECT_TRUE(pair.corrected.isNull());
     EXPECT_EQ(pair.difference, q("why"));
 }
+
+} // namespace ColumnScriptTests

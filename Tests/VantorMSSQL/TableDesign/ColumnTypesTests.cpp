@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace ColumnTypesTests {
+
 namespace {
 
 QStringList typesOf(const char *version)
@@ -69,3 +71,5 @@ TEST(ColumnTypes, AreSortedAndHoldWhatEveryVersionHas)
     for (const char *type : {"int", "nvarchar(50)", "ntext", "datetime", "sql_variant", "timestamp"})
         EXPECT_TRUE(types.contains(QString::fromLatin1(type))) << type;
 }
+
+} // namespace ColumnTypesTests

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace IndexScriptTests {
+
 namespace {
 
 QString q(const char *utf8)
@@ -275,3 +277,5 @@ TEST(IndexDefinition, ReadsARowForEachColumn)
     EXPECT_TRUE(indexes[1].dataSpace.isNull());
     EXPECT_EQ(indexes[1].fillFactor, 0);
 }
+
+} // namespace IndexScriptTests

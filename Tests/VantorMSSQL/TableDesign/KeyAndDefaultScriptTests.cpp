@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace KeyAndDefaultScriptTests {
+
 namespace {
 
 QString q(const char *utf8)
@@ -169,3 +171,5 @@ TEST(ForeignKeyScript, MakesAKeyWithQuotedNames)
                              "ALTER TABLE s.T NOCHECK CONSTRAINT [FK ]]a];"));
     EXPECT_TRUE(MSSQLForeignKeyScript::change(table, key, key).isNull());
 }
+
+} // namespace KeyAndDefaultScriptTests

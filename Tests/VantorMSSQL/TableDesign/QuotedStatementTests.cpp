@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace QuotedStatementTests {
+
 using namespace DesignStatements;
 
 namespace {
@@ -104,3 +106,5 @@ TEST(RenameScript, AcceptsNamesThatAServerTakes)
                                 QStringLiteral("a\nb"), QString(QChar(0)) + QLatin1Char('a')})
         EXPECT_TRUE(MSSQLRenameScript::acceptedName(name).isNull()) << name.toStdString();
 }
+
+} // namespace QuotedStatementTests

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace TableScriptTests {
+
 using MSSQLTableScript::Dialog;
 
 namespace {
@@ -115,3 +117,5 @@ TEST(TableScript, RefusesNamesWithoutOrWithOtherCharacters)
         EXPECT_TRUE(MSSQLTableScript::acceptedName(q(name), Dialog::Rename).isNull()) << name;
     }
 }
+
+} // namespace TableScriptTests

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace TypeChangeTests {
+
 namespace {
 
 bool mayLose(const char *before, const char *after)
@@ -69,3 +71,5 @@ TEST(TypeChange, AsksNothingThatNoQueryTells)
     EXPECT_TRUE(count("int", "[dbo].[Flag]").isNull());
     EXPECT_TRUE(count("int", "int) FROM x; DROP TABLE victim; --").isNull());
 }
+
+} // namespace TypeChangeTests

@@ -6,6 +6,8 @@
 #include "VantorMSSQL/TableDesign/DesignStatements.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
+namespace DesignStatementTests {
+
 using namespace DesignStatements;
 using namespace WireTest;
 
@@ -241,3 +243,5 @@ TEST_P(DesignStatementTests, UntouchedRowsGetTheDefaults)
     make(MSSQLRowStatement(table.schema, name, {{.columnName = q("Id")}}, std::nullopt).generateQuery());
     EXPECT_EQ(scalar(*client, KNFormat("SELECT Id FROM %@", target())).toInt64(), 7);
 }
+
+} // namespace DesignStatementTests

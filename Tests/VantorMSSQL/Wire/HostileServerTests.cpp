@@ -8,6 +8,8 @@
 
 #include <dirent.h>
 
+namespace HostileServerTests {
+
 using namespace WireTest;
 using namespace HostileServerBytes;
 
@@ -205,3 +207,5 @@ TEST(CorruptedConversation, NeverCrashesTheClient)
     }
     expectNextConnectionWorks();
 }
+
+} // namespace HostileServerTests

@@ -9,6 +9,8 @@
 
 #include <ctime>
 
+namespace TreeTests {
+
 using TreeTesting::find;
 using TreeTesting::list;
 using TreeTesting::load;
@@ -339,3 +341,5 @@ INSTANTIATE_TEST_SUITE_P(Title, RefusedOnTheWire,
                                  .remove(QLatin1Char('_'))
                                  .toStdString();
                          });
+
+} // namespace TreeTests

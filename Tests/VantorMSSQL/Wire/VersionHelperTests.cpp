@@ -169,7 +169,7 @@ TEST(SystemDatabaseQueries, AnUnknownTitleIsAProgrammingError)
     const MSSQLSystemDatabaseQueries queries(*settings(1));
     try {
         queries.queryByTitle(QStringLiteral("NoSuchTitle"));
-        FAIL();
+        ADD_FAILURE() << "no failure";
     } catch (const KNAssertionFailure &failure) {
         EXPECT_EQ(failure.message(), QStringLiteral("Unable to receive query for: NoSuchTitle"));
         EXPECT_EQ(failure.sourcePath(), QStringLiteral("Implementations/MSSQLSystemDatabaseQueries"));

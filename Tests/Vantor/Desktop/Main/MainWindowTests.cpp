@@ -20,6 +20,8 @@
 
 #include <QClipboard>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QTemporaryDir>
 
