@@ -17,6 +17,7 @@ public:
     /// Replaces the shared object; null restores the desktop's file manager.
     static void setShared(std::unique_ptr<KNFileManager> fileManager);
 
-    /// Shows the folder that contains a file. Does not block.
+    /// Shows the folder that contains a file, with the file selected if the file manager can do that. Does
+    /// not block.
     virtual void showFolderOf(const QString &file) = 0;
 };
