@@ -17,26 +17,55 @@ QString joinedValues(const KNRow &row)
 
 } // namespace
 
+MSSQL2MySQLExporter::MSSQL2MySQLExporter(const QString &table, const QStringList &columns, bool hasIdentity,
+                                         qsizetype batch)
+    : m_table(table)
+    , m_insert(KNFormat("INSERT INTO %@ (%@) ", table, columns.join(QStringLiteral(", "))))
+    , m_hasIdentity(hasIdentity)
+    , m_batch(batch)
+{
+    KNAssert(batch > 0, "A batch has one row at least.", "Export/MSSQL2MySQLExporter");
+}
+
+QString MSSQL2MySQLExporter::head() const
+{
+    QString head = KNFormat("-- Add %ld rows for %@.\r\n", m_count, KNSQLComment::inOneLine(m_table));
+    if (m_hasIdentity)
+        head += KNFormat("SET IDENTITY_INSERT %@ ON\r\n", m_table);
+    return head;
+}
+
+QString MSSQL2MySQLExporter::add(const KNRow &row)
+{
+    const qint64 index = m_count++;
+    if (m_batch == 1)
+        return KNFormat("%@ (%@);\r\n", m_insert + QLatin1String("VALUES"), joinedValues(row));
+    QString text;
+    if (index % m_batch != 0)
+        text = QStringLiteral(",\r\n");
+    else if (index > 0)
+        text = QStringLiteral(";\r\n\r\n");
+    if (index % m_batch == 0)
+        text += m_insert + QLatin1String("VALUES \r\n");
+    return text + KNFormat("(%@)", joinedValues(row));
+}
+
+QString MSSQL2MySQLExporter::tail() const
+{
+    QString tail;
+    if (m_count > 0 && m_batch > 1)
+        tail = QStringLiteral(";\r\n\r\n");
+    if (m_hasIdentity)
+        tail += KNFormat("SET IDENTITY_INSERT %@ OFF\r\n\r\n", m_table);
+    return tail;
+}
+
 QString MSSQL2MySQLExporter::exportData(const QList<KNRow> &rows, const QString &forTable,
                                         const QStringList &withColumns, bool hasIdentity, qsizetype batch)
 {
-    KNAssert(batch > 0, "A batch has one row at least.", "Export/MSSQL2MySQLExporter");
-    const QString insert = KNFormat("INSERT INTO %@ (%@) ", forTable, withColumns.join(QStringLiteral(", ")));
-    QString script = KNFormat("-- Add %ld rows for %@.\r\n", rows.size(), KNSQLComment::inOneLine(forTable));
-    if (hasIdentity)
-        script += KNFormat("SET IDENTITY_INSERT %@ ON\r\n", forTable);
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (batch == 1) {
-            script += KNFormat("%@ (%@);\r\n", insert + QLatin1String("VALUES"), joinedValues(rows[i]));
-            continue;
-        }
-        const bool isLast = i + 1 == rows.size() || (i + 1) % batch == 0;
-        if (i % batch == 0)
-            script += insert + QLatin1String("VALUES \r\n");
-        script += KNFormat("(%@)", joinedValues(rows[i]));
-        script += isLast ? QLatin1String(";\r\n\r\n") : QLatin1String(",\r\n");
-    }
-    if (hasIdentity)
-        script += KNFormat("SET IDENTITY_INSERT %@ OFF\r\n\r\n", forTable);
-    return script;
+    MSSQL2MySQLExporter exporter(forTable, withColumns, hasIdentity, batch);
+    QString inserts;
+    for (const KNRow &row : rows)
+        inserts += exporter.add(row);
+    return exporter.head() + inserts + exporter.tail();
 }

@@ -1,7 +1,6 @@
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
 #include "Catalog/MSSQLCatalogReader.h"
-#include "Database/KNRowStream.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 #include "Implementations/MSSQLQuoting.h"
@@ -85,7 +84,7 @@ public:
 
     /// Writes the rows as they arrive. They wait in a temporary file, because a comment before them counts
     /// them. An error when the script does not hold all of them.
-    KNError writeInserts(QIODevice &device) const
+    KNError writeInserts(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const
     {
         QStringList expressions;
         for (const MSSQLMySQLTranslation &column : m_translations)
@@ -95,10 +94,11 @@ public:
         QTemporaryFile rows;
         bool isStored = rows.open();
         qint64 count = 0;
-        KNError error = KNRowStream::eachRow(m_details, query, [&](const KNRow &row) {
+        const auto store = [&](const KNRow &row) {
             const QString separator = count++ == 0 ? QString() : QStringLiteral(";\r\n");
             isStored = isStored && writeText(rows, separator + insertStatement(row));
-        });
+        };
+        KNError error = KNRowStream::eachRow(m_details, query, store, isCancelled);
         isStored = isStored && (count == 0 || writeText(rows, QStringLiteral(";"))) && rows.flush();
         if (!error && !isStored)
             error = KNError(QString::fromLatin1(ErrorDomain), 0,
@@ -173,11 +173,10 @@ QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString 
     return script.isNull() ? QStringLiteral("") : script;
 }
 
-void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(const QString &table,
-                                                                    const QString &inSchema, bool includeDrop,
-                                                                    bool includeCreate, bool includeInserts,
-                                                                    const VantorDBC &withConnectionDetails,
-                                                                    QIODevice &device, KNQueryReport *report)
+void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
+    const QString &table, const QString &inSchema, bool includeDrop, bool includeCreate, bool includeInserts,
+    const VantorDBC &withConnectionDetails, QIODevice &device, KNQueryReport *report,
+    const KNRowStream::IsCancelled &isCancelled)
 {
     TableScript tableScript(table, inSchema, withConnectionDetails);
     KNError error;
@@ -189,7 +188,7 @@ void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(const QStrin
         if (includeCreate)
             writeText(device, tableScript.create());
         if (includeInserts)
-            error = tableScript.writeInserts(device);
+            error = tableScript.writeInserts(device, isCancelled);
     }
     if (report)
         report->failure = error;

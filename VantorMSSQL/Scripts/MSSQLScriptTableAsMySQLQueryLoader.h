@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Database/KNRowStream.h"
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
 /// A table with its rows as a script for MySQL.
@@ -31,10 +32,12 @@ public:
                                          KNQueryReport *report = nullptr);
 
     /// The same, written in UTF-8 while rows arrive: only some thousand of them are in memory at a time.
+    /// `isCancelled` may be empty; it stops the reading of rows.
     static void writeCreationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
                                            bool includeCreate, bool includeInserts,
                                            const VantorDBC &withConnectionDetails, QIODevice &device,
-                                           KNQueryReport *report);
+                                           KNQueryReport *report,
+                                           const KNRowStream::IsCancelled &isCancelled = {});
 
     bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const override;
 

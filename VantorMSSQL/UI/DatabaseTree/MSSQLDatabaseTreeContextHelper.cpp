@@ -3,6 +3,7 @@
 void MSSQLDatabaseTreeContextHelper::addActions()
 {
     addDropActions();
+    addExportActions();
     addFederationActions();
     addRenameActions();
     addTableActions();

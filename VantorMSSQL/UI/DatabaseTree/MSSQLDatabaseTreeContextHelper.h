@@ -42,6 +42,7 @@ public:
 
 private:
     void addDropActions();
+    void addExportActions();
     void addFederationActions();
     void addRenameActions();
     void addTableActions();
