@@ -13,4 +13,5 @@ struct MSSQLParameterRecord
     QString parameterName; ///< with its @
     QString typeName;      ///< as DECLARE takes it, such as nvarchar(50)
     bool isOutput = false;
+    QString baseType = {}; ///< the built-in type below a type of users, "table type" for tables
 };

@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "RowEditing/MSSQLValueInput.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
 #include <QHash>
@@ -32,37 +33,6 @@ void addName(MSSQLStatementCaution *caution, const QString &name)
     caution->addUnlessRead(MSSQLDesignedTable::escaped(name), {name});
 }
 
-/// `typeName` may have precision and scale. Types of users take text, which the server converts.
-KNTypedValue::Input inputOf(const QString &typeName)
-{
-    using Input = KNTypedValue::Input;
-    static const QHash<QString, Input> inputs = {
-        {QStringLiteral("tinyint"), Input::Integer},
-        {QStringLiteral("smallint"), Input::Integer},
-        {QStringLiteral("int"), Input::Integer},
-        {QStringLiteral("bigint"), Input::Integer},
-        {QStringLiteral("decimal"), Input::Number},
-        {QStringLiteral("numeric"), Input::Number},
-        {QStringLiteral("money"), Input::Number},
-        {QStringLiteral("smallmoney"), Input::Number},
-        {QStringLiteral("float"), Input::Number},
-        {QStringLiteral("real"), Input::Number},
-        {QStringLiteral("bit"), Input::Boolean},
-        {QStringLiteral("date"), Input::Date},
-        {QStringLiteral("datetime"), Input::DateAndTime},
-        {QStringLiteral("smalldatetime"), Input::DateAndTime},
-        {QStringLiteral("datetime2"), Input::DateAndTime},
-        {QStringLiteral("datetimeoffset"), Input::DateAndTime},
-        {QStringLiteral("time"), Input::Time},
-        {QStringLiteral("uniqueidentifier"), Input::Guid},
-        {QStringLiteral("binary"), Input::Binary},
-        {QStringLiteral("varbinary"), Input::Binary},
-        {QStringLiteral("image"), Input::Binary},
-        {QStringLiteral("timestamp"), Input::Binary},
-    };
-    return inputs.value(typeName.section(u'(', 0, 0).toLower(), Input::Text);
-}
-
 bool isWritten(const KNEditRowColumn &column)
 {
     return column.hasBeenModified && !column.isIdentity;
@@ -91,7 +61,7 @@ QList<KNEditRowColumn> MSSQLRowStatement::columnsFrom(const QList<MSSQLColumnRec
              .isIdentity = record.isIdentity,
              .columnCurrentValue = initialValues ? initialValues->value(record.columnName) : KNValue(),
              .typeName = record.displayType(),
-             .input = inputOf(record.typeName),
+             .input = MSSQLValueInput::of(record.typeName),
              .isNullable = record.isNullable,
              .isReadOnly = !record.isWritable()});
     return columns;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "UI/KNSharedUIExport.h"
+
 #include <QStyledItemDelegate>
 
 /// Edits a value of a row: text in several lines, booleans in a list, everything else in a line.
-class KNEditRowDelegate : public QStyledItemDelegate
+class KNSHAREDUI_EXPORT KNEditRowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
 -- The type is written so that a DECLARE takes it: with its length, or precision and scale, and a user's type with its
--- schema. Lengths of nchar and nvarchar are kept in bytes.
+-- schema. Lengths of nchar and nvarchar are kept in bytes. A table type's system type is 243.
 SELECT
     p.name AS parameter_name,
     CASE
@@ -16,7 +16,8 @@ SELECT
         ELSE p.type_name + N'(' + CONVERT(nvarchar(10), p.max_length) + N')'
     END AS parameter_type,
     p.parameter_id,
-    p.is_output
+    p.is_output,
+    p.base_type
 FROM (
     SELECT
         par.name,
@@ -27,7 +28,11 @@ FROM (
         par.is_output,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
-        COALESCE(t.name, TYPE_NAME(par.system_type_id)) AS type_name
+        COALESCE(t.name, TYPE_NAME(par.system_type_id)) AS type_name,
+        CASE
+            WHEN t.system_type_id = 243 THEN N'table type'
+            ELSE COALESCE(TYPE_NAME(par.system_type_id), t.name)
+        END AS base_type
     FROM sys.parameters AS par
     INNER JOIN sys.objects AS o ON o.object_id = par.object_id
     INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id

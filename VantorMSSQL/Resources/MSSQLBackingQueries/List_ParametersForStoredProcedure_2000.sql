@@ -12,11 +12,13 @@ SELECT
         ELSE t.name
     END AS parameter_type,
     CONVERT(int, p.colid) AS parameter_id,
-    CONVERT(bit, p.isoutparam) AS is_output
+    CONVERT(bit, p.isoutparam) AS is_output,
+    b.name AS base_type
 FROM dbo.syscolumns AS p
 INNER JOIN dbo.sysobjects AS o ON o.id = p.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
 INNER JOIN dbo.systypes AS t ON t.xusertype = p.xusertype
+LEFT JOIN dbo.systypes AS b ON b.xusertype = p.xtype
 WHERE u.name = N'{SCHEMA}'
     AND o.name = N'{PROCEDURE_NAME}'
     AND o.xtype = 'P'

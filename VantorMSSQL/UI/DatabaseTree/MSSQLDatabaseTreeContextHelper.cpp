@@ -5,6 +5,7 @@ void MSSQLDatabaseTreeContextHelper::addActions()
     addDropActions();
     addExportActions();
     addFederationActions();
+    addProcedureActions();
     addRenameActions();
     addTableActions();
 }

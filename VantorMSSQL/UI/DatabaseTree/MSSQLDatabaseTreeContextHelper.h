@@ -44,6 +44,7 @@ private:
     void addDropActions();
     void addExportActions();
     void addFederationActions();
+    void addProcedureActions();
     void addRenameActions();
     void addTableActions();
 
