@@ -2,12 +2,14 @@
 
 void MSSQLDatabaseTreeContextHelper::addActions()
 {
+    addAgentActions();
     addDropActions();
     addExportActions();
     addFederationActions();
     addProcedureActions();
     addRenameActions();
     addTableActions();
+    addTemplateActions();
 }
 
 void MSSQLDatabaseTreeContextHelper::addAction(const QString &name, Action action)

@@ -41,12 +41,14 @@ public:
     }
 
 private:
+    void addAgentActions();
     void addDropActions();
     void addExportActions();
     void addFederationActions();
     void addProcedureActions();
     void addRenameActions();
     void addTableActions();
+    void addTemplateActions();
 
     KNDatabaseTreeContextHelper &m_helper;
     const std::weak_ptr<KNWorkspace> m_workspace;

@@ -6,7 +6,6 @@
 #include "DatabaseTree/KNDatabaseNotificationTable.h"
 #include "Foundation/KNAssert.h"
 #include "Foundation/KNLogHelper.h"
-#include "Foundation/KNUserDefaults.h"
 #include "Implementations/MSSQLErrorReport.h"
 #include "UI/DatabaseTree/Agent/MSSQLDatabaseTreeEntrySectionAgent.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryDatabase.h"
@@ -18,8 +17,6 @@
 #include <algorithm>
 
 namespace {
-
-const QString AgentEnabledKey = QStringLiteral("MSSQLAgentEnabled");
 
 bool isSystemDatabase(const QString &name)
 {
@@ -99,7 +96,7 @@ QStringList MSSQLDatabaseTreeEntryServer::allDatabaseNames() const
 KNMenu MSSQLDatabaseTreeEntryServer::menu()
 {
     KNMenuItem agent = actionItem("Enable Agent (beta)", "toggleAgentBeta:");
-    agent.isChecked = KNUserDefaults::standardUserDefaults()->boolForKey(AgentEnabledKey);
+    agent.isChecked = MSSQLTreePreferences::isOn(MSSQLTreePreferences::AgentEnabled);
     return {QStringLiteral("Root"),
             {newQueryMenuItem(), KNMenuItem::separator(), actionItem("Connect", "openConnectionDialog:"),
              disconnectMenuItem(), KNMenuItem::separator(), agent, KNMenuItem::separator(),
@@ -182,7 +179,7 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::entriesBesideDatabases(L
     if (MSSQLTreePreferences::isOn(MSSQLTreePreferences::ShowSecurity) &&
         !MSSQLVersionHelper::sharedInstance()->isDBCAzure(settings()))
         entries.push_back(make<MSSQLDatabaseTreeEntrySectionSecurity>(MSSQLPrincipalScope::Server));
-    if (KNUserDefaults::standardUserDefaults()->boolForKey(AgentEnabledKey)) {
+    if (MSSQLTreePreferences::isOn(MSSQLTreePreferences::AgentEnabled)) {
         KNError failure; // ignored: the databases are useful without the agent
         if (Ptr agent = loadAgent(client, &failure))
             entries.push_back(std::move(agent));

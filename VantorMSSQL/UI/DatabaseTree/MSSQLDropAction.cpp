@@ -10,17 +10,6 @@
 
 namespace {
 
-/// Removes the entry unless a reload or a notification has already done so.
-void removeFromTree(const KNDatabaseTreeEntry::Ptr &entry, KNWorkspace &workspace)
-{
-    const KNDatabaseTreeEntry::Ptr parent = entry->parent();
-    const auto children = parent ? parent->childEntries() : nullptr;
-    if (!children || std::find(children->begin(), children->end(), entry) == children->end())
-        return;
-    parent->removeChild(entry);
-    workspace.refreshTreeEntry(parent);
-}
-
 void report(const KNError &error)
 {
     const QString query = QStringLiteral("Query");
@@ -32,6 +21,16 @@ void report(const KNError &error)
 }
 
 } // namespace
+
+void MSSQLDropAction::removeFromTree(const KNDatabaseTreeEntry::Ptr &entry, KNWorkspace &workspace)
+{
+    const KNDatabaseTreeEntry::Ptr parent = entry->parent();
+    const auto children = parent ? parent->childEntries() : nullptr;
+    if (!children || std::find(children->begin(), children->end(), entry) == children->end())
+        return;
+    parent->removeChild(entry);
+    workspace.refreshTreeEntry(parent);
+}
 
 void MSSQLDropAction::begin(KNWorkspace &workspace) const
 {

@@ -17,4 +17,7 @@ struct MSSQLDropAction
 
     /// Shows the preview. After success the entry is removed from the tree and the selection is cleared.
     void begin(KNWorkspace &workspace) const;
+
+    /// Removes the entry of a dropped object unless a reload or a notification has already done so.
+    static void removeFromTree(const KNDatabaseTreeEntry::Ptr &entry, KNWorkspace &workspace);
 };

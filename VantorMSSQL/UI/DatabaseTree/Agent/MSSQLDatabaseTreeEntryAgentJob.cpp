@@ -17,3 +17,8 @@ KNMenu MSSQLDatabaseTreeEntryAgentJob::menu()
             {actionItem("Start job", "startSQLAgentJob:", shared_from_this()),
              actionItem("Stop job", "stopSQLAgentJob:", shared_from_this())}};
 }
+
+KNMenu MSSQLDatabaseTreeEntryAgentJob::additionalMenu()
+{
+    return {{}, {actionItem("Drop job", "confirmDropSQLAgentJob:", shared_from_this())}};
+}

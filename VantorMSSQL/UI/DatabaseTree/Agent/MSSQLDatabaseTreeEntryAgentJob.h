@@ -18,6 +18,9 @@ public:
     QString image() const override { return QStringLiteral("DatabaseTree-AgentJob"); }
     KNMenu menu() override;
 
+protected:
+    KNMenu additionalMenu() override;
+
 private:
     const KNValue m_jobId;
     const QString m_jobName;
