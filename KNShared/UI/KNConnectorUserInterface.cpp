@@ -4,6 +4,12 @@
 
 KNConnectorUserInterface::~KNConnectorUserInterface() = default;
 
+KNMenu KNConnectorUserInterface::editorMenu(const QString &, qsizetype, const VantorDBC &,
+                                            const std::shared_ptr<KNDatabaseTreeContextHelper> &) const
+{
+    return {};
+}
+
 std::unique_ptr<KNDocumentTab> KNConnectorUserInterface::restoreDocument(const KNDocumentState &,
                                                                          KNWorkspace &) const
 {

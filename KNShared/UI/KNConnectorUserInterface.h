@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/VantorDBC.h"
+#include "DatabaseTree/KNMenu.h"
 #include "Import/KNImportColumnAnalysis.h"
 #include "UI/KNConnectorPreferences.h"
 #include "UI/KNSharedUIExport.h"
@@ -33,6 +34,10 @@ public:
     /// Registers the actions of this server kind with the helper of a window's object tree. The helper may
     /// outlive the workspace; the actions then do nothing.
     virtual void addTreeActions(KNDatabaseTreeContextHelper &helper, KNWorkspace &workspace) const = 0;
+    /// The items for the object that a query's text names at a position (UTF-16 units), for the editor's
+    /// context menu. `details` are the query's settings; `target` performs the actions. None by default.
+    virtual KNMenu editorMenu(const QString &text, qsizetype position, const VantorDBC &details,
+                              const std::shared_ptr<KNDatabaseTreeContextHelper> &target) const;
     /// Restores a document of a kind unknown to the host; null, the default, if the connector does not know
     /// the kind or cannot restore the document.
     virtual std::unique_ptr<KNDocumentTab> restoreDocument(const KNDocumentState &state,

@@ -5,6 +5,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeContextHelper.h"
 #include "UI/DatabaseTree/MSSQLTreePreferences.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
+#include "UI/MSSQLEditorMenu.h"
 #include "UI/TableDesigner/MSSQLCreateTableWindowController.h"
 
 ConnectionWindowController *MSSQLUserInterface::createConnectionWindowController(QWidget *parent) const
@@ -28,6 +29,12 @@ MSSQLUserInterface::createTableWindowController(const QList<KNImportColumnAnalys
                                                 QWidget *parent) const
 {
     return new MSSQLCreateTableWindowController(settings, columns, parent);
+}
+
+KNMenu MSSQLUserInterface::editorMenu(const QString &text, qsizetype position, const VantorDBC &details,
+                                      const std::shared_ptr<KNDatabaseTreeContextHelper> &target) const
+{
+    return MSSQLEditorMenu::at(text, position, details, target);
 }
 
 KNConnectorPreferences MSSQLUserInterface::preferences() const

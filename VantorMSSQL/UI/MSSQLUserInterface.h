@@ -17,5 +17,7 @@ public:
     createTableWindowController(const QList<KNImportColumnAnalysis> &columns,
                                 const std::shared_ptr<const VantorDBC> &settings,
                                 QWidget *parent) const override;
+    KNMenu editorMenu(const QString &text, qsizetype position, const VantorDBC &details,
+                      const std::shared_ptr<KNDatabaseTreeContextHelper> &target) const override;
     KNConnectorPreferences preferences() const override;
 };

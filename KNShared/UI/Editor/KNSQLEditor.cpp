@@ -5,8 +5,10 @@
 #include "UI/KNPreferences.h"
 
 #include <QAction>
+#include <QContextMenuEvent>
 #include <QInputDialog>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QShortcut>
 
 #include <algorithm>
@@ -316,6 +318,17 @@ void KNSQLEditor::askForLine()
 void KNSQLEditor::resetZoom()
 {
     zoomTo(0);
+}
+
+void KNSQLEditor::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu *const menu = createStandardContextMenu();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const long position = isByKey ? SendScintilla(SCI_GETCURRENTPOS)
+                                  : SendScintilla(SCI_POSITIONFROMPOINT, event->pos().x(), event->pos().y());
+    Q_EMIT contextMenuAboutToShow(menu, locationOf(static_cast<int>(position)));
+    menu->popup(event->globalPos());
 }
 
 bool KNSQLEditor::event(QEvent *event)

@@ -7,6 +7,7 @@
 #include "UI/KNSharedUIExport.h"
 
 class KNSQLLexer;
+class QMenu;
 
 /// An SQL editor: syntax colours, folding, line numbers, brace matching, comment toggling, multiple cursors,
 /// and an error marker. Font and tab width are the user's preferences; colours follow the palette. Positions
@@ -72,7 +73,12 @@ public Q_SLOTS:
     void askForLine();
     void resetZoom();
 
+Q_SIGNALS:
+    /// The context menu is about to be shown for the text at this position.
+    void contextMenuAboutToShow(QMenu *menu, qsizetype location);
+
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override;
     bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

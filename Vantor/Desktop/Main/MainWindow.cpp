@@ -10,6 +10,7 @@
 #include "Desktop/Main/StatusLine.h"
 #include "Desktop/Preferences/PreferencesDialog.h"
 #include "Desktop/Preferences/ShortcutsDialog.h"
+#include "Desktop/Query/EditorMenu.h"
 #include "Desktop/Query/QueryDocument.h"
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
@@ -23,6 +24,7 @@
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/Alerts/KNUserNotifications.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
+#include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNConnectorUserInterface.h"
 #include "UI/KNPreferences.h"
 
@@ -193,6 +195,8 @@ void MainWindow::connectQuery(QueryTab *tab)
 {
     connect(tab, &QueryTab::runFinished, this,
             [this](const QueryHistoryEntry &entry) { m_history.add(entry); });
+    if (m_connector)
+        connectEditorMenu(*tab, *this, *m_connector, m_treeActions->helper());
 }
 
 void MainWindow::adoptDocument(KNDocumentTab *document, int index)
@@ -206,6 +210,7 @@ void MainWindow::adoptDocument(KNDocumentTab *document, int index)
         currentDocument() && currentDocument()->isUnused() ? currentDocument() : nullptr;
     source->m_tabs->takeDocument(query);
     query->disconnect(source);
+    query->editor()->disconnect(source);
     connectQuery(query);
     m_tabs->insertDocument(index, query);
     showDocument(query);
