@@ -51,6 +51,11 @@ std::unique_ptr<KNDatabaseImportHelper> VantorDBC::createDatabaseImportHelper() 
     return nullptr;
 }
 
+std::shared_ptr<KNDatabaseScripter> VantorDBC::createDatabaseScripter() const
+{
+    return nullptr;
+}
+
 std::unique_ptr<KNTableDesign> VantorDBC::createTableDesign(const QString &, KNError *error) const
 {
     *error = KNTableDesign::refused(QStringLiteral("Tables of this kind of server cannot be designed."));

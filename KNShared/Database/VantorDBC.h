@@ -13,6 +13,7 @@
 class DatabaseTreeEntryServerRoot;
 class KNAutocompleteHelper;
 class KNDatabaseImportHelper;
+class KNDatabaseScripter;
 class KNError;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
@@ -91,6 +92,9 @@ public:
     /// Returns the helper for imports into the database of these settings; null, the default, if the server
     /// kind has none.
     virtual std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const;
+    /// Returns what makes scripts of the database of these settings; null, the default, if the server kind
+    /// has none.
+    virtual std::shared_ptr<KNDatabaseScripter> createDatabaseScripter() const;
     /// Quotes the name of a table or column if the server's language requires it; "name" by default.
     virtual QString quotedName(const QString &name) const;
     /// Returns a literal of the server's language for a value, without loss where the language allows;

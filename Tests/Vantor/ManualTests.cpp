@@ -39,8 +39,8 @@ QSet<QString> optionsInManual(const char *page)
 QSet<QString> optionsOfTerminalProgram()
 {
     QSet<QString> options = {QStringLiteral("--help"), QStringLiteral("--version")};
-    for (const char *const command : {"query", "tree", "menu", "script", "design", "import", "catalog",
-                                      "split", "complete", "parse", "format"}) {
+    for (const char *const command : {"query", "tree", "menu", "script", "design", "import", "export",
+                                      "catalog", "split", "complete", "parse", "format"}) {
         Program program({QString::fromLatin1(command), QStringLiteral("--help")});
         options |= optionsIn(QString::fromUtf8(program.wait().output));
     }

@@ -216,6 +216,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_MembersForAutocomplete"), {}},
         {QStringLiteral("List_ForeignKeysForAutocomplete"), {}},
         {QStringLiteral("List_ExportableDatabaseEntries"), {}},
+        {QStringLiteral("List_ObjectDependencies"), {}},
         {QStringLiteral("List_DependentsOfTable"), ofTable},
         {QStringLiteral("List_TableRowCounts"), {}},
         {QStringLiteral("List_Schemas"), {}},

@@ -2,6 +2,7 @@
 #include "CommandLine/CompleteCommand.h"
 #include "CommandLine/DesignCommand.h"
 #include "CommandLine/ExitStatus.h"
+#include "CommandLine/ExportCommand.h"
 #include "CommandLine/FormatCommand.h"
 #include "CommandLine/ImportCommand.h"
 #include "CommandLine/ParseCommand.h"
@@ -35,6 +36,7 @@ const char HelpText[] = "Usage: vantor-cli COMMAND [OPTIONS]\n"
                         "  script   print a script of an object: CREATE, ALTER, DROP, MySQL, ...\n"
                         "  design   print or run the script that changes a column of a table\n"
                         "  import   import a file into a table\n"
+                        "  export   write the script of a database, with its rows if wanted\n"
                         "  split    print the batches of a script as JSON\n"
                         "  parse    check the syntax of a script without running it\n"
                         "  format   print a script with new line breaks and indentation\n"
@@ -52,7 +54,7 @@ constexpr Command Commands[] = {
     {"query", runQueryCommand},   {"catalog", runCatalogCommand}, {"tree", runTreeCommand},
     {"menu", runMenuCommand},     {"script", runScriptCommand},   {"design", runDesignCommand},
     {"import", runImportCommand}, {"split", runSplitCommand},     {"complete", runCompleteCommand},
-    {"parse", runParseCommand},   {"format", runFormatCommand},
+    {"parse", runParseCommand},   {"format", runFormatCommand},   {"export", runExportCommand},
 };
 
 /// Null if there is no such command.

@@ -88,6 +88,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("List_MembersForAutocomplete"),
         trial("List_ForeignKeysForAutocomplete"),
         trial("List_ExportableDatabaseEntries"),
+        trial("List_ObjectDependencies"),
         trial("List_SearchableDatabaseEntries"),
         trial("List_SearchableDatabaseEntries_Azure"),
         trial("List_TablesAndColumnsForImport"),

@@ -79,6 +79,7 @@ public:
     std::unique_ptr<KNTableDesign> createTableDesign(const QString &path, KNError *error) const override;
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
     std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const override;
+    std::shared_ptr<KNDatabaseScripter> createDatabaseScripter() const override;
     QString startProtocolTrace() const override;
     QStringList riskyStatements(const QString &batch) const override;
     KNSyntaxCheckRules syntaxCheckRules() const override;

@@ -4,6 +4,7 @@
 #include "Autocomplete/MSSQLAutocompleteHelper.h"
 #include "Catalog/MSSQLSystemDatabaseQueries.h"
 #include "Database/KNSyntaxCheck.h"
+#include "Export/MSSQLDatabaseScripter.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLQuerySplitter.h"
@@ -56,6 +57,11 @@ MSSQLDatabaseConnectionDetails::createResultSetViewControllerHelper() const
 std::unique_ptr<KNDatabaseImportHelper> MSSQLDatabaseConnectionDetails::createDatabaseImportHelper() const
 {
     return std::make_unique<MSSQLDatabaseImportHelper>(*this);
+}
+
+std::shared_ptr<KNDatabaseScripter> MSSQLDatabaseConnectionDetails::createDatabaseScripter() const
+{
+    return std::make_shared<MSSQLDatabaseScripter>(*this);
 }
 
 QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const

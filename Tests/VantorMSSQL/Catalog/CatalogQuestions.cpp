@@ -133,13 +133,11 @@ QList<CatalogQuestion> moduleQuestions()
 
 QList<CatalogQuestion> databaseQuestions()
 {
-    QList<CatalogQuestion> questions{question("List_EntriesForAutocomplete"),
-                                     question("List_ObjectsForAutocomplete"),
-                                     question("List_MembersForAutocomplete"),
-                                     question("List_ForeignKeysForAutocomplete"),
-                                     question("List_ExportableDatabaseEntries"),
-                                     question("List_TablesAndColumnsForImport"),
-                                     question("Script_TableSizes")};
+    QList<CatalogQuestion> questions{
+        question("List_EntriesForAutocomplete"),    question("List_ObjectsForAutocomplete"),
+        question("List_MembersForAutocomplete"),    question("List_ForeignKeysForAutocomplete"),
+        question("List_ExportableDatabaseEntries"), question("List_ObjectDependencies"),
+        question("List_TablesAndColumnsForImport"), question("Script_TableSizes")};
     for (CatalogQuestion &question : questions)
         question.database = QStringLiteral("library");
     return questions;

@@ -8,6 +8,7 @@ void MSSQLDatabaseTreeContextHelper::addActions()
     addFederationActions();
     addProcedureActions();
     addRenameActions();
+    addScriptActions();
     addTableActions();
     addTemplateActions();
 }

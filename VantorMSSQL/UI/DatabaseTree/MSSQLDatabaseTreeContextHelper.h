@@ -47,6 +47,7 @@ private:
     void addFederationActions();
     void addProcedureActions();
     void addRenameActions();
+    void addScriptActions();
     void addTableActions();
     void addTemplateActions();
 

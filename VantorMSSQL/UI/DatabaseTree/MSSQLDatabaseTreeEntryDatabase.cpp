@@ -135,6 +135,13 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabase::createScriptAsMenu() const
                  script("List connections", "Script_ListConnections")}});
 }
 
+KNMenu MSSQLDatabaseTreeEntryDatabase::additionalMenu()
+{
+    const QString title = QStringLiteral("Script");
+    const KNMenuItem generate = actionItem("Generate Scripts…", "generateScripts:", shared_from_this());
+    return {{}, {KNMenuItem::withSubmenu(title, {title, {generate}})}};
+}
+
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabase::propertiesLoader() const
 {
     return MSSQLObjectProperties::loader(databaseConnectionDetails(), "Properties_Database");

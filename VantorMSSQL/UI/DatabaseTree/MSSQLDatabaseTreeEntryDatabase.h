@@ -27,6 +27,7 @@ public:
     Ptr copyWithSearchResults(const QString &text) override;
 
 protected:
+    KNMenu additionalMenu() override;
     void willBeginLoading() override;
     std::optional<List> loadEntries(KNError *error) override;
 

@@ -110,10 +110,16 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::additionalMenu()
     const auto script = [&](Statement statement) {
         return std::make_shared<MSSQLScriptStatementQueryLoader>(statement, m_schema, m_tableName);
     };
-    return {{},
-            {scriptAsMenuItem({{"SELECT to", script(Statement::Select)},
-                               {"INSERT to", script(Statement::Insert)},
-                               {"UPDATE to", script(Statement::Update)}})}};
+    KNMenu additional{{},
+                      {scriptAsMenuItem({{"SELECT to", script(Statement::Select)},
+                                         {"INSERT to", script(Statement::Insert)},
+                                         {"UPDATE to", script(Statement::Update)}})}};
+    if (!m_isView) {
+        const QString title = QStringLiteral("Export");
+        const KNMenuItem generate = actionItem("Generate Scripts…", "generateScripts:", shared_from_this());
+        additional.items.push_back(KNMenuItem::withSubmenu(title, {title, {generate}}));
+    }
+    return additional;
 }
 
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryDatabaseTable::propertiesLoader() const

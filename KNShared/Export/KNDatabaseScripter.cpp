@@ -1,0 +1,3 @@
+#include "Export/KNDatabaseScripter.h"
+
+KNDatabaseScripter::~KNDatabaseScripter() = default;

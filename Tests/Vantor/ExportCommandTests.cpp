@@ -1,0 +1,143 @@
+#include "Vantor/Program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString utf16(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+/// vantor-cli export of the sample databases.
+class ExportCommand : public testing::Test
+{
+protected:
+    static Outcome runIn(const char *database, const QStringList &arguments)
+    {
+        return Program(QStringList{arguments.first(), utf16("--server"),
+                                   utf16("127.0.0.1,%1").arg(SampleServerFixture::shared().port()),
+                                   utf16("--user"), utf16("sa"), utf16("--database"), utf16(database)} +
+                       arguments.mid(1))
+            .wait();
+    }
+    static Outcome exported(const char *database, std::initializer_list<const char *> arguments)
+    {
+        QStringList words{utf16("export")};
+        for (const char *const argument : arguments)
+            words.append(utf16(argument));
+        return runIn(database, words);
+    }
+    static QByteArray query(const char *database, const char *sql)
+    {
+        const Outcome outcome =
+            runIn(database, {utf16("query"), utf16("--format"), utf16("csv"), utf16(sql)});
+        EXPECT_EQ(outcome.status, 0) << sql << "\n" << outcome.errors.toStdString();
+        return outcome.output;
+    }
+    QString write(const QByteArray &content) const
+    {
+        QFile file(folder.filePath(utf16("script.sql")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(content), content.size());
+        return file.fileName();
+    }
+    static QByteArray content(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(ExportCommand, ComesBackAsTheSameScriptAndTheSameRows)
+{
+    const Outcome first = exported("library", {"--data"});
+    ASSERT_EQ(first.status, 0) << first.errors.toStdString();
+    EXPECT_TRUE(first.output.contains("INSERT INTO [dbo].[Books] ("));
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
+    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(first.output)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    const Outcome second = exported("copied", {"--data"});
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(second.output, first.output);
+    for (const char *const rows :
+         {"SELECT * FROM dbo.Authors ORDER BY 1", "SELECT * FROM dbo.Books ORDER BY 1",
+          "SELECT * FROM dbo.Loans ORDER BY 1"})
+        EXPECT_EQ(query("copied", rows), query("library", rows)) << rows;
+}
+
+TEST_F(ExportCommand, WritesForeignKeysBehindAllRows)
+{
+    const QByteArray script = exported("shop", {"--data"}).output;
+    const qsizetype lastRow = script.lastIndexOf("INSERT INTO [");
+    const qsizetype firstKey = script.indexOf("FOREIGN KEY (");
+    ASSERT_GT(lastRow, 0);
+    ASSERT_GT(firstKey, 0);
+    EXPECT_LT(lastRow, firstKey);
+}
+
+TEST_F(ExportCommand, WritesOnlyTheTablesThatAreNamed)
+{
+    const Outcome outcome = exported("library", {"--tables", "books,dbo.Authors"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.contains("CREATE TABLE [dbo].[Books] ("));
+    EXPECT_TRUE(outcome.output.contains("CREATE TABLE [dbo].[Authors] ("));
+    EXPECT_FALSE(outcome.output.contains("CREATE TABLE [dbo].[Loans] ("));
+    EXPECT_FALSE(outcome.output.contains("INSERT INTO"));
+    const Outcome missing = exported("library", {"--tables", "nothing"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(missing.errors.contains("There is no table \"nothing\"."));
+    EXPECT_TRUE(missing.output.isEmpty());
+}
+
+TEST_F(ExportCommand, WritesTheTablesForMySQL)
+{
+    const QByteArray script = exported("library", {"--data", "--mysql"}).output;
+    EXPECT_TRUE(script.contains("CREATE TABLE `Books` ("));
+    EXPECT_TRUE(script.contains("INSERT INTO `Books` VALUES ("));
+}
+
+TEST_F(ExportCommand, ReplacesAFileOrFillsAFolder)
+{
+    const QString file = write("old");
+    EXPECT_EQ(exported("library", {"--to", qPrintable(file)}).status, 0);
+    EXPECT_TRUE(content(file).contains("CREATE TABLE [dbo].[Books] ("));
+    const QString target = folder.filePath(utf16("scripts/"));
+    EXPECT_EQ(exported("library", {"--to", qPrintable(target)}).status, 0);
+    EXPECT_TRUE(content(target + utf16("dbo.Books.sql")).contains("CREATE TABLE [dbo].[Books] ("));
+    EXPECT_TRUE(content(target + utf16("_run_all.sql")).contains(":r \"dbo.Books.sql\"\r\n"));
+}
+
+TEST_F(ExportCommand, AFullDeviceIsAnError)
+{
+    const Outcome outcome = exported("library", {"--data", "--to", "/dev/full"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.errors.contains("/dev/full")) << outcome.errors.toStdString();
+}
+
+TEST_F(ExportCommand, RefusesOptionsThatContradict)
+{
+    EXPECT_EQ(exported("library", {"--drop", "--data-only"}).status, 2);
+    EXPECT_EQ(exported("library", {"a", "b"}).status, 2);
+    EXPECT_EQ(exported("library", {"--help"}).status, 0);
+}
+
+TEST_F(ExportCommand, RunsTwiceWithDropsOrConditions)
+{
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
+    for (const char *const option : {"--if-not-exists", "--drop"}) {
+        const QByteArray script = exported("library", {option}).output;
+        for (int run = 0; run < 2; ++run) {
+            const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+            EXPECT_EQ(loaded.status, 0) << option << loaded.errors.toStdString();
+        }
+    }
+}

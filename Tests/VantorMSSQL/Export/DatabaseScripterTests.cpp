@@ -1,0 +1,254 @@
+#include "Export/MSSQLDatabaseScripter.h"
+
+#include "Export/KNScriptExport.h"
+#include "Export/MSSQLScriptConditions.h"
+#include "Support/FakeCatalog.h"
+#include "Support/TreeTesting.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+using BatchKind = MSSQLScriptBatches::Kind;
+
+KNScriptObject scriptObject(const char *kind, const char *name)
+{
+    return {QString::fromLatin1(kind), QStringLiteral("dbo"), QString::fromUtf8(name),
+            QByteArray(kind) == "USER_TABLE"};
+}
+
+QStringList namesOf(const QList<KNScriptObject> &objects)
+{
+    QStringList names;
+    for (const KNScriptObject &object : objects)
+        names.append(object.name);
+    return names;
+}
+
+/// The names in the order of a script in which each "a>b" of the dependencies makes a need b.
+QStringList orderOf(const QList<KNScriptObject> &objects, std::initializer_list<const char *> dependencies)
+{
+    QMultiHash<QString, QString> named;
+    for (const char *const dependency : dependencies) {
+        const QStringList pair = QString::fromLatin1(dependency).split(QLatin1Char('>'));
+        named.insert(QStringLiteral("dbo.") + pair[0], QStringLiteral("dbo.") + pair[1]);
+    }
+    return namesOf(MSSQLDatabaseScripter::ordered(objects, named));
+}
+
+} // namespace
+
+TEST(ScriptOrder, PutsTypesTablesFunctionsViewsAndProceduresInThisOrder)
+{
+    EXPECT_EQ(orderOf({scriptObject("SQL_STORED_PROCEDURE", "p"), scriptObject("VIEW", "v"),
+                       scriptObject("SQL_SCALAR_FUNCTION", "f"), scriptObject("USER_TABLE", "t"),
+                       scriptObject("TYPE", "y")},
+                      {}),
+              TreeTesting::list({"y", "t", "f", "v", "p"}));
+}
+
+TEST(ScriptOrder, PutsAnObjectBehindThoseItNames)
+{
+    EXPECT_EQ(orderOf({scriptObject("USER_TABLE", "t"), scriptObject("SQL_SCALAR_FUNCTION", "f"),
+                       scriptObject("VIEW", "a"), scriptObject("VIEW", "b")},
+                      {"t>f", "a>b", "b>t", "a>missing"}),
+              TreeTesting::list({"f", "t", "b", "a"}));
+}
+
+TEST(ScriptOrder, KeepsEveryObjectOfACycle)
+{
+    EXPECT_EQ(orderOf({scriptObject("VIEW", "a"), scriptObject("VIEW", "b"), scriptObject("VIEW", "c")},
+                      {"a>b", "b>c", "c>a", "a>a"}),
+              TreeTesting::list({"c", "b", "a"}));
+}
+
+TEST(ScriptOrder, HasNoDeepRecursion)
+{
+    QList<KNScriptObject> objects;
+    QMultiHash<QString, QString> named;
+    constexpr int Many = 50000;
+    for (int i = 0; i < Many; ++i) {
+        objects.append(scriptObject("VIEW", qPrintable(QString::number(i))));
+        named.insert(QStringLiteral("dbo.%1").arg(i), QStringLiteral("dbo.%1").arg(i + 1));
+    }
+    const auto ordered = MSSQLDatabaseScripter::ordered(objects, named);
+    ASSERT_EQ(ordered.size(), Many);
+    EXPECT_EQ(ordered.first().name, QString::number(Many - 1));
+}
+
+TEST(ScriptBatches, AreKnownByWhatTheyMake)
+{
+    const MSSQLScriptBatches batches(QStringLiteral(
+        "SET ANSI_NULLS ON\r\nGO\r\nCREATE TABLE [a].[t] (\r\n\t[i] int, INDEX x (i)\r\n)\r\nGO\r\n"
+        "/* c */ CREATE UNIQUE CLUSTERED INDEX [i]]x] ON [a].[t] ([i])\r\nGO\r\n"
+        "ALTER TABLE [a].[t] WITH CHECK ADD CONSTRAINT [FK_t] FOREIGN KEY ([i]) REFERENCES [a].[u] "
+        "([i])\r\nGO\r\n"
+        "ALTER TABLE [a].[t] CHECK CONSTRAINT [FK_t]\r\nGO\r\n"
+        "ALTER TABLE [a].[t] ADD CONSTRAINT [CK_t] CHECK ([i] > 0)\r\nGO\r\n"
+        "SET QUOTED_IDENTIFIER ON\r\nGO\r\nCREATE TRIGGER [a].[tr] ON [a].[t] FOR INSERT AS SELECT "
+        "1\r\nGO\r\n"
+        "DISABLE TRIGGER [a].[tr] ON [a].[t]\r\nGO\r\n"
+        "ALTER INDEX [i] ON [a].[t] DISABLE\r\nGO\r\n"));
+    const auto &all = batches.all();
+    ASSERT_EQ(all.size(), 8);
+    const QList<std::pair<BatchKind, const char *>> expected = {
+        {BatchKind::Object, ""},     {BatchKind::Index, "i]x"}, {BatchKind::ForeignKey, "FK_t"},
+        {BatchKind::ForeignKey, ""}, {BatchKind::Object, ""},   {BatchKind::Trigger, "tr"},
+        {BatchKind::Trigger, ""},    {BatchKind::Index, ""}};
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(all[i].kind, expected[i].first) << i;
+        EXPECT_EQ(all[i].name, QString::fromLatin1(expected[i].second)) << i;
+    }
+    EXPECT_TRUE(all[0].script().startsWith(QStringLiteral("SET ANSI_NULLS ON\r\nGO\r\nCREATE TABLE")));
+    EXPECT_EQ(all[5].settings, QStringLiteral("SET QUOTED_IDENTIFIER ON\r\nGO\r\n"));
+}
+
+TEST(ScriptConditions, LookForTheObjectFirst)
+{
+    KNScriptOptions options;
+    options.ifNotExists = true;
+    const KNScriptObject table = scriptObject("USER_TABLE", "it's");
+    const MSSQLScriptBatches batches(QStringLiteral("CREATE TABLE [dbo].[it's] (i int)\r\nGO\r\n"));
+    EXPECT_EQ(MSSQLScriptConditions(options).script(table, batches.all().first()),
+              QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NULL\r\n"
+                             "\tEXEC(N'CREATE TABLE [dbo].[it''s] (i int)')\r\nGO\r\n"));
+    EXPECT_EQ(
+        MSSQLScriptConditions::drop(table),
+        QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NOT NULL\r\n\tDROP TABLE [dbo].[it's]\r\nGO\r\n"));
+    EXPECT_EQ(MSSQLScriptConditions::drop(scriptObject("TYPE", "y")),
+              QStringLiteral("IF TYPE_ID(N'[dbo].[y]') IS NOT NULL\r\n\tDROP TYPE [dbo].[y]\r\nGO\r\n"));
+    EXPECT_EQ(MSSQLScriptConditions::createSchema(QStringLiteral("s]")),
+              QStringLiteral("IF SCHEMA_ID(N's]') IS NULL\r\n\tEXEC(N'CREATE SCHEMA [s]]]')\r\nGO\r\n"));
+}
+
+namespace {
+
+/// A database that exists in the test only: a table with rows and a view.
+class Scripting : public testing::Test
+{
+protected:
+    Scripting()
+    {
+        server->answer("List_ExportableDatabaseEntries", {{"dbo.a/b", "dbo", "a/b", "USER_TABLE"},
+                                                          {"dbo.a/b_trigger", "dbo", "x", "SQL_TRIGGER"}});
+        server->answer(
+            "Table_CreationQuery",
+            {{"CREATE TABLE [dbo].[a/b] (\r\n\t[id] int IDENTITY\r\n)\r\nGO\r\nALTER TABLE [dbo].[a/b] ADD "
+              "CONSTRAINT [FK] FOREIGN KEY ([id]) REFERENCES [dbo].[a/b] ([id])\r\nGO\r\n"}});
+        server->answer("ColumnsForTable", {{"id", "int", nullptr, nullptr, nullptr, 0, 1, nullptr, 1},
+                                           {"name", "nvarchar", 20}});
+    }
+    ~Scripting() override { EXPECT_TRUE(TreeTesting::settle()); }
+
+    KNError run(const QString &target, bool isFolder = false)
+    {
+        MSSQLDatabaseScripter scripter(*server->settings());
+        KNError error;
+        KNScriptExport scripts;
+        scripts.objects = scripter.objects(&error);
+        scripts.options = options;
+        scripts.target = target;
+        scripts.isFolder = isFolder;
+        return error ? error : scripts.run(scripter, {}, [this] { return isCancelled; });
+    }
+    static QString content(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+
+    const std::shared_ptr<FakeCatalog::Server> server = FakeCatalog::Server::create();
+    QTemporaryDir folder;
+    KNScriptOptions options;
+    bool isCancelled = false;
+};
+
+} // namespace
+
+TEST_F(Scripting, WritesForeignKeysBehindTheRows)
+{
+    options.data = true;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    const KNError error = run(path);
+    EXPECT_FALSE(error) << error.localizedDescription().toStdString();
+    const QString script = content(path);
+    EXPECT_TRUE(script.startsWith(QStringLiteral("CREATE TABLE [dbo].[a/b] ("))) << script.toStdString();
+    EXPECT_TRUE(script.endsWith(QStringLiteral("REFERENCES [dbo].[a/b] ([id])\r\nGO\r\n")))
+        << script.toStdString();
+}
+
+TEST_F(Scripting, LeavesOutForeignKeysIfTheOptionsDo)
+{
+    options.constraints = false;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    EXPECT_EQ(content(path),
+              QStringLiteral("CREATE TABLE [dbo].[a/b] (\r\n\t[id] int IDENTITY\r\n)\r\nGO\r\n"));
+}
+
+TEST_F(Scripting, NamesAtItsHeadWhatItLeavesOut)
+{
+    server->answer(QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
+                   [](const QString &sql, KNError *) -> FakeCatalog::Rows {
+                       return sql.contains(QStringLiteral("is_table_type = 1"))
+                                  ? FakeCatalog::Rows{{"sales", "Line\nList"}}
+                                  : FakeCatalog::Rows{};
+                   });
+    options.drops = true;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    const QString script = content(path);
+    EXPECT_TRUE(script.startsWith(QStringLiteral("-- Not scripted: table type sales.Line")))
+        << script.toStdString();
+    EXPECT_FALSE(script.section(QStringLiteral("\r\n"), 0, 0).contains(QLatin1Char('\n')));
+    EXPECT_FALSE(script.contains(QStringLiteral("DROP TYPE")));
+}
+
+TEST_F(Scripting, DropsForeignKeysBeforeTables)
+{
+    options.drops = true;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(content(path).startsWith(QStringLiteral(
+        "IF OBJECT_ID(N'[dbo].[FK]') IS NOT NULL\r\n\tALTER TABLE [dbo].[a/b] DROP CONSTRAINT "
+        "[FK]\r\nGO\r\nIF OBJECT_ID(N'[dbo].[a/b]') IS NOT NULL\r\n\tDROP TABLE [dbo].[a/b]\r\nGO\r\n")))
+        << content(path).toStdString();
+}
+
+TEST_F(Scripting, WritesAFileForEachObjectAndOneThatRunsThem)
+{
+    const QString path = folder.filePath(QStringLiteral("scripts"));
+    EXPECT_FALSE(run(path, true));
+    EXPECT_EQ(QDir(path).entryList(QDir::Files),
+              TreeTesting::list({"_run_all.sql", "dbo.a%002fb.ForeignKeys.sql", "dbo.a%002fb.sql"}));
+    EXPECT_EQ(content(path + QStringLiteral("/_run_all.sql")),
+              QStringLiteral(":r \"dbo.a%002fb.sql\"\r\n:r \"dbo.a%002fb.ForeignKeys.sql\"\r\n"));
+}
+
+TEST_F(Scripting, LeavesTheOldFileAfterAFailureOrACancellation)
+{
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    QFile old(path);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("old");
+    old.close();
+    isCancelled = true;
+    EXPECT_FALSE(run(path));
+    EXPECT_EQ(content(path), QStringLiteral("old"));
+    isCancelled = false;
+    server->fail("List_ObjectDependencies", KNError(QStringLiteral("SQLClient"), 229, QStringLiteral("No.")));
+    EXPECT_EQ(run(path).code(), 229);
+    EXPECT_EQ(content(path), QStringLiteral("old"));
+}
+
+TEST(ScriptFileNames, AreSafeAndDiffer)
+{
+    EXPECT_EQ(KNScriptExport::fileNameFor(QStringLiteral("dbo.Orders")), QStringLiteral("dbo.Orders.sql"));
+    EXPECT_EQ(KNScriptExport::fileNameFor(QStringLiteral("../etc/passwd")),
+              QStringLiteral("..%002fetc%002fpasswd.sql"));
+    EXPECT_NE(KNScriptExport::fileNameFor(QStringLiteral("a%b")),
+              KNScriptExport::fileNameFor(QStringLiteral("a/b")));
+}

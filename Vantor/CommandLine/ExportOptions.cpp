@@ -1,0 +1,123 @@
+#include "CommandLine/ExportOptions.h"
+
+#include "Foundation/KNFormat.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+QString exportText(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+KNError exportProblem(const QString &text)
+{
+    return KNError(QStringLiteral("com.quorvex.vantor.cli"), 0, text);
+}
+
+void addExportOptions(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        exportText("Writes the script of a database, in an order in which it can run."));
+    ConnectionOptions::addTo(parser);
+    parser.addOptions({
+        {exportText("tables"), exportText("Only these tables, separated by commas."),
+         exportText("[schema.]table,...")},
+        {exportText("data"), exportText("Write the rows of the tables, too.")},
+        {exportText("data-only"), exportText("Write only the rows of the tables.")},
+        {exportText("drop"), exportText("Drop existing objects first.")},
+        {exportText("if-not-exists"), exportText("Create only what does not exist.")},
+        {exportText("mysql"), exportText("Write the tables for MySQL.")},
+        {exportText("to"),
+         exportText(
+             "The file; or a folder, with a slash at its end, for one file for each object. By default "
+             "standard output."),
+         exportText("path")},
+        {{exportText("h"), exportText("help")}, exportText("Show this help.")},
+    });
+    parser.addPositionalArgument(exportText("DATABASE"),
+                                 exportText("The database; by default that of --database."),
+                                 exportText("[DATABASE]"));
+}
+
+bool matches(const KNScriptObject &table, const QString &entered)
+{
+    return entered.compare(table.displayName(), Qt::CaseInsensitive) == 0 ||
+           entered.compare(table.name, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+std::optional<ExportOptions> ExportOptions::parse(const QStringList &arguments, KNError *error)
+{
+    QCommandLineParser parser;
+    addExportOptions(parser);
+    *error = KNError();
+    ExportOptions options;
+    if (!parser.parse(QStringList{exportText("vantor-cli export")} + arguments))
+        *error = exportProblem(parser.errorText());
+    options.showHelp = !*error && parser.isSet(exportText("help"));
+    if (*error || options.showHelp)
+        return *error ? std::nullopt : std::optional(options);
+    const auto connection = ConnectionOptions::from(parser, error);
+    if (!connection)
+        return std::nullopt;
+    options.connection = *connection;
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() == 1)
+        options.connection.database = positional.first();
+    options.tables = parser.value(exportText("tables")).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    options.scripts.data = parser.isSet(exportText("data")) || parser.isSet(exportText("data-only"));
+    options.scripts.schema = !parser.isSet(exportText("data-only"));
+    options.scripts.drops = parser.isSet(exportText("drop"));
+    options.scripts.ifNotExists = parser.isSet(exportText("if-not-exists"));
+    if (parser.isSet(exportText("mysql")))
+        options.scripts.language = KNScriptOptions::Language::MySQL;
+    if (parser.isSet(exportText("to")))
+        options.target = parser.value(exportText("to"));
+    options.isFolder = options.target.endsWith(QLatin1Char('/')) || QFileInfo(options.target).isDir();
+    if (positional.size() > 1)
+        *error = exportProblem(exportText("Only one database can be exported."));
+    else if (!options.connection.namesServer())
+        *error = exportProblem(exportText("--server or --sample is missing."));
+    else if (options.connection.database.isEmpty())
+        *error = exportProblem(exportText("The database is missing."));
+    else if (options.scripts.drops && !options.scripts.schema)
+        *error = exportProblem(exportText("--drop and --data-only exclude each other."));
+    return *error ? std::nullopt : std::optional(options);
+}
+
+QString ExportOptions::helpText()
+{
+    QCommandLineParser parser;
+    addExportOptions(parser);
+    return parser.helpText() + ConnectionOptions::helpText();
+}
+
+QList<KNScriptObject> ExportOptions::chosen(const QList<KNScriptObject> &objects, KNError *error) const
+{
+    *error = KNError();
+    if (tables.isEmpty())
+        return objects;
+    QList<KNScriptObject> chosen;
+    for (const QString &entered : tables) {
+        QList<KNScriptObject> found;
+        std::copy_if(objects.begin(), objects.end(), std::back_inserter(found),
+                     [&](const KNScriptObject &object) {
+                         return object.hasRows && matches(object, entered.trimmed());
+                     });
+        if (found.size() != 1) {
+            *error = exportProblem(found.isEmpty() ? KNFormat("There is no table \"%@\".", entered)
+                                                   : KNFormat("%ld tables are named \"%@\": name the schema.",
+                                                              found.size(), entered));
+            return {};
+        }
+        if (!chosen.contains(found.first()))
+            chosen.append(found.first());
+    }
+    return chosen;
+}

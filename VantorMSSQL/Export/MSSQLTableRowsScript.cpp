@@ -1,0 +1,133 @@
+#include "Export/MSSQLTableRowsScript.h"
+
+#include "Export/DeviceWriter.h"
+#include "Export/ResultStream.h"
+#include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr auto RowsDomain = "mssql.export.rows";
+using MSSQLObjectPath::bracketed;
+
+/// Types whose values only CAST makes of bytes.
+bool isClrType(const MSSQLColumnRecord &column)
+{
+    return column.typeName.contains(QLatin1String("hierarchyid")) ||
+           column.typeName.contains(QLatin1String("geometry")) ||
+           column.typeName.contains(QLatin1String("geography"));
+}
+
+/// The expression that reads a column so that its literals do not change the value.
+QString selected(const MSSQLColumnRecord &column)
+{
+    const QString name = bracketed(column.columnName);
+    if (isClrType(column))
+        return KNFormat("CAST(%@ AS varbinary(max)) AS %@", name, name);
+    if (column.typeName == QLatin1String("sql_variant"))
+        return KNFormat("CAST(%@ AS nvarchar(4000)) AS %@", name, name);
+    return name;
+}
+
+/// Writes rows as statements of one table.
+class InsertStatements : public DeviceWriter
+{
+public:
+    InsertStatements(QIODevice &device, const QString &path, const QList<MSSQLColumnRecord> &columns)
+        : DeviceWriter(device)
+        , m_path(path.toUtf8())
+    {
+        QStringList names;
+        for (const MSSQLColumnRecord &column : columns) {
+            names.append(bracketed(column.columnName));
+            m_hasIdentity = m_hasIdentity || column.isIdentity;
+            m_casts.append(isClrType(column) ? KNFormat(" AS %@)", column.typeName).toUtf8() : QByteArray());
+        }
+        m_head = "INSERT INTO " + m_path + " (" + names.join(QLatin1String(", ")).toUtf8() + ") VALUES\r\n";
+    }
+
+    void beginResult(const QStringList &) override {}
+    void writeRow(Cells cells) override
+    {
+        if (m_count == 0)
+            switchIdentity("ON");
+        const bool isFirst = m_count % MSSQLTableRowsScript::RowsPerStatement == 0;
+        if (isFirst && m_count > 0)
+            write(";\r\nGO\r\n");
+        write(isFirst ? m_head : QByteArrayLiteral(",\r\n"));
+        QByteArray row = "(";
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            if (i > 0)
+                row += ", ";
+            const QByteArray &cast = m_casts[static_cast<qsizetype>(i)];
+            const QByteArray value = MSSQLQuoting::literal(cells[i].storedValue()).toUtf8();
+            row += cast.isEmpty() ? value : "CAST(" + value + cast;
+        }
+        write(row + ')');
+        ++m_count;
+    }
+    void endResult() override
+    {
+        if (m_count > 0) {
+            write(";\r\nGO\r\n");
+            switchIdentity("OFF");
+        }
+        flush();
+    }
+
+private:
+    void switchIdentity(const char *state)
+    {
+        if (m_hasIdentity)
+            write("SET IDENTITY_INSERT " + m_path + ' ' + state + "\r\nGO\r\n");
+    }
+
+    const QByteArray m_path;
+    QByteArray m_head;
+    QList<QByteArray> m_casts; ///< what closes the CAST of a column; empty without one
+    bool m_hasIdentity = false;
+    qint64 m_count = 0;
+};
+
+} // namespace
+
+MSSQLTableRowsScript::MSSQLTableRowsScript(const VantorDBC &details, const QString &schema,
+                                           const QString &table)
+    : m_details(details)
+    , m_schema(schema)
+    , m_table(table)
+{
+}
+
+bool MSSQLTableRowsScript::isInserted(const MSSQLColumnRecord &column)
+{
+    return column.isIdentity || column.isWritable();
+}
+
+KNError MSSQLTableRowsScript::write(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const
+{
+    KNError error;
+    auto columns =
+        MSSQLCatalogReader::records<MSSQLColumnRecord>(m_details, m_schema, m_table, RowsDomain, &error);
+    columns.erase(std::remove_if(columns.begin(), columns.end(),
+                                 [](const MSSQLColumnRecord &column) { return !isInserted(column); }),
+                  columns.end());
+    if (error || columns.isEmpty())
+        return error;
+    QStringList expressions;
+    QStringList keys;
+    for (const MSSQLColumnRecord &column : std::as_const(columns)) {
+        expressions.append(selected(column));
+        if (column.isPrimaryKey)
+            keys.append(bracketed(column.columnName));
+    }
+    const QString path = KNFormat("%@.%@", bracketed(m_schema), bracketed(m_table));
+    QString query = KNFormat("SELECT %@ FROM %@", expressions.join(QStringLiteral(", ")), path);
+    if (!keys.isEmpty())
+        query += KNFormat(" ORDER BY %@", keys.join(QStringLiteral(", ")));
+    InsertStatements statements(device, path, columns);
+    return ResultStream::write(m_details, query, statements, isCancelled);
+}

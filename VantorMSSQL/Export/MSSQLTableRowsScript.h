@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Catalog/MSSQLColumnRecord.h"
+#include "Database/KNRowStream.h"
+
+class QIODevice;
+
+/// The rows of a table as INSERT statements of 500 rows each, in the order of the primary key. Blocks on the
+/// server.
+class MSSQLTableRowsScript
+{
+public:
+    static constexpr int RowsPerStatement = 500;
+
+    /// Names without quotes.
+    MSSQLTableRowsScript(const VantorDBC &details, const QString &schema, const QString &table);
+
+    /// Writes nothing for an empty table. The caller checks whether the device took everything.
+    KNError write(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const;
+
+    /// Whether an INSERT can set the column: its value is neither computed nor the server's.
+    static bool isInserted(const MSSQLColumnRecord &column);
+
+private:
+    const VantorDBC &m_details;
+    const QString m_schema;
+    const QString m_table;
+};

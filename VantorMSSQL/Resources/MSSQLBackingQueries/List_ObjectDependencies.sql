@@ -1,0 +1,36 @@
+-- Which object names which other one of this database in its text, for the order of a script. What a column or a
+-- constraint of a table names counts for the table. 2005 knows only what sys.sql_dependencies has recorded.
+IF EXISTS (SELECT 1 FROM sys.all_objects WHERE name = N'sql_expression_dependencies')
+    EXEC sp_executesql N'
+        SELECT DISTINCT
+            ns.name AS schema_name,
+            n.name AS object_name,
+            ts.name AS referenced_schema_name,
+            t.name AS referenced_object_name
+        FROM sys.sql_expression_dependencies AS d
+        INNER JOIN sys.objects AS o ON o.object_id = d.referencing_id
+        INNER JOIN sys.objects AS n
+            ON n.object_id = CASE WHEN o.parent_object_id = 0 THEN o.object_id ELSE o.parent_object_id END
+        INNER JOIN sys.schemas AS ns ON ns.schema_id = n.schema_id
+        INNER JOIN sys.objects AS t ON t.object_id = d.referenced_id
+        INNER JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
+        WHERE o.type <> ''TR''
+            AND t.object_id <> n.object_id
+        ORDER BY ns.name, n.name, ts.name, t.name'
+ELSE
+    SELECT DISTINCT
+        ns.name AS schema_name,
+        n.name AS object_name,
+        ts.name AS referenced_schema_name,
+        t.name AS referenced_object_name
+    FROM sys.sql_dependencies AS d
+    INNER JOIN sys.objects AS o ON o.object_id = d.object_id
+    INNER JOIN sys.objects AS n
+            ON n.object_id = CASE WHEN o.parent_object_id = 0 THEN o.object_id ELSE o.parent_object_id END
+    INNER JOIN sys.schemas AS ns ON ns.schema_id = n.schema_id
+    INNER JOIN sys.objects AS t ON t.object_id = d.referenced_major_id
+    INNER JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
+    WHERE d.class IN (0, 1)
+        AND o.type <> 'TR'
+        AND t.object_id <> n.object_id
+    ORDER BY ns.name, n.name, ts.name, t.name
