@@ -2,6 +2,7 @@
 
 #include "Implementations/MSSQLQuoting.h"
 #include "Implementations/MSSQLTokenizer.h"
+#include "Implementations/MSSQLWordLists.h"
 
 #include <algorithm>
 
@@ -19,16 +20,10 @@ bool isRegularIdentifier(QStringView word)
            std::all_of(word.begin(), word.end(), continues);
 }
 
-/// Keywords consist of letters, digits and underscores of ASCII only, and quotedName() knows them.
 bool isPlainName(QStringView word)
 {
-    const QString name = word.toString();
-    if (MSSQLQuoting::quotedName(name) == name)
-        return true;
-    const bool isKeywordLike = std::all_of(word.begin(), word.end(), [](QChar c) {
-        return c.unicode() < 0x80 && (c.isLetterOrNumber() || c == QLatin1Char('_'));
-    });
-    return !isKeywordLike && isRegularIdentifier(word);
+    return isRegularIdentifier(word) &&
+           !MSSQLWordLists::reservedWords().contains(word.toString(), Qt::CaseInsensitive);
 }
 
 /// Reads the part that begins at `position`, which ends behind it; null if it is empty or not closed.

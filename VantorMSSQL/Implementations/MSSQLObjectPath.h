@@ -16,7 +16,7 @@ QString bracketed(QString name);
 QString quoted(const QStringList &parts);
 
 /// Whether the whole text is a path that a server parses as exactly these parts. Words without brackets must
-/// be regular identifiers and no keywords.
+/// be regular identifiers and no reserved words.
 bool reads(const QString &text, const QStringList &parts);
 
 /// The parts joined by dots, without quoting if a server parses them correctly, otherwise quoted().

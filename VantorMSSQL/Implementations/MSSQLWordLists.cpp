@@ -38,6 +38,12 @@ const QStringList &MSSQLWordLists::keywords()
     return words;
 }
 
+const QStringList &MSSQLWordLists::reservedWords()
+{
+    static const QStringList words = wordsOfResource("MSSQLReservedWords");
+    return words;
+}
+
 const QStringList &MSSQLWordLists::functions()
 {
     static const QStringList words = wordsOfResource("MSSQLFunctions");

@@ -7,6 +7,8 @@
 namespace MSSQLWordLists {
 
 const QStringList &keywords();
+/// The keywords that cannot be names without brackets in any version from 2000 on.
+const QStringList &reservedWords();
 const QStringList &functions();
 const QStringList &dataTypes();
 const QStringList &functionsAndKeywords();

@@ -84,6 +84,21 @@ TEST(MSSQLKeywords, LeaveCommonNamesAlone)
         EXPECT_FALSE(keywords().contains(QString::fromLatin1(name))) << name;
 }
 
+TEST(MSSQLReservedWords, AreThoseOfTheDocumentation)
+{
+    const QStringList reserved = words("MSSQLReservedWords.plist");
+    expectEachOnceAndPlain(reserved);
+    EXPECT_EQ(missing(reserved, {"ADD", "EXTERNAL", "KEY", "MERGE", "PLAN", "PUBLIC", "RULE", "TRY_CONVERT",
+                                 "USER", "WITHIN", "WRITETEXT", "SEMANTICSIMILARITYDETAILSTABLE"}),
+              QStringList());
+    for (const char *word :
+         {"DAY", "NAME", "TYPE", "STATUS", "VALUE", "DATE", "ZONE", "ROLE", "WIDTH_BUCKET"})
+        EXPECT_FALSE(reserved.contains(QString::fromLatin1(word)))
+            << word << " is reserved for ODBC or later only";
+    for (const QString &word : reserved)
+        EXPECT_TRUE(keywords().contains(word)) << word.toStdString();
+}
+
 TEST(MSSQLFunctions, HoldEachNameOnce)
 {
     expectEachOnceAndPlain(functions());

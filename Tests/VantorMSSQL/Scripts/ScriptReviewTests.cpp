@@ -89,6 +89,8 @@ TEST(ObjectPath, ParsesPathsLikeServer)
     EXPECT_FALSE(reads("dbo.Orders", {"dbo", "orders"}));
     EXPECT_FALSE(reads("Orders", {"dbo", "Orders"}));
     EXPECT_FALSE(reads("dbo.select", {"dbo", "select"}));
+    EXPECT_TRUE(reads("dbo.day", {"dbo", "day"})) << "a keyword that is not reserved";
+    EXPECT_FALSE(reads("dbo.Key", {"dbo", "Key"}));
     EXPECT_FALSE(reads("[a]]", {"a]"})) << "the bracket is not closed";
     EXPECT_FALSE(reads("[a]", {"[a]"}));
     EXPECT_FALSE(reads("dbo.my proc", {"dbo", "my proc"}));
