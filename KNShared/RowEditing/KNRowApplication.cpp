@@ -7,16 +7,25 @@ namespace {
 
 const QString Domain = QStringLiteral("com.quorvex.vantor.rows");
 
-/// The rows that the last statement of a batch affected; a trigger's counts come before.
+/// The rows that the last change of a batch affected; a trigger's counts come before.
 qint64 affectedRows(const KNResultSetHolder &results)
 {
     qint64 count = KNDatabaseResultSet::UnknownCount;
     const auto resultSets = results.resultSets();
     for (const KNDatabaseResultSetPtr &resultSet : resultSets) {
-        if (resultSet->numberOfRowsAffected() != KNDatabaseResultSet::UnknownCount)
+        if (resultSet->columnNames().isEmpty() &&
+            resultSet->numberOfRowsAffected() != KNDatabaseResultSet::UnknownCount)
             count = resultSet->numberOfRowsAffected();
     }
     return count;
+}
+
+/// The row that a batch read after it was added; null if its last result has other columns.
+KNDatabaseResultSetPtr addedRow(const KNResultSetHolder &results, qsizetype columnCount)
+{
+    const auto resultSets = results.resultSets();
+    const bool isRead = !resultSets.isEmpty() && resultSets.last()->columnNames().size() == columnCount;
+    return isRead ? resultSets.last() : nullptr;
 }
 
 } // namespace
@@ -81,6 +90,10 @@ void KNRowApplication::check(int batch, const KNResultSetHolder &results, KNErro
         *error = KNError(Domain, 0, problem);
     else
         ++m_checked;
+    if (const qsizetype columnCount = m_changes.value(batch).readColumns;
+        problem.isEmpty() && columnCount > 0)
+        if (const KNDatabaseResultSetPtr row = addedRow(results, columnCount))
+            m_readRows.insert(m_changes.at(batch).row, row);
 }
 
 void KNRowApplication::complete(VantorDatabaseClient &client, KNError *error)

@@ -128,6 +128,17 @@ private:
             key.append(edited.values.value(column));
         if (std::none_of(key.begin(), key.end(), [](const KNValue &value) { return value.isNull(); }))
             change->readBack = m_statements.select(m_read, conditionOf(key));
+        else
+            insertAndRead(columns, change);
+    }
+
+    void insertAndRead(const QList<KNEditRowColumn> &columns, KNRowChange *change) const
+    {
+        const KNStatementPair statement = m_statements.insertAndRead(columns, m_key, m_read);
+        if (statement.exact.isEmpty())
+            return;
+        change->statement = statement;
+        change->readColumns = m_read.size();
     }
 
     const KNRowEdits &m_edits;

@@ -14,8 +14,10 @@ struct KNSHARED_EXPORT KNRowChange
     KNRowEdits::RowId row = 0;
     QString rowName; ///< for messages, such as "OrderId 1001"
     KNStatementPair statement;
-    QString
-        readBack; ///< reads the table's columns of the result; null if the row or its key is not known then
+    /// Reads the table's columns of the result; null if the row or its key is not known then.
+    QString readBack;
+    /// The number of columns that the statement itself reads of the new row; 0 for other statements.
+    qsizetype readColumns = 0;
 
     /// The changes of a result's rows, in the order in which they run: deletions, changes, new rows. Empty,
     /// with a sentence for the user, if a row cannot be written.

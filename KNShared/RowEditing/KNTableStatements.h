@@ -22,6 +22,11 @@ public:
     virtual KNStatementPair update(const QString &setClause, const QString &whereClause) const = 0;
     /// Adds a row with the current values of the modified columns.
     virtual KNStatementPair insert(const QList<KNEditRowColumn> &columns) const = 0;
+    /// Adds such a row and reads it in the same batch, which knows what the server made of the key. Empty if
+    /// the key cannot be known.
+    virtual KNStatementPair insertAndRead(const QList<KNEditRowColumn> &columns,
+                                          const QList<KNEditRowColumn> &key,
+                                          const QList<KNEditRowColumn> &read) const = 0;
     /// Deletes one row by its key.
     virtual KNStatementPair remove(const QList<KNEditRowColumn> &key, const QList<KNValue> &values) const = 0;
     /// Reads these columns.

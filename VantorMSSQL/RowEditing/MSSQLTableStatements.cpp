@@ -4,34 +4,14 @@
 #include "Implementations/MSSQLObjectPath.h"
 #include "Implementations/MSSQLQuoting.h"
 #include "QueryLoader/KNQueryLoader.h"
-#include "RowEditing/MSSQLRowStatement.h"
+#include "RowEditing/MSSQLColumnLiteral.h"
+#include "RowEditing/MSSQLGridInsert.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
 namespace {
 
 const QString Savepoint = QStringLiteral("VantorChanges");
-
-/// The type's name without length, precision and scale.
-QString baseType(const KNEditRowColumn &column)
-{
-    return column.typeName.section(QLatin1Char('('), 0, 0).toLower();
-}
-
-/// With an exponent a number is a float, which has the digits of the value and is rounded once. A real must
-/// not be compared as a float.
-QString literalOf(const KNEditRowColumn &column, const KNValue &value)
-{
-    const QString type = baseType(column);
-    const bool isFloat = type == QLatin1String("float") || value.kind() == KNValue::Kind::Double;
-    const bool isReal = !isFloat && (type == QLatin1String("real") || value.kind() == KNValue::Kind::Float);
-    if (!(isFloat || isReal) || !value.isNumber())
-        return MSSQLQuoting::literal(value);
-    QString text = value.displayText();
-    if (!text.contains(QLatin1Char('e')))
-        text += QLatin1String("e0");
-    return isReal ? KNFormat("CAST(%@ AS real)", text) : text;
-}
 
 /// A value as the exact DELETE takes it: dates as quoted text.
 KNValue exactValue(const KNValue &value)
@@ -71,7 +51,8 @@ MSSQLTableStatements::MSSQLTableStatements(Helper helper, const QString &schema,
 
 QString MSSQLTableStatements::assignment(const KNEditRowColumn &column, const KNValue &value) const
 {
-    return KNFormat("%@ = %@", MSSQLQuoting::quotedName(column.columnName), literalOf(column, value));
+    return KNFormat("%@ = %@", MSSQLQuoting::quotedName(column.columnName),
+                    MSSQLColumnLiteral::of(column, value));
 }
 
 QString MSSQLTableStatements::condition(const KNEditRowColumn &column, const KNValue &value) const
@@ -81,7 +62,8 @@ QString MSSQLTableStatements::condition(const KNEditRowColumn &column, const KNV
                                              QStringLiteral("geometry"), QStringLiteral("geography")};
     if (value.isNull())
         return MSSQLQuoting::quotedName(column.columnName) + QLatin1String(" IS NULL");
-    return incomparable.contains(baseType(column)) ? QString() : assignment(column, value);
+    return incomparable.contains(MSSQLColumnLiteral::baseType(column)) ? QString()
+                                                                       : assignment(column, value);
 }
 
 KNStatementPair MSSQLTableStatements::update(const QString &setClause, const QString &whereClause) const
@@ -98,7 +80,14 @@ KNStatementPair MSSQLTableStatements::update(const QString &setClause, const QSt
 
 KNStatementPair MSSQLTableStatements::insert(const QList<KNEditRowColumn> &columns) const
 {
-    return MSSQLRowStatement(m_schema, m_table, columns, std::nullopt).generateInsert();
+    return MSSQLGridInsert(m_schema, m_table, columns).statement();
+}
+
+KNStatementPair MSSQLTableStatements::insertAndRead(const QList<KNEditRowColumn> &columns,
+                                                    const QList<KNEditRowColumn> &key,
+                                                    const QList<KNEditRowColumn> &read) const
+{
+    return MSSQLGridInsert(m_schema, m_table, columns).statementAndRead(key, read);
 }
 
 KNStatementPair MSSQLTableStatements::remove(const QList<KNEditRowColumn> &key,
@@ -111,7 +100,7 @@ KNStatementPair MSSQLTableStatements::remove(const QList<KNEditRowColumn> &key,
         names.append(key[i].columnName);
         exact.append(exactValue(values[i]));
         caution.addUnlessRead(MSSQLObjectPath::quoted({key[i].columnName}), {key[i].columnName});
-        if (MSSQLQuoting::escapeColumnValue(exact.last()) != literalOf(key[i], values[i]))
+        if (MSSQLQuoting::escapeColumnValue(exact.last()) != MSSQLColumnLiteral::of(key[i], values[i]))
             caution.add(MSSQLStatementCaution::tr("SQL Server may not find a row by this form of its key."));
     }
     const auto loader =

@@ -20,6 +20,8 @@ public:
     QString condition(const KNEditRowColumn &column, const KNValue &value) const override;
     KNStatementPair update(const QString &setClause, const QString &whereClause) const override;
     KNStatementPair insert(const QList<KNEditRowColumn> &columns) const override;
+    KNStatementPair insertAndRead(const QList<KNEditRowColumn> &columns, const QList<KNEditRowColumn> &key,
+                                  const QList<KNEditRowColumn> &read) const override;
     KNStatementPair remove(const QList<KNEditRowColumn> &key, const QList<KNValue> &values) const override;
     QString select(const QList<KNEditRowColumn> &columns, const QString &whereClause) const override;
     QString savepoint() const override;

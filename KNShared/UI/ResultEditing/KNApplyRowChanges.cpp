@@ -41,8 +41,9 @@ QString titleOf(const KNResultEditing &editing, qsizetype count)
 void showApplied(QWidget *parent, KNResultEditing &editing, const Application &application)
 {
     const bool hasUnreadRows =
-        std::any_of(application->changes().begin(), application->changes().end(), [](const auto &change) {
-            return change.kind == KNRowChange::Kind::Insert && change.readBack.isNull();
+        std::any_of(application->changes().begin(), application->changes().end(), [&](const auto &change) {
+            const KNDatabaseResultSetPtr row = application->readRows().value(change.row);
+            return change.kind == KNRowChange::Kind::Insert && (!row || row->rows().rowCount() == 0);
         });
     KNDispatch::globalQueue([self = QPointer(&editing), window = QPointer(parent), hasUnreadRows,
                              result = editing.model().result(), table = *editing.table(),
@@ -56,8 +57,8 @@ void showApplied(QWidget *parent, KNResultEditing &editing, const Application &a
                 KNAlerts::shared().showMessage(
                     window, ApplyTexts::tr("The changes were applied."),
                     ApplyTexts::tr(
-                        "New rows show what you entered. The server has set the rest of their values: "
-                        "run the query again to see them."));
+                        "Some new rows show what you entered, because the key that the server gave them "
+                        "cannot be known. Run the query again to see all of their values."));
         });
     });
 }
