@@ -1,11 +1,13 @@
 #include "UI/RowEditing/KNEditRowDelegate.h"
 
 #include "RowEditing/KNTypedValue.h"
+#include "UI/RowEditing/KNDateField.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -40,7 +42,8 @@ QWidget *KNEditRowDelegate::createEditor(QWidget *parent, const QStyleOptionView
         text->setTabChangesFocus(true);
         editor = text;
     } else {
-        auto *const line = new QLineEdit(parent);
+        const bool isDate = input == KNTypedValue::Input::Date || input == KNTypedValue::Input::DateAndTime;
+        auto *const line = isDate ? new KNDateField(parent) : new QLineEdit(parent);
         line->setFrame(false);
         line->setMaxLength(std::numeric_limits<int>::max());
         editor = line;
@@ -81,5 +84,7 @@ void KNEditRowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOption
     QRect place = option.rect;
     if (qobject_cast<QPlainTextEdit *>(editor))
         place.setHeight(option.rect.height() * TextLines);
+    else if (qobject_cast<KNDateField *>(editor))
+        place.setWidth(std::max(place.width(), editor->minimumSizeHint().width()));
     editor->setGeometry(place);
 }

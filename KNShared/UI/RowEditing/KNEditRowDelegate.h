@@ -4,7 +4,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Edits a value of a row: text in several lines, booleans in a list, everything else in a line.
+/// Edits a value of a row: text in several lines, booleans in a list, everything else in a line, to which
+/// dates add a calendar.
 class KNSHAREDUI_EXPORT KNEditRowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
