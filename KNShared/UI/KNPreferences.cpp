@@ -25,6 +25,7 @@ const QString FormatLeadingCommas = QStringLiteral("FormatLeadingCommas");
 const QString FormatIndent = QStringLiteral("FormatIndent");
 const QString FormatWidth = QStringLiteral("FormatWidth");
 const QString PreviewsRowChanges = QStringLiteral("PreviewsRowChanges");
+const QString SendsRowWhenLeft = QStringLiteral("SendsRowWhenLeft");
 const QString TracesProtocol = QStringLiteral("TracesProtocol");
 
 /// The stored number, or the default if there is none or it is out of range.
@@ -86,6 +87,7 @@ KNPreferences KNPreferences::current()
     preferences.completesWhileTyping = stored.boolForKey(CompletesWhileTyping, true);
     preferences.checksWhileTyping = stored.boolForKey(ChecksWhileTyping);
     preferences.previewsRowChanges = stored.boolForKey(PreviewsRowChanges, true);
+    preferences.sendsRowWhenLeft = stored.boolForKey(SendsRowWhenLeft);
     preferences.tracesProtocol = stored.boolForKey(TracesProtocol);
     preferences.formatStyle = storedFormatStyle();
     return preferences;
@@ -105,6 +107,7 @@ void KNPreferences::save() const
     defaults.setObject(CompletesWhileTyping, completesWhileTyping);
     defaults.setObject(ChecksWhileTyping, checksWhileTyping);
     defaults.setObject(PreviewsRowChanges, previewsRowChanges);
+    defaults.setObject(SendsRowWhenLeft, sendsRowWhenLeft);
     defaults.setObject(TracesProtocol, tracesProtocol);
     storeFormatStyle(formatStyle);
     defaults.synchronize();

@@ -29,6 +29,7 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool completesWhileTyping = true; ///< whether the editor offers names without Ctrl+Space
     bool checksWhileTyping = false;   ///< whether the server checks the syntax after pauses in typing
     bool previewsRowChanges = true;   ///< whether statements of edited rows are shown before they run
+    bool sendsRowWhenLeft = false;    ///< whether changes of a row are applied when the cursor leaves it
     bool tracesProtocol = false;      ///< from the start of the program
     KNSQLFormatStyle formatStyle;
 

@@ -7,10 +7,13 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Alerts/KNFilePanels.h"
 #include "UI/KNPlainToolTip.h"
+#include "UI/KNPreferences.h"
 #include "UI/ResultEditing/KNApplyRowChanges.h"
+#include "UI/ResultEditing/KNEditedRowCursor.h"
 #include "UI/ResultEditing/KNEditedRowForm.h"
 #include "UI/ResultEditing/KNResultEditing.h"
 #include "UI/ResultEditing/KNRowEditBar.h"
+#include "UI/ResultEditing/KNValueEditor.h"
 #include "UI/Results/KNCountText.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNResultSection.h"
@@ -66,6 +69,9 @@ KNResultEditActions::KNResultEditActions(KNResultSection &section, KNResultEditi
     add(
         edit, tr("Edit &Value"), Qt::Key_F2, [this] { m_section.grid()->edit(current()); }, canEditCell);
     add(
+        edit, tr("Edit &in Window…"), Qt::SHIFT | Qt::Key_F2, [this] { editInWindow(current()); },
+        [this] { return canEditInWindow(current()); });
+    add(
         edit, tr("Edit Ro&w…"), Qt::CTRL | Qt::SHIFT | Qt::Key_F2, [this] { editRow(); }, canEdit);
     add(
         edit, tr("Set to &NULL"), Qt::CTRL | Qt::Key_0, [this] { setSelectionToNull(); }, canEdit);
@@ -94,10 +100,41 @@ KNResultEditActions::KNResultEditActions(KNResultSection &section, KNResultEditi
     connect(m_bar, &KNRowEditBar::discardRequested, this, &KNResultEditActions::discard);
     connect(&editing, &KNResultEditing::changed, this, &KNResultEditActions::update);
     connect(menu, &QMenu::aboutToShow, this, &KNResultEditActions::update);
-    connect(section.grid(), &KNResultGridView::pasteRequested, this, &KNResultEditActions::paste);
-    connect(section.grid(), &KNResultGridView::undoRequested, &editing, &KNResultEditing::undo);
-    section.grid()->installEventFilter(this);
+    connectGrid();
     update();
+}
+
+void KNResultEditActions::connectGrid()
+{
+    KNResultGridView *const grid = m_section.grid();
+    connect(grid, &KNResultGridView::pasteRequested, this, &KNResultEditActions::paste);
+    connect(grid, &KNResultGridView::undoRequested, &m_editing, &KNResultEditing::undo);
+    connect(grid, &KNResultGridView::editRequested, this, [this](const QModelIndex &cell, bool *isEdited) {
+        *isEdited = KNValueEditor::suits(m_editing, cell);
+        if (*isEdited)
+            editInWindow(cell);
+    });
+    connect(new KNEditedRowCursor(*grid, m_editing), &KNEditedRowCursor::changedRowLeft, this, [this] {
+        if (KNPreferences::current().sendsRowWhenLeft)
+            apply();
+    });
+    grid->installEventFilter(this);
+}
+
+bool KNResultEditActions::canEditInWindow(const QModelIndex &cell) const
+{
+    return KNValueEditor::canEdit(m_editing, cell);
+}
+
+void KNResultEditActions::editInWindow(const QModelIndex &cell)
+{
+    if (!canEditInWindow(cell))
+        return;
+    auto *const editor = new KNValueEditor(m_editing, cell, m_section.window());
+    editor->beginSheet([grid = QPointer(m_section.grid())](int) {
+        if (grid)
+            grid->setFocus();
+    });
 }
 
 void KNResultEditActions::add(QMenu *menu, const QString &text, const QKeySequence &keys,

@@ -26,6 +26,8 @@ public:
     KNResultEditActions(KNResultSection &section, KNResultEditing &editing, QMenu *menu, QLabel *state);
 
     KNRowEditBar *bar() const { return m_bar; }
+    /// Whether a cell has a text or bytes that can be edited.
+    bool canEditInWindow(const QModelIndex &cell) const;
 
 public Q_SLOTS:
     void apply();
@@ -39,6 +41,8 @@ public Q_SLOTS:
     void paste();
     /// Opens the form of the current row.
     void editRow();
+    /// Opens a window with a text or bytes.
+    void editInWindow(const QModelIndex &cell);
     /// Asks for a file whose bytes become the current value.
     void loadValue();
 
@@ -47,6 +51,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    void connectGrid();
     void add(QMenu *menu, const QString &text, const QKeySequence &keys, std::function<void()> triggered,
              std::function<bool()> isEnabled);
     void update();

@@ -254,6 +254,8 @@ void KNResultEditing::finishApplying(const KNDatabaseResultSetPtr &revised)
 {
     m_isApplying = false;
     m_edits.clear();
+    Q_EMIT replacingResult();
     m_model.replaceResult(revised);
+    Q_EMIT resultReplaced();
     Q_EMIT changed();
 }

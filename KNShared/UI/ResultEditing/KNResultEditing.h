@@ -64,6 +64,10 @@ public:
 Q_SIGNALS:
     /// The edits, or whether there can be any, have changed.
     void changed();
+    /// The model is about to show another result, in which the changes are applied.
+    void replacingResult();
+    /// The model shows it.
+    void resultReplaced();
     /// The user entered what is no value of the column.
     void rejected(const QString &problem);
 

@@ -359,6 +359,17 @@ void KNResultGridView::keyPressEvent(QKeyEvent *event)
     m_isExtending = false;
 }
 
+bool KNResultGridView::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
+{
+    // A letter replaces the value, so it is typed into the cell.
+    const bool opensEditor =
+        trigger == AllEditTriggers || (trigger & editTriggers() & (DoubleClicked | EditKeyPressed));
+    bool isEdited = false;
+    if (opensEditor && isEditable(index) && state() != EditingState)
+        Q_EMIT editRequested(index, &isEdited);
+    return isEdited || QAbstractItemView::edit(index, trigger, event);
+}
+
 bool KNResultGridView::isEditable(const QModelIndex &index) const
 {
     return index.isValid() && (m_resultModel.flags(index) & Qt::ItemIsEditable);

@@ -17,6 +17,8 @@ class KNSHAREDUI_EXPORT KNResultGridView : public QAbstractItemView
     Q_OBJECT
 
 public:
+    using QAbstractItemView::edit;
+
     /// The model must outlive the view.
     explicit KNResultGridView(KNResultTableModel &model, QWidget *parent = nullptr);
 
@@ -62,8 +64,11 @@ Q_SIGNALS:
     /// Emitted when the user requests to paste or to undo.
     void pasteRequested();
     void undoRequested();
+    /// Emitted before an editor opens in a cell. The receiver sets `isEdited` if it edits the value itself.
+    void editRequested(const QModelIndex &index, bool *isEdited);
 
 protected:
+    bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     int horizontalOffset() const override;
     int verticalOffset() const override;

@@ -20,6 +20,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QPointer>
 #include <QSplitter>
 #include <QStyle>
 #include <QToolButton>
@@ -229,6 +230,11 @@ void KNResultSection::showValue()
     const QString type = m_model.typeName(index.column());
     auto *const viewer =
         new KNValueViewer(m_model.result(), m_model.storedRow(index.row()), index.column(), type, window());
+    if (m_editActions && m_editActions->canEditInWindow(index))
+        viewer->addEditButton([actions = QPointer(m_editActions), cell = QPersistentModelIndex(index)] {
+            if (actions)
+                actions->editInWindow(cell);
+        });
     viewer->show();
 }
 

@@ -134,7 +134,7 @@ void KNValueViewer::arrange()
     formsLabel->setBuddy(m_forms);
     head->addWidget(formsLabel);
     head->addWidget(m_forms);
-    auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    QDialogButtonBox *const buttons = m_buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     const auto addButton = [&](const QString &title, bool isEnabled, auto pressed) {
         QPushButton *const button = buttons->addButton(title, QDialogButtonBox::ActionRole);
         button->setAutoDefault(false);
@@ -157,6 +157,17 @@ void KNValueViewer::arrange()
     resize(metrics.horizontalAdvance(QLatin1Char('0')) * 90, metrics.height() * 30);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     connect(m_forms, &QComboBox::activated, this, &KNValueViewer::choose);
+}
+
+void KNValueViewer::addEditButton(std::function<void()> edit)
+{
+    QPushButton *const button = m_buttons->addButton(tr("&Edit…"), QDialogButtonBox::ActionRole);
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this, edit = std::move(edit)] {
+        close();
+        edit();
+    });
+    KNOrderButtons(*this);
 }
 
 /// Shows the value in a form of the list; -1 chooses the one that suits it.

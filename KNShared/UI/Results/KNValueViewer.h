@@ -7,8 +7,11 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QComboBox;
 class KNValueFindBar;
+class QDialogButtonBox;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
@@ -28,6 +31,8 @@ public:
     KNValueViewer(KNDatabaseResultSetPtr result, qsizetype storedRow, qsizetype column,
                   const QString &typeName, QWidget *parent);
 
+    /// Adds a button that closes the viewer and edits the value.
+    void addEditButton(std::function<void()> edit);
     /// The displayed text.
     QString text() const;
     QString remark() const;
@@ -78,4 +83,5 @@ private:
     QLabel *m_image;
     KNValueFindBar *m_findBar;
     QPushButton *m_find; ///< for text only
+    QDialogButtonBox *m_buttons;
 };

@@ -26,6 +26,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_nullText(new QLineEdit)
     , m_dateFormat(new QComboBox)
     , m_previewsRowChanges(new QCheckBox(tr("Show the statements of &edited rows before they run")))
+    , m_sendsRowWhenLeft(new QCheckBox(tr("Send changes when the ro&w is left")))
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
@@ -134,6 +135,8 @@ QWidget *PreferencesDialog::makeResultsGroup()
     form->addRow(tr("Show &NULL as:"), m_nullText);
     form->addRow(tr("Show &dates:"), m_dateFormat);
     form->addRow(m_previewsRowChanges);
+    m_sendsRowWhenLeft->setToolTip(tr("Otherwise changes of rows are kept until you apply them."));
+    form->addRow(m_sendsRowWhenLeft);
     return group;
 }
 
@@ -166,6 +169,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_checksWhileTyping->setChecked(preferences.checksWhileTyping);
     m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
     m_formatting->setFormatStyle(preferences.formatStyle);
+    m_sendsRowWhenLeft->setChecked(preferences.sendsRowWhenLeft);
     m_tracesProtocol->setChecked(preferences.tracesProtocol);
 }
 
@@ -185,6 +189,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.checksWhileTyping = m_checksWhileTyping->isChecked();
     preferences.previewsRowChanges = m_previewsRowChanges->isChecked();
     preferences.formatStyle = m_formatting->formatStyle();
+    preferences.sendsRowWhenLeft = m_sendsRowWhenLeft->isChecked();
     preferences.tracesProtocol = m_tracesProtocol->isChecked();
     return preferences;
 }

@@ -41,6 +41,7 @@ private:
     QLineEdit *const m_nullText;
     QComboBox *const m_dateFormat;
     QCheckBox *const m_previewsRowChanges;
+    QCheckBox *const m_sendsRowWhenLeft;
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;
