@@ -115,26 +115,8 @@ bool KNCsvReader::start(const KNImportFile &file, KNError *error)
     m_isEncodingAssumed = file.encoding == KNImportTextSource::Encoding::Detect;
     csv_set_delim(&m_parser->state, static_cast<unsigned char>(separator));
     csv_set_quote(&m_parser->state, static_cast<unsigned char>(quote));
-    return m_lines.source.open(file.path, file.encoding, error) && readHeader(file.hasHeader, error);
-}
-
-/// Takes the names of the columns from the first row, or numbers its values.
-bool KNCsvReader::readHeader(bool isFirstRow, KNError *error)
-{
-    KNImportRow first;
-    if (!nextRow(&first, error)) {
-        if (!*error)
-            *error = fileError(tr("The file is empty."));
-        return false;
-    }
-    if (isFirstRow && !first.problem.isNull()) {
-        *error = errorAt(first.line, 0, first.problem);
-        return false;
-    }
-    m_columns = uniqueNames(isFirstRow ? first.values : QStringList(first.values.size()));
-    if (!isFirstRow)
-        m_rows.prepend(first);
-    return true;
+    return m_lines.source.open(file.path, file.encoding, error) &&
+           readHeader(file.hasHeader, tr("The file is empty."), error);
 }
 
 QString KNCsvReader::assumedEncoding() const
@@ -146,28 +128,23 @@ QString KNCsvReader::assumedEncoding() const
 bool KNCsvReader::readRow(KNImportRow *row, KNError *error)
 {
     error->clear();
-    if (!nextRow(row, error))
+    if (!takeRow(row, error))
         return false;
-    if (row->problem.isNull() && row->values.size() != m_columns.size())
+    if (row->problem.isNull() && row->values.size() != columns().size())
         row->problem = tr("The line has %1 values, but there are %2 columns.")
                            .arg(row->values.size())
-                           .arg(m_columns.size());
+                           .arg(columns().size());
     return true;
 }
 
 bool KNCsvReader::nextRow(KNImportRow *row, KNError *error)
 {
-    while (m_rows.isEmpty()) {
-        if (m_isFinished)
-            return false;
-        const QByteArrayView piece = m_lines.next(error);
-        if (*error)
-            return false;
-        if (piece.isEmpty() ? !finish(error) : !parse(piece, error))
-            return false;
-    }
-    *row = m_rows.takeFirst();
-    return true;
+    return m_rows.next(
+        m_lines,
+        [this](QByteArrayView piece, KNError *failure) {
+            return piece.isEmpty() ? finish(failure) : parse(piece, failure);
+        },
+        row, error);
 }
 
 bool KNCsvReader::parse(QByteArrayView piece, KNError *error)
@@ -187,7 +164,6 @@ bool KNCsvReader::parse(QByteArrayView piece, KNError *error)
 
 bool KNCsvReader::finish(KNError *error)
 {
-    m_isFinished = true;
     if (csv_fini(&m_parser->state, Parser::value, Parser::row, this) != 0)
         *error = errorAt(m_current.line, 0,
                          tr("The file ends inside of a quoted value of the row that begins here."));

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "Import/KNImportFormat.h"
-#include "Import/KNImportLines.h"
-
-#include <QList>
+#include "Import/KNImportHeaderReader.h"
+#include "Import/KNImportRowQueue.h"
 
 /// Reads separated values (RFC 4180): a value may be quoted, and then contain separators, line ends and
 /// doubled quotes. An empty value is null, an empty one in quotes is empty text. Blanks belong to the values;
 /// empty lines are skipped.
-class KNCsvReader : public KNImportReader
+class KNCsvReader : public KNImportHeaderReader
 {
     Q_DECLARE_TR_FUNCTIONS(KNCsvReader)
 
@@ -17,7 +16,6 @@ public:
     static std::unique_ptr<KNImportReader> openTabs(const KNImportFile &file, KNError *error);
 
     ~KNCsvReader() override;
-    QStringList columns() const override { return m_columns; }
     bool readRow(KNImportRow *row, KNError *error) override;
     QString assumedEncoding() const override;
     double progress() const override { return m_lines.source.progress(); }
@@ -27,8 +25,7 @@ private:
 
     KNCsvReader();
     bool start(const KNImportFile &file, KNError *error);
-    bool readHeader(bool isFirstRow, KNError *error);
-    bool nextRow(KNImportRow *row, KNError *error);
+    bool nextRow(KNImportRow *row, KNError *error) override;
     bool parse(QByteArrayView piece, KNError *error);
     bool finish(KNError *error);
     KNError parseError(quint64 line, qsizetype character) const;
@@ -37,11 +34,9 @@ private:
 
     KNImportLines m_lines;
     const std::unique_ptr<Parser> m_parser;
-    QStringList m_columns;
-    QList<KNImportRow> m_rows; ///< parsed and not yet read
-    KNImportRow m_current;     ///< is being parsed
-    bool m_isRowOver = true;   ///< the next piece begins a row
+    KNImportRowQueue m_rows;
+    KNImportRow m_current;   ///< is being parsed
+    bool m_isRowOver = true; ///< the next piece begins a row
     bool m_isEncodingAssumed = false;
     bool m_hasTooMany = false; ///< values in a row
-    bool m_isFinished = false;
 };

@@ -44,7 +44,8 @@ std::unique_ptr<KNImportReader> KNExcelReader::open(const KNImportFile &file, KN
 {
     auto reader = std::make_unique<KNExcelReader>();
     if (!reader->openWorkbook(file.path, error) || !reader->readShared(error) ||
-        !reader->openSheet(file.sheet, error) || !reader->readHeader(file.hasHeader, error))
+        !reader->openSheet(file.sheet, error) ||
+        !reader->readHeader(file.hasHeader, tr("The sheet is empty."), error))
         return nullptr;
     return reader;
 }
@@ -140,24 +141,6 @@ bool KNExcelReader::openSheet(const QString &name, KNError *error)
     return true;
 }
 
-bool KNExcelReader::readHeader(bool isFirstRow, KNError *error)
-{
-    KNImportRow first;
-    if (!nextRow(&first, error)) {
-        if (!*error)
-            *error = fileError(tr("The sheet is empty."));
-        return false;
-    }
-    if (isFirstRow && !first.problem.isNull()) {
-        *error = errorAt(first.line, 0, first.problem);
-        return false;
-    }
-    m_columns = uniqueNames(isFirstRow ? first.values : QStringList(first.values.size()));
-    if (!isFirstRow)
-        m_pending.append(first);
-    return true;
-}
-
 double KNExcelReader::progress() const
 {
     return m_part && m_part->unpackedSize() > 0
@@ -168,17 +151,15 @@ double KNExcelReader::progress() const
 bool KNExcelReader::readRow(KNImportRow *row, KNError *error)
 {
     error->clear();
-    if (!m_pending.isEmpty())
-        *row = m_pending.takeFirst();
-    else if (!nextRow(row, error))
+    if (!takeRow(row, error))
         return false;
-    while (row->values.size() > m_columns.size() && row->values.last().isNull())
+    while (row->values.size() > columns().size() && row->values.last().isNull())
         row->values.removeLast();
-    if (row->values.size() > m_columns.size() && row->problem.isNull())
+    if (row->values.size() > columns().size() && row->problem.isNull())
         row->problem = tr("The row has %1 values, but there are %2 columns.")
                            .arg(row->values.size())
-                           .arg(m_columns.size());
-    while (row->values.size() < m_columns.size())
+                           .arg(columns().size());
+    while (row->values.size() < columns().size())
         row->values.append(QString());
     return true;
 }

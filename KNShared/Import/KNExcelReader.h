@@ -3,6 +3,7 @@
 #include "Import/KNExcelStrings.h"
 #include "Import/KNExcelStyles.h"
 #include "Import/KNImportFormat.h"
+#include "Import/KNImportHeaderReader.h"
 #include "Import/KNZipFile.h"
 
 #include <QList>
@@ -10,7 +11,7 @@
 
 /// Reads a sheet of an Excel workbook (.xlsx). Formulas give the results that Excel stored, dates are
 /// recognised by the formats of their cells, empty rows are skipped.
-class KNSHARED_EXPORT KNExcelReader : public KNImportReader
+class KNSHARED_EXPORT KNExcelReader : public KNImportHeaderReader
 {
     Q_DECLARE_TR_FUNCTIONS(KNExcelReader)
 
@@ -20,7 +21,6 @@ public:
     /// the file.
     static QStringList sheets(const QString &path, KNError *error);
 
-    QStringList columns() const override { return m_columns; }
     bool readRow(KNImportRow *row, KNError *error) override;
     double progress() const override;
 
@@ -43,8 +43,7 @@ private:
     bool readShared(KNError *error);
     void readWorkbook(QIODevice *device);
     QString partOf(const Sheet &sheet) const;
-    bool readHeader(bool isFirstRow, KNError *error);
-    bool nextRow(KNImportRow *row, KNError *error);
+    bool nextRow(KNImportRow *row, KNError *error) override;
     bool readCells(KNImportRow *row);
     bool readCell(KNImportRow *row);
     QString readText();
@@ -59,7 +58,5 @@ private:
     bool m_isSince1904 = false;
     KNExcelStyles m_styles;
     KNExcelStrings m_strings;
-    QStringList m_columns;
-    QList<KNImportRow> m_pending; ///< the first row, if it is no header
     quint64 m_line = 0;
 };

@@ -189,17 +189,12 @@ std::unique_ptr<KNImportReader> KNJsonReader::open(const KNImportFile &file, KNE
 bool KNJsonReader::readRow(KNImportRow *row, KNError *error)
 {
     error->clear();
-    while (m_rows.isEmpty()) {
-        if (m_isFinished)
-            return false;
-        const QByteArrayView piece = m_lines.next(error);
-        if (*error)
-            return false;
-        if (piece.isEmpty() ? !finish(error) : !parse(piece, error))
-            return false;
-    }
-    *row = m_rows.takeFirst();
-    return true;
+    return m_rows.next(
+        m_lines,
+        [this](QByteArrayView piece, KNError *failure) {
+            return piece.isEmpty() ? finish(failure) : parse(piece, failure);
+        },
+        row, error);
 }
 
 bool KNJsonReader::parse(QByteArrayView piece, KNError *error)
@@ -228,7 +223,6 @@ bool KNJsonReader::parse(QByteArrayView piece, KNError *error)
 
 bool KNJsonReader::finish(KNError *error)
 {
-    m_isFinished = true;
     if (m_isBlank)
         return true;
     const bool isComplete = yajl_complete_parse(m_parser->handle) == yajl_status_ok;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Import/KNImportFormat.h"
-#include "Import/KNImportLines.h"
+#include "Import/KNImportRowQueue.h"
 #include "Import/KNJsonEscapeCheck.h"
 
 #include <QHash>
@@ -39,12 +39,11 @@ private:
     const std::unique_ptr<Parser> m_parser;
     QStringList m_columns;
     QHash<QString, qsizetype> m_positions; ///< of the columns by name
-    QList<KNImportRow> m_rows;             ///< parsed and not yet read
+    KNImportRowQueue m_rows;
     KNImportRow m_current;
     QList<bool> m_isSet;      ///< which values of the current record were given
     qsizetype m_key = -1;     ///< the column of the current key
     QString m_refusal;        ///< why the content is no list of records; null if it is
     qsizetype m_unparsed = 0; ///< bytes since the last token ended
     bool m_isBlank = true;    ///< no token so far
-    bool m_isFinished = false;
 };
