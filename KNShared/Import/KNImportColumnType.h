@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Import/KNCodePage.h"
+
 #include <QString>
 
 #include <limits>
@@ -29,6 +31,8 @@ struct KNImportColumnType
     qint64 maximumLength = Unlimited;
     /// Whether a text column holds every character. In others a server replaces those of other languages.
     bool isUnicode = true;
+    /// Of a text that is not Unicode; its maximumLength is in bytes of it.
+    KNCodePage codePage = {};
     qint64 minimum = std::numeric_limits<qint64>::min(); ///< of integers
     qint64 maximum = std::numeric_limits<qint64>::max();
     int precision = 38;     ///< digits of a decimal

@@ -113,9 +113,28 @@ std::optional<KNValue> KNImportConverter::textValue(const QString &text, QString
 {
     if (!isSendable(text))
         return refused(reason, tr("The text contains U+0000 or half of a surrogate pair."));
+    if (m_type.codePage.isKnown())
+        return codePageValue(text, reason);
     if (text.size() > m_type.maximumLength)
         return refused(reason, tr("The text has %1 characters, the column holds %2.")
                                    .arg(text.size())
+                                   .arg(m_type.maximumLength));
+    return KNValue(text);
+}
+
+/// A server replaces a character that the column does not have, by a similar one or a question mark.
+std::optional<KNValue> KNImportConverter::codePageValue(const QString &text, QString *reason) const
+{
+    QString missing;
+    const auto size = m_type.codePage.sizeOf(text, &missing);
+    if (!size)
+        return refused(reason, tr("The column's code page %1 does not have the character \"%2\".")
+                                   .arg(m_type.codePage.number())
+                                   .arg(missing));
+    if (*size > m_type.maximumLength)
+        return refused(reason, tr("The text has %1 bytes in code page %2, the column holds %3.")
+                                   .arg(*size)
+                                   .arg(m_type.codePage.number())
                                    .arg(m_type.maximumLength));
     return KNValue(text);
 }

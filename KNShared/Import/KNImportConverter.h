@@ -38,6 +38,7 @@ public:
 private:
     std::optional<KNValue> valueOf(const QString &text, QString *reason) const;
     std::optional<KNValue> textValue(const QString &text, QString *reason) const;
+    std::optional<KNValue> codePageValue(const QString &text, QString *reason) const;
     std::optional<KNValue> integerValue(const QString &text, QString *reason) const;
     std::optional<KNValue> decimalValue(const QString &text, QString *reason) const;
     std::optional<KNValue> realValue(const QString &text, QString *reason) const;

@@ -29,6 +29,8 @@ struct KNSHARED_EXPORT KNImportFormat
     CreateReader create;
 
     QString localizedTitle() const;
+    /// Whether later rows may add columns, as records with further keys do.
+    bool addsColumns() const { return !(uses & (HasHeader | HasSheets)); }
 
     static const QList<KNImportFormat> &all();
     static QStringList names();

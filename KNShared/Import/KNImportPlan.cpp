@@ -1,5 +1,7 @@
 #include "Import/KNImportPlan.h"
 
+#include <algorithm>
+
 KNImportMapping::Sources KNImportMapping::byName(const QStringList &fileColumns,
                                                  const QList<KNImportTableColumnModel> &columns)
 {
@@ -31,6 +33,32 @@ QStringList KNImportMapping::unusedColumns(const QStringList &fileColumns, const
             unused.append(fileColumns[i]);
     }
     return unused;
+}
+
+QStringList KNImportMapping::unfilledColumns(const QList<KNImportTableColumnModel> &columns,
+                                             const QList<KNImportColumnPlan> &plans)
+{
+    QStringList unfilled;
+    for (const KNImportTableColumnModel &column : columns) {
+        const bool isFilled = std::any_of(plans.begin(), plans.end(), [&](const KNImportColumnPlan &plan) {
+            return plan.column.name == column.name;
+        });
+        if (!isFilled && !column.allowsNulls && !column.hasDefault)
+            unfilled.append(column.name);
+    }
+    return unfilled;
+}
+
+QStringList KNImportMapping::uncheckedColumns(const QList<KNImportColumnPlan> &plans,
+                                              const KNDatabaseImportHelper &helper)
+{
+    QStringList unchecked;
+    for (const KNImportColumnPlan &plan : plans) {
+        const bool isUnicode = helper.columnType(plan.column.dataTypeDisplay).isUnicode;
+        if (!isUnicode && !KNCodePage(plan.column.codePage).isKnown())
+            unchecked.append(plan.column.name);
+    }
+    return unchecked;
 }
 
 QList<KNImportTableColumnModel> KNImportMapping::newColumns(const QList<KNImportColumnAnalysis> &analyses,

@@ -44,6 +44,12 @@ KNSHARED_EXPORT Sources byPosition(const QStringList &fileColumns,
                                    const QList<KNImportTableColumnModel> &columns);
 /// The names of the file's columns that no column gets.
 KNSHARED_EXPORT QStringList unusedColumns(const QStringList &fileColumns, const Sources &sources);
+/// The names of the columns that need a value and get none.
+KNSHARED_EXPORT QStringList unfilledColumns(const QList<KNImportTableColumnModel> &columns,
+                                            const QList<KNImportColumnPlan> &plans);
+/// The names of the columns whose code page is not known: a server may replace characters there.
+KNSHARED_EXPORT QStringList uncheckedColumns(const QList<KNImportColumnPlan> &plans,
+                                             const KNDatabaseImportHelper &helper);
 /// The columns of a new table: one for each of the file, with the proposed types, or, if `usesHints`, with
 /// those that hold all analysed values.
 KNSHARED_EXPORT QList<KNImportTableColumnModel> newColumns(const QList<KNImportColumnAnalysis> &analyses,

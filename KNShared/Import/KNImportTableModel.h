@@ -14,6 +14,8 @@ struct KNImportTableColumnModel
     QString name;
     QString dataTypeDisplay; ///< the type as the catalog shows it, such as nvarchar(50)
     bool allowsNulls = true;
+    int codePage = 0;        ///< of text that is not Unicode; 0 for other columns, and if it is not known
+    bool hasDefault = false; ///< whether the server has a value for rows without one, such as an identity
 };
 
 /// A table that an import can fill. Connectors subclass it for the parts of their paths. Used by one thread

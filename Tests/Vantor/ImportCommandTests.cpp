@@ -116,6 +116,26 @@ TEST_F(ImportCommand, ReportsFaultsInADryRun)
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM People"), QByteArray("n\n0\n"));
 }
 
+TEST_F(ImportCommand, SaysBeforeTheImportWhichColumnsNeedAValue)
+{
+    const Outcome outcome = import(write("n.csv", "name\na\n"), {"--into", "People", "--dry-run"});
+    EXPECT_TRUE(
+        outcome.errors.startsWith("Column \"id\" gets no value, but takes no NULL and has no default.\n"))
+        << outcome.errors.toStdString();
+}
+
+TEST_F(ImportCommand, SaysThatLaterKeysAreFaultsWhenItSawTheFirstRowsOnly)
+{
+    const QString file = write("late.jsonl", "{\"id\":1}\n{\"id\":2,\"name\":\"b\"}\n");
+    const Outcome outcome = import(file, {"--into", "People", "--analyse", "1"});
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_TRUE(outcome.errors.contains(
+        "Only the first 1 rows were analysed: a later row with another key is a fault."))
+        << outcome.errors.toStdString();
+    EXPECT_EQ(import(file, {"--into", "People"}).status, 0);
+    EXPECT_EQ(query("SELECT id, name FROM People ORDER BY id"), QByteArray("id,name\n1,\n2,b\n"));
+}
+
 TEST_F(ImportCommand, SkipsFaultyRows)
 {
     const QString faults = folder.filePath(t("faults.csv"));

@@ -41,6 +41,7 @@ public:
                   : ImportPlanning::plan(m_options, m_analysis.columnNames(), m_path, columns, &error);
         if (!plan)
             return Terminal::fail(ExitUsage, error.localizedDescription());
+        noteColumns(columns, *plan);
         if (m_options.createsTable && !m_options.isDryRun && !createTable(columns, &error))
             return Terminal::fail(ExitSqlError, error.localizedDescription());
         return import(*plan, interrupts);
@@ -50,8 +51,8 @@ private:
     /// The whole file for the types of a new table, and the first rows for the names of the columns.
     int analyse(InterruptWatcher &interrupts)
     {
-        const bool isJson = KNImportFormat::of(m_options.file)->uses == KNImportFormat::HasEncoding;
-        const quint64 rows = m_options.createsTable || isJson ? m_options.analysedRows : 1;
+        const bool readsAll = m_options.createsTable || KNImportFormat::of(m_options.file)->addsColumns();
+        const quint64 rows = readsAll ? m_options.analysedRows : 1;
         std::atomic<bool> isCancelled = false;
         interrupts.setTarget([&] { isCancelled = true; });
         m_analysis = KNImportFileAnalysis::read(m_options.file, rows, isCancelled);
@@ -64,14 +65,29 @@ private:
         if (!m_analysis.assumedEncoding.isNull())
             note(KNFormat("The file is not UTF-8 and is read as %@. --encoding chooses another encoding.",
                           m_analysis.assumedEncoding));
-        if (m_options.createsTable && !m_analysis.isComplete)
-            note(KNFormat(
-                "Only the first %llu rows were analysed: values of later rows may not fit their columns.",
-                m_analysis.rows));
+        if (readsAll && !m_analysis.isComplete && !m_analysis.error)
+            note(KNFormat(m_options.createsTable
+                              ? "Only the first %llu rows were analysed: values of later rows may not fit "
+                                "their columns."
+                              : "Only the first %llu rows were analysed: a later row with another key is a "
+                                "fault.",
+                          m_analysis.rows));
         return ExitSuccess;
     }
 
     static void note(const QString &text) { Terminal::printError(text, Terminal::Colour::Yellow); }
+
+    /// Says which columns are likely to fail or to lose characters, before the import.
+    void noteColumns(const Columns &columns, const KNImportPlan &plan) const
+    {
+        if (!m_options.createsTable)
+            for (const QString &name : KNImportMapping::unfilledColumns(columns, plan.columns))
+                note(KNFormat("Column \"%@\" gets no value, but takes no NULL and has no default.", name));
+        for (const QString &name : KNImportMapping::uncheckedColumns(plan.columns, *m_helper))
+            note(KNFormat("The code page of column \"%@\" is not known: the server replaces characters "
+                          "that it does not have.",
+                          name));
+    }
 
     Columns newColumns() const
     {

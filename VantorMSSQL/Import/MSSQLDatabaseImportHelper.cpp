@@ -21,7 +21,8 @@ bool isSameObjectName(const QString &one, const QString &other)
     return one.compare(other, Qt::CaseInsensitive) == 0;
 }
 
-/// Reads rows that are grouped by table: schema, table, column, type, whether it allows nulls.
+/// Reads rows that are grouped by table: schema, table, column, type, whether it allows nulls, code page,
+/// whether it has a default.
 QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
 {
     QList<KNImportTableModelPtr> tables;
@@ -37,7 +38,9 @@ QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
             tables.append(current);
         }
         current->addColumn({rows.stringForColumnIndex(2), rows.stringForColumnIndex(3),
-                            rows.objectForColumnIndex(4).toBool()});
+                            rows.objectForColumnIndex(4).toBool(),
+                            static_cast<int>(rows.objectForColumnIndex(5).toInt64()),
+                            rows.objectForColumnIndex(6).toBool()});
     }
     return tables;
 }

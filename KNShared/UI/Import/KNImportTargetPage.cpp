@@ -104,6 +104,13 @@ QString KNImportTargetPage::notes() const
 
 void KNImportTargetPage::enter()
 {
+    const KNImportFileAnalysis &analysis = session().analysis();
+    const KNImportFormat *const format = KNImportFormat::of(session().plan.file);
+    if (format && format->addsColumns() && !analysis.isComplete && !analysis.error) {
+        m_status->setText(tr("Reading the whole file for its columns…"));
+        session().analyse(session().plan.file, KNImportFileAnalysis::AllRows);
+        Q_EMIT completeChanged();
+    }
     if (m_mapping->fileColumns() != session().plan.fileColumns)
         showTable();
 }
@@ -152,7 +159,7 @@ void KNImportTargetPage::createTable()
 void KNImportTargetPage::showNewTableDialog()
 {
     if (!std::exchange(m_isCreating, false))
-        return;
+        return showAllColumns();
     m_new->setEnabled(true);
     m_status->setText(session().analysis().error.localizedDescription());
     m_createTable(session().analysis().columns, [this](const QStringList &tablePath) {
@@ -161,12 +168,33 @@ void KNImportTargetPage::showNewTableDialog()
     });
 }
 
+/// After the whole file was read for an existing table.
+void KNImportTargetPage::showAllColumns()
+{
+    if (!isVisible())
+        return;
+    m_status->setText(session().analysis().error.localizedDescription());
+    if (m_mapping->fileColumns() != session().plan.fileColumns)
+        showTable();
+    Q_EMIT completeChanged();
+}
+
 void KNImportTargetPage::showNotes()
 {
-    const QStringList unused = m_mapping->unusedColumns();
-    m_notes->setText(m_mapping->rowCount() == 0 || unused.isEmpty()
-                         ? QString()
-                         : tr("Not imported: %1").arg(unused.join(QStringLiteral(", "))));
+    QStringList notes;
+    const auto add = [&notes](const QString &note, const QStringList &columns) {
+        if (!columns.isEmpty())
+            notes.append(note.arg(columns.join(QStringLiteral(", "))));
+    };
+    if (m_mapping->rowCount() > 0) {
+        const QList<KNImportColumnPlan> plans = m_mapping->plans();
+        add(tr("Need a value, because they take no NULL and have no default: %1"),
+            KNImportMapping::unfilledColumns(m_mapping->tableColumns(), plans));
+        add(tr("Characters may be replaced, because the code page is not known: %1"),
+            KNImportMapping::uncheckedColumns(plans, session().helper()));
+        add(tr("Not imported: %1"), m_mapping->unusedColumns());
+    }
+    m_notes->setText(notes.join(QLatin1Char('\n')));
     Q_EMIT completeChanged();
 }
 

@@ -44,6 +44,7 @@ private:
     void showTables();
     void showTable();
     void showNewTableDialog();
+    void showAllColumns();
     void showNotes();
     void selectTable(const QString &name);
 

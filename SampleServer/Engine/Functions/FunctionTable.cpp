@@ -35,7 +35,6 @@ bool isElsewhere(std::string_view name)
                                                  "CERTPRIVATEKEY",
                                                  "CHECKSUM",
                                                  "CHECKSUM_AGG",
-                                                 "COLLATIONPROPERTY",
                                                  "COMPRESS",
                                                  "CONNECTIONPROPERTY",
                                                  "CONTEXT_INFO",

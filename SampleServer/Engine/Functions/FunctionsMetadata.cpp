@@ -370,7 +370,16 @@ Value filegroupName(EvaluationContext &, const Operation &, Arguments a)
     return number(a[0]) == 1 ? Value(std::string("PRIMARY")) : Value();
 }
 
+/// The code page of the server's collations; null for other properties and names.
+Value collationProperty(EvaluationContext &, const Operation &, Arguments a)
+{
+    const std::string name = asciiUpper(text(a[0]));
+    const bool isKnown = name == "SQL_LATIN1_GENERAL_CP1_CI_AS" || name == "LATIN1_GENERAL_CI_AS";
+    return isKnown && asciiUpper(text(a[1])) == "CODEPAGE" ? Value(std::int64_t{1252}) : Value();
+}
+
 constexpr Builtin metadataBuiltins[] = {
+    {"COLLATIONPROPERTY", 2, 2, "tt", intResult, collationProperty},
     {"COLUMNPROPERTY", 3, 3, "itt", intResult, columnProperty, true, false},
     {"COL_LENGTH", 2, 2, "tt", smallIntResult, columnLength, true, false},
     {"COL_NAME", 2, 2, "ii", nameResult, columnName, true, false},

@@ -1,3 +1,4 @@
+#include "Import/KNImportPlan.h"
 #include "Import/MSSQLDatabaseImportHelper.h"
 #include "Import/MSSQLImportTableModel.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
@@ -64,6 +65,22 @@ TEST_F(ImportHelper, ListsTablesWithTheirColumns)
                                                       {"sales", "Orders", "Id", "bigint", 0}});
     EXPECT_EQ(tables(), (QStringList{p("dbo.Orders(Id int not null, Note nvarchar(50) null)"),
                                      p("sales.Orders(Id bigint not null)")}));
+}
+
+TEST_F(ImportHelper, ReadsCodePagesAndDefaultsOfColumns)
+{
+    server->answer("List_TablesAndColumnsForImport", {{"dbo", "T", "id", "int", 0, nullptr, 1},
+                                                      {"dbo", "T", "name", "varchar(9)", 0, 1250, 0}});
+    const auto columns = helper()->tablesForImportMapper().value(0)->columns();
+    ASSERT_EQ(columns.size(), 2);
+    EXPECT_EQ(columns[0].codePage, 0);
+    EXPECT_TRUE(columns[0].hasDefault);
+    EXPECT_EQ(columns[1].codePage, 1250);
+    EXPECT_FALSE(columns[1].hasDefault);
+    EXPECT_TRUE(KNImportMapping::uncheckedColumns({{columns[0], 0}, {columns[1], 1}}, *helper()).isEmpty());
+    KNImportTableColumnModel unknown = columns[1];
+    unknown.codePage = 0;
+    EXPECT_EQ(KNImportMapping::uncheckedColumns({{unknown, 0}}, *helper()), QStringList{p("name")});
 }
 
 TEST_F(ImportHelper, ComparesNamesOfTablesWithoutCase)

@@ -331,6 +331,82 @@ TEST_F(Importing, NothingRemainsWhenTheConnectionIsLostHalfWay)
     run(*client, w("DROP TABLE dbo.Half"));
 }
 
+TEST_F(Importing, RefusesCharactersThatTheColumnsCodePageDoesNotHave)
+{
+    run(*client, w("USE shop CREATE TABLE dbo.Narrow (id int NOT NULL DEFAULT 7, v varchar(9) NOT NULL, n "
+                   "nvarchar(9))"));
+    client->databaseConnectionDetails().setDatabase(w("shop"));
+    helper = client->databaseConnectionDetails().createDatabaseImportHelper();
+    QList<KNImportTableColumnModel> columns;
+    const auto tables = helper->tablesForImportMapper();
+    for (const KNImportTableModelPtr &table : tables) {
+        if (table->name() == w("Narrow"))
+            columns = table->columns();
+    }
+    ASSERT_EQ(columns.size(), 3);
+    EXPECT_TRUE(columns[0].hasDefault);
+    EXPECT_EQ(columns[1].codePage, 1252);
+    EXPECT_EQ(columns[2].codePage, 0) << "Unicode";
+    auto thePlan = plan(write("v,n\ncaf\xc3\xa9,\xd0\x96\n\xd0\x96,b\n"), {});
+    thePlan.tablePath = QStringList{w("dbo"), w("Narrow")};
+    thePlan.columns = {{columns[1], 0}, {columns[2], 1}};
+    const auto dryOutcome = KNImportRun(thePlan).dryRun(*helper);
+    ASSERT_EQ(dryOutcome.faultCount, 1U);
+    EXPECT_EQ(dryOutcome.faults[0].line, 3U);
+    EXPECT_EQ(dryOutcome.faults[0].column, w("v"));
+    EXPECT_EQ(dryOutcome.faults[0].value, w("\xd0\x96"));
+    EXPECT_EQ(dryOutcome.faults[0].reason,
+              w("The column's code page 1252 does not have the character \"\xd0\x96\"."));
+    const auto outcome = import(thePlan);
+    EXPECT_TRUE(outcome.error.localizedDescription().startsWith(w("Line 3, column \"v\": ")))
+        << textOf(outcome);
+    EXPECT_EQ(scalar(*client, w("SELECT COUNT(*) FROM dbo.Narrow")).toInt64(), 0);
+    thePlan.faultFile = folder.filePath(w("narrow.csv"));
+    EXPECT_TRUE(import(thePlan).succeeded());
+    EXPECT_EQ(scalar(*client, w("SELECT v + n FROM dbo.Narrow")).text(), w("caf\xc3\xa9\xd0\x96"));
+    run(*client, w("DROP TABLE dbo.Narrow USE master"));
+}
+
+TEST_F(Importing, SaysThatTheServerHasUndoneEverything)
+{
+    createTable("id int PRIMARY KEY");
+    run(*client, w("SET XACT_ABORT ON"));
+    auto thePlan = plan(write("id\n1\n2\n1\n3\n"), {"id", "int"});
+    thePlan.faultFile = folder.filePath(w("undone.csv"));
+    const auto outcome = import(thePlan);
+    EXPECT_FALSE(outcome.succeeded());
+    EXPECT_EQ(outcome.rows, 0U);
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("2627"))) << textOf(outcome);
+    EXPECT_TRUE(outcome.error.localizedDescription().endsWith(
+        w("After this error the server has undone the whole import.")))
+        << textOf(outcome);
+    EXPECT_EQ(count(), 0);
+    EXPECT_EQ(transactions(), 0);
+    EXPECT_FALSE(QFile::exists(thePlan.faultFile));
+}
+
+TEST_F(Importing, SaysThatTheOutcomeIsNotKnownWhenTheConnectionIsLostInTheCommit)
+{
+    SampleServerFixture server;
+    HostileServerRelay relay(server.port(), HostileServerRelay::Fault::None, 0);
+    const QByteArray commit(reinterpret_cast<const char *>(u"COMMIT"), 12);
+    relay.changeClient([&](std::span<std::uint8_t> bytes) {
+        const auto said = QByteArray::fromRawData(reinterpret_cast<const char *>(bytes.data()),
+                                                  static_cast<qsizetype>(bytes.size()));
+        if (said.contains(commit))
+            server.kill();
+    });
+    const auto relayed = connectedClient(settings(relay.port()));
+    run(*relayed, w("USE tempdb CREATE TABLE #t (id int)"));
+    const auto thePlan = plan(write(numbers(10)), {"id", "int"});
+    KNImportRun importRun(thePlan);
+    const auto outcome = importRun.run(*relayed, *helper);
+    EXPECT_FALSE(outcome.succeeded());
+    EXPECT_TRUE(outcome.error.localizedDescription().endsWith(
+        w("The connection was lost during the commit: look whether the rows are there.")))
+        << textOf(outcome);
+}
+
 TEST_F(Importing, ReportsRowsWithKeysThatTheAnalysisDidNotFind)
 {
     createTable("a int");

@@ -167,6 +167,31 @@ TEST_F(ImportWindow, ImportsAFileFromPageToPage)
     EXPECT_EQ(m_code, 1);
 }
 
+TEST_F(ImportWindow, KnowsKeysThatOnlyLaterRecordsHave)
+{
+    QByteArray records;
+    for (int i = 0; i < 1500; ++i)
+        records += "{\"id\":" + QByteArray::number(i) + "}\n";
+    open(write("late.jsonl", records + "{\"id\":1500,\"name\":\"late\"}\n"));
+    click("Next");
+    ASSERT_TRUE(waitFor([&] { return m_wizard->targetPage()->mapping()->fileColumns().size() == 2; }));
+    EXPECT_EQ(m_wizard->targetPage()->notes(), QString());
+    ASSERT_TRUE(waitFor([&] { return m_wizard->targetPage()->isComplete(); }));
+    click("Next");
+    click("Import");
+    waitForEnd();
+    EXPECT_EQ(m_wizard->progressPage()->status(), z("1,501 rows imported."));
+    EXPECT_EQ(value("SELECT name FROM dbo.Wizard WHERE id = 1500"), z("late"));
+}
+
+TEST_F(ImportWindow, FlagsColumnsThatNeedAValue)
+{
+    open(write("n.csv", "name\na\n"));
+    click("Next");
+    EXPECT_EQ(m_wizard->targetPage()->notes(),
+              z("Need a value, because they take no NULL and have no default: id"));
+}
+
 TEST_F(ImportWindow, HasMnemonicsThatDifferOnEachPage)
 {
     open(write("m.csv", "id,name\n1,a\n"));

@@ -16,7 +16,10 @@ SELECT
             THEN c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length / 2) + N')'
         ELSE c.type_name + N'(' + CONVERT(nvarchar(10), c.max_length) + N')'
     END AS data_type,
-    c.is_nullable
+    c.is_nullable,
+    CASE WHEN c.system_type_id IN (35, 167, 175)
+        THEN CONVERT(int, COLLATIONPROPERTY(c.collation_name, N'CodePage')) END AS code_page,
+    c.has_default
 FROM (
     SELECT
         s.name AS schema_name,
@@ -27,6 +30,9 @@ FROM (
         col.[precision],
         col.scale,
         col.is_nullable,
+        col.system_type_id,
+        col.collation_name,
+        CONVERT(bit, CASE WHEN col.default_object_id <> 0 OR col.is_identity = 1 THEN 1 ELSE 0 END) AS has_default,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
         COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name

@@ -13,7 +13,11 @@ SELECT
             THEN t.name + N'(' + CONVERT(nvarchar(10), c.length) + N')'
         ELSE t.name
     END AS data_type,
-    CONVERT(bit, c.isnullable) AS is_nullable
+    CONVERT(bit, c.isnullable) AS is_nullable,
+    CASE WHEN c.xtype IN (35, 167, 175)
+        THEN CONVERT(int, COLLATIONPROPERTY(c.collation, N'CodePage')) END AS code_page,
+    CONVERT(bit, CASE WHEN c.cdefault <> 0 OR COLUMNPROPERTY(o.id, c.name, N'IsIdentity') = 1 THEN 1 ELSE 0 END)
+        AS has_default
 FROM dbo.syscolumns AS c
 INNER JOIN dbo.sysobjects AS o ON o.id = c.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
