@@ -10,6 +10,11 @@ bool VantorDatabaseClient::insertRows(const QList<QList<KNValue>> &, const QStri
     return false;
 }
 
+QString VantorDatabaseClient::optionsBatch(KNError *)
+{
+    return {};
+}
+
 VantorSessionState VantorDatabaseClient::sessionStateAfter(const QString &) const
 {
     return {};

@@ -18,7 +18,8 @@ struct VantorSessionState
 {
     bool hasTransaction = false;
     bool hasTemporaryTables = false;
-    bool hasOptions = false; ///< set by the user's statements
+    bool hasOptions = false;        ///< set by the user's statements
+    bool hasUnknownOptions = false; ///< among them are some that optionsBatch() does not restore
 };
 
 /// How a session is protected on the network, from the weakest to the strongest.
@@ -90,6 +91,9 @@ public:
     virtual std::optional<bool> isInTransaction(KNError *error) = 0;
     /// Whether running this text may open or end a transaction. Pure; any thread.
     virtual bool mayChangeTransaction(const QString &sql) const = 0;
+    /// A batch that gives another session the options of this one; null, the default, if they are not known.
+    /// Runs a separate batch, which later batches may notice.
+    virtual QString optionsBatch(KNError *error);
     /// The state that running this text may leave in the session; none by default. Pure; any thread.
     virtual VantorSessionState sessionStateAfter(const QString &sql) const;
 

@@ -3,6 +3,8 @@
 #include "Database/VantorChangedPasswords.h"
 #include "Foundation/KNFormat.h"
 
+#include <utility>
+
 namespace {
 
 const QString SessionErrorDomain = QStringLiteral("com.quorvex.vantor.session");
@@ -26,10 +28,9 @@ bool VantorTabConnection::executeQuery(const VantorDatabaseConnectionPool::Work 
         work(*client, &failure);
         const VantorDBCPtr details = connectionDetails();
         client->prepareForPool(*details, true);
-        const QString database = client->currentDatabase();
+        noteOptions(*client);
         const std::lock_guard lock(m_mutex);
         m_details = details;
-        m_lastDatabase = database;
     }
     const bool succeeded = !failure;
     if (error)
@@ -40,6 +41,7 @@ bool VantorTabConnection::executeQuery(const VantorDatabaseConnectionPool::Work 
 /// Returns the session's client, or one of a new session; null with an error.
 std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNError *error)
 {
+    const bool isReplaced = this->client() != nullptr;
     if (const auto client = this->client()) {
         if (client->isConnected() && !client->hasHungUp())
             return client;
@@ -58,12 +60,53 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
             const std::lock_guard lock(m_connectingMutex);
             m_connecting = connecting;
         });
-    const QString database = client ? client->currentDatabase() : QString();
+    if (client)
+        restoreOptions(*client, error);
+    if (!client || *error)
+        return nullptr; // the lost client stays, so that the next run tries again
     const std::lock_guard lock(m_mutex);
     m_client = client;
-    m_state = {};
-    m_firstDatabase = m_lastDatabase = database;
+    m_state = {.hasOptions = !m_optionsBatch.isNull()};
+    if (isReplaced)
+        m_notice = KNFormat(m_optionsBatch.isNull()
+                                ? "The connection was lost. A new one was opened in the database "
+                                  "\"%@\"."
+                                : "The connection was lost. A new one was opened in the database "
+                                  "\"%@\", with the SET options of the old one.",
+                            client->currentDatabase());
     return client;
+}
+
+/// Asks for the session's options after statements that may have changed them. Options that are not known may
+/// be those that turn the answer into something else, such as SHOWPLAN_TEXT.
+void VantorTabConnection::noteOptions(VantorDatabaseClient &client)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_state.hasOptions || m_state.hasUnknownOptions || !client.isConnected())
+            return;
+    }
+    KNError ignored;
+    const QString batch = client.optionsBatch(&ignored);
+    const std::lock_guard lock(m_mutex);
+    m_optionsBatch = ignored ? QString() : batch;
+}
+
+void VantorTabConnection::restoreOptions(VantorDatabaseClient &client, KNError *error)
+{
+    QString batch;
+    {
+        const std::lock_guard lock(m_mutex);
+        batch = m_optionsBatch;
+    }
+    if (!batch.isNull())
+        client.executeNonQuery(batch, error);
+}
+
+QString VantorTabConnection::takeNotice()
+{
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_notice, QString());
 }
 
 bool VantorTabConnection::cancelCurrentQuery(KNError *error)
@@ -83,6 +126,7 @@ void VantorTabConnection::addSessionState(const VantorSessionState &state)
     m_state.hasTransaction |= state.hasTransaction;
     m_state.hasTemporaryTables |= state.hasTemporaryTables;
     m_state.hasOptions |= state.hasOptions;
+    m_state.hasUnknownOptions |= state.hasUnknownOptions;
 }
 
 void VantorTabConnection::setHasTransaction(bool hasTransaction)
@@ -99,8 +143,9 @@ bool VantorTabConnection::isSessionLost(const KNError &error)
 void VantorTabConnection::beginNewSession()
 {
     const std::lock_guard lock(m_mutex);
-    m_state = {};
-    m_firstDatabase = m_lastDatabase;
+    if (m_state.hasUnknownOptions)
+        m_optionsBatch.clear();
+    m_state = {.hasOptions = !m_optionsBatch.isNull()};
 }
 
 bool VantorTabConnection::hasSessionState() const
@@ -117,10 +162,8 @@ QStringList VantorTabConnection::losses() const
         losses.append(QStringLiteral("its open transaction was rolled back by the server"));
     if (m_state.hasTemporaryTables)
         losses.append(QStringLiteral("its temporary tables are gone"));
-    if (m_state.hasOptions)
+    if (m_state.hasOptions && (m_state.hasUnknownOptions || m_optionsBatch.isNull()))
         losses.append(QStringLiteral("its SET options are gone"));
-    if (m_lastDatabase.compare(m_firstDatabase, Qt::CaseInsensitive) != 0)
-        losses.append(KNFormat("it was in the database \"%@\", in which a new one begins", m_lastDatabase));
     return losses;
 }
 

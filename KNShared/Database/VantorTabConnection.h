@@ -3,9 +3,9 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 
 /// The connection of one user query tab. Its client is kept between runs, with its temporary tables,
-/// transaction and settings. The next run replaces a lost connection and restores the user's database; if the
-/// lost session held state, only after beginNewSession(). One thread runs queries; all other operations may
-/// be called from any thread.
+/// transaction and settings. The next run replaces a lost connection and restores the user's database and SET
+/// options; if the lost session held more than that, only after beginNewSession(). One thread runs queries;
+/// all other operations may be called from any thread.
 class KNSHARED_EXPORT VantorTabConnection
 {
 public:
@@ -31,6 +31,8 @@ public:
     static bool isSessionLost(const KNError &error);
     /// Allows the next run to reconnect after the user has learned of the lost session.
     void beginNewSession();
+    /// Says once that the last run has replaced a lost connection; null otherwise.
+    QString takeNotice();
     bool isConnected() const;
     /// Returns a copy of the settings with the database in which the last run ended.
     VantorDBCPtr connectionDetails() const;
@@ -39,14 +41,16 @@ private:
     std::shared_ptr<VantorDatabaseClient> client() const;
     std::shared_ptr<VantorDatabaseClient> connectedClient(KNError *error);
     QStringList losses() const;
+    void noteOptions(VantorDatabaseClient &client);
+    void restoreOptions(VantorDatabaseClient &client, KNError *error);
 
     VantorDatabaseConnectionPool &m_pool;
     mutable std::mutex m_mutex;
     VantorDBCPtr m_details;                         ///< guarded by m_mutex
     std::shared_ptr<VantorDatabaseClient> m_client; ///< guarded by m_mutex
     VantorSessionState m_state;                     ///< guarded by m_mutex
-    QString m_firstDatabase;                        ///< in which the session began; guarded by m_mutex
-    QString m_lastDatabase;                         ///< in which the last run ended; guarded by m_mutex
-    std::mutex m_connectingMutex;                   ///< never locked by a UI thread
-    VantorDatabaseClient *m_connecting = nullptr;   ///< guarded by m_connectingMutex
+    QString m_optionsBatch;       ///< restores the options that the user has set; guarded by m_mutex
+    QString m_notice;             ///< guarded by m_mutex
+    std::mutex m_connectingMutex; ///< never locked by a UI thread
+    VantorDatabaseClient *m_connecting = nullptr; ///< guarded by m_connectingMutex
 };

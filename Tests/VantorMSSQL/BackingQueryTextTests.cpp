@@ -189,6 +189,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("SQLServerAgentStopJob"), job},
         {QStringLiteral("Script_ClearDatabase"), {}},
         {QStringLiteral("Script_SPWHO3"), {}},
+        {QStringLiteral("Session_Options"), {}},
         {QStringLiteral("Script_TableSizes"), {}},
         {QStringLiteral("Script_LongRunningQueries"), {}},
         {QStringLiteral("Script_ListConnections"), {}},

@@ -40,6 +40,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("List_AgentJobs"),
         trial("List_Federations"),
         trial("List_ServerPrincipals"),
+        trial("Session_Options"),
         trial("Properties_Server"),
         trial("Properties_Database"),
         trial("List_DatabasePrincipals"),

@@ -76,6 +76,8 @@ public:
     QStringList databaseNames(KNError *error) override;
     std::optional<bool> isInTransaction(KNError *error) override;
     bool mayChangeTransaction(const QString &sql) const override;
+    /// Null on SQL Server 2000, which does not report all options.
+    QString optionsBatch(KNError *error) override;
     VantorSessionState sessionStateAfter(const QString &sql) const override;
     bool cancelCurrentQuery(KNError *error) override;
     bool wasCancelled() const override { return m_cancellation.isRequested(); }

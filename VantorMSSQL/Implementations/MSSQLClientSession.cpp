@@ -34,6 +34,22 @@ const QSet<QString> &sessionOptions()
     return options;
 }
 
+/// Those that the query Session_Options restores. One that follows another after a comma is not among them.
+const QSet<QString> &reportedOptions()
+{
+    static const QSet<QString> options = [] {
+        const char *const names =
+            "ANSI_NULLS ANSI_NULL_DFLT_OFF ANSI_NULL_DFLT_ON ANSI_PADDING ANSI_WARNINGS ARITHABORT "
+            "ARITHIGNORE "
+            "CONCAT_NULL_YIELDS_NULL CURSOR_CLOSE_ON_COMMIT DATEFIRST DATEFORMAT DEADLOCK_PRIORITY "
+            "LANGUAGE LOCK_TIMEOUT NOCOUNT NUMERIC_ROUNDABORT QUOTED_IDENTIFIER TEXTSIZE "
+            "TRANSACTION XACT_ABORT";
+        const QStringList list = QString::fromLatin1(names).split(QLatin1Char(' '));
+        return QSet<QString>(list.begin(), list.end());
+    }();
+    return options;
+}
+
 /// A name without its brackets or quotation marks.
 QStringView bareName(QStringView token)
 {
@@ -105,6 +121,13 @@ bool MSSQLClient::mayChangeTransaction(const QString &sql) const
     return false;
 }
 
+QString MSSQLClient::optionsBatch(KNError *error)
+{
+    const auto rows = executeQuery(
+        MSSQLCatalogReader::text(*m_databaseConnectionDetails, QStringLiteral("Session_Options")), error);
+    return rows && !error->isSet() && rows->next() ? rows->stringForColumnIndex(0) : QString();
+}
+
 VantorSessionState MSSQLClient::sessionStateAfter(const QString &sql) const
 {
     VantorSessionState state;
@@ -118,11 +141,15 @@ VantorSessionState MSSQLClient::sessionStateAfter(const QString &sql) const
             continue;
         // Strings may be long, and are not needed here.
         const QString text = token.kind == SQLTokenKind::String ? QString() : token.text.toString().toUpper();
-        state.hasOptions |= isOption && text != QLatin1String("=");
+        const bool wasSet = isOption && text != QLatin1String("=");
+        state.hasOptions |= wasSet;
+        state.hasUnknownOptions |= wasSet && !reportedOptions().contains(last);
         isOption = last == QLatin1String("SET") && sessionOptions().contains(text);
         const bool isExecuteAs = text == QLatin1String("AS") &&
                                  (last == QLatin1String("EXECUTE") || last == QLatin1String("EXEC"));
-        state.hasOptions |= isExecuteAs || text == QLatin1String("SP_SET_SESSION_CONTEXT");
+        const bool hasContext = isExecuteAs || text == QLatin1String("SP_SET_SESSION_CONTEXT");
+        state.hasOptions |= hasContext;
+        state.hasUnknownOptions |= hasContext;
         const bool mayBeNew = last == QLatin1String("TABLE") || last == QLatin1String("INTO");
         state.hasTemporaryTables |= mayBeNew && bareName(text).startsWith(QLatin1Char('#'));
         last = text;

@@ -39,6 +39,7 @@ QList<CatalogQuestion> serverQuestions()
             varying("Properties_Database"),
             varying("Script_ListConnections"),
             varying("Script_LongRunningQueries"),
+            varying("Session_Options"),
             varying("Script_SPWHO3")};
 }
 

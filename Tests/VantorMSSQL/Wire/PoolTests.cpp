@@ -84,9 +84,6 @@ TEST_F(Pool, ATabGoesOnInTheDatabaseThatItsUserHadChosen)
             client.disconnect();
         },
         &error));
-    EXPECT_FALSE(tab->executeQuery([](VantorDatabaseClient &, KNError *) { FAIL(); }, &error));
-    EXPECT_TRUE(VantorTabConnection::isSessionLost(error)) << error.localizedDescription().toStdString();
-    tab->beginNewSession();
     EXPECT_TRUE(tab->executeQuery(
         [](VantorDatabaseClient &client, KNError *failure) {
             const auto rows = client.executeQuery(QStringLiteral("SELECT DB_NAME()"), failure);

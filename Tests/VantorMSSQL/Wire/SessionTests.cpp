@@ -90,6 +90,13 @@ TEST(SessionState, DetectsStatementsThatChangeSession)
           "SET LANGUAGE 'German'", "EXECUTE AS USER = 'x'", "EXEC sp_set_session_context N'a', 1"})
         EXPECT_TRUE(after(sql).hasOptions) << sql;
     for (const char *sql :
+         {"SET ROWCOUNT 5", "SET SHOWPLAN_TEXT ON", "SET STATISTICS IO ON", "EXECUTE AS USER = 'x'",
+          "EXEC sp_set_session_context N'a', 1", "SET ANSI_DEFAULTS ON"})
+        EXPECT_TRUE(after(sql).hasUnknownOptions) << sql;
+    for (const char *sql : {"SET NOCOUNT ON", "set transaction isolation level snapshot", "SET DATEFIRST 1",
+                            "SET XACT_ABORT ON SET TEXTSIZE 100", "SELECT 1"})
+        EXPECT_FALSE(after(sql).hasUnknownOptions) << sql;
+    for (const char *sql :
          {"SELECT 1", "UPDATE t SET language = 'x', a = 1", "SET @x = 1", "PRINT 'SET NOCOUNT ON'",
           "-- SET NOCOUNT ON\nSELECT 1", "SELECT * FROM #t", "CREATE TABLE t (a int)"}) {
         EXPECT_FALSE(after(sql).hasTransaction) << sql;

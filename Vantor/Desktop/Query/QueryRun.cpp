@@ -65,6 +65,7 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
             return;
         phase = Phase::Running;
     }
+    outcome->notice = connection->takeNotice();
     results->setRowLimit(request.rowLimit);
     KNScriptRun script(request.onError);
     script.setIsCancelled([this] {

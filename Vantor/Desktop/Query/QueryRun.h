@@ -34,6 +34,7 @@ struct QueryOutcome
     bool wasCancelled = false;
     bool hadBatches = true;
     QList<KNQueryDetails> notRun;      ///< the batches that were not run because of an error
+    QString notice;                    ///< says that a lost connection was replaced; null otherwise
     QString database;                  ///< the session's current database; null if not known
     std::optional<bool> inTransaction; ///< nullopt if it was not checked or there was no answer
 };

@@ -430,6 +430,8 @@ void QueryTab::finishRun()
 {
     m_clock->stop();
     const QueryOutcome &outcome = m_run->outcome();
+    if (!outcome.notice.isNull())
+        messages()->addText(outcome.notice, false);
     if (m_run->isAbandoned())
         m_session->replace(*m_session->connectionDetails());
     m_results->finishRun(outcome.error);
