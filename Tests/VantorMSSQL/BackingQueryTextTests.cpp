@@ -190,6 +190,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("Script_ClearDatabase"), {}},
         {QStringLiteral("Script_SPWHO3"), {}},
         {QStringLiteral("Session_Options"), {}},
+        {QStringLiteral("List_Sessions"), {}},
         {QStringLiteral("Script_TableSizes"), {}},
         {QStringLiteral("Script_LongRunningQueries"), {}},
         {QStringLiteral("Script_ListConnections"), {}},

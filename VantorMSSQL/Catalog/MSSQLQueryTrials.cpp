@@ -41,6 +41,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("List_Federations"),
         trial("List_ServerPrincipals"),
         trial("Session_Options"),
+        trial("List_Sessions"),
         trial("Properties_Server"),
         trial("Properties_Database"),
         trial("List_DatabasePrincipals"),

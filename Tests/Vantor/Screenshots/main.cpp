@@ -1,3 +1,4 @@
+#include "ActivityScreenshots.h"
 #include "DesignerScreenshots.h"
 #include "Desktop/Application.h"
 #include "Desktop/Main/DocumentTabs.h"
@@ -9,6 +10,7 @@
 #include "Desktop/Query/QueryTab.h"
 #include "Desktop/Session/QueryHistoryDialog.h"
 #include "Desktop/Start/StartWindow.h"
+#include "EditingScreenshots.h"
 #include "EditorScreenshots.h"
 #include "Foundation/KNDispatch.h"
 #include "Implementations/MSSQLRecentConnection.h"
@@ -26,8 +28,6 @@
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/KNPreferences.h"
 #include "UI/MSSQLUserInterface.h"
-#include "UI/ResultEditing/KNApplyRowChanges.h"
-#include "UI/ResultEditing/KNResultEditing.h"
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNExportDialog.h"
 #include "UI/Results/KNResultGridView.h"
@@ -235,41 +235,6 @@ void showRowForm(MainWindow &window, const QString &folder)
     delete form;
 }
 
-/// A result with a changed value, a deleted row and a new one, and the statements of these.
-void showEditing(MainWindow &window, const QString &folder)
-{
-    window.newQuery();
-    auto *const tab = qobject_cast<QueryTab *>(window.currentDocument());
-    tab->setText(
-        QStringLiteral("USE shop; SELECT ProductId, Sku, Name, Price, Rating, AddedAt FROM dbo.Products;"));
-    tab->run();
-    waitFor("editable result", [&] {
-        KNResultEditing *const editing = tab->resultsPane()->editing();
-        return !tab->isRunning() && editing && editing->isEditable();
-    });
-    KNResultEditing &editing = *tab->resultsPane()->editing();
-    KNResultTableModel &model = editing.model();
-    editing.setText(model.index(1, 2), QStringLiteral("Fountain pen, blue"));
-    editing.setText(model.index(1, 3), QStringLiteral("52.90"));
-    editing.setNull({model.index(3, 4)});
-    editing.removeRows({5});
-    editing.addRow();
-    editing.setText(model.index(model.rowCount() - 1, 0), QStringLiteral("900"));
-    editing.setText(model.index(model.rowCount() - 1, 2), QStringLiteral("Sealing wax"));
-    KNResultGridView &grid = *tab->resultsPane()->section(0)->grid();
-    grid.selectionModel()->setCurrentIndex(model.index(1, 2), QItemSelectionModel::ClearAndSelect);
-    QTest::qWait(50);
-    save(&window, folder, "editing");
-    KNApplyRowChanges(&grid, editing);
-    QTest::qWait(100);
-    auto *const dialog = grid.findChild<KNQueryPreviewDialog *>();
-    save(dialog, folder, "editing-preview");
-    dialog->reject();
-    editing.discard();
-    QTest::qWait(50);
-    window.tabs()->closeDocument(tab);
-}
-
 /// Shows a sheet, waits for what it loads and closes it.
 void showSheet(KNWindowController *sheet, const QString &folder, const char *name)
 {
@@ -302,6 +267,8 @@ void showPreview(MainWindow &window, const QString &folder)
 void showSheets(MainWindow &window, const QString &folder)
 {
     showEditing(window, folder);
+    showValueEditing(window, folder);
+    showActivity(window, shopSettings(window), folder);
     const auto settings = shopSettings(window);
     showSheet(
         new MSSQLRenameWindowController(QStringLiteral("Rename Column"), QStringLiteral("OrderId"), &window),

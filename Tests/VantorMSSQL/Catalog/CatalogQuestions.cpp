@@ -40,7 +40,8 @@ QList<CatalogQuestion> serverQuestions()
             varying("Script_ListConnections"),
             varying("Script_LongRunningQueries"),
             varying("Session_Options"),
-            varying("Script_SPWHO3")};
+            varying("Script_SPWHO3"),
+            varying("List_Sessions")};
 }
 
 /// What is asked of one table, by its schema and name.

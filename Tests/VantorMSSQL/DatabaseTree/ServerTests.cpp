@@ -279,8 +279,8 @@ TEST_F(ServerNode, HasTheMenuOfARoot)
     const auto node = root();
     const KNMenu menu = node->menu();
     EXPECT_EQ(menu.title, QStringLiteral("Root"));
-    EXPECT_EQ(titles(menu),
-              list({"New query", "-", "Connect", "Disconnect", "-", "Enable Agent (beta)", "-", "Refresh"}));
+    EXPECT_EQ(titles(menu), list({"New query", "-", "Connect", "Disconnect", "-", "Activity",
+                                  "Enable Agent (beta)", "-", "Refresh"}));
     EXPECT_EQ(item(menu, list({"Connect"})).action, QStringLiteral("openConnectionDialog:"));
     EXPECT_EQ(item(menu, list({"Enable Agent (beta)"})).action, QStringLiteral("toggleAgentBeta:"));
 }

@@ -2,6 +2,7 @@
 
 void MSSQLDatabaseTreeContextHelper::addActions()
 {
+    addActivityActions();
     addAgentActions();
     addDropActions();
     addExportActions();

@@ -41,6 +41,7 @@ public:
     }
 
 private:
+    void addActivityActions();
     void addAgentActions();
     void addDropActions();
     void addExportActions();

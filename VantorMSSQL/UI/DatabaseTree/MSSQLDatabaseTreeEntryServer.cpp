@@ -99,8 +99,8 @@ KNMenu MSSQLDatabaseTreeEntryServer::menu()
     agent.isChecked = MSSQLTreePreferences::isOn(MSSQLTreePreferences::AgentEnabled);
     return {QStringLiteral("Root"),
             {newQueryMenuItem(), KNMenuItem::separator(), actionItem("Connect", "openConnectionDialog:"),
-             disconnectMenuItem(), KNMenuItem::separator(), agent, KNMenuItem::separator(),
-             refreshMenuItem()}};
+             disconnectMenuItem(), KNMenuItem::separator(), actionItem("Activity", "showActivity:"), agent,
+             KNMenuItem::separator(), refreshMenuItem()}};
 }
 
 std::optional<KNDatabaseTreeEntry::List> MSSQLDatabaseTreeEntryServer::loadEntries(KNError *)
