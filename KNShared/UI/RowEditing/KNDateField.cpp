@@ -34,12 +34,9 @@ void KNDateField::setDate(const QDate &date)
     setModified(true);
 }
 
-QSize KNDateField::minimumSizeHint() const
+int KNDateField::widthFor(const QString &text) const
 {
-    const QSize size = QLineEdit::minimumSizeHint();
-    return {size.width() + fontMetrics().horizontalAdvance(text()) +
-                2 * style()->pixelMetric(QStyle::PM_SmallIconSize),
-            size.height()};
+    return fontMetrics().horizontalAdvance(text) + 3 * style()->pixelMetric(QStyle::PM_SmallIconSize);
 }
 
 QCalendarWidget *KNDateField::openCalendar()

@@ -20,7 +20,8 @@ public:
     QDate date() const;
     /// Replaces the date. A text that does not begin with one is replaced as a whole.
     void setDate(const QDate &date);
-    QSize minimumSizeHint() const override;
+    /// The width that shows this text and the button.
+    int widthFor(const QString &text) const;
 
 public Q_SLOTS:
     /// Opens the calendar as a popup, which deletes itself.

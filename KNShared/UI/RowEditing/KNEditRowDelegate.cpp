@@ -79,12 +79,12 @@ void KNEditRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
 }
 
 void KNEditRowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
-                                             const QModelIndex &) const
+                                             const QModelIndex &index) const
 {
     QRect place = option.rect;
     if (qobject_cast<QPlainTextEdit *>(editor))
         place.setHeight(option.rect.height() * TextLines);
-    else if (qobject_cast<KNDateField *>(editor))
-        place.setWidth(std::max(place.width(), editor->minimumSizeHint().width()));
+    else if (const auto *date = qobject_cast<KNDateField *>(editor)) // has no text yet
+        place.setWidth(std::max(place.width(), date->widthFor(index.data(Qt::EditRole).toString())));
     editor->setGeometry(place);
 }

@@ -24,17 +24,17 @@ struct Sized
 TEST(CodePage, KnowsTheCharactersOfLanguages)
 {
     const Sized cases[] = {
-        {1252, "caf\xC3\xA9 \xE2\x82\xAC", 6},         // é and € have one byte
-        {1252, "\xD0\x96", -1},                        // Ж
-        {1252, "\xC4\x81", -1},                        // ā, which a server makes an a
-        {1251, "\xD0\x96", 1},                         //
-        {1250, "\xC5\x81\xC3\xB3\x64\xC5\xBA", 4},     // Łódź
-        {1253, "\xCE\xA9", 1},                         // Ω
-        {932, "\xE6\x97\xA5\xE6\x9C\xAC a", 6},        // 日本 has two bytes each
-        {936, "\xE4\xB8\xAD", 2},                      // 中
-        {949, "\xED\x95\x9C", 2},                      // 한
-        {932, "\xED\x95\x9C", -1},                     //
-        {874, "\xE0\xB8\x81", 1},                      // ก
+        {1252, "caf\xC3\xA9 \xE2\x82\xAC", 6},                // é and € have one byte
+        {1252, "\xD0\x96", -1},                               // Ж
+        {1252, "\xC4\x81", -1},                               // ā, which a server makes an a
+        {1251, "\xD0\x96", 1},                                //
+        {1250, "\xC5\x81\xC3\xB3\x64\xC5\xBA", 4},            // Łódź
+        {1253, "\xCE\xA9", 1},                                // Ω
+        {932, "\xE6\x97\xA5\xE6\x9C\xAC a", 6},               // 日本 has two bytes each
+        {936, "\xE4\xB8\xAD", 2},                             // 中
+        {949, "\xED\x95\x9C", 2},                             // 한
+        {932, "\xED\x95\x9C", -1},                            //
+        {874, "\xE0\xB8\x81", 1},                             // ก
         {65001, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", 10}, // 1, 2, 3 and 4 bytes
         {1252, "\xF0\x9F\x98\x80", -1},
         {1252, "", 0},
@@ -70,7 +70,8 @@ TEST(CodePage, IsRespectedByTheConverter)
     type.codePage = KNCodePage(932);
     const KNImportConverter converter(type, true, {});
     QString reason;
-    EXPECT_EQ(converter.convert(cp("\xE6\x97\xA5\xE6\x9C\xAC"), &reason)->text(), cp("\xE6\x97\xA5\xE6\x9C\xAC"));
+    EXPECT_EQ(converter.convert(cp("\xE6\x97\xA5\xE6\x9C\xAC"), &reason)->text(),
+              cp("\xE6\x97\xA5\xE6\x9C\xAC"));
     EXPECT_FALSE(converter.convert(cp("\xE6\x97\xA5\xE6\x9C\xAC\x61"), &reason));
     EXPECT_EQ(reason, cp("The text has 5 bytes in code page 932, the column holds 4."));
     EXPECT_FALSE(converter.convert(cp("a\xED\x95\x9C"), &reason));

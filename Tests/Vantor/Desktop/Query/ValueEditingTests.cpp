@@ -80,7 +80,8 @@ TEST_F(ValueEditing, ReplacesTheDateWithACalendarAndKeepsEveryDigitBehindIt)
     applyAll();
     EXPECT_EQ(stored("SELECT CONVERT(char(10), d, 126) FROM dbo.LongValues"), u("0001-01-31"));
     EXPECT_EQ(stored("SELECT t FROM dbo.LongValues"), u("0001-01-31 23:59:59.1234567"));
-    EXPECT_EQ(stored("SELECT CONVERT(varchar(40), o) FROM dbo.LongValues"), u("0001-01-31 12:34:56.7654321 -03:30"));
+    EXPECT_EQ(stored("SELECT CONVERT(varchar(40), o) FROM dbo.LongValues"),
+              u("0001-01-31 12:34:56.7654321 -03:30"));
 }
 
 TEST_F(ValueEditing, OpensAnEmptyCalendarForNull)
