@@ -89,7 +89,8 @@ public:
     void answerWithoutRights()
     {
         const KNValue own = scalar(*m_client, QStringLiteral("SELECT @@SPID"));
-        for (const char *title : {"Script_ListConnections", "Script_SPWHO3", "Script_LongRunningQueries"}) {
+        for (const char *title :
+             {"Script_ListConnections", "Script_SPWHO3", "Script_LongRunningQueries", "List_Sessions"}) {
             KNError error;
             const auto rows = m_client->executeQuery(refused(title), &error);
             ASSERT_TRUE(rows) << title << ": " << error.localizedDescription().toStdString();
@@ -136,7 +137,7 @@ public:
     void showOwnSession()
     {
         const qint64 own = scalar(*m_client, QStringLiteral("SELECT @@SPID")).toInt64();
-        for (const char *title : {"Script_ListConnections", "Script_SPWHO3"}) {
+        for (const char *title : {"Script_ListConnections", "Script_SPWHO3", "List_Sessions"}) {
             KNError error;
             const auto rows = m_client->executeQuery(text(title), &error);
             ASSERT_TRUE(rows) << title;
