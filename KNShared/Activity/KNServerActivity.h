@@ -16,8 +16,8 @@ struct KNActivitySession
     QString host = {};
     QString program = {};
     QString database = {};
-    QString command = {};   ///< the kind of statement that runs; empty for an idle session
-    QString waitType = {};  ///< what it waits for now
+    QString command = {};    ///< the kind of statement that runs; empty for an idle session
+    QString waitType = {};   ///< what it waits for now
     qint64 milliseconds = 0; ///< since the request began, or since the last one ended
     int openTransactions = 0;
     QString statement = {}; ///< that runs or, in an idle session, ran last

@@ -41,10 +41,11 @@ MSSQLServerActivity::MSSQLServerActivity(std::shared_ptr<const VantorDBC> detail
 
 QString MSSQLServerActivity::remarkOn(const QString &refusal)
 {
-    return KNFormat(tr("Only your own session is shown. To see the others, the login needs the permission "
-                       "VIEW SERVER STATE (from SQL Server 2022 on VIEW SERVER PERFORMANCE STATE, on Azure SQL "
-                       "Database VIEW DATABASE STATE). The server says: %@"),
-                    refusal);
+    return KNFormat(
+        tr("Only your own session is shown. To see the others, the login needs the permission "
+           "VIEW SERVER STATE (from SQL Server 2022 on VIEW SERVER PERFORMANCE STATE, on Azure SQL "
+           "Database VIEW DATABASE STATE). The server says: %@"),
+        refusal);
 }
 
 /// A session with several requests at a time has several rows: the first one counts.

@@ -59,10 +59,9 @@ QTreeWidgetItem *KNActivityView::itemOf(const KNActivitySession &session) const
     const QString number = QString::number(session.id);
     item->setText(Session, session.isOwn ? KNFormat(tr("%@ (this one)"), number) : number);
     const bool isBlocked = session.blockedBy != 0 && session.blockedBy != session.id;
-    item->setText(Status, !isBlocked ? session.status
-                          : session.blockedBy > 0
-                              ? KNFormat(tr("blocked by %d"), session.blockedBy)
-                              : tr("blocked by the server"));
+    item->setText(Status, !isBlocked              ? session.status
+                          : session.blockedBy > 0 ? KNFormat(tr("blocked by %d"), session.blockedBy)
+                                                  : tr("blocked by the server"));
     item->setText(Duration, durationText(session.milliseconds));
     item->setTextAlignment(Duration, Qt::AlignRight | Qt::AlignVCenter);
     item->setText(Database, session.database);

@@ -13,7 +13,18 @@ class KNSHAREDUI_EXPORT KNActivityView : public QTreeWidget
     Q_OBJECT
 
 public:
-    enum Column { Session, Status, Duration, Database, Login, Host, Program, Transactions, Wait, ColumnCount };
+    enum Column {
+        Session,
+        Status,
+        Duration,
+        Database,
+        Login,
+        Host,
+        Program,
+        Transactions,
+        Wait,
+        ColumnCount
+    };
 
     explicit KNActivityView(QWidget *parent = nullptr);
 

@@ -111,9 +111,9 @@ TEST(ActivityBlockers, PutASessionBelowTheOneThatItWaitsFor)
 
 TEST(ActivityBlockers, CutACircle)
 {
-    EXPECT_EQ(KNServerActivity::blockers(
-                  {sessionOf(1, 3), sessionOf(2, 1), sessionOf(3, 2), sessionOf(4, 2)}),
-              (QList<qsizetype>{-1, 0, 1, 1}));
+    EXPECT_EQ(
+        KNServerActivity::blockers({sessionOf(1, 3), sessionOf(2, 1), sessionOf(3, 2), sessionOf(4, 2)}),
+        (QList<qsizetype>{-1, 0, 1, 1}));
 }
 
 TEST(ActivityView, ShowsTimesWithTheDigitsThatMatter)

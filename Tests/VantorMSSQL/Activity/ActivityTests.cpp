@@ -71,14 +71,16 @@ TEST(Activity, ReadsTheSessionsOfAnOldServer)
 TEST(Activity, SaysWhichPermissionIsMissing)
 {
     const auto server = FakeCatalog::Server::create("Microsoft SQL Server 2022");
-    server->answer("List_Sessions", {{51, 0, "running", "ann", "pc", "app", "shop", nullptr, nullptr, 0, 0, nullptr, 1,
-                                     "VIEW SERVER STATE permission was denied on object 'server'."}});
+    server->answer("List_Sessions",
+                   {{51, 0, "running", "ann", "pc", "app", "shop", nullptr, nullptr, 0, 0, nullptr, 1,
+                     "VIEW SERVER STATE permission was denied on object 'server'."}});
     KNError error;
     const KNActivitySnapshot snapshot = MSSQLServerActivity(server->settings()).read(&error);
     EXPECT_FALSE(error);
     ASSERT_EQ(snapshot.sessions.size(), 1);
     EXPECT_TRUE(snapshot.sessions[0].isOwn);
-    EXPECT_TRUE(snapshot.remark.startsWith(QStringLiteral("Only your own session is shown. To see the others, ")));
+    EXPECT_TRUE(
+        snapshot.remark.startsWith(QStringLiteral("Only your own session is shown. To see the others, ")));
     EXPECT_TRUE(snapshot.remark.endsWith(
         QStringLiteral("The server says: VIEW SERVER STATE permission was denied on object 'server'.")));
 }
@@ -86,9 +88,10 @@ TEST(Activity, SaysWhichPermissionIsMissing)
 TEST(Activity, ShowsASessionWithSeveralRequestsOnce)
 {
     const auto server = FakeCatalog::Server::create("Microsoft SQL Server 2022");
-    server->answer("List_Sessions",
-                  {{51, 50, "suspended", "ann", "pc", "app", "shop", "UPDATE", "LCK_M_X", 1500, 1, " UPDATE t ", 0, nullptr},
-                   {51, 0, "running", "ann", "pc", "app", "shop", "SELECT", nullptr, 3, 1, "SELECT 1", 0, nullptr}});
+    server->answer("List_Sessions", {{51, 50, "suspended", "ann", "pc", "app", "shop", "UPDATE", "LCK_M_X",
+                                      1500, 1, " UPDATE t ", 0, nullptr},
+                                     {51, 0, "running", "ann", "pc", "app", "shop", "SELECT", nullptr, 3, 1,
+                                      "SELECT 1", 0, nullptr}});
     KNError error;
     const KNActivitySnapshot snapshot = MSSQLServerActivity(server->settings()).read(&error);
     ASSERT_EQ(snapshot.sessions.size(), 1);
@@ -107,7 +110,9 @@ TEST(Activity, IsOpenedOnceFromTheTree)
     const auto root = MSSQLDatabaseTreeEntryServer::create();
     root->setContextHelper(helper);
     root->setDatabaseConnectionDetails(workspace.databaseConnectionDetails().get());
-    const auto perform = [&] { helper->performAction(QStringLiteral("showActivity:"), KNDatabaseTreeEntry::Ptr(root)); };
+    const auto perform = [&] {
+        helper->performAction(QStringLiteral("showActivity:"), KNDatabaseTreeEntry::Ptr(root));
+    };
     perform();
     ASSERT_EQ(workspace.documents().size(), 1);
     auto *const tab = qobject_cast<KNActivityTab *>(workspace.documents().first());

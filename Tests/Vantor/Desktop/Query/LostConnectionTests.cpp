@@ -61,9 +61,10 @@ TEST_F(LostConnection, IsReplacedWithItsDatabaseAndOptions)
     EXPECT_EQ(shown(0), QStringLiteral("library"));
     EXPECT_EQ(shown(1), QStringLiteral("16384"));
     EXPECT_EQ(shown(2), QStringLiteral("12345"));
-    EXPECT_NE(messages().find("The connection was lost. A new one was opened in the database \"library\", with the "
-                              "SET options of the old one."),
-              std::string::npos)
+    EXPECT_NE(
+        messages().find("The connection was lost. A new one was opened in the database \"library\", with the "
+                        "SET options of the old one."),
+        std::string::npos)
         << messages();
     run("SELECT 1");
     EXPECT_EQ(messages().find("The connection was lost."), std::string::npos) << "said again";
@@ -87,7 +88,8 @@ TEST_F(LostConnection, SaysThatTemporaryTablesAreGoneAndRestoresTheRest)
     restartServer();
     run("SELECT @@OPTIONS & 16384");
     ASSERT_EQ(alerts.questions.size(), 1U);
-    EXPECT_EQ(alerts.questions[0].title, QStringLiteral("The session was lost: its temporary tables are gone."));
+    EXPECT_EQ(alerts.questions[0].title,
+              QStringLiteral("The session was lost: its temporary tables are gone."));
     alerts.pending[0](1);
     ASSERT_TRUE(waitFor([&] { return !tab->isRunning() && tab->messages()->isComplete(); }));
     EXPECT_EQ(shown(0), QStringLiteral("16384"));
