@@ -15,7 +15,10 @@ BEGIN TRY
 		r.wait_type,
 		CASE
 			WHEN r.session_id IS NOT NULL THEN CONVERT(bigint, r.total_elapsed_time)
-			ELSE CONVERT(bigint, DATEDIFF(second, s.last_request_end_time, GETDATE())) * 1000
+			-- A session that has run nothing yet has 1900-01-01, whose seconds exceed an int.
+			WHEN s.last_request_end_time > s.login_time
+				THEN CONVERT(bigint, DATEDIFF(second, s.last_request_end_time, GETDATE())) * 1000
+			ELSE CONVERT(bigint, DATEDIFF(second, s.login_time, GETDATE())) * 1000
 		END AS milliseconds,
 		CONVERT(int, ISNULL(r.open_transaction_count, p.open_tran)) AS open_transactions,
 		CASE

@@ -9,7 +9,11 @@ SELECT TOP 5000
 	DB_NAME(p.dbid) AS database_name,
 	CASE WHEN RTRIM(p.status) <> 'sleeping' OR p.blocked <> 0 THEN RTRIM(p.cmd) END AS command,
 	CASE WHEN p.waittime > 0 THEN RTRIM(p.lastwaittype) END AS wait_type,
-	CONVERT(bigint, DATEDIFF(second, p.last_batch, GETDATE())) * 1000 AS milliseconds,
+	CASE
+		-- A session that has run nothing yet has 1900-01-01, whose seconds exceed an int.
+		WHEN p.last_batch > p.login_time THEN CONVERT(bigint, DATEDIFF(second, p.last_batch, GETDATE())) * 1000
+		ELSE CONVERT(bigint, DATEDIFF(second, p.login_time, GETDATE())) * 1000
+	END AS milliseconds,
 	CONVERT(int, p.open_tran) AS open_transactions,
 	NULL AS statement_text,
 	CONVERT(bit, CASE WHEN p.spid = @@SPID THEN 1 ELSE 0 END) AS is_own,
