@@ -9,21 +9,14 @@
 
 namespace {
 
-bool isKeyword(const QString &word)
-{
-    const QStringList &keywords = MSSQLWordLists::keywords();
-    return std::binary_search(keywords.begin(), keywords.end(), word, [](const QString &a, const QString &b) {
-        return a.compare(b, Qt::CaseInsensitive) < 0;
-    });
-}
-
 bool needsBrackets(const QString &name)
 {
     static const QRegularExpression mssqlRequireEscapeRegex(QStringLiteral("[^a-z_0-9]+"),
                                                             QRegularExpression::CaseInsensitiveOption);
     const bool startsWithDigit =
         !name.isEmpty() && name.front() >= QLatin1Char('0') && name.front() <= QLatin1Char('9');
-    return mssqlRequireEscapeRegex.match(name).hasMatch() || startsWithDigit || isKeyword(name);
+    return mssqlRequireEscapeRegex.match(name).hasMatch() || startsWithDigit ||
+           MSSQLWordLists::isKeyword(name);
 }
 
 QString textLiteral(QString text)

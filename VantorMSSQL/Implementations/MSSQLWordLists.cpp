@@ -38,6 +38,14 @@ const QStringList &MSSQLWordLists::keywords()
     return words;
 }
 
+bool MSSQLWordLists::isKeyword(const QString &word)
+{
+    const QStringList &words = keywords();
+    return std::binary_search(words.begin(), words.end(), word, [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    });
+}
+
 const QStringList &MSSQLWordLists::reservedWords()
 {
     static const QStringList words = wordsOfResource("MSSQLReservedWords");

@@ -7,6 +7,8 @@
 namespace MSSQLWordLists {
 
 const QStringList &keywords();
+/// Whether a word is one of them, in any case.
+bool isKeyword(const QString &word);
 /// The keywords that cannot be names without brackets in any version from 2000 on.
 const QStringList &reservedWords();
 const QStringList &functions();

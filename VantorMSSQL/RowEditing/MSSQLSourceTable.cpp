@@ -41,11 +41,6 @@ const QSet<QString> &otherWords()
     return words;
 }
 
-bool isKeyword(const QString &word)
-{
-    return MSSQLWordLists::keywords().contains(word, Qt::CaseInsensitive);
-}
-
 struct Piece
 {
     SQLTokenKind kind;
@@ -121,7 +116,8 @@ private:
     }
     bool isName() const
     {
-        return !piece().name.isNull() && (piece().kind != SQLTokenKind::Word || !isKeyword(piece().name));
+        return !piece().name.isNull() &&
+               (piece().kind != SQLTokenKind::Word || !MSSQLWordLists::isKeyword(piece().name));
     }
 
     /// USE database before the statement.
