@@ -19,7 +19,6 @@
 
 namespace {
 
-using Kind = MSSQLScriptBatches::Kind;
 constexpr auto ScripterDomain = "mssql.export.objects";
 
 /// `file` keeps what must run later than the object itself in another file.
@@ -226,7 +225,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::dropParts(const QList<Scripted> &scri
     QList<KNScriptPart> parts;
     for (const Scripted &each : scripted) {
         for (const MSSQLScriptBatches::Batch &batch : each.batches) {
-            if (batch.kind == Kind::ForeignKey && !batch.name.isEmpty())
+            if (batch.kind == MSSQLScriptBatches::Kind::ForeignKey && !batch.name.isEmpty())
                 parts.append(textPart(file, each.object,
                                       MSSQLScriptConditions::dropForeignKey(each.object, batch.name)));
         }
@@ -256,7 +255,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::serverParts(const QList<Scripted> &sc
 {
     const MSSQLScriptConditions conditions(options);
     QList<KNScriptPart> parts;
-    const auto addBatches = [&](Kind kind, bool isWanted, const char *suffix) {
+    const auto addBatches = [&](MSSQLScriptBatches::Kind kind, bool isWanted, const char *suffix) {
         for (const Scripted &each : scripted) {
             QString text;
             for (const MSSQLScriptBatches::Batch &batch : each.batches) {
@@ -272,14 +271,14 @@ QList<KNScriptPart> MSSQLDatabaseScripter::serverParts(const QList<Scripted> &sc
         parts += dropParts(scripted);
     if (hasSchema)
         parts += schemaParts(scripted);
-    addBatches(Kind::Object, hasSchema, "");
+    addBatches(MSSQLScriptBatches::Kind::Object, hasSchema, "");
     for (const Scripted &each : scripted) {
         if (options.data && each.object.hasRows)
             parts.append(rowsPart(each.object));
     }
-    addBatches(Kind::Index, hasSchema && options.indexes, "");
-    addBatches(Kind::ForeignKey, hasSchema && options.constraints, ".ForeignKeys");
-    addBatches(Kind::Trigger, hasSchema && options.triggers, ".Triggers");
+    addBatches(MSSQLScriptBatches::Kind::Index, hasSchema && options.indexes, "");
+    addBatches(MSSQLScriptBatches::Kind::ForeignKey, hasSchema && options.constraints, ".ForeignKeys");
+    addBatches(MSSQLScriptBatches::Kind::Trigger, hasSchema && options.triggers, ".Triggers");
     return parts;
 }
 

@@ -5,8 +5,6 @@
 
 namespace {
 
-using Kind = MSSQLScriptBatches::Kind;
-
 /// The words and names at the beginning of a batch.
 QList<SQLToken> wordsOf(const QString &text)
 {
@@ -55,34 +53,35 @@ bool isSettings(const QList<SQLToken> &words)
            (is(words, 1, "ANSI_NULLS") || is(words, 1, "QUOTED_IDENTIFIER") || is(words, 1, "ANSI_PADDING"));
 }
 
-Kind kindOf(const QList<SQLToken> &words, QString *name)
+MSSQLScriptBatches::Kind kindOf(const QList<SQLToken> &words, QString *name)
 {
     const qsizetype index = indexOf(words, "INDEX");
     if (is(words, 0, "CREATE") && index > 0 && index < 5 && !is(words, 1, "TABLE") && !is(words, 1, "VIEW")) {
         *name = nameAt(words, index + 1);
-        return Kind::Index;
+        return MSSQLScriptBatches::Kind::Index;
     }
     if (is(words, 0, "ALTER") && index == 1)
-        return Kind::Index;
+        return MSSQLScriptBatches::Kind::Index;
     if (is(words, 0, "CREATE") && is(words, 1, "TRIGGER")) {
         // [schema].[name]
         *name = nameAt(words, is(words, 3, ".") ? 4 : 2);
-        return Kind::Trigger;
+        return MSSQLScriptBatches::Kind::Trigger;
     }
     const qsizetype trigger = indexOf(words, "TRIGGER");
     if (trigger == 1 && (is(words, 0, "DISABLE") || is(words, 0, "ENABLE")))
-        return Kind::Trigger;
+        return MSSQLScriptBatches::Kind::Trigger;
     if (!is(words, 0, "ALTER") || !is(words, 1, "TABLE"))
-        return Kind::Object;
+        return MSSQLScriptBatches::Kind::Object;
     if (trigger > 0 && (is(words, trigger - 1, "DISABLE") || is(words, trigger - 1, "ENABLE")))
-        return Kind::Trigger;
+        return MSSQLScriptBatches::Kind::Trigger;
     const qsizetype constraint = indexOf(words, "CONSTRAINT");
     if (is(words, constraint + 2, "FOREIGN") && is(words, constraint + 3, "KEY")) {
         *name = nameAt(words, constraint + 1);
-        return Kind::ForeignKey;
+        return MSSQLScriptBatches::Kind::ForeignKey;
     }
     const bool isSwitch = is(words, constraint - 1, "CHECK") || is(words, constraint - 1, "NOCHECK");
-    return isSwitch || indexOf(words, "FOREIGN") > 0 ? Kind::ForeignKey : Kind::Object;
+    return isSwitch || indexOf(words, "FOREIGN") > 0 ? MSSQLScriptBatches::Kind::ForeignKey
+                                                     : MSSQLScriptBatches::Kind::Object;
 }
 
 } // namespace
@@ -99,7 +98,7 @@ MSSQLScriptBatches::MSSQLScriptBatches(const QString &script)
             continue;
         }
         QString name;
-        const Kind kind = kindOf(words, &name);
+        const auto kind = kindOf(words, &name);
         m_batches.append({kind, settings, batch.targetQuery, name});
         settings.clear();
     }

@@ -5,7 +5,6 @@
 
 namespace {
 
-using Kind = MSSQLScriptBatches::Kind;
 using MSSQLObjectPath::bracketed;
 
 QString unicodeLiteral(QString text)
@@ -44,11 +43,11 @@ QString isMissing(const KNScriptObject &object)
 /// The condition under which a batch has something to do; null if it always runs.
 QString conditionOf(const KNScriptObject &object, const MSSQLScriptBatches::Batch &batch)
 {
-    if (batch.kind == Kind::Object)
+    if (batch.kind == MSSQLScriptBatches::Kind::Object)
         return isMissing(object);
     if (batch.name.isEmpty())
         return {};
-    if (batch.kind == Kind::Index)
+    if (batch.kind == MSSQLScriptBatches::Kind::Index)
         return KNFormat("INDEXPROPERTY(OBJECT_ID(%@), %@, 'IndexID') IS NULL", unicodeLiteral(pathOf(object)),
                         unicodeLiteral(batch.name));
     return KNFormat("OBJECT_ID(%@) IS NULL", unicodeLiteral(pathOf(object.schema, batch.name)));
