@@ -7,6 +7,8 @@
 #include <limits>
 #include <string>
 
+namespace KNValueTests {
+
 namespace {
 
 using Kind = KNValue::Kind;
@@ -173,3 +175,5 @@ TEST(KNValue, IsEqualOnlyToTheSameKindAndValue)
     EXPECT_EQ(decimal("1.0"), decimal("1.00"));
     EXPECT_EQ(KNValue(QByteArray("x")), KNValue(QByteArray("x")));
 }
+
+} // namespace KNValueTests

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace KNImportConverterTests {
+
 using Kind = KNImportColumnType::Kind;
 
 namespace {
@@ -199,3 +201,5 @@ TEST(ImportColumnAnalysis, KeepsTextsThatOnlyLookLikeNumbers)
     EXPECT_EQ(analysis({"", ""}).dataType(), KNImportColumnAnalysis::Text);
     EXPECT_EQ(analysis({"ab", "abcde"}).maxLength(), 5U);
 }
+
+} // namespace KNImportConverterTests

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace KNCellStatisticsTests {
+
 using namespace ResultTesting;
 
 namespace {
@@ -133,3 +135,5 @@ TEST(CellStatistics, StopWhenCancelled)
 {
     EXPECT_FALSE(KNCellStatistics::of(*numberedRows(10), nullptr, {{{0, 10}, {0}}}, true));
 }
+
+} // namespace KNCellStatisticsTests

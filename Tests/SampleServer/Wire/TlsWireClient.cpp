@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::uint8_t PreloginPacket = 18;
+constexpr std::uint8_t PreloginMessage = 18;
 
 void check(ssize_t result)
 {
@@ -25,7 +25,7 @@ TlsWireClient::~TlsWireClient() = default;
 
 std::uint8_t TlsWireClient::askForEncryption(std::uint8_t wish)
 {
-    sendMessage(PreloginPacket, LoginBytes::prelogin(wish));
+    sendMessage(PreloginMessage, LoginBytes::prelogin(wish));
     const Bytes answer = readMessage();
     // The second option, whose offset stands at 6 and 7 with the most significant byte first.
     if (answer.size() < 8 || answer.at(5) != 1)
@@ -67,7 +67,7 @@ void TlsWireClient::flushHandshake()
     if (m_outgoing.empty())
         return;
     const std::shared_ptr<gnutls_session_int> session = std::move(m_session);
-    sendMessage(PreloginPacket, m_outgoing, 0, m_packetSize); // in clear, packet by packet
+    sendMessage(PreloginMessage, m_outgoing, 0, m_packetSize); // in clear, packet by packet
     m_session = session;
     m_outgoing.clear();
 }
@@ -84,7 +84,7 @@ ssize_t TlsWireClient::pull(void *self, void *data, std::size_t size)
         if (client.m_incoming.empty()) {
             Bytes header(8);
             client.WireClient::readExactly(header.data(), header.size());
-            if (header[0] != PreloginPacket)
+            if (header[0] != PreloginMessage)
                 return -1;
             client.m_incoming.resize(static_cast<std::size_t>(header[2] << 8 | header[3]) - header.size());
             client.WireClient::readExactly(client.m_incoming.data(), client.m_incoming.size());

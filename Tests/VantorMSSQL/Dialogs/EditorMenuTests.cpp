@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace EditorMenuTests {
+
 namespace {
 
 /// The name at the mark ^, which is taken out.
@@ -66,3 +68,5 @@ TEST(EditorMenu, OffersToExecuteTheProcedureOfThatName)
     EXPECT_TRUE(MSSQLEditorMenu::at(QStringLiteral("a.b.c.d"), 3, details, target).items.empty());
     EXPECT_TRUE(MSSQLEditorMenu::at(QStringLiteral("SELECT 1"), 3, details, target).items.empty());
 }
+
+} // namespace EditorMenuTests

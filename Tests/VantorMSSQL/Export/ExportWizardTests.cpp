@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
+namespace ExportWizardTests {
+
 namespace {
 
 class ExportWizard : public ActionTest
@@ -145,3 +147,5 @@ TEST_F(ExportWizard, CanBeUsedByKeyboard)
     DialogTesting::pressEscape(wizard);
     EXPECT_TRUE(wizard.closed());
 }
+
+} // namespace ExportWizardTests

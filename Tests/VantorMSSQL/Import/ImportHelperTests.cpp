@@ -3,6 +3,8 @@
 #include "Import/MSSQLImportTableModel.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
 
+namespace ImportHelperTests {
+
 using Kind = KNImportColumnType::Kind;
 
 namespace {
@@ -189,3 +191,5 @@ TEST_F(ImportHelper, WritesStatementsWithQuotedNames)
     EXPECT_EQ(statements.allowIdentity, p("SET IDENTITY_INSERT sales.[a]]b] ON"));
     EXPECT_EQ(statements.forbidIdentity, p("SET IDENTITY_INSERT sales.[a]]b] OFF"));
 }
+
+} // namespace ImportHelperTests

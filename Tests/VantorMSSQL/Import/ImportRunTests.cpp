@@ -13,6 +13,8 @@
 
 #include <thread>
 
+namespace ImportRunTests {
+
 using namespace WireTest;
 
 namespace {
@@ -416,3 +418,5 @@ TEST_F(Importing, ReportsRowsWithKeysThatTheAnalysisDidNotFind)
         << textOf(outcome);
     EXPECT_EQ(count(), 0);
 }
+
+} // namespace ImportRunTests

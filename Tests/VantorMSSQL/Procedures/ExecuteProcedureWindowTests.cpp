@@ -7,6 +7,8 @@
 
 #include <QTableView>
 
+namespace ExecuteProcedureWindowTests {
+
 namespace {
 
 using Dialog = MSSQLExecuteStoredProcedureWindowController;
@@ -193,3 +195,5 @@ TEST_F(ExecuteProcedure, CanBeUsedByKeyboard)
     DialogTesting::pressEscape(dialog);
     EXPECT_TRUE(dialog.closed());
 }
+
+} // namespace ExecuteProcedureWindowTests

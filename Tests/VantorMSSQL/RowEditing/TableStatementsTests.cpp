@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace TableStatementsTests {
+
 namespace {
 
 QString u(const char *utf8)
@@ -187,3 +189,5 @@ TEST(RowChanges, DoNotReadANewRowWithoutItsKey)
     ASSERT_EQ(changes.size(), 1);
     EXPECT_TRUE(changes[0].readBack.isNull());
 }
+
+} // namespace TableStatementsTests

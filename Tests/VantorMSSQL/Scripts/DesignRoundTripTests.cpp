@@ -11,6 +11,8 @@
 
 #include <optional>
 
+namespace DesignRoundTripTests {
+
 using Kind = KNColumnEdit::Kind;
 using Property = KNColumnEdit::Property;
 
@@ -204,3 +206,5 @@ TEST_P(DesignRoundTrip, OfAnAddedColumnKeepsEveryTable)
         EXPECT_EQ(scriptOf(table), before);
     }
 }
+
+} // namespace DesignRoundTripTests

@@ -9,6 +9,8 @@
 #include "Scripts/MSSQLScriptSubject.h"
 #include "VantorMSSQL/Scripts/ScriptTest.h"
 
+namespace ScriptReviewTests {
+
 namespace {
 
 QString u(const char *text)
@@ -200,3 +202,5 @@ TEST(ScriptReview, LetsNoScriptRunThatItCannotRead)
             EXPECT_TRUE(line.isEmpty() || line.startsWith(u("-- "))) << line.toStdString();
     }
 }
+
+} // namespace ScriptReviewTests

@@ -2,6 +2,8 @@
 
 #include <map>
 
+namespace ValueTests {
+
 using namespace WireTest;
 
 namespace {
@@ -208,3 +210,5 @@ TEST(OddNames, OfColumnsArriveWhole)
     EXPECT_EQ(results[0]->columnNames(), (QStringList{QStringLiteral("a]b"), QStringLiteral("\"q\" 'x'.y"),
                                                       QStringLiteral("🐘"), longName}));
 }
+
+} // namespace ValueTests
