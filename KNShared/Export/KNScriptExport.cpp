@@ -4,14 +4,13 @@
 #include "Foundation/KNFormat.h"
 
 #include <QDir>
+#include <QHash>
 
-#include <map>
 #include <memory>
-#include <vector>
 
 namespace {
 
-/// The open files of an export. All of them are completed at its end.
+/// The files of an export, of which one at a time is open.
 class ScriptFiles
 {
 public:
@@ -20,55 +19,74 @@ public:
     {
     }
 
-    /// The file of a part; null with an error.
+    /// Opens the file of a part, if it is another one than that of the part before, which is then complete.
+    /// Null with an error.
     KNTargetFile *fileFor(const QString &part, KNError *error)
     {
         const QString path = m_scripts.isFolder
                                  ? QDir(m_scripts.target).filePath(KNScriptExport::fileNameFor(part))
                                  : m_scripts.target;
-        auto &file = m_files[path];
-        if (!file) {
-            if (m_scripts.isFolder && !QDir().mkpath(m_scripts.target)) {
-                *error = KNError(
-                    QStringLiteral("com.quorvex.vantor.export"), 0,
-                    KNFormat(KNScriptExport::tr("The folder %@ could not be created."), m_scripts.target));
-                return nullptr;
-            }
-            file = std::make_unique<KNTargetFile>(path);
-            m_order.push_back(path);
-            if (!file->open(error))
-                return nullptr;
-        }
-        return file.get();
+        if (m_file && path == m_path)
+            return m_file.get();
+        *error = commit();
+        if (*error || !createFolder(error))
+            return nullptr;
+        m_path = path;
+        m_file = std::make_unique<KNTargetFile>(path);
+        m_order.append(path);
+        return m_file->open(error) ? m_file.get() : nullptr;
     }
 
     /// The list of the files in the order in which they run, for a folder.
     KNError writeList()
     {
-        KNError error;
         QByteArray list;
-        for (const QString &path : m_order)
+        for (const QString &path : std::as_const(m_order))
             list += ":r \"" + QFileInfo(path).fileName().toUtf8() + "\"\r\n";
+        KNError error;
         if (KNTargetFile *const file = fileFor(QStringLiteral("_run_all"), &error))
             file->device().write(list);
         return error;
     }
 
+    /// Completes the open file.
     KNError commit()
     {
         KNError error;
-        for (const QString &path : m_order) {
-            if (!m_files[path]->commit(&error))
-                return error;
-        }
+        if (m_file)
+            m_file->commit(&error);
+        m_file.reset();
         return error;
     }
 
 private:
+    bool createFolder(KNError *error) const
+    {
+        if (!m_scripts.isFolder || QDir().mkpath(m_scripts.target))
+            return true;
+        *error =
+            KNError(QStringLiteral("com.quorvex.vantor.export"), 0,
+                    KNFormat(KNScriptExport::tr("The folder %@ could not be created."), m_scripts.target));
+        return false;
+    }
+
     const KNScriptExport &m_scripts;
-    std::map<QString, std::unique_ptr<KNTargetFile>> m_files;
-    std::vector<QString> m_order;
+    std::unique_ptr<KNTargetFile> m_file;
+    QString m_path; ///< of the open file
+    QStringList m_order;
 };
+
+/// Moves the parts of one file together, to where the first of them is.
+QList<KNScriptPart> groupedByFile(const QList<KNScriptPart> &parts)
+{
+    QHash<QString, QList<KNScriptPart>> files;
+    for (const KNScriptPart &part : parts)
+        files[part.name].append(part);
+    QList<KNScriptPart> grouped;
+    for (const KNScriptPart &part : parts)
+        grouped += files.take(part.name);
+    return grouped;
+}
 
 } // namespace
 
@@ -76,9 +94,11 @@ KNError KNScriptExport::run(KNDatabaseScripter &scripter, const Progress &progre
                             const KNRowStream::IsCancelled &isCancelled) const
 {
     KNError error;
-    const QList<KNScriptPart> parts = scripter.parts(objects, options, &error);
+    QList<KNScriptPart> parts = scripter.parts(objects, options, &error);
     if (error)
         return error;
+    if (isFolder)
+        parts = groupedByFile(parts);
     ScriptFiles files(*this);
     if (!isFolder && !files.fileFor({}, &error))
         return error;

@@ -18,9 +18,9 @@ public:
     QString target; ///< a file; or a folder, which is created if it is missing
     bool isFolder = false;
 
-    /// Replaces the target's files as a whole, or leaves them as they were after an error or a cancellation.
-    /// Both functions may be empty; they are called on this thread. Blocks on the server: any thread except
-    /// the UI thread.
+    /// Replaces each file as a whole: after an error or a cancellation a file is as it was, and in a folder
+    /// those before it are complete. Both functions may be empty; they are called on this thread. Blocks on
+    /// the server: any thread except the UI thread.
     KNError run(KNDatabaseScripter &scripter, const Progress &progress,
                 const KNRowStream::IsCancelled &isCancelled) const;
 
