@@ -26,7 +26,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_nullText(new QLineEdit)
     , m_dateFormat(new QComboBox)
     , m_previewsRowChanges(new QCheckBox(tr("Show the statements of &edited rows before they run")))
-    , m_sendsRowWhenLeft(new QCheckBox(tr("Send changes when the row &is left")))
+    , m_sendsRowWhenLeft(new QCheckBox(tr("Send changes when you lea&ve the row")))
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
