@@ -77,13 +77,15 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
     return client;
 }
 
-/// Asks for the session's options after statements that may have changed them. Options that are not known may
-/// be those that turn the answer into something else, such as SHOWPLAN_TEXT.
+/// Asks for the session's options after a run that may have changed them, and after no other: the user's next
+/// statement may ask how many rows the one before affected. Options that are not known may be those that turn
+/// the answer into something else, such as SHOWPLAN_TEXT.
 void VantorTabConnection::noteOptions(VantorDatabaseClient &client)
 {
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_state.hasOptions || m_state.hasUnknownOptions || !client.isConnected())
+        const bool mayHaveChanged = std::exchange(m_mayHaveChangedOptions, false);
+        if (!mayHaveChanged || m_state.hasUnknownOptions || !client.isConnected())
             return;
     }
     KNError ignored;
@@ -126,6 +128,7 @@ void VantorTabConnection::addSessionState(const VantorSessionState &state)
     m_state.hasTransaction |= state.hasTransaction;
     m_state.hasTemporaryTables |= state.hasTemporaryTables;
     m_state.hasOptions |= state.hasOptions;
+    m_mayHaveChangedOptions |= state.hasOptions;
     m_state.hasUnknownOptions |= state.hasUnknownOptions;
 }
 

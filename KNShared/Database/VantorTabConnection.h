@@ -49,6 +49,7 @@ private:
     VantorDBCPtr m_details;                         ///< guarded by m_mutex
     std::shared_ptr<VantorDatabaseClient> m_client; ///< guarded by m_mutex
     VantorSessionState m_state;                     ///< guarded by m_mutex
+    bool m_mayHaveChangedOptions = false;           ///< since m_optionsBatch was read; guarded by m_mutex
     QString m_optionsBatch;       ///< restores the options that the user has set; guarded by m_mutex
     QString m_notice;             ///< guarded by m_mutex
     std::mutex m_connectingMutex; ///< never locked by a UI thread

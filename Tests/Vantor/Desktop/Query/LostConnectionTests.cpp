@@ -73,6 +73,14 @@ TEST_F(LostConnection, IsReplacedWithItsDatabaseAndOptions)
     EXPECT_EQ(shown(1), QStringLiteral("16384")) << "lost with the second connection";
 }
 
+TEST_F(LostConnection, KeepsTheRowCountBetweenRunsOnceOptionsAreSet)
+{
+    run("SET XACT_ABORT ON");
+    run("SELECT TOP 3 * FROM Customers");
+    run("SELECT @@ROWCOUNT");
+    EXPECT_EQ(shown(0), QStringLiteral("3"));
+}
+
 TEST_F(LostConnection, AsksWhenOptionsAreGoneThatCannotBeRestored)
 {
     run("SET ROWCOUNT 1");
