@@ -1,6 +1,7 @@
 #include "CommandLine/CatalogCommand.h"
 
 #include "CommandLine/CatalogTrials.h"
+#include "CommandLine/CommandArguments.h"
 #include "CommandLine/FormatOption.h"
 #include "CommandLine/ServerConnection.h"
 #include "CommandLine/Terminal.h"
@@ -71,36 +72,24 @@ void addArguments(QCommandLineParser &parser)
                                  text("[NAME=VALUE...]"));
 }
 
-/// Connects and runs the work, which returns the exit status.
-int onServer(const ConnectionOptions &options, const VantorDBCPtr &settings,
-             const std::function<int(VantorDatabaseClient &client, InterruptWatcher &interrupts)> &work)
-{
-    KNError error;
-    ServerConnection connection;
-    if (const ExitStatus status = connection.prepare(options, settings, &error))
-        return Terminal::fail(status, error.localizedDescription());
-    InterruptWatcher interrupts(ExitCancelled);
-    if (const ExitStatus status = connection.connect(&error))
-        return Terminal::fail(status, error.descriptionWithSuggestion());
-    return work(connection.client(), interrupts);
-}
-
 int runTitle(const QString &title, const QStringList &values, const ConnectionOptions &options,
              const QString &format, const VantorDBCPtr &settings)
 {
-    return onServer(options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
-        KNError error;
-        const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
-        return text ? runText(client, *text, format, KNOnError::Stop, interrupts)
-                    : Terminal::fail(ExitUsage, error.localizedDescription());
-    });
+    return ServerConnection::run(
+        options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+            KNError error;
+            const auto text = filled(settings->queryLoader()->queryByTitle(title), values, &error);
+            return text ? runText(client, *text, format, KNOnError::Stop, interrupts)
+                        : Terminal::fail(ExitUsage, error.localizedDescription());
+        });
 }
 
 int runAll(const ConnectionOptions &options, const VantorDBCPtr &settings)
 {
-    return onServer(options, settings, [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
-        return runCatalogTrials(client, *settings->queryLoader(), interrupts);
-    });
+    return ServerConnection::run(options, settings,
+                                 [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+                                     return runCatalogTrials(client, *settings->queryLoader(), interrupts);
+                                 });
 }
 
 } // namespace
@@ -109,27 +98,20 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
 {
     QCommandLineParser parser;
     addArguments(parser);
-    const QString hint = QStringLiteral("\nSee vantor-cli catalog --help.");
-    if (!parser.parse(QStringList{QStringLiteral("vantor-cli catalog")} + arguments))
-        return Terminal::fail(ExitUsage, parser.errorText() + hint);
-    if (parser.isSet(QStringLiteral("help"))) {
-        fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
-        return ExitSuccess;
-    }
-    KNError error;
-    const auto options = ConnectionOptions::from(parser, &error);
+    CommandArguments command(parser, "catalog");
+    const auto options = command.parse(arguments);
     if (!options)
-        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
+        return command.exitStatus();
 
     const auto queries = emptySettings->queryLoader();
     const QString title = parser.positionalArguments().value(0);
     const bool tryAll = parser.isSet(QStringLiteral("all"));
     if (tryAll && (!title.isEmpty() || parser.isSet(QStringLiteral("show"))))
-        return Terminal::fail(ExitUsage, QStringLiteral("--all takes no title and shows no text.") + hint);
+        return command.fail(QStringLiteral("--all takes no title and shows no text."));
     if (title.isEmpty() && !tryAll)
         return listTitles(*queries);
     if (!tryAll && !queries->titles().contains(title))
-        return Terminal::fail(ExitUsage, KNFormat("There is no catalog query \"%@\".%@", title, hint));
+        return command.fail(KNFormat("There is no catalog query \"%@\".", title));
     if (parser.isSet(QStringLiteral("show"))) {
         print(queries->plainQueryByTitle(title));
         return ExitSuccess;
@@ -139,7 +121,7 @@ int runCatalogCommand(const QStringList &arguments, const VantorDBCPtr &emptySet
     if (formatError)
         return Terminal::fail(ExitUsage, formatError.localizedDescription());
     if (!options->namesServer())
-        return Terminal::fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
+        return command.failWithoutServer();
     if (tryAll)
         return runAll(*options, emptySettings);
     return runTitle(title, parser.positionalArguments().mid(1), *options, format, emptySettings);

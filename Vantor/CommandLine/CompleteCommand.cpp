@@ -2,6 +2,7 @@
 
 #include "Autocomplete/KNAutocompleteHelper.h"
 #include "Autocomplete/KNCompletionList.h"
+#include "CommandLine/CommandArguments.h"
 #include "CommandLine/ServerConnection.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/TextInput.h"
@@ -122,24 +123,16 @@ int runCompleteCommand(const QStringList &arguments, const VantorDBCPtr &emptySe
 {
     QCommandLineParser parser;
     addArguments(parser);
-    const QString hint = QStringLiteral("\nSee vantor-cli complete --help.");
-    if (!parser.parse(QStringList{QStringLiteral("vantor-cli complete")} + arguments))
-        return Terminal::fail(ExitUsage, parser.errorText() + hint);
-    if (parser.isSet(QStringLiteral("help"))) {
-        fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
-        return ExitSuccess;
-    }
-    KNError error;
-    const auto options = ConnectionOptions::from(parser, &error);
+    CommandArguments command(parser, "complete");
+    const auto options = command.parseForServer(arguments);
     if (!options)
-        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
-    if (!options->namesServer())
-        return Terminal::fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
+        return command.exitStatus();
     if (parser.positionalArguments().size() != 1)
-        return Terminal::fail(ExitUsage, QStringLiteral("Give one file.") + hint);
+        return command.fail(QStringLiteral("Give one file."));
+    KNError error;
     const auto place = placeFrom(parser.value(QStringLiteral("at")));
     if (!place)
-        return Terminal::fail(ExitUsage, QStringLiteral("Give the place as --at LINE,COLUMN.") + hint);
+        return command.fail(QStringLiteral("Give the place as --at LINE,COLUMN."));
     const auto text = readTextInput(parser.positionalArguments().constFirst(), &error);
     if (!text)
         return Terminal::fail(ExitUsage, error.localizedDescription());

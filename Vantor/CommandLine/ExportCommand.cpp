@@ -9,13 +9,12 @@
 
 namespace {
 
-int exportScripts(const ExportOptions &options, const VantorDBC &settings)
+int exportScripts(const ExportOptions &options, const VantorDBC &settings, InterruptWatcher &interrupts)
 {
     const auto scripter = settings.createDatabaseScripter();
     if (!scripter)
         return Terminal::fail(ExitUsage, QStringLiteral("This kind of server has no export."));
     std::atomic<bool> isCancelled = false;
-    InterruptWatcher interrupts(ExitCancelled);
     interrupts.setTarget([&] { isCancelled = true; });
     KNError error;
     const QList<KNScriptObject> objects = scripter->objects(&error);
@@ -48,11 +47,8 @@ int runExportCommand(const QStringList &arguments, const VantorDBCPtr &emptySett
         fputs(ExportOptions::helpText().toLocal8Bit().constData(), stdout);
         return ExitSuccess;
     }
-    ServerConnection connection;
-    ExitStatus status = connection.prepare(options->connection, emptySettings, &error);
-    if (status == ExitSuccess)
-        status = connection.connect(&error);
-    if (status != ExitSuccess)
-        return Terminal::fail(status, error.descriptionWithSuggestion());
-    return exportScripts(*options, *emptySettings);
+    return ServerConnection::run(options->connection, emptySettings,
+                                 [&](VantorDatabaseClient &, InterruptWatcher &interrupts) {
+                                     return exportScripts(*options, *emptySettings, interrupts);
+                                 });
 }

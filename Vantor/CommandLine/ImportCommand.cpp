@@ -171,12 +171,8 @@ int runImportCommand(const QStringList &arguments, const VantorDBCPtr &emptySett
         fputs(ImportOptions::helpText().toLocal8Bit().constData(), stdout);
         return ExitSuccess;
     }
-    ServerConnection connection;
-    ExitStatus status = connection.prepare(options->connection, emptySettings, &error);
-    if (status == ExitSuccess)
-        status = connection.connect(&error);
-    if (status != ExitSuccess)
-        return Terminal::fail(status, error.descriptionWithSuggestion());
-    InterruptWatcher interrupts(ExitCancelled);
-    return ImportCommand(*options, *emptySettings, connection.client()).run(interrupts);
+    return ServerConnection::run(options->connection, emptySettings,
+                                 [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+                                     return ImportCommand(*options, *emptySettings, client).run(interrupts);
+                                 });
 }

@@ -1,5 +1,6 @@
 #include "CommandLine/ParseCommand.h"
 
+#include "CommandLine/CommandArguments.h"
 #include "CommandLine/InterruptWatcher.h"
 #include "CommandLine/QueryPrinter.h"
 #include "CommandLine/ServerConnection.h"
@@ -61,29 +62,18 @@ int runParseCommand(const QStringList &arguments, const VantorDBCPtr &emptySetti
 {
     QCommandLineParser parser;
     addParseArguments(parser);
-    const QString hint = QStringLiteral("\nSee vantor-cli parse --help.");
-    if (!parser.parse(QStringList{QStringLiteral("vantor-cli parse")} + arguments))
-        return Terminal::fail(ExitUsage, parser.errorText() + hint);
-    if (parser.isSet(QStringLiteral("help"))) {
-        fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
-        return ExitSuccess;
-    }
-    KNError error;
-    const auto options = ConnectionOptions::from(parser, &error);
+    CommandArguments command(parser, "parse");
+    const auto options = command.parseForServer(arguments);
     if (!options)
-        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
-    if (!options->namesServer())
-        return Terminal::fail(ExitUsage, QStringLiteral("Give either --server or --sample.") + hint);
+        return command.exitStatus();
     if (parser.positionalArguments().size() != 1)
-        return Terminal::fail(ExitUsage, QStringLiteral("Give one file.") + hint);
+        return command.fail(QStringLiteral("Give one file."));
+    KNError error;
     const auto text = readTextInput(parser.positionalArguments().constFirst(), &error);
     if (!text)
         return Terminal::fail(ExitUsage, error.localizedDescription());
-    ServerConnection connection;
-    if (const ExitStatus status = connection.prepare(*options, emptySettings, &error))
-        return Terminal::fail(status, error.localizedDescription());
-    InterruptWatcher interrupts(ExitCancelled);
-    if (const ExitStatus status = connection.connect(&error))
-        return Terminal::fail(status, error.descriptionWithSuggestion());
-    return parseText(*text, connection.client(), interrupts);
+    return ServerConnection::run(*options, emptySettings,
+                                 [&](VantorDatabaseClient &client, InterruptWatcher &interrupts) {
+                                     return parseText(*text, client, interrupts);
+                                 });
 }

@@ -1,5 +1,6 @@
 #include "CommandLine/ServerConnection.h"
 
+#include "CommandLine/InterruptWatcher.h"
 #include "CommandLine/Terminal.h"
 #include "Common/EnvironmentPassword.h"
 #include "Foundation/KNFormat.h"
@@ -45,4 +46,16 @@ ExitStatus ServerConnection::connect(KNError *error)
 {
     m_client = m_settings->createNewClient();
     return m_client->connect(error) ? ExitSuccess : ExitNoConnection;
+}
+
+int ServerConnection::run(const ConnectionOptions &options, const VantorDBCPtr &settings, const Work &work)
+{
+    KNError error;
+    ServerConnection connection;
+    if (const ExitStatus status = connection.prepare(options, settings, &error))
+        return Terminal::fail(status, error.descriptionWithSuggestion());
+    InterruptWatcher interrupts(ExitCancelled);
+    if (const ExitStatus status = connection.connect(&error))
+        return Terminal::fail(status, error.descriptionWithSuggestion());
+    return work(connection.client(), interrupts);
 }

@@ -5,6 +5,10 @@
 #include "Common/SampleServerProcess.h"
 #include "Database/VantorDatabaseClient.h"
 
+#include <functional>
+
+class InterruptWatcher;
+
 /// The server that a command works with, and its client.
 class ServerConnection
 {
@@ -14,6 +18,12 @@ public:
     ExitStatus prepare(const ConnectionOptions &options, const VantorDBCPtr &settings, KNError *error);
     /// Connects with the settings. Returns ExitSuccess, or another status with an error.
     ExitStatus connect(KNError *error);
+
+    /// The work of a command. Returns its exit status.
+    using Work = std::function<int(VantorDatabaseClient &client, InterruptWatcher &interrupts)>;
+    /// Connects and runs the work. Returns the exit status, after printing an error if there is no
+    /// connection.
+    static int run(const ConnectionOptions &options, const VantorDBCPtr &settings, const Work &work);
 
     VantorDatabaseClient &client() { return *m_client; }
 

@@ -1,5 +1,6 @@
 #include "CommandLine/TreeCommand.h"
 
+#include "CommandLine/CommandArguments.h"
 #include "CommandLine/InterruptWatcher.h"
 #include "CommandLine/MenuScripts.h"
 #include "CommandLine/MenuWriter.h"
@@ -61,22 +62,13 @@ int onTree(const ConnectionOptions &options, const VantorDBCPtr &settings, const
 int runOnTree(QCommandLineParser &parser, const char *name, qsizetype argumentCount,
               const QStringList &arguments, const VantorDBCPtr &settings, const Work &work)
 {
-    const QString command = KNFormat("vantor-cli %@", name);
-    const QString hint = KNFormat("\nSee %@ --help.", command);
-    if (!parser.parse(QStringList{command} + arguments))
-        return Terminal::fail(ExitUsage, parser.errorText() + hint);
-    if (parser.isSet(text("help"))) {
-        fputs((parser.helpText() + ConnectionOptions::helpText()).toLocal8Bit().constData(), stdout);
-        return ExitSuccess;
-    }
-    KNError error;
-    const auto options = ConnectionOptions::from(parser, &error);
+    CommandArguments command(parser, name);
+    const auto options = command.parseForServer(arguments);
     if (!options)
-        return Terminal::fail(ExitUsage, error.localizedDescription() + hint);
-    if (!options->namesServer())
-        return Terminal::fail(ExitUsage, text("Give either --server or --sample.") + hint);
+        return command.exitStatus();
     if (parser.positionalArguments().size() > argumentCount)
-        return Terminal::fail(ExitUsage, text("Give one path; quote it when it has spaces.") + hint);
+        return command.fail(text("Give one path; quote it when it has spaces."));
+    KNError error;
     const auto names = TreePath::names(parser.positionalArguments().value(0), &error);
     if (!names)
         return Terminal::fail(ExitUsage, error.localizedDescription());
