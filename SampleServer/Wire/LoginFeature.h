@@ -4,7 +4,7 @@
 
 namespace SampleServer::LoginFeature {
 
-/// What a client asks for and the server acknowledges behind a login (MS-TDS 2.2.6.4).
+/// Identifiers of the features that a login requests (MS-TDS 2.2.6.4).
 inline constexpr std::uint8_t Utf8Support = 0x0A, Terminator = 0xFF;
 
 } // namespace SampleServer::LoginFeature

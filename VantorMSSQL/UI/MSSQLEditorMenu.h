@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// What the editor's context menu offers for a name in a query. On the UI thread.
+/// The items of the editor's context menu for a name in a query. On the UI thread.
 namespace MSSQLEditorMenu {
 
 /// The parts of the name at a position, without quotes; empty if there is none, or if a part is missing. A

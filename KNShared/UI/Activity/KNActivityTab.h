@@ -15,8 +15,8 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
-/// The sessions of a server: who is connected, what runs, who waits for whom. Reads them again every few
-/// seconds while it is visible, one reading at a time. On the UI thread.
+/// A document tab that shows the sessions of a server, with the blocked ones below those that block them.
+/// Reads them again every few seconds while it is visible, one reading at a time. On the UI thread.
 class KNSHAREDUI_EXPORT KNActivityTab : public KNDocumentTab
 {
     Q_OBJECT
