@@ -35,39 +35,9 @@ if(VANTOR_SANITIZE)
   target_link_options(VantorFlags INTERFACE -fsanitize=${VANTOR_SANITIZE})
 endif()
 
-# Precompiles the standard headers that nearly every file of a target without Qt includes.
-function(vantor_precompile_std target)
-  if(VANTOR_PLAIN)
-    return()
-  endif()
-  target_precompile_headers(${target} PRIVATE
-    <algorithm> <cstdint> <functional> <map> <memory> <mutex> <optional> <set> <span> <stdexcept> <string>
-    <string_view> <unordered_map> <variant> <vector>)
-endfunction()
-
 # Checks null, alignment, size and dynamic type at every access of a target in a sanitized build.
 function(vantor_check_accesses target)
   set_target_properties(${target} PROPERTIES VANTOR_CHECK_ACCESSES ON)
-endfunction()
-
-# Precompiles the Qt headers that nearly every file of a target includes.
-function(vantor_precompile_qt target)
-  if(VANTOR_PLAIN)
-    return()
-  endif()
-  target_precompile_headers(${target} PRIVATE
-    <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList> <QVariant>
-    <atomic> <functional> <memory> <mutex> <optional> <string> <vector>)
-endfunction()
-
-# The same for targets with windows.
-function(vantor_precompile_widgets target)
-  if(VANTOR_PLAIN)
-    return()
-  endif()
-  target_precompile_headers(${target} PRIVATE
-    <QAction> <QBoxLayout> <QDialog> <QHash> <QLabel> <QLineEdit> <QList> <QMenu> <QPushButton> <QString> <QStringList>
-    <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
 endfunction()
 
 # vantor_compile_together(TARGET FILES): compiles FILES of a target's files at a time, because parsing headers is most of

@@ -1,0 +1,1 @@
+// The source of the libraries that hold the precompiled headers: see VantorPrecompiledHeaders.cmake.
