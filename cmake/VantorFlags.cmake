@@ -40,6 +40,11 @@ function(vantor_check_accesses target)
   set_target_properties(${target} PROPERTIES VANTOR_CHECK_ACCESSES ON)
 endfunction()
 
+# Compiles a target of windows, which wait for people, in a quarter less time.
+function(vantor_optimize_lightly target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O1>)
+endfunction()
+
 # vantor_compile_together(TARGET FILES): compiles FILES of a target's files at a time, because parsing headers is most of
 # the work. Names in anonymous namespaces must then differ within the target.
 function(vantor_compile_together target files)
