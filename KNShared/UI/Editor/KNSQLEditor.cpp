@@ -88,6 +88,7 @@ void KNSQLEditor::releaseKeys()
         QKeySequence(Qt::Key_Escape),           QKeySequence(Qt::CTRL | Qt::Key_U),
         QKeySequence(Qt::CTRL | Qt::Key_Slash), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_U),
         QKeySequence(Qt::CTRL | Qt::Key_L),     QKeySequence(Qt::CTRL | Qt::Key_T),
+        QKeySequence(Qt::CTRL | Qt::Key_D),     QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L),
     };
     const auto commands = standardCommands()->commands();
     for (QsciCommand *const command : commands) {
@@ -183,6 +184,19 @@ QString KNSQLEditor::lineEndName() const
     return QStringLiteral("LF");
 }
 
+QString KNSQLEditor::lineEnd() const
+{
+    switch (eolMode()) {
+    case EolWindows:
+        return QStringLiteral("\r\n");
+    case EolMac:
+        return QStringLiteral("\r");
+    case EolUnix:
+        break;
+    }
+    return QStringLiteral("\n");
+}
+
 void KNSQLEditor::replaceRanges(const QList<Replacement> &replacements)
 {
     beginUndoAction();
@@ -245,9 +259,7 @@ QList<int> KNSQLEditor::errorLines() const
 
 void KNSQLEditor::toggleComment()
 {
-    int firstLine = 0;
-    int lastLine = 0;
-    selectedLines(&firstLine, &lastLine);
+    const auto [firstLine, lastLine] = selectedLines();
     bool allCommented = true;
     for (int line = firstLine; line <= lastLine; ++line) {
         const QString content = text(line).trimmed();
@@ -266,22 +278,26 @@ void KNSQLEditor::uncommentLines()
     editLines(false);
 }
 
-/// The lines (from 0) of the selection, without a last line that it only reaches at its beginning.
-void KNSQLEditor::selectedLines(int *firstLine, int *lastLine) const
+KNSQLEditor::Lines KNSQLEditor::selectedLines() const
 {
-    const auto start = SendScintilla(SCI_GETSELECTIONSTART);
     const auto end = SendScintilla(SCI_GETSELECTIONEND);
-    *firstLine = static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, start));
-    *lastLine = static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, end));
-    if (*lastLine > *firstLine && SendScintilla(SCI_POSITIONFROMLINE, *lastLine) == end)
-        --*lastLine;
+    const int first =
+        static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETSELECTIONSTART)));
+    const int last = static_cast<int>(SendScintilla(SCI_LINEFROMPOSITION, end));
+    const bool isOnlyReached = last > first && SendScintilla(SCI_POSITIONFROMLINE, last) == end;
+    return {first, isOnlyReached ? last - 1 : last};
+}
+
+KNRange KNSQLEditor::rangeOfLines(const Lines &lines) const
+{
+    const qsizetype begin = locationOf(static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, lines.first)));
+    const qsizetype end = locationOf(static_cast<int>(SendScintilla(SCI_GETLINEENDPOSITION, lines.last)));
+    return {begin, end - begin};
 }
 
 void KNSQLEditor::editLines(bool comments)
 {
-    int firstLine = 0;
-    int lastLine = 0;
-    selectedLines(&firstLine, &lastLine);
+    const auto [firstLine, lastLine] = selectedLines();
     QList<Replacement> replacements;
     for (int line = firstLine; line <= lastLine; ++line) {
         const qsizetype begin = locationOf(static_cast<int>(SendScintilla(SCI_GETLINEINDENTPOSITION, line)));

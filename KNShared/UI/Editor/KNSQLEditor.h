@@ -41,6 +41,19 @@ public:
     int cursorColumn() const;
     /// The line end that Return inserts: "LF", "CRLF" or "CR".
     QString lineEndName() const;
+    /// The characters of that line end.
+    QString lineEnd() const;
+
+    /// Lines, counted from 0.
+    struct Lines
+    {
+        int first;
+        int last;
+    };
+    /// The lines of the selection, without a last one that it only reaches at its beginning.
+    Lines selectedLines() const;
+    /// The text of lines, without the line end of the last one.
+    KNRange rangeOfLines(const Lines &lines) const;
 
     struct Replacement
     {
@@ -91,7 +104,6 @@ private:
     void applyPreferences();
     void applyColours();
     void fitMargins();
-    void selectedLines(int *firstLine, int *lastLine) const;
     void editLines(bool comments);
     int positionOf(qsizetype location) const;
     qsizetype locationOf(int position) const;

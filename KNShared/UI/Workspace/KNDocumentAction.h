@@ -18,7 +18,12 @@ enum class KNDocumentAction {
     ToggleComment,
     CommentLines,
     UncommentLines,
-    Format, ///< the selection, or everything if nothing is selected
+    UpperCase, ///< of the selection, or of the word at the cursor
+    LowerCase,
+    MoveLinesUp,
+    MoveLinesDown,
+    Duplicate, ///< the selection, or the line of the cursor
+    Format,    ///< the selection, or everything if nothing is selected
     GoToLine,
     ChangeDatabase, ///< asks the user for a database
     ToggleResults,  ///< shows or hides the results

@@ -87,6 +87,26 @@ void MainWindowActions::addForDocument(QMenu *menu, const Description &descripti
                           action});
 }
 
+void MainWindowActions::addForText(QMenu *menu, const Description &description, KNDocumentAction action)
+{
+    addForDocument(menu, description, action);
+    m_textActions.append(m_forDocument.last().first);
+    m_textActions.last()->setShortcutContext(Qt::WidgetShortcut);
+}
+
+void MainWindowActions::bindTextActions(QWidget *text)
+{
+    if (text == m_text)
+        return;
+    for (QAction *const action : std::as_const(m_textActions)) {
+        if (m_text)
+            m_text->removeAction(action);
+        if (text)
+            text->addAction(action);
+    }
+    m_text = text;
+}
+
 void MainWindowActions::addForFocus(QMenu *menu, const char *slot, const char *text)
 {
     add(menu, {slot, text}, [slot] {
@@ -158,8 +178,24 @@ void MainWindowActions::makeEditMenu()
     addForDocument(menu, {"uncomment", QT_TR_NOOP("Uncomment &Lines\tCtrl+K, U")}, Action::UncommentLines);
     addForDocument(menu, {"format", QT_TR_NOOP("For&mat"), nullptr, {keys("Ctrl+K, Ctrl+D")}},
                    Action::Format);
+    makeTextMenu(menu->addMenu(tr("Te&xt")));
     addForDocument(menu, {"goToLine", QT_TR_NOOP("&Go to Line…"), nullptr, {keys("Ctrl+G")}},
                    Action::GoToLine);
+}
+
+void MainWindowActions::makeTextMenu(QMenu *menu)
+{
+    using Action = KNDocumentAction;
+    addForText(menu, {"upperCase", QT_TR_NOOP("&UPPER CASE"), nullptr, {keys("Ctrl+Shift+U")}},
+               Action::UpperCase);
+    addForText(menu, {"lowerCase", QT_TR_NOOP("&lower case"), nullptr, {keys("Ctrl+Shift+L")}},
+               Action::LowerCase);
+    menu->addSeparator();
+    addForText(menu, {"moveLinesUp", QT_TR_NOOP("&Move Lines Up"), nullptr, {keys("Alt+Up")}},
+               Action::MoveLinesUp);
+    addForText(menu, {"moveLinesDown", QT_TR_NOOP("Move Lines Do&wn"), nullptr, {keys("Alt+Down")}},
+               Action::MoveLinesDown);
+    addForText(menu, {"duplicate", QT_TR_NOOP("&Duplicate"), nullptr, {keys("Ctrl+D")}}, Action::Duplicate);
 }
 
 void MainWindowActions::makeQueryMenu()
@@ -254,6 +290,7 @@ void MainWindowActions::update()
     m_closeTab->setEnabled(document != nullptr);
     m_moveTab->setEnabled(document && m_window.tabs()->canMove(*document));
     m_reopenClosed->setEnabled(m_window.tabs()->hasClosedDocuments());
+    bindTextActions(document ? document->focusProxy() : nullptr);
     for (const auto &[item, action] : m_forDocument)
         item->setEnabled(document && document->canPerform(action));
 }

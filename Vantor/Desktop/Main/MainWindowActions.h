@@ -7,6 +7,8 @@
 #include <QAction>
 #include <QHash>
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 
 #include <functional>
 
@@ -40,12 +42,17 @@ private:
     QAction *add(QMenu *menu, const Description &description, std::function<void()> perform);
     /// Adds an action of the current document, disabled while that cannot perform it.
     void addForDocument(QMenu *menu, const Description &description, KNDocumentAction action);
+    /// The same for a command of the text: its shortcuts work in the text only, because other widgets use
+    /// the same keys.
+    void addForText(QMenu *menu, const Description &description, KNDocumentAction action);
+    void bindTextActions(QWidget *text);
     /// Adds an action on the focused widget, if that has this slot. Its shortcuts are those that the widget
     /// handles itself.
     void addForFocus(QMenu *menu, const char *slot, const char *text);
     void applyShortcuts();
     void makeFileMenu();
     void makeEditMenu();
+    void makeTextMenu(QMenu *menu);
     void makeQueryMenu();
     void makeViewMenu();
     void makeHelpMenu();
@@ -56,6 +63,8 @@ private:
     QList<ShortcutEntry> m_shortcuts;
     KNNotificationCenter::Token m_shortcutsChanged;
     QList<std::pair<QAction *, KNDocumentAction>> m_forDocument;
+    QList<QAction *> m_textActions;
+    QPointer<QWidget> m_text; ///< the widget that has the text actions
     QAction *m_closeTab = nullptr;
     QAction *m_reopenClosed = nullptr;
     QAction *m_moveTab = nullptr;

@@ -2,6 +2,7 @@
 
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
+#include "UI/Editor/KNTextCommands.h"
 
 void performEditorAction(KNDocumentAction action, KNSQLEditor &editor, KNFindBar &findBar)
 {
@@ -20,6 +21,16 @@ void performEditorAction(KNDocumentAction action, KNSQLEditor &editor, KNFindBar
         return editor.commentLines();
     case KNDocumentAction::UncommentLines:
         return editor.uncommentLines();
+    case KNDocumentAction::UpperCase:
+        return KNTextCommands::convertToUpperCase(editor);
+    case KNDocumentAction::LowerCase:
+        return KNTextCommands::convertToLowerCase(editor);
+    case KNDocumentAction::MoveLinesUp:
+        return KNTextCommands::moveLinesUp(editor);
+    case KNDocumentAction::MoveLinesDown:
+        return KNTextCommands::moveLinesDown(editor);
+    case KNDocumentAction::Duplicate:
+        return KNTextCommands::duplicate(editor);
     case KNDocumentAction::GoToLine:
         return editor.askForLine();
     case KNDocumentAction::ZoomIn:

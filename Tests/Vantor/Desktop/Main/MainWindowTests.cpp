@@ -176,7 +176,10 @@ TEST_F(MainWindowTest, HandlesShortcutsWithAnyFocus)
                 triggered.clear();
                 for (int key = 0; key < keys.count(); ++key)
                     QTest::keyClick(place, keys[uint(key)].key(), keys[uint(key)].keyboardModifiers());
-                EXPECT_EQ(triggered, QStringList{action->objectName()})
+                // Commands of the text leave their keys to other widgets.
+                const bool isAvailable =
+                    action->shortcutContext() != Qt::WidgetShortcut || place == tab()->editor();
+                EXPECT_EQ(triggered, isAvailable ? QStringList{action->objectName()} : QStringList())
                     << qPrintable(keys.toString()) << " in " << place->metaObject()->className();
             }
         }
