@@ -27,6 +27,7 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool reopensTabs = true; ///< whether opening a connection restores the tabs of its last session
 
     bool completesWhileTyping = true; ///< whether the editor offers names without Ctrl+Space
+    bool closesPairs = true;          ///< whether an opening bracket or quote brings the closing one
     bool checksWhileTyping = false;   ///< whether the server checks the syntax after pauses in typing
     bool previewsRowChanges = true;   ///< whether statements of edited rows are shown before they run
     bool sendsRowWhenLeft = false;    ///< whether changes of a row are applied when the cursor leaves it

@@ -1,6 +1,7 @@
 #include "UI/Editor/KNSQLEditor.h"
 
 #include "UI/Editor/KNEditorText.h"
+#include "UI/Editor/KNPairTyping.h"
 #include "UI/Editor/KNSQLLexer.h"
 #include "UI/KNPreferences.h"
 
@@ -117,6 +118,7 @@ void KNSQLEditor::addKeys()
 void KNSQLEditor::setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
                              const QStringList &functions, const QStringList &dataTypes)
 {
+    m_tokenizerOptions = options;
     m_lexer->setDialect(options, keywords, functions, dataTypes);
     recolor();
 }
@@ -288,6 +290,17 @@ KNSQLEditor::Lines KNSQLEditor::selectedLines() const
     return {first, isOnlyReached ? last - 1 : last};
 }
 
+KNSQLLineState KNSQLEditor::stateBefore(int line) const
+{
+    if (line == 0)
+        return {};
+    const auto begin = SendScintilla(SCI_POSITIONFROMLINE, line);
+    const auto styled = SendScintilla(SCI_GETENDSTYLED);
+    if (styled < begin)
+        SendScintilla(SCI_COLOURISE, static_cast<unsigned long>(styled), begin);
+    return KNSQLLineState::unpacked(static_cast<int>(SendScintilla(SCI_GETLINESTATE, line - 1)));
+}
+
 KNRange KNSQLEditor::rangeOfLines(const Lines &lines) const
 {
     const qsizetype begin = locationOf(static_cast<int>(SendScintilla(SCI_POSITIONFROMLINE, lines.first)));
@@ -381,8 +394,9 @@ void KNSQLEditor::keyPressEvent(QKeyEvent *event)
         SendScintilla(SCI_CANCEL);
     else if (event->key() == Qt::Key_Escape)
         event->ignore();
-    else
-        QsciScintilla::keyPressEvent(event);
+    else if (const auto type = [&] { QsciScintilla::keyPressEvent(event); };
+             !KNPairTyping(*this, *event, type).perform())
+        type();
 }
 
 void KNSQLEditor::applyPreferences()

@@ -3,6 +3,7 @@
 #include "Database/KNQueryDetails.h"
 #include "Foundation/KNNotificationCenter.h"
 #include "SQL/SQLMetadataTokenizer.h"
+#include "UI/Editor/KNSQLLineState.h"
 #include "UI/Editor/KNScintilla.h"
 #include "UI/KNSharedUIExport.h"
 
@@ -22,6 +23,8 @@ public:
     /// The dialect to colour: how its text is cut into tokens, and its words in any case.
     void setDialect(const SQLTokenizerOptions &options, const QStringList &keywords,
                     const QStringList &functions, const QStringList &dataTypes = {});
+
+    const SQLTokenizerOptions &tokenizerOptions() const { return m_tokenizerOptions; }
 
     /// The complete text.
     QString wholeText() const;
@@ -52,6 +55,8 @@ public:
     };
     /// The lines of the selection, without a last one that it only reaches at its beginning.
     Lines selectedLines() const;
+    /// What is open at the beginning of a line, such as a comment.
+    KNSQLLineState stateBefore(int line) const;
     /// The text of lines, without the line end of the last one.
     KNRange rangeOfLines(const Lines &lines) const;
 
@@ -109,6 +114,7 @@ private:
     qsizetype locationOf(int position) const;
 
     KNSQLLexer *const m_lexer;
+    SQLTokenizerOptions m_tokenizerOptions;
     QList<KNRange> m_errorMarks;
     bool m_hasErrorMarks = false;
     KNNotificationCenter::Token m_preferencesObserver;

@@ -30,6 +30,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
+    , m_closesPairs(new QCheckBox(tr("Close &brackets and quotes")))
     , m_checksWhileTyping(new QCheckBox(tr("Check the synta&x while typing")))
     , m_formatting(new FormatPreferences)
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
@@ -114,6 +115,7 @@ QWidget *PreferencesDialog::makeEditorGroup()
     form->addRow(tr("&Size:"), m_fontSize);
     form->addRow(tr("&Tab width:"), m_tabWidth);
     form->addRow(m_completesWhileTyping);
+    form->addRow(m_closesPairs);
     m_checksWhileTyping->setToolTip(
         tr("The server checks the text half a second after the last key, without running it."));
     form->addRow(m_checksWhileTyping);
@@ -166,6 +168,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
     m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
+    m_closesPairs->setChecked(preferences.closesPairs);
     m_checksWhileTyping->setChecked(preferences.checksWhileTyping);
     m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
     m_formatting->setFormatStyle(preferences.formatStyle);
@@ -186,6 +189,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
     preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
+    preferences.closesPairs = m_closesPairs->isChecked();
     preferences.checksWhileTyping = m_checksWhileTyping->isChecked();
     preferences.previewsRowChanges = m_previewsRowChanges->isChecked();
     preferences.formatStyle = m_formatting->formatStyle();

@@ -45,6 +45,7 @@ private:
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;
+    QCheckBox *const m_closesPairs;
     QCheckBox *const m_checksWhileTyping;
     FormatPreferences *const m_formatting;
     QCheckBox *const m_tracesProtocol;
