@@ -247,6 +247,14 @@ const QList<ClauseWords> &clauseWords()
     return words;
 }
 
+/// TRY and CATCH are known since SQL Server 2005. The handler reports the error, so that none is lost.
+QList<KNSQLSurrounding> surroundings()
+{
+    return {{QStringLiteral("&BEGIN … END"), QStringLiteral("BEGIN"), QStringLiteral("END")},
+            {QStringLiteral("&TRY … CATCH"), QStringLiteral("BEGIN TRY"),
+             QStringLiteral("END TRY\nBEGIN CATCH\n\tPRINT ERROR_MESSAGE();\nEND CATCH")}};
+}
+
 QStringList listOf(const char *words)
 {
     return QString::fromLatin1(words).split(QStringLiteral(", "), Qt::SkipEmptyParts);
@@ -272,6 +280,7 @@ KNSQLDialect create()
     dialect.signatures = MSSQLFunctionSignatures::read();
     dialect.types = MSSQLWordLists::dataTypes();
     dialect.changedRows = QStringList{QStringLiteral("inserted"), QStringLiteral("deleted")};
+    dialect.surroundings = surroundings();
     dialect.format = MSSQLFormatRules::create();
     return dialect;
 }

@@ -142,7 +142,15 @@ struct KNSQLClauseRule
     QStringList followWords;    ///< behind an operand
 };
 
-/// The rules of a server's language for completion and formatting.
+/// Lines that a command puts around others.
+struct KNSQLSurrounding
+{
+    QString title;  ///< of a menu item
+    QString before; ///< lines without the last line end; a tab is a level of indentation
+    QString behind;
+};
+
+/// The rules of a server's language for completion, formatting and commands of the editor.
 struct KNSQLDialect
 {
     SQLTokenizerOptions tokenizer;
@@ -153,4 +161,5 @@ struct KNSQLDialect
     QStringList types;
     QStringList changedRows; ///< names of the sources that an output clause sees
     KNSQLFormatRules format;
+    QList<KNSQLSurrounding> surroundings;
 };

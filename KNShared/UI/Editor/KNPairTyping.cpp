@@ -70,8 +70,8 @@ const KNPairTyping::Pair *KNPairTyping::pairOf(const QKeyEvent &key)
     const bool isCommand = key.modifiers().testFlag(Qt::ControlModifier) !=
                            key.modifiers().testFlag(Qt::AltModifier); // both are AltGr
     for (const Pair &pair : Pairs) {
-        if (!isCommand && (key.text() == QChar::fromLatin1(pair.opening) ||
-                           key.text() == QChar::fromLatin1(pair.closing)))
+        if (!isCommand &&
+            (key.text() == QChar::fromLatin1(pair.opening) || key.text() == QChar::fromLatin1(pair.closing)))
             return &pair;
     }
     return nullptr;
@@ -126,9 +126,9 @@ bool KNPairTyping::wrap(const Pair &pair)
     if (!contextAt(m_editor.SendScintilla(QsciScintillaBase::SCI_GETSELECTIONSTART)).isCode())
         return false;
     const KNRange selection = m_editor.selectedRange();
-    m_editor.replaceRanges({{{selection.location, 0}, QString(QChar::fromLatin1(pair.opening))},
-                            {{selection.location + selection.length, 0},
-                             QString(QChar::fromLatin1(pair.closing))}});
+    m_editor.replaceRanges(
+        {{{selection.location, 0}, QString(QChar::fromLatin1(pair.opening))},
+         {{selection.location + selection.length, 0}, QString(QChar::fromLatin1(pair.closing))}});
     m_editor.selectRange({selection.location + 1, selection.length});
     return true;
 }
@@ -143,7 +143,7 @@ bool KNPairTyping::removeEmptyPair()
     if (!isRound && !(before == '[' && behind == ']') && !(before == '\'' && behind == '\''))
         return false;
     const Context context = contextAt(m_caret);
-    const bool isEmpty = isRound          ? context.isCode()
+    const bool isEmpty = isRound         ? context.isCode()
                          : before == '[' ? context.kind == SQLTokenKind::BracketedIdentifier &&
                                                context.before == QStringLiteral("[")
                                          : context.kind == SQLTokenKind::String &&

@@ -196,6 +196,9 @@ void MainWindowActions::makeTextMenu(QMenu *menu)
     addForText(menu, {"moveLinesDown", QT_TR_NOOP("Move Lines Do&wn"), nullptr, {keys("Alt+Down")}},
                Action::MoveLinesDown);
     addForText(menu, {"duplicate", QT_TR_NOOP("&Duplicate"), nullptr, {keys("Ctrl+D")}}, Action::Duplicate);
+    menu->addSeparator();
+    addForText(menu, {"surround", QT_TR_NOOP("&Surround With…"), nullptr, {keys("Ctrl+K, Ctrl+S")}},
+               Action::Surround);
 }
 
 void MainWindowActions::makeQueryMenu()

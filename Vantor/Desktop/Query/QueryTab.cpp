@@ -4,6 +4,7 @@
 #include "Desktop/Query/ClosePrompts.h"
 #include "Desktop/Query/DatabaseBox.h"
 #include "Desktop/Query/EditorActions.h"
+#include "Desktop/Query/EditorCommands.h"
 #include "Desktop/Query/ErrorMarks.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Query/QueryBatches.h"
@@ -17,7 +18,6 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Completion/KNEditorCompletion.h"
 #include "UI/Completion/KNEditorSignature.h"
-#include "UI/Editor/KNEditorFormatting.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
@@ -61,7 +61,8 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     m_signature = new KNEditorSignature(m_editor, settings);
     m_completion = new KNEditorCompletion(m_editor, settings);
     m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
-    m_formatting = new KNEditorFormatting(m_editor, settings);
+    m_commands = new EditorCommands(m_editor, settings);
+    connect(m_commands, &EditorCommands::noteChanged, this, &QueryTab::statusChanged);
 }
 
 QueryTab::~QueryTab()
@@ -237,6 +238,7 @@ KNDocumentStatus::Outcome QueryTab::outcome() const
 KNDocumentStatus QueryTab::status() const
 {
     KNDocumentStatus status;
+    status.text = m_commands ? m_commands->note() : QString();
     status.selection = resultsPane()->selectionSummary();
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
@@ -298,8 +300,6 @@ void QueryTab::perform(KNDocumentAction action)
         return runBatchAtCursor();
     case KNDocumentAction::Parse:
         return m_syntaxCheck->check();
-    case KNDocumentAction::Format:
-        return m_formatting->format();
     case KNDocumentAction::Cancel:
         return cancel();
     case KNDocumentAction::Commit:
@@ -320,7 +320,7 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        if (!resultsPane()->perform(action))
+        if (!m_commands->perform(action) && !resultsPane()->perform(action))
             performEditorAction(action, *m_editor, *m_findBar);
     }
 }

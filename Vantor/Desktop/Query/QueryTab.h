@@ -10,9 +10,9 @@
 #include <functional>
 
 class DatabaseBox;
+class EditorCommands;
 class ErrorMarks;
 class KNEditorCompletion;
-class KNEditorFormatting;
 class KNEditorSignature;
 class KNFindBar;
 class KNResultsPane;
@@ -117,7 +117,7 @@ private:
     QueryDocument *const m_document;
     KNEditorCompletion *m_completion = nullptr;
     SyntaxCheck *m_syntaxCheck = nullptr;
-    KNEditorFormatting *m_formatting = nullptr;
+    EditorCommands *m_commands = nullptr;
     KNEditorSignature *m_signature = nullptr;
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
