@@ -23,7 +23,8 @@ public:
         OtherObjects,
         Variables,
         Functions,
-        Words
+        Words,
+        Snippets
     };
 
     KNCompletionCandidates(const KNSQLTokens &tokens, qsizetype caret, const QString &typed);

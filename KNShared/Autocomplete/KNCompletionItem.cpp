@@ -35,6 +35,8 @@ QString KNCompletionItem::kindName(Kind kind)
         return QStringLiteral("join condition");
     case Kind::Columns:
         return QStringLiteral("columns");
+    case Kind::Snippet:
+        return QStringLiteral("snippet");
     }
     return QString();
 }

@@ -24,6 +24,7 @@ struct KNSHARED_EXPORT KNCompletionItem
         Keyword,
         JoinCondition,
         Columns, ///< a list of columns
+        Snippet, ///< its text has tab stops
     };
 
     QString name;   ///< shown

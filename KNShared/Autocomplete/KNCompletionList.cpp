@@ -71,6 +71,14 @@ private:
         if (expects(Expected::Parameters))
             addParameters();
         addPlainNames();
+        if (m_scope.startsStatement)
+            addSnippets();
+    }
+
+    void addSnippets()
+    {
+        for (const KNSnippet &snippet : m_request.snippets)
+            add(Group::Snippets, Kind::Snippet, snippet.name, snippet.text, {}, snippet.title);
     }
 
     void add(Group group, Kind kind, const QString &name, const QString &text, const QString &parent = {},

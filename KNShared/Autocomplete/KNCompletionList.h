@@ -15,6 +15,7 @@ struct KNCompletionRequest
     /// Quotes a name where the server requires it.
     std::function<QString(const QString &name)> quotedName;
     qsizetype limit = 200;
+    QList<KNSnippet> snippets = {}; ///< offered where a statement begins
 };
 
 /// Returns the best matches, best first: those that begin with what was typed, then those whose words do,

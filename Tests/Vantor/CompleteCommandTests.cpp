@@ -44,6 +44,14 @@ TEST(CompleteCommand, PrintsJson)
     EXPECT_TRUE(entry.value(QStringLiteral("type")).isNull());
 }
 
+TEST(CompleteCommand, PrintsSnippetsWhereAStatementBegins)
+{
+    const Outcome outcome = complete("droptablei", "1,11");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
+    EXPECT_EQ(outcome.output, "DROP TABLE IF EXISTS ${1:dbo}.${2:TableName};$0\tsnippet\t\t"
+                              "Drop a table if it exists, 2016 and later\n");
+}
+
 TEST(CompleteCommand, PrintsAnEmptyListInsideOfAString)
 {
     const Outcome outcome = complete("SELECT 'o. '", "1,11", {QStringLiteral("--json")});

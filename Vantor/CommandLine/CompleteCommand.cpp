@@ -9,6 +9,7 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNTerminalText.h"
 #include "SQL/Scope/KNSQLTokens.h"
+#include "SQL/Snippets/KNSnippetFile.h"
 
 #include <QCommandLineParser>
 #include <QJsonDocument>
@@ -113,7 +114,15 @@ int complete(const QString &text, qsizetype caret, bool isJson, const VantorDBC 
     tokens.setText(text);
     const KNSQLScope scope = KNAnalyseSQLScope(tokens, caret);
     const auto quotedName = [&](const QString &name) { return settings.quotedName(name); };
-    print(KNCompletions({tokens, scope, catalog.get(), quotedName}), isJson);
+    const QList<KNSnippet> snippets = KNSnippetFile::read(*helper->dialect(), &error);
+    if (error)
+        Terminal::printError(error.localizedDescription());
+    print(KNCompletions({.tokens = tokens,
+                         .scope = scope,
+                         .catalog = catalog.get(),
+                         .quotedName = quotedName,
+                         .snippets = snippets}),
+          isJson);
     return ExitSuccess;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Autocomplete/MSSQLFormatRules.h"
 #include "Autocomplete/MSSQLFunctionSignatures.h"
+#include "Autocomplete/MSSQLSnippets.h"
 #include "Implementations/MSSQLTokenizer.h"
 #include "Implementations/MSSQLWordLists.h"
 
@@ -280,6 +281,8 @@ KNSQLDialect create()
     dialect.signatures = MSSQLFunctionSignatures::read();
     dialect.types = MSSQLWordLists::dataTypes();
     dialect.changedRows = QStringList{QStringLiteral("inserted"), QStringLiteral("deleted")};
+    dialect.name = QStringLiteral("tsql");
+    dialect.snippets = MSSQLSnippets::read();
     dialect.surroundings = surroundings();
     dialect.format = MSSQLFormatRules::create();
     return dialect;

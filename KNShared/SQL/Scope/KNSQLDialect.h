@@ -3,6 +3,7 @@
 #include "SQL/Format/KNSQLFormatRules.h"
 #include "SQL/KNSignature.h"
 #include "SQL/SQLMetadataTokenizer.h"
+#include "SQL/Snippets/KNSnippet.h"
 
 #include <QFlags>
 #include <QHash>
@@ -153,6 +154,7 @@ struct KNSQLSurrounding
 /// The rules of a server's language for completion, formatting and commands of the editor.
 struct KNSQLDialect
 {
+    QString name; ///< of the language, for names of files
     SQLTokenizerOptions tokenizer;
     QHash<QString, KNSQLRole> roles; ///< by word in upper case
     QHash<KNSQLClause, KNSQLClauseRule> clauses;
@@ -162,4 +164,5 @@ struct KNSQLDialect
     QStringList changedRows; ///< names of the sources that an output clause sees
     KNSQLFormatRules format;
     QList<KNSQLSurrounding> surroundings;
+    QList<KNSnippet> snippets; ///< that the user can replace
 };

@@ -103,6 +103,23 @@ QChar missingQuote(const KNSQLTokens &tokens, qsizetype caret)
     return isClosed ? QChar() : closing;
 }
 
+/// Whether a statement can begin with the typed name: where one must, and in a line of its own also where the
+/// words that begin statements are offered.
+bool startsStatement(const KNSQLTokens &tokens, const KNSQLScope &scope, qsizetype begin)
+{
+    const QStringList words = tokens.dialect().clauses.value(KNSQLClause::Statement).beginWords;
+    const bool offersStatements = !words.isEmpty() && scope.words.contains(words.last());
+    if (!offersStatements || !scope.qualifier.isEmpty() || KNSQLName::is(tokens, begin - 1, u'('))
+        return false;
+    if (begin == 0 || KNSQLName::is(tokens, begin - 1, u';'))
+        return true;
+    const KNSQLPiece &previous = tokens.at(begin - 1);
+    const qsizetype location = begin < tokens.size() ? tokens.at(begin).location : tokens.text().size();
+    const QStringView between = QStringView(tokens.text()).mid(previous.end(), location - previous.end());
+    return between.contains(u'\n') || between.contains(u'\r') ||
+           (scope.clause == KNSQLClause::Statement && previous.role != Role::None);
+}
+
 KNSQLScope analyse(const KNSQLTokens &tokens, qsizetype caret)
 {
     KNSQLScope scope;
@@ -113,6 +130,7 @@ KNSQLScope analyse(const KNSQLTokens &tokens, qsizetype caret)
     const auto found = KNSQLStatements::upTo(tokens, isTyped ? typed.begin + 1 : typed.begin);
     const KNSQLStatement &last = found.statements.last();
     KNSQLScopeParser(tokens, last, typed).parse(&scope);
+    scope.startsStatement = startsStatement(tokens, scope, typed.begin);
     for (qsizetype index = 0; index + 1 < found.statements.size(); ++index) {
         const KNSQLStatement &statement = found.statements[index];
         if (!statement.mentionsTemporaryTable)

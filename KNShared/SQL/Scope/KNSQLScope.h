@@ -37,7 +37,8 @@ struct KNSQLScope
     QStringList usedColumns;    ///< already in the list of columns
     QList<KNSQLOutput> outputs; ///< of the query, for ORDER BY
     QList<KNSQLVariable> variables;
-    QStringList routine;       ///< the procedure whose arguments are written
+    QStringList routine; ///< the procedure whose arguments are written
+    bool startsStatement = false;
     bool isBehindStar = false; ///< directly behind the star of a select list
     bool isJoinTarget = false; ///< the name of a table behind JOIN
     bool isInsertList = false; ///< behind the name of the table of an INSERT

@@ -35,6 +35,8 @@ QString iconName(Kind kind)
         return QStringLiteral("DatabaseTree-StoredProcedureParameter");
     case Kind::JoinCondition:
         return QStringLiteral("DatabaseTree-PK");
+    case Kind::Snippet:
+        return QStringLiteral("snippet");
     case Kind::Keyword:
         break;
     }
@@ -122,6 +124,8 @@ QString KNCompletionModel::kindText(Kind kind)
         return tr("join condition");
     case Kind::Columns:
         return tr("list of columns");
+    case Kind::Snippet:
+        return tr("snippet");
     }
     return QString();
 }

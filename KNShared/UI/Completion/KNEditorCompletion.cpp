@@ -6,6 +6,8 @@
 #include "UI/Editor/KNEditorText.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
+#include "UI/Snippets/KNEditorSnippet.h"
+#include "UI/Snippets/KNSnippetStore.h"
 
 #include <QKeyEvent>
 #include <QShortcut>
@@ -19,6 +21,7 @@ constexpr qsizetype TypedBeforeOpening = 2; ///< characters of a name
 KNEditorCompletion::KNEditorCompletion(KNSQLEditor *editor, Settings settings)
     : QObject(editor)
     , m_editor(editor)
+    , m_snippet(new KNEditorSnippet(editor))
     , m_settings(std::move(settings))
 {
     const auto details = m_settings();
@@ -26,6 +29,7 @@ KNEditorCompletion::KNEditorCompletion(KNSQLEditor *editor, Settings settings)
     if (!helper || !helper->dialect())
         return;
     m_tokens.emplace(*helper->dialect());
+    KNSnippetStore::forDialect(*helper->dialect()); // begins to read them
     editor->installEventFilter(this);
     connect(editor, &QsciScintillaBase::SCN_CHARADDED, this, &KNEditorCompletion::characterAdded);
     connect(editor, &KNSQLEditor::cursorPositionChanged, this, &KNEditorCompletion::cursorMoved);
@@ -50,7 +54,11 @@ QList<KNCompletionItem> KNEditorCompletion::completions()
     m_scope = KNAnalyseSQLScope(*m_tokens, m_editor->selectedRange().location);
     const auto catalog = details->sharedAutocompleteHelper()->catalogForConnection(*details);
     const auto quotedName = [&](const QString &name) { return details->quotedName(name); };
-    return KNCompletions({*m_tokens, m_scope, catalog.get(), quotedName});
+    return KNCompletions({.tokens = *m_tokens,
+                          .scope = m_scope,
+                          .catalog = catalog.get(),
+                          .quotedName = quotedName,
+                          .snippets = KNSnippetStore::forDialect(m_tokens->dialect()).snippets()});
 }
 
 void KNEditorCompletion::noteRun(const QString &text)
@@ -218,6 +226,11 @@ void KNEditorCompletion::accept(const KNCompletionItem &item)
         from = m_editor->wholeText().lastIndexOf(u'*', from - 1);
     const KNRange range{from, m_scope.replaceTo - from};
     const QString text = item.text;
+    if (item.kind == KNCompletionItem::Kind::Snippet) {
+        m_snippet->insert(range, text);
+        m_isAccepting = false;
+        return;
+    }
     m_editor->replaceRanges({{range, text}});
     m_editor->selectRange({from + text.size(), 0});
     m_isAccepting = false;

@@ -10,6 +10,7 @@
 #include <optional>
 
 class KNCompletionPopup;
+class KNEditorSnippet;
 class KNSQLEditor;
 class VantorDBC;
 
@@ -54,6 +55,7 @@ private:
     void namesChanged(const QString &description);
 
     KNSQLEditor *const m_editor;
+    KNEditorSnippet *const m_snippet;
     const Settings m_settings;
     std::optional<KNSQLTokens> m_tokens; ///< empty if the server kind has no completion
     KNSQLScope m_scope;

@@ -11,8 +11,8 @@
 class KNSQLEditor;
 class VantorDBC;
 
-/// Indents the selected lines, or that of the cursor, and puts lines of the connector's choice around them, as
-/// one undo step. On the UI thread.
+/// Indents the selected lines, or that of the cursor, and puts lines of the connector's choice around them,
+/// as one undo step. On the UI thread.
 class KNSHAREDUI_EXPORT KNEditorSurrounding : public QObject
 {
     Q_OBJECT

@@ -27,6 +27,7 @@
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNConnectorUserInterface.h"
 #include "UI/KNPreferences.h"
+#include "UI/Snippets/KNSnippetStore.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -432,7 +433,8 @@ void MainWindow::showHistory()
 void MainWindow::showPreferences()
 {
     auto *const dialog =
-        new PreferencesDialog(m_connector ? m_connector->preferences() : KNConnectorPreferences(), this);
+        new PreferencesDialog(m_connector ? m_connector->preferences() : KNConnectorPreferences(), this,
+                              KNSnippetStore::forSettings(*m_details));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }

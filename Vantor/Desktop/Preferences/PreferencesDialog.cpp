@@ -3,6 +3,7 @@
 #include "Desktop/Preferences/FormatPreferences.h"
 #include "Foundation/KNUserDefaults.h"
 #include "UI/Dialogs/KNButtonOrder.h"
+#include "UI/Snippets/KNSnippetsDialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -16,7 +17,8 @@
 
 #include <limits>
 
-PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QWidget *parent)
+PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QWidget *parent,
+                                     KNSnippetStore *snippets)
     : QDialog(parent)
     , m_font(new QFontComboBox)
     , m_fontSize(new QSpinBox)
@@ -32,6 +34,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
     , m_closesPairs(new QCheckBox(tr("Close &brackets and quotes")))
     , m_checksWhileTyping(new QCheckBox(tr("Check the synta&x while typing")))
+    , m_snippets(new QPushButton(tr("Edit Snippets…")))
     , m_formatting(new FormatPreferences)
     , m_tracesProtocol(new QCheckBox(tr("&Write a trace of the protocol from the next start on")))
     , m_connector(connector)
@@ -59,6 +62,13 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
         right->addWidget(makeConnectorGroup());
     left->addStretch(1);
     right->addStretch(1);
+    m_snippets->setVisible(snippets != nullptr);
+    m_snippets->setAutoDefault(false);
+    connect(m_snippets, &QPushButton::clicked, this, [this, snippets] {
+        auto *const dialog = new KNSnippetsDialog(*snippets, this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->open();
+    });
     KNOrderButtons(*this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     fill(KNPreferences::current());
@@ -119,6 +129,8 @@ QWidget *PreferencesDialog::makeEditorGroup()
     m_checksWhileTyping->setToolTip(
         tr("The server checks the text half a second after the last key, without running it."));
     form->addRow(m_checksWhileTyping);
+    m_snippets->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    form->addRow(m_snippets);
     return group;
 }
 

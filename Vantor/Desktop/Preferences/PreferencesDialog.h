@@ -6,10 +6,12 @@
 #include <QDialog>
 
 class FormatPreferences;
+class KNSnippetStore;
 class QCheckBox;
 class QComboBox;
 class QFontComboBox;
 class QLineEdit;
+class QPushButton;
 class QSpinBox;
 
 /// The user's preferences, including those of the connector. They are saved when the dialog is accepted.
@@ -18,7 +20,9 @@ class PreferencesDialog : public QDialog
     Q_OBJECT
 
 public:
-    explicit PreferencesDialog(const KNConnectorPreferences &connector = {}, QWidget *parent = nullptr);
+    /// Snippets cannot be edited without a store, which outlives the dialog.
+    explicit PreferencesDialog(const KNConnectorPreferences &connector = {}, QWidget *parent = nullptr,
+                               KNSnippetStore *snippets = nullptr);
 
     void accept() override;
 
@@ -47,6 +51,7 @@ private:
     QCheckBox *const m_completesWhileTyping;
     QCheckBox *const m_closesPairs;
     QCheckBox *const m_checksWhileTyping;
+    QPushButton *const m_snippets;
     FormatPreferences *const m_formatting;
     QCheckBox *const m_tracesProtocol;
     const KNConnectorPreferences m_connector;

@@ -16,6 +16,8 @@
 #include "UI/Results/KNColumnFilterDialog.h"
 #include "UI/Results/KNExportDialog.h"
 #include "UI/Results/KNValueViewer.h"
+#include "UI/Snippets/KNSnippetStore.h"
+#include "UI/Snippets/KNSnippetsDialog.h"
 #include "UI/Workspace/KNProgressSheet.h"
 #include "UI/Workspace/KNQueryPreview.h"
 #include "Vantor/Desktop/DesktopTesting.h"
@@ -38,6 +40,11 @@ KNConnectorPreferences connectorPreferences()
     return dynamic_cast<KNConnectorUserInterface *>(
                KNConnectorLoader::load(QStringLiteral(VANTOR_CONNECTOR), &error))
         ->preferences();
+}
+
+KNSnippetStore &snippets()
+{
+    return *KNSnippetStore::forSettings(*DesktopTesting::settingsFor(SampleServerFixture::shared()));
 }
 
 void showPreview(QWidget *window, bool removes)
@@ -64,7 +71,9 @@ std::vector<DialogOpening> dialogOpenings()
     const auto shown = [](QDialog *dialog) { dialog->open(); };
     return {
         {"preferences",
-         [=](QWidget *window) { shown(new PreferencesDialog(connectorPreferences(), window)); }, "OK"},
+         [=](QWidget *window) { shown(new PreferencesDialog(connectorPreferences(), window, &snippets())); },
+         "OK"},
+        {"snippets", [=](QWidget *window) { shown(new KNSnippetsDialog(snippets(), window)); }, "OK"},
         {"shortcuts",
          [=](QWidget *window) {
              const QList<QKeySequence> keys{QKeySequence(QStringLiteral("F5"))};

@@ -46,8 +46,7 @@ protected:
 TEST_F(Surrounding, IndentsTheSelectedLines)
 {
     show("IF 1 = 1\n  SELECT 1;\n\n  SELECT 2;\nSELECT 3;", {13, 15});
-    EXPECT_EQ(surround(Qt::Key_B),
-              "IF 1 = 1\n  BEGIN\n\t  SELECT 1;\n\n\t  SELECT 2;\n  END\nSELECT 3;");
+    EXPECT_EQ(surround(Qt::Key_B), "IF 1 = 1\n  BEGIN\n\t  SELECT 1;\n\n\t  SELECT 2;\n  END\nSELECT 3;");
     EXPECT_EQ(editor->textOfRange(editor->selectedRange()).toStdString(), "\t  SELECT 1;\n\n\t  SELECT 2;");
     editor->undo();
     EXPECT_EQ(editor->wholeText().toStdString(), "IF 1 = 1\n  SELECT 1;\n\n  SELECT 2;\nSELECT 3;");
