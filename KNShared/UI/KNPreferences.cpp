@@ -19,6 +19,7 @@ const QString DateFormatKey = QStringLiteral("DateFormat");
 const QString ThemeKey = QStringLiteral("Theme");
 const QString ReopensTabs = QStringLiteral("ReopensTabs");
 const QString CompletesWhileTyping = QStringLiteral("CompletesWhileTyping");
+const QString CompletionKeysKey = QStringLiteral("CompletionKeys");
 const QString ClosesPairs = QStringLiteral("ClosesPairs");
 const QString ChecksWhileTyping = QStringLiteral("ChecksWhileTyping");
 const QString FormatKeywordCase = QStringLiteral("FormatKeywordCase");
@@ -86,6 +87,7 @@ KNPreferences KNPreferences::current()
     preferences.theme = static_cast<Theme>(number(ThemeKey, 0, 0, 2));
     preferences.reopensTabs = stored.boolForKey(ReopensTabs, true);
     preferences.completesWhileTyping = stored.boolForKey(CompletesWhileTyping, true);
+    preferences.completionKeys = static_cast<CompletionKeys>(number(CompletionKeysKey, 0, 0, 2));
     preferences.closesPairs = stored.boolForKey(ClosesPairs, true);
     preferences.checksWhileTyping = stored.boolForKey(ChecksWhileTyping);
     preferences.previewsRowChanges = stored.boolForKey(PreviewsRowChanges, true);
@@ -107,6 +109,7 @@ void KNPreferences::save() const
     defaults.setObject(ThemeKey, static_cast<int>(theme));
     defaults.setObject(ReopensTabs, reopensTabs);
     defaults.setObject(CompletesWhileTyping, completesWhileTyping);
+    defaults.setObject(CompletionKeysKey, static_cast<int>(completionKeys));
     defaults.setObject(ClosesPairs, closesPairs);
     defaults.setObject(ChecksWhileTyping, checksWhileTyping);
     defaults.setObject(PreviewsRowChanges, previewsRowChanges);

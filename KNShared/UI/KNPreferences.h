@@ -14,6 +14,9 @@ struct KNSHAREDUI_EXPORT KNPreferences
     /// How grids show dates: as the connector formats them (to the millisecond), or with all stored parts.
     enum class DateFormat { Milliseconds, AsStored };
 
+    /// The keys that accept a completion.
+    enum class CompletionKeys { ReturnAndTab, Tab, Return };
+
     /// Posted at the default notification centre after save().
     static const QString ChangedNotificationName;
 
@@ -27,11 +30,12 @@ struct KNSHAREDUI_EXPORT KNPreferences
     bool reopensTabs = true; ///< whether opening a connection restores the tabs of its last session
 
     bool completesWhileTyping = true; ///< whether the editor offers names without Ctrl+Space
-    bool closesPairs = true;          ///< whether an opening bracket or quote brings the closing one
-    bool checksWhileTyping = false;   ///< whether the server checks the syntax after pauses in typing
-    bool previewsRowChanges = true;   ///< whether statements of edited rows are shown before they run
-    bool sendsRowWhenLeft = false;    ///< whether changes of a row are applied when the cursor leaves it
-    bool tracesProtocol = false;      ///< from the start of the program
+    CompletionKeys completionKeys = CompletionKeys::ReturnAndTab;
+    bool closesPairs = true;        ///< whether an opening bracket or quote brings the closing one
+    bool checksWhileTyping = false; ///< whether the server checks the syntax after pauses in typing
+    bool previewsRowChanges = true; ///< whether statements of edited rows are shown before they run
+    bool sendsRowWhenLeft = false;  ///< whether changes of a row are applied when the cursor leaves it
+    bool tracesProtocol = false;    ///< from the start of the program
     KNSQLFormatStyle formatStyle;
 
     static KNPreferences current();

@@ -58,7 +58,8 @@ public:
         const QList<KNRange> end = m_places.take(0);
         for (const QList<KNRange> &places : std::as_const(m_places))
             expanded.stops.append(places);
-        expanded.stops.append(end.isEmpty() ? QList<KNRange>{{m_text.size(), 0}} : QList<KNRange>{end.first()});
+        expanded.stops.append(end.isEmpty() ? QList<KNRange>{{m_text.size(), 0}}
+                                            : QList<KNRange>{end.first()});
         return expanded;
     }
 

@@ -56,9 +56,10 @@ QByteArray jsonOf(const QList<KNSnippet> &snippets)
 {
     QJsonArray array;
     for (const KNSnippet &snippet : snippets)
-        array.append(QJsonObject{{QStringLiteral("name"), snippet.name},
-                                 {QStringLiteral("title"), snippet.title},
-                                 {QStringLiteral("text"), QJsonArray::fromStringList(snippet.text.split(u'\n'))}});
+        array.append(
+            QJsonObject{{QStringLiteral("name"), snippet.name},
+                        {QStringLiteral("title"), snippet.title},
+                        {QStringLiteral("text"), QJsonArray::fromStringList(snippet.text.split(u'\n'))}});
     return QJsonDocument(array).toJson();
 }
 

@@ -181,6 +181,7 @@ bool KNEditorCompletion::eventFilter(QObject *watched, QEvent *event)
 bool KNEditorCompletion::handleKey(int key)
 {
     constexpr int Page = 10;
+    using Keys = KNPreferences::CompletionKeys;
     switch (key) {
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -195,13 +196,17 @@ bool KNEditorCompletion::handleKey(int key)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (m_popup->chosenRow() < 0) {
+        if (m_popup->chosenRow() < 0 || KNPreferences::current().completionKeys == Keys::Tab) {
             close();
             return false;
         }
         accept(m_popup->items().at(m_popup->chosenRow()));
         return true;
     case Qt::Key_Tab:
+        if (KNPreferences::current().completionKeys == Keys::Return) {
+            close();
+            return false;
+        }
         accept(m_popup->items().at(std::max(0, m_popup->chosenRow())));
         return true;
     case Qt::Key_Backspace: {

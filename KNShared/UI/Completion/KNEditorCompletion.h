@@ -15,8 +15,8 @@ class KNSQLEditor;
 class VantorDBC;
 
 /// Completes names in an editor: while typing, behind a dot and behind "@", and by Ctrl+Space. Return and Tab
-/// accept, Escape closes. Works on cached names only: a key press never waits for the server. On the UI
-/// thread.
+/// accept, or one of them as the preferences say; Escape closes. Works on cached names only: a key press
+/// never waits for the server. On the UI thread.
 class KNSHAREDUI_EXPORT KNEditorCompletion : public QObject
 {
     Q_OBJECT

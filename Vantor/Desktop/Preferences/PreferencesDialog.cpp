@@ -32,6 +32,7 @@ PreferencesDialog::PreferencesDialog(const KNConnectorPreferences &connector, QW
     , m_theme(new QComboBox)
     , m_reopensTabs(new QCheckBox(tr("&Reopen the tabs of the last session")))
     , m_completesWhileTyping(new QCheckBox(tr("Su&ggest names while typing")))
+    , m_completionKeys(new QComboBox)
     , m_closesPairs(new QCheckBox(tr("Close &brackets and quotes")))
     , m_checksWhileTyping(new QCheckBox(tr("Check the synta&x while typing")))
     , m_snippets(new QPushButton(tr("Edit Snippets…")))
@@ -125,6 +126,8 @@ QWidget *PreferencesDialog::makeEditorGroup()
     form->addRow(tr("&Size:"), m_fontSize);
     form->addRow(tr("&Tab width:"), m_tabWidth);
     form->addRow(m_completesWhileTyping);
+    m_completionKeys->addItems({tr("Return and Tab"), tr("Tab"), tr("Return")});
+    form->addRow(tr("Accept names by:"), m_completionKeys);
     form->addRow(m_closesPairs);
     m_checksWhileTyping->setToolTip(
         tr("The server checks the text half a second after the last key, without running it."));
@@ -180,6 +183,7 @@ void PreferencesDialog::fill(const KNPreferences &preferences)
     m_theme->setCurrentIndex(static_cast<int>(preferences.theme));
     m_reopensTabs->setChecked(preferences.reopensTabs);
     m_completesWhileTyping->setChecked(preferences.completesWhileTyping);
+    m_completionKeys->setCurrentIndex(static_cast<int>(preferences.completionKeys));
     m_closesPairs->setChecked(preferences.closesPairs);
     m_checksWhileTyping->setChecked(preferences.checksWhileTyping);
     m_previewsRowChanges->setChecked(preferences.previewsRowChanges);
@@ -201,6 +205,7 @@ KNPreferences PreferencesDialog::edited() const
     preferences.theme = static_cast<KNPreferences::Theme>(m_theme->currentIndex());
     preferences.reopensTabs = m_reopensTabs->isChecked();
     preferences.completesWhileTyping = m_completesWhileTyping->isChecked();
+    preferences.completionKeys = static_cast<KNPreferences::CompletionKeys>(m_completionKeys->currentIndex());
     preferences.closesPairs = m_closesPairs->isChecked();
     preferences.checksWhileTyping = m_checksWhileTyping->isChecked();
     preferences.previewsRowChanges = m_previewsRowChanges->isChecked();

@@ -49,6 +49,7 @@ private:
     QComboBox *const m_theme;
     QCheckBox *const m_reopensTabs;
     QCheckBox *const m_completesWhileTyping;
+    QComboBox *const m_completionKeys;
     QCheckBox *const m_closesPairs;
     QCheckBox *const m_checksWhileTyping;
     QPushButton *const m_snippets;

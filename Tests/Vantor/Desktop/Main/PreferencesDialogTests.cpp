@@ -56,15 +56,19 @@ TEST(PreferencesDialog, SavesHowTextsAreCheckedAndFormatted)
     control<QComboBox>(dialog, "Keywords:")->setCurrentIndex(2);
     control<QSpinBox>(dialog, "Indentation:")->setValue(2);
     control<QSpinBox>(dialog, "Line length:")->setValue(120);
+    control<QComboBox>(dialog, "Accept names by:")->setCurrentIndex(1);
     for (QCheckBox *const box : dialog.findChildren<QCheckBox *>()) {
         const QString text = box->text().remove(QLatin1Char('&'));
         if (text == QStringLiteral("Commas at the beginning of lines") ||
-            text == QStringLiteral("Check the syntax while typing"))
+            text == QStringLiteral("Check the syntax while typing") ||
+            text == QStringLiteral("Close brackets and quotes"))
             box->click();
     }
     dialog.accept();
     const KNPreferences saved = KNPreferences::current();
     EXPECT_TRUE(saved.checksWhileTyping);
+    EXPECT_FALSE(saved.closesPairs);
+    EXPECT_EQ(saved.completionKeys, KNPreferences::CompletionKeys::Tab);
     EXPECT_EQ(saved.formatStyle, (KNSQLFormatStyle{.keywordCase = KNSQLFormatStyle::KeywordCase::Lower,
                                                    .hasLeadingCommas = true,
                                                    .indent = 2,

@@ -180,6 +180,31 @@ TEST_F(EditorCompletion, PreferenceTurnsSuggestionsWhileTypingOff)
     EXPECT_TRUE(isOpen());
 }
 
+TEST_F(EditorCompletion, PreferenceChoosesTheAcceptingKeys)
+{
+    using Keys = KNPreferences::CompletionKeys;
+    KNPreferences preferences = KNPreferences::current();
+    EXPECT_EQ(preferences.completionKeys, Keys::ReturnAndTab);
+    const auto after = [&](Keys accepting, Qt::Key key) {
+        preferences.completionKeys = accepting;
+        preferences.save();
+        tab.editor()->setWholeText(q("SELECT o FROM Orders o"));
+        tab.editor()->selectRange({8, 0});
+        type(".cu");
+        EXPECT_TRUE(isOpen());
+        press(key);
+        EXPECT_FALSE(isOpen());
+        return text();
+    };
+    const QString accepted = q("SELECT o.CustomerId FROM Orders o");
+    EXPECT_EQ(after(Keys::ReturnAndTab, Qt::Key_Return), accepted);
+    EXPECT_EQ(after(Keys::ReturnAndTab, Qt::Key_Tab), accepted);
+    EXPECT_EQ(after(Keys::Tab, Qt::Key_Tab), accepted);
+    EXPECT_EQ(after(Keys::Tab, Qt::Key_Return), q("SELECT o.cu\n FROM Orders o"));
+    EXPECT_EQ(after(Keys::Return, Qt::Key_Return), accepted);
+    EXPECT_EQ(after(Keys::Return, Qt::Key_Tab), q("SELECT o.cu\t FROM Orders o"));
+}
+
 TEST_F(EditorCompletion, KnowsANewTableAfterItsBatchHasRun)
 {
     tab.setText(q("CREATE TABLE dbo.Freshly (Made int)"));
