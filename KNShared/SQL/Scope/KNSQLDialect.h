@@ -163,6 +163,7 @@ struct KNSQLDialect
     QStringList types;
     QStringList changedRows; ///< names of the sources that an output clause sees
     KNSQLFormatRules format;
+    qsizetype longestName = 128; ///< in UTF-16 units
     QList<KNSQLSurrounding> surroundings;
     QList<KNSnippet> snippets; ///< that the user can replace
 };

@@ -11,7 +11,7 @@ bool isName(const KNSQLTokens &tokens, qsizetype index);
 bool is(const KNSQLTokens &tokens, qsizetype index, QChar character);
 /// The name of a token without its quotes.
 QString text(const KNSQLTokens &tokens, qsizetype index);
-QString withoutQuotes(QStringView name);
+KNSHARED_EXPORT QString withoutQuotes(QStringView name);
 
 /// A name of several parts and the index behind it.
 struct Path

@@ -23,8 +23,11 @@ void KNSQLScopeParser::parse(KNSQLScope *scope)
         if (m_at == m_typed.begin && !m_isCaptured) {
             capture();
             skipTyped();
+            m_frameOf.resize(static_cast<std::size_t>(m_at - m_begin), m_top);
         } else {
+            const int top = m_top;
             step();
+            m_frameOf.resize(static_cast<std::size_t>(m_at - m_begin), top);
         }
     }
     if (!m_isCaptured)

@@ -4,13 +4,23 @@
 #include "SQL/Scope/KNSQLScope.h"
 #include "SQL/Scope/KNSQLStatements.h"
 
+#include <QSet>
+
 #include <deque>
+#include <vector>
 
 /// The tokens of the name at the caret, which may be empty: [begin, end).
 struct KNSQLTyped
 {
     qsizetype begin = 0;
     qsizetype end = 0;
+};
+
+/// An alias of a source and the tokens where it is declared and used, in the order of the text.
+struct KNSQLAliasUses
+{
+    QString name;
+    QList<qsizetype> tokens;
 };
 
 /// Reads one statement and notes the state at the caret. Sources behind the caret belong to the scope, too.
@@ -24,6 +34,9 @@ public:
     void parse(KNSQLScope *scope);
     /// The columns of the query's result and the sources of its stars, after parse().
     KNSQLSource result() const;
+    /// The aliases of the statement's sources, and the names of those without one, after parse().
+    QList<KNSQLAliasUses> aliases() const;
+    QStringList tableNames() const;
 
 private:
     using Frame = KNSQLFrame;
@@ -81,6 +94,10 @@ private:
     void finishItem(Frame &query, qsizetype end);
     void leaveParentheses();
 
+    void noteAlias(KNSQLSource *source, qsizetype token);
+    bool mayUseAlias(qsizetype index) const;
+    qsizetype declarationOf(qsizetype index) const;
+
     void fill(KNSQLScope *scope) const;
     void fillSources(KNSQLScope *scope) const;
     void fillExpected(KNSQLScope *scope) const;
@@ -95,6 +112,10 @@ private:
     const KNSQLTyped m_typed;
     const Role m_lead;
     std::deque<Frame> m_frames;
+    std::vector<int> m_frameOf;     ///< the frame of each token
+    QList<qsizetype> m_aliasTokens; ///< that declare aliases
+    QSet<qsizetype> m_tableTokens;  ///< that begin names of sources and targets
+    qsizetype m_changedToken = -1;  ///< the target of UPDATE or DELETE, if it is a single name
     int m_top = 0;
     qsizetype m_at = 0;
     qsizetype m_cases = 0;

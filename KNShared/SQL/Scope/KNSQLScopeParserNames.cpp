@@ -22,7 +22,7 @@ void KNSQLScopeParser::readName()
                (nameAt(m_at) || kind == SQLTokenKind::Variable)) {
         return readSource();
     } else if (clause() == Clause::From && query().mayHaveAlias && nameAt(m_at)) {
-        query().sources.last().alias = KNSQLName::text(m_tokens, m_at);
+        noteAlias(&query().sources.last(), m_at);
         query().mayHaveAlias = false;
     } else if (current.kind == Frame::Kind::Names && nameAt(m_at)) {
         current.names.append(KNSQLName::text(m_tokens, m_at));
@@ -37,8 +37,16 @@ void KNSQLScopeParser::readName()
     ++m_at;
 }
 
+void KNSQLScopeParser::noteAlias(KNSQLSource *source, qsizetype token)
+{
+    source->alias = KNSQLName::text(m_tokens, token);
+    source->aliasToken = token;
+    m_aliasTokens.append(token);
+}
+
 void KNSQLScopeParser::readSource()
 {
+    m_tableTokens.insert(m_at);
     KNSQLSource source;
     qsizetype behind = m_at + 1;
     if (nameAt(m_at)) {
@@ -59,11 +67,16 @@ void KNSQLScopeParser::readSource()
 void KNSQLScopeParser::readTarget()
 {
     const qsizetype begin = m_at++;
+    const bool isChanged =
+        m_target.path.isEmpty() && (clause() == Clause::UpdateTarget || clause() == Clause::DeleteTarget);
     const bool isVariable = m_tokens.at(begin).kind == SQLTokenKind::Variable;
     const auto path = [&] {
         const qsizetype limit = m_typed.begin > begin ? m_typed.begin : m_end;
         const KNSQLName::Path read = KNSQLName::path(m_tokens, begin, limit);
         m_at = std::max(read.end, m_at);
+        m_tableTokens.insert(begin);
+        if (isChanged && read.parts.size() == 1)
+            m_changedToken = begin;
         return isVariable ? QStringList{m_tokens.textAt(begin).toString()} : read.parts;
     };
     switch (clause()) {
@@ -78,7 +91,7 @@ void KNSQLScopeParser::readTarget()
         if (m_target.path.isEmpty())
             m_target.path = path();
         else if (role(begin - 1) != Role::With)
-            m_target.alias = KNSQLName::text(m_tokens, begin);
+            noteAlias(&m_target, begin);
         return;
     case Clause::InsertTarget:
     case Clause::UpdateTarget:

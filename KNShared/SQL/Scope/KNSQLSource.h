@@ -21,8 +21,9 @@ struct KNSQLOutput
 /// One source of rows of a statement: a table, or what a subquery or a declaration gives.
 struct KNSQLSource
 {
-    QStringList path; ///< names without quotes; empty for a subquery. Omitted parts are empty
-    QString alias;    ///< without quotes; null without one
+    QStringList path;          ///< names without quotes; empty for a subquery. Omitted parts are empty
+    QString alias;             ///< without quotes; null without one
+    qsizetype aliasToken = -1; ///< its index; -1 without one
     bool isFunction = false;
     /// Whether `outputs` are all columns; otherwise the database knows them.
     bool isResolved = false;

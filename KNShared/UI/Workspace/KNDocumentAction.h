@@ -23,6 +23,7 @@ enum class KNDocumentAction {
     MoveLinesUp,
     MoveLinesDown,
     Duplicate, ///< the selection, or the line of the cursor
+    Rename,    ///< the alias or variable at the cursor
     Surround,  ///< puts lines of the user's choice around the selected ones
     Format,    ///< the selection, or everything if nothing is selected
     GoToLine,

@@ -199,6 +199,7 @@ void MainWindowActions::makeTextMenu(QMenu *menu)
     menu->addSeparator();
     addForText(menu, {"surround", QT_TR_NOOP("&Surround With…"), nullptr, {keys("Ctrl+K, Ctrl+S")}},
                Action::Surround);
+    addForText(menu, {"rename", QT_TR_NOOP("&Rename…"), nullptr, {keys("F2")}}, Action::Rename);
 }
 
 void MainWindowActions::makeQueryMenu()

@@ -8,6 +8,7 @@
 #include <memory>
 
 class KNEditorFormatting;
+class KNEditorRename;
 class KNEditorSurrounding;
 class KNSQLEditor;
 class VantorDBC;
@@ -36,5 +37,6 @@ private:
 
     KNEditorFormatting *const m_formatting;
     KNEditorSurrounding *const m_surrounding;
+    KNEditorRename *const m_rename;
     QString m_note;
 };
