@@ -30,6 +30,12 @@ bool isInside(const KNSQLTokens &tokens, qsizetype index, qsizetype caret)
     return isQuoted && caret == piece.end() && (text.size() < 2 || text.back() != closing);
 }
 
+/// Whether a quoted name ends with its quote.
+bool closesName(QStringView name)
+{
+    return name.size() > 1 && name.back() == (name.front() == u'[' ? u']' : u'"');
+}
+
 /// Finds the name at the caret and the names before it. False where none can stand.
 bool findTyped(const KNSQLTokens &tokens, qsizetype caret, KNSQLScope *scope, KNSQLTyped *typed)
 {
@@ -47,7 +53,9 @@ bool findTyped(const KNSQLTokens &tokens, qsizetype caret, KNSQLScope *scope, KN
             scope->replaceFrom = piece.location;
             // An open quote reaches further than the name.
             const bool isOpen = piece.kind != SQLTokenKind::Word && piece.kind != SQLTokenKind::Variable;
-            scope->replaceTo = isOpen ? caret : piece.end();
+            const bool isOnlyQuoteLeft =
+                isOpen && caret == piece.end() - 1 && closesName(tokens.textAt(index - 1));
+            scope->replaceTo = isOpen && !isOnlyQuoteLeft ? caret : piece.end();
             scope->prefix = KNSQLName::withoutQuotes(
                 QStringView(tokens.text()).mid(piece.location, caret - piece.location));
             typed->begin = --index;

@@ -169,6 +169,15 @@ TEST_F(EditorCompletion, QuotesNamesThatNeedIt)
     EXPECT_EQ(text(), q("SELECT * FROM hr.[Staff, by department]"));
 }
 
+TEST_F(EditorCompletion, ReplacesABracketThatWasTypedInAPair)
+{
+    type("SELECT * FROM hr.[st");
+    EXPECT_EQ(text(), q("SELECT * FROM hr.[st]"));
+    ASSERT_TRUE(isOpen());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(text(), q("SELECT * FROM hr.[Staff, by department]"));
+}
+
 TEST_F(EditorCompletion, PreferenceTurnsSuggestionsWhileTypingOff)
 {
     KNPreferences preferences = KNPreferences::current();
