@@ -11,8 +11,11 @@
 #include "UI/Completion/KNEditorSignature.h"
 #include "UI/Completion/KNSignaturePopup.h"
 #include "UI/Editor/KNSQLEditor.h"
+#include "UI/Snippets/KNSnippetStore.h"
+#include "UI/Snippets/KNSnippetsDialog.h"
 
 #include <QPainter>
+#include <QPlainTextEdit>
 
 namespace {
 
@@ -54,5 +57,19 @@ void EditorScreenshots::take(MainWindow &window, const QString &folder)
     query->editor()->selectRange({17, 0});
     QTest::keyClicks(query->editor(), QStringLiteral("(day,"));
     saveWith(window, const_cast<KNSignaturePopup *>(query->signature()->popup()), folder, "signature");
+    query->setText(QStringLiteral("\n\n\nc"));
+    query->editor()->selectRange({4, 0});
+    query->completion()->open();
+    saveWith(window, const_cast<KNCompletionPopup *>(query->completion()->popup()), folder, "snippets");
+    query->completion()->close();
+    query->setText(QStringLiteral("SELECT o.OrderId, o.OrderedAt\nFROM Orders o\nWHERE o.CustomerId = 1"));
+    query->editor()->selectRange({7, 0});
+    query->perform(KNDocumentAction::Rename);
+    Screenshot::save(&window, folder, "rename");
+    query->editor()->setFocus();
+    KNSnippetsDialog dialog(*KNSnippetStore::forSettings(*query->databaseConnectionDetails()));
+    dialog.show();
+    Screenshot::waitFor("snippets", [&] { return dialog.findChild<QPlainTextEdit *>()->isEnabled(); });
+    Screenshot::save(&dialog, folder, "snippets-dialog");
     query->setText(QString());
 }

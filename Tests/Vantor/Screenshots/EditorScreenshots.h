@@ -6,7 +6,8 @@ class MainWindow;
 
 namespace EditorScreenshots {
 
-/// Takes pictures of an editor with the list of names, and with a signature.
+/// Takes pictures of an editor with the list of names, a signature and the field of a new name, and of the
+/// dialog of the snippets.
 void take(MainWindow &window, const QString &folder);
 
 } // namespace EditorScreenshots

@@ -36,6 +36,7 @@
 #include "UI/Results/KNValueViewer.h"
 #include "UI/RowEditing/KNEditRowModel.h"
 #include "UI/RowEditing/KNEditRowWindowController.h"
+#include "UI/Snippets/KNSnippetStore.h"
 #include "UI/TableDesigner/MSSQLRenameWindowController.h"
 #include "UI/Workspace/KNQueryPreview.h"
 #include "UI/Workspace/KNQueryPreviewDialog.h"
@@ -295,7 +296,8 @@ void showOtherWindows(MainWindow &window, const QString &folder)
     showDesigner(window, folder);
     showRowForm(window, folder);
     showImport(window, folder);
-    PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window);
+    PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window,
+                                  KNSnippetStore::forSettings(*window.databaseConnectionDetails()));
     preferences.show();
     save(&preferences, folder, "preferences");
     QueryHistoryDialog history(QueryHistory(window.databaseConnectionDetails()->connectionId()),

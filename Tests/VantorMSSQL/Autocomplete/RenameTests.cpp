@@ -29,8 +29,7 @@ std::string placesIn(const char *marked, QStringList *taken = nullptr)
 
 TEST(RenameOfAnAlias, FindsItsDeclarationAndUses)
 {
-    const std::string expected =
-        "SELECT <o>.Id, <O>.* FROM Orders AS <o> WHERE <o>.Id > 1 ORDER BY <o>.Id";
+    const std::string expected = "SELECT <o>.Id, <O>.* FROM Orders AS <o> WHERE <o>.Id > 1 ORDER BY <o>.Id";
     EXPECT_EQ(placesIn("SELECT |o.Id, O.* FROM Orders AS o WHERE o.Id > 1 ORDER BY o.Id"), expected);
     EXPECT_EQ(placesIn("SELECT o.Id, O|.* FROM Orders AS o WHERE o.Id > 1 ORDER BY o.Id"), expected);
     EXPECT_EQ(placesIn("SELECT o.Id, O.* FROM Orders AS o| WHERE o.Id > 1 ORDER BY o.Id"), expected);
@@ -76,7 +75,8 @@ TEST(RenameOfAnAlias, IncludesTheTargetOfAChange)
 {
     EXPECT_EQ(placesIn("UPDATE o SET o.a = 1, b = o.c FROM Orders |o WHERE o.a = 2"),
               "UPDATE <o> SET <o>.a = 1, b = <o>.c FROM Orders <o> WHERE <o>.a = 2");
-    EXPECT_EQ(placesIn("DELETE |o FROM Orders o WHERE o.a = 2"), "DELETE <o> FROM Orders <o> WHERE <o>.a = 2");
+    EXPECT_EQ(placesIn("DELETE |o FROM Orders o WHERE o.a = 2"),
+              "DELETE <o> FROM Orders <o> WHERE <o>.a = 2");
     EXPECT_EQ(placesIn("DELETE FROM o FROM Orders o WHERE |o.a = 2"),
               "DELETE FROM <o> FROM Orders <o> WHERE <o>.a = 2");
     EXPECT_EQ(placesIn("UPDATE Orders SET a = 1 FROM Orders |o WHERE o.a = 2"),

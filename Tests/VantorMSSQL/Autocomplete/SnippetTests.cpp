@@ -192,7 +192,8 @@ TEST_F(SnippetFileOfAUser, StaysAsItIsWhenItIsBroken)
     for (const char *const broken :
          {"", "{", "{}", "[1]", "[{}]", R"([{"name": "a"}])", R"([{"name": "a", "text": "x"}])",
           R"([{"name": "a", "text": [1]}])", R"([{"name": "a", "text": ["x\ny"]}])",
-          R"([{"name": " ", "text": ["x"]}])", R"([{"name": "a", "text": ["x"]}, {"name": "A", "text": ["y"]}])"}) {
+          R"([{"name": " ", "text": ["x"]}])",
+          R"([{"name": "a", "text": ["x"]}, {"name": "A", "text": ["y"]}])"}) {
         write(broken);
         EXPECT_EQ(KNSnippetFile::read(dialect, &error), dialect.snippets) << broken;
         EXPECT_TRUE(error) << broken;

@@ -118,8 +118,7 @@ TEST_F(RenameInAnEditor, SaysThatThereIsNothingToRename)
               QStringLiteral("There is no alias and no variable at the cursor."));
     EXPECT_EQ(text(), "SELECT o.Id FROM Orders o");
     QTest::keyClick(editor, Qt::Key_Left);
-    EXPECT_TRUE(
-        WindowTesting::waitFor([&] { return window.currentDocument()->status().text.isEmpty(); }));
+    EXPECT_TRUE(WindowTesting::waitFor([&] { return window.currentDocument()->status().text.isEmpty(); }));
 }
 
 TEST_F(RenameInAnEditor, IsSeenInTheWindowAndNamed)

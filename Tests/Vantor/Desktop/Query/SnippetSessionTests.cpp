@@ -1,9 +1,9 @@
 #include "Desktop/Preferences/PreferencesDialog.h"
+#include "SQL/Scope/KNSQLDialect.h"
+#include "SQL/Snippets/KNSnippetFile.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
-#include "SQL/Scope/KNSQLDialect.h"
-#include "SQL/Snippets/KNSnippetFile.h"
 #include "UI/Completion/KNCompletionPopup.h"
 #include "UI/Completion/KNEditorCompletion.h"
 #include "UI/Dialogs/KNCautionBar.h"
@@ -72,10 +72,7 @@ protected:
     {
         QTest::keyClick(editor, key, modifiers);
     }
-    void insert(const char *text)
-    {
-        snippet->insert({editor->selectedRange().location, 0}, q(text));
-    }
+    void insert(const char *text) { snippet->insert({editor->selectedRange().location, 0}, q(text)); }
     std::string text() const { return tab.text().toStdString(); }
     QString selected() const { return editor->textOfRange(editor->selectedRange()); }
 
