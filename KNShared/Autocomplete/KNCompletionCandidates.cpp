@@ -27,28 +27,35 @@ KNCompletionCandidates::KNCompletionCandidates(const KNSQLTokens &tokens, qsizet
 
 void KNCompletionCandidates::add(Group group, KNCompletionItem item)
 {
-    const KNCompletionMatch match = KNMatchCompletion(item.name, m_typed);
-    if (match == KNCompletionMatch::None)
-        return;
-    const int uses = m_uses.value(item.name.toLower());
-    m_candidates.append({std::move(item), match, group, uses, m_candidates.size()});
+    const Rank found = rank(group, item.name);
+    if (found.match != KNCompletionMatch::None)
+        m_candidates.append({std::move(item), found, m_candidates.size()});
+}
+
+KNCompletionCandidates::Rank KNCompletionCandidates::rank(Group group, const QString &name) const
+{
+    return {KNMatchCompletion(name, m_typed), group, m_uses.isEmpty() ? 0 : m_uses.value(name.toLower())};
+}
+
+int KNCompletionCandidates::compare(const Rank &a, const QString &nameOfA, const Rank &b,
+                                    const QString &nameOfB)
+{
+    if (a.match != b.match)
+        return a.match > b.match ? -1 : 1;
+    if (a.group != b.group)
+        return a.group < b.group ? -1 : 1;
+    // Columns keep the order of their table.
+    const bool isListed = a.group == Near || a.group == Outer || a.group == Conditions;
+    if (!isListed && a.uses != b.uses)
+        return a.uses > b.uses ? -1 : 1;
+    const bool isSorted = !isListed && a.group != Words && a.group != Related;
+    return isSorted ? nameOfA.compare(nameOfB, Qt::CaseInsensitive) : 0;
 }
 
 bool KNCompletionCandidates::isBetter(const Candidate &a, const Candidate &b)
 {
-    if (a.match != b.match)
-        return a.match > b.match;
-    if (a.group != b.group)
-        return a.group < b.group;
-    // Columns keep the order of their table.
-    const bool isListed = a.group == Near || a.group == Outer || a.group == Conditions;
-    if (!isListed && a.uses != b.uses)
-        return a.uses > b.uses;
-    if (!isListed && a.group != Words && a.group != Related) {
-        if (const int order = a.item.name.compare(b.item.name, Qt::CaseInsensitive))
-            return order < 0;
-    }
-    return a.position < b.position;
+    const int order = compare(a.rank, a.item.name, b.rank, b.item.name);
+    return order == 0 ? a.position < b.position : order < 0;
 }
 
 QList<KNCompletionItem> KNCompletionCandidates::best(qsizetype limit)

@@ -35,6 +35,16 @@ public:
         return KNMatchCompletion(name, m_typed) != KNCompletionMatch::None;
     }
     void add(Group group, KNCompletionItem item);
+
+    struct Rank
+    {
+        KNCompletionMatch match;
+        Group group;
+        int uses;
+    };
+    Rank rank(Group group, const QString &name) const;
+    /// Below 0 if the first name comes first, 0 if their order decides.
+    static int compare(const Rank &a, const QString &nameOfA, const Rank &b, const QString &nameOfB);
     /// The best ones, each name once per text.
     QList<KNCompletionItem> best(qsizetype limit);
 
@@ -42,9 +52,7 @@ private:
     struct Candidate
     {
         KNCompletionItem item;
-        KNCompletionMatch match;
-        Group group;
-        int uses;
+        Rank rank;
         qsizetype position;
     };
     static bool isBetter(const Candidate &a, const Candidate &b);

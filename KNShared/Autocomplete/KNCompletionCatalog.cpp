@@ -30,3 +30,21 @@ const KNCompletionCatalog::Object *KNCompletionCatalog::find(const QStringList &
     const QList<qsizetype> same = m_byName.value(path.last().toLower());
     return schema.isEmpty() && same.size() == 1 ? &objects[same.first()] : nullptr;
 }
+
+KNCompletionCatalog::Found KNCompletionCatalog::findOnServer(const QStringList &path) const
+{
+    if (path.size() > 3)
+        return {};
+    if (path.size() == 3) {
+        const auto other = otherDatabase ? otherDatabase(path.first()) : nullptr;
+        Found found = other ? other->findOnServer(path.mid(1)) : Found();
+        if (found.object && !found.owner)
+            found.owner = other;
+        return found;
+    }
+    const bool isSystem = path.size() == 2 && isSystemSchema(path.first());
+    const auto system = isSystem ? systemObjects() : nullptr;
+    if (isSystem)
+        return {system ? system->find(path) : nullptr, system};
+    return {find(path), nullptr};
+}

@@ -40,6 +40,9 @@ public:
     KNDatabaseAutocompleteEntry::List columns; ///< of all tables, one for each name
     /// Returns the names of another database of the server, null while they are not loaded. May be empty.
     std::function<std::shared_ptr<const KNCompletionCatalog>(const QString &database)> otherDatabase;
+    QStringList systemSchemas; ///< their objects are in a catalog of their own
+    /// Returns the objects of the system schemas, null while they are not loaded. May be empty.
+    std::function<std::shared_ptr<const KNCompletionCatalog>()> systemObjects;
     QList<std::shared_ptr<const void>> owners; ///< keep the entries of the objects
 
     /// Indexes the objects; called once they are complete.
@@ -47,6 +50,20 @@ public:
     /// Returns the object with a name, or with a schema and a name, in any case; null if there is none. A
     /// name alone belongs to the default schema, or to any other if it occurs there only.
     const Object *find(const QStringList &path) const;
+
+    struct Found
+    {
+        const Object *object = nullptr;
+        std::shared_ptr<const KNCompletionCatalog> owner; ///< null if this catalog owns the object
+    };
+    /// The same with a database before the schema, and in the system schemas: asks for names that are not
+    /// loaded yet, and finds nothing until then.
+    Found findOnServer(const QStringList &path) const;
+    /// Whether the objects of the schema are those of systemObjects().
+    bool isSystemSchema(const QString &name) const
+    {
+        return systemObjects && systemSchemas.contains(name, Qt::CaseInsensitive);
+    }
     bool hasSchema(const QString &name) const { return schemas.contains(name, Qt::CaseInsensitive); }
 
 private:

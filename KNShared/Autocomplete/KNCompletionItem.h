@@ -32,6 +32,7 @@ struct KNSHARED_EXPORT KNCompletionItem
     QString parent; ///< the source of a column, the schema of an object; null if there is none
     QString type;   ///< null if there is none
     Kind kind = Kind::Keyword;
+    bool isKey = false; ///< a column of the primary key
 
     /// The kind's name for scripts, in lower case.
     static QString kindName(Kind kind);

@@ -1,10 +1,10 @@
 #include "Autocomplete/KNCompletionList.h"
 
 #include "Autocomplete/KNCompletionCandidates.h"
+#include "Autocomplete/KNCompletionColumns.h"
 #include "Autocomplete/KNCompletionObjects.h"
 #include "Autocomplete/KNJoinConditions.h"
 #include "Autocomplete/KNSourceColumns.h"
-#include "Foundation/KNFormat.h"
 #include "SQL/Scope/KNSQLTokens.h"
 
 #include <algorithm>
@@ -17,11 +17,6 @@ using Group = KNCompletionCandidates::Group;
 using Object = KNCompletionCatalog::Object;
 using Expected = KNSQLExpected;
 
-bool isSame(const QString &a, const QString &b)
-{
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
 class List
 {
 public:
@@ -29,8 +24,9 @@ public:
         : m_request(request)
         , m_scope(request.scope)
         , m_catalog(request.catalog)
-        , m_columns(request.scope, request.catalog)
+        , m_sources(request.scope, request.catalog)
         , m_candidates(request.tokens, request.scope.replaceTo, request.scope.prefix)
+        , m_columns(request, m_sources, m_candidates)
     {
     }
 
@@ -55,14 +51,14 @@ private:
     void addUnqualified()
     {
         if (m_scope.isBehindStar || m_scope.isInsertList)
-            addColumnLists();
+            m_columns.addLists();
         if (expects(Expected::JoinConditions)) {
-            const auto conditions = KNJoinConditions(m_scope, m_columns, m_catalog, m_request.quotedName);
+            const auto conditions = KNJoinConditions(m_scope, m_sources, m_catalog, m_request.quotedName);
             for (const QString &condition : conditions)
                 add(Group::Conditions, Kind::JoinCondition, condition, condition);
         }
         if (expects(Expected::Columns))
-            addColumns();
+            m_columns.add();
         if (expects(Expected::Columns) || expects(Expected::Aliases))
             addSources();
         if (expects(Expected::Sources))
@@ -88,79 +84,12 @@ private:
             m_candidates.add(group, {name, text, parent, type, kind});
     }
 
-    /// A column of the target of INSERT and others, where only those can stand.
-    bool listsTarget() const
-    {
-        return m_scope.clause == KNSQLClause::InsertColumns || m_scope.clause == KNSQLClause::Columns;
-    }
-
-    void addColumns()
-    {
-        if (listsTarget() || m_scope.clause == KNSQLClause::Output) {
-            if (listsTarget())
-                addColumnsOf(m_scope.target, Group::Near, false);
-            for (const QString &rows : m_scope.clause == KNSQLClause::Output
-                                           ? m_request.tokens.dialect().changedRows
-                                           : QStringList())
-                add(Group::Near, Kind::Source, rows, rows);
-            return;
-        }
-        if (m_scope.clause == KNSQLClause::OrderBy) {
-            for (const KNSQLOutput &output : m_scope.outputs) {
-                if (!output.isStar)
-                    add(Group::Near, Kind::Column, output.name, quoted(output.name));
-            }
-        }
-        for (qsizetype index = 0; index < m_scope.sources.size(); ++index)
-            addColumnsOf(m_scope.sources[index], index < m_scope.innerSources ? Group::Near : Group::Outer,
-                         true);
-        if (m_scope.sources.isEmpty() && m_catalog && !m_scope.prefix.isEmpty()) {
-            for (const KNDatabaseAutocompleteEntry *column : m_catalog->columns)
-                addAnyColumn(column->entryName());
-        }
-    }
-
-    void addAnyColumn(const QString &name)
-    {
-        if (m_candidates.suits(name))
-            m_candidates.add(Group::Outer, {name, quoted(name), {}, {}, Kind::Column});
-    }
-
-    void addColumnsOf(const KNSQLSource &source, Group group, bool isQualifiedIfAmbiguous)
-    {
-        const QString parent = source.visibleName();
-        const QList<KNSourceColumn> columns = m_columns.of(source);
-        for (const KNSourceColumn &column : columns) {
-            if (!m_candidates.suits(column.name) ||
-                m_scope.usedColumns.contains(column.name, Qt::CaseInsensitive))
-                continue;
-            const bool isAmbiguous =
-                isQualifiedIfAmbiguous && !parent.isNull() && isAmbiguousName(column.name);
-            const QString name = quoted(column.name);
-            add(group, Kind::Column, column.name, isAmbiguous ? quoted(parent) + u'.' + name : name, parent,
-                column.type);
-        }
-    }
-
-    bool isAmbiguousName(const QString &name)
-    {
-        if (m_scope.innerSources < 2)
-            return false;
-        if (m_counts.isEmpty()) {
-            for (qsizetype index = 0; index < m_scope.innerSources; ++index) {
-                for (const KNSourceColumn &column : m_columns.of(m_scope.sources[index]))
-                    ++m_counts[column.name.toLower()];
-            }
-        }
-        return m_counts.value(name.toLower()) > 1;
-    }
-
     /// The names by which the statement's sources are known.
     void addSources()
     {
         for (const KNSQLSource &source : m_scope.sources) {
             const QString name = source.visibleName();
-            if (!name.isEmpty() && !listsTarget())
+            if (!name.isEmpty() && !m_columns.listsTarget())
                 add(Group::Names, Kind::Source, name, quoted(name),
                     source.alias.isNull() ? QString() : source.path.join(u'.'));
         }
@@ -180,7 +109,7 @@ private:
         if (!catalog || !m_scope.expected)
             return;
         const QList<QStringList> related = m_scope.isJoinTarget && catalog == m_catalog
-                                               ? KNRelatedTables(m_scope, *catalog, m_columns)
+                                               ? KNRelatedTables(m_scope, *catalog, m_sources)
                                                : QList<QStringList>();
         KNAddObjectCompletions(m_request, *catalog, schema, related, &m_candidates);
     }
@@ -188,7 +117,7 @@ private:
     /// The parameters of the procedure that is called.
     void addParameters()
     {
-        const Object *const routine = m_columns.object(m_scope.routine);
+        const Object *const routine = m_sources.object(m_scope.routine);
         if (!routine || !routine->entry)
             return;
         for (const KNDatabaseAutocompleteEntry *child : routine->entry->entryChildren()) {
@@ -217,6 +146,8 @@ private:
                                               Expected::Types | Expected::Modules | Expected::Objects))) {
             for (const QString &schema : m_catalog->schemas)
                 add(Group::Variables, Kind::Schema, schema, quoted(schema));
+            for (const QString &schema : m_catalog->systemSchemas)
+                add(Group::Functions, Kind::Schema, schema, quoted(schema));
         }
         if (m_catalog && (expects(Expected::Databases) || expects(Expected::Sources))) {
             for (const QString &database : m_catalog->databases)
@@ -239,46 +170,32 @@ private:
     {
         const QString &last = m_scope.qualifier.last();
         if (m_scope.qualifier.size() == 1)
-            addColumnsOfSource(last);
+            m_columns.addOfSource(last);
         if (m_scope.clause == KNSQLClause::Output && m_scope.qualifier.size() == 1 &&
             m_request.tokens.dialect().changedRows.contains(last, Qt::CaseInsensitive))
-            addColumnsOf(m_scope.target, Group::Near, false);
+            m_columns.addOf(m_scope.target, Group::Near, false);
         if (!m_catalog)
             return;
         if (m_scope.qualifier.size() == 1) {
-            if (m_catalog->hasSchema(last))
-                addObjects(m_catalog, last);
+            addObjectsOfSchema(m_catalog, last);
             addSchemasOf(last);
         } else if (m_scope.qualifier.size() == 2) {
             const auto other =
                 m_catalog->otherDatabase ? m_catalog->otherDatabase(m_scope.qualifier.first()) : nullptr;
             if (other)
-                addObjects(other.get(), last.isEmpty() ? other->defaultSchema : last);
-            addColumnsOfPath();
+                addObjectsOfSchema(other.get(), last.isEmpty() ? other->defaultSchema : last);
+            m_columns.addOfPath();
         } else {
-            addColumnsOfPath();
+            m_columns.addOfPath();
         }
     }
 
-    void addColumnsOfSource(const QString &name)
+    void addObjectsOfSchema(const KNCompletionCatalog *catalog, const QString &schema)
     {
-        for (qsizetype index = 0; index < m_scope.sources.size(); ++index) {
-            if (!isSame(m_scope.sources[index].visibleName(), name))
-                continue;
-            addColumnsOf(m_scope.sources[index], Group::Near, false);
-            return; // inner names hide outer ones
-        }
-    }
-
-    /// The columns of a source named with its schema.
-    void addColumnsOfPath()
-    {
-        for (const KNSQLSource &source : m_scope.sources) {
-            if (source.alias.isNull() && source.path.size() >= 2 &&
-                isSame(source.path.last(), m_scope.qualifier.last()) &&
-                isSame(source.path[source.path.size() - 2], m_scope.qualifier[m_scope.qualifier.size() - 2]))
-                return addColumnsOf(source, Group::Near, false);
-        }
+        if (!catalog->isSystemSchema(schema))
+            addObjects(catalog, schema);
+        else if (const auto system = catalog->systemObjects())
+            addObjects(system.get(), schema);
     }
 
     void addSchemasOf(const QString &database)
@@ -290,38 +207,12 @@ private:
             add(Group::Objects, Kind::Schema, schema, quoted(schema), database);
     }
 
-    /// All columns instead of a star, and the lists of an INSERT.
-    void addColumnLists()
-    {
-        QStringList names;
-        if (m_scope.isInsertList) {
-            for (const KNSourceColumn &column : m_columns.of(m_scope.target))
-                names.append(quoted(column.name));
-            if (names.isEmpty())
-                return;
-            const QString list = names.join(QStringLiteral(", "));
-            const QString values =
-                QStringList(names.size(), QStringLiteral("NULL")).join(QStringLiteral(", "));
-            return add(Group::Conditions, Kind::Columns, QStringLiteral("(columns) VALUES (...)"),
-                       KNFormat("(%@)\nVALUES (%@)", list, values));
-        }
-        for (qsizetype index = 0; index < m_scope.innerSources; ++index) {
-            const KNSQLSource &source = m_scope.sources[index];
-            const QString prefix = m_scope.innerSources > 1 ? quoted(source.visibleName()) + u'.' : QString();
-            for (const KNSourceColumn &column : m_columns.of(source))
-                names.append(prefix + quoted(column.name));
-        }
-        if (!names.isEmpty())
-            add(Group::Conditions, Kind::Columns, QStringLiteral("All columns"),
-                names.join(QStringLiteral(", ")));
-    }
-
     const KNCompletionRequest &m_request;
     const KNSQLScope &m_scope;
     const KNCompletionCatalog *const m_catalog;
-    const KNSourceColumns m_columns;
+    const KNSourceColumns m_sources;
     KNCompletionCandidates m_candidates;
-    QHash<QString, int> m_counts; ///< of columns in the sources of the query
+    KNCompletionColumns m_columns;
 };
 
 } // namespace

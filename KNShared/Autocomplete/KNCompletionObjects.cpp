@@ -4,6 +4,8 @@
 #include "SQL/Scope/KNSQLScope.h"
 
 #include <algorithm>
+#include <functional>
+#include <vector>
 
 namespace {
 
@@ -67,29 +69,59 @@ bool isRelated(const Object &object, const QList<QStringList> &related)
     });
 }
 
+/// An object whose name suits.
+struct SuitableObject
+{
+    const Object *object;
+    KNCompletionCandidates::Rank rank;
+
+    bool operator<(const SuitableObject &other) const
+    {
+        const int order = KNCompletionCandidates::compare(rank, object->name, other.rank, other.object->name);
+        return order == 0 ? std::less<>()(object, other.object) : order < 0;
+    }
+};
+
+Group groupOf(const Object &object, const KNCompletionCatalog &catalog, bool isQualified,
+              const QList<QStringList> &related)
+{
+    if (isRelated(object, related))
+        return Group::Related;
+    if (object.kind == KNCompletionCatalog::Kind::ScalarFunction)
+        return Group::Functions;
+    return isQualified || isSameObjectName(object.schema, catalog.defaultSchema) ? Group::Objects
+                                                                                 : Group::OtherObjects;
+}
+
 } // namespace
 
 void KNAddObjectCompletions(const KNCompletionRequest &request, const KNCompletionCatalog &catalog,
                             const QString &schema, const QList<QStringList> &related,
                             KNCompletionCandidates *candidates)
 {
+    const bool isQualified = !schema.isNull();
+    std::vector<SuitableObject> suitable;
+    for (const Object &object : catalog.objects) {
+        if (!isExpected(object.kind, request.scope.expected) ||
+            (isQualified && !isSameObjectName(object.schema, schema)) || !candidates->suits(object.name))
+            continue;
+        const Group group = groupOf(object, catalog, isQualified, related);
+        suitable.push_back({&object, candidates->rank(group, object.name)});
+    }
+    // Items, with quoted names, are made of the best only: a database can have a hundred thousand.
+    const auto count = std::min(suitable.size(), static_cast<std::size_t>(request.limit));
+    const auto end = suitable.begin() + static_cast<std::ptrdiff_t>(count);
+    std::partial_sort(suitable.begin(), end, suitable.end());
     const auto quoted = [&](const QString &name) {
         return request.quotedName ? request.quotedName(name) : name;
     };
-    for (const Object &object : catalog.objects) {
-        if (!isExpected(object.kind, request.scope.expected) ||
-            (!schema.isNull() && !isSameObjectName(object.schema, schema)) || !candidates->suits(object.name))
-            continue;
-        const bool isPlain = !schema.isNull() || isSameObjectName(object.schema, catalog.defaultSchema);
-        const bool isFunction = object.kind == KNCompletionCatalog::Kind::ScalarFunction;
+    for (auto best = suitable.begin(); best != end; ++best) {
+        const Object &object = *best->object;
+        const bool isPlain = isSameObjectName(object.schema, catalog.defaultSchema) &&
+                             object.kind != KNCompletionCatalog::Kind::ScalarFunction;
         // A scalar function is called with its schema.
-        const bool needsSchema = schema.isNull() && (!isPlain || isFunction);
-        const Group group = isRelated(object, related) ? Group::Related
-                            : isFunction               ? Group::Functions
-                            : isPlain                  ? Group::Objects
-                                                       : Group::OtherObjects;
-        const QString name = quoted(object.name);
-        candidates->add(group, {object.name, needsSchema ? quoted(object.schema) + u'.' + name : name,
-                                object.schema, QString(), kindOf(object.kind)});
+        const QString prefix = isQualified || isPlain ? QString() : quoted(object.schema) + u'.';
+        candidates->add(best->rank.group, {object.name, prefix + quoted(object.name), object.schema,
+                                           QString(), kindOf(object.kind)});
     }
 }

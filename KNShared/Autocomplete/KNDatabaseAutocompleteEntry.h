@@ -18,6 +18,9 @@ public:
     /// The numbers of the entries' kinds.
     enum Kind : int { Schema = 2, Table = 4, Column = 8, Routine = 16, Parameter = 32 };
 
+    /// Properties of columns, as bits.
+    enum Trait : quint8 { Nullable = 1, NotNull = 2, PrimaryKey = 4 };
+
     /// The details, which may be null, must outlive the entry: many entries share one text.
     KNDatabaseAutocompleteEntry(QString name, Kind kind, const QString *details = nullptr);
 
@@ -34,6 +37,8 @@ public:
     /// The text shown beside the name: the schema of a table, schema and table of a column; null without a
     /// parent.
     QString entryParentDisplay() const;
+    bool hasTrait(Trait trait) const { return m_traits & trait; }
+    void addTrait(Trait trait) { m_traits |= trait; }
     /// Frees the memory reserved for more children.
     void squeeze();
 
@@ -43,4 +48,5 @@ private:
     const KNDatabaseAutocompleteEntry *m_parent = nullptr;
     std::unique_ptr<List> m_children; ///< null without children
     Kind m_kind;
+    quint8 m_traits = 0; ///< bits of Trait
 };

@@ -1,6 +1,5 @@
 #include "Autocomplete/KNSignatureHelp.h"
 
-#include "Autocomplete/KNCompletionCatalog.h"
 #include "SQL/Scope/KNSQLName.h"
 #include "SQL/Scope/KNSQLTokens.h"
 
@@ -9,8 +8,6 @@
 namespace {
 
 constexpr qsizetype LongestCall = 5'000; ///< tokens between a name and the caret
-
-using Object = KNCompletionCatalog::Object;
 
 /// A name of one or several parts that ends at a token.
 struct CalledName
@@ -24,26 +21,6 @@ bool isCallable(KNCompletionCatalog::Kind kind, bool isProcedure)
     using Kind = KNCompletionCatalog::Kind;
     return isProcedure ? kind == Kind::Procedure
                        : kind == Kind::ScalarFunction || kind == Kind::TableFunction;
-}
-
-KNSignature signatureOf(const Object &routine, bool isProcedure)
-{
-    KNSignature signature;
-    signature.text = routine.schema + u'.' + routine.name + (isProcedure ? u' ' : u'(');
-    const auto children =
-        routine.entry ? routine.entry->entryChildren() : KNDatabaseAutocompleteEntry::List();
-    for (const KNDatabaseAutocompleteEntry *child : children) {
-        if (child->entryCompletionType() != KNDatabaseAutocompleteEntry::Parameter)
-            continue;
-        if (!signature.parameters.isEmpty())
-            signature.text += QStringLiteral(", ");
-        const QString parameter = child->entryName() + u' ' + child->entryDetails();
-        signature.parameters.append({signature.text.size(), parameter.size()});
-        signature.text += parameter;
-    }
-    if (!isProcedure)
-        signature.text += u')';
-    return signature;
 }
 
 class SignatureFinder
@@ -122,8 +99,8 @@ private:
         help.begin = m_tokens.at(name.begin).location;
         if (const KNSignature *const builtIn = builtInNamed(name.parts)) {
             help.signature = *builtIn;
-        } else if (const Object *const routine = routineNamed(name.parts, false)) {
-            help.signature = signatureOf(*routine, false);
+        } else if (const auto signature = routineNamed(name.parts, false)) {
+            help.signature = *signature;
         } else {
             return std::nullopt;
         }
@@ -141,10 +118,10 @@ private:
         if (begin >= m_behind)
             return std::nullopt;
         const KNSQLName::Path path = KNSQLName::path(m_tokens, begin, m_behind);
-        const Object *const routine = routineNamed(path.parts, true);
-        if (!routine)
+        const auto signature = routineNamed(path.parts, true);
+        if (!signature)
             return std::nullopt;
-        KNSignatureHelp help{signatureOf(*routine, true), -1, m_tokens.at(begin).location};
+        KNSignatureHelp help{*signature, -1, m_tokens.at(begin).location};
         const qsizetype first = argument < 0 ? path.end : argument;
         const bool isNamed = first + 1 < m_behind && m_tokens.at(first).kind == SQLTokenKind::Variable &&
                              KNSQLName::is(m_tokens, first + 1, u'=');
@@ -176,6 +153,10 @@ private:
             if (index < 2 || !KNSQLName::is(m_tokens, index - 1, u'.'))
                 break;
             index -= 2;
+            if (index > 0 && KNSQLName::is(m_tokens, index, u'.')) { // database..name
+                name.parts.prepend(QStringLiteral(""));
+                --index;
+            }
         }
         return name;
     }
@@ -187,12 +168,14 @@ private:
                kind == SQLTokenKind::QuotedIdentifier;
     }
 
-    const Object *routineNamed(const QStringList &path, bool isProcedure) const
+    std::optional<KNSignature> routineNamed(const QStringList &path, bool isProcedure) const
     {
-        if (!m_catalog || path.isEmpty() || path.size() > 2)
-            return nullptr;
-        const Object *const found = m_catalog->find(path);
-        return found && isCallable(found->kind, isProcedure) ? found : nullptr;
+        if (!m_catalog || path.isEmpty())
+            return std::nullopt;
+        const KNCompletionCatalog::Found found = m_catalog->findOnServer(path);
+        if (!found.object || !isCallable(found.object->kind, isProcedure))
+            return std::nullopt;
+        return KNRoutineSignature(*found.object);
     }
 
     const KNSQLTokens &m_tokens;
@@ -201,6 +184,27 @@ private:
 };
 
 } // namespace
+
+KNSignature KNRoutineSignature(const KNCompletionCatalog::Object &routine)
+{
+    const bool isProcedure = routine.kind == KNCompletionCatalog::Kind::Procedure;
+    KNSignature signature;
+    signature.text = routine.schema + u'.' + routine.name + (isProcedure ? u' ' : u'(');
+    const auto children =
+        routine.entry ? routine.entry->entryChildren() : KNDatabaseAutocompleteEntry::List();
+    for (const KNDatabaseAutocompleteEntry *child : children) {
+        if (child->entryCompletionType() != KNDatabaseAutocompleteEntry::Parameter)
+            continue;
+        if (!signature.parameters.isEmpty())
+            signature.text += QStringLiteral(", ");
+        const QString parameter = child->entryName() + u' ' + child->entryDetails();
+        signature.parameters.append({signature.text.size(), parameter.size()});
+        signature.text += parameter;
+    }
+    if (!isProcedure)
+        signature.text += u')';
+    return signature;
+}
 
 std::optional<KNSignatureHelp> KNSignatureAt(const KNSQLTokens &tokens, qsizetype caret,
                                              const KNCompletionCatalog *catalog)

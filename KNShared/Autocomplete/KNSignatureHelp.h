@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Autocomplete/KNCompletionCatalog.h"
 #include "SQL/KNSignature.h"
 
 #include <optional>
 
-class KNCompletionCatalog;
 class KNSQLTokens;
 
 /// The call that is written at a caret.
@@ -19,3 +19,6 @@ struct KNSignatureHelp
 /// there: built-in functions of the dialect and routines of the catalog, which may be null. Pure.
 KNSHARED_EXPORT std::optional<KNSignatureHelp> KNSignatureAt(const KNSQLTokens &tokens, qsizetype caret,
                                                              const KNCompletionCatalog *catalog);
+
+/// How a procedure or function of a database is called: its schema, name and parameters.
+KNSHARED_EXPORT KNSignature KNRoutineSignature(const KNCompletionCatalog::Object &routine);

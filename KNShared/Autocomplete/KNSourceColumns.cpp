@@ -13,17 +13,24 @@ bool isSameName(const QString &a, const QString &b)
 
 } // namespace
 
+KNSourceColumn KNSourceColumn::from(const KNDatabaseAutocompleteEntry &entry)
+{
+    using Entry = KNDatabaseAutocompleteEntry;
+    return {.name = entry.entryName(),
+            .type = entry.entryDetails(),
+            .isNullable = entry.hasTrait(Entry::Nullable),
+            .isRequired = entry.hasTrait(Entry::NotNull),
+            .isPrimaryKey = entry.hasTrait(Entry::PrimaryKey)};
+}
+
 const KNCompletionCatalog::Object *KNSourceColumns::object(const QStringList &path) const
 {
-    if (!m_catalog || path.isEmpty() || path.size() > 3)
+    if (!m_catalog)
         return nullptr;
-    if (path.size() < 3)
-        return m_catalog->find(path);
-    const auto other = m_catalog->otherDatabase ? m_catalog->otherDatabase(path.first()) : nullptr;
-    if (!other)
-        return nullptr;
-    m_others.append(other);
-    return other->find(path.mid(1));
+    const KNCompletionCatalog::Found found = m_catalog->findOnServer(path);
+    if (found.owner)
+        m_others.append(found.owner);
+    return found.object;
 }
 
 /// The common table expression or temporary table that a source names; null if it names none.
@@ -52,14 +59,14 @@ QList<KNSourceColumn> KNSourceColumns::of(const KNSQLSource &source, int depth) 
     } else if (const auto *const found = object(source.path); found && found->entry) {
         for (const KNDatabaseAutocompleteEntry *child : found->entry->entryChildren()) {
             if (child->entryCompletionType() == KNDatabaseAutocompleteEntry::Column)
-                columns.append({child->entryName(), child->entryDetails()});
+                columns.append(KNSourceColumn::from(*child));
         }
     }
     for (qsizetype index = 0; index < source.columnNames.size(); ++index) {
         if (index < columns.size())
             columns[index].name = source.columnNames[index];
         else
-            columns.append({source.columnNames[index], {}});
+            columns.append({.name = source.columnNames[index], .type = {}});
     }
     return columns;
 }
@@ -69,7 +76,7 @@ QList<KNSourceColumn> KNSourceColumns::outputsOf(const KNSQLSource &source, int 
     QList<KNSourceColumn> columns;
     for (const KNSQLOutput &output : source.outputs) {
         if (!output.isStar) {
-            columns.append({output.name, output.type});
+            columns.append({.name = output.name, .type = output.type});
             continue;
         }
         for (qsizetype index = 0; source.inner && index < source.inner->size(); ++index) {

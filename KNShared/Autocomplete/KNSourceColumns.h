@@ -7,7 +7,13 @@
 struct KNSourceColumn
 {
     QString name;
-    QString type; ///< null if unknown
+    QString type;              ///< null if unknown
+    bool isNullable = false;   ///< false if unknown
+    bool isRequired = false;   ///< not nullable; false if unknown
+    bool isPrimaryKey = false; ///< or a part of it
+
+    /// The column of an entry.
+    static KNSourceColumn from(const KNDatabaseAutocompleteEntry &entry);
 };
 
 /// Finds the columns of the sources of a statement: those of the database, of common table expressions,

@@ -162,6 +162,7 @@ const QMap<QString, QStringList> &titles()
     static const QMap<QString, QStringList> map{
         {QStringLiteral("General_ListDatabases"), {}},
         {QStringLiteral("General_FindDefaultUserSchema"), {}},
+        {QStringLiteral("General_FindObject"), {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}")}},
         {QStringLiteral("DatabaseTree_ServerVersion"), {}},
         {QStringLiteral("DatabaseTree_ListTables"), {}},
         {QStringLiteral("List_SearchableDatabaseEntries"), {}},
@@ -192,6 +193,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("Session_Options"), {}},
         {QStringLiteral("List_Sessions"), {}},
         {QStringLiteral("Script_TableSizes"), {}},
+        {QStringLiteral("Script_ColumnsAndKeys"), {QStringLiteral("{SCHEMA}"), QStringLiteral("{OBJECT}")}},
         {QStringLiteral("Script_LongRunningQueries"), {}},
         {QStringLiteral("Script_ListConnections"), {}},
         {QStringLiteral("Table_CreationQuery"), schemaAndTable},
@@ -214,6 +216,7 @@ const QMap<QString, QStringList> &titles()
         {QStringLiteral("List_PrimaryKeysForTable"), ofTable},
         {QStringLiteral("List_TablesAndColumnsForImport"), {}},
         {QStringLiteral("List_EntriesForAutocomplete"), {}},
+        {QStringLiteral("List_SystemEntriesForAutocomplete"), {}},
         {QStringLiteral("List_ObjectsForAutocomplete"), {}},
         {QStringLiteral("List_MembersForAutocomplete"), {}},
         {QStringLiteral("List_ForeignKeysForAutocomplete"), {}},

@@ -67,8 +67,8 @@ QStringList namesInOrder(const Entry::List &entries)
 
 } // namespace
 
-void MSSQLAutocompleteEntires::addColumn(const QString &schema, const QString &table, const QString &column,
-                                         const QString &type)
+Entry &MSSQLAutocompleteEntires::addColumn(const QString &schema, const QString &table, const QString &column,
+                                           const QString &type)
 {
     const bool isNewSchema = m_schemas.isEmpty() || !isSameName(m_schemas.last()->entryName(), schema);
     const bool isNewTable =
@@ -85,6 +85,7 @@ void MSSQLAutocompleteEntires::addColumn(const QString &schema, const QString &t
     entry->setEntryParent(m_tables.last());
     m_tables.last()->addChild(entry);
     m_columns.append(entry);
+    return *entry;
 }
 
 Entry *MSSQLAutocompleteEntires::newEntry(const QString &name, Entry::Kind kind, const QString *details)

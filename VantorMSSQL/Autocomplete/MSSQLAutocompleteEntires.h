@@ -23,7 +23,8 @@ public:
     MSSQLAutocompleteEntires &operator=(const MSSQLAutocompleteEntires &) = delete;
 
     /// Adds a column with its displayed type. Columns must arrive ordered by schema, then by table.
-    void addColumn(const QString &schema, const QString &table, const QString &column, const QString &type);
+    /// Returns its entry.
+    Entry &addColumn(const QString &schema, const QString &table, const QString &column, const QString &type);
     /// Indexes what was added. Tables of the default schema are found by their bare names, too; every table
     /// is if the default schema is null.
     void createCache(const QString &defaultSchema);

@@ -81,14 +81,23 @@ std::shared_ptr<MSSQLAutocompleteEntires> MSSQLAutocompleteHelper::entiresFrom(D
     const qsizetype size = position("dataSize");
     const qsizetype precision = position("precision");
     const qsizetype scale = position("scale");
+    const qsizetype nullable = position("isNullable");
+    const qsizetype key = position("isPrimaryKey");
     auto entires = std::make_shared<MSSQLAutocompleteEntires>();
     while (entires->columns().size() < MaximumColumns && rows.next()) {
-        entires->addColumn(rows.stringForColumnIndex(schema), rows.stringForColumnIndex(table),
-                           rows.stringForColumnIndex(column),
-                           MSSQLQuoting::displayForColumnType(
-                               rows.stringForColumnIndex(type), rows.objectForColumnIndex(size),
-                               precision < 0 ? KNValue() : rows.objectForColumnIndex(precision),
-                               scale < 0 ? KNValue() : rows.objectForColumnIndex(scale)));
+        KNDatabaseAutocompleteEntry &entry =
+            entires->addColumn(rows.stringForColumnIndex(schema), rows.stringForColumnIndex(table),
+                               rows.stringForColumnIndex(column),
+                               MSSQLQuoting::displayForColumnType(
+                                   rows.stringForColumnIndex(type), rows.objectForColumnIndex(size),
+                                   precision < 0 ? KNValue() : rows.objectForColumnIndex(precision),
+                                   scale < 0 ? KNValue() : rows.objectForColumnIndex(scale)));
+        if (nullable >= 0)
+            entry.addTrait(rows.numberForColumnIndex(nullable).toBool()
+                               ? KNDatabaseAutocompleteEntry::Nullable
+                               : KNDatabaseAutocompleteEntry::NotNull);
+        if (key >= 0 && rows.numberForColumnIndex(key).toBool())
+            entry.addTrait(KNDatabaseAutocompleteEntry::PrimaryKey);
     }
     return entires;
 }

@@ -9,20 +9,31 @@ namespace {
 
 constexpr std::chrono::seconds PauseAfterFailure(30);
 
+/// The key of the system objects beside the key of a database's own.
+QString systemKey(const QString &description)
+{
+    return description + QStringLiteral("\nsystem");
+}
+
 } // namespace
 
 MSSQLCompletionCatalogs::Catalog
 MSSQLCompletionCatalogs::catalog(const MSSQLDatabaseConnectionDetails &details)
 {
-    const QString description = details.description();
+    return request(details.description(), [this, settings = details.copy()] {
+        load(static_cast<const MSSQLDatabaseConnectionDetails &>(*settings));
+    });
+}
+
+MSSQLCompletionCatalogs::Catalog MSSQLCompletionCatalogs::request(const QString &key,
+                                                                  std::function<void()> load)
+{
     const QMutexLocker locker(&m_mutex);
-    Known &known = m_known[description];
+    Known &known = m_known[key];
     if (!known.isLoading && known.isOutdated && Clock::now() >= known.notBefore) {
         known.isLoading = true;
         known.isOutdated = false;
-        KNDispatch::globalQueue([this, settings = details.copy()] {
-            load(static_cast<const MSSQLDatabaseConnectionDetails &>(*settings));
-        });
+        KNDispatch::globalQueue(std::move(load));
     }
     return known.catalog;
 }
@@ -49,31 +60,57 @@ MSSQLCompletionCatalogs::Catalog MSSQLCompletionCatalogs::load(const MSSQLDataba
     if (entires) {
         const QString schema = MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(details);
         const auto first = MSSQLCompletionLoader::tables(entires, schema);
+        first->systemObjects = systemObjects(details);
         first->createIndex();
-        publish(description, first);
+        publish(description, description, first);
         // The rest can take longer.
         const auto complete = MSSQLCompletionLoader::tables(entires, schema);
         MSSQLCompletionLoader::addObjects(details, complete.get());
         complete->otherDatabase = otherDatabases(details, complete->databases);
+        complete->systemObjects = first->systemObjects;
         complete->createIndex();
-        publish(description, complete);
+        publish(description, description, complete);
         loaded = complete;
     }
-    const QMutexLocker locker(&m_mutex);
-    Known &known = m_known[description];
-    known.isLoading = false;
-    if (!entires) {
-        known.isOutdated = true;
-        known.notBefore = Clock::now() + PauseAfterFailure;
-    }
+    finishLoad(description, !entires);
     return loaded;
 }
 
-void MSSQLCompletionCatalogs::publish(const QString &description, const Catalog &catalog)
+void MSSQLCompletionCatalogs::finishLoad(const QString &key, bool hasFailed)
+{
+    const QMutexLocker locker(&m_mutex);
+    Known &known = m_known[key];
+    known.isLoading = false;
+    if (hasFailed) {
+        known.isOutdated = true;
+        known.notBefore = Clock::now() + PauseAfterFailure;
+    }
+}
+
+void MSSQLCompletionCatalogs::loadSystemObjects(const MSSQLDatabaseConnectionDetails &details)
+{
+    const QString key = systemKey(details.description());
+    const Catalog loaded = MSSQLCompletionLoader::systemObjects(details);
+    if (loaded)
+        publish(key, details.description(), loaded);
+    finishLoad(key, !loaded);
+}
+
+std::function<MSSQLCompletionCatalogs::Catalog()>
+MSSQLCompletionCatalogs::systemObjects(const MSSQLDatabaseConnectionDetails &details)
+{
+    return [this, settings = details.copy()] {
+        return request(systemKey(settings->description()), [this, settings] {
+            loadSystemObjects(static_cast<const MSSQLDatabaseConnectionDetails &>(*settings));
+        });
+    };
+}
+
+void MSSQLCompletionCatalogs::publish(const QString &key, const QString &description, const Catalog &catalog)
 {
     {
         const QMutexLocker locker(&m_mutex);
-        m_known[description].catalog = catalog;
+        m_known[key].catalog = catalog;
     }
     MSSQLAutocompleteHelper::postUpdated(description);
 }

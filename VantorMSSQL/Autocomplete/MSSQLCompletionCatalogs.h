@@ -42,12 +42,19 @@ private:
         Clock::time_point notBefore; ///< of the next load
     };
 
-    void publish(const QString &description, const Catalog &catalog);
+    /// Returns what is known under a key, and starts `load` if that is outdated.
+    Catalog request(const QString &key, std::function<void()> load);
+    void publish(const QString &key, const QString &description, const Catalog &catalog);
+    /// Ends a load: a failed one may be repeated after a pause.
+    void finishLoad(const QString &key, bool hasFailed);
+    void loadSystemObjects(const MSSQLDatabaseConnectionDetails &details);
+    /// The objects of sys and INFORMATION_SCHEMA.
+    std::function<Catalog()> systemObjects(const MSSQLDatabaseConnectionDetails &details);
     /// The names of another database through the same login.
     std::function<Catalog(const QString &)> otherDatabases(const MSSQLDatabaseConnectionDetails &details,
                                                            const QStringList &databases);
 
     MSSQLAutocompleteHelper &m_helper;
     QMutex m_mutex;
-    QHash<QString, Known> m_known; ///< by description; guarded by m_mutex
+    QHash<QString, Known> m_known; ///< by description, or systemKey() of it; guarded by m_mutex
 };

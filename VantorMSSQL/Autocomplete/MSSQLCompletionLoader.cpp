@@ -14,12 +14,20 @@ using Object = KNCompletionCatalog::Object;
 constexpr auto ErrorDomain = "mssql.autocomplete.objects";
 constexpr qsizetype MaximumNames = 1'000'000; ///< of one query
 
-/// Owns the entries of the routines.
+/// Owns the entries of routines and system objects.
 struct Routines
 {
     std::deque<Entry> entries;
     std::unordered_set<QString> types;
     QHash<QString, Entry *> byPath; ///< by schema and name
+
+    Entry &addMember(Entry *owner, const QString &name, Entry::Kind kind, const QString &type)
+    {
+        Entry &member = entries.emplace_back(name, kind, &*types.insert(type).first);
+        member.setEntryParent(owner);
+        owner->addChild(&member);
+        return member;
+    }
 };
 
 QString pathKey(const QString &schema, const QString &name)
@@ -34,6 +42,7 @@ Kind kindOfType(const QString &type)
         {QStringLiteral("V"), Kind::View},
         {QStringLiteral("P"), Kind::Procedure},
         {QStringLiteral("PC"), Kind::Procedure},
+        {QStringLiteral("X"), Kind::Procedure},
         {QStringLiteral("FN"), Kind::ScalarFunction},
         {QStringLiteral("FS"), Kind::ScalarFunction},
         {QStringLiteral("IF"), Kind::TableFunction},
@@ -64,17 +73,37 @@ public:
         m_catalog->owners.append(m_routines);
     }
 
+    KNError loadSystemObjects()
+    {
+        m_catalog->owners.append(m_routines);
+        return each("List_SystemEntriesForAutocomplete", [this](const Row &row) {
+            const QString schema = row.stringForColumnIndex(0);
+            const QString name = row.stringForColumnIndex(1);
+            Entry *&object = m_routines->byPath[pathKey(schema, name)];
+            if (!object) {
+                object = &m_routines->entries.emplace_back(name, Entry::Table);
+                m_catalog->objects.append({schema, name, kindOfType(row.stringForColumnIndex(2)), object});
+            }
+            if (row.objectForColumnIndex(3).isNull())
+                return;
+            m_routines
+                ->addMember(object, row.stringForColumnIndex(3), Entry::Column, row.stringForColumnIndex(4))
+                .addTrait(row.numberForColumnIndex(5).toBool() ? Entry::Nullable : Entry::NotNull);
+        });
+    }
+
 private:
     using Row = DatabaseResultSet;
 
     template <typename Read>
-    void each(const char *title, Read read)
+    KNError each(const char *title, Read read)
     {
         qsizetype count = 0;
-        MSSQLCatalogReader::read(m_details, QString::fromLatin1(title), {}, ErrorDomain, [&](const Row &row) {
-            if (++count <= MaximumNames)
-                read(row);
-        });
+        return MSSQLCatalogReader::read(m_details, QString::fromLatin1(title), {}, ErrorDomain,
+                                        [&](const Row &row) {
+                                            if (++count <= MaximumNames)
+                                                read(row);
+                                        });
     }
 
     void readMembers()
@@ -85,12 +114,10 @@ private:
             Entry *&routine = m_routines->byPath[pathKey(schema, name)];
             if (!routine)
                 routine = &m_routines->entries.emplace_back(name, Entry::Routine);
-            const QString &type = *m_routines->types.insert(row.stringForColumnIndex(3)).first;
             const bool isParameter = row.numberForColumnIndex(4).toInt64() == 1;
-            Entry &member = m_routines->entries.emplace_back(
-                row.stringForColumnIndex(2), isParameter ? Entry::Parameter : Entry::Column, &type);
-            member.setEntryParent(routine);
-            routine->addChild(&member);
+            m_routines->addMember(routine, row.stringForColumnIndex(2),
+                                  isParameter ? Entry::Parameter : Entry::Column,
+                                  row.stringForColumnIndex(3));
         });
     }
 
@@ -153,6 +180,7 @@ MSSQLCompletionLoader::tables(const std::shared_ptr<const MSSQLAutocompleteEntir
     catalog->owners.append(entires);
     catalog->defaultSchema = defaultSchema.isEmpty() ? QString() : defaultSchema;
     catalog->schemas = entires->schemaNames();
+    catalog->systemSchemas = {QStringLiteral("sys"), QStringLiteral("INFORMATION_SCHEMA")};
     catalog->columns = entires->columnsByName();
     catalog->objects.reserve(entires->tables().size());
     for (const Entry *table : entires->tables())
@@ -164,4 +192,14 @@ void MSSQLCompletionLoader::addObjects(const MSSQLDatabaseConnectionDetails &det
                                        KNCompletionCatalog *catalog)
 {
     Loader(details, catalog).load();
+}
+
+MSSQLCompletionLoader::Catalog
+MSSQLCompletionLoader::systemObjects(const MSSQLDatabaseConnectionDetails &details)
+{
+    auto catalog = std::make_shared<KNCompletionCatalog>();
+    if (Loader(details, catalog.get()).loadSystemObjects())
+        return nullptr;
+    catalog->createIndex();
+    return catalog;
 }

@@ -18,4 +18,7 @@ Catalog tables(const std::shared_ptr<const MSSQLAutocompleteEntires> &entires, c
 /// A query that fails is logged, and its names are missing.
 void addObjects(const MSSQLDatabaseConnectionDetails &details, KNCompletionCatalog *catalog);
 
+/// The objects of the system schemas with their columns; null if the query fails, which is logged.
+Catalog systemObjects(const MSSQLDatabaseConnectionDetails &details);
+
 } // namespace MSSQLCompletionLoader

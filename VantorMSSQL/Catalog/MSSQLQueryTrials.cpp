@@ -55,6 +55,8 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(tables, "List_IndexDefinitionsForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_ForeignKeysForTable", {{"TABLE_SCHEMA", "{1}"}, {"TABLE_NAME", "{2}"}}),
         trialOf(tables, "List_PrimaryKeysForTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
+        trialOf(tables, "General_FindObject", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}}),
+        trialOf(tables, "Script_ColumnsAndKeys", {{"SCHEMA", "{1}"}, {"OBJECT", "{2}"}}),
         trial("List_TableRowCounts"),
         trial("List_Schemas"),
         trialOf(tables, "List_DependentsOfTable", {{"SCHEMA", "{1}"}, {"TABLE", "{2}"}}),
@@ -86,6 +88,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOf(types, "UserDefinedDataType_CreationQuery", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
 
         trial("List_EntriesForAutocomplete"),
+        trial("List_SystemEntriesForAutocomplete"),
         trial("List_ObjectsForAutocomplete"),
         trial("List_MembersForAutocomplete"),
         trial("List_ForeignKeysForAutocomplete"),

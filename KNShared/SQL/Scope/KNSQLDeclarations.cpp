@@ -36,7 +36,7 @@ void KNSQLDeclarations::addVariables(const KNSQLTokens &tokens, const KNSQLState
         if (tokens.at(at).kind != SQLTokenKind::Variable || !expectsVariable)
             continue;
         expectsVariable = false;
-        KNSQLVariable variable{tokens.textAt(at).toString(), {}};
+        KNSQLVariable variable{tokens.textAt(at).toString(), {}, tokens.at(at).location};
         qsizetype next = at + 1;
         if (next < end && tokens.at(next).role == Role::As)
             ++next;
@@ -44,6 +44,7 @@ void KNSQLDeclarations::addVariables(const KNSQLTokens &tokens, const KNSQLState
             variable.type = tokens.textAt(next).toString();
             KNSQLSource table;
             table.path = QStringList{variable.name};
+            table.location = variable.location;
             table.isResolved = true;
             if (KNSQLName::is(tokens, next + 1, u'(')) {
                 table.outputs = KNSQLColumnDefinitions(tokens, next + 1, end);
@@ -68,6 +69,7 @@ void KNSQLDeclarations::addTemporaryTable(const KNSQLTokens &tokens, const KNSQL
         return;
     KNSQLSource table;
     table.path = QStringList{path.parts.last()};
+    table.location = tokens.at(path.end - 1).location;
     table.isResolved = true;
     table.outputs = KNSQLColumnDefinitions(tokens, path.end, statement.end);
     tables->append(table);

@@ -89,6 +89,7 @@ void addSelectInto(const KNSQLTokens &tokens, const KNSQLStatement &statement, K
         parser.parse(&scope);
         KNSQLSource table = parser.result();
         table.path = QStringList{tokens.textAt(at + 1).toString()};
+        table.location = tokens.at(at + 1).location;
         tables->append(table);
         return;
     }
@@ -128,6 +129,25 @@ bool startsStatement(const KNSQLTokens &tokens, const KNSQLScope &scope, qsizety
            (scope.clause == KNSQLClause::Statement && previous.role != Role::None);
 }
 
+/// Fills the scope from the statement of the token `caret`, or its gap, and from those before it. Variables
+/// count up to the token `declared`.
+void fillScope(const KNSQLTokens &tokens, const KNSQLTyped &typed, qsizetype caret, qsizetype declared,
+               KNSQLScope *scope)
+{
+    const auto found = KNSQLStatements::upTo(tokens, caret);
+    KNSQLScopeParser(tokens, found.statements.last(), typed).parse(scope);
+    for (qsizetype index = 0; index + 1 < found.statements.size(); ++index) {
+        const KNSQLStatement &statement = found.statements[index];
+        if (!statement.mentionsTemporaryTable)
+            continue;
+        KNSQLDeclarations::addTemporaryTable(tokens, statement, &scope->temporaryTables);
+        addSelectInto(tokens, statement, &scope->temporaryTables);
+    }
+    for (qsizetype index = found.batchBegin; index < found.statements.size(); ++index)
+        KNSQLDeclarations::addVariables(tokens, found.statements[index], declared, &scope->variables,
+                                        &scope->temporaryTables);
+}
+
 KNSQLScope analyse(const KNSQLTokens &tokens, qsizetype caret)
 {
     KNSQLScope scope;
@@ -135,20 +155,8 @@ KNSQLScope analyse(const KNSQLTokens &tokens, qsizetype caret)
     if (tokens.isInComment(caret) || !findTyped(tokens, caret, &scope, &typed))
         return scope;
     const bool isTyped = typed.end > typed.begin;
-    const auto found = KNSQLStatements::upTo(tokens, isTyped ? typed.begin + 1 : typed.begin);
-    const KNSQLStatement &last = found.statements.last();
-    KNSQLScopeParser(tokens, last, typed).parse(&scope);
+    fillScope(tokens, typed, isTyped ? typed.begin + 1 : typed.begin, typed.begin, &scope);
     scope.startsStatement = startsStatement(tokens, scope, typed.begin);
-    for (qsizetype index = 0; index + 1 < found.statements.size(); ++index) {
-        const KNSQLStatement &statement = found.statements[index];
-        if (!statement.mentionsTemporaryTable)
-            continue;
-        KNSQLDeclarations::addTemporaryTable(tokens, statement, &scope.temporaryTables);
-        addSelectInto(tokens, statement, &scope.temporaryTables);
-    }
-    for (qsizetype index = found.batchBegin; index < found.statements.size(); ++index)
-        KNSQLDeclarations::addVariables(tokens, found.statements[index], typed.begin, &scope.variables,
-                                        &scope.temporaryTables);
     return scope;
 }
 
@@ -165,5 +173,12 @@ KNSQLScope KNAnalyseSQLScope(const KNSQLTokens &tokens, qsizetype caret)
     closed.setText(text);
     KNSQLScope scope = analyse(closed, caret);
     scope.replaceTo = caret;
+    return scope;
+}
+
+KNSQLScope KNSQLScopeOfName(const KNSQLTokens &tokens, qsizetype token)
+{
+    KNSQLScope scope;
+    fillScope(tokens, {token, token}, token + 1, tokens.size(), &scope);
     return scope;
 }

@@ -11,6 +11,7 @@ struct KNSQLVariable
 {
     QString name; ///< with its @
     QString type;
+    qsizetype location = -1; ///< of its declaration in the text
 };
 
 /// The place of a caret in a text: the statement, its clause, and what is visible there.
@@ -47,3 +48,7 @@ struct KNSQLScope
 /// Analyses the text of the tokens at a caret. Statements before and behind may be incomplete or wrong. Pure;
 /// linear in the number of tokens up to the end of the caret's statement.
 KNSHARED_EXPORT KNSQLScope KNAnalyseSQLScope(const KNSQLTokens &tokens, qsizetype caret);
+
+/// The scope of a complete name that begins with a token: the name is part of its statement, and nothing is
+/// to be replaced.
+KNSHARED_EXPORT KNSQLScope KNSQLScopeOfName(const KNSQLTokens &tokens, qsizetype token);

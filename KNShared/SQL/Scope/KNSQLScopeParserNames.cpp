@@ -29,6 +29,7 @@ void KNSQLScopeParser::readName()
     } else if (current.kind == Frame::Kind::Query && clause() == Clause::With && nameAt(m_at)) {
         KNSQLSource cte;
         cte.path = QStringList{KNSQLName::text(m_tokens, m_at)};
+        cte.location = m_tokens.at(m_at).location;
         cte.isResolved = true;
         m_ctes.append(cte);
     } else if (nameAt(m_at) || kind == SQLTokenKind::Variable) {
@@ -41,6 +42,7 @@ void KNSQLScopeParser::noteAlias(KNSQLSource *source, qsizetype token)
 {
     source->alias = KNSQLName::text(m_tokens, token);
     source->aliasToken = token;
+    source->location = m_tokens.at(token).location;
     m_aliasTokens.append(token);
 }
 
@@ -48,6 +50,7 @@ void KNSQLScopeParser::readSource()
 {
     m_tableTokens.insert(m_at);
     KNSQLSource source;
+    source.location = m_tokens.at(m_at).location;
     qsizetype behind = m_at + 1;
     if (nameAt(m_at)) {
         const KNSQLName::Path path = KNSQLName::path(m_tokens, m_at, limit());
@@ -244,6 +247,7 @@ void KNSQLScopeParser::use(Frame &closed)
             KNSQLSource body = derived(closed);
             body.path = m_ctes.last().path;
             body.columnNames = m_ctes.last().columnNames;
+            body.location = m_ctes.last().location;
             m_ctes.last() = body;
         }
         break;

@@ -30,6 +30,7 @@ struct KNSQLSource
     QList<KNSQLOutput> outputs;
     QStringList columnNames;             ///< behind the alias; replace the names of the outputs
     std::shared_ptr<KNSQLSources> inner; ///< the sources of the subquery, for stars; may be null
+    qsizetype location = -1;             ///< of the visible name in the text; -1 if there is none
 
     /// The name by which expressions refer to the source; null if there is none.
     QString visibleName() const

@@ -66,13 +66,13 @@ QVariant KNCompletionModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return item.name;
     case Qt::DecorationRole: {
-        const QString name = iconName(item.kind);
+        const QString name = item.isKey ? QStringLiteral("DatabaseTree-PK") : iconName(item.kind);
         return name.isNull() ? QVariant() : QVariant(KNIcon::named(name));
     }
     case DetailRole:
         return detailOf(item);
     case Qt::AccessibleTextRole: {
-        QStringList parts{item.name, kindText(item.kind)};
+        QStringList parts{item.name, item.isKey ? tr("primary key column") : kindText(item.kind)};
         parts += {item.type, item.parent};
         parts.removeAll(QString());
         return parts.join(QStringLiteral(", "));

@@ -91,6 +91,24 @@ TEST_F(AutocompleteHelper, ReadsResultsWithoutPrecisionAndScale)
               QStringLiteral("varchar(max)"));
 }
 
+TEST_F(AutocompleteHelper, ReadsKeysAndNullability)
+{
+    using Entry = KNDatabaseAutocompleteEntry;
+    server->answer("List_EntriesForAutocomplete",
+                   Columns + QStringList{QStringLiteral("isNullable"), QStringLiteral("isPrimaryKey")},
+                   {{"dbo", "T", "Id", "int", nullptr, 10, 0, 0, 1},
+                    {"dbo", "T", "Remark", "int", nullptr, 10, 0, 1, 0}});
+    helper.doLoadAutocompleteDetails(*settings);
+    const auto columns = helper.columnsForDatabaseConnectionDetails(*settings);
+    ASSERT_TRUE(columns);
+    ASSERT_EQ(columns->size(), 2);
+    EXPECT_TRUE(columns->at(0)->hasTrait(Entry::PrimaryKey));
+    EXPECT_TRUE(columns->at(0)->hasTrait(Entry::NotNull));
+    EXPECT_FALSE(columns->at(0)->hasTrait(Entry::Nullable));
+    EXPECT_FALSE(columns->at(1)->hasTrait(Entry::PrimaryKey));
+    EXPECT_TRUE(columns->at(1)->hasTrait(Entry::Nullable));
+}
+
 TEST_F(AutocompleteHelper, LookupsAcceptBracketsAndAnyCase)
 {
     helper.doLoadAutocompleteDetails(*settings);

@@ -90,11 +90,19 @@ void CompletionDatabase::add(const QString &kind, const QString &rest)
     const auto entry = std::make_shared<Entry>(path.section(u'.', 1), Entry::Table);
     const QStringList list = members.split(QStringLiteral(", "), Qt::SkipEmptyParts);
     for (const QString &member : list) {
-        const auto type = std::make_shared<const QString>(member.section(u':', 1));
+        QString typeName = member.section(u':', 1);
+        const bool isKey = typeName.endsWith(QStringLiteral(" key"));
+        const bool isNullable = typeName.endsWith(QStringLiteral(" null"));
+        typeName = typeName.section(u' ', 0, 0);
+        const auto type = std::make_shared<const QString>(typeName);
         m_catalog->owners.append(type);
         const auto child =
             std::make_shared<Entry>(member.section(u':', 0, 0),
                                     member.startsWith(u'@') ? Entry::Parameter : Entry::Column, type.get());
+        if (isKey)
+            child->addTrait(Entry::PrimaryKey);
+        if (isKey || isNullable)
+            child->addTrait(isKey ? Entry::NotNull : Entry::Nullable);
         child->setEntryParent(entry.get());
         entry->addChild(child.get());
         m_catalog->owners.append(child);

@@ -125,6 +125,17 @@ TEST(SignatureHelp, KnowsRoutinesOfTheDatabase)
     EXPECT_EQ(routineAt("EXEC sales.PlaceOrder 1\nGO\n|"), QString());
 }
 
+TEST(SignatureHelp, KnowsRoutinesOfOtherDatabases)
+{
+    EXPECT_EQ(routineAt("EXEC shop.sales.PlaceOrder 1, |"),
+              q("sales.PlaceOrder @CustomerId int, <@ProductId int>, @Quantity smallint"));
+    EXPECT_EQ(routineAt("EXEC shop..CleanUp |"), q("dbo.CleanUp <@Days int>"));
+    EXPECT_EQ(routineAt("SELECT shop.sales.OrderTotal(|"), q("sales.OrderTotal(<@OrderId int>)"));
+    EXPECT_EQ(routineAt("SELECT 1 + [shop].[sales].[OrderTotal](|"), q("sales.OrderTotal(<@OrderId int>)"));
+    EXPECT_EQ(routineAt("EXEC nowhere.sales.PlaceOrder |"), QString());
+    EXPECT_EQ(routineAt("EXEC far.shop.sales.PlaceOrder |"), QString());
+}
+
 TEST(SignatureHelp, TakesTimeInProportionToTheText)
 {
     const QString text = q("SELECT LEFT(") + q("(a,").repeated(100'000);

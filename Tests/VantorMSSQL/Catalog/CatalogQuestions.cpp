@@ -57,7 +57,8 @@ QList<CatalogQuestion> questionsOf(const char *schema, const char *table)
             question("List_PrimaryKeysForTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             question("List_DependentsOfTable", {{"SCHEMA", schema}, {"TABLE", table}}),
             varying("Properties_Object", {{"SCHEMA", schema}, {"OBJECT", table}}),
-            question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}})};
+            question("Table_CreationQuery", {{"TABLE_SCHEMA", schema}, {"TABLE_NAME", table}}),
+            question("Script_ColumnsAndKeys", {{"SCHEMA", schema}, {"OBJECT", table}})};
 }
 
 QList<CatalogQuestion> tableQuestions()
@@ -130,16 +131,30 @@ QList<CatalogQuestion> moduleQuestions()
     questions +=
         question("UserDefinedDataType_CreationQuery", {{"SCHEMA", "sales"}, {"TYPE", "PhoneNumber"}});
     questions += question("UserDefinedDataType_CreationQuery", {{"SCHEMA", "dbo"}, {"TYPE", "Flag"}});
+    for (const auto &[schema, object] :
+         std::initializer_list<std::pair<const char *, const char *>>{{"", "Orders"},
+                                                                      {"sales", "OrderTotals"},
+                                                                      {"sales", "PlaceOrder"},
+                                                                      {"dbo", "Orders_Audit"},
+                                                                      {"sales", "Staff"},
+                                                                      {"dbo", "Flag"},
+                                                                      {"hr", "NoSuchObject"}})
+        questions += question("General_FindObject", {{"SCHEMA", schema}, {"OBJECT", object}});
+    questions += question("Script_ColumnsAndKeys", {{"SCHEMA", "hr"}, {"OBJECT", "RaiseSalaries"}});
     return questions;
 }
 
 QList<CatalogQuestion> databaseQuestions()
 {
-    QList<CatalogQuestion> questions{
-        question("List_EntriesForAutocomplete"),    question("List_ObjectsForAutocomplete"),
-        question("List_MembersForAutocomplete"),    question("List_ForeignKeysForAutocomplete"),
-        question("List_ExportableDatabaseEntries"), question("List_ObjectDependencies"),
-        question("List_TablesAndColumnsForImport"), question("Script_TableSizes")};
+    QList<CatalogQuestion> questions{question("List_EntriesForAutocomplete"),
+                                     question("List_ObjectsForAutocomplete"),
+                                     varying("List_SystemEntriesForAutocomplete"),
+                                     question("List_MembersForAutocomplete"),
+                                     question("List_ForeignKeysForAutocomplete"),
+                                     question("List_ExportableDatabaseEntries"),
+                                     question("List_ObjectDependencies"),
+                                     question("List_TablesAndColumnsForImport"),
+                                     question("Script_TableSizes")};
     for (CatalogQuestion &question : questions)
         question.database = QStringLiteral("library");
     return questions;

@@ -19,7 +19,9 @@ SELECT
             THEN CONVERT(int, c.max_length)
     END AS dataSize,
     CONVERT(int, c.[precision]) AS [precision],
-    CONVERT(int, c.scale) AS scale
+    CONVERT(int, c.scale) AS scale,
+    CONVERT(int, c.is_nullable) AS isNullable,
+    CASE WHEN k.column_id IS NULL THEN 0 ELSE 1 END AS isPrimaryKey
 FROM (
     SELECT
         s.name AS schema_name,
@@ -30,6 +32,7 @@ FROM (
         col.max_length,
         col.[precision],
         col.scale,
+        col.is_nullable,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
         COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name
@@ -50,4 +53,11 @@ FROM (
                 AND p.name = N'microsoft_database_tools_support'
         )
 ) AS c
+LEFT JOIN (
+    SELECT ic.object_id, ic.column_id
+    FROM sys.indexes AS i
+    INNER JOIN sys.index_columns AS ic ON ic.object_id = i.object_id AND ic.index_id = i.index_id
+    WHERE i.is_primary_key = 1
+        AND ic.key_ordinal > 0
+) AS k ON k.object_id = c.object_id AND k.column_id = c.column_id
 ORDER BY c.schema_name, c.table_name, c.object_id, c.column_id

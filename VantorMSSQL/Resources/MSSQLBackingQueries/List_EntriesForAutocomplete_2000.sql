@@ -15,11 +15,20 @@ SELECT
             THEN CONVERT(int, c.length)
     END AS dataSize,
     CONVERT(int, c.xprec) AS [precision],
-    CONVERT(int, c.xscale) AS scale
+    CONVERT(int, c.xscale) AS scale,
+    CONVERT(int, c.isnullable) AS isNullable,
+    CASE WHEN k.colid IS NULL THEN 0 ELSE 1 END AS isPrimaryKey
 FROM dbo.syscolumns AS c
 INNER JOIN dbo.sysobjects AS o ON o.id = c.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
 INNER JOIN dbo.systypes AS t ON t.xusertype = c.xusertype
+LEFT JOIN (
+    SELECT ik.id, ik.colid
+    FROM dbo.sysobjects AS pk
+    INNER JOIN dbo.sysindexes AS i ON i.id = pk.parent_obj AND i.name = pk.name
+    INNER JOIN dbo.sysindexkeys AS ik ON ik.id = i.id AND ik.indid = i.indid
+    WHERE pk.xtype = 'PK'
+) AS k ON k.id = c.id AND k.colid = c.colid
 WHERE o.xtype IN ('U', 'V')
     AND OBJECTPROPERTY(o.id, N'IsMSShipped') = 0
     AND o.name <> N'dtproperties'

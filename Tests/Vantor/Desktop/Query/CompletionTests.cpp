@@ -239,7 +239,21 @@ TEST_F(EditorCompletion, ScreenReadersHearNameKindAndType)
     const KNCompletionPopup &popup = *tab.completion()->popup();
     EXPECT_EQ(popup.accessibleName(), q("Completions"));
     EXPECT_EQ(popup.model()->index(0, 0).data(Qt::AccessibleTextRole).toString(),
-              q("OrderId, column, int, o"));
+              q("OrderId, primary key column, int, o"));
+    EXPECT_EQ(popup.model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
+              q("CustomerId, column, int, o"));
+}
+
+TEST_F(EditorCompletion, MarksColumnsOfThePrimaryKey)
+{
+    tab.setText(q("SELECT o. FROM Orders o"));
+    tab.editor()->selectRange({9, 0});
+    const auto items = tab.completion()->completions();
+    ASSERT_GT(items.size(), 1);
+    EXPECT_EQ(items[0].name, q("OrderId"));
+    EXPECT_TRUE(items[0].isKey);
+    EXPECT_EQ(items[1].name, q("CustomerId"));
+    EXPECT_FALSE(items[1].isKey);
 }
 
 TEST_F(EditorCompletion, AKeyInALongTextCostsLittle)
