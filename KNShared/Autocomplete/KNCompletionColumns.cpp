@@ -14,7 +14,8 @@ bool isSameColumnName(const QString &a, const QString &b)
 
 bool KNCompletionColumns::listsTarget() const
 {
-    return m_scope.clause == KNSQLClause::InsertColumns || m_scope.clause == KNSQLClause::Columns;
+    return m_scope.clause == KNSQLClause::InsertColumns || m_scope.clause == KNSQLClause::Columns ||
+           m_scope.isAssigned;
 }
 
 void KNCompletionColumns::add()

@@ -5,6 +5,7 @@
 #include "Autocomplete/KNCompletionObjects.h"
 #include "Autocomplete/KNJoinConditions.h"
 #include "Autocomplete/KNSourceColumns.h"
+#include "SQL/Scope/KNSQLName.h"
 #include "SQL/Scope/KNSQLTokens.h"
 
 #include <algorithm>
@@ -120,11 +121,30 @@ private:
         const Object *const routine = m_sources.object(m_scope.routine);
         if (!routine || !routine->entry)
             return;
+        const QStringList passed = passedParameters();
         for (const KNDatabaseAutocompleteEntry *child : routine->entry->entryChildren()) {
-            if (child->entryCompletionType() == KNDatabaseAutocompleteEntry::Parameter)
+            if (child->entryCompletionType() == KNDatabaseAutocompleteEntry::Parameter &&
+                !passed.contains(child->entryName(), Qt::CaseInsensitive))
                 add(Group::Near, Kind::Parameter, child->entryName(),
                     child->entryName() + QStringLiteral(" = "), routine->name, child->entryDetails());
         }
+    }
+
+    /// Those that are passed by name before the caret.
+    QStringList passedParameters() const
+    {
+        constexpr qsizetype MostTokens = 5'000;
+        const KNSQLTokens &tokens = m_request.tokens;
+        QStringList names;
+        const qsizetype behind = tokens.countBefore(m_scope.replaceFrom);
+        const qsizetype first = std::max<qsizetype>(0, behind - MostTokens);
+        for (qsizetype index = behind - 1; index >= first; --index) {
+            if (tokens.at(index).role == KNSQLRole::Execute)
+                break;
+            if (tokens.at(index).kind == SQLTokenKind::Variable && KNSQLName::is(tokens, index + 1, u'='))
+                names.append(tokens.textAt(index).toString());
+        }
+        return names;
     }
 
     void addPlainNames()

@@ -47,7 +47,7 @@ QStringList KNJoinConditions(const KNSQLScope &scope, const KNSourceColumns &col
                 break;
             if (isTable(*table, key.table) && isTable(*referenced, key.referencedTable))
                 conditions.append(condition(last, key.columns, other, key.referencedColumns, quotedName));
-            else if (isTable(*table, key.referencedTable) && isTable(*referenced, key.table))
+            if (isTable(*table, key.referencedTable) && isTable(*referenced, key.table))
                 conditions.append(condition(last, key.referencedColumns, other, key.columns, quotedName));
         }
     }

@@ -6,6 +6,9 @@
 #include "Implementations/MSSQLTokenizer.h"
 #include "Implementations/MSSQLWordLists.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace {
 
 using Role = KNSQLRole;
@@ -261,6 +264,18 @@ QStringList listOf(const char *words)
     return QString::fromLatin1(words).split(QStringLiteral(", "), Qt::SkipEmptyParts);
 }
 
+/// The types with those at the end that the documentation advises against.
+QStringList typesByUse()
+{
+    QStringList types = MSSQLWordLists::dataTypes();
+    const auto isObsolete = [](const QString &type) {
+        static const QStringList obsolete = listOf("image, ntext, text, timestamp");
+        return obsolete.contains(type, Qt::CaseInsensitive);
+    };
+    std::stable_partition(types.begin(), types.end(), std::not_fn(isObsolete));
+    return types;
+}
+
 KNSQLDialect create()
 {
     KNSQLDialect dialect;
@@ -279,7 +294,7 @@ KNSQLDialect create()
     }
     dialect.functions = MSSQLWordLists::functions();
     dialect.signatures = MSSQLFunctionSignatures::read();
-    dialect.types = MSSQLWordLists::dataTypes();
+    dialect.types = typesByUse();
     dialect.changedRows = QStringList{QStringLiteral("inserted"), QStringLiteral("deleted")};
     dialect.name = QStringLiteral("tsql");
     dialect.snippets = MSSQLSnippets::read();

@@ -43,6 +43,7 @@ struct KNSQLScope
     bool isBehindStar = false; ///< directly behind the star of a select list
     bool isJoinTarget = false; ///< the name of a table behind JOIN
     bool isInsertList = false; ///< behind the name of the table of an INSERT
+    bool isAssigned = false;   ///< the column that SET of an UPDATE changes
 };
 
 /// Analyses the text of the tokens at a caret. Statements before and behind may be incomplete or wrong. Pure;

@@ -160,6 +160,9 @@ void KNSQLScopeParser::fillExpected(KNSQLScope *scope) const
         return;
     scope->expected = rule.expected;
     scope->words = rule.beginWords;
+    const bool beginsAssignment = previous == Role::Set || KNSQLName::is(m_tokens, m_captured.previous, u',');
+    scope->isAssigned =
+        scope->clause == Clause::Set && beginsAssignment && m_captured.frame == m_captured.query;
     scope->isJoinTarget = scope->clause == Clause::From && previous == Role::Join;
     if (m_captured.previous >= 0 && KNSQLName::is(m_tokens, m_captured.previous, u'(') &&
         rule.expected.testFlag(Expected::Columns) && !listsColumns)
