@@ -56,6 +56,16 @@ std::shared_ptr<KNDatabaseScripter> VantorDBC::createDatabaseScripter() const
     return nullptr;
 }
 
+std::shared_ptr<KNQueryLoader> VantorDBC::createDefinitionLoader(const QStringList &) const
+{
+    return nullptr;
+}
+
+std::shared_ptr<KNQueryLoader> VantorDBC::createColumnsLoader(const QStringList &) const
+{
+    return nullptr;
+}
+
 std::unique_ptr<KNTableDesign> VantorDBC::createTableDesign(const QString &, KNError *error) const
 {
     *error = KNTableDesign::refused(QStringLiteral("Tables of this kind of server cannot be designed."));

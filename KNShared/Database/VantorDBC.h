@@ -15,6 +15,7 @@ class KNAutocompleteHelper;
 class KNDatabaseImportHelper;
 class KNDatabaseScripter;
 class KNError;
+class KNQueryLoader;
 class KNQuerySplitter;
 class KNSystemDatabaseQueryHelper;
 class KNTableDesign;
@@ -95,6 +96,12 @@ public:
     /// Returns what makes scripts of the database of these settings; null, the default, if the server kind
     /// has none.
     virtual std::shared_ptr<KNDatabaseScripter> createDatabaseScripter() const;
+    /// Returns a loader of the script that defines the object with this name in the database of these
+    /// settings: one or two parts without quotes, of which the first, the schema, may be empty. Its text is
+    /// null, with a failure, if there is no such object. Null, the default, if the server kind has none.
+    virtual std::shared_ptr<KNQueryLoader> createDefinitionLoader(const QStringList &path) const;
+    /// The same for a query that lists the columns and keys of a table, or the parameters of a routine.
+    virtual std::shared_ptr<KNQueryLoader> createColumnsLoader(const QStringList &path) const;
     /// Quotes the name of a table or column if the server's language requires it; "name" by default.
     virtual QString quotedName(const QString &name) const;
     /// Returns a literal of the server's language for a value, without loss where the language allows;

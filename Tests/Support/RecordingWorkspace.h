@@ -38,6 +38,7 @@ public:
     TreeEntry selectedTreeEntry() const override { return selected; }
     void refreshTreeEntry(const TreeEntry &entry) override { refreshed.push_back(entry); }
     void deselectTree() override { selected.reset(); }
+    void showNotice(const QString &text) override { notices.append(text); }
     void notifyUser(const QString &title, const QString &text) override
     {
         notifications.push_back({title, text});
@@ -50,6 +51,7 @@ public:
     KNDocumentTab *shown = nullptr;
     std::vector<VantorDBCPtr> connections;
     std::vector<TreeEntry> refreshed;
+    QStringList notices;
     std::vector<QStringList> notifications; ///< title and text
 
 private:

@@ -80,6 +80,8 @@ public:
     std::unique_ptr<ResultSetViewControllerHelper> createResultSetViewControllerHelper() const override;
     std::unique_ptr<KNDatabaseImportHelper> createDatabaseImportHelper() const override;
     std::shared_ptr<KNDatabaseScripter> createDatabaseScripter() const override;
+    std::shared_ptr<KNQueryLoader> createDefinitionLoader(const QStringList &path) const override;
+    std::shared_ptr<KNQueryLoader> createColumnsLoader(const QStringList &path) const override;
     QString startProtocolTrace() const override;
     QStringList riskyStatements(const QString &batch) const override;
     KNSyntaxCheckRules syntaxCheckRules() const override;

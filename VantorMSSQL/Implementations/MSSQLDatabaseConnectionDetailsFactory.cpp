@@ -11,6 +11,8 @@
 #include "Implementations/MSSQLRiskyStatements.h"
 #include "Import/MSSQLDatabaseImportHelper.h"
 #include "RowEditing/MSSQLResultSetViewControllerHelper.h"
+#include "Scripts/MSSQLScriptColumnsQueryLoader.h"
+#include "Scripts/MSSQLScriptDefinitionQueryLoader.h"
 #include "TableDesign/MSSQLTableDesign.h"
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryServer.h"
 
@@ -62,6 +64,18 @@ std::unique_ptr<KNDatabaseImportHelper> MSSQLDatabaseConnectionDetails::createDa
 std::shared_ptr<KNDatabaseScripter> MSSQLDatabaseConnectionDetails::createDatabaseScripter() const
 {
     return std::make_shared<MSSQLDatabaseScripter>(*this);
+}
+
+std::shared_ptr<KNQueryLoader>
+MSSQLDatabaseConnectionDetails::createDefinitionLoader(const QStringList &path) const
+{
+    return std::make_shared<MSSQLScriptDefinitionQueryLoader>(path);
+}
+
+std::shared_ptr<KNQueryLoader>
+MSSQLDatabaseConnectionDetails::createColumnsLoader(const QStringList &path) const
+{
+    return std::make_shared<MSSQLScriptColumnsQueryLoader>(path);
 }
 
 QString MSSQLDatabaseConnectionDetails::startProtocolTrace() const

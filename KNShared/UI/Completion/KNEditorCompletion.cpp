@@ -1,9 +1,7 @@
 #include "UI/Completion/KNEditorCompletion.h"
 
 #include "Autocomplete/KNAutocompleteHelper.h"
-#include "Database/VantorDBC.h"
 #include "UI/Completion/KNCompletionPopup.h"
-#include "UI/Editor/KNEditorText.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
 #include "UI/Snippets/KNEditorSnippet.h"
@@ -18,18 +16,15 @@ constexpr qsizetype TypedBeforeOpening = 2; ///< characters of a name
 
 } // namespace
 
-KNEditorCompletion::KNEditorCompletion(KNSQLEditor *editor, Settings settings)
+KNEditorCompletion::KNEditorCompletion(KNSQLEditor *editor, std::shared_ptr<KNEditorLanguage> language)
     : QObject(editor)
     , m_editor(editor)
     , m_snippet(new KNEditorSnippet(editor))
-    , m_settings(std::move(settings))
+    , m_language(std::move(language))
 {
-    const auto details = m_settings();
-    KNAutocompleteHelper *const helper = details ? details->sharedAutocompleteHelper() : nullptr;
-    if (!helper || !helper->dialect())
+    if (!m_language)
         return;
-    m_tokens.emplace(*helper->dialect());
-    KNSnippetStore::forDialect(*helper->dialect()); // begins to read them
+    KNSnippetStore::forDialect(m_language->dialect()); // begins to read them
     editor->installEventFilter(this);
     connect(editor, &QsciScintillaBase::SCN_CHARADDED, this, &KNEditorCompletion::characterAdded);
     connect(editor, &KNSQLEditor::cursorPositionChanged, this, &KNEditorCompletion::cursorMoved);
@@ -47,32 +42,32 @@ KNEditorCompletion::~KNEditorCompletion() = default;
 
 QList<KNCompletionItem> KNEditorCompletion::completions()
 {
-    if (!m_tokens)
+    if (!m_language)
         return {};
-    const auto details = m_settings();
-    m_tokens->setText(m_editor->wholeText());
-    m_scope = KNAnalyseSQLScope(*m_tokens, m_editor->selectedRange().location);
-    const auto catalog = details->sharedAutocompleteHelper()->catalogForConnection(*details);
+    const KNSQLTokens &tokens = m_language->tokens();
+    m_scope = KNAnalyseSQLScope(tokens, m_editor->selectedRange().location);
+    const auto catalog = m_language->catalog();
+    const auto details = m_language->settings();
     const auto quotedName = [&](const QString &name) { return details->quotedName(name); };
-    return KNCompletions({.tokens = *m_tokens,
+    return KNCompletions({.tokens = tokens,
                           .scope = m_scope,
                           .catalog = catalog.get(),
                           .quotedName = quotedName,
-                          .snippets = KNSnippetStore::forDialect(m_tokens->dialect()).snippets()});
+                          .snippets = KNSnippetStore::forDialect(m_language->dialect()).snippets()});
 }
 
 void KNEditorCompletion::noteRun(const QString &text)
 {
-    if (!m_tokens)
+    if (!m_language)
         return;
-    KNSQLTokens tokens(m_tokens->dialect());
+    KNSQLTokens tokens(m_language->dialect());
     tokens.setText(text);
     for (qsizetype index = 0; index < tokens.size(); ++index) {
         const KNSQLRole role = tokens.at(index).role;
         const bool isRename = tokens.textAt(index).compare(u"sp_rename", Qt::CaseInsensitive) == 0;
         if (role != KNSQLRole::Create && role != KNSQLRole::Alter && role != KNSQLRole::Drop && !isRename)
             continue;
-        const auto details = m_settings();
+        const auto details = m_language->settings();
         details->sharedAutocompleteHelper()->requestEntriesForDatabaseConnectionDetails(*details, true);
         return;
     }
@@ -120,10 +115,13 @@ void KNEditorCompletion::cursorMoved()
 void KNEditorCompletion::update(bool isRequested)
 {
     const bool hasSeveralCursors = m_editor->SendScintilla(QsciScintillaBase::SCI_GETSELECTIONS) > 1;
-    if (!m_tokens || hasSeveralCursors || (!isRequested && !KNPreferences::current().completesWhileTyping))
+    if (!m_language || hasSeveralCursors || (!isRequested && !KNPreferences::current().completesWhileTyping))
         return close();
     m_isRequested = isRequested;
     QList<KNCompletionItem> items = completions();
+    // The names behind a dot may be loaded only now.
+    const bool awaitsNames = items.isEmpty() && !m_scope.qualifier.isEmpty();
+    m_awaitingCaret = awaitsNames ? m_editor->selectedRange().location : -1;
     const bool isTyped = m_scope.prefix.size() >= TypedBeforeOpening || !m_scope.qualifier.isEmpty() ||
                          m_scope.prefix.startsWith(u'@');
     const bool isComplete = items.size() == 1 && items.first().text == m_scope.prefix;
@@ -134,20 +132,7 @@ void KNEditorCompletion::update(bool isRequested)
     // Where a new name can stand, such as an alias, Return keeps what was typed.
     const bool choosesFirst = !m_scope.prefix.isEmpty() && m_scope.prefix != items.first().text &&
                               m_scope.expected != KNSQLExpected::Nothing;
-    m_popup->showItems(std::move(items), lineOfName(), choosesFirst);
-}
-
-/// The place of the typed name on the screen.
-QRect KNEditorCompletion::lineOfName() const
-{
-    const auto caret = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
-    const KNRange typed{m_scope.replaceFrom, m_editor->selectedRange().location - m_scope.replaceFrom};
-    const auto begin = caret - static_cast<long>(KNEditorText::utf8Length(m_editor->textOfRange(typed)));
-    const auto x = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, begin);
-    const auto y = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, begin);
-    const auto height = m_editor->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL);
-    const QPoint corner = m_editor->viewport()->mapToGlobal(QPoint(static_cast<int>(x), static_cast<int>(y)));
-    return {corner, QSize(1, static_cast<int>(height))};
+    m_popup->showItems(std::move(items), m_language->lineOf(m_scope.replaceFrom), choosesFirst);
 }
 
 bool KNEditorCompletion::eventFilter(QObject *watched, QEvent *event)
@@ -243,6 +228,7 @@ void KNEditorCompletion::accept(const KNCompletionItem &item)
 
 void KNEditorCompletion::namesChanged(const QString &description)
 {
-    if (isOpen() && m_settings()->description() == description)
+    const bool isAwaited = m_editor->hasFocus() && m_awaitingCaret == m_editor->selectedRange().location;
+    if (isAwaited || (isOpen() && m_language->settings()->description() == description))
         update(m_isRequested);
 }

@@ -2,17 +2,12 @@
 
 #include "Autocomplete/KNCompletionList.h"
 #include "Foundation/KNNotificationCenter.h"
-#include "SQL/Scope/KNSQLTokens.h"
-#include "UI/KNSharedUIExport.h"
+#include "UI/Completion/KNEditorLanguage.h"
 
 #include <QObject>
 
-#include <optional>
-
 class KNCompletionPopup;
 class KNEditorSnippet;
-class KNSQLEditor;
-class VantorDBC;
 
 /// Completes names in an editor: while typing, behind a dot and behind "@", and by Ctrl+Space. Return and Tab
 /// accept, or one of them as the preferences say; Escape closes. Works on cached names only: a key press
@@ -22,11 +17,8 @@ class KNSHAREDUI_EXPORT KNEditorCompletion : public QObject
     Q_OBJECT
 
 public:
-    /// Returns the settings of the tab's connection with its current database.
-    using Settings = std::function<std::shared_ptr<const VantorDBC>()>;
-
-    /// The editor owns the object.
-    KNEditorCompletion(KNSQLEditor *editor, Settings settings);
+    /// The editor owns the object. Nothing is completed if the language is null.
+    KNEditorCompletion(KNSQLEditor *editor, std::shared_ptr<KNEditorLanguage> language);
     ~KNEditorCompletion() override;
 
     /// The list, visible or not; null before it was first opened.
@@ -50,17 +42,16 @@ private:
     void update(bool isRequested);
     bool handleKey(int key);
     void accept(const KNCompletionItem &item);
-    QRect lineOfName() const;
     bool isOpen() const;
     void namesChanged(const QString &description);
 
     KNSQLEditor *const m_editor;
     KNEditorSnippet *const m_snippet;
-    const Settings m_settings;
-    std::optional<KNSQLTokens> m_tokens; ///< empty if the server kind has no completion
+    const std::shared_ptr<KNEditorLanguage> m_language; ///< null if the server kind has no completion
     KNSQLScope m_scope;
     KNCompletionPopup *m_popup = nullptr;
     bool m_isAccepting = false;
-    bool m_isRequested = false; ///< by Ctrl+Space
+    bool m_isRequested = false;     ///< by Ctrl+Space
+    qsizetype m_awaitingCaret = -1; ///< where no name was known behind a dot; -1 elsewhere
     KNNotificationCenter::Token m_observer;
 };

@@ -1,25 +1,18 @@
 #include "UI/Completion/KNEditorSignature.h"
 
-#include "Autocomplete/KNAutocompleteHelper.h"
-#include "Autocomplete/KNCompletionCatalog.h"
-#include "Database/VantorDBC.h"
 #include "UI/Completion/KNSignaturePopup.h"
-#include "UI/Editor/KNEditorText.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
 
 #include <QKeyEvent>
 
-KNEditorSignature::KNEditorSignature(KNSQLEditor *editor, Settings settings)
+KNEditorSignature::KNEditorSignature(KNSQLEditor *editor, std::shared_ptr<KNEditorLanguage> language)
     : QObject(editor)
     , m_editor(editor)
-    , m_settings(std::move(settings))
+    , m_language(std::move(language))
 {
-    const auto details = m_settings();
-    KNAutocompleteHelper *const helper = details ? details->sharedAutocompleteHelper() : nullptr;
-    if (!helper || !helper->dialect())
+    if (!m_language)
         return;
-    m_tokens.emplace(*helper->dialect());
     editor->installEventFilter(this);
     connect(editor, &QsciScintillaBase::SCN_CHARADDED, this, &KNEditorSignature::characterAdded);
     connect(editor, &KNSQLEditor::cursorPositionChanged, this, [this] {
@@ -49,28 +42,13 @@ void KNEditorSignature::characterAdded(int character)
 
 void KNEditorSignature::update()
 {
-    m_tokens->setText(m_editor->wholeText());
-    const auto details = m_settings();
-    const auto catalog = details->sharedAutocompleteHelper()->catalogForConnection(*details);
-    const auto help = KNSignatureAt(*m_tokens, m_editor->selectedRange().location, catalog.get());
+    const auto catalog = m_language->catalog();
+    const auto help = KNSignatureAt(m_language->tokens(), m_editor->selectedRange().location, catalog.get());
     if (!help)
         return close();
     if (!m_popup)
         m_popup = new KNSignaturePopup(m_editor);
-    m_popup->showSignature(help->signature, help->parameter, lineAt(help->begin));
-}
-
-/// The place of a position on the screen, in the line of the caret.
-QRect KNEditorSignature::lineAt(qsizetype location) const
-{
-    const auto caret = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
-    const KNRange typed{location, m_editor->selectedRange().location - location};
-    const auto begin = caret - static_cast<long>(KNEditorText::utf8Length(m_editor->textOfRange(typed)));
-    const auto x = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, begin);
-    const auto y = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, caret);
-    const auto height = m_editor->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL);
-    const QPoint corner = m_editor->viewport()->mapToGlobal(QPoint(static_cast<int>(x), static_cast<int>(y)));
-    return {corner, QSize(1, static_cast<int>(height))};
+    m_popup->showSignature(help->signature, help->parameter, m_language->lineOf(help->begin));
 }
 
 bool KNEditorSignature::eventFilter(QObject *watched, QEvent *event)

@@ -27,6 +27,9 @@ enum class KNDocumentAction {
     Surround,  ///< puts lines of the user's choice around the selected ones
     Format,    ///< the selection, or everything if nothing is selected
     GoToLine,
+    GoToDefinition, ///< of the name at the cursor
+    ShowColumns,    ///< of the object that is named at the cursor
+    ReloadNames,    ///< those that are completed
     ChangeDatabase, ///< asks the user for a database
     ToggleResults,  ///< shows or hides the results
     ShowNextPane,   ///< moves the keyboard focus

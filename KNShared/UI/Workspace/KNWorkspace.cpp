@@ -3,12 +3,19 @@
 #include "QueryLoader/KNQueryLoading.h"
 #include "UI/Alerts/KNAlerts.h"
 
+#include <QWidget>
+
 KNWorkspace::KNWorkspace()
     : m_self(this, [](KNWorkspace *) {})
 {
 }
 
 KNWorkspace::~KNWorkspace() = default;
+
+KNWorkspace *KNWorkspace::of(const QWidget &widget)
+{
+    return dynamic_cast<KNWorkspace *>(widget.window());
+}
 
 void KNWorkspace::openQuery(const KNQueryLoaderPtr &loader, const Settings &details, QueryUse use,
                             const QString &name)

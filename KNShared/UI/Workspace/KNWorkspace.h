@@ -31,6 +31,9 @@ public:
     KNWorkspace(const KNWorkspace &) = delete;
     KNWorkspace &operator=(const KNWorkspace &) = delete;
 
+    /// The workspace of the window that shows a widget; null if that window is none.
+    static KNWorkspace *of(const QWidget &widget);
+
     /// A non-owning pointer for callbacks that may outlive the workspace.
     std::weak_ptr<KNWorkspace> weakPointer() const { return m_self; }
 
@@ -68,6 +71,8 @@ public:
     virtual void refreshTreeEntry(const TreeEntry &entry) = 0;
     virtual void deselectTree() = 0;
 
+    /// Shows a text for some seconds, where it does not disturb.
+    virtual void showNotice(const QString &text) = 0;
     /// Reports a success that the user may no longer be waiting for, as a desktop notification.
     virtual void notifyUser(const QString &title, const QString &text) = 0;
 

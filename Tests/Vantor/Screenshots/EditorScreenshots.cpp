@@ -14,8 +14,11 @@
 #include "UI/Snippets/KNSnippetStore.h"
 #include "UI/Snippets/KNSnippetsDialog.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QToolTip>
 
 namespace {
 
@@ -31,6 +34,16 @@ void saveWith(QWidget &window, QWidget *popup, const QString &folder, const char
     const QString path = QStringLiteral("%1/%2.png").arg(folder, QString::fromLatin1(name));
     if (!picture.save(path))
         std::exit(1);
+}
+
+QWidget *toolTip()
+{
+    const auto widgets = QApplication::topLevelWidgets();
+    for (QWidget *const widget : widgets) {
+        if (widget->inherits("QTipLabel") && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -71,5 +84,15 @@ void EditorScreenshots::take(MainWindow &window, const QString &folder)
     dialog.show();
     Screenshot::waitFor("snippets", [&] { return dialog.findChild<QPlainTextEdit *>()->isEnabled(); });
     Screenshot::save(&dialog, folder, "snippets-dialog");
+    query->setText(QStringLiteral("SELECT o.OrderId, o.Status\nFROM Orders o"));
+    const auto x = query->editor()->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, 39L);
+    const auto height = query->editor()->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL);
+    const QPoint name(static_cast<int>(x), static_cast<int>(height * 3 / 2)); // the table in the second line
+    QWidget *const viewport = query->editor()->viewport();
+    QHelpEvent rest(QEvent::ToolTip, name, viewport->mapToGlobal(name));
+    QCoreApplication::sendEvent(viewport, &rest);
+    Screenshot::waitFor("a tool tip", [] { return QToolTip::isVisible(); });
+    saveWith(window, toolTip(), folder, "hover");
+    QToolTip::hideText();
     query->setText(QString());
 }

@@ -274,9 +274,14 @@ void MainWindow::deselectTree()
     m_explorer->deselectAll();
 }
 
-void MainWindow::notifyUser(const QString &title, const QString &text)
+void MainWindow::showNotice(const QString &text)
 {
     m_statusLine->showMessage(text, NoticeTime);
+}
+
+void MainWindow::notifyUser(const QString &title, const QString &text)
+{
+    showNotice(text);
     KNUserNotifications::shared().notify(title, text);
 }
 

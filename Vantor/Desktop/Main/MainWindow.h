@@ -60,6 +60,7 @@ public:
     TreeEntry selectedTreeEntry() const override;
     void refreshTreeEntry(const TreeEntry &entry) override;
     void deselectTree() override;
+    void showNotice(const QString &text) override;
     void notifyUser(const QString &title, const QString &text) override;
 
 public Q_SLOTS:

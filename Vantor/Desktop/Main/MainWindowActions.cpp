@@ -181,6 +181,10 @@ void MainWindowActions::makeEditMenu()
     makeTextMenu(menu->addMenu(tr("Te&xt")));
     addForDocument(menu, {"goToLine", QT_TR_NOOP("&Go to Line…"), nullptr, {keys("Ctrl+G")}},
                    Action::GoToLine);
+    addForDocument(menu, {"definition", QT_TR_NOOP("Go to &Definition"), nullptr, {keys("F12")}},
+                   Action::GoToDefinition);
+    addForDocument(menu, {"columns", QT_TR_NOOP("Sho&w Columns and Keys"), nullptr, {keys("Alt+F1")}},
+                   Action::ShowColumns);
 }
 
 void MainWindowActions::makeTextMenu(QMenu *menu)
@@ -230,6 +234,8 @@ void MainWindowActions::makeQueryMenu()
     menu->addSeparator();
     addForDocument(menu, {"database", QT_TR_NOOP("Change &Database"), nullptr, {keys("Ctrl+U")}},
                    KNDocumentAction::ChangeDatabase);
+    addForDocument(menu, {"reloadNames", QT_TR_NOOP("Reload &Names"), nullptr, {keys("Ctrl+K, Ctrl+R")}},
+                   KNDocumentAction::ReloadNames);
     add(menu, {"history", QT_TR_NOOP("&History…"), "history", {keys("Ctrl+Shift+H")}},
         [this] { m_window.showHistory(); });
 }

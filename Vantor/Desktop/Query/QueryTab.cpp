@@ -21,6 +21,8 @@
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
+#include "UI/Names/KNEditorHover.h"
+#include "UI/Names/KNEditorNames.h"
 #include "UI/Results/KNResultsPane.h"
 
 #include <QBoxLayout>
@@ -58,11 +60,16 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     m_databaseBox->setConnectionDetails(details);
     showDatabase(details.database());
     const auto settings = [this] { return databaseConnectionDetails(); };
-    m_signature = new KNEditorSignature(m_editor, settings);
-    m_completion = new KNEditorCompletion(m_editor, settings);
+    const auto language = KNEditorLanguage::create(m_editor, settings);
+    m_signature = new KNEditorSignature(m_editor, language);
+    m_completion = new KNEditorCompletion(m_editor, language);
     m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
     m_commands = new EditorCommands(m_editor, settings);
     connect(m_commands, &EditorCommands::noteChanged, this, &QueryTab::statusChanged);
+    if (language) {
+        m_names = new KNEditorNames(language);
+        new KNEditorHover(language);
+    }
 }
 
 QueryTab::~QueryTab()
@@ -320,7 +327,8 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        if (!m_commands->perform(action) && !resultsPane()->perform(action))
+        if (!m_commands->perform(action) && !resultsPane()->perform(action) &&
+            !(m_names && m_names->perform(action)))
             performEditorAction(action, *m_editor, *m_findBar);
     }
 }

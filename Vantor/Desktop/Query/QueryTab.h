@@ -13,6 +13,7 @@ class DatabaseBox;
 class EditorCommands;
 class ErrorMarks;
 class KNEditorCompletion;
+class KNEditorNames;
 class KNEditorSignature;
 class KNFindBar;
 class KNResultsPane;
@@ -119,6 +120,7 @@ private:
     SyntaxCheck *m_syntaxCheck = nullptr;
     EditorCommands *m_commands = nullptr;
     KNEditorSignature *m_signature = nullptr;
+    KNEditorNames *m_names = nullptr; ///< null if the server kind has no completion
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;
