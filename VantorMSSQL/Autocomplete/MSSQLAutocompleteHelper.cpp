@@ -47,8 +47,10 @@ void MSSQLAutocompleteHelper::doLoadAutocompleteDetails(const MSSQLDatabaseConne
                                       {{QStringLiteral("dbc"), description}});
         return;
     }
-    m_catalogs.markOutdated(description);
-    if (store(description, entires))
+    // A set with the same names is not replaced, although types may have changed: completion shows these.
+    const bool isReplaced = store(description, entires);
+    m_catalogs.markOutdated(description, entires);
+    if (isReplaced)
         postUpdated(description);
     KNLogHelper::sharedInstance()->logMessage("Finished autocomplete query block.");
 }

@@ -38,25 +38,41 @@ MSSQLCompletionCatalogs::Catalog MSSQLCompletionCatalogs::request(const QString 
     return known.catalog;
 }
 
-void MSSQLCompletionCatalogs::markOutdated(const QString &description)
+void MSSQLCompletionCatalogs::markOutdated(const QString &description, const Entires &entires)
 {
     const QMutexLocker locker(&m_mutex);
     Known &known = m_known[description];
+    known.entires = entires;
     known.isOutdated = true;
     known.notBefore = {};
+}
+
+MSSQLCompletionCatalogs::Entires
+MSSQLCompletionCatalogs::entiresFor(const MSSQLDatabaseConnectionDetails &details)
+{
+    const QString description = details.description();
+    const auto newest = [&] {
+        const QMutexLocker locker(&m_mutex);
+        return std::exchange(m_known[description].entires, nullptr);
+    };
+    if (Entires entires = newest())
+        return entires;
+    if (Entires entires = m_helper.entriesForDatabaseConnectionDetails(details))
+        return entires;
+    m_helper.doLoadAutocompleteDetails(details);
+    Entires loaded = newest();
+    if (!loaded)
+        loaded = m_helper.entriesForDatabaseConnectionDetails(details);
+    const QMutexLocker locker(&m_mutex);
+    m_known[description].isOutdated = false; // the tables are what this load wanted
+    return loaded;
 }
 
 MSSQLCompletionCatalogs::Catalog MSSQLCompletionCatalogs::load(const MSSQLDatabaseConnectionDetails &details)
 {
     Catalog loaded;
     const QString description = details.description();
-    auto entires = m_helper.entriesForDatabaseConnectionDetails(details);
-    if (!entires) {
-        m_helper.doLoadAutocompleteDetails(details);
-        entires = m_helper.entriesForDatabaseConnectionDetails(details);
-        const QMutexLocker locker(&m_mutex);
-        m_known[description].isOutdated = false; // the entries are what this load wanted
-    }
+    const Entires entires = entiresFor(details);
     if (entires) {
         const QString schema = MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(details);
         const auto first = MSSQLCompletionLoader::tables(entires, schema);

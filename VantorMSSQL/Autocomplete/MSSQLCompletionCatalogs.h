@@ -17,6 +17,7 @@ class MSSQLCompletionCatalogs
 {
 public:
     using Catalog = std::shared_ptr<const KNCompletionCatalog>;
+    using Entires = std::shared_ptr<const MSSQLAutocompleteEntires>;
 
     explicit MSSQLCompletionCatalogs(MSSQLAutocompleteHelper &helper)
         : m_helper(helper)
@@ -28,8 +29,8 @@ public:
     Catalog catalog(const MSSQLDatabaseConnectionDetails &details);
     /// Loads a catalog now and caches it; null if that fails. Blocks on the server.
     Catalog load(const MSSQLDatabaseConnectionDetails &details);
-    /// Makes the next request load again.
-    void markOutdated(const QString &description);
+    /// Makes the next request load again, with these tables.
+    void markOutdated(const QString &description, const Entires &entires);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -37,11 +38,14 @@ private:
     struct Known
     {
         Catalog catalog;
+        Entires entires; ///< for the next load; null afterwards
         bool isLoading = false;
         bool isOutdated = true;
         Clock::time_point notBefore; ///< of the next load
     };
 
+    /// The tables for a load, which are loaded if they are not known; null if that fails.
+    Entires entiresFor(const MSSQLDatabaseConnectionDetails &details);
     /// Returns what is known under a key, and starts `load` if that is outdated.
     Catalog request(const QString &key, std::function<void()> load);
     void publish(const QString &key, const QString &description, const Catalog &catalog);

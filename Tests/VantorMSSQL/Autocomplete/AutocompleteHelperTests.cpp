@@ -1,5 +1,6 @@
 #include "Autocomplete/MSSQLAutocompleteHelper.h"
 
+#include "Autocomplete/KNCompletionCatalog.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNNotificationCenter.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
@@ -107,6 +108,23 @@ TEST_F(AutocompleteHelper, ReadsKeysAndNullability)
     EXPECT_FALSE(columns->at(0)->hasTrait(Entry::Nullable));
     EXPECT_FALSE(columns->at(1)->hasTrait(Entry::PrimaryKey));
     EXPECT_TRUE(columns->at(1)->hasTrait(Entry::Nullable));
+}
+
+TEST_F(AutocompleteHelper, ReloadShowsChangedTypesInTheCatalogOnly)
+{
+    const auto typeIn = [&](const KNCompletionCatalog &catalog) {
+        const auto *const table = catalog.find({QStringLiteral("dbo"), QStringLiteral("T")});
+        return table ? table->entry->entryChildren().first()->entryDetails() : QString();
+    };
+    server->answer("List_EntriesForAutocomplete", Columns, {{"dbo", "T", "Id", "int", nullptr, 10, 0}});
+    EXPECT_EQ(typeIn(*helper.loadCatalog(*settings)), QStringLiteral("int"));
+    server->answer("List_EntriesForAutocomplete", Columns, {{"dbo", "T", "Id", "bigint", nullptr, 19, 0}});
+    helper.doLoadAutocompleteDetails(*settings);
+    EXPECT_EQ(typeIn(*helper.loadCatalog(*settings)), QStringLiteral("bigint"));
+    // The cached entries are compared by their names.
+    EXPECT_EQ(helper.columnsForDatabaseConnectionDetails(*settings)->first()->entryDetails(),
+              QStringLiteral("int"));
+    EXPECT_EQ(server->count("List_EntriesForAutocomplete"), 2);
 }
 
 TEST_F(AutocompleteHelper, LookupsAcceptBracketsAndAnyCase)
