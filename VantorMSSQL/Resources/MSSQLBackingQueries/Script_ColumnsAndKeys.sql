@@ -79,6 +79,7 @@ FROM (
             WHEN i.is_primary_key = 1 THEN N'primary key'
             WHEN i.is_unique_constraint = 1 THEN N'unique constraint'
             WHEN i.is_unique = 1 THEN N'unique index'
+            WHEN i.type IN (5, 6) THEN N'columnstore index'
             ELSE N'index'
         END AS kind,
         CONVERT(int, ic.key_ordinal) AS position,
@@ -90,7 +91,7 @@ FROM (
     INNER JOIN sys.all_columns AS col ON col.object_id = ic.object_id AND col.column_id = ic.column_id
     WHERE i.object_id = @object
         AND i.is_hypothetical = 0
-        AND ic.key_ordinal > 0
+        AND (ic.key_ordinal > 0 OR i.type IN (5, 6))
     UNION ALL
     SELECT
         2 AS rank_of_kind,
