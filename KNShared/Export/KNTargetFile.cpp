@@ -48,9 +48,10 @@ QIODevice &KNTargetFile::device()
 
 bool KNTargetFile::commit(KNError *error)
 {
+    // QSaveFile does not notice that its last bytes could not be written.
+    const bool isFlushed = m_file->flush() && m_file->error() == QFileDevice::NoError;
     auto *const replacing = qobject_cast<QSaveFile *>(m_file.get());
-    const bool isWritten =
-        replacing ? replacing->commit() : m_file->flush() && m_file->error() == QFileDevice::NoError;
+    const bool isWritten = isFlushed && (!replacing || replacing->commit());
     *error = isWritten ? KNError() : writeError();
     return isWritten;
 }
