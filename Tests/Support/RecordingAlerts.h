@@ -67,6 +67,12 @@ public:
             chosen(answer);
     }
 
+    void chooseFolder(QWidget *parent, const Request &request,
+                      std::function<void(const QString &)> chosen) override
+    {
+        chooseFileToSave(parent, request, std::move(chosen));
+    }
+
     std::vector<Request> requests;
     QStringList answer; ///< the chosen paths; empty when the user chooses none
 };

@@ -17,7 +17,7 @@ public:
         dialog->setFileMode(QFileDialog::AnyFile);
         // A file name without an extension gets that of the selected filter.
         const auto takeEnding = [dialog](const QString &filter) {
-            static const QRegularExpression ending(QStringLiteral("\\*\\.(\\w+)"));
+            static const QRegularExpression ending(QStringLiteral("\\*\\.([\\w.]+)"));
             dialog->setDefaultSuffix(ending.match(filter).captured(1));
         };
         takeEnding(dialog->selectedNameFilter());
@@ -32,6 +32,16 @@ public:
         QFileDialog *const dialog = make(parent, request);
         dialog->setFileMode(QFileDialog::ExistingFiles);
         QObject::connect(dialog, &QFileDialog::filesSelected, dialog, chosen);
+        dialog->open();
+    }
+
+    void chooseFolder(QWidget *parent, const Request &request,
+                      std::function<void(const QString &)> chosen) override
+    {
+        QFileDialog *const dialog = make(parent, request);
+        dialog->setFileMode(QFileDialog::Directory);
+        dialog->setOption(QFileDialog::ShowDirsOnly);
+        QObject::connect(dialog, &QFileDialog::fileSelected, dialog, chosen);
         dialog->open();
     }
 

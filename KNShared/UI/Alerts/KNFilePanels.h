@@ -32,4 +32,7 @@ public:
                                   std::function<void(const QString &path)> chosen) = 0;
     virtual void chooseFilesToOpen(QWidget *parent, const Request &request,
                                    std::function<void(const QStringList &paths)> chosen) = 0;
+    /// A folder that exists.
+    virtual void chooseFolder(QWidget *parent, const Request &request,
+                              std::function<void(const QString &path)> chosen) = 0;
 };
