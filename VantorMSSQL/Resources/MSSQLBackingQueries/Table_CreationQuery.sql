@@ -11,6 +11,9 @@ DECLARE @table_space int
 DECLARE @table_place nvarchar(2000)
 DECLARE @table_options nvarchar(2000)
 DECLARE @history nvarchar(600)
+DECLARE @retention nvarchar(100)
+DECLARE @filestream_place nvarchar(300)
+DECLARE @setting nvarchar(200)
 DECLARE @collation nvarchar(128)
 DECLARE @hidden nvarchar(100)
 DECLARE @visible nvarchar(20)
@@ -37,6 +40,29 @@ DECLARE @storage TABLE (
     compression nvarchar(60) NULL,
     is_mixed bit NOT NULL
 )
+DECLARE @option TABLE (
+    index_id int NOT NULL,
+    option_text nvarchar(100) NOT NULL
+)
+DECLARE @ordered_column TABLE (
+    index_id int NOT NULL,
+    ordinal int NOT NULL,
+    name nvarchar(300) NOT NULL
+)
+DECLARE @selective_xml TABLE (
+    index_id int NOT NULL PRIMARY KEY
+)
+DECLARE @statistic TABLE (
+    stats_id int NOT NULL PRIMARY KEY,
+    name nvarchar(128) NOT NULL,
+    columns nvarchar(max) NOT NULL,
+    filter nvarchar(max) NULL,
+    options nvarchar(200) NOT NULL
+)
+DECLARE @note TABLE (
+    id int NOT NULL,
+    note nvarchar(max) NULL
+)
 DECLARE @loss TABLE (
     note nvarchar(500) NOT NULL
 )
@@ -51,6 +77,7 @@ DECLARE @index TABLE (
     head nvarchar(max) NOT NULL,
     key_columns nvarchar(max) NOT NULL,
     included_columns nvarchar(max) NOT NULL,
+    order_columns nvarchar(max) NOT NULL,
     options nvarchar(max) NOT NULL,
     space int NOT NULL,
     is_default_space bit NOT NULL,
@@ -134,10 +161,137 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.table
         @table,
         @history OUTPUT
 
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
+    AND name = N'history_retention_period')
+    EXEC sp_executesql N'
+        SELECT @retention = N'', HISTORY_RETENTION_PERIOD = '' + CONVERT(nvarchar(10), t.history_retention_period)
+            + N'' '' + t.history_retention_period_unit_desc COLLATE DATABASE_DEFAULT
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.temporal_type = 2
+            AND t.history_retention_period > 0',
+        N'@table int, @retention nvarchar(100) OUTPUT',
+        @table,
+        @retention OUTPUT
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
+    AND name = N'filestream_data_space_id')
+    EXEC sp_executesql N'
+        SELECT @filestream_place = N'' FILESTREAM_ON '' + QUOTENAME(d.name)
+        FROM sys.tables AS t
+        INNER JOIN sys.data_spaces AS d ON d.data_space_id = t.filestream_data_space_id
+        WHERE t.object_id = @table
+            AND EXISTS (SELECT 1 FROM sys.columns AS c WHERE c.object_id = t.object_id AND c.is_filestream = 1)
+            AND d.type = ''FD''
+            AND d.is_default = 0',
+        N'@table int, @filestream_place nvarchar(300) OUTPUT',
+        @table,
+        @filestream_place OUTPUT
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes')
+    AND name = N'optimize_for_sequential_key')
+    INSERT INTO @option (index_id, option_text)
+    EXEC sp_executesql N'
+        SELECT i.index_id, N'', OPTIMIZE_FOR_SEQUENTIAL_KEY = ON''
+        FROM sys.indexes AS i
+        WHERE i.object_id = @table
+            AND i.type IN (1, 2)
+            AND i.optimize_for_sequential_key = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes') AND name = N'compression_delay')
+    INSERT INTO @option (index_id, option_text)
+    EXEC sp_executesql N'
+        SELECT i.index_id, N'', COMPRESSION_DELAY = '' + CONVERT(nvarchar(10), i.compression_delay) + N'' MINUTES''
+        FROM sys.indexes AS i
+        WHERE i.object_id = @table
+            AND i.type IN (5, 6)
+            AND i.compression_delay > 0',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.partitions') AND name = N'xml_compression')
+    INSERT INTO @option (index_id, option_text)
+    EXEC sp_executesql N'
+        SELECT p.index_id, N'', XML_COMPRESSION = ON''
+        FROM sys.partitions AS p
+        INNER JOIN sys.indexes AS i ON i.object_id = p.object_id AND i.index_id = p.index_id
+        WHERE p.object_id = @table
+            AND i.type IN (0, 1, 2)
+        GROUP BY p.index_id
+        HAVING MIN(CONVERT(int, p.xml_compression)) = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.index_columns')
+    AND name = N'column_store_order_ordinal')
+    INSERT INTO @ordered_column (index_id, ordinal, name)
+    EXEC sp_executesql N'
+        SELECT ic.index_id, ic.column_store_order_ordinal, QUOTENAME(c.name)
+        FROM sys.index_columns AS ic
+        INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
+        WHERE ic.object_id = @table
+            AND ic.column_store_order_ordinal > 0',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.xml_indexes') AND name = N'xml_index_type')
+    INSERT INTO @selective_xml (index_id)
+    EXEC sp_executesql N'
+        SELECT i.index_id FROM sys.xml_indexes AS i WHERE i.object_id = @table AND i.xml_index_type > 1',
+        N'@table int',
+        @table
+
+-- Statistics that users made; those of indexes and of the server itself come by themselves.
+INSERT INTO @statistic (stats_id, name, columns, filter, options)
+SELECT st.stats_id, st.name, N'', NULL, CASE WHEN st.no_recompute = 1 THEN N', NORECOMPUTE' ELSE N'' END
+FROM sys.stats AS st
+WHERE st.object_id = @table
+    AND st.user_created = 1
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.stats') AND name = N'filter_definition')
+BEGIN
+    INSERT INTO @note (id, note)
+    EXEC sp_executesql N'
+        SELECT st.stats_id, st.filter_definition
+        FROM sys.stats AS st
+        WHERE st.object_id = @table
+            AND st.user_created = 1
+            AND st.filter_definition IS NOT NULL',
+        N'@table int',
+        @table
+
+    UPDATE s
+    SET filter = n.note
+    FROM @statistic AS s
+    INNER JOIN @note AS n ON n.id = s.stats_id
+
+    DELETE FROM @note
+END
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.stats') AND name = N'is_incremental')
+BEGIN
+    INSERT INTO @note (id, note)
+    EXEC sp_executesql N'
+        SELECT st.stats_id, N'', INCREMENTAL = ON''
+        FROM sys.stats AS st
+        WHERE st.object_id = @table
+            AND st.user_created = 1
+            AND st.is_incremental = 1',
+        N'@table int',
+        @table
+
+    UPDATE s
+    SET options = s.options + n.note
+    FROM @statistic AS s
+    INNER JOIN @note AS n ON n.id = s.stats_id
+END
+
 -- Indexes and the heap. A constraint or index whose name the server made up is named only where a statement needs it.
 INSERT INTO @index (
     index_id, name, shown_name, type, is_primary_key, is_constraint, is_disabled, head, key_columns, included_columns,
-    options, space, is_default_space, place
+    order_columns, options, space, is_default_space, place
 )
 SELECT
     i.index_id,
@@ -166,6 +320,7 @@ SELECT
             END
             + QUOTENAME(i.name) + N' ON ' + @target
     END,
+    N'',
     N'',
     N'',
     CASE WHEN i.type IN (1, 2) AND i.is_padded = 1 THEN N', PAD_INDEX = ON' ELSE N'' END
@@ -201,6 +356,16 @@ WHERE i.object_id = @table
     AND i.is_hypothetical = 0
     AND i.type IN (0, 1, 2, 5, 6)
 
+-- The options that not every server has; an index has at most two of them.
+UPDATE x
+SET options = x.options + o.first_option + CASE WHEN o.last_option = o.first_option THEN N'' ELSE o.last_option END
+FROM @index AS x
+INNER JOIN (
+    SELECT w.index_id, MIN(w.option_text) AS first_option, MAX(w.option_text) AS last_option
+    FROM @option AS w
+    GROUP BY w.index_id
+) AS o ON o.index_id = x.index_id
+
 -- The n-th column of every index, then of every foreign key, is appended to its list.
 SELECT @last = MAX(index_column_id) FROM sys.index_columns WHERE object_id = @table
 SET @ordinal = 1
@@ -227,6 +392,29 @@ BEGIN
     WHERE ic.object_id = @table
         AND ic.index_column_id = @ordinal
         AND ic.is_included_column = 1
+
+    UPDATE x
+    SET order_columns = x.order_columns + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END
+        + o.name COLLATE DATABASE_DEFAULT
+    FROM @index AS x
+    INNER JOIN @ordered_column AS o ON o.index_id = x.index_id
+    WHERE o.ordinal = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
+
+SELECT @last = MAX(stats_column_id) FROM sys.stats_columns WHERE object_id = @table
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE x
+    SET columns = x.columns + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END
+        + QUOTENAME(c.name) COLLATE DATABASE_DEFAULT
+    FROM @statistic AS x
+    INNER JOIN sys.stats_columns AS sc ON sc.stats_id = x.stats_id
+    INNER JOIN sys.columns AS c ON c.object_id = sc.object_id AND c.column_id = sc.column_id
+    WHERE sc.object_id = @table
+        AND sc.stats_column_id = @ordinal
 
     SET @ordinal = @ordinal + 1
 END
@@ -270,7 +458,10 @@ WHERE t.object_id = @table
     AND own.type = 'FG'
     AND (d.is_default = 0 OR own.is_default = 0)
 
-SET @table_options = ISNULL(N', SYSTEM_VERSIONING = ON (HISTORY_TABLE = ' + @history + N')', N'')
+SET @table_options = ISNULL(
+    N', SYSTEM_VERSIONING = ON (HISTORY_TABLE = ' + @history + ISNULL(@retention, N'') + N')',
+    N''
+)
 SELECT @table_options = @table_options + x.options
 FROM @index AS x
 WHERE x.index_id = 0
@@ -294,17 +485,6 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.table
         FROM sys.tables AS t
         WHERE t.object_id = @table
             AND t.is_external = 1',
-        N'@table int',
-        @table
-
-IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
-    AND name = N'history_retention_period')
-    INSERT INTO @loss (note)
-    EXEC sp_executesql N'
-        SELECT N''How long the history of rows is kept.''
-        FROM sys.tables AS t
-        WHERE t.object_id = @table
-            AND t.history_retention_period > 0',
         N'@table int',
         @table
 
@@ -338,39 +518,33 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.colum
         N'@table int',
         @table
 
-IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes')
-    AND name = N'optimize_for_sequential_key')
-    INSERT INTO @loss (note)
-    EXEC sp_executesql N'
-        SELECT N''OPTIMIZE_FOR_SEQUENTIAL_KEY of index '' + QUOTENAME(i.name) + N''.''
-        FROM sys.indexes AS i
-        WHERE i.object_id = @table
-            AND i.optimize_for_sequential_key = 1',
-        N'@table int',
-        @table
-
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.partitions') AND name = N'xml_compression')
     INSERT INTO @loss (note)
     EXEC sp_executesql N'
-        SELECT DISTINCT N''The compression of xml in the table.''
+        SELECT N''The compression of xml, which differs by partition.''
         FROM sys.partitions AS p
         WHERE p.object_id = @table
-            AND p.xml_compression = 1',
+        GROUP BY p.index_id
+        HAVING MIN(CONVERT(int, p.xml_compression)) <> MAX(CONVERT(int, p.xml_compression))',
         N'@table int',
         @table
 
+INSERT INTO @loss (note)
+SELECT N'Selective XML index ' + QUOTENAME(i.name) + N'.'
+FROM @selective_xml AS sx
+INNER JOIN sys.indexes AS i ON i.object_id = @table AND i.index_id = sx.index_id
+
 INSERT INTO @piece (body)
-SELECT N'-- Not part of this script: ' + l.note
+SELECT N'-- Not scripted: ' + l.note
 FROM @loss AS l
 ORDER BY l.note
 
 INSERT INTO @piece (body)
-SELECT N'-- The table is memory-optimized; this script makes one on disk.'
+SELECT N'-- Not scripted: the table is memory-optimized; this script makes one on disk.'
 WHERE OBJECTPROPERTY(@table, N'TableIsMemoryOptimized') = 1
 
 INSERT INTO @piece (body)
-SELECT N'-- Index ' + QUOTENAME(i.name) + N' (' + i.type_desc COLLATE DATABASE_DEFAULT
-    + N') is not part of this script.'
+SELECT N'-- Not scripted: index ' + QUOTENAME(i.name) + N' (' + i.type_desc COLLATE DATABASE_DEFAULT + N').'
 FROM sys.indexes AS i
 WHERE i.object_id = @table
     AND i.is_hypothetical = 0
@@ -498,7 +672,7 @@ WHERE f.object_id = @table
     AND COLUMNPROPERTY(@table, l.name, N'GeneratedAlwaysType') = 2
 
 INSERT INTO @piece (body)
-SELECT @crlf + N')' + ISNULL(@table_place, N'')
+SELECT @crlf + N')' + ISNULL(@table_place, N'') + ISNULL(@filestream_place, N'')
     + CASE WHEN @table_options = N'' THEN N'' ELSE N' WITH (' + STUFF(@table_options, 1, 2, N'') + N')' END
     + @go
 
@@ -507,6 +681,7 @@ INSERT INTO @piece (body)
 SELECT
     x.head
     + CASE x.type WHEN 5 THEN N'' WHEN 6 THEN N' (' + x.included_columns + N')' ELSE N' (' + x.key_columns + N')' END
+    + CASE WHEN x.order_columns <> N'' THEN N' ORDER (' + x.order_columns + N')' ELSE N'' END
     + CASE WHEN x.type = 2 AND x.included_columns <> N'' THEN N' INCLUDE (' + x.included_columns + N')' ELSE N'' END
     + ISNULL(N' WHERE ' + g.filter, N'')
     + CASE WHEN x.options = N'' THEN N'' ELSE N' WITH (' + STUFF(x.options, 1, 2, N'') + N')' END
@@ -532,7 +707,17 @@ INNER JOIN sys.index_columns AS ic
 INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
 LEFT JOIN sys.xml_indexes AS p ON p.object_id = i.object_id AND p.index_id = i.using_xml_index_id
 WHERE i.object_id = @table
+    AND NOT EXISTS (SELECT 1 FROM @selective_xml AS sx WHERE sx.index_id = i.index_id)
 ORDER BY CASE WHEN p.name IS NULL THEN 0 ELSE 1 END, i.name
+
+INSERT INTO @piece (body)
+SELECT
+    N'CREATE STATISTICS ' + QUOTENAME(x.name) + N' ON ' + @target + N' (' + x.columns + N')'
+    + ISNULL(N' WHERE ' + x.filter, N'')
+    + CASE WHEN x.options = N'' THEN N'' ELSE N' WITH ' + STUFF(x.options, 1, 2, N'') END
+    + @go
+FROM @statistic AS x
+ORDER BY x.name
 
 -- Checks and foreign keys. NOCHECK keeps them as untrusted as they are.
 INSERT INTO @piece (body)
@@ -630,6 +815,35 @@ LEFT JOIN sys.types AS t ON t.user_type_id = c.user_type_id
 WHERE c.object_id = @table
     AND c.rule_object_id <> ISNULL(t.rule_object_id, 0)
 ORDER BY c.column_id
+
+-- Settings of the table that are no part of CREATE TABLE.
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'lock_escalation_desc')
+    EXEC sp_executesql N'
+        SELECT @setting = t.lock_escalation_desc COLLATE DATABASE_DEFAULT
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.lock_escalation_desc IN (N''AUTO'', N''DISABLE'')',
+        N'@table int, @setting nvarchar(200) OUTPUT',
+        @table,
+        @setting OUTPUT
+
+INSERT INTO @piece (body)
+SELECT N'ALTER TABLE ' + @target + N' SET (LOCK_ESCALATION = ' + @setting + N')' + @go
+WHERE @setting IS NOT NULL
+
+SET @setting = NULL
+IF OBJECT_ID(N'sys.change_tracking_tables') IS NOT NULL
+    EXEC sp_executesql N'
+        SELECT @setting = CASE WHEN t.is_track_columns_updated_on = 1 THEN N''ON'' ELSE N''OFF'' END
+        FROM sys.change_tracking_tables AS t
+        WHERE t.object_id = @table',
+        N'@table int, @setting nvarchar(200) OUTPUT',
+        @table,
+        @setting OUTPUT
+
+INSERT INTO @piece (body)
+SELECT N'ALTER TABLE ' + @target + N' ENABLE CHANGE_TRACKING WITH (TRACK_COLUMNS_UPDATED = ' + @setting + N')' + @go
+WHERE @setting IS NOT NULL
 
 -- Triggers, each with the settings it was made under, its place in the order and its state.
 INSERT INTO @piece (body)
