@@ -185,6 +185,28 @@ def catalog_queries(programs):
           [list(match) for match in re.findall(r"^(\w+)\s+ok, (\d+) rows, (\d+ ms)$", text, re.MULTILINE)])
 
 
+def exporting(programs, environment):
+    """The rows of a table as INSERT statements, compared with the same rows as CSV."""
+    print("## Exporting %s rows of a table\n" % f"{ROWS:,}")
+    query(programs, environment,
+          [f"SELECT * INTO tempdb.dbo.Exported FROM generate_rows({ROWS})", "--format", "csv"])
+    common = ["--server", f"127.0.0.1,{environment['VANTOR_BENCHMARK_PORT']}", "--user", "sa", "--database", "tempdb"]
+    secret = {**environment, "VANTOR_PASSWORD": "Sample-1"}
+    figures = []
+    with tempfile.TemporaryDirectory() as folder:
+        for name, arguments in (
+                ("vantor-cli query --format csv", ["query", *common, "--format", "csv", "SELECT * FROM dbo.Exported"]),
+                ("vantor-cli export --data-only",
+                 ["export", *common, "--tables", "dbo.Exported", "--data-only", "--to", folder + "/rows.sql"]),
+                ("vantor-cli export --data-only, gzip",
+                 ["export", *common, "--tables", "dbo.Exported", "--data-only", "--to", folder + "/rows.sql.gz"])):
+            _, cpu, wall, memory = measure([programs / "vantor-cli", *arguments], secret)
+            figures.append((name, cpu, wall, memory))
+    table(["program", "processor time", "ratio", "time", "ratio", "memory"],
+          [[name, f"{cpu:.2f} s", f"{cpu / figures[0][1]:.2f}", f"{wall:.2f} s", f"{wall / figures[0][2]:.2f}",
+            f"{memory:.0f} MB"] for name, cpu, wall, memory in figures])
+
+
 def main():
     programs = HERE.parent / "build/release/bin"
     os.environ["VANTOR_TEST_SERVER"] = str(programs / "vantor-sample-server")
@@ -198,6 +220,7 @@ def main():
         many_results(programs, environment)
         bulk_insert(programs, environment, tedious)
         importing(programs, environment)
+        exporting(programs, environment)
         lines("Logging in", programs, "connect-benchmark", environment)
         lines("Listing 50,000 tables in the object tree", programs, "catalog-benchmark", environment)
         catalog_queries(programs)
