@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Database/KNRowStream.h"
+#include "Export/KNScriptOptions.h"
 
 #include <QIODevice>
 #include <QList>
@@ -15,28 +16,33 @@ struct KNScriptObject
     QString schema;
     QString name;
     bool hasRows = false; ///< a table
+    QString group = {};   ///< the title of the objects of this kind, such as "Tables"
 
     /// schema.name, for display and for file names.
     QString displayName() const { return schema.isEmpty() ? name : schema + QLatin1Char('.') + name; }
     friend bool operator==(const KNScriptObject &, const KNScriptObject &) = default;
 };
 
-/// The content of the scripts of a database.
-struct KNScriptOptions
+/// Reports and cancels the making of a script, on the thread that makes it. Each function may be empty.
+struct KNScriptControl
 {
-    enum class Language {
-        Server, ///< that of the server
-        MySQL,
-    };
+    KNRowStream::IsCancelled isCancelled = {};
+    /// Receives an object that is about to be read, its index and the number of objects.
+    std::function<void(const QString &title, qsizetype index, qsizetype count)> readsObject = {};
+    /// Receives the number of rows written since the last call.
+    std::function<void(qint64 rows)> wroteRows = {};
 
-    bool schema = true; ///< statements that create the objects
-    bool data = false;  ///< statements that insert the rows of tables
-    bool drops = false; ///< drops existing objects first
-    bool ifNotExists = false;
-    bool indexes = true;
-    bool constraints = true; ///< foreign keys
-    bool triggers = true;
-    Language language = Language::Server;
+    bool wasCancelled() const { return isCancelled && isCancelled(); }
+    void reportObject(const QString &title, qsizetype index, qsizetype count) const
+    {
+        if (readsObject)
+            readsObject(title, index, count);
+    }
+    void reportRows(qint64 rows) const
+    {
+        if (wroteRows)
+            wroteRows(rows);
+    }
 };
 
 /// A part of a script, to run behind the parts before it.
@@ -45,7 +51,7 @@ struct KNScriptPart
     QString name;  ///< of its file, without extension; parts of one object share it
     QString title; ///< for display while it is written
     /// Writes UTF-8. The caller checks whether the device took everything. Blocks on the server.
-    std::function<KNError(QIODevice &device, const KNRowStream::IsCancelled &isCancelled)> write;
+    std::function<KNError(QIODevice &device, const KNScriptControl &control)> write;
 };
 
 /// Makes scripts of the objects of a database. Connectors subclass it. Blocks on the server: any thread
@@ -55,9 +61,12 @@ class KNSHARED_EXPORT KNDatabaseScripter
 public:
     virtual ~KNDatabaseScripter();
 
+    /// The name of the server's language, such as "SQL".
+    virtual QString languageName() const = 0;
     /// The objects that scripts can include, by kind and name. Empty with an error.
     virtual QList<KNScriptObject> objects(KNError *error) = 0;
-    /// The parts of the script of these objects, in an order in which they can run. Empty with an error.
+    /// The parts of the script of these objects, in an order in which they can run. Empty with an error and
+    /// after a cancellation.
     virtual QList<KNScriptPart> parts(const QList<KNScriptObject> &objects, const KNScriptOptions &options,
-                                      KNError *error) = 0;
+                                      const KNScriptControl &control, KNError *error) = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -74,6 +75,58 @@ TEST_F(ExportCommand, ComesBackAsTheSameScriptAndTheSameRows)
         EXPECT_EQ(query("copied", rows), query("library", rows)) << rows;
 }
 
+TEST_F(ExportCommand, ComesBackWithExtendedPropertiesAndTableTypes)
+{
+    const Outcome first = exported("shop", {"--tables", "dbo.Customers"});
+    ASSERT_EQ(first.status, 0) << first.errors.toStdString();
+    EXPECT_TRUE(first.output.contains(
+        "EXEC sp_addextendedproperty N'MS_Description', N'Two letters', N'SCHEMA', N'dbo', N'TABLE', "
+        "N'Customers', N'COLUMN', N'Country'\r\nGO\r\n"))
+        << first.output.toStdString();
+    EXPECT_FALSE(exported("shop", {"--tables", "dbo.Customers", "--no-extended-properties"})
+                     .output.contains("MS_Description"));
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
+    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(first.output)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    EXPECT_EQ(exported("copied", {}).output, first.output);
+    const QByteArray whole = exported("shop", {}).output;
+    const qsizetype type =
+        whole.indexOf("CREATE TYPE [sales].[LineList] AS TABLE (\r\n\t[LineNumber] int NOT NULL,");
+    EXPECT_TRUE(type > 0 && type < whole.indexOf("CREATE TABLE"));
+}
+
+TEST_F(ExportCommand, ComesBackWithViewsAndProceduresThatNameEachOther)
+{
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"
+                    "IF DB_ID('cycles') IS NOT NULL DROP DATABASE cycles\nGO\nCREATE DATABASE cycles");
+    query("cycles",
+          "CREATE VIEW dbo.v1 AS SELECT 1 AS a\nGO\nCREATE VIEW dbo.v2 AS SELECT a FROM dbo.v1\nGO\n"
+          "ALTER VIEW dbo.v1 AS SELECT a FROM dbo.v2\nGO\nCREATE PROCEDURE dbo.p1 AS RETURN 1\nGO\n"
+          "CREATE PROCEDURE dbo.p2 AS EXEC dbo.p1\nGO\nALTER PROCEDURE dbo.p1 AS EXEC dbo.p2");
+    const QByteArray script = exported("cycles", {}).output;
+    EXPECT_EQ(script.count("A stub: the definition follows."), 2);
+    EXPECT_TRUE(script.contains("ALTER VIEW dbo.v1 AS SELECT a FROM dbo.v2")) << script.toStdString();
+    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    EXPECT_EQ(exported("copied", {}).output, script);
+}
+
+TEST_F(ExportCommand, InsertsRowsOnlyInTheOrderOfForeignKeys)
+{
+    const QByteArray rows = exported("library", {"--data-only"}).output;
+    const qsizetype authors = rows.indexOf("INSERT INTO [dbo].[Authors]");
+    const qsizetype books = rows.indexOf("INSERT INTO [dbo].[Books]");
+    const qsizetype loans = rows.indexOf("INSERT INTO [dbo].[Loans]");
+    EXPECT_TRUE(authors >= 0 && authors < books && books < loans);
+    EXPECT_FALSE(rows.contains("CREATE"));
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
+    for (const QByteArray &script : {exported("library", {}).output, rows}) {
+        const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+        EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    }
+    EXPECT_EQ(exported("copied", {"--data-only"}).output, rows);
+}
+
 TEST_F(ExportCommand, WritesForeignKeysBehindAllRows)
 {
     const QByteArray script = exported("shop", {"--data"}).output;
@@ -116,6 +169,31 @@ TEST_F(ExportCommand, ReplacesAFileOrFillsAFolder)
     EXPECT_TRUE(content(target + utf16("_run_all.sql")).contains(":r \"dbo.Books.sql\"\r\n"));
 }
 
+TEST_F(ExportCommand, CompressesByTheNameOfTheTarget)
+{
+    const QByteArray plain = exported("library", {"--data"}).output;
+    const QString file = folder.filePath(utf16("library.sql.gz"));
+    EXPECT_EQ(exported("library", {"--data", "--to", qPrintable(file)}).status, 0);
+    QProcess gzip;
+    gzip.start(utf16("gzip"), {utf16("-dc"), file});
+    ASSERT_TRUE(gzip.waitForFinished());
+    EXPECT_EQ(gzip.readAllStandardOutput(), plain);
+    const QString archive = folder.filePath(utf16("library.zip"));
+    EXPECT_EQ(exported("library", {"--data", "--to", qPrintable(archive)}).status, 0);
+    EXPECT_TRUE(content(archive).startsWith("PK\x03\x04"));
+    EXPECT_TRUE(content(archive).contains("_run_all.sql"));
+}
+
+TEST_F(ExportCommand, LeavesOutPartsOfTheStructure)
+{
+    const QByteArray whole = exported("shop", {}).output;
+    ASSERT_TRUE(whole.contains("FOREIGN KEY (") && whole.contains("INDEX [") &&
+                whole.contains("CREATE TRIGGER"));
+    EXPECT_FALSE(exported("shop", {"--no-constraints"}).output.contains("FOREIGN KEY ("));
+    EXPECT_FALSE(exported("shop", {"--no-indexes"}).output.contains("\nCREATE NONCLUSTERED INDEX ["));
+    EXPECT_FALSE(exported("shop", {"--no-triggers"}).output.contains("CREATE TRIGGER"));
+}
+
 TEST_F(ExportCommand, AFullDeviceIsAnError)
 {
     const Outcome outcome = exported("library", {"--data", "--to", "/dev/full"});
@@ -126,6 +204,10 @@ TEST_F(ExportCommand, AFullDeviceIsAnError)
 TEST_F(ExportCommand, RefusesOptionsThatContradict)
 {
     EXPECT_EQ(exported("library", {"--drop", "--data-only"}).status, 2);
+    const Outcome forMySQL = exported("library", {"--mysql", "--if-not-exists"});
+    EXPECT_EQ(forMySQL.status, 2);
+    EXPECT_TRUE(forMySQL.errors.contains("--if-not-exists has no effect here. For MySQL, only tables"))
+        << forMySQL.errors.toStdString();
     EXPECT_EQ(exported("library", {"a", "b"}).status, 2);
     EXPECT_EQ(exported("library", {"--help"}).status, 0);
 }

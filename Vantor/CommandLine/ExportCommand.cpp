@@ -25,8 +25,8 @@ int exportScripts(const ExportOptions &options, const VantorDBC &settings, Inter
     if (error)
         return Terminal::fail(ExitUsage, error.localizedDescription());
     scripts.options = options.scripts;
-    scripts.target = options.target;
-    scripts.isFolder = options.isFolder;
+    scripts.path = options.target;
+    scripts.kind = KNScriptTarget::kindFor(options.target);
     error = scripts.run(*scripter, {}, [&] { return isCancelled.load(); });
     interrupts.setTarget({});
     if (isCancelled)

@@ -3,7 +3,6 @@
 #include "Foundation/KNFormat.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -31,17 +30,59 @@ void addExportOptions(QCommandLineParser &parser)
         {exportText("data-only"), exportText("Write only the rows of the tables.")},
         {exportText("drop"), exportText("Drop existing objects first.")},
         {exportText("if-not-exists"), exportText("Create only what does not exist.")},
+        {exportText("no-indexes"), exportText("Leave out the indexes.")},
+        {exportText("no-constraints"), exportText("Leave out foreign keys and checks.")},
+        {exportText("no-triggers"), exportText("Leave out the triggers.")},
+        {exportText("no-extended-properties"), exportText("Leave out the extended properties.")},
+        {exportText("permissions"), exportText("Write the permissions of the objects, too.")},
         {exportText("mysql"), exportText("Write the tables for MySQL.")},
         {exportText("to"),
          exportText(
-             "The file; or a folder, with a slash at its end, for one file for each object. By default "
-             "standard output."),
+             "The file, compressed with gzip if its name ends in .gz; or a folder, with a slash at its "
+             "end, or a .zip file for one file for each object. By default standard output."),
          exportText("path")},
         {{exportText("h"), exportText("help")}, exportText("Show this help.")},
     });
     parser.addPositionalArgument(exportText("DATABASE"),
                                  exportText("The database; by default that of --database."),
                                  exportText("[DATABASE]"));
+}
+
+/// A switch of the scripts and the option that sets it to another value than the default.
+struct ExportSwitch
+{
+    const char *name;
+    KNScriptOptions::Switch option;
+};
+
+constexpr ExportSwitch ExportSwitches[] = {
+    {"drop", &KNScriptOptions::drops},
+    {"if-not-exists", &KNScriptOptions::ifNotExists},
+    {"no-indexes", &KNScriptOptions::indexes},
+    {"no-constraints", &KNScriptOptions::constraints},
+    {"no-triggers", &KNScriptOptions::triggers},
+    {"no-extended-properties", &KNScriptOptions::extendedProperties},
+    {"permissions", &KNScriptOptions::permissions},
+};
+
+KNScriptOptions scriptOptionsFrom(const QCommandLineParser &parser, KNError *error)
+{
+    KNScriptOptions options;
+    options.data = parser.isSet(exportText("data")) || parser.isSet(exportText("data-only"));
+    options.schema = !parser.isSet(exportText("data-only"));
+    if (parser.isSet(exportText("mysql")))
+        options.language = KNScriptOptions::Language::MySQL;
+    for (const ExportSwitch &each : ExportSwitches) {
+        if (parser.isSet(exportText(each.name)))
+            options.*each.option = !(KNScriptOptions().*each.option);
+    }
+    for (const ExportSwitch &each : ExportSwitches) {
+        const QString reason = options.reasonAgainst(each.option);
+        if (!*error && !reason.isNull() && parser.isSet(exportText(each.name)))
+            *error = exportProblem(
+                KNFormat("--%@ has no effect here. %@", QString::fromLatin1(each.name), reason));
+    }
+    return options;
 }
 
 bool matches(const KNScriptObject &table, const QString &entered)
@@ -71,23 +112,17 @@ std::optional<ExportOptions> ExportOptions::parse(const QStringList &arguments, 
     if (positional.size() == 1)
         options.connection.database = positional.first();
     options.tables = parser.value(exportText("tables")).split(QLatin1Char(','), Qt::SkipEmptyParts);
-    options.scripts.data = parser.isSet(exportText("data")) || parser.isSet(exportText("data-only"));
-    options.scripts.schema = !parser.isSet(exportText("data-only"));
-    options.scripts.drops = parser.isSet(exportText("drop"));
-    options.scripts.ifNotExists = parser.isSet(exportText("if-not-exists"));
-    if (parser.isSet(exportText("mysql")))
-        options.scripts.language = KNScriptOptions::Language::MySQL;
+    options.scripts = scriptOptionsFrom(parser, error);
     if (parser.isSet(exportText("to")))
         options.target = parser.value(exportText("to"));
-    options.isFolder = options.target.endsWith(QLatin1Char('/')) || QFileInfo(options.target).isDir();
+    if (*error)
+        return std::nullopt;
     if (positional.size() > 1)
         *error = exportProblem(exportText("Only one database can be exported."));
     else if (!options.connection.namesServer())
         *error = exportProblem(exportText("--server or --sample is missing."));
     else if (options.connection.database.isEmpty())
         *error = exportProblem(exportText("The database is missing."));
-    else if (options.scripts.drops && !options.scripts.schema)
-        *error = exportProblem(exportText("--drop and --data-only exclude each other."));
     return *error ? std::nullopt : std::optional(options);
 }
 

@@ -13,7 +13,6 @@ struct ExportOptions
     QStringList tables; ///< as entered; empty for all objects
     KNScriptOptions scripts;
     QString target; ///< null for standard output
-    bool isFolder = false;
 
     /// Parses the arguments; nullopt, with an error, if they are invalid or contradictory.
     static std::optional<ExportOptions> parse(const QStringList &arguments, KNError *error);

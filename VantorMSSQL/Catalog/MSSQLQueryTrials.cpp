@@ -86,6 +86,7 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trialOfAll(types),
         trialOf(types, "Properties_Type", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
         trialOf(types, "UserDefinedDataType_CreationQuery", {{"SCHEMA", "{0}"}, {"TYPE", "{1}"}}),
+        trialOf(types, "TableType_CreationQuery", {{"TABLE_SCHEMA", "{0}"}, {"TABLE_NAME", "{1}"}}),
 
         trial("List_EntriesForAutocomplete"),
         trial("List_SystemEntriesForAutocomplete"),
@@ -94,6 +95,10 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
         trial("List_ForeignKeysForAutocomplete"),
         trial("List_ExportableDatabaseEntries"),
         trial("List_ObjectDependencies"),
+        trial("List_ForeignKeysForScripts"),
+        trial("List_ExtendedPropertyStatements"),
+        trial("List_PermissionStatements"),
+        trial("List_ViewTriggerStatements"),
         trial("List_SearchableDatabaseEntries"),
         trial("List_SearchableDatabaseEntries_Azure"),
         trial("List_TablesAndColumnsForImport"),
@@ -108,7 +113,8 @@ QList<KNQueryTrial> MSSQLQueryTrials::all()
 QStringList MSSQLQueryTrials::notOnSQL2000()
 {
     return {QStringLiteral("List_SearchableDatabaseEntries"),
-            QStringLiteral("List_SearchableDatabaseEntries_Azure"), QStringLiteral("List_Federations")};
+            QStringLiteral("List_SearchableDatabaseEntries_Azure"), QStringLiteral("List_Federations"),
+            QStringLiteral("TableType_CreationQuery")};
 }
 
 QStringList MSSQLQueryTrials::notOnAzure()

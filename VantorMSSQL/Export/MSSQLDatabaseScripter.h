@@ -1,12 +1,11 @@
 #pragma once
 
 #include "Export/KNDatabaseScripter.h"
-#include "Export/MSSQLScriptBatches.h"
+#include "Export/MSSQLObjectScript.h"
+#include "Export/MSSQLScriptOrder.h"
+#include "Export/MSSQLScriptParts.h"
 
-#include <QMultiHash>
-
-/// Makes scripts of the objects of a SQL Server database. The order is: drops, schemas, types, then tables,
-/// functions, views and procedures so that each follows what it names, rows, foreign keys, triggers.
+/// Makes scripts of the objects of a SQL Server database.
 class MSSQLDatabaseScripter : public KNDatabaseScripter
 {
 public:
@@ -16,32 +15,21 @@ public:
     {
     }
 
+    QString languageName() const override { return QStringLiteral("SQL Server"); }
     QList<KNScriptObject> objects(KNError *error) override;
     QList<KNScriptPart> parts(const QList<KNScriptObject> &objects, const KNScriptOptions &options,
-                              KNError *error) override;
-
-    /// The objects with each behind those that it depends on; a cycle keeps the given order. `dependencies`
-    /// holds, by display name, those of the objects that the text of one names. Pure.
-    static QList<KNScriptObject> ordered(const QList<KNScriptObject> &objects,
-                                         const QMultiHash<QString, QString> &dependencies);
+                              const KNScriptControl &control, KNError *error) override;
 
 private:
-    /// An object with the batches of its creation script.
-    struct Scripted
-    {
-        KNScriptObject object;
-        QList<MSSQLScriptBatches::Batch> batches;
-    };
-
-    QMultiHash<QString, QString> dependencies(KNError *error) const;
-    QList<Scripted> script(const QList<KNScriptObject> &objects, KNError *error) const;
-    QString creationScript(const KNScriptObject &object, KNError *error) const;
-    static QList<KNScriptPart> dropParts(const QList<Scripted> &scripted);
-    static QList<KNScriptPart> schemaParts(const QList<Scripted> &scripted);
-    QList<KNScriptPart> serverParts(const QList<Scripted> &scripted, const KNScriptOptions &options) const;
+    KNError addTypes(const char *kind, const char *filter, QList<KNScriptObject> *objects) const;
+    MSSQLScriptOrder::Dependencies dependencies(KNError *error) const;
+    QList<MSSQLObjectScript> scripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
+                                     KNError *error) const;
+    MSSQLScriptParts::Additions additions(const KNScriptOptions &options, KNError *error) const;
+    QList<KNScriptPart> rowParts(const QList<KNScriptObject> &objects) const;
+    QList<KNScriptPart> orderedRowParts(const QList<KNScriptObject> &objects, KNError *error) const;
     QList<KNScriptPart> mySQLParts(const QList<KNScriptObject> &objects,
                                    const KNScriptOptions &options) const;
-    KNScriptPart rowsPart(const KNScriptObject &table) const;
 
     const std::shared_ptr<const VantorDBC> m_details;
 };

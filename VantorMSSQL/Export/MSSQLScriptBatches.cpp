@@ -79,9 +79,22 @@ MSSQLScriptBatches::Kind kindOf(const QList<SQLToken> &words, QString *name)
         *name = nameAt(words, constraint + 1);
         return MSSQLScriptBatches::Kind::ForeignKey;
     }
-    const bool isSwitch = is(words, constraint - 1, "CHECK") || is(words, constraint - 1, "NOCHECK");
-    return isSwitch || indexOf(words, "FOREIGN") > 0 ? MSSQLScriptBatches::Kind::ForeignKey
-                                                     : MSSQLScriptBatches::Kind::Object;
+    if (is(words, constraint + 2, "CHECK")) {
+        *name = nameAt(words, constraint + 1);
+        return MSSQLScriptBatches::Kind::Check;
+    }
+    if (is(words, indexOf(words, "ADD") + 1, "CHECK"))
+        return MSSQLScriptBatches::Kind::Check;
+    return indexOf(words, "FOREIGN") > 0 ? MSSQLScriptBatches::Kind::ForeignKey
+                                         : MSSQLScriptBatches::Kind::Object;
+}
+
+/// Whether the batch switches a constraint off or on, which does not say its kind.
+bool isConstraintSwitch(const QList<SQLToken> &words)
+{
+    const qsizetype constraint = indexOf(words, "CONSTRAINT");
+    return is(words, 0, "ALTER") && is(words, 1, "TABLE") && constraint > 0 &&
+           (is(words, constraint - 1, "CHECK") || is(words, constraint - 1, "NOCHECK"));
 }
 
 } // namespace
@@ -98,7 +111,8 @@ MSSQLScriptBatches::MSSQLScriptBatches(const QString &script)
             continue;
         }
         QString name;
-        const auto kind = kindOf(words, &name);
+        const bool followsItsConstraint = isConstraintSwitch(words) && !m_batches.isEmpty();
+        const Kind kind = followsItsConstraint ? m_batches.last().kind : kindOf(words, &name);
         m_batches.append({kind, settings, batch.targetQuery, name});
         settings.clear();
     }

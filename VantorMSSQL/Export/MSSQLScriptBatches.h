@@ -11,7 +11,8 @@ public:
     enum class Kind {
         Object,     ///< the object itself, and whatever is none of the others
         Index,      ///< of a table or view; constraints with indexes are none
-        ForeignKey, ///< also statements that switch constraints on and off
+        Check,      ///< a constraint; also the statement that switches it off
+        ForeignKey, ///< also the statement that switches it off
         Trigger,
     };
     struct Batch
@@ -19,7 +20,7 @@ public:
         Kind kind;
         QString settings; ///< batches of SET statements before it, each with its GO; may be empty
         QString text;     ///< without GO
-        QString name;     ///< of the index, foreign key or trigger, without quotes; null if it is not known
+        QString name;     ///< of the index, constraint or trigger, without quotes; null if it is not known
 
         /// The batches as a script.
         QString script() const;

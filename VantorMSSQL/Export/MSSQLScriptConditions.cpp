@@ -1,7 +1,10 @@
 #include "Export/MSSQLScriptConditions.h"
 
+#include "Export/MSSQLScriptKind.h"
+#include "Export/MSSQLScriptStub.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Scripts/MSSQLModuleHeader.h"
 
 namespace {
 
@@ -22,29 +25,23 @@ QString pathOf(const KNScriptObject &object)
     return pathOf(object.schema, object.name);
 }
 
-QString dropVerbOf(const KNScriptObject &object)
-{
-    if (object.hasRows)
-        return QStringLiteral("TABLE");
-    for (const char *const kind : {"FUNCTION", "PROCEDURE", "TYPE"}) {
-        if (object.kind.contains(QLatin1String(kind)))
-            return QString::fromLatin1(kind);
-    }
-    return QStringLiteral("VIEW");
-}
-
 QString isMissing(const KNScriptObject &object)
 {
-    return object.kind == QLatin1String("TYPE")
+    return object.kind.endsWith(QLatin1String("TYPE"))
                ? KNFormat("TYPE_ID(%@) IS NULL", unicodeLiteral(pathOf(object)))
                : KNFormat("OBJECT_ID(%@) IS NULL", unicodeLiteral(pathOf(object)));
+}
+
+/// Whether the batch belongs to the statement that creates the object.
+bool isOfObject(const MSSQLScriptBatches::Batch &batch)
+{
+    return batch.kind == MSSQLScriptBatches::Kind::Object ||
+           (batch.kind == MSSQLScriptBatches::Kind::Check && batch.name.isEmpty());
 }
 
 /// The condition under which a batch has something to do; null if it always runs.
 QString conditionOf(const KNScriptObject &object, const MSSQLScriptBatches::Batch &batch)
 {
-    if (batch.kind == MSSQLScriptBatches::Kind::Object)
-        return isMissing(object);
     if (batch.name.isEmpty())
         return {};
     if (batch.kind == MSSQLScriptBatches::Kind::Index)
@@ -53,25 +50,68 @@ QString conditionOf(const KNScriptObject &object, const MSSQLScriptBatches::Batc
     return KNFormat("OBJECT_ID(%@) IS NULL", unicodeLiteral(pathOf(object.schema, batch.name)));
 }
 
+/// The texts run under the condition. Many of them must be the only statement of their batch.
+QString conditional(const QString &condition, const QString &settings, const QStringList &texts)
+{
+    QString statement = KNFormat("%@IF %@\r\n", settings.isNull() ? QStringLiteral("") : settings, condition);
+    const bool isBlock = texts.size() > 1;
+    if (isBlock)
+        statement += QLatin1String("BEGIN\r\n");
+    for (const QString &text : texts)
+        statement += KNFormat("\tEXEC(%@)\r\n", unicodeLiteral(text));
+    return statement + (isBlock ? QLatin1String("END\r\nGO\r\n") : QLatin1String("GO\r\n"));
+}
+
 } // namespace
 
 QString MSSQLScriptConditions::script(const KNScriptObject &object,
-                                      const MSSQLScriptBatches::Batch &batch) const
+                                      const QList<MSSQLScriptBatches::Batch> &batches) const
 {
-    const QString condition = m_ifNotExists ? conditionOf(object, batch) : QString();
-    if (condition.isNull())
-        return batch.script();
-    // Many of the statements must be the only one of their batch.
-    MSSQLScriptBatches::Batch conditional = batch;
-    conditional.text = KNFormat("IF %@\r\n\tEXEC(%@)", condition, unicodeLiteral(batch.text));
-    return conditional.script();
+    return scriptIf(isMissing(object), object, batches);
+}
+
+QString MSSQLScriptConditions::scriptOfStub(const KNScriptObject &object,
+                                            const QList<MSSQLScriptBatches::Batch> &batches) const
+{
+    QList<MSSQLScriptBatches::Batch> altering = batches;
+    for (MSSQLScriptBatches::Batch &batch : altering)
+        batch.text = MSSQLModuleHeader::altering(batch.text);
+    return scriptIf(MSSQLScriptStub::condition(unicodeLiteral(pathOf(object))), object, altering);
+}
+
+QString MSSQLScriptConditions::statement(const MSSQLScriptStatements::Statement &statement) const
+{
+    if (m_ifNotExists && !statement.condition.isEmpty())
+        return conditional(statement.condition, statement.settings, {statement.text});
+    const MSSQLScriptBatches::Batch batch{
+        MSSQLScriptBatches::Kind::Object, statement.settings, statement.text, {}};
+    return batch.script();
+}
+
+QString MSSQLScriptConditions::scriptIf(const QString &objectCondition, const KNScriptObject &object,
+                                        const QList<MSSQLScriptBatches::Batch> &batches) const
+{
+    QString script;
+    QString settings;
+    QStringList ofObject;
+    for (const MSSQLScriptBatches::Batch &batch : batches) {
+        if (m_ifNotExists && isOfObject(batch)) {
+            settings += batch.settings;
+            ofObject.append(batch.text);
+            continue;
+        }
+        const QString condition = m_ifNotExists ? conditionOf(object, batch) : QString();
+        script += condition.isNull() ? batch.script() : conditional(condition, batch.settings, {batch.text});
+    }
+    return ofObject.isEmpty() ? script : conditional(objectCondition, settings, ofObject) + script;
 }
 
 QString MSSQLScriptConditions::drop(const KNScriptObject &object)
 {
     const QString exists =
         isMissing(object).replace(QLatin1String(" IS NULL"), QLatin1String(" IS NOT NULL"));
-    return KNFormat("IF %@\r\n\tDROP %@ %@\r\nGO\r\n", exists, dropVerbOf(object), pathOf(object));
+    return KNFormat("IF %@\r\n\tDROP %@ %@\r\nGO\r\n", exists, MSSQLScriptKind::dropWord(object),
+                    pathOf(object));
 }
 
 QString MSSQLScriptConditions::dropForeignKey(const KNScriptObject &table, const QString &name)

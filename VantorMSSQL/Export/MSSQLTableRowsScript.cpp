@@ -1,10 +1,10 @@
 #include "Export/MSSQLTableRowsScript.h"
 
 #include "Export/DeviceWriter.h"
+#include "Export/MSSQLCellLiteral.h"
 #include "Export/ResultStream.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
-#include "Implementations/MSSQLQuoting.h"
 
 #include <algorithm>
 
@@ -36,8 +36,10 @@ QString selected(const MSSQLColumnRecord &column)
 class InsertStatements : public DeviceWriter
 {
 public:
-    InsertStatements(QIODevice &device, const QString &path, const QList<MSSQLColumnRecord> &columns)
+    InsertStatements(QIODevice &device, const QString &path, const QList<MSSQLColumnRecord> &columns,
+                     const KNScriptControl &control)
         : DeviceWriter(device)
+        , m_control(control)
         , m_path(path.toUtf8())
     {
         QStringList names;
@@ -55,18 +57,21 @@ public:
         if (m_count == 0)
             switchIdentity("ON");
         const bool isFirst = m_count % MSSQLTableRowsScript::RowsPerStatement == 0;
-        if (isFirst && m_count > 0)
+        if (isFirst && m_count > 0) {
             write(";\r\nGO\r\n");
-        write(isFirst ? m_head : QByteArrayLiteral(",\r\n"));
-        QByteArray row = "(";
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            if (i > 0)
-                row += ", ";
-            const QByteArray &cast = m_casts[static_cast<qsizetype>(i)];
-            const QByteArray value = MSSQLQuoting::literal(cells[i].storedValue()).toUtf8();
-            row += cast.isEmpty() ? value : "CAST(" + value + cast;
+            m_control.reportRows(MSSQLTableRowsScript::RowsPerStatement);
         }
-        write(row + ')');
+        KNByteBuffer &text = buffer();
+        text.append(isFirst ? QByteArrayView(m_head) : QByteArrayView(",\r\n"));
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const QByteArray &cast = m_casts[static_cast<qsizetype>(i)];
+            text.append(i == 0 ? QByteArrayView("(") : QByteArrayView(", "));
+            text.append(cast.isEmpty() ? QByteArrayView() : QByteArrayView("CAST("));
+            MSSQLCellLiteral::append(text, cells[i]);
+            text.append(cast);
+        }
+        text.append(')');
+        flushLargePiece();
         ++m_count;
     }
     void endResult() override
@@ -74,6 +79,7 @@ public:
         if (m_count > 0) {
             write(";\r\nGO\r\n");
             switchIdentity("OFF");
+            m_control.reportRows((m_count - 1) % MSSQLTableRowsScript::RowsPerStatement + 1);
         }
         flush();
     }
@@ -85,6 +91,7 @@ private:
             write("SET IDENTITY_INSERT " + m_path + ' ' + state + "\r\nGO\r\n");
     }
 
+    const KNScriptControl &m_control;
     const QByteArray m_path;
     QByteArray m_head;
     QList<QByteArray> m_casts; ///< what closes the CAST of a column; empty without one
@@ -107,7 +114,7 @@ bool MSSQLTableRowsScript::isInserted(const MSSQLColumnRecord &column)
     return column.isIdentity || column.isWritable();
 }
 
-KNError MSSQLTableRowsScript::write(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const
+KNError MSSQLTableRowsScript::write(QIODevice &device, const KNScriptControl &control) const
 {
     KNError error;
     auto columns =
@@ -128,6 +135,6 @@ KNError MSSQLTableRowsScript::write(QIODevice &device, const KNRowStream::IsCanc
     QString query = KNFormat("SELECT %@ FROM %@", expressions.join(QStringLiteral(", ")), path);
     if (!keys.isEmpty())
         query += KNFormat(" ORDER BY %@", keys.join(QStringLiteral(", ")));
-    InsertStatements statements(device, path, columns);
-    return ResultStream::write(m_details, query, statements, isCancelled);
+    InsertStatements statements(device, path, columns, control);
+    return ResultStream::write(m_details, query, statements, control.isCancelled);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "Catalog/MSSQLColumnRecord.h"
-#include "Database/KNRowStream.h"
-
-class QIODevice;
+#include "Export/KNDatabaseScripter.h"
 
 /// The rows of a table as INSERT statements of 500 rows each, in the order of the primary key. Blocks on the
 /// server.
@@ -16,7 +14,7 @@ public:
     MSSQLTableRowsScript(const VantorDBC &details, const QString &schema, const QString &table);
 
     /// Writes nothing for an empty table. The caller checks whether the device took everything.
-    KNError write(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const;
+    KNError write(QIODevice &device, const KNScriptControl &control) const;
 
     /// Whether an INSERT can set the column: its value is neither computed nor the server's.
     static bool isInserted(const MSSQLColumnRecord &column);

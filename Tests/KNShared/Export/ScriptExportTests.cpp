@@ -15,8 +15,9 @@ namespace {
 
 KNScriptPart part(const QString &name, const QByteArray &text)
 {
-    return {name, name, [text](QIODevice &device, const KNRowStream::IsCancelled &) {
+    return {name, name, [text](QIODevice &device, const KNScriptControl &control) {
                 device.write(text);
+                control.reportRows(1);
                 return KNError();
             }};
 }
@@ -30,9 +31,12 @@ public:
     {
     }
 
+    QString languageName() const override { return QStringLiteral("Test"); }
     QList<KNScriptObject> objects(KNError *) override { return {}; }
-    QList<KNScriptPart> parts(const QList<KNScriptObject> &, const KNScriptOptions &, KNError *) override
+    QList<KNScriptPart> parts(const QList<KNScriptObject> &, const KNScriptOptions &,
+                              const KNScriptControl &control, KNError *) override
     {
+        control.reportObject(QStringLiteral("read"), 0, m_count);
         QList<KNScriptPart> parts;
         for (const char *const text : {"structure\n", "rows\n"}) {
             for (int table = 0; table < m_count; ++table)
@@ -74,12 +78,12 @@ TEST(ScriptExport, WritesMoreFilesThanMayBeOpen)
     const QTemporaryDir folder;
     ManyTables scripter(300);
     KNScriptExport scripts;
-    scripts.target = folder.filePath(QStringLiteral("scripts"));
-    scripts.isFolder = true;
+    scripts.path = folder.filePath(QStringLiteral("scripts"));
+    scripts.kind = KNScriptTarget::Kind::Folder;
     const OpenFileLimit limit(100);
     const KNError error = scripts.run(scripter, {}, {});
     EXPECT_FALSE(error) << error.localizedDescription().toStdString();
-    const QDir target(scripts.target);
+    const QDir target(scripts.path);
     EXPECT_EQ(target.entryList(QDir::Files).size(), 301);
     EXPECT_EQ(contentOf(target.filePath(QStringLiteral("0.sql"))), "structure\nrows\n");
     EXPECT_EQ(contentOf(target.filePath(QStringLiteral("299.sql"))), "structure\nrows\n");
@@ -91,9 +95,52 @@ TEST(ScriptExport, KeepsTheOrderOfPartsInOneFile)
     const QTemporaryDir folder;
     ManyTables scripter(2);
     KNScriptExport scripts;
-    scripts.target = folder.filePath(QStringLiteral("all.sql"));
+    scripts.path = folder.filePath(QStringLiteral("all.sql"));
     EXPECT_FALSE(scripts.run(scripter, {}, {}));
-    EXPECT_EQ(contentOf(scripts.target), "structure\nstructure\nrows\nrows\n");
+    EXPECT_EQ(contentOf(scripts.path), "structure\nstructure\nrows\nrows\n");
+}
+
+TEST(ScriptExport, ReportsObjectsPartsAndRows)
+{
+    const QTemporaryDir folder;
+    ManyTables scripter(2);
+    KNScriptExport scripts;
+    scripts.path = folder.filePath(QStringLiteral("all.sql"));
+    QStringList states;
+    const auto record = [&](const KNScriptProgress &state) {
+        states.append(
+            QStringLiteral("%1 %2 %3/%4 %5")
+                .arg(state.isWriting ? QStringLiteral("write") : QStringLiteral("read"), state.title)
+                .arg(state.done)
+                .arg(state.count)
+                .arg(state.rows));
+    };
+    EXPECT_FALSE(scripts.run(scripter, record, {}));
+    EXPECT_EQ(states.first(), QStringLiteral("read read 0/2 0"));
+    EXPECT_EQ(states.last(), QStringLiteral("write 1 3/4 4"));
+}
+
+TEST(ScriptExport, StopsAfterACancellationAndKeepsTheOldFile)
+{
+    const QTemporaryDir folder;
+    ManyTables scripter(2);
+    for (const auto kind :
+         {KNScriptTarget::Kind::File, KNScriptTarget::Kind::GzipFile, KNScriptTarget::Kind::ZipFile}) {
+        KNScriptExport scripts;
+        scripts.path = folder.filePath(QStringLiteral("all"));
+        scripts.kind = kind;
+        QFile old(scripts.path);
+        ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+        old.write("old");
+        old.close();
+        int rows = 0;
+        const auto count = [&](const KNScriptProgress &state) { rows = static_cast<int>(state.rows); };
+        EXPECT_FALSE(scripts.run(scripter, count, [&] { return rows > 1; }));
+        EXPECT_EQ(rows, 2);
+        EXPECT_EQ(contentOf(scripts.path), "old");
+        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+                  QStringList{QStringLiteral("all")});
+    }
 }
 
 } // namespace ScriptExportTests

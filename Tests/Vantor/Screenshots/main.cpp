@@ -18,6 +18,7 @@
 #include "Recent/SQLRecentConnectionList.h"
 #include "RowEditing/MSSQLEditRowHelper.h"
 #include "Screenshot.h"
+#include "ScriptScreenshots.h"
 #include "Support/SampleServerFixture.h"
 #include "UI/Connecting/ConnectionWindowController.h"
 #include "UI/Connecting/KNLoginWindowController.h"
@@ -296,6 +297,7 @@ void showOtherWindows(MainWindow &window, const QString &folder)
     showDesigner(window, folder);
     showRowForm(window, folder);
     showImport(window, folder);
+    showScripts(window, folder);
     PreferencesDialog preferences(MSSQLUserInterface().preferences(), &window,
                                   KNSnippetStore::forSettings(*window.databaseConnectionDetails()));
     preferences.show();

@@ -157,6 +157,10 @@ QList<CatalogQuestion> databaseQuestions()
                                      question("Script_TableSizes")};
     for (CatalogQuestion &question : questions)
         question.database = QStringLiteral("library");
+    for (const char *const title : {"List_ForeignKeysForScripts", "List_ExtendedPropertyStatements",
+                                    "List_PermissionStatements", "List_ViewTriggerStatements"})
+        questions += question(title);
+    questions += question("TableType_CreationQuery", {{"TABLE_SCHEMA", "sales"}, {"TABLE_NAME", "LineList"}});
     return questions;
 }
 

@@ -139,23 +139,3 @@ TEST_F(ExportAction, WritesATableAsCsv)
     EXPECT_EQ(m_alerts.errors.size(), 1u);
     EXPECT_EQ(content(), QStringLiteral("old"));
 }
-
-TEST_F(ExportAction, GeneratesTheScriptOfADatabaseOrATable)
-{
-    m_alerts.answer = 1; // structure and rows
-    perform("generateScripts:", m_workspace.selected);
-    ASSERT_TRUE(sheetEnded());
-    EXPECT_EQ(m_alerts.questions.front().title, QStringLiteral("Generate a script of 'library'?"));
-    EXPECT_TRUE(content().contains(QStringLiteral("CREATE TABLE [dbo].[Books] (")));
-    EXPECT_TRUE(content().contains(QStringLiteral("INSERT INTO [dbo].[Books] (")));
-    EXPECT_EQ(m_fileManager.files, QStringList{file()});
-    m_alerts.answer = 0; // structure only
-    perform("generateScripts:", entry({"library", "Tables", "Authors"}));
-    ASSERT_TRUE(sheetEnded());
-    EXPECT_TRUE(content().contains(QStringLiteral("CREATE TABLE [dbo].[Authors] (")));
-    EXPECT_FALSE(content().contains(QStringLiteral("[Books] (")));
-    EXPECT_FALSE(content().contains(QStringLiteral("INSERT INTO")));
-    m_alerts.answer = 2; // cancel
-    perform("generateScripts:", m_workspace.selected);
-    EXPECT_EQ(m_sheets.all.size(), 2u);
-}

@@ -36,7 +36,7 @@ QStringList orderOf(const QList<KNScriptObject> &objects, std::initializer_list<
         const QStringList pair = QString::fromLatin1(dependency).split(QLatin1Char('>'));
         named.insert(QStringLiteral("dbo.") + pair[0], QStringLiteral("dbo.") + pair[1]);
     }
-    return namesOf(MSSQLDatabaseScripter::ordered(objects, named));
+    return namesOf(MSSQLScriptOrder(objects, named).objects());
 }
 
 } // namespace
@@ -65,6 +65,24 @@ TEST(ScriptOrder, KeepsEveryObjectOfACycle)
               TreeTesting::list({"c", "b", "a"}));
 }
 
+TEST(ScriptOrder, TellsWhichObjectsOfACycleAreNamedBeforeTheyExist)
+{
+    const QList<KNScriptObject> objects = {scriptObject("VIEW", "a"), scriptObject("VIEW", "b"),
+                                           scriptObject("VIEW", "c")};
+    const MSSQLScriptOrder order(objects, {{QStringLiteral("dbo.a"), QStringLiteral("dbo.b")},
+                                           {QStringLiteral("dbo.b"), QStringLiteral("dbo.a")},
+                                           {QStringLiteral("dbo.c"), QStringLiteral("dbo.a")}});
+    EXPECT_EQ(order.late(), QSet<QString>{QStringLiteral("dbo.a")});
+}
+
+TEST(ScriptOrder, PutsAFunctionBeforeTheTableWhoseCheckCallsItAndThatItReads)
+{
+    EXPECT_EQ(orderOf({scriptObject("USER_TABLE", "t"), scriptObject("SQL_SCALAR_FUNCTION", "f"),
+                       scriptObject("VIEW", "v")},
+                      {"t>f", "f>v", "v>t"}),
+              TreeTesting::list({"f", "t", "v"}));
+}
+
 TEST(ScriptOrder, HasNoDeepRecursion)
 {
     QList<KNScriptObject> objects;
@@ -74,7 +92,7 @@ TEST(ScriptOrder, HasNoDeepRecursion)
         objects.append(scriptObject("VIEW", qPrintable(QString::number(i))));
         named.insert(QStringLiteral("dbo.%1").arg(i), QStringLiteral("dbo.%1").arg(i + 1));
     }
-    const auto ordered = MSSQLDatabaseScripter::ordered(objects, named);
+    const auto ordered = MSSQLScriptOrder(objects, named).objects();
     ASSERT_EQ(ordered.size(), Many);
     EXPECT_EQ(ordered.first().name, QString::number(Many - 1));
 }
@@ -95,8 +113,8 @@ TEST(ScriptBatches, AreKnownByWhatTheyMake)
     const auto &all = batches.all();
     ASSERT_EQ(all.size(), 8);
     const QList<std::pair<BatchKind, const char *>> expected = {
-        {BatchKind::Object, ""},     {BatchKind::Index, "i]x"}, {BatchKind::ForeignKey, "FK_t"},
-        {BatchKind::ForeignKey, ""}, {BatchKind::Object, ""},   {BatchKind::Trigger, "tr"},
+        {BatchKind::Object, ""},     {BatchKind::Index, "i]x"},  {BatchKind::ForeignKey, "FK_t"},
+        {BatchKind::ForeignKey, ""}, {BatchKind::Check, "CK_t"}, {BatchKind::Trigger, "tr"},
         {BatchKind::Trigger, ""},    {BatchKind::Index, ""}};
     for (qsizetype i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(all[i].kind, expected[i].first) << i;
@@ -112,9 +130,20 @@ TEST(ScriptConditions, LookForTheObjectFirst)
     options.ifNotExists = true;
     const KNScriptObject table = scriptObject("USER_TABLE", "it's");
     const MSSQLScriptBatches batches(QStringLiteral("CREATE TABLE [dbo].[it's] (i int)\r\nGO\r\n"));
-    EXPECT_EQ(MSSQLScriptConditions(options).script(table, batches.all().first()),
+    EXPECT_EQ(MSSQLScriptConditions(options).script(table, batches.all()),
               QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NULL\r\n"
                              "\tEXEC(N'CREATE TABLE [dbo].[it''s] (i int)')\r\nGO\r\n"));
+    const MSSQLScriptBatches several(QStringLiteral(
+        "CREATE TABLE [dbo].[it's] (i int)\r\nGO\r\nALTER TABLE [dbo].[it's] WITH CHECK ADD CHECK "
+        "([i]>(0))\r\nGO\r\nALTER TABLE [dbo].[it's] WITH CHECK ADD CONSTRAINT [CK] CHECK "
+        "([i]<(9))\r\nGO\r\n"));
+    EXPECT_EQ(MSSQLScriptConditions(options).script(table, several.all()),
+              QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NULL\r\nBEGIN\r\n"
+                             "\tEXEC(N'CREATE TABLE [dbo].[it''s] (i int)')\r\n"
+                             "\tEXEC(N'ALTER TABLE [dbo].[it''s] WITH CHECK ADD CHECK ([i]>(0))')\r\n"
+                             "END\r\nGO\r\nIF OBJECT_ID(N'[dbo].[CK]') IS NULL\r\n"
+                             "\tEXEC(N'ALTER TABLE [dbo].[it''s] WITH CHECK ADD CONSTRAINT [CK] CHECK "
+                             "([i]<(9))')\r\nGO\r\n"));
     EXPECT_EQ(
         MSSQLScriptConditions::drop(table),
         QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NOT NULL\r\n\tDROP TABLE [dbo].[it's]\r\nGO\r\n"));
@@ -150,8 +179,8 @@ protected:
         KNScriptExport scripts;
         scripts.objects = scripter.objects(&error);
         scripts.options = options;
-        scripts.target = target;
-        scripts.isFolder = isFolder;
+        scripts.path = target;
+        scripts.kind = isFolder ? KNScriptTarget::Kind::Folder : KNScriptTarget::Kind::File;
         return error ? error : scripts.run(scripter, {}, [this] { return isCancelled; });
     }
     static QString content(const QString &path)
@@ -180,6 +209,20 @@ TEST_F(Scripting, WritesForeignKeysBehindTheRows)
         << script.toStdString();
 }
 
+TEST_F(Scripting, LeavesOutChecksWithTheConstraints)
+{
+    server->answer("Table_CreationQuery",
+                   {{"CREATE TABLE [dbo].[a/b] (i int)\r\nGO\r\nALTER TABLE [dbo].[a/b] WITH CHECK ADD "
+                     "CONSTRAINT [CK] CHECK ([i]>(0))\r\nGO\r\nALTER TABLE [dbo].[a/b] NOCHECK CONSTRAINT "
+                     "[CK]\r\nGO\r\n"}});
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    EXPECT_EQ(content(path).count(QStringLiteral("CONSTRAINT [CK]")), 2);
+    options.constraints = false;
+    EXPECT_FALSE(run(path));
+    EXPECT_FALSE(content(path).contains(QStringLiteral("CONSTRAINT [CK]")));
+}
+
 TEST_F(Scripting, LeavesOutForeignKeysIfTheOptionsDo)
 {
     options.constraints = false;
@@ -191,20 +234,16 @@ TEST_F(Scripting, LeavesOutForeignKeysIfTheOptionsDo)
 
 TEST_F(Scripting, NamesAtItsHeadWhatItLeavesOut)
 {
-    server->answer(QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
-                   [](const QString &sql, KNError *) -> FakeCatalog::Rows {
-                       return sql.contains(QStringLiteral("is_table_type = 1"))
-                                  ? FakeCatalog::Rows{{"sales", "Line\nList"}}
-                                  : FakeCatalog::Rows{};
-                   });
+    server->answer("List_ExportableDatabaseEntries",
+                   {{"dbo.c", "sales", "Line\nList", "CLR_STORED_PROCEDURE"}});
     options.drops = true;
     const QString path = folder.filePath(QStringLiteral("a.sql"));
     EXPECT_FALSE(run(path));
     const QString script = content(path);
-    EXPECT_TRUE(script.startsWith(QStringLiteral("-- Not scripted: table type sales.Line")))
+    EXPECT_TRUE(script.startsWith(QStringLiteral("-- Not scripted: clr stored procedure sales.Line")))
         << script.toStdString();
     EXPECT_FALSE(script.section(QStringLiteral("\r\n"), 0, 0).contains(QLatin1Char('\n')));
-    EXPECT_FALSE(script.contains(QStringLiteral("DROP TYPE")));
+    EXPECT_FALSE(script.contains(QStringLiteral("DROP PROCEDURE")));
 }
 
 TEST_F(Scripting, DropsForeignKeysBeforeTables)
@@ -244,11 +283,127 @@ TEST_F(Scripting, LeavesTheOldFileAfterAFailureOrACancellation)
     EXPECT_EQ(content(path), QStringLiteral("old"));
 }
 
+TEST_F(Scripting, CreatesAStubForAViewThatIsNamedBeforeItExists)
+{
+    server->answer("List_ExportableDatabaseEntries",
+                   {{"dbo.a", "dbo", "a", "VIEW"}, {"dbo.b", "dbo", "b", "VIEW"}});
+    server->answer("List_ObjectDependencies", {{"dbo", "a", "dbo", "b"}, {"dbo", "b", "dbo", "a"}});
+    server->answer(QStringLiteral("View_AlterQuery"), [](const QString &sql, KNError *) -> FakeCatalog::Rows {
+        const bool isA = sql.contains(QStringLiteral("'a'"));
+        return {{1, 1,
+                 isA ? "CREATE VIEW dbo.a AS SELECT id FROM dbo.b"
+                     : "CREATE VIEW dbo.b AS SELECT id FROM dbo.a"}};
+    });
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    const QString script = content(path);
+    const qsizetype stub = script.indexOf(QStringLiteral(
+        "CREATE VIEW [dbo].[a] AS\r\n/* A stub: the definition follows. */\r\nSELECT CAST(NULL AS int) "
+        "AS [id], CAST(NULL AS nvarchar(10)) AS [name]\r\nGO\r\n"));
+    const qsizetype other = script.indexOf(QStringLiteral("CREATE VIEW dbo.b AS SELECT id FROM dbo.a"));
+    const qsizetype itself = script.indexOf(QStringLiteral("ALTER VIEW dbo.a AS SELECT id FROM dbo.b"));
+    EXPECT_TRUE(stub >= 0 && stub < other && other < itself) << script.toStdString();
+    options.ifNotExists = true;
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(content(path).contains(
+        QStringLiteral("IF OBJECT_DEFINITION(OBJECT_ID(N'[dbo].[a]')) LIKE N'%A stub: the definition "
+                       "follows.%'\r\n\tEXEC(N'ALTER VIEW dbo.a AS SELECT id FROM dbo.b')\r\nGO\r\n")))
+        << content(path).toStdString();
+}
+
+TEST_F(Scripting, InsertsRowsInTheOrderOfForeignKeys)
+{
+    server->answer("List_ExportableDatabaseEntries", {{"dbo.a", "dbo", "a", "USER_TABLE"},
+                                                      {"dbo.b", "dbo", "b", "USER_TABLE"},
+                                                      {"dbo.c", "dbo", "c", "USER_TABLE"}});
+    server->answer("List_ForeignKeysForScripts", {{"dbo", "a", "FK_ab", "dbo", "b", 0, 0},
+                                                  {"dbo", "b", "FK_self", "dbo", "b", 0, 1},
+                                                  {"dbo", "b", "FK_off", "dbo", "a", 1, 1}});
+    options.data = true;
+    options.schema = false;
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path, true));
+    EXPECT_EQ(
+        content(path + QStringLiteral("/_run_all.sql")),
+        QStringLiteral(":r \"_KeysOff.sql\"\r\n:r \"dbo.b.sql\"\r\n:r \"dbo.a.sql\"\r\n:r \"dbo.c.sql\"\r\n"
+                       ":r \"_KeysOn.sql\"\r\n"));
+    EXPECT_EQ(content(path + QStringLiteral("/_KeysOff.sql")),
+              QStringLiteral("ALTER TABLE [dbo].[b] NOCHECK CONSTRAINT [FK_self]\r\nGO\r\n"));
+    EXPECT_EQ(content(path + QStringLiteral("/_KeysOn.sql")),
+              QStringLiteral("ALTER TABLE [dbo].[b] WITH NOCHECK CHECK CONSTRAINT [FK_self]\r\nGO\r\n"));
+}
+
+TEST_F(Scripting, WritesTableTypesBeforeTables)
+{
+    server->answer(QStringLiteral("List_UserTypesByTypeInDatabase_NonSystem"),
+                   [](const QString &sql, KNError *) -> FakeCatalog::Rows {
+                       return sql.contains(QStringLiteral("is_table_type = 1"))
+                                  ? FakeCatalog::Rows{{"sales", "Lines"}}
+                                  : FakeCatalog::Rows{};
+                   });
+    server->answer("TableType_CreationQuery",
+                   {{0, 1, "[a] int NOT NULL", nullptr, nullptr, 0},
+                    {0, 2, "[b] nvarchar(10) NULL DEFAULT (N'')", nullptr, nullptr, 0},
+                    {1, 1, "PRIMARY KEY CLUSTERED", "[a] ASC", " WITH (IGNORE_DUP_KEY = ON)", 0},
+                    {1, 1, "PRIMARY KEY CLUSTERED", "[b] DESC", " WITH (IGNORE_DUP_KEY = ON)", 0},
+                    {2, 0, "CHECK ([a]>(0))", nullptr, nullptr, 0}});
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    const QString type = QStringLiteral("CREATE TYPE [sales].[Lines] AS TABLE (\r\n\t[a] int NOT "
+                                        "NULL,\r\n\t[b] nvarchar(10) NULL DEFAULT (N''),\r\n"
+                                        "\tPRIMARY KEY CLUSTERED ([a] ASC, [b] DESC) WITH (IGNORE_DUP_KEY = "
+                                        "ON),\r\n\tCHECK ([a]>(0))\r\n)\r\nGO\r\n");
+    EXPECT_TRUE(content(path).contains(type)) << content(path).toStdString();
+    EXPECT_LT(content(path).indexOf(type), content(path).indexOf(QStringLiteral("CREATE TABLE")));
+    options.drops = true;
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(content(path).contains(QStringLiteral(
+        "IF TYPE_ID(N'[sales].[Lines]') IS NOT NULL\r\n\tDROP TYPE [sales].[Lines]\r\nGO\r\n")));
+}
+
+TEST_F(Scripting, WritesPropertiesPermissionsAndTriggersOfViewsLast)
+{
+    server->answer("List_ExtendedPropertyStatements",
+                   {{"OBJECT", "dbo", "a/b", "NOT EXISTS (SELECT 1)", "EXEC sp_addextendedproperty N'it''s'",
+                     nullptr, nullptr},
+                    {"OBJECT", "dbo", "a/b", nullptr, "EXEC of an index", "INDEX", nullptr},
+                    {"OBJECT", "dbo", "unknown", nullptr, "EXEC of another", nullptr, nullptr},
+                    {"SCHEMA", "dbo", "", nullptr, "EXEC of a schema", nullptr, nullptr}});
+    server->answer(
+        "List_PermissionStatements",
+        {{"OBJECT", "dbo", "a/b", nullptr, "GRANT SELECT ON OBJECT::[dbo].[a/b] TO [u]", nullptr, nullptr}});
+    server->answer("List_ViewTriggerStatements",
+                   {{"OBJECT", "dbo", "a/b", "OBJECT_ID(N'[dbo].[tr]') IS NULL", "CREATE TRIGGER dbo.tr",
+                     "TRIGGER", "SET ANSI_NULLS OFF\r\nGO\r\n"}});
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(content(path).endsWith(
+        QStringLiteral("SET ANSI_NULLS OFF\r\nGO\r\nCREATE TRIGGER dbo.tr\r\nGO\r\nEXEC of a schema\r\nGO\r\n"
+                       "EXEC sp_addextendedproperty N'it''s'\r\nGO\r\nEXEC of an index\r\nGO\r\n")))
+        << content(path).toStdString();
+    options.permissions = true;
+    options.indexes = false;
+    options.ifNotExists = true;
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(content(path).endsWith(
+        QStringLiteral("SET ANSI_NULLS OFF\r\nGO\r\nIF OBJECT_ID(N'[dbo].[tr]') IS NULL\r\n\tEXEC(N'CREATE "
+                       "TRIGGER dbo.tr')\r\nGO\r\n"
+                       "EXEC of a schema\r\nGO\r\nIF NOT EXISTS (SELECT 1)\r\n\tEXEC(N'EXEC "
+                       "sp_addextendedproperty N''it''''s''')"
+                       "\r\nGO\r\nGRANT SELECT ON OBJECT::[dbo].[a/b] TO [u]\r\nGO\r\n")))
+        << content(path).toStdString();
+    options.extendedProperties = false;
+    options.triggers = false;
+    EXPECT_FALSE(run(path));
+    EXPECT_FALSE(content(path).contains(QStringLiteral("EXEC of a schema")));
+    EXPECT_FALSE(content(path).contains(QStringLiteral("CREATE TRIGGER")));
+}
+
 TEST(ScriptFileNames, AreSafeAndDiffer)
 {
-    EXPECT_EQ(KNScriptExport::fileNameFor(QStringLiteral("dbo.Orders")), QStringLiteral("dbo.Orders.sql"));
-    EXPECT_EQ(KNScriptExport::fileNameFor(QStringLiteral("../etc/passwd")),
+    EXPECT_EQ(KNScriptTarget::fileNameFor(QStringLiteral("dbo.Orders")), QStringLiteral("dbo.Orders.sql"));
+    EXPECT_EQ(KNScriptTarget::fileNameFor(QStringLiteral("../etc/passwd")),
               QStringLiteral("..%002fetc%002fpasswd.sql"));
-    EXPECT_NE(KNScriptExport::fileNameFor(QStringLiteral("a%b")),
-              KNScriptExport::fileNameFor(QStringLiteral("a/b")));
+    EXPECT_NE(KNScriptTarget::fileNameFor(QStringLiteral("a%b")),
+              KNScriptTarget::fileNameFor(QStringLiteral("a/b")));
 }

@@ -4,6 +4,7 @@
 #include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Main/MainWindow.h"
 #include "Desktop/Main/RecentFiles.h"
+#include "Desktop/Scripts/ScriptActions.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 #include "UI/Icons/KNIcon.h"
 
@@ -37,6 +38,7 @@ MainWindowActions::MainWindowActions(MainWindow &window)
     makeEditMenu();
     makeQueryMenu();
     makeViewMenu();
+    makeToolsMenu();
     makeHelpMenu();
     makeToolBar();
     applyShortcuts();
@@ -269,6 +271,13 @@ void MainWindowActions::makeViewMenu()
         [this] { m_window.tabs()->showRecent(1); });
     add(menu, {"firstUsedTab", QT_TR_NOOP("Least Recently &Used Tab"), nullptr, {keys("Ctrl+Shift+Tab")}},
         [this] { m_window.tabs()->showRecent(-1); });
+}
+
+void MainWindowActions::makeToolsMenu()
+{
+    QMenu *const menu = m_window.menuBar()->addMenu(tr("&Tools"));
+    add(menu, {"generateScripts", QT_TR_NOOP("&Generate Scripts…"), nullptr, {}},
+        [this] { ScriptActions::generate(m_window, m_window.currentDocument()); });
 }
 
 void MainWindowActions::makeHelpMenu()

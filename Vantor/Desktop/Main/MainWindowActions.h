@@ -55,6 +55,7 @@ private:
     void makeTextMenu(QMenu *menu);
     void makeQueryMenu();
     void makeViewMenu();
+    void makeToolsMenu();
     void makeHelpMenu();
     void makeToolBar();
 

@@ -114,11 +114,9 @@ KNMenu MSSQLDatabaseTreeEntryDatabaseTable::additionalMenu()
                       {scriptAsMenuItem({{"SELECT to", script(Statement::Select)},
                                          {"INSERT to", script(Statement::Insert)},
                                          {"UPDATE to", script(Statement::Update)}})}};
-    if (!m_isView) {
-        const QString title = QStringLiteral("Export");
-        const KNMenuItem generate = actionItem("Generate Scripts…", "generateScripts:", shared_from_this());
-        additional.items.push_back(KNMenuItem::withSubmenu(title, {title, {generate}}));
-    }
+    const QString title = QStringLiteral("Export");
+    const KNMenuItem generate = actionItem("Generate Scripts…", "generateScripts:", shared_from_this());
+    additional.items.push_back(m_isView ? generate : KNMenuItem::withSubmenu(title, {title, {generate}}));
     return additional;
 }
 

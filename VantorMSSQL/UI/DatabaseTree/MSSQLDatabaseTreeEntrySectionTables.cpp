@@ -173,6 +173,13 @@ KNMenu MSSQLDatabaseTreeEntrySectionTables::menu()
              refreshMenuItem()}};
 }
 
+KNMenu MSSQLDatabaseTreeEntrySectionTables::additionalMenu()
+{
+    const QString title = QStringLiteral("Export");
+    const KNMenuItem generate = actionItem("Generate Scripts…", "generateScripts:", shared_from_this());
+    return {{}, {KNMenuItem::withSubmenu(title, {title, {generate}})}};
+}
+
 KNMenuItem MSSQLDatabaseTreeEntrySectionTables::createExportMenuItem() const
 {
     const QString title = QStringLiteral("Export");

@@ -20,6 +20,7 @@ public:
     void addTable(const QString &tableName, const QString &tableSchema);
 
 protected:
+    KNMenu additionalMenu() override;
     QString catalogQuery() override;
     Ptr entryForRow(const DatabaseResultSet &row) override;
     void readRows(DatabaseResultSet &rows, List *entries) override;

@@ -126,6 +126,11 @@ SELECT CAST(p.major_id AS int) AS id, CAST(p.minor_id AS smallint) AS smallid,
 FROM sys.[properties$] p
 WHERE p.class IN (0, 1)
 GO
+CREATE VIEW sys.sysprotects AS
+SELECT 0 AS id, CAST(0 AS smallint) AS uid, CAST(0 AS tinyint) AS action, CAST(205 AS tinyint) AS protecttype,
+    CAST(NULL AS varbinary(4000)) AS columns, CAST(1 AS smallint) AS grantor
+WHERE 1 = 0
+GO
 CREATE VIEW sys.sysdepends AS
 SELECT d.referencing_id AS id, d.referenced_id AS depid, CAST(1 AS smallint) AS number,
     CAST(0 AS smallint) AS depnumber

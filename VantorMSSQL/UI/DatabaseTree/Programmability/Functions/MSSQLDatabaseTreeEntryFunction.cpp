@@ -43,6 +43,11 @@ KNMenu MSSQLDatabaseTreeEntryFunction::menu()
          actionItem("Drop function", "confirmDropFunction:", shared_from_this())}};
 }
 
+KNMenu MSSQLDatabaseTreeEntryFunction::additionalMenu()
+{
+    return {{}, {actionItem("Generate Scripts…", "generateScripts:", shared_from_this())}};
+}
+
 KNMenuItem MSSQLDatabaseTreeEntryFunction::createScriptAsMenu() const
 {
     return scriptAsMenuItem(

@@ -19,6 +19,9 @@ public:
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;
 
+protected:
+    KNMenu additionalMenu() override;
+
 private:
     MSSQLScriptSubject scriptSubject() const;
     KNMenuItem createScriptAsMenu() const;

@@ -53,7 +53,8 @@ KNMenu MSSQLDatabaseTreeEntryStoredProcedure::additionalMenu()
     return {{},
             {scriptAsMenuItem({{"EXECUTE to", std::make_shared<MSSQLScriptStatementQueryLoader>(
                                                   MSSQLScriptStatementQueryLoader::Statement::Execute,
-                                                  schema(), procedureName())}})}};
+                                                  schema(), procedureName())}}),
+             actionItem("Generate Scripts…", "generateScripts:", shared_from_this())}};
 }
 
 MSSQLScriptSubject MSSQLDatabaseTreeEntryStoredProcedure::scriptSubject() const

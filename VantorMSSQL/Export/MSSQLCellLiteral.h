@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Database/KNByteBuffer.h"
+#include "Database/KNRowCell.h"
+
+/// Writes the literals of stored values in UTF-8, like MSSQLQuoting::literal(), without creating a QString. Any
+/// thread.
+namespace MSSQLCellLiteral {
+
+void append(KNByteBuffer &to, const KNRowCell &cell);
+
+} // namespace MSSQLCellLiteral

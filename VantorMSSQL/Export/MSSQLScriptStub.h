@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Export/KNDatabaseScripter.h"
+
+/// Stands for an object that others name before it can be created: its columns, but not its text. The object
+/// itself then alters the stub.
+namespace MSSQLScriptStub {
+
+/// Views and procedures have stubs.
+bool isPossible(const KNScriptObject &object);
+/// The statement that creates the stub. Blocks on the server.
+QString text(const KNScriptObject &object, const VantorDBC &details, KNError *error);
+/// The condition that the object is still a stub. Pure.
+QString condition(const QString &objectPath);
+
+} // namespace MSSQLScriptStub
