@@ -122,10 +122,10 @@ private:
     {
         if (m_folder.mkpath(QStringLiteral(".")))
             return true;
-        *error = KNError(QStringLiteral("com.quorvex.vantor.export"), 0,
-                         KNFormat(QCoreApplication::translate("KNScriptTarget",
-                                                              "The folder %@ could not be created."),
-                                  m_folder.path()));
+        *error = KNError(
+            QStringLiteral("com.quorvex.vantor.export"), 0,
+            KNFormat(QCoreApplication::translate("KNScriptTarget", "The folder %@ could not be created."),
+                     m_folder.path()));
         return false;
     }
 

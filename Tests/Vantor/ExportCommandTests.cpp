@@ -95,6 +95,25 @@ TEST_F(ExportCommand, ComesBackWithExtendedPropertiesAndTableTypes)
     EXPECT_TRUE(type > 0 && type < whole.indexOf("CREATE TABLE"));
 }
 
+TEST_F(ExportCommand, RunsTwiceWithKeysAndChecksThatTheServerNamed)
+{
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"
+                    "IF DB_ID('unnamed') IS NOT NULL DROP DATABASE unnamed\nGO\nCREATE DATABASE unnamed");
+    query("unnamed",
+          "CREATE TABLE dbo.a (id int NOT NULL PRIMARY KEY, other int NULL REFERENCES dbo.a (id))\nGO\n"
+          "CREATE TABLE dbo.b (id int NOT NULL CHECK (id > 0), x int NULL REFERENCES dbo.a (id), y int "
+          "NULL REFERENCES dbo.a (id))");
+    const QByteArray plain = exported("unnamed", {}).output;
+    for (const char *const option : {"--if-not-exists", "--drop"}) {
+        const QByteArray script = exported("unnamed", {option}).output;
+        for (int run = 0; run < 2; ++run) {
+            const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+            EXPECT_EQ(loaded.status, 0) << option << loaded.errors.toStdString();
+            EXPECT_EQ(exported("copied", {}).output, plain) << option << run;
+        }
+    }
+}
+
 TEST_F(ExportCommand, ComesBackWithViewsAndProceduresThatNameEachOther)
 {
     query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"

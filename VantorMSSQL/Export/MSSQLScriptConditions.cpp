@@ -94,15 +94,26 @@ QString MSSQLScriptConditions::scriptIf(const QString &objectCondition, const KN
     QString script;
     QString settings;
     QStringList ofObject;
+    QStringList unnamedKeys;
     for (const MSSQLScriptBatches::Batch &batch : batches) {
         if (m_ifNotExists && isOfObject(batch)) {
             settings += batch.settings;
             ofObject.append(batch.text);
             continue;
         }
+        if (m_ifNotExists && addsUnnamedForeignKey(batch)) {
+            unnamedKeys.append(batch.text);
+            continue;
+        }
         const QString condition = m_ifNotExists ? conditionOf(object, batch) : QString();
         script += condition.isNull() ? batch.script() : conditional(condition, batch.settings, {batch.text});
     }
+    // Before the named ones, which the table must not have yet.
+    if (!unnamedKeys.isEmpty())
+        script = conditional(KNFormat("OBJECTPROPERTY(OBJECT_ID(%@), N'TableHasForeignKey') = 0",
+                                      unicodeLiteral(pathOf(object))),
+                             {}, unnamedKeys) +
+                 script;
     return ofObject.isEmpty() ? script : conditional(objectCondition, settings, ofObject) + script;
 }
 
@@ -118,6 +129,22 @@ QString MSSQLScriptConditions::dropForeignKey(const KNScriptObject &table, const
 {
     return KNFormat("IF OBJECT_ID(%@) IS NOT NULL\r\n\tALTER TABLE %@ DROP CONSTRAINT %@\r\nGO\r\n",
                     unicodeLiteral(pathOf(table.schema, name)), pathOf(table), bracketed(name));
+}
+
+bool MSSQLScriptConditions::addsUnnamedForeignKey(const MSSQLScriptBatches::Batch &batch)
+{
+    return batch.kind == MSSQLScriptBatches::Kind::ForeignKey && batch.name.isEmpty() &&
+           batch.text.contains(QLatin1String("FOREIGN KEY"));
+}
+
+QString MSSQLScriptConditions::dropUnnamedForeignKeys(const KNScriptObject &table)
+{
+    return KNFormat("DECLARE @drop nvarchar(4000)\r\nSET @drop = N''\r\n"
+                    "SELECT @drop = @drop + N'ALTER TABLE %@ DROP CONSTRAINT ' + QUOTENAME(name) + N' '\r\n"
+                    "FROM sys.foreign_keys\r\n"
+                    "WHERE parent_object_id = OBJECT_ID(%@) AND is_system_named = 1\r\nEXEC(@drop)\r\nGO\r\n",
+                    pathOf(table).replace(QLatin1Char('\''), QLatin1String("''")),
+                    unicodeLiteral(pathOf(table)));
 }
 
 QString MSSQLScriptConditions::createSchema(const QString &schema)

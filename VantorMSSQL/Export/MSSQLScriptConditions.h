@@ -23,6 +23,10 @@ public:
 
     static QString drop(const KNScriptObject &object);
     static QString dropForeignKey(const KNScriptObject &table, const QString &name);
+    /// Drops the foreign keys of a table that the server named.
+    static QString dropUnnamedForeignKeys(const KNScriptObject &table);
+    /// Whether the batch adds such a key.
+    static bool addsUnnamedForeignKey(const MSSQLScriptBatches::Batch &batch);
     static QString createSchema(const QString &schema);
 
 private:

@@ -25,9 +25,9 @@ QList<KNScriptPart> MSSQLScriptParts::missing(const QList<KNScriptObject> &objec
         if (MSSQLScriptKind::isScriptable(object))
             continue;
         const QString kind = object.kind.toLower().replace(QLatin1Char('_'), QLatin1Char(' '));
-        parts.append(textPart(QStringLiteral("_NotScripted"), object,
-                              KNFormat("-- Not scripted: %@ %@\r\n", kind,
-                                       KNSQLComment::inOneLine(object.displayName()))));
+        parts.append(textPart(
+            QStringLiteral("_NotScripted"), object,
+            KNFormat("-- Not scripted: %@ %@\r\n", kind, KNSQLComment::inOneLine(object.displayName()))));
     }
     return parts;
 }
@@ -51,7 +51,8 @@ QList<KNScriptPart> MSSQLScriptParts::all(const QList<KNScriptPart> &rowParts) c
     if (m_options.constraints)
         parts += batches({BatchKind::ForeignKey}, ".ForeignKeys");
     if (m_options.triggers)
-        parts += batches({BatchKind::Trigger}, ".Triggers") + statements(m_additions.viewTriggers, ".Triggers");
+        parts +=
+            batches({BatchKind::Trigger}, ".Triggers") + statements(m_additions.viewTriggers, ".Triggers");
     if (m_options.extendedProperties)
         parts += statements(m_additions.extendedProperties, ".Properties");
     if (m_options.permissions)
@@ -65,6 +66,10 @@ QList<KNScriptPart> MSSQLScriptParts::drops() const
     const QString file = QStringLiteral("_Drops");
     QList<KNScriptPart> parts;
     for (const MSSQLObjectScript &each : m_scripts) {
+        if (std::any_of(each.batches.begin(), each.batches.end(),
+                        MSSQLScriptConditions::addsUnnamedForeignKey))
+            parts.append(
+                textPart(file, each.object, MSSQLScriptConditions::dropUnnamedForeignKeys(each.object)));
         for (const MSSQLScriptBatches::Batch &batch : each.batches) {
             if (batch.kind == MSSQLScriptBatches::Kind::ForeignKey && !batch.name.isEmpty())
                 parts.append(textPart(file, each.object,
@@ -160,8 +165,7 @@ QList<KNScriptPart> MSSQLScriptParts::statements(const MSSQLScriptStatements &st
         schemas.insert(schema);
         const QString text = ofSchema + textOf(statements.of(each.object));
         if (!text.isEmpty())
-            parts.append(
-                textPart(each.object.displayName() + QLatin1String(fileSuffix), each.object, text));
+            parts.append(textPart(each.object.displayName() + QLatin1String(fileSuffix), each.object, text));
     }
     return parts;
 }

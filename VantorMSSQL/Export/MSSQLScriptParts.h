@@ -3,8 +3,9 @@
 #include "Export/MSSQLObjectScript.h"
 #include "Export/MSSQLScriptStatements.h"
 
-/// Puts the scripts of objects into the order in which they can run: drops, schemas, types, stubs, the objects
-/// themselves, rows, indexes, foreign keys, triggers, extended properties, permissions. Pure; any thread.
+/// Puts the scripts of objects into the order in which they can run: drops, schemas, types, stubs, the
+/// objects themselves, rows, indexes, foreign keys, triggers, extended properties, permissions. Pure; any
+/// thread.
 class MSSQLScriptParts
 {
 public:

@@ -17,8 +17,7 @@ enum StatementColumn {
 
 } // namespace
 
-MSSQLScriptStatements MSSQLScriptStatements::read(const VantorDBC &details, const char *title,
-                                                  KNError *error)
+MSSQLScriptStatements MSSQLScriptStatements::read(const VantorDBC &details, const char *title, KNError *error)
 {
     MSSQLScriptStatements statements;
     *error = MSSQLCatalogReader::read(

@@ -28,8 +28,8 @@ bool MSSQLScriptStub::isPossible(const KNScriptObject &object)
 QString MSSQLScriptStub::text(const KNScriptObject &object, const VantorDBC &details, KNError *error)
 {
     *error = KNError();
-    const QString path = KNFormat("%@.%@", MSSQLObjectPath::bracketed(object.schema),
-                                  MSSQLObjectPath::bracketed(object.name));
+    const QString path =
+        KNFormat("%@.%@", MSSQLObjectPath::bracketed(object.schema), MSSQLObjectPath::bracketed(object.name));
     if (!MSSQLScriptKind::isView(object))
         return KNFormat("CREATE PROCEDURE %@ AS\r\n/* %@ */\r\nRETURN 0", path, StubMark);
     QStringList columns;

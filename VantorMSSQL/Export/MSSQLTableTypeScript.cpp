@@ -22,8 +22,8 @@ struct TableTypeItem
 
     QString text() const
     {
-        const QString list = columns.isEmpty() ? QStringLiteral("")
-                                               : KNFormat(" (%@)", columns.join(QStringLiteral(", ")));
+        const QString list =
+            columns.isEmpty() ? QStringLiteral("") : KNFormat(" (%@)", columns.join(QStringLiteral(", ")));
         return head + list + tail;
     }
 };

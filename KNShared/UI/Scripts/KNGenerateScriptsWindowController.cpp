@@ -106,8 +106,11 @@ void KNGenerateScriptsWindowController::showObjects(const QList<KNScriptObject> 
         m_status->setText(KNFormat(tr("The objects could not be read. %@"), error.localizedDescription()));
     // A small tree is shown whole, and of a selection what is in it.
     constexpr qsizetype FewObjects = 100;
-    if (objects.size() <= FewObjects || m_model->checkedCount() < m_model->objectCount())
+    const bool isSelection = m_model->checkedCount() < m_model->objectCount();
+    if (objects.size() <= FewObjects || isSelection)
         m_tree->expandAll();
+    if (isSelection)
+        m_tree->setCurrentIndex(m_model->firstChecked());
 }
 
 void KNGenerateScriptsWindowController::filter(const QString &text)
@@ -158,7 +161,7 @@ void KNGenerateScriptsWindowController::generate()
     const Target kind = m_options->target();
     const QString filter = kind == Target::ZipFile    ? tr("Zip files (*.zip)")
                            : kind == Target::GzipFile ? tr("Compressed SQL scripts (*.sql.gz)")
-                                                    : tr("SQL scripts (*.sql)");
+                                                      : tr("SQL scripts (*.sql)");
     const KNFilePanels::Request request{tr("Generate Scripts"), suggestedName(), {filter}};
     const auto chosen = [self = QPointer(this)](const QString &path) {
         if (self && !self->closed())

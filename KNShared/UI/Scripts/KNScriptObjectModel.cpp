@@ -64,6 +64,19 @@ QList<KNScriptObject> KNScriptObjectModel::checkedObjects() const
     return checked;
 }
 
+QModelIndex KNScriptObjectModel::firstChecked() const
+{
+    for (int row = 0; row < rowCount(); ++row) {
+        const QModelIndex parent = index(row, 0);
+        const Group &group = groupOf(parent);
+        for (qsizetype shown = 0; group.shownChecked > 0 && shown < group.shown.size(); ++shown) {
+            if (m_objects[static_cast<std::size_t>(group.shown[shown])].isChecked)
+                return index(static_cast<int>(shown), 0, parent);
+        }
+    }
+    return {};
+}
+
 QModelIndex KNScriptObjectModel::index(int row, int column, const QModelIndex &parent) const
 {
     if (!hasIndex(row, column, parent))

@@ -20,6 +20,8 @@ public:
     /// Shows the objects whose names contain the text; all for an empty one. What is checked stays checked.
     void setFilter(const QString &text);
     QList<KNScriptObject> checkedObjects() const;
+    /// The first checked object that is shown; invalid without one.
+    QModelIndex firstChecked() const;
     qsizetype checkedCount() const { return m_checkedCount; }
     qsizetype objectCount() const { return m_objects.size(); }
 

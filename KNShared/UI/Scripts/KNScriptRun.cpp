@@ -68,10 +68,9 @@ void KNScriptRun::start(QWidget *parent, const std::shared_ptr<const VantorDBC> 
         const KNError error = scripts.run(
             *scripter, [&](const KNScriptProgress &progress) { report->show(progress); },
             [&] { return isCancelled->load(); });
-        KNDispatch::mainQueue(
-            [sheet = std::move(sheet), isCancelled, error, finished = std::move(finished)] {
-                sheet->end();
-                finished(error, *isCancelled);
-            });
+        KNDispatch::mainQueue([sheet = std::move(sheet), isCancelled, error, finished = std::move(finished)] {
+            sheet->end();
+            finished(error, *isCancelled);
+        });
     });
 }

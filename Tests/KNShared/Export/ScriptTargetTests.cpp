@@ -68,7 +68,8 @@ protected:
         zip_file *const part = archive ? zip_fopen(archive, name, 0) : nullptr;
         EXPECT_NE(part, nullptr) << name;
         QByteArray bytes(2 << 20, '\0');
-        const zip_int64_t size = part ? zip_fread(part, bytes.data(), static_cast<zip_uint64_t>(bytes.size())) : 0;
+        const zip_int64_t size =
+            part ? zip_fread(part, bytes.data(), static_cast<zip_uint64_t>(bytes.size())) : 0;
         EXPECT_EQ(part ? zip_fclose(part) : -1, 0) << name;
         zip_discard(archive);
         return bytes.left(size);

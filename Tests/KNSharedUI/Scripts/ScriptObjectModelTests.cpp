@@ -31,11 +31,10 @@ class ScriptObjectModel : public testing::Test
 protected:
     ScriptObjectModel()
     {
-        m_model.setObjects({object("Tables", QStringLiteral("Orders")),
-                            object("Tables", QStringLiteral("OrderLines")),
-                            object("Tables", QStringLiteral("Books")),
-                            object("Views", QStringLiteral("OpenOrders"))},
-                           never);
+        m_model.setObjects(
+            {object("Tables", QStringLiteral("Orders")), object("Tables", QStringLiteral("OrderLines")),
+             object("Tables", QStringLiteral("Books")), object("Views", QStringLiteral("OpenOrders"))},
+            never);
     }
     bool check(const QModelIndex &index, Qt::CheckState state)
     {

@@ -33,8 +33,7 @@ TEST(CellLiteral, WritesBytesAndGuids)
 {
     EXPECT_EQ(literalOf(KNRowCell::Bytes, QByteArray("\x00\xAB", 2)), "0x00AB");
     EXPECT_EQ(literalOf(KNRowCell::Bytes, ""), "0x");
-    EXPECT_EQ(literalOf(KNRowCell::Guid,
-                        QByteArray::fromHex("FF19966F868B11D0B42D00C04FC964FF")),
+    EXPECT_EQ(literalOf(KNRowCell::Guid, QByteArray::fromHex("FF19966F868B11D0B42D00C04FC964FF")),
               "'6F9619FF-8B86-D011-B42D-00C04FC964FF'");
     EXPECT_EQ(literalOf(KNRowCell::True, ""), "1");
 }

@@ -64,6 +64,7 @@ TEST_F(GenerateScripts, ChecksWhatTheEntryOfTheTreeStandsFor)
     m_opened->reject();
     EXPECT_TRUE(WindowTesting::settle());
     EXPECT_EQ(checked(open({"library", "Tables", "Authors"})), QStringList{QStringLiteral("dbo.Authors")});
+    EXPECT_EQ(m_opened->tree()->currentIndex().data().toString(), QStringLiteral("dbo.Authors"));
 }
 
 TEST_F(GenerateScripts, WritesStructureAndRows)

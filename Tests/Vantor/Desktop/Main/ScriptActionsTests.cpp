@@ -18,7 +18,8 @@ KNGenerateScriptsWindowController *generate(MainWindow &window)
 
 TEST(ScriptActions, GenerateScriptsOfTheDatabaseOfTheCurrentQuery)
 {
-    const auto settings = DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("library"));
+    const auto settings =
+        DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("library"));
     auto *const window = new MainWindow(*settings);
     window->addQueryTab(*settings);
     auto *const scripts = generate(*window);
