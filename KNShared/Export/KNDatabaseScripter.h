@@ -48,10 +48,11 @@ struct KNScriptControl
 /// A part of a script, to run behind the parts before it.
 struct KNScriptPart
 {
-    QString name;  ///< of its file, without extension; parts of one object share it
+    QString name;  ///< of its file, without ".sql"; parts of one object share it
     QString title; ///< for display while it is written
     /// Writes UTF-8. The caller checks whether the device took everything. Blocks on the server.
     std::function<KNError(QIODevice &device, const KNScriptControl &control)> write;
+    bool isData = false; ///< no script: `name` has the extension, and the list of scripts leaves it out
 };
 
 /// Makes scripts of the objects of a database. Connectors subclass it. Blocks on the server: any thread

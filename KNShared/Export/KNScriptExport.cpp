@@ -71,13 +71,14 @@ KNError KNScriptExport::write(const QList<KNScriptPart> &parts, KNScriptControl 
             return {};
         state.title = part.title;
         report();
-        const QString fileName = KNScriptTarget::fileNameFor(part.name);
+        const QString fileName =
+            part.isData ? KNScriptTarget::safeName(part.name) : KNScriptTarget::fileNameFor(part.name);
         QIODevice *const device = target->deviceFor(fileName, &error);
         if (device)
             error = part.write(*device, control);
         if (error)
             return error;
-        if (fileNames.isEmpty() || fileNames.last() != fileName)
+        if (!part.isData && (fileNames.isEmpty() || fileNames.last() != fileName))
             fileNames.append(fileName);
         ++state.done;
     }

@@ -4,6 +4,11 @@ QString KNScriptOptions::reasonAgainst(Switch option) const
 {
     if (option == &KNScriptOptions::schema || option == &KNScriptOptions::data)
         return {};
+    if (option == &KNScriptOptions::csvRows) {
+        if (language == Language::MySQL)
+            return tr("For MySQL, rows are written as INSERT statements.");
+        return data ? QString() : tr("No rows are written.");
+    }
     if (!schema)
         return tr("Only rows are written.");
     if (language == Language::MySQL && option != &KNScriptOptions::drops)

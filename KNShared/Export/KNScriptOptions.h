@@ -26,6 +26,7 @@ public:
     bool triggers = true;
     bool permissions = false;
     bool extendedProperties = true;
+    bool csvRows = false; ///< rows as CSV files and scripts that load them; needs a file for each object
     Language language = Language::Server;
 
     /// Why this switch has no effect beside the other options; null if it has one.

@@ -197,12 +197,17 @@ KNScriptTarget::Kind KNScriptTarget::kindFor(const QString &path)
     return path.endsWith(QLatin1String(".gz"), Qt::CaseInsensitive) ? Kind::GzipFile : Kind::File;
 }
 
-QString KNScriptTarget::fileNameFor(const QString &name)
+QString KNScriptTarget::safeName(const QString &name)
 {
     QString safe;
     for (const QChar character : name) {
         const bool isPlain = character.isLetterOrNumber() || QStringView(u"._- ").contains(character);
         safe += isPlain ? QString(character) : KNFormat("%%%04x", character.unicode());
     }
-    return safe + QLatin1String(".sql");
+    return safe;
+}
+
+QString KNScriptTarget::fileNameFor(const QString &name)
+{
+    return safeName(name) + QLatin1String(".sql");
 }

@@ -25,6 +25,8 @@ public:
     static Kind kindFor(const QString &path);
     /// A file name for a part, such as "dbo.Orders.sql". Different names give different ones.
     static QString fileNameFor(const QString &name);
+    /// The name with only such characters as every file system allows.
+    static QString safeName(const QString &name);
 
     virtual ~KNScriptTarget();
 

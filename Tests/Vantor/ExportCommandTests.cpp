@@ -213,6 +213,42 @@ TEST_F(ExportCommand, LeavesOutPartsOfTheStructure)
     EXPECT_FALSE(exported("shop", {"--no-triggers"}).output.contains("CREATE TRIGGER"));
 }
 
+TEST_F(ExportCommand, WritesRowsAsCsvFilesWithScriptsThatLoadThem)
+{
+    query("master", "IF DB_ID('rows1') IS NOT NULL DROP DATABASE rows1\nGO\nCREATE DATABASE rows1");
+    query("rows1",
+          "CREATE TABLE dbo.t (id int IDENTITY PRIMARY KEY, name nvarchar(20) NULL, bytes varbinary(4) "
+          "NULL)\nGO\nINSERT INTO dbo.t (name, bytes) VALUES (N'', 0x0AFF), (NULL, NULL), (N'\\N', NULL), "
+          "(N'a\"b,c', NULL)");
+    const QString target = folder.filePath(utf16("csv/"));
+    const Outcome outcome = exported("rows1", {"--data", "--csv", "--to", qPrintable(target)});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
+    EXPECT_EQ(content(target + utf16("dbo.t.csv")),
+              "1,\"\",0x0AFF\n2,\\N,\\N\n3,\\\\N,\\N\n4,\"a\"\"b,c\",\\N\n");
+    EXPECT_EQ(content(target + utf16("_run_all.sql")), ":r \"dbo.t.sql\"\r\n:r \"dbo.t.Load.sql\"\r\n");
+    QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    EXPECT_TRUE(loading.startsWith(
+        "CREATE TABLE #Rows (\r\n\t[id] nvarchar(max) NULL,\r\n\t[name] nvarchar(max) NULL,\r\n\t[bytes] "
+        "nvarchar(max) NULL\r\n)\r\nGO\r\nBULK INSERT #Rows FROM N'$(DataFolder)dbo.t.csv' WITH (FORMAT = "
+        "'CSV', "
+        "CODEPAGE = '65001', ROWTERMINATOR = '0x0a')\r\nGO\r\nSET DATEFORMAT ymd\r\nSET IDENTITY_INSERT "
+        "[dbo].[t] ON\r\nINSERT INTO [dbo].[t] ([id], [name], [bytes])\r\nSELECT\r\n"))
+        << loading.toStdString();
+    // The sample server has no BULK INSERT: the rest of the script is tried with rows as it would load them.
+    const qsizetype bulk = loading.indexOf("BULK INSERT");
+    loading.replace(
+        bulk, loading.indexOf("SET DATEFORMAT") - bulk,
+        "INSERT INTO #Rows VALUES ('1', NULL, '0x0AFF'), ('2', '\\N', '\\N'), ('3', '\\\\N', '\\N'), "
+        "('4', 'a\"b,c', '\\N')\r\nGO\r\n");
+    const QByteArray before = query("rows1", "SELECT * FROM dbo.t ORDER BY id");
+    query("rows1", "DELETE FROM dbo.t");
+    const Outcome loaded = runIn("rows1", {utf16("query"), utf16("--file"), write(loading)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    EXPECT_EQ(query("rows1", "SELECT * FROM dbo.t ORDER BY id"), before);
+    EXPECT_EQ(exported("rows1", {"--data", "--csv"}).status, 2);
+    EXPECT_EQ(exported("rows1", {"--csv", "--to", qPrintable(target)}).status, 2);
+}
+
 TEST_F(ExportCommand, AFullDeviceIsAnError)
 {
     const Outcome outcome = exported("library", {"--data", "--to", "/dev/full"});

@@ -35,6 +35,7 @@ void addExportOptions(QCommandLineParser &parser)
         {exportText("no-triggers"), exportText("Leave out the triggers.")},
         {exportText("no-extended-properties"), exportText("Leave out the extended properties.")},
         {exportText("permissions"), exportText("Write the permissions of the objects, too.")},
+        {exportText("csv"), exportText("Write the rows as CSV files with scripts that load them.")},
         {exportText("mysql"), exportText("Write the tables for MySQL.")},
         {exportText("to"),
          exportText(
@@ -63,6 +64,7 @@ constexpr ExportSwitch ExportSwitches[] = {
     {"no-triggers", &KNScriptOptions::triggers},
     {"no-extended-properties", &KNScriptOptions::extendedProperties},
     {"permissions", &KNScriptOptions::permissions},
+    {"csv", &KNScriptOptions::csvRows},
 };
 
 KNScriptOptions scriptOptionsFrom(const QCommandLineParser &parser, KNError *error)
@@ -117,7 +119,11 @@ std::optional<ExportOptions> ExportOptions::parse(const QStringList &arguments, 
         options.target = parser.value(exportText("to"));
     if (*error)
         return std::nullopt;
-    if (positional.size() > 1)
+    const auto kind = KNScriptTarget::kindFor(options.target);
+    const bool isDivided = kind == KNScriptTarget::Kind::Folder || kind == KNScriptTarget::Kind::ZipFile;
+    if (options.scripts.csvRows && !isDivided)
+        *error = exportProblem(exportText("--csv needs a folder or a .zip file; name it with --to."));
+    else if (positional.size() > 1)
         *error = exportProblem(exportText("Only one database can be exported."));
     else if (!options.connection.namesServer())
         *error = exportProblem(exportText("--server or --sample is missing."));

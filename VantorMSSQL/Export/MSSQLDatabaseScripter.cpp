@@ -1,10 +1,11 @@
 #include "Export/MSSQLDatabaseScripter.h"
 
 #include "Catalog/MSSQLCatalogReader.h"
+#include "Export/KNScriptTarget.h"
 #include "Export/MSSQLRowOrder.h"
 #include "Export/MSSQLScriptKind.h"
 #include "Export/MSSQLScriptStub.h"
-#include "Export/MSSQLTableRowsScript.h"
+#include "Export/MSSQLTableRowsCsv.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
 #include <algorithm>
@@ -97,12 +98,16 @@ MSSQLScriptParts::Additions MSSQLDatabaseScripter::additions(const KNScriptOptio
     return additions;
 }
 
-QList<KNScriptPart> MSSQLDatabaseScripter::rowParts(const QList<KNScriptObject> &objects) const
+QList<KNScriptPart> MSSQLDatabaseScripter::rowParts(const QList<KNScriptObject> &objects, bool asCsv) const
 {
     QList<KNScriptPart> parts;
     for (const KNScriptObject &table : objects) {
         if (!table.hasRows)
             continue;
+        if (asCsv) {
+            parts += csvParts(table);
+            continue;
+        }
         parts.append(
             {table.displayName(), table.displayName(),
              [details = m_details, table](QIODevice &device, const KNScriptControl &control) {
@@ -112,7 +117,21 @@ QList<KNScriptPart> MSSQLDatabaseScripter::rowParts(const QList<KNScriptObject> 
     return parts;
 }
 
-QList<KNScriptPart> MSSQLDatabaseScripter::orderedRowParts(const QList<KNScriptObject> &objects,
+QList<KNScriptPart> MSSQLDatabaseScripter::csvParts(const KNScriptObject &table) const
+{
+    const QString file = table.displayName() + QLatin1String(".csv");
+    const auto writeRows = [details = m_details, table](QIODevice &device, const KNScriptControl &control) {
+        return MSSQLTableRowsCsv(*details, table.schema, table.name).writeRows(device, control);
+    };
+    const auto writeLoading = [details = m_details, table, file](QIODevice &device, const KNScriptControl &) {
+        return MSSQLTableRowsCsv(*details, table.schema, table.name)
+            .writeLoading(KNScriptTarget::safeName(file), device);
+    };
+    return {{file, table.displayName(), writeRows, true},
+            {table.displayName() + QLatin1String(".Load"), table.displayName(), writeLoading}};
+}
+
+QList<KNScriptPart> MSSQLDatabaseScripter::orderedRowParts(const QList<KNScriptObject> &objects, bool asCsv,
                                                            KNError *error) const
 {
     QList<KNScriptObject> tables;
@@ -121,7 +140,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::orderedRowParts(const QList<KNScriptO
     const MSSQLRowOrder order = MSSQLRowOrder::read(tables, *m_details, error);
     if (*error)
         return {};
-    QList<KNScriptPart> parts = rowParts(order.tables());
+    QList<KNScriptPart> parts = rowParts(order.tables(), asCsv);
     if (!order.switchingOff().isNull()) {
         const KNScriptObject &first = order.tables().first();
         parts.prepend(MSSQLScriptParts::textPart(QStringLiteral("_KeysOff"), first, order.switchingOff()));
@@ -159,7 +178,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::parts(const QList<KNScriptObject> &ob
     if (options.language == KNScriptOptions::Language::MySQL)
         return mySQLParts(objects, options);
     if (!options.schema)
-        return orderedRowParts(objects, error);
+        return orderedRowParts(objects, options.csvRows, error);
     const MSSQLScriptOrder::Dependencies named = dependencies(error);
     const MSSQLScriptParts::Additions added =
         *error ? MSSQLScriptParts::Additions() : additions(options, error);
@@ -172,6 +191,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::parts(const QList<KNScriptObject> &ob
     const QList<MSSQLObjectScript> made = scripts(order, control, error);
     if (*error || control.wasCancelled())
         return {};
-    const QList<KNScriptPart> rows = options.data ? rowParts(order.objects()) : QList<KNScriptPart>();
+    const QList<KNScriptPart> rows =
+        options.data ? rowParts(order.objects(), options.csvRows) : QList<KNScriptPart>();
     return MSSQLScriptParts::missing(objects) + MSSQLScriptParts(made, added, options).all(rows);
 }

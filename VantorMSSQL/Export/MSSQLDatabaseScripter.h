@@ -26,8 +26,10 @@ private:
     QList<MSSQLObjectScript> scripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
                                      KNError *error) const;
     MSSQLScriptParts::Additions additions(const KNScriptOptions &options, KNError *error) const;
-    QList<KNScriptPart> rowParts(const QList<KNScriptObject> &objects) const;
-    QList<KNScriptPart> orderedRowParts(const QList<KNScriptObject> &objects, KNError *error) const;
+    QList<KNScriptPart> rowParts(const QList<KNScriptObject> &objects, bool asCsv) const;
+    QList<KNScriptPart> csvParts(const KNScriptObject &table) const;
+    QList<KNScriptPart> orderedRowParts(const QList<KNScriptObject> &objects, bool asCsv,
+                                        KNError *error) const;
     QList<KNScriptPart> mySQLParts(const QList<KNScriptObject> &objects,
                                    const KNScriptOptions &options) const;
 

@@ -6,26 +6,16 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr auto RowsDomain = "mssql.export.rows";
 using MSSQLObjectPath::bracketed;
 
-/// Types whose values only CAST makes of bytes.
-bool isClrType(const MSSQLColumnRecord &column)
-{
-    return column.typeName.contains(QLatin1String("hierarchyid")) ||
-           column.typeName.contains(QLatin1String("geometry")) ||
-           column.typeName.contains(QLatin1String("geography"));
-}
-
 /// The expression that reads a column so that its literals do not change the value.
 QString selected(const MSSQLColumnRecord &column)
 {
     const QString name = bracketed(column.columnName);
-    if (isClrType(column))
+    if (MSSQLTableRowsScript::isClrType(column))
         return KNFormat("CAST(%@ AS varbinary(max)) AS %@", name, name);
     if (column.typeName == QLatin1String("sql_variant"))
         return KNFormat("CAST(%@ AS nvarchar(4000)) AS %@", name, name);
@@ -46,7 +36,9 @@ public:
         for (const MSSQLColumnRecord &column : columns) {
             names.append(bracketed(column.columnName));
             m_hasIdentity = m_hasIdentity || column.isIdentity;
-            m_casts.append(isClrType(column) ? KNFormat(" AS %@)", column.typeName).toUtf8() : QByteArray());
+            m_casts.append(MSSQLTableRowsScript::isClrType(column)
+                               ? KNFormat(" AS %@)", column.typeName).toUtf8()
+                               : QByteArray());
         }
         m_head = "INSERT INTO " + m_path + " (" + names.join(QLatin1String(", ")).toUtf8() + ") VALUES\r\n";
     }
@@ -114,27 +106,42 @@ bool MSSQLTableRowsScript::isInserted(const MSSQLColumnRecord &column)
     return column.isIdentity || column.isWritable();
 }
 
-KNError MSSQLTableRowsScript::write(QIODevice &device, const KNScriptControl &control) const
+bool MSSQLTableRowsScript::isClrType(const MSSQLColumnRecord &column)
 {
-    KNError error;
+    return column.typeName.contains(QLatin1String("hierarchyid")) ||
+           column.typeName.contains(QLatin1String("geometry")) ||
+           column.typeName.contains(QLatin1String("geography"));
+}
+
+QList<MSSQLColumnRecord> MSSQLTableRowsScript::columns(KNError *error) const
+{
     auto columns =
-        MSSQLCatalogReader::records<MSSQLColumnRecord>(m_details, m_schema, m_table, RowsDomain, &error);
-    columns.erase(std::remove_if(columns.begin(), columns.end(),
-                                 [](const MSSQLColumnRecord &column) { return !isInserted(column); }),
-                  columns.end());
-    if (error || columns.isEmpty())
-        return error;
+        MSSQLCatalogReader::records<MSSQLColumnRecord>(m_details, m_schema, m_table, RowsDomain, error);
+    columns.removeIf([](const MSSQLColumnRecord &column) { return !isInserted(column); });
+    return columns;
+}
+
+QString MSSQLTableRowsScript::query(const QList<MSSQLColumnRecord> &columns) const
+{
     QStringList expressions;
     QStringList keys;
-    for (const MSSQLColumnRecord &column : std::as_const(columns)) {
+    for (const MSSQLColumnRecord &column : columns) {
         expressions.append(selected(column));
         if (column.isPrimaryKey)
             keys.append(bracketed(column.columnName));
     }
+    const QString rows = KNFormat("SELECT %@ FROM %@.%@", expressions.join(QStringLiteral(", ")),
+                                  bracketed(m_schema), bracketed(m_table));
+    return keys.isEmpty() ? rows : rows + KNFormat(" ORDER BY %@", keys.join(QStringLiteral(", ")));
+}
+
+KNError MSSQLTableRowsScript::write(QIODevice &device, const KNScriptControl &control) const
+{
+    KNError error;
+    const QList<MSSQLColumnRecord> inserted = columns(&error);
+    if (error || inserted.isEmpty())
+        return error;
     const QString path = KNFormat("%@.%@", bracketed(m_schema), bracketed(m_table));
-    QString query = KNFormat("SELECT %@ FROM %@", expressions.join(QStringLiteral(", ")), path);
-    if (!keys.isEmpty())
-        query += KNFormat(" ORDER BY %@", keys.join(QStringLiteral(", ")));
-    InsertStatements statements(device, path, columns, control);
-    return ResultStream::write(m_details, query, statements, control.isCancelled);
+    InsertStatements statements(device, path, inserted, control);
+    return ResultStream::write(m_details, query(inserted), statements, control.isCancelled);
 }

@@ -16,6 +16,12 @@ public:
     /// Writes nothing for an empty table. The caller checks whether the device took everything.
     KNError write(QIODevice &device, const KNScriptControl &control) const;
 
+    /// Those columns of the table that an INSERT can set.
+    QList<MSSQLColumnRecord> columns(KNError *error) const;
+    /// The query of these columns in the order of the primary key.
+    QString query(const QList<MSSQLColumnRecord> &columns) const;
+    /// Whether its values are read and written as bytes, of which only CAST makes them.
+    static bool isClrType(const MSSQLColumnRecord &column);
     /// Whether an INSERT can set the column: its value is neither computed nor the server's.
     static bool isInserted(const MSSQLColumnRecord &column);
 

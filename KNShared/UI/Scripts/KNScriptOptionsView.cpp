@@ -60,6 +60,9 @@ void KNScriptOptionsView::arrange()
     auto *const target = new QFormLayout;
     target->addRow(tr("&Write to:"), m_files);
     target->addRow({}, m_compresses);
+    auto *const rows = new QVBoxLayout;
+    addBox(rows, &KNScriptOptions::csvRows, tr("Rows as C&SV files"));
+    target->addRow({}, rows);
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addLayout(form);
@@ -96,6 +99,7 @@ KNScriptOptions KNScriptOptionsView::options() const
         if (!options.reasonAgainst(each.option).isNull())
             options.*each.option = false;
     }
+    options.csvRows = options.csvRows && m_files->currentIndex() == ScriptFileForEach;
     return options;
 }
 
@@ -111,7 +115,11 @@ void KNScriptOptionsView::update()
 {
     const KNScriptOptions chosen = options();
     for (const Box &each : std::as_const(m_boxes)) {
-        const QString reason = chosen.reasonAgainst(each.option);
+        QString reason = chosen.reasonAgainst(each.option);
+        const bool needsFiles =
+            each.option == &KNScriptOptions::csvRows && m_files->currentIndex() == OneScriptFile;
+        if (reason.isNull() && needsFiles)
+            reason = tr("CSV files need one file per object.");
         each.box->setEnabled(reason.isNull());
         each.box->setToolTip(KNPlainToolTip(reason));
     }

@@ -163,6 +163,15 @@ TEST_F(GenerateScripts, DisablesWhatHasNoEffectAndSaysWhy)
     EXPECT_TRUE(options.options().drops);
     EXPECT_TRUE(options.options().indexes);
     EXPECT_EQ(options.language()->itemText(0), QStringLiteral("SQL Server"));
+    QCheckBox *const csv = options.box(&KNScriptOptions::csvRows);
+    csv->setChecked(true);
+    EXPECT_TRUE(csv->toolTip().contains(QStringLiteral("No rows are written.")));
+    options.content()->setCurrentIndex(1);
+    EXPECT_TRUE(csv->toolTip().contains(QStringLiteral("CSV files need one file per object.")));
+    EXPECT_FALSE(options.options().csvRows);
+    options.files()->setCurrentIndex(1);
+    EXPECT_TRUE(csv->isEnabled());
+    EXPECT_TRUE(options.options().csvRows);
 }
 
 TEST_F(GenerateScripts, NeedsACheckedObject)
