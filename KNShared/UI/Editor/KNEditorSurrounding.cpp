@@ -1,8 +1,7 @@
 #include "UI/Editor/KNEditorSurrounding.h"
 
-#include "Autocomplete/KNAutocompleteHelper.h"
-#include "Database/VantorDBC.h"
 #include "SQL/Scope/KNSQLTokens.h"
+#include "UI/Completion/KNEditorLanguage.h"
 #include "UI/Editor/KNSQLEditor.h"
 
 #include <QMenu>
@@ -30,39 +29,30 @@ bool separatesBatches(const KNSQLDialect &dialect, const QString &text)
 
 } // namespace
 
-KNEditorSurrounding::KNEditorSurrounding(KNSQLEditor *editor, Settings settings)
-    : QObject(editor)
-    , m_editor(editor)
-    , m_settings(std::move(settings))
+KNEditorSurrounding::KNEditorSurrounding(std::shared_ptr<KNEditorLanguage> language)
+    : QObject(language->editor())
+    , m_language(std::move(language))
+    , m_editor(m_language->editor())
 {
-}
-
-const KNSQLDialect *KNEditorSurrounding::dialect() const
-{
-    const auto details = m_settings();
-    const KNAutocompleteHelper *const helper = details ? details->sharedAutocompleteHelper() : nullptr;
-    return helper ? helper->dialect() : nullptr;
 }
 
 void KNEditorSurrounding::choose()
 {
-    if (!dialect() || dialect()->surroundings.isEmpty() || m_editor->isReadOnly())
+    const QList<KNSQLSurrounding> &surroundings = m_language->dialect().surroundings;
+    if (surroundings.isEmpty() || m_editor->isReadOnly())
         return;
     const KNRange lines = m_editor->rangeOfLines(m_editor->selectedLines());
-    if (separatesBatches(*dialect(), m_editor->textOfRange(lines))) {
+    if (separatesBatches(m_language->dialect(), m_editor->textOfRange(lines))) {
         Q_EMIT refused(tr("The lines contain the end of a batch and cannot be surrounded."));
         return;
     }
     auto *const menu = new QMenu(m_editor);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (const KNSQLSurrounding &surrounding : dialect()->surroundings)
+    for (const KNSQLSurrounding &surrounding : surroundings)
         menu->addAction(surrounding.title, this, [this, surrounding] { surround(surrounding); });
     menu->setActiveAction(menu->actions().first());
-    const auto caret = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
-    const auto x = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, caret);
-    const auto y = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, caret);
-    const auto height = m_editor->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL);
-    menu->popup(m_editor->viewport()->mapToGlobal(QPoint(static_cast<int>(x), static_cast<int>(y + height))));
+    const QRect line = m_language->lineOf(m_editor->selectedRange().location);
+    menu->popup({line.left(), line.top() + line.height()});
 }
 
 void KNEditorSurrounding::surround(const KNSQLSurrounding &surrounding)

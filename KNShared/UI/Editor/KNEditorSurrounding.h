@@ -5,11 +5,10 @@
 
 #include <QObject>
 
-#include <functional>
 #include <memory>
 
+class KNEditorLanguage;
 class KNSQLEditor;
-class VantorDBC;
 
 /// Indents the selected lines, or that of the cursor, and puts lines of the connector's choice around them,
 /// as one undo step. On the UI thread.
@@ -18,11 +17,8 @@ class KNSHAREDUI_EXPORT KNEditorSurrounding : public QObject
     Q_OBJECT
 
 public:
-    /// Returns the settings whose language the text has.
-    using Settings = std::function<std::shared_ptr<const VantorDBC>()>;
-
     /// The editor owns the object.
-    KNEditorSurrounding(KNSQLEditor *editor, Settings settings);
+    explicit KNEditorSurrounding(std::shared_ptr<KNEditorLanguage> language);
 
     /// Shows a menu of the surroundings at the cursor; nothing if the language has none.
     void choose();
@@ -32,10 +28,9 @@ Q_SIGNALS:
     void refused(const QString &reason);
 
 private:
-    const KNSQLDialect *dialect() const;
     void surround(const KNSQLSurrounding &surrounding);
     QString indented(int line, const QString &text) const;
 
+    const std::shared_ptr<KNEditorLanguage> m_language;
     KNSQLEditor *const m_editor;
-    const Settings m_settings;
 };

@@ -1,37 +1,27 @@
 #include "UI/Rename/KNEditorRename.h"
 
-#include "Autocomplete/KNAutocompleteHelper.h"
-#include "Database/VantorDBC.h"
 #include "Foundation/KNFormat.h"
 #include "SQL/Scope/KNSQLName.h"
 #include "SQL/Scope/KNSQLTokens.h"
+#include "UI/Completion/KNEditorLanguage.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/Rename/KNRenameField.h"
 
 #include <algorithm>
 
-KNEditorRename::KNEditorRename(KNSQLEditor *editor, Settings settings)
-    : QObject(editor)
-    , m_editor(editor)
-    , m_settings(std::move(settings))
+KNEditorRename::KNEditorRename(std::shared_ptr<KNEditorLanguage> language)
+    : QObject(language->editor())
+    , m_language(std::move(language))
+    , m_editor(m_language->editor())
 {
-    connect(editor, &KNSQLEditor::textChanged, this, &KNEditorRename::close);
-}
-
-const KNSQLDialect *KNEditorRename::dialect() const
-{
-    const auto details = m_settings();
-    const KNAutocompleteHelper *const helper = details ? details->sharedAutocompleteHelper() : nullptr;
-    return helper ? helper->dialect() : nullptr;
+    connect(m_editor, &KNSQLEditor::textChanged, this, &KNEditorRename::close);
 }
 
 void KNEditorRename::begin()
 {
-    if (!dialect() || m_editor->isReadOnly())
+    if (m_editor->isReadOnly())
         return;
-    KNSQLTokens tokens(*dialect());
-    tokens.setText(m_editor->wholeText());
-    m_rename = KNFindSQLRename(tokens, m_editor->selectedRange().location);
+    m_rename = KNFindSQLRename(m_language->tokens(), m_editor->selectedRange().location);
     if (m_rename.kind == KNSQLRename::Kind::None) {
         Q_EMIT refused(tr("There is no alias and no variable at the cursor."));
         return;
@@ -52,7 +42,7 @@ void KNEditorRename::close()
 
 QString KNEditorRename::written(const QString &typed, QString *problem) const
 {
-    const KNSQLDialect &language = *dialect();
+    const KNSQLDialect &language = m_language->dialect();
     const bool isVariable = m_rename.kind == KNSQLRename::Kind::Variable;
     QString name = KNSQLName::withoutQuotes(typed.trimmed());
     if (isVariable && !name.startsWith(m_rename.name.front()))
@@ -65,7 +55,7 @@ QString KNEditorRename::written(const QString &typed, QString *problem) const
     else if (m_rename.taken.contains(name, Qt::CaseInsensitive))
         *problem = KNFormat(tr("%@ exists already."), name);
     else
-        return isVariable ? name : m_settings()->quotedName(name);
+        return isVariable ? name : m_language->settings()->quotedName(name);
     return QString();
 }
 
@@ -89,9 +79,6 @@ void KNEditorRename::rename(const QString &typed)
 
 QRect KNEditorRename::lineOfCursor() const
 {
-    const auto caret = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
-    const auto x = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, caret);
-    const auto y = m_editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, caret);
-    const auto height = m_editor->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL);
-    return {static_cast<int>(x), static_cast<int>(y), 1, static_cast<int>(height)};
+    const QRect line = m_language->lineOf(m_editor->selectedRange().location);
+    return {m_editor->viewport()->mapFromGlobal(line.topLeft()), line.size()};
 }

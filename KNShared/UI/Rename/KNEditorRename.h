@@ -4,14 +4,13 @@
 #include "UI/KNSharedUIExport.h"
 
 #include <QObject>
+#include <QRect>
 
-#include <functional>
 #include <memory>
 
+class KNEditorLanguage;
 class KNRenameField;
 class KNSQLEditor;
-class VantorDBC;
-struct KNSQLDialect;
 
 /// Renames the alias or variable at the cursor in its scope, as one undo step. On the UI thread.
 class KNSHAREDUI_EXPORT KNEditorRename : public QObject
@@ -19,11 +18,8 @@ class KNSHAREDUI_EXPORT KNEditorRename : public QObject
     Q_OBJECT
 
 public:
-    /// Returns the settings whose language the text has.
-    using Settings = std::function<std::shared_ptr<const VantorDBC>()>;
-
     /// The editor owns the object.
-    KNEditorRename(KNSQLEditor *editor, Settings settings);
+    explicit KNEditorRename(std::shared_ptr<KNEditorLanguage> language);
 
     /// Asks for the new name in a field at the cursor.
     void begin();
@@ -33,15 +29,14 @@ Q_SIGNALS:
     void refused(const QString &reason);
 
 private:
-    const KNSQLDialect *dialect() const;
     void close();
     void rename(const QString &typed);
     /// The new name as it is written; null with a reason if it cannot be used.
     QString written(const QString &typed, QString *problem) const;
     QRect lineOfCursor() const;
 
+    const std::shared_ptr<KNEditorLanguage> m_language;
     KNSQLEditor *const m_editor;
-    const Settings m_settings;
     KNRenameField *m_field = nullptr;
     KNSQLRename m_rename;
 };

@@ -1,19 +1,26 @@
 #include "Desktop/Query/EditorCommands.h"
 
+#include "UI/Completion/KNEditorLanguage.h"
 #include "UI/Editor/KNEditorFormatting.h"
 #include "UI/Editor/KNEditorSurrounding.h"
 #include "UI/Editor/KNSQLEditor.h"
+#include "UI/Names/KNEditorNames.h"
 #include "UI/Rename/KNEditorRename.h"
+#include "UI/Workspace/KNWorkspace.h"
 
-EditorCommands::EditorCommands(KNSQLEditor *editor, const Settings &settings)
-    : QObject(editor)
-    , m_formatting(new KNEditorFormatting(editor, settings))
-    , m_surrounding(new KNEditorSurrounding(editor, settings))
-    , m_rename(new KNEditorRename(editor, settings))
+EditorCommands::EditorCommands(const std::shared_ptr<KNEditorLanguage> &language)
+    : QObject(language->editor())
+    , m_formatting(new KNEditorFormatting(language->editor(), [language] { return language->settings(); }))
+    , m_surrounding(new KNEditorSurrounding(language))
+    , m_rename(new KNEditorRename(language))
+    , m_names(new KNEditorNames(language))
 {
-    connect(m_rename, &KNEditorRename::refused, this, &EditorCommands::setNote);
-    connect(m_surrounding, &KNEditorSurrounding::refused, this, &EditorCommands::setNote);
-    connect(editor, &KNSQLEditor::cursorPositionChanged, this, [this] { setNote(QString()); });
+    const auto explain = [editor = language->editor()](const QString &reason) {
+        if (KNWorkspace *const workspace = KNWorkspace::of(*editor))
+            workspace->showNotice(reason);
+    };
+    connect(m_rename, &KNEditorRename::refused, this, explain);
+    connect(m_surrounding, &KNEditorSurrounding::refused, this, explain);
 }
 
 bool EditorCommands::perform(KNDocumentAction action)
@@ -29,14 +36,6 @@ bool EditorCommands::perform(KNDocumentAction action)
         m_surrounding->choose();
         return true;
     default:
-        return false;
+        return m_names->perform(action);
     }
-}
-
-void EditorCommands::setNote(const QString &note)
-{
-    if (note == m_note)
-        return;
-    m_note = note;
-    Q_EMIT noteChanged();
 }

@@ -22,7 +22,6 @@
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
 #include "UI/Names/KNEditorHover.h"
-#include "UI/Names/KNEditorNames.h"
 #include "UI/Results/KNResultsPane.h"
 
 #include <QBoxLayout>
@@ -64,10 +63,8 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     m_signature = new KNEditorSignature(m_editor, language);
     m_completion = new KNEditorCompletion(m_editor, language);
     m_syntaxCheck = new SyntaxCheck(m_editor, m_results, m_errorMarks, settings, this);
-    m_commands = new EditorCommands(m_editor, settings);
-    connect(m_commands, &EditorCommands::noteChanged, this, &QueryTab::statusChanged);
     if (language) {
-        m_names = new KNEditorNames(language);
+        m_commands = new EditorCommands(language);
         new KNEditorHover(language);
     }
 }
@@ -245,7 +242,6 @@ KNDocumentStatus::Outcome QueryTab::outcome() const
 KNDocumentStatus QueryTab::status() const
 {
     KNDocumentStatus status;
-    status.text = m_commands ? m_commands->note() : QString();
     status.selection = resultsPane()->selectionSummary();
     status.database = m_database;
     status.rowCount = m_run ? m_run->results()->totalResultCount() : 0;
@@ -327,8 +323,7 @@ void QueryTab::perform(KNDocumentAction action)
     case KNDocumentAction::ShowNextPane:
         return showNextPane();
     default:
-        if (!m_commands->perform(action) && !resultsPane()->perform(action) &&
-            !(m_names && m_names->perform(action)))
+        if (!(m_commands && m_commands->perform(action)) && !resultsPane()->perform(action))
             performEditorAction(action, *m_editor, *m_findBar);
     }
 }

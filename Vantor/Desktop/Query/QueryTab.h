@@ -13,7 +13,6 @@ class DatabaseBox;
 class EditorCommands;
 class ErrorMarks;
 class KNEditorCompletion;
-class KNEditorNames;
 class KNEditorSignature;
 class KNFindBar;
 class KNResultsPane;
@@ -118,9 +117,8 @@ private:
     QueryDocument *const m_document;
     KNEditorCompletion *m_completion = nullptr;
     SyntaxCheck *m_syntaxCheck = nullptr;
-    EditorCommands *m_commands = nullptr;
+    EditorCommands *m_commands = nullptr; ///< null if the server kind has no completion
     KNEditorSignature *m_signature = nullptr;
-    KNEditorNames *m_names = nullptr; ///< null if the server kind has no completion
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;

@@ -5,6 +5,7 @@
 #include "Vantor/Desktop/DesktopTesting.h"
 
 #include <QMenu>
+#include <QStatusBar>
 
 namespace SurroundingTests {
 
@@ -79,15 +80,12 @@ TEST_F(Surrounding, KeepsStringsThatSpanLines)
 TEST_F(Surrounding, RefusesLinesWithTheEndOfABatch)
 {
     show("SELECT 1;\nGO\nSELECT 2;", {0, 20});
-    EXPECT_TRUE(WindowTesting::settle()); // the editor reports where its cursor is
     QTest::keyClick(editor, Qt::Key_K, Qt::ControlModifier);
     QTest::keyClick(editor, Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(menu(), nullptr);
     EXPECT_EQ(editor->wholeText().toStdString(), "SELECT 1;\nGO\nSELECT 2;");
-    EXPECT_EQ(window.currentDocument()->status().text,
+    EXPECT_EQ(window.statusBar()->currentMessage(),
               QStringLiteral("The lines contain the end of a batch and cannot be surrounded."));
-    editor->selectRange({3, 0});
-    EXPECT_TRUE(WindowTesting::waitFor([&] { return window.currentDocument()->status().text.isEmpty(); }));
 }
 
 } // namespace SurroundingTests
