@@ -19,7 +19,15 @@ SELECT
                 + CASE
                     WHEN q.base_type IS NULL THEN N'NULL'
                     ELSE CASE WHEN q.base_type LIKE N'n%' THEN N'N''' ELSE N'''' END
-                        + REPLACE(CONVERT(nvarchar(4000), q.value), N'''', N'''''') + N''''
+                        + REPLACE(
+                            CASE
+                                WHEN q.base_type LIKE N'n%'
+                                    THEN CONVERT(nvarchar(max), CONVERT(nvarchar(4000), q.value))
+                                ELSE CONVERT(nvarchar(max), CONVERT(varchar(8000), q.value))
+                            END,
+                            N'''',
+                            N''''''
+                        ) + N''''
                 END
                 + N', ' + q.levels
         ELSE N'DECLARE @value sql_variant' + @crlf
