@@ -55,7 +55,7 @@ public:
     };
     /// The lines of the selection, without a last one that it only reaches at its beginning.
     Lines selectedLines() const;
-    /// What is open at the beginning of a line, such as a comment.
+    /// The elements that are open at the beginning of a line, such as a comment.
     KNSQLLineState stateBefore(int line) const;
     /// The text of lines, without the line end of the last one.
     KNRange rangeOfLines(const Lines &lines) const;
