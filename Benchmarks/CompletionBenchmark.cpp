@@ -13,17 +13,18 @@
 
 namespace {
 
-constexpr int Rounds = 5;
+constexpr int Rounds = 9;
 
-/// Seconds of the median of some rounds.
-double median(const std::function<void()> &work)
+/// Seconds of one run.
+double secondsOf(const std::function<void()> &work)
 {
-    std::vector<double> times;
-    for (int round = 0; round < Rounds; ++round) {
-        const double begin = wallSeconds();
-        work();
-        times.push_back(wallSeconds() - begin);
-    }
+    const double begin = wallSeconds();
+    work();
+    return wallSeconds() - begin;
+}
+
+double median(std::vector<double> times)
+{
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
 }
@@ -57,10 +58,18 @@ int main()
     const QString sql = details->queryLoader()->queryByTitle(QStringLiteral("List_EntriesForAutocomplete"));
     MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(*details);
     const qsizetype columns = rowCount(*details, sql);
-    const double query = median([&] { rowCount(*details, sql); });
-    const double load = median([&] { MSSQLAutocompleteHelper().doLoadAutocompleteDetails(*details); });
+    std::vector<double> queries;
+    std::vector<double> loads;
+    std::vector<double> ratios;
+    for (int round = 0; round < Rounds; ++round) { // in turn: a machine is not equally fast all the time
+        queries.push_back(secondsOf([&] { rowCount(*details, sql); }));
+        MSSQLAutocompleteHelper helper;
+        loads.push_back(secondsOf([&] { helper.doLoadAutocompleteDetails(*details); }));
+        ratios.push_back(loads.back() / queries.back());
+    }
     std::printf("completion, columns               %lld\n", static_cast<long long>(columns));
-    std::printf("completion, query alone           %.2f s\n", query);
-    std::printf("completion, load of the entries   %.2f s, %.2f of the query\n", load, load / query);
+    std::printf("completion, query alone           %.2f s\n", median(queries));
+    std::printf("completion, load of the entries   %.2f s, %.2f of the query\n", median(loads),
+                median(ratios));
     return 0;
 }

@@ -1,7 +1,5 @@
 #include "Autocomplete/MSSQLAutocompleteEntires.h"
 
-#include "Foundation/KNFormat.h"
-
 #include <QCollator>
 
 #include <algorithm>
@@ -65,6 +63,12 @@ QStringList namesInOrder(const Entry::List &entries)
     return names;
 }
 
+bool hasSameKeys(const MSSQLAutocompleteEntires::Lookup &a, const MSSQLAutocompleteEntires::Lookup &b)
+{
+    const auto isInB = [&b](const QString &key) { return b.contains(key); };
+    return a.size() == b.size() && std::all_of(a.keyBegin(), a.keyEnd(), isInB);
+}
+
 } // namespace
 
 Entry &MSSQLAutocompleteEntires::addColumn(const QString &schema, const QString &table, const QString &column,
@@ -104,7 +108,7 @@ void MSSQLAutocompleteEntires::createCache(const QString &defaultSchema)
     for (Entry *const table : std::as_const(m_tables)) {
         table->squeeze();
         const QString &schema = table->entryParent()->entryName();
-        addCachedEntries(table->entryChildren(), KNFormat("%@.%@", schema, table->entryName()));
+        addCachedEntries(table->entryChildren(), schema + u'.' + table->entryName());
         if (defaultSchema.isNull() || isSameName(defaultSchema, schema))
             addCachedEntries(table->entryChildren(), table->entryName());
     }
@@ -112,9 +116,16 @@ void MSSQLAutocompleteEntires::createCache(const QString &defaultSchema)
         schema->squeeze();
         addCachedEntries(schema->entryChildren(), schema->entryName());
     }
-    m_cachedPossibleNamesForAlias =
-        sortedForUser(QStringList(m_entriesLookupForTableAndOrSchema.keys()),
-                      [](const QString &name) -> const QString & { return name; });
+}
+
+const QStringList &MSSQLAutocompleteEntires::allPossibleNamesForAlias() const
+{
+    std::call_once(m_possibleNamesOnce, [this] {
+        m_cachedPossibleNamesForAlias =
+            sortedForUser(QStringList(m_entriesLookupForTableAndOrSchema.keys()),
+                          [](const QString &name) -> const QString & { return name; });
+    });
+    return m_cachedPossibleNamesForAlias;
 }
 
 void MSSQLAutocompleteEntires::addCachedEntries(const List &entries, const QString &parent)
@@ -149,5 +160,5 @@ bool MSSQLAutocompleteEntires::isEqualTo(const MSSQLAutocompleteEntires &other) 
 {
     return m_cachedSchemaNames == other.m_cachedSchemaNames &&
            m_cachedTableNames == other.m_cachedTableNames && columnNames() == other.columnNames() &&
-           m_cachedPossibleNamesForAlias == other.m_cachedPossibleNamesForAlias;
+           hasSameKeys(m_entriesLookupForTableAndOrSchema, other.m_entriesLookupForTableAndOrSchema);
 }

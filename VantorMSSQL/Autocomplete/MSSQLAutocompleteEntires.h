@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <mutex>
 #include <unordered_set>
 
 /// The schemas, tables and columns of one database with indexes for completion. Filled on one thread and
@@ -40,7 +41,7 @@ public:
     /// One column for each of these names, in the same order.
     const List &columnsByName() const { return m_columnsByName; }
     /// Every key of entriesForTableAndOrSchema(), sorted likewise.
-    const QStringList &allPossibleNamesForAlias() const { return m_cachedPossibleNamesForAlias; }
+    const QStringList &allPossibleNamesForAlias() const;
     /// The columns of a table, by schema.table or by its bare name; in any case, without brackets.
     List columnsForTableAndOrSchema(const QString &name) const;
     /// The same, or the tables of a schema.
@@ -61,7 +62,10 @@ private:
     List m_columns;
     QStringList m_cachedSchemaNames;
     QStringList m_cachedTableNames;
-    List m_columnsByName; ///< instead of the names, which would need more memory
-    QStringList m_cachedPossibleNamesForAlias;
+    List m_columnsByName;                      ///< instead of the names, which would need more memory
     Lookup m_entriesLookupForTableAndOrSchema; ///< by lower-cased name
+    /// The keys of the lookup, sorted when they are first asked for: that takes longer than the other
+    /// indexes.
+    mutable QStringList m_cachedPossibleNamesForAlias;
+    mutable std::once_flag m_possibleNamesOnce; ///< guards them
 };

@@ -14,6 +14,39 @@ namespace {
 /// More columns than any database that people complete names in.
 constexpr qsizetype MaximumColumns = 2'000'000;
 
+/// Remembers the texts of types: most of many thousand columns have one of few types.
+class ColumnTypeTexts
+{
+public:
+    const QString &text(const QString &name, const KNValue &size, const KNValue &precision,
+                        const KNValue &scale)
+    {
+        for (const Known &known : std::as_const(m_texts[name])) {
+            if (known.size == size && known.precision == precision && known.scale == scale)
+                return known.text;
+        }
+        QList<Known> &texts = m_texts[name];
+        if (texts.size() == MostOfName)
+            texts.clear();
+        texts.append(
+            {size, precision, scale, MSSQLQuoting::displayForColumnType(name, size, precision, scale)});
+        return texts.last().text;
+    }
+
+private:
+    static constexpr qsizetype MostOfName = 100;
+
+    struct Known
+    {
+        KNValue size;
+        KNValue precision;
+        KNValue scale;
+        QString text;
+    };
+
+    QHash<QString, QList<Known>> m_texts; ///< by name
+};
+
 } // namespace
 
 MSSQLAutocompleteHelper *MSSQLAutocompleteHelper::sharedInstance()
@@ -85,15 +118,15 @@ std::shared_ptr<MSSQLAutocompleteEntires> MSSQLAutocompleteHelper::entiresFrom(D
     const qsizetype scale = position("scale");
     const qsizetype nullable = position("isNullable");
     const qsizetype key = position("isPrimaryKey");
+    ColumnTypeTexts types;
     auto entires = std::make_shared<MSSQLAutocompleteEntires>();
     while (entires->columns().size() < MaximumColumns && rows.next()) {
         KNDatabaseAutocompleteEntry &entry =
             entires->addColumn(rows.stringForColumnIndex(schema), rows.stringForColumnIndex(table),
                                rows.stringForColumnIndex(column),
-                               MSSQLQuoting::displayForColumnType(
-                                   rows.stringForColumnIndex(type), rows.objectForColumnIndex(size),
-                                   precision < 0 ? KNValue() : rows.objectForColumnIndex(precision),
-                                   scale < 0 ? KNValue() : rows.objectForColumnIndex(scale)));
+                               types.text(rows.stringForColumnIndex(type), rows.objectForColumnIndex(size),
+                                          precision < 0 ? KNValue() : rows.objectForColumnIndex(precision),
+                                          scale < 0 ? KNValue() : rows.objectForColumnIndex(scale)));
         if (nullable >= 0)
             entry.addTrait(rows.numberForColumnIndex(nullable).toBool()
                                ? KNDatabaseAutocompleteEntry::Nullable
