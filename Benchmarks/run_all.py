@@ -187,7 +187,7 @@ def catalog_queries(programs):
 
 def exporting(programs, environment):
     """The rows of a table as INSERT statements, compared with the same rows as CSV."""
-    print("## Exporting %s rows of a table\n" % f"{ROWS:,}")
+    print("### Exporting %s rows of a table\n" % f"{ROWS:,}")
     query(programs, environment,
           [f"SELECT * INTO tempdb.dbo.Exported FROM generate_rows({ROWS})", "--format", "csv"])
     common = ["--server", f"127.0.0.1,{environment['VANTOR_BENCHMARK_PORT']}", "--user", "sa", "--database", "tempdb"]
