@@ -9,7 +9,7 @@
 class MSSQLScriptParts
 {
 public:
-    /// What belongs to objects besides their scripts.
+    /// Statements beside the scripts of objects.
     struct Additions
     {
         MSSQLScriptStatements viewTriggers;

@@ -51,7 +51,7 @@ protected:
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    /// What gzip makes of a file.
+    /// The content that gzip reads from a file.
     static QByteArray unzipped(const QString &path)
     {
         QProcess gzip;

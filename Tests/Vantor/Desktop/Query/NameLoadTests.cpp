@@ -85,7 +85,7 @@ protected:
             return catalog && !catalog->databases.isEmpty();
         }));
     }
-    /// What is offered at the end of a text.
+    /// The names that are offered at the end of a text.
     static QStringList offered(QueryTab &tab, const char *text)
     {
         tab.setText(q(text));
