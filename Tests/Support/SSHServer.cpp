@@ -115,14 +115,15 @@ SSHServer::SSHServer()
     makeKey(strangersKeyFile());
     QFile::copy(keyFile() + QStringLiteral(".pub"), path("authorized_keys"));
     m_port = unusedPort();
-    write(path("sshd_config"),
-          QStringLiteral("ListenAddress 127.0.0.1:%1\nHostKey %2\nAuthorizedKeysFile %3\nPidFile none\n"
-                         "StrictModes no\nUsePAM no\nPasswordAuthentication no\nPermitRootLogin yes\n"
-                         "AllowTcpForwarding yes\n")
-              .arg(m_port)
-              .arg(path("host_key"), path("authorized_keys")));
+    write(
+        path("sshd_config"),
+        QStringLiteral("ListenAddress 127.0.0.1:%1\nHostKey \"%2\"\nAuthorizedKeysFile \"%3\"\nPidFile none\n"
+                       "StrictModes no\nUsePAM no\nPasswordAuthentication no\nPermitRootLogin yes\n"
+                       "AllowTcpForwarding yes\n")
+            .arg(m_port)
+            .arg(path("host_key"), path("authorized_keys")));
     write(path("ssh_config"),
-          QStringLiteral("IdentityAgent none\nIdentityFile %1\nGlobalKnownHostsFile /dev/null\n"
+          QStringLiteral("IdentityAgent none\nIdentityFile \"%1\"\nGlobalKnownHostsFile /dev/null\n"
                          "Host %2\nHostName 127.0.0.1\nPort %3\n")
               .arg(strangersKeyFile(), QString::fromLatin1(Alias))
               .arg(m_port));
