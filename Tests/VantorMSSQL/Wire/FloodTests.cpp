@@ -61,30 +61,38 @@ std::vector<Flood> floods()
              done(DoneMore | DoneError)}};
 }
 
+/// Cancels a batch whose results never end.
+void expectCancelEnds(const Flood &one)
+{
+    SCOPED_TRACE(one.name);
+    HostileServer server(afterLogin({flood(one.begin, one.tokens)}));
+    const auto client = connectedClient(settings(server.port()));
+    const QString sql = QStringLiteral("SELECT a FROM dbo.t");
+    KNResultSetHolder holder;
+    holder.setRowLimit(1000);
+    KNError error;
+    std::thread worker([&] { client->executeQueryDetails({{sql, {0, sql.size()}, 0}}, holder, {}, &error); });
+    std::this_thread::sleep_for(300ms);
+    const auto start = Clock::now();
+    KNError ignored;
+    client->cancelCurrentQuery(&ignored);
+    worker.join();
+    EXPECT_LT(Clock::now() - start, 15s);
+}
+
 } // namespace
 
+// All at once, because each takes as long as the client waits for the server to acknowledge the cancellation.
 TEST(FloodingServer, CanBeCancelledInAnyPhase)
 {
     const qint64 before = residentMegabytes();
-    for (const Flood &one : floods()) {
-        SCOPED_TRACE(one.name);
-        HostileServer server(afterLogin({flood(one.begin, one.tokens)}));
-        const auto client = connectedClient(settings(server.port()));
-        const QString sql = QStringLiteral("SELECT a FROM dbo.t");
-        KNResultSetHolder holder;
-        holder.setRowLimit(1000);
-        KNError error;
-        std::thread worker([&] {
-            client->executeQueryDetails({{sql, {0, sql.size()}, 0}}, holder, {}, &error);
-        });
-        std::this_thread::sleep_for(300ms);
-        const auto start = Clock::now();
-        KNError ignored;
-        client->cancelCurrentQuery(&ignored);
-        worker.join();
-        EXPECT_LT(Clock::now() - start, 15s);
-        EXPECT_LT(residentMegabytes() - before, MostMegabytes);
-    }
+    const std::vector<Flood> all = floods();
+    std::vector<std::thread> threads;
+    for (const Flood &one : all)
+        threads.emplace_back([&one] { expectCancelEnds(one); });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_LT(residentMegabytes() - before, MostMegabytes);
     EXPECT_EQ(scalar(*connectedClient(), QStringLiteral("SELECT 3")), KNValue(3));
 }
 
