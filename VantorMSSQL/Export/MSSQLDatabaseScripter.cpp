@@ -66,35 +66,39 @@ MSSQLScriptOrder::Dependencies MSSQLDatabaseScripter::dependencies(KNError *erro
     return dependencies;
 }
 
-QList<MSSQLObjectScript> MSSQLDatabaseScripter::scripts(const MSSQLScriptOrder &order,
-                                                        const KNScriptControl &control, KNError *error) const
+KNError MSSQLDatabaseScripter::readScripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
+                                           MSSQLScriptStore *scripts) const
 {
-    QList<MSSQLObjectScript> scripts;
+    KNError error;
     for (const KNScriptObject &object : order.objects()) {
         if (control.wasCancelled())
             return {};
-        control.reportObject(object.displayName(), scripts.size(), order.objects().size());
-        MSSQLObjectScript script = MSSQLObjectScript::read(object, m_details, error);
-        if (!*error && order.late().contains(object.displayName()) && MSSQLScriptStub::isPossible(object))
-            script.stub = MSSQLScriptStub::text(object, *m_details, error);
-        if (*error)
-            return {};
-        scripts.append(script);
+        control.reportObject(object.displayName(), scripts->entries().size(), order.objects().size());
+        MSSQLObjectScript script = MSSQLObjectScript::read(object, m_details, &error);
+        if (!error && order.late().contains(object.displayName()) && MSSQLScriptStub::isPossible(object))
+            script.stub = MSSQLScriptStub::text(object, *m_details, &error);
+        if (!error)
+            error = scripts->append(script);
+        if (error)
+            return error;
     }
-    return scripts;
+    return {};
 }
 
 MSSQLScriptParts::Additions MSSQLDatabaseScripter::additions(const KNScriptOptions &options,
                                                              KNError *error) const
 {
+    const auto read = [&](bool isWanted, const char *title) {
+        const auto statements =
+            isWanted && !*error ? std::make_shared<MSSQLScriptStatements>() : MSSQLScriptParts::Statements();
+        if (statements)
+            *error = statements->read(*m_details, title, options);
+        return statements;
+    };
     MSSQLScriptParts::Additions additions;
-    if (options.triggers)
-        additions.viewTriggers = MSSQLScriptStatements::read(*m_details, "List_ViewTriggerStatements", error);
-    if (!*error && options.extendedProperties)
-        additions.extendedProperties =
-            MSSQLScriptStatements::read(*m_details, "List_ExtendedPropertyStatements", error);
-    if (!*error && options.permissions)
-        additions.permissions = MSSQLScriptStatements::read(*m_details, "List_PermissionStatements", error);
+    additions.viewTriggers = read(options.triggers, "List_ViewTriggerStatements");
+    additions.extendedProperties = read(options.extendedProperties, "List_ExtendedPropertyStatements");
+    additions.permissions = read(options.permissions, "List_PermissionStatements");
     return additions;
 }
 
@@ -188,7 +192,8 @@ QList<KNScriptPart> MSSQLDatabaseScripter::parts(const QList<KNScriptObject> &ob
     std::copy_if(objects.begin(), objects.end(), std::back_inserter(scriptable),
                  MSSQLScriptKind::isScriptable);
     const MSSQLScriptOrder order(scriptable, named);
-    const QList<MSSQLObjectScript> made = scripts(order, control, error);
+    const auto made = std::make_shared<MSSQLScriptStore>();
+    *error = readScripts(order, control, made.get());
     if (*error || control.wasCancelled())
         return {};
     const QList<KNScriptPart> rows =

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Export/KNDatabaseScripter.h"
-#include "Export/MSSQLObjectScript.h"
 #include "Export/MSSQLScriptOrder.h"
 #include "Export/MSSQLScriptParts.h"
 
@@ -23,8 +22,8 @@ public:
 private:
     KNError addTypes(const char *kind, const char *filter, QList<KNScriptObject> *objects) const;
     MSSQLScriptOrder::Dependencies dependencies(KNError *error) const;
-    QList<MSSQLObjectScript> scripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
-                                     KNError *error) const;
+    KNError readScripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
+                        MSSQLScriptStore *scripts) const;
     MSSQLScriptParts::Additions additions(const KNScriptOptions &options, KNError *error) const;
     QList<KNScriptPart> rowParts(const QList<KNScriptObject> &objects, bool asCsv) const;
     QList<KNScriptPart> csvParts(const KNScriptObject &table) const;

@@ -9,6 +9,37 @@
 
 #include <algorithm>
 
+namespace {
+
+QString dropsOfForeignKeys(const MSSQLObjectScript &script)
+{
+    const auto &batches = script.batches;
+    QString text;
+    if (std::any_of(batches.begin(), batches.end(), MSSQLScriptConditions::addsUnnamedForeignKey))
+        text += MSSQLScriptConditions::dropUnnamedForeignKeys(script.object);
+    for (const MSSQLScriptBatches::Batch &batch : batches) {
+        if (batch.kind == MSSQLScriptBatches::Kind::ForeignKey && !batch.name.isEmpty())
+            text += MSSQLScriptConditions::dropForeignKey(script.object, batch.name);
+    }
+    return text;
+}
+
+} // namespace
+
+/// A part with a text that is made of a script while the part is written.
+template <typename TextOf>
+KNScriptPart MSSQLScriptParts::storedPart(const QString &file, qsizetype index, const TextOf &textOf) const
+{
+    return {file, m_scripts->entries()[index].object.displayName(),
+            [scripts = m_scripts, index, textOf](QIODevice &device, const KNScriptControl &) {
+                KNError error;
+                const MSSQLObjectScript script = scripts->script(index, &error);
+                if (!error)
+                    device.write(textOf(script).toUtf8());
+                return error;
+            }};
+}
+
 KNScriptPart MSSQLScriptParts::textPart(const QString &file, const KNScriptObject &object,
                                         const QString &text)
 {
@@ -51,12 +82,10 @@ QList<KNScriptPart> MSSQLScriptParts::all(const QList<KNScriptPart> &rowParts) c
     if (m_options.constraints)
         parts += batches({BatchKind::ForeignKey}, ".ForeignKeys");
     if (m_options.triggers)
-        parts +=
-            batches({BatchKind::Trigger}, ".Triggers") + statements(m_additions.viewTriggers, ".Triggers");
-    if (m_options.extendedProperties)
-        parts += statements(m_additions.extendedProperties, ".Properties");
-    if (m_options.permissions)
-        parts += statements(m_additions.permissions, ".Permissions");
+        parts += batches({BatchKind::Trigger}, ".Triggers");
+    parts += statements(m_additions.viewTriggers, ".Triggers");
+    parts += statements(m_additions.extendedProperties, ".Properties");
+    parts += statements(m_additions.permissions, ".Permissions");
     return parts;
 }
 
@@ -64,19 +93,13 @@ QList<KNScriptPart> MSSQLScriptParts::all(const QList<KNScriptPart> &rowParts) c
 QList<KNScriptPart> MSSQLScriptParts::drops() const
 {
     const QString file = QStringLiteral("_Drops");
+    const auto &entries = m_scripts->entries();
     QList<KNScriptPart> parts;
-    for (const MSSQLObjectScript &each : m_scripts) {
-        if (std::any_of(each.batches.begin(), each.batches.end(),
-                        MSSQLScriptConditions::addsUnnamedForeignKey))
-            parts.append(
-                textPart(file, each.object, MSSQLScriptConditions::dropUnnamedForeignKeys(each.object)));
-        for (const MSSQLScriptBatches::Batch &batch : each.batches) {
-            if (batch.kind == MSSQLScriptBatches::Kind::ForeignKey && !batch.name.isEmpty())
-                parts.append(textPart(file, each.object,
-                                      MSSQLScriptConditions::dropForeignKey(each.object, batch.name)));
-        }
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (entries[i].has(MSSQLScriptBatches::Kind::ForeignKey))
+            parts.append(storedPart(file, i, dropsOfForeignKeys));
     }
-    for (auto each = m_scripts.crbegin(); each != m_scripts.crend(); ++each)
+    for (auto each = entries.crbegin(); each != entries.crend(); ++each)
         parts.append(textPart(file, each->object, MSSQLScriptConditions::drop(each->object)));
     return parts;
 }
@@ -85,7 +108,7 @@ QList<KNScriptPart> MSSQLScriptParts::schemas() const
 {
     QSet<QString> schemas = {QStringLiteral("dbo")};
     QList<KNScriptPart> parts;
-    for (const MSSQLObjectScript &each : m_scripts) {
+    for (const MSSQLScriptStore::Entry &each : m_scripts->entries()) {
         const QString schema = each.object.schema;
         if (schemas.contains(schema))
             continue;
@@ -99,73 +122,74 @@ QList<KNScriptPart> MSSQLScriptParts::schemas() const
 /// Creates the objects that others name before their own scripts.
 QList<KNScriptPart> MSSQLScriptParts::stubs() const
 {
-    const MSSQLScriptConditions conditions(m_options);
+    const auto text = [conditions = MSSQLScriptConditions(m_options)](const MSSQLObjectScript &script) {
+        const MSSQLScriptBatches::Batch stub{MSSQLScriptBatches::Kind::Object, {}, script.stub, {}};
+        return conditions.script(script.object, {stub});
+    };
+    const auto &entries = m_scripts->entries();
     QList<KNScriptPart> parts;
-    for (const MSSQLObjectScript &each : m_scripts) {
-        const MSSQLScriptBatches::Batch stub{MSSQLScriptBatches::Kind::Object, {}, each.stub, {}};
-        if (!each.stub.isNull())
-            parts.append(textPart(each.object.displayName() + QLatin1String(".Stub"), each.object,
-                                  conditions.script(each.object, {stub})));
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (entries[i].hasStub)
+            parts.append(storedPart(entries[i].object.displayName() + QLatin1String(".Stub"), i, text));
     }
     return parts;
 }
 
-QList<KNScriptPart> MSSQLScriptParts::batches(const QList<MSSQLScriptBatches::Kind> &kinds,
-                                              const char *fileSuffix) const
+QList<KNScriptPart> MSSQLScriptParts::batches(const Kinds &kinds, const char *fileSuffix) const
 {
-    const MSSQLScriptConditions conditions(m_options);
+    const auto text = [conditions = MSSQLScriptConditions(m_options),
+                       kinds](const MSSQLObjectScript &script) {
+        QList<MSSQLScriptBatches::Batch> chosen;
+        std::copy_if(script.batches.begin(), script.batches.end(), std::back_inserter(chosen),
+                     [&](const auto &batch) { return kinds.contains(batch.kind); });
+        const bool isStub = !script.stub.isNull() && chosen.first().kind == MSSQLScriptBatches::Kind::Object;
+        return isStub ? conditions.scriptOfStub(script.object, chosen)
+                      : conditions.script(script.object, chosen);
+    };
     // A stub may have columns of the types, and any other object may name it.
     bool needsStubs = kinds.contains(MSSQLScriptBatches::Kind::Object);
+    const auto &entries = m_scripts->entries();
     QList<KNScriptPart> parts;
-    for (const MSSQLObjectScript &each : m_scripts) {
-        if (needsStubs && !each.object.kind.endsWith(QLatin1String("TYPE"))) {
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const KNScriptObject &object = entries[i].object;
+        if (needsStubs && !object.kind.endsWith(QLatin1String("TYPE"))) {
             parts += stubs();
             needsStubs = false;
         }
-        QList<MSSQLScriptBatches::Batch> chosen;
-        std::copy_if(each.batches.begin(), each.batches.end(), std::back_inserter(chosen),
-                     [&](const auto &batch) { return kinds.contains(batch.kind); });
-        if (chosen.isEmpty())
-            continue;
-        const bool isStub = !each.stub.isNull() && chosen.first().kind == MSSQLScriptBatches::Kind::Object;
-        parts.append(textPart(each.object.displayName() + QLatin1String(fileSuffix), each.object,
-                              isStub ? conditions.scriptOfStub(each.object, chosen)
-                                     : conditions.script(each.object, chosen)));
+        if (std::any_of(kinds.begin(), kinds.end(), [&](auto kind) { return entries[i].has(kind); }))
+            parts.append(storedPart(object.displayName() + QLatin1String(fileSuffix), i, text));
     }
     return parts;
 }
 
-/// The parts that they are about must be in the script.
-bool MSSQLScriptParts::isWanted(const MSSQLScriptStatements::Statement &statement) const
+KNScriptPart MSSQLScriptParts::statementsPart(const Statements &statements, const QString &file,
+                                              const KNScriptObject &object) const
 {
-    return (m_options.indexes || statement.part != QLatin1String("INDEX")) &&
-           (m_options.constraints || statement.part != QLatin1String("CONSTRAINT")) &&
-           (m_options.triggers || statement.part != QLatin1String("TRIGGER"));
+    return {file, object.displayName(),
+            [statements, object, conditions = MSSQLScriptConditions(m_options)](QIODevice &device,
+                                                                                const KNScriptControl &) {
+                KNError error;
+                for (const MSSQLScriptStatements::Statement &each : statements->of(object, &error))
+                    device.write(conditions.statement(each).toUtf8());
+                return error;
+            }};
 }
 
-QString MSSQLScriptParts::textOf(const QList<MSSQLScriptStatements::Statement> &statements) const
-{
-    const MSSQLScriptConditions conditions(m_options);
-    QString text;
-    for (const MSSQLScriptStatements::Statement &each : statements) {
-        if (isWanted(each))
-            text += conditions.statement(each);
-    }
-    return text;
-}
-
-QList<KNScriptPart> MSSQLScriptParts::statements(const MSSQLScriptStatements &statements,
-                                                 const char *fileSuffix) const
+/// Those of a schema stand before those of its first object.
+QList<KNScriptPart> MSSQLScriptParts::statements(const Statements &statements, const char *fileSuffix) const
 {
     QList<KNScriptPart> parts;
     QSet<QString> schemas;
-    for (const MSSQLObjectScript &each : m_scripts) {
-        const QString &schema = each.object.schema;
-        const QString ofSchema = schemas.contains(schema) ? QString() : textOf(statements.ofSchema(schema));
-        schemas.insert(schema);
-        const QString text = ofSchema + textOf(statements.of(each.object));
-        if (!text.isEmpty())
-            parts.append(textPart(each.object.displayName() + QLatin1String(fileSuffix), each.object, text));
+    for (const MSSQLScriptStore::Entry &each : m_scripts->entries()) {
+        if (!statements)
+            break;
+        const QString file = each.object.displayName() + QLatin1String(fileSuffix);
+        const KNScriptObject schema = MSSQLScriptStatements::schemaObject(each.object.schema);
+        if (!schemas.contains(schema.schema) && statements->has(schema))
+            parts.append(statementsPart(statements, file, schema));
+        schemas.insert(schema.schema);
+        if (statements->has(each.object))
+            parts.append(statementsPart(statements, file, each.object));
     }
     return parts;
 }

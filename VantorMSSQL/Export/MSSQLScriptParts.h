@@ -1,24 +1,26 @@
 #pragma once
 
-#include "Export/MSSQLObjectScript.h"
 #include "Export/MSSQLScriptStatements.h"
+#include "Export/MSSQLScriptStore.h"
 
 /// Puts the scripts of objects into the order in which they can run: drops, schemas, types, stubs, the
-/// objects themselves, rows, indexes, foreign keys, triggers, extended properties, permissions. Pure; any
-/// thread.
+/// objects themselves, rows, indexes, foreign keys, triggers, extended properties, permissions. Does not
+/// access the server.
 class MSSQLScriptParts
 {
 public:
-    /// Statements beside the scripts of objects.
+    using Statements = std::shared_ptr<MSSQLScriptStatements>;
+    /// Statements beside the scripts of objects; null if the options leave them out.
     struct Additions
     {
-        MSSQLScriptStatements viewTriggers;
-        MSSQLScriptStatements extendedProperties;
-        MSSQLScriptStatements permissions;
+        Statements viewTriggers = {};
+        Statements extendedProperties = {};
+        Statements permissions = {};
     };
 
-    /// The scripts are in an order in which the objects can be created.
-    MSSQLScriptParts(const QList<MSSQLObjectScript> &scripts, const Additions &additions,
+    /// The scripts are in an order in which the objects can be created. Parts read theirs while they are
+    /// written.
+    MSSQLScriptParts(const std::shared_ptr<MSSQLScriptStore> &scripts, const Additions &additions,
                      const KNScriptOptions &options)
         : m_scripts(scripts)
         , m_additions(additions)
@@ -35,15 +37,19 @@ public:
     static KNScriptPart textPart(const QString &file, const KNScriptObject &object, const QString &text);
 
 private:
+    using Kinds = QList<MSSQLScriptBatches::Kind>;
+
     QList<KNScriptPart> drops() const;
     QList<KNScriptPart> schemas() const;
     QList<KNScriptPart> stubs() const;
-    QList<KNScriptPart> batches(const QList<MSSQLScriptBatches::Kind> &kinds, const char *fileSuffix) const;
-    QList<KNScriptPart> statements(const MSSQLScriptStatements &statements, const char *fileSuffix) const;
-    QString textOf(const QList<MSSQLScriptStatements::Statement> &statements) const;
-    bool isWanted(const MSSQLScriptStatements::Statement &statement) const;
+    QList<KNScriptPart> batches(const Kinds &kinds, const char *fileSuffix) const;
+    template <typename TextOf>
+    KNScriptPart storedPart(const QString &file, qsizetype index, const TextOf &textOf) const;
+    QList<KNScriptPart> statements(const Statements &statements, const char *fileSuffix) const;
+    KNScriptPart statementsPart(const Statements &statements, const QString &file,
+                                const KNScriptObject &object) const;
 
-    const QList<MSSQLObjectScript> m_scripts;
+    const std::shared_ptr<MSSQLScriptStore> m_scripts;
     const Additions m_additions;
     const KNScriptOptions m_options;
 };
