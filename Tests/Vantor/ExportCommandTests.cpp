@@ -121,9 +121,16 @@ TEST_F(ExportCommand, ComesBackWithViewsAndProceduresThatNameEachOther)
     query("cycles",
           "CREATE VIEW dbo.v1 AS SELECT 1 AS a\nGO\nCREATE VIEW dbo.v2 AS SELECT a FROM dbo.v1\nGO\n"
           "ALTER VIEW dbo.v1 AS SELECT a FROM dbo.v2\nGO\nCREATE PROCEDURE dbo.p1 AS RETURN 1\nGO\n"
-          "CREATE PROCEDURE dbo.p2 AS EXEC dbo.p1\nGO\nALTER PROCEDURE dbo.p1 AS EXEC dbo.p2");
+          "CREATE PROCEDURE dbo.p2 AS EXEC dbo.p1\nGO\nALTER PROCEDURE dbo.p1 AS EXEC dbo.p2\nGO\n"
+          "CREATE FUNCTION dbo.f1 (@n int, @text nvarchar(10)) RETURNS TABLE AS RETURN SELECT @n AS n, @text "
+          "AS "
+          "text\nGO\nCREATE VIEW dbo.v3 AS SELECT n, text FROM dbo.f1(1, N'a')\nGO\n"
+          "ALTER FUNCTION dbo.f1 (@n int, @text nvarchar(10)) RETURNS TABLE AS RETURN SELECT n, text FROM "
+          "dbo.v3");
     const QByteArray script = exported("cycles", {}).output;
-    EXPECT_EQ(script.count("A stub: the definition follows."), 2);
+    EXPECT_EQ(script.count("A stub: the definition follows."), 3);
+    EXPECT_TRUE(script.contains("CREATE FUNCTION [dbo].[f1] (@n int = NULL, @text nvarchar(10) = NULL)\r\n"))
+        << script.toStdString();
     EXPECT_TRUE(script.contains("ALTER VIEW dbo.v1 AS SELECT a FROM dbo.v2")) << script.toStdString();
     const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();

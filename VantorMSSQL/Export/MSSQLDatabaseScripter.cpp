@@ -53,17 +53,21 @@ KNError MSSQLDatabaseScripter::addTypes(const char *kind, const char *filter,
                                     });
 }
 
-MSSQLScriptOrder::Dependencies MSSQLDatabaseScripter::dependencies(KNError *error) const
+MSSQLScriptOrder MSSQLDatabaseScripter::orderOf(const QList<KNScriptObject> &objects, KNError *error) const
 {
     MSSQLScriptOrder::Dependencies dependencies;
+    QSet<MSSQLScriptOrder::Reference> bound;
     *error = MSSQLCatalogReader::read(
         *m_details, QStringLiteral("List_ObjectDependencies"), {}, ScripterDomain,
         [&](const DatabaseResultSet &row) {
             const KNScriptObject from{{}, row.stringForColumnIndex(0), row.stringForColumnIndex(1)};
             const KNScriptObject to{{}, row.stringForColumnIndex(2), row.stringForColumnIndex(3)};
             dependencies.insert(from.displayName(), to.displayName());
+            constexpr qsizetype IsBound = 4;
+            if (row.numberForColumnIndex(IsBound).toBool())
+                bound.insert({from.displayName(), to.displayName()});
         });
-    return dependencies;
+    return {objects, dependencies, bound};
 }
 
 KNError MSSQLDatabaseScripter::readScripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
@@ -183,20 +187,20 @@ QList<KNScriptPart> MSSQLDatabaseScripter::parts(const QList<KNScriptObject> &ob
         return mySQLParts(objects, options);
     if (!options.schema)
         return orderedRowParts(objects, options.csvRows, error);
-    const MSSQLScriptOrder::Dependencies named = dependencies(error);
+    QList<KNScriptObject> scriptable;
+    std::copy_if(objects.begin(), objects.end(), std::back_inserter(scriptable),
+                 MSSQLScriptKind::isScriptable);
+    const MSSQLScriptOrder order = orderOf(scriptable, error);
     const MSSQLScriptParts::Additions added =
         *error ? MSSQLScriptParts::Additions() : additions(options, error);
     if (*error)
         return {};
-    QList<KNScriptObject> scriptable;
-    std::copy_if(objects.begin(), objects.end(), std::back_inserter(scriptable),
-                 MSSQLScriptKind::isScriptable);
-    const MSSQLScriptOrder order(scriptable, named);
     const auto made = std::make_shared<MSSQLScriptStore>();
     *error = readScripts(order, control, made.get());
     if (*error || control.wasCancelled())
         return {};
     const QList<KNScriptPart> rows =
         options.data ? rowParts(order.objects(), options.csvRows) : QList<KNScriptPart>();
-    return MSSQLScriptParts::missing(objects) + MSSQLScriptParts(made, added, options).all(rows);
+    return MSSQLScriptParts::missing(objects) + MSSQLScriptParts::unordered(order) +
+           MSSQLScriptParts(made, added, options).all(rows);
 }

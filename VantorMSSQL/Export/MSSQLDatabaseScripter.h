@@ -21,7 +21,7 @@ public:
 
 private:
     KNError addTypes(const char *kind, const char *filter, QList<KNScriptObject> *objects) const;
-    MSSQLScriptOrder::Dependencies dependencies(KNError *error) const;
+    MSSQLScriptOrder orderOf(const QList<KNScriptObject> &objects, KNError *error) const;
     KNError readScripts(const MSSQLScriptOrder &order, const KNScriptControl &control,
                         MSSQLScriptStore *scripts) const;
     MSSQLScriptParts::Additions additions(const KNScriptOptions &options, KNError *error) const;

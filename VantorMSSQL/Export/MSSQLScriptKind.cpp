@@ -21,10 +21,14 @@ bool MSSQLScriptKind::isView(const KNScriptObject &object)
     return object.kind == QLatin1String("VIEW");
 }
 
+bool MSSQLScriptKind::isInlineFunction(const KNScriptObject &object)
+{
+    return isFunction(object) && object.kind.contains(QLatin1String("INLINE"));
+}
+
 bool MSSQLScriptKind::hasDeferredNames(const KNScriptObject &object)
 {
-    const bool isInline = object.kind.contains(QLatin1String("INLINE"));
-    return isProcedure(object) || (isFunction(object) && !isInline);
+    return isProcedure(object) || (isFunction(object) && !isInlineFunction(object));
 }
 
 bool MSSQLScriptKind::isScriptable(const KNScriptObject &object)

@@ -11,6 +11,8 @@ public:
     static bool isFunction(const KNScriptObject &object);
     static bool isProcedure(const KNScriptObject &object);
     static bool isView(const KNScriptObject &object);
+    /// A function that is one SELECT statement, such as a view with parameters.
+    static bool isInlineFunction(const KNScriptObject &object);
     /// Whether CREATE resolves the names in the object's text when it is executed, not before.
     static bool hasDeferredNames(const KNScriptObject &object);
     /// Whether there is a generator of its script: modules from assemblies have none.

@@ -1,6 +1,7 @@
 #include "Export/MSSQLScriptOrder.h"
 
 #include "Export/MSSQLScriptKind.h"
+#include "Export/MSSQLScriptStub.h"
 
 #include <algorithm>
 
@@ -61,7 +62,9 @@ private:
 
 } // namespace
 
-MSSQLScriptOrder::MSSQLScriptOrder(const QList<KNScriptObject> &objects, const Dependencies &dependencies)
+MSSQLScriptOrder::MSSQLScriptOrder(const QList<KNScriptObject> &objects, const Dependencies &dependencies,
+                                   const QSet<Reference> &bound)
+    : m_bound(bound)
 {
     for (const KNScriptObject &object : objects)
         m_objects.insert(object.displayName(), object);
@@ -86,7 +89,8 @@ void MSSQLScriptOrder::dropDeferred()
     Dependencies kept;
     for (auto each = m_dependencies.begin(); each != m_dependencies.end(); ++each) {
         const bool isDeferred = MSSQLScriptKind::hasDeferredNames(m_objects.value(each.key())) &&
-                                !MSSQLScriptKind::isProcedure(m_objects.value(each.value()));
+                                !MSSQLScriptKind::isProcedure(m_objects.value(each.value())) &&
+                                !m_bound.contains({each.key(), each.value()});
         if (!isDeferred || !cycles.holdsBoth(each.key(), each.value()))
             kept.insert(each.key(), each.value());
     }
@@ -97,8 +101,13 @@ void MSSQLScriptOrder::visit(const KNScriptObject &first)
 {
     QList<std::pair<QString, QStringList>> stack; // a name, and what is still to be visited before it
     const auto enter = [&](const QString &name) {
-        if (m_entered.contains(name) && !m_finished.contains(name))
-            m_late.insert(name);
+        if (m_entered.contains(name) && !m_finished.contains(name)) {
+            const Reference reference(stack.last().first, name);
+            if (MSSQLScriptStub::isPossible(m_objects.value(name)) && !m_bound.contains(reference))
+                m_late.insert(name);
+            else
+                m_unordered.append(reference);
+        }
         if (m_entered.contains(name))
             return;
         m_entered.insert(name);

@@ -63,6 +63,19 @@ QList<KNScriptPart> MSSQLScriptParts::missing(const QList<KNScriptObject> &objec
     return parts;
 }
 
+QList<KNScriptPart> MSSQLScriptParts::unordered(const MSSQLScriptOrder &order)
+{
+    QList<KNScriptPart> parts;
+    for (const auto &[from, to] : order.unordered()) {
+        const QString note =
+            KNFormat("-- Not scripted: an order in which %@ can be created. It names %@, which "
+                     "depends on it and comes behind it.\r\n",
+                     KNSQLComment::inOneLine(from), KNSQLComment::inOneLine(to));
+        parts.append(textPart(QStringLiteral("_NotScripted"), {{}, {}, from}, note));
+    }
+    return parts;
+}
+
 QList<KNScriptPart> MSSQLScriptParts::all(const QList<KNScriptPart> &rowParts) const
 {
     using BatchKind = MSSQLScriptBatches::Kind;

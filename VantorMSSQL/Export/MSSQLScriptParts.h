@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Export/MSSQLScriptOrder.h"
 #include "Export/MSSQLScriptStatements.h"
 #include "Export/MSSQLScriptStore.h"
 
@@ -33,6 +34,8 @@ public:
 
     /// Comments that name the objects whose scripts cannot be made; empty if there are none.
     static QList<KNScriptPart> missing(const QList<KNScriptObject> &objects);
+    /// Comments about objects that the script cannot create where they are.
+    static QList<KNScriptPart> unordered(const MSSQLScriptOrder &order);
     /// A part with a fixed text. `file` keeps what must run later than the object itself in another file.
     static KNScriptPart textPart(const QString &file, const KNScriptObject &object, const QString &text);
 

@@ -83,6 +83,26 @@ TEST(ScriptOrder, PutsAFunctionBeforeTheTableWhoseCheckCallsItAndThatItReads)
               TreeTesting::list({"f", "t", "v"}));
 }
 
+TEST(ScriptOrder, KeepsABoundFunctionBehindTheViewThatItReads)
+{
+    const QList<KNScriptObject> objects = {scriptObject("SQL_SCALAR_FUNCTION", "f"),
+                                           scriptObject("VIEW", "v"), scriptObject("USER_TABLE", "t")};
+    const MSSQLScriptOrder::Dependencies named = {{QStringLiteral("dbo.f"), QStringLiteral("dbo.v")},
+                                                  {QStringLiteral("dbo.v"), QStringLiteral("dbo.t")},
+                                                  {QStringLiteral("dbo.t"), QStringLiteral("dbo.f")}};
+    const MSSQLScriptOrder::Reference fromTable(QStringLiteral("dbo.t"), QStringLiteral("dbo.f"));
+    const MSSQLScriptOrder free(objects, named, {fromTable});
+    EXPECT_EQ(namesOf(free.objects()), TreeTesting::list({"f", "t", "v"}));
+    EXPECT_TRUE(free.unordered().isEmpty());
+    const MSSQLScriptOrder::Reference toTable(QStringLiteral("dbo.v"), QStringLiteral("dbo.t"));
+    const MSSQLScriptOrder bound(
+        objects, named,
+        {fromTable, toTable, MSSQLScriptOrder::Reference(QStringLiteral("dbo.f"), QStringLiteral("dbo.v"))});
+    EXPECT_EQ(namesOf(bound.objects()), TreeTesting::list({"v", "f", "t"}));
+    EXPECT_TRUE(bound.late().isEmpty());
+    EXPECT_EQ(bound.unordered(), QList<MSSQLScriptOrder::Reference>{toTable});
+}
+
 TEST(ScriptOrder, HasNoDeepRecursion)
 {
     QList<KNScriptObject> objects;
@@ -308,6 +328,51 @@ TEST_F(Scripting, CreatesAStubForAViewThatIsNamedBeforeItExists)
     EXPECT_TRUE(content(path).contains(
         QStringLiteral("IF OBJECT_DEFINITION(OBJECT_ID(N'[dbo].[a]')) LIKE N'%A stub: the definition "
                        "follows.%'\r\n\tEXEC(N'ALTER VIEW dbo.a AS SELECT id FROM dbo.b')\r\nGO\r\n")))
+        << content(path).toStdString();
+}
+
+TEST_F(Scripting, CreatesAStubForAnInlineFunctionThatIsNamedBeforeItExists)
+{
+    server->answer(
+        "List_ExportableDatabaseEntries",
+        {{"dbo.f", "dbo", "f", "SQL_INLINE_TABLE_VALUED_FUNCTION"}, {"dbo.v", "dbo", "v", "VIEW"}});
+    server->answer("List_ObjectDependencies", {{"dbo", "f", "dbo", "v", 0}, {"dbo", "v", "dbo", "f", 0}});
+    server->answer("View_AlterQuery", {{1, 1, "CREATE VIEW dbo.v AS SELECT id FROM dbo.f(1, DEFAULT)"}});
+    server->answer(
+        "Function_AlterQuery",
+        {{"SET ANSI_NULLS ON", "SET QUOTED_IDENTIFIER ON",
+          "CREATE FUNCTION dbo.f (@a int, @b money = 1) RETURNS TABLE AS RETURN SELECT id FROM dbo.v"}});
+    server->answer("List_ParametersForStoredProcedure",
+                   {{"@a", "int", 1, 0, "int"}, {"@b", "[dbo].[Rows]", 2, 0, "table type"}});
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    const QString script = content(path);
+    const qsizetype stub =
+        script.indexOf(QStringLiteral("CREATE FUNCTION [dbo].[f] (@a int = NULL, @b [dbo].[Rows] "
+                                      "READONLY)\r\nRETURNS TABLE AS\r\n/* A stub: "
+                                      "the definition follows. */\r\nRETURN SELECT CAST(NULL AS int) AS "
+                                      "[id], CAST(NULL AS nvarchar(10)) AS "
+                                      "[name]\r\nGO\r\n"));
+    const qsizetype view = script.indexOf(QStringLiteral("CREATE VIEW dbo.v"));
+    const qsizetype itself = script.indexOf(QStringLiteral("ALTER FUNCTION dbo.f (@a int, @b money = 1)"));
+    EXPECT_TRUE(stub >= 0 && stub < view && view < itself) << script.toStdString();
+}
+
+TEST_F(Scripting, NamesObjectsThatAreBoundInACycle)
+{
+    server->answer("List_ExportableDatabaseEntries",
+                   {{"dbo.t", "dbo", "t", "USER_TABLE"}, {"dbo.f", "dbo", "f", "SQL_SCALAR_FUNCTION"}});
+    server->answer("List_ObjectDependencies", {{"dbo", "t", "dbo", "f", 1}, {"dbo", "f", "dbo", "t", 1}});
+    server->answer("Function_AlterQuery",
+                   {{"SET ANSI_NULLS ON", "SET QUOTED_IDENTIFIER ON",
+                     "CREATE FUNCTION dbo.f () RETURNS int WITH SCHEMABINDING AS BEGIN "
+                     "RETURN (SELECT MAX(i) FROM dbo.t) END"}});
+    const QString path = folder.filePath(QStringLiteral("a.sql"));
+    EXPECT_FALSE(run(path));
+    EXPECT_TRUE(
+        content(path).startsWith(QStringLiteral("-- Not scripted: an order in which dbo.f can be created. It "
+                                                "names dbo.t, which depends on it and comes "
+                                                "behind it.\r\n")))
         << content(path).toStdString();
 }
 

@@ -56,7 +56,7 @@ FROM (
     LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
     WHERE s.name = N'{SCHEMA_NAME}'
         AND o.name = N'{TABLE_NAME}'
-        AND o.type IN ('U', 'V')
+        AND o.type IN ('U', 'V', 'IF')
 ) AS c
 LEFT JOIN sys.default_constraints AS d
     ON d.parent_object_id = c.object_id

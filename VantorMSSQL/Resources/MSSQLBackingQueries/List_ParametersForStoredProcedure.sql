@@ -40,7 +40,7 @@ FROM (
     LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
     WHERE s.name = N'{SCHEMA}'
         AND o.name = N'{PROCEDURE_NAME}'
-        AND o.type IN ('P', 'PC')
+        AND o.type IN ('P', 'PC', 'IF')
         AND par.parameter_id > 0
 ) AS p
 ORDER BY p.parameter_id
