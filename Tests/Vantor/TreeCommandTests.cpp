@@ -222,6 +222,18 @@ TEST(ScriptCommand, PrintsTheScriptWithThisTitle)
     EXPECT_TRUE(modify.output.contains("ALTER FUNCTION sales.OrderTotal")) << modify.output.toStdString();
 }
 
+TEST(ScriptCommand, AppendsExtendedPropertiesToTheCreationOfAnObject)
+{
+    const char *const property = "\r\nGO\r\nEXEC sp_addextendedproperty N'MS_Description', N'Two letters', "
+                                 "N'SCHEMA', N'dbo', N'TABLE', N'Customers', N'COLUMN', N'Country'\r\nGO\r\n";
+    for (const char *const title : {"CREATE to", "DROP and CREATE to"}) {
+        const QByteArray output = script({"shop/Tables/Customers", title}).output;
+        EXPECT_TRUE(output.contains(property)) << output.toStdString();
+        EXPECT_GT(output.indexOf(property), output.indexOf("CREATE TABLE [dbo].[Customers]"));
+    }
+    EXPECT_FALSE(script({"shop/Tables/Orders", "CREATE to"}).output.contains("sp_addextendedproperty"));
+}
+
 TEST(ScriptCommand, ATitleThatIsNotThereEndsWithStatus2AndTheTitles)
 {
     const Outcome outcome = script({"shop/Tables/Orders", "ALTER to"});

@@ -27,9 +27,12 @@ bool isScripted(const QString &part, const KNScriptOptions &options)
 } // namespace
 
 KNError MSSQLScriptStatements::read(const VantorDBC &details, const char *title,
-                                    const KNScriptOptions &options)
+                                    const KNScriptOptions &options, const QString &schema,
+                                    const QString &name)
 {
-    const QString sql = MSSQLCatalogReader::text(details, QString::fromLatin1(title));
+    const QString sql =
+        MSSQLCatalogReader::text(details, QString::fromLatin1(title),
+                                 {{QStringLiteral("SCHEMA"), schema}, {QStringLiteral("OBJECT"), name}});
     KNError storing;
     const KNError reading = KNRowStream::eachRow(
         details, sql,

@@ -19,8 +19,10 @@ public:
     };
 
     /// Reads the statements with a catalog query's title, without those about parts of objects that the
-    /// options leave out. Blocks on the server.
-    KNError read(const VantorDBC &details, const char *title, const KNScriptOptions &options);
+    /// options leave out: those of the object with this schema and name, or all without a name. Blocks on the
+    /// server.
+    KNError read(const VantorDBC &details, const char *title, const KNScriptOptions &options,
+                 const QString &schema = {}, const QString &name = {});
 
     bool has(const KNScriptObject &object) const;
     /// In the order of the query; empty after an error.

@@ -72,7 +72,7 @@ QString MSSQLScriptDefinitionQueryLoader::script(const VantorDBC &details, KNQue
     QString text = creationOf(*object, details, report);
     const MSSQLScriptSubject subject{keyword, object->schema, object->name, details.copy()};
     if (!text.isNull())
-        subject.review(&text, report);
+        subject.complete(&text, report);
     return text;
 }
 

@@ -1,6 +1,7 @@
 #include "Scripts/MSSQLScriptSubject.h"
 
 #include "Catalog/MSSQLDefaultSchemaHelper.h"
+#include "Export/MSSQLScriptConditions.h"
 #include "Foundation/KNFormat.h"
 #include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptReview.h"
@@ -39,6 +40,15 @@ QString noticeAbout(const MSSQLModuleHeader &header, const MSSQLScriptSubject &s
                     header.verb, header.kind, header.objectName(), subjectName(subject));
 }
 
+/// Ends the last batch of a script.
+void endBatch(QString *script)
+{
+    if (!script->endsWith(QLatin1Char('\n')))
+        *script += QLatin1String("\r\n");
+    if (!script->endsWith(QLatin1String("\nGO\r\n"), Qt::CaseInsensitive))
+        *script += QLatin1String("GO\r\n");
+}
+
 } // namespace
 
 void MSSQLScriptSubject::review(QString *script, KNQueryReport *report) const
@@ -52,6 +62,34 @@ void MSSQLScriptSubject::review(QString *script, KNQueryReport *report) const
             KNError(QStringLiteral("mssql.scripts"), 0,
                     KNFormat("It holds a statement that may not act on the %@.", subjectName(*this)));
     report->unsafeLength = script->size();
+}
+
+void MSSQLScriptSubject::complete(QString *script, KNQueryReport *report) const
+{
+    review(script, report);
+    if (report->failure)
+        return;
+    QList<const char *> titles = {"List_ExtendedPropertyStatements"};
+    if (kind == QLatin1String("VIEW"))
+        titles.prepend("List_ViewTriggerStatements");
+    const KNScriptOptions options;
+    const MSSQLScriptConditions conditions(options);
+    QString additions;
+    for (const char *const title : titles) {
+        MSSQLScriptStatements statements;
+        KNError error = statements.read(*details, title, options, schema, name);
+        const KNScriptObject object{kind, schema, name};
+        if (!error) {
+            for (const MSSQLScriptStatements::Statement &each : statements.of(object, &error))
+                additions += conditions.statement(each);
+        }
+        if (error)
+            report->failure = error;
+    }
+    if (additions.isEmpty())
+        return;
+    endBatch(script);
+    *script += additions;
 }
 
 QStringList MSSQLScriptSubject::notices(const QString &script) const

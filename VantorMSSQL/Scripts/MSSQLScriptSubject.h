@@ -20,6 +20,10 @@ struct MSSQLScriptSubject
     /// access the server.
     void review(QString *script, KNQueryReport *report) const;
 
+    /// Reviews the script that creates this object, and appends what generators leave out: the triggers of a
+    /// view and extended properties. Blocks on the server.
+    void complete(QString *script, KNQueryReport *report) const;
+
     /// One sentence for each statement at the script's beginning that acts on another object: without the
     /// schema, or of another kind. Does not access the server.
     QStringList notices(const QString &script) const;
@@ -31,6 +35,15 @@ struct MSSQLScriptSubject
         const auto loader = std::make_shared<Loader>(std::forward<Arguments>(arguments)...);
         loader->setReview(
             [subject = *this](QString *text, KNQueryReport *report) { subject.review(text, report); });
+        return loader;
+    }
+    /// Likewise, with complete scripts that create this object.
+    template <typename Loader, typename... Arguments>
+    std::shared_ptr<KNQueryLoader> creation(Arguments &&...arguments) const
+    {
+        const auto loader = std::make_shared<Loader>(std::forward<Arguments>(arguments)...);
+        loader->setReview(
+            [subject = *this](QString *text, KNQueryReport *report) { subject.complete(text, report); });
         return loader;
     }
 };

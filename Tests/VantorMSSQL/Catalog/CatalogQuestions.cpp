@@ -157,9 +157,12 @@ QList<CatalogQuestion> databaseQuestions()
                                      question("Script_TableSizes")};
     for (CatalogQuestion &question : questions)
         question.database = QStringLiteral("library");
-    for (const char *const title : {"List_ForeignKeysForScripts", "List_ExtendedPropertyStatements",
-                                    "List_PermissionStatements", "List_ViewTriggerStatements"})
+    for (const char *const title : {"List_ForeignKeysForScripts", "List_PermissionStatements"})
         questions += question(title);
+    for (const char *const title : {"List_ExtendedPropertyStatements", "List_ViewTriggerStatements"})
+        questions += question(title, {{"SCHEMA", ""}, {"OBJECT", ""}});
+    questions += question("List_ExtendedPropertyStatements", {{"SCHEMA", "dbo"}, {"OBJECT", "Customers"}});
+    questions += question("List_ViewTriggerStatements", {{"SCHEMA", "sales"}, {"OBJECT", "CustomerOrders"}});
     questions += question("TableType_CreationQuery", {{"TABLE_SCHEMA", "sales"}, {"TABLE_NAME", "LineList"}});
     return questions;
 }

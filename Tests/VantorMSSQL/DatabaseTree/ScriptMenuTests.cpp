@@ -16,6 +16,7 @@
 #include "Scripts/MSSQLScriptDropStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropViewQueryLoader.h"
+#include "Scripts/MSSQLScriptSubject.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
@@ -82,6 +83,38 @@ TEST_F(ScriptMenus, OfAView)
     script<MSSQLScriptCreateViewQueryLoader>(menu, "CREATE to");
     script<MSSQLScriptDropViewQueryLoader>(menu, "DROP to");
     script<MSSQLScriptDropAndCreateViewQueryLoader>(menu, "DROP and CREATE to");
+}
+
+TEST_F(ScriptMenus, AppendTriggersAndPropertiesOfAView)
+{
+    server->answer("List_ViewTriggerStatements",
+                   {{"OBJECT", "hr", "vw", "OBJECT_ID(N'[hr].[tr]') IS NULL", "CREATE TRIGGER hr.tr",
+                     "TRIGGER", "SET ANSI_NULLS ON\r\nGO\r\n"}});
+    server->answer("List_ExtendedPropertyStatements",
+                   {{"OBJECT", "hr", "vw", nullptr, "EXEC sp_addextendedproperty N'a'", nullptr, nullptr}});
+    const MSSQLScriptSubject view{QStringLiteral("VIEW"), QStringLiteral("hr"), QStringLiteral("vw"),
+                                  server->settings()};
+    const QString create = QStringLiteral("CREATE VIEW hr.vw AS SELECT 1 AS a");
+    const QString additions =
+        QStringLiteral("SET ANSI_NULLS ON\r\nGO\r\nCREATE TRIGGER hr.tr\r\nGO\r\nEXEC sp_addextendedproperty "
+                       "N'a'\r\nGO\r\n");
+    for (const char *const end : {"", "\r\nGO", "\r\nGO\r\n"}) {
+        QString script = create + QLatin1String(end);
+        KNQueryReport report;
+        view.complete(&script, &report);
+        EXPECT_EQ(script, create + QLatin1String("\r\nGO\r\n") + additions);
+        EXPECT_FALSE(report.failure);
+    }
+    EXPECT_TRUE(server->texts("List_ExtendedPropertyStatements")
+                    .first()
+                    .contains(QStringLiteral("q.schema_name = N'hr' AND q.object_name = N'vw'")));
+    server->fail("List_ExtendedPropertyStatements",
+                 KNError(QStringLiteral("SQLClient"), 229, QStringLiteral("No.")));
+    QString script = create;
+    KNQueryReport report;
+    view.complete(&script, &report);
+    EXPECT_EQ(report.failure.code(), 229);
+    EXPECT_TRUE(script.endsWith(QStringLiteral("CREATE TRIGGER hr.tr\r\nGO\r\n")));
 }
 
 TEST_F(ScriptMenus, OfAStoredProcedure)

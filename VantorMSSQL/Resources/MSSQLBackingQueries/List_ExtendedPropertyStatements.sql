@@ -1,6 +1,6 @@
--- The extended properties of the objects, schemas and types of this database, each as a statement with the condition
--- under which it has something to do. A value that is not text is converted from its text; one of bytes, and one of a
--- constraint whose name the server made up, is named in a comment.
+-- The extended properties of the objects, schemas and types of this database, or of one of them, each as a statement
+-- with the condition under which it has something to do. A value that is not text is converted from its text; one of
+-- bytes, and one of a constraint whose name the server made up, is named in a comment.
 DECLARE @crlf nvarchar(2)
 SET @crlf = NCHAR(13) + NCHAR(10)
 
@@ -154,4 +154,5 @@ FROM (
         WHERE p.class = 6
     ) AS l
 ) AS q
+WHERE N'{OBJECT}' = N'' OR (q.schema_name = N'{SCHEMA}' AND q.object_name = N'{OBJECT}')
 ORDER BY q.kind, q.schema_name, q.object_name, q.position, q.levels, q.name_literal

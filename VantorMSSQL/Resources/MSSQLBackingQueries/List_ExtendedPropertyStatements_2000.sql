@@ -1,6 +1,6 @@
--- The extended properties of the objects of this database, each as a statement with the condition under which it has
--- something to do. A value that is not text becomes text; bytes are named in a comment. The levels of 2000 begin with
--- the owner.
+-- The extended properties of the objects of this database, or of one of them, each as a statement with the condition
+-- under which it has something to do. A value that is not text becomes text; bytes are named in a comment. The levels
+-- of 2000 begin with the owner.
 SELECT
     N'OBJECT' AS kind,
     q.schema_name,
@@ -50,4 +50,5 @@ FROM (
     WHERE o.xtype IN ('U', 'V', 'P', 'FN', 'IF', 'TF')
         AND OBJECTPROPERTY(o.id, N'IsMSShipped') = 0
 ) AS q
+WHERE N'{OBJECT}' = N'' OR (q.schema_name = N'{SCHEMA}' AND q.object_name = N'{OBJECT}')
 ORDER BY q.schema_name, q.object_name, q.levels, q.name_literal

@@ -1,5 +1,5 @@
--- The triggers of views, each as statements with the condition under which they have something to do. What cannot be
--- seen is named in a comment.
+-- The triggers of views, or of one view, each as statements with the condition under which they have something to do.
+-- What cannot be seen is named in a comment.
 DECLARE @crlf nvarchar(2)
 SET @crlf = NCHAR(13) + NCHAR(10)
 
@@ -25,6 +25,7 @@ LEFT JOIN sys.sql_modules AS m ON m.object_id = g.object_id
 WHERE g.parent_class = 1
     AND g.is_ms_shipped = 0
     AND v.is_ms_shipped = 0
+    AND (N'{OBJECT}' = N'' OR (s.name = N'{SCHEMA}' AND v.name = N'{OBJECT}'))
 UNION ALL
 SELECT
     N'OBJECT',
@@ -43,4 +44,5 @@ WHERE g.parent_class = 1
     AND g.is_disabled = 1
     AND g.is_ms_shipped = 0
     AND v.is_ms_shipped = 0
+    AND (N'{OBJECT}' = N'' OR (s.name = N'{SCHEMA}' AND v.name = N'{OBJECT}'))
 ORDER BY 2, 3, 4 DESC, 5

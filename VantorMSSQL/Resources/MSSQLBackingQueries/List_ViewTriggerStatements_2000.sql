@@ -1,4 +1,4 @@
--- The triggers of views are named in comments: their texts stand in several rows each.
+-- The triggers of views, or of one view, are named in comments: their texts stand in several rows each.
 SELECT
     N'OBJECT' AS kind,
     u.name AS schema_name,
@@ -12,4 +12,5 @@ INNER JOIN dbo.sysobjects AS v ON v.id = g.parent_obj
 INNER JOIN dbo.sysusers AS u ON u.uid = v.uid
 WHERE g.xtype = 'TR'
     AND v.xtype = 'V'
+    AND (N'{OBJECT}' = N'' OR (u.name = N'{SCHEMA}' AND v.name = N'{OBJECT}'))
 ORDER BY u.name, v.name, g.name

@@ -141,18 +141,18 @@ KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsMenu() const
     // The DROP script for views is used for tables, too.
     const MSSQLScriptSubject table = scriptSubject();
     return scriptAsMenuItem(
-        {{"CREATE to", table.script<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
+        {{"CREATE to", table.creation<MSSQLScriptCreateTableQueryLoader>(m_tableName, m_schema)},
          {"DROP to", table.script<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
          {"DROP and CREATE to",
-          table.script<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
+          table.creation<MSSQLScriptDropAndCreateTableQueryLoader>(m_tableName, m_schema)}});
 }
 
 KNMenuItem MSSQLDatabaseTreeEntryDatabaseTable::createScriptAsForViewMenu() const
 {
     const MSSQLScriptSubject view = scriptSubject();
     return scriptAsMenuItem(
-        {{"CREATE to", view.script<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
+        {{"CREATE to", view.creation<MSSQLScriptCreateViewQueryLoader>(m_tableName, m_schema)},
          {"DROP to", view.script<MSSQLScriptDropViewQueryLoader>(m_tableName, m_schema)},
          {"DROP and CREATE to",
-          view.script<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
+          view.creation<MSSQLScriptDropAndCreateViewQueryLoader>(m_tableName, m_schema)}});
 }

@@ -52,9 +52,9 @@ KNMenuItem MSSQLDatabaseTreeEntryFunction::createScriptAsMenu() const
 {
     return scriptAsMenuItem(
         {{"CREATE to",
-          scriptSubject().script<MSSQLScriptCreateFunctionQueryLoader>(m_functionName, m_schema)},
+          scriptSubject().creation<MSSQLScriptCreateFunctionQueryLoader>(m_functionName, m_schema)},
          {"ALTER to", scriptSubject().script<MSSQLScriptAlterFunctionQueryLoader>(m_functionName, m_schema)},
          {"DROP to", scriptSubject().script<MSSQLScriptDropFunctionQueryLoader>(m_functionName, m_schema)},
          {"DROP and CREATE to",
-          scriptSubject().script<MSSQLScriptDropAndCreateFunctionQueryLoader>(m_functionName, m_schema)}});
+          scriptSubject().creation<MSSQLScriptDropAndCreateFunctionQueryLoader>(m_functionName, m_schema)}});
 }

@@ -80,11 +80,11 @@ KNMenuItem MSSQLDatabaseTreeEntryStoredProcedure::createScriptAsMenu() const
 {
     return scriptAsMenuItem(
         {{"CREATE to",
-          scriptSubject().script<MSSQLScriptCreateStoredProcedureQueryLoader>(procedureName(), schema())},
+          scriptSubject().creation<MSSQLScriptCreateStoredProcedureQueryLoader>(procedureName(), schema())},
          {"ALTER to",
           scriptSubject().script<MSSQLScriptAlterStoredProcedureQueryLoader>(procedureName(), schema())},
          {"DROP to",
           scriptSubject().script<MSSQLScriptDropStoredProcedureQueryLoader>(procedureName(), schema())},
-         {"DROP and CREATE to", scriptSubject().script<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(
+         {"DROP and CREATE to", scriptSubject().creation<MSSQLScriptDropAndCreateStoredProcedureQueryLoader>(
                                     procedureName(), schema())}});
 }

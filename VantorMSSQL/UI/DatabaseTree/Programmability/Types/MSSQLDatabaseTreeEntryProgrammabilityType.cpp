@@ -34,8 +34,8 @@ KNMenu MSSQLDatabaseTreeEntryProgrammabilityType::menu()
     return {
         QStringLiteral("Menu"),
         {scriptAsMenuItem(
-            {{"CREATE to", type.script<MSSQLScriptCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
+            {{"CREATE to", type.creation<MSSQLScriptCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
              {"DROP to", type.script<MSSQLScriptDropTypeQueryLoader>(m_typeName, m_schema, m_typeType)},
              {"DROP and CREATE to",
-              type.script<MSSQLScriptDropAndCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)}})}};
+              type.creation<MSSQLScriptDropAndCreateTypeQueryLoader>(m_typeName, m_schema, m_typeType)}})}};
 }
