@@ -234,15 +234,18 @@ TEST_F(ExportCommand, WritesRowsAsCsvFilesWithScriptsThatLoadThem)
               "1,\"\",0x0AFF\n2,\\N,\\N\n3,\\\\N,\\N\n4,\"a\"\"b,c\",\\N\n");
     EXPECT_EQ(content(target + utf16("_run_all.sql")), ":r \"dbo.t.sql\"\r\n:r \"dbo.t.Load.sql\"\r\n");
     QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
-    EXPECT_TRUE(loading.startsWith(
+    EXPECT_TRUE(loading.startsWith("-- Loads dbo.t.csv into [dbo].[t] with sqlcmd -v DataFolder="));
+    EXPECT_FALSE(loading.left(loading.indexOf("CREATE TABLE")).contains("$("));
+    EXPECT_TRUE(loading.contains(
         "CREATE TABLE #Rows (\r\n\t[id] nvarchar(max) NULL,\r\n\t[name] nvarchar(max) NULL,\r\n\t[bytes] "
         "nvarchar(max) NULL\r\n)\r\nGO\r\nBULK INSERT #Rows FROM N'$(DataFolder)dbo.t.csv' WITH (FORMAT = "
         "'CSV', "
-        "CODEPAGE = '65001', ROWTERMINATOR = '0x0a')\r\nGO\r\nSET DATEFORMAT ymd\r\nSET IDENTITY_INSERT "
+        "CODEPAGE = '65001', ROWTERMINATOR = '0x0a', MAXERRORS = 0)\r\nGO\r\nSET DATEFORMAT ymd\r\nSET "
+        "IDENTITY_INSERT "
         "[dbo].[t] ON\r\nINSERT INTO [dbo].[t] ([id], [name], [bytes])\r\nSELECT\r\n"))
         << loading.toStdString();
     // The sample server has no BULK INSERT: the rest of the script is tried with rows as it would load them.
-    const qsizetype bulk = loading.indexOf("BULK INSERT");
+    const qsizetype bulk = loading.indexOf("BULK INSERT #Rows");
     loading.replace(
         bulk, loading.indexOf("SET DATEFORMAT") - bulk,
         "INSERT INTO #Rows VALUES ('1', NULL, '0x0AFF'), ('2', '\\N', '\\N'), ('3', '\\\\N', '\\N'), "
@@ -254,6 +257,31 @@ TEST_F(ExportCommand, WritesRowsAsCsvFilesWithScriptsThatLoadThem)
     EXPECT_EQ(query("rows1", "SELECT * FROM dbo.t ORDER BY id"), before);
     EXPECT_EQ(exported("rows1", {"--data", "--csv"}).status, 2);
     EXPECT_EQ(exported("rows1", {"--csv", "--to", qPrintable(target)}).status, 2);
+}
+
+TEST_F(ExportCommand, KeepsBlanksOfXmlAndNamesTypesThatAreLost)
+{
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"
+                    "IF DB_ID('typed') IS NOT NULL DROP DATABASE typed\nGO\nCREATE DATABASE typed");
+    query("typed",
+          "CREATE TABLE dbo.t (id int PRIMARY KEY, x xml NULL, v sql_variant NULL, m money NULL)\nGO\n"
+          "INSERT INTO dbo.t VALUES (1, CONVERT(xml, N'<a> <b/> </a>', 1), 5, 1.5), (2, NULL, NULL, NULL)");
+    const char *const lost =
+        "-- Not scripted: the types of the values of [v], an sql_variant column: they become text.\r\n";
+    const QByteArray script = exported("typed", {"--data"}).output;
+    EXPECT_TRUE(script.contains(QByteArray(lost) + "INSERT INTO [dbo].[t] ([id], [x], [v], [m]) VALUES\r\n"
+                                                   "(1, CONVERT(xml, '<a> <b/> </a>', 1), '5', 1.5000),\r\n"
+                                                   "(2, CONVERT(xml, NULL, 1), NULL, NULL);\r\n"))
+        << script.toStdString();
+    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    EXPECT_EQ(query("copied", "SELECT id, x, m FROM dbo.t"), query("typed", "SELECT id, x, m FROM dbo.t"));
+    const QString target = folder.filePath(utf16("csv/"));
+    EXPECT_EQ(exported("typed", {"--data", "--csv", "--to", qPrintable(target)}).status, 0);
+    const QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    EXPECT_TRUE(loading.contains(QByteArray(lost) + "CREATE TABLE #Rows")) << loading.toStdString();
+    EXPECT_TRUE(loading.contains("\tCONVERT(xml, CASE WHEN [x] = N'\\N' THEN NULL"));
+    EXPECT_TRUE(loading.contains("\tCONVERT(money, CASE WHEN [m] = N'\\N' THEN NULL"));
 }
 
 TEST_F(ExportCommand, AFullDeviceIsAnError)

@@ -4,6 +4,7 @@
 #include "Export/ResultStream.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "SQL/KNSQLComment.h"
 
 namespace {
 
@@ -62,8 +63,24 @@ QString loadedValue(const MSSQLColumnRecord &column)
         return KNFormat("CAST(%@ AS %@)", bytes, column.typeName);
     if (column.typeName.endsWith(QLatin1String("binary")) || column.typeName == QLatin1String("image"))
         return bytes;
-    return column.typeName == QLatin1String("sql_variant") ? KNFormat("CONVERT(nvarchar(4000), %@)", text)
-                                                           : text;
+    if (MSSQLTableRowsScript::isVariant(column))
+        return KNFormat("CONVERT(nvarchar(4000), %@)", text);
+    if (MSSQLTableRowsScript::isXml(column))
+        return KNFormat("CONVERT(xml, %@, 1)", text);
+    return column.typeName.endsWith(QLatin1String("money"))
+               ? KNFormat("CONVERT(%@, %@)", column.typeName, text)
+               : text;
+}
+
+/// What the script needs, and what it cannot load.
+QString loadingHead(const QString &fileName, const QString &path, const QList<MSSQLColumnRecord> &columns)
+{
+    const QString head = KNFormat(
+        "-- Loads %@ into %@ with sqlcmd -v DataFolder=\"...\", a folder of the server with a slash "
+        "at its end. BULK INSERT of\r\n-- CSV needs SQL Server 2017 and the permission ADMINISTER BULK "
+        "OPERATIONS; Azure SQL Database reads blobs only\r\n-- (DATA_SOURCE).\r\n",
+        KNSQLComment::inOneLine(fileName), KNSQLComment::inOneLine(path));
+    return head + MSSQLTableRowsScript::lostTypes(columns);
 }
 
 } // namespace
@@ -106,12 +123,13 @@ KNError MSSQLTableRowsCsv::writeLoading(const QString &fileName, QIODevice &devi
     };
     const QString separator = QStringLiteral(",\r\n");
     const QString script = KNFormat(
-        "CREATE TABLE #Rows (\r\n%@\r\n)\r\nGO\r\n"
+        "%@CREATE TABLE #Rows (\r\n%@\r\n)\r\nGO\r\n"
         "BULK INSERT #Rows FROM N'$(DataFolder)%@' WITH (FORMAT = 'CSV', CODEPAGE = '65001', ROWTERMINATOR = "
-        "'0x0a')\r\nGO\r\nSET DATEFORMAT ymd\r\n%@INSERT INTO %@ (%@)\r\nSELECT\r\n%@\r\nFROM #Rows\r\n%@"
+        "'0x0a', MAXERRORS = 0)\r\nGO\r\nSET DATEFORMAT ymd\r\n%@INSERT INTO %@ (%@)\r\nSELECT\r\n%@\r\nFROM "
+        "#Rows\r\n%@"
         "GO\r\nDROP TABLE #Rows\r\nGO\r\n",
-        loaded.join(separator), fileName, identity("ON"), m_path, names.join(QStringLiteral(", ")),
-        values.join(separator), identity("OFF"));
+        loadingHead(fileName, m_path, columns), loaded.join(separator), fileName, identity("ON"), m_path,
+        names.join(QStringLiteral(", ")), values.join(separator), identity("OFF"));
     device.write(script.toUtf8());
     return {};
 }

@@ -5,6 +5,7 @@
 #include "Export/ResultStream.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "SQL/KNSQLComment.h"
 
 namespace {
 
@@ -17,10 +18,27 @@ QString selected(const MSSQLColumnRecord &column)
     const QString name = bracketed(column.columnName);
     if (MSSQLTableRowsScript::isClrType(column))
         return KNFormat("CAST(%@ AS varbinary(max)) AS %@", name, name);
-    if (column.typeName == QLatin1String("sql_variant"))
+    if (MSSQLTableRowsScript::isVariant(column))
         return KNFormat("CAST(%@ AS nvarchar(4000)) AS %@", name, name);
     return name;
 }
+
+/// What makes the value of a column of a literal.
+struct Conversion
+{
+    QByteArray before;
+    QByteArray behind;
+
+    static Conversion of(const MSSQLColumnRecord &column)
+    {
+        if (MSSQLTableRowsScript::isClrType(column))
+            return {"CAST(", KNFormat(" AS %@)", column.typeName).toUtf8()};
+        // Style 1 keeps blanks between elements.
+        if (MSSQLTableRowsScript::isXml(column))
+            return {"CONVERT(xml, ", ", 1)"};
+        return {};
+    }
+};
 
 /// Writes rows as statements of one table.
 class InsertStatements : public DeviceWriter
@@ -31,14 +49,13 @@ public:
         : DeviceWriter(device)
         , m_control(control)
         , m_path(path.toUtf8())
+        , m_lostTypes(MSSQLTableRowsScript::lostTypes(columns).toUtf8())
     {
         QStringList names;
         for (const MSSQLColumnRecord &column : columns) {
             names.append(bracketed(column.columnName));
             m_hasIdentity = m_hasIdentity || column.isIdentity;
-            m_casts.append(MSSQLTableRowsScript::isClrType(column)
-                               ? KNFormat(" AS %@)", column.typeName).toUtf8()
-                               : QByteArray());
+            m_conversions.append(Conversion::of(column));
         }
         m_head = "INSERT INTO " + m_path + " (" + names.join(QLatin1String(", ")).toUtf8() + ") VALUES\r\n";
     }
@@ -46,8 +63,10 @@ public:
     void beginResult(const QStringList &) override {}
     void writeRow(Cells cells) override
     {
-        if (m_count == 0)
+        if (m_count == 0) {
+            write(m_lostTypes);
             switchIdentity("ON");
+        }
         const bool isFirst = m_count % MSSQLTableRowsScript::RowsPerStatement == 0;
         if (isFirst && m_count > 0) {
             write(";\r\nGO\r\n");
@@ -56,11 +75,11 @@ public:
         KNByteBuffer &text = buffer();
         text.append(isFirst ? QByteArrayView(m_head) : QByteArrayView(",\r\n"));
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            const QByteArray &cast = m_casts[static_cast<qsizetype>(i)];
+            const Conversion &conversion = m_conversions[static_cast<qsizetype>(i)];
             text.append(i == 0 ? QByteArrayView("(") : QByteArrayView(", "));
-            text.append(cast.isEmpty() ? QByteArrayView() : QByteArrayView("CAST("));
+            text.append(conversion.before);
             MSSQLCellLiteral::append(text, cells[i]);
-            text.append(cast);
+            text.append(conversion.behind);
         }
         text.append(')');
         flushLargePiece();
@@ -85,8 +104,9 @@ private:
 
     const KNScriptControl &m_control;
     const QByteArray m_path;
+    const QByteArray m_lostTypes;
     QByteArray m_head;
-    QList<QByteArray> m_casts; ///< what closes the CAST of a column; empty without one
+    QList<Conversion> m_conversions; ///< one for each column
     bool m_hasIdentity = false;
     qint64 m_count = 0;
 };
@@ -111,6 +131,29 @@ bool MSSQLTableRowsScript::isClrType(const MSSQLColumnRecord &column)
     return column.typeName.contains(QLatin1String("hierarchyid")) ||
            column.typeName.contains(QLatin1String("geometry")) ||
            column.typeName.contains(QLatin1String("geography"));
+}
+
+bool MSSQLTableRowsScript::isVariant(const MSSQLColumnRecord &column)
+{
+    return column.typeName == QLatin1String("sql_variant");
+}
+
+bool MSSQLTableRowsScript::isXml(const MSSQLColumnRecord &column)
+{
+    return column.typeName == QLatin1String("xml");
+}
+
+QString MSSQLTableRowsScript::lostTypes(const QList<MSSQLColumnRecord> &columns)
+{
+    QString comments;
+    for (const MSSQLColumnRecord &column : columns) {
+        if (isVariant(column))
+            comments +=
+                KNFormat("-- Not scripted: the types of the values of %@, an sql_variant column: they "
+                         "become text.\r\n",
+                         KNSQLComment::inOneLine(bracketed(column.columnName)));
+    }
+    return comments;
 }
 
 QList<MSSQLColumnRecord> MSSQLTableRowsScript::columns(KNError *error) const

@@ -22,6 +22,10 @@ public:
     QString query(const QList<MSSQLColumnRecord> &columns) const;
     /// Whether its values are read and written as bytes, of which only CAST makes them.
     static bool isClrType(const MSSQLColumnRecord &column);
+    static bool isVariant(const MSSQLColumnRecord &column);
+    static bool isXml(const MSSQLColumnRecord &column);
+    /// Comments on columns whose values lose their types; empty if there are none.
+    static QString lostTypes(const QList<MSSQLColumnRecord> &columns);
     /// Whether an INSERT can set the column: its value is neither computed nor the server's.
     static bool isInserted(const MSSQLColumnRecord &column);
 
