@@ -1,4 +1,5 @@
 #include "Vantor/Program.h"
+#include "VantorMSSQL/Scripts/MariaDb.h"
 
 #include <QDir>
 #include <QFile>
@@ -182,6 +183,54 @@ TEST_F(ExportCommand, WritesTheTablesForMySQL)
     const QByteArray script = exported("library", {"--data", "--mysql"}).output;
     EXPECT_TRUE(script.contains("CREATE TABLE `Books` ("));
     EXPECT_TRUE(script.contains("INSERT INTO `Books` VALUES ("));
+}
+
+TEST_F(ExportCommand, WritesRowsThatMariaDbReadsAlike)
+{
+    if (!MariaDb::isInstalled())
+        GTEST_SKIP() << "MariaDB is not installed: scripts/setup installs it";
+    query("master", "IF DB_ID('moving') IS NOT NULL DROP DATABASE moving\nGO\nCREATE DATABASE moving");
+    const Outcome copied =
+        runIn("moving", {utf16("query"), utf16("--file"), write(exported("library", {"--data"}).output)});
+    ASSERT_EQ(copied.status, 0) << copied.errors.toStdString();
+    query("moving",
+          "CREATE TABLE dbo.Hard (Id int IDENTITY PRIMARY KEY, T nvarchar(60) NULL, B varbinary(8) NULL, "
+          "M money NULL, F float NULL)\nGO\nINSERT INTO dbo.Hard (T, B, M, F) VALUES "
+          "(N'it''s \\ \"100%\"; Кофе', 0x00275CFF, -922337203685477.5808, 0.1), (N'', 0x, 0, 0), "
+          "(NULL, NULL, NULL, NULL)");
+    const QString file = folder.filePath(utf16("moving.sql"));
+    ASSERT_EQ(exported("moving", {"--data", "--mysql", "--to", qPrintable(file)}).status, 0);
+
+    MariaDb mariaDb;
+    QString error;
+    mariaDb.run("CREATE DATABASE target", utf16("mysql"), &error);
+    mariaDb.run(content(file), utf16("target"), &error);
+    ASSERT_TRUE(error.isNull()) << error.toStdString();
+    const auto rowsIn = [&](const char *sql) {
+        QByteArray text;
+        for (const QList<QByteArray> &row : mariaDb.run(sql, utf16("target"), &error))
+            text += row.join(',') + '\n';
+        EXPECT_TRUE(error.isNull()) << error.toStdString();
+        return text;
+    };
+    EXPECT_EQ(rowsIn("SELECT Id, HEX(CONVERT(T USING utf8mb4)), HEX(B), M, F FROM Hard ORDER BY Id"),
+              "1," + QByteArray("it's \\ \"100%\"; Кофе").toHex().toUpper() +
+                  ",00275CFF,-922337203685477.5808,0.1\n2,,,0.0000,0\n3,NULL,NULL,NULL,NULL\n");
+    const std::pair<const char *, const char *> tables[] = {
+        {"SELECT AuthorId, Name, ISNULL(CONVERT(varchar(9), Born), 'NULL') FROM dbo.Authors ORDER BY 1",
+         "SELECT AuthorId, Name, Born FROM Authors ORDER BY 1"},
+        {"SELECT Isbn, Title, AuthorId, ISNULL(CONVERT(varchar(9), Pages), 'NULL') FROM dbo.Books ORDER BY 1",
+         "SELECT Isbn, Title, AuthorId, Pages FROM Books ORDER BY 1"},
+        {"SELECT LoanId, Isbn, Reader, CONVERT(varchar(19), LentAt, 120), ISNULL(CONVERT(varchar(19), "
+         "ReturnedAt, "
+         "120), 'NULL') FROM dbo.Loans ORDER BY 1",
+         "SELECT LoanId, Isbn, Reader, LentAt, ReturnedAt FROM Loans ORDER BY 1"},
+    };
+    for (const auto &[ofServer, ofMariaDb] : tables) {
+        const QByteArray wanted = query("moving", ofServer);
+        EXPECT_GT(wanted.count('\n'), 4);
+        EXPECT_EQ(rowsIn(ofMariaDb), wanted.mid(wanted.indexOf('\n') + 1)) << ofServer;
+    }
 }
 
 TEST_F(ExportCommand, ReplacesAFileOrFillsAFolder)

@@ -196,7 +196,7 @@ KNError DatabaseExporter::writeTable(const Table &table, QIODevice &device) cons
         return writeInserts(table, device);
     KNQueryReport report;
     MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
-        table.name, table.schema, true, true, true, *m_details, device, &report, m_isCancelled);
+        table.name, table.schema, true, true, true, *m_details, device, &report, {m_isCancelled});
     if (!report.failure && !writeUtf8(device, QStringLiteral("\r\n\r\n")))
         return fileError(device);
     return report.failure;

@@ -169,7 +169,7 @@ QList<KNScriptPart> MSSQLDatabaseScripter::mySQLParts(const QList<KNScriptObject
             KNQueryReport report;
             MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
                 object.name, object.schema, options.schema && options.drops, options.schema, options.data,
-                *details, device, &report, control.isCancelled);
+                *details, device, &report, control);
             device.write("\r\n\r\n");
             return report.failure;
         };

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr auto ErrorDomain = "mssql.queryLoader.tableAsMySQL";
+constexpr qint64 RowInterval = 500; ///< rows between two reports of progress
 
 QString failureComment(const QString &table, const KNError &error)
 {
@@ -84,7 +85,7 @@ public:
 
     /// Writes the rows as they arrive. They wait in a temporary file, because a comment before them counts
     /// them. An error when the script does not hold all of them.
-    KNError writeInserts(QIODevice &device, const KNRowStream::IsCancelled &isCancelled) const
+    KNError writeInserts(QIODevice &device, const KNScriptControl &control) const
     {
         QStringList expressions;
         for (const MSSQLMySQLTranslation &column : m_translations)
@@ -97,8 +98,11 @@ public:
         const auto store = [&](const KNRow &row) {
             const QString separator = count++ == 0 ? QString() : QStringLiteral(";\r\n");
             isStored = isStored && writeText(rows, separator + insertStatement(row));
+            if (count % RowInterval == 0)
+                control.reportRows(RowInterval);
         };
-        KNError error = KNRowStream::eachRow(m_details, query, store, isCancelled);
+        KNError error = KNRowStream::eachRow(m_details, query, store, control.isCancelled);
+        control.reportRows(count % RowInterval);
         isStored = isStored && (count == 0 || writeText(rows, QStringLiteral(";"))) && rows.flush();
         if (!error && !isStored)
             error = KNError(QString::fromLatin1(ErrorDomain), 0,
@@ -173,10 +177,12 @@ QString MSSQLScriptTableAsMySQLQueryLoader::creationQueryForTable(const QString 
     return script.isNull() ? QStringLiteral("") : script;
 }
 
-void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
-    const QString &table, const QString &inSchema, bool includeDrop, bool includeCreate, bool includeInserts,
-    const VantorDBC &withConnectionDetails, QIODevice &device, KNQueryReport *report,
-    const KNRowStream::IsCancelled &isCancelled)
+void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(const QString &table,
+                                                                    const QString &inSchema, bool includeDrop,
+                                                                    bool includeCreate, bool includeInserts,
+                                                                    const VantorDBC &withConnectionDetails,
+                                                                    QIODevice &device, KNQueryReport *report,
+                                                                    const KNScriptControl &control)
 {
     TableScript tableScript(table, inSchema, withConnectionDetails);
     KNError error;
@@ -188,7 +194,7 @@ void MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
         if (includeCreate)
             writeText(device, tableScript.create());
         if (includeInserts)
-            error = tableScript.writeInserts(device, isCancelled);
+            error = tableScript.writeInserts(device, control);
     }
     if (report)
         report->failure = error;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Database/KNRowStream.h"
+#include "Export/KNDatabaseScripter.h"
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
 /// A table with its rows as a script for MySQL.
@@ -32,12 +32,11 @@ public:
                                          KNQueryReport *report = nullptr);
 
     /// The same, written in UTF-8 while rows arrive: only some thousand of them are in memory at a time.
-    /// `isCancelled` may be empty; it stops the reading of rows.
+    /// `control` can stop the reading of rows and receives their number.
     static void writeCreationQueryForTable(const QString &table, const QString &inSchema, bool includeDrop,
                                            bool includeCreate, bool includeInserts,
                                            const VantorDBC &withConnectionDetails, QIODevice &device,
-                                           KNQueryReport *report,
-                                           const KNRowStream::IsCancelled &isCancelled = {});
+                                           KNQueryReport *report, const KNScriptControl &control = {});
 
     bool writeQuery(const VantorDBC &details, QIODevice &device, KNQueryReport *report) const override;
 

@@ -1,3 +1,6 @@
+#include "Export/DatabaseExporter.h"
+#include "Export/KNScriptExport.h"
+#include "Export/MSSQLDatabaseScripter.h"
 #include "Foundation/KNFormat.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 #include "Scripts/MSSQLScriptTablesAsMySQLQueryLoader.h"
@@ -336,6 +339,62 @@ TEST_F(MySQLLoad, BringsTheRestOfTheKindsOfColumns)
                                    .toUpper();
     EXPECT_EQ(loaded[0], (QList<QByteArray>{"5", "1.500", hierarchy, version, "3.000", "7", "1"}));
     EXPECT_FALSE(hierarchy.isEmpty());
+}
+
+TEST_F(MySQLLoad, BringsTheFileOfTheExporter)
+{
+    const SampleServerFixture server;
+    const auto details = settings(server.port());
+    details->setDatabase(QStringLiteral("library"));
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("library.sql"));
+    KNError error;
+    DatabaseExporter(path, *details, DatabaseExporter::Form::MySQL)
+        .exportWithProgressBlock({}, [&](const KNError &outcome) { error = outcome; });
+    ASSERT_FALSE(error) << error.localizedDescription().toStdString();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    load(QString::fromUtf8(file.readAll()));
+
+    const auto client =
+        connectedClient(std::static_pointer_cast<MSSQLDatabaseConnectionDetails>(details->copy()));
+    const auto rows = client->executeQuery(
+        QStringLiteral(
+            "SELECT LoanId, Isbn, Reader, CONVERT(varchar(19), LentAt, 120), "
+            "ISNULL(CONVERT(varchar(19), ReturnedAt, 120), 'NULL') FROM dbo.Loans ORDER BY LoanId"),
+        &error);
+    const auto loaded = load(QStringLiteral("SELECT * FROM Loans ORDER BY LoanId"));
+    ASSERT_EQ(loaded.size(), 60);
+    for (const QList<QByteArray> &row : loaded) {
+        ASSERT_TRUE(rows->next());
+        for (qsizetype i = 0; i < row.size(); ++i)
+            EXPECT_EQ(QString::fromUtf8(row[i]), rows->objectForColumnIndex(i).displayText());
+    }
+    EXPECT_FALSE(rows->next());
+}
+
+TEST(MySQLExport, ReportsItsRows)
+{
+    const SampleServerFixture server;
+    const auto details = settings(server.port());
+    details->setDatabase(QStringLiteral("library"));
+    run(*connectedClient(std::static_pointer_cast<MSSQLDatabaseConnectionDetails>(details->copy())),
+        QStringLiteral("SELECT id INTO dbo.Many FROM generate_rows(1234)"));
+    MSSQLDatabaseScripter scripter(*details);
+    KNError error;
+    KNScriptExport scripts;
+    const QTemporaryDir folder;
+    scripts.path = folder.filePath(QStringLiteral("many.sql"));
+    scripts.options.language = KNScriptOptions::Language::MySQL;
+    scripts.options.data = true;
+    for (const KNScriptObject &object : scripter.objects(&error)) {
+        if (object.name == QLatin1String("Many"))
+            scripts.objects.append(object);
+    }
+    QList<qint64> reported;
+    EXPECT_FALSE(
+        scripts.run(scripter, [&](const KNScriptProgress &progress) { reported.append(progress.rows); }, {}));
+    EXPECT_EQ(reported, (QList<qint64>{0, 500, 1000, 1234}));
 }
 
 TEST_F(MySQLLoad, BringsTheTablesOfADatabase)
