@@ -75,10 +75,9 @@ bool KNZipDevice::beginPart(const QString &name)
     information.tmz_date = now();
     if (!endPart())
         return false;
-    m_isInPart =
-        zipOpenNewFileInZip4_64(m_zip, name.toUtf8().constData(), &information, nullptr, 0, nullptr, 0,
-                                nullptr, Z_DEFLATED, Z_DEFAULT_COMPRESSION, 0, -MAX_WBITS, DEF_MEM_LEVEL,
-                                Z_DEFAULT_STRATEGY, nullptr, 0, 0, NameIsUtf8, MayBeLarge) == ZIP_OK;
+    m_isInPart = zipOpenNewFileInZip4_64(m_zip, name.toUtf8().constData(), &information, nullptr, 0, nullptr,
+                                         0, nullptr, Z_DEFLATED, Z_BEST_SPEED, 0, -MAX_WBITS, DEF_MEM_LEVEL,
+                                         Z_DEFAULT_STRATEGY, nullptr, 0, 0, NameIsUtf8, MayBeLarge) == ZIP_OK;
     m_isGood = m_isInPart;
     return m_isGood;
 }
