@@ -129,13 +129,14 @@ TEST(ScriptBatches, AreKnownByWhatTheyMake)
         "SET QUOTED_IDENTIFIER ON\r\nGO\r\nCREATE TRIGGER [a].[tr] ON [a].[t] FOR INSERT AS SELECT "
         "1\r\nGO\r\n"
         "DISABLE TRIGGER [a].[tr] ON [a].[t]\r\nGO\r\n"
-        "ALTER INDEX [i] ON [a].[t] DISABLE\r\nGO\r\n"));
+        "ALTER INDEX [i] ON [a].[t] DISABLE\r\nGO\r\n"
+        "CREATE SELECTIVE XML INDEX [sx] ON [a].[t] ([x]) FOR ([p] = '/a')\r\nGO\r\n"));
     const auto &all = batches.all();
-    ASSERT_EQ(all.size(), 8);
+    ASSERT_EQ(all.size(), 9);
     const QList<std::pair<BatchKind, const char *>> expected = {
         {BatchKind::Object, ""},     {BatchKind::Index, "i]x"},  {BatchKind::ForeignKey, "FK_t"},
         {BatchKind::ForeignKey, ""}, {BatchKind::Check, "CK_t"}, {BatchKind::Trigger, "tr"},
-        {BatchKind::Trigger, ""},    {BatchKind::Index, ""}};
+        {BatchKind::Trigger, ""},    {BatchKind::Index, ""},     {BatchKind::Index, "sx"}};
     for (qsizetype i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(all[i].kind, expected[i].first) << i;
         EXPECT_EQ(all[i].name, QString::fromLatin1(expected[i].second)) << i;

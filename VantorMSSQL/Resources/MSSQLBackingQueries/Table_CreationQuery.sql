@@ -50,7 +50,17 @@ DECLARE @ordered_column TABLE (
     name nvarchar(300) NOT NULL
 )
 DECLARE @selective_xml TABLE (
-    index_id int NOT NULL PRIMARY KEY
+    index_id int NOT NULL PRIMARY KEY,
+    is_secondary bit NOT NULL,
+    head nvarchar(max) NULL,
+    namespaces nvarchar(max) NULL,
+    paths nvarchar(max) NULL
+)
+DECLARE @selective_item TABLE (
+    index_id int NOT NULL,
+    is_path bit NOT NULL,
+    ordinal int NOT NULL,
+    body nvarchar(max) NULL
 )
 DECLARE @statistic TABLE (
     stats_id int NOT NULL PRIMARY KEY,
@@ -237,11 +247,128 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.index
         @table
 
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.xml_indexes') AND name = N'xml_index_type')
-    INSERT INTO @selective_xml (index_id)
+    INSERT INTO @selective_xml (index_id, is_secondary, head, namespaces, paths)
     EXEC sp_executesql N'
-        SELECT i.index_id FROM sys.xml_indexes AS i WHERE i.object_id = @table AND i.xml_index_type > 1',
+        SELECT
+            i.index_id,
+            CASE WHEN p.name IS NULL THEN 0 ELSE 1 END,
+            CASE WHEN p.name IS NULL THEN N''CREATE SELECTIVE XML INDEX '' ELSE N''CREATE XML INDEX '' END
+                + QUOTENAME(i.name) + N'' ON '' + @target + N'' ('' + QUOTENAME(c.name) + N'')''
+                + ISNULL(N'' USING XML INDEX '' + QUOTENAME(p.name), N''''),
+            N'''',
+            N''''
+        FROM sys.xml_indexes AS i
+        LEFT JOIN sys.index_columns AS ic
+            ON ic.object_id = i.object_id
+            AND ic.index_id = i.index_id
+            AND ic.index_column_id = 1
+        LEFT JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
+        LEFT JOIN sys.xml_indexes AS p ON p.object_id = i.object_id AND p.index_id = i.using_xml_index_id
+        WHERE i.object_id = @table
+            AND i.xml_index_type > 1',
+        N'@table int, @target nvarchar(600)',
+        @table,
+        @target
+
+-- The namespaces and paths of selective XML indexes; those on top of them have one path each.
+IF EXISTS (SELECT 1 FROM @selective_xml)
+    AND OBJECT_ID(N'sys.selective_xml_index_paths') IS NOT NULL
+    AND OBJECT_ID(N'sys.selective_xml_index_namespaces') IS NOT NULL
+    INSERT INTO @selective_item (index_id, is_path, ordinal, body)
+    EXEC sp_executesql N'
+        SELECT
+            n.index_id,
+            0,
+            ROW_NUMBER() OVER (PARTITION BY n.index_id ORDER BY n.is_default_uri DESC, n.prefix),
+            CASE WHEN n.is_default_uri = 1 THEN N''DEFAULT '' ELSE N'''' END
+                + N'''''''' + REPLACE(n.uri COLLATE DATABASE_DEFAULT, N'''''''', N'''''''''''') + N''''''''
+                + CASE
+                    WHEN n.is_default_uri = 1 THEN N''''
+                    WHEN n.prefix LIKE N''%[^A-Za-z0-9_]%''
+                        THEN N'' AS '' + QUOTENAME(n.prefix) COLLATE DATABASE_DEFAULT
+                    ELSE N'' AS '' + n.prefix COLLATE DATABASE_DEFAULT
+                END
+        FROM sys.selective_xml_index_namespaces AS n
+        WHERE n.object_id = @table
+        UNION ALL
+        SELECT
+            p.index_id,
+            1,
+            ROW_NUMBER() OVER (PARTITION BY p.index_id ORDER BY p.path_id),
+            QUOTENAME(p.name) COLLATE DATABASE_DEFAULT + N'' = ''
+                + CASE WHEN CONVERT(nvarchar(4000), CONVERT(varchar(4000), p.path)) = p.path THEN N'''' ELSE N''N'' END
+                + N'''''''' + REPLACE(p.path COLLATE DATABASE_DEFAULT, N'''''''', N'''''''''''') + N''''''''
+                + CASE
+                    WHEN p.path_type = 1
+                        THEN N'' AS SQL '' + t.name COLLATE DATABASE_DEFAULT
+                            + CASE
+                                WHEN t.name IN (N''decimal'', N''numeric'')
+                                    THEN N''('' + CONVERT(nvarchar(10), p.[precision]) + N'',''
+                                        + CONVERT(nvarchar(10), p.scale) + N'')''
+                                WHEN t.name IN (N''time'', N''datetime2'', N''datetimeoffset'')
+                                    THEN N''('' + CONVERT(nvarchar(10), p.scale) + N'')''
+                                WHEN t.name NOT IN (
+                                    N''char'', N''varchar'', N''nchar'', N''nvarchar'', N''binary'', N''varbinary''
+                                )
+                                    THEN N''''
+                                WHEN p.max_length = -1 THEN N''(max)''
+                                WHEN t.name IN (N''nchar'', N''nvarchar'')
+                                    THEN N''('' + CONVERT(nvarchar(10), p.max_length / 2) + N'')''
+                                ELSE N''('' + CONVERT(nvarchar(10), p.max_length) + N'')''
+                            END
+                    WHEN p.is_node = 1 THEN N'' AS XQUERY ''''node()''''''
+                    ELSE ISNULL(N'' AS XQUERY'' + NULLIF(
+                            CASE
+                                WHEN p.is_xquery_type_inferred = 1 OR p.xquery_type_description IS NULL THEN N''''
+                                ELSE N'' ''''''
+                                    + CASE WHEN p.xquery_type_description LIKE N''%:%'' THEN N'''' ELSE N''xs:'' END
+                                    + p.xquery_type_description COLLATE DATABASE_DEFAULT + N''''''''
+                            END
+                            + CASE
+                                WHEN p.is_xquery_max_length_inferred = 1 OR p.xquery_max_length IS NULL THEN N''''
+                                ELSE N'' MAXLENGTH('' + CONVERT(nvarchar(10), p.xquery_max_length) + N'')''
+                            END,
+                            N''''
+                        ), N'''')
+                END
+                + CASE WHEN p.is_singleton = 1 THEN N'' SINGLETON'' ELSE N'''' END
+        FROM sys.selective_xml_index_paths AS p
+        INNER JOIN sys.xml_indexes AS i ON i.object_id = p.object_id AND i.index_id = p.index_id
+        LEFT JOIN sys.types AS t ON t.user_type_id = p.system_type_id
+        WHERE p.object_id = @table
+            AND i.xml_index_type = 2
+        UNION ALL
+        SELECT i.index_id, 1, 1, QUOTENAME(p.name) COLLATE DATABASE_DEFAULT
+        FROM sys.xml_indexes AS i
+        INNER JOIN sys.selective_xml_index_paths AS p
+            ON p.object_id = i.object_id
+            AND p.index_id = i.using_xml_index_id
+            AND p.path_id = i.path_id
+        WHERE i.object_id = @table
+            AND i.xml_index_type = 3',
         N'@table int',
         @table
+
+SELECT @last = MAX(ordinal) FROM @selective_item
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE x
+    SET namespaces = x.namespaces + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END + i.body
+    FROM @selective_xml AS x
+    INNER JOIN @selective_item AS i ON i.index_id = x.index_id
+    WHERE i.is_path = 0
+        AND i.ordinal = @ordinal
+
+    UPDATE x
+    SET paths = x.paths + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END + i.body
+    FROM @selective_xml AS x
+    INNER JOIN @selective_item AS i ON i.index_id = x.index_id
+    WHERE i.is_path = 1
+        AND i.ordinal = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
 
 -- Statistics that users made; those of indexes and of the server itself come by themselves.
 INSERT INTO @statistic (stats_id, name, columns, filter, options)
@@ -533,6 +660,8 @@ INSERT INTO @loss (note)
 SELECT N'Selective XML index ' + QUOTENAME(i.name) + N'.'
 FROM @selective_xml AS sx
 INNER JOIN sys.indexes AS i ON i.object_id = @table AND i.index_id = sx.index_id
+WHERE sx.paths = N''
+    OR sx.head + sx.namespaces + sx.paths IS NULL
 
 INSERT INTO @piece (body)
 SELECT N'-- Not scripted: ' + l.note
@@ -709,6 +838,17 @@ LEFT JOIN sys.xml_indexes AS p ON p.object_id = i.object_id AND p.index_id = i.u
 WHERE i.object_id = @table
     AND NOT EXISTS (SELECT 1 FROM @selective_xml AS sx WHERE sx.index_id = i.index_id)
 ORDER BY CASE WHEN p.name IS NULL THEN 0 ELSE 1 END, i.name
+
+INSERT INTO @piece (body)
+SELECT
+    sx.head
+    + CASE WHEN sx.namespaces = N'' THEN N'' ELSE N' WITH XMLNAMESPACES (' + sx.namespaces + N')' END
+    + N' FOR (' + sx.paths + N')'
+    + @go
+FROM @selective_xml AS sx
+WHERE sx.paths <> N''
+    AND sx.head + sx.namespaces + sx.paths IS NOT NULL
+ORDER BY sx.is_secondary, sx.head
 
 INSERT INTO @piece (body)
 SELECT
