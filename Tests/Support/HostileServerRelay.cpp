@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <netinet/in.h>
+#include <optional>
 #include <utility>
 
 #include <poll.h>
@@ -53,6 +54,27 @@ void waitForClose(int client)
     }
 }
 
+constexpr std::size_t HeaderSize = 8; // of a packet: type, status, two bytes of length, ...
+
+/// Whether these packets end with the last one of a message.
+bool isWhole(std::span<const std::uint8_t> bytes)
+{
+    bool isLast = false;
+    while (!bytes.empty()) {
+        const std::size_t length = bytes.size() < HeaderSize ? 0 : std::size_t{bytes[2]} << 8 | bytes[3];
+        if (length < HeaderSize || bytes.size() < length)
+            return false;
+        isLast = bytes[1] & 1;
+        bytes = bytes.subspan(length);
+    }
+    return isLast;
+}
+
+std::string bytesOf(std::u16string_view units)
+{
+    return std::string(reinterpret_cast<const char *>(units.data()), units.size() * sizeof(char16_t));
+}
+
 void sendReset(int socket)
 {
     sockaddr nobody{};
@@ -75,14 +97,25 @@ HostileServerRelay::~HostileServerRelay() = default;
 
 void HostileServerRelay::replaceInBatches(std::u16string_view text, std::u16string_view replacement)
 {
-    const auto bytesOf = [](std::u16string_view units) {
-        return std::string(reinterpret_cast<const char *>(units.data()), units.size() * sizeof(char16_t));
-    };
     changeClient([from = bytesOf(text), to = bytesOf(replacement)](std::span<std::uint8_t> bytes) {
         const std::string_view said(reinterpret_cast<const char *>(bytes.data()), bytes.size());
         for (std::size_t at = said.find(from); at != std::string_view::npos; at = said.find(from, at + 1))
             std::copy(to.begin(), to.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
     });
+}
+
+void HostileServerRelay::interceptBatches(std::u16string_view text, std::vector<std::uint8_t> answer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_intercepted = bytesOf(text);
+    m_interceptingAnswer = std::move(answer);
+}
+
+void HostileServerRelay::cut()
+{
+    const std::lock_guard lock(m_mutex);
+    for (const int client : m_clients)
+        ::shutdown(client, SHUT_RDWR);
 }
 
 std::uint16_t HostileServerRelay::port() const
@@ -110,28 +143,63 @@ void HostileServerRelay::record(std::string &said, std::span<const std::uint8_t>
 
 void HostileServerRelay::relay(int client)
 {
-    const FileDescriptor server = connectTo(m_serverPort);
-    std::array<pollfd, 2> pollers{{{client, POLLIN, 0}, {server.get(), POLLIN, 0}}};
-    std::array<std::uint8_t, 16384> buffer;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_clients.insert(client);
+    }
+    if (const FileDescriptor server = connectTo(m_serverPort))
+        pass(server.get(), client);
+    const std::lock_guard lock(m_mutex);
+    m_clients.erase(client);
+}
+
+void HostileServerRelay::pass(int server, int client)
+{
+    std::array<pollfd, 2> pollers{{{client, POLLIN, 0}, {server, POLLIN, 0}}};
+    std::vector<std::uint8_t> message;
     std::uint64_t passed = 0;
     bool isAsking = false;
-    while (server && ::poll(pollers.data(), pollers.size(), -1) >= 0) {
+    while (::poll(pollers.data(), pollers.size(), -1) >= 0) {
         if (pollers[1].revents) {
             if (std::exchange(isAsking, false))
                 ++m_roundTrips;
-            if (!passToClient(server.get(), client, passed))
+            if (!passToClient(server, client, passed))
                 return;
         }
         if (pollers[0].revents) {
             isAsking = true;
-            const auto request = receive(client, buffer);
-            record(m_saidByClient, request);
-            if (m_change)
-                m_change(request);
-            if (request.empty() || !sendAll(server.get(), request))
+            if (!passToServer(server, client, message))
                 return;
         }
     }
+}
+
+/// Passes what the client has said, whole messages while batches are intercepted; false when the conversation
+/// is over. `message` holds the part of a message that has not been passed.
+bool HostileServerRelay::passToServer(int server, int client, std::vector<std::uint8_t> &message)
+{
+    std::array<std::uint8_t, 16384> buffer;
+    const auto request = receive(client, buffer);
+    record(m_saidByClient, request);
+    if (m_change)
+        m_change(request);
+    if (request.empty())
+        return false;
+    message.insert(message.end(), request.begin(), request.end());
+    std::optional<std::vector<std::uint8_t>> answer;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_intercepted.empty() && !isWhole(message))
+            return true;
+        const std::string_view said(reinterpret_cast<const char *>(message.data()), message.size());
+        if (!m_intercepted.empty() && said.find(m_intercepted) != std::string_view::npos)
+            answer = m_interceptingAnswer;
+    }
+    const std::vector<std::uint8_t> whole = std::exchange(message, {});
+    if (!answer)
+        return sendAll(server, whole);
+    ++m_interceptedBatches;
+    return !answer->empty() && sendAll(client, *answer);
 }
 
 /// Passes what the server has said; false when the conversation is over.

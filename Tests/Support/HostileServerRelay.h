@@ -5,9 +5,11 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace SampleServer {
 class TcpListener;
@@ -39,6 +41,13 @@ public:
     /// Replaces a text in the client's batches by another one of the same length, wherever it stands: so that
     /// the server refuses one kind of query. To be called before anybody connects.
     void replaceInBatches(std::u16string_view text, std::u16string_view replacement);
+    /// From now on answers batches that contain this text itself, as a server does that refuses a statement;
+    /// the server does not get them. An empty answer ends the connection instead. An empty text ends this.
+    void interceptBatches(std::u16string_view text, std::vector<std::uint8_t> answer);
+    /// How many batches have been intercepted.
+    std::uint64_t interceptedBatches() const { return m_interceptedBatches; }
+    /// Ends all connections, as a network does that goes away. Later ones are relayed.
+    void cut();
     /// Relays connections from now on to another server.
     void leadTo(std::uint16_t serverPort) { m_serverPort = serverPort; }
     /// Moves the place of the fault.
@@ -56,6 +65,8 @@ public:
 private:
     void record(std::string &said, std::span<const std::uint8_t> bytes);
     void relay(int client);
+    void pass(int server, int client);
+    bool passToServer(int server, int client, std::vector<std::uint8_t> &message);
     bool passToClient(int server, int client, std::uint64_t &passed);
 
     std::atomic<std::uint16_t> m_serverPort;
@@ -64,8 +75,12 @@ private:
     std::atomic<std::uint64_t> m_bytesFromServer = 0;
     std::atomic<std::uint64_t> m_roundTrips = 0;
     std::function<void(std::span<std::uint8_t>)> m_change;
+    std::atomic<std::uint64_t> m_interceptedBatches = 0;
     mutable std::mutex m_mutex;
-    std::string m_saidByClient; ///< guarded by m_mutex
-    std::string m_saidByServer; ///< guarded by m_mutex
+    std::string m_saidByClient; ///< guarded by m_mutex, as all below
+    std::string m_saidByServer;
+    std::set<int> m_clients;                        ///< the sockets of open connections
+    std::string m_intercepted;                      ///< the bytes of the text; empty for none
+    std::vector<std::uint8_t> m_interceptingAnswer; ///< empty ends the connection
     std::unique_ptr<SampleServer::TcpListener> m_listener;
 };

@@ -18,8 +18,10 @@
 class ActionTest : public testing::Test
 {
 protected:
-    explicit ActionTest(const char *database = "library")
-        : m_workspace(*settings(database))
+    /// The port is that of the sample server unless another one leads to it.
+    explicit ActionTest(const char *database = "library",
+                        std::uint16_t port = SampleServerFixture::shared().port())
+        : m_workspace(*settings(database, port))
     {
         MSSQLUserInterface().addTreeActions(*m_helper, m_workspace);
         KNLogHelper::sharedInstance()->setObserver([this](const QString &record) {
@@ -39,10 +41,11 @@ protected:
             KNUserDefaults::standardUserDefaults()->removeObject(QString::fromLatin1(key));
     }
 
-    static std::shared_ptr<MSSQLDatabaseConnectionDetails> settings(const char *database)
+    static std::shared_ptr<MSSQLDatabaseConnectionDetails>
+    settings(const char *database, std::uint16_t port = SampleServerFixture::shared().port())
     {
         const auto details = std::make_shared<MSSQLDatabaseConnectionDetails>();
-        details->setHost(QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()));
+        details->setHost(QStringLiteral("127.0.0.1,%1").arg(port));
         details->setUsername(QString::fromLatin1(SampleServerFixture::User));
         details->setPassword(QString::fromLatin1(SampleServerFixture::Password));
         details->setDatabase(QString::fromLatin1(database));
