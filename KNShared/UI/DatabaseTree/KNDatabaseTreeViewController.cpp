@@ -4,6 +4,7 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Database/VantorLoginProblem.h"
 #include "DatabaseTree/KNDatabaseTreeErrorEntry.h"
+#include "DatabaseTree/KNDatabaseTreeFixedEntry.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "UI/Connecting/KNLoginWindowController.h"
@@ -96,10 +97,16 @@ void KNDatabaseTreeViewController::refreshDatabaseTreeItem(const Entry &entry)
     m_feed = Feed::Outdated;
     if (m_model->root() != m_root)
         search(); // search results are copies, which never load
-    if (entry->canHaveChildren())
-        entry->loadEntriesAsync(true);
-    else
-        refreshDatabaseTreeItem(entry->parent());
+    if (!entry->canHaveChildren())
+        return refreshDatabaseTreeItem(entry->parent());
+    entry->loadEntriesAsync(true);
+    if (!dynamic_cast<const KNDatabaseTreeFixedEntry *>(entry.get()))
+        return;
+    // The children stay; what has been loaded below them is loaded again.
+    for (const Entry &child : *entry->childEntries()) {
+        if (child->childEntries())
+            refreshDatabaseTreeItem(child);
+    }
 }
 
 void KNDatabaseTreeViewController::refreshSelected()

@@ -26,7 +26,7 @@ public:
 
     Entry currentlySelectedDatabaseTreeEntry() const { return m_view->currentEntry(); }
     void deselectAll();
-    /// Reloads the entry's children; for a leaf those of its parent.
+    /// Reloads the entry's children, or the loaded lists below fixed ones; for a leaf those of its parent.
     void refreshDatabaseTreeItem(const Entry &entry);
     /// Reloads the selected entry, or everything if none is selected.
     void refreshSelected();
