@@ -1,5 +1,6 @@
 #include "Catalog/MSSQLCatalogReader.h"
 
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Database/VantorDatabaseClient.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Implementations/MSSQLErrorReport.h"
@@ -11,6 +12,13 @@ namespace MSSQLCatalogReader {
 QString text(const VantorDBC &settings, const QString &title, const Values &values)
 {
     return KNQueryTemplate::filled(settings.queryLoader()->queryByTitle(title), values);
+}
+
+QString tableList(const VantorDBC &settings, const QString &sql)
+{
+    return MSSQLVersionHelper::sharedInstance()->isSQL2000(settings)
+               ? text(settings, QStringLiteral("DatabaseTree_ListTables"))
+               : sql;
 }
 
 KNError run(const VantorDBC &settings, const Query &query, const ReadRows &readRows)

@@ -30,6 +30,10 @@ using ReadRows = std::function<void(DatabaseResultSet *rows, const KNError &fail
 /// Returns the query or template with this title for the server's version, with its placeholders filled.
 QString text(const VantorDBC &settings, const QString &title, const Values &values = {});
 
+/// Returns the query of a list of tables, with the schema and the name at index 1 and 2: this one, or the
+/// named query on SQL Server 2000, which has no view of tables.
+QString tableList(const VantorDBC &settings, const QString &sql);
+
 /// Runs a query and calls `readRows` once for each attempt. Returns the error without logging it.
 KNError run(const VantorDBC &settings, const Query &query, const ReadRows &readRows);
 

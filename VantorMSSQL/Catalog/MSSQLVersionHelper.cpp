@@ -88,3 +88,9 @@ bool MSSQLVersionHelper::isSQL2000(const MSSQLDatabaseConnectionDetails &dbc)
         KNLogHelper::sharedInstance()->logMessage("Server is SQL2000. (%@).", version);
     return is2000;
 }
+
+bool MSSQLVersionHelper::isSQL2000(const VantorDBC &dbc)
+{
+    const auto *const details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&dbc);
+    return details && isSQL2000(*details);
+}

@@ -26,6 +26,8 @@ public:
     QString versionForDBC(const MSSQLDatabaseConnectionDetails &dbc);
     bool isDBCAzure(const MSSQLDatabaseConnectionDetails &dbc);
     bool isSQL2000(const MSSQLDatabaseConnectionDetails &dbc);
+    /// The same; false for settings of another kind of server.
+    bool isSQL2000(const VantorDBC &dbc);
 
     /// Queries the version through a connected client, unless it is known; this saves another login. A
     /// failure is not cached, because the client may have been cancelled.

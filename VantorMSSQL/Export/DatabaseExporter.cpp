@@ -1,5 +1,6 @@
 #include "Export/DatabaseExporter.h"
 
+#include "Catalog/MSSQLCatalogReader.h"
 #include "Catalog/MSSQLDefaultSchemaHelper.h"
 #include "Database/KNRowReader.h"
 #include "Export/KNTargetFile.h"
@@ -140,9 +141,11 @@ KNError DatabaseExporter::run(const Progress &progress)
 
 KNError DatabaseExporter::listTables()
 {
-    const QString list = QStringLiteral(
-        "SELECT SCHEMA_NAME(schema_id) + '.' + name, SCHEMA_NAME(schema_id), name AS SchemaTable FROM "
-        "sys.tables ORDER BY SCHEMA_NAME(schema_id) asc, name ASC");
+    const QString list = MSSQLCatalogReader::tableList(
+        *m_details,
+        QStringLiteral(
+            "SELECT SCHEMA_NAME(schema_id) + '.' + name, SCHEMA_NAME(schema_id), name AS SchemaTable FROM "
+            "sys.tables ORDER BY SCHEMA_NAME(schema_id) asc, name ASC"));
     if (const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(m_details.get()))
         m_defaultSchema = MSSQLDefaultSchemaHelper::sharedInstance()->schemaForDBC(*details);
     return KNRowStream::eachRow(

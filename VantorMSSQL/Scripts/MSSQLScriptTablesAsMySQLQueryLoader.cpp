@@ -27,9 +27,11 @@ QString MSSQLScriptTablesAsMySQLQueryLoader::doActualLoading(const VantorDBC &de
 bool MSSQLScriptTablesAsMySQLQueryLoader::writeQuery(const VantorDBC &details, QIODevice &device,
                                                      KNQueryReport *report) const
 {
-    const QString list = QStringLiteral(
-        "SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), SCHEMA_NAME(schema_id), name AS "
-        "SchemaTable FROM sys.tables ORDER BY QUOTENAME(SCHEMA_NAME(schema_id)) asc, QUOTENAME(name) ASC");
+    const QString list = MSSQLCatalogReader::tableList(
+        details, QStringLiteral("SELECT QUOTENAME(SCHEMA_NAME(schema_id)) + '.' + QUOTENAME(name), "
+                                "SCHEMA_NAME(schema_id), name AS "
+                                "SchemaTable FROM sys.tables ORDER BY QUOTENAME(SCHEMA_NAME(schema_id)) asc, "
+                                "QUOTENAME(name) ASC"));
     QList<std::pair<QString, QString>> tables;
     const KNError error = KNRowStream::eachRow(details, list, [&](const KNRow &row) {
         tables.append({row.value(1).text(), row.value(2).text()});

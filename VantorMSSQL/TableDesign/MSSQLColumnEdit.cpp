@@ -24,12 +24,6 @@ QString templateText(const VantorDBC &settings, const char *title)
     return MSSQLCatalogReader::text(settings, QString::fromLatin1(title));
 }
 
-bool isSQL2000(const VantorDBC &settings)
-{
-    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
-    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
-}
-
 } // namespace
 
 MSSQLColumnEdit::MSSQLColumnEdit(MSSQLColumnRecord column, Cell cell, QVariant value)
@@ -122,7 +116,8 @@ KNStatementPair MSSQLColumnEdit::script(const MSSQLDesignedTable &table,
     if (m_value == valueOf(m_before, m_cell))
         return {};
     const KNStatementPair pair = statement(table, columns, settings, error);
-    return isSQL2000(settings) ? MSSQLColumnScript::wrappedFor2000(pair) : MSSQLColumnScript::wrapped(pair);
+    return MSSQLVersionHelper::sharedInstance()->isSQL2000(settings) ? MSSQLColumnScript::wrappedFor2000(pair)
+                                                                     : MSSQLColumnScript::wrapped(pair);
 }
 
 KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,

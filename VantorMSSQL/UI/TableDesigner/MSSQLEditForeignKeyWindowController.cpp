@@ -43,12 +43,6 @@ QList<QStringList> tablesOf(const VantorDBC &settings, KNError *error)
     return tables;
 }
 
-bool isSQL2000(const VantorDBC &settings)
-{
-    const auto *details = dynamic_cast<const MSSQLDatabaseConnectionDetails *>(&settings);
-    return details && MSSQLVersionHelper::sharedInstance()->isSQL2000(*details);
-}
-
 QComboBox *newRuleBox(qint64 rule, const QString &name)
 {
     auto *const box = new QComboBox;
@@ -136,15 +130,16 @@ void MSSQLEditForeignKeyWindowController::loadTables()
     KNDispatch::globalQueue([self = QPointer(this), settings = m_session.settings()] {
         KNError error;
         const QList<QStringList> tables = tablesOf(*settings, &error);
-        KNDispatch::mainQueue([self, tables, error, isOld = isSQL2000(*settings)] {
-            if (!self)
-                return;
-            if (error)
-                KNAlerts::shared().showError(self, error);
-            if (isOld)
-                self->limitRules();
-            self->showTables(tables);
-        });
+        KNDispatch::mainQueue(
+            [self, tables, error, isOld = MSSQLVersionHelper::sharedInstance()->isSQL2000(*settings)] {
+                if (!self)
+                    return;
+                if (error)
+                    KNAlerts::shared().showError(self, error);
+                if (isOld)
+                    self->limitRules();
+                self->showTables(tables);
+            });
     });
 }
 
