@@ -35,7 +35,8 @@ protected:
         KNError error;
         auto *const plugin = KNConnectorLoader::load(QStringLiteral(VANTOR_CONNECTOR), &error);
         const VantorDBCPtr details = DesktopTesting::settingsFor(m_server);
-        details->setConnectionId(QStringLiteral("menus-of-tree")); // keeps its tabs apart from other tests'
+        // Keeps its tabs and the version of the server apart from other tests'.
+        details->setConnectionId(QStringLiteral("menus-of-tree-") + QLatin1String(GetParam()));
         m_window = new MainWindow(*details, dynamic_cast<KNConnectorUserInterface *>(plugin));
     }
     ~MenusOfTree() override
