@@ -124,7 +124,11 @@ KNStatementOutcome KNStatementRun::Work::perform(VantorDatabaseClient &running)
         const bool wasCancelled = endRunning();
         if (!request.usesTransaction) {
             outcome.wasCancelled = wasCancelled && !isWhole;
-            outcome.changes = isWhole ? Changes::All : total > 0 ? Changes::Some : Changes::None;
+            // A server that has lost its client may have run the statement all the same.
+            outcome.changes = isWhole                  ? Changes::All
+                              : !running.isConnected() ? Changes::Unknown
+                              : total > 0              ? Changes::Some
+                                                       : Changes::None;
         } else if (isWhole && !wasCancelled) {
             commit(running, &outcome);
         } else {
@@ -323,6 +327,10 @@ KNError KNStatementRun::Work::mapped(const KNStatementOutcome &outcome) const
         userInfo.insert(KNError::RecoverySuggestionKey,
                         KNFormat("The changes could not be rolled back: %@ Check which of them remain.",
                                  outcome.rollbackError.localizedDescription()));
+    else if (outcome.changes == Changes::Unknown)
+        userInfo.insert(
+            KNError::RecoverySuggestionKey,
+            KNFormat("%@ Check on the server what was changed.", error.recoverySuggestion()).trimmed());
     return KNError(request.errorDomain.isNull() ? error.domain() : request.errorDomain, error.code(),
                    error.localizedDescription(), userInfo);
 }

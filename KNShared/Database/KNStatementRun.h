@@ -32,8 +32,8 @@ struct KNSHARED_EXPORT KNStatementOutcome
         All,  ///< the script ran to its end
         None, ///< nothing was run, or everything was rolled back
         Some, ///< statements executed before the failure or cancellation may have left changes
-        /// The connection was lost during the commit, the rollback failed, or the script may have ended the
-        /// transaction itself.
+        /// The connection was lost during a statement without transaction or during the commit, the rollback
+        /// failed, or the script may have ended the transaction itself. The error's suggestion says so.
         Unknown,
     };
 

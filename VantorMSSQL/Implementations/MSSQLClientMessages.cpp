@@ -173,10 +173,14 @@ KNError MSSQLClient::batchError(const KNQueryDetails &details, quint64 *lastLine
     if (range.isFound())
         userInfo.insert(QStringLiteral("com.quorvex.osx.vantor.queryErrorRanges"),
                         QVariantList{QVariant::fromValue(range)});
+    const QString loss = QStringLiteral("The connection to the server was lost.");
+    const bool isOpen = isConnected();
     QString description = texts.join(QStringLiteral("\r\n"));
     if (description.isEmpty())
-        description = wasCancelled()  ? QStringLiteral("Query was cancelled.")
-                      : isConnected() ? QStringLiteral("The server reported a failure without saying why.")
-                                      : QStringLiteral("The connection to the server was lost.");
+        description = wasCancelled() ? QStringLiteral("Query was cancelled.")
+                      : isOpen       ? QStringLiteral("The server reported a failure without saying why.")
+                                     : loss;
+    else if (!isOpen)
+        userInfo.insert(KNError::RecoverySuggestionKey, loss); // db-lib's text speaks of its own reading
     return KNError(QStringLiteral("SQLClient"), 0, description, userInfo);
 }

@@ -65,7 +65,8 @@ void KNQueryPreviewSheet::showOutcome(const KNStatementOutcome &outcome)
         lines.append(tr("Statements before this one may have changed something."));
         break;
     case Changes::Unknown:
-        lines.append(tr("Check on the server what was changed."));
+        if (outcome.error.recoverySuggestion().isEmpty())
+            lines.append(tr("Check on the server what was changed."));
         break;
     case Changes::All:
         break;

@@ -122,7 +122,8 @@ void MSSQLExecuteStoredProcedureWindowController::showParameters(const QList<MSS
                                                                  const KNError &error)
 {
     if (error)
-        return setStatus(KNFormat(tr("The parameters could not be read. %@"), error.localizedDescription()));
+        return setStatus(
+            KNFormat(tr("The parameters could not be read. %@"), error.descriptionWithSuggestion()));
     if (!hasOnlyParameterNames(records))
         return setStatus(
             tr("A parameter has a name that no batch can hold. The procedure cannot be executed here."));
