@@ -109,6 +109,10 @@ public:
     /// Whether the server has closed the connection since its last use, as far as the local machine knows.
     /// Does not access the server. Call only between runs.
     virtual bool hasHungUp() const = 0;
+    /// A new descriptor, which the caller owns, that becomes readable when the connection is closed between
+    /// runs; -1, the default, if there is none. The connection stays open at least as long as the descriptor,
+    /// so close it before the next run. Any thread.
+    virtual int openIdleDescriptor() const { return -1; }
     /// Rolls back open transactions so that another caller can use the session. Accesses the server for at
     /// most a few seconds; false if the connection is unusable.
     virtual bool resetSession() = 0;

@@ -156,7 +156,6 @@ bool VantorTabConnection::hasSessionState() const
     return !losses().isEmpty();
 }
 
-/// Describes the parts of the session's state to the user.
 QStringList VantorTabConnection::losses() const
 {
     const std::lock_guard lock(m_mutex);
@@ -174,6 +173,12 @@ bool VantorTabConnection::isConnected() const
 {
     const auto client = this->client();
     return client && client->isConnected();
+}
+
+int VantorTabConnection::openIdleDescriptor() const
+{
+    const auto client = this->client();
+    return client ? client->openIdleDescriptor() : -1;
 }
 
 VantorDBCPtr VantorTabConnection::connectionDetails() const

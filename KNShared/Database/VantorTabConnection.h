@@ -34,13 +34,16 @@ public:
     /// Says once that the last run has replaced a lost connection; null otherwise.
     QString takeNotice();
     bool isConnected() const;
+    /// What the loss of the session costs the user, in clauses; empty if the next run restores everything.
+    QStringList losses() const;
+    /// See VantorDatabaseClient; -1 before the first run.
+    int openIdleDescriptor() const;
     /// Returns a copy of the settings with the database in which the last run ended.
     VantorDBCPtr connectionDetails() const;
 
 private:
     std::shared_ptr<VantorDatabaseClient> client() const;
     std::shared_ptr<VantorDatabaseClient> connectedClient(KNError *error);
-    QStringList losses() const;
     void noteOptions(VantorDatabaseClient &client);
     void restoreOptions(VantorDatabaseClient &client, KNError *error);
 

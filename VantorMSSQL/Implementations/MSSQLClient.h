@@ -83,6 +83,7 @@ public:
     bool wasCancelled() const override { return m_cancellation.isRequested(); }
     bool hadErrors() const override { return m_hadErrors; }
     bool hasHungUp() const override;
+    int openIdleDescriptor() const override { return socket().duplicate(); }
     bool resetSession() override;
     void prepareForPool(VantorDBC &details, bool isUserQuery) override;
 

@@ -1,5 +1,6 @@
 #include "Desktop/Query/QuerySession.h"
 
+#include "Desktop/Query/IdleConnectionWatch.h"
 #include "Foundation/KNDispatch.h"
 
 #include <QPointer>
@@ -26,6 +27,7 @@ void QuerySession::replace(const VantorDBC &details)
 /// Closing a connection may wait for the server.
 void QuerySession::release()
 {
+    m_watch.reset();
     if (m_connection)
         KNDispatch::globalQueue([connection = std::exchange(m_connection, nullptr)] {});
 }
@@ -34,6 +36,29 @@ void QuerySession::acceptLoss()
 {
     m_connection->beginNewSession();
     setHasOpenTransaction(false);
+}
+
+void QuerySession::beginUse()
+{
+    m_watch.reset();
+}
+
+void QuerySession::endUse()
+{
+    const int descriptor = m_connection->openIdleDescriptor();
+    if (descriptor < 0)
+        return;
+    m_watch = std::make_unique<IdleConnectionWatch>(descriptor);
+    connect(m_watch.get(), &IdleConnectionWatch::closed, this, &QuerySession::noteIdleLoss);
+}
+
+/// The next run opens a new connection.
+void QuerySession::noteIdleLoss()
+{
+    m_watch.release()->deleteLater(); // it has sent the signal
+    const QStringList losses = m_connection->losses();
+    setHasOpenTransaction(false);
+    Q_EMIT lostWhileIdle(losses);
 }
 
 void QuerySession::setHasOpenTransaction(bool hasOpenTransaction)
@@ -45,6 +70,7 @@ void QuerySession::setHasOpenTransaction(bool hasOpenTransaction)
 void QuerySession::perform(const Work &work, const Finish &finish)
 {
     m_isBusy = true;
+    beginUse();
     Q_EMIT stateChanged();
     KNDispatch::globalQueue([session = QPointer(this), connection = m_connection, work, finish] {
         KNError error;
@@ -53,6 +79,7 @@ void QuerySession::perform(const Work &work, const Finish &finish)
             if (!session)
                 return;
             session->m_isBusy = false;
+            session->endUse();
             finish(error);
             session->endOperation(error);
         });
@@ -71,12 +98,14 @@ std::shared_ptr<void> QuerySession::lease()
     if (m_isBusy)
         return nullptr;
     m_isBusy = true;
+    beginUse();
     Q_EMIT stateChanged();
     return std::shared_ptr<void>(this, [session = QPointer(this)](void *) {
         KNDispatch::mainQueue([session] {
             if (!session)
                 return;
             session->m_isBusy = false;
+            session->endUse();
             session->endOperation({});
         });
     });

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+class IdleConnectionWatch;
+
 /// The session of a query tab between its runs: its database, its transaction, and what the user does with
 /// them in the background. On the UI thread.
 class QuerySession : public QObject
@@ -23,6 +25,9 @@ public:
     void replace(const VantorDBC &details);
     /// Lets the next run use a new session in place of a lost one.
     void acceptLoss();
+    /// Enclose each use of the connection. Between uses the session notices that the connection is closed.
+    void beginUse();
+    void endUse();
 
     bool hasOpenTransaction() const { return m_hasOpenTransaction; }
     void setHasOpenTransaction(bool hasOpenTransaction);
@@ -54,6 +59,8 @@ Q_SIGNALS:
     void failed(const KNError &error);
     /// A session with state was lost before `retry` could be done.
     void lost(const KNError &error, const std::function<void()> &retry);
+    /// The connection was closed while nothing used it; `losses` are those of VantorTabConnection.
+    void lostWhileIdle(const QStringList &losses);
 
 private:
     using Work = VantorDatabaseConnectionPool::Work;
@@ -61,9 +68,11 @@ private:
 
     void perform(const Work &work, const Finish &finish);
     void release();
+    void noteIdleLoss();
     void endOperation(const KNError &error);
 
     std::shared_ptr<VantorTabConnection> m_connection;
+    std::unique_ptr<IdleConnectionWatch> m_watch; ///< null during uses and without a connection
     std::function<void()> m_next;
     bool m_isBusy = false;
     bool m_hasOpenTransaction = false;

@@ -15,9 +15,11 @@
 #include "Desktop/Query/RiskyRunQuestion.h"
 #include "Desktop/Query/SyntaxCheck.h"
 #include "Desktop/Query/TransactionBar.h"
+#include "Foundation/KNFormat.h"
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Completion/KNEditorCompletion.h"
 #include "UI/Completion/KNEditorSignature.h"
+#include "UI/Dialogs/KNCautionBar.h"
 #include "UI/Editor/KNFindBar.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "UI/KNPreferences.h"
@@ -46,6 +48,7 @@ QueryTab::QueryTab(const VantorDBC &details, QWidget *parent)
     , m_findBar(new KNFindBar(m_editor))
     , m_databaseBox(new DatabaseBox)
     , m_transactionBar(new TransactionBar)
+    , m_lossBar(new KNCautionBar)
     , m_results(new QueryResults)
     , m_errorMarks(new ErrorMarks(m_editor, m_results->messages(), this))
     , m_clock(new QTimer(this))
@@ -107,6 +110,7 @@ void QueryTab::arrange()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(top);
+    layout->addWidget(m_lossBar);
     layout->addWidget(splitter, 1);
     setFocusProxy(m_editor);
     setTabOrder(m_databaseBox, m_editor);
@@ -130,6 +134,11 @@ void QueryTab::connectParts()
     connect(m_session.get(), &QuerySession::failed, this,
             [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
     connect(m_session.get(), &QuerySession::lost, this, &QueryTab::askAboutLostSession);
+    connect(m_session.get(), &QuerySession::lostWhileIdle, this, &QueryTab::showIdleLoss);
+    connect(m_session.get(), &QuerySession::stateChanged, this, [this] {
+        if (m_session->isBusy())
+            m_lossBar->setText({});
+    });
     connect(m_transactionBar, &TransactionBar::commitRequested, this,
             [this] { perform(KNDocumentAction::Commit); });
     connect(m_transactionBar, &TransactionBar::rollbackRequested, this,
@@ -406,7 +415,9 @@ void QueryTab::startConfirmed(QueryRequest request)
     else
         m_errorMarks->beginRun();
     m_syntaxCheck->noteRun();
+    m_lossBar->setText({});
     m_databaseBox->setEnabled(false);
+    m_session->beginUse();
     m_run = std::make_unique<QueryRun>(m_session->connection(), std::move(request), nullptr);
     connect(m_run.get(), &QueryRun::resultsChanged, this, &QueryTab::showNewResults);
     connect(m_run.get(), &QueryRun::finished, this, &QueryTab::finishRun);
@@ -437,6 +448,7 @@ void QueryTab::finishRun()
         messages()->addText(outcome.notice, false);
     if (m_run->isAbandoned())
         m_session->replace(*m_session->connectionDetails());
+    m_session->endUse();
     m_results->finishRun(outcome.error);
     m_hadErrors = outcome.error || messages()->errorCount() > 0;
     m_databaseBox->setEnabled(true);
@@ -505,6 +517,16 @@ void QueryTab::changeDatabase(const QString &name)
         m_databaseBox->showDatabase(m_database);
     else
         m_session->changeDatabase(name);
+}
+
+void QueryTab::showIdleLoss(const QStringList &losses)
+{
+    m_lossBar->setText(
+        losses.isEmpty()
+            ? tr("The connection was lost. The next run opens a new one, with the same database and SET "
+                 "options.")
+            : KNFormat(tr("The connection was lost: %@. The next run asks before it opens a new one."),
+                       losses.join(QStringLiteral("; "))));
 }
 
 void QueryTab::askAboutLostSession(const KNError &error, const std::function<void()> &proceed)

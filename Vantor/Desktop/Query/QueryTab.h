@@ -12,6 +12,7 @@
 class DatabaseBox;
 class EditorCommands;
 class ErrorMarks;
+class KNCautionBar;
 class KNEditorCompletion;
 class KNEditorSignature;
 class KNFindBar;
@@ -110,6 +111,7 @@ private:
     void finishRun();
     void showOutcome();
     KNDocumentStatus::Outcome outcome() const;
+    void showIdleLoss(const QStringList &losses);
     void askAboutLostSession(const KNError &error, const std::function<void()> &proceed);
     void showDatabase(const QString &name);
 
@@ -122,6 +124,7 @@ private:
     KNFindBar *const m_findBar;
     DatabaseBox *const m_databaseBox;
     TransactionBar *const m_transactionBar;
+    KNCautionBar *const m_lossBar; ///< shown while the session has no connection any more
     QueryResults *const m_results;
     ErrorMarks *const m_errorMarks;
     QTimer *const m_clock; ///< shows the elapsed time of a run

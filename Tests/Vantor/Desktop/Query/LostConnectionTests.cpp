@@ -4,6 +4,7 @@
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
+#include "UI/Dialogs/KNCautionBar.h"
 #include "UI/Results/KNResultGridView.h"
 #include "UI/Results/KNResultSection.h"
 #include "UI/Results/KNResultsPane.h"
@@ -29,12 +30,33 @@ protected:
         tab->run();
         ASSERT_TRUE(waitFor([&] { return !tab->isRunning() && tab->messages()->isComplete(); }));
     }
-    void restartServer()
+    void startServerAgain()
     {
         const std::uint16_t port = server->port();
-        server->kill();
         server = std::make_unique<SampleServerFixture>(
             SampleServerFixture::Options{{"--port", std::to_string(port)}, {}});
+    }
+    void restartServer()
+    {
+        server->kill();
+        startServerAgain();
+    }
+    /// A tab whose connection leads through a relay.
+    void connectThrough(const HostileServerRelay &relay)
+    {
+        const VantorDBCPtr details = DesktopTesting::settingsFor(*server, QStringLiteral("shop"));
+        details->setHost(QStringLiteral("127.0.0.1,%1").arg(relay.port()));
+        tab = std::make_unique<QueryTab>(*details);
+    }
+    /// The text of the line that reports a loss; empty while there is none.
+    QString reported() const
+    {
+        const auto *const bar = tab->findChild<KNCautionBar *>(QString(), Qt::FindDirectChildrenOnly);
+        return bar->isHidden() ? QString() : bar->text();
+    }
+    bool waitForReport() const
+    {
+        return waitFor([this] { return !reported().isEmpty(); });
     }
     QString shown(int column) const
     {
@@ -121,9 +143,7 @@ TEST_F(LostConnection, IsNoticedWhenOnlyTheNetworkHasClosedIt)
 {
     HostileServerRelay relay(server->port(), HostileServerRelay::Fault::Close,
                              std::numeric_limits<std::uint64_t>::max());
-    const VantorDBCPtr details = DesktopTesting::settingsFor(*server, QStringLiteral("shop"));
-    details->setHost(QStringLiteral("127.0.0.1,%1").arg(relay.port()));
-    tab = std::make_unique<QueryTab>(*details);
+    connectThrough(relay);
     run("SET XACT_ABORT ON");
     relay.strikeAfter(relay.bytesFromServer() + 1);
     run("SELECT REPLICATE('x', 8000), REPLICATE('y', 8000)"); // its answer is cut
@@ -132,4 +152,91 @@ TEST_F(LostConnection, IsNoticedWhenOnlyTheNetworkHasClosedIt)
     run("SELECT @@OPTIONS & 16384");
     EXPECT_EQ(tab->messages()->errorCount(), 0) << messages();
     EXPECT_EQ(shown(0), QStringLiteral("16384"));
+}
+
+TEST_F(LostConnection, IsReportedBeforeTheNextRun)
+{
+    EXPECT_EQ(reported(), QString());
+    run("USE library");
+    EXPECT_EQ(reported(), QString());
+    for (int time = 0; time < 2; ++time) {
+        server->kill();
+        ASSERT_TRUE(waitForReport());
+        EXPECT_EQ(reported(),
+                  QStringLiteral("The connection was lost. The next run opens a new one, with the same "
+                                 "database and SET options."));
+        startServerAgain();
+        run("SELECT DB_NAME()");
+        EXPECT_EQ(shown(0), QStringLiteral("library"));
+        EXPECT_EQ(reported(), QString());
+    }
+    EXPECT_TRUE(alerts.questions.empty());
+}
+
+TEST_F(LostConnection, IsReportedWithWhatItHasCost)
+{
+    run("CREATE TABLE #mine (a int) BEGIN TRAN");
+    EXPECT_TRUE(tab->canPerform(KNDocumentAction::Commit));
+    server->kill();
+    ASSERT_TRUE(waitForReport());
+    EXPECT_EQ(reported(),
+              QStringLiteral("The connection was lost: its open transaction was rolled back by the server; "
+                             "its temporary tables are gone. The next run asks before it opens a new one."));
+    EXPECT_FALSE(tab->status().hasOpenTransaction);
+    EXPECT_FALSE(tab->canPerform(KNDocumentAction::Commit));
+    startServerAgain();
+    run("SELECT 1");
+    ASSERT_EQ(alerts.questions.size(), 1U);
+    EXPECT_TRUE(waitForReport()) << "the user has not answered yet";
+    alerts.pending[0](1);
+    ASSERT_TRUE(waitFor([&] { return !tab->isRunning() && tab->messages()->isComplete(); }));
+    EXPECT_EQ(shown(0), QStringLiteral("1"));
+    EXPECT_EQ(reported(), QString());
+}
+
+TEST_F(LostConnection, IsReportedWhenTheNetworkGoesAway)
+{
+    HostileServerRelay relay(server->port(), HostileServerRelay::Fault::None, 0);
+    connectThrough(relay);
+    run("SET XACT_ABORT ON");
+    relay.cut();
+    EXPECT_TRUE(waitForReport());
+    run("SELECT @@OPTIONS & 16384");
+    EXPECT_EQ(shown(0), QStringLiteral("16384"));
+    EXPECT_EQ(reported(), QString());
+}
+
+TEST_F(LostConnection, IsReportedAfterOperationsAndWithdrawnByThem)
+{
+    run("SELECT 1");
+    tab->changeDatabase(QStringLiteral("library"));
+    ASSERT_TRUE(waitFor([&] { return tab->canPerform(KNDocumentAction::Reconnect); }));
+    EXPECT_EQ(reported(), QString());
+    server->kill();
+    ASSERT_TRUE(waitForReport());
+    startServerAgain();
+    tab->perform(KNDocumentAction::Reconnect);
+    ASSERT_TRUE(waitFor([&] { return tab->canPerform(KNDocumentAction::Reconnect); }));
+    EXPECT_EQ(reported(), QString());
+    server->kill();
+    EXPECT_TRUE(waitForReport()) << "the new connection is watched, too";
+}
+
+TEST_F(LostConnection, IsNotReportedWhileTheServerAnswers)
+{
+    QStringList texts;
+    tab->setText(QStringLiteral("SELECT * FROM generate_rows(100000)"));
+    tab->run();
+    ASSERT_TRUE(waitFor([&] {
+        texts.append(reported());
+        return !tab->isRunning() && tab->messages()->isComplete();
+    }));
+    tab->setText(QStringLiteral("SELECT * FROM generate_rows(10000000)"));
+    tab->run();
+    ASSERT_TRUE(waitFor([&] { return tab->status().rowCount > 1000; }));
+    tab->cancel();
+    ASSERT_TRUE(waitFor([&] { return !tab->isRunning() && tab->messages()->isComplete(); }));
+    EXPECT_TRUE(WindowTesting::settle());
+    texts.append(reported());
+    EXPECT_EQ(texts.join(QString()), QString());
 }
