@@ -1,13 +1,13 @@
 #include "Export/MSSQLObjectScript.h"
 
 #include "Export/MSSQLScriptKind.h"
-#include "Export/MSSQLTableTypeScript.h"
 #include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateViewQueryLoader.h"
 #include "Scripts/MSSQLScriptSubject.h"
+#include "Scripts/MSSQLTableTypeScript.h"
 
 namespace {
 

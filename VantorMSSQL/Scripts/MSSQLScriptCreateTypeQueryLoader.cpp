@@ -2,6 +2,8 @@
 
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
+#include "Scripts/MSSQLTableTypeScript.h"
 
 namespace {
 
@@ -15,6 +17,16 @@ QString createStatement(const DatabaseResultSet &row)
     return KNFormat("CREATE TYPE %@.%@ FROM %@ %@", row.stringForColumnIndex(Schema),
                     row.stringForColumnIndex(Name), base,
                     row.numberForColumnIndex(AllowsNull).toBool() ? "NULL" : "NOT NULL");
+}
+
+/// The statement without the GO behind it; null with an error.
+QString createTableType(const VantorDBC &details, const QString &schema, const QString &type, KNError *error)
+{
+    const QString go = QStringLiteral("\r\nGO\r\n");
+    QString script = MSSQLTableTypeScript::text(details, schema, type, error);
+    if (script.endsWith(go))
+        script.chop(go.size());
+    return script;
 }
 
 } // namespace
@@ -32,10 +44,16 @@ QString MSSQLScriptCreateTypeQueryLoader::creationQueryForType(const QString &ty
                                      if (std::exchange(isFirst, false))
                                          query = createStatement(row);
                                  });
-    if (!failure && isFirst)
-        failure =
-            KNError(QStringLiteral("mssql.queryLoader.createType"), 0,
-                    KNFormat("%@.%@ is no alias type, or may not be seen by this login.", inSchema, type));
+    if (!failure && isFirst && MSSQLCorrectedStatements::areUsed()) {
+        const QString tableType = createTableType(withConnectionDetails, inSchema, type, &failure);
+        isFirst = tableType.isNull();
+        query = isFirst ? query : tableType;
+    } else if (!failure && isFirst) {
+        failure = KNError(QStringLiteral("mssql.queryLoader.createType"), 0,
+                          KNFormat("%@.%@ is no alias type, or may not be seen by this login. Only corrected "
+                                   "statements, a preference, create table types.",
+                                   inSchema, type));
+    }
     if (report) {
         report->failure = failure;
         report->unsafeLength = isFirst ? query.size() : 0; // "Unhandled" is no SQL

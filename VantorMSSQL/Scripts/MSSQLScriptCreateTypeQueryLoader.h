@@ -2,7 +2,8 @@
 
 #include "Scripts/MSSQLScriptQueryLoader.h"
 
-/// The statement that creates an alias type. Names are used without escaping.
+/// The statement that creates an alias type, with names without escaping, or, as a corrected statement, a
+/// table type.
 class MSSQLScriptCreateTypeQueryLoader : public MSSQLScriptQueryLoader
 {
 public:

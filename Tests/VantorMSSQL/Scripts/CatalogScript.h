@@ -24,6 +24,7 @@ protected:
             {utf8("StoredProcedure_AlterQuery"), utf8("alter {SCHEMA} {PROCEDURE_NAME} {DATABASE}")},
             {utf8("Function_AlterQuery"), utf8("function {SCHEMA} {FUNCTION_NAME} {DATABASE}")},
             {utf8("UserDefinedDataType_CreationQuery"), utf8("type {SCHEMA} {TYPE}")},
+            {utf8("TableType_CreationQuery"), utf8("table type {TABLE_SCHEMA} {TABLE_NAME}")},
         };
         m_server.answer = [this](const QString &sql, KNError *error) -> std::unique_ptr<DatabaseResultSet> {
             const std::lock_guard lock(m_mutex);

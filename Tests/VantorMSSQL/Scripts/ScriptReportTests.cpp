@@ -144,6 +144,22 @@ TEST_F(ScriptReport, NeverLetsATableTypeBeDropped)
     EXPECT_TRUE(guarded().contains(utf8("-- Unhandled\r\n"))) << guarded().toStdString();
 }
 
+TEST_F(ScriptReport, ACorrectedStatementCreatesATableType)
+{
+    KNUserDefaults::standardUserDefaults()->setObject(CorrectedKey, true);
+    answer("table type dbo Ids", {{KNValue(qint64(0)), KNValue(qint64(1)), KNValue(utf8("[a] int NOT NULL")),
+                                   KNValue(), KNValue(), KNValue(qint64(0))}});
+    load<MSSQLScriptCreateTypeQueryLoader>(utf8("Ids"), utf8("dbo"), 1);
+    EXPECT_FALSE(m_report.failure);
+    EXPECT_EQ(m_text, utf8("CREATE TYPE [dbo].[Ids] AS TABLE (\r\n\t[a] int NOT NULL\r\n)"));
+    load<MSSQLScriptDropAndCreateTypeQueryLoader>(utf8("Ids"), utf8("dbo"), 1);
+    EXPECT_EQ(m_report.unsafeLength, 0);
+    EXPECT_TRUE(m_text.startsWith(utf8("DROP TYPE dbo.Ids\r\nGO\r\n\r\nCREATE TYPE [dbo].[Ids]")));
+    load<MSSQLScriptDropAndCreateTypeQueryLoader>(utf8("gone"), utf8("dbo"), 1);
+    EXPECT_TRUE(m_report.failure);
+    EXPECT_TRUE(guarded().contains(utf8("-- DROP TYPE dbo.gone\r\n"))) << guarded().toStdString();
+}
+
 TEST_F(ScriptReport, CommentsOutTextThatIsNoScript)
 {
     fail("alter dbo p shop");

@@ -269,7 +269,7 @@ void TreeItems::expectScript(const Item &item, bool runs)
     auto *const query = qobject_cast<QueryTab *>(newDocument());
     ASSERT_NE(query, nullptr);
     EXPECT_FALSE(query->text().trimmed().isEmpty());
-    // The script of a table type is not written; its query says so.
+    // Only corrected statements create a table type; the query says so.
     const bool isTableType =
         item.entry->parent()->displayName() == QLatin1String("User-Defined Table Types") &&
         item.path.value(1).contains(QLatin1String("CREATE"));

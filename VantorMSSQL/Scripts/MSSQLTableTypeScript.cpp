@@ -1,4 +1,4 @@
-#include "Export/MSSQLTableTypeScript.h"
+#include "Scripts/MSSQLTableTypeScript.h"
 
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
