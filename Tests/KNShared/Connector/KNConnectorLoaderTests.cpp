@@ -99,8 +99,8 @@ TEST(KNConnectorLoader, RefusesAPluginForSomethingElse)
 TEST(KNConnectorLoader, RefusesAnotherVersionOfTheContract)
 {
     expectRefusal(plugin("NewerContract"), Problem::WrongContract,
-                  "keeps version 7 of the connector contract");
-    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 6");
+                  "keeps version 8 of the connector contract");
+    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 7");
 }
 
 TEST(KNConnectorLoader, RefusesAConnectorWithoutAName)
