@@ -142,7 +142,7 @@ void KNQueryPreviewDialog::showCaution(const QStringList &sentences, const QStri
     m_correctedText = correctedText;
     m_caution->setText(sentences.join(QLatin1Char('\n')));
     m_caution->setButtonTitle(correctedText.isNull() ? QString() : tr("Use Corrected Statement"));
-    if (!correctedText.isNull()) {
+    if (!correctedText.isNull() && !m_removes) {
         m_caution->button()->setDefault(true);
         m_caution->button()->setFocus();
     }

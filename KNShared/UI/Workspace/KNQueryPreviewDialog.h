@@ -29,7 +29,8 @@ public:
     /// Shows the statements, which can be accepted unless they are incomplete.
     void showStatements(const QString &text, bool isIncomplete);
     QString statements() const;
-    /// Shows sentences about the statements, and a button that replaces them if there is a corrected text.
+    /// Shows sentences about the statements, and a button that replaces them if there is a corrected text. It
+    /// is the default button unless the statements remove something.
     void showCaution(const QStringList &sentences, const QString &correctedText);
     void showRunning(bool isRunning, const QString &progressTitle);
     void showProgress(int done, int total);

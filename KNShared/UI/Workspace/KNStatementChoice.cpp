@@ -22,22 +22,25 @@ QString shortened(const QString &statement)
 } // namespace
 
 void KNChooseStatement(QWidget *parent, const KNStatementPair &pair, bool prefersCorrected,
-                       const std::function<void(const QString &statement)> &use)
+                       const std::function<void(const QString &statement)> &use, bool removes)
 {
     if (prefersCorrected || !pair.differs()) {
         use(pair.preferred(prefersCorrected));
         return;
     }
+    const QStringList choices{KNStatementChoice::tr("Use Corrected Statement"),
+                              KNStatementChoice::tr("Run Unchanged")};
+    const QStringList cancel{KNStatementChoice::tr("Cancel")};
     const KNAlerts::Question question{
         pair.difference,
         KNFormat(KNStatementChoice::tr("Statement:\n%@\n\nCorrected statement:\n%@"), shortened(pair.exact),
                  shortened(pair.corrected)),
-        {KNStatementChoice::tr("Use Corrected Statement"), KNStatementChoice::tr("Run Unchanged"),
-         KNStatementChoice::tr("Cancel")}};
-    KNAlerts::shared().ask(parent, question, [pair, use](int button) {
-        if (button == 0)
+        removes ? cancel + choices : choices + cancel};
+    const int first = removes ? 1 : 0; // button of the corrected statement
+    KNAlerts::shared().ask(parent, question, [pair, use, first](int button) {
+        if (button == first)
             use(pair.corrected);
-        else if (button == 1)
+        else if (button == first + 1)
             use(pair.exact);
     });
 }

@@ -54,6 +54,7 @@ protected:
         preview->setQueryLoader(loader);
         preview->setErrorDomain(QStringLiteral("MSSQL::dropTable"));
         preview->setEditable(editable);
+        preview->setRemoves(removes);
         preview->setReportErrorBlock([this](const KNError &error) { errors.push_back(error); });
         preview->beginSheet([this](Changes changes) { ended.append(changes); });
         return preview;
@@ -90,6 +91,7 @@ protected:
     FakeDatabase::Server server;
     FakeDatabase::Settings details{server};
     QWidget window;
+    bool removes = false; ///< of the next preview
     QPointer<KNQueryPreview> preview;
     std::vector<KNError> errors;
     QList<Changes> ended;
@@ -235,6 +237,28 @@ TEST_F(QueryPreviews, WarnOfAnExactStatementAndOfferTheCorrectedOne)
     EXPECT_EQ(sent(), QStringList{QStringLiteral("DROP TABLE sales.Orders")});
 }
 
+TEST_F(QueryPreviews, CancelWithTheReturnKeyIfTheStatementsRemoveSomething)
+{
+    removes = true;
+    open(DropOrders.loader(false));
+    EXPECT_TRUE(button("Cancel")->isDefault());
+    EXPECT_FALSE(button("Use Corrected Statement")->isDefault());
+    QTest::keyClick(dialog()->focusWidget(), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return !ended.isEmpty(); }));
+    EXPECT_EQ(ended, QList<Changes>{Changes::None});
+    EXPECT_TRUE(sent().isEmpty());
+}
+
+TEST_F(QueryPreviews, RunNothingWithTheReturnKeyBeforeTheCorrectedStatementIsShown)
+{
+    open(DropOrders.loader(false));
+    EXPECT_TRUE(button("Use Corrected Statement")->isDefault());
+    QTest::keyClick(dialog()->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(dialog()->statements(), QStringLiteral("DROP TABLE sales.Orders"));
+    EXPECT_TRUE(sent().isEmpty());
+    EXPECT_TRUE(button("Drop")->isDefault());
+}
+
 TEST_F(QueryPreviews, RunTheExactStatementIfTheUserInsists)
 {
     open(DropOrders.loader(false));
@@ -298,6 +322,25 @@ TEST(StatementChoice, AsksBeforeAnExactStatementIsUsed)
     alerts.pending.front()(2);
     alerts.pending.front()(-1);
     EXPECT_EQ(used.size(), 3);
+}
+
+TEST(StatementChoice, CancelsWithTheFirstButtonIfTheStatementRemovesSomething)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    QStringList used;
+    KNChooseStatement(
+        nullptr, DropOrders, false, [&](const QString &text) { used.append(text); }, true);
+    ASSERT_EQ(alerts.questions.size(), 1u);
+    EXPECT_EQ(alerts.questions.front().buttons,
+              (QStringList{QStringLiteral("Cancel"), QStringLiteral("Use Corrected Statement"),
+                           QStringLiteral("Run Unchanged")}));
+    alerts.pending.front()(-1);
+    alerts.pending.front()(0);
+    EXPECT_TRUE(used.isEmpty());
+    alerts.pending.front()(1);
+    alerts.pending.front()(2);
+    EXPECT_EQ(used,
+              (QStringList{QStringLiteral("DROP TABLE sales.Orders"), QStringLiteral("DROP TABLE Orders")}));
 }
 
 TEST(StatementChoice, AsksNothingWhereBothHaveTheSameEffect)

@@ -477,10 +477,11 @@ TEST_F(ExactTableDesigner, AsksBeforeAStatementThatMeansAnotherColumn)
     ASSERT_EQ(m_alerts.questions.size(), 1u);
     m_alerts.pending.front()(1);
     ASSERT_TRUE(waitFor([&] { return m_alerts.questions.size() == 2; }));
-    EXPECT_EQ(m_alerts.questions[1].buttons.first(), QStringLiteral("Use Corrected Statement"));
+    EXPECT_EQ(m_alerts.questions[1].buttons.value(0), QStringLiteral("Cancel"));
+    EXPECT_EQ(m_alerts.questions[1].buttons.value(1), QStringLiteral("Use Corrected Statement"));
     EXPECT_TRUE(m_alerts.questions[1].text.contains(QStringLiteral("ALTER TABLE des.Item DROP COLUMN a, b")));
     EXPECT_TRUE(m_designer->session().executedScripts().isEmpty());
-    m_alerts.pending[1](0);
+    m_alerts.pending[1](1);
     ASSERT_TRUE(waitFor([&] { return m_designer->session().executedScripts().size() == 1; }));
     finish();
     EXPECT_EQ(columnsOf("des").size(), 3);

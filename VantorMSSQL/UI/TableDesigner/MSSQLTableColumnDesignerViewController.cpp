@@ -240,10 +240,12 @@ void MSSQLTableColumnDesignerViewController::handleDeleteColumn()
     KNAlerts::shared().ask(m_session.window(), question, [self = QPointer(this), name, columns](int button) {
         if (!self || button != 1)
             return;
-        self->m_session.run({[name, columns](const MSSQLDesignedTable &table) {
-                                 return MSSQLColumnScript(table).dropColumn(name, columns);
-                             },
-                             tr("Dropping column"), QStringLiteral("MSSQLAlterIndex")});
+        MSSQLTableDesignSession::Change change{[name, columns](const MSSQLDesignedTable &table) {
+                                                   return MSSQLColumnScript(table).dropColumn(name, columns);
+                                               },
+                                               tr("Dropping column"), QStringLiteral("MSSQLAlterIndex")};
+        change.removes = true;
+        self->m_session.run(change);
     });
 }
 

@@ -64,7 +64,7 @@ void MSSQLTableDesignSession::choose(const KNStatementPair &pair, const Change &
     };
     const bool prefersCorrected = MSSQLCorrectedStatements::areUsed();
     if (!pair.corrected.isNull())
-        return KNChooseStatement(m_window, pair, prefersCorrected, use);
+        return KNChooseStatement(m_window, pair, prefersCorrected, use, change.removes);
     if (prefersCorrected)
         return KNAlerts::shared().showMessage(m_window, MSSQLTableDesign::noStatement(), pair.difference);
     KNAlerts::shared().ask(

@@ -86,7 +86,8 @@ void MSSQLTableListForeignKeysViewController::dropSelected()
                  QStringLiteral("mssql.tabledesigner.dropForeignKey"),
                  {},
                  false,
-                 QStringLiteral("Error is: %@")});
+                 QStringLiteral("Error is: %@"),
+                 true});
     });
 }
 

@@ -92,7 +92,8 @@ void MSSQLTableTriggerDesignerViewController::dropSelected()
                  QStringLiteral("mssql.tabledesigner.dropTrigger"),
                  {},
                  false,
-                 QStringLiteral("Error is: %@")});
+                 QStringLiteral("Error is: %@"),
+                 true});
     });
 }
 
