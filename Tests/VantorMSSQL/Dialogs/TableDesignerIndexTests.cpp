@@ -93,6 +93,29 @@ TEST_F(DesignedIndexes, MoveKeyColumnsByKeyboard)
               QStringList{QStringLiteral("70")});
 }
 
+TEST_F(DesignedIndexes, MoveColumnsBetweenTheListsByReturnAndDoubleClickWithoutApplying)
+{
+    ASSERT_NO_FATAL_FAILURE(openEditor());
+    const auto lists = m_editor->findChildren<QListWidget *>();
+    QListWidget *const available = lists[0] == m_keys ? lists[1] : lists[0];
+    ASSERT_TRUE(WindowTesting::waitFor([&] { return available->count() > 0; }));
+    available->setFocus();
+    available->setCurrentRow(0);
+    const QString added = available->currentItem()->text();
+    QTest::keyClick(available, Qt::Key_Return);
+    EXPECT_EQ(keys(), QStringLiteral("a b c ") + added);
+    m_keys->setFocus();
+    m_keys->setCurrentRow(1);
+    QTest::keyClick(m_keys, Qt::Key_Return);
+    EXPECT_EQ(keys(), QStringLiteral("a c ") + added);
+    const QPoint last = m_keys->visualItemRect(m_keys->item(2)).center();
+    QTest::mouseClick(m_keys->viewport(), Qt::LeftButton, {}, last);
+    QTest::mouseDClick(m_keys->viewport(), Qt::LeftButton, {}, last);
+    EXPECT_EQ(keys().toStdString(), "a c");
+    EXPECT_FALSE(m_previews.last);
+    EXPECT_TRUE(m_editor);
+}
+
 // The offscreen platform has no loop for drags: this is what one does to the list.
 TEST_F(DesignedIndexes, TakeADroppedColumnBetweenOthersAndNotOnThem)
 {

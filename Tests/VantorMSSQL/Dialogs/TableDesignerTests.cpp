@@ -298,8 +298,12 @@ TEST_F(TableDesigner, EditsAnIndexThroughItsStatements)
     ASSERT_EQ(lists.size(), 2);
     ASSERT_TRUE(waitFor([&] { return lists[0]->count() + lists[1]->count() == 3; }));
     QListWidget *const available = lists[0]->count() == 2 ? lists[0] : lists[1];
+    editor->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+    available->setFocus();
     available->setCurrentRow(0);
     QTest::keyClick(available, Qt::Key_Return);
+    EXPECT_FALSE(m_previews.last); // the key does not apply the changes as well
     QPushButton *accept = nullptr;
     for (QPushButton *const button : editor->findChildren<QPushButton *>()) {
         if (button->isDefault())

@@ -160,6 +160,9 @@ TEST_P(TroublesomeName, IsTheOneThatIndexStatementsMean)
     auto *const available = editor->findChildren<QListWidget *>().first();
     ASSERT_TRUE(waitFor([&] { return available->count() == 2; }));
     editor->findChild<QLineEdit *>()->setText(m_name);
+    editor->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+    available->setFocus();
     available->setCurrentRow(1);
     QTest::keyClick(available, Qt::Key_Return);
     clickDefault(editor);

@@ -98,8 +98,8 @@ MSSQLEditIndexWindowController::MSSQLEditIndexWindowController(MSSQLTableDesignS
             &MSSQLEditIndexWindowController::updateButtons);
     for (QListWidget *const list : {m_available, m_keys})
         connect(list, &QListWidget::currentRowChanged, this, &MSSQLEditIndexWindowController::updateButtons);
-    connect(m_available, &QListWidget::itemActivated, this, [this] { addColumnToIndex(); });
-    connect(m_keys, &QListWidget::itemActivated, this, [this] { removeColumnFromIndex(); });
+    addListKeys(m_available, [this] { addColumnToIndex(); });
+    addListKeys(m_keys, [this] { removeColumnFromIndex(); });
     updateButtons();
     loadColumns();
 }
@@ -117,6 +117,15 @@ void MSSQLEditIndexWindowController::addMoveShortcut(QPushButton *button, QKeySe
 {
     connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, by] { moveColumn(by); });
     button->setToolTip(keys.toString(QKeySequence::NativeText));
+}
+
+/// A list passes the Return key on to the default button after itemActivated(), which a shortcut does not.
+void MSSQLEditIndexWindowController::addListKeys(QListWidget *list, const std::function<void()> &moveColumn)
+{
+    connect(list, &QListWidget::itemDoubleClicked, this, moveColumn);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
+        connect(new QShortcut(key, list, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
+                moveColumn);
 }
 
 void MSSQLEditIndexWindowController::loadColumns()
