@@ -23,7 +23,8 @@ QList<MSSQLIndexDefinition> MSSQLIndexDefinition::listFrom(DatabaseResultSet &ro
         Compression,
         MixedCompression,
         DataSpace,
-        PartitionColumn
+        PartitionColumn,
+        PrimaryKey
     };
     const auto flag = [&rows](Position position) { return rows.numberForColumnIndex(position).toBool(); };
     QList<MSSQLIndexDefinition> indexes;
@@ -42,7 +43,8 @@ QList<MSSQLIndexDefinition> MSSQLIndexDefinition::listFrom(DatabaseResultSet &ro
                             .compression = rows.stringForColumnIndex(Compression),
                             .hasMixedCompression = flag(MixedCompression),
                             .dataSpace = rows.stringForColumnIndex(DataSpace),
-                            .partitionColumn = rows.stringForColumnIndex(PartitionColumn)});
+                            .partitionColumn = rows.stringForColumnIndex(PartitionColumn),
+                            .isPrimaryKey = flag(PrimaryKey)});
         const QString column = rows.stringForColumnIndex(Column);
         if (flag(Included))
             indexes.last().includedColumns.append(column);

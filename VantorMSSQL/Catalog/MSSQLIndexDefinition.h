@@ -24,4 +24,5 @@ struct MSSQLIndexDefinition
     bool hasMixedCompression = false;
     QString dataSpace = {};       ///< filegroup or partition scheme; null for that of the table
     QString partitionColumn = {}; ///< null for a filegroup
+    bool isPrimaryKey = false;    ///< the index of the primary key
 };

@@ -7,6 +7,8 @@
 #include "TableDesign/MSSQLPrimaryKeyScript.h"
 #include "TableDesign/MSSQLTypeChange.h"
 
+#include <algorithm>
+
 namespace {
 
 /// Whether a column of this type can be an identity column.
@@ -146,6 +148,15 @@ KNStatementPair MSSQLColumnEdit::keyChange(const MSSQLDesignedTable &table,
         settings, table.schema, table.name, "mssql.tabledesigner.loadTable", error);
     if (*error)
         return {};
-    return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"))
-        .change(columns, m_before.columnName, m_value.toBool(), keys.value(0));
+    const auto indexes = MSSQLCatalogReader::records<MSSQLIndexDefinition>(
+        settings, table.schema, table.name, "mssql.tabledesigner.loadTable", error);
+    if (*error)
+        return {};
+    const auto index =
+        std::find_if(indexes.begin(), indexes.end(), [](const auto &each) { return each.isPrimaryKey; });
+    const auto syntax = MSSQLVersionHelper::sharedInstance()->isSQL2000(settings) ? MSSQLIndexSyntax::SQL2000
+                                                                                  : MSSQLIndexSyntax::Current;
+    return MSSQLPrimaryKeyScript(table, templateText(settings, "Table_DropPrimaryKey"), syntax)
+        .change(columns, m_before.columnName, m_value.toBool(), keys.value(0),
+                index == indexes.end() ? MSSQLIndexDefinition() : *index);
 }

@@ -128,3 +128,8 @@ QStringList MSSQLIndexCreation::lost() const
         parts.append(tr("compression, which differs by partition"));
     return parts;
 }
+
+QString MSSQLIndexCreation::lossSentence(const QStringList &parts)
+{
+    return parts.isEmpty() ? QString() : KNFormat(tr("The index would lose: %@."), parts.join(separator));
+}

@@ -22,10 +22,14 @@ public:
 
     /// CREATE INDEX, and ALTER INDEX … DISABLE if the old one was disabled.
     QString statements() const;
+    /// The clauses WITH and ON, which a key constraint takes as well.
+    QString storage() const { return options() + place(); }
     /// What a CREATE INDEX without options does not keep, in the user's words.
     QStringList lostWithoutOptions() const;
     /// What statements() does not keep, either, because no statement can.
     QStringList lost() const;
+    /// A sentence on what the index would lose; null for nothing.
+    static QString lossSentence(const QStringList &parts);
 
 private:
     QString keys() const;

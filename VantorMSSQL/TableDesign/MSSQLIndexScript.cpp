@@ -21,13 +21,6 @@ bool haveSameDefinition(const MSSQLIndexEntry &oldIndex, const MSSQLIndexEntry &
            oldIndex.columns == newIndex.columns;
 }
 
-QString lossSentence(const QStringList &parts)
-{
-    return parts.isEmpty() ? QString()
-                           : KNFormat(MSSQLStatementCaution::tr("The index would lose: %@."),
-                                      parts.join(QLatin1String(", ")));
-}
-
 } // namespace
 
 MSSQLIndexScript::MSSQLIndexScript(MSSQLDesignedTable table, MSSQLIndexSyntax syntax)
@@ -69,7 +62,7 @@ KNStatementPair MSSQLIndexScript::queryForUpdateIndex(const MSSQLIndexEntry &old
         caution.addUnlessRead(oldName, {oldIndex.indexName});
         caution.add(
             MSSQLStatementCaution::tr("SQL Server does not accept DROP INDEX without the index's table."));
-        caution.add(lossSentence(creation.lostWithoutOptions()));
+        caution.add(MSSQLIndexCreation::lossSentence(creation.lostWithoutOptions()));
         // The name differs in the case of its letters only: the exact statements drop and create.
         if (haveSameDefinition(oldIndex, newIndex))
             pair.corrected = rename(oldIndex.indexName, newIndex.indexName).corrected;
@@ -81,7 +74,8 @@ KNStatementPair MSSQLIndexScript::queryForUpdateIndex(const MSSQLIndexEntry &old
 QString MSSQLIndexScript::lossBy(const MSSQLIndexEntry &newIndex,
                                  const MSSQLIndexDefinition &definition) const
 {
-    return lossSentence(MSSQLIndexCreation(m_table, newIndex, definition, m_syntax).lost());
+    return MSSQLIndexCreation::lossSentence(
+        MSSQLIndexCreation(m_table, newIndex, definition, m_syntax).lost());
 }
 
 KNStatementPair MSSQLIndexScript::rename(const QString &oldName, const QString &newName) const

@@ -7,9 +7,11 @@
 
 #include <algorithm>
 
-MSSQLPrimaryKeyScript::MSSQLPrimaryKeyScript(MSSQLDesignedTable table, QString dropTemplate)
+MSSQLPrimaryKeyScript::MSSQLPrimaryKeyScript(MSSQLDesignedTable table, QString dropTemplate,
+                                             MSSQLIndexSyntax syntax)
     : m_table(std::move(table))
     , m_dropTemplate(std::move(dropTemplate))
+    , m_syntax(syntax)
 {
 }
 
@@ -20,7 +22,8 @@ bool MSSQLPrimaryKeyScript::needsNotNull(const MSSQLColumnRecord &column, bool b
 
 KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &columns,
                                               const QString &columnName, bool becomesKey,
-                                              const MSSQLPrimaryKeyRecord &key) const
+                                              const MSSQLPrimaryKeyRecord &key,
+                                              const MSSQLIndexDefinition &index) const
 {
     const auto edited = std::find_if(columns.begin(), columns.end(), [&](const MSSQLColumnRecord &column) {
         return column.columnName == columnName;
@@ -36,7 +39,7 @@ KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &co
     }
     if (becomesKey)
         names.append(columnName);
-    KNStatementPair pair = addition(names, key);
+    KNStatementPair pair = addition(names, key, index);
     if (!hadKey)
         return pair;
     const QString drop =
@@ -48,8 +51,8 @@ KNStatementPair MSSQLPrimaryKeyScript::change(const QList<MSSQLColumnRecord> &co
 }
 
 /// Without names the texts are empty.
-KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names,
-                                                const MSSQLPrimaryKeyRecord &key) const
+KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names, const MSSQLPrimaryKeyRecord &key,
+                                                const MSSQLIndexDefinition &index) const
 {
     if (names.isEmpty())
         return {QStringLiteral(""), QStringLiteral(""), {}};
@@ -61,9 +64,11 @@ KNStatementPair MSSQLPrimaryKeyScript::addition(const QStringList &names,
     if (corrected != correctedAddition(names, {}))
         caution.add(MSSQLStatementCaution::tr(
             "This would lose the name of the key, the order of its columns or the kind of its index."));
+    const MSSQLIndexCreation kept = creation(key, index);
+    caution.add(MSSQLIndexCreation::lossSentence(kept.lostWithoutOptions()));
     return {
         KNFormat("ALTER TABLE %@ ADD PRIMARY KEY(%@);", m_table.exactName(), names.join(QLatin1String(", "))),
-        corrected, caution.text()};
+        KNFormat("%@%@;", corrected, kept.storage()), caution.text()};
 }
 
 QString MSSQLPrimaryKeyScript::correctedAddition(const QStringList &names,
@@ -81,6 +86,25 @@ QString MSSQLPrimaryKeyScript::correctedAddition(const QStringList &names,
     const QString constraint = key.name.isNull()
                                    ? QStringLiteral("")
                                    : KNFormat("CONSTRAINT %@ ", MSSQLQuoting::quotedName(key.name));
-    return KNFormat("ALTER TABLE %@ ADD %@PRIMARY KEY%@(%@);", m_table.quoted(), constraint,
+    return KNFormat("ALTER TABLE %@ ADD %@PRIMARY KEY%@(%@)", m_table.quoted(), constraint,
                     key.isClustered ? "" : " NONCLUSTERED ", listed.join(QLatin1String(", ")));
+}
+
+/// The index of the key with what a constraint takes. A constraint of SQL Server 2000 takes a fill factor and
+/// a filegroup; the new key is always enabled.
+MSSQLIndexCreation MSSQLPrimaryKeyScript::creation(const MSSQLPrimaryKeyRecord &key,
+                                                   const MSSQLIndexDefinition &index) const
+{
+    MSSQLIndexDefinition kept = index;
+    kept.descendingKeys.clear(); // the list of columns keeps them
+    kept.isDisabled = false;
+    if (m_syntax == MSSQLIndexSyntax::SQL2000) {
+        kept = {};
+        kept.fillFactor = index.fillFactor;
+        kept.dataSpace = index.dataSpace;
+    }
+    MSSQLIndexEntry entry;
+    entry.isUnique = true;
+    entry.isNonClustered = !key.isClustered;
+    return {m_table, entry, kept, m_syntax};
 }

@@ -247,9 +247,10 @@ TEST(IndexDefinition, ReadsARowForEachColumn)
                               ScriptTest::text("PAGE"),
                               KNValue(0),
                               ScriptTest::text("by year"),
-                              ScriptTest::text("y")};
+                              ScriptTest::text("y"),
+                              KNValue(1)};
     };
-    QList<KNValue> plain(16);
+    QList<KNValue> plain(17);
     plain[0] = ScriptTest::text("IY");
     plain[1] = ScriptTest::text("a");
     const auto answer =
@@ -272,10 +273,12 @@ TEST(IndexDefinition, ReadsARowForEachColumn)
     EXPECT_FALSE(full.hasMixedCompression);
     EXPECT_EQ(full.dataSpace, q("by year"));
     EXPECT_EQ(full.partitionColumn, q("y"));
+    EXPECT_TRUE(full.isPrimaryKey);
     // A server that answers NULL everywhere.
     EXPECT_TRUE(indexes[1].filter.isNull());
     EXPECT_TRUE(indexes[1].dataSpace.isNull());
     EXPECT_EQ(indexes[1].fillFactor, 0);
+    EXPECT_FALSE(indexes[1].isPrimaryKey);
 }
 
 } // namespace IndexScriptTests

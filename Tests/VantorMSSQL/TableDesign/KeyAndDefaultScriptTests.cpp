@@ -33,9 +33,28 @@ MSSQLColumnDefaultScript defaults(const char *defaultSchema = "sales")
                "REPLACE(N'{NEW_DEFAULT}', N'\"', N'''')")}};
 }
 
-MSSQLPrimaryKeyScript keys(const char *defaultSchema = "sales")
+MSSQLPrimaryKeyScript keys(const char *defaultSchema = "sales",
+                           MSSQLIndexSyntax syntax = MSSQLIndexSyntax::Current)
 {
-    return {{q("sales"), q("Orders"), q(defaultSchema)}, q("drop N'{TABLE_SCHEMA}' N'{TABLE_NAME}'")};
+    return {{q("sales"), q("Orders"), q(defaultSchema)}, q("drop N'{TABLE_SCHEMA}' N'{TABLE_NAME}'"), syntax};
+}
+
+/// An index of a key with everything that is not the default.
+MSSQLIndexDefinition specialIndex()
+{
+    MSSQLIndexDefinition index;
+    index.descendingKeys = {q("a")};
+    index.fillFactor = 80;
+    index.isPadded = true;
+    index.ignoresDuplicates = true;
+    index.isWithoutRecompute = true;
+    index.allowsRowLocks = false;
+    index.allowsPageLocks = false;
+    index.isDisabled = true;
+    index.compression = q("PAGE");
+    index.dataSpace = q("by year");
+    index.partitionColumn = q("b");
+    return index;
 }
 
 } // namespace
@@ -130,6 +149,40 @@ TEST(PrimaryKeyScript, KeepsNameOrderAndKindOfTheKeyInTheCorrectedScriptOnly)
                                  "of its index."));
     const MSSQLPrimaryKeyRecord unnamed{QString(), true, {{q("a"), false}, {q("b"), false}}};
     EXPECT_TRUE(keys().change(columns, q("c"), true, unnamed).difference.isEmpty());
+}
+
+TEST(PrimaryKeyScript, KeepsTheIndexOfTheKeyInTheCorrectedScriptOnly)
+{
+    const MSSQLPrimaryKeyRecord key{q("PK"), false, {{q("a"), true}, {q("b"), false}}};
+    const QList<MSSQLColumnRecord> columns{column("a", true), column("b", true), column("c", true)};
+    const KNStatementPair pair = keys().change(columns, q("c"), false, key, specialIndex());
+    EXPECT_EQ(pair.exact, q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                            "ALTER TABLE Orders ADD PRIMARY KEY(a, b);"));
+    EXPECT_EQ(pair.corrected,
+              q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                "ALTER TABLE sales.Orders ADD CONSTRAINT PK PRIMARY KEY NONCLUSTERED (a DESC, b) "
+                "WITH (FILLFACTOR = 80, PAD_INDEX = ON, IGNORE_DUP_KEY = ON, STATISTICS_NORECOMPUTE = ON, "
+                "ALLOW_ROW_LOCKS = OFF, ALLOW_PAGE_LOCKS = OFF, DATA_COMPRESSION = PAGE) "
+                "ON [by year](b);"));
+    EXPECT_EQ(pair.difference,
+              q("This would lose the name of the key, the order of its columns or the kind of its index. "
+                "The index would lose: fill factor, PAD_INDEX, IGNORE_DUP_KEY, STATISTICS_NORECOMPUTE, "
+                "ALLOW_ROW_LOCKS, ALLOW_PAGE_LOCKS, compression, partition scheme."));
+    EXPECT_EQ(keys().change(columns, q("c"), false, {}, {}).difference, QString());
+}
+
+TEST(PrimaryKeyScript, KeepsWhatAConstraintOfSQLServer2000Takes)
+{
+    const MSSQLPrimaryKeyRecord key{QString(), true, {{q("a"), false}}};
+    MSSQLIndexDefinition index = specialIndex();
+    index.dataSpace = q("SECOND");
+    index.partitionColumn = QString();
+    const KNStatementPair pair = keys("sales", MSSQLIndexSyntax::SQL2000)
+                                     .change({column("a", true), column("b")}, q("b"), true, key, index);
+    EXPECT_EQ(pair.corrected,
+              q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+                "ALTER TABLE sales.Orders ADD PRIMARY KEY(a, b) WITH FILLFACTOR = 80 ON [SECOND];"));
+    EXPECT_EQ(pair.difference, q("The index would lose: fill factor, filegroup."));
 }
 
 TEST(PrimaryKeyScript, RefusesAColumnThatTakesNull)

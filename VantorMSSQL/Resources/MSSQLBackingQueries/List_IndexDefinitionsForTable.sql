@@ -1,4 +1,5 @@
--- One row per column of every index: the keys in their order, then the included columns. Constraints are left out.
+-- One row per column of every index and the primary key: the keys in their order, then the included columns. Unique
+-- constraints are left out.
 -- A data space is named where a new index would not stand there anyway. 2005 has neither filters nor compression.
 DECLARE @nocount int
 DECLARE @table int
@@ -60,7 +61,8 @@ SELECT
     g.compression,
     ISNULL(g.is_mixed, 0) AS has_mixed_compression,
     d.name AS data_space,
-    CASE WHEN d.type = 'PS' THEN pc.name END AS partition_column
+    CASE WHEN d.type = 'PS' THEN pc.name END AS partition_column,
+    CONVERT(int, i.is_primary_key) AS is_primary_key
 FROM sys.indexes AS i
 INNER JOIN sys.index_columns AS ic ON ic.object_id = i.object_id AND ic.index_id = i.index_id
 INNER JOIN sys.columns AS c ON c.object_id = ic.object_id AND c.column_id = ic.column_id
@@ -86,7 +88,6 @@ LEFT JOIN @storage AS g ON g.index_id = i.index_id
 WHERE i.object_id = @table
     AND i.type IN (1, 2)
     AND i.is_hypothetical = 0
-    AND i.is_primary_key = 0
     AND i.is_unique_constraint = 0
     AND (ic.key_ordinal > 0 OR ic.is_included_column = 1)
 ORDER BY i.index_id, ic.is_included_column, ic.key_ordinal, ic.index_column_id

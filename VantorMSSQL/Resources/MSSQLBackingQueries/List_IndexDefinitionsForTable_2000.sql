@@ -1,5 +1,5 @@
--- One row per key column of every index, in key order. Constraints are left out. This version has no included columns,
--- filters, compression and partitions, and an index cannot be disabled.
+-- One row per key column of every index and the primary key, in key order. Unique constraints are left out. This
+-- version has no included columns, filters, compression and partitions, and an index cannot be disabled.
 SELECT
     i.name AS index_name,
     c.name AS column_name,
@@ -16,7 +16,8 @@ SELECT
     CONVERT(nvarchar(60), NULL) AS compression,
     0 AS has_mixed_compression,
     CASE WHEN i.groupid <> base.groupid THEN FILEGROUP_NAME(i.groupid) END AS data_space,
-    CONVERT(nvarchar(128), NULL) AS partition_column
+    CONVERT(nvarchar(128), NULL) AS partition_column,
+    CASE WHEN k.xtype = 'PK' THEN 1 ELSE 0 END AS is_primary_key
 FROM dbo.sysindexes AS i
 INNER JOIN dbo.sysobjects AS o ON o.id = i.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
@@ -27,7 +28,7 @@ LEFT JOIN dbo.sysobjects AS k ON k.parent_obj = i.id AND k.name = i.name AND k.x
 WHERE u.name = N'{TABLE_SCHEMA}'
     AND o.name = N'{TABLE_NAME}'
     AND o.xtype = 'U'
-    AND k.id IS NULL
+    AND (k.id IS NULL OR k.xtype = 'PK')
     AND i.indid BETWEEN 1 AND 254
     AND INDEXPROPERTY(i.id, i.name, N'IsStatistics') = 0
     AND INDEXPROPERTY(i.id, i.name, N'IsHypothetical') = 0
