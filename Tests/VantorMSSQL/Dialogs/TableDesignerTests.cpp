@@ -157,6 +157,31 @@ TEST_F(TableDesigner, HasItsTabsInOrder)
     EXPECT_EQ(m_designer->title(), QStringLiteral("Item"));
 }
 
+TEST_F(TableDesigner, BeginsInTheFirstColumnAndGivesTheFocusToTheShownTab)
+{
+    EXPECT_EQ(grid()->currentIndex(), grid()->model()->index(0, Column::Field));
+    m_designer->setFocus();
+    EXPECT_EQ(m_designer->focusWidget(), grid());
+    const auto *const triggers = page<MSSQLTableTriggerDesignerViewController>();
+    m_designer->setFocus();
+    EXPECT_EQ(m_designer->focusWidget(), triggers->list());
+}
+
+TEST_F(TableDesigner, KeepsTheIndexOfAKeyThatIsMadeAgain)
+{
+    run("ALTER TABLE des.Item ADD CONSTRAINT PK_des PRIMARY KEY NONCLUSTERED (id) WITH (FILLFACTOR = 70, "
+        "PAD_INDEX = ON)");
+    run("ALTER TABLE des.Item ALTER COLUMN name nvarchar(20) NOT NULL");
+    columns()->reload();
+    finish();
+    edit(1, Column::Primary, true);
+    EXPECT_TRUE(m_alerts.messages.empty());
+    ASSERT_EQ(m_designer->session().executedScripts().size(), 1);
+    EXPECT_TRUE(m_designer->session().executedScripts().first().contains(
+        QStringLiteral("ADD CONSTRAINT PK_des PRIMARY KEY NONCLUSTERED (id, name) "
+                       "WITH (FILLFACTOR = 70, PAD_INDEX = ON);")));
+}
+
 TEST_F(TableDesigner, ChangesEachCellAndShowsWhatTheServerHas)
 {
     edit(1, Column::Field, QStringLiteral("title"));

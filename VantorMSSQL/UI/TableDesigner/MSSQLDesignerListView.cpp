@@ -30,6 +30,7 @@ MSSQLDesignerListView::MSSQLDesignerListView(MSSQLTableDesignSession &session, c
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
+    setFocusProxy(m_list);
     m_list->setAlternatingRowColors(true);
     m_notice->setTextFormat(Qt::PlainText);
     m_notice->setWordWrap(true);

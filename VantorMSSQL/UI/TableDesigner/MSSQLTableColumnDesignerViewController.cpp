@@ -35,6 +35,7 @@ MSSQLTableColumnDesignerViewController::MSSQLTableColumnDesignerViewController(
     , m_add(new QPushButton(tr("&Add Column")))
     , m_drop(new QPushButton(tr("&Drop Column")))
 {
+    setFocusProxy(m_grid);
     m_grid->setAccessibleName(tr("Columns"));
     m_grid->setModel(m_model);
     m_grid->setItemDelegate(new MSSQLColumnGridDelegate(m_session.settings(), this));
@@ -113,9 +114,11 @@ void MSSQLTableColumnDesignerViewController::showColumns(const QList<MSSQLColumn
     const QModelIndex current = m_grid->currentIndex();
     m_model->setColumns(columns);
     m_grid->resizeColumnsToContents();
-    if (current.isValid() && m_model->rowCount() > 0)
+    if (m_model->rowCount() > 0)
         m_grid->setCurrentIndex(
-            m_model->index(std::min(current.row(), m_model->rowCount() - 1), current.column()));
+            current.isValid()
+                ? m_model->index(std::min(current.row(), m_model->rowCount() - 1), current.column())
+                : m_model->index(0, Column::Field));
     if (error)
         m_notice->setText(error.localizedDescription());
     else

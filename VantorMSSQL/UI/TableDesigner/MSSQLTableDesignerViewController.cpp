@@ -30,7 +30,6 @@ MSSQLTableDesignerViewController::MSSQLTableDesignerViewController(const QString
     , m_changes(new KNSQLEditor)
     , m_changePane(createChangePane())
 {
-    setFocusProxy(m_tabs);
     m_tabs->setDocumentMode(true);
     auto *const triggers = new MSSQLTableTriggerDesignerViewController(*m_session);
     addTab(new MSSQLTableColumnDesignerViewController(*m_session), QStringLiteral("Columns"), tr("Columns"),
@@ -42,6 +41,8 @@ MSSQLTableDesignerViewController::MSSQLTableDesignerViewController(const QString
     addTab(triggers, QStringLiteral("Triggers"), tr("Triggers"), "DatabaseTree-Trigger");
     addTab(new MSSQLTableDetailsViewController(*m_session), QStringLiteral("Details"), tr("Details"),
            "DatabaseTree-Table");
+    setFocusProxy(m_tabs->currentWidget());
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this] { setFocusProxy(m_tabs->currentWidget()); });
 
     auto *const splitter = new QSplitter(Qt::Vertical);
     splitter->addWidget(m_tabs);
