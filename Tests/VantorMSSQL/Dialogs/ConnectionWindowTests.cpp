@@ -182,6 +182,9 @@ TEST_F(ConnectionWindow, StaysOpenWithAWrongPasswordAndASecondAttemptWorks)
     EXPECT_FALSE(connecting()->isRunning());
     EXPECT_TRUE(button("Save and Connect")->isEnabled());
     EXPECT_TRUE(m_store->writes.empty());
+    // The next password replaces the refused one.
+    EXPECT_EQ(m_dialog->focusWidget(), m_form->password);
+    EXPECT_EQ(m_form->password->selectedText(), QStringLiteral("wrong"));
 
     m_form->password->setText(QString::fromLatin1(SampleServerFixture::Password));
     m_dialog->onConnectAndSave();

@@ -291,6 +291,10 @@ void MSSQLConnectionWindowController::connectFailed(const KNError &error)
 {
     setConnectionSessionParameters(m_attempt->details()->sessionParameters()); // perhaps trusts a certificate
     stopAttempt();
+    if (VantorLoginProblemOf(error) == VantorLoginProblem::LoginRefused) {
+        m_form->password->setFocus();
+        m_form->password->selectAll();
+    }
     KNAlerts::shared().showError(this, error);
     m_progress->fail(error.localizedDescription());
 }
