@@ -186,6 +186,14 @@ QRect ProgramStyle::subControlRect(ComplexControl control, const QStyleOptionCom
     }
 }
 
+int ProgramStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                            QStyleHintReturn *data) const
+{
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons || hint == SH_EtchDisabledText)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, data);
+}
+
 int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
     if (metric == PM_ScrollBarExtent)

@@ -17,5 +17,9 @@ public:
                             const QWidget *widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
                          const QWidget *widget) const override;
+    /// The buttons of dialogs have no icons: those with titles of their own have none, either. Disabled texts
+    /// have no second outline, which is blurred in the dark.
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *data) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
 };

@@ -3,9 +3,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -89,6 +91,14 @@ TEST_P(StyledControls, ShowThatAFieldIsDisabled)
     line.setEnabled(false);
     EXPECT_NE(line.grab().toImage().pixelColor(50, 12), enabled);
     EXPECT_LT(edgeContrast(line), 3);
+}
+
+TEST_P(StyledControls, ButtonsOfDialogsHaveTextsOnly)
+{
+    QDialogButtonBox box;
+    prepare(box);
+    for (const auto button : {QDialogButtonBox::Ok, QDialogButtonBox::Cancel, QDialogButtonBox::Close})
+        EXPECT_TRUE(box.addButton(button)->icon().isNull());
 }
 
 TEST_P(StyledControls, ScrollBarsMoveByPagesAndByTheSlider)
