@@ -9,10 +9,49 @@
 #include <QApplication>
 #include <QEvent>
 #include <QLabel>
+#include <QPainter>
+#include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+
+constexpr int FewestCharacters = 8; // of a name that can be long
+
+/// A label whose text is shortened where it does not fit. It can become as narrow as these characters; 0: its
+/// whole text is always shown.
+class StatusLabel : public QLabel
+{
+public:
+    StatusLabel(int fewestCharacters, QWidget *parent)
+        : QLabel(parent)
+        , m_fewestCharacters(fewestCharacters)
+    {
+    }
+    QSize minimumSizeHint() const override
+    {
+        QSize size = QLabel::minimumSizeHint();
+        const QMargins margins = contentsMargins();
+        const int narrowest =
+            fontMetrics().averageCharWidth() * m_fewestCharacters + margins.left() + margins.right();
+        if (m_fewestCharacters > 0)
+            size.setWidth(std::min(size.width(), narrowest));
+        return size;
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+        style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(),
+                              shown, foregroundRole());
+    }
+
+private:
+    const int m_fewestCharacters;
+};
 
 /// Reads out a label's name with its text: "Rows: 12 rows".
 class LabelAccessible : public QAccessibleWidget
@@ -44,11 +83,11 @@ QAccessibleInterface *labelInterface(const QString &, QObject *object)
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
     , m_selection(newLabel(tr("Selection")))
-    , m_text(addLabel(tr("Activity")))
-    , m_server(addLabel(tr("Server")))
+    , m_text(addLabel(tr("Activity"), FewestCharacters))
+    , m_server(addLabel(tr("Server"), FewestCharacters))
     , m_encryption(new EncryptionMark)
-    , m_login(addLabel(tr("Login")))
-    , m_database(addLabel(tr("Database")))
+    , m_login(addLabel(tr("Login"), FewestCharacters))
+    , m_database(addLabel(tr("Database"), FewestCharacters))
     , m_transaction(addLabel(tr("Transaction")))
     , m_position(addLabel(tr("Position")))
     , m_encoding(addLabel(tr("Encoding")))
@@ -65,16 +104,16 @@ StatusLine::StatusLine(QWidget *parent)
     clearStatus();
 }
 
-QLabel *StatusLine::addLabel(const QString &accessibleName)
+QLabel *StatusLine::addLabel(const QString &accessibleName, int fewestCharacters)
 {
-    QLabel *const label = newLabel(accessibleName);
+    QLabel *const label = newLabel(accessibleName, fewestCharacters);
     addPermanentWidget(label);
     return label;
 }
 
-QLabel *StatusLine::newLabel(const QString &accessibleName)
+QLabel *StatusLine::newLabel(const QString &accessibleName, int fewestCharacters)
 {
-    auto *const label = new QLabel(this);
+    auto *const label = new StatusLabel(fewestCharacters, this);
     label->setAccessibleName(accessibleName);
     label->setTextFormat(Qt::PlainText);
     label->setContentsMargins(6, 0, 6, 0);
@@ -93,11 +132,13 @@ void StatusLine::setServer(const QString &server, const QString &version)
 void StatusLine::setLogin(const QString &login)
 {
     m_login->setText(login);
+    m_login->setToolTip(KNPlainToolTip(login));
 }
 
 void StatusLine::showStatus(const KNDocumentStatus &status)
 {
     m_database->setText(status.database);
+    m_database->setToolTip(KNPlainToolTip(status.database));
     m_transaction->setText(status.hasOpenTransaction ? tr("Transaction open") : QString());
     setHasTransaction(status.hasOpenTransaction);
     m_position->setText(status.line > 0
@@ -116,6 +157,7 @@ void StatusLine::showStatus(const KNDocumentStatus &status)
 void StatusLine::clearStatus()
 {
     m_selection->setToolTip({});
+    m_database->setToolTip({});
     for (QLabel *const label :
          {m_selection, m_text, m_database, m_transaction, m_position, m_encoding, m_lineEnds, m_rows, m_time})
         label->clear();

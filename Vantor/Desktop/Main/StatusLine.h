@@ -34,8 +34,8 @@ protected:
 
 private:
     void setHasTransaction(bool hasTransaction);
-    QLabel *addLabel(const QString &accessibleName);
-    QLabel *newLabel(const QString &accessibleName);
+    QLabel *addLabel(const QString &accessibleName, int fewestCharacters = 0);
+    QLabel *newLabel(const QString &accessibleName, int fewestCharacters = 0);
 
     QLabel *const m_selection;
     QLabel *const m_text;

@@ -103,3 +103,21 @@ TEST(StatusLine, ShowsTheSelectionWithoutWideningTheWindow)
     line.clearStatus();
     EXPECT_EQ(shown(line, "Selection"), QString());
 }
+
+TEST(StatusLine, LetsTheWindowBeNarrowWithLongNames)
+{
+    constexpr int LongestName = 128;
+    StatusLine line;
+    line.setServer(QString(LongestName, u's'), QStringLiteral("Microsoft SQL Server 2022 (RTM)"));
+    line.setLogin(QString(LongestName, u'l'));
+    KNDocumentStatus status;
+    status.database = QString(LongestName, u'd');
+    status.line = status.column = 1000;
+    status.encoding = QStringLiteral("UTF-8");
+    status.lineEnds = QStringLiteral("CR LF");
+    status.rowCount = 1000000;
+    status.elapsedMilliseconds = 1234;
+    line.showStatus(status);
+    EXPECT_LT(line.minimumSizeHint().width(), 100 * line.fontMetrics().averageCharWidth());
+    EXPECT_EQ(shown(line, "Database"), status.database);
+}
