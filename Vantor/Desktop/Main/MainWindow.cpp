@@ -217,6 +217,7 @@ void MainWindow::adoptDocument(KNDocumentTab *document, int index)
     showDocument(query);
     if (unused)
         m_tabs->removeDocument(unused);
+    activateWindow(); // a drop does not do that everywhere
 }
 
 QueryTab *MainWindow::addQueryTab(const VantorDBC &details, const QString &text, const QString &name)
@@ -479,8 +480,8 @@ void MainWindow::restoreLayout()
     const auto stored = [](const QString &key) {
         return QByteArray::fromBase64(KNUserDefaults::standardUserDefaults()->stringForKey(key).toLatin1());
     };
-    constexpr QSize TitleBar(0, 40); // about; known only when the window is shown
-    resize(QSize(1280, 800).boundedTo(screen()->availableSize() - TitleBar));
+    constexpr QSize Frame(8, 40); // about; known only when the window is shown
+    resize(QSize(1280, 800).boundedTo(screen()->availableSize() - Frame));
     m_splitter->setSizes({300, 980});
     restoreGeometry(stored(GeometryKey));
     m_splitter->restoreState(stored(SplitterKey));
