@@ -243,9 +243,11 @@ void KNResultEditActions::removeSelectedRows()
     const QList<int> rows = selectedRows();
     if (rows.isEmpty() || !m_editing.isEditable())
         return;
+    const bool isOne = rows.size() == 1;
     const KNAlerts::Question question{
-        rows.size() == 1 ? tr("Delete 1 row?") : KNFormat(tr("Delete %@ rows?"), KNCountText(rows.size())),
-        tr("They are deleted on the server when you apply the changes."),
+        isOne ? tr("Delete 1 row?") : KNFormat(tr("Delete %@ rows?"), KNCountText(rows.size())),
+        isOne ? tr("It is deleted on the server when you apply the changes.")
+              : tr("They are deleted on the server when you apply the changes."),
         {tr("Cancel"), tr("Delete")}};
     KNAlerts::shared().ask(&m_section, question, [self = QPointer(this), rows](int button) {
         if (self && button == 1)

@@ -106,9 +106,13 @@ void KNRecordView::showEvent(QShowEvent *event)
     followGrid();
     m_table->resizeColumnToContents(KNRecordModel::Name);
     m_table->resizeColumnToContents(KNRecordModel::Type);
-    const int widest = fontMetrics().averageCharWidth() * 30;
-    for (const int field : {KNRecordModel::Name, KNRecordModel::Type})
+    // The rest of the width is the value's.
+    const auto limitWidth = [this](KNRecordModel::Field field, int characters) {
+        const int widest = fontMetrics().averageCharWidth() * characters;
         m_table->setColumnWidth(field, qMin(m_table->columnWidth(field) + 8, widest));
+    };
+    limitWidth(KNRecordModel::Name, 24);
+    limitWidth(KNRecordModel::Type, 12);
 }
 
 void KNRecordView::followGrid()
