@@ -2,8 +2,26 @@
 
 #include "UI/Dialogs/KNButtonOrder.h"
 
+#include <QAbstractButton>
 #include <QDialogButtonBox>
 #include <QPushButton>
+
+namespace {
+
+/// The first widget for the Tab key that is no button; null if there is none.
+QWidget *firstField(const QDialog &dialog)
+{
+    for (QWidget *widget = dialog.nextInFocusChain(); widget != &dialog;
+         widget = widget->nextInFocusChain()) {
+        const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && !widget->focusProxy();
+        if (takesTab && widget->isEnabledTo(&dialog) && widget->isVisibleTo(&dialog) &&
+            !qobject_cast<QAbstractButton *>(widget))
+            return widget;
+    }
+    return nullptr;
+}
+
+} // namespace
 
 KNWindowController::KNWindowController(QWidget *parent)
     : QDialog(parent)
@@ -20,6 +38,8 @@ void KNWindowController::beginSheet(std::function<void(int)> ended)
         if (ended)
             ended(code);
     });
+    if (QWidget *const field = focusWidget() ? nullptr : firstField(*this))
+        field->setFocus();
     open();
     KNOrderButtons(*this);
 }

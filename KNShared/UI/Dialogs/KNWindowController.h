@@ -18,8 +18,9 @@ public:
     explicit KNWindowController(QWidget *parent);
     ~KNWindowController() override;
 
-    /// Shows the sheet and returns at once. `ended` receives the return code, 0 if cancelled. It is not
-    /// called if the sheet is deleted before.
+    /// Shows the sheet and returns at once. The first field gets the focus unless another widget has it: Qt
+    /// would give it to the buttons, which are made before the fields. `ended` receives the return code, 0 if
+    /// cancelled. It is not called if the sheet is deleted before.
     void beginSheet(std::function<void(int returnCode)> ended);
     void endSheetWithReturnCode(int code);
     /// Whether the sheet has ended; later results have no effect.

@@ -17,7 +17,9 @@
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameWindowController.h"
 
+#include <QLineEdit>
 #include <QPointer>
+#include <QTableView>
 
 namespace {
 
@@ -165,6 +167,13 @@ TEST_P(ConnectorDialogs, HaveOneDefaultButtonForTheReturnKey)
     }
 }
 
+TEST_P(ConnectorDialogs, BeginInAFieldSoThatTypedTextIsNotLost)
+{
+    QWidget *const focus = m_dialog->focusWidget();
+    ASSERT_NE(focus, nullptr);
+    EXPECT_EQ(qobject_cast<QPushButton *>(focus), nullptr);
+}
+
 TEST_P(ConnectorDialogs, OpenWithoutHoldingTheWindowUp)
 {
     const WatchedApplication::Call &longest = WatchedApplication::instance().longestCall();
@@ -179,3 +188,30 @@ TEST_P(ConnectorDialogs, HaveMnemonicsThatDifferAndReachTheirFields)
 
 INSTANTIATE_TEST_SUITE_P(All, ConnectorDialogs, testing::ValuesIn(openings()),
                          [](const testing::TestParamInfo<Opening> &opening) { return opening.param.name; });
+
+TEST(NewTableDialog, KeepsTheFocusInItsGridWhileColumnsAreEditedByKeyboard)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    QWidget window;
+    window.show();
+    const QPointer dialog(new MSSQLCreateTableWindowController(shopSettings(), &window));
+    std::optional<int> result;
+    dialog->beginSheet([&](int code) { result = code; });
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    EXPECT_TRUE(WindowTesting::settle());
+    auto *const grid = dialog->findChild<QTableView *>();
+    grid->setFocus();
+    grid->setCurrentIndex(grid->model()->index(1, MSSQLColumnGridModel::Field));
+    QTest::keyClick(grid, Qt::Key_Return);
+    ASSERT_TRUE(qobject_cast<QLineEdit *>(dialog->focusWidget()));
+    QTest::keyClicks(dialog->focusWidget(), QStringLiteral("Amount"));
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(WindowTesting::waitFor([&] { return dialog->focusWidget() == grid; }));
+    EXPECT_EQ(grid->currentIndex(), grid->model()->index(1, MSSQLColumnGridModel::Field));
+    EXPECT_EQ(grid->currentIndex().data().toString(), QStringLiteral("Amount"));
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(alerts.errors.empty()); // the key does not create the table
+    delete dialog.data();
+    EXPECT_TRUE(WindowTesting::settle());
+}

@@ -32,6 +32,12 @@ void MSSQLColumnGridModel::setColumns(const QList<MSSQLColumnRecord> &columns)
     endResetModel();
 }
 
+void MSSQLColumnGridModel::setColumn(int row, const MSSQLColumnRecord &column)
+{
+    m_columns[row] = column;
+    Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
+}
+
 void MSSQLColumnGridModel::setEditable(bool isEditable)
 {
     m_isEditable = isEditable;

@@ -22,6 +22,8 @@ public:
 
     const QList<MSSQLColumnRecord> &columns() const { return m_columns; }
     void setColumns(const QList<MSSQLColumnRecord> &columns);
+    /// Replaces one column. The view keeps its current cell and the focus.
+    void setColumn(int row, const MSSQLColumnRecord &column);
     /// Whether cells can be edited; false while a statement runs.
     void setEditable(bool isEditable);
 

@@ -19,6 +19,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTableView>
 
 namespace {
@@ -87,7 +88,12 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
     m_grid->setTabKeyNavigation(false);
     m_grid->verticalHeader()->hide();
     m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Field, QHeaderView::Stretch);
+    m_grid->horizontalHeader()->setSectionResizeMode(MSSQLColumnGridModel::Default, QHeaderView::Stretch);
     m_grid->resizeColumnsToContents();
+    // Return edits the current cell. Without a shortcut the key would also create the table.
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
+        connect(new QShortcut(key, m_grid, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
+                [this] { m_grid->edit(m_grid->currentIndex()); });
     connect(m_columns, &MSSQLColumnGridModel::edited, this, &MSSQLCreateTableWindowController::edit);
 
     auto *const columnButtons = new QHBoxLayout;
@@ -154,10 +160,8 @@ void MSSQLCreateTableWindowController::loadSchemas()
 void MSSQLCreateTableWindowController::edit(int row, MSSQLColumnGridModel::Column edited,
                                             const QVariant &value)
 {
-    QList<MSSQLColumnRecord> columns = m_columns->columns();
-    columns[row] = MSSQLColumnEdit(columns[row], edited, value).after();
-    setColumns(columns);
-    m_grid->setCurrentIndex(m_columns->index(row, edited));
+    m_columns->setColumn(row, MSSQLColumnEdit(m_columns->columns()[row], edited, value).after());
+    showHints();
 }
 
 void MSSQLCreateTableWindowController::addColumn()
