@@ -1,5 +1,7 @@
 #include "UI/Dialogs/KNLazyComboBox.h"
 
+#include <QListView>
+
 KNLazyComboBox::KNLazyComboBox(QWidget *parent)
     : QComboBox(parent)
 {
@@ -7,6 +9,9 @@ KNLazyComboBox::KNLazyComboBox(QWidget *parent)
     setInsertPolicy(QComboBox::NoInsert);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    // The list would measure each of thousands of texts when it opens.
+    if (auto *const list = qobject_cast<QListView *>(view()))
+        list->setUniformItemSizes(true);
     // QComboBox also emits activated() when the focus leaves a field whose text equals an item.
     connect(this, &QComboBox::activated, this, [this](int index) {
         if (std::exchange(m_isBeingClosed, false))

@@ -8,6 +8,7 @@
 #include "UI/Connecting/KNPasswordWindowController.h"
 #include "UI/Connecting/KNSSHTunnelWindowController.h"
 #include "UI/Connecting/KNSessionOptionsWindowController.h"
+#include "UI/Dialogs/KNLazyComboBox.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionWindowController.h"
 #include "UI/Dialogs/MSSQLFederationMemberConnectionWindowController/MSSQLFederationMemberConnectionWindowController.h"
@@ -17,6 +18,7 @@
 #include "UI/TableDesigner/MSSQLRenameTableWindowController.h"
 #include "UI/TableDesigner/MSSQLRenameWindowController.h"
 
+#include <QAbstractItemView>
 #include <QLineEdit>
 #include <QPointer>
 #include <QTableView>
@@ -214,4 +216,38 @@ TEST(NewTableDialog, KeepsTheFocusInItsGridWhileColumnsAreEditedByKeyboard)
     EXPECT_TRUE(alerts.errors.empty()); // the key does not create the table
     delete dialog.data();
     EXPECT_TRUE(WindowTesting::settle());
+}
+
+TEST(ConnectionDialogScale, ShowsTenThousandDatabasesWithoutHoldingTheWindowUp)
+{
+    KNKeyValueStore::setShared(nullptr);
+    const auto store = RecordingStore::install();
+    QStringList names;
+    for (int i = 0; i < 10000; ++i)
+        names.append(QStringLiteral("database of customer %1").arg(i));
+    QWidget window;
+    window.show();
+    const QPointer dialog(new MSSQLConnectionWindowController(&window));
+    dialog->beginSheet([](int) {});
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    KNLazyComboBox *databases = nullptr;
+    for (KNLazyComboBox *const box : dialog->findChildren<KNLazyComboBox *>()) {
+        if (DialogTesting::nameOf(box) == QStringLiteral("Database"))
+            databases = box;
+    }
+    ASSERT_NE(databases, nullptr);
+    WatchedApplication &application = WatchedApplication::instance();
+    application.beginWatch();
+    application.watch("filling", [&] { databases->setTexts(names); });
+    application.watch("opening", [&] { databases->showPopup(); });
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(databases->view()->window()));
+    QTest::keyClick(databases->view(), Qt::Key_End);
+    QCoreApplication::processEvents();
+    EXPECT_LT(application.longestCall().milliseconds, WatchedApplication::LongestAllowed)
+        << application.longestCall().what;
+    databases->hidePopup();
+    delete dialog.data();
+    EXPECT_TRUE(WindowTesting::settle());
+    MSSQLRecentConnection::forgetList();
+    KNKeyValueStore::setShared(nullptr);
 }

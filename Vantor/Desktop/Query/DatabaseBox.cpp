@@ -3,10 +3,10 @@
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNDispatch.h"
 
-#include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QPointer>
 
 DatabaseBox::DatabaseBox(QWidget *parent)
@@ -20,6 +20,9 @@ DatabaseBox::DatabaseBox(QWidget *parent)
     setMinimumContentsLength(20);
     completer()->setCompletionMode(QCompleter::PopupCompletion);
     lineEdit()->setPlaceholderText(tr("Default database"));
+    // The list would measure each of thousands of names when it opens.
+    if (auto *const list = qobject_cast<QListView *>(view()))
+        list->setUniformItemSizes(true);
     view()->installEventFilter(this);
     completer()->popup()->installEventFilter(this);
     connect(this, &QComboBox::activated, this, &DatabaseBox::choose);
