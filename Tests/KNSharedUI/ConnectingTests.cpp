@@ -532,6 +532,22 @@ TEST(MessageBoxes, AreDismissedByEscapeAndAnsweredByReturn)
     EXPECT_EQ(answers, (std::vector<int>{-1, 0, -1}));
 }
 
+TEST(MessageBoxes, DoNotWrapTheirTextAtTheWidthOfAShortTitle)
+{
+    KNAlerts::setShared(nullptr);
+    QWidget window;
+    window.show();
+    KNAlerts::shared().ask(
+        &window, {string("Go on?"), string("Thirty characters, more or less"), {string("Keep")}}, [](int) {});
+    const QPointer box = window.findChild<QMessageBox *>();
+    ASSERT_TRUE(box && QTest::qWaitForWindowExposed(box));
+    const auto *const label = box->findChild<QLabel *>(string("qt_msgbox_informativelabel"));
+    ASSERT_NE(label, nullptr);
+    EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(label->text()));
+    box->close();
+    EXPECT_TRUE(waitFor([&] { return !box; }));
+}
+
 TEST(ConnectionStoreLabel, IsHighEnoughForItsLinesInAForm)
 {
     QWidget window;

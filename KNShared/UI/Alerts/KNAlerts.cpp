@@ -17,6 +17,7 @@ namespace {
 constexpr qsizetype MostLinesInABox = 15;
 constexpr qsizetype LongestTextInABox = 1500; // UTF-16 units
 constexpr QSize LongMessageSize(640, 400);
+constexpr int NarrowestText = 40; // of a box with two texts, in characters
 
 bool isLong(const QString &text)
 {
@@ -126,6 +127,9 @@ private:
         // setTextFormat() does not apply to the informative text.
         for (QLabel *const label : box->findChildren<QLabel *>())
             label->setTextFormat(Qt::PlainText);
+        // The informative text is wrapped at the width of the title, which may be a few words.
+        if (auto *const label = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+            label->setMinimumWidth(label->fontMetrics().averageCharWidth() * NarrowestText);
         return box;
     }
 
