@@ -9,6 +9,7 @@
 #include "Support/RecordingWorkspace.h"
 #include "Support/SampleServerFixture.h"
 #include "Support/WindowTesting.h"
+#include "UI/Editor/KNSQLEditor.h"
 #include "UI/TableDesigner/MSSQLEditForeignKeyWindowController.h"
 #include "UI/TableDesigner/MSSQLEditIndexWindowController.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
@@ -202,6 +203,8 @@ TEST_F(TableDesigner, ChangesEachCellAndShowsWhatTheServerHas)
     EXPECT_EQ(grid()->model()->index(1, Column::Field).data().toString(), QStringLiteral("title"));
     EXPECT_EQ(m_designer->session().executedScripts().size(), 7);
     EXPECT_EQ(m_designer->changeScript().count(QStringLiteral("\r\nGO\r\n")), 7);
+    auto *const log = m_designer->findChild<KNSQLEditor *>();
+    EXPECT_GT(log->firstVisibleLine(), 0); // the last change is visible
 }
 
 TEST_F(TableDesigner, AddsAColumnAndEditsItsNameByKeyboard)

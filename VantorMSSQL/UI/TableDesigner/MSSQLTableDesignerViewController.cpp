@@ -126,6 +126,9 @@ QWidget *MSSQLTableDesignerViewController::createChangePane()
     auto *const copy = new QPushButton(tr("&Copy as Script"));
     connect(copy, &QPushButton::clicked, this,
             [this] { QApplication::clipboard()->setText(changeScript()); });
+    const VantorDBC &details = *m_session->settings();
+    m_changes->setDialect(details.tokenizerOptions(), details.keywords(), details.functions(),
+                          details.dataTypes());
     m_changes->setReadOnly(true);
     m_changes->setAccessibleName(tr("Changes"));
     auto *const top = new QHBoxLayout;
@@ -196,4 +199,6 @@ void MSSQLTableDesignerViewController::showChanges()
     m_changes->setWholeText(changeScript());
     m_changes->setReadOnly(true);
     m_changePane->setVisible(!m_session->executedScripts().isEmpty());
+    m_changes->setCursorPosition(m_changes->lines() - 1, 0); // shows the last change
+    m_changes->ensureCursorVisible();
 }
