@@ -46,6 +46,17 @@ void strokeFrame(QPainter *painter, const QStyleOption &option)
     painter->restore();
 }
 
+/// A menu over a list of the same colour would have no visible edge in the dark.
+void paintMenuFrame(QPainter *painter, const QStyleOption &option)
+{
+    constexpr qreal Share = 0.35;
+    painter->save();
+    painter->setPen(mixed(option.palette.color(QPalette::Active, QPalette::WindowText),
+                          option.palette.color(QPalette::Window), Share));
+    painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+    painter->restore();
+}
+
 void paintCheckBox(QPainter *painter, const QStyleOption &option)
 {
     const bool isOn = option.state & (QStyle::State_On | QStyle::State_NoChange);
@@ -142,6 +153,9 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *o
         return paintCheckBox(painter, *option);
     case PE_IndicatorTabClose:
         return paintCross(painter, *option);
+    case PE_PanelMenu:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return paintMenuFrame(painter, *option);
     case PE_FrameLineEdit:
         return strokeFrame(painter, *option);
     default:

@@ -6,6 +6,7 @@
 #include <QDialogButtonBox>
 #include <QImage>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
@@ -91,6 +92,15 @@ TEST_P(StyledControls, ShowThatAFieldIsDisabled)
     line.setEnabled(false);
     EXPECT_NE(line.grab().toImage().pixelColor(50, 12), enabled);
     EXPECT_LT(edgeContrast(line), 3);
+}
+
+TEST_P(StyledControls, MenusHaveAVisibleEdge)
+{
+    QMenu menu;
+    prepare(menu);
+    menu.addAction(QStringLiteral("Refresh"));
+    menu.resize(menu.sizeHint());
+    EXPECT_GE(edgeContrast(menu), 1.7);
 }
 
 TEST_P(StyledControls, ButtonsOfDialogsHaveTextsOnly)
