@@ -130,6 +130,26 @@ protected:
         EXPECT_FALSE(m_previews.last)
             << m_previews.last->outcomes.front().error.localizedDescription().toStdString();
     }
+    /// The columns in a designer of act.Acted that the action opens.
+    const QTableView &designerGrid()
+    {
+        EXPECT_TRUE(m_helper->performAction(QStringLiteral("alterTable:"),
+                                            entry({"library", "Tables", "act.Acted"})));
+        const auto *const designer =
+            m_workspace.opened.front()->findChild<MSSQLTableColumnDesignerViewController *>();
+        return *designer->findChild<QTableView *>();
+    }
+    static bool shows(const QTableView &grid, const QString &name)
+    {
+        const QModelIndex first = grid.model()->index(0, 0);
+        for (int column = 0; first.isValid() && column < grid.model()->columnCount(); ++column) {
+            if (!grid.model()
+                     ->match(first.siblingAtColumn(column), Qt::DisplayRole, name, 1, Qt::MatchExactly)
+                     .isEmpty())
+                return true;
+        }
+        return false;
+    }
     /// The number on the server for a query in which %@ stands for the names' literals.
     bool exists(const char *query, const QString &name)
     {
@@ -338,24 +358,24 @@ TEST_F(TableAction, RenamesToAndFromOddNames)
 
 TEST_F(TableAction, AnOpenDesignerShowsARenamedColumn)
 {
-    const TreeTesting::Ptr table = entry({"library", "Tables", "act.Acted"});
-    ASSERT_TRUE(m_helper->performAction(QStringLiteral("alterTable:"), table));
-    auto *const designer = qobject_cast<MSSQLTableDesignerViewController *>(m_workspace.opened.front());
-    ASSERT_NE(designer, nullptr);
-    auto *const grid =
-        designer->findChild<MSSQLTableColumnDesignerViewController *>()->findChild<QTableView *>();
-    ASSERT_NE(grid, nullptr);
-    const auto shows = [grid](const QString &name) {
-        for (int row = 0; row < grid->model()->rowCount(); ++row)
-            for (int column = 0; column < grid->model()->columnCount(); ++column)
-                if (grid->model()->index(row, column).data().toString() == name)
-                    return true;
-        return false;
-    };
-    ASSERT_TRUE(waitFor([&] { return shows(QStringLiteral("name")); }));
+    const QTableView &grid = designerGrid();
+    ASSERT_TRUE(waitFor([&] { return shows(grid, QStringLiteral("name")); }));
     rename("renameColumn:", entry({"library", "Tables", "act.Acted", "Columns", "name"}),
            QStringLiteral("label"));
-    EXPECT_TRUE(waitFor([&] { return shows(QStringLiteral("label")) && !shows(QStringLiteral("name")); }));
+    EXPECT_TRUE(waitFor(
+        [&] { return shows(grid, QStringLiteral("label")) && !shows(grid, QStringLiteral("name")); }));
+}
+
+TEST_F(TableAction, AnOpenDesignerShowsThatAColumnOrItsTableIsDropped)
+{
+    const QTableView &grid = designerGrid();
+    ASSERT_TRUE(waitFor([&] { return shows(grid, QStringLiteral("name")); }));
+    drop("confirmDropIndex:", entry({"library", "Tables", "act.Acted", "Indexes", "IX_Acted"}));
+    drop("confirmDropColumn:", entry({"library", "Tables", "act.Acted", "Columns", "name"}));
+    EXPECT_TRUE(waitFor([&] { return !shows(grid, QStringLiteral("name")); }));
+    EXPECT_TRUE(shows(grid, QStringLiteral("id")));
+    drop("confirmDropTable:", entry({"library", "Tables", "act.Acted"}));
+    EXPECT_TRUE(waitFor([&] { return grid.model()->rowCount() == 0; }));
 }
 
 TEST_F(TableAction, ARenameNeedsAnotherNameThatAServerTakes)

@@ -12,6 +12,7 @@
 #include "UI/DatabaseTree/MSSQLDropAction.h"
 #include "UI/DatabaseTree/Programmability/Functions/MSSQLDatabaseTreeEntryFunction.h"
 #include "UI/DatabaseTree/Programmability/StoredProcedures/MSSQLDatabaseTreeEntryStoredProcedure.h"
+#include "UI/TableDesigner/MSSQLTableDesignerViewController.h"
 
 namespace {
 
@@ -67,6 +68,14 @@ MSSQLScriptSubject subject(const char *kind, const KNDatabaseTreeEntry &entry, c
     return {QString::fromLatin1(kind), schema, name, entry.databaseConnectionDetails(), table};
 }
 
+/// Lets the open designer of a table show that the table, or a part of it, is gone.
+template <typename Entry>
+void reloadDesigner(KNWorkspace &workspace, const Entry &entry)
+{
+    MSSQLTableDesignerViewController::tableWasChanged(entry.schema(), entry.tableName(),
+                                                      entry.databaseConnectionDetails(), workspace);
+}
+
 void dropTable(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTreeEntryDatabaseTable> &entry)
 {
     if (entry->isView())
@@ -76,8 +85,10 @@ void dropTable(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTreeEn
     MSSQLDropAction drop =
         dropOf(entry, name, Table,
                subject("TABLE", *entry, schema, name).script<MSSQLScriptDropTableQueryLoader>(name, schema));
-    drop.dropped = [schema, name, details = entry->databaseConnectionDetails()](KNWorkspace &) {
-        KNDatabaseNotificationTable::postRemovalNotificationForTable(name, schema, *details);
+    drop.dropped = [entry](KNWorkspace &window) {
+        KNDatabaseNotificationTable::postRemovalNotificationForTable(entry->tableName(), entry->schema(),
+                                                                     *entry->databaseConnectionDetails());
+        reloadDesigner(window, *entry);
     };
     drop.begin(workspace);
 }
@@ -95,11 +106,13 @@ void dropView(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTreeEnt
 void dropColumn(KNWorkspace &workspace,
                 const std::shared_ptr<MSSQLDatabaseTreeEntryDatabaseTableColumn> &entry)
 {
-    dropOf(entry, entry->columnName(), Column,
-           subject("COLUMN", *entry, entry->schema(), entry->columnName(), entry->tableName())
-               .script<MSSQLScriptDropColumnInTableQueryLoader>(entry->columnName(), entry->tableName(),
-                                                                entry->schema()))
-        .begin(workspace);
+    MSSQLDropAction drop =
+        dropOf(entry, entry->columnName(), Column,
+               subject("COLUMN", *entry, entry->schema(), entry->columnName(), entry->tableName())
+                   .script<MSSQLScriptDropColumnInTableQueryLoader>(entry->columnName(), entry->tableName(),
+                                                                    entry->schema()));
+    drop.dropped = [entry](KNWorkspace &window) { reloadDesigner(window, *entry); };
+    drop.begin(workspace);
 }
 
 void dropProcedure(KNWorkspace &workspace,
@@ -126,10 +139,11 @@ void dropIndex(KNWorkspace &workspace, const std::shared_ptr<MSSQLDatabaseTreeEn
         dropOf(entry, name, Index,
                subject("INDEX", *entry, entry->schema(), name, entry->tableName())
                    .script<MSSQLScriptDropIndexQueryLoader>(name, entry->tableName(), entry->schema()));
-    drop.dropped = [name](KNWorkspace &window) {
+    drop.dropped = [entry, name](KNWorkspace &window) {
         window.notifyUser(
             QCoreApplication::translate("MSSQLDropAction", "Index has been dropped"),
             KNFormat(QCoreApplication::translate("MSSQLDropAction", "Index %@ has been dropped"), name));
+        reloadDesigner(window, *entry);
     };
     drop.begin(workspace);
 }
