@@ -1,6 +1,6 @@
 -- Views, procedures, functions, triggers and constraints whose text names the table. A name without schema in a
--- procedure is resolved when it runs, and is known by name only until then. 2005 knows only what sys.sql_dependencies
--- has recorded.
+-- procedure is resolved when it runs, and is known by name only until then. 2005, and a login that may not read the
+-- newer view, know only what sys.sql_dependencies has recorded.
 DECLARE @schema nvarchar(128)
 DECLARE @name nvarchar(128)
 DECLARE @table int
@@ -9,6 +9,7 @@ SET @name = N'{TABLE}'
 SET @table = OBJECT_ID(QUOTENAME(@schema) + N'.' + QUOTENAME(@name))
 
 IF EXISTS (SELECT 1 FROM sys.all_objects WHERE name = N'sql_expression_dependencies')
+    AND HAS_PERMS_BY_NAME(N'sys.sql_expression_dependencies', N'OBJECT', N'SELECT') = 1
     EXEC sp_executesql N'
         SELECT DISTINCT s.name AS schema_name, o.name AS object_name
         FROM sys.sql_expression_dependencies AS d

@@ -1,7 +1,8 @@
 -- Which object names which other one of this database in its text, for the order of a script. What a column or a
 -- constraint of a table names counts for the table. An object that is bound to another one by its schema cannot exist
--- before it. 2005 knows only what sys.sql_dependencies has recorded.
+-- before it. 2005, and a login that may not read the newer view, know only what sys.sql_dependencies has recorded.
 IF EXISTS (SELECT 1 FROM sys.all_objects WHERE name = N'sql_expression_dependencies')
+    AND HAS_PERMS_BY_NAME(N'sys.sql_expression_dependencies', N'OBJECT', N'SELECT') = 1
     EXEC sp_executesql N'
         SELECT
             ns.name AS schema_name,
