@@ -66,8 +66,13 @@ bool MSSQLScriptReview::mendDefinition()
 bool MSSQLScriptReview::mendHeader(const SQLToken &verb)
 {
     m_position = verb.location;
-    if (m_subject.kind == QLatin1String("TYPE"))
-        return mendName(QLatin1String("CREATE TYPE "), QLatin1String(" FROM "));
+    if (m_subject.kind == QLatin1String("TYPE")) {
+        const QString tableType =
+            KNFormat("CREATE TYPE %@.%@ AS TABLE ", MSSQLObjectPath::bracketed(m_subject.schema),
+                     MSSQLObjectPath::bracketed(m_subject.name));
+        return QStringView(m_script).mid(m_position).startsWith(tableType) ||
+               mendName(QLatin1String("CREATE TYPE "), QLatin1String(" FROM "));
+    }
     const auto header = MSSQLModuleHeader::firstIn(m_script, m_position);
     if (!header || header->verbStart != m_position || header->verb == QLatin1String("DROP") ||
         header->kind != m_subject.kind)

@@ -6,6 +6,8 @@
 #include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptReview.h"
 
+#include <algorithm>
+
 namespace {
 
 QString subjectName(const MSSQLScriptSubject &subject)
@@ -38,6 +40,27 @@ QString noticeAbout(const MSSQLModuleHeader &header, const MSSQLScriptSubject &s
     return KNFormat("The statement %@ %@ names no schema: it acts on %@ in the default schema of the login "
                     "that runs it. The script was asked for the %@.",
                     header.verb, header.kind, header.objectName(), subjectName(subject));
+}
+
+/// Servers store the text of a trigger as it was written: after a change of names it may create another one.
+/// One notice, or none.
+QStringList noticeAboutTrigger(const QString &definition, const MSSQLScriptSubject &subject)
+{
+    const auto header = MSSQLModuleHeader::firstIn(definition);
+    if (!header || header->kind != QLatin1String("TRIGGER") || header->schema() == subject.schema)
+        return {};
+    return {KNFormat("The statement CREATE TRIGGER %@ does not name the schema %@: check which view it names "
+                     "before it runs.",
+                     header->objectName(), subject.schema)};
+}
+
+/// The length of the statement at the script's beginning that drops the object, with its GO; 0 without one.
+/// It would remove what could not be read.
+qsizetype lengthOfDrop(const QString &script)
+{
+    const QLatin1String go("\r\nGO\r\n");
+    const qsizetype end = script.startsWith(QLatin1String("DROP ")) ? script.indexOf(go) : -1;
+    return end < 0 ? 0 : end + go.size();
 }
 
 /// Ends the last batch of a script.
@@ -80,11 +103,15 @@ void MSSQLScriptSubject::complete(QString *script, KNQueryReport *report) const
         KNError error = statements.read(*details, title, options, schema, name);
         const KNScriptObject object{kind, schema, name};
         if (!error) {
-            for (const MSSQLScriptStatements::Statement &each : statements.of(object, &error))
+            for (const MSSQLScriptStatements::Statement &each : statements.of(object, &error)) {
                 additions += conditions.statement(each);
+                report->notices += noticeAboutTrigger(each.text, *this);
+            }
         }
-        if (error)
+        if (error) {
             report->failure = error;
+            report->unsafeLength = std::max(report->unsafeLength, lengthOfDrop(*script));
+        }
     }
     if (additions.isEmpty())
         return;

@@ -12,7 +12,7 @@ struct MSSQLScriptSubject
     QString kind; ///< "TABLE", "VIEW", "PROCEDURE", "FUNCTION", "TRIGGER", "TYPE", "INDEX" or "COLUMN"
     QString schema;
     QString name;                                  ///< not quoted
-    std::shared_ptr<const VantorDBC> details = {}; ///< its default schema is used if it is cached
+    std::shared_ptr<const VantorDBC> details = {}; ///< not null for creation()
     QString table = {};                            ///< of an index or a column; not quoted
 
     /// Corrects the script of a generator so that it acts on this object, and adds remaining problems to its

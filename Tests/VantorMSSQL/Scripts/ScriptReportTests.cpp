@@ -12,6 +12,7 @@
 #include "Scripts/MSSQLScriptDropAndCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateViewQueryLoader.h"
+#include "Scripts/MSSQLScriptSubject.h"
 #include "VantorMSSQL/Scripts/CatalogScript.h"
 
 using namespace ScriptTest;
@@ -158,6 +159,21 @@ TEST_F(ScriptReport, ACorrectedStatementCreatesATableType)
     load<MSSQLScriptDropAndCreateTypeQueryLoader>(utf8("gone"), utf8("dbo"), 1);
     EXPECT_TRUE(m_report.failure);
     EXPECT_TRUE(guarded().contains(utf8("-- DROP TYPE dbo.gone\r\n"))) << guarded().toStdString();
+}
+
+TEST_F(ScriptReport, NeverLetsAViewBeDroppedWithoutItsTriggers)
+{
+    m_server.queries.insert(utf8("List_ViewTriggerStatements"), utf8("triggers {SCHEMA} {OBJECT}"));
+    m_server.queries.insert(utf8("List_ExtendedPropertyStatements"), utf8("properties {SCHEMA} {OBJECT}"));
+    answer("view dbo.v", {{KNValue(true), KNValue(true), text("CREATE VIEW dbo.v AS SELECT 1 AS a")}});
+    fail("triggers dbo v");
+    const MSSQLScriptSubject view{utf8("VIEW"), utf8("dbo"), utf8("v"), m_settings.copy()};
+    const auto loader = view.creation<MSSQLScriptDropAndCreateViewQueryLoader>(utf8("v"), utf8("dbo"));
+    m_text = textOf(loader, m_settings);
+    m_report = loader->report();
+    EXPECT_EQ(m_report.failure.code(), 208);
+    EXPECT_TRUE(guarded().contains(utf8("-- DROP VIEW dbo.v\r\n-- GO\r\n"))) << guarded().toStdString();
+    EXPECT_TRUE(guarded().contains(utf8("\r\nCREATE VIEW dbo.v"))) << guarded().toStdString();
 }
 
 TEST_F(ScriptReport, CommentsOutTextThatIsNoScript)

@@ -203,4 +203,18 @@ TEST(ScriptReview, LetsNoScriptRunThatItCannotRead)
     }
 }
 
+TEST(ScriptReview, LeavesTheCreationOfATableTypeAsItIs)
+{
+    for (const auto &[name, bracketed] : HostileNames) {
+        SCOPED_TRACE(name);
+        const QString script =
+            u("CREATE TYPE [dbo].") + u(bracketed) + u(" AS TABLE (\r\n\t[a] int NOT NULL\r\n)");
+        const Reviewed result = review(subject("TYPE", "dbo", name), script);
+        EXPECT_FALSE(result.report.failure);
+        EXPECT_EQ(result.report.unsafeLength, 0);
+        EXPECT_EQ(result.text, script);
+        EXPECT_TRUE(review(subject("TYPE", "dbo", "other"), script).report.failure);
+    }
+}
+
 } // namespace ScriptReviewTests
