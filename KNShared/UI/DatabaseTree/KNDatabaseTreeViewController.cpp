@@ -27,6 +27,19 @@ bool isErrorEntry(const KNDatabaseTreeEntry::Ptr &entry)
     return dynamic_cast<const KNDatabaseTreeErrorEntry *>(entry.get()) != nullptr;
 }
 
+/// Loads the entry's children again; if these are fixed, what has been loaded below them.
+void loadAgain(const KNDatabaseTreeEntry::Ptr &entry)
+{
+    entry->loadEntriesAsync(true);
+    if (!dynamic_cast<const KNDatabaseTreeFixedEntry *>(entry.get()))
+        return;
+    const auto children = entry->childEntries();
+    for (const KNDatabaseTreeEntry::Ptr &child : *children) {
+        if (child->childEntries() && child->canHaveChildren())
+            loadAgain(child);
+    }
+}
+
 } // namespace
 
 KNDatabaseTreeViewController::KNDatabaseTreeViewController(QWidget *parent)
@@ -99,14 +112,7 @@ void KNDatabaseTreeViewController::refreshDatabaseTreeItem(const Entry &entry)
         search(); // search results are copies, which never load
     if (!entry->canHaveChildren())
         return refreshDatabaseTreeItem(entry->parent());
-    entry->loadEntriesAsync(true);
-    if (!dynamic_cast<const KNDatabaseTreeFixedEntry *>(entry.get()))
-        return;
-    // The children stay; what has been loaded below them is loaded again.
-    for (const Entry &child : *entry->childEntries()) {
-        if (child->childEntries())
-            refreshDatabaseTreeItem(child);
-    }
+    loadAgain(entry);
 }
 
 void KNDatabaseTreeViewController::refreshSelected()
