@@ -1,5 +1,6 @@
 #include "UI/Dialogs/KNCautionBar.h"
 
+#include <QAccessible>
 #include <QBoxLayout>
 #include <QEvent>
 #include <QLabel>
@@ -40,7 +41,12 @@ KNCautionBar::KNCautionBar(QWidget *parent)
 void KNCautionBar::setText(const QString &text)
 {
     m_text->setText(text);
+    setAccessibleName(text);
     setVisible(!text.isEmpty());
+    if (isVisible()) { // screen readers read it, although the focus stays where it is
+        QAccessibleEvent event(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 QString KNCautionBar::text() const
