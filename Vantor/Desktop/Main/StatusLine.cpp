@@ -126,7 +126,7 @@ void StatusLine::setServer(const QString &server, const QString &version)
     const QString product =
         version.section(QLatin1Char('\n'), 0, 0).section(QStringLiteral(" ("), 0, 0).simplified();
     m_server->setText(product.isEmpty() ? server : KNFormat("%@ · %@", server, product));
-    m_server->setToolTip(KNPlainToolTip(version));
+    m_server->setToolTip(KNPlainToolTip(version.isEmpty() ? server : server + QLatin1Char('\n') + version));
 }
 
 void StatusLine::setLogin(const QString &login)
