@@ -33,7 +33,8 @@ struct KNSHARED_EXPORT KNStatementOutcome
         None, ///< nothing was run, or everything was rolled back
         Some, ///< statements executed before the failure or cancellation may have left changes
         /// The connection was lost during a statement without transaction or during the commit, the rollback
-        /// failed, or the script may have ended the transaction itself. The error's suggestion says so.
+        /// failed, or the script may have ended the transaction itself. The error's suggestion says so unless
+        /// the run was cancelled.
         Unknown,
     };
 

@@ -3,6 +3,8 @@
 #include "Database/VantorChangedPasswords.h"
 #include "Foundation/KNFormat.h"
 
+#include <QCoreApplication>
+
 #include <utility>
 
 namespace {
@@ -46,8 +48,10 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
         if (client->isConnected() && !client->hasHungUp())
             return client;
         if (const QStringList lost = losses(); !lost.isEmpty()) {
-            *error = KNError(SessionErrorDomain, SessionLost,
-                             KNFormat("The session was lost: %@.", lost.join(QStringLiteral("; "))));
+            *error = KNError(
+                SessionErrorDomain, SessionLost,
+                KNFormat(QCoreApplication::translate("VantorTabConnection", "The session was lost: %@."),
+                         lost.join(QStringLiteral("; "))));
             return nullptr;
         }
     }
@@ -68,12 +72,16 @@ std::shared_ptr<VantorDatabaseClient> VantorTabConnection::connectedClient(KNErr
     m_client = client;
     m_state = {.hasOptions = !m_optionsBatch.isNull()};
     if (isReplaced)
-        m_notice = KNFormat(m_optionsBatch.isNull()
-                                ? "The connection was lost. A new one was opened in the database "
-                                  "\"%@\"."
-                                : "The connection was lost. A new one was opened in the database "
-                                  "\"%@\", with the SET options of the old one.",
-                            client->currentDatabase());
+        m_notice =
+            KNFormat(m_optionsBatch.isNull()
+                         ? QCoreApplication::translate(
+                               "VantorTabConnection",
+                               "The connection was lost. A new one was opened in the database \"%@\".")
+                         : QCoreApplication::translate(
+                               "VantorTabConnection",
+                               "The connection was lost. A new one was opened in the database \"%@\", with "
+                               "the SET options of the old one."),
+                     client->currentDatabase());
     return client;
 }
 
@@ -161,11 +169,12 @@ QStringList VantorTabConnection::losses() const
     const std::lock_guard lock(m_mutex);
     QStringList losses;
     if (m_state.hasTransaction)
-        losses.append(QStringLiteral("its open transaction was rolled back by the server"));
+        losses.append(QCoreApplication::translate("VantorTabConnection",
+                                                  "its open transaction was rolled back by the server"));
     if (m_state.hasTemporaryTables)
-        losses.append(QStringLiteral("its temporary tables are gone"));
+        losses.append(QCoreApplication::translate("VantorTabConnection", "its temporary tables are gone"));
     if (m_state.hasOptions && (m_state.hasUnknownOptions || m_optionsBatch.isNull()))
-        losses.append(QStringLiteral("its SET options are gone"));
+        losses.append(QCoreApplication::translate("VantorTabConnection", "its SET options are gone"));
     return losses;
 }
 
