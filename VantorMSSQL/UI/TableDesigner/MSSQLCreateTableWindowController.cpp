@@ -22,6 +22,8 @@
 #include <QShortcut>
 #include <QTableView>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize InitialDialogSize(680, 420);
@@ -93,7 +95,10 @@ MSSQLCreateTableWindowController::MSSQLCreateTableWindowController(Settings sett
     // Return edits the current cell. Without a shortcut the key would also create the table.
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
         connect(new QShortcut(key, m_grid, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
-                [this] { m_grid->edit(m_grid->currentIndex()); });
+                [this] {
+                    if (m_grid->currentIndex().flags() & Qt::ItemIsEditable)
+                        m_grid->edit(m_grid->currentIndex());
+                });
     connect(m_columns, &MSSQLColumnGridModel::edited, this, &MSSQLCreateTableWindowController::edit);
 
     auto *const columnButtons = new QHBoxLayout;
@@ -187,7 +192,11 @@ void MSSQLCreateTableWindowController::removeColumn()
 
 void MSSQLCreateTableWindowController::setColumns(const QList<MSSQLColumnRecord> &columns)
 {
+    const QModelIndex current = m_grid->currentIndex();
     m_columns->setColumns(columns);
+    const int last = static_cast<int>(columns.size()) - 1;
+    if (current.isValid() && last >= 0)
+        m_grid->setCurrentIndex(m_columns->index(std::min(current.row(), last), current.column()));
     showHints();
 }
 

@@ -119,13 +119,13 @@ void MSSQLEditIndexWindowController::addMoveShortcut(QPushButton *button, QKeySe
     button->setToolTip(keys.toString(QKeySequence::NativeText));
 }
 
-/// A list passes the Return key on to the default button after itemActivated(), which a shortcut does not.
-void MSSQLEditIndexWindowController::addListKeys(QListWidget *list, const std::function<void()> &moveColumn)
+/// Uses a shortcut for Return: after itemActivated() a list passes the key on to the default button.
+void MSSQLEditIndexWindowController::addListKeys(QListWidget *list, const std::function<void()> &moveCurrent)
 {
-    connect(list, &QListWidget::itemDoubleClicked, this, moveColumn);
+    connect(list, &QListWidget::itemDoubleClicked, this, moveCurrent);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
         connect(new QShortcut(key, list, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
-                moveColumn);
+                moveCurrent);
 }
 
 void MSSQLEditIndexWindowController::loadColumns()

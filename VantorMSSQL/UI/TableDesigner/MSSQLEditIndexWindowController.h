@@ -33,7 +33,7 @@ private:
     void addColumnToIndex();
     void removeColumnFromIndex();
     void moveColumn(int by);
-    void addListKeys(QListWidget *list, const std::function<void()> &moveColumn);
+    void addListKeys(QListWidget *list, const std::function<void()> &moveCurrent);
     void addMoveShortcut(QPushButton *button, QKeySequence keys, int by);
     void updateButtons();
     QPushButton *newButton(const QString &title, const std::function<void()> &clicked);

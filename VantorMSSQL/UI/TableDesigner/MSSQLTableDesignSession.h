@@ -36,7 +36,7 @@ public:
         /// The message after an error; filled with its description, and with the script if it has a
         /// second place.
         QString errorText = QStringLiteral("Error: %@.\r\nQuery was: %@");
-        bool removes = false; ///< an object: the Return key cancels the choice of its statement
+        bool removes = false; ///< an object, so the Return key cancels the question about its statement
     };
 
     /// `window` is the parent of questions and alerts, and outlives the session.
