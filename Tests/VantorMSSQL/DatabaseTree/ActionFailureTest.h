@@ -46,6 +46,7 @@ struct Action
     const char16_t *statement; ///< stands in the statement that is refused
     Refusal refusal;           ///< for a login without the permission
     const char *removal;       ///< a statement of somebody else after which the action fails; null for none
+    const char *goneReason;    ///< stands in the server's message then
 
     friend void PrintTo(const Action &action, std::ostream *out) { *out << action.name; }
 };

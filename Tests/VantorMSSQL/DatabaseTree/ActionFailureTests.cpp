@@ -100,7 +100,8 @@ const Action Actions[] = {
      u"DROP TABLE",
      {3701, 11,
       "Cannot drop the table 'dbo.Fails', because it does not exist or you do not have permission."},
-     "DROP TABLE dbo.Fails"},
+     "DROP TABLE dbo.Fails",
+     "Cannot drop the table"},
     {"DropView",
      [](ActionFailure &test) {
          return test.dropped("confirmDropView:", {"library", "Views", "FailsView"});
@@ -108,7 +109,8 @@ const Action Actions[] = {
      u"DROP VIEW",
      {3701, 11,
       "Cannot drop the view 'dbo.FailsView', because it does not exist or you do not have permission."},
-     "DROP VIEW dbo.FailsView"},
+     "DROP VIEW dbo.FailsView",
+     "Cannot drop the view"},
     {"DropColumn",
      [](ActionFailure &test) {
          return test.dropped("confirmDropColumn:", {"library", "Tables", "Fails", "Columns", "note"});
@@ -116,7 +118,8 @@ const Action Actions[] = {
      u"DROP COLUMN",
      {1088, 16,
       "Cannot find the object \"dbo.Fails\" because it does not exist or you do not have permissions."},
-     "ALTER TABLE dbo.Fails DROP COLUMN note"},
+     "ALTER TABLE dbo.Fails DROP COLUMN note",
+     "does not exist"},
     {"DropIndex",
      [](ActionFailure &test) {
          return test.dropped("confirmDropIndex:", {"library", "Tables", "Fails", "Indexes", "IX_Fails"});
@@ -124,7 +127,8 @@ const Action Actions[] = {
      u"DROP INDEX",
      {3701, 11,
       "Cannot drop the index 'dbo.Fails.IX_Fails', because it does not exist or you do not have permission."},
-     "DROP INDEX dbo.Fails.IX_Fails"},
+     "DROP INDEX dbo.Fails.IX_Fails",
+     "Cannot drop the index"},
     {"DropProcedure",
      [](ActionFailure &test) {
          return test.dropped("confirmDropProcedure:",
@@ -134,7 +138,8 @@ const Action Actions[] = {
      {3701, 11,
       "Cannot drop the procedure 'dbo.FailsProcedure', because it does not exist or you do not have "
       "permission."},
-     "DROP PROCEDURE dbo.FailsProcedure"},
+     "DROP PROCEDURE dbo.FailsProcedure",
+     "Cannot drop the procedure"},
     {"DropFunction",
      [](ActionFailure &test) {
          return test.dropped("confirmDropFunction:", {"library", "Programmability", "Functions",
@@ -144,71 +149,83 @@ const Action Actions[] = {
      {3701, 11,
       "Cannot drop the function 'dbo.FailsFunction', because it does not exist or you do not have "
       "permission."},
-     "DROP FUNCTION dbo.FailsFunction"},
+     "DROP FUNCTION dbo.FailsFunction",
+     "Cannot drop the function"},
     {"RenameColumn",
      [](ActionFailure &test) {
          return test.renamed("renameColumn:", {"library", "Tables", "Fails", "Columns", "note"});
      },
      u"sp_rename",
      {15247, 16, "User does not have permission to perform this action."},
-     "ALTER TABLE dbo.Fails DROP COLUMN note"},
+     "ALTER TABLE dbo.Fails DROP COLUMN note",
+     "@objname"},
     {"RenameIndex",
      [](ActionFailure &test) {
          return test.renamed("renameIndex:", {"library", "Tables", "Fails", "Indexes", "IX_Fails"});
      },
      u"sp_rename",
      {15247, 16, "User does not have permission to perform this action."},
-     "DROP INDEX dbo.Fails.IX_Fails"},
+     "DROP INDEX dbo.Fails.IX_Fails",
+     "@objname"},
     {"RenameKey",
      [](ActionFailure &test) {
          return test.renamed("renameKey:", {"library", "Tables", "Fails", "Keys", "PK_Fails"});
      },
      u"sp_rename",
      {15247, 16, "User does not have permission to perform this action."},
-     "ALTER TABLE dbo.Fails DROP CONSTRAINT PK_Fails"},
+     "ALTER TABLE dbo.Fails DROP CONSTRAINT PK_Fails",
+     "No item by the name of"},
     {"RenameTable",
      renameTable,
      u"sp_rename",
      {15247, 16, "User does not have permission to perform this action."},
-     "DROP TABLE dbo.Fails"},
+     "DROP TABLE dbo.Fails",
+     "No item by the name of"},
     {"CreateTable",
      createTable,
      u"CREATE TABLE",
      {262, 14, "CREATE TABLE permission denied in database 'library'."},
-     "CREATE TABLE dbo.Made (a int)"},
+     "CREATE TABLE dbo.Made (a int)",
+     "There is already an object named 'Made'"},
     {"InsertRow",
      insertRow,
      u"INSERT INTO",
      {229, 14, "The INSERT permission was denied on the object 'Fails', database 'library', schema 'dbo'."},
-     "DROP TABLE dbo.Fails"},
+     "DROP TABLE dbo.Fails",
+     "Invalid object name"},
     {"StartJob",
      startJob,
      u"sp_start_job",
      {229, 14,
       "The EXECUTE permission was denied on the object 'sp_start_job', database 'msdb', schema 'dbo'."},
-     "EXEC msdb.dbo.sp_delete_job @job_name = N'Fails'"},
+     "EXEC msdb.dbo.sp_delete_job @job_name = N'Fails'",
+     "does not exist"},
     {"DropJob",
      dropJob,
      u"sp_delete_job",
      {229, 14,
       "The EXECUTE permission was denied on the object 'sp_delete_job', database 'msdb', schema 'dbo'."},
-     "EXEC msdb.dbo.sp_delete_job @job_name = N'Fails'"},
+     "EXEC msdb.dbo.sp_delete_job @job_name = N'Fails'",
+     "does not exist"},
     {"ExportForMySQL",
      exportForMySQL,
      u"Fails",
      {229, 14, "The SELECT permission was denied on the object 'Fails', database 'library', schema 'dbo'."},
+     nullptr,
      nullptr},
     {"ExportAsCsv",
      exportAsCsv,
      u"SELECT * FROM dbo.Fails",
      {229, 14, "The SELECT permission was denied on the object 'Fails', database 'library', schema 'dbo'."},
-     "DROP TABLE dbo.Fails"},
+     "DROP TABLE dbo.Fails",
+     "Invalid object name"},
     {"GenerateScripts",
      generateScripts,
      u"Fails",
      {229, 14,
       "The SELECT permission was denied on the object 'columns', database 'mssqlsystemresource', schema "
       "'sys'."},
+     nullptr,
      nullptr},
 };
 
@@ -291,25 +308,23 @@ std::string nameOf(const testing::TestParamInfo<Action> &action)
 
 } // namespace
 
-TEST_P(ActionFailure, WithoutPermissionSaysWhyAndCanBeRepeated)
+TEST_P(ActionFailure, WithoutPermissionOrBehindALockSaysWhyAndCanBeRepeated)
 {
     const Action &action = GetParam();
-    expectFailure(
-        *this, action.begin, [&] { relay.interceptBatches(action.statement, errorAnswer(action.refusal)); },
-        action.refusal.text);
-    EXPECT_GT(relay.interceptedBatches(), 0u);
-    relay.interceptBatches({}, {});
-    closeDialogs();
-    expectSuccess(*this, action.begin);
-}
-
-TEST_P(ActionFailure, BehindALockSaysWhy)
-{
     const Refusal timeOut{1222, 16, "Lock request time out period exceeded."};
-    expectFailure(
-        *this, GetParam().begin, [&] { relay.interceptBatches(GetParam().statement, errorAnswer(timeOut)); },
-        timeOut.text);
-    EXPECT_GT(relay.interceptedBatches(), 0u);
+    for (const Refusal &refusal : {action.refusal, timeOut}) {
+        SCOPED_TRACE(refusal.text);
+        m_alerts.errors.clear();
+        m_sheets.all.clear();
+        const auto before = relay.interceptedBatches();
+        expectFailure(
+            *this, action.begin, [&] { relay.interceptBatches(action.statement, errorAnswer(refusal)); },
+            refusal.text);
+        EXPECT_GT(relay.interceptedBatches(), before);
+        relay.interceptBatches({}, {});
+        closeDialogs();
+    }
+    expectSuccess(*this, action.begin);
 }
 
 TEST_P(ActionFailure, OfALostConnectionSaysWhyAndCanBeRepeated)
@@ -334,7 +349,7 @@ TEST_P(DropFailure, OfAConnectionLostBeforeTheCommitChangesNothing)
 TEST_P(ActionOnGoneObject, SaysWhy)
 {
     expectFailure(
-        *this, GetParam().begin, [&] { atServer(GetParam().removal); }, "");
+        *this, GetParam().begin, [&] { atServer(GetParam().removal); }, GetParam().goneReason);
 }
 
 TEST_P(CancelledAction, ChangesNothing)

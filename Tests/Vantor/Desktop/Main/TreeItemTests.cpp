@@ -138,7 +138,8 @@ protected:
         entry->loadEntriesAsync(false);
         EXPECT_TRUE(waitFor([&] { return entry->childEntries() && !entry->isLoadingAsync(); }))
             << entry->displayName().toStdString();
-        for (const Ptr &child : *entry->childEntries())
+        const auto children = entry->childEntries();
+        for (const Ptr &child : *children)
             collect(child, kind, items);
     }
 
