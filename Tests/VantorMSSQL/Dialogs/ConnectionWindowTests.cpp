@@ -28,6 +28,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QProcess>
+#include <QPushButton>
 #include <QTableWidget>
 
 using WindowTesting::settle;

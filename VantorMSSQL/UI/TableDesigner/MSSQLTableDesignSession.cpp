@@ -9,6 +9,7 @@
 #include "UI/Workspace/KNStatementChoice.h"
 
 #include <QPointer>
+#include <QWidget>
 
 MSSQLTableDesignSession::MSSQLTableDesignSession(const MSSQLDesignedTable &table, Settings settings,
                                                  QWidget *window)

@@ -2,6 +2,7 @@
 #include "Connector/KNConnectorPlugin.h"
 #include "DatabaseTree/DatabaseTreeEntryServerRoot.h"
 #include "DatabaseTree/KNMenu.h"
+#include "Desktop/Main/DocumentTabs.h"
 #include "Desktop/Query/MessagesView.h"
 #include "Desktop/Query/QueryTab.h"
 #include "Foundation/KNUserDefaults.h"

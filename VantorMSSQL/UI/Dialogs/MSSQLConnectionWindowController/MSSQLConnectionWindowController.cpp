@@ -12,10 +12,12 @@
 #include "UI/Connecting/KNColourBox.h"
 #include "UI/Connecting/KNConnectionStoreLabel.h"
 #include "UI/Dialogs/KNLazyComboBox.h"
+#include "UI/Dialogs/KNPasswordField.h"
 #include "UI/Dialogs/KNProgressMark.h"
 #include "UI/Dialogs/MSSQLBrowseServersWindowController/MSSQLBrowseServersWindowController.h"
 #include "UI/Dialogs/MSSQLConnectionWindowController/MSSQLConnectionForm.h"
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QLabel>
