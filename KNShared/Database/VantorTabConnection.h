@@ -34,7 +34,7 @@ public:
     /// Says once that the last run has replaced a lost connection; null otherwise.
     QString takeNotice();
     bool isConnected() const;
-    /// What the loss of the session costs the user, in clauses; empty if the next run restores everything.
+    /// The state that is lost with the session, in clauses for the user; empty if the next run restores all.
     QStringList losses() const;
     /// See VantorDatabaseClient; -1 before the first run.
     int openIdleDescriptor() const;

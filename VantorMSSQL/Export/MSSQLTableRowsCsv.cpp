@@ -72,7 +72,7 @@ QString loadedValue(const MSSQLColumnRecord &column)
                : text;
 }
 
-/// What the script needs, and what it cannot load.
+/// The comments at the head: the requirements of the script, and the columns whose types it loses.
 QString loadingHead(const QString &fileName, const QString &path, const QList<MSSQLColumnRecord> &columns)
 {
     const QString head = KNFormat(

@@ -23,7 +23,7 @@ QString selected(const MSSQLColumnRecord &column)
     return name;
 }
 
-/// What makes the value of a column of a literal.
+/// The SQL before and behind a literal that converts it to the type of a column.
 struct Conversion
 {
     QByteArray before;
