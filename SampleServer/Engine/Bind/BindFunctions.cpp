@@ -61,14 +61,14 @@ struct PartFinder
             return (!subqueries && isAggregateName(n.name)) || all(n.arguments);
         return all(n.arguments) || all(n.over->partition) ||
                std::any_of(n.over->order.begin(), n.over->order.end(),
-                           [this](const auto &item) { return any(item.expression); });
+                           [this](const auto &item) { return this->any(item.expression); });
     }
     bool operator()(const Ast::MethodCall &n) const { return any(n.operand); }
     bool operator()(const Ast::Case &n) const
     {
         return any(n.input, n.otherwise) ||
                std::any_of(n.branches.begin(), n.branches.end(),
-                           [this](const auto &b) { return any(b.when, b.then); });
+                           [this](const auto &b) { return this->any(b.when, b.then); });
     }
     template <typename Other>
     bool operator()(const Other &) const

@@ -1,3 +1,4 @@
+#include "Engine/Parse/AstDefinitions.h"
 #include "Engine/Parse/AstStatements.h"
 
 namespace SampleServer::Ast {

@@ -170,7 +170,7 @@ bool TableParser::parseColumnProperty(ColumnDefinition &column)
         advance(2);
         expectKeyword("REPLICATION");
     } else if (acceptKeyword("IDENTITY")) {
-        column.identity.emplace();
+        column.identity = Ast::ColumnDefinition::Identity{};
         if (acceptSymbol("(")) {
             column.identity->seed = parseSignedInteger();
             expectSymbol(",");

@@ -65,7 +65,7 @@ void Transactions::release(std::vector<Lock> &held)
 void Transactions::lock(const std::vector<TableUse> &tables)
 {
     std::vector<Lock> forStatement, forTransaction;
-    const auto want = [this](std::vector<Lock> &list, const std::vector<Lock> &held, const Lock &lock) {
+    const auto want = [](std::vector<Lock> &list, const std::vector<Lock> &held, const Lock &lock) {
         const auto covers = [&lock](const Lock &other) {
             return other.resource == lock.resource &&
                    (other.mode == lock.mode || other.mode == LockMode::Exclusive);

@@ -28,7 +28,7 @@ class Root : public DatabaseTreeEntryServerRoot
 {
 public:
     Root()
-        : DatabaseTreeEntryServerRoot({})
+        : DatabaseTreeEntryServerRoot(Protocol{})
     {
     }
     using DatabaseTreeEntryServerRoot::disconnectMenuItem;

@@ -10,7 +10,7 @@ class CsvReader : public testing::Test
 protected:
     Content read(const QByteArray &content) const { return contentOf(files.write("a.csv", content)); }
 
-    const Files files;
+    const Files files{};
 };
 
 QByteArray utf16(const char *text, bool isBigEndian, bool hasMark)

@@ -53,7 +53,7 @@ protected:
     }
     Content read(const QByteArray &rows) const { return contentOf(write(workbook(Header + rows))); }
 
-    const Files files;
+    const Files files{};
 };
 
 } // namespace

@@ -9,7 +9,7 @@ class JsonReader : public testing::Test
 protected:
     Content read(const QByteArray &content) const { return contentOf(files.write("a.json", content)); }
 
-    const Files files;
+    const Files files{};
 };
 
 } // namespace

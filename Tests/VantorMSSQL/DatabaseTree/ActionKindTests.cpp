@@ -96,7 +96,8 @@ protected:
 
     void collect(const TreeTesting::Ptr &entry)
     {
-        const QString kind = QString::fromLatin1(typeid(*entry).name()) + QString::number(isView(*entry)) +
+        const KNDatabaseTreeEntry &object = *entry;
+        const QString kind = QString::fromLatin1(typeid(object).name()) + QString::number(isView(*entry)) +
                              QString::number(isColumnOfTable(*entry));
         const bool isNew = !m_kinds.contains(kind);
         if (isNew)

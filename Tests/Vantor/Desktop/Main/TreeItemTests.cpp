@@ -126,7 +126,8 @@ protected:
     {
         // Sections of one class may have different menus; their names do not change from database to
         // database.
-        const QString className = QString::fromLatin1(typeid(*entry).name());
+        const KNDatabaseTreeEntry &object = *entry;
+        const QString className = QString::fromLatin1(typeid(object).name());
         const QString kind =
             kindAbove + QLatin1Char('/') + className +
             (className.contains(QLatin1String("Section")) ? entry->displayName() : QString());
