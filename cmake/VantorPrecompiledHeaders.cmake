@@ -28,6 +28,7 @@ function(vantor_precompile target kind)
     add_library(${headers} OBJECT ${CMAKE_SOURCE_DIR}/cmake/PrecompiledHeaders.cpp)
     target_link_libraries(${headers} PRIVATE Vantor::Flags)
     target_precompile_headers(${headers} PRIVATE ${VANTOR_HEADERS_${kind}})
+    set_target_properties(${headers} PROPERTIES PCH_INSTANTIATE_TEMPLATES ON) # Clang only
     if(kind STREQUAL qt)
       target_link_libraries(${headers} PRIVATE Qt6::Network)
     elseif(kind STREQUAL widgets)
