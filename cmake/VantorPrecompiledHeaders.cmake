@@ -3,11 +3,12 @@ set(VANTOR_HEADERS_std
   <algorithm> <cstdint> <functional> <map> <memory> <mutex> <optional> <set> <span> <stdexcept> <string> <string_view>
   <unordered_map> <variant> <vector>)
 set(VANTOR_HEADERS_qt
-  <QByteArray> <QDateTime> <QHash> <QList> <QString> <QStringList> <QVariant>
-  <atomic> <functional> <memory> <mutex> <optional> <string> <vector>)
+  <QByteArray> <QDateTime> <QDir> <QFile> <QHash> <QJsonObject> <QList> <QString> <QStringList> <QVariant>
+  <atomic> <condition_variable> <functional> <memory> <mutex> <optional> <string> <thread> <vector>)
 set(VANTOR_HEADERS_widgets
-  <QAction> <QBoxLayout> <QDialog> <QHash> <QLabel> <QLineEdit> <QList> <QMenu> <QPushButton> <QString> <QStringList>
-  <QTimer> <QVariant> <QWidget> <functional> <memory> <mutex> <optional> <vector>)
+  <QAction> <QBoxLayout> <QComboBox> <QDialog> <QFile> <QHash> <QHeaderView> <QLabel> <QLineEdit> <QList> <QMenu>
+  <QPlainTextEdit> <QPushButton> <QString> <QStringList> <QTimer> <QTreeView> <QVariant> <QWidget>
+  <functional> <memory> <mutex> <optional> <vector>)
 
 # vantor_precompile(TARGET std|qt|widgets [tests]): compiles those headers once for all targets that are compiled with the
 # same options. With tests, GoogleTest's header is one of them, and the options are those of the test programs.
