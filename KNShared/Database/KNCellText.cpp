@@ -2,6 +2,7 @@
 
 #include "Database/KNReadFixed.h"
 #include "Foundation/KNFloatText.h"
+#include "Foundation/KNUtf8.h"
 
 #include <algorithm>
 #include <array>
@@ -147,6 +148,6 @@ QByteArrayView KNCellText::validText(const KNRowCell &cell, QByteArray &repaired
     const QByteArrayView text(cell.data, static_cast<qsizetype>(cell.length));
     if (hasOnlyAscii(cell.data, cell.length) || text.isValidUtf8())
         return text;
-    repaired = QString::fromUtf8(text).toUtf8();
+    repaired = KNTextFromUtf8(text).toUtf8();
     return repaired;
 }

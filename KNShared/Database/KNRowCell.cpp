@@ -2,8 +2,7 @@
 
 #include "Database/KNReadFixed.h"
 #include "Foundation/KNFormat.h"
-
-#include <QStringDecoder>
+#include "Foundation/KNUtf8.h"
 
 #include <algorithm>
 #include <cstring>
@@ -36,19 +35,11 @@ QString guidText(const unsigned char *b)
     return text;
 }
 
-KNValue textValue(const unsigned char *data, std::size_t length)
+KNValue textValue(QByteArrayView utf8)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(QByteArrayView(data, static_cast<qsizetype>(length)));
-    if (decoder.hasError())
-        return KNValue();
-    return KNValue(text.isNull() ? QStringLiteral("") : text);
-}
-
-QString replacedText(const unsigned char *data, std::size_t length)
-{
-    const QString text = QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(length)));
-    return text.isNull() ? QStringLiteral("") : text;
+    bool isValid = false;
+    const QString text = KNTextFromUtf8(utf8, &isValid);
+    return isValid ? KNValue(text) : KNValue();
 }
 
 QByteArray bytesOf(const unsigned char *data, std::size_t length)
@@ -130,7 +121,7 @@ KNValue KNRowCell::value() const
     case Double:
         return KNValue(KNReadFixed<double>(data));
     case Text:
-        return textValue(data, length);
+        return textValue(QByteArrayView(data, static_cast<qsizetype>(length)));
     case Bytes:
         return KNValue(bytesOf(data, length));
     case FlagBytes:
@@ -161,7 +152,7 @@ KNValue KNRowCell::storedValue() const
 {
     switch (tag) {
     case Text:
-        return KNValue(replacedText(data, length));
+        return KNValue(KNTextFromUtf8(QByteArrayView(data, static_cast<qsizetype>(length))));
     case FlagBytes:
         return KNValue(bytesOf(data, length));
     case OffsetDate:

@@ -1,5 +1,7 @@
 #include "Export/ResultCopy.h"
 
+#include "Foundation/KNUtf8.h"
+
 #include <QBuffer>
 
 namespace {
@@ -38,7 +40,7 @@ ResultCopy ResultCopy::make(const ResultRows &rows, const ResultFormat &format, 
     });
     if (cancelled)
         return copy;
-    copy.text = QString::fromUtf8(buffer.data());
+    copy.text = KNTextFromUtf8(buffer.data());
     copy.rowsLeftOut = rows.rowCount() - written;
     copy.remarks = writer->remarks();
     return copy;

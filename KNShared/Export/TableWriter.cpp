@@ -2,6 +2,7 @@
 
 #include "Database/KNCellText.h"
 #include "Foundation/KNTerminalText.h"
+#include "Foundation/KNUtf8.h"
 
 #include <algorithm>
 
@@ -72,7 +73,7 @@ TableWriter::Field TableWriter::fieldOf(const KNRowCell &cell)
         KNCellText::append(m_text, cell);
     if (!isPrintableAscii(m_text.data(), m_text.size())) {
         const QString escaped = KNTerminalText::escapedInOneLine(
-            QString::fromUtf8(m_text.data(), static_cast<qsizetype>(m_text.size())));
+            KNTextFromUtf8(QByteArrayView(m_text.data(), static_cast<qsizetype>(m_text.size()))));
         m_text.clear();
         m_text.append(escaped.toUtf8());
         return {textOf(m_text), KNTerminalText::displayWidth(escaped), false};

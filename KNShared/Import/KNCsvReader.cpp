@@ -1,5 +1,7 @@
 #include "Import/KNCsvReader.h"
 
+#include "Foundation/KNUtf8.h"
+
 #include <csv.h>
 
 #include <algorithm>
@@ -19,10 +21,7 @@ QString textFromUtf8(QByteArrayView utf8, bool *isValid)
 {
     if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
         return QString::fromLatin1(utf8);
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(utf8);
-    *isValid = !decoder.hasError();
-    return text;
+    return KNTextFromUtf8(utf8, isValid);
 }
 
 /// Refuses to keep a value that is too large.

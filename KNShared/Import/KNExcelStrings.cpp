@@ -1,5 +1,6 @@
 #include "Import/KNExcelStrings.h"
 
+#include "Foundation/KNUtf8.h"
 #include "Import/KNImportReader.h"
 #include "Import/KNZipFile.h"
 
@@ -55,5 +56,5 @@ std::optional<QString> KNExcelStrings::at(QStringView index)
     const QByteArray utf8 = m_file.read(size);
     if (utf8.size() != size)
         return std::nullopt;
-    return size == 0 ? QStringLiteral("") : QString::fromUtf8(utf8);
+    return KNTextFromUtf8(utf8);
 }

@@ -73,9 +73,9 @@ bool KNImportTextSource::open(const QString &path, TextEncoding encoding, KNErro
     if (const QByteArray mark = markOf(m_encoding); !mark.isEmpty() && m_beginning.startsWith(mark))
         m_beginning.remove(0, mark.size());
     if (m_encoding == TextEncoding::UTF16LittleEndian)
-        m_decoder = QStringDecoder(QStringDecoder::Utf16LE);
+        m_decoder = QStringDecoder(QStringDecoder::Utf16LE, QStringDecoder::Flag::ConvertInitialBom);
     else if (m_encoding == TextEncoding::UTF16BigEndian)
-        m_decoder = QStringDecoder(QStringDecoder::Utf16BE);
+        m_decoder = QStringDecoder(QStringDecoder::Utf16BE, QStringDecoder::Flag::ConvertInitialBom);
     m_encoder = QStringEncoder(QStringEncoder::Utf8);
     return true;
 }

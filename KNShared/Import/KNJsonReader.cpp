@@ -1,5 +1,7 @@
 #include "Import/KNJsonReader.h"
 
+#include "Foundation/KNUtf8.h"
+
 #include <yajl/yajl_gen.h>
 #include <yajl/yajl_parse.h>
 
@@ -9,9 +11,7 @@ constexpr int DeepestNesting = 100; // yajl_gen allows 128
 
 QString textOf(const unsigned char *utf8, size_t size)
 {
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char *>(utf8), static_cast<qsizetype>(size));
-    return text.isNull() ? QStringLiteral("") : text;
+    return KNTextFromUtf8(QByteArrayView(utf8, static_cast<qsizetype>(size)));
 }
 
 } // namespace

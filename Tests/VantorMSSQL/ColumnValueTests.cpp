@@ -1,5 +1,6 @@
 #include "Database/KNCellText.h"
 #include "Database/KNRowReader.h"
+#include "Foundation/KNUtf8.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLColumnValue.h"
 #include "Support/PrintQt.h"
@@ -46,7 +47,7 @@ QString stored(int type, const QByteArray &bytes)
     const KNRowCell cell = KNRowReader(*rows).cell(0, 0);
     KNByteBuffer text;
     KNCellText::append(text, cell);
-    const QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QString shown = KNTextFromUtf8({text.data(), static_cast<qsizetype>(text.size())});
     EXPECT_EQ(shown, cell.storedValue().displayText());
     return shown;
 }
@@ -311,6 +312,24 @@ TEST(ColumnValue, TextAndBytesKeepTheirLength)
     EXPECT_EQ(convert(SYBTEXT, QByteArray("")), KNValue(QStringLiteral("")));
     EXPECT_EQ(convert(SYBBINARY, QByteArray("\0\1", 2)), KNValue(QByteArray("\0\1", 2)));
     EXPECT_TRUE(convert(SYBCHAR, QByteArray("\xff")).isNull());
+}
+
+TEST(ColumnValue, TextKeepsAByteOrderMarkAtItsBeginning)
+{
+    const QByteArray mark("\xef\xbb\xbf");
+    const QString text = QChar(0xFEFF) + QStringLiteral("abc");
+    EXPECT_EQ(convert(SYBCHAR, mark + "abc"), KNValue(text));
+    EXPECT_EQ(stored(SYBTEXT, mark + "abc"), text);
+    EXPECT_EQ(stored(SYBTEXT, mark + "abc\xff"), text + QChar(QChar::ReplacementCharacter));
+    EXPECT_EQ(convert(SYBCHAR, mark), KNValue(QString(QChar(0xFEFF))));
+}
+
+TEST(ColumnValue, XmlHasNoByteOrderMark)
+{
+    constexpr int SYBMSXML = 241;
+    EXPECT_EQ(convert(SYBMSXML, "\xef\xbb\xbf<a/>"), KNValue(QStringLiteral("<a/>")));
+    EXPECT_EQ(convert(SYBMSXML, "\xef\xbb\xbf"), KNValue(QStringLiteral("")));
+    EXPECT_EQ(convert(SYBMSXML, "<a>\xef\xbb\xbf</a>").text().size(), 8);
 }
 
 TEST(ColumnTypeDisplay, ShowsLengthsWhereATypeHasOne)

@@ -1,3 +1,4 @@
+#include "Foundation/KNUtf8.h"
 #include "Implementations/MSSQLClient.h"
 #include "Implementations/MSSQLColumnValue.h"
 #include "Implementations/MSSQLHandleScope.h"
@@ -48,8 +49,7 @@ KNValue aggregateValue(DBPROCESS *dbproc, int computeId, int column)
                                    buffer, sizeof buffer);
     if (length < 0)
         return KNValue();
-    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(buffer), length);
-    return KNValue(text.isNull() ? QStringLiteral("") : text);
+    return KNValue(KNTextFromUtf8(QByteArrayView(buffer, length)));
 }
 
 } // namespace

@@ -169,6 +169,14 @@ void appendDateTimeOffset(KNRowStore &rows, const unsigned char *data)
     rows.appendDate(date);
 }
 
+/// A byte order mark at the beginning belongs to the encoding of the document, which is UTF-8 here.
+void appendXml(KNRowStore &rows, QByteArrayView document)
+{
+    constexpr QByteArrayView Mark("\xef\xbb\xbf");
+    const QByteArrayView text = document.startsWith(Mark) ? document.sliced(Mark.size()) : document;
+    rows.appendText(text.data(), static_cast<std::size_t>(text.size()));
+}
+
 void appendUnknown(KNRowStore &rows, const MSSQLColumn &column)
 {
     const QByteArray text = KNFormat("Unknown type. %d. (Column %s)", column.type, column.name).toUtf8();
@@ -189,8 +197,9 @@ void appendColumnValue(KNRowStore &rows, const MSSQLColumn &column, const unsign
         return rows.appendBytes(data, size);
     case SYBTEXT:
     case SYBCHAR:
-    case SYBMSXML:
         return rows.appendText(data, size);
+    case SYBMSXML:
+        return appendXml(rows, {data, length});
     case SYBUNIQUE:
         return rows.appendGuid(data);
     case SYBINT1:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/KNUtf8.h"
 #include "UI/Editor/KNScintilla.h"
 
 #include <QString>
@@ -30,10 +31,7 @@ inline QString text(const QsciScintilla &editor, qsizetype start, qsizetype end)
     const auto *const bytes = reinterpret_cast<const char *>(
         editor.SendScintilla(QsciScintillaBase::SCI_GETRANGEPOINTER, static_cast<unsigned long>(start),
                              static_cast<long>(end - start)));
-    const QByteArrayView piece(bytes, end - start);
-    const QString decoded = QString::fromUtf8(piece);
-    // Qt treats a mark at the beginning as the text's signature and drops it.
-    return piece.startsWith("\xef\xbb\xbf") ? QChar(QChar::ByteOrderMark) + decoded : decoded;
+    return KNTextFromUtf8(QByteArrayView(bytes, end - start));
 }
 
 } // namespace KNEditorText

@@ -54,6 +54,21 @@ TEST_F(CsvReader, ReadsLineEndsOfEveryKind)
     }
 }
 
+TEST_F(CsvReader, KeepsByteOrderMarksExceptTheFiles)
+{
+    const QByteArray mark("\xef\xbb\xbf");
+    const QString marked = QChar(0xFEFF) + QStringLiteral("x");
+    const Content content = read(mark + "a,b\n" + mark + "x," + mark + "x\n");
+    EXPECT_EQ(content.columns, words({"a", "b"}));
+    EXPECT_EQ(content.rows, (QList<QStringList>{{marked, marked}}));
+    // The mark of UTF-16, and then one that belongs to the name of the column.
+    EXPECT_EQ(read(QByteArray("\xff\xfe\xff\xfe"
+                              "b\0\n\0a\0\n\0",
+                              12))
+                  .columns,
+              QStringList{QChar(0xFEFF) + QStringLiteral("b")});
+}
+
 TEST_F(CsvReader, FindsTheSeparatorInTheFirstLine)
 {
     for (const char *content : {"a,b\n1,2", "a;b\n1;2", "a\tb\n1\t2", "a|b\n1|2", "\"a,,,\";b\n1;2"})

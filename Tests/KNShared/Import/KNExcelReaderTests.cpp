@@ -71,6 +71,15 @@ TEST_F(ExcelReader, ReadsTextsNumbersAndGaps)
     EXPECT_TRUE(content.error.isNull()) << content.error.toStdString();
 }
 
+TEST_F(ExcelReader, KeepsByteOrderMarksInTexts)
+{
+    Parts parts = workbook(Header + "<row r='2'><c r='A2' t='s'><v>4</v></c></row>");
+    parts["xl/sharedStrings.xml"].replace("</sst>", "<si><t>\xef\xbb\xbfx</t></si></sst>");
+    const QList<QStringList> rows = contentOf(write(parts)).rows;
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0].value(0), QChar(0xFEFF) + QStringLiteral("x"));
+}
+
 TEST_F(ExcelReader, ReadsDatesByTheirStyles)
 {
     // 45351.5 is noon on 29 February 2024; 1 is 1 January 1900, and 61 is 1 March 1900.

@@ -34,6 +34,12 @@ TEST_F(JsonReader, KeepsTheDigitsOfNumbersAndNestedValues)
             words({"12345678901234567890.1234567890", "true", "{\"x\":[1,\"é\",null]}", "[]"})}));
 }
 
+TEST_F(JsonReader, KeepsByteOrderMarksInValues)
+{
+    EXPECT_EQ(read("{\"a\":\"\xef\xbb\xbfx\"}").rows,
+              (QList<QStringList>{{QChar(0xFEFF) + QStringLiteral("x")}}));
+}
+
 TEST_F(JsonReader, AddsColumnsThatLaterRowsHave)
 {
     const Content content = read("{\"a\":1}\n{\"b\":2}\n{\"a\":3}\n");
