@@ -96,6 +96,30 @@ TEST_F(ExportCommand, ComesBackWithExtendedPropertiesAndTableTypes)
     EXPECT_TRUE(type > 0 && type < whole.indexOf("CREATE TABLE"));
 }
 
+TEST_F(ExportCommand, KeepsBackslashesBeforeLineEnds)
+{
+    query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"
+                    "IF DB_ID('slashed') IS NOT NULL DROP DATABASE slashed\nGO\nCREATE DATABASE slashed");
+    query("slashed", "CREATE TABLE dbo.t (v nvarchar(20) NOT NULL)\nGO\n"
+                     "DECLARE @s nvarchar(9), @r nvarchar(9)\n"
+                     "SET @s = N'a\\' + NCHAR(10) + N'b'\nSET @r = N'a\\' + NCHAR(13) + NCHAR(10)\n"
+                     "INSERT INTO dbo.t VALUES (@s), (@r)\n"
+                     "EXEC sp_addextendedproperty N'LF', @s, N'SCHEMA', N'dbo', N'TABLE', N't'\n"
+                     "EXEC sp_addextendedproperty N'CRLF', @r, N'SCHEMA', N'dbo', N'TABLE', N't'\nGO\n"
+                     "CREATE VIEW dbo.v AS -- C:\\\nSELECT v FROM dbo.t");
+    const QByteArray script = exported("slashed", {"--data", "--if-not-exists"}).output;
+    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
+    const QByteArray rows = query("copied", "SELECT CONVERT(varbinary(20), v) FROM dbo.v");
+    EXPECT_TRUE(rows.contains("61005C000A006200")) << rows.toStdString();
+    EXPECT_TRUE(rows.contains("61005C000D000A00")) << rows.toStdString();
+    const QByteArray properties =
+        query("copied", "SELECT CONVERT(varbinary(20), CONVERT(nvarchar(9), value)) "
+                        "FROM sys.extended_properties");
+    EXPECT_TRUE(properties.contains("61005C000A006200")) << properties.toStdString();
+    EXPECT_TRUE(properties.contains("61005C000D000A00")) << properties.toStdString();
+}
+
 TEST_F(ExportCommand, RunsTwiceWithKeysAndChecksThatTheServerNamed)
 {
     query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied\nGO\n"

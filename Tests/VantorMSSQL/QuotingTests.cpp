@@ -103,6 +103,35 @@ TEST(ValueLiteral, OfNumbersIsTheNumber)
     }
 }
 
+TEST(ValueLiteral, DoublesABackslashAndTheLineEndBehindIt)
+{
+    const auto literal = [](const char *text) {
+        return MSSQLQuoting::literal(KNValue(QString::fromUtf8(text)));
+    };
+    EXPECT_EQ(literal("a\\\nb"), QStringLiteral("'a\\\\\n\nb'"));
+    EXPECT_EQ(literal("a\\\\\nb"), QStringLiteral("'a\\\\\\\n\nb'"));
+    EXPECT_EQ(literal("\\\r\n"), QStringLiteral("'\\\\\r\n\r\n'"));
+    EXPECT_EQ(literal("a\\b\\\r\n'"), QStringLiteral("'a\\b\\\\\r\n\r\n'''"));
+    EXPECT_EQ(literal("\u00f1\\\n"), QStringLiteral("N'\u00f1\\\\\n\n'"));
+    for (const char *const plain : {"\\", "\\b", "a\n\\", "\\\r", "\n", "\r\n"})
+        EXPECT_EQ(literal(plain), QLatin1Char('\'') + QString::fromUtf8(plain) + QLatin1Char('\''));
+    EXPECT_EQ(MSSQLQuoting::unicodeLiteral(QStringLiteral("it's\\\n")), QStringLiteral("N'it''s\\\\\n\n'"));
+    for (const auto &exact : {&MSSQLQuoting::escapeColumnValue, &MSSQLQuoting::databaseProviderEscape})
+        EXPECT_EQ(exact(KNValue(QStringLiteral("a\\\nb"))), QStringLiteral("'a\\\nb'"));
+}
+
+TEST(ValueLiteral, OfAFloatingPointNumberHasAnExponent)
+{
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(0.1)), QStringLiteral("0.1e0"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(5.0)), QStringLiteral("5e0"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(1e20)), QStringLiteral("1e+20"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(-0.0)), QStringLiteral("-0e0"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(0.12345678901234566)), QStringLiteral("0.12345678901234566e0"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(0.1F)), QStringLiteral("CAST(0.1e0 AS real)"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(*KNDecimal::fromString(u"0.1"))), QStringLiteral("0.1"));
+    EXPECT_EQ(MSSQLQuoting::literal(KNValue(5)), QStringLiteral("5"));
+}
+
 TEST(ValueLiteral, OfADateIsQuotedInScripts)
 {
     EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(

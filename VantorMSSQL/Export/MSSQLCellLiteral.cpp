@@ -1,9 +1,12 @@
 #include "Export/MSSQLCellLiteral.h"
 
 #include "Database/KNCellText.h"
+#include "Implementations/MSSQLConstantText.h"
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -13,13 +16,18 @@ void appendTextLiteral(KNByteBuffer &to, QByteArrayView text)
     if (!isAscii)
         to.append('N');
     to.append('\'');
-    for (qsizetype quote = text.indexOf('\''); quote >= 0; quote = text.indexOf('\'')) {
-        to.append(text.first(quote + 1));
-        to.append('\'');
-        text = text.sliced(quote + 1);
-    }
-    to.append(text);
+    MSSQLWriteConstantText(std::string_view(text.data(), static_cast<std::size_t>(text.size())),
+                           [&](std::string_view piece) { to.append(piece.data(), piece.size()); });
     to.append('\'');
+}
+
+/// Without an exponent the constant would be a decimal, whose conversion to float may round.
+void appendFloatLiteral(KNByteBuffer &to, const KNRowCell &cell)
+{
+    const std::size_t start = to.size();
+    KNCellText::append(to, cell);
+    if (std::string_view(to.data() + start, to.size() - start).find('e') == std::string_view::npos)
+        to.append(QByteArrayView("e0"));
 }
 
 /// The meaning of ISO 8601 dates does not depend on SET DATEFORMAT; there is no blank before an offset.
@@ -56,6 +64,9 @@ void MSSQLCellLiteral::append(KNByteBuffer &to, const KNRowCell &cell)
     case KNRowCell::Date:
     case KNRowCell::OffsetDate:
         return appendDateLiteral(to, cell);
+    case KNRowCell::Float:
+    case KNRowCell::Double:
+        return appendFloatLiteral(to, cell);
     default:
         return KNCellText::append(to, cell);
     }

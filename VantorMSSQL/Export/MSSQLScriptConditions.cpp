@@ -4,16 +4,12 @@
 #include "Export/MSSQLScriptStub.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "Scripts/MSSQLModuleHeader.h"
 
 namespace {
 
 using MSSQLObjectPath::bracketed;
-
-QString unicodeLiteral(QString text)
-{
-    return KNFormat("N'%@'", text.replace(QLatin1Char('\''), QLatin1String("''")));
-}
 
 QString pathOf(const QString &schema, const QString &name)
 {
@@ -28,8 +24,8 @@ QString pathOf(const KNScriptObject &object)
 QString isMissing(const KNScriptObject &object)
 {
     return object.kind.endsWith(QLatin1String("TYPE"))
-               ? KNFormat("TYPE_ID(%@) IS NULL", unicodeLiteral(pathOf(object)))
-               : KNFormat("OBJECT_ID(%@) IS NULL", unicodeLiteral(pathOf(object)));
+               ? KNFormat("TYPE_ID(%@) IS NULL", MSSQLQuoting::unicodeLiteral(pathOf(object)))
+               : KNFormat("OBJECT_ID(%@) IS NULL", MSSQLQuoting::unicodeLiteral(pathOf(object)));
 }
 
 /// Whether the batch belongs to the statement that creates the object.
@@ -45,9 +41,10 @@ QString conditionOf(const KNScriptObject &object, const MSSQLScriptBatches::Batc
     if (batch.name.isEmpty())
         return {};
     if (batch.kind == MSSQLScriptBatches::Kind::Index)
-        return KNFormat("INDEXPROPERTY(OBJECT_ID(%@), %@, 'IndexID') IS NULL", unicodeLiteral(pathOf(object)),
-                        unicodeLiteral(batch.name));
-    return KNFormat("OBJECT_ID(%@) IS NULL", unicodeLiteral(pathOf(object.schema, batch.name)));
+        return KNFormat("INDEXPROPERTY(OBJECT_ID(%@), %@, 'IndexID') IS NULL",
+                        MSSQLQuoting::unicodeLiteral(pathOf(object)),
+                        MSSQLQuoting::unicodeLiteral(batch.name));
+    return KNFormat("OBJECT_ID(%@) IS NULL", MSSQLQuoting::unicodeLiteral(pathOf(object.schema, batch.name)));
 }
 
 /// The texts run under the condition. Many of them must be the only statement of their batch.
@@ -58,7 +55,7 @@ QString conditional(const QString &condition, const QString &settings, const QSt
     if (isBlock)
         statement += QLatin1String("BEGIN\r\n");
     for (const QString &text : texts)
-        statement += KNFormat("\tEXEC(%@)\r\n", unicodeLiteral(text));
+        statement += KNFormat("\tEXEC(%@)\r\n", MSSQLQuoting::unicodeLiteral(text));
     return statement + (isBlock ? QLatin1String("END\r\nGO\r\n") : QLatin1String("GO\r\n"));
 }
 
@@ -76,7 +73,8 @@ QString MSSQLScriptConditions::scriptOfStub(const KNScriptObject &object,
     QList<MSSQLScriptBatches::Batch> altering = batches;
     for (MSSQLScriptBatches::Batch &batch : altering)
         batch.text = MSSQLModuleHeader::altering(batch.text);
-    return scriptIf(MSSQLScriptStub::condition(unicodeLiteral(pathOf(object))), object, altering);
+    return scriptIf(MSSQLScriptStub::condition(MSSQLQuoting::unicodeLiteral(pathOf(object))), object,
+                    altering);
 }
 
 QString MSSQLScriptConditions::statement(const MSSQLScriptStatements::Statement &statement) const
@@ -111,7 +109,7 @@ QString MSSQLScriptConditions::scriptIf(const QString &objectCondition, const KN
     // Before the named ones, which the table must not have yet.
     if (!unnamedKeys.isEmpty())
         script = conditional(KNFormat("OBJECTPROPERTY(OBJECT_ID(%@), N'TableHasForeignKey') = 0",
-                                      unicodeLiteral(pathOf(object))),
+                                      MSSQLQuoting::unicodeLiteral(pathOf(object))),
                              {}, unnamedKeys) +
                  script;
     return ofObject.isEmpty() ? script : conditional(objectCondition, settings, ofObject) + script;
@@ -128,7 +126,7 @@ QString MSSQLScriptConditions::drop(const KNScriptObject &object)
 QString MSSQLScriptConditions::dropForeignKey(const KNScriptObject &table, const QString &name)
 {
     return KNFormat("IF OBJECT_ID(%@) IS NOT NULL\r\n\tALTER TABLE %@ DROP CONSTRAINT %@\r\nGO\r\n",
-                    unicodeLiteral(pathOf(table.schema, name)), pathOf(table), bracketed(name));
+                    MSSQLQuoting::unicodeLiteral(pathOf(table.schema, name)), pathOf(table), bracketed(name));
 }
 
 bool MSSQLScriptConditions::addsUnnamedForeignKey(const MSSQLScriptBatches::Batch &batch)
@@ -144,11 +142,11 @@ QString MSSQLScriptConditions::dropUnnamedForeignKeys(const KNScriptObject &tabl
                     "FROM sys.foreign_keys\r\n"
                     "WHERE parent_object_id = OBJECT_ID(%@) AND is_system_named = 1\r\nEXEC(@drop)\r\nGO\r\n",
                     pathOf(table).replace(QLatin1Char('\''), QLatin1String("''")),
-                    unicodeLiteral(pathOf(table)));
+                    MSSQLQuoting::unicodeLiteral(pathOf(table)));
 }
 
 QString MSSQLScriptConditions::createSchema(const QString &schema)
 {
-    return KNFormat("IF SCHEMA_ID(%@) IS NULL\r\n\tEXEC(%@)\r\nGO\r\n", unicodeLiteral(schema),
-                    unicodeLiteral(KNFormat("CREATE SCHEMA %@", bracketed(schema))));
+    return KNFormat("IF SCHEMA_ID(%@) IS NULL\r\n\tEXEC(%@)\r\nGO\r\n", MSSQLQuoting::unicodeLiteral(schema),
+                    MSSQLQuoting::unicodeLiteral(KNFormat("CREATE SCHEMA %@", bracketed(schema))));
 }

@@ -1,6 +1,7 @@
 #include "Implementations/MSSQLQuoting.h"
 
 #include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLConstantText.h"
 #include "Implementations/MSSQLWordLists.h"
 
 #include <QRegularExpression>
@@ -19,10 +20,28 @@ bool needsBrackets(const QString &name)
            MSSQLWordLists::isKeyword(name);
 }
 
-QString textLiteral(QString text)
+/// The text in apostrophes, with those in it doubled. A server does not read a backslash before a line end.
+QString inApostrophes(QString text)
 {
     text.replace(QLatin1Char('\''), QLatin1String("''"));
     return KNFormat("'%@'", text);
+}
+
+/// A constant with this value.
+QString textLiteral(const QString &text)
+{
+    QString literal(QLatin1Char('\''));
+    MSSQLWriteConstantText(
+        std::u16string_view(QStringView(text).utf16(), static_cast<std::size_t>(text.size())),
+        [&](std::u16string_view piece) { literal += QStringView(piece); });
+    return literal + QLatin1Char('\'');
+}
+
+/// A number's text as a constant of type float: without an exponent it would be a decimal, whose conversion
+/// may round.
+QString floatLiteral(const QString &text)
+{
+    return text.contains(QLatin1Char('e')) ? text : text + QLatin1String("e0");
 }
 
 bool isOneOf(const QString &typeName, std::initializer_list<const char *> names)
@@ -78,7 +97,7 @@ QString MSSQLQuoting::escapeColumnValue(const KNValue &value)
     case KNValue::Kind::Null:
         return QStringLiteral("NULL");
     case KNValue::Kind::Text:
-        return textLiteral(value.text());
+        return inApostrophes(value.text());
     case KNValue::Kind::Bytes:
         return QLatin1String("0x") + QString::fromLatin1(value.bytes().toHex());
     default:
@@ -92,7 +111,7 @@ QString MSSQLQuoting::databaseProviderEscape(const KNValue &value)
     case KNValue::Kind::Text:
         if (value.text().compare(QLatin1String("null"), Qt::CaseInsensitive) == 0)
             return QStringLiteral("NULL");
-        return textLiteral(value.text());
+        return inApostrophes(value.text());
     case KNValue::Kind::Bytes:
         return QLatin1String("0x") + QString::fromLatin1(value.bytes().toHex().toUpper());
     case KNValue::Kind::Date:
@@ -111,6 +130,11 @@ QString MSSQLQuoting::quotedName(const QString &name)
     return QLatin1Char('[') + inside + QLatin1Char(']');
 }
 
+QString MSSQLQuoting::unicodeLiteral(const QString &text)
+{
+    return QLatin1Char('N') + textLiteral(text);
+}
+
 QString MSSQLQuoting::literal(const KNValue &value)
 {
     switch (value.kind()) {
@@ -118,8 +142,12 @@ QString MSSQLQuoting::literal(const KNValue &value)
         const QString text = value.text();
         const bool isAscii =
             std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
-        return isAscii ? textLiteral(text) : QLatin1Char('N') + textLiteral(text);
+        return isAscii ? textLiteral(text) : unicodeLiteral(text);
     }
+    case KNValue::Kind::Double:
+        return floatLiteral(value.displayText());
+    case KNValue::Kind::Float: // compared with a float constant, a real would be converted to float
+        return KNFormat("CAST(%@ AS real)", floatLiteral(value.displayText()));
     case KNValue::Kind::Date: {
         // The meaning of ISO 8601 dates does not depend on SET DATEFORMAT; there is no blank before an
         // offset.

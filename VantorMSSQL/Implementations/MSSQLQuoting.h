@@ -18,16 +18,20 @@ public:
     /// The table with this path (name, or schema and name), quoted as by escapeSchemaAndTable().
     static QString escapeTablePaths(const QStringList &path);
     /// A literal for row editing: text without N prefix, lower-case hexadecimal, NULL for null, other values
-    /// as displayed.
+    /// as displayed. A server drops a backslash before a line end, and the line end; literal() keeps both.
     static QString escapeColumnValue(const KNValue &value);
     /// A literal for generated scripts: as escapeColumnValue(), but with upper-case hexadecimal, dates in
     /// quotes to the second, and the text "null" in any case as NULL.
     static QString databaseProviderEscape(const KNValue &value);
     /// One name, not a path, in brackets where required; a "]" in it is doubled.
     static QString quotedName(const QString &name);
-    /// A literal whose value does not depend on the session's language and the database's code page: as
-    /// escapeColumnValue(), but text outside ASCII has the prefix N, and dates are quoted in ISO 8601 format.
+    /// A literal that a server reads as exactly this value, whatever the session's language and the
+    /// database's code page are: as escapeColumnValue(), but text outside ASCII has the prefix N, a backslash
+    /// before a line end is kept, dates are quoted in ISO 8601 format, and floating-point numbers have an
+    /// exponent.
     static QString literal(const KNValue &value);
+    /// N'text', a constant with exactly this text.
+    static QString unicodeLiteral(const QString &text);
 
     /// The display text of a catalog's column type: "nvarchar(50)". `maxLength` is in bytes, -1 for (max),
     /// null for none. Precision and scale are not shown.

@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLQuoting.h"
+#include "RowEditing/MSSQLColumnLiteral.h"
 #include "RowEditing/MSSQLValueInput.h"
 #include "TableDesign/MSSQLStatementCaution.h"
 
@@ -20,12 +21,13 @@ QString joined(const QStringList &items, const char *separator)
 QString exactItem(const KNEditRowColumn &column)
 {
     return KNFormat("%@ = %@", MSSQLDesignedTable::escaped(column.columnName),
-                    MSSQLQuoting::literal(column.columnCurrentValue));
+                    MSSQLColumnLiteral::of(column, column.columnCurrentValue));
 }
 
-QString correctedItem(const QString &name, const KNValue &value)
+QString correctedItem(const KNEditRowColumn &column, const KNValue &value)
 {
-    return KNFormat("%@ = %@", MSSQLQuoting::quotedName(name), MSSQLQuoting::literal(value));
+    return KNFormat("%@ = %@", MSSQLQuoting::quotedName(column.columnName),
+                    MSSQLColumnLiteral::of(column, value));
 }
 
 void addName(MSSQLStatementCaution *caution, const QString &name)
@@ -81,7 +83,7 @@ KNStatementPair MSSQLRowStatement::generateInsert() const
             continue;
         exactNames.append(MSSQLDesignedTable::escaped(column.columnName));
         names.append(MSSQLQuoting::quotedName(column.columnName));
-        values.append(MSSQLQuoting::literal(column.columnCurrentValue));
+        values.append(MSSQLColumnLiteral::of(column, column.columnCurrentValue));
         addName(&caution, column.columnName);
     }
     const QString exact = KNFormat("SET QUOTED_IDENTIFIER OFF\r\nINSERT INTO %@ (%@) VALUES (%@)",
@@ -160,7 +162,7 @@ QString MSSQLRowStatement::correctedCondition() const
         const KNValue value = searchedValue(column);
         conditions.append(value.isNull()
                               ? MSSQLQuoting::quotedName(column.columnName) + QLatin1String(" IS NULL")
-                              : correctedItem(column.columnName, value));
+                              : correctedItem(column, value));
     }
     return joined(conditions, " AND ");
 }
@@ -170,7 +172,7 @@ QString MSSQLRowStatement::correctedUpdate() const
     QStringList changes;
     for (const KNEditRowColumn &column : m_columns) {
         if (isWritten(column))
-            changes.append(correctedItem(column.columnName, column.columnCurrentValue));
+            changes.append(correctedItem(column, column.columnCurrentValue));
     }
     const QString condition = correctedCondition();
     if (changes.isEmpty() || condition.isEmpty())
@@ -211,7 +213,7 @@ QString MSSQLRowStatement::correctedReadBack() const
         if (column.isPrimaryKey && column.columnCurrentValue.isNull())
             return {};
         if (column.isPrimaryKey)
-            conditions.append(correctedItem(column.columnName, column.columnCurrentValue));
+            conditions.append(correctedItem(column, column.columnCurrentValue));
     }
     return KNFormat("SELECT TOP(1) %@ FROM %@ WHERE %@", joined(names, ", "), correctedTable(),
                     joined(conditions, " AND "));

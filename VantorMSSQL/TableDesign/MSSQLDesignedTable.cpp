@@ -17,7 +17,7 @@ QString MSSQLDesignedTable::renameLiteral(const QString &part) const
     parts.append(MSSQLObjectPath::bracketed(name));
     if (!part.isEmpty())
         parts.append(MSSQLObjectPath::bracketed(part));
-    return unicodeLiteral(parts.join(QLatin1Char('.')));
+    return MSSQLQuoting::unicodeLiteral(parts.join(QLatin1Char('.')));
 }
 
 QString MSSQLDesignedTable::exactName() const
@@ -33,10 +33,4 @@ QString MSSQLDesignedTable::exactPath() const
 QString MSSQLDesignedTable::escaped(const QString &name)
 {
     return name.isNull() ? QStringLiteral("") : MSSQLQuoting::escapeTableNameIfRequired(name);
-}
-
-QString MSSQLDesignedTable::unicodeLiteral(QString text)
-{
-    text.replace(QLatin1Char('\''), QLatin1String("''"));
-    return QLatin1String("N'") + text + QLatin1Char('\'');
 }

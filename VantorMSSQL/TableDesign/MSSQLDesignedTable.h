@@ -23,6 +23,4 @@ struct MSSQLDesignedTable
     QString exactPath() const;
     /// MSSQLQuoting::escapeTableNameIfRequired(), and empty for null.
     static QString escaped(const QString &name);
-    /// N'text', apostrophes doubled.
-    static QString unicodeLiteral(QString text);
 };

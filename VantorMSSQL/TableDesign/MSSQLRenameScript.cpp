@@ -1,6 +1,7 @@
 #include "TableDesign/MSSQLRenameScript.h"
 
 #include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLQuoting.h"
 #include "TableDesign/MSSQLDesignedTable.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@ namespace {
 
 QString renameStatement(const QString &pathLiteral, const QString &newName, const char *objectType)
 {
-    return KNFormat("EXEC sp_rename %@, %@, N'%s'", pathLiteral, MSSQLDesignedTable::unicodeLiteral(newName),
+    return KNFormat("EXEC sp_rename %@, %@, N'%s'", pathLiteral, MSSQLQuoting::unicodeLiteral(newName),
                     objectType);
 }
 

@@ -29,6 +29,27 @@ TEST(CellLiteral, QuotesTextAndMarksUnicode)
     EXPECT_EQ(literalOf(KNRowCell::Text, "null"), "'null'");
 }
 
+TEST(CellLiteral, DoublesABackslashAndTheLineEndBehindIt)
+{
+    EXPECT_EQ(literalOf(KNRowCell::Text, "a\\\nb"), "'a\\\\\n\nb'");
+    EXPECT_EQ(literalOf(KNRowCell::Text, "'\\\r\n"), "'''\\\\\r\n\r\n'");
+    EXPECT_EQ(literalOf(KNRowCell::Text, "\\\r\\b\\"), "'\\\r\\b\\'");
+}
+
+TEST(CellLiteral, WritesFloatingPointNumbersWithAnExponent)
+{
+    const auto literal = [](auto number, KNRowCell::Tag tag) {
+        return literalOf(tag, QByteArray(reinterpret_cast<const char *>(&number), sizeof number));
+    };
+    EXPECT_EQ(literal(0.1, KNRowCell::Double), "0.1e0");
+    EXPECT_EQ(literal(5.0, KNRowCell::Double), "5e0");
+    EXPECT_EQ(literal(1e20, KNRowCell::Double), "1e+20");
+    EXPECT_EQ(literal(-0.0, KNRowCell::Double), "-0e0");
+    EXPECT_EQ(literal(0.12345678901234566, KNRowCell::Double), "0.12345678901234566e0");
+    EXPECT_EQ(literal(0.1F, KNRowCell::Float), "0.1e0");
+    EXPECT_EQ(literal(qint32{5}, KNRowCell::Int32), "5");
+}
+
 TEST(CellLiteral, WritesBytesAndGuids)
 {
     EXPECT_EQ(literalOf(KNRowCell::Bytes, QByteArray("\x00\xAB", 2)), "0x00AB");

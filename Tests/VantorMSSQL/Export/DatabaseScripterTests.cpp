@@ -165,6 +165,11 @@ TEST(ScriptConditions, LookForTheObjectFirst)
                              "END\r\nGO\r\nIF OBJECT_ID(N'[dbo].[CK]') IS NULL\r\n"
                              "\tEXEC(N'ALTER TABLE [dbo].[it''s] WITH CHECK ADD CONSTRAINT [CK] CHECK "
                              "([i]<(9))')\r\nGO\r\n"));
+    const MSSQLScriptBatches continued(
+        QStringLiteral("CREATE VIEW [dbo].[v] AS -- C:\\\r\nSELECT 1 i\r\nGO\r\n"));
+    EXPECT_EQ(MSSQLScriptConditions(options).script(scriptObject("VIEW", "v"), continued.all()),
+              QStringLiteral("IF OBJECT_ID(N'[dbo].[v]') IS NULL\r\n"
+                             "\tEXEC(N'CREATE VIEW [dbo].[v] AS -- C:\\\\\r\n\r\nSELECT 1 i')\r\nGO\r\n"));
     EXPECT_EQ(
         MSSQLScriptConditions::drop(table),
         QStringLiteral("IF OBJECT_ID(N'[dbo].[it''s]') IS NOT NULL\r\n\tDROP TABLE [dbo].[it's]\r\nGO\r\n"));

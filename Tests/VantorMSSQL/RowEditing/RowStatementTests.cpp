@@ -72,14 +72,24 @@ TEST(RowStatement, WritesValuesThatComeBackUnchanged)
     const KNValue date(QDateTime(QDate(2024, 2, 3), QTime(4, 5, 6, 70), Qt::UTC));
     const KNStatementPair pair = insertOf({column("a", text("Größe")), column("b", date),
                                            column("c", KNValue(QByteArray("\x00\xff", 2))),
-                                           column("d", KNValue(0.1)), column("e", text("O'Brien"))});
-    EXPECT_TRUE(
-        pair.exact.endsWith(q("VALUES (N'Größe', '2024-02-03T04:05:06.070', 0x00ff, 0.1, 'O''Brien')")))
+                                           column("d", KNValue(1.5)), column("e", text("O'Brien"))});
+    EXPECT_TRUE(pair.exact.endsWith(
+        q("VALUES (N'Größe', '2024-02-03T04:05:06.070', 0x00ff, 1.5000000000000000e+00, 'O''Brien')")))
         << pair.exact.toStdString();
-    EXPECT_TRUE(
-        pair.corrected.endsWith(q("VALUES (N'Größe', '2024-02-03T04:05:06.070', 0x00ff, 0.1, 'O''Brien')")))
+    EXPECT_TRUE(pair.corrected.endsWith(
+        q("VALUES (N'Größe', '2024-02-03T04:05:06.070', 0x00ff, 1.5000000000000000e+00, 'O''Brien')")))
         << pair.corrected.toStdString();
     EXPECT_TRUE(pair.difference.isEmpty());
+}
+
+TEST(RowStatement, WritesNumbersOfFloatColumnsAsFloats)
+{
+    KNEditRowColumn ratio = column("r", KNValue(*KNDecimal::fromString(u"0.25")));
+    ratio.typeName = q("float");
+    const KNStatementPair pair = insertOf({ratio, column("t", text("a\\\nb"))});
+    const QString values = q("VALUES (2.5000000000000000e-01, 'a\\\\\n\nb')");
+    EXPECT_TRUE(pair.exact.endsWith(values)) << pair.exact.toStdString();
+    EXPECT_TRUE(pair.corrected.endsWith(values)) << pair.corrected.toStdString();
 }
 
 TEST(RowStatement, UpdatesModifiedColumnsByTheKey)

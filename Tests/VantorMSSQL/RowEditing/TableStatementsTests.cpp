@@ -97,6 +97,10 @@ TEST(GridDelete, HasACautionForKeysThatTheExactStatementMayNotFind)
         statements->remove({column("k", "nvarchar(9)")}, {KNValue(u("\xE2\x82\xAC"))});
     EXPECT_TRUE(text.differs());
     EXPECT_TRUE(text.corrected.contains(u("N'\xE2\x82\xAC'")));
+    const KNStatementPair continued = statements->remove({column("k", "varchar(9)")}, {KNValue(u("a\\\nb"))});
+    EXPECT_TRUE(continued.differs());
+    EXPECT_EQ(continued.exact, u("DELETE TOP (1) FROM sales.Orders WHERE k = 'a\\\nb';"));
+    EXPECT_EQ(continued.corrected, u("DELETE TOP (1) FROM sales.Orders WHERE k = 'a\\\\\n\nb';"));
     const KNStatementPair number = statements->remove({column("k", "float")}, {KNValue(0.1)});
     EXPECT_TRUE(number.differs());
     EXPECT_EQ(number.corrected, u("DELETE TOP (1) FROM sales.Orders WHERE k = 1.0000000000000001e-01;"));

@@ -1,6 +1,7 @@
 -- The extended properties of the objects, schemas and types of this database, or of one of them, each as a statement
 -- with the condition under which it has something to do. A value that is not text is converted from its text; one of
--- bytes, and one of a constraint whose name the server made up, is named in a comment.
+-- bytes, and one of a constraint whose name the server made up, is named in a comment. A backslash before a line end
+-- is written so that the constant keeps both.
 DECLARE @crlf nvarchar(2)
 SET @crlf = NCHAR(13) + NCHAR(10)
 
@@ -20,13 +21,21 @@ SELECT
                     WHEN q.base_type IS NULL THEN N'NULL'
                     ELSE CASE WHEN q.base_type LIKE N'n%' THEN N'N''' ELSE N'''' END
                         + REPLACE(
-                            CASE
-                                WHEN q.base_type LIKE N'n%'
-                                    THEN CONVERT(nvarchar(max), CONVERT(nvarchar(4000), q.value))
-                                ELSE CONVERT(nvarchar(max), CONVERT(varchar(8000), q.value))
-                            END,
-                            N'''',
-                            N''''''
+                            REPLACE(
+                                REPLACE(
+                                    CASE
+                                        WHEN q.base_type LIKE N'n%'
+                                            THEN CONVERT(nvarchar(max), CONVERT(nvarchar(4000), q.value))
+                                        ELSE CONVERT(nvarchar(max), CONVERT(varchar(8000), q.value))
+                                    END,
+                                    N'''',
+                                    N''''''
+                                ),
+                                N'\' + NCHAR(10),
+                                N'\\' + NCHAR(10) + NCHAR(10)
+                            ),
+                            N'\' + @crlf,
+                            N'\\' + @crlf + @crlf
                         ) + N''''
                 END
                 + N', ' + q.levels

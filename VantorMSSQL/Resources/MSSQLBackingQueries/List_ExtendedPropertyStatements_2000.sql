@@ -1,6 +1,6 @@
 -- The extended properties of the objects of this database, or of one of them, each as a statement with the condition
--- under which it has something to do. A value that is not text becomes text; bytes are named in a comment. The levels
--- of 2000 begin with the owner.
+-- under which it has something to do. A value that is not text becomes text; bytes are named in a comment. A backslash
+-- before a line end is written so that the constant keeps both. The levels of 2000 begin with the owner.
 SELECT
     N'OBJECT' AS kind,
     q.schema_name,
@@ -12,7 +12,18 @@ SELECT
                 + REPLACE(REPLACE(q.name_literal, NCHAR(13), N' '), NCHAR(10), N' ')
                 + N' of ' + REPLACE(REPLACE(q.levels, NCHAR(13), N' '), NCHAR(10), N' ')
         ELSE N'EXEC sp_addextendedproperty ' + q.name_literal + N', '
-            + ISNULL(N'N''' + REPLACE(CONVERT(nvarchar(4000), q.value), N'''', N'''''') + N'''', N'NULL')
+            + ISNULL(
+                N'N''' + REPLACE(
+                    REPLACE(
+                        REPLACE(CONVERT(nvarchar(4000), q.value), N'''', N''''''),
+                        N'\' + NCHAR(10),
+                        N'\\' + NCHAR(10) + NCHAR(10)
+                    ),
+                    N'\' + NCHAR(13) + NCHAR(10),
+                    N'\\' + NCHAR(13) + NCHAR(10) + NCHAR(13) + NCHAR(10)
+                ) + N'''',
+                N'NULL'
+            )
             + N', ' + q.levels
     END AS statement,
     q.part,
