@@ -18,8 +18,9 @@ struct VantorSessionState
 {
     bool hasTransaction = false;
     bool hasTemporaryTables = false;
-    bool hasOptions = false;        ///< set by the user's statements
-    bool hasUnknownOptions = false; ///< among them are some that optionsBatch() does not restore
+    bool hasOptions = false;         ///< set by the user's statements
+    bool hasUnknownOptions = false;  ///< among them are some that optionsBatch() does not restore
+    bool beginsTransactions = false; ///< any later statement may begin a transaction
 };
 
 /// How a session is protected on the network, from the weakest to the strongest.

@@ -138,6 +138,13 @@ void VantorTabConnection::addSessionState(const VantorSessionState &state)
     m_state.hasOptions |= state.hasOptions;
     m_mayHaveChangedOptions |= state.hasOptions;
     m_state.hasUnknownOptions |= state.hasUnknownOptions;
+    m_state.beginsTransactions |= state.beginsTransactions;
+}
+
+bool VantorTabConnection::beginsTransactions() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_state.beginsTransactions;
 }
 
 void VantorTabConnection::setHasTransaction(bool hasTransaction)

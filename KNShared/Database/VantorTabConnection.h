@@ -23,6 +23,8 @@ public:
 
     /// Adds to the recorded session state.
     void addSessionState(const VantorSessionState &state);
+    /// Whether the session may begin transactions with statements that do not mention them.
+    bool beginsTransactions() const;
     /// Records whether the session has an open transaction, after the server was asked.
     void setHasTransaction(bool hasTransaction);
     /// Whether losing the session loses state, or already has.

@@ -109,9 +109,9 @@ std::optional<bool> MSSQLClient::isInTransaction(KNError *error)
 bool MSSQLClient::mayChangeTransaction(const QString &sql) const
 {
     static const QSet<QString> words = {
-        QStringLiteral("TRAN"),     QStringLiteral("TRANSACTION"), QStringLiteral("COMMIT"),
-        QStringLiteral("ROLLBACK"), QStringLiteral("EXEC"),        QStringLiteral("IMPLICIT_TRANSACTIONS"),
-        QStringLiteral("EXECUTE"),
+        QStringLiteral("TRAN"),     QStringLiteral("TRANSACTION"),   QStringLiteral("COMMIT"),
+        QStringLiteral("ROLLBACK"), QStringLiteral("EXEC"),          QStringLiteral("IMPLICIT_TRANSACTIONS"),
+        QStringLiteral("EXECUTE"),  QStringLiteral("ANSI_DEFAULTS"),
     };
     SQLMetadataTokenizer tokenizer(sql, MSSQLDatabaseConnectionDetails::createPreParserOptions());
     for (SQLToken token{}; tokenizer.next(&token);) {
@@ -144,6 +144,9 @@ VantorSessionState MSSQLClient::sessionStateAfter(const QString &sql) const
         const bool wasSet = isOption && text != QLatin1String("=");
         state.hasOptions |= wasSet;
         state.hasUnknownOptions |= wasSet && !reportedOptions().contains(last);
+        // SET ANSI_DEFAULTS ON includes the other one; both may follow other options after a comma.
+        state.beginsTransactions |=
+            text == QLatin1String("IMPLICIT_TRANSACTIONS") || text == QLatin1String("ANSI_DEFAULTS");
         isOption = last == QLatin1String("SET") && sessionOptions().contains(text);
         const bool isExecuteAs = text == QLatin1String("AS") &&
                                  (last == QLatin1String("EXECUTE") || last == QLatin1String("EXEC"));

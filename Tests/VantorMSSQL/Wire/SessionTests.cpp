@@ -70,7 +70,7 @@ TEST(Session, DetectsTextsThatMayChangeTransaction)
 {
     const auto client = connectedClient();
     for (const char *text : {"begin TRAN", "commit", "Rollback transaction", "exec p", "EXECUTE p",
-                             "set implicit_transactions on"})
+                             "set implicit_transactions on", "SET NOCOUNT, ansi_defaults ON"})
         EXPECT_TRUE(client->mayChangeTransaction(QString::fromLatin1(text))) << text;
     for (const char *text : {"select 'commit'", "-- exec", "select [rollback] from transactions", ""})
         EXPECT_FALSE(client->mayChangeTransaction(QString::fromLatin1(text))) << text;
@@ -82,6 +82,10 @@ TEST(SessionState, DetectsStatementsThatChangeSession)
     const auto after = [&](const char *sql) { return client.sessionStateAfter(QString::fromUtf8(sql)); };
     for (const char *sql : {"BEGIN TRAN", "begin transaction", "SET IMPLICIT_TRANSACTIONS ON", "EXEC p"})
         EXPECT_TRUE(after(sql).hasTransaction) << sql;
+    for (const char *sql : {"set implicit_transactions on", "SET NOCOUNT, ANSI_DEFAULTS ON"})
+        EXPECT_TRUE(after(sql).beginsTransactions) << sql;
+    for (const char *sql : {"BEGIN TRAN", "SET NOCOUNT ON", "EXEC p", "SELECT 'IMPLICIT_TRANSACTIONS'"})
+        EXPECT_FALSE(after(sql).beginsTransactions) << sql;
     for (const char *sql : {"CREATE TABLE #t (a int)", "SELECT 1 AS a INTO #t", "select * into [#t] from x",
                             "create /* a */ table\n ##all (a int)"})
         EXPECT_TRUE(after(sql).hasTemporaryTables) << sql;

@@ -75,8 +75,10 @@ void QueryRun::Work::execute(const QList<KNQueryDetails> &batches, VantorDatabas
     bool mayHaveChanged = false;
     script.setBeforeBatch([&](const KNQueryDetails &batch) {
         // Recorded before it runs: the session may be lost with its changes.
-        connection->addSessionState(client.sessionStateAfter(batch.targetQuery));
-        mayHaveChanged = mayHaveChanged || client.mayChangeTransaction(batch.targetQuery);
+        VantorSessionState state = client.sessionStateAfter(batch.targetQuery);
+        state.hasTransaction |= connection->beginsTransactions();
+        connection->addSessionState(state);
+        mayHaveChanged = mayHaveChanged || state.hasTransaction;
     });
     script.run(batches, client, *results, error);
     outcome->notRun = script.notRun();

@@ -79,6 +79,18 @@ TEST_F(Transactions, AreRolledBack)
     EXPECT_TRUE(alerts.errors.empty());
 }
 
+TEST_F(Transactions, AreNoticedWhenALaterRunBeginsThemImplicitly)
+{
+    run("SET IMPLICIT_TRANSACTIONS ON");
+    EXPECT_FALSE(tab.status().hasOpenTransaction);
+    run("INSERT #t VALUES (1)");
+    EXPECT_TRUE(tab.status().hasOpenTransaction);
+    EXPECT_TRUE(bar().isVisible());
+    click("Roll Back");
+    EXPECT_FALSE(tab.status().hasOpenTransaction);
+    EXPECT_EQ(rowsOfTable(), 0);
+}
+
 TEST_F(Transactions, StayOpenWhenAnInnerOneIsCommitted)
 {
     run("BEGIN TRAN BEGIN TRAN INSERT #t VALUES (1)");
