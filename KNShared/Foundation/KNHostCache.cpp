@@ -21,6 +21,11 @@ QString numericAddress(const addrinfo &address)
     return QString::fromLatin1(text);
 }
 
+bool isAddress(const QString &host)
+{
+    return host.isEmpty() || !QHostAddress(host).isNull();
+}
+
 bool isASCII(const QString &text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar character) { return character.unicode() < 0x80; });
@@ -43,23 +48,46 @@ KNHostCache::KNHostCache(Resolver resolver, std::chrono::seconds lifetime)
 
 QString KNHostCache::cachedIPAddressForHost(const QString &host)
 {
-    if (host.isEmpty() || !QHostAddress(host).isNull())
-        return host;
+    return cachedIPAddressesForHost(host).constFirst();
+}
+
+QStringList KNHostCache::cachedIPAddressesForHost(const QString &host)
+{
+    if (isAddress(host))
+        return {host};
 
     const QString key = host.toLower();
     {
         const std::lock_guard lock(m_mutex);
         const auto entry = m_entries.constFind(key);
         if (entry != m_entries.cend() && std::chrono::steady_clock::now() < entry->expires)
-            return entry->address;
+            return entry->addresses;
     }
 
-    QString address = m_resolver(host);
-    if (address.isEmpty())
-        return host;
+    const QStringList addresses = m_resolver(host);
+    if (addresses.isEmpty())
+        return {host};
     const std::lock_guard lock(m_mutex);
-    m_entries.insert(key, {address, std::chrono::steady_clock::now() + m_lifetime});
-    return address;
+    m_entries.insert(key, {addresses, std::chrono::steady_clock::now() + m_lifetime});
+    return addresses;
+}
+
+void KNHostCache::prefer(const QString &host, const QString &address)
+{
+    if (isAddress(host))
+        return;
+    const std::lock_guard lock(m_mutex);
+    Entry &entry = m_entries[host.toLower()];
+    if (entry.addresses.isEmpty())
+        entry.expires = std::chrono::steady_clock::now() + m_lifetime;
+    entry.addresses.removeAll(address);
+    entry.addresses.prepend(address);
+}
+
+void KNHostCache::forget(const QString &host)
+{
+    const std::lock_guard lock(m_mutex);
+    m_entries.remove(host.toLower());
 }
 
 void KNHostCache::clear()
@@ -68,7 +96,7 @@ void KNHostCache::clear()
     m_entries.clear();
 }
 
-QString KNHostCache::systemResolver(const QString &host)
+QStringList KNHostCache::systemResolver(const QString &host)
 {
     // ASCII names are not encoded: the IDNA rules reject some that local networks use.
     const QByteArray name = isASCII(host) ? host.toLatin1() : QUrl::toAce(host);
@@ -83,10 +111,14 @@ QString KNHostCache::systemResolver(const QString &host)
         return {};
     const AddressList addresses(found, &freeaddrinfo);
 
-    const addrinfo *chosen = nullptr;
-    for (const addrinfo *address = addresses.get(); address != nullptr; address = address->ai_next) {
-        if (chosen == nullptr || (address->ai_family == AF_INET && chosen->ai_family != AF_INET))
-            chosen = address;
+    QStringList numeric;
+    for (const bool isIPv4 : {true, false}) {
+        for (const addrinfo *address = addresses.get(); address != nullptr; address = address->ai_next) {
+            if ((address->ai_family == AF_INET) == isIPv4)
+                numeric.append(numericAddress(*address));
+        }
     }
-    return chosen != nullptr ? numericAddress(*chosen) : QString();
+    numeric.removeAll(QString());
+    numeric.removeDuplicates();
+    return numeric;
 }

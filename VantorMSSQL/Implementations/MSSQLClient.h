@@ -113,7 +113,7 @@ private:
     std::optional<MSSQLServerAddress> resolveTunnel(MSSQLEncryption *encryption, KNError *error);
     bool checkLoginTexts(KNError *error) const;
     static bool fitsLogin(const QString &text);
-    bool isServerThere(const MSSQLServerAddress &server, KNError *error);
+    bool isServerThere(MSSQLServerAddress &server, KNError *error);
     bool checkCertificate(const MSSQLServerAddress &server, MSSQLEncryption *encryption, KNError *error);
     bool logIn(bool useNTLMv2, int tdsVersion, const MSSQLLoginFile &file, const MSSQLServerAddress &server,
                KNError *error);

@@ -25,6 +25,11 @@ qsizetype endOfServerName(const QString &text)
     return end < 0 ? text.size() : end;
 }
 
+QString inBracketsIfIPv6(const QString &address)
+{
+    return address.contains(QLatin1Char(':')) ? KNFormat("[%@]", address) : address;
+}
+
 /// server\instance:port as server:port\instance
 QString withPortBeforeInstance(const QString &text)
 {
@@ -33,6 +38,16 @@ QString withPortBeforeInstance(const QString &text)
     if (backslash < 0 || colon < backslash)
         return text;
     return text.left(backslash) + text.mid(colon) + text.mid(backslash, colon - backslash);
+}
+
+/// The name or address as typed, without brackets, instance and port.
+QString nameIn(const QString &host)
+{
+    if (!QHostAddress(host).isNull())
+        return host;
+    const QString name = host.left(endOfServerName(host));
+    const bool isInBrackets = name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']'));
+    return isInBrackets ? name.mid(1, name.size() - 2) : name;
 }
 
 /// The name of the server without brackets, instance and port, for DNS and for the certificate; empty if
@@ -97,8 +112,9 @@ std::optional<MSSQLServerAddress> MSSQLClient::resolveServer(const MSSQLEncrypti
     QString server = serverTextForHost(host);
     if (!resolveInstance(&server, error))
         return std::nullopt;
-    const MSSQLServerAddress address = {hostNameOf(encryption.checksHostName ? host : server),
-                                        portIn(server)};
+    MSSQLServerAddress address = {hostNameOf(encryption.checksHostName ? host : server), portIn(server)};
+    if (const QString name = nameIn(host); !encryption.checksHostName && QHostAddress(name).isNull())
+        address.name = name;
     if (!address.host.isEmpty() && address.port != 0)
         return address;
     *error = noServerError(host);
@@ -158,22 +174,23 @@ bool MSSQLClient::resolveInstance(QString *server, KNError *error) const
     const qsizetype backslash = server->indexOf(QLatin1Char('\\'));
     if (backslash < 0 || endOfServerName(*server) < backslash)
         return true;
-    const QString address = server->left(backslash);
     const QString instance = server->mid(backslash + 1);
     constexpr std::chrono::milliseconds LongestWait(3000);
-    const auto timeout = std::min(loginTimeLeft(), LongestWait);
-    QString plainAddress = address;
-    plainAddress.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    const quint16 port = dbportforinstance(plainAddress, instance, timeout);
-    if (port == 0) {
-        *error = MSSQLLoginError::hopeless(
-            KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
-                     "instance name, or give the port: server,port.",
-                     plainAddress, instance));
-        return false;
+    const QString name = nameIn(m_databaseConnectionDetails->host());
+    const QStringList addresses = KNHostCache::sharedInstance()->cachedIPAddressesForHost(name);
+    const auto timeout = std::min(loginTimeLeft(), LongestWait) / addresses.size();
+    for (const QString &candidate : addresses) {
+        if (const quint16 port = dbportforinstance(candidate, instance, timeout)) {
+            KNHostCache::sharedInstance()->prefer(name, candidate);
+            *server = KNFormat("%@:%d", inBracketsIfIPv6(candidate), port);
+            return true;
+        }
     }
-    *server = KNFormat("%@:%d", address, port);
-    return true;
+    *error = MSSQLLoginError::hopeless(
+        KNFormat("The SQL Server Browser at %@ did not name a port for the instance \"%@\". Check the "
+                 "instance name, or give the port: server,port.",
+                 addresses.join(QLatin1String(", ")), instance));
+    return false;
 }
 
 QString MSSQLClient::serverTextForHost(const QString &host)
@@ -184,13 +201,8 @@ QString MSSQLClient::serverTextForHost(const QString &host)
     text.replace(QLatin1Char(','), QLatin1Char(':'));
     text = withPortBeforeInstance(text);
     const qsizetype end = endOfServerName(text);
-    QString name = text.left(end);
-    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
-        name = name.mid(1, name.size() - 2);
-    QString address = KNHostCache::sharedInstance()->cachedIPAddressForHost(name);
-    if (address.contains(QLatin1Char(':')))
-        address = QLatin1Char('[') + address + QLatin1Char(']');
-    return address + text.mid(end);
+    const QString name = nameIn(text);
+    return inBracketsIfIPv6(KNHostCache::sharedInstance()->cachedIPAddressForHost(name)) + text.mid(end);
 }
 
 QString MSSQLClient::azureUserName(const QString &username, const QString &host)

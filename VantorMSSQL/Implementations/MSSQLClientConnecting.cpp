@@ -147,8 +147,8 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     auto encryption = details->encryption(error);
     if (!encryption)
         return false;
-    const auto server = details->sshTunnelModel().isUsed() ? resolveTunnel(&*encryption, error)
-                                                           : resolveServer(*encryption, error);
+    auto server = details->sshTunnelModel().isUsed() ? resolveTunnel(&*encryption, error)
+                                                     : resolveServer(*encryption, error);
     if (!server || !isServerThere(*server, error) || !checkCertificate(*server, &*encryption, error))
         return false;
     const MSSQLLoginFile file(*server, *encryption);
@@ -167,8 +167,9 @@ bool MSSQLClient::connect(KNError *error, bool useNTLMv2, int tdsVersion)
     return configureSession(*encryption, *server, error);
 }
 
-/// False, with an error, if the server does not answer; db-lib must not try to log in then.
-bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error)
+/// False, with an error, if the server does not answer; db-lib must not try to log in then. Otherwise
+/// `server` is the address that answers.
+bool MSSQLClient::isServerThere(MSSQLServerAddress &server, KNError *error)
 {
     using MSSQLServerCheck::Answer;
     QString reason;
@@ -179,9 +180,11 @@ bool MSSQLClient::isServerThere(const MSSQLServerAddress &server, KNError *error
     case Answer::Uncertain:
         return true;
     case Answer::Silent:
+        MSSQLServerCheck::forget(server);
         *error = timeoutError(server, "took the connection and then said nothing");
         return false;
     case Answer::Unreachable:
+        MSSQLServerCheck::forget(server);
         *error = unreachable(serverNameForUsers(), portForUsers(server), reason);
         return false;
     case Answer::Cancelled:
@@ -275,6 +278,8 @@ KNError MSSQLClient::loginError(const MSSQLServerAddress &server, const MSSQLEnc
                                  "server sees them.",
                                  m_databaseConnectionDetails->sshTunnelModel().host,
                                  m_databaseConnectionDetails->host()));
+    if (!server.name.isNull())
+        MSSQLServerCheck::forget(server); // the server may have moved to another of the name's addresses
     if (isByDefault ||
         error.localizedDescription().contains(QLatin1String("Server is unavailable or does not exist")))
         return error;

@@ -9,6 +9,7 @@ struct MSSQLServerAddress
 {
     QString host; ///< a name or an address, in ASCII; the certificate must be issued for it
     quint16 port = 0;
+    QString name = {}; ///< of which `host` is one of the addresses; null for a host that db-lib looks up
 };
 
 /// The configuration file from which db-lib reads the address and encryption of one login. Only the user can

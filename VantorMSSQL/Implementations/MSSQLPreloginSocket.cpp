@@ -4,7 +4,6 @@
 #include "Implementations/MSSQLOwnSockets.h"
 
 #include <netdb.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -20,17 +19,30 @@ constexpr qsizetype PreloginHeaderSize = 8;
 
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
-/// The address of a host; names are resolved through the cache. Null if it has none.
-AddressList addressOf(const QString &host, quint16 port)
+/// The socket address of a numeric address; null if it is none.
+AddressList socketAddressOf(const QString &address, quint16 port)
 {
     addrinfo hints = {};
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
     addrinfo *found = nullptr;
-    const QByteArray address = KNHostCache::sharedInstance()->cachedIPAddressForHost(host).toUtf8();
-    if (getaddrinfo(address.constData(), QByteArray::number(port).constData(), &hints, &found) != 0)
+    if (getaddrinfo(address.toUtf8().constData(), QByteArray::number(port).constData(), &hints, &found) != 0)
         found = nullptr;
     return {found, &freeaddrinfo};
+}
+
+void closeSocket(int descriptor)
+{
+    MSSQLOwnSockets::remove(descriptor);
+    close(descriptor);
+}
+
+/// The error of a connection attempt that has ended; 0 if it succeeded.
+int errorOf(int descriptor)
+{
+    int error = 0;
+    socklen_t size = sizeof error;
+    return getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
 }
 
 } // namespace
@@ -43,35 +55,65 @@ MSSQLPreloginSocket::MSSQLPreloginSocket(Clock::time_point deadline, int cancelD
 
 MSSQLPreloginSocket::~MSSQLPreloginSocket()
 {
-    if (m_socket < 0)
-        return;
-    MSSQLOwnSockets::remove(m_socket);
-    close(m_socket);
+    if (m_socket >= 0)
+        closeSocket(m_socket);
+}
+
+/// Returns the descriptor of a socket that is connecting; -1, with a state, if it cannot.
+int MSSQLPreloginSocket::startConnecting(const QString &address, quint16 port)
+{
+    const AddressList target = socketAddressOf(address, port);
+    if (!target) {
+        m_state = State::Failed;
+        m_reason = QStringLiteral("The name could not be resolved to an address.");
+        return -1;
+    }
+    const int descriptor = socket(target->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (descriptor < 0) {
+        fail(errno);
+        return -1;
+    }
+    MSSQLOwnSockets::add(descriptor);
+    if (::connect(descriptor, target->ai_addr, target->ai_addrlen) == 0 || errno == EINPROGRESS)
+        return descriptor;
+    fail(errno);
+    closeSocket(descriptor);
+    return -1;
 }
 
 bool MSSQLPreloginSocket::connect(const QString &host, quint16 port)
 {
-    const AddressList address = addressOf(host, port);
-    if (!address) {
-        m_state = State::Failed;
-        m_reason = QStringLiteral("The name could not be resolved to an address.");
-        return false;
+    QStringList addresses; // parallel to `attempts`
+    std::vector<pollfd> attempts;
+    const QStringList known = KNHostCache::sharedInstance()->cachedIPAddressesForHost(host);
+    for (const QString &address : known) {
+        if (const int descriptor = startConnecting(address, port); descriptor >= 0) {
+            addresses.append(address);
+            attempts.push_back({descriptor, POLLOUT, 0});
+        }
     }
-    m_socket = socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (m_socket < 0)
-        return fail(errno);
-    MSSQLOwnSockets::add(m_socket);
-    if (::connect(m_socket, address->ai_addr, address->ai_addrlen) == 0)
-        return true;
-    if (errno != EINPROGRESS)
-        return fail(errno);
-    if (!wait(POLLOUT))
-        return false;
-    int error = 0;
-    socklen_t size = sizeof error;
-    if (getsockopt(m_socket, SOL_SOCKET, SO_ERROR, &error, &size) != 0)
-        error = errno;
-    return error == 0 || fail(error);
+    while (m_socket < 0 && !attempts.empty() && wait(attempts)) {
+        for (std::size_t i = attempts.size(); i-- > 0 && m_socket < 0;) {
+            if (attempts[i].revents == 0)
+                continue;
+            const int descriptor = attempts[i].fd;
+            const QString address = addresses.takeAt(static_cast<qsizetype>(i));
+            attempts.erase(attempts.begin() + static_cast<std::ptrdiff_t>(i));
+            if (const int error = errorOf(descriptor); error != 0) {
+                fail(error);
+                closeSocket(descriptor);
+                continue;
+            }
+            m_socket = descriptor;
+            m_state = State::Good;
+            m_reason.clear();
+            if (known.size() > 1)
+                KNHostCache::sharedInstance()->prefer(host, address);
+        }
+    }
+    for (const pollfd &attempt : attempts)
+        closeSocket(attempt.fd);
+    return m_socket >= 0;
 }
 
 bool MSSQLPreloginSocket::sendPacket(const QByteArray &content)
@@ -135,15 +177,29 @@ QByteArray MSSQLPreloginSocket::readExactly(qsizetype size)
     return bytes;
 }
 
-/// Waits until the socket is ready; false if the deadline has passed or the wait was cancelled.
 bool MSSQLPreloginSocket::wait(short events)
 {
-    pollfd descriptors[] = {{m_socket, events, 0}, {m_cancelDescriptor, POLLIN, 0}};
+    std::vector<pollfd> descriptors = {{m_socket, events, 0}};
+    return wait(descriptors);
+}
+
+/// Waits until one of the descriptors is ready; false if the deadline has passed or the wait was cancelled.
+bool MSSQLPreloginSocket::wait(std::vector<pollfd> &descriptors)
+{
+    descriptors.push_back({m_cancelDescriptor, POLLIN, 0});
+    const bool isReady = waitOrCancel(descriptors);
+    descriptors.pop_back();
+    return isReady;
+}
+
+/// wait(), with the descriptor that cancels it at the end of the list.
+bool MSSQLPreloginSocket::waitOrCancel(std::vector<pollfd> &descriptors)
+{
     for (;;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_deadline - Clock::now());
         constexpr qint64 Longest = 3'600'000;
         const auto timeout = std::clamp<qint64>(left.count(), 0, Longest);
-        const int ready = poll(descriptors, 2, static_cast<int>(timeout));
+        const int ready = poll(descriptors.data(), descriptors.size(), static_cast<int>(timeout));
         if (ready < 0 && errno != EINTR)
             return fail(errno);
         // Checked even if data is available: a server may send empty packets without end.
@@ -153,7 +209,7 @@ bool MSSQLPreloginSocket::wait(short events)
         }
         if (ready <= 0)
             continue;
-        if (descriptors[1].revents != 0) {
+        if (descriptors.back().revents != 0) {
             m_state = State::Cancelled;
             return false;
         }

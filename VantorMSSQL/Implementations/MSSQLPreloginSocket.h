@@ -4,6 +4,9 @@
 #include <QString>
 
 #include <chrono>
+#include <vector>
+
+#include <poll.h>
 
 /// A TCP connection for exchanging PRELOGIN packets (MS-TDS 2.2.3, 2.2.6.5) before a deadline, independent of
 /// db-lib. Blocks; used by one thread.
@@ -19,6 +22,8 @@ public:
     MSSQLPreloginSocket(const MSSQLPreloginSocket &) = delete;
     MSSQLPreloginSocket &operator=(const MSSQLPreloginSocket &) = delete;
 
+    /// Connects to all addresses of the host at once and keeps the connection that is made first, whose
+    /// address KNHostCache then prefers.
     bool connect(const QString &host, quint16 port);
     /// Sends one packet with up to 65527 bytes of content.
     bool sendPacket(const QByteArray &content);
@@ -34,7 +39,10 @@ public:
     QString reason() const { return m_reason; }
 
 private:
+    int startConnecting(const QString &address, quint16 port);
     bool wait(short events);
+    bool wait(std::vector<pollfd> &descriptors);
+    bool waitOrCancel(std::vector<pollfd> &descriptors);
     bool fail(int error);
     QByteArray readExactly(qsizetype size);
 

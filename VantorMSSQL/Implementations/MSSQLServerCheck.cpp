@@ -1,6 +1,7 @@
 #include "Implementations/MSSQLServerCheck.h"
 
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNHostCache.h"
 #include "Implementations/MSSQLLoginFile.h"
 
 #include <QHash>
@@ -43,15 +44,16 @@ bool hasAnswered(const MSSQLServerAddress &server)
     return found != answeringServers().answered.constEnd() && Clock::now() - *found < TrustTime;
 }
 
-Answer ask(const MSSQLServerAddress &server, Clock::time_point deadline, int cancelDescriptor,
-           QString *reason)
+Answer ask(MSSQLServerAddress &server, Clock::time_point deadline, int cancelDescriptor, QString *reason)
 {
     using State = MSSQLPreloginSocket::State;
     constexpr char EncryptLogin = 0;
     if (hasAnswered(server))
         return Answer::Given;
     MSSQLPreloginSocket socket(deadline, cancelDescriptor);
-    const bool isConnected = socket.connect(server.host, server.port);
+    const bool isConnected = socket.connect(server.name.isNull() ? server.host : server.name, server.port);
+    if (isConnected && !server.name.isNull())
+        server.host = KNHostCache::sharedInstance()->cachedIPAddressForHost(server.name);
     if (isConnected && socket.sendPacket(preloginAsking(EncryptLogin)) && !socket.readPacket().isEmpty()) {
         noteAnswer(server);
         return Answer::Given;
@@ -81,6 +83,7 @@ void noteAnswer(const MSSQLServerAddress &server)
 
 void forget(const MSSQLServerAddress &server)
 {
+    KNHostCache::sharedInstance()->forget(server.name.isNull() ? server.host : server.name);
     const std::lock_guard lock(answeringServers().mutex);
     answeringServers().answered.remove(keyOf(server));
 }

@@ -19,16 +19,17 @@ enum class Answer {
 };
 
 /// Exchanges PRELOGIN (MS-TDS 2.2.6.5) with a server on a separate connection; blocks until the deadline at
-/// most. `cancelDescriptor` as in MSSQLPreloginSocket; `reason` receives the reason if the server is
+/// most. If the server has a name, all of its addresses are tried and `server` receives the one that is
+/// connected. `cancelDescriptor` as in MSSQLPreloginSocket; `reason` receives the reason if the server is
 /// Unreachable.
-Answer ask(const MSSQLServerAddress &server, MSSQLPreloginSocket::Clock::time_point deadline,
-           int cancelDescriptor, QString *reason);
+Answer ask(MSSQLServerAddress &server, MSSQLPreloginSocket::Clock::time_point deadline, int cancelDescriptor,
+           QString *reason);
 
 /// Whether the server has answered within the last minute.
 bool hasAnswered(const MSSQLServerAddress &server);
 /// Records that a login succeeded, which proves that the server answers.
 void noteAnswer(const MSSQLServerAddress &server);
-/// Records that a login stalled, so that the next one checks the server again.
+/// Records that a login stalled, so that the next one resolves the server's name and checks it again.
 void forget(const MSSQLServerAddress &server);
 
 /// Creates a PRELOGIN message that requests a kind of encryption.

@@ -8,7 +8,8 @@
 
 namespace {
 
-/// A resolver that counts its calls and answers from a list; a name without an answer has no address.
+/// A resolver that counts its calls and answers from a list of addresses separated by blanks; a name without
+/// an answer has no address.
 struct CountingResolver
 {
     QHash<QString, QString> answers;
@@ -18,7 +19,8 @@ struct CountingResolver
     {
         return [this](const QString &host) {
             ++calls;
-            return answers.value(host);
+            const QString answer = answers.value(host);
+            return answer.isNull() ? QStringList() : answer.split(QLatin1Char(' '));
         };
     }
 };
@@ -90,16 +92,43 @@ TEST(KNHostCache, RemembersIPv6Addresses)
     EXPECT_EQ(cache.cachedIPAddressForHost(QStringLiteral("six")), QStringLiteral("::1"));
 }
 
+TEST(KNHostCache, RemembersAllAddressesAndWhichOneAnswers)
+{
+    CountingResolver resolver{{{QStringLiteral("Group"), QStringLiteral("127.0.0.2 127.0.0.3 ::1")}}};
+    KNHostCache cache(resolver.function(), std::chrono::hours(1));
+    EXPECT_EQ(cache.cachedIPAddressesForHost(QStringLiteral("Group")),
+              QStringLiteral("127.0.0.2 127.0.0.3 ::1").split(QLatin1Char(' ')));
+    cache.prefer(QStringLiteral("group"), QStringLiteral("127.0.0.3"));
+    EXPECT_EQ(cache.cachedIPAddressForHost(QStringLiteral("Group")), QStringLiteral("127.0.0.3"));
+    EXPECT_EQ(cache.cachedIPAddressesForHost(QStringLiteral("Group")),
+              QStringLiteral("127.0.0.3 127.0.0.2 ::1").split(QLatin1Char(' ')));
+    EXPECT_EQ(resolver.calls, 1);
+    cache.forget(QStringLiteral("GROUP"));
+    EXPECT_EQ(cache.cachedIPAddressForHost(QStringLiteral("Group")), QStringLiteral("127.0.0.2"));
+    EXPECT_EQ(resolver.calls, 2);
+}
+
+TEST(KNHostCache, PrefersNoOtherAddressForAnAddress)
+{
+    KNHostCache cache(CountingResolver().function());
+    cache.prefer(QStringLiteral("127.0.0.2"), QStringLiteral("127.0.0.3"));
+    EXPECT_EQ(cache.cachedIPAddressesForHost(QStringLiteral("127.0.0.2")),
+              QStringList{QStringLiteral("127.0.0.2")});
+}
+
 TEST(KNHostCache, AsksTheSystemForLocalNames)
 {
-    const QString address = KNHostCache::systemResolver(QStringLiteral("localhost"));
-    EXPECT_TRUE(QHostAddress(address).isLoopback()) << address.toStdString();
-    EXPECT_EQ(KNHostCache::systemResolver(QStringLiteral("127.0.0.5")), QStringLiteral("127.0.0.5"));
-    EXPECT_EQ(KNHostCache::systemResolver(QStringLiteral("::1")), QStringLiteral("::1"));
+    const QStringList addresses = KNHostCache::systemResolver(QStringLiteral("localhost"));
+    ASSERT_FALSE(addresses.isEmpty());
+    for (const QString &address : addresses)
+        EXPECT_TRUE(QHostAddress(address).isLoopback()) << address.toStdString();
+    EXPECT_EQ(KNHostCache::systemResolver(QStringLiteral("127.0.0.5")),
+              QStringList{QStringLiteral("127.0.0.5")});
+    EXPECT_EQ(KNHostCache::systemResolver(QStringLiteral("::1")), QStringList{QStringLiteral("::1")});
 }
 
 TEST(KNHostCache, FindsNoAddressForNamesThatCannotBe)
 {
-    EXPECT_TRUE(KNHostCache::systemResolver(QStringLiteral("")).isNull());
-    EXPECT_TRUE(KNHostCache::systemResolver(QStringLiteral("\u00FC..\u00FC")).isNull());
+    EXPECT_TRUE(KNHostCache::systemResolver(QStringLiteral("")).isEmpty());
+    EXPECT_TRUE(KNHostCache::systemResolver(QStringLiteral("\u00FC..\u00FC")).isEmpty());
 }

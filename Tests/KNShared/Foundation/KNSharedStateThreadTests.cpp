@@ -59,7 +59,8 @@ TEST(KNLogHelperThreads, WriteWholeLinesAndRotateAtOnce)
 
 TEST(KNHostCacheThreads, LookUpAndClearAtOnce)
 {
-    KNHostCache cache([](const QString &host) { return QStringLiteral("127.0.0.") + host.mid(4); });
+    KNHostCache cache(
+        [](const QString &host) { return QStringList{QStringLiteral("127.0.0.") + host.mid(4)}; });
     std::atomic<int> wrong = 0;
     onManyThreads([&](int thread, int step) {
         const QString number = QString::number(step % 7 + 1);
