@@ -18,25 +18,30 @@ MSSQLCatalogReader::Values MSSQLForeignKeyEntry::values(const QString &schema, c
 
 QList<MSSQLForeignKeyEntry> MSSQLForeignKeyEntry::listFrom(DatabaseResultSet &rows)
 {
-    const bool knowsState = rows.columnNames().contains(QStringLiteral("is_not_trusted"));
+    // A column that an answer lacks reads as null.
+    const QStringList columns = rows.columnNames();
+    const auto value = [&](const char *column) {
+        return rows.objectForColumnIndex(columns.indexOf(QLatin1String(column)));
+    };
+    const bool knowsState = columns.contains(QStringLiteral("is_not_trusted"));
     QList<MSSQLForeignKeyEntry> keys;
     while (rows.next()) {
-        const QString name = rows.stringForColumn(QStringLiteral("keyName"));
+        const QString name = value("keyName").displayText();
         if (keys.isEmpty() || keys.last().keyName != name) {
             MSSQLForeignKeyEntry key;
             key.keyName = name;
-            key.targetTable = rows.stringForColumn(QStringLiteral("referencedTableName"));
-            key.targetTableSchema = rows.stringForColumn(QStringLiteral("referencedTableSchema"));
-            key.deleteRule = rows.numberForColumn(QStringLiteral("delete_referential_action")).toInt64();
-            key.updateRule = rows.numberForColumn(QStringLiteral("update_referential_action")).toInt64();
+            key.targetTable = value("referencedTableName").displayText();
+            key.targetTableSchema = value("referencedTableSchema").displayText();
+            key.deleteRule = value("delete_referential_action").toInt64();
+            key.updateRule = value("update_referential_action").toInt64();
             if (knowsState) {
-                key.isEnabled = !rows.numberForColumn(QStringLiteral("is_disabled")).toBool();
-                key.isTrusted = !rows.numberForColumn(QStringLiteral("is_not_trusted")).toBool();
+                key.isEnabled = !value("is_disabled").toBool();
+                key.isTrusted = !value("is_not_trusted").toBool();
             }
             keys.append(key);
         }
-        keys.last().localColumns.append(rows.stringForColumn(QStringLiteral("localColumnName")));
-        keys.last().targetColumns.append(rows.stringForColumn(QStringLiteral("referencedColumnName")));
+        keys.last().localColumns.append(value("localColumnName").displayText());
+        keys.last().targetColumns.append(value("referencedColumnName").displayText());
     }
     return keys;
 }

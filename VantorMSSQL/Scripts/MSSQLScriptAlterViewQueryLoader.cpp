@@ -110,8 +110,9 @@ QString MSSQLScriptAlterViewQueryLoader::loadQueryForDatabaseConnection(const Va
          {QStringLiteral("SCHEMA"), targetSchema},
          {QStringLiteral("VIEW"), targetView}},
         AlterViewDomain, [&](const DatabaseResultSet &row) {
-            query += KNFormat("SET ANSI_NULLS %@\r\nGO\r\n", onOrOff(row.boolForColumnIndex(1)));
-            query += KNFormat("SET QUOTED_IDENTIFIER %@\r\nGO\r\n\r\n", onOrOff(row.boolForColumnIndex(0)));
+            query += KNFormat("SET ANSI_NULLS %@\r\nGO\r\n", onOrOff(row.objectForColumnIndex(1).toBool()));
+            query += KNFormat("SET QUOTED_IDENTIFIER %@\r\nGO\r\n\r\n",
+                              onOrOff(row.objectForColumnIndex(0).toBool()));
             query += preparedDefinition(row.objectForColumnIndex(2).text().trimmed(), targetView,
                                         targetSchema, &result);
             if (!MSSQLCorrectedStatements::areUsed())

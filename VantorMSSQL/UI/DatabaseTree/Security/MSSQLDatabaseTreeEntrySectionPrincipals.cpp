@@ -50,7 +50,7 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionPrincipals::entryForRow(co
         return nullptr;
     auto principal = make<MSSQLDatabaseTreeEntryPrincipal>();
     principal->setDisplayName(row.stringForColumnIndex(0));
-    const bool isDisabled = row.boolForColumnIndex(2).value_or(false);
+    const bool isDisabled = row.objectForColumnIndex(2).toBool();
     const QString details = kind.toLower().replace(QLatin1Char('_'), QLatin1Char(' '));
     principal->setDetails(isDisabled ? KNFormat("%@, disabled", details) : details);
     principal->setIsDimmed(isDisabled);
