@@ -18,9 +18,15 @@ void MSSQLSystemDatabaseQueries::setDbc(const MSSQLDatabaseConnectionDetails &db
 
 QString MSSQLSystemDatabaseQueries::queryByTitle(const QString &title) const
 {
-    const QHash<QString, QString> &queries = allQueries();
+    return queryIn(allQueries(), title,
+                   [this] { return MSSQLVersionHelper::sharedInstance()->isSQL2000(*m_dbc); });
+}
+
+QString MSSQLSystemDatabaseQueries::queryIn(const QHash<QString, QString> &queries, const QString &title,
+                                            const std::function<bool()> &isSQL2000)
+{
     const auto variant = queries.constFind(KNFormat("%@_2000", title));
-    if (variant != queries.constEnd() && MSSQLVersionHelper::sharedInstance()->isSQL2000(*m_dbc))
+    if (variant != queries.constEnd() && isSQL2000())
         return *variant;
     const QString query = queries.value(title);
     KNAssert(!query.isEmpty(), KNFormat("Unable to receive query for: %@", title),

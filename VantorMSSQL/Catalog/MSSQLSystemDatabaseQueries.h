@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <functional>
+
 /// The catalog queries for one SQL Server connection. They come from the resource "MSSQLBackingQueries",
 /// which is read once; a title followed by "_2000" is the variant for SQL Server 2000.
 class MSSQLSystemDatabaseQueries : public KNSystemDatabaseQueryHelper
@@ -22,6 +24,9 @@ public:
     QString plainQueryByTitle(const QString &title) const override;
     QList<KNQueryTrial> trials() const override;
 
+    /// Implements queryByTitle() for a dictionary of texts; `isSQL2000` is called if the title has a variant.
+    static QString queryIn(const QHash<QString, QString> &queries, const QString &title,
+                           const std::function<bool()> &isSQL2000);
     /// All texts by title, including the variants. Any thread.
     static const QHash<QString, QString> &allQueries();
 

@@ -176,6 +176,19 @@ TEST(SystemDatabaseQueries, AnUnknownTitleIsAProgrammingError)
     }
 }
 
+TEST(SystemDatabaseQueries, ATitleForSQLServer2000OnlyIsUnknownToOtherVersions)
+{
+    const QHash<QString, QString> queries = {{QStringLiteral("Old_2000"), QStringLiteral(" SELECT 1 ")}};
+    EXPECT_EQ(MSSQLSystemDatabaseQueries::queryIn(queries, QStringLiteral("Old"), [] { return true; }),
+              QStringLiteral(" SELECT 1 "));
+    try {
+        MSSQLSystemDatabaseQueries::queryIn(queries, QStringLiteral("Old"), [] { return false; });
+        ADD_FAILURE() << "no failure";
+    } catch (const KNAssertionFailure &failure) {
+        EXPECT_EQ(failure.message(), QStringLiteral("Unable to receive query for: Old"));
+    }
+}
+
 TEST(SystemDatabaseQueries, AreReachedThroughTheSettings)
 {
     const auto loader = settings(1)->queryLoader();
