@@ -40,11 +40,12 @@ qint64 readInt64(const QString &text)
 
 bool readsAsTrue(const QString &text)
 {
-    for (const QChar character : text) {
-        if (!character.isSpace())
-            return QStringView(u"YyTt123456789").contains(character);
-    }
-    return false;
+    QStringView rest = QStringView(text).trimmed();
+    if (rest.startsWith(u'+') || rest.startsWith(u'-'))
+        rest = rest.sliced(1);
+    while (rest.startsWith(u'0'))
+        rest = rest.sliced(1);
+    return !rest.isEmpty() && QStringView(u"YyTt123456789").contains(rest.front());
 }
 
 } // namespace

@@ -78,8 +78,8 @@ public:
     double toDouble() const;
     /// A number truncated to an integer; text is parsed as a number; 0 for other kinds.
     qint64 toInt64() const;
-    /// For numbers, whether it is not zero. For text, whether its first non-blank character is one of Y y T t
-    /// 1 to 9. Otherwise false.
+    /// For numbers, whether it is not zero. For text, whether its first character is one of Y y T t 1 to 9,
+    /// after blanks, one sign and zeros. Otherwise false.
     bool toBool() const;
 
     /// The value as text without loss: integers and decimals in plain notation, float and double in the

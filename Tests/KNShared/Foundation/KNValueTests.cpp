@@ -121,11 +121,13 @@ TEST(KNValue, ReadsTextAsAWholeNumber)
 TEST(KNValue, ReadsItsTruth)
 {
     for (const KNValue &yes : {KNValue(true), KNValue(qint32(-1)), KNValue(0.1), decimal("0.01"), text("Y"),
-                               text("yes"), text("  true"), text("T"), text("1"), text("\t9x")})
+                               text("yes"), text("  true"), text("T"), text("1"), text("\t9x"), text("01"),
+                               text("-1"), text(" +007"), text("-yes")})
         EXPECT_TRUE(yes.toBool()) << yes.displayText().toStdString();
-    for (const KNValue &no : {KNValue(), KNValue(false), KNValue(qint64(0)), KNValue(0.0F), decimal("0.00"),
-                              text(""), text("   "), text("0"), text("01"), text("no"), text("false"),
-                              text("-1"), KNValue(QByteArray("1")), KNValue(KNDateTime{.ticks = 5})})
+    for (const KNValue &no :
+         {KNValue(), KNValue(false), KNValue(qint64(0)), KNValue(0.0F), decimal("0.00"), text(""),
+          text("   "), text("0"), text("+00"), text("no"), text("false"), text("-"), text("--1"), text("x1"),
+          KNValue(QByteArray("1")), KNValue(KNDateTime{.ticks = 5})})
         EXPECT_FALSE(no.toBool()) << no.displayText().toStdString();
 }
 
