@@ -88,7 +88,7 @@ void SQLRecentConnection::initWithCoder(const QVariantMap &coder)
         connectionId = createConnectionId();
     alias = coder.value(QStringLiteral("alias")).toString();
     serverHost = coder.value(QStringLiteral("serverHost")).toString();
-    username = coder.value(QStringLiteral("username")).toString();
+    username = QStringLiteral("") + coder.value(QStringLiteral("username")).toString(); // a login needs one
     rememberPassword = coder.value(QStringLiteral("rememberPassword")).toBool();
     password = rememberPassword ? coder.value(QStringLiteral("password")).toString() : QStringLiteral("");
     serverPort = static_cast<quint16>(coder.value(QStringLiteral("serverPort")).toUInt());

@@ -229,6 +229,14 @@ TEST_F(RecentConnections, GiveTheirColoursWhenTheyAreLoaded)
     EXPECT_FALSE(KNDBCTabColorHelper::colorForId(QStringLiteral("coloured")).isNull());
 }
 
+TEST_F(RecentConnections, WithoutAStoredUserNameHaveAnEmptyOne)
+{
+    MSSQLRecentConnection connection;
+    connection.initWithCoder({{QStringLiteral("serverHost"), QStringLiteral("srv")}});
+    EXPECT_FALSE(connection.username.isNull()) << "a login needs one";
+    EXPECT_TRUE(connection.username.isEmpty());
+}
+
 TEST_F(RecentConnections, BecomeSettings)
 {
     const Entry made = entry(QStringLiteral("one"), QStringLiteral("db.example"));
