@@ -336,6 +336,7 @@ TEST(ColumnTypeDisplay, ShowsLengthsWhereATypeHasOne)
 {
     EXPECT_EQ(display("nvarchar", 100), QStringLiteral("nvarchar(50)"));
     EXPECT_EQ(display("nvarchar", 101), QStringLiteral("nvarchar(50.5)"));
+    EXPECT_EQ(display("ntext", 2147483646), QStringLiteral("ntext(1073741823)"));
     EXPECT_EQ(display("VARCHAR", -1), QStringLiteral("VARCHAR(max)"));
     EXPECT_EQ(display("varbinary", -1), QStringLiteral("varbinary(max)"));
     EXPECT_EQ(display("xml", -1), QStringLiteral("xml"));

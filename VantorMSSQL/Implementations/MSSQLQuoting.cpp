@@ -4,6 +4,7 @@
 #include "Implementations/MSSQLConstantText.h"
 #include "Implementations/MSSQLWordLists.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -174,7 +175,9 @@ QString MSSQLQuoting::displayForColumnType(const QString &typeName, const KNValu
             return typeName;
     }
     if (isOneOf(typeName, {"nvarchar", "nchar", "ntext"}))
-        return KNFormat("%@(%@)", typeName, QString::number(static_cast<double>(length) / 2));
+        return KNFormat(
+            "%@(%@)", typeName,
+            QString::number(static_cast<double>(length) / 2, 'g', QLocale::FloatingPointShortest));
     if (isOneOf(typeName, {"datetime", "date", "time", "bit", "int", "image", "tinyint", "smallint",
                            "uniqueidentifier", "hierarchyid"}))
         return typeName;
