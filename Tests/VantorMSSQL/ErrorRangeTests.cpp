@@ -25,6 +25,18 @@ QString marked(const char *message, const QString &batch, const Where &where)
 
 } // namespace
 
+TEST(ErrorRange, OfAWholeBatchReadsCommentsWithoutNesting)
+{
+    const QString batch = QStringLiteral("/* /* */ x */ x");
+    DatabaseMessage record;
+    record.type = DatabaseMessage::ServerMessage;
+    record.msgtext = QStringLiteral("Invalid column name 'x'.");
+    record.line = 1;
+    const KNQueryDetails details{batch, {100, batch.size()}, 10};
+    EXPECT_FALSE(MSSQLErrorRange::inBatch(record, details).isFound());
+    EXPECT_EQ(MSSQLErrorRange::atLine(record, details), (KNRange{114, 1})) << "the server nests them";
+}
+
 TEST(ErrorRange, IsTheWordThatOccursOnceOnTheLine)
 {
     const QString batch = QStringLiteral("SELECT id AS x\nSELECT id, name\nSELECT id + id");

@@ -1,5 +1,6 @@
 #include "Implementations/MSSQLErrorRange.h"
 
+#include "Implementations/MSSQLDatabaseConnectionDetails.h"
 #include "Implementations/MSSQLTokenizer.h"
 
 namespace {
@@ -33,10 +34,11 @@ bool holdsNoNames(SQLTokenKind kind)
 
 /// The only occurrence of a word in the tokens that begin in a range of the batch; not found if there are
 /// none or several.
-KNRange onlyHit(const QString &word, const KNQueryDetails &details, qsizetype begin, qsizetype end)
+KNRange onlyHit(const QString &word, const KNQueryDetails &details, qsizetype begin, qsizetype end,
+                const SQLTokenizerOptions &options)
 {
     KNRange hit;
-    SQLMetadataTokenizer tokenizer(details.targetQuery, MSSQLTokenizer::options());
+    SQLMetadataTokenizer tokenizer(details.targetQuery, options);
     for (SQLToken token; tokenizer.next(&token) && token.location < end;) {
         if (holdsNoNames(token.kind) || token.location < begin)
             continue;
@@ -106,7 +108,9 @@ KNRange callOf(const QString &procedure, const KNQueryDetails &details)
 KNRange MSSQLErrorRange::inBatch(const DatabaseMessage &message, const KNQueryDetails &details)
 {
     const QString word = offendingWord(message.msgtext);
-    return word.isEmpty() ? KNRange() : onlyHit(word, details, 0, details.targetQuery.size());
+    return word.isEmpty() ? KNRange()
+                          : onlyHit(word, details, 0, details.targetQuery.size(),
+                                    MSSQLDatabaseConnectionDetails::createPreParserOptions());
 }
 
 KNRange MSSQLErrorRange::atLine(const DatabaseMessage &message, const KNQueryDetails &details)
@@ -118,7 +122,7 @@ KNRange MSSQLErrorRange::atLine(const DatabaseMessage &message, const KNQueryDet
     const KNRange line = rangeOfLine(message.line, details.targetQuery);
     KNRange hit;
     if (!word.isEmpty() && line.isFound())
-        hit = onlyHit(word, details, line.location, line.location + line.length);
+        hit = onlyHit(word, details, line.location, line.location + line.length, MSSQLTokenizer::options());
     if (!hit.isFound())
         hit = inBatch(message, details);
     if (!hit.isFound() && isOfProcedure && line.isFound())
