@@ -1,7 +1,12 @@
 #include "Implementations/MSSQLClient.h"
+#include "Implementations/MSSQLWordLists.h"
 #include "Support/PrintQt.h"
 
+#include <QCollator>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -137,4 +142,19 @@ TEST(ValueLiteral, OfADateIsQuotedInScripts)
     EXPECT_EQ(MSSQLQuoting::databaseProviderEscape(
                   KNValue(QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5, 999), Qt::UTC))),
               QStringLiteral("'2020-01-02 03:04:05'"));
+}
+
+TEST(WordLists, AreSortedByTheLocaleAndFoundInAnyCase)
+{
+    QCollator collator;
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    for (const QStringList &words : {MSSQLWordLists::keywords(), MSSQLWordLists::functions(),
+                                     MSSQLWordLists::functionsAndKeywords(), MSSQLWordLists::dataTypes()}) {
+        EXPECT_GT(words.size(), 10);
+        EXPECT_TRUE(std::is_sorted(words.begin(), words.end(), collator));
+    }
+    for (const QString &keyword : MSSQLWordLists::keywords())
+        EXPECT_TRUE(MSSQLWordLists::isKeyword(keyword.toLower())) << keyword.toStdString();
+    EXPECT_TRUE(MSSQLWordLists::isKeyword(QStringLiteral("Current_Timestamp")));
+    EXPECT_FALSE(MSSQLWordLists::isKeyword(QStringLiteral("CURRENT_")));
 }

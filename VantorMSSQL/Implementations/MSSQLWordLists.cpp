@@ -4,19 +4,21 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNPropertyList.h"
 
+#include <QCollator>
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
 
 QStringList sortedWithoutCase(QStringList words)
 {
-    const auto less = [](const QString &a, const QString &b) {
-        return a.compare(b, Qt::CaseInsensitive) < 0;
-    };
+    QCollator collator;
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
     const auto same = [](const QString &a, const QString &b) {
         return a.compare(b, Qt::CaseInsensitive) == 0;
     };
-    std::sort(words.begin(), words.end(), less);
+    std::sort(words.begin(), words.end(), collator);
     words.erase(std::unique(words.begin(), words.end(), same), words.end());
     return words;
 }
@@ -40,10 +42,13 @@ const QStringList &MSSQLWordLists::keywords()
 
 bool MSSQLWordLists::isKeyword(const QString &word)
 {
-    const QStringList &words = keywords();
-    return std::binary_search(words.begin(), words.end(), word, [](const QString &a, const QString &b) {
-        return a.compare(b, Qt::CaseInsensitive) < 0;
-    });
+    static const QSet<QString> words = [] {
+        QSet<QString> upper;
+        for (const QString &keyword : keywords())
+            upper.insert(keyword.toUpper());
+        return upper;
+    }();
+    return words.contains(word.toUpper());
 }
 
 const QStringList &MSSQLWordLists::reservedWords()
