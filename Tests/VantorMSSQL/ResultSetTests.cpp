@@ -1,3 +1,4 @@
+#include "Catalog/MSSQLForeignKeyEntry.h"
 #include "Foundation/KNAssert.h"
 #include "Implementations/MSSQLDatabaseResultSet.h"
 #include "Support/PrintQt.h"
@@ -47,12 +48,31 @@ TEST(ResultSet, StaysOnItsLastRowWhenThereIsNoNext)
     MSSQLDatabaseResultSet cursor = oneValue(KNValue(5));
     EXPECT_FALSE(cursor.next());
     EXPECT_EQ(cursor.objectForColumnIndex(0), KNValue(5));
+    ASSERT_NE(cursor.rows(), nullptr);
+    EXPECT_EQ(cursor.rows()->rowCount(), 1);
+    EXPECT_EQ(MSSQLDatabaseResultSet().rows(), nullptr);
 }
 
 TEST(ResultSet, TakesTheFirstOfColumnsWithOneName)
 {
     const auto cursor = oneRow({QStringLiteral("a"), QStringLiteral("a")}, {KNValue(1), KNValue(2)});
     EXPECT_EQ(cursor.objectForColumn(QStringLiteral("a")), KNValue(1));
+}
+
+TEST(ResultSet, OfForeignKeysMayLackColumnsAndHoldOtherTypes)
+{
+    const auto resultSet = std::make_shared<KNDatabaseResultSet>();
+    resultSet->setColumns({QStringLiteral("keyName"), QStringLiteral("delete_referential_action"),
+                           QStringLiteral("is_not_trusted")},
+                          {47, 45, 47});
+    resultSet->addRows({{textValue("FK"), KNValue(QByteArray("\1")), textValue("x")}});
+    MSSQLDatabaseResultSet rows(resultSet);
+    const QList<MSSQLForeignKeyEntry> keys = MSSQLForeignKeyEntry::listFrom(rows);
+    ASSERT_EQ(keys.size(), 1);
+    EXPECT_EQ(keys[0].keyName, QStringLiteral("FK"));
+    EXPECT_TRUE(keys[0].targetTable.isEmpty());
+    EXPECT_EQ(keys[0].deleteRule, 0);
+    EXPECT_EQ(keys[0].localColumns.size(), 1);
 }
 
 TEST(ResultSet, AColumnNameInAnotherCaseIsAProgrammingError)

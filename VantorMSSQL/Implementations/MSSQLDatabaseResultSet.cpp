@@ -40,7 +40,12 @@ qsizetype MSSQLDatabaseResultSet::columnCount() const
 
 qsizetype MSSQLDatabaseResultSet::rowCount() const
 {
-    return m_internalResultSet ? m_internalResultSet->rows().rowCount() : 0;
+    return rows() ? rows()->rowCount() : 0;
+}
+
+const KNRowStore *MSSQLDatabaseResultSet::rows() const
+{
+    return m_internalResultSet ? &m_internalResultSet->rows() : nullptr;
 }
 
 bool MSSQLDatabaseResultSet::next()
@@ -48,7 +53,7 @@ bool MSSQLDatabaseResultSet::next()
     if (m_currentPosition + 1 >= rowCount())
         return false;
     ++m_currentPosition;
-    m_currentRow = m_internalResultSet->rows().row(m_currentPosition);
+    m_currentRow = rows()->row(m_currentPosition);
     return true;
 }
 

@@ -15,6 +15,8 @@ public:
     QStringList columnNames() const override;
     qsizetype columnCount() const override;
     qsizetype rowCount() const override;
+    /// All rows of the result; null if it was created without one.
+    const KNRowStore *rows() const;
     bool next() override;
     KNValue objectForColumnIndex(qsizetype index) const override;
     KNValue objectForColumn(const QString &name) const override;
