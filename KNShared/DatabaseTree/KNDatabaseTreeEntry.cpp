@@ -127,6 +127,12 @@ void KNDatabaseTreeEntry::tellFinishLoading()
         watching->databaseTreeEntryDidFinishLoading(shared_from_this());
 }
 
+void KNDatabaseTreeEntry::tellFailLoading(const KNError &error)
+{
+    if (const auto watching = delegate())
+        watching->databaseTreeEntryDidFailLoading(shared_from_this(), error);
+}
+
 KNMenu KNDatabaseTreeEntry::menu()
 {
     return {};

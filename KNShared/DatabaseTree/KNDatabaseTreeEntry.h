@@ -110,6 +110,7 @@ protected:
     void setIsLoadingAsync(bool isLoading) { m_isLoadingAsync = isLoading; }
     void tellBeginLoading();
     void tellFinishLoading();
+    void tellFailLoading(const KNError &error);
     /// Implements removeChild() for classes where a missing child is a programming error.
     void removeChildOrFail(const Ptr &child, const char *message, const char *sourcePath);
 

@@ -22,6 +22,10 @@ struct Cell : KNValue
         : KNValue(text)
     {
     }
+    Cell(const QByteArray &bytes)
+        : KNValue(bytes)
+    {
+    }
     Cell(int number)
         : KNValue(static_cast<qint32>(number))
     {

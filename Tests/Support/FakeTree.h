@@ -67,10 +67,13 @@ public:
     KNError searchError;
     bool isSearched = false; ///< with an error: whether anything was searched at all
     KNMenu shownMenu;
+    KNError reportedFailure; ///< of the next loads, which do not show it; set before they begin
 
 protected:
     std::optional<List> loadEntries(KNError *error) override
     {
+        if (reportedFailure)
+            tellFailLoading(reportedFailure);
         List entries;
         for (const QString &name : m_names(error))
             entries.push_back(make<Leaf>(name));

@@ -27,6 +27,19 @@ public:
         record({entry.get(), true, KNDispatch::isMainThread()});
     }
 
+    void databaseTreeEntryDidFailLoading(const std::shared_ptr<KNDatabaseTreeEntry> &,
+                                         const KNError &error) override
+    {
+        const std::lock_guard lock(m_mutex);
+        m_failures.push_back(error);
+    }
+
+    /// The errors that the user was to see.
+    std::vector<KNError> failures() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_failures;
+    }
     std::vector<Event> events() const
     {
         const std::lock_guard lock(m_mutex);
@@ -58,5 +71,6 @@ private:
     }
 
     mutable std::mutex m_mutex;
-    std::vector<Event> m_events; ///< guarded by m_mutex
+    std::vector<Event> m_events;     ///< guarded by m_mutex
+    std::vector<KNError> m_failures; ///< guarded by m_mutex
 };

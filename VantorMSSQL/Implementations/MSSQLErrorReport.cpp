@@ -2,12 +2,13 @@
 
 #include "Foundation/KNLogHelper.h"
 
-void MSSQLErrorReport::reportError(const KNError &error, const QVariantMap &details)
+bool MSSQLErrorReport::reportError(const KNError &error, const QVariantMap &details)
 {
     for (const char *expected : {"use the Windows Azure Management Portal", "login failed for user",
                                  "login is from an untrusted domain"}) {
         if (error.localizedDescription().contains(QLatin1String(expected)))
-            return;
+            return false;
     }
     KNLogHelper::sharedInstance()->logError(error, details);
+    return true;
 }

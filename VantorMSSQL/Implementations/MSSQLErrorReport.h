@@ -8,6 +8,6 @@
 class MSSQLErrorReport
 {
 public:
-    /// Logs an error, except for expected login failures.
-    static void reportError(const KNError &error, const QVariantMap &details);
+    /// Logs an error, except for expected login failures; returns whether it did.
+    static bool reportError(const KNError &error, const QVariantMap &details);
 };

@@ -81,6 +81,13 @@ public:
     {
         tell(entry, &KNDatabaseTreeModel::didFinishLoading);
     }
+    void databaseTreeEntryDidFailLoading(const Entry &, const KNError &error) override
+    {
+        KNDispatch::mainQueue([model = m_model, error] {
+            if (model)
+                Q_EMIT model->loadFailed(error);
+        });
+    }
 
 private:
     void tell(const Entry &entry, void (KNDatabaseTreeModel::*what)(const Entry &))

@@ -60,6 +60,8 @@ Q_SIGNALS:
     /// The rows below `parent` were replaced.
     void childrenReplaced(const QModelIndex &parent);
     void busyChanged(bool isBusy);
+    /// A load has failed with an error that the user must see even if no row shows it.
+    void loadFailed(const KNError &error);
 
 private:
     struct Node;

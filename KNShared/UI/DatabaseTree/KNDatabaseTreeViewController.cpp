@@ -7,6 +7,7 @@
 #include "DatabaseTree/KNDatabaseTreeFixedEntry.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
+#include "UI/Alerts/KNAlerts.h"
 #include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/Menus/KNMenuView.h"
 
@@ -76,6 +77,8 @@ KNDatabaseTreeViewController::KNDatabaseTreeViewController(QWidget *parent)
     connect(&m_typing, &QTimer::timeout, this, &KNDatabaseTreeViewController::search);
     connect(m_model, &KNDatabaseTreeModel::busyChanged, this,
             &KNDatabaseTreeViewController::searchOnceLoaded);
+    connect(m_model, &KNDatabaseTreeModel::loadFailed, this,
+            [this](const KNError &error) { KNAlerts::shared().showError(this, error); });
     connect(m_view, &KNDatabaseTreeView::menuRequested, this, &KNDatabaseTreeViewController::showMenu);
 }
 

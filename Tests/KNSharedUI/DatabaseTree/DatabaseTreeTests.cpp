@@ -1,4 +1,5 @@
 #include "Support/FakeTree.h"
+#include "Support/RecordingAlerts.h"
 #include "Support/WindowTesting.h"
 #include "UI/DatabaseTree/KNDatabaseTreeViewController.h"
 
@@ -118,6 +119,18 @@ TEST_F(DatabaseTree, ShowsAnErrorAsARowAndLoadsAgainWhenItIsRefreshed)
     setNames(list({"a"}));
     m_controller.refreshDatabaseTreeItem(model()->entry(row));
     EXPECT_TRUE(waitFor([&] { return shown() == list({"a"}); }));
+}
+
+TEST_F(DatabaseTree, AlertsTheUserToAFailureThatTheTreeDoesNotShow)
+{
+    RecordingAlerts &alerts = RecordingAlerts::install();
+    show(list({"a"}));
+    m_root->reportedFailure = KNError(QStringLiteral("test"), 1, QStringLiteral("The list is gone"));
+    setNames({});
+    m_controller.refreshSelected();
+    EXPECT_TRUE(waitFor([&] { return alerts.errors.size() == 1; }));
+    EXPECT_EQ(alerts.errors.front().localizedDescription(), QStringLiteral("The list is gone"));
+    EXPECT_TRUE(waitFor([&] { return shown().isEmpty(); }));
 }
 
 TEST_F(DatabaseTree, KeepsTheRowsThatHaveNotChangedWhenOneIsAddedOrRemoved)

@@ -142,6 +142,9 @@ TEST_F(ServerNode, AFailureOfAnEmptyRootIsShownAndReported)
     EXPECT_EQ(names(node), list({"No."}));
     EXPECT_EQ(node->allDatabaseNames(), QStringList());
     EXPECT_TRUE(wasLogged("Error mssqsql.databaseTree.loadServer 911: No."));
+    ASSERT_EQ(delegate->failures().size(), 1U);
+    EXPECT_EQ(delegate->failures()[0].localizedDescription(), QStringLiteral("No."));
+    EXPECT_EQ(delegate->failures()[0].domain(), QStringLiteral("mssqsql.databaseTree.loadServer"));
     server->answer("General_ListDatabases", {{"shop", 5}});
     load(node, true);
     EXPECT_EQ(names(node), list({"shop"}));
@@ -154,8 +157,29 @@ TEST_F(ServerNode, FailedRefreshReplacesChildren)
     server->fail("General_ListDatabases", Failure);
     load(node, true);
     EXPECT_EQ(names(node), QStringList());
+    EXPECT_EQ(delegate->failures().size(), 1U) << "the tree itself does not show why it is empty";
     load(node, true);
     EXPECT_EQ(names(node), list({"No."}));
+}
+
+TEST_F(ServerNode, ExpectedLoginFailuresAreNotReported)
+{
+    server->fail("General_ListDatabases", KNError(QStringLiteral("SQLClient"), 0,
+                                                  QStringLiteral("The login is from an untrusted domain.")));
+    const auto node = root();
+    load(node);
+    EXPECT_EQ(names(node), list({"The login is from an untrusted domain."}));
+    EXPECT_TRUE(delegate->failures().empty());
+    EXPECT_FALSE(wasLogged("untrusted domain"));
+}
+
+TEST_F(ServerNode, FailuresOfListsBelowAreOnlyLogged)
+{
+    server->fail("List_ViewsInDatabase_NonSystem", Failure);
+    const auto views = entry({"shop", "Views"});
+    load(views, true);
+    EXPECT_TRUE(wasLogged("911: No."));
+    EXPECT_TRUE(delegate->failures().empty());
 }
 
 TEST_F(ServerNode, AConnectionThatIsLostOnceIsTriedAgain)
@@ -243,6 +267,15 @@ TEST_F(ServerNode, AnAgentThatIsNotAvailableIsNotShown)
     EXPECT_EQ(names(node), list({"Sales", "shop"}));
 }
 
+TEST_F(ServerNode, AnAgentThatAnswersWithBytesIsNotShown)
+{
+    enableAgent();
+    server->answer("IsSQLServerAgentAvailable", {{QByteArray("\1")}});
+    const auto node = root();
+    load(node);
+    EXPECT_EQ(names(node), list({"Sales", "shop"}));
+}
+
 TEST_F(ServerNode, WhenTheAgentCheckFailsTheDatabasesStand)
 {
     enableAgent();
@@ -279,8 +312,9 @@ TEST_F(ServerNode, HasTheMenuOfARoot)
     const auto node = root();
     const KNMenu menu = node->menu();
     EXPECT_EQ(menu.title, QStringLiteral("Root"));
-    EXPECT_EQ(titles(menu), list({"New query", "-", "Connect", "Disconnect", "-", "Activity",
-                                  "Enable Agent (beta)", "-", "Refresh"}));
+    EXPECT_EQ(titles(menu),
+              list({"New query", "-", "Connect", "Disconnect", "-", "Enable Agent (beta)", "-", "Refresh"}));
+    EXPECT_EQ(item(node->contextMenu(), list({"Activity"})).action, QStringLiteral("showActivity:"));
     EXPECT_EQ(item(menu, list({"Connect"})).action, QStringLiteral("openConnectionDialog:"));
     EXPECT_EQ(item(menu, list({"Enable Agent (beta)"})).action, QStringLiteral("toggleAgentBeta:"));
 }

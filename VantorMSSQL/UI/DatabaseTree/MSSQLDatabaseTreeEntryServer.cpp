@@ -99,8 +99,13 @@ KNMenu MSSQLDatabaseTreeEntryServer::menu()
     agent.isChecked = MSSQLTreePreferences::isOn(MSSQLTreePreferences::AgentEnabled);
     return {QStringLiteral("Root"),
             {newQueryMenuItem(), KNMenuItem::separator(), actionItem("Connect", "openConnectionDialog:"),
-             disconnectMenuItem(), KNMenuItem::separator(), actionItem("Activity", "showActivity:"), agent,
-             KNMenuItem::separator(), refreshMenuItem()}};
+             disconnectMenuItem(), KNMenuItem::separator(), agent, KNMenuItem::separator(),
+             refreshMenuItem()}};
+}
+
+KNMenu MSSQLDatabaseTreeEntryServer::additionalMenu()
+{
+    return {{}, {actionItem("Activity", "showActivity:")}};
 }
 
 std::optional<KNDatabaseTreeEntry::List> MSSQLDatabaseTreeEntryServer::loadEntries(KNError *)
@@ -165,7 +170,8 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryServer::loadDatabases(QStringLis
         settings(), &failure, true);
     if (failure) {
         *error = failure.inDomain(QStringLiteral("mssqsql.databaseTree.loadServer"));
-        MSSQLErrorReport::reportError(*error, {{QStringLiteral("Query"), sql}});
+        if (MSSQLErrorReport::reportError(*error, {{QStringLiteral("Query"), sql}}))
+            tellFailLoading(*error);
     }
     return entries;
 }
@@ -220,7 +226,7 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryServer::loadAgent(VantorDatabaseC
     Ptr agent;
     const auto rows = client.executeQuery(MSSQLTreeCatalog::text(*this, "IsSQLServerAgentAvailable"), error);
     while (rows && !*error && rows->next()) {
-        if (rows->boolForColumnIndex(0).value_or(false))
+        if (rows->objectForColumnIndex(0).toBool())
             agent = make<MSSQLDatabaseTreeEntrySectionAgent>();
     }
     return agent;

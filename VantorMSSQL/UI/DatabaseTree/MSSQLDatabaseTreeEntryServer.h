@@ -36,6 +36,7 @@ protected:
     std::optional<List> loadEntries(KNError *error) override;
     void didLoadEntries(const Children &children) override;
     void willFinishLoading() override;
+    KNMenu additionalMenu() override;
 
 private:
     using Database = std::shared_ptr<MSSQLDatabaseTreeEntryDatabase>;
