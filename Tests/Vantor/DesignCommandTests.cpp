@@ -270,6 +270,21 @@ TEST_F(DesignCommand, CountsTheRowsThatANewTypeDoesNotHoldAndWantsToBeForced)
                   "It is unknown how many rows have values");
 }
 
+TEST_F(DesignCommand, CountsTheRowsThatANewTypeWouldRoundOrCut)
+{
+    query("ALTER TABLE dbo.Item ADD price decimal(9,2) NULL, due datetime2(7) NULL");
+    query("INSERT INTO dbo.Item (id, price, due) VALUES (1, 1.25, '2020-01-02 03:04:05.1234567'), "
+          "(2, 7.50, '2020-01-02'), (3, NULL, NULL)");
+    const char *const one = "1 row has a value that the new type does not hold.";
+    expectRefusal({"Item", "--column", "price", "--set", "type=decimal(9,1)"}, one);
+    expectRefusal({"Item", "--column", "price", "--set", "type=int"},
+                  "2 rows have values that the new type does not hold.");
+    expectRefusal({"Item", "--column", "due", "--set", "type=datetime2(3)"}, one);
+    expectRefusal({"Item", "--column", "due", "--set", "type=date"}, one);
+    apply({"Item", "--column", "price", "--set", "type=decimal(8,2)"});
+    EXPECT_TRUE(has("dbo.Item", "[price] decimal(8,2)")) << "no value changes";
+}
+
 TEST_F(DesignCommand, CountsByTheStoredNameWhenTheColumnIsRenamedFirst)
 {
     query("INSERT INTO dbo.Item (id, name) VALUES (2, N'longer')");

@@ -88,6 +88,13 @@ QString outsideOf(const QString &column, const Type &type)
     return KNFormat("%@ < %@ OR %@ > %@", column, lows[rank], column, highs[rank]);
 }
 
+/// Length in bytes. The blanks that pad a char are cut without an error.
+QString bytesOf(const QString &column, const Type &type)
+{
+    const bool isPadded = type.name == QLatin1String("char") || type.name == QLatin1String("nchar");
+    return KNFormat(isPadded ? "DATALENGTH(RTRIM(%@))" : "DATALENGTH(%@)", column);
+}
+
 /// The condition of rows whose values do not fit, within a family of types; null for other changes.
 QString condition(const QString &column, const Type &before, const Type &after)
 {
@@ -96,11 +103,13 @@ QString condition(const QString &column, const Type &before, const Type &after)
     if (isText(before) && isText(after)) {
         QStringList conditions;
         if (after.first != Unlimited)
-            conditions.append(KNFormat("DATALENGTH(%@) > %d", column,
+            conditions.append(KNFormat("%@ > %d", bytesOf(column, before),
                                        before.family == Family::UnicodeText ? after.first * 2 : after.first));
+        // Compared as bytes: collations without regard to accents or width call a replaced letter equal.
         if (before.family == Family::UnicodeText && after.family == Family::Text)
-            conditions.append(
-                KNFormat("CONVERT(nvarchar(max), CONVERT(varchar(max), %@)) <> %@", column, column));
+            conditions.append(KNFormat("CONVERT(varbinary(max), CONVERT(nvarchar(max), CONVERT(varchar(max), "
+                                       "%@))) <> CONVERT(varbinary(max), CONVERT(nvarchar(max), %@))",
+                                       column, column));
         return conditions.join(QStringLiteral(" OR "));
     }
     if (before.family == Family::Binary && after.family == Family::Binary)
@@ -108,10 +117,32 @@ QString condition(const QString &column, const Type &before, const Type &after)
     return {};
 }
 
-/// Whether TRY_CONVERT tells which values the type does not hold: it cuts long texts without an error.
-bool isTold(const Type &type)
+/// Whether values that were converted to another such type and back can be compared with the old ones.
+bool isNumberOrTime(const Type &type)
 {
-    return type.isKnown && !isText(type) && type.family != Family::Binary;
+    static const QStringList others = {
+        QStringLiteral("bit"),           QStringLiteral("money"),         QStringLiteral("smallmoney"),
+        QStringLiteral("float"),         QStringLiteral("real"),          QStringLiteral("date"),
+        QStringLiteral("time"),          QStringLiteral("datetime"),      QStringLiteral("datetime2"),
+        QStringLiteral("smalldatetime"), QStringLiteral("datetimeoffset")};
+    return type.isKnown &&
+           (type.family == Family::Integer || type.family == Family::Decimal || others.contains(type.name));
+}
+
+/// The condition of rows whose values another family of types does not hold unchanged; null where no query
+/// tells. TRY_CONVERT alone does not: it rounds numbers and times, and cuts texts, without an error.
+QString roundTrip(const QString &column, const QString &before, const QString &after)
+{
+    const Type from = typeOf(before);
+    const Type to = typeOf(after);
+    QString back;
+    if (isNumberOrTime(from) && isNumberOrTime(to))
+        back = KNFormat("TRY_CONVERT(%@, TRY_CONVERT(%@, %@))", before, after, column);
+    else if (isText(from) && to.family == Family::Integer)
+        back = KNFormat("CONVERT(nvarchar(max), TRY_CONVERT(%@, %@))", after, column);
+    return back.isNull()
+               ? QString()
+               : KNFormat("%@ IS NOT NULL AND CASE WHEN %@ = %@ THEN 0 ELSE 1 END = 1", column, back, column);
 }
 
 } // namespace
@@ -138,8 +169,8 @@ QString MSSQLTypeChange::countQuery(const MSSQLDesignedTable &table, const QStri
 {
     const QString name = MSSQLQuoting::quotedName(column);
     QString where = condition(name, typeOf(before), typeOf(after));
-    if (where.isEmpty() && isTold(typeOf(after)))
-        where = KNFormat("%@ IS NOT NULL AND TRY_CONVERT(%@, %@) IS NULL", name, after, name);
+    if (where.isEmpty())
+        where = roundTrip(name, before, after);
     return where.isEmpty() ? QString()
                            : KNFormat("SELECT COUNT_BIG(*) FROM %@ WHERE %@", table.quoted(), where);
 }

@@ -10,8 +10,8 @@ namespace MSSQLTypeChange {
 /// another family.
 bool mayLoseValues(const QString &before, const QString &after);
 
-/// The query that counts the rows whose values the new type does not hold; null if no query tells. From
-/// SQL Server 2012 on for changes between families.
+/// The query that counts the rows whose values the new type does not hold unchanged: it refuses, rounds or
+/// cuts them. Null if no query tells. From SQL Server 2012 on for changes between families.
 QString countQuery(const MSSQLDesignedTable &table, const QString &column, const QString &before,
                    const QString &after);
 

@@ -1,3 +1,4 @@
+#include "Foundation/KNFormat.h"
 #include "Support/PrintQt.h"
 #include "TableDesign/MSSQLTypeChange.h"
 
@@ -57,18 +58,39 @@ TEST(TypeChange, CountsWhatDoesNotFit)
               QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE c < 0 OR c > 255"));
     EXPECT_EQ(count("nvarchar(20)", "nvarchar(5)"),
               QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE DATALENGTH(c) > 10"));
+    EXPECT_EQ(count("nchar(20)", "nchar(5)"),
+              QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE DATALENGTH(RTRIM(c)) > 10"));
     EXPECT_EQ(count("nvarchar(20)", "varchar(max)"),
-              QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE CONVERT(nvarchar(max), "
-                             "CONVERT(varchar(max), c)) <> c"));
+              QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE CONVERT(varbinary(max), "
+                             "CONVERT(nvarchar(max), CONVERT(varchar(max), c))) <> CONVERT(varbinary(max), "
+                             "CONVERT(nvarchar(max), c))"));
     EXPECT_EQ(count("varchar(20)", "int"),
-              QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE c IS NOT NULL AND "
-                             "TRY_CONVERT(int, c) IS NULL"));
+              QStringLiteral("SELECT COUNT_BIG(*) FROM s.[my t] WHERE c IS NOT NULL AND CASE WHEN "
+                             "CONVERT(nvarchar(max), TRY_CONVERT(int, c)) = c THEN 0 ELSE 1 END = 1"));
+}
+
+TEST(TypeChange, CountsWhatIsRoundedOrCut)
+{
+    for (const auto &[before, after] : {std::pair("decimal(9,2)", "decimal(9,1)"),
+                                        {"float", "int"},
+                                        {"money", "decimal(9,2)"},
+                                        {"datetime", "date"},
+                                        {"datetime2(7)", "datetime2(3)"},
+                                        {"datetime2(7)", "smalldatetime"},
+                                        {"datetimeoffset(7)", "datetime2(7)"}})
+        EXPECT_EQ(count(before, after),
+                  KNFormat("SELECT COUNT_BIG(*) FROM s.[my t] WHERE c IS NOT NULL AND CASE WHEN "
+                           "TRY_CONVERT(%s, TRY_CONVERT(%s, c)) = c THEN 0 ELSE 1 END = 1",
+                           before, after));
 }
 
 TEST(TypeChange, AsksNothingThatNoQueryTells)
 {
-    EXPECT_TRUE(count("int", "nvarchar(3)").isNull()); // a conversion cuts the text
+    EXPECT_TRUE(count("int", "nvarchar(3)").isNull());          // a conversion cuts the text
+    EXPECT_TRUE(count("varchar(20)", "decimal(9,2)").isNull()); // a conversion rounds the number
+    EXPECT_TRUE(count("xml", "int").isNull());
     EXPECT_TRUE(count("int", "[dbo].[Flag]").isNull());
+    EXPECT_TRUE(count("[dbo].[Flag]", "int").isNull());
     EXPECT_TRUE(count("int", "int) FROM x; DROP TABLE victim; --").isNull());
 }
 
