@@ -453,6 +453,22 @@ TEST(BackingQueryTexts, UseNothingNewerThanSQLServer2005OutsideOfDynamicSQL)
         QStringList());
 }
 
+// A column with another collation than the database's cannot be joined to one that has the database's.
+TEST(BackingQueryTexts, GiveColumnsOfDerivedTablesNoCollationOfTheirOwn)
+{
+    QMap<QString, QString> plain = texts();
+    plain.remove(QStringLiteral("DatabaseTree_ServerVersion")); // its only column of a text
+    EXPECT_EQ(offences(plain, {"\\bCOLLATE\\s+(?!DATABASE_DEFAULT\\b)\\w+\\s+AS\\b"}), QStringList());
+}
+
+// Catalogs have a collation of their own in Azure SQL Database and in contained databases.
+TEST(BackingQueryTexts, JoinNamesOfPermissionsInTheCollationOfTheDatabase)
+{
+    static const QRegularExpression name(QStringLiteral("^ +(c\\.name|g\\.name|\\(?N'\\w+::')(?!.*COLLATE)"),
+                                         QRegularExpression::MultilineOption);
+    EXPECT_FALSE(name.match(texts().value(QStringLiteral("List_PermissionStatements"))).hasMatch());
+}
+
 TEST(BackingQueryTexts, NameOtherDatabasesOnlyWhereThereIsNoAzure)
 {
     QMap<QString, QString> plain = textsWhere(false);

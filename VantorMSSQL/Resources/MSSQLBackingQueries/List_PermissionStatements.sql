@@ -17,11 +17,11 @@ FROM (
         N'OBJECT' AS kind,
         s.name AS schema_name,
         o.name AS object_name,
-        N'OBJECT::' + QUOTENAME(s.name) + N'.' + QUOTENAME(o.name) AS target,
-        c.name AS column_name,
+        (N'OBJECT::' + QUOTENAME(s.name) + N'.' + QUOTENAME(o.name)) COLLATE DATABASE_DEFAULT AS target,
+        c.name COLLATE DATABASE_DEFAULT AS column_name,
         p.state COLLATE DATABASE_DEFAULT AS state,
         p.permission_name COLLATE DATABASE_DEFAULT AS permission_name,
-        g.name AS grantee
+        g.name COLLATE DATABASE_DEFAULT AS grantee
     FROM sys.database_permissions AS p
     INNER JOIN sys.database_principals AS g ON g.principal_id = p.grantee_principal_id
     INNER JOIN sys.objects AS o ON o.object_id = p.major_id
@@ -34,11 +34,11 @@ FROM (
         N'SCHEMA',
         s.name,
         N'',
-        N'SCHEMA::' + QUOTENAME(s.name),
+        (N'SCHEMA::' + QUOTENAME(s.name)) COLLATE DATABASE_DEFAULT,
         NULL,
         p.state COLLATE DATABASE_DEFAULT,
         p.permission_name COLLATE DATABASE_DEFAULT,
-        g.name
+        g.name COLLATE DATABASE_DEFAULT
     FROM sys.database_permissions AS p
     INNER JOIN sys.database_principals AS g ON g.principal_id = p.grantee_principal_id
     INNER JOIN sys.schemas AS s ON s.schema_id = p.major_id
@@ -48,11 +48,11 @@ FROM (
         N'TYPE',
         s.name,
         t.name,
-        N'TYPE::' + QUOTENAME(s.name) + N'.' + QUOTENAME(t.name),
+        (N'TYPE::' + QUOTENAME(s.name) + N'.' + QUOTENAME(t.name)) COLLATE DATABASE_DEFAULT,
         NULL,
         p.state COLLATE DATABASE_DEFAULT,
         p.permission_name COLLATE DATABASE_DEFAULT,
-        g.name
+        g.name COLLATE DATABASE_DEFAULT
     FROM sys.database_permissions AS p
     INNER JOIN sys.database_principals AS g ON g.principal_id = p.grantee_principal_id
     INNER JOIN sys.types AS t ON t.user_type_id = p.major_id

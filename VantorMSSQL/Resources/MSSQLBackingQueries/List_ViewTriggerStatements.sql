@@ -10,7 +10,7 @@ SELECT
     N'OBJECT_ID(N''' + REPLACE(QUOTENAME(s.name) + N'.' + QUOTENAME(g.name), N'''', N'''''') + N''') IS NULL'
         AS condition,
     ISNULL(
-        m.definition,
+        m.definition COLLATE DATABASE_DEFAULT,
         N'-- Not scripted: trigger ' + REPLACE(REPLACE(QUOTENAME(g.name), NCHAR(13), N' '), NCHAR(10), N' ')
             + N' is encrypted or may not be seen by this login.'
     ) AS statement,

@@ -1009,11 +1009,11 @@ SELECT
     END
 FROM (
     SELECT
-        g.name,
+        g.name COLLATE DATABASE_DEFAULT AS name,
         g.is_disabled,
         m.uses_ansi_nulls,
         m.uses_quoted_identifier,
-        m.definition COLLATE Latin1_General_CI_AS AS definition,
+        m.definition COLLATE DATABASE_DEFAULT AS definition,
         CONVERT(int, PATINDEX(@visible, m.definition COLLATE Latin1_General_CI_AS)) AS first_visible,
         CONVERT(int, PATINDEX(@visible, REVERSE(m.definition) COLLATE Latin1_General_CI_AS)) AS last_visible
     FROM sys.triggers AS g

@@ -6,7 +6,7 @@ SELECT
             THEN N'-- The definition of view '
                 + REPLACE(REPLACE(QUOTENAME(s.name) + N'.' + QUOTENAME(v.name), NCHAR(13), N' '), NCHAR(10), N' ')
                 + N' is encrypted or may not be seen by this login.'
-        ELSE m.definition
+        ELSE m.definition COLLATE DATABASE_DEFAULT
     END AS definition
 FROM sys.views AS v
 INNER JOIN sys.schemas AS s ON s.schema_id = v.schema_id
