@@ -93,7 +93,7 @@ KNStatementPair MSSQLIndexScript::rename(const QString &oldName, const QString &
 
 QString MSSQLIndexScript::exactCreation(const MSSQLIndexEntry &index) const
 {
-    return KNFormat("CREATE %@%@INDEX %@ ON %@ (%@);", index.isUnique ? "UNIQUE " : "",
+    return KNFormat("CREATE %@%@INDEX %@ ON %@  (%@);", index.isUnique ? "UNIQUE " : "",
                     index.isNonClustered ? "NONCLUSTERED " : "", MSSQLDesignedTable::escaped(index.indexName),
                     MSSQLDesignedTable::escaped(m_table.name), columnList(index));
 }

@@ -157,7 +157,7 @@ TEST_F(IndexChange, NamesWhatTheExactStatementsLose)
     MSSQLIndexEntry wider = old;
     wider.columns.append({q("c")});
     EXPECT_EQ(load(old, wider)->texts(),
-              QStringList{q("DROP INDEX IX;\r\nCREATE NONCLUSTERED INDEX IX ON T (b, c);")});
+              QStringList{q("DROP INDEX IX;\r\nCREATE NONCLUSTERED INDEX IX ON T  (b, c);")});
     EXPECT_EQ(m_loader->report().pair.difference,
               q("SQL Server does not accept DROP INDEX without the index's table. The index would lose: sort "
                 "order, included columns, filter."));

@@ -33,7 +33,7 @@ TEST(IndexScript, CreatesANewIndex)
 {
     const KNStatementPair pair =
         script("dbo").queryForUpdateIndex({}, index("IX one", {"a", "unit price"}, true), true);
-    EXPECT_EQ(pair.exact, q("CREATE UNIQUE NONCLUSTERED INDEX [IX one] ON Orders (a, [unit price]);"));
+    EXPECT_EQ(pair.exact, q("CREATE UNIQUE NONCLUSTERED INDEX [IX one] ON Orders  (a, [unit price]);"));
     EXPECT_EQ(pair.corrected,
               q("CREATE UNIQUE NONCLUSTERED INDEX [IX one] ON sales.Orders (a, [unit price]);"));
     EXPECT_EQ(pair.difference, q("This names the table without its schema and would change dbo.Orders."));
@@ -42,7 +42,7 @@ TEST(IndexScript, CreatesANewIndex)
 TEST(IndexScript, CreatesAClusteredIndexInTheCorrectedStatementOnly)
 {
     const KNStatementPair pair = script().queryForUpdateIndex({}, index("IX", {"a"}, false, false), true);
-    EXPECT_EQ(pair.exact, q("CREATE INDEX IX ON Orders (a);"));
+    EXPECT_EQ(pair.exact, q("CREATE INDEX IX ON Orders  (a);"));
     EXPECT_EQ(pair.corrected, q("CREATE CLUSTERED INDEX IX ON sales.Orders (a);"));
     EXPECT_EQ(pair.difference, q("This would create an index that is not clustered."));
 }
@@ -70,7 +70,7 @@ TEST(IndexScript, DropsTheOldNameAndCreatesTheNewOne)
 {
     const KNStatementPair pair =
         script().queryForUpdateIndex(index("IX_old", {"a"}), index("IX_new", {"b"}), false);
-    EXPECT_EQ(pair.exact, q("DROP INDEX IX_old;\r\nCREATE NONCLUSTERED INDEX IX_new ON Orders (b);"));
+    EXPECT_EQ(pair.exact, q("DROP INDEX IX_old;\r\nCREATE NONCLUSTERED INDEX IX_new ON Orders  (b);"));
     EXPECT_EQ(pair.corrected, q("DROP INDEX IX_old ON sales.Orders;\r\n"
                                 "CREATE NONCLUSTERED INDEX IX_new ON sales.Orders (b);"));
     EXPECT_EQ(pair.difference, q("SQL Server does not accept DROP INDEX without the index's table."));
@@ -82,7 +82,7 @@ TEST(IndexScript, TakesReorderedColumnsAsAChange)
     const MSSQLIndexEntry after = index("IX", {"b", "a"});
     EXPECT_FALSE(MSSQLIndexScript::isRename(before, after));
     EXPECT_EQ(script().queryForUpdateIndex(before, after, false).exact,
-              q("DROP INDEX IX;\r\nCREATE NONCLUSTERED INDEX IX ON Orders (b, a);"));
+              q("DROP INDEX IX;\r\nCREATE NONCLUSTERED INDEX IX ON Orders  (b, a);"));
 }
 
 TEST(IndexScript, RenamesOnlyWhereNothingElseChanges)
@@ -98,14 +98,14 @@ TEST(IndexScript, RenamesOnlyWhereNothingElseChanges)
 TEST(IndexScript, RenamesForADifferenceInCaseInTheCorrectedStatementOnly)
 {
     const KNStatementPair pair = script().queryForUpdateIndex(index("ix", {"a"}), index("IX", {"a"}), false);
-    EXPECT_EQ(pair.exact, q("DROP INDEX ix;\r\nCREATE NONCLUSTERED INDEX IX ON Orders (a);"));
+    EXPECT_EQ(pair.exact, q("DROP INDEX ix;\r\nCREATE NONCLUSTERED INDEX IX ON Orders  (a);"));
     EXPECT_EQ(pair.corrected, q("EXEC sp_rename N'[sales].[Orders].[ix]', N'IX', N'INDEX';"));
 }
 
 TEST(IndexScript, WritesAnEmptyListWithoutColumns)
 {
     EXPECT_EQ(script().queryForUpdateIndex({}, index("IX", {}), true).exact,
-              q("CREATE NONCLUSTERED INDEX IX ON Orders ();"));
+              q("CREATE NONCLUSTERED INDEX IX ON Orders  ();"));
 }
 
 TEST(IndexScript, ReturnsNothingWithoutAChange)
@@ -151,7 +151,7 @@ TEST(IndexScript, KeepsWhatTheEditorDoesNotShowInTheCorrectedStatementOnly)
 {
     const KNStatementPair pair = script().queryForUpdateIndex(
         index("IX", {"a", "b"}, true), index("IX", {"b", "a"}, true), false, fullDefinition());
-    EXPECT_EQ(pair.exact, q("DROP INDEX IX;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON Orders (b, a);"));
+    EXPECT_EQ(pair.exact, q("DROP INDEX IX;\r\nCREATE UNIQUE NONCLUSTERED INDEX IX ON Orders  (b, a);"));
     EXPECT_EQ(pair.corrected,
               q("DROP INDEX IX ON sales.Orders;\r\n"
                 "CREATE UNIQUE NONCLUSTERED INDEX IX ON sales.Orders (b DESC, a) INCLUDE ([c]]], d) "
