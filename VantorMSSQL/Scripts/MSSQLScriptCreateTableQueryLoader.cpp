@@ -2,28 +2,11 @@
 
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLTokenizer.h"
+#include "Scripts/MSSQLHiddenPart.h"
 
 namespace {
 
 constexpr auto CreateTableDomain = "mssql.queryLoader.createTableQuery";
-
-/// Whether the catalog query has replaced a part that this login may not see by a comment. Such a script
-/// fails, or creates another table.
-bool hasHiddenPart(const QString &script)
-{
-    const QLatin1String mark("may not be seen by this login");
-    if (!script.contains(mark))
-        return false;
-    SQLMetadataTokenizer tokenizer(script, MSSQLTokenizer::options());
-    for (SQLToken token{}; tokenizer.next(&token);) {
-        const bool isComment =
-            token.kind == SQLTokenKind::LineComment || token.kind == SQLTokenKind::BlockComment;
-        if (isComment && token.text.contains(mark))
-            return true;
-    }
-    return false;
-}
 
 } // namespace
 
@@ -42,7 +25,7 @@ QString MSSQLScriptCreateTableQueryLoader::creationQueryForTable(const QString &
         failure = KNError(
             domain, 0,
             KNFormat("The table %@.%@ is not there, or may not be seen by this login.", inSchema, table));
-    else if (!failure && hasHiddenPart(query))
+    else if (!failure && MSSQLHiddenPart::isIn(query))
         failure =
             KNError(domain, 0,
                     KNFormat("Parts of the table %@.%@ may not be seen by this login. Comments stand in "

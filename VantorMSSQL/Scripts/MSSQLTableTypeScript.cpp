@@ -3,6 +3,7 @@
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Scripts/MSSQLHiddenPart.h"
 
 namespace {
 
@@ -56,11 +57,15 @@ QString MSSQLTableTypeScript::text(const VantorDBC &details, const QString &sche
                          KNFormat("The table type %@.%@ may not be seen by this login, or is not there any "
                                   "more.",
                                   schema, name));
-    if (*error)
-        return {};
     QStringList texts;
     for (const TableTypeItem &item : std::as_const(items))
         texts.append(QLatin1Char('\t') + item.text());
+    if (!*error && MSSQLHiddenPart::isIn(texts.join(QLatin1Char('\n'))))
+        *error =
+            KNError(QString::fromLatin1(TableTypeDomain), 0,
+                    KNFormat("Parts of the table type %@.%@ may not be seen by this login.", schema, name));
+    if (*error)
+        return {};
     const QString note =
         isMemoryOptimized
             ? QStringLiteral("-- Not scripted: this table type is memory-optimized, this script makes one on "

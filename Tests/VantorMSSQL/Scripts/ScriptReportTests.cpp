@@ -161,6 +161,19 @@ TEST_F(ScriptReport, ACorrectedStatementCreatesATableType)
     EXPECT_TRUE(guarded().contains(utf8("-- DROP TYPE dbo.gone\r\n"))) << guarded().toStdString();
 }
 
+TEST_F(ScriptReport, NeverLetsATableTypeBeDroppedWhosePartsAreHidden)
+{
+    KNUserDefaults::standardUserDefaults()->setObject(CorrectedKey, true);
+    answer("table type dbo Ids",
+           {{KNValue(qint64(0)), KNValue(qint64(1)),
+             text("[a] int DEFAULT /* its definition may not be seen by this login */"), KNValue(), KNValue(),
+             KNValue(qint64(0))}});
+    load<MSSQLScriptDropAndCreateTypeQueryLoader>(utf8("Ids"), utf8("dbo"), 1);
+    EXPECT_EQ(m_report.failure.localizedDescription(),
+              utf8("Parts of the table type dbo.Ids may not be seen by this login."));
+    EXPECT_TRUE(guarded().contains(utf8("-- DROP TYPE dbo.Ids\r\n"))) << guarded().toStdString();
+}
+
 TEST_F(ScriptReport, NeverLetsAViewBeDroppedWithoutItsTriggers)
 {
     m_server.queries.insert(utf8("List_ViewTriggerStatements"), utf8("triggers {SCHEMA} {OBJECT}"));

@@ -15,8 +15,8 @@ EXEC sp_executesql N'
             0 AS ordinal,
             QUOTENAME(c.name)
                 + CASE
-                    WHEN cc.definition IS NOT NULL
-                        THEN N'' AS '' + cc.definition
+                    WHEN cc.object_id IS NOT NULL
+                        THEN N'' AS '' + ISNULL(cc.definition, @hidden)
                             + CASE WHEN cc.is_persisted = 1 THEN N'' PERSISTED'' ELSE N'''' END
                     ELSE N'' ''
                         + CASE
@@ -48,7 +48,10 @@ EXEC sp_executesql N'
                         END
                         + CASE WHEN c.is_rowguidcol = 1 THEN N'' ROWGUIDCOL'' ELSE N'''' END
                         + CASE WHEN c.is_nullable = 1 THEN N'' NULL'' ELSE N'' NOT NULL'' END
-                        + ISNULL(N'' DEFAULT '' + d.definition, N'''')
+                        + CASE
+                            WHEN d.object_id IS NULL THEN N''''
+                            ELSE N'' DEFAULT '' + ISNULL(d.definition, @hidden)
+                        END
                 END AS head,
             CONVERT(nvarchar(300), NULL) AS column_text,
             CONVERT(nvarchar(4000), NULL) AS tail,
@@ -74,7 +77,7 @@ EXEC sp_executesql N'
                 ELSE N''INDEX '' + QUOTENAME(i.name) + CASE WHEN i.is_unique = 1 THEN N'' UNIQUE '' ELSE N'' '' END
             END + CASE WHEN i.type = 1 THEN N''CLUSTERED'' ELSE N''NONCLUSTERED'' END,
             QUOTENAME(c.name) + CASE WHEN ic.is_descending_key = 1 THEN N'' DESC'' ELSE N'' ASC'' END,
-            ISNULL(N'' WHERE '' + i.filter_definition, N'''')
+            CASE WHEN i.has_filter = 1 THEN N'' WHERE '' + ISNULL(i.filter_definition, @hidden) ELSE N'''' END
                 + CASE WHEN i.ignore_dup_key = 1 THEN N'' WITH (IGNORE_DUP_KEY = ON)'' ELSE N'''' END,
             0
         FROM sys.table_types AS t
@@ -91,7 +94,7 @@ EXEC sp_executesql N'
             2,
             0,
             0,
-            N''CHECK '' + ch.definition,
+            N''CHECK '' + ISNULL(ch.definition, @hidden),
             NULL,
             NULL,
             0
@@ -102,6 +105,7 @@ EXEC sp_executesql N'
             AND t.name = @name
     ) AS q
     ORDER BY q.section, q.item, q.ordinal, q.head',
-    N'@schema nvarchar(128), @name nvarchar(128)',
+    N'@schema nvarchar(128), @name nvarchar(128), @hidden nvarchar(100)',
     N'{TABLE_SCHEMA}',
-    N'{TABLE_NAME}'
+    N'{TABLE_NAME}',
+    N'/* its definition may not be seen by this login */'

@@ -141,7 +141,7 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.index
     EXEC sp_executesql N'
         SELECT
             i.index_id,
-            i.filter_definition,
+            CASE WHEN i.has_filter = 1 THEN ISNULL(i.filter_definition, @hidden) END,
             CASE WHEN p.lowest = p.highest AND p.lowest IN (1, 2, 4) THEN p.name END,
             CASE WHEN p.lowest <> p.highest THEN 1 ELSE 0 END
         FROM sys.indexes AS i
@@ -156,8 +156,9 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.index
             GROUP BY q.index_id
         ) AS p ON p.index_id = i.index_id
         WHERE i.object_id = @table',
-        N'@table int',
-        @table
+        N'@table int, @hidden nvarchar(100)',
+        @table,
+        @hidden
 
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'history_table_id')
     EXEC sp_executesql N'
@@ -381,13 +382,14 @@ IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.stats
 BEGIN
     INSERT INTO @note (id, note)
     EXEC sp_executesql N'
-        SELECT st.stats_id, st.filter_definition
+        SELECT st.stats_id, ISNULL(st.filter_definition, @hidden)
         FROM sys.stats AS st
         WHERE st.object_id = @table
             AND st.user_created = 1
-            AND st.filter_definition IS NOT NULL',
-        N'@table int',
-        @table
+            AND st.has_filter = 1',
+        N'@table int, @hidden nvarchar(100)',
+        @table,
+        @hidden
 
     UPDATE s
     SET filter = n.note
