@@ -37,6 +37,7 @@ QList<MSSQLForeignKeyEntry> MSSQLForeignKeyEntry::listFrom(DatabaseResultSet &ro
             if (knowsState) {
                 key.isEnabled = !value("is_disabled").toBool();
                 key.isTrusted = !value("is_not_trusted").toBool();
+                key.isNotForReplication = value("is_not_for_replication").toBool();
             }
             keys.append(key);
         }

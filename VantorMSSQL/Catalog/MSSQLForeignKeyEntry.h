@@ -19,6 +19,7 @@ struct MSSQLForeignKeyEntry
     qint64 updateRule = 0;
     bool isEnabled = true;
     bool isTrusted = true; ///< whether all rows have been checked
+    bool isNotForReplication = false;
 
     /// "No Action", "Cascade", "SET NULL" or "SET DEFAULT"; empty for any other rule.
     QString deleteRuleDisplay() const;

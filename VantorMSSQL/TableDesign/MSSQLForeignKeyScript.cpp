@@ -36,10 +36,11 @@ QString MSSQLForeignKeyScript::create(const MSSQLDesignedTable &table, const MSS
 {
     const MSSQLDesignedTable target{key.targetTableSchema, key.targetTable};
     QString script =
-        KNFormat("ALTER TABLE %@ WITH %@ ADD CONSTRAINT %@ FOREIGN KEY (%@) REFERENCES %@ (%@)%@%@;",
+        KNFormat("ALTER TABLE %@ WITH %@ ADD CONSTRAINT %@ FOREIGN KEY (%@) REFERENCES %@ (%@)%@%@%@;",
                  table.quoted(), key.isTrusted ? "CHECK" : "NOCHECK", MSSQLQuoting::quotedName(key.keyName),
                  quotedList(key.localColumns), target.quoted(), quotedList(key.targetColumns),
-                 rule("UPDATE", key.updateRule), rule("DELETE", key.deleteRule));
+                 rule("UPDATE", key.updateRule), rule("DELETE", key.deleteRule),
+                 key.isNotForReplication ? " NOT FOR REPLICATION" : "");
     if (!key.isEnabled)
         script += KNFormat("\r\nALTER TABLE %@ NOCHECK CONSTRAINT %@;", table.quoted(),
                            MSSQLQuoting::quotedName(key.keyName));

@@ -8,7 +8,8 @@ SELECT
     lc.name AS localColumnName,
     rc.name AS referencedColumnName,
     CONVERT(int, f.is_disabled) AS is_disabled,
-    CONVERT(int, f.is_not_trusted) AS is_not_trusted
+    CONVERT(int, f.is_not_trusted) AS is_not_trusted,
+    CONVERT(int, f.is_not_for_replication) AS is_not_for_replication
 FROM sys.foreign_keys AS f
 INNER JOIN sys.tables AS t ON t.object_id = f.parent_object_id
 INNER JOIN sys.schemas AS s ON s.schema_id = t.schema_id

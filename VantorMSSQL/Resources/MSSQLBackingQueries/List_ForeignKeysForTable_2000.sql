@@ -8,7 +8,8 @@ SELECT
     lc.name AS localColumnName,
     rc.name AS referencedColumnName,
     CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsDisabled')) AS is_disabled,
-    CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsNotTrusted')) AS is_not_trusted
+    CONVERT(int, OBJECTPROPERTY(f.id, N'CnstIsNotTrusted')) AS is_not_trusted,
+    CASE WHEN OBJECTPROPERTY(f.id, N'CnstIsNotRepl') = 1 THEN 1 ELSE 0 END AS is_not_for_replication
 FROM dbo.sysforeignkeys AS fk
 INNER JOIN dbo.sysobjects AS f ON f.id = fk.constid
 INNER JOIN dbo.sysobjects AS o ON o.id = fk.fkeyid
