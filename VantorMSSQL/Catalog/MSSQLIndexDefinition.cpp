@@ -21,7 +21,7 @@ QList<MSSQLIndexDefinition> MSSQLIndexDefinition::listFrom(DatabaseResultSet &ro
         Disabled,
         Filter,
         Compression,
-        MixedCompression,
+        Sequential,
         DataSpace,
         PartitionColumn,
         PrimaryKey
@@ -41,7 +41,7 @@ QList<MSSQLIndexDefinition> MSSQLIndexDefinition::listFrom(DatabaseResultSet &ro
                             .isDisabled = flag(Disabled),
                             .filter = rows.stringForColumnIndex(Filter),
                             .compression = rows.stringForColumnIndex(Compression),
-                            .hasMixedCompression = flag(MixedCompression),
+                            .isSequential = flag(Sequential),
                             .dataSpace = rows.stringForColumnIndex(DataSpace),
                             .partitionColumn = rows.stringForColumnIndex(PartitionColumn),
                             .isPrimaryKey = flag(PrimaryKey)});

@@ -19,9 +19,9 @@ struct MSSQLIndexDefinition
     bool allowsRowLocks = true;
     bool allowsPageLocks = true;
     bool isDisabled = false;
-    QString filter = {};      ///< a condition; null for none
-    QString compression = {}; ///< null for none
-    bool hasMixedCompression = false;
+    QString filter = {};          ///< a condition; null for none
+    QString compression = {};     ///< options as in WITH, for some partitions or all; null for none
+    bool isSequential = false;    ///< OPTIMIZE_FOR_SEQUENTIAL_KEY
     QString dataSpace = {};       ///< filegroup or partition scheme; null for that of the table
     QString partitionColumn = {}; ///< null for a filegroup
     bool isPrimaryKey = false;    ///< the index of the primary key

@@ -74,8 +74,9 @@ QString MSSQLIndexCreation::options() const
     add(m_old.isWithoutRecompute, "STATISTICS_NORECOMPUTE", "ON");
     add(!m_old.allowsRowLocks && keepsLocks(), "ALLOW_ROW_LOCKS", "OFF");
     add(!m_old.allowsPageLocks && keepsLocks(), "ALLOW_PAGE_LOCKS", "OFF");
+    add(m_old.isSequential, "OPTIMIZE_FOR_SEQUENTIAL_KEY", "ON");
     if (!m_old.compression.isNull())
-        options.append(QLatin1String("DATA_COMPRESSION = ") + m_old.compression);
+        options.append(m_old.compression);
     if (isOld)
         return options.isEmpty() ? QStringLiteral("") : QLatin1String(" WITH ") + options.join(separator);
     return clause("WITH", options);
@@ -109,7 +110,8 @@ QStringList MSSQLIndexCreation::lostWithoutOptions() const
     add(m_old.isWithoutRecompute, QStringLiteral("STATISTICS_NORECOMPUTE"));
     add(!m_old.allowsRowLocks, QStringLiteral("ALLOW_ROW_LOCKS"));
     add(!m_old.allowsPageLocks, QStringLiteral("ALLOW_PAGE_LOCKS"));
-    add(!m_old.compression.isNull() || m_old.hasMixedCompression, tr("compression"));
+    add(m_old.isSequential, QStringLiteral("OPTIMIZE_FOR_SEQUENTIAL_KEY"));
+    add(!m_old.compression.isNull(), tr("compression"));
     add(!m_old.dataSpace.isNull(), m_old.partitionColumn.isNull() ? tr("filegroup") : tr("partition scheme"));
     add(m_old.isDisabled, tr("disabled state"));
     return parts;
@@ -124,8 +126,6 @@ QStringList MSSQLIndexCreation::lost() const
         parts.append(QStringLiteral("ALLOW_ROW_LOCKS"));
     if (!m_old.allowsPageLocks && !keepsLocks())
         parts.append(QStringLiteral("ALLOW_PAGE_LOCKS"));
-    if (m_old.hasMixedCompression)
-        parts.append(tr("compression, which differs by partition"));
     return parts;
 }
 

@@ -51,7 +51,9 @@ MSSQLIndexDefinition specialIndex()
     index.allowsRowLocks = false;
     index.allowsPageLocks = false;
     index.isDisabled = true;
-    index.compression = q("PAGE");
+    index.compression =
+        q("DATA_COMPRESSION = PAGE ON PARTITIONS (1, 3 TO 4), DATA_COMPRESSION = ROW ON PARTITIONS (2)");
+    index.isSequential = true;
     index.dataSpace = q("by year");
     index.partitionColumn = q("b");
     return index;
@@ -158,16 +160,19 @@ TEST(PrimaryKeyScript, KeepsTheIndexOfTheKeyInTheCorrectedScriptOnly)
     const KNStatementPair pair = keys().change(columns, q("c"), false, key, specialIndex());
     EXPECT_EQ(pair.exact, q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
                             "ALTER TABLE Orders ADD PRIMARY KEY(a, b);"));
-    EXPECT_EQ(pair.corrected,
-              q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
-                "ALTER TABLE sales.Orders ADD CONSTRAINT PK PRIMARY KEY NONCLUSTERED (a DESC, b) "
-                "WITH (FILLFACTOR = 80, PAD_INDEX = ON, IGNORE_DUP_KEY = ON, STATISTICS_NORECOMPUTE = ON, "
-                "ALLOW_ROW_LOCKS = OFF, ALLOW_PAGE_LOCKS = OFF, DATA_COMPRESSION = PAGE) "
-                "ON [by year](b);"));
-    EXPECT_EQ(pair.difference,
-              q("This would lose the name of the key, the order of its columns or the kind of its index. "
-                "The index would lose: fill factor, PAD_INDEX, IGNORE_DUP_KEY, STATISTICS_NORECOMPUTE, "
-                "ALLOW_ROW_LOCKS, ALLOW_PAGE_LOCKS, compression, partition scheme."));
+    EXPECT_EQ(
+        pair.corrected,
+        q("drop N'sales' N'Orders'\r\n\r\n-- Now update with our new keys\r\n"
+          "ALTER TABLE sales.Orders ADD CONSTRAINT PK PRIMARY KEY NONCLUSTERED (a DESC, b) "
+          "WITH (FILLFACTOR = 80, PAD_INDEX = ON, IGNORE_DUP_KEY = ON, STATISTICS_NORECOMPUTE = ON, "
+          "ALLOW_ROW_LOCKS = OFF, ALLOW_PAGE_LOCKS = OFF, OPTIMIZE_FOR_SEQUENTIAL_KEY = ON, "
+          "DATA_COMPRESSION = PAGE ON PARTITIONS (1, 3 TO 4), DATA_COMPRESSION = ROW ON PARTITIONS (2)) "
+          "ON [by year](b);"));
+    EXPECT_EQ(
+        pair.difference,
+        q("This would lose the name of the key, the order of its columns or the kind of its index. "
+          "The index would lose: fill factor, PAD_INDEX, IGNORE_DUP_KEY, STATISTICS_NORECOMPUTE, "
+          "ALLOW_ROW_LOCKS, ALLOW_PAGE_LOCKS, OPTIMIZE_FOR_SEQUENTIAL_KEY, compression, partition scheme."));
     EXPECT_EQ(keys().change(columns, q("c"), false, {}, {}).difference, QString());
 }
 
@@ -217,10 +222,12 @@ TEST(ForeignKeyScript, MakesAKeyWithQuotedNames)
     changed.updateRule = 2;
     changed.isEnabled = false;
     changed.isTrusted = false;
+    changed.isNotForReplication = true;
     EXPECT_EQ(MSSQLForeignKeyScript::change(table, key, changed),
               QStringLiteral("ALTER TABLE s.T DROP CONSTRAINT [FK ]]a];\r\n"
                              "ALTER TABLE s.T WITH NOCHECK ADD CONSTRAINT [FK ]]a] FOREIGN KEY (a, [b c]) "
-                             "REFERENCES dbo.[my table] (x, y) ON UPDATE SET NULL ON DELETE CASCADE;\r\n"
+                             "REFERENCES dbo.[my table] (x, y) ON UPDATE SET NULL ON DELETE CASCADE "
+                             "NOT FOR REPLICATION;\r\n"
                              "ALTER TABLE s.T NOCHECK CONSTRAINT [FK ]]a];"));
     EXPECT_TRUE(MSSQLForeignKeyScript::change(table, key, key).isNull());
 }

@@ -1,13 +1,39 @@
 -- One row per column of every index and the primary key: the keys in their order, then the included columns. Unique
 -- constraints are left out.
--- A data space is named where a new index would not stand there anyway. 2005 has neither filters nor compression.
+-- A data space is named where a new index would not stand there anyway. The options of compression name the partitions
+-- that have them, unless all have. 2005 has neither filters nor compression.
 DECLARE @nocount int
 DECLARE @table int
-DECLARE @storage TABLE (
+DECLARE @ordinal int
+DECLARE @last int
+DECLARE @filter TABLE (
     index_id int NOT NULL PRIMARY KEY,
-    filter nvarchar(max) NULL,
-    compression nvarchar(60) NULL,
-    is_mixed int NOT NULL
+    condition nvarchar(max) NULL
+)
+DECLARE @sequential TABLE (
+    index_id int NOT NULL PRIMARY KEY
+)
+DECLARE @partition TABLE (
+    index_id int NOT NULL,
+    option_text nvarchar(100) NOT NULL,
+    number int NOT NULL
+)
+DECLARE @range TABLE (
+    index_id int NOT NULL,
+    option_text nvarchar(100) NOT NULL,
+    ordinal int NOT NULL,
+    range_text nvarchar(40) NOT NULL
+)
+DECLARE @option TABLE (
+    index_id int NOT NULL,
+    option_text nvarchar(100) NOT NULL,
+    ordinal int NOT NULL,
+    is_whole int NOT NULL,
+    ranges nvarchar(max) NOT NULL
+)
+DECLARE @compression TABLE (
+    index_id int NOT NULL PRIMARY KEY,
+    options nvarchar(max) NOT NULL
 )
 
 SET @nocount = @@OPTIONS & 512
@@ -20,27 +46,115 @@ WHERE s.name = N'{TABLE_SCHEMA}'
     AND t.name = N'{TABLE_NAME}'
 
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes') AND name = N'filter_definition')
-    INSERT INTO @storage (index_id, filter, compression, is_mixed)
+    INSERT INTO @filter (index_id, condition)
     EXEC sp_executesql N'
-        SELECT
-            i.index_id,
-            i.filter_definition,
-            CASE WHEN p.lowest = p.highest AND p.lowest IN (1, 2) THEN p.name END,
-            CASE WHEN p.lowest <> p.highest THEN 1 ELSE 0 END
+        SELECT i.index_id, ISNULL(i.filter_definition, N''/* its definition may not be seen by this login */'')
         FROM sys.indexes AS i
-        LEFT JOIN (
-            SELECT
-                q.index_id,
-                MIN(q.data_compression) AS lowest,
-                MAX(q.data_compression) AS highest,
-                MIN(q.data_compression_desc) AS name
-            FROM sys.partitions AS q
-            WHERE q.object_id = @table
-            GROUP BY q.index_id
-        ) AS p ON p.index_id = i.index_id
-        WHERE i.object_id = @table',
+        WHERE i.object_id = @table
+            AND i.has_filter = 1',
         N'@table int',
         @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.indexes')
+    AND name = N'optimize_for_sequential_key')
+    INSERT INTO @sequential (index_id)
+    EXEC sp_executesql N'
+        SELECT i.index_id
+        FROM sys.indexes AS i
+        WHERE i.object_id = @table
+            AND i.optimize_for_sequential_key = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.partitions') AND name = N'data_compression')
+    INSERT INTO @partition (index_id, option_text, number)
+    EXEC sp_executesql N'
+        SELECT p.index_id, N''DATA_COMPRESSION = '' + p.data_compression_desc, p.partition_number
+        FROM sys.partitions AS p
+        WHERE p.object_id = @table
+            AND p.data_compression IN (1, 2)',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.partitions') AND name = N'xml_compression')
+    INSERT INTO @partition (index_id, option_text, number)
+    EXEC sp_executesql N'
+        SELECT p.index_id, N''XML_COMPRESSION = ON'', p.partition_number
+        FROM sys.partitions AS p
+        WHERE p.object_id = @table
+            AND p.xml_compression = 1',
+        N'@table int',
+        @table
+
+INSERT INTO @range (index_id, option_text, ordinal, range_text)
+SELECT
+    r.index_id,
+    r.option_text,
+    ROW_NUMBER() OVER (PARTITION BY r.index_id, r.option_text ORDER BY r.first_number),
+    CONVERT(nvarchar(10), r.first_number)
+        + CASE WHEN r.last_number > r.first_number THEN N' TO ' + CONVERT(nvarchar(10), r.last_number) ELSE N'' END
+FROM (
+    SELECT n.index_id, n.option_text, MIN(n.number) AS first_number, MAX(n.number) AS last_number
+    FROM (
+        SELECT
+            p.index_id,
+            p.option_text,
+            p.number,
+            p.number - ROW_NUMBER() OVER (PARTITION BY p.index_id, p.option_text ORDER BY p.number) AS gap
+        FROM @partition AS p
+    ) AS n
+    GROUP BY n.index_id, n.option_text, n.gap
+) AS r
+
+INSERT INTO @option (index_id, option_text, ordinal, is_whole, ranges)
+SELECT
+    o.index_id,
+    o.option_text,
+    ROW_NUMBER() OVER (PARTITION BY o.index_id ORDER BY o.option_text),
+    CASE WHEN o.partitions = t.partitions THEN 1 ELSE 0 END,
+    N''
+FROM (
+    SELECT p.index_id, p.option_text, COUNT(*) AS partitions
+    FROM @partition AS p
+    GROUP BY p.index_id, p.option_text
+) AS o
+INNER JOIN (
+    SELECT p.index_id, COUNT(*) AS partitions
+    FROM sys.partitions AS p
+    WHERE p.object_id = @table
+    GROUP BY p.index_id
+) AS t ON t.index_id = o.index_id
+
+SELECT @last = MAX(ordinal) FROM @range
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE o
+    SET ranges = o.ranges + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END + r.range_text
+    FROM @option AS o
+    INNER JOIN @range AS r ON r.index_id = o.index_id AND r.option_text = o.option_text
+    WHERE r.ordinal = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
+
+INSERT INTO @compression (index_id, options)
+SELECT DISTINCT o.index_id, N''
+FROM @option AS o
+
+SELECT @last = MAX(ordinal) FROM @option
+SET @ordinal = 1
+WHILE @ordinal <= @last
+BEGIN
+    UPDATE c
+    SET options = c.options + CASE WHEN @ordinal = 1 THEN N'' ELSE N', ' END + o.option_text
+        + CASE WHEN o.is_whole = 1 THEN N'' ELSE N' ON PARTITIONS (' + o.ranges + N')' END
+    FROM @compression AS c
+    INNER JOIN @option AS o ON o.index_id = c.index_id
+    WHERE o.ordinal = @ordinal
+
+    SET @ordinal = @ordinal + 1
+END
 
 IF @nocount = 0
     SET NOCOUNT OFF
@@ -57,9 +171,9 @@ SELECT
     CONVERT(int, i.allow_row_locks) AS allows_row_locks,
     CONVERT(int, i.allow_page_locks) AS allows_page_locks,
     CONVERT(int, i.is_disabled) AS is_disabled,
-    g.filter AS filter_definition,
-    g.compression,
-    ISNULL(g.is_mixed, 0) AS has_mixed_compression,
+    f.condition AS filter_definition,
+    g.options AS compression,
+    CASE WHEN q.index_id IS NULL THEN 0 ELSE 1 END AS is_sequential,
     d.name AS data_space,
     CASE WHEN d.type = 'PS' THEN pc.name END AS partition_column,
     CONVERT(int, i.is_primary_key) AS is_primary_key
@@ -84,7 +198,9 @@ LEFT JOIN sys.data_spaces AS d
         i.data_space_id <> base.data_space_id
         OR ISNULL(pic.column_id, 0) <> ISNULL(bic.column_id, 0)
     )
-LEFT JOIN @storage AS g ON g.index_id = i.index_id
+LEFT JOIN @filter AS f ON f.index_id = i.index_id
+LEFT JOIN @compression AS g ON g.index_id = i.index_id
+LEFT JOIN @sequential AS q ON q.index_id = i.index_id
 WHERE i.object_id = @table
     AND i.type IN (1, 2)
     AND i.is_hypothetical = 0

@@ -13,8 +13,8 @@ SELECT
     CASE WHEN INDEXPROPERTY(i.id, i.name, N'IsPageLockDisallowed') = 1 THEN 0 ELSE 1 END AS allows_page_locks,
     0 AS is_disabled,
     CONVERT(nvarchar(4000), NULL) AS filter_definition,
-    CONVERT(nvarchar(60), NULL) AS compression,
-    0 AS has_mixed_compression,
+    CONVERT(nvarchar(4000), NULL) AS compression,
+    0 AS is_sequential,
     CASE WHEN i.groupid <> base.groupid THEN FILEGROUP_NAME(i.groupid) END AS data_space,
     CONVERT(nvarchar(128), NULL) AS partition_column,
     CASE WHEN k.xtype = 'PK' THEN 1 ELSE 0 END AS is_primary_key
