@@ -51,7 +51,7 @@ MSSQLIndexDefinition MSSQLAlterIndexQueryLoader::oldDefinition(const VantorDBC &
     const auto definitions = MSSQLCatalogReader::records<MSSQLIndexDefinition>(
         details, m_table.schema, m_table.name, IndexDomain, error);
     const auto found = std::find_if(definitions.begin(), definitions.end(), [&](const auto &definition) {
-        return definition.indexName == m_oldIndex.indexName;
+        return definition.indexName == m_oldIndex.indexName && !definition.isPrimaryKey;
     });
     if (found != definitions.end())
         return *found;

@@ -186,6 +186,19 @@ TEST_F(IndexChange, HasNoTextForAnIndexThatIsGone)
               q("The index IX is not there any more, or may not be seen by this login."));
 }
 
+TEST_F(IndexChange, HasNoTextForAnIndexWhoseNameThePrimaryKeyHasNow)
+{
+    make("CREATE INDEX IX ON dbo.T (b)");
+    const MSSQLIndexEntry old = index("IX");
+    make("DROP INDEX IX ON dbo.T");
+    make("ALTER TABLE dbo.T DROP CONSTRAINT PK_T");
+    make("ALTER TABLE dbo.T ADD CONSTRAINT IX PRIMARY KEY (a)");
+    MSSQLIndexEntry wider = old;
+    wider.columns.append({q("c")});
+    EXPECT_TRUE(load(old, wider)->texts().value(0).isNull());
+    EXPECT_TRUE(m_loader->report().failure);
+}
+
 TEST_F(IndexChange, ListsNoConstraintAsAPlainIndex)
 {
     make("CREATE INDEX IX ON dbo.T (b)");
