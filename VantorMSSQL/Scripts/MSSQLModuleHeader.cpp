@@ -1,7 +1,6 @@
 #include "Scripts/MSSQLModuleHeader.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLQuoting.h"
 #include "Implementations/MSSQLTokenizer.h"
 #include "SQL/SQLMetadataTokenizer.h"
 
@@ -149,21 +148,6 @@ std::optional<MSSQLModuleHeader> MSSQLModuleHeader::firstIn(const QString &scrip
             reader.advance();
     }
     return std::nullopt;
-}
-
-QString MSSQLModuleHeader::withCurrentName(const QString &definition, const QString &schema,
-                                           const QString &objectName)
-{
-    const auto header = ofDefinition(definition);
-    if (!header)
-        return definition;
-    const bool isMoved = !header->schema().isEmpty() && header->schema() != schema;
-    if (header->objectName() == objectName && !isMoved)
-        return definition;
-    QString text = definition;
-    return text.replace(
-        header->nameStart, header->nameEnd - header->nameStart,
-        KNFormat("%@.%@", MSSQLQuoting::quotedName(schema), MSSQLQuoting::quotedName(objectName)));
 }
 
 QString MSSQLModuleHeader::withPlainHeader(const QString &definition)

@@ -27,10 +27,6 @@ struct MSSQLModuleHeader
     /// The first header at or after `from` in a script of several statements, at any position.
     static std::optional<MSSQLModuleHeader> firstIn(const QString &script, qsizetype from = 0);
 
-    /// The definition with the object's current name: sp_rename and ALTER SCHEMA do not change the stored
-    /// text. A text without a header is returned unchanged.
-    static QString withCurrentName(const QString &definition, const QString &schema,
-                                   const QString &objectName);
     /// The definition with its header spelled "CREATE PROCEDURE": one blank, PROC written out, without OR
     /// ALTER. A header with this spelling, in any case, and a text without a header are unchanged.
     static QString withPlainHeader(const QString &definition);

@@ -12,8 +12,7 @@ QString MSSQLModuleScript::load(const VantorDBC &details, KNQueryReport *report,
     const bool altersHeaderOnly = isAltering && MSSQLCorrectedStatements::areUsed();
     const QString create = KNFormat("CREATE %@", keyword);
     const auto definitionOf = [&](const DatabaseResultSet &row) {
-        const QString definition =
-            MSSQLModuleHeader::withCurrentName(row.trimmedStringForColumnIndex(2).text(), schema, name);
+        const QString definition = row.trimmedStringForColumnIndex(2).text();
         if (!isAltering)
             return definition;
         const QString plain = MSSQLModuleHeader::withPlainHeader(definition);

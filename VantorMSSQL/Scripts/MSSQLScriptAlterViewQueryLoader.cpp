@@ -53,8 +53,7 @@ QString preparedDefinition(const QString &definition, const QString &view, const
                          schema, view));
         return definition;
     }
-    QString prepared =
-        MSSQLModuleHeader::withPlainHeader(MSSQLModuleHeader::withCurrentName(definition, schema, view));
+    const QString prepared = MSSQLModuleHeader::withPlainHeader(definition);
     if (MSSQLCorrectedStatements::areUsed())
         return MSSQLModuleHeader::altering(prepared);
     const qsizetype places = prepared.count(QLatin1String("CREATE VIEW"), Qt::CaseInsensitive) +

@@ -4,7 +4,6 @@
 #include "Catalog/MSSQLTriggerEntry.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
-#include "Scripts/MSSQLModuleHeader.h"
 #include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateStoredProcedureQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
@@ -40,7 +39,7 @@ QString triggerScript(const MSSQLNamedObject &trigger, const VantorDBC &details,
         details, trigger.parentSchema, trigger.parent, DefinitionDomain, &report->failure);
     for (const MSSQLTriggerEntry &entry : triggers) {
         if (entry.triggerName == trigger.name && !entry.statement.isNull())
-            return MSSQLModuleHeader::withCurrentName(entry.statement, trigger.schema, trigger.name);
+            return entry.statement;
     }
     if (!report->failure)
         report->failure = KNError(QString::fromLatin1(DefinitionDomain), 0,

@@ -2,6 +2,7 @@
 
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "Implementations/MSSQLQuerySplitter.h"
 #include "Implementations/MSSQLQuoting.h"
 #include "Implementations/MSSQLTokenizer.h"
 #include "Scripts/MSSQLModuleHeader.h"
@@ -80,9 +81,32 @@ bool MSSQLScriptReview::mendHeader(const SQLToken &verb)
     const bool isOther = header->objectName() != m_subject.name ||
                          (!header->schema().isEmpty() && header->schema() != m_subject.schema);
     if (isOther)
-        replace(header->nameStart, header->nameEnd - header->nameStart,
-                MSSQLObjectPath::quoted({m_subject.schema, m_subject.name}));
+        rename(*header);
     return true;
+}
+
+/// Servers keep the text of a module as it was written when the object is renamed or moved to another schema.
+/// The members of a numbered procedure stand in batches of their own, each with a header.
+void MSSQLScriptReview::rename(const MSSQLModuleHeader &header)
+{
+    const auto differs = [](const QString &a, const QString &b) {
+        return a.compare(b, Qt::CaseInsensitive) != 0;
+    };
+    if (differs(header.objectName(), m_subject.name) ||
+        (!header.schema().isEmpty() && differs(header.schema(), m_subject.schema)))
+        m_replacedName = header.name.join(QLatin1Char('.'));
+    MSSQLQuerySplitter splitter(MSSQLTokenizer::options());
+    splitter.setRequiresFullSplit(true);
+    const QList<KNQueryDetails> batches = splitter.doSplitQuery(m_script);
+    const QString name = MSSQLObjectPath::quoted({m_subject.schema, m_subject.name});
+    for (auto batch = batches.crbegin(); batch != batches.crend(); ++batch) {
+        const qsizetype start = batch->queryRange.location;
+        const auto member = MSSQLModuleHeader::ofDefinition(batch->targetQuery);
+        if (start > header.verbStart && member && member->verb != QLatin1String("DROP") &&
+            member->kind == header.kind && member->objectName() == header.objectName())
+            replace(start + member->nameStart, member->nameEnd - member->nameStart, name);
+    }
+    replace(header.nameStart, header.nameEnd - header.nameStart, name);
 }
 
 /// The spellings of the object's name that generators use, the longest first: one spelling may begin with

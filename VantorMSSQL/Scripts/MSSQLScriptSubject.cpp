@@ -76,7 +76,12 @@ void endBatch(QString *script)
 
 void MSSQLScriptSubject::review(QString *script, KNQueryReport *report) const
 {
-    if (MSSQLScriptReview(*this, script, &report->unsafeLength).mend()) {
+    MSSQLScriptReview review(*this, script, &report->unsafeLength);
+    if (review.mend()) {
+        if (const QString other = review.replacedName(); !other.isNull())
+            report->notices.append(KNFormat(
+                "The definition names %@, but the script was asked for the %@. The script names the latter.",
+                other, subjectName(*this)));
         report->notices += notices(*script);
         return;
     }

@@ -48,25 +48,6 @@ TEST(ModuleHeader, IsNoneInATextThatBeginsOtherwise)
         EXPECT_FALSE(MSSQLModuleHeader::ofDefinition(u(text))) << text;
 }
 
-TEST(ModuleHeader, TakesTheCurrentNameOfARenamedObject)
-{
-    EXPECT_EQ(
-        MSSQLModuleHeader::withCurrentName(u("create proc dbo.old as exec dbo.old"), u("dbo"), u("fresh")),
-        u("create proc dbo.fresh as exec dbo.old"));
-    EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u("CREATE VIEW old AS SELECT 1"), u("my s"), u("a]b")),
-              u("CREATE VIEW [my s].[a]]b] AS SELECT 1"));
-    EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u("CREATE PROC [x].p;2 AS"), u("dbo"), u("p")),
-              u("CREATE PROC dbo.p;2 AS"))
-        << "moved to another schema";
-}
-
-TEST(ModuleHeader, LeavesTheNameOfAnObjectThatWasNotRenamed)
-{
-    for (const char *text :
-         {"CREATE VIEW dbo.v AS", "CREATE VIEW [dbo].[v] AS", "CREATE VIEW v AS", "-- nothing"})
-        EXPECT_EQ(MSSQLModuleHeader::withCurrentName(u(text), u("dbo"), u("v")), u(text));
-}
-
 TEST(ModuleHeader, IsSpelledOutForTheCallersThatLookForIt)
 {
     EXPECT_EQ(MSSQLModuleHeader::withPlainHeader(u("create proc\r\ndbo.p as")),

@@ -164,10 +164,9 @@ TEST_F(ScriptReport, ACorrectedStatementCreatesATableType)
 TEST_F(ScriptReport, NeverLetsATableTypeBeDroppedWhosePartsAreHidden)
 {
     KNUserDefaults::standardUserDefaults()->setObject(CorrectedKey, true);
-    answer("table type dbo Ids",
-           {{KNValue(qint64(0)), KNValue(qint64(1)),
-             text("[a] int DEFAULT /* its definition may not be seen by this login */"), KNValue(), KNValue(),
-             KNValue(qint64(0))}});
+    answer("table type dbo Ids", {{KNValue(qint64(0)), KNValue(qint64(1)),
+                                   text("[a] int DEFAULT /* its definition may not be seen by this login */"),
+                                   KNValue(), KNValue(), KNValue(qint64(0))}});
     load<MSSQLScriptDropAndCreateTypeQueryLoader>(utf8("Ids"), utf8("dbo"), 1);
     EXPECT_EQ(m_report.failure.localizedDescription(),
               utf8("Parts of the table type dbo.Ids may not be seen by this login."));
@@ -226,20 +225,32 @@ TEST_F(ScriptReport, AltersAModuleHoweverItsHeaderIsWritten)
     EXPECT_TRUE(m_text.endsWith(utf8("\r\n\r\nALTER VIEW v AS SELECT 1"))) << m_text.toStdString();
 }
 
-TEST_F(ScriptReport, UsesTheNameThatARenamedObjectHasNow)
+TEST_F(ScriptReport, KeepsTheStoredTextOfARenamedObject)
 {
     const QList<QList<KNValue>> row{
-        {text("SET A"), text("SET B"), text("CREATE PROC dbo.old AS SELECT 'old'")}};
+        {text("SET A"), text("SET B"), text("create procedure p as SELECT 'old'")}};
     answer("alter dbo fresh shop", row);
     load<MSSQLScriptAlterStoredProcedureQueryLoader>(utf8("fresh"), utf8("dbo"));
-    EXPECT_TRUE(m_text.contains(utf8("ALTER PROCEDURE dbo.fresh AS SELECT 'old'"))) << m_text.toStdString();
+    EXPECT_EQ(m_text, utf8("SET A\r\nGO\r\nSET B\r\nGO\r\nALTER PROCEDURE p as SELECT 'old'\r\nGO"));
     answer("create dbo fresh shop", row);
     load<MSSQLScriptCreateStoredProcedureQueryLoader>(utf8("fresh"), utf8("dbo"));
-    EXPECT_TRUE(m_text.contains(utf8("CREATE PROC dbo.fresh AS SELECT 'old'"))) << m_text.toStdString();
+    EXPECT_EQ(m_text, utf8("SET A\r\nGO\r\nSET B\r\nGO\r\ncreate procedure p as SELECT 'old'\r\nGO"));
     answer("view s.fresh",
            {{KNValue(true), KNValue(true), text("CREATE VIEW [dbo].[old] AS SELECT 1 AS a")}});
     load<MSSQLScriptCreateViewQueryLoader>(utf8("fresh"), utf8("s"));
-    EXPECT_TRUE(m_text.contains(utf8("CREATE VIEW s.fresh AS SELECT 1 AS a"))) << m_text.toStdString();
+    EXPECT_TRUE(m_text.endsWith(utf8("CREATE VIEW [dbo].[old] AS SELECT 1 AS a"))) << m_text.toStdString();
+}
+
+TEST_F(ScriptReport, NamesARenamedObjectForEveryCallerAndSaysSo)
+{
+    answer("view s.fresh",
+           {{KNValue(true), KNValue(true), text("CREATE VIEW [dbo].[old] AS SELECT 1 AS a")}});
+    const MSSQLScriptSubject view{utf8("VIEW"), utf8("s"), utf8("fresh"), m_settings.copy()};
+    const auto loader = view.script<MSSQLScriptAlterViewQueryLoader>(utf8("fresh"), utf8("s"));
+    EXPECT_TRUE(textOf(loader, m_settings).endsWith(utf8("ALTER VIEW s.fresh AS SELECT 1 AS a")));
+    EXPECT_EQ(loader->report().notices,
+              QStringList{utf8("The definition names dbo.old, but the script was asked for the view s.fresh. "
+                               "The script names the latter.")});
 }
 
 TEST_F(ScriptReport, ReportsChangedWordsInLiterals)

@@ -185,6 +185,32 @@ TEST(ScriptReview, RestoresANameThatAReplacementOfWordsHasChanged)
               u("SET ANSI_NULLS ON\r\nGO\r\nALTER PROCEDURE dbo.[create procedure] AS SELECT 1"));
 }
 
+TEST(ScriptReview, NamesTheObjectThatADefinitionWithAnOldNameIsOf)
+{
+    const Reviewed result =
+        review(subject("PROCEDURE", "dbo", "my fresh"),
+               u("SET A\r\nGO\r\n-- CREATE PROC dbo.old\r\nCREATE PROC dbo.old AS SELECT 'dbo.old'\r\nGO\r\n"
+                 "SET A\r\nGO\r\nalter procedure old;2 AS EXEC dbo.old\r\nGO\r\n"
+                 "CREATE PROC dbo.other;2 AS SELECT 1")
+                   .replace(u("SET A"), u("SET ANSI_NULLS ON")));
+    EXPECT_EQ(result.text, u("SET A\r\nGO\r\n-- CREATE PROC dbo.old\r\nCREATE PROC dbo.[my fresh] AS SELECT "
+                             "'dbo.old'\r\nGO\r\nSET A\r\nGO\r\nalter procedure dbo.[my fresh];2 AS EXEC "
+                             "dbo.old\r\nGO\r\nCREATE PROC dbo.other;2 AS SELECT 1")
+                               .replace(u("SET A"), u("SET ANSI_NULLS ON")));
+    EXPECT_EQ(result.report.notices,
+              QStringList{u("The definition names dbo.old, but the script was asked for the procedure "
+                            "dbo.my fresh. The script names the latter.")});
+    EXPECT_FALSE(result.report.failure);
+}
+
+TEST(ScriptReview, HasNoNoticeAboutTheCaseOfAName)
+{
+    const Reviewed result =
+        review(subject("VIEW", "dbo", "Totals"), u("CREATE VIEW DBO.totals AS SELECT 1 AS a"));
+    EXPECT_EQ(result.text, u("CREATE VIEW dbo.Totals AS SELECT 1 AS a"));
+    EXPECT_EQ(result.report.notices, QStringList());
+}
+
 TEST(ScriptReview, LetsNoScriptRunThatItCannotRead)
 {
     for (const char *script : {

@@ -2,7 +2,6 @@
 
 #include "Foundation/KNFormat.h"
 #include "SQL/KNSQLComment.h"
-#include "Scripts/MSSQLModuleHeader.h"
 #include "UI/DatabaseTree/Triggers/MSSQLDatabaseTreeEntryTableTrigger.h"
 
 MSSQLDatabaseTreeEntrySectionTableTriggers::MSSQLDatabaseTreeEntrySectionTableTriggers(
@@ -29,10 +28,9 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntrySectionTableTriggers::entryFor(co
 {
     const QString &name = record.triggerName;
     auto trigger = make<MSSQLDatabaseTreeEntryTableTrigger>(schema(), name);
-    trigger->setTriggerSQL(
-        record.statement.isNull()
-            ? KNSQLComment::inOneLine(
-                  KNFormat("-- Failed to load trigger SQL for %@.%@.%@.", schema(), object(), name))
-            : MSSQLModuleHeader::withCurrentName(record.statement.trimmed(), schema(), name));
+    trigger->setTriggerSQL(record.statement.isNull()
+                               ? KNSQLComment::inOneLine(KNFormat(
+                                     "-- Failed to load trigger SQL for %@.%@.%@.", schema(), object(), name))
+                               : record.statement.trimmed());
     return trigger;
 }
