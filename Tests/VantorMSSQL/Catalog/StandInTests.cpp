@@ -103,6 +103,21 @@ TEST_F(StandIn, FiltersThatMayNotBeSeenBreakTheTableScript)
     EXPECT_TRUE(MSSQLHiddenPart::isIn(script));
 }
 
+TEST_F(StandIn, TheTableScriptNamesWhatItDoesNotKeep)
+{
+    run("CREATE TABLE dbo.t (a int NOT NULL)");
+    standIn("tables",
+            "SELECT object_id, name, schema_id, uses_ansi_nulls, lob_data_space_id, CAST(1 AS bit) AS "
+            "large_value_types_out_of_row, CAST(1 AS bit) AS is_filetable FROM sys.tables");
+    const QString script =
+        column("Table_CreationQuery", 0, {{"TABLE_SCHEMA", "dbo"}, {"TABLE_NAME", "t"}}).value(0);
+    EXPECT_TRUE(
+        script.startsWith(q("-- Not scripted: The table is a FileTable; this script makes a plain one.\r\n"
+                            "-- Not scripted: The table option \"large value types out of row\".\r\n"
+                            "SET ANSI_NULLS ON\r\n")))
+        << script.toStdString();
+}
+
 TEST_F(StandIn, PartsOfATableTypeThatMayNotBeSeenBreakItsScript)
 {
     run("CREATE TYPE dbo.tt AS TABLE (a int NULL DEFAULT 1, b AS a * 2, CHECK (a > 0))");

@@ -607,6 +607,35 @@ INSERT INTO @loss (note)
 SELECT N'The full-text index of the table.'
 WHERE OBJECTPROPERTY(@table, N'TableHasActiveFulltextIndex') = 1
 
+INSERT INTO @loss (note)
+SELECT N'The table option "text in row".'
+WHERE OBJECTPROPERTY(@table, N'TableTextInRowLimit') > 0
+
+INSERT INTO @loss (note)
+SELECT N'The table option "vardecimal storage format".'
+WHERE OBJECTPROPERTY(@table, N'TableHasVarDecimalStorageFormat') = 1
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
+    AND name = N'large_value_types_out_of_row')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The table option "large value types out of row".''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.large_value_types_out_of_row = 1',
+        N'@table int',
+        @table
+
+IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'is_filetable')
+    INSERT INTO @loss (note)
+    EXEC sp_executesql N'
+        SELECT N''The table is a FileTable; this script makes a plain one.''
+        FROM sys.tables AS t
+        WHERE t.object_id = @table
+            AND t.is_filetable = 1',
+        N'@table int',
+        @table
+
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'is_external')
     INSERT INTO @loss (note)
     EXEC sp_executesql N'
