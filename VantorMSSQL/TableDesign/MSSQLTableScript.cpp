@@ -9,9 +9,9 @@
 QString MSSQLTableScript::acceptedName(const QString &entered, Dialog dialog)
 {
     const QString name = entered.trimmed();
-    const bool isAccepted = std::all_of(name.begin(), name.end(), [dialog](QChar c) {
-        return c.isLetterOrNumber() || c == QLatin1Char('_') ||
-               (c == QLatin1Char('-') && dialog == Dialog::Create);
+    const QList<uint> characters = name.toUcs4();
+    const bool isAccepted = std::all_of(characters.begin(), characters.end(), [dialog](char32_t c) {
+        return QChar::isLetterOrNumber(c) || c == U'_' || (c == U'-' && dialog == Dialog::Create);
     });
     return isAccepted && !name.isEmpty() ? name : QString();
 }

@@ -108,6 +108,9 @@ TEST(TableScript, AcceptsHyphensInTheCreateDialogOnly)
     EXPECT_EQ(MSSQLTableScript::acceptedName(q(" Order-Lines_2\r\n"), Dialog::Create), q("Order-Lines_2"));
     EXPECT_TRUE(MSSQLTableScript::acceptedName(q("Order-Lines"), Dialog::Rename).isNull());
     EXPECT_EQ(MSSQLTableScript::acceptedName(q("Größe_2"), Dialog::Rename), q("Größe_2"));
+    EXPECT_EQ(MSSQLTableScript::acceptedName(q("𠮷野"), Dialog::Rename), q("𠮷野"))
+        << "a letter of two units";
+    EXPECT_TRUE(MSSQLTableScript::acceptedName(q("🎁"), Dialog::Create).isNull());
 }
 
 TEST(TableScript, RefusesNamesWithoutOrWithOtherCharacters)
