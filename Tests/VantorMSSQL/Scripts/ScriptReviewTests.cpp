@@ -203,6 +203,19 @@ TEST(ScriptReview, NamesTheObjectThatADefinitionWithAnOldNameIsOf)
     EXPECT_FALSE(result.report.failure);
 }
 
+TEST(ScriptReview, NamesTheTriggerThatADefinitionWithAnOldNameIsOf)
+{
+    const Reviewed result = review(
+        subject("TRIGGER", "s", "tr"),
+        u("DROP TRIGGER tr\r\nGO\r\n\r\ncreate trigger dbo.old on s.t after insert as select 1\r\nGO"));
+    EXPECT_EQ(result.text,
+              u("DROP TRIGGER tr\r\nGO\r\n\r\ncreate trigger s.tr on s.t after insert as select 1\r\nGO"));
+    EXPECT_EQ(
+        result.report.notices.value(0),
+        u("The definition names dbo.old, but the script was asked for the trigger s.tr. The script names "
+          "the latter."));
+}
+
 TEST(ScriptReview, HasNoNoticeAboutTheCaseOfAName)
 {
     const Reviewed result =
