@@ -5,6 +5,19 @@
 
 #include <algorithm>
 
+namespace {
+
+/// "a.b, c"; null for an empty list.
+QString listOf(const QList<QStringList> &names)
+{
+    QStringList paths;
+    for (const QStringList &parts : names)
+        paths.append(parts.join(QLatin1Char('.')));
+    return paths.isEmpty() ? QString() : paths.join(QLatin1String(", "));
+}
+
+} // namespace
+
 KNDatabaseTreeEntry::KNDatabaseTreeEntry() = default;
 KNDatabaseTreeEntry::~KNDatabaseTreeEntry() = default;
 
@@ -153,7 +166,7 @@ KNMenu KNDatabaseTreeEntry::contextMenu()
     KNMenu whole = menu();
     whole.extend(additionalMenu());
     std::vector<KNMenuItem> common;
-    if (const QString name = dragDropString(); !name.isEmpty())
+    if (const QString name = insertedText(); !name.isEmpty())
         common.push_back(actionItem("Copy name", "copyName:", name));
     if (propertiesLoader())
         common.push_back(actionItem("Properties", "showProperties:", shared_from_this()));
@@ -165,7 +178,19 @@ KNMenu KNDatabaseTreeEntry::contextMenu()
 
 QString KNDatabaseTreeEntry::dragDropString() const
 {
-    return QString();
+    return listOf(dragNames());
+}
+
+QString KNDatabaseTreeEntry::insertedText() const
+{
+    QList<QStringList> names = dragNames();
+    if (names.isEmpty() || !m_databaseConnectionDetails)
+        return dragDropString();
+    for (QStringList &parts : names) {
+        for (QString &part : parts)
+            part = part.isEmpty() ? part : m_databaseConnectionDetails->quotedName(part);
+    }
+    return listOf(names);
 }
 
 std::shared_ptr<DatabaseTreeDragDropEntry> KNDatabaseTreeEntry::dragDropEntry() const

@@ -8,6 +8,8 @@
 #include "Foundation/KNError.h"
 #include "KNSharedExport.h"
 
+#include <QStringList>
+
 #include <atomic>
 #include <mutex>
 #include <vector>
@@ -49,9 +51,11 @@ public:
     /// The secondary text of the row; null for none.
     QString details() const;
     void setDetails(const QString &details);
-    /// The name of the row's icon.
+    /// The name of the icon of this kind of row.
     virtual QString image() const;
     void setImage(const QString &image);
+    /// The name of the icon that the row shows, image() unless a kind has several.
+    virtual QString iconName() const { return image(); }
     /// Whether the row is less important than others and drawn in a dimmed colour.
     virtual bool isDimmed() const { return false; }
     /// Height in points.
@@ -85,8 +89,13 @@ public:
     /// Returns a function that reads the object's properties; null if it has none. The function may outlive
     /// the entry.
     virtual KNObjectPropertiesLoader propertiesLoader() const;
-    /// The text inserted when the row is dragged into an editor; null for nothing.
+    /// The names of the objects that a drag inserts, each as its parts without quotes; none by default.
+    virtual QList<QStringList> dragNames() const { return {}; }
+    /// The text of a drag, with names as they are shown: dragNames() as a list by default. Null for nothing.
     virtual QString dragDropString() const;
+    /// The text inserted when the row is dragged into an editor: dragNames() with quotes where the server's
+    /// language requires them, otherwise dragDropString(). Null for nothing.
+    QString insertedText() const;
     /// The data of a drag; null for nothing.
     virtual std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const;
     virtual void onDoubleClicked() {}

@@ -225,7 +225,7 @@ QVariant KNDatabaseTreeModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return entry.displayName();
     case Qt::DecorationRole:
-        return KNIcon::named(entry.image());
+        return KNIcon::named(entry.iconName());
     case Qt::ToolTipRole:
         return KNPlainToolTip(nameWithDetails(*node));
     case Qt::AccessibleTextRole:
@@ -271,7 +271,7 @@ QMimeData *KNDatabaseTreeModel::mimeData(const QModelIndexList &indexes) const
 {
     QStringList texts;
     for (const QModelIndex &index : indexes) {
-        if (const QString text = entry(index)->dragDropString(); !text.isNull())
+        if (const QString text = entry(index)->insertedText(); !text.isNull())
             texts.append(text);
     }
     if (texts.isEmpty())

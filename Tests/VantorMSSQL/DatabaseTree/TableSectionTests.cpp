@@ -72,6 +72,7 @@ TEST_F(TableSection, ColumnsTellKeyTypeAndNullability)
     EXPECT_EQ(imagesOf(columns),
               list({"DatabaseTree-PK", "DatabaseTree-Column", "DatabaseTree-Column", "DatabaseTree-Column"}));
     EXPECT_EQ(columns->dragDropString(), QStringLiteral("id, name, notes, price"));
+    EXPECT_EQ(columns->insertedText(), QStringLiteral("id, name, notes, price"));
     EXPECT_TRUE(delegate->eventsOf(*columns)[1].onMainThread);
     const auto id = std::dynamic_pointer_cast<MSSQLDatabaseTreeEntryDatabaseTableColumn>(
         columns->childEntries()->front());
@@ -82,6 +83,19 @@ TEST_F(TableSection, ColumnsTellKeyTypeAndNullability)
     EXPECT_EQ(id->tableCellHeight(), 23);
     EXPECT_EQ(id->tableCellIdentifier(), QStringLiteral("ColumnDetailsTableCellView"));
     EXPECT_FALSE(id->canHaveChildren());
+}
+
+TEST_F(TableSection, ColumnsAreInsertedInBracketsWhereAStatementNeedsThem)
+{
+    server->answer("ColumnsForTable", {{"order id", "int", nullptr, 10, 0, 0, 1},
+                                       {"name", "nvarchar", 100, 0, 0, 1, 0},
+                                       {"a]b", "int", nullptr, 10, 0, 0, 0}});
+    const Ptr columns = section("Columns");
+    EXPECT_TRUE(load(columns));
+    EXPECT_EQ(columns->dragDropString(), QStringLiteral("order id, name, a]b"));
+    EXPECT_EQ(columns->insertedText(), QStringLiteral("[order id], name, [a]]b]"));
+    EXPECT_EQ(columns->childEntries()->front()->dragDropString(), QStringLiteral("order id"));
+    EXPECT_EQ(columns->childEntries()->front()->insertedText(), QStringLiteral("[order id]"));
 }
 
 TEST_F(TableSection, AColumnThatIsListedTwiceAppearsOnceAsListedFirst)
@@ -202,6 +216,19 @@ TEST_F(TableSection, TriggersCarryTheirScripts)
         QStringLiteral("DROP TRIGGER trg\r\nGO\r\n\r\nCREATE TRIGGER trg ON Orders\r\n-- CREATE\r\nGO"));
     EXPECT_EQ(item(menu, list({"Modify"})).action, QStringLiteral("addQueryTabWithQueryLoader:"));
     EXPECT_EQ(loaderText(item(menu, list({"Modify"}))), trigger->alterTriggerSQL());
+}
+
+TEST_F(TableSection, TriggersKeepTheirStoredText)
+{
+    server->answer(
+        "List_TriggersForTableWithDetails",
+        {{"trg", "AFTER", "INSERT", "create trigger dbo.old on Orders after insert as select 1", 1}});
+    const Ptr triggers = section("Triggers");
+    EXPECT_TRUE(load(triggers));
+    const auto trigger =
+        std::dynamic_pointer_cast<MSSQLDatabaseTreeEntryTableTrigger>(triggers->childEntries()->front());
+    EXPECT_EQ(trigger->alterTriggerSQL(),
+              QStringLiteral("ALTER trigger dbo.old on Orders after insert as select 1"));
 }
 
 TEST_F(TableSection, ReportsUnreadableTriggerDefinition)

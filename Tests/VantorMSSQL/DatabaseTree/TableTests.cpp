@@ -54,14 +54,27 @@ TEST_F(Table, IsDraggedByItsDisplayName)
     EXPECT_NE(orders->dragDropEntry(), nullptr);
 }
 
-TEST_F(Table, IsDraggedInBracketsWhereItsNameWouldReadAsSomethingElse)
+TEST_F(Table, IsInsertedInBracketsWhereItsNameWouldReadAsSomethingElse)
 {
-    EXPECT_EQ(table("dbo", "a]; DROP TABLE victim; --")->dragDropString(),
-              QStringLiteral("[a]]; DROP TABLE victim; --]"));
-    EXPECT_EQ(table("dbo", "DROP TABLE victim")->dragDropString(), QStringLiteral("[DROP TABLE victim]"));
+    EXPECT_EQ(table("dbo", "Orders")->insertedText(), QStringLiteral("Orders"));
+    const Ptr hostile = table("dbo", "a]; DROP TABLE victim; --");
+    EXPECT_EQ(hostile->dragDropString(), QStringLiteral("a]; DROP TABLE victim; --"));
+    EXPECT_EQ(hostile->insertedText(), QStringLiteral("[a]]; DROP TABLE victim; --]"));
+    EXPECT_EQ(table("dbo", "DROP TABLE victim")->insertedText(), QStringLiteral("[DROP TABLE victim]"));
     const Ptr other = table("my schema", "a.b");
     other->setDisplayName(QStringLiteral("my schema.a.b"));
-    EXPECT_EQ(other->dragDropString(), QStringLiteral("[my schema].[a.b]"));
+    EXPECT_EQ(other->dragDropString(), QStringLiteral("my schema.a.b"));
+    EXPECT_EQ(other->insertedText(), QStringLiteral("[my schema].[a.b]"));
+}
+
+TEST_F(Table, AViewHasTheImageOfATableAndAnIconOfItsOwn)
+{
+    const auto view = std::make_shared<MSSQLDatabaseTreeEntryDatabaseTable>(
+        QStringLiteral("v"), QStringLiteral("dbo"), QStringLiteral("v"));
+    EXPECT_EQ(view->iconName(), QStringLiteral("DatabaseTree-Table"));
+    view->setIsView(true);
+    EXPECT_EQ(view->image(), QStringLiteral("DatabaseTree-Table"));
+    EXPECT_EQ(view->iconName(), QStringLiteral("DatabaseTree-View"));
 }
 
 TEST_F(Table, ADoubleClickSelectsFromItWithBothNamesEscaped)

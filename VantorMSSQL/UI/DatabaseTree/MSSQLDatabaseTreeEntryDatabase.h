@@ -2,7 +2,6 @@
 
 #include "DatabaseTree/KNDatabaseSearchResult.h"
 #include "DatabaseTree/KNDatabaseTreeLoadingEntry.h"
-#include "Implementations/MSSQLObjectPath.h"
 
 /// A user database. Its sections are created without a query. It stores the searchable objects of the
 /// database.
@@ -18,7 +17,7 @@ public:
     void setDatabaseName(const QString &databaseName) { m_databaseName = databaseName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Database"); }
-    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
+    QList<QStringList> dragNames() const override { return {{displayName()}}; }
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;
 

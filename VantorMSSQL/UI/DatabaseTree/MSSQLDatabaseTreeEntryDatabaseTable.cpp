@@ -34,15 +34,16 @@ KNDatabaseTreeEntry::List MSSQLDatabaseTreeEntryDatabaseTable::makeEntries()
             make<MSSQLDatabaseTreeEntrySectionTableTriggers>(m_schema, m_tableName)};
 }
 
-QString MSSQLDatabaseTreeEntryDatabaseTable::image() const
+QString MSSQLDatabaseTreeEntryDatabaseTable::iconName() const
 {
-    return m_isView ? QStringLiteral("DatabaseTree-View") : QStringLiteral("DatabaseTree-Table");
+    return m_isView ? QStringLiteral("DatabaseTree-View") : image();
 }
 
-QString MSSQLDatabaseTreeEntryDatabaseTable::dragDropString() const
+QList<QStringList> MSSQLDatabaseTreeEntryDatabaseTable::dragNames() const
 {
-    return displayName() == m_tableName ? MSSQLObjectPath::readable({m_tableName})
-                                        : MSSQLObjectPath::readable({m_schema, m_tableName});
+    if (displayName() == m_tableName)
+        return {{m_tableName}};
+    return {{m_schema, m_tableName}};
 }
 
 std::shared_ptr<DatabaseTreeDragDropEntry> MSSQLDatabaseTreeEntryDatabaseTable::dragDropEntry() const

@@ -16,9 +16,9 @@ public:
     bool isView() const { return m_isView; }
     void setIsView(bool isView) { m_isView = isView; }
 
-    QString image() const override;
-    /// The display name, with its parts in brackets where a server requires them.
-    QString dragDropString() const override;
+    QString image() const override { return QStringLiteral("DatabaseTree-Table"); }
+    QString iconName() const override;
+    QList<QStringList> dragNames() const override;
     std::shared_ptr<DatabaseTreeDragDropEntry> dragDropEntry() const override;
     void onDoubleClicked() override { cmdDown(); }
     /// Shows the first rows in a new query tab.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
-#include "Implementations/MSSQLObjectPath.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 /// An index of a table or a view.
@@ -16,7 +15,7 @@ public:
     QString indexName() const { return m_indexName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Index"); }
-    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
+    QList<QStringList> dragNames() const override { return {{displayName()}}; }
     KNMenu menu() override;
     /// Opens the designer of the table; does nothing for a view.
     void onDoubleClicked() override { MSSQLTreeCatalog::openDesigner(*this); }

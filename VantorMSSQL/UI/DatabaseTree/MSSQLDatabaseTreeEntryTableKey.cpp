@@ -1,6 +1,7 @@
 #include "UI/DatabaseTree/MSSQLDatabaseTreeEntryTableKey.h"
 
 #include "Foundation/KNFormat.h"
+#include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/StaticQueryLoader.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
-#include "Implementations/MSSQLObjectPath.h"
 
 /// A primary, unique or foreign key of a table.
 class MSSQLDatabaseTreeEntryTableKey : public KNDatabaseTreeEntry
@@ -15,7 +14,7 @@ public:
     QString tableName() const { return m_tableName; }
 
     QString image() const override;
-    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
+    QList<QStringList> dragNames() const override { return {{displayName()}}; }
     KNObjectPropertiesLoader propertiesLoader() const override;
 
 protected:

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
-#include "Implementations/MSSQLObjectPath.h"
 #include "UI/DatabaseTree/MSSQLTreeCatalog.h"
 
 /// A column of a table or a view, displayed by its name.
@@ -21,7 +20,7 @@ public:
     QString image() const override;
     int tableCellHeight() const override { return 23; }
     QString tableCellIdentifier() const override { return QStringLiteral("ColumnDetailsTableCellView"); }
-    QString dragDropString() const override { return MSSQLObjectPath::readable({m_columnName}); }
+    QList<QStringList> dragNames() const override { return {{m_columnName}}; }
     KNMenu menu() override;
     /// Opens the designer of the table; does nothing for a view.
     void onDoubleClicked() override { MSSQLTreeCatalog::openDesigner(*this); }

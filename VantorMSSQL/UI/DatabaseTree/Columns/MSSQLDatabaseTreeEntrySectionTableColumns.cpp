@@ -14,14 +14,14 @@ MSSQLDatabaseTreeEntrySectionTableColumns::MSSQLDatabaseTreeEntrySectionTableCol
 {
 }
 
-QString MSSQLDatabaseTreeEntrySectionTableColumns::dragDropString() const
+QList<QStringList> MSSQLDatabaseTreeEntrySectionTableColumns::dragNames() const
 {
-    QStringList names;
+    QList<QStringList> names;
     if (const Children children = childEntries()) {
         for (const Ptr &child : *children)
-            names.append(child->dragDropString());
+            names += child->dragNames();
     }
-    return names.join(QStringLiteral(", "));
+    return names;
 }
 
 void MSSQLDatabaseTreeEntrySectionTableColumns::removeChild(const Ptr &child)

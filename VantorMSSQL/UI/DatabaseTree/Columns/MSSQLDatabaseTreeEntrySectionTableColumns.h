@@ -10,8 +10,8 @@ public:
     MSSQLDatabaseTreeEntrySectionTableColumns(const QString &schema, const QString &tableName);
 
     QString displayName() const override { return QStringLiteral("Columns"); }
-    /// The names of all columns, as a list for use in a statement.
-    QString dragDropString() const override;
+    /// The names of all columns.
+    QList<QStringList> dragNames() const override;
     void removeChild(const Ptr &child) override;
     KNMenu menu() override;
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DatabaseTree/KNDatabaseTreeEntry.h"
-#include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryLoader.h"
 
 /// A trigger. Its scripts are derived from its definition.
@@ -21,7 +20,7 @@ public:
     QString dropAndCreateTriggerSQL() const { return m_dropAndCreateTriggerSQL; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Trigger"); }
-    QString dragDropString() const override { return MSSQLObjectPath::readable({displayName()}); }
+    QList<QStringList> dragNames() const override { return {{displayName()}}; }
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;
 

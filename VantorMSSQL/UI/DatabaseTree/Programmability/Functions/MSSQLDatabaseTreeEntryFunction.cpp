@@ -1,7 +1,6 @@
 #include "UI/DatabaseTree/Programmability/Functions/MSSQLDatabaseTreeEntryFunction.h"
 
 #include "Foundation/KNFormat.h"
-#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptAlterFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptCreateFunctionQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateFunctionQueryLoader.h"
@@ -20,11 +19,6 @@ MSSQLDatabaseTreeEntryFunction::MSSQLDatabaseTreeEntryFunction(const QString &di
 MSSQLScriptSubject MSSQLDatabaseTreeEntryFunction::scriptSubject() const
 {
     return {QStringLiteral("FUNCTION"), m_schema, m_functionName, databaseConnectionDetails()};
-}
-
-QString MSSQLDatabaseTreeEntryFunction::dragDropString() const
-{
-    return MSSQLObjectPath::readable({m_schema, m_functionName});
 }
 
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryFunction::propertiesLoader() const

@@ -15,7 +15,7 @@ public:
     QString functionName() const { return m_functionName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-Function"); }
-    QString dragDropString() const override;
+    QList<QStringList> dragNames() const override { return {{m_schema, m_functionName}}; }
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;
 

@@ -38,11 +38,6 @@ KNDatabaseTreeEntry::Ptr MSSQLDatabaseTreeEntryStoredProcedure::entryFor(const M
     return parameter;
 }
 
-QString MSSQLDatabaseTreeEntryStoredProcedure::dragDropString() const
-{
-    return MSSQLObjectPath::readable({schema(), procedureName()});
-}
-
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryStoredProcedure::propertiesLoader() const
 {
     return MSSQLTreeCatalog::objectProperties(*this, schema(), procedureName());

@@ -16,7 +16,7 @@ public:
     QString procedureName() const { return object(); }
 
     QString image() const override { return QStringLiteral("DatabaseTree-StoredProcedure"); }
-    QString dragDropString() const override;
+    QList<QStringList> dragNames() const override { return {{schema(), procedureName()}}; }
     void removeChild(const Ptr &child) override;
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;

@@ -1,7 +1,6 @@
 #include "UI/DatabaseTree/Programmability/Types/MSSQLDatabaseTreeEntryProgrammabilityType.h"
 
 #include "Catalog/MSSQLObjectProperties.h"
-#include "Implementations/MSSQLObjectPath.h"
 #include "Scripts/MSSQLScriptCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropAndCreateTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
@@ -14,11 +13,6 @@ MSSQLDatabaseTreeEntryProgrammabilityType::MSSQLDatabaseTreeEntryProgrammability
     , m_typeType(typeType)
 {
     setDisplayName(displayName);
-}
-
-QString MSSQLDatabaseTreeEntryProgrammabilityType::dragDropString() const
-{
-    return MSSQLObjectPath::readable({m_schema, m_typeName});
 }
 
 KNObjectPropertiesLoader MSSQLDatabaseTreeEntryProgrammabilityType::propertiesLoader() const

@@ -14,7 +14,7 @@ public:
     QString typeName() const { return m_typeName; }
 
     QString image() const override { return QStringLiteral("DatabaseTree-UserType"); }
-    QString dragDropString() const override;
+    QList<QStringList> dragNames() const override { return {{m_schema, m_typeName}}; }
     KNMenu menu() override;
     KNObjectPropertiesLoader propertiesLoader() const override;
 
