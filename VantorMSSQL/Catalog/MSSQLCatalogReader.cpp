@@ -44,10 +44,12 @@ KNError read(const VantorDBC &settings, const QString &title, const Values &valu
     return error ? reported(error, domain, sql) : error;
 }
 
-KNError reported(const KNError &error, const char *domain, const QString &sql)
+KNError reported(const KNError &error, const ErrorContext &context, const QString &sql)
 {
-    const KNError own = error.inDomain(QString::fromLatin1(domain));
-    MSSQLErrorReport::reportError(own, {{QStringLiteral("Query"), sql}});
+    const KNError own = error.inDomain(QString::fromLatin1(context.domain));
+    QVariantMap details = context.details;
+    details.insert(QStringLiteral("Query"), sql);
+    MSSQLErrorReport::reportError(own, details);
     return own;
 }
 

@@ -5,6 +5,7 @@
 #include "Foundation/KNError.h"
 
 #include <QMap>
+#include <QVariantMap>
 
 #include <functional>
 
@@ -42,22 +43,34 @@ KNError run(const VantorDBC &settings, const Query &query, const ReadRows &readR
 KNError read(const VantorDBC &settings, const QString &title, const Values &values, const char *domain,
              const EachRow &eachRow);
 
+/// How a query's error is logged: in its domain, with these details and the query.
+struct ErrorContext
+{
+    ErrorContext(const char *errorDomain, QVariantMap errorDetails = {})
+        : domain(errorDomain)
+        , details(std::move(errorDetails))
+    {
+    }
+    const char *domain;
+    QVariantMap details;
+};
+
 /// Logs a query's error and returns it in this domain.
-KNError reported(const KNError &error, const char *domain, const QString &sql);
+KNError reported(const KNError &error, const ErrorContext &context, const QString &sql);
 
 /// Returns the records of a table, view or procedure. `Record` names its query and reads its rows. Empty
 /// after an error, which is logged: a partial list would look like a complete one.
 template <typename Record>
 QList<Record> records(const VantorDBC &settings, const QString &schema, const QString &object,
-                      const char *domain, KNError *error)
+                      const ErrorContext &context, KNError *error)
 {
     QList<Record> list;
     const QString sql = text(settings, QString::fromLatin1(Record::Title), Record::values(schema, object));
-    *error = run(settings, {sql, domain}, [&](DatabaseResultSet *rows, const KNError &failure) {
+    *error = run(settings, {sql, context.domain}, [&](DatabaseResultSet *rows, const KNError &failure) {
         list = rows && !failure ? Record::listFrom(*rows) : QList<Record>();
     });
     if (*error)
-        *error = reported(*error, domain, sql);
+        *error = reported(*error, context, sql);
     return list;
 }
 

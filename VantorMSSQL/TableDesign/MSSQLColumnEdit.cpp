@@ -2,6 +2,8 @@
 
 #include "Catalog/MSSQLVersionHelper.h"
 #include "Foundation/KNFormat.h"
+#include "Foundation/KNLogHelper.h"
+#include "Scripts/MSSQLCorrectedStatements.h"
 #include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "TableDesign/MSSQLColumnScript.h"
 #include "TableDesign/MSSQLPrimaryKeyScript.h"
@@ -102,7 +104,11 @@ QString MSSQLColumnEdit::refusal() const
         return tr("A column needs a type.");
     if (m_cell == Primary && MSSQLPrimaryKeyScript::needsNotNull(m_before, m_value.toBool()))
         return tr("You must disable 'nullable' before this column can become a primary key.");
-    return refusal(m_before, m_cell);
+    const QString reason = refusal(m_before, m_cell);
+    if (m_cell == AutoIncrement && !reason.isNull())
+        KNLogHelper::sharedInstance()->logMessage("Unable to set column %@ to value %@", m_before.columnName,
+                                                  m_value.toString());
+    return reason;
 }
 
 bool MSSQLColumnEdit::isTypeThatMayLoseValues() const
@@ -118,8 +124,17 @@ KNStatementPair MSSQLColumnEdit::script(const MSSQLDesignedTable &table,
     if (m_value == valueOf(m_before, m_cell))
         return {};
     const KNStatementPair pair = statement(table, columns, settings, error);
+    logScript(pair.preferred(MSSQLCorrectedStatements::areUsed()));
     return MSSQLVersionHelper::sharedInstance()->isSQL2000(settings) ? MSSQLColumnScript::wrappedFor2000(pair)
                                                                      : MSSQLColumnScript::wrapped(pair);
+}
+
+void MSSQLColumnEdit::logScript(const QString &script) const
+{
+    if (m_cell == Default && !script.isNull())
+        KNLogHelper::sharedInstance()->logMessage("Alter table query is: %@", script);
+    else if (m_cell == Primary && !script.isNull())
+        KNLogHelper::sharedInstance()->logMessage("Resulting query is: %@", script);
 }
 
 KNStatementPair MSSQLColumnEdit::statement(const MSSQLDesignedTable &table,

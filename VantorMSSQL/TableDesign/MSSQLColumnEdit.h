@@ -41,6 +41,7 @@ private:
                               const VantorDBC &settings, KNError *error) const;
     KNStatementPair keyChange(const MSSQLDesignedTable &table, const QList<MSSQLColumnRecord> &columns,
                               const VantorDBC &settings, KNError *error) const;
+    void logScript(const QString &script) const;
 
     MSSQLColumnRecord m_before;
     Cell m_cell;

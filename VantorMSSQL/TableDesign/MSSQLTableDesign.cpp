@@ -190,7 +190,8 @@ QList<KNDesignStep> MSSQLTableDesign::steps(const KNColumnEdit &edit, bool prefe
 {
     const MSSQLDesignedTable table = tableInSchema();
     const auto columns = MSSQLCatalogReader::records<MSSQLColumnRecord>(
-        *m_settings, table.schema, table.name, "mssql.tabledesigner.loadTable", error);
+        *m_settings, table.schema, table.name,
+        {"mssql.tabledesigner.loadTable", {{QStringLiteral("tableName"), table.name}}}, error);
     if (*error)
         return {};
     if (columns.isEmpty()) {

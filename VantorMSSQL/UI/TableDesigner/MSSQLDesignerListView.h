@@ -40,19 +40,19 @@ protected:
 
     /// Implements load(): reads the records of the table and passes them to `show` on the UI thread.
     template <typename Record, typename Show>
-    void loadRecords(const char *errorDomain, Show show)
+    void loadRecords(const MSSQLCatalogReader::ErrorContext &context, Show show)
     {
         m_isOutdated = m_isLoading;
         if (m_isLoading)
             return;
         m_isLoading = true;
-        KNDispatch::globalQueue([self = QPointer(this), errorDomain, show, table = m_session.table(),
+        KNDispatch::globalQueue([self = QPointer(this), context, show, table = m_session.table(),
                                  settings = m_session.settings()] {
             KNError error;
             const auto records =
-                MSSQLCatalogReader::records<Record>(*settings, table.schema, table.name, errorDomain, &error);
+                MSSQLCatalogReader::records<Record>(*settings, table.schema, table.name, context, &error);
             if (!error && records.isEmpty())
-                error = errorWithoutTable(table, *settings, errorDomain);
+                error = errorWithoutTable(table, *settings, context.domain);
             KNDispatch::mainQueue([self, records, error, show] {
                 if (!self)
                     return;

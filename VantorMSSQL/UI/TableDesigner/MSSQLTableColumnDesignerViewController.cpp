@@ -83,8 +83,9 @@ QList<MSSQLColumnRecord> MSSQLTableColumnDesignerViewController::loadTable(const
     const QString path = QStringLiteral("UI/TableDesigner/MSSQLTableColumnDesignerViewController");
     KNAssert(!tableName.isNull(), QStringLiteral("tableName cannot be nil."), path);
     KNAssert(connectionDetails != nullptr, QStringLiteral("connectionDetails cannot be nil."), path);
-    return MSSQLCatalogReader::records<MSSQLColumnRecord>(*connectionDetails, inSchema, tableName, LoadDomain,
-                                                          error);
+    return MSSQLCatalogReader::records<MSSQLColumnRecord>(
+        *connectionDetails, inSchema, tableName, {LoadDomain, {{QStringLiteral("tableName"), tableName}}},
+        error);
 }
 
 void MSSQLTableColumnDesignerViewController::reload()

@@ -52,7 +52,9 @@ void MSSQLTableListForeignKeysViewController::loadForeignKeys()
 {
     KNLogHelper::sharedInstance()->logMessage("Want to load foreign keys");
     loadRecords<MSSQLForeignKeyEntry>(
-        "mssql.tabledesigner.loadForeignKeys",
+        {"mssql.tabledesigner.loadForeignKeys",
+         {{QStringLiteral("tableName"), session().table().name},
+          {QStringLiteral("schemaName"), session().table().schema}}},
         [this](const QList<MSSQLForeignKeyEntry> &keys, const KNError &error) {
             m_keys = keys;
             QList<QStringList> rows;

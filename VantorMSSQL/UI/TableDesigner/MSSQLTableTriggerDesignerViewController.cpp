@@ -44,7 +44,7 @@ void MSSQLTableTriggerDesignerViewController::loadTriggers()
 {
     KNLogHelper::sharedInstance()->logMessage("Want to load triggers");
     loadRecords<MSSQLTriggerEntry>(
-        "mssql.tabledesigner.loadTriggers",
+        {"mssql.tabledesigner.loadTriggers", {{QStringLiteral("tableName"), session().table().name}}},
         [this](const QList<MSSQLTriggerEntry> &triggers, const KNError &error) {
             m_triggers = triggers;
             QList<QStringList> rows;
