@@ -47,6 +47,16 @@ public:
     QStringList texts;
 };
 
+/// A row that stands for two objects.
+class Named : public KNDatabaseTreeEntry
+{
+public:
+    QList<QStringList> dragNames() const override
+    {
+        return {{QStringLiteral("my schema"), QStringLiteral("t")}, {QString(), QStringLiteral("u")}};
+    }
+};
+
 } // namespace
 
 TEST(TreeEntry, IsAPlainLeafByItself)
@@ -58,6 +68,18 @@ TEST(TreeEntry, IsAPlainLeafByItself)
     EXPECT_TRUE(entry->menu().items.empty());
     EXPECT_TRUE(entry->dragDropString().isNull());
     EXPECT_EQ(entry->copyWithSearchResults(QStringLiteral("x")), nullptr);
+}
+
+TEST(TreeEntry, InsertsItsNamesWithTheQuotesOfTheServersLanguage)
+{
+    FakeDatabase::Server server;
+    const FakeDatabase::Settings settings(server);
+    Named entry;
+    EXPECT_EQ(entry.dragDropString(), QStringLiteral("my schema.t, .u"));
+    EXPECT_EQ(entry.insertedText(), QStringLiteral("my schema.t, .u")) << "without settings";
+    entry.setDatabaseConnectionDetails(&settings);
+    EXPECT_EQ(entry.insertedText(), QStringLiteral("\"my schema\".\"t\", .\"u\""));
+    EXPECT_TRUE(KNDatabaseTreeEntry().insertedText().isNull());
 }
 
 TEST(TreeEntry, PassesDelegateAndSettingsToChildren)
