@@ -11,7 +11,7 @@ class KNConnectorPlugin;
 namespace KNConnectorLoader {
 
 /// The contract version that this program supports.
-constexpr int ContractVersion = 7;
+constexpr int ContractVersion = 8;
 
 /// Why a module could not be loaded as a connector: the error codes of the domain
 /// "com.quorvex.vantor.connector".

@@ -15,7 +15,7 @@ class VantorDBC;
 ///     Q_PLUGIN_METADATA(IID KNConnectorPlugin_iid FILE "Connector.json")
 ///     Q_INTERFACES(KNConnectorPlugin)
 ///
-/// with {"contract": 7, "name": "..."} in the file. A change that breaks modules built before it raises both
+/// with {"contract": 8, "name": "..."} in the file. A change that breaks modules built before it raises both
 /// numbers.
 class KNSHARED_EXPORT KNConnectorPlugin
 {

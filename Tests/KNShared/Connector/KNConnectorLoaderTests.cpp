@@ -99,8 +99,8 @@ TEST(KNConnectorLoader, RefusesAPluginForSomethingElse)
 TEST(KNConnectorLoader, RefusesAnotherVersionOfTheContract)
 {
     expectRefusal(plugin("NewerContract"), Problem::WrongContract,
-                  "keeps version 8 of the connector contract");
-    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 7");
+                  "keeps version 9 of the connector contract");
+    expectRefusal(plugin("NoContract"), Problem::WrongContract, "needs version 8");
 }
 
 TEST(KNConnectorLoader, RefusesAConnectorWithoutAName)
