@@ -1,5 +1,6 @@
 #include "Implementations/MSSQLBrowserServiceClient.h"
 
+#include "Foundation/KNDispatch.h"
 #include "Foundation/KNLogHelper.h"
 #include "Support/PrintQt.h"
 
@@ -8,6 +9,10 @@
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -43,6 +48,63 @@ QString received(const QList<QByteArray> &datagrams)
     close(sockets[1]);
     return text;
 }
+
+/// Sends a datagram again and again, for at most 20 s, to a socket that a pass reads.
+class Flood
+{
+public:
+    explicit Flood(const QByteArray &datagram, qsizetype stopsSearchAfter = -1)
+    {
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, m_sockets), 0);
+        const timeval timeout = {1, 0};
+        setsockopt(m_sockets[0], SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+        setsockopt(m_sockets[1], SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
+        m_sender = std::thread([this, datagram, stopsSearchAfter] {
+            const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+            for (qsizetype count = 0; !m_isOver && std::chrono::steady_clock::now() < end; ++count) {
+                if (count == stopsSearchAfter)
+                    Client::stopBrowseForServers();
+                send(m_sockets[1], datagram.constData(), static_cast<size_t>(datagram.size()), MSG_NOSIGNAL);
+            }
+            m_hasGivenUp = !m_isOver;
+        });
+    }
+    ~Flood()
+    {
+        m_isOver = true;
+        m_sender.join();
+        close(m_sockets[0]);
+        close(m_sockets[1]);
+    }
+    Flood(const Flood &) = delete;
+    Flood &operator=(const Flood &) = delete;
+
+    int socket() const { return m_sockets[0]; }
+    /// Whether the reader had to be ended.
+    bool hasGivenUp() const { return m_hasGivenUp; }
+
+private:
+    int m_sockets[2] = {-1, -1};
+    std::atomic<bool> m_isOver = false;
+    std::atomic<bool> m_hasGivenUp = false;
+    std::thread m_sender;
+};
+
+/// Uses other times for the search while it lives.
+class SearchTimes
+{
+public:
+    explicit SearchTimes(std::chrono::milliseconds longestPass)
+    {
+        Client::Search search = {QStringLiteral("no address"), 1};
+        search.longestPass = longestPass;
+        search.pause = std::chrono::hours(1);
+        Client::setSearch(search);
+    }
+    ~SearchTimes() { Client::setSearch({}); }
+    SearchTimes(const SearchTimes &) = delete;
+    SearchTimes &operator=(const SearchTimes &) = delete;
+};
 
 /// What is logged while it lives.
 class Log
@@ -108,6 +170,53 @@ TEST(BrowserAnswers, ReturnNullForInvalidAnswer)
 TEST(BrowserAnswers, DropTextThatIsNotUtf8)
 {
     EXPECT_EQ(received({answer("a\xFF"), answer("")}), QStringLiteral(""));
+}
+
+TEST(BrowserAnswers, AreReadWhenLongerThanABuffer)
+{
+    const Log log;
+    // 511 bytes of each datagram count, so the second one begins within the first one's text.
+    const QByteArray longAnswer = answer(QByteArray(600, 'x'));
+    EXPECT_TRUE(received({longAnswer}).isEmpty());
+    EXPECT_TRUE(log.holds("Did not received entire message."));
+    const QByteArray next = answer(QByteArray(100, 'y'));
+    const qsizetype missing = 603 - 511;
+    EXPECT_TRUE(received({longAnswer, next}).isNull()) << "the walk goes on within the second answer";
+    EXPECT_EQ(received({longAnswer, next.first(missing)}),
+              QString::fromLatin1(QByteArray(508, 'x') + next.first(missing)));
+}
+
+TEST(BrowserAnswers, AreBoundedInSize)
+{
+    const SearchTimes times(std::chrono::hours(1));
+    const Flood flood(answer(QByteArray(500, 'x')));
+    const QString text = Client::reciveBroadcastRespondFromSocket(flood.socket(), 1434);
+    EXPECT_FALSE(flood.hasGivenUp());
+    constexpr qsizetype FourMebibytes = 4 * 1024 * 1024;
+    EXPECT_LE(text.size(), FourMebibytes);
+    EXPECT_GT(text.size(), FourMebibytes - FourMebibytes / 100);
+}
+
+TEST(BrowserAnswers, EndAtTheDeadlineOfThePass)
+{
+    const SearchTimes times(std::chrono::milliseconds(50));
+    for (const QByteArray &datagram : {QByteArray(""), QByteArray("\x05\x00\x00", 3)}) {
+        const Flood flood(datagram);
+        EXPECT_TRUE(Client::reciveBroadcastRespondFromSocket(flood.socket(), 1434).isEmpty());
+        EXPECT_FALSE(flood.hasGivenUp()) << datagram.size();
+    }
+}
+
+TEST(BrowserAnswers, EndWhenTheSearchIsStopped)
+{
+    const SearchTimes times(std::chrono::hours(1));
+    Client::beginBrowseForServers();
+    {
+        const Flood flood("", 100);
+        EXPECT_TRUE(Client::reciveBroadcastRespondFromSocket(flood.socket(), 1434).isNull());
+        EXPECT_FALSE(flood.hasGivenUp());
+    }
+    EXPECT_TRUE(KNDispatch::waitUntilIdle(30000));
 }
 
 TEST(BrowserAnswers, WithARecordYieldItsInstance)

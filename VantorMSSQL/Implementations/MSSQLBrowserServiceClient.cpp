@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -104,6 +105,26 @@ bool ask(const Socket &socket, const MSSQLBrowserServiceClient::Search &search)
     return true;
 }
 
+/// Everything that arrives until the socket's time-out, the deadline of the pass or the end of the search.
+QByteArray receivedBytes(int socket)
+{
+    State &all = state();
+    const bool belongsToSearch = all.enabled;
+    std::chrono::milliseconds longestPass;
+    {
+        const std::lock_guard lock(all.mutex);
+        longestPass = all.search.longestPass;
+    }
+    const auto deadline = std::chrono::steady_clock::now() + longestPass;
+    QByteArray data;
+    char buffer[512] = {};
+    for (ssize_t size = 0; data.size() < LongestAnswers && std::chrono::steady_clock::now() < deadline &&
+                           (all.enabled || !belongsToSearch) &&
+                           (size = recv(socket, buffer, sizeof buffer - 1, 0)) >= 0;)
+        data.append(buffer, size);
+    return data;
+}
+
 /// Undecodable text is null.
 QString decoded(QByteArrayView bytes)
 {
@@ -183,11 +204,7 @@ void MSSQLBrowserServiceClient::doBrowseForServers()
 
 QString MSSQLBrowserServiceClient::reciveBroadcastRespondFromSocket(int socket, quint16)
 {
-    QByteArray data;
-    char buffer[512] = {};
-    for (ssize_t size = 0;
-         data.size() < LongestAnswers && (size = recv(socket, buffer, sizeof buffer - 1, 0)) >= 0;)
-        data.append(buffer, size);
+    const QByteArray data = receivedBytes(socket);
     if (data.size() <= HeaderSize)
         return QString();
 
