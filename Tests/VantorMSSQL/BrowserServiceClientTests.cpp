@@ -242,6 +242,25 @@ TEST(BrowserAnswers, OfNamedPipesOnlyKeepPortZero)
     EXPECT_TRUE(log.holds("Unknown key (np) with value (\\\\A\\pipe\\sql)."));
 }
 
+TEST(BrowserAnswers, WithAPortThatIsNoNumberYieldItsDigits)
+{
+    const auto portIn = [](const char *value) {
+        const auto text = QStringLiteral("ServerName;A;tcp;%1;;").arg(QLatin1String(value));
+        return Client::entriesInText(text, Now).value(0).port;
+    };
+    EXPECT_EQ(portIn("1433x"), 1433);
+    EXPECT_EQ(portIn("-7"), -7);
+    EXPECT_EQ(portIn("x1433"), 0);
+    EXPECT_EQ(portIn("99999999999"), 0);
+}
+
+TEST(BrowserAnswers, WithoutAnInstanceNameLeaveItsPlaceEmpty)
+{
+    const auto entries = Client::entriesInText(QStringLiteral("ServerName;A;tcp;1433;;"), Now);
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(entries[0].connectionString(), QStringLiteral("A,1433\\"));
+}
+
 TEST(BrowserAnswers, MayWriteTheirKeysInAnyCase)
 {
     const auto entries =

@@ -133,6 +133,15 @@ QString decoded(QByteArrayView bytes)
     return decoder.hasError() ? QString() : text;
 }
 
+/// The number that a text begins with; 0 without one or if it does not fit.
+int leadingNumber(const QString &text)
+{
+    qsizetype length = text.startsWith(QLatin1Char('-')) ? 1 : 0;
+    while (length < text.size() && text[length] >= QLatin1Char('0') && text[length] <= QLatin1Char('9'))
+        ++length;
+    return text.left(length).toInt();
+}
+
 } // namespace
 
 const QString MSSQLBrowserServiceClient::MSSQLBrowserServiceClientUpdatedNotification =
@@ -258,7 +267,7 @@ MSSQLBrowserServiceClient::Entries MSSQLBrowserServiceClient::entriesInText(cons
                 entries.last().version = value;
         } else if (is("tcp")) {
             if (!entries.isEmpty())
-                entries.last().port = value.toInt();
+                entries.last().port = leadingNumber(value);
         } else if (!is("IsClustered")) {
             KNLogHelper::sharedInstance()->logMessage("Unknown key (%@) with value (%@).", key, value);
         }

@@ -4,5 +4,5 @@
 
 QString MSSQLBrowserServiceClientEntry::connectionString() const
 {
-    return KNFormat("%@,%d\\%@", host, port, instance);
+    return KNFormat("%@,%d\\%@", host, port, instance.isNull() ? QStringLiteral("") : instance);
 }
