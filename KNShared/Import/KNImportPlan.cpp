@@ -54,7 +54,7 @@ QStringList KNImportMapping::uncheckedColumns(const QList<KNImportColumnPlan> &p
 {
     QStringList unchecked;
     for (const KNImportColumnPlan &plan : plans) {
-        const bool isUnicode = helper.columnType(plan.column.dataTypeDisplay).isUnicode;
+        const bool isUnicode = helper.columnType(plan.column.storedType()).isUnicode;
         if (!isUnicode && !KNCodePage(plan.column.codePage).isKnown())
             unchecked.append(plan.column.name);
     }

@@ -4,7 +4,7 @@ KNImportRowConverter::KNImportRowConverter(const KNImportPlan &plan, const KNDat
     : m_fileColumns(plan.fileColumns)
 {
     for (const KNImportColumnPlan &each : plan.columns) {
-        KNImportColumnType type = helper.columnType(each.column.dataTypeDisplay);
+        KNImportColumnType type = helper.columnType(each.column.storedType());
         type.codePage = KNCodePage(each.column.codePage);
         Column column{{type, each.column.allowsNulls, plan.values}, each.source, KNValue()};
         QString reason;

@@ -16,6 +16,11 @@ struct KNImportTableColumnModel
     bool allowsNulls = true;
     int codePage = 0;        ///< of text that is not Unicode; 0 for other columns, and if it is not known
     bool hasDefault = false; ///< whether the server has a value for rows without one, such as an identity
+    /// The system type on which a user's type is based, with its size; null if it is not known.
+    QString baseType = {};
+
+    /// The type that decides which values the column holds.
+    const QString &storedType() const { return baseType.isNull() ? dataTypeDisplay : baseType; }
 };
 
 /// A table that an import can fill. Connectors subclass it for the parts of their paths. Used by one thread

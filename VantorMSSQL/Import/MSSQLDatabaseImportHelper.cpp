@@ -15,6 +15,7 @@
 namespace {
 
 constexpr auto TablesTitle = "List_TablesAndColumnsForImport";
+constexpr int BaseType = 7; ///< position of its column
 
 bool isSameObjectName(const QString &one, const QString &other)
 {
@@ -22,7 +23,7 @@ bool isSameObjectName(const QString &one, const QString &other)
 }
 
 /// Reads rows that are grouped by table: schema, table, column, type, whether it allows nulls, code page,
-/// whether it has a default.
+/// whether it has a default, the system type behind a user's.
 QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
 {
     QList<KNImportTableModelPtr> tables;
@@ -40,7 +41,8 @@ QList<KNImportTableModelPtr> tablesFrom(DatabaseResultSet &rows)
         current->addColumn({rows.stringForColumnIndex(2), rows.stringForColumnIndex(3),
                             rows.objectForColumnIndex(4).toBool(),
                             static_cast<int>(rows.objectForColumnIndex(5).toInt64()),
-                            rows.objectForColumnIndex(6).toBool()});
+                            rows.objectForColumnIndex(6).toBool(),
+                            rows.columnCount() > BaseType ? rows.stringForColumnIndex(BaseType) : QString()});
     }
     return tables;
 }

@@ -91,7 +91,8 @@ bool isNamed(const QString &name, std::initializer_list<const char *> names)
 
 void readLength(const TypeText &parts, KNImportColumnType *type)
 {
-    type->isUnicode = isNamed(parts.name, {"nchar", "ntext", "nvarchar", "sysname"});
+    type->isUnicode =
+        type->kind != ImportKind::Text || isNamed(parts.name, {"nchar", "ntext", "nvarchar", "sysname"});
     if (parts.name == QLatin1String("sysname"))
         type->maximumLength = 128;
     else if (isNamed(parts.name, {"text", "ntext", "image"}) || parts.isMax)

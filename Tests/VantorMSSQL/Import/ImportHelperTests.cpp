@@ -85,6 +85,22 @@ TEST_F(ImportHelper, ReadsCodePagesAndDefaultsOfColumns)
     EXPECT_EQ(KNImportMapping::uncheckedColumns({{unknown, 0}}, *helper()), QStringList{p("name")});
 }
 
+TEST_F(ImportHelper, ReadsTypesBehindUserTypes)
+{
+    server->answer("List_TablesAndColumnsForImport",
+                   {{"dbo", "T", "a", "[dbo].[Amount]", 0, nullptr, 1, "decimal(5,1)"},
+                    {"dbo", "T", "p", "[dbo].[Point]", 0, nullptr, 1, nullptr},
+                    {"dbo", "T", "c", "[dbo].[Code]", 0, nullptr, 1, "varchar(3)"}});
+    const auto columns = helper()->tablesForImportMapper().value(0)->columns();
+    ASSERT_EQ(columns.size(), 3);
+    EXPECT_EQ(columns[0].dataTypeDisplay, p("[dbo].[Amount]"));
+    EXPECT_EQ(columns[0].storedType(), p("decimal(5,1)"));
+    EXPECT_EQ(columns[1].storedType(), p("[dbo].[Point]"));
+    EXPECT_EQ(
+        KNImportMapping::uncheckedColumns({{columns[0], 0}, {columns[1], 1}, {columns[2], 2}}, *helper()),
+        QStringList{p("c")});
+}
+
 TEST_F(ImportHelper, ComparesNamesOfTablesWithoutCase)
 {
     server->answer("List_TablesAndColumnsForImport",

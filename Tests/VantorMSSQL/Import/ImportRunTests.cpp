@@ -369,6 +369,42 @@ TEST_F(Importing, RefusesCharactersThatTheColumnsCodePageDoesNotHave)
     run(*client, w("DROP TABLE dbo.Narrow USE master"));
 }
 
+TEST_F(Importing, ChecksValuesOfUserTypesByTheirSystemTypes)
+{
+    run(*client, w("USE shop CREATE TYPE dbo.Amount FROM decimal(5,1)"));
+    run(*client, w("CREATE TYPE dbo.[Day] FROM date"));
+    run(*client, w("CREATE TABLE dbo.Aliased (a dbo.Amount, d dbo.[Day])"));
+    client->databaseConnectionDetails().setDatabase(w("shop"));
+    helper = client->databaseConnectionDetails().createDatabaseImportHelper();
+    QList<KNImportTableColumnModel> columns;
+    const auto tables = helper->tablesForImportMapper();
+    for (const KNImportTableModelPtr &table : tables) {
+        if (table->name() == w("Aliased"))
+            columns = table->columns();
+    }
+    ASSERT_EQ(columns.size(), 2);
+    EXPECT_EQ(columns[0].dataTypeDisplay, w("[dbo].[Amount]"));
+    EXPECT_EQ(columns[0].baseType, w("decimal(5,1)"));
+    auto thePlan = plan(write("a;d\n1,26;1.2.2024\n1,2;1.2.2024\n1,3;2024-02-01\n"), {});
+    thePlan.file.separator = QLatin1Char(';');
+    thePlan.fileColumns = QStringList{w("a"), w("d")};
+    thePlan.values.decimalPoint = QLatin1Char(',');
+    thePlan.values.dateFormat = w("d.M.yyyy");
+    thePlan.tablePath = QStringList{w("dbo"), w("Aliased")};
+    thePlan.columns = {{columns[0], 0}, {columns[1], 1}};
+    const auto dryOutcome = KNImportRun(thePlan).dryRun(*helper);
+    ASSERT_EQ(dryOutcome.faultCount, 2U);
+    EXPECT_EQ(dryOutcome.faults[0].reason, w("The number has 2 decimals, the column keeps 1."));
+    EXPECT_EQ(dryOutcome.faults[1].reason, w("This is not a date."));
+    thePlan.faultFile = folder.filePath(w("aliased.csv"));
+    EXPECT_TRUE(import(thePlan).succeeded());
+    const auto rows = run(*client, w("SELECT a, CONVERT(varchar(10), d, 120) FROM dbo.Aliased"));
+    ASSERT_EQ(rows.last()->rows().rowCount(), 1);
+    EXPECT_EQ(rows.last()->rows().row(0)[0].displayText(), w("1.2"));
+    EXPECT_EQ(rows.last()->rows().row(0)[1].text(), w("2024-02-01"));
+    run(*client, w("DROP TABLE dbo.Aliased DROP TYPE dbo.Amount DROP TYPE dbo.[Day] USE master"));
+}
+
 TEST_F(Importing, SaysThatTheServerHasUndoneEverything)
 {
     createTable("id int PRIMARY KEY");
