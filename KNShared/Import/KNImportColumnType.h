@@ -38,7 +38,9 @@ struct KNImportColumnType
     int precision = 38;     ///< digits of a decimal
     int scale = 0;          ///< those behind the point
     int fractionDigits = 7; ///< of seconds; -1 for a type without seconds
-    int firstYear = 1;      ///< of a date
+    /// Whether the server rounds seconds to .000, .003 and .007.
+    bool keepsThirdsOfCentiseconds = false;
+    int firstYear = 1; ///< of a date
     int lastYear = 9999;
     /// The type's name for VantorDatabaseClient::insertRows().
     QString literalType;

@@ -249,7 +249,9 @@ QString KNImportConverter::dateProblem(const KNImportDateText &date) const
         return tr("The seconds have %1 decimals, the column keeps %2.")
             .arg(date.fraction.size())
             .arg(m_type.fractionDigits);
-    return {};
+    const bool isRounded = m_type.keepsThirdsOfCentiseconds && date.fraction.size() == 3 &&
+                           date.fraction[2] != QLatin1Char('3') && date.fraction[2] != QLatin1Char('7');
+    return isRounded ? tr("The column keeps .000, .003 and .007 seconds only.") : QString();
 }
 
 std::optional<KNValue> KNImportConverter::guidValue(const QString &text, QString *reason) const

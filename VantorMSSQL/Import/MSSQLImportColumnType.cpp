@@ -119,6 +119,7 @@ void readTime(const TypeText &parts, KNImportColumnType *type)
 {
     if (parts.name == QLatin1String("datetime")) {
         type->fractionDigits = 3;
+        type->keepsThirdsOfCentiseconds = true;
         type->firstYear = 1753;
     } else if (parts.name == QLatin1String("smalldatetime")) {
         type->fractionDigits = -1;

@@ -135,6 +135,21 @@ TEST(ImportConverter, RefusesDatesThatAServerWouldChange)
     EXPECT_EQ(converted(datetime, "2024-01-01 00:00:01"), q("!The column keeps no seconds."));
 }
 
+TEST(ImportConverter, RefusesMillisecondsThatAServerWouldRound)
+{
+    KNImportColumnType datetime = type(Kind::DateAndTime);
+    datetime.fractionDigits = 3;
+    datetime.keepsThirdsOfCentiseconds = true;
+    EXPECT_EQ(converted(datetime, "2024-01-01 23:59:59.000"), q("2024-01-01T23:59:59"));
+    EXPECT_EQ(converted(datetime, "2024-01-01 23:59:59.12"), q("2024-01-01T23:59:59.12"));
+    for (const char *const kept : {"2024-01-01T23:59:59.003", "2024-01-01T23:59:59.007",
+                                   "2024-01-01T23:59:59.123", "2024-01-01T23:59:59.997"})
+        EXPECT_EQ(converted(datetime, kept), q(kept));
+    for (const char *const rounded : {"2024-01-01 23:59:59.001", "2024-01-01 23:59:59.005",
+                                      "2024-01-01 23:59:59.998", "2024-01-01 23:59:59.999"})
+        EXPECT_EQ(converted(datetime, rounded), q("!The column keeps .000, .003 and .007 seconds only."));
+}
+
 TEST(ImportConverter, ReadsDatesOfOtherFormats)
 {
     KNImportValueFormat format;

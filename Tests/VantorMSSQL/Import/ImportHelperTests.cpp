@@ -175,7 +175,10 @@ TEST_F(ImportHelper, ReadsTypesOfColumns)
     EXPECT_EQ(type("datetime2(3)").fractionDigits, 3);
     EXPECT_EQ(type("time(0)").fractionDigits, 0);
     EXPECT_EQ(type("smalldatetime").lastYear, 2079);
+    EXPECT_TRUE(type("datetime").keepsThirdsOfCentiseconds);
+    EXPECT_FALSE(type("datetime2(3)").keepsThirdsOfCentiseconds);
     EXPECT_EQ(type("varbinary(8)").kind, Kind::Binary);
+    EXPECT_TRUE(type("varbinary(8)").isUnicode) << "no code page";
     EXPECT_EQ(type("[dbo].[realname]").kind, Kind::Other);
     EXPECT_TRUE(type("[dbo].[realname]").literalType.isEmpty());
     EXPECT_EQ(type("xml").kind, Kind::Other);
