@@ -1,10 +1,9 @@
 #include "Import/KNImportConverter.h"
 
 #include "Foundation/KNDecimal.h"
+#include "Foundation/KNGuidText.h"
 #include "Import/KNImportDateText.h"
 #include "Import/KNImportNumberText.h"
-
-#include <QUuid>
 
 #include <algorithm>
 #include <cmath>
@@ -256,15 +255,10 @@ QString KNImportConverter::dateProblem(const KNImportDateText &date) const
 
 std::optional<KNValue> KNImportConverter::guidValue(const QString &text, QString *reason) const
 {
-    const QString word = text.trimmed();
-    const QUuid guid = QUuid::fromString(word);
-    const bool isZero = std::all_of(word.begin(), word.end(), [](QChar c) {
-        return c == QLatin1Char('0') || c == QLatin1Char('-') || c == QLatin1Char('{') ||
-               c == QLatin1Char('}');
-    });
-    if (guid.isNull() && (!isZero || word.size() < 36))
+    const auto guid = KNGuidText::read(text.trimmed());
+    if (!guid)
         return refused(reason, tr("This is not a GUID."));
-    return KNValue(guid.toString(QUuid::WithoutBraces).toUpper());
+    return KNValue(*guid);
 }
 
 std::optional<KNValue> KNImportConverter::binaryValue(const QString &text, QString *reason) const

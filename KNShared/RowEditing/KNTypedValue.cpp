@@ -1,9 +1,10 @@
 #include "RowEditing/KNTypedValue.h"
 
+#include "Foundation/KNGuidText.h"
+
 #include <QDate>
 #include <QRegularExpression>
 #include <QTime>
-#include <QUuid>
 
 #include <cmath>
 
@@ -91,9 +92,8 @@ std::optional<KNValue> timeValueOf(const QString &text)
 
 std::optional<KNValue> guidOf(const QString &text)
 {
-    const QUuid guid = QUuid::fromString(text);
-    const bool isNull = guid.isNull() && !matchOf("\\{?[0-]+\\}?", text).hasMatch();
-    return isNull ? std::nullopt : std::optional(KNValue(guid.toString(QUuid::WithoutBraces).toUpper()));
+    const auto guid = KNGuidText::read(text);
+    return guid ? std::optional(KNValue(*guid)) : std::nullopt;
 }
 
 std::optional<KNValue> bytesOf(const QString &text)

@@ -167,7 +167,12 @@ TEST(ImportConverter, ReadsBooleansGuidsAndBytes)
               q("6F9619FF-8B86-D011-B42D-00C04FC964FF"));
     EXPECT_EQ(converted(type(Kind::Guid), "00000000-0000-0000-0000-000000000000"),
               q("00000000-0000-0000-0000-000000000000"));
-    EXPECT_EQ(converted(type(Kind::Guid), "x"), q("!This is not a GUID."));
+    for (const char *const other :
+         {"x", "6f9619ff", "6f9619ff-8b86-d011-b42d-00c04fc964ff; see note",
+          "6f9619ff-8b86-d011-b42d-00c04fc964ff0", "{6f9619ff-8b86-d011-b42d-00c04fc964ff",
+          "6f9619ff-8b86-d011-b42d-00c04fc964ff}", "000000000000000000000000000000000-0-0",
+          "{00000000-0000-0000-0000-000000000000"})
+        EXPECT_EQ(converted(type(Kind::Guid), other), q("!This is not a GUID.")) << other;
     EXPECT_EQ(converted(type(Kind::Binary), "0x0aFF"), q("0x0AFF"));
     EXPECT_EQ(converted(type(Kind::Binary), "0xA"), q("!This is not 0x and pairs of hexadecimal digits."));
 }

@@ -75,6 +75,9 @@ TEST(KNTypedValue, ReadsBooleansGuidsAndBytes)
     EXPECT_EQ(readAs(Input::Guid, "00000000-0000-0000-0000-000000000000"),
               "00000000-0000-0000-0000-000000000000");
     EXPECT_EQ(readAs(Input::Guid, "6f9619ff"), "!");
+    EXPECT_EQ(readAs(Input::Guid, "6f9619ff-8b86-d011-b42d-00c04fc964ff; see note"), "!");
+    EXPECT_EQ(readAs(Input::Guid, "{6f9619ff-8b86-d011-b42d-00c04fc964ff"), "!");
+    EXPECT_EQ(readAs(Input::Guid, "0-0"), "!");
     EXPECT_EQ(readAs(Input::Binary, "0x0aFF"), "0x0AFF");
     EXPECT_EQ(readAs(Input::Binary, "0x"), "0x");
     EXPECT_EQ(kindOf(Input::Binary, "0x"), KNValue::Kind::Bytes);
