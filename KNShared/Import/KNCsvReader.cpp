@@ -120,8 +120,8 @@ bool KNCsvReader::start(const KNImportFile &file, KNError *error)
 
 QString KNCsvReader::assumedEncoding() const
 {
-    const bool isLatin = m_lines.source.encoding() == KNImportTextSource::Encoding::Latin1;
-    return m_isEncodingAssumed && isLatin ? QStringLiteral("Latin-1") : QString();
+    const bool isWindows1252 = m_lines.source.encoding() == KNImportTextSource::Encoding::Windows1252;
+    return m_isEncodingAssumed && isWindows1252 ? QStringLiteral("Windows-1252") : QString();
 }
 
 bool KNCsvReader::readRow(KNImportRow *row, KNError *error)

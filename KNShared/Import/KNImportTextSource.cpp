@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+#include <iterator>
+
 using TextEncoding = KNImportTextSource::Encoding;
 
 namespace {
@@ -39,6 +41,21 @@ bool isUtf8(QByteArray text)
     return false;
 }
 
+/// The five bytes without a character become control characters of the same number.
+QString fromWindows1252(const QByteArray &bytes)
+{
+    constexpr uchar First = 0x80;
+    constexpr char16_t Characters[] =
+        u"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D\u017D\u008F"
+        u"\u0090\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A\u0153\u009D\u017E\u0178";
+    QString text = QString::fromLatin1(bytes);
+    for (QChar &c : text) {
+        if (c.unicode() >= First && c.unicode() < First + std::size(Characters) - 1)
+            c = Characters[c.unicode() - First];
+    }
+    return text;
+}
+
 } // namespace
 
 TextEncoding KNImportTextSource::detected(const QByteArray &beginning)
@@ -56,7 +73,7 @@ TextEncoding KNImportTextSource::detected(const QByteArray &beginning)
         return TextEncoding::UTF16LittleEndian;
     if (zeros[0] > many && zeros[1] < zeros[0] / 4)
         return TextEncoding::UTF16BigEndian;
-    return isUtf8(beginning) ? TextEncoding::UTF8 : TextEncoding::Latin1;
+    return isUtf8(beginning) ? TextEncoding::UTF8 : TextEncoding::Windows1252;
 }
 
 bool KNImportTextSource::open(const QString &path, TextEncoding encoding, KNError *error)
@@ -93,8 +110,8 @@ QByteArray KNImportTextSource::convert(const QByteArray &bytes, KNError *error)
 {
     if (m_encoding == TextEncoding::UTF8)
         return bytes;
-    if (m_encoding == TextEncoding::Latin1)
-        return QString::fromLatin1(bytes).toUtf8();
+    if (m_encoding == TextEncoding::Windows1252)
+        return fromWindows1252(bytes).toUtf8();
     const QString text = m_decoder(bytes);
     const QByteArray utf8 = m_encoder(text);
     const bool isCut = bytes.isEmpty() && m_file.size() % 2 != 0;

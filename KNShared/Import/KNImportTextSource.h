@@ -14,10 +14,10 @@ class KNSHARED_EXPORT KNImportTextSource
     Q_DECLARE_TR_FUNCTIONS(KNImportTextSource)
 
 public:
-    enum class Encoding { Detect, UTF8, UTF16LittleEndian, UTF16BigEndian, Latin1 };
+    enum class Encoding { Detect, UTF8, UTF16LittleEndian, UTF16BigEndian, Windows1252 };
 
     /// Opens a regular file. Detection takes a byte-order mark, or looks at the first 64 KiB: zero bytes
-    /// indicate UTF-16, and text that is no UTF-8 is Latin-1.
+    /// indicate UTF-16, and text that is no UTF-8 is Windows-1252.
     bool open(const QString &path, Encoding encoding, KNError *error);
     /// The encoding that is used, never Detect.
     Encoding encoding() const { return m_encoding; }

@@ -172,8 +172,8 @@ std::unique_ptr<KNImportReader> KNJsonReader::open(const KNImportFile &file, KNE
     KNImportTextSource &source = reader->m_lines.source;
     if (!source.open(file.path, file.encoding, error))
         return nullptr;
-    // JSON is Unicode: other bytes are an error, not Latin-1.
-    if (file.encoding == Encoding::Detect && source.encoding() == Encoding::Latin1 &&
+    // JSON is Unicode: other bytes are an error, not Windows-1252.
+    if (file.encoding == Encoding::Detect && source.encoding() == Encoding::Windows1252 &&
         !source.open(file.path, Encoding::UTF8, error))
         return nullptr;
     KNImportRow first;

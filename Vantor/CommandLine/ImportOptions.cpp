@@ -34,7 +34,9 @@ void addImportOptions(QCommandLineParser &parser)
                   KNImportFormat::names().join(latin(", "))),
          latin("format")},
         {latin("sheet"), latin("The sheet of a workbook; by default the first one."), latin("name")},
-        {latin("encoding"), latin("auto (the default), utf-8, utf-16le, utf-16be or latin1."), latin("name")},
+        {latin("encoding"),
+         latin("auto (the default), utf-8, utf-16le, utf-16be or windows-1252, also named latin1."),
+         latin("name")},
         {latin("separator"),
          latin("The character between values, or tab; by default the one of the first line."),
          latin("character")},
@@ -150,7 +152,8 @@ bool readFile(const QCommandLineParser &parser, ImportOptions *options, KNError 
                                  {"utf-8", Encoding::UTF8},
                                  {"utf-16le", Encoding::UTF16LittleEndian},
                                  {"utf-16be", Encoding::UTF16BigEndian},
-                                 {"latin1", Encoding::Latin1}},
+                                 {"windows-1252", Encoding::Windows1252},
+                                 {"latin1", Encoding::Windows1252}},
                                 &file.encoding, error) &&
            readCharacter(parser, "separator", "tab", QLatin1Char('\t'), &file.separator, error) &&
            readCharacter(parser, "quote", "none", QChar(), &file.quote, error);

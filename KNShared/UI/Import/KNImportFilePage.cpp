@@ -86,7 +86,7 @@ void KNImportFilePage::addChoices()
     m_encoding->addItem(QStringLiteral("UTF-8"), static_cast<int>(Encoding::UTF8));
     m_encoding->addItem(QStringLiteral("UTF-16 LE"), static_cast<int>(Encoding::UTF16LittleEndian));
     m_encoding->addItem(QStringLiteral("UTF-16 BE"), static_cast<int>(Encoding::UTF16BigEndian));
-    m_encoding->addItem(QStringLiteral("Latin-1"), static_cast<int>(Encoding::Latin1));
+    m_encoding->addItem(QStringLiteral("Windows-1252"), static_cast<int>(Encoding::Windows1252));
     m_separator->addItem(tr("Automatic"), QChar());
     m_separator->addItem(tr("Comma"), QChar(u','));
     m_separator->addItem(tr("Semicolon"), QChar(u';'));

@@ -104,13 +104,20 @@ TEST_F(CsvReader, ReportsAQuoteInsideOfAValue)
 
 TEST_F(CsvReader, ReportsBytesThatAreNoUtf8)
 {
-    // Latin-1 beyond the part that the detection looks at, and a sequence that the end of the file cuts.
+    // Windows-1252 beyond the part that the detection looks at, and a sequence that the end of the file cuts.
     const QByteArray filling = QByteArray("x\n").repeated(40'000);
     const Content content = read("a\n" + filling + "caf\xe9\ny\nna\xc3");
     ASSERT_EQ(content.rows.size(), 40'003);
     EXPECT_EQ(content.rows[40'000], words({"!Value 1 is not valid UTF-8. Choose the file's encoding."}));
     EXPECT_EQ(content.rows[40'001], words({"y"}));
     EXPECT_EQ(content.rows[40'002], words({"!Value 1 is not valid UTF-8. Choose the file's encoding."}));
+}
+
+TEST_F(CsvReader, ReadsWindows1252)
+{
+    const Content content = read("a,b\n\x80\x93x\x94,caf\xe9 \x9f\x81\n");
+    EXPECT_EQ(content.rows, (QList<QStringList>{words(
+                                {"\xe2\x82\xac\xe2\x80\x9cx\xe2\x80\x9d", "caf\xc3\xa9 \xc5\xb8\xc2\x81"})}));
 }
 
 TEST_F(CsvReader, DetectsEncodings)

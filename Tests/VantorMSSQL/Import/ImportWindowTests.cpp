@@ -256,7 +256,8 @@ TEST_F(ImportWindow, StaysAtAFileThatCannotBeRead)
     EXPECT_EQ(m_wizard->filePage()->status(), z("1 row"));
     m_wizard->filePage()->file()->setPath(write("latin.csv", "id,name\n1,caf\xe9\n"));
     EXPECT_TRUE(waitFor([&] {
-        return m_wizard->filePage()->status() == z("1 row. The file is not UTF-8 and is read as Latin-1.");
+        return m_wizard->filePage()->status() ==
+               z("1 row. The file is not UTF-8 and is read as Windows-1252.");
     })) << m_wizard->filePage()->status().toStdString();
 }
 
