@@ -203,6 +203,7 @@ bool KNExcelReader::readCells(KNImportRow *row)
 QString KNExcelReader::readText()
 {
     QString text;
+    qsizetype begin = 0; // of the text of the current element
     int depth = 1;
     int phonetic = 0; // the depth of furigana beside the text
     while (depth > 0 && !m_xml.atEnd() && text.size() <= LargestValue) {
@@ -210,9 +211,12 @@ QString KNExcelReader::readText()
         const auto token = m_xml.readNext();
         if (token == QXmlStreamReader::StartElement) {
             ++depth;
+            begin = text.size();
             if (phonetic == 0 && m_xml.name() == QLatin1String("rPh"))
                 phonetic = depth;
         } else if (token == QXmlStreamReader::EndElement) {
+            KNExcelStrings::decodeEscapes(&text, begin);
+            begin = text.size();
             phonetic = phonetic == depth ? 0 : phonetic;
             --depth;
         } else if (token == QXmlStreamReader::Characters && phonetic == 0) {

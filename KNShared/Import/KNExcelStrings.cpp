@@ -4,7 +4,24 @@
 #include "Import/KNImportReader.h"
 #include "Import/KNZipFile.h"
 
+#include <QRegularExpression>
 #include <QXmlStreamReader>
+
+void KNExcelStrings::decodeEscapes(QString *text, qsizetype begin)
+{
+    static const QRegularExpression escape(QStringLiteral("_x([0-9A-Fa-f]{4})_"));
+    qsizetype position = text->indexOf(QLatin1String("_x"), begin);
+    if (position < 0)
+        return;
+    QString decoded = text->left(position);
+    for (auto matches = escape.globalMatch(*text, position); matches.hasNext();) {
+        const auto match = matches.next();
+        decoded += QStringView(*text).mid(position, match.capturedStart() - position);
+        decoded += QChar(match.capturedView(1).toUShort(nullptr, 16));
+        position = match.capturedEnd();
+    }
+    *text = decoded.append(QStringView(*text).mid(position));
+}
 
 bool KNExcelStrings::append(const QString &text)
 {
@@ -20,6 +37,7 @@ bool KNExcelStrings::read(KNZipPart *part)
         return false;
     QXmlStreamReader xml(part);
     QString text;
+    qsizetype begin = 0; // of the text of the current element
     bool isText = false;
     bool isPhonetic = false; // furigana beside a text
     while (!xml.atEnd()) {
@@ -31,9 +49,13 @@ bool KNExcelStrings::read(KNZipPart *part)
         if (token != QXmlStreamReader::StartElement && token != QXmlStreamReader::EndElement)
             continue;
         const bool begins = token == QXmlStreamReader::StartElement;
-        if (name == QLatin1String("t"))
+        if (name == QLatin1String("t")) {
             isText = begins;
-        else if (name == QLatin1String("rPh"))
+            if (begins)
+                begin = text.size();
+            else
+                decodeEscapes(&text, begin);
+        } else if (name == QLatin1String("rPh"))
             isPhonetic = begins;
         else if (name == QLatin1String("si") && !begins && !append(std::exchange(text, {})))
             return false;

@@ -18,6 +18,10 @@ public:
     /// The text with this index; nullopt if there is none.
     std::optional<QString> at(QStringView index);
 
+    /// Replaces each _xHHHH_ from a position on by the UTF-16 unit that it stands for. Workbooks write
+    /// characters so that XML cannot contain.
+    static void decodeEscapes(QString *text, qsizetype begin);
+
 private:
     bool append(const QString &text);
 

@@ -80,6 +80,20 @@ TEST_F(ExcelReader, KeepsByteOrderMarksInTexts)
     EXPECT_EQ(rows[0].value(0), QChar(0xFEFF) + QStringLiteral("x"));
 }
 
+TEST_F(ExcelReader, DecodesEscapedCharacters)
+{
+    Parts parts =
+        workbook(Header + "<row r='2'><c r='A2' t='s'><v>4</v></c><c r='B2' t='s'><v>5</v></c></row>"
+                          "<row r='3'><c r='A3' t='inlineStr'><is><r><t>1_x000D_\n2</t></r>"
+                          "<r><t>_x00</t></r><r><t>41_</t></r></is></c>"
+                          "<c r='B3' t='str'><v>_x005F_x000D__x000d_</v></c></row>");
+    parts["xl/sharedStrings.xml"].replace(
+        "</sst>", "<si><t>a_x000D_\nb</t></si><si><t>_x005F_x000D_ _xZZZZ_ _x0041 x_x263A_</t></si></sst>");
+    EXPECT_EQ(contentOf(write(parts)).rows,
+              (QList<QStringList>{words({"a\r\nb", "_x000D_ _xZZZZ_ _x0041 x\xe2\x98\xba"}),
+                                  words({"1\r\n2_x0041_", "_x000D_\r"})}));
+}
+
 TEST_F(ExcelReader, ReadsDatesByTheirStyles)
 {
     // 45351.5 is noon on 29 February 2024; 1 is 1 January 1900, and 61 is 1 March 1900.
