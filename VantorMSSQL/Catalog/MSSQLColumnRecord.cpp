@@ -46,6 +46,7 @@ QList<MSSQLColumnRecord> MSSQLColumnRecord::listFrom(DatabaseResultSet &rows)
              .isNullable = rows.numberForColumnIndex(Nullable).toBool(),
              .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
              .defaultValue = rows.stringForColumnIndex(Default),
+             .hasKeyFlag = rows.numberForColumnIndex(PrimaryKey).toBool(),
              .isIdentity = rows.numberForColumnIndex(Identity).toBool(),
              .isComputed = rows.columnCount() > Computed && rows.numberForColumnIndex(Computed).toBool(),
              .collation = rows.columnCount() > Collation ? rows.stringForColumnIndex(Collation) : QString(),

@@ -17,7 +17,8 @@ struct MSSQLColumnRecord
     KNValue scale;
     bool isNullable = true;
     bool isPrimaryKey = false;
-    QString defaultValue; ///< the expression; null without one
+    bool hasKeyFlag = false; ///< whether the key flag is not 0: rows are found by this column
+    QString defaultValue;    ///< the expression; null without one
     bool isIdentity = false;
     bool isComputed = false;
     QString collation; ///< null if it is the database's or the type has none

@@ -59,7 +59,7 @@ QList<KNEditRowColumn> MSSQLRowStatement::columnsFrom(const QList<MSSQLColumnRec
         columns.append(
             {.columnName = record.columnName,
              .columnDefaultValue = record.defaultValue,
-             .isPrimaryKey = record.isPrimaryKey,
+             .isPrimaryKey = record.hasKeyFlag,
              .isIdentity = record.isIdentity,
              .columnCurrentValue = initialValues ? initialValues->value(record.columnName) : KNValue(),
              .typeName = record.displayType(),

@@ -192,7 +192,7 @@ TEST(RowStatement, MakesOneColumnForEachRecord)
 {
     MSSQLColumnRecord id, a;
     id.columnName = q("Id");
-    id.isPrimaryKey = id.isIdentity = true;
+    id.hasKeyFlag = id.isIdentity = true;
     a.columnName = q("a");
     a.defaultValue = q("((1))");
     const QList<KNEditRowColumn> columns =
