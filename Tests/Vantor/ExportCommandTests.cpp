@@ -357,6 +357,44 @@ TEST_F(ExportCommand, KeepsBlanksOfXmlAndNamesTypesThatAreLost)
     EXPECT_TRUE(loading.contains("\tCONVERT(money, CASE WHEN [m] = N'\\N' THEN NULL"));
 }
 
+TEST_F(ExportCommand, KeepsDigitsAndBytesOfVariants)
+{
+    query("master", "IF DB_ID('variants') IS NOT NULL DROP DATABASE variants\nGO\nCREATE DATABASE variants");
+    query("variants", "CREATE TABLE dbo.t (id int PRIMARY KEY, v sql_variant NULL)\nGO\n"
+                      "INSERT INTO dbo.t VALUES (1, CONVERT(datetime, '2020-01-02T03:04:05.997'))\n"
+                      "INSERT INTO dbo.t VALUES (2, CONVERT(money, 1.2345))\n"
+                      "INSERT INTO dbo.t VALUES (3, CONVERT(float, 0.1234567890123))\n"
+                      "INSERT INTO dbo.t VALUES (4, 0x0AFF)\n"
+                      "INSERT INTO dbo.t VALUES (5, CONVERT(varchar(8000), REPLICATE('x', 5000)))\n"
+                      "INSERT INTO dbo.t VALUES (6, N'Zo\xc3\xab')");
+    const QByteArray script = exported("variants", {"--data-only"}).output;
+    for (const QByteArray row : {"(1, '2020-01-02 03:04:05.997')", "(2, '1.2345')",
+                                 "(3, '1.234567890123000e-001')", "(4, '0x0AFF')", "(6, N'Zo\xc3\xab')"})
+        EXPECT_TRUE(script.contains(row)) << row.toStdString() << script.left(2000).toStdString();
+    EXPECT_TRUE(script.contains("(5, '" + QByteArray(5000, 'x') + "')"));
+}
+
+TEST_F(ExportCommand, WritesUserTypesLikeTheirSystemTypes)
+{
+    query("master", "IF DB_ID('aliases') IS NOT NULL DROP DATABASE aliases\nGO\nCREATE DATABASE aliases");
+    query("aliases",
+          "CREATE TYPE dbo.Bytes FROM varbinary(4)\nGO\nCREATE TYPE dbo.Price FROM money\nGO\n"
+          "CREATE TYPE dbo.Anything FROM sql_variant\nGO\nCREATE TYPE dbo.geometry_code FROM int\nGO\n"
+          "CREATE TABLE dbo.t (id int PRIMARY KEY, b dbo.Bytes NULL, p dbo.Price NULL, v dbo.Anything NULL, "
+          "g dbo.geometry_code NULL)\nGO\nINSERT INTO dbo.t VALUES (1, 0x0AFF, 1.5, N'text', 7)");
+    const QByteArray script = exported("aliases", {"--data-only"}).output;
+    EXPECT_TRUE(script.contains("-- Not scripted: the types of the values of [v], an sql_variant column"));
+    EXPECT_TRUE(script.contains("(1, 0x0AFF, 1.5000, 'text', 7);")) << script.toStdString();
+    const QString target = folder.filePath(utf16("csv/"));
+    EXPECT_EQ(exported("aliases", {"--data", "--csv", "--to", qPrintable(target)}).status, 0);
+    const QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    for (const char *const part :
+         {"\tCONVERT(varbinary(max), CASE WHEN [b] = N'\\N'", "\tCONVERT(money, CASE WHEN [p] = N'\\N'",
+          "\tCASE WHEN LEN([v]) > 4000 THEN CONVERT(sql_variant, CONVERT(varchar(8000), CASE WHEN",
+          "\tCASE WHEN [g] = N'\\N'"})
+        EXPECT_TRUE(loading.contains(part)) << part << loading.toStdString();
+}
+
 TEST_F(ExportCommand, AFullDeviceIsAnError)
 {
     const Outcome outcome = exported("library", {"--data", "--to", "/dev/full"});

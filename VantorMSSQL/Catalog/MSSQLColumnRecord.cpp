@@ -18,7 +18,8 @@ enum Position {
     Identity,
     Computed,
     Collation,
-    Sparse
+    Sparse,
+    BaseType
 };
 
 } // namespace
@@ -45,12 +46,13 @@ QList<MSSQLColumnRecord> MSSQLColumnRecord::listFrom(DatabaseResultSet &rows)
              .scale = rows.objectForColumnIndex(Scale),
              .isNullable = rows.numberForColumnIndex(Nullable).toBool(),
              .isPrimaryKey = rows.numberForColumnIndex(PrimaryKey).toInt64() == 1,
-             .defaultValue = rows.stringForColumnIndex(Default),
              .hasKeyFlag = rows.numberForColumnIndex(PrimaryKey).toBool(),
+             .defaultValue = rows.stringForColumnIndex(Default),
              .isIdentity = rows.numberForColumnIndex(Identity).toBool(),
              .isComputed = rows.columnCount() > Computed && rows.numberForColumnIndex(Computed).toBool(),
              .collation = rows.columnCount() > Collation ? rows.stringForColumnIndex(Collation) : QString(),
-             .isSparse = rows.columnCount() > Sparse && rows.numberForColumnIndex(Sparse).toBool()});
+             .isSparse = rows.columnCount() > Sparse && rows.numberForColumnIndex(Sparse).toBool(),
+             .baseType = rows.columnCount() > BaseType ? rows.stringForColumnIndex(BaseType) : QString()});
     }
     return columns;
 }
@@ -60,6 +62,11 @@ bool MSSQLColumnRecord::isWritable() const
     const bool isRowVersion =
         typeName == QLatin1String("timestamp") || typeName == QLatin1String("rowversion");
     return !isIdentity && !isComputed && !isRowVersion;
+}
+
+bool MSSQLColumnRecord::isBasedOn(const char *systemType) const
+{
+    return (baseType.isNull() ? typeName : baseType) == QLatin1String(systemType);
 }
 
 QString MSSQLColumnRecord::displayType() const

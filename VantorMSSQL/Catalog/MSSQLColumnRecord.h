@@ -23,9 +23,14 @@ struct MSSQLColumnRecord
     bool isComputed = false;
     QString collation; ///< null if it is the database's or the type has none
     bool isSparse = false;
+    /// The name of the system type without a size, also of a user's type; null if it is not known.
+    QString baseType;
 
     /// Whether statements can set the column: it is no identity, computed or rowversion column.
     bool isWritable() const;
+
+    /// Whether the column is of this system type, or of a user's type that is based on it.
+    bool isBasedOn(const char *systemType) const;
 
     /// The type with its size, such as nvarchar(50).
     QString displayType() const;

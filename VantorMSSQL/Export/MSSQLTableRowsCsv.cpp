@@ -61,15 +61,18 @@ QString loadedValue(const MSSQLColumnRecord &column)
     const QString bytes = KNFormat("CONVERT(varbinary(max), %@, 1)", text);
     if (MSSQLTableRowsScript::isClrType(column))
         return KNFormat("CAST(%@ AS %@)", bytes, column.typeName);
-    if (column.typeName.endsWith(QLatin1String("binary")) || column.typeName == QLatin1String("image"))
+    if (column.isBasedOn("binary") || column.isBasedOn("varbinary") || column.isBasedOn("image"))
         return bytes;
     if (MSSQLTableRowsScript::isVariant(column))
         return KNFormat("CONVERT(nvarchar(4000), %@)", text);
     if (MSSQLTableRowsScript::isXml(column))
         return KNFormat("CONVERT(xml, %@, 1)", text);
-    return column.typeName.endsWith(QLatin1String("money"))
-               ? KNFormat("CONVERT(%@, %@)", column.typeName, text)
-               : text;
+    // CONVERT takes no user's type.
+    for (const char *const money : {"money", "smallmoney"}) {
+        if (column.isBasedOn(money))
+            return KNFormat("CONVERT(%@, %@)", money, text);
+    }
+    return text;
 }
 
 /// The comments at the head: the requirements of the script, and the columns whose types it loses.

@@ -128,19 +128,17 @@ bool MSSQLTableRowsScript::isInserted(const MSSQLColumnRecord &column)
 
 bool MSSQLTableRowsScript::isClrType(const MSSQLColumnRecord &column)
 {
-    return column.typeName.contains(QLatin1String("hierarchyid")) ||
-           column.typeName.contains(QLatin1String("geometry")) ||
-           column.typeName.contains(QLatin1String("geography"));
+    return column.isBasedOn("hierarchyid") || column.isBasedOn("geometry") || column.isBasedOn("geography");
 }
 
 bool MSSQLTableRowsScript::isVariant(const MSSQLColumnRecord &column)
 {
-    return column.typeName == QLatin1String("sql_variant");
+    return column.isBasedOn("sql_variant");
 }
 
 bool MSSQLTableRowsScript::isXml(const MSSQLColumnRecord &column)
 {
-    return column.typeName == QLatin1String("xml");
+    return column.isBasedOn("xml");
 }
 
 QString MSSQLTableRowsScript::lostTypes(const QList<MSSQLColumnRecord> &columns)

@@ -1,6 +1,6 @@
 -- type_name is ready for a statement: it carries precision and scale, and a user's type carries its schema.
 -- max_length (in bytes, -1 for max) is given only where a length belongs behind the type's name, and a collation only
--- where it is not the database's.
+-- where it is not the database's. base_type is the name of the system type of a user's type.
 SELECT
     c.name AS column_name,
     CASE
@@ -33,7 +33,8 @@ SELECT
     CONVERT(int, c.is_identity) AS is_identity,
     CONVERT(int, c.is_computed) AS is_computed,
     NULLIF(c.collation_name, CONVERT(nvarchar(128), DATABASEPROPERTYEX(DB_NAME(), N'Collation'))) AS own_collation,
-    CONVERT(int, ISNULL(COLUMNPROPERTY(c.object_id, c.name, N'IsSparse'), 0)) AS is_sparse
+    CONVERT(int, ISNULL(COLUMNPROPERTY(c.object_id, c.name, N'IsSparse'), 0)) AS is_sparse,
+    COALESCE(c.system_type, c.type_name) AS base_type
 FROM (
     SELECT
         col.object_id,
@@ -48,11 +49,13 @@ FROM (
         col.collation_name COLLATE DATABASE_DEFAULT AS collation_name,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
-        COALESCE(t.name, TYPE_NAME(col.system_type_id)) AS type_name
+        b.name AS system_type,
+        COALESCE(t.name, b.name) AS type_name
     FROM sys.columns AS col
     INNER JOIN sys.objects AS o ON o.object_id = col.object_id
     INNER JOIN sys.schemas AS s ON s.schema_id = o.schema_id
     LEFT JOIN sys.types AS t ON t.user_type_id = col.user_type_id
+    LEFT JOIN sys.types AS b ON b.user_type_id = col.system_type_id
     LEFT JOIN sys.schemas AS ts ON ts.schema_id = t.schema_id
     WHERE s.name = N'{SCHEMA_NAME}'
         AND o.name = N'{TABLE_NAME}'

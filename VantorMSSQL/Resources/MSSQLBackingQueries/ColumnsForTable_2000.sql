@@ -1,6 +1,6 @@
 -- type_name carries precision and scale. max_length (in bytes) is given only where a length belongs behind the type's
 -- name, and a collation only where it is not the database's. A default is at most 4000 characters here, the first chunk
--- of its text.
+-- of its text. base_type is the name of the system type of a user's type.
 SELECT
     c.name AS column_name,
     CASE
@@ -29,11 +29,13 @@ SELECT
     CONVERT(int, COLUMNPROPERTY(c.id, c.name, N'IsIdentity')) AS is_identity,
     CONVERT(int, c.iscomputed) AS is_computed,
     NULLIF(c.collation, CONVERT(nvarchar(128), DATABASEPROPERTYEX(DB_NAME(), N'Collation'))) AS own_collation,
-    0 AS is_sparse
+    0 AS is_sparse,
+    b.name AS base_type
 FROM dbo.syscolumns AS c
 INNER JOIN dbo.sysobjects AS o ON o.id = c.id
 INNER JOIN dbo.sysusers AS u ON u.uid = o.uid
 INNER JOIN dbo.systypes AS t ON t.xusertype = c.xusertype
+LEFT JOIN dbo.systypes AS b ON b.xusertype = c.xtype
 LEFT JOIN dbo.sysobjects AS dc ON dc.id = c.cdefault AND dc.parent_obj = c.id
 LEFT JOIN dbo.syscomments AS d ON d.id = dc.id AND d.colid = 1
 WHERE u.name = N'{SCHEMA_NAME}'
