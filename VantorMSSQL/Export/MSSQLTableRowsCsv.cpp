@@ -63,8 +63,11 @@ QString loadedValue(const MSSQLColumnRecord &column)
         return KNFormat("CAST(%@ AS %@)", bytes, column.typeName);
     if (column.isBasedOn("binary") || column.isBasedOn("varbinary") || column.isBasedOn("image"))
         return bytes;
+    // A variant holds 4000 characters of nvarchar, and more of varchar.
     if (MSSQLTableRowsScript::isVariant(column))
-        return KNFormat("CONVERT(nvarchar(4000), %@)", text);
+        return KNFormat("CASE WHEN LEN(%@) > 4000 THEN CONVERT(sql_variant, CONVERT(varchar(8000), %@)) "
+                        "ELSE CONVERT(sql_variant, CONVERT(nvarchar(4000), %@)) END",
+                        name, text, text);
     if (MSSQLTableRowsScript::isXml(column))
         return KNFormat("CONVERT(xml, %@, 1)", text);
     // CONVERT takes no user's type.

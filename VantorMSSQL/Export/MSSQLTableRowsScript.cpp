@@ -1,11 +1,13 @@
 #include "Export/MSSQLTableRowsScript.h"
 
+#include "Catalog/MSSQLVersionHelper.h"
 #include "Export/DeviceWriter.h"
 #include "Export/MSSQLCellLiteral.h"
 #include "Export/ResultStream.h"
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 #include "SQL/KNSQLComment.h"
+#include "Scripts/MSSQLVariantText.h"
 
 namespace {
 
@@ -13,13 +15,13 @@ constexpr auto RowsDomain = "mssql.export.rows";
 using MSSQLObjectPath::bracketed;
 
 /// The expression that reads a column so that its literals do not change the value.
-QString selected(const MSSQLColumnRecord &column)
+QString selected(const MSSQLColumnRecord &column, bool isSQL2000)
 {
     const QString name = bracketed(column.columnName);
     if (MSSQLTableRowsScript::isClrType(column))
         return KNFormat("CAST(%@ AS varbinary(max)) AS %@", name, name);
     if (MSSQLTableRowsScript::isVariant(column))
-        return KNFormat("CAST(%@ AS nvarchar(4000)) AS %@", name, name);
+        return KNFormat("%@ AS %@", MSSQLVariantText::expression(name, isSQL2000), name);
     return name;
 }
 
@@ -164,10 +166,11 @@ QList<MSSQLColumnRecord> MSSQLTableRowsScript::columns(KNError *error) const
 
 QString MSSQLTableRowsScript::query(const QList<MSSQLColumnRecord> &columns) const
 {
+    const bool isSQL2000 = MSSQLVersionHelper::sharedInstance()->isSQL2000(m_details);
     QStringList expressions;
     QStringList keys;
     for (const MSSQLColumnRecord &column : columns) {
-        expressions.append(selected(column));
+        expressions.append(selected(column, isSQL2000));
         if (column.isPrimaryKey)
             keys.append(bracketed(column.columnName));
     }

@@ -4,6 +4,7 @@
 #include "Foundation/KNFormat.h"
 #include "Implementations/MSSQLObjectPath.h"
 #include "QueryLoader/KNQueryTemplate.h"
+#include "Scripts/MSSQLVariantText.h"
 
 #include <QHash>
 
@@ -21,21 +22,15 @@ struct Declaration
 };
 
 /// The values of a variant as text after a t, or as hexadecimal digits after an x. Style 2 of CONVERT returns
-/// hexadecimal digits from SQL Server 2008 on, and sixteen digits of a float.
-const QString VariantConversion = QStringLiteral(
-    "CASE"
-    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('binary', 'varbinary')"
-    " THEN N'x' + CONVERT(nvarchar(max), CONVERT(varbinary(8000), {0}), 2)"
-    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('char', 'varchar')"
-    " THEN N't' + CONVERT(nvarchar(max), CONVERT(varchar(8000), {0}))"
-    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('float', 'real')"
-    " THEN N't' + CONVERT(nvarchar(max), CONVERT(float, {0}), 2)"
-    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('money', 'smallmoney')"
-    " THEN N't' + CONVERT(nvarchar(max), CONVERT(money, {0}), 2)"
-    " WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('datetime', 'smalldatetime')"
-    " THEN N't' + CONVERT(nvarchar(max), CONVERT(datetime, {0}), 121)"
-    " ELSE N't' + CONVERT(nvarchar(max), CONVERT(nvarchar(4000), {0}))"
-    " END");
+/// hexadecimal digits from SQL Server 2008 on.
+const QString &variantConversion()
+{
+    static const QString conversion = KNFormat(
+        "CASE WHEN CONVERT(sysname, SQL_VARIANT_PROPERTY({0}, 'BaseType')) IN ('binary', 'varbinary') "
+        "THEN N'x' + CONVERT(nvarchar(max), CONVERT(varbinary(8000), {0}), 2) ELSE N't' + %@ END",
+        MSSQLVariantText::expression(QStringLiteral("{0}")));
+    return conversion;
+}
 
 /// The instant in UTC, with the digits of seconds that the type has.
 QString offsetConversion(const QString &type)
@@ -68,7 +63,7 @@ Declaration spelledForMySQL(const Declaration &column)
         {QStringLiteral("timestamp"), {QStringLiteral("binary"), 8}},
         {QStringLiteral("rowversion"), {QStringLiteral("binary"), 8}},
         {QStringLiteral("sysname"), {QStringLiteral("nvarchar"), 256}},
-        {QStringLiteral("sql_variant"), {QStringLiteral("longblob"), {}, VariantConversion}},
+        {QStringLiteral("sql_variant"), {QStringLiteral("longblob"), {}, variantConversion()}},
         {QStringLiteral("geography"), {QStringLiteral("longblob"), {}}},
         {QStringLiteral("geometry"), {QStringLiteral("longblob"), {}}},
     };
@@ -167,7 +162,7 @@ QList<MSSQLMySQLColumn> MSSQLMySQLColumn::columnsOf(const VantorDBC &details, co
         column.columnType = spelled.type;
         column.columnSize = spelled.size;
         column.conversion = spelled.conversion;
-        column.isVariant = spelled.conversion == VariantConversion;
+        column.isVariant = spelled.conversion == variantConversion();
     }
     return columns;
 }
