@@ -116,11 +116,10 @@ QString MSSQLProcedureBatch::corrected() const
     BatchParts parts;
     for (const Parameter &parameter : m_parameters) {
         const QString &name = parameter.parameterName;
-        if (!parameter.isSettable() || (parameter.isLeftOut() && !parameter.parameterIsOutput))
+        if (!parameter.isSettable() || parameter.isLeftOut())
             continue;
         parts.declarations.append(KNFormat("DECLARE %@ %@", name, declaredType(parameter)));
-        if (!parameter.isLeftOut())
-            parts.assignments.append(KNFormat("SELECT %@ = %@", name, correctedValue(parameter)));
+        parts.assignments.append(KNFormat("SELECT %@ = %@", name, correctedValue(parameter)));
         parts.arguments.append(
             KNFormat(parameter.parameterIsOutput ? "\t\t%@ = %@ OUTPUT" : "\t\t%@ = %@", name, name));
         if (parameter.parameterIsOutput)
@@ -136,7 +135,7 @@ QString MSSQLProcedureBatch::difference() const
                                    MSSQLQuoting::escapeTableNameIfRequired(m_procedure)),
                           {m_schema, m_procedure});
     for (const Parameter &parameter : m_parameters) {
-        if (parameter.isSettable() && parameter.parameterIsOutput)
+        if (parameter.isSettable() && parameter.parameterIsOutput && !parameter.isLeftOut())
             caution.add(
                 tr("The unchanged batch passes no parameter as OUTPUT: the values that the procedure returns "
                    "in them are not shown."));

@@ -16,7 +16,8 @@ public:
     MSSQLProcedureBatch(const QString &schema, const QString &procedure,
                         QList<MSSQLStoredProcedureParameter> parameters);
 
-    /// The exact batch passes no parameter as OUTPUT and does not escape values; the corrected one does both.
+    /// Both forms leave out parameters without a value, so that the procedure's defaults apply. The exact
+    /// batch passes no parameter as OUTPUT and does not escape values; the corrected one does both.
     KNStatementPair generatedQuery() const;
 
     /// Whether a server reads the name as that of a parameter.

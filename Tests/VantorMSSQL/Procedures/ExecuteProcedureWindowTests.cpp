@@ -40,6 +40,11 @@ protected:
         return dialog.model()->setData(dialog.model()->index(row, Model::Value), QString::fromUtf8(text),
                                        Qt::EditRole);
     }
+    static bool chooseNull(Dialog &dialog, int row)
+    {
+        return dialog.model()->setData(dialog.model()->index(row, Model::PassNull), Qt::Checked,
+                                       Qt::CheckStateRole);
+    }
     static QString shown(Dialog &dialog, int row, int column)
     {
         return dialog.model()->index(row, column).data().toString();
@@ -84,6 +89,7 @@ TEST_F(ExecuteProcedure, ShowsTheParametersInTheOrderOfTheirDeclaration)
     for (int column = 0; column < Model::ColumnCount; ++column)
         EXPECT_EQ(bool(dialog.model()->flags(dialog.model()->index(0, column)) & Qt::ItemIsEditable),
                   column == Model::Value);
+    EXPECT_EQ(shown(dialog, 4, Model::Value), QStringLiteral("default"));
     EXPECT_EQ(dialog.model()->index(0, Model::Value).data(KNEditRowDelegate::InputRole).toInt(),
               static_cast<int>(KNTypedValue::Input::Integer));
     dialog.onCancel();
@@ -120,6 +126,8 @@ TEST_F(ExecuteProcedure, AsksBeforeItRunsTheExactBatchThatDiffers)
     m_alerts.answer = 1; // run unchanged
     dialog.onAccept();
     ASSERT_EQ(m_alerts.questions.size(), 1u);
+    for (const int output : {4, 5})
+        EXPECT_TRUE(chooseNull(dialog, output));
     EXPECT_TRUE(m_alerts.questions.front().title.contains(QStringLiteral("OUTPUT")));
     ASSERT_EQ(m_workspace.queries.size(), 1u);
     EXPECT_FALSE(m_workspace.queries.front().text.contains(QStringLiteral("OUTPUT")));
@@ -137,6 +145,7 @@ TEST_F(ExecuteProcedure, TheServerReportsAnUnbalancedLiteralOfTheExactBatch)
     dialog.onCancel();
 }
 
+    EXPECT_TRUE(chooseNull(dialog, 4));
 TEST_F(ExecuteProcedure, TakesOnlyValuesOfTheType)
 {
     Dialog &dialog = open("sales.PlaceOrder");

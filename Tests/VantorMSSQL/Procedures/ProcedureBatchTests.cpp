@@ -105,12 +105,18 @@ TEST(ProcedureBatch, TheCorrectedFormWritesEachValueAsItsTypeNeedsIt)
               QStringLiteral("'6F9619FF-8B86-D011-B42D-00CF4FC964FF'"));
 }
 
-TEST(ProcedureBatch, TheCorrectedFormReturnsOutputsThatHaveNoValue)
+TEST(ProcedureBatch, LeavesOutAnOutputWithoutAValueSoThatItsDefaultApplies)
 {
-    const KNStatementPair pair = procedureBatch({procedureParameter("@Out", "int", "", true)}, "Place");
-    EXPECT_FALSE(pair.exact.contains(QStringLiteral("@Out")));
-    EXPECT_TRUE(pair.corrected.contains(QStringLiteral("DECLARE @Out int\r\n")));
-    EXPECT_TRUE(pair.corrected.contains(QStringLiteral("\t\t@Out = @Out OUTPUT\r\n")));
+    Parameter output = procedureParameter("@Out", "int", "", true);
+    const KNStatementPair pair = procedureBatch({output}, "Place");
+    for (const QString &text : {pair.exact, pair.corrected})
+        EXPECT_FALSE(text.contains(QStringLiteral("@Out"))) << text.toStdString();
+    EXPECT_FALSE(pair.differs());
+    output.passNull = true;
+    const KNStatementPair withNull = procedureBatch({output}, "Place");
+    EXPECT_TRUE(withNull.corrected.contains(QStringLiteral("SELECT @Out = NULL\r\n")));
+    EXPECT_TRUE(withNull.corrected.contains(QStringLiteral("\t\t@Out = @Out OUTPUT\r\n")));
+    EXPECT_TRUE(withNull.difference.contains(QStringLiteral("OUTPUT")));
 }
 
 TEST(ProcedureBatch, TheCorrectedFormAvoidsTypesThatVariablesCannotHave)

@@ -35,7 +35,7 @@ QString MSSQLStoredProcedureModel::placeholderOf(const Parameter &parameter)
         return QStringLiteral("NULL");
     if (!parameter.parameterValue.isEmpty())
         return {};
-    return parameter.parameterIsOutput ? tr("result only") : tr("default");
+    return tr("default");
 }
 
 QString MSSQLStoredProcedureModel::explanationOf(const Parameter &parameter)
@@ -47,7 +47,8 @@ QString MSSQLStoredProcedureModel::explanationOf(const Parameter &parameter)
             parameter.parameterName);
     if (parameter.isLeftOut())
         return parameter.parameterIsOutput
-                   ? tr("No value is passed in; the result is shown.")
+                   ? tr("The parameter is left out: the procedure's default applies, and no result is shown. "
+                        "To get the result, choose NULL or enter a value.")
                    : tr("The parameter is left out: the procedure's default applies.");
     return parameter.parameterValue.left(1000);
 }
