@@ -10,6 +10,14 @@
 
 using Parameter = MSSQLStoredProcedureParameter;
 
+namespace {
+
+/// By column.
+constexpr const char *ParameterIdentifiers[MSSQLStoredProcedureModel::ColumnCount] = {
+    "Parameter name", "Parameter data type", "Parameter output", "Parameter pass null", "Parameter value"};
+
+} // namespace
+
 void MSSQLStoredProcedureModel::setParameters(const QList<Parameter> &parameters)
 {
     beginResetModel();
@@ -98,12 +106,22 @@ QVariant MSSQLStoredProcedureModel::data(const QModelIndex &index, int role) con
         return KNPlainToolTip(explanationOf(parameter));
     if (role != Qt::DisplayRole)
         return {};
-    if (index.column() == Name)
+    return textForColumn(parameter, QString::fromLatin1(ParameterIdentifiers[index.column()]));
+}
+
+QString MSSQLStoredProcedureModel::textForColumn(const Parameter &parameter, const QString &identifier)
+{
+    const auto is = [&](Column column) { return identifier == QLatin1String(ParameterIdentifiers[column]); };
+    if (is(Name))
         return parameter.parameterName;
-    if (index.column() == DataType)
+    if (is(DataType))
         return parameter.parameterType;
-    if (index.column() == Output)
+    if (is(Output))
         return parameter.parameterIsOutput ? tr("Yes") : tr("No");
+    if (is(PassNull))
+        return parameter.passNull ? tr("Yes") : tr("No");
+    if (is(Value))
+        return parameter.parameterValue;
     return QStringLiteral("unknown");
 }
 

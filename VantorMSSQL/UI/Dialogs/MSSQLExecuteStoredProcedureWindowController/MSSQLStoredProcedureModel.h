@@ -23,6 +23,8 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     /// Takes a check state for NULL, and a text of the parameter's type as its value.
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    /// The text of a column with this identifier, such as "Parameter name"; "unknown" for others.
+    static QString textForColumn(const MSSQLStoredProcedureParameter &parameter, const QString &identifier);
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
