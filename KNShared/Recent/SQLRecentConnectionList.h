@@ -40,6 +40,8 @@ public:
     void remove(const SQLRecentConnectionPtr &entry);
     /// Removes all entries and records no more until the program restarts.
     void removeAll();
+    /// Whether removeAll() has ended the list: changes have no effect any more.
+    bool isDropped() const { return m_state == State::Dropped; }
 
     /// Whether the store has not answered yet.
     bool isLoading() const { return m_state == State::Loading; }

@@ -168,6 +168,8 @@ TEST_F(RecentConnections, AreNotKeptAnyMoreOnceAllWereRemoved)
     EXPECT_EQ(count(), 0);
     MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("two"), QStringLiteral("b")));
     EXPECT_EQ(count(), 0);
+    EXPECT_NO_THROW(
+        MSSQLRecentConnection::RemoveConnection(entry(QStringLiteral("one"), QStringLiteral("a"))));
     EXPECT_EQ(m_store->writes.size(), writes);
     restart();
     MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("three"), QStringLiteral("c")));

@@ -49,6 +49,8 @@ void MSSQLRecentConnection::UpdateRecentConnection(const SQLRecentConnectionPtr 
 void MSSQLRecentConnection::RemoveConnection(const SQLRecentConnectionPtr &entry)
 {
     KNAssert(list().contains(entry), "Connection is not available.", "Implementations/MSSQLRecentConnection");
+    if (list().isDropped())
+        return;
     list().remove(entry);
 }
 
