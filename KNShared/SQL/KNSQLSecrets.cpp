@@ -27,12 +27,7 @@ QString lowerName(const SQLToken &token)
 
 bool isSecretVariable(const SQLToken &token)
 {
-    const auto contains = [&](const char *part) {
-        return token.text.contains(QLatin1String(part), Qt::CaseInsensitive);
-    };
-    return token.kind == SQLTokenKind::Variable &&
-           (contains("pass") || contains("pwd") || contains("secret") ||
-            token.text.endsWith(QLatin1String("pw"), Qt::CaseInsensitive));
+    return token.kind == SQLTokenKind::Variable && KNSQLIsSecretVariable(token.text);
 }
 
 bool isSecretName(const QString &name)
@@ -209,4 +204,13 @@ QString KNTextWithoutSecrets(const QString &text, const QStringList &secrets)
             masked.replace(secret, Stars);
     }
     return masked;
+}
+
+bool KNSQLIsSecretVariable(QStringView name)
+{
+    const auto contains = [&](const char *part) {
+        return name.contains(QLatin1String(part), Qt::CaseInsensitive);
+    };
+    return contains("pass") || contains("pwd") || contains("secret") ||
+           name.endsWith(QLatin1String("pw"), Qt::CaseInsensitive);
 }

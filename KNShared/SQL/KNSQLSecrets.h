@@ -10,5 +10,8 @@
 /// the masked texts. Pure; any thread.
 KNSHARED_EXPORT QString KNSQLWithoutSecrets(const QString &sql, QStringList *secrets = nullptr);
 
+/// Whether a variable or a parameter of this name, with its @, is taken to hold a password or another secret.
+KNSHARED_EXPORT bool KNSQLIsSecretVariable(QStringView name);
+
 /// Masks the secrets in a text about that SQL, such as a server message that quotes it.
 KNSHARED_EXPORT QString KNTextWithoutSecrets(const QString &text, const QStringList &secrets);

@@ -164,7 +164,7 @@ TEST_F(RecentConnections, AreNotKeptAnyMoreOnceAllWereRemoved)
     MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("one"), QStringLiteral("a")));
     const auto writes = m_store->writes.size();
     MSSQLRecentConnection::removeAllRecentConnections();
-    EXPECT_EQ(m_store->removals, std::vector<QString>{Key});
+    EXPECT_EQ(m_store->removals, (std::vector<QString>{QStringLiteral("MSSQLProcedureValues one"), Key}));
     EXPECT_EQ(count(), 0);
     MSSQLRecentConnection::UpdateRecentConnection(entry(QStringLiteral("two"), QStringLiteral("b")));
     EXPECT_EQ(count(), 0);
@@ -197,6 +197,7 @@ TEST_F(RecentConnections, CanBeRemovedOneByOne)
     const Entry second = entry(QStringLiteral("two"), QStringLiteral("b"));
     MSSQLRecentConnection::UpdateRecentConnection(second);
     MSSQLRecentConnection::RemoveConnection(second);
+    EXPECT_EQ(m_store->removals, std::vector<QString>{QStringLiteral("MSSQLProcedureValues two")});
     ASSERT_EQ(written().size(), 1);
     EXPECT_EQ(written().at(0).toObject().value(QStringLiteral("connectionId")),
               QJsonValue(QStringLiteral("one")));

@@ -2,6 +2,7 @@
 
 #include "Foundation/KNAssert.h"
 #include "Implementations/MSSQLDatabaseConnectionDetails.h"
+#include "Procedures/MSSQLProcedureValues.h"
 
 namespace {
 
@@ -48,14 +49,17 @@ void MSSQLRecentConnection::UpdateRecentConnection(const SQLRecentConnectionPtr 
 
 void MSSQLRecentConnection::RemoveConnection(const SQLRecentConnectionPtr &entry)
 {
-    KNAssert(list().contains(entry), "Connection is not available.", "Implementations/MSSQLRecentConnection");
     if (list().isDropped())
         return;
+    KNAssert(list().contains(entry), "Connection is not available.", "Implementations/MSSQLRecentConnection");
+    MSSQLProcedureValues::forget(entry->connectionId);
     list().remove(entry);
 }
 
 void MSSQLRecentConnection::removeAllRecentConnections()
 {
+    for (const SQLRecentConnectionPtr &entry : list().connections())
+        MSSQLProcedureValues::forget(entry->connectionId);
     list().removeAll();
 }
 

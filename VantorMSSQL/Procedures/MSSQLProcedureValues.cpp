@@ -3,6 +3,7 @@
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNKeyValueStore.h"
 #include "Implementations/MSSQLObjectPath.h"
+#include "SQL/KNSQLSecrets.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -15,6 +16,11 @@ const QString ParametersKey = QStringLiteral("parameters");
 const QString ValueKey = QStringLiteral("value");
 const QString NullKey = QStringLiteral("null");
 
+QString keyOf(const QString &connectionId)
+{
+    return KNFormat("MSSQLProcedureValues %@", connectionId);
+}
+
 QJsonArray storedExecutions(const QString &stored)
 {
     return QJsonDocument::fromJson(stored.toUtf8()).array();
@@ -24,7 +30,8 @@ QJsonObject valuesOf(const MSSQLProcedureValues::Parameters &parameters)
 {
     QJsonObject values;
     for (const MSSQLStoredProcedureParameter &parameter : parameters) {
-        if (parameter.isLeftOut() || parameter.parameterValue.size() > MSSQLProcedureValues::LongestValue)
+        if (parameter.isLeftOut() || parameter.parameterValue.size() > MSSQLProcedureValues::LongestValue ||
+            KNSQLIsSecretVariable(parameter.parameterName))
             continue;
         values.insert(parameter.parameterName,
                       QJsonObject{{NullKey, parameter.passNull}, {ValueKey, parameter.parameterValue}});
@@ -47,7 +54,7 @@ QString withExecution(const QString &stored, const QString &procedure, const QJs
 
 MSSQLProcedureValues::MSSQLProcedureValues(const VantorDBC &details, const QString &schema,
                                            const QString &procedure)
-    : m_key(KNFormat("MSSQLProcedureValues %@", details.connectionId()))
+    : m_key(keyOf(details.connectionId()))
     , m_procedure(MSSQLObjectPath::quoted({details.database(), schema, procedure}))
 {
 }
@@ -83,4 +90,9 @@ void MSSQLProcedureValues::keep(const Parameters &parameters) const
             return withExecution(stored, procedure, values);
         },
         [](const QString &, const KNError &) {}); // the values are a convenience
+}
+
+void MSSQLProcedureValues::forget(const QString &connectionId)
+{
+    KNKeyValueStore::shared()->removeKey(keyOf(connectionId), [](const KNError &) {});
 }

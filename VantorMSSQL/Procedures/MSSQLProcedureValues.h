@@ -21,7 +21,10 @@ public:
     /// Passes on the parameters with the values of the last execution, where there are some. `use` is called
     /// once, possibly before this returns.
     void restore(Parameters parameters, std::function<void(const Parameters &parameters)> use) const;
+    /// Keeps the values, except those of parameters that are named like passwords.
     void keep(const Parameters &parameters) const;
+    /// Removes the values of all procedures of a connection.
+    static void forget(const QString &connectionId);
 
 private:
     const QString m_key;

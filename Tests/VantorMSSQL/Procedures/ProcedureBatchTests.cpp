@@ -212,6 +212,29 @@ TEST_F(ProcedureValues, AreBoundedInNumberAndLength)
               QStringLiteral("5"));
 }
 
+TEST_F(ProcedureValues, ThatAreNamedLikePasswordsAreNotKept)
+{
+    for (const char *const name : {"@Password", "@user_pwd", "@ClientSecret", "@loginpw"}) {
+        keep("P", {procedureParameter("@a", "int", "5"), procedureParameter(name, "nvarchar(50)", "hidden")});
+        const auto values = restored(
+            "P", {procedureParameter("@a", "int", ""), procedureParameter(name, "nvarchar(50)", "")});
+        EXPECT_EQ(values.first().parameterValue, QStringLiteral("5"));
+        EXPECT_TRUE(values.last().isLeftOut()) << name;
+    }
+    for (const QString &text : store->writes)
+        EXPECT_FALSE(text.contains(QStringLiteral("hidden"))) << text.toStdString();
+}
+
+TEST_F(ProcedureValues, AreForgottenWithTheirConnection)
+{
+    keep("P", {procedureParameter("@a", "int", "5")});
+    ASSERT_EQ(store->texts.size(), 1);
+    MSSQLProcedureValues::forget(QStringLiteral("c2"));
+    EXPECT_EQ(store->texts.size(), 1);
+    MSSQLProcedureValues::forget(QStringLiteral("c1"));
+    EXPECT_TRUE(store->texts.isEmpty());
+}
+
 TEST_F(ProcedureValues, SurviveAStoreThatFailsOrHoldsRubbish)
 {
     store->readProblem = KNKeyValueStore::Refused;
