@@ -12,17 +12,12 @@
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
 #include "Scripts/MSSQLScriptTableAsMySQLQueryLoader.h"
 
+#include <QStringEncoder>
 #include <QTemporaryFile>
 
 namespace {
 
 constexpr qsizetype RowsPerStatement = 500;
-
-bool writeUtf8(QIODevice &device, const QString &text)
-{
-    const QByteArray utf8 = text.toUtf8();
-    return device.write(utf8) == utf8.size();
-}
 
 KNError exporterError(const QString &text)
 {
@@ -55,7 +50,7 @@ public:
             KNRowReader cells(rows);
             for (qsizetype row = first; row < end && isStored; ++row) {
                 cells.seek(row);
-                isStored = writeUtf8(m_rows, m_inserts->add(nextRow(cells)));
+                isStored = DatabaseExporter::appendToFile(m_rows, m_inserts->add(nextRow(cells)));
             }
         };
         reader.isCancelled = [&] { return !isStored || isCancelled(); };
@@ -72,7 +67,8 @@ public:
     {
         if (!m_inserts)
             return true;
-        return writeUtf8(device, m_inserts->head()) && copyTo(device) && writeUtf8(device, m_inserts->tail());
+        return DatabaseExporter::appendToFile(device, m_inserts->head()) && copyTo(device) &&
+               DatabaseExporter::appendToFile(device, m_inserts->tail());
     }
 
 private:
@@ -111,6 +107,14 @@ DatabaseExporter::DatabaseExporter(const QString &targetPath, const VantorDBC &d
     , m_details(databaseConnectionDetails.copy())
     , m_form(form)
 {
+}
+
+bool DatabaseExporter::appendToFile(QIODevice &file, const QString &toAppend,
+                                    QStringConverter::Encoding encoding)
+{
+    QStringEncoder encoder(encoding);
+    const QByteArray bytes = encoder(toAppend);
+    return file.write(bytes) == bytes.size();
 }
 
 void DatabaseExporter::exportWithProgressBlock(const Progress &progress, const Finished &finished)
@@ -174,7 +178,7 @@ KNError DatabaseExporter::write(QIODevice &device, const Progress &progress)
 {
     for (const Table &table : std::as_const(m_tables)) {
         if (!table.creationQuery.isNull() &&
-            !writeUtf8(device, table.creationQuery + QLatin1String("\r\n\r\n")))
+            !appendToFile(device, table.creationQuery + QLatin1String("\r\n\r\n")))
             return fileError(device);
     }
     for (qsizetype i = 0; i < m_tables.size() && !m_isCancelled(); ++i) {
@@ -200,7 +204,7 @@ KNError DatabaseExporter::writeTable(const Table &table, QIODevice &device) cons
     KNQueryReport report;
     MSSQLScriptTableAsMySQLQueryLoader::writeCreationQueryForTable(
         table.name, table.schema, true, true, true, *m_details, device, &report, {m_isCancelled});
-    if (!report.failure && !writeUtf8(device, QStringLiteral("\r\n\r\n")))
+    if (!report.failure && !appendToFile(device, QStringLiteral("\r\n\r\n")))
         return fileError(device);
     return report.failure;
 }

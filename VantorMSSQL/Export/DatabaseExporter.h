@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QList>
+#include <QStringConverter>
 
 #include <functional>
 
@@ -32,6 +33,9 @@ public:
 
     /// Blocks on the server: any thread except the UI thread. Both functions may be empty.
     void exportWithProgressBlock(const Progress &progress, const Finished &finished);
+    /// Appends a text to an open file; false if the file did not take all of it.
+    static bool appendToFile(QIODevice &file, const QString &toAppend,
+                             QStringConverter::Encoding encoding = QStringConverter::Utf8);
     /// Asked several times a second whether to stop, which leaves the target as it was.
     void setIsCancelled(const KNRowStream::IsCancelled &isCancelled) { m_isCancelled = isCancelled; }
 

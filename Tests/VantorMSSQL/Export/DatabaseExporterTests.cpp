@@ -7,6 +7,7 @@
 #include "Support/PrintQt.h"
 #include "Support/TreeTesting.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -145,6 +146,18 @@ TEST_F(Exporting, AFullDiskIsAnErrorAndLeavesTheOldFile)
     }
     EXPECT_TRUE(error);
     EXPECT_EQ(content(), QStringLiteral("old"));
+}
+
+TEST(ExportTarget, TakesTextsAtItsEndInAnEncoding)
+{
+    QBuffer file;
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(DatabaseExporter::appendToFile(file, QStringLiteral("a\u00e9")));
+    EXPECT_TRUE(DatabaseExporter::appendToFile(file, QStringLiteral("\u00e9"), QStringConverter::Utf16LE));
+    EXPECT_EQ(file.data(), QByteArray("a\xc3\xa9\xe9\x00", 5));
+    file.close();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(DatabaseExporter::appendToFile(file, QStringLiteral("x")));
 }
 
 TEST(ExportTarget, AFullDeviceIsAnError)
