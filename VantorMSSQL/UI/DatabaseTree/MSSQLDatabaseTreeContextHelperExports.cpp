@@ -132,14 +132,31 @@ void exportTableAsCSV(KNWorkspace &workspace, const KNMenuRepresentedObject &obj
         });
 }
 
-/// The wizard leads to the export that writes a file.
+/// Says that the wizard has written no file, and offers the export that writes scripts.
+void offerScripts(KNWorkspace &workspace, KNDatabaseTreeContextHelper &helper,
+                  const std::shared_ptr<MSSQLDatabaseTreeEntryDatabase> &entry)
+{
+    const KNAlerts::Question question{
+        MSSQLExportActions::tr("No file was written"),
+        MSSQLExportActions::tr(
+            "This export only looks for objects. To write a script of the database, choose "
+            "\"Generate Scripts…\"."),
+        {MSSQLExportActions::tr("Generate Scripts…"), MSSQLExportActions::tr("Close")}};
+    KNAlerts::shared().ask(
+        workspace.sheetParent(), question, [entry, &helper, pointer = workspace.weakPointer()](int button) {
+            if (button == 0 && pointer.lock())
+                helper.performAction(QStringLiteral("generateScripts:"), KNDatabaseTreeEntry::Ptr(entry));
+        });
+}
+
 void exportDatabaseAsMSSQL(KNWorkspace &workspace, KNDatabaseTreeContextHelper &helper,
                            const std::shared_ptr<MSSQLDatabaseTreeEntryDatabase> &entry)
 {
     auto *const wizard = new ExportToMSSQLWizard(entry->databaseConnectionDetails(), workspace.sheetParent());
     wizard->beginSheet([entry, &helper, pointer = workspace.weakPointer()](int code) {
-        if (code == ExportToMSSQLWizard::GenerateScripts && pointer.lock())
-            helper.performAction(QStringLiteral("generateScripts:"), KNDatabaseTreeEntry::Ptr(entry));
+        const auto existing = pointer.lock();
+        if (existing && code == ExportToMSSQLWizard::Finished)
+            offerScripts(*existing, helper, entry);
     });
 }
 

@@ -25,7 +25,7 @@
 namespace {
 
 constexpr QSize ExportWizardSize(520, 480);
-enum ExportWizardPage { SelectionPage, ProgressPage, LastPage };
+enum ExportWizardPage { SelectionPage, ProgressPage };
 
 } // namespace
 
@@ -45,15 +45,11 @@ ExportToMSSQLWizard::ExportToMSSQLWizard(const Settings &databaseConnectionDetai
     setWindowTitle(tr("Export Database"));
     m_pages->addWidget(makeSelectionPage());
     m_pages->addWidget(m_progress);
-    m_pages->addWidget(makeLastPage());
     auto *const buttons = new QDialogButtonBox;
     m_cancel = buttons->addButton(QDialogButtonBox::Cancel);
     m_next = buttons->addButton(tr("&Next"), QDialogButtonBox::ActionRole);
-    m_scripts = buttons->addButton(tr("&Generate Scripts…"), QDialogButtonBox::ActionRole);
-    m_scripts->hide();
     connect(m_next, &QPushButton::clicked, this, &ExportToMSSQLWizard::onNext);
     connect(m_cancel, &QPushButton::clicked, this, &ExportToMSSQLWizard::onCancel);
-    connect(m_scripts, &QPushButton::clicked, this, [this] { endSheetWithReturnCode(GenerateScripts); });
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_display);
     layout->addWidget(m_pages, 1);
@@ -96,17 +92,6 @@ QWidget *ExportToMSSQLWizard::makeSelectionPage()
     return page;
 }
 
-QWidget *ExportToMSSQLWizard::makeLastPage()
-{
-    auto *const text =
-        new QLabel(tr("No file was written: this export only looks for objects.\n\nTo write a script of "
-                      "the database, choose \"Generate Scripts…\"."));
-    text->setTextFormat(Qt::PlainText);
-    text->setWordWrap(true);
-    text->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    return text;
-}
-
 void ExportToMSSQLWizard::updateServerDatabaseDisplay()
 {
     m_display->setTextFormat(Qt::PlainText);
@@ -121,6 +106,11 @@ void ExportToMSSQLWizard::loadDatabaseExportables()
     for (QWidget *const control :
          std::initializer_list<QWidget *>{m_outline, m_toFile, m_compression, m_next})
         control->setEnabled(false);
+    actualLoadEntries();
+}
+
+void ExportToMSSQLWizard::actualLoadEntries()
+{
     KNDispatch::globalQueue([self = QPointer(this), details = m_details] {
         KNError error;
         const QList<ExportSelectableGroup> groups = ExportSelectableGroup::load(*details, &error);
@@ -200,19 +190,9 @@ void ExportToMSSQLWizard::startExport(const QString &targetPath)
             });
             std::this_thread::sleep_for(pause);
         }
-        KNDispatch::mainQueue([self] {
+        KNDispatch::mainQueue([self, cancelled] {
             if (self && !self->closed())
-                self->finish();
+                self->endSheetWithReturnCode(*cancelled ? 0 : Finished);
         });
     });
-}
-
-void ExportToMSSQLWizard::finish()
-{
-    m_pages->setCurrentIndex(LastPage);
-    m_cancel->setText(tr("Close"));
-    m_cancel->show();
-    m_scripts->show();
-    m_scripts->setDefault(true);
-    m_scripts->setFocus();
 }
