@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QTranslator>
 
 using WindowTesting::settle;
 using WindowTesting::waitFor;
@@ -71,6 +72,28 @@ TEST_F(BrowseServersWindow, ListsAnswersAndAcceptsRow)
     m_accept->click();
     EXPECT_EQ(m_result, 1);
     EXPECT_TRUE(m_chosen.endsWith(QStringLiteral(",%1\\SAMPLE").arg(m_server.port())));
+}
+
+TEST_F(BrowseServersWindow, FillsItsColumnsInATranslatedProgram)
+{
+    class Translator : public QTranslator
+    {
+    public:
+        QString translate(const char *, const char *text, const char *, int) const override
+        {
+            return QByteArray(text) == "Instance" ? QStringLiteral("Instanz") : QString();
+        }
+        bool isEmpty() const override { return false; }
+    } translator;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&translator));
+    MSSQLBrowseServersWindowController window(&m_parent);
+    window.beginSheet([](int) {});
+    auto *const table = window.findChild<QTableWidget *>();
+    EXPECT_EQ(table->horizontalHeaderItem(1)->text(), QStringLiteral("Instanz"));
+    EXPECT_TRUE(waitFor([&] { return table->rowCount() == 1; }));
+    ASSERT_EQ(table->rowCount(), 1);
+    EXPECT_EQ(table->item(0, 1)->text(), QStringLiteral("SAMPLE"));
+    QCoreApplication::removeTranslator(&translator);
 }
 
 TEST_F(BrowseServersWindow, AcceptsARowThatIsDoubleClicked)

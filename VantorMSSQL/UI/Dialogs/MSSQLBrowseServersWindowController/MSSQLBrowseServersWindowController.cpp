@@ -12,9 +12,14 @@
 #include <QPushButton>
 #include <QTableWidget>
 
+#include <iterator>
+
 namespace {
 
-QStringList columns()
+/// Of the columns, for textForColumn().
+constexpr const char *EntryIdentifiers[] = {"Host", "Instance", "Version", "Port"};
+
+QStringList entryTitles()
 {
     return {
         MSSQLBrowseServersWindowController::tr("Host"), MSSQLBrowseServersWindowController::tr("Instance"),
@@ -25,12 +30,12 @@ QStringList columns()
 
 MSSQLBrowseServersWindowController::MSSQLBrowseServersWindowController(QWidget *parent)
     : KNWindowController(parent)
-    , m_table(new QTableWidget(0, static_cast<int>(columns().size())))
+    , m_table(new QTableWidget(0, static_cast<int>(std::size(EntryIdentifiers))))
     , m_searching(new QLabel(tr("Searching the local network…")))
     , m_progress(new KNProgressMark(tr("Searching")))
 {
     setWindowTitle(tr("SQL Servers on the Local Network"));
-    m_table->setHorizontalHeaderLabels(columns());
+    m_table->setHorizontalHeaderLabels(entryTitles());
     m_table->setAccessibleName(tr("Servers"));
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -163,7 +168,9 @@ void MSSQLBrowseServersWindowController::reload()
     for (int row = 0; row < m_table->rowCount(); ++row) {
         const MSSQLBrowserServiceClientEntry &entry = m_databases.at(row);
         for (int column = 0; column < m_table->columnCount(); ++column)
-            m_table->setItem(row, column, new QTableWidgetItem(textForColumn(entry, columns().at(column))));
+            m_table->setItem(
+                row, column,
+                new QTableWidgetItem(textForColumn(entry, QString::fromLatin1(EntryIdentifiers[column]))));
         if (selected && selected->isEqualTo(entry))
             m_table->selectRow(row);
     }
