@@ -312,6 +312,17 @@ TEST_F(ConnectionWindow, ListsTheDatabasesWhenTheirListIsOpened)
     EXPECT_EQ(m_form->database->count(), 0);
 }
 
+TEST_F(ConnectionWindow, DropsAListOfDatabasesThatAnotherLoginSees)
+{
+    open();
+    fillIn();
+    m_form->database->showPopup();
+    ASSERT_TRUE(m_form->databaseProgress->isRunning());
+    m_form->account->setText(QStringLiteral("another"));
+    ASSERT_TRUE(waitFor([this] { return !m_form->databaseProgress->isRunning(); }));
+    EXPECT_EQ(m_form->database->count(), 0);
+}
+
 TEST_F(ConnectionWindow, ListsNoDatabasesWithoutServerAndUserName)
 {
     open();

@@ -340,9 +340,10 @@ void MSSQLConnectionWindowController::listDatabases()
 void MSSQLConnectionWindowController::databasesListed(const QStringList &names, const KNError &error)
 {
     m_isListing = false;
-    // The fields may describe another server by now.
+    // The fields may describe another server or login by now.
     const bool isCurrent =
-        m_databaseListerConnectionDetails->host() == m_form->server->currentText().trimmed();
+        m_databaseListerConnectionDetails->host() == m_form->server->currentText().trimmed() &&
+        m_databaseListerConnectionDetails->username() == m_form->account->text();
     if (error) {
         KNLogHelper::sharedInstance()->logMessage("Setting tooltip to be: %@", error.localizedDescription());
         m_form->databaseProgress->fail(error.localizedDescription());
