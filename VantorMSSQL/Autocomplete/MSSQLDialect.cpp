@@ -81,6 +81,10 @@ constexpr RoleWords Roles[] = {
     {Role::Batch, "GO"},
 };
 
+/// Words with a role that T-SQL does not reserve.
+constexpr const char *NonReserved =
+    "APPLY, OUTPUT, USING, PARTITION, TYPE, SEQUENCE, SYNONYM, LOGIN, ROLE, PARSE, TRY_PARSE";
+
 constexpr const char *Statements =
     "SELECT, INSERT INTO, UPDATE, DELETE FROM, MERGE, EXEC, DECLARE, SET, IF, WHILE, BEGIN, END, ELSE, WITH, "
     "USE, "
@@ -285,6 +289,8 @@ KNSQLDialect create()
         for (const QString &word : words)
             dialect.roles.insert(word, entry.role);
     }
+    const QStringList names = listOf(NonReserved);
+    dialect.nonReserved = QSet<QString>(names.begin(), names.end());
     for (const ClauseWords &entry : clauseWords()) {
         KNSQLClauseRule rule{entry.expected, listOf(entry.begin), {}};
         for (const char *const words : entry.follow)

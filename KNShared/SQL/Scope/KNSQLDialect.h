@@ -8,6 +8,7 @@
 #include <QFlags>
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QStringList>
 
 /// The part that a word plays in a statement. The words are the dialect's; None is a name.
@@ -157,6 +158,7 @@ struct KNSQLDialect
     QString name; ///< of the language, for names of files
     SQLTokenizerOptions tokenizer;
     QHash<QString, KNSQLRole> roles; ///< by word in upper case
+    QSet<QString> nonReserved;       ///< words with a role that are names elsewhere, in upper case
     QHash<KNSQLClause, KNSQLClauseRule> clauses;
     QStringList functions;
     QHash<QString, KNSignature> signatures; ///< of functions, by name in upper case

@@ -12,7 +12,7 @@ bool isName(const KNSQLTokens &tokens, qsizetype index)
     case SQLTokenKind::QuotedIdentifier:
         return true;
     case SQLTokenKind::Word:
-        return piece.role == KNSQLRole::None;
+        return tokens.roleAt(index) == KNSQLRole::None;
     default:
         return false;
     }

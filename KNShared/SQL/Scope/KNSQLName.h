@@ -5,7 +5,7 @@
 /// Reads names from tokens.
 namespace KNSQLName {
 
-/// Whether the token can be a name: a word without a role, or a quoted name.
+/// Whether the token can be a name: a word without a role there, or a quoted name.
 bool isName(const KNSQLTokens &tokens, qsizetype index);
 /// Whether the token is this operator.
 bool is(const KNSQLTokens &tokens, qsizetype index, QChar character);

@@ -84,7 +84,7 @@ KNSQLFrame &KNSQLScopeParser::query()
 
 Role KNSQLScopeParser::role(qsizetype index) const
 {
-    return index >= m_begin && index < m_end ? m_tokens.at(index).role : Role::None;
+    return index >= m_begin && index < m_end ? m_tokens.roleAt(index) : Role::None;
 }
 
 bool KNSQLScopeParser::is(qsizetype index, QChar character) const
@@ -156,8 +156,10 @@ bool KNSQLScopeParser::isBehindOperand() const
     }
     if (piece.kind == SQLTokenKind::Operator)
         return false;
-    if (piece.kind == SQLTokenKind::Word)
-        return piece.role == Role::None || piece.role == Role::Value || piece.role == Role::End;
+    if (piece.kind == SQLTokenKind::Word) {
+        const Role last = m_tokens.roleAt(previous);
+        return last == Role::None || last == Role::Value || last == Role::End;
+    }
     return true;
 }
 

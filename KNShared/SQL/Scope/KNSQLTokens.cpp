@@ -80,8 +80,9 @@ qsizetype KNSQLTokens::tokenize(qsizetype from, qsizetype unchangedFrom, qsizety
             if (old < m_pieces.size() && m_pieces[old].location + shift == token.location)
                 return old;
         }
-        pieces->append({token.kind, roleOf(token, dotEnd == token.location),
-                        static_cast<qint32>(token.location), static_cast<qint32>(token.length)});
+        const KNSQLRole role = roleOf(token, dotEnd == token.location);
+        pieces->append({token.kind, role, static_cast<qint32>(token.location),
+                        static_cast<qint32>(token.length), mayBeName(token, role)});
         dotEnd = token.text == u"." ? token.location + token.length : -1;
     }
     return m_pieces.size();
@@ -102,7 +103,76 @@ void KNSQLTokens::renewRole(qsizetype index)
     const KNSQLPiece &piece = m_pieces[index];
     const bool isBehindDot =
         index > 0 && textAt(index - 1) == u"." && m_pieces[index - 1].end() == piece.location;
-    m_pieces[index].role = roleOf({piece.kind, piece.location, piece.length, textAt(index)}, isBehindDot);
+    const SQLToken token{piece.kind, piece.location, piece.length, textAt(index)};
+    m_pieces[index].role = roleOf(token, isBehindDot);
+    m_pieces[index].mayBeName = mayBeName(token, m_pieces[index].role);
+}
+
+bool KNSQLTokens::mayBeName(const SQLToken &token, KNSQLRole role) const
+{
+    return role != KNSQLRole::None && m_dialect.nonReserved.contains(token.text.toString().toUpper());
+}
+
+/// Whether a word that is not reserved stands where it cannot have its role.
+bool KNSQLTokens::isUsedAsName(qsizetype index) const
+{
+    const auto role = [this](qsizetype at) {
+        return at >= 0 && at < m_pieces.size() ? m_pieces[at].role : KNSQLRole::None;
+    };
+    const auto isDefinition = [&](qsizetype at) {
+        return role(at) == KNSQLRole::Create || role(at) == KNSQLRole::Alter || role(at) == KNSQLRole::Drop;
+    };
+    const KNSQLRole previous = role(index - 1);
+    const bool isInParenthesis = index > 0 && textAt(index - 1) == u"(";
+    switch (role(index)) {
+    case KNSQLRole::ObjectKind: // CREATE TYPE, CREATE SERVER ROLE, GRANT ALTER ANY LOGIN, EXECUTE AS LOGIN
+        return !isDefinition(index - 1) &&
+               !(isDefinition(index - 2) &&
+                 (previous == KNSQLRole::None || previous == KNSQLRole::Operator)) &&
+               !(previous == KNSQLRole::As && role(index - 2) == KNSQLRole::Execute);
+    case KNSQLRole::Cast:
+        return index + 1 >= m_pieces.size() || textAt(index + 1) != u"(";
+    case KNSQLRole::Partition:
+        return role(index + 1) != KNSQLRole::By && !(isInParenthesis && role(index - 2) == KNSQLRole::Over) &&
+               hasOperandBehind(index - 1);
+    default:
+        return hasOperandBehind(index - 1);
+    }
+}
+
+/// Whether only an operand or the name of a source can follow a token.
+bool KNSQLTokens::hasOperandBehind(qsizetype index) const
+{
+    if (index < 0)
+        return false;
+    if (m_pieces[index].kind == SQLTokenKind::Operator)
+        return !QStringView(u")*;").contains(textAt(index));
+    switch (m_pieces[index].role) {
+    case KNSQLRole::Select:
+    case KNSQLRole::Quantifier:
+    case KNSQLRole::With:
+    case KNSQLRole::From:
+    case KNSQLRole::Join:
+    case KNSQLRole::Apply:
+    case KNSQLRole::Using:
+    case KNSQLRole::Into:
+    case KNSQLRole::Update:
+    case KNSQLRole::Table:
+    case KNSQLRole::Column:
+    case KNSQLRole::References:
+    case KNSQLRole::Set:
+    case KNSQLRole::On:
+    case KNSQLRole::Where:
+    case KNSQLRole::Having:
+    case KNSQLRole::By:
+    case KNSQLRole::Case:
+    case KNSQLRole::When:
+    case KNSQLRole::As:
+    case KNSQLRole::Operator:
+        return true;
+    default:
+        return false;
+    }
 }
 
 qsizetype KNSQLTokens::countBefore(qsizetype location) const

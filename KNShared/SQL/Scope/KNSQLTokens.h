@@ -10,6 +10,7 @@ struct KNSQLPiece
     KNSQLRole role;
     qint32 location;
     qint32 length;
+    bool mayBeName; ///< whether the word is not reserved: roleAt() decides
 
     qint32 end() const { return location + length; }
 };
@@ -35,6 +36,11 @@ public:
     {
         return QStringView(m_text).mid(m_pieces[index].location, m_pieces[index].length);
     }
+    /// The role of a token; None for a word that is not reserved where it is used as a name.
+    KNSQLRole roleAt(qsizetype index) const
+    {
+        return m_pieces[index].mayBeName && isUsedAsName(index) ? KNSQLRole::None : m_pieces[index].role;
+    }
     /// The number of tokens that begin before a position of the text.
     qsizetype countBefore(qsizetype location) const;
     /// Whether a position is inside of a comment.
@@ -46,6 +52,9 @@ private:
     qsizetype tokenize(qsizetype from, qsizetype unchangedFrom, qsizetype shift, QList<KNSQLPiece> *pieces,
                        qsizetype firstOld) const;
     KNSQLRole roleOf(const SQLToken &token, bool isBehindDot) const;
+    bool mayBeName(const SQLToken &token, KNSQLRole role) const;
+    bool isUsedAsName(qsizetype index) const;
+    bool hasOperandBehind(qsizetype index) const;
     void renewRole(qsizetype index);
 
     const KNSQLDialect &m_dialect;
