@@ -6,8 +6,8 @@ SELECT
     c.column_name,
     CASE
         WHEN c.is_user_defined = 1 THEN QUOTENAME(c.type_schema) + N'.' + QUOTENAME(c.type_name)
-        WHEN c.user_type_id = c.system_type_id THEN c.base_type
-        ELSE c.type_name
+        WHEN c.user_type_id <> c.system_type_id AND c.type_name IS NOT NULL THEN c.type_name
+        ELSE c.base_type
     END AS data_type,
     c.is_nullable,
     CASE WHEN c.system_type_id IN (35, 167, 175)
@@ -27,7 +27,7 @@ FROM (
         CONVERT(bit, CASE WHEN col.default_object_id <> 0 OR col.is_identity = 1 THEN 1 ELSE 0 END) AS has_default,
         ISNULL(t.is_user_defined, 0) AS is_user_defined,
         ts.name AS type_schema,
-        COALESCE(t.name, b.name) AS type_name,
+        t.name AS type_name,
         CASE
             WHEN b.name IN (N'decimal', N'numeric')
                 THEN b.name + N'(' + CONVERT(nvarchar(10), col.[precision])
