@@ -1,5 +1,7 @@
 #include "VantorMSSQL/DatabaseTree/ActionTest.h"
 
+#include <QDialog>
+
 namespace {
 
 /// A job of the sample server's agent.

@@ -9,6 +9,8 @@
 #include "UI/DatabaseTree/MSSQLTreePreferences.h"
 #include "UI/Workspace/KNProgressSheet.h"
 
+#include <QWidget>
+
 namespace {
 
 using JobEntry = std::shared_ptr<MSSQLDatabaseTreeEntryAgentJob>;
