@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <stdio_ext.h>
 #include <stdlib.h>
 #include <thread>
 #include <unistd.h>
@@ -23,6 +24,8 @@ void copyWithoutLoginSettings(FILE *from, FILE *to)
     char *line = nullptr;
     size_t capacity = 0;
     bool isLeftOut = false;
+    // A read that waits must not hold the stream's lock: fflush(nullptr) takes the locks of all streams.
+    __fsetlocking(from, FSETLOCKING_BYCALLER);
     for (ssize_t length; (length = getline(&line, &capacity, from)) > 0;) {
         const QByteArray text = QByteArray::fromRawData(line, length);
         if (beginsRecord(text))
