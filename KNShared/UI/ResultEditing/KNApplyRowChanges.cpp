@@ -12,6 +12,7 @@
 #include "UI/Workspace/KNQueryPreview.h"
 
 #include <QPointer>
+#include <QWidget>
 
 #include <algorithm>
 

@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QHeaderView>
+#include <QIODevice>
 
 KNResultColumns::KNResultColumns(QAbstractItemModel &model, QWidget *grid)
     : QObject(grid)

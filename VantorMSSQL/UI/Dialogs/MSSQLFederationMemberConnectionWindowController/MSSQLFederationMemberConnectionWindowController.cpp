@@ -1,5 +1,6 @@
 #include "UI/Dialogs/MSSQLFederationMemberConnectionWindowController/MSSQLFederationMemberConnectionWindowController.h"
 
+#include "Database/VantorDatabaseClient.h"
 #include "Foundation/KNDispatch.h"
 #include "Foundation/KNFormat.h"
 #include "Foundation/KNLogHelper.h"
