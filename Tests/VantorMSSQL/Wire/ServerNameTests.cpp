@@ -1,3 +1,4 @@
+#include "Foundation/KNFormat.h"
 #include "Foundation/KNHostCache.h"
 #include "Implementations/MSSQLLoginFile.h"
 #include "Implementations/MSSQLServerCheck.h"

@@ -5,10 +5,13 @@
 #include "UI/Alerts/KNAlerts.h"
 #include "UI/Editor/KNSQLEditor.h"
 
+#include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
 #include <QTreeView>

@@ -9,6 +9,7 @@
 #include "UI/Connecting/KNLoginWindowController.h"
 #include "UI/KNConnectorUserInterface.h"
 
+#include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>

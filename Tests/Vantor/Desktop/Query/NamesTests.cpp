@@ -1,6 +1,7 @@
 #include "Autocomplete/KNAutocompleteHelper.h"
 #include "Autocomplete/KNCompletionCatalog.h"
 #include "Database/KNDatabaseResultSet.h"
+#include "Database/VantorDatabaseClient.h"
 #include "Desktop/Main/MainWindowActions.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
