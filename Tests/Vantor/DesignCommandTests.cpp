@@ -1,4 +1,5 @@
 #include "Support/HostileServerRelay.h"
+#include "Support/TestText.h"
 #include "Vantor/Program.h"
 
 #include "Foundation/KNFormat.h"
@@ -6,11 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QString bracketed(QString name)
 {

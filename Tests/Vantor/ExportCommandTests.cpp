@@ -1,3 +1,4 @@
+#include "Support/TestText.h"
 #include "Vantor/Program.h"
 #include "VantorMSSQL/Scripts/MariaDb.h"
 
@@ -10,40 +11,34 @@
 
 namespace {
 
-QString utf16(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// vantor-cli export of the sample databases.
 class ExportCommand : public testing::Test
 {
 protected:
     static Outcome runIn(const char *database, const QStringList &arguments)
     {
-        return Program(QStringList{arguments.first(), utf16("--server"),
-                                   utf16("127.0.0.1,%1").arg(SampleServerFixture::shared().port()),
-                                   utf16("--user"), utf16("sa"), utf16("--database"), utf16(database)} +
+        return Program(QStringList{arguments.first(), q("--server"),
+                                   q("127.0.0.1,%1").arg(SampleServerFixture::shared().port()), q("--user"),
+                                   q("sa"), q("--database"), q(database)} +
                        arguments.mid(1))
             .wait();
     }
     static Outcome exported(const char *database, std::initializer_list<const char *> arguments)
     {
-        QStringList words{utf16("export")};
+        QStringList words{q("export")};
         for (const char *const argument : arguments)
-            words.append(utf16(argument));
+            words.append(q(argument));
         return runIn(database, words);
     }
     static QByteArray query(const char *database, const char *sql)
     {
-        const Outcome outcome =
-            runIn(database, {utf16("query"), utf16("--format"), utf16("csv"), utf16(sql)});
+        const Outcome outcome = runIn(database, {q("query"), q("--format"), q("csv"), q(sql)});
         EXPECT_EQ(outcome.status, 0) << sql << "\n" << outcome.errors.toStdString();
         return outcome.output;
     }
     QString write(const QByteArray &content) const
     {
-        QFile file(folder.filePath(utf16("script.sql")));
+        QFile file(folder.filePath(q("script.sql")));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
         return file.fileName();
@@ -65,7 +60,7 @@ TEST_F(ExportCommand, ComesBackAsTheSameScriptAndTheSameRows)
     ASSERT_EQ(first.status, 0) << first.errors.toStdString();
     EXPECT_TRUE(first.output.contains("INSERT INTO [dbo].[Books] ("));
     query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
-    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(first.output)});
+    const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(first.output)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     const Outcome second = exported("copied", {"--data"});
     EXPECT_EQ(second.status, 0);
@@ -87,7 +82,7 @@ TEST_F(ExportCommand, ComesBackWithExtendedPropertiesAndTableTypes)
     EXPECT_FALSE(exported("shop", {"--tables", "dbo.Customers", "--no-extended-properties"})
                      .output.contains("MS_Description"));
     query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
-    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(first.output)});
+    const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(first.output)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     EXPECT_EQ(exported("copied", {}).output, first.output);
     const QByteArray whole = exported("shop", {}).output;
@@ -108,7 +103,7 @@ TEST_F(ExportCommand, KeepsBackslashesBeforeLineEnds)
                      "EXEC sp_addextendedproperty N'CRLF', @r, N'SCHEMA', N'dbo', N'TABLE', N't'\nGO\n"
                      "CREATE VIEW dbo.v AS -- C:\\\nSELECT v FROM dbo.t");
     const QByteArray script = exported("slashed", {"--data", "--if-not-exists"}).output;
-    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     const QByteArray rows = query("copied", "SELECT CONVERT(varbinary(20), v) FROM dbo.v");
     EXPECT_TRUE(rows.contains("61005C000A006200")) << rows.toStdString();
@@ -132,7 +127,7 @@ TEST_F(ExportCommand, RunsTwiceWithKeysAndChecksThatTheServerNamed)
     for (const char *const option : {"--if-not-exists", "--drop"}) {
         const QByteArray script = exported("unnamed", {option}).output;
         for (int run = 0; run < 2; ++run) {
-            const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+            const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
             EXPECT_EQ(loaded.status, 0) << option << loaded.errors.toStdString();
             EXPECT_EQ(exported("copied", {}).output, plain) << option << run;
         }
@@ -157,7 +152,7 @@ TEST_F(ExportCommand, ComesBackWithViewsAndProceduresThatNameEachOther)
     EXPECT_TRUE(script.contains("CREATE FUNCTION [dbo].[f1] (@n int = NULL, @text nvarchar(10) = NULL)\r\n"))
         << script.toStdString();
     EXPECT_TRUE(script.contains("ALTER VIEW dbo.v1 AS SELECT a FROM dbo.v2")) << script.toStdString();
-    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     EXPECT_EQ(exported("copied", {}).output, script);
 }
@@ -172,7 +167,7 @@ TEST_F(ExportCommand, InsertsRowsOnlyInTheOrderOfForeignKeys)
     EXPECT_FALSE(rows.contains("CREATE"));
     query("master", "IF DB_ID('copied') IS NOT NULL DROP DATABASE copied\nGO\nCREATE DATABASE copied");
     for (const QByteArray &script : {exported("library", {}).output, rows}) {
-        const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+        const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
         EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     }
     EXPECT_EQ(exported("copied", {"--data-only"}).output, rows);
@@ -215,24 +210,24 @@ TEST_F(ExportCommand, WritesRowsThatMariaDbReadsAlike)
         GTEST_SKIP() << "MariaDB is not installed: scripts/setup installs it";
     query("master", "IF DB_ID('moving') IS NOT NULL DROP DATABASE moving\nGO\nCREATE DATABASE moving");
     const Outcome copied =
-        runIn("moving", {utf16("query"), utf16("--file"), write(exported("library", {"--data"}).output)});
+        runIn("moving", {q("query"), q("--file"), write(exported("library", {"--data"}).output)});
     ASSERT_EQ(copied.status, 0) << copied.errors.toStdString();
     query("moving",
           "CREATE TABLE dbo.Hard (Id int IDENTITY PRIMARY KEY, T nvarchar(60) NULL, B varbinary(8) NULL, "
           "M money NULL, F float NULL)\nGO\nINSERT INTO dbo.Hard (T, B, M, F) VALUES "
           "(N'it''s \\ \"100%\"; Кофе', 0x00275CFF, -922337203685477.5808, 0.1), (N'', 0x, 0, 0), "
           "(NULL, NULL, NULL, NULL)");
-    const QString file = folder.filePath(utf16("moving.sql"));
+    const QString file = folder.filePath(q("moving.sql"));
     ASSERT_EQ(exported("moving", {"--data", "--mysql", "--to", qPrintable(file)}).status, 0);
 
     MariaDb mariaDb;
     QString error;
-    mariaDb.run("CREATE DATABASE target", utf16("mysql"), &error);
-    mariaDb.run(content(file), utf16("target"), &error);
+    mariaDb.run("CREATE DATABASE target", q("mysql"), &error);
+    mariaDb.run(content(file), q("target"), &error);
     ASSERT_TRUE(error.isNull()) << error.toStdString();
     const auto rowsIn = [&](const char *sql) {
         QByteArray text;
-        for (const QList<QByteArray> &row : mariaDb.run(sql, utf16("target"), &error))
+        for (const QList<QByteArray> &row : mariaDb.run(sql, q("target"), &error))
             text += row.join(',') + '\n';
         EXPECT_TRUE(error.isNull()) << error.toStdString();
         return text;
@@ -262,22 +257,22 @@ TEST_F(ExportCommand, ReplacesAFileOrFillsAFolder)
     const QString file = write("old");
     EXPECT_EQ(exported("library", {"--to", qPrintable(file)}).status, 0);
     EXPECT_TRUE(content(file).contains("CREATE TABLE [dbo].[Books] ("));
-    const QString target = folder.filePath(utf16("scripts/"));
+    const QString target = folder.filePath(q("scripts/"));
     EXPECT_EQ(exported("library", {"--to", qPrintable(target)}).status, 0);
-    EXPECT_TRUE(content(target + utf16("dbo.Books.sql")).contains("CREATE TABLE [dbo].[Books] ("));
-    EXPECT_TRUE(content(target + utf16("_run_all.sql")).contains(":r \"dbo.Books.sql\"\r\n"));
+    EXPECT_TRUE(content(target + q("dbo.Books.sql")).contains("CREATE TABLE [dbo].[Books] ("));
+    EXPECT_TRUE(content(target + q("_run_all.sql")).contains(":r \"dbo.Books.sql\"\r\n"));
 }
 
 TEST_F(ExportCommand, CompressesByTheNameOfTheTarget)
 {
     const QByteArray plain = exported("library", {"--data"}).output;
-    const QString file = folder.filePath(utf16("library.sql.gz"));
+    const QString file = folder.filePath(q("library.sql.gz"));
     EXPECT_EQ(exported("library", {"--data", "--to", qPrintable(file)}).status, 0);
     QProcess gzip;
-    gzip.start(utf16("gzip"), {utf16("-dc"), file});
+    gzip.start(q("gzip"), {q("-dc"), file});
     ASSERT_TRUE(gzip.waitForFinished());
     EXPECT_EQ(gzip.readAllStandardOutput(), plain);
-    const QString archive = folder.filePath(utf16("library.zip"));
+    const QString archive = folder.filePath(q("library.zip"));
     EXPECT_EQ(exported("library", {"--data", "--to", qPrintable(archive)}).status, 0);
     EXPECT_TRUE(content(archive).startsWith("PK\x03\x04"));
     EXPECT_TRUE(content(archive).contains("_run_all.sql"));
@@ -300,13 +295,13 @@ TEST_F(ExportCommand, WritesRowsAsCsvFilesWithScriptsThatLoadThem)
           "CREATE TABLE dbo.t (id int IDENTITY PRIMARY KEY, name nvarchar(20) NULL, bytes varbinary(4) "
           "NULL)\nGO\nINSERT INTO dbo.t (name, bytes) VALUES (N'', 0x0AFF), (NULL, NULL), (N'\\N', NULL), "
           "(N'a\"b,c', NULL)");
-    const QString target = folder.filePath(utf16("csv/"));
+    const QString target = folder.filePath(q("csv/"));
     const Outcome outcome = exported("rows1", {"--data", "--csv", "--to", qPrintable(target)});
     EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
-    EXPECT_EQ(content(target + utf16("dbo.t.csv")),
+    EXPECT_EQ(content(target + q("dbo.t.csv")),
               "1,\"\",0x0AFF\n2,\\N,\\N\n3,\\\\N,\\N\n4,\"a\"\"b,c\",\\N\n");
-    EXPECT_EQ(content(target + utf16("_run_all.sql")), ":r \"dbo.t.sql\"\r\n:r \"dbo.t.Load.sql\"\r\n");
-    QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    EXPECT_EQ(content(target + q("_run_all.sql")), ":r \"dbo.t.sql\"\r\n:r \"dbo.t.Load.sql\"\r\n");
+    QByteArray loading = content(target + q("dbo.t.Load.sql"));
     EXPECT_TRUE(loading.startsWith("-- Loads dbo.t.csv into [dbo].[t] with sqlcmd -v DataFolder="));
     EXPECT_FALSE(loading.left(loading.indexOf("CREATE TABLE")).contains("$("));
     EXPECT_TRUE(loading.contains(
@@ -325,7 +320,7 @@ TEST_F(ExportCommand, WritesRowsAsCsvFilesWithScriptsThatLoadThem)
         "('4', 'a\"b,c', '\\N')\r\nGO\r\n");
     const QByteArray before = query("rows1", "SELECT * FROM dbo.t ORDER BY id");
     query("rows1", "DELETE FROM dbo.t");
-    const Outcome loaded = runIn("rows1", {utf16("query"), utf16("--file"), write(loading)});
+    const Outcome loaded = runIn("rows1", {q("query"), q("--file"), write(loading)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     EXPECT_EQ(query("rows1", "SELECT * FROM dbo.t ORDER BY id"), before);
     EXPECT_EQ(exported("rows1", {"--data", "--csv"}).status, 2);
@@ -346,12 +341,12 @@ TEST_F(ExportCommand, KeepsBlanksOfXmlAndNamesTypesThatAreLost)
                                                    "(1, CONVERT(xml, '<a> <b/> </a>', 1), '5', 1.5000),\r\n"
                                                    "(2, CONVERT(xml, NULL, 1), NULL, NULL);\r\n"))
         << script.toStdString();
-    const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+    const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
     EXPECT_EQ(loaded.status, 0) << loaded.errors.toStdString();
     EXPECT_EQ(query("copied", "SELECT id, x, m FROM dbo.t"), query("typed", "SELECT id, x, m FROM dbo.t"));
-    const QString target = folder.filePath(utf16("csv/"));
+    const QString target = folder.filePath(q("csv/"));
     EXPECT_EQ(exported("typed", {"--data", "--csv", "--to", qPrintable(target)}).status, 0);
-    const QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    const QByteArray loading = content(target + q("dbo.t.Load.sql"));
     EXPECT_TRUE(loading.contains(QByteArray(lost) + "CREATE TABLE #Rows")) << loading.toStdString();
     EXPECT_TRUE(loading.contains("\tCONVERT(xml, CASE WHEN [x] = N'\\N' THEN NULL"));
     EXPECT_TRUE(loading.contains("\tCONVERT(money, CASE WHEN [m] = N'\\N' THEN NULL"));
@@ -385,9 +380,9 @@ TEST_F(ExportCommand, WritesUserTypesLikeTheirSystemTypes)
     const QByteArray script = exported("aliases", {"--data-only"}).output;
     EXPECT_TRUE(script.contains("-- Not scripted: the types of the values of [v], an sql_variant column"));
     EXPECT_TRUE(script.contains("(1, 0x0AFF, 1.5000, 'text', 7);")) << script.toStdString();
-    const QString target = folder.filePath(utf16("csv/"));
+    const QString target = folder.filePath(q("csv/"));
     EXPECT_EQ(exported("aliases", {"--data", "--csv", "--to", qPrintable(target)}).status, 0);
-    const QByteArray loading = content(target + utf16("dbo.t.Load.sql"));
+    const QByteArray loading = content(target + q("dbo.t.Load.sql"));
     for (const char *const part :
          {"\tCONVERT(varbinary(max), CASE WHEN [b] = N'\\N'", "\tCONVERT(money, CASE WHEN [p] = N'\\N'",
           "\tCASE WHEN LEN([v]) > 4000 THEN CONVERT(sql_variant, CONVERT(varchar(8000), CASE WHEN",
@@ -419,7 +414,7 @@ TEST_F(ExportCommand, RunsTwiceWithDropsOrConditions)
     for (const char *const option : {"--if-not-exists", "--drop"}) {
         const QByteArray script = exported("library", {option}).output;
         for (int run = 0; run < 2; ++run) {
-            const Outcome loaded = runIn("copied", {utf16("query"), utf16("--file"), write(script)});
+            const Outcome loaded = runIn("copied", {q("query"), q("--file"), write(script)});
             EXPECT_EQ(loaded.status, 0) << option << loaded.errors.toStdString();
         }
     }

@@ -1,3 +1,4 @@
+#include "Support/TestText.h"
 #include "Vantor/Program.h"
 
 #include <QFile>
@@ -6,11 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-QString t(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// vantor-cli import into a database of its own.
 class ImportCommand : public testing::Test
@@ -25,30 +21,30 @@ protected:
 
     static Outcome runIn(const char *database, const QStringList &arguments)
     {
-        return Program(QStringList{arguments.first(), t("--server"),
-                                   t("127.0.0.1,%1").arg(SampleServerFixture::shared().port()), t("--user"),
-                                   t("sa"), t("--database"), t(database)} +
+        return Program(QStringList{arguments.first(), q("--server"),
+                                   q("127.0.0.1,%1").arg(SampleServerFixture::shared().port()), q("--user"),
+                                   q("sa"), q("--database"), q(database)} +
                        arguments.mid(1))
             .wait();
     }
     static QByteArray query(const char *sql, const char *database = "import")
     {
-        const Outcome outcome = runIn(database, {t("query"), t("--format"), t("csv"), t(sql)});
+        const Outcome outcome = runIn(database, {q("query"), q("--format"), q("csv"), q(sql)});
         EXPECT_EQ(outcome.status, 0) << sql << "\n" << outcome.errors.toStdString();
         return outcome.output;
     }
     QString write(const char *name, const QByteArray &content) const
     {
-        QFile file(folder.filePath(t(name)));
+        QFile file(folder.filePath(q(name)));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
         return file.fileName();
     }
     static Outcome import(const QString &file, std::initializer_list<const char *> arguments)
     {
-        QStringList words{t("import"), file};
+        QStringList words{q("import"), file};
         for (const char *argument : arguments)
-            words.append(t(argument));
+            words.append(q(argument));
         return runIn("import", words);
     }
 
@@ -140,9 +136,9 @@ TEST_F(ImportCommand, SaysThatLaterKeysAreFaultsWhenItSawTheFirstRowsOnly)
 
 TEST_F(ImportCommand, SkipsFaultyRows)
 {
-    const QString faults = folder.filePath(t("faults.csv"));
-    const Outcome outcome = runIn("import", {t("import"), write("e.csv", "id\n1\nx\n1\n2\n"), t("--into"),
-                                             t("People"), t("--skip-faulty"), faults});
+    const QString faults = folder.filePath(q("faults.csv"));
+    const Outcome outcome = runIn("import", {q("import"), write("e.csv", "id\n1\nx\n1\n2\n"), q("--into"),
+                                             q("People"), q("--skip-faulty"), faults});
     EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
     EXPECT_TRUE(outcome.errors.startsWith("2 rows imported.\n2 rows refused: see "));
     EXPECT_EQ(query("SELECT COUNT(*) AS n FROM People"), QByteArray("n\n2\n"));
@@ -154,7 +150,7 @@ TEST_F(ImportCommand, ExitsWithTheStatusOfTheFailure)
     const QString file = write("f.csv", "id\n1\n1\n");
     EXPECT_EQ(import(file, {"--into", "People"}).status, 1);
     EXPECT_EQ(import(file, {"--into", "Nobody"}).status, 2);
-    EXPECT_EQ(import(t("/nonexistent.csv"), {"--into", "People"}).status, 2);
+    EXPECT_EQ(import(q("/nonexistent.csv"), {"--into", "People"}).status, 2);
     EXPECT_EQ(import(file, {}).status, 2);
     EXPECT_EQ(import(write("g.dat", "x"), {"--into", "People"}).status, 2);
 }

@@ -2,15 +2,11 @@
 #include "Import/KNImportConverter.h"
 #include "Import/KNImportPlan.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-QString cp(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 struct Sized
 {
@@ -43,7 +39,7 @@ TEST(CodePage, KnowsTheCharactersOfLanguages)
         const KNCodePage page(one.codePage);
         ASSERT_TRUE(page.isKnown()) << one.codePage;
         QString missing;
-        EXPECT_EQ(page.sizeOf(cp(one.text), &missing).value_or(-1), one.size)
+        EXPECT_EQ(page.sizeOf(q(one.text), &missing).value_or(-1), one.size)
             << one.codePage << ' ' << one.text << ' ' << missing.toStdString();
     }
 }
@@ -51,8 +47,8 @@ TEST(CodePage, KnowsTheCharactersOfLanguages)
 TEST(CodePage, NamesTheFirstCharacterThatIsMissing)
 {
     QString missing;
-    EXPECT_FALSE(KNCodePage(1252).sizeOf(cp("ab\xF0\x9F\x98\x80\xD0\x96"), &missing));
-    EXPECT_EQ(missing, cp("\xF0\x9F\x98\x80")) << "both halves of the character";
+    EXPECT_FALSE(KNCodePage(1252).sizeOf(q("ab\xF0\x9F\x98\x80\xD0\x96"), &missing));
+    EXPECT_EQ(missing, q("\xF0\x9F\x98\x80")) << "both halves of the character";
 }
 
 TEST(CodePage, IsUnknownForNumbersThatAreNone)
@@ -70,20 +66,20 @@ TEST(CodePage, IsRespectedByTheConverter)
     type.codePage = KNCodePage(932);
     const KNImportConverter converter(type, true, {});
     QString reason;
-    EXPECT_EQ(converter.convert(cp("\xE6\x97\xA5\xE6\x9C\xAC"), &reason)->text(),
-              cp("\xE6\x97\xA5\xE6\x9C\xAC"));
-    EXPECT_FALSE(converter.convert(cp("\xE6\x97\xA5\xE6\x9C\xAC\x61"), &reason));
-    EXPECT_EQ(reason, cp("The text has 5 bytes in code page 932, the column holds 4."));
-    EXPECT_FALSE(converter.convert(cp("a\xED\x95\x9C"), &reason));
-    EXPECT_EQ(reason, cp("The column's code page 932 does not have the character \"\xED\x95\x9C\"."));
+    EXPECT_EQ(converter.convert(q("\xE6\x97\xA5\xE6\x9C\xAC"), &reason)->text(),
+              q("\xE6\x97\xA5\xE6\x9C\xAC"));
+    EXPECT_FALSE(converter.convert(q("\xE6\x97\xA5\xE6\x9C\xAC\x61"), &reason));
+    EXPECT_EQ(reason, q("The text has 5 bytes in code page 932, the column holds 4."));
+    EXPECT_FALSE(converter.convert(q("a\xED\x95\x9C"), &reason));
+    EXPECT_EQ(reason, q("The column's code page 932 does not have the character \"\xED\x95\x9C\"."));
 }
 
 TEST(ImportMapping, NamesColumnsThatNeedAValueAndGetNone)
 {
-    const KNImportTableColumnModel id{cp("id"), cp("int"), false, 0, true};
-    const KNImportTableColumnModel name{cp("name"), cp("varchar(9)"), false, 1252, false};
-    const KNImportTableColumnModel note{cp("note"), cp("varchar(9)"), true, 0, false};
-    const KNImportTableColumnModel code{cp("code"), cp("char(2)"), false, 0, false};
-    EXPECT_EQ(KNImportMapping::unfilledColumns({id, name, note, code}, {{note, 0}, {code, -1, cp("x")}}),
-              QStringList{cp("name")});
+    const KNImportTableColumnModel id{q("id"), q("int"), false, 0, true};
+    const KNImportTableColumnModel name{q("name"), q("varchar(9)"), false, 1252, false};
+    const KNImportTableColumnModel note{q("note"), q("varchar(9)"), true, 0, false};
+    const KNImportTableColumnModel code{q("code"), q("char(2)"), false, 0, false};
+    EXPECT_EQ(KNImportMapping::unfilledColumns({id, name, note, code}, {{note, 0}, {code, -1, q("x")}}),
+              QStringList{q("name")});
 }

@@ -1,6 +1,7 @@
 #include "Import/KNImportColumnAnalysis.h"
 #include "Import/KNImportConverter.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <gtest/gtest.h>
 
@@ -39,11 +40,6 @@ QString converted(const KNImportColumnType &type, const QString &text, const KNI
 QString converted(const KNImportColumnType &type, const char *text, const KNImportValueFormat &format = {})
 {
     return converted(type, QString::fromUtf8(text), format);
-}
-
-QString q(const char *text)
-{
-    return QString::fromUtf8(text);
 }
 
 KNImportColumnAnalysis analysis(std::initializer_list<const char *> values)

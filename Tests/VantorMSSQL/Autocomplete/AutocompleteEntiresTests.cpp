@@ -1,17 +1,13 @@
 #include "Autocomplete/MSSQLAutocompleteEntires.h"
 
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <gtest/gtest.h>
 
 #include <malloc.h>
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QStringList namesOf(const MSSQLAutocompleteEntires::List &entries)
 {
@@ -24,10 +20,10 @@ QStringList namesOf(const MSSQLAutocompleteEntires::List &entries)
 /// Two schemas with a table of the same name, and a table whose name a schema has, too.
 void fill(MSSQLAutocompleteEntires *entires)
 {
-    entires->addColumn(text("dbo"), text("Orders"), text("OrderId"), text("int"));
-    entires->addColumn(text("dbo"), text("Orders"), text("customer"), text("nvarchar(60)"));
-    entires->addColumn(text("dbo"), text("sales"), text("Total"), text("money"));
-    entires->addColumn(text("sales"), text("Orders"), text("OrderId"), text("bigint"));
+    entires->addColumn(q("dbo"), q("Orders"), q("OrderId"), q("int"));
+    entires->addColumn(q("dbo"), q("Orders"), q("customer"), q("nvarchar(60)"));
+    entires->addColumn(q("dbo"), q("sales"), q("Total"), q("money"));
+    entires->addColumn(q("sales"), q("Orders"), q("OrderId"), q("bigint"));
 }
 
 } // namespace
@@ -36,26 +32,26 @@ TEST(AutocompleteEntires, KeepEntriesInTheOrderOfTheQuery)
 {
     MSSQLAutocompleteEntires entires;
     fill(&entires);
-    entires.createCache(text("dbo"));
-    EXPECT_EQ(namesOf(entires.schemas()), QStringList({text("dbo"), text("sales")}));
-    EXPECT_EQ(namesOf(entires.tables()), QStringList({text("Orders"), text("sales"), text("Orders")}));
+    entires.createCache(q("dbo"));
+    EXPECT_EQ(namesOf(entires.schemas()), QStringList({q("dbo"), q("sales")}));
+    EXPECT_EQ(namesOf(entires.tables()), QStringList({q("Orders"), q("sales"), q("Orders")}));
     EXPECT_EQ(namesOf(entires.columns()),
-              QStringList({text("OrderId"), text("customer"), text("Total"), text("OrderId")}));
+              QStringList({q("OrderId"), q("customer"), q("Total"), q("OrderId")}));
     const KNDatabaseAutocompleteEntry &column = *entires.columns()[1];
     EXPECT_EQ(column.entryCompletionType(), 8);
-    EXPECT_EQ(column.entryDetails(), text("nvarchar(60)"));
-    EXPECT_EQ(column.entryParentDisplay(), text("dbo.Orders"));
+    EXPECT_EQ(column.entryDetails(), q("nvarchar(60)"));
+    EXPECT_EQ(column.entryParentDisplay(), q("dbo.Orders"));
     EXPECT_EQ(column.entryParent(), entires.tables()[0]);
     EXPECT_EQ(column.entryParent()->entryCompletionType(), 4);
-    EXPECT_EQ(column.entryParent()->entryParentDisplay(), text("dbo"));
+    EXPECT_EQ(column.entryParent()->entryParentDisplay(), q("dbo"));
     EXPECT_EQ(column.entryParent()->entryParent()->entryCompletionType(), 2);
 }
 
 TEST(AutocompleteEntires, ReuseSchemaAndTableWhoseNamesDifferInCaseOnly)
 {
     MSSQLAutocompleteEntires entires;
-    entires.addColumn(text("dbo"), text("Orders"), text("a"), {});
-    entires.addColumn(text("DBO"), text("ORDERS"), text("b"), {});
+    entires.addColumn(q("dbo"), q("Orders"), q("a"), {});
+    entires.addColumn(q("DBO"), q("ORDERS"), q("b"), {});
     EXPECT_EQ(entires.schemas().size(), 1);
     EXPECT_EQ(entires.tables().size(), 1);
     EXPECT_EQ(entires.tables()[0]->entryChildren().size(), 2);
@@ -65,26 +61,24 @@ TEST(AutocompleteEntires, SortNamesWithoutRegardToCaseAndWithoutDuplicates)
 {
     MSSQLAutocompleteEntires entires;
     fill(&entires);
-    entires.createCache(text("dbo"));
-    EXPECT_EQ(entires.columnNames(), QStringList({text("customer"), text("OrderId"), text("Total")}));
-    EXPECT_EQ(entires.tableNames(), QStringList({text("Orders"), text("sales")}));
-    EXPECT_EQ(entires.schemaNames(), QStringList({text("dbo"), text("sales")}));
-    EXPECT_EQ(entires.allPossibleNamesForAlias(),
-              QStringList({text("dbo"), text("dbo.orders"), text("dbo.sales"), text("orders"), text("sales"),
-                           text("sales.orders")}));
+    entires.createCache(q("dbo"));
+    EXPECT_EQ(entires.columnNames(), QStringList({q("customer"), q("OrderId"), q("Total")}));
+    EXPECT_EQ(entires.tableNames(), QStringList({q("Orders"), q("sales")}));
+    EXPECT_EQ(entires.schemaNames(), QStringList({q("dbo"), q("sales")}));
+    EXPECT_EQ(entires.allPossibleNamesForAlias(), QStringList({q("dbo"), q("dbo.orders"), q("dbo.sales"),
+                                                               q("orders"), q("sales"), q("sales.orders")}));
 }
 
 TEST(AutocompleteEntires, FindTablesOfTheDefaultSchemaByTheirBareNames)
 {
     MSSQLAutocompleteEntires entires;
     fill(&entires);
-    entires.createCache(text("DBO"));
-    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(text("dbo.ORDERS"))),
-              QStringList({text("OrderId"), text("customer")}));
-    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(text("Orders"))),
-              QStringList({text("OrderId"), text("customer")}));
-    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(text("sales.orders"))),
-              QStringList(text("OrderId")));
+    entires.createCache(q("DBO"));
+    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(q("dbo.ORDERS"))),
+              QStringList({q("OrderId"), q("customer")}));
+    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(q("Orders"))),
+              QStringList({q("OrderId"), q("customer")}));
+    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(q("sales.orders"))), QStringList(q("OrderId")));
 }
 
 TEST(AutocompleteEntires, FindEveryTableByItsBareNameWithoutDefaultSchema)
@@ -92,43 +86,43 @@ TEST(AutocompleteEntires, FindEveryTableByItsBareNameWithoutDefaultSchema)
     MSSQLAutocompleteEntires entires;
     fill(&entires);
     entires.createCache(QString());
-    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(text("orders"))),
-              QStringList({text("OrderId"), text("customer"), text("OrderId")}));
+    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(q("orders"))),
+              QStringList({q("OrderId"), q("customer"), q("OrderId")}));
 }
 
 TEST(AutocompleteEntires, ShareTheKeyOfATableAndASchema)
 {
     MSSQLAutocompleteEntires entires;
     fill(&entires);
-    entires.createCache(text("dbo"));
-    EXPECT_EQ(namesOf(entires.entriesForTableAndOrSchema(text("sales"))),
-              QStringList({text("Total"), text("Orders")}));
-    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(text("sales"))), QStringList(text("Total")));
-    EXPECT_TRUE(entires.columnsForTableAndOrSchema(text("nothing")).isEmpty());
+    entires.createCache(q("dbo"));
+    EXPECT_EQ(namesOf(entires.entriesForTableAndOrSchema(q("sales"))),
+              QStringList({q("Total"), q("Orders")}));
+    EXPECT_EQ(namesOf(entires.columnsForTableAndOrSchema(q("sales"))), QStringList(q("Total")));
+    EXPECT_TRUE(entires.columnsForTableAndOrSchema(q("nothing")).isEmpty());
 }
 
 TEST(AutocompleteEntires, AreEqualWhenTheNamesAre)
 {
     MSSQLAutocompleteEntires entires;
     fill(&entires);
-    entires.createCache(text("dbo"));
+    entires.createCache(q("dbo"));
     MSSQLAutocompleteEntires otherTypes;
-    otherTypes.addColumn(text("dbo"), text("Orders"), text("OrderId"), text("smallint"));
-    otherTypes.addColumn(text("dbo"), text("Orders"), text("customer"), {});
-    otherTypes.addColumn(text("dbo"), text("sales"), text("Total"), {});
-    otherTypes.addColumn(text("sales"), text("Orders"), text("OrderId"), {});
-    otherTypes.createCache(text("dbo"));
+    otherTypes.addColumn(q("dbo"), q("Orders"), q("OrderId"), q("smallint"));
+    otherTypes.addColumn(q("dbo"), q("Orders"), q("customer"), {});
+    otherTypes.addColumn(q("dbo"), q("sales"), q("Total"), {});
+    otherTypes.addColumn(q("sales"), q("Orders"), q("OrderId"), {});
+    otherTypes.createCache(q("dbo"));
     EXPECT_TRUE(entires.isEqualTo(otherTypes));
 
     MSSQLAutocompleteEntires otherDefault;
     fill(&otherDefault);
-    otherDefault.createCache(text("guest"));
+    otherDefault.createCache(q("guest"));
     EXPECT_FALSE(entires.isEqualTo(otherDefault)); // the names for aliases differ
 
     MSSQLAutocompleteEntires otherColumn;
     fill(&otherColumn);
-    otherColumn.addColumn(text("sales"), text("Orders"), text("Extra"), {});
-    otherColumn.createCache(text("dbo"));
+    otherColumn.addColumn(q("sales"), q("Orders"), q("Extra"), {});
+    otherColumn.createCache(q("dbo"));
     EXPECT_FALSE(entires.isEqualTo(otherColumn));
 }
 
@@ -156,8 +150,8 @@ TEST(AutocompleteEntires, NeedAtMost120BytesForEachColumnBesideItsName)
     const std::size_t before = used();
     auto entires = std::make_unique<MSSQLAutocompleteEntires>();
     for (int index = 0; index < names.size(); ++index)
-        entires->addColumn(text("dbo"), tables[index / ColumnsOfTable], names[index], text("nvarchar(60)"));
-    entires->createCache(text("dbo"));
+        entires->addColumn(q("dbo"), tables[index / ColumnsOfTable], names[index], q("nvarchar(60)"));
+    entires->createCache(q("dbo"));
     const double bytes = static_cast<double>(used() - before) / static_cast<double>(names.size());
     RecordProperty("bytes", std::to_string(bytes));
     std::printf("%.1f bytes for each column\n", bytes);

@@ -2,6 +2,7 @@
 #include "Autocomplete/MSSQLDialect.h"
 #include "SQL/Scope/KNSQLTokens.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Autocomplete/CompletionCase.h"
 
 #include <gtest/gtest.h>
@@ -60,11 +61,6 @@ QString descriptionAt(const char *utf8)
 {
     const LookedUp found(utf8);
     return found.reference ? KNNameDescription(*found.reference) : QString();
-}
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
 }
 
 TEST(NameReference, FindsObjectsByAnyPartOfTheirName)

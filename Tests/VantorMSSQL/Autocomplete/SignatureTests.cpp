@@ -3,6 +3,7 @@
 #include "Implementations/MSSQLWordLists.h"
 #include "SQL/Scope/KNSQLTokens.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Autocomplete/CompletionCase.h"
 
 #include <QSet>
@@ -36,11 +37,6 @@ QString routineAt(const char *utf8)
 {
     static const CompletionDatabase database;
     return signatureAt(utf8, &database.catalog());
-}
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
 }
 
 } // namespace

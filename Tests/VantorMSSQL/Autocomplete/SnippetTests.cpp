@@ -4,6 +4,7 @@
 #include "SQL/Snippets/KNExpandedSnippet.h"
 #include "SQL/Snippets/KNSnippetFile.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,11 +16,6 @@
 namespace SnippetTests {
 
 const QString LineEnd = QStringLiteral("\n");
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// The names of the snippets that are offered at the bar.
 QStringList offeredAt(const char *marked)

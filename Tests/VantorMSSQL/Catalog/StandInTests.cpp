@@ -1,5 +1,6 @@
 #include "Catalog/MSSQLCatalogReader.h"
 #include "Scripts/MSSQLHiddenPart.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include <QRegularExpression>
@@ -7,11 +8,6 @@
 namespace StandInTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// Asks catalog queries about a table dbo.t and a view dbo.v. Views of the schema dbo stand for those catalog
 /// views whose rows the sample server cannot have, with the columns that are documented.

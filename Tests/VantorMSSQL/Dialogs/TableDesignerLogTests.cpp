@@ -3,6 +3,7 @@
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingWorkspace.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "TableDesign/MSSQLColumnEdit.h"
 #include "UI/TableDesigner/MSSQLTableColumnDesignerViewController.h"
@@ -16,11 +17,6 @@
 namespace TableDesignerLogTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// The log while the designer works on s.T, over a server that exists in the test only.
 class DesignerLog : public testing::Test

@@ -1,6 +1,7 @@
 #include "Import/KNImportPlan.h"
 #include "Import/MSSQLDatabaseImportHelper.h"
 #include "Import/MSSQLImportTableModel.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/DatabaseTree/TreeTest.h"
 
 namespace ImportHelperTests {
@@ -8,11 +9,6 @@ namespace ImportHelperTests {
 using Kind = KNImportColumnType::Kind;
 
 namespace {
-
-QString p(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 class ImportHelper : public TreeTest
 {
@@ -31,7 +27,7 @@ protected:
             QStringList columns;
             for (const KNImportTableColumnModel &column : table->columns())
                 columns.append(QStringList{column.name, column.dataTypeDisplay,
-                                           column.allowsNulls ? p("null") : p("not null")}
+                                           column.allowsNulls ? q("null") : q("not null")}
                                    .join(QLatin1Char(' ')));
             texts.append(table->tablePath().join(QLatin1Char('.')) + QLatin1Char('(') +
                          columns.join(QStringLiteral(", ")) + QLatin1Char(')'));
@@ -65,8 +61,8 @@ TEST_F(ImportHelper, ListsTablesWithTheirColumns)
     server->answer("List_TablesAndColumnsForImport", {{"dbo", "Orders", "Id", "int", 0},
                                                       {"dbo", "Orders", "Note", "nvarchar(50)", 1},
                                                       {"sales", "Orders", "Id", "bigint", 0}});
-    EXPECT_EQ(tables(), (QStringList{p("dbo.Orders(Id int not null, Note nvarchar(50) null)"),
-                                     p("sales.Orders(Id bigint not null)")}));
+    EXPECT_EQ(tables(), (QStringList{q("dbo.Orders(Id int not null, Note nvarchar(50) null)"),
+                                     q("sales.Orders(Id bigint not null)")}));
 }
 
 TEST_F(ImportHelper, ReadsCodePagesAndDefaultsOfColumns)
@@ -82,7 +78,7 @@ TEST_F(ImportHelper, ReadsCodePagesAndDefaultsOfColumns)
     EXPECT_TRUE(KNImportMapping::uncheckedColumns({{columns[0], 0}, {columns[1], 1}}, *helper()).isEmpty());
     KNImportTableColumnModel unknown = columns[1];
     unknown.codePage = 0;
-    EXPECT_EQ(KNImportMapping::uncheckedColumns({{unknown, 0}}, *helper()), QStringList{p("name")});
+    EXPECT_EQ(KNImportMapping::uncheckedColumns({{unknown, 0}}, *helper()), QStringList{q("name")});
 }
 
 TEST_F(ImportHelper, ReadsTypesBehindUserTypes)
@@ -93,19 +89,19 @@ TEST_F(ImportHelper, ReadsTypesBehindUserTypes)
                     {"dbo", "T", "c", "[dbo].[Code]", 0, nullptr, 1, "varchar(3)"}});
     const auto columns = helper()->tablesForImportMapper().value(0)->columns();
     ASSERT_EQ(columns.size(), 3);
-    EXPECT_EQ(columns[0].dataTypeDisplay, p("[dbo].[Amount]"));
-    EXPECT_EQ(columns[0].storedType(), p("decimal(5,1)"));
-    EXPECT_EQ(columns[1].storedType(), p("[dbo].[Point]"));
+    EXPECT_EQ(columns[0].dataTypeDisplay, q("[dbo].[Amount]"));
+    EXPECT_EQ(columns[0].storedType(), q("decimal(5,1)"));
+    EXPECT_EQ(columns[1].storedType(), q("[dbo].[Point]"));
     EXPECT_EQ(
         KNImportMapping::uncheckedColumns({{columns[0], 0}, {columns[1], 1}, {columns[2], 2}}, *helper()),
-        QStringList{p("c")});
+        QStringList{q("c")});
 }
 
 TEST_F(ImportHelper, ComparesNamesOfTablesWithoutCase)
 {
     server->answer("List_TablesAndColumnsForImport",
                    {{"dbo", "T", "a", "int", 0}, {"DBO", "t", "b", "int", 0}});
-    EXPECT_EQ(tables(), (QStringList{p("dbo.T(a int not null, b int not null)")}));
+    EXPECT_EQ(tables(), (QStringList{q("dbo.T(a int not null, b int not null)")}));
 }
 
 TEST_F(ImportHelper, ListsATableTwiceWhoseRowsAreApart)
@@ -113,7 +109,7 @@ TEST_F(ImportHelper, ListsATableTwiceWhoseRowsAreApart)
     server->answer("List_TablesAndColumnsForImport",
                    {{"dbo", "T", "a", "int", 0}, {"dbo", "U", "x", "int", 1}, {"dbo", "T", "b", "int", 0}});
     EXPECT_EQ(tables(),
-              (QStringList{p("dbo.T(a int not null)"), p("dbo.U(x int null)"), p("dbo.T(b int not null)")}));
+              (QStringList{q("dbo.T(a int not null)"), q("dbo.U(x int null)"), q("dbo.T(b int not null)")}));
 }
 
 TEST_F(ImportHelper, ListsNothingAfterAnError)
@@ -125,44 +121,44 @@ TEST_F(ImportHelper, ListsNothingAfterAnError)
 
 TEST_F(ImportHelper, ProposesTextTypesWithPowersOfTwo)
 {
-    EXPECT_EQ(proposal({}), p("nvarchar(1)"));
-    EXPECT_EQ(proposal({p("x")}), p("nvarchar(1)"));
-    EXPECT_EQ(proposal({p("abcde")}), p("nvarchar(8)"));
-    EXPECT_EQ(proposal({QString(100, QLatin1Char('x'))}), p("nvarchar(128)"));
-    EXPECT_EQ(proposal({QString(4000, QLatin1Char('x'))}), p("nvarchar(4096)"));
-    EXPECT_EQ(proposal({QString(4096, QLatin1Char('x'))}), p("nvarchar(4096)"));
-    EXPECT_EQ(proposal({QString(4097, QLatin1Char('x'))}), p("nvarchar(8192)"));
+    EXPECT_EQ(proposal({}), q("nvarchar(1)"));
+    EXPECT_EQ(proposal({q("x")}), q("nvarchar(1)"));
+    EXPECT_EQ(proposal({q("abcde")}), q("nvarchar(8)"));
+    EXPECT_EQ(proposal({QString(100, QLatin1Char('x'))}), q("nvarchar(128)"));
+    EXPECT_EQ(proposal({QString(4000, QLatin1Char('x'))}), q("nvarchar(4096)"));
+    EXPECT_EQ(proposal({QString(4096, QLatin1Char('x'))}), q("nvarchar(4096)"));
+    EXPECT_EQ(proposal({QString(4097, QLatin1Char('x'))}), q("nvarchar(8192)"));
 }
 
 TEST_F(ImportHelper, ProposesNumericTypesByTheLargestValue)
 {
-    EXPECT_EQ(proposal({p("0"), p("2147483647")}), p("integer"));
-    EXPECT_EQ(proposal({p("2147483648")}), p("bigint"));
-    EXPECT_EQ(proposal({p("-5"), p("-1")}), p("bigint"));
-    EXPECT_EQ(proposal({p("1.5"), p("2")}), p("decimal"));
-    EXPECT_EQ(helper()->mapDataTypes({analysis({p("a")}), analysis({p("1")})}),
-              (QStringList{p("nvarchar(1)"), p("integer")}));
+    EXPECT_EQ(proposal({q("0"), q("2147483647")}), q("integer"));
+    EXPECT_EQ(proposal({q("2147483648")}), q("bigint"));
+    EXPECT_EQ(proposal({q("-5"), q("-1")}), q("bigint"));
+    EXPECT_EQ(proposal({q("1.5"), q("2")}), q("decimal"));
+    EXPECT_EQ(helper()->mapDataTypes({analysis({q("a")}), analysis({q("1")})}),
+              (QStringList{q("nvarchar(1)"), q("integer")}));
 }
 
 TEST_F(ImportHelper, HintsAtTypesThatTheServerRefusesOrThatLoseValues)
 {
     EXPECT_EQ(hint({QString(4001, QLatin1Char('x'))}),
-              (QStringList{p("More than 4,000: nvarchar(max)?"), p("nvarchar(max)")}));
-    EXPECT_EQ(hint({p("abc")}), (QStringList{QString(), QString()}));
-    EXPECT_EQ(hint({p("1"), p("-5000000000")}),
-              (QStringList{p("Some numbers are out of range: bigint?"), p("bigint")}));
-    EXPECT_EQ(hint({p("99999999999999999999")}),
-              (QStringList{p("Some numbers are out of range: decimal(20,0)?"), p("decimal(20,0)")}));
-    EXPECT_EQ(hint({p("12.345")}),
-              (QStringList{p("Keeps 0 decimals, some numbers have 3: decimal(5,3)?"), p("decimal(5,3)")}));
-    EXPECT_EQ(hint({p("1e10")}), (QStringList{p("Some numbers have an exponent: float?"), p("float")}));
-    EXPECT_EQ(hint({p("2024-02-29")}), (QStringList{p("All values are dates: datetime2?"), p("datetime2")}));
-    EXPECT_EQ(hint({p("42")}), (QStringList{QString(), QString()}));
+              (QStringList{q("More than 4,000: nvarchar(max)?"), q("nvarchar(max)")}));
+    EXPECT_EQ(hint({q("abc")}), (QStringList{QString(), QString()}));
+    EXPECT_EQ(hint({q("1"), q("-5000000000")}),
+              (QStringList{q("Some numbers are out of range: bigint?"), q("bigint")}));
+    EXPECT_EQ(hint({q("99999999999999999999")}),
+              (QStringList{q("Some numbers are out of range: decimal(20,0)?"), q("decimal(20,0)")}));
+    EXPECT_EQ(hint({q("12.345")}),
+              (QStringList{q("Keeps 0 decimals, some numbers have 3: decimal(5,3)?"), q("decimal(5,3)")}));
+    EXPECT_EQ(hint({q("1e10")}), (QStringList{q("Some numbers have an exponent: float?"), q("float")}));
+    EXPECT_EQ(hint({q("2024-02-29")}), (QStringList{q("All values are dates: datetime2?"), q("datetime2")}));
+    EXPECT_EQ(hint({q("42")}), (QStringList{QString(), QString()}));
 }
 
 TEST_F(ImportHelper, ReadsTypesOfColumns)
 {
-    const auto type = [this](const char *text) { return helper()->columnType(p(text)); };
+    const auto type = [this](const char *text) { return helper()->columnType(q(text)); };
     EXPECT_EQ(type("NVARCHAR(50)").maximumLength, 50);
     EXPECT_EQ(type("nvarchar(max)").maximumLength, KNImportColumnType::Unlimited);
     EXPECT_TRUE(type("nchar(2)").isUnicode);
@@ -186,29 +182,29 @@ TEST_F(ImportHelper, ReadsTypesOfColumns)
 
 TEST_F(ImportHelper, TakesPathsOfTables)
 {
-    const auto table = helper()->createImportTableModelWithPath({p("sales"), p("Orders")});
-    EXPECT_EQ(table->name(), p("Orders"));
-    EXPECT_EQ(table->tablePath(), (QStringList{p("sales"), p("Orders")}));
-    table->setTablePath({p("Items")});
-    EXPECT_EQ(table->tablePath(), (QStringList{p("sales"), p("Items")}));
-    EXPECT_EQ(helper()->createImportTableModelWithPath({p("Orders")})->tablePath(),
-              (QStringList{p("Orders")}));
+    const auto table = helper()->createImportTableModelWithPath({q("sales"), q("Orders")});
+    EXPECT_EQ(table->name(), q("Orders"));
+    EXPECT_EQ(table->tablePath(), (QStringList{q("sales"), q("Orders")}));
+    table->setTablePath({q("Items")});
+    EXPECT_EQ(table->tablePath(), (QStringList{q("sales"), q("Items")}));
+    EXPECT_EQ(helper()->createImportTableModelWithPath({q("Orders")})->tablePath(),
+              (QStringList{q("Orders")}));
     KNError error;
-    EXPECT_EQ(helper()->pathFromText(p("sales.[a.b]"), &error), (QStringList{p("sales"), p("a.b")}));
+    EXPECT_EQ(helper()->pathFromText(q("sales.[a.b]"), &error), (QStringList{q("sales"), q("a.b")}));
     EXPECT_FALSE(error);
-    EXPECT_TRUE(helper()->pathFromText(p("a.b.c"), &error).isEmpty());
+    EXPECT_TRUE(helper()->pathFromText(q("a.b.c"), &error).isEmpty());
     EXPECT_TRUE(error);
 }
 
 TEST_F(ImportHelper, WritesStatementsWithQuotedNames)
 {
-    EXPECT_EQ(helper()->creationStatement({p("sales"), p("a]b")}, {{p("Id"), p("int"), false},
-                                                                   {p("My Note"), p("nvarchar(8)"), true}}),
-              p("CREATE TABLE sales.[a]]b] (\r\nId int NOT NULL,\r\n[My Note] nvarchar(8) NULL\r\n);"));
-    const KNImportStatements statements = helper()->statementsForTable({p("sales"), p("a]b")});
-    EXPECT_EQ(statements.truncate, p("TRUNCATE TABLE sales.[a]]b]"));
-    EXPECT_EQ(statements.allowIdentity, p("SET IDENTITY_INSERT sales.[a]]b] ON"));
-    EXPECT_EQ(statements.forbidIdentity, p("SET IDENTITY_INSERT sales.[a]]b] OFF"));
+    EXPECT_EQ(helper()->creationStatement({q("sales"), q("a]b")}, {{q("Id"), q("int"), false},
+                                                                   {q("My Note"), q("nvarchar(8)"), true}}),
+              q("CREATE TABLE sales.[a]]b] (\r\nId int NOT NULL,\r\n[My Note] nvarchar(8) NULL\r\n);"));
+    const KNImportStatements statements = helper()->statementsForTable({q("sales"), q("a]b")});
+    EXPECT_EQ(statements.truncate, q("TRUNCATE TABLE sales.[a]]b]"));
+    EXPECT_EQ(statements.allowIdentity, q("SET IDENTITY_INSERT sales.[a]]b] ON"));
+    EXPECT_EQ(statements.forbidIdentity, q("SET IDENTITY_INSERT sales.[a]]b] OFF"));
 }
 
 } // namespace ImportHelperTests

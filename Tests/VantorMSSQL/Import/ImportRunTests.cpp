@@ -4,6 +4,7 @@
 #include "Import/KNImportRun.h"
 #include "Support/FullDisk.h"
 #include "Support/HostileServerRelay.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include <QFile>
@@ -19,11 +20,6 @@ using namespace WireTest;
 
 namespace {
 
-QString w(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// Imports into tables of tempdb, in a session of the test's own.
 class Importing : public testing::Test
 {
@@ -35,7 +31,7 @@ protected:
 
     KNImportFile write(const QByteArray &content, const char *name = "a.csv")
     {
-        QFile file(folder.filePath(w(name)));
+        QFile file(folder.filePath(q(name)));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
         return {file.fileName()};
@@ -47,11 +43,11 @@ protected:
         KNImportPlan result;
         result.file = file;
         result.fileColumns = KNImportFileAnalysis::read(file, 1, cancelled).columnNames();
-        result.tablePath = QStringList{w("#t")};
+        result.tablePath = QStringList{q("#t")};
         const QStringList words = [&] {
             QStringList list;
             for (const char *word : columnsAndTypes)
-                list.append(w(word));
+                list.append(q(word));
             return list;
         }();
         for (qsizetype i = 0; i + 1 < words.size(); i += 2)
@@ -63,8 +59,8 @@ protected:
         KNImportRun importRun(thePlan);
         return importRun.run(*client, *helper);
     }
-    qint64 count() { return scalar(*client, w("SELECT COUNT(*) FROM #t")).toInt64(); }
-    int transactions() { return static_cast<int>(scalar(*client, w("SELECT @@TRANCOUNT")).toInt64()); }
+    qint64 count() { return scalar(*client, q("SELECT COUNT(*) FROM #t")).toInt64(); }
+    int transactions() { return static_cast<int>(scalar(*client, q("SELECT @@TRANCOUNT")).toInt64()); }
     static QByteArray numbers(int count)
     {
         QByteArray lines = "id\n";
@@ -113,23 +109,23 @@ TEST_F(Importing, WritesEveryTypeUnchanged)
                                             "e",  "nvarchar(5)"}));
     ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
     EXPECT_EQ(outcome.rows, 2U);
-    const auto rows = run(*client, w("SELECT n, i, b, d, m, f, t, CONVERT(varchar(40), dt, 126), "
+    const auto rows = run(*client, q("SELECT n, i, b, d, m, f, t, CONVERT(varchar(40), dt, 126), "
                                      "CONVERT(varchar(10), dy, 120), g, x, e FROM #t ORDER BY i"));
     ASSERT_FALSE(rows.isEmpty());
     const auto value = [&](qsizetype row, qsizetype column) { return rows.last()->rows().row(row)[column]; };
-    EXPECT_EQ(value(0, 0).text(), w("Zoë 日本 😀 O'Brien"));
-    EXPECT_EQ(value(0, 1).displayText(), w("-5"));
-    EXPECT_EQ(value(0, 2).displayText(), w("9223372036854775807"));
-    EXPECT_EQ(value(0, 3).displayText(), w("123456789012345678.12345678901234567890"));
-    EXPECT_EQ(value(1, 3).displayText(), w("5.00000000000000000000"));
-    EXPECT_EQ(value(0, 4).displayText(), w("1234.5000"));
+    EXPECT_EQ(value(0, 0).text(), q("Zoë 日本 😀 O'Brien"));
+    EXPECT_EQ(value(0, 1).displayText(), q("-5"));
+    EXPECT_EQ(value(0, 2).displayText(), q("9223372036854775807"));
+    EXPECT_EQ(value(0, 3).displayText(), q("123456789012345678.12345678901234567890"));
+    EXPECT_EQ(value(1, 3).displayText(), q("5.00000000000000000000"));
+    EXPECT_EQ(value(0, 4).displayText(), q("1234.5000"));
     EXPECT_EQ(value(0, 5).toDouble(), 0.1);
     EXPECT_EQ(value(1, 5).toDouble(), 1e300);
     EXPECT_EQ(value(0, 6), KNValue(true));
-    EXPECT_EQ(value(0, 7).text(), w("2024-02-29T13:45:00.1234567"));
-    EXPECT_EQ(value(1, 7).text().left(10), w("0001-01-01"));
-    EXPECT_EQ(value(0, 8).text(), w("2024-02-29"));
-    EXPECT_EQ(value(0, 9).displayText(), w("6F9619FF-8B86-D011-B42D-00C04FC964FF"));
+    EXPECT_EQ(value(0, 7).text(), q("2024-02-29T13:45:00.1234567"));
+    EXPECT_EQ(value(1, 7).text().left(10), q("0001-01-01"));
+    EXPECT_EQ(value(0, 8).text(), q("2024-02-29"));
+    EXPECT_EQ(value(0, 9).displayText(), q("6F9619FF-8B86-D011-B42D-00C04FC964FF"));
     EXPECT_EQ(value(0, 10).bytes(), QByteArray("\x00\xff", 2));
     EXPECT_EQ(value(0, 11), KNValue(QStringLiteral("")));
     EXPECT_TRUE(value(1, 11).isNull());
@@ -147,7 +143,7 @@ TEST_F(Importing, SendsOneStatementForEachRowToOldServers)
     const auto outcome = import(plan(write(numbers(3)), {"id", "int"}));
     ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
     EXPECT_EQ(count(), 3);
-    const QString expected = w("INSERT INTO [#t] (id) VALUES ('0');\r\nINSERT INTO [#t] (id) VALUES ('1');");
+    const QString expected = q("INSERT INTO [#t] (id) VALUES ('0');\r\nINSERT INTO [#t] (id) VALUES ('1');");
     EXPECT_NE(relay.saidByClient().find(std::string(reinterpret_cast<const char *>(expected.utf16()),
                                                     static_cast<std::size_t>(expected.size()) * 2)),
               std::string::npos);
@@ -157,13 +153,13 @@ TEST_F(Importing, UsesConstantsAndSkipsColumns)
 {
     createTable("id int, source nvarchar(10), nothing int");
     auto thePlan = plan(write("id,ignored\n1,x\n2,y\n"), {"id", "int"});
-    thePlan.columns.append({{w("source"), w("nvarchar(10)"), true}, -1, w("file")});
-    thePlan.columns.append({{w("nothing"), w("int"), true}, -1, QString()});
+    thePlan.columns.append({{q("source"), q("nvarchar(10)"), true}, -1, q("file")});
+    thePlan.columns.append({{q("nothing"), q("int"), true}, -1, QString()});
     ASSERT_TRUE(import(thePlan).succeeded());
     EXPECT_EQ(
-        scalar(*client, w("SELECT COUNT(*) FROM #t WHERE source = N'file' AND nothing IS NULL")).toInt64(),
+        scalar(*client, q("SELECT COUNT(*) FROM #t WHERE source = N'file' AND nothing IS NULL")).toInt64(),
         2);
-    thePlan.columns.last().constant = w("x");
+    thePlan.columns.last().constant = q("x");
     EXPECT_EQ(textOf(import(thePlan)),
               "The value for column \"nothing\" cannot be used. This is not a number.");
     EXPECT_EQ(count(), 2);
@@ -172,11 +168,11 @@ TEST_F(Importing, UsesConstantsAndSkipsColumns)
 TEST_F(Importing, StopsAtTheFirstFaultAndUndoesEverything)
 {
     createTable("id int");
-    run(*client, w("INSERT #t VALUES (-1)"));
+    run(*client, q("INSERT #t VALUES (-1)"));
     const auto outcome = import(plan(write(numbers(1200) + "x\n7\n"), {"id", "int"}));
     EXPECT_EQ(textOf(outcome), "Line 1202, column \"id\": This is not a number.\nNothing was imported.");
     ASSERT_EQ(outcome.faults.size(), 1);
-    EXPECT_EQ(outcome.faults[0].value, w("x"));
+    EXPECT_EQ(outcome.faults[0].value, q("x"));
     EXPECT_EQ(outcome.rows, 0U);
     EXPECT_EQ(count(), 1);
     EXPECT_EQ(transactions(), 0);
@@ -186,7 +182,7 @@ TEST_F(Importing, UndoesEverythingWhenTheServerRefusesARow)
 {
     createTable("id int PRIMARY KEY");
     const auto outcome = import(plan(write(numbers(1200) + "3\n"), {"id", "int"}));
-    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("2627"))) << textOf(outcome);
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(q("2627"))) << textOf(outcome);
     EXPECT_EQ(count(), 0);
 }
 
@@ -195,23 +191,23 @@ TEST_F(Importing, SkipsFaultyAndRefusedRowsIntoAFile)
     createTable("id int PRIMARY KEY, n nvarchar(3)");
     auto thePlan = plan(write("id,n\n1,a\n2,\"to\"\"o long\"\n1,dup\n3\n4,\xc3\xa9\n"),
                         {"id", "int", "n", "nvarchar(3)"});
-    thePlan.faultFile = folder.filePath(w("faults.csv"));
+    thePlan.faultFile = folder.filePath(q("faults.csv"));
     const auto outcome = import(thePlan);
     ASSERT_TRUE(outcome.succeeded()) << textOf(outcome);
     EXPECT_EQ(outcome.rows, 2U);
     EXPECT_EQ(outcome.faultCount, 3U);
     EXPECT_EQ(
-        scalar(*client, w("SELECT COUNT(*) FROM #t WHERE (id = 1 AND n = N'a') OR (id = 4 AND n = N'é')"))
+        scalar(*client, q("SELECT COUNT(*) FROM #t WHERE (id = 1 AND n = N'a') OR (id = 4 AND n = N'é')"))
             .toInt64(),
         2);
     QFile file(thePlan.faultFile);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
-    EXPECT_TRUE(text.startsWith(w("\"Line\",\"Column\",\"Reason\",\"id\",\"n\"\r\n")));
+    EXPECT_TRUE(text.startsWith(q("\"Line\",\"Column\",\"Reason\",\"id\",\"n\"\r\n")));
     EXPECT_TRUE(text.contains(
-        w("\"3\",\"n\",\"The text has 9 characters, the column holds 3.\",\"2\",\"to\"\"o long\"\r\n")));
-    EXPECT_TRUE(text.contains(w("\"5\",,\"The line has 1 values, but there are 2 columns.\",\"3\"\r\n")));
-    EXPECT_TRUE(text.contains(w("2627")) && text.contains(w("\"1\",\"dup\"\r\n"))) << text.toStdString();
+        q("\"3\",\"n\",\"The text has 9 characters, the column holds 3.\",\"2\",\"to\"\"o long\"\r\n")));
+    EXPECT_TRUE(text.contains(q("\"5\",,\"The line has 1 values, but there are 2 columns.\",\"3\"\r\n")));
+    EXPECT_TRUE(text.contains(q("2627")) && text.contains(q("\"1\",\"dup\"\r\n"))) << text.toStdString();
 }
 
 TEST_F(Importing, KeepsAnExistingFaultFile)
@@ -219,7 +215,7 @@ TEST_F(Importing, KeepsAnExistingFaultFile)
     createTable("id int");
     auto thePlan = plan(write(numbers(2)), {"id", "int"});
     thePlan.faultFile = write("mine", "mine.txt").path;
-    EXPECT_TRUE(import(thePlan).error.localizedDescription().contains(w("exists already")));
+    EXPECT_TRUE(import(thePlan).error.localizedDescription().contains(q("exists already")));
     QFile file(thePlan.faultFile);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), QByteArray("mine"));
@@ -233,27 +229,27 @@ TEST_F(Importing, AFullDiskForFaultsIsAnError)
     for (int i = 0; i < 3000; ++i)
         lines += "not a number\n";
     auto thePlan = plan(write(lines), {"id", "int"});
-    thePlan.faultFile = folder.filePath(w("faults.csv"));
+    thePlan.faultFile = folder.filePath(q("faults.csv"));
     KNImportOutcome outcome;
     {
         const FullDisk disk(64 * 1024);
         outcome = import(thePlan);
     }
-    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("cannot be written"))) << textOf(outcome);
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(q("cannot be written"))) << textOf(outcome);
     EXPECT_EQ(count(), 0);
 }
 
 TEST_F(Importing, TruncatesWithinTheTransaction)
 {
     createTable("id int");
-    run(*client, w("INSERT #t VALUES (-1)"));
+    run(*client, q("INSERT #t VALUES (-1)"));
     auto thePlan = plan(write("id\n1\nx\n"), {"id", "int"});
     thePlan.truncatesFirst = true;
     EXPECT_FALSE(import(thePlan).succeeded());
-    EXPECT_EQ(scalar(*client, w("SELECT id FROM #t")), KNValue(-1));
+    EXPECT_EQ(scalar(*client, q("SELECT id FROM #t")), KNValue(-1));
     thePlan.file = write("id\n1\n2\n", "b.csv");
     EXPECT_TRUE(import(thePlan).succeeded());
-    EXPECT_EQ(scalar(*client, w("SELECT MIN(id) FROM #t")), KNValue(1));
+    EXPECT_EQ(scalar(*client, q("SELECT MIN(id) FROM #t")), KNValue(1));
 }
 
 TEST_F(Importing, WritesIdentityColumns)
@@ -264,8 +260,8 @@ TEST_F(Importing, WritesIdentityColumns)
     thePlan.writesIdentity = true;
     const auto outcome = import(thePlan);
     EXPECT_TRUE(outcome.succeeded()) << textOf(outcome);
-    EXPECT_EQ(scalar(*client, w("SELECT MAX(id) FROM #t")), KNValue(80));
-    run(*client, w("INSERT #t (n) VALUES (3)")); // the option is off again
+    EXPECT_EQ(scalar(*client, q("SELECT MAX(id) FROM #t")), KNValue(80));
+    run(*client, q("INSERT #t (n) VALUES (3)")); // the option is off again
     EXPECT_EQ(count(), 3);
 }
 
@@ -281,14 +277,14 @@ TEST_F(Importing, ADryRunReportsTheFirstFaultsOnly)
     EXPECT_EQ(outcome.faultCount, 1500U);
     EXPECT_EQ(outcome.faults.size(), 1000);
     EXPECT_EQ(outcome.faults[1].line, 4U);
-    EXPECT_EQ(outcome.faults[1].column, w("id"));
-    EXPECT_EQ(outcome.faults[1].reason, w("This is not a number."));
+    EXPECT_EQ(outcome.faults[1].column, q("id"));
+    EXPECT_EQ(outcome.faults[1].reason, q("This is not a number."));
 }
 
 TEST_F(Importing, CancelRollsBackWithinASecond)
 {
     createTable("id int");
-    run(*client, w("INSERT #t VALUES (-1)"));
+    run(*client, q("INSERT #t VALUES (-1)"));
     KNImportRun importRun(plan(write(numbers(200'000)), {"id", "int"}));
     std::atomic<bool> begun = false;
     std::chrono::steady_clock::time_point cancelled;
@@ -310,13 +306,13 @@ TEST_F(Importing, CancelRollsBackWithinASecond)
 
 TEST_F(Importing, NothingRemainsWhenTheConnectionIsLostHalfWay)
 {
-    run(*client, w("USE tempdb CREATE TABLE dbo.Half (id int)"));
+    run(*client, q("USE tempdb CREATE TABLE dbo.Half (id int)"));
     HostileServerRelay relay(SampleServerFixture::shared().port(), HostileServerRelay::Fault::Close,
                              std::numeric_limits<std::uint64_t>::max());
     const auto relayed = connectedClient(settings(relay.port()));
-    run(*relayed, w("USE tempdb"));
+    run(*relayed, q("USE tempdb"));
     auto thePlan = plan(write(numbers(20'000)), {"id", "int"});
-    thePlan.tablePath = QStringList{w("dbo"), w("Half")};
+    thePlan.tablePath = QStringList{q("dbo"), q("Half")};
     KNImportRun importRun(thePlan);
     bool isLost = false;
     const auto outcome = importRun.run(*relayed, *helper, [&](const KNImportRun::Progress &progress) {
@@ -329,20 +325,20 @@ TEST_F(Importing, NothingRemainsWhenTheConnectionIsLostHalfWay)
     EXPECT_TRUE(outcome.error) << "no error";
     EXPECT_FALSE(outcome.wasCancelled);
     EXPECT_EQ(outcome.rows, 0U);
-    EXPECT_TRUE(waitFor([&] { return scalar(*client, w("SELECT COUNT(*) FROM dbo.Half")).toInt64() == 0; }));
-    run(*client, w("DROP TABLE dbo.Half"));
+    EXPECT_TRUE(waitFor([&] { return scalar(*client, q("SELECT COUNT(*) FROM dbo.Half")).toInt64() == 0; }));
+    run(*client, q("DROP TABLE dbo.Half"));
 }
 
 TEST_F(Importing, RefusesCharactersThatTheColumnsCodePageDoesNotHave)
 {
-    run(*client, w("USE shop CREATE TABLE dbo.Narrow (id int NOT NULL DEFAULT 7, v varchar(9) NOT NULL, n "
+    run(*client, q("USE shop CREATE TABLE dbo.Narrow (id int NOT NULL DEFAULT 7, v varchar(9) NOT NULL, n "
                    "nvarchar(9))"));
-    client->databaseConnectionDetails().setDatabase(w("shop"));
+    client->databaseConnectionDetails().setDatabase(q("shop"));
     helper = client->databaseConnectionDetails().createDatabaseImportHelper();
     QList<KNImportTableColumnModel> columns;
     const auto tables = helper->tablesForImportMapper();
     for (const KNImportTableModelPtr &table : tables) {
-        if (table->name() == w("Narrow"))
+        if (table->name() == q("Narrow"))
             columns = table->columns();
     }
     ASSERT_EQ(columns.size(), 3);
@@ -350,73 +346,73 @@ TEST_F(Importing, RefusesCharactersThatTheColumnsCodePageDoesNotHave)
     EXPECT_EQ(columns[1].codePage, 1252);
     EXPECT_EQ(columns[2].codePage, 0) << "Unicode";
     auto thePlan = plan(write("v,n\ncaf\xc3\xa9,\xd0\x96\n\xd0\x96,b\n"), {});
-    thePlan.tablePath = QStringList{w("dbo"), w("Narrow")};
+    thePlan.tablePath = QStringList{q("dbo"), q("Narrow")};
     thePlan.columns = {{columns[1], 0}, {columns[2], 1}};
     const auto dryOutcome = KNImportRun(thePlan).dryRun(*helper);
     ASSERT_EQ(dryOutcome.faultCount, 1U);
     EXPECT_EQ(dryOutcome.faults[0].line, 3U);
-    EXPECT_EQ(dryOutcome.faults[0].column, w("v"));
-    EXPECT_EQ(dryOutcome.faults[0].value, w("\xd0\x96"));
+    EXPECT_EQ(dryOutcome.faults[0].column, q("v"));
+    EXPECT_EQ(dryOutcome.faults[0].value, q("\xd0\x96"));
     EXPECT_EQ(dryOutcome.faults[0].reason,
-              w("The column's code page 1252 does not have the character \"\xd0\x96\"."));
+              q("The column's code page 1252 does not have the character \"\xd0\x96\"."));
     const auto outcome = import(thePlan);
-    EXPECT_TRUE(outcome.error.localizedDescription().startsWith(w("Line 3, column \"v\": ")))
+    EXPECT_TRUE(outcome.error.localizedDescription().startsWith(q("Line 3, column \"v\": ")))
         << textOf(outcome);
-    EXPECT_EQ(scalar(*client, w("SELECT COUNT(*) FROM dbo.Narrow")).toInt64(), 0);
-    thePlan.faultFile = folder.filePath(w("narrow.csv"));
+    EXPECT_EQ(scalar(*client, q("SELECT COUNT(*) FROM dbo.Narrow")).toInt64(), 0);
+    thePlan.faultFile = folder.filePath(q("narrow.csv"));
     EXPECT_TRUE(import(thePlan).succeeded());
-    EXPECT_EQ(scalar(*client, w("SELECT v + n FROM dbo.Narrow")).text(), w("caf\xc3\xa9\xd0\x96"));
-    run(*client, w("DROP TABLE dbo.Narrow USE master"));
+    EXPECT_EQ(scalar(*client, q("SELECT v + n FROM dbo.Narrow")).text(), q("caf\xc3\xa9\xd0\x96"));
+    run(*client, q("DROP TABLE dbo.Narrow USE master"));
 }
 
 TEST_F(Importing, ChecksValuesOfUserTypesByTheirSystemTypes)
 {
-    run(*client, w("USE shop CREATE TYPE dbo.Amount FROM decimal(5,1)"));
-    run(*client, w("CREATE TYPE dbo.[Day] FROM date"));
-    run(*client, w("CREATE TABLE dbo.Aliased (a dbo.Amount, d dbo.[Day])"));
-    client->databaseConnectionDetails().setDatabase(w("shop"));
+    run(*client, q("USE shop CREATE TYPE dbo.Amount FROM decimal(5,1)"));
+    run(*client, q("CREATE TYPE dbo.[Day] FROM date"));
+    run(*client, q("CREATE TABLE dbo.Aliased (a dbo.Amount, d dbo.[Day])"));
+    client->databaseConnectionDetails().setDatabase(q("shop"));
     helper = client->databaseConnectionDetails().createDatabaseImportHelper();
     QList<KNImportTableColumnModel> columns;
     const auto tables = helper->tablesForImportMapper();
     for (const KNImportTableModelPtr &table : tables) {
-        if (table->name() == w("Aliased"))
+        if (table->name() == q("Aliased"))
             columns = table->columns();
     }
     ASSERT_EQ(columns.size(), 2);
-    EXPECT_EQ(columns[0].dataTypeDisplay, w("[dbo].[Amount]"));
-    EXPECT_EQ(columns[0].baseType, w("decimal(5,1)"));
+    EXPECT_EQ(columns[0].dataTypeDisplay, q("[dbo].[Amount]"));
+    EXPECT_EQ(columns[0].baseType, q("decimal(5,1)"));
     auto thePlan = plan(write("a;d\n1,26;1.2.2024\n1,2;1.2.2024\n1,3;2024-02-01\n"), {});
     thePlan.file.separator = QLatin1Char(';');
-    thePlan.fileColumns = QStringList{w("a"), w("d")};
+    thePlan.fileColumns = QStringList{q("a"), q("d")};
     thePlan.values.decimalPoint = QLatin1Char(',');
-    thePlan.values.dateFormat = w("d.M.yyyy");
-    thePlan.tablePath = QStringList{w("dbo"), w("Aliased")};
+    thePlan.values.dateFormat = q("d.M.yyyy");
+    thePlan.tablePath = QStringList{q("dbo"), q("Aliased")};
     thePlan.columns = {{columns[0], 0}, {columns[1], 1}};
     const auto dryOutcome = KNImportRun(thePlan).dryRun(*helper);
     ASSERT_EQ(dryOutcome.faultCount, 2U);
-    EXPECT_EQ(dryOutcome.faults[0].reason, w("The number has 2 decimals, the column keeps 1."));
-    EXPECT_EQ(dryOutcome.faults[1].reason, w("This is not a date."));
-    thePlan.faultFile = folder.filePath(w("aliased.csv"));
+    EXPECT_EQ(dryOutcome.faults[0].reason, q("The number has 2 decimals, the column keeps 1."));
+    EXPECT_EQ(dryOutcome.faults[1].reason, q("This is not a date."));
+    thePlan.faultFile = folder.filePath(q("aliased.csv"));
     EXPECT_TRUE(import(thePlan).succeeded());
-    const auto rows = run(*client, w("SELECT a, CONVERT(varchar(10), d, 120) FROM dbo.Aliased"));
+    const auto rows = run(*client, q("SELECT a, CONVERT(varchar(10), d, 120) FROM dbo.Aliased"));
     ASSERT_EQ(rows.last()->rows().rowCount(), 1);
-    EXPECT_EQ(rows.last()->rows().row(0)[0].displayText(), w("1.2"));
-    EXPECT_EQ(rows.last()->rows().row(0)[1].text(), w("2024-02-01"));
-    run(*client, w("DROP TABLE dbo.Aliased DROP TYPE dbo.Amount DROP TYPE dbo.[Day] USE master"));
+    EXPECT_EQ(rows.last()->rows().row(0)[0].displayText(), q("1.2"));
+    EXPECT_EQ(rows.last()->rows().row(0)[1].text(), q("2024-02-01"));
+    run(*client, q("DROP TABLE dbo.Aliased DROP TYPE dbo.Amount DROP TYPE dbo.[Day] USE master"));
 }
 
 TEST_F(Importing, SaysThatTheServerHasUndoneEverything)
 {
     createTable("id int PRIMARY KEY");
-    run(*client, w("SET XACT_ABORT ON"));
+    run(*client, q("SET XACT_ABORT ON"));
     auto thePlan = plan(write("id\n1\n2\n1\n3\n"), {"id", "int"});
-    thePlan.faultFile = folder.filePath(w("undone.csv"));
+    thePlan.faultFile = folder.filePath(q("undone.csv"));
     const auto outcome = import(thePlan);
     EXPECT_FALSE(outcome.succeeded());
     EXPECT_EQ(outcome.rows, 0U);
-    EXPECT_TRUE(outcome.error.localizedDescription().contains(w("2627"))) << textOf(outcome);
+    EXPECT_TRUE(outcome.error.localizedDescription().contains(q("2627"))) << textOf(outcome);
     EXPECT_TRUE(outcome.error.localizedDescription().endsWith(
-        w("After this error the server has undone the whole import.")))
+        q("After this error the server has undone the whole import.")))
         << textOf(outcome);
     EXPECT_EQ(count(), 0);
     EXPECT_EQ(transactions(), 0);
@@ -435,13 +431,13 @@ TEST_F(Importing, SaysThatTheOutcomeIsNotKnownWhenTheConnectionIsLostInTheCommit
             server.kill();
     });
     const auto relayed = connectedClient(settings(relay.port()));
-    run(*relayed, w("USE tempdb CREATE TABLE #t (id int)"));
+    run(*relayed, q("USE tempdb CREATE TABLE #t (id int)"));
     const auto thePlan = plan(write(numbers(10)), {"id", "int"});
     KNImportRun importRun(thePlan);
     const auto outcome = importRun.run(*relayed, *helper);
     EXPECT_FALSE(outcome.succeeded());
     EXPECT_TRUE(outcome.error.localizedDescription().endsWith(
-        w("The connection was lost during the commit: look whether the rows are there.")))
+        q("The connection was lost during the commit: look whether the rows are there.")))
         << textOf(outcome);
 }
 
@@ -450,7 +446,7 @@ TEST_F(Importing, ReportsRowsWithKeysThatTheAnalysisDidNotFind)
     createTable("a int");
     const auto outcome = import(plan(write("{\"a\":1}\n{\"a\":2,\"b\":3}\n", "a.jsonl"), {"a", "int"}));
     EXPECT_TRUE(outcome.error.localizedDescription().startsWith(
-        w("Line 2: The row has values that the analysis of the file did not find.")))
+        q("Line 2: The row has values that the analysis of the file did not find.")))
         << textOf(outcome);
     EXPECT_EQ(count(), 0);
 }

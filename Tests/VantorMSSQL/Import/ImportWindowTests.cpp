@@ -5,6 +5,7 @@
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingSheets.h"
 #include "Support/SampleServerFixture.h"
+#include "Support/TestText.h"
 #include "UI/Dialogs/KNFileField.h"
 #include "UI/Import/KNImportFilePage.h"
 #include "UI/Import/KNImportMappingModel.h"
@@ -23,11 +24,6 @@ using WindowTesting::waitFor;
 
 namespace {
 
-QString z(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// The wizard over dbo.Wizard of a real server.
 class ImportWindow : public testing::Test
 {
@@ -37,7 +33,7 @@ protected:
         m_settings->setHost(QStringLiteral("127.0.0.1,%1").arg(SampleServerFixture::shared().port()));
         m_settings->setUsername(QString::fromLatin1(SampleServerFixture::User));
         m_settings->setPassword(QString::fromLatin1(SampleServerFixture::Password));
-        m_settings->setDatabase(z("library"));
+        m_settings->setDatabase(q("library"));
         run("CREATE TABLE dbo.Wizard (id int NOT NULL PRIMARY KEY, name nvarchar(10) NULL, note nvarchar(10) "
             "NULL)");
         m_window.show();
@@ -52,7 +48,7 @@ protected:
 
     QString write(const char *name, const QByteArray &content) const
     {
-        QFile file(m_folder.filePath(z(name)));
+        QFile file(m_folder.filePath(q(name)));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(content), content.size());
         return file.fileName();
@@ -60,7 +56,7 @@ protected:
     void open(const QString &path, const char *table = "Wizard")
     {
         m_wizard = new KNImportWindowController(
-            m_settings, {path, z(table)},
+            m_settings, {path, q(table)},
             [this](const QList<KNImportColumnAnalysis> &columns, const KNImportTargetPage::Created &created) {
                 m_newTable = new MSSQLCreateTableWindowController(m_settings, columns, m_wizard);
                 m_newTable->beginSheet([this, created](int code) {
@@ -78,7 +74,7 @@ protected:
     QPushButton *button(const char *title) const
     {
         for (QPushButton *const found : m_wizard->findChildren<QPushButton *>()) {
-            if (found->text().remove(u'&') == z(title) && found->isVisible())
+            if (found->text().remove(u'&') == q(title) && found->isVisible())
                 return found;
         }
         return nullptr;
@@ -111,7 +107,7 @@ protected:
         KNError error;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
             [sql](VantorDatabaseClient &client, KNError *failure) {
-                client.executeNonQuery(z(sql), failure);
+                client.executeNonQuery(q(sql), failure);
             },
             *m_settings, &error);
         EXPECT_FALSE(error) << error.localizedDescription().toStdString();
@@ -122,7 +118,7 @@ protected:
         KNError error;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
             [&](VantorDatabaseClient &client, KNError *failure) {
-                const auto rows = client.executeQuery(z(sql), failure);
+                const auto rows = client.executeQuery(q(sql), failure);
                 if (rows && rows->next())
                     text = rows->objectForColumnIndex(0).displayText();
             },
@@ -149,20 +145,20 @@ TEST_F(ImportWindow, ImportsAFileFromPageToPage)
     open(write("a.csv", "ID,name\n1,Zoë\n2,\n"));
     const QAbstractItemModel &preview = *m_wizard->filePage()->preview()->model();
     ASSERT_EQ(preview.rowCount(), 2);
-    EXPECT_EQ(preview.headerData(0, Qt::Horizontal).toString(), z("ID"));
-    EXPECT_EQ(preview.index(0, 1).data().toString(), z("Zoë"));
-    EXPECT_EQ(preview.index(1, 1).data().toString(), z("NULL"));
+    EXPECT_EQ(preview.headerData(0, Qt::Horizontal).toString(), q("ID"));
+    EXPECT_EQ(preview.index(0, 1).data().toString(), q("Zoë"));
+    EXPECT_EQ(preview.index(1, 1).data().toString(), q("NULL"));
     click("Next");
-    EXPECT_EQ(m_wizard->targetPage()->tables()->currentText(), z("dbo.Wizard"));
+    EXPECT_EQ(m_wizard->targetPage()->tables()->currentText(), q("dbo.Wizard"));
     EXPECT_EQ(m_wizard->targetPage()->notes(), QString());
     click("Next");
     click("Import");
     waitForEnd();
-    EXPECT_EQ(m_wizard->progressPage()->status(), z("2 rows imported."));
+    EXPECT_EQ(m_wizard->progressPage()->status(), q("2 rows imported."));
     EXPECT_EQ(
         value(
             "SELECT COUNT(*) FROM dbo.Wizard WHERE (id = 1 AND name = N'Zoë') OR (id = 2 AND name IS NULL)"),
-        z("2"));
+        q("2"));
     click("Close");
     EXPECT_EQ(m_code, 1);
 }
@@ -180,8 +176,8 @@ TEST_F(ImportWindow, KnowsKeysThatOnlyLaterRecordsHave)
     click("Next");
     click("Import");
     waitForEnd();
-    EXPECT_EQ(m_wizard->progressPage()->status(), z("1,501 rows imported."));
-    EXPECT_EQ(value("SELECT name FROM dbo.Wizard WHERE id = 1500"), z("late"));
+    EXPECT_EQ(m_wizard->progressPage()->status(), q("1,501 rows imported."));
+    EXPECT_EQ(value("SELECT name FROM dbo.Wizard WHERE id = 1500"), q("late"));
 }
 
 TEST_F(ImportWindow, FlagsColumnsThatNeedAValue)
@@ -189,7 +185,7 @@ TEST_F(ImportWindow, FlagsColumnsThatNeedAValue)
     open(write("n.csv", "name\na\n"));
     click("Next");
     EXPECT_EQ(m_wizard->targetPage()->notes(),
-              z("Need a value, because they take no NULL and have no default: id"));
+              q("Need a value, because they take no NULL and have no default: id"));
 }
 
 TEST_F(ImportWindow, HasMnemonicsThatDifferOnEachPage)
@@ -213,16 +209,16 @@ TEST_F(ImportWindow, ListsTheFaultsOfADryRun)
     click("Dry Run");
     waitForEnd();
     EXPECT_EQ(m_wizard->progressPage()->status(),
-              z("1 row can be imported, 2 rows cannot. Nothing was changed."));
+              q("1 row can be imported, 2 rows cannot. Nothing was changed."));
     EXPECT_EQ(faults(),
-              (QStringList{z("3|id|x|This is not a number."),
-                           z("4|name|far too long|The text has 12 characters, the column holds 10.")}));
-    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), z("0"));
+              (QStringList{q("3|id|x|This is not a number."),
+                           q("4|name|far too long|The text has 12 characters, the column holds 10.")}));
+    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), q("0"));
     click("Import");
     waitForEnd();
     EXPECT_EQ(m_wizard->progressPage()->status(),
-              z("Line 3, column \"id\": This is not a number.\nNothing was imported."));
-    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), z("0"));
+              q("Line 3, column \"id\": This is not a number.\nNothing was imported."));
+    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), q("0"));
     click("Back");
     EXPECT_EQ(m_wizard->currentPage(), 2);
 }
@@ -231,33 +227,33 @@ TEST_F(ImportWindow, MapsColumnsByHand)
 {
     open(write("c.csv", "id,who\n1,Ann\n"));
     click("Next");
-    EXPECT_EQ(m_wizard->targetPage()->notes(), z("Not imported: who"));
+    EXPECT_EQ(m_wizard->targetPage()->notes(), q("Not imported: who"));
     KNImportMappingModel &mapping = *m_wizard->targetPage()->mapping();
-    EXPECT_TRUE(mapping.setData(mapping.index(1, KNImportMappingModel::Source), z("who"), Qt::EditRole));
+    EXPECT_TRUE(mapping.setData(mapping.index(1, KNImportMappingModel::Source), q("who"), Qt::EditRole));
     EXPECT_TRUE(mapping.setData(mapping.index(2, KNImportMappingModel::Source),
                                 KNImportMappingModel::constantSource(), Qt::EditRole));
-    EXPECT_TRUE(mapping.setData(mapping.index(2, KNImportMappingModel::Value), z("by hand"), Qt::EditRole));
+    EXPECT_TRUE(mapping.setData(mapping.index(2, KNImportMappingModel::Value), q("by hand"), Qt::EditRole));
     EXPECT_EQ(m_wizard->targetPage()->notes(), QString());
     click("Next");
     click("Import");
     waitForEnd();
-    EXPECT_EQ(value("SELECT name + N'/' + note FROM dbo.Wizard"), z("Ann/by hand"));
+    EXPECT_EQ(value("SELECT name + N'/' + note FROM dbo.Wizard"), q("Ann/by hand"));
 }
 
 TEST_F(ImportWindow, StaysAtAFileThatCannotBeRead)
 {
     open(write("d.csv", "id,name\n1,\"open\n"));
     EXPECT_TRUE(
-        m_wizard->filePage()->status().startsWith(z("Line 2: The file ends inside of a quoted value")))
+        m_wizard->filePage()->status().startsWith(q("Line 2: The file ends inside of a quoted value")))
         << m_wizard->filePage()->status().toStdString();
     EXPECT_FALSE(button("Next")->isEnabled());
     m_wizard->filePage()->file()->setPath(write("e.csv", "id\n1\n"));
     ASSERT_TRUE(waitFor([&] { return button("Next")->isEnabled(); }));
-    EXPECT_EQ(m_wizard->filePage()->status(), z("1 row"));
+    EXPECT_EQ(m_wizard->filePage()->status(), q("1 row"));
     m_wizard->filePage()->file()->setPath(write("latin.csv", "id,name\n1,caf\xe9\n"));
     EXPECT_TRUE(waitFor([&] {
         return m_wizard->filePage()->status() ==
-               z("1 row. The file is not UTF-8 and is read as Windows-1252.");
+               q("1 row. The file is not UTF-8 and is read as Windows-1252.");
     })) << m_wizard->filePage()->status().toStdString();
 }
 
@@ -267,20 +263,20 @@ TEST_F(ImportWindow, CreatesATableWithTheSuggestedTypes)
     click("Next");
     click("New Table…");
     ASSERT_TRUE(waitFor([&] { return m_newTable != nullptr; }));
-    EXPECT_EQ(m_newTable->hints(), z("price (decimal): Keeps 0 decimals, some numbers have 1: decimal(2,1)?\n"
+    EXPECT_EQ(m_newTable->hints(), q("price (decimal): Keeps 0 decimals, some numbers have 1: decimal(2,1)?\n"
                                      "text (nvarchar(8192)): More than 4,000: nvarchar(max)?"));
     m_newTable->useSuggestedTypes();
     EXPECT_EQ(m_newTable->hints(), QString());
-    m_newTable->findChild<QLineEdit *>()->setText(z("FromWizard"));
+    m_newTable->findChild<QLineEdit *>()->setText(q("FromWizard"));
     DialogTesting::defaultButton(*m_newTable)->click();
     ASSERT_TRUE(waitFor([&] {
-        return m_wizard->targetPage()->tables()->currentText() == z("dbo.FromWizard");
+        return m_wizard->targetPage()->tables()->currentText() == q("dbo.FromWizard");
     })) << (m_alerts.errors.empty() ? "" : m_alerts.errors[0].localizedDescription().toStdString());
     click("Next");
     click("Import");
     waitForEnd();
-    EXPECT_EQ(m_wizard->progressPage()->status(), z("1 row imported."));
-    EXPECT_EQ(value("SELECT LEN(text) FROM dbo.FromWizard WHERE price = 2.5"), z("4100"));
+    EXPECT_EQ(m_wizard->progressPage()->status(), q("1 row imported."));
+    EXPECT_EQ(value("SELECT LEN(text) FROM dbo.FromWizard WHERE price = 2.5"), q("4100"));
     run("DROP TABLE dbo.FromWizard");
 }
 
@@ -293,11 +289,11 @@ TEST_F(ImportWindow, CancelsARunningImport)
     click("Next");
     click("Next");
     click("Import");
-    ASSERT_TRUE(waitFor([&] { return m_wizard->progressPage()->status().contains(z("rows per second")); }));
+    ASSERT_TRUE(waitFor([&] { return m_wizard->progressPage()->status().contains(q("rows per second")); }));
     click("Cancel");
     waitForEnd();
-    EXPECT_EQ(m_wizard->progressPage()->status(), z("Cancelled. Nothing was imported."));
-    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), z("0"));
+    EXPECT_EQ(m_wizard->progressPage()->status(), q("Cancelled. Nothing was imported."));
+    EXPECT_EQ(value("SELECT COUNT(*) FROM dbo.Wizard"), q("0"));
     click("Close");
     EXPECT_EQ(m_code, 0);
 }

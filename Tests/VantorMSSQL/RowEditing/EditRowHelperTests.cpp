@@ -2,6 +2,7 @@
 #include "Foundation/KNFormat.h"
 #include "RowEditing/MSSQLEditRowHelper.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include <gtest/gtest.h>
@@ -13,21 +14,16 @@ using Values = KNEditRowHelper::Values;
 
 namespace {
 
-QString u(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// Rows of row.Edited; dbo.Edited beside it must not be touched.
 class EditRowHelper : public testing::Test
 {
 protected:
     EditRowHelper()
     {
-        m_settings->setDatabase(u("shop"));
-        m_settings->setConnectionId(u("edit-row-tests"));
+        m_settings->setDatabase(q("shop"));
+        m_settings->setConnectionId(q("edit-row-tests"));
         m_client = WireTest::connectedClient(m_settings);
-        WireTest::run(*m_client, u("IF SCHEMA_ID('row') IS NULL EXEC('CREATE SCHEMA row')"));
+        WireTest::run(*m_client, q("IF SCHEMA_ID('row') IS NULL EXEC('CREATE SCHEMA row')"));
         for (const char *schema : {"dbo", "row"})
             WireTest::run(
                 *m_client,
@@ -39,21 +35,21 @@ protected:
     }
     ~EditRowHelper() override
     {
-        EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT COUNT(*) FROM dbo.Edited WHERE id = 1 AND "
+        EXPECT_EQ(WireTest::scalar(*m_client, q("SELECT COUNT(*) FROM dbo.Edited WHERE id = 1 AND "
                                                 "name = 'new' AND amount IS NULL")),
                   KNValue(1))
             << "the other table was changed";
-        WireTest::run(*m_client, u("DROP TABLE dbo.Edited; DROP TABLE row.Edited"));
+        WireTest::run(*m_client, q("DROP TABLE dbo.Edited; DROP TABLE row.Edited"));
     }
 
     MSSQLEditRowHelper rowWith(const std::optional<Values> &initial) const
     {
-        return MSSQLEditRowHelper(m_settings, u("row"), u("Edited"), initial);
+        return MSSQLEditRowHelper(m_settings, q("row"), q("Edited"), initial);
     }
     static void set(KNEditRowHelper &row, const char *column, const KNValue &value)
     {
         for (qsizetype i = 0; i < row.tableColumns().size(); ++i) {
-            if (row.tableColumns()[i].columnName == u(column))
+            if (row.tableColumns()[i].columnName == q(column))
                 return row.setColumnValue(i, value);
         }
         ADD_FAILURE() << column;
@@ -61,7 +57,7 @@ protected:
     static KNValue valueOf(const KNEditRowHelper &row, const char *column)
     {
         for (const KNEditRowColumn &each : row.tableColumns()) {
-            if (each.columnName == u(column))
+            if (each.columnName == q(column))
                 return each.columnCurrentValue;
         }
         ADD_FAILURE() << column;
@@ -77,18 +73,18 @@ protected:
 
 TEST_F(EditRowHelper, LoadsTheColumnsInTheOrderOfTheTable)
 {
-    MSSQLEditRowHelper row = rowWith(Values{{u("name"), KNValue(u("x"))}});
+    MSSQLEditRowHelper row = rowWith(Values{{q("name"), KNValue(q("x"))}});
     row.loadTableColumns();
     QStringList names;
     for (const KNEditRowColumn &column : row.tableColumns())
         names.append(column.columnName);
     EXPECT_EQ(names, QStringList(
-                         {u("id"), u("name"), u("amount"), u("half"), u("stamp"), u("raw"), u("double_id")}));
+                         {q("id"), q("name"), q("amount"), q("half"), q("stamp"), q("raw"), q("double_id")}));
     EXPECT_TRUE(row.tableColumns()[0].isPrimaryKey);
     EXPECT_FALSE(row.tableColumns()[0].isNullable);
-    EXPECT_EQ(row.tableColumns()[1].columnCurrentValue, KNValue(u("x")));
-    EXPECT_EQ(row.tableColumns()[1].columnDefaultValue, u("('new')"));
-    EXPECT_EQ(row.tableColumns()[1].typeName, u("nvarchar(40)"));
+    EXPECT_EQ(row.tableColumns()[1].columnCurrentValue, KNValue(q("x")));
+    EXPECT_EQ(row.tableColumns()[1].columnDefaultValue, q("('new')"));
+    EXPECT_EQ(row.tableColumns()[1].typeName, q("nvarchar(40)"));
     EXPECT_EQ(row.tableColumns()[2].input, KNTypedValue::Input::Number);
     EXPECT_TRUE(row.tableColumns()[6].isReadOnly);
     EXPECT_FALSE(row.hasModifications());
@@ -96,7 +92,7 @@ TEST_F(EditRowHelper, LoadsTheColumnsInTheOrderOfTheTable)
 
 TEST_F(EditRowHelper, ShowsNoColumnsOfATableThatDoesNotExist)
 {
-    MSSQLEditRowHelper row(m_settings, u("row"), u("Missing"), std::nullopt);
+    MSSQLEditRowHelper row(m_settings, q("row"), q("Missing"), std::nullopt);
     row.loadTableColumns();
     EXPECT_TRUE(row.tableColumns().isEmpty());
 }
@@ -107,17 +103,17 @@ TEST_F(EditRowHelper, AddsARowAndReadsWhatTheServerStored)
         MSSQLEditRowHelper row = rowWith(std::nullopt);
         row.loadTableColumns();
         set(row, "id", KNValue(corrected ? 3 : 2));
-        set(row, "amount", KNValue(*KNDecimal::fromString(u("1234567890123456789012345678.0123456789"))));
+        set(row, "amount", KNValue(*KNDecimal::fromString(q("1234567890123456789012345678.0123456789"))));
         set(row, "half", KNValue(0.1));
-        set(row, "stamp", KNValue(u("2024-02-29T23:59:59.1234567")));
+        set(row, "stamp", KNValue(q("2024-02-29T23:59:59.1234567")));
         set(row, "raw", KNValue(QByteArray("\x00\xff", 2)));
         KNError error;
         ASSERT_TRUE(row.applyChanges(corrected, &error)) << error.localizedDescription().toStdString();
         EXPECT_EQ(row.readBack(), ReadBack::Made);
-        EXPECT_EQ(valueOf(row, "name"), KNValue(u("new")));
-        EXPECT_EQ(valueOf(row, "amount").displayText(), u("1234567890123456789012345678.0123456789"));
+        EXPECT_EQ(valueOf(row, "name"), KNValue(q("new")));
+        EXPECT_EQ(valueOf(row, "amount").displayText(), q("1234567890123456789012345678.0123456789"));
         EXPECT_EQ(valueOf(row, "half"), KNValue(0.1));
-        EXPECT_EQ(valueOf(row, "stamp").displayText(), u("2024-02-29 23:59:59.1234567"));
+        EXPECT_EQ(valueOf(row, "stamp").displayText(), q("2024-02-29 23:59:59.1234567"));
         EXPECT_EQ(valueOf(row, "raw").bytes(), QByteArray("\x00\xff", 2));
         EXPECT_EQ(valueOf(row, "double_id").toInt64(), corrected ? 6 : 4);
     }
@@ -126,23 +122,23 @@ TEST_F(EditRowHelper, AddsARowAndReadsWhatTheServerStored)
 TEST_F(EditRowHelper, ChangesARowInBothForms)
 {
     for (const bool corrected : {false, true}) {
-        MSSQLEditRowHelper row = rowWith(Values{{u("id"), KNValue(1)}});
+        MSSQLEditRowHelper row = rowWith(Values{{q("id"), KNValue(1)}});
         row.loadTableColumns();
-        const QString text = u("O'Brien \xE2\x82\xAC \xF0\x9F\x98\x80");
+        const QString text = q("O'Brien \xE2\x82\xAC \xF0\x9F\x98\x80");
         set(row, "name", KNValue(text));
         set(row, "half", KNValue());
         KNError error;
         ASSERT_TRUE(row.applyChanges(corrected, &error)) << error.localizedDescription().toStdString();
         EXPECT_EQ(row.readBack(), ReadBack::Made);
         EXPECT_EQ(valueOf(row, "name"), KNValue(text));
-        EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT name FROM row.Edited WHERE id = 1")), KNValue(text));
-        WireTest::run(*m_client, u("UPDATE row.Edited SET name = NULL"));
+        EXPECT_EQ(WireTest::scalar(*m_client, q("SELECT name FROM row.Edited WHERE id = 1")), KNValue(text));
+        WireTest::run(*m_client, q("UPDATE row.Edited SET name = NULL"));
     }
 }
 
 TEST_F(EditRowHelper, FindsNoRowByAnEditedKey)
 {
-    MSSQLEditRowHelper row = rowWith(Values{{u("id"), KNValue(1)}});
+    MSSQLEditRowHelper row = rowWith(Values{{q("id"), KNValue(1)}});
     row.loadTableColumns();
     set(row, "id", KNValue(77));
     set(row, "half", KNValue(0.5));
@@ -150,7 +146,7 @@ TEST_F(EditRowHelper, FindsNoRowByAnEditedKey)
     EXPECT_TRUE(row.applyChanges(false, &error)) << error.localizedDescription().toStdString();
     EXPECT_EQ(row.readBack(), ReadBack::NotFound);
     EXPECT_TRUE(row.hasModifications());
-    EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT COUNT(*) FROM row.Edited WHERE half IS NOT NULL")),
+    EXPECT_EQ(WireTest::scalar(*m_client, q("SELECT COUNT(*) FROM row.Edited WHERE half IS NOT NULL")),
               KNValue(0));
 }
 
@@ -163,9 +159,9 @@ TEST_F(EditRowHelper, ReportsTheServersErrorAndKeepsTheValues)
         KNValue value;
     } cases[] = {
         {std::nullopt, nullptr, {}},                  // an INSERT with empty lists
-        {Values{{u("id"), KNValue(1)}}, nullptr, {}}, // an UPDATE without changes
+        {Values{{q("id"), KNValue(1)}}, nullptr, {}}, // an UPDATE without changes
         {std::nullopt, "id", KNValue(1)},             // the key exists
-        {std::nullopt, "amount", KNValue(u("abc"))},  // no number
+        {std::nullopt, "amount", KNValue(q("abc"))},  // no number
     };
     for (const auto &one : cases) {
         MSSQLEditRowHelper row = rowWith(one.initial);
@@ -184,34 +180,34 @@ TEST_F(EditRowHelper, ReportsTheServersErrorAndKeepsTheValues)
 
 TEST_F(EditRowHelper, HasNoReadBackWithoutTheKey)
 {
-    WireTest::run(*m_client, u("CREATE TABLE row.Numbered (id int IDENTITY PRIMARY KEY, name nvarchar(10))"));
-    MSSQLEditRowHelper row(m_settings, u("row"), u("Numbered"), std::nullopt);
+    WireTest::run(*m_client, q("CREATE TABLE row.Numbered (id int IDENTITY PRIMARY KEY, name nvarchar(10))"));
+    MSSQLEditRowHelper row(m_settings, q("row"), q("Numbered"), std::nullopt);
     row.loadTableColumns();
-    set(row, "name", KNValue(u("a")));
+    set(row, "name", KNValue(q("a")));
     KNError error;
     EXPECT_TRUE(row.applyChanges(false, &error)) << error.localizedDescription().toStdString();
     EXPECT_EQ(row.readBack(), ReadBack::NotMade);
-    EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT COUNT(*) FROM row.Numbered")), KNValue(1));
-    WireTest::run(*m_client, u("DROP TABLE row.Numbered"));
+    EXPECT_EQ(WireTest::scalar(*m_client, q("SELECT COUNT(*) FROM row.Numbered")), KNValue(1));
+    WireTest::run(*m_client, q("DROP TABLE row.Numbered"));
 }
 
 TEST_F(EditRowHelper, WritesTheRowAndCannotReadItWhereANameIsNotQuoted)
 {
     WireTest::run(*m_client,
-                  u("CREATE TABLE row.Spaced ([the id] int PRIMARY KEY, [the ]] name] nvarchar(10))"));
+                  q("CREATE TABLE row.Spaced ([the id] int PRIMARY KEY, [the ]] name] nvarchar(10))"));
     for (const bool corrected : {false, true}) {
-        MSSQLEditRowHelper row(m_settings, u("row"), u("Spaced"), std::nullopt);
+        MSSQLEditRowHelper row(m_settings, q("row"), q("Spaced"), std::nullopt);
         row.loadTableColumns();
         set(row, "the id", KNValue(corrected ? 2 : 1));
         EXPECT_EQ(row.generateQuery().difference,
-                  u("Reading the row again afterwards would fail, or read another row."));
+                  q("Reading the row again afterwards would fail, or read another row."));
         KNError error;
         EXPECT_EQ(row.applyChanges(corrected, &error), corrected);
         EXPECT_EQ(row.readBack(), corrected ? ReadBack::Made : ReadBack::Failed);
-        EXPECT_EQ(WireTest::scalar(*m_client, u("SELECT COUNT(*) FROM row.Spaced")),
+        EXPECT_EQ(WireTest::scalar(*m_client, q("SELECT COUNT(*) FROM row.Spaced")),
                   KNValue(corrected ? 2 : 1));
     }
-    WireTest::run(*m_client, u("DROP TABLE row.Spaced"));
+    WireTest::run(*m_client, q("DROP TABLE row.Spaced"));
 }
 
 TEST_F(EditRowHelper, AssertsThatAnErrorIsAskedFor)
@@ -221,8 +217,8 @@ TEST_F(EditRowHelper, AssertsThatAnErrorIsAskedFor)
         row.applyChanges(false, nullptr);
         FAIL();
     } catch (const KNAssertionFailure &failure) {
-        EXPECT_EQ(failure.message(), u("Error must be specified."));
-        EXPECT_EQ(failure.sourcePath(), u("Implementations/MSSQLEditRowHelper"));
+        EXPECT_EQ(failure.message(), q("Error must be specified."));
+        EXPECT_EQ(failure.sourcePath(), q("Implementations/MSSQLEditRowHelper"));
     }
 }
 

@@ -1,20 +1,16 @@
 #include "RowEditing/MSSQLGridInsert.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-QString gridText(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 KNEditRowColumn inserted(const char *name, const char *type, const KNValue &value = {})
 {
     KNEditRowColumn column;
-    column.columnName = gridText(name);
-    column.typeName = gridText(type);
+    column.columnName = q(name);
+    column.typeName = q(type);
     column.columnCurrentValue = value;
     return column;
 }
@@ -29,7 +25,7 @@ KNEditRowColumn identity(const char *name)
 KNEditRowColumn withDefault(const char *name, const char *type, const char *expression)
 {
     KNEditRowColumn column = inserted(name, type);
-    column.columnDefaultValue = gridText(expression);
+    column.columnDefaultValue = q(expression);
     return column;
 }
 
@@ -37,46 +33,42 @@ KNEditRowColumn withDefault(const char *name, const char *type, const char *expr
 
 TEST(GridInsert, WritesFloatsWithSeventeenDigitsAndRealsWithNine)
 {
-    const MSSQLGridInsert insert(gridText("sales"), gridText("Rates"),
-                                 {inserted("f", "float", KNValue(*KNDecimal::fromString(gridText("0.1")))),
+    const MSSQLGridInsert insert(q("sales"), q("Rates"),
+                                 {inserted("f", "float", KNValue(*KNDecimal::fromString(q("0.1")))),
                                   inserted("r", "real", KNValue(1.5F)), inserted("n", "int", KNValue(7))});
-    EXPECT_EQ(
-        insert.statement().corrected,
-        gridText("INSERT INTO sales.Rates (f, r, n) VALUES (1.0000000000000001e-01, CAST(1.50000000e+00 AS "
-                 "real), 7)"));
+    EXPECT_EQ(insert.statement().corrected,
+              q("INSERT INTO sales.Rates (f, r, n) VALUES (1.0000000000000001e-01, CAST(1.50000000e+00 AS "
+                "real), 7)"));
     EXPECT_EQ(insert.statement().exact,
-              gridText("SET QUOTED_IDENTIFIER OFF\r\nINSERT INTO sales.Rates (f, r, n) VALUES "
-                       "(1.0000000000000001e-01, CAST(1.50000000e+00 AS real), 7)"));
+              q("SET QUOTED_IDENTIFIER OFF\r\nINSERT INTO sales.Rates (f, r, n) VALUES "
+                "(1.0000000000000001e-01, CAST(1.50000000e+00 AS real), 7)"));
 }
 
 TEST(GridInsert, ReadsTheRowByItsIdentityInTheSameBatch)
 {
     const KNStatementPair pair =
-        MSSQLGridInsert(gridText("dbo"), gridText("t"),
-                        {inserted("name", "nvarchar(9)", KNValue(gridText("x")))})
+        MSSQLGridInsert(q("dbo"), q("t"), {inserted("name", "nvarchar(9)", KNValue(q("x")))})
             .statementAndRead({identity("id")}, {identity("id"), inserted("name", "nvarchar(9)")});
-    EXPECT_EQ(pair.corrected,
-              gridText("INSERT INTO dbo.t (name) VALUES ('x')\r\nSELECT id, name FROM dbo.t WHERE "
-                       "id = SCOPE_IDENTITY()"));
-    EXPECT_EQ(pair.exact, gridText("SET QUOTED_IDENTIFIER OFF\r\n") + pair.corrected);
+    EXPECT_EQ(pair.corrected, q("INSERT INTO dbo.t (name) VALUES ('x')\r\nSELECT id, name FROM dbo.t WHERE "
+                                "id = SCOPE_IDENTITY()"));
+    EXPECT_EQ(pair.exact, q("SET QUOTED_IDENTIFIER OFF\r\n") + pair.corrected);
 }
 
 TEST(GridInsert, EvaluatesTheDefaultOfAKeyBefore)
 {
     const KNStatementPair pair =
-        MSSQLGridInsert(gridText("dbo"), gridText("t"), {inserted("site", "int", KNValue(3))})
+        MSSQLGridInsert(q("dbo"), q("t"), {inserted("site", "int", KNValue(3))})
             .statementAndRead({inserted("site", "int"), withDefault("id", "uniqueidentifier", "(newid())")},
                               {inserted("id", "uniqueidentifier")});
-    EXPECT_EQ(
-        pair.corrected,
-        gridText("DECLARE @VantorKey1 uniqueidentifier\r\nSET @VantorKey1 = (newid())\r\nINSERT INTO dbo.t "
-                 "(site, id) VALUES (3, @VantorKey1)\r\nSELECT id FROM dbo.t WHERE site = 3 AND id = "
-                 "@VantorKey1"));
+    EXPECT_EQ(pair.corrected,
+              q("DECLARE @VantorKey1 uniqueidentifier\r\nSET @VantorKey1 = (newid())\r\nINSERT INTO dbo.t "
+                "(site, id) VALUES (3, @VantorKey1)\r\nSELECT id FROM dbo.t WHERE site = 3 AND id = "
+                "@VantorKey1"));
 }
 
 TEST(GridInsert, DoesNotReadARowWhoseKeyCannotBeKnown)
 {
-    const MSSQLGridInsert insert(gridText("dbo"), gridText("t"), {inserted("name", "int", KNValue(1))});
+    const MSSQLGridInsert insert(q("dbo"), q("t"), {inserted("name", "int", KNValue(1))});
     const KNEditRowColumn keys[] = {
         withDefault("id", "uniqueidentifier", "(newsequentialid())"), // only a default may call it
         withDefault("id", "decimal", "((1.25))"),                     // the scale is not known
@@ -87,12 +79,12 @@ TEST(GridInsert, DoesNotReadARowWhoseKeyCannotBeKnown)
     for (const KNEditRowColumn &key : keys)
         EXPECT_TRUE(insert.statementAndRead({key}, {key}).exact.isNull())
             << key.typeName.toStdString() << ' ' << key.columnDefaultValue.toStdString();
-    const MSSQLGridInsert null(gridText("dbo"), gridText("t"), {inserted("id", "int")});
+    const MSSQLGridInsert null(q("dbo"), q("t"), {inserted("id", "int")});
     EXPECT_TRUE(null.statementAndRead({inserted("id", "int")}, {inserted("id", "int")}).exact.isNull());
 }
 
 TEST(GridInsert, AddsARowOfDefaults)
 {
-    EXPECT_EQ(MSSQLGridInsert(gridText("dbo"), gridText("t"), {}).statement().corrected,
-              gridText("INSERT INTO dbo.t DEFAULT VALUES"));
+    EXPECT_EQ(MSSQLGridInsert(q("dbo"), q("t"), {}).statement().corrected,
+              q("INSERT INTO dbo.t DEFAULT VALUES"));
 }

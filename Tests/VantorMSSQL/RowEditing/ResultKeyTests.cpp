@@ -3,6 +3,7 @@
 #include "RowEditing/KNEditableTable.h"
 #include "RowEditing/MSSQLEditRowHelper.h"
 #include "RowEditing/MSSQLResultSetViewControllerHelper.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Wire/WireTest.h"
 
 #include <mutex>
@@ -10,11 +11,6 @@
 namespace ResultKeyTests {
 
 namespace {
-
-QString u(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 class Delegate : public ResultSetViewControllerHelperDelegate
 {
@@ -37,10 +33,10 @@ class ResultKeys : public testing::Test
 protected:
     ResultKeys()
     {
-        m_settings->setDatabase(u("shop"));
+        m_settings->setDatabase(q("shop"));
         KNLogHelper::sharedInstance()->setObserver([this](const QString &record) {
             const std::lock_guard lock(m_mutex);
-            if (record.contains(u("Matched table is: ")))
+            if (record.contains(q("Matched table is: ")))
                 m_records.append(record);
         });
     }
@@ -80,26 +76,26 @@ protected:
 
 TEST_F(ResultKeys, AreThoseOfTheTableThatTheQueryNames)
 {
-    load(u("SELECT * FROM dbo.OrderLines"));
-    EXPECT_EQ(keys(), QStringList({u("OrderId"), u("LineNumber")}));
-    EXPECT_EQ(m_delegate->table, u("OrderLines"));
-    EXPECT_EQ(m_delegate->schema, u("dbo"));
+    load(q("SELECT * FROM dbo.OrderLines"));
+    EXPECT_EQ(keys(), QStringList({q("OrderId"), q("LineNumber")}));
+    EXPECT_EQ(m_delegate->table, q("OrderLines"));
+    EXPECT_EQ(m_delegate->schema, q("dbo"));
     EXPECT_EQ(m_delegate->calls, 1);
     ASSERT_EQ(records().size(), 1);
-    EXPECT_TRUE(records().first().endsWith(u("Matched table is: dbo.OrderLines")));
+    EXPECT_TRUE(records().first().endsWith(q("Matched table is: dbo.OrderLines")));
 }
 
 TEST_F(ResultKeys, AreFoundInTheDefaultSchema)
 {
-    load(u("SELECT * FROM [Orders]"));
-    EXPECT_EQ(keys(), QStringList{u("OrderId")});
-    EXPECT_EQ(m_delegate->table, u("Orders"));
-    EXPECT_EQ(m_delegate->schema, u("dbo"));
+    load(q("SELECT * FROM [Orders]"));
+    EXPECT_EQ(keys(), QStringList{q("OrderId")});
+    EXPECT_EQ(m_delegate->table, q("Orders"));
+    EXPECT_EQ(m_delegate->schema, q("dbo"));
 }
 
 TEST_F(ResultKeys, AreNotLoadedForJoins)
 {
-    load(u("SELECT * FROM dbo.Orders o\nJoin\tdbo.OrderLines l ON l.OrderId = o.OrderId"));
+    load(q("SELECT * FROM dbo.Orders o\nJoin\tdbo.OrderLines l ON l.OrderId = o.OrderId"));
     EXPECT_EQ(m_delegate->calls, 0);
     EXPECT_TRUE(keys().isEmpty());
     EXPECT_TRUE(records().isEmpty());
@@ -107,7 +103,7 @@ TEST_F(ResultKeys, AreNotLoadedForJoins)
 
 TEST_F(ResultKeys, AreLoadedForUpTo10000Characters)
 {
-    const QString query = u("SELECT * FROM dbo.Orders ");
+    const QString query = q("SELECT * FROM dbo.Orders ");
     load(query + QString(10000 - query.size(), u' '));
     EXPECT_EQ(m_delegate->calls, 1);
     load(query + QString(10001 - query.size(), u' '));
@@ -116,47 +112,47 @@ TEST_F(ResultKeys, AreLoadedForUpTo10000Characters)
 
 TEST_F(ResultKeys, AreNoneOfAView)
 {
-    load(u("SELECT * FROM sys.objects"));
+    load(q("SELECT * FROM sys.objects"));
     EXPECT_EQ(m_delegate->calls, 1);
     EXPECT_TRUE(keys().isEmpty());
 }
 
 TEST_F(ResultKeys, AreNotReportedWithoutTheServer)
 {
-    m_settings->setHost(u("127.0.0.1,1"));
-    load(u("SELECT * FROM dbo.Orders"));
+    m_settings->setHost(q("127.0.0.1,1"));
+    load(q("SELECT * FROM dbo.Orders"));
     EXPECT_EQ(m_delegate->calls, 0);
-    load(u("SELECT 1"));
+    load(q("SELECT 1"));
     EXPECT_EQ(m_delegate->calls, 0);
 }
 
 TEST_F(ResultKeys, MakeAResultEditableThatHasThem)
 {
-    load(u("SELECT * FROM dbo.OrderLines"));
-    MSSQLEditRowHelper row(m_settings, u("dbo"), u("OrderLines"), std::nullopt);
+    load(q("SELECT * FROM dbo.OrderLines"));
+    MSSQLEditRowHelper row(m_settings, q("dbo"), q("OrderLines"), std::nullopt);
     row.loadTableColumns();
     const auto decide = [&](const QStringList &columns, QString *reason) {
         m_helper->setColumnTypes(QList<int>(columns.size(), 56));
-        return KNEditableTable::of(columns, *m_helper, u("OrderLines"), u("dbo"), row.tableColumns(), reason);
+        return KNEditableTable::of(columns, *m_helper, q("OrderLines"), q("dbo"), row.tableColumns(), reason);
     };
     QString reason;
     const auto table =
-        decide({u("quantity"), u("LineNumber"), u("OrderId"), u("LineTotal"), u("x")}, &reason);
+        decide({q("quantity"), q("LineNumber"), q("OrderId"), q("LineTotal"), q("x")}, &reason);
     ASSERT_TRUE(table) << reason.toStdString();
     EXPECT_EQ(table->key, QList<int>({2, 1}));
-    EXPECT_EQ(table->columns[0]->columnName, u("Quantity"));
+    EXPECT_EQ(table->columns[0]->columnName, q("Quantity"));
     EXPECT_TRUE(table->writableColumn(0));
     EXPECT_FALSE(table->writableColumn(3)) << "is computed";
     EXPECT_FALSE(table->writableColumn(4)) << "is no column of the table";
     EXPECT_FALSE(table->writableColumn(5));
 
-    EXPECT_FALSE(decide({u("OrderId"), u("Quantity")}, &reason));
-    EXPECT_EQ(reason, u("LineNumber is not in the result"));
-    EXPECT_FALSE(decide({u("OrderId"), u("LineNumber"), u("OrderId")}, &reason));
-    EXPECT_EQ(reason, u("OrderId is in the result twice"));
-    m_helper->setExecutedQuery(u("SELECT * FROM Orders -- FROM dbo.OrderLines"));
-    EXPECT_FALSE(decide({u("OrderId"), u("LineNumber")}, &reason));
-    EXPECT_EQ(reason, u("its table could not be found"));
+    EXPECT_FALSE(decide({q("OrderId"), q("Quantity")}, &reason));
+    EXPECT_EQ(reason, q("LineNumber is not in the result"));
+    EXPECT_FALSE(decide({q("OrderId"), q("LineNumber"), q("OrderId")}, &reason));
+    EXPECT_EQ(reason, q("OrderId is in the result twice"));
+    m_helper->setExecutedQuery(q("SELECT * FROM Orders -- FROM dbo.OrderLines"));
+    EXPECT_FALSE(decide({q("OrderId"), q("LineNumber")}, &reason));
+    EXPECT_EQ(reason, q("its table could not be found"));
 }
 
 TEST_F(ResultKeys, DoNotMakeVariantsAndClrTypesWritable)

@@ -1,17 +1,13 @@
 #include "RowEditing/MSSQLRowStatement.h"
 
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 
 #include <gtest/gtest.h>
 
 namespace RowStatementTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 KNValue text(const char *utf8)
 {

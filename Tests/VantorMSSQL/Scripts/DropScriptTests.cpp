@@ -6,6 +6,7 @@
 #include "Scripts/MSSQLScriptDropTableQueryLoader.h"
 #include "Scripts/MSSQLScriptDropTypeQueryLoader.h"
 #include "Scripts/MSSQLScriptDropViewQueryLoader.h"
+#include "Support/TestText.h"
 #include "VantorMSSQL/Scripts/ScriptTest.h"
 
 using namespace ScriptTest;
@@ -27,83 +28,74 @@ QString textAtOnce(const Arguments &...arguments)
     return receiver->texts().value(0);
 }
 
-QString name(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 QString deletion(const QStringList &columns, const QList<QList<KNValue>> &rows)
 {
-    return textAtOnce<MSSQLScriptDeleteDataFromTableQueryLoader>(
-        QStringList{name("sales"), name("Order Lines")}, columns, rows);
+    return textAtOnce<MSSQLScriptDeleteDataFromTableQueryLoader>(QStringList{q("sales"), q("Order Lines")},
+                                                                 columns, rows);
 }
 
 } // namespace
 
 TEST(DropScript, BracketsTheNamesThatNeedIt)
 {
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropTableQueryLoader>(name("Orders"), name("dbo")),
-              name("DROP TABLE dbo.Orders"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropTableQueryLoader>(name("Order Lines"), name("my sales")),
-              name("DROP TABLE [my sales].[Order Lines]"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropViewQueryLoader>(name("a view"), name("dbo")),
-              name("DROP VIEW dbo.[a view]"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropStoredProcedureQueryLoader>(name("do it"), name("dbo")),
-              name("DROP PROCEDURE dbo.[do it]"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropIndexQueryLoader>(name("IX one"), name("a table"), name("dbo")),
-              name("DROP INDEX dbo.[a table].[IX one]"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropColumnInTableQueryLoader>(name("a column"), name("t"), name("s")),
-              name("ALTER TABLE s.t DROP COLUMN [a column]"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropTableQueryLoader>(q("Orders"), q("dbo")), q("DROP TABLE dbo.Orders"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropTableQueryLoader>(q("Order Lines"), q("my sales")),
+              q("DROP TABLE [my sales].[Order Lines]"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropViewQueryLoader>(q("a view"), q("dbo")), q("DROP VIEW dbo.[a view]"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropStoredProcedureQueryLoader>(q("do it"), q("dbo")),
+              q("DROP PROCEDURE dbo.[do it]"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropIndexQueryLoader>(q("IX one"), q("a table"), q("dbo")),
+              q("DROP INDEX dbo.[a table].[IX one]"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropColumnInTableQueryLoader>(q("a column"), q("t"), q("s")),
+              q("ALTER TABLE s.t DROP COLUMN [a column]"));
 }
 
 TEST(DropScript, NamesFunctionsAndTypesAsTheyAre)
 {
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropFunctionQueryLoader>(name("my function"), name("my schema")),
-              name("DROP FUNCTION my schema.my function"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropTypeQueryLoader>(name("Phone Number"), name("dbo"), 1),
-              name("DROP TYPE dbo.Phone Number\r\nGO"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropFunctionQueryLoader>(q("my function"), q("my schema")),
+              q("DROP FUNCTION my schema.my function"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropTypeQueryLoader>(q("Phone Number"), q("dbo"), 1),
+              q("DROP TYPE dbo.Phone Number\r\nGO"));
 }
 
 TEST(DropScript, LeavesOutASchemaThatIsNotThereForProceduresOnly)
 {
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropStoredProcedureQueryLoader>(name("p"), name("")),
-              name("DROP PROCEDURE p"));
-    EXPECT_EQ(textAtOnce<MSSQLScriptDropViewQueryLoader>(name("v"), name("")), name("DROP VIEW .v"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropStoredProcedureQueryLoader>(q("p"), q("")), q("DROP PROCEDURE p"));
+    EXPECT_EQ(textAtOnce<MSSQLScriptDropViewQueryLoader>(q("v"), q("")), q("DROP VIEW .v"));
 }
 
 TEST(DeleteScript, DeletesOneRowWithEveryStatement)
 {
-    EXPECT_EQ(
-        deletion({name("Id"), name("the name")}, {{KNValue(1), text("O'Brien")}, {KNValue(2), KNValue()}}),
-        name("DELETE TOP (1) FROM sales.[Order Lines] WHERE Id = 1 AND [the name] = 'O''Brien';\r\n"
-             "DELETE TOP (1) FROM sales.[Order Lines] WHERE Id = 2 AND [the name] = NULL;"));
+    EXPECT_EQ(deletion({q("Id"), q("the name")}, {{KNValue(1), text("O'Brien")}, {KNValue(2), KNValue()}}),
+              q("DELETE TOP (1) FROM sales.[Order Lines] WHERE Id = 1 AND [the name] = 'O''Brien';\r\n"
+                "DELETE TOP (1) FROM sales.[Order Lines] WHERE Id = 2 AND [the name] = NULL;"));
 }
 
 TEST(DeleteScript, NamesNothingButTheTableAndItsColumns)
 {
     const auto of = [](const QStringList &path) {
         return textAtOnce<MSSQLScriptDeleteDataFromTableQueryLoader>(
-            path, QStringList{name("a] = 1; DROP TABLE v; --")}, QList<QList<KNValue>>{{KNValue(1)}});
+            path, QStringList{q("a] = 1; DROP TABLE v; --")}, QList<QList<KNValue>>{{KNValue(1)}});
     };
-    const QString condition = name(" WHERE [a]] = 1; DROP TABLE v; --] = 1;");
-    EXPECT_EQ(of({name("dbo"), name("a.b")}), name("DELETE TOP (1) FROM dbo.[a.b]") + condition);
-    EXPECT_EQ(of({name("dbo"), name("a]b")}), name("DELETE TOP (1) FROM dbo.[a]]b]") + condition);
-    EXPECT_EQ(of({name("dbo.Order Lines")}), name("DELETE TOP (1) FROM dbo.[Order Lines]") + condition);
-    EXPECT_EQ(of({name("t; DROP TABLE v")}), name("DELETE TOP (1) FROM [t; DROP TABLE v]") + condition);
+    const QString condition = q(" WHERE [a]] = 1; DROP TABLE v; --] = 1;");
+    EXPECT_EQ(of({q("dbo"), q("a.b")}), q("DELETE TOP (1) FROM dbo.[a.b]") + condition);
+    EXPECT_EQ(of({q("dbo"), q("a]b")}), q("DELETE TOP (1) FROM dbo.[a]]b]") + condition);
+    EXPECT_EQ(of({q("dbo.Order Lines")}), q("DELETE TOP (1) FROM dbo.[Order Lines]") + condition);
+    EXPECT_EQ(of({q("t; DROP TABLE v")}), q("DELETE TOP (1) FROM [t; DROP TABLE v]") + condition);
 }
 
 TEST(DeleteScript, RendersBytesAsHexadecimal)
 {
-    EXPECT_EQ(deletion({name("b")}, {{KNValue(QByteArray("\x00\xff", 2))}}),
-              name("DELETE TOP (1) FROM sales.[Order Lines] WHERE b = 0x00ff;"));
+    EXPECT_EQ(deletion({q("b")}, {{KNValue(QByteArray("\x00\xff", 2))}}),
+              q("DELETE TOP (1) FROM sales.[Order Lines] WHERE b = 0x00ff;"));
 }
 
 TEST(DeleteScript, WithoutRowsIsEmpty)
 {
-    EXPECT_EQ(deletion({name("Id")}, {}), name(""));
+    EXPECT_EQ(deletion({q("Id")}, {}), q(""));
 }
 
 TEST(DeleteScript, WithoutColumnsHasNoCondition)
 {
-    EXPECT_EQ(deletion({}, {{}}), name("DELETE TOP (1) FROM sales.[Order Lines] WHERE ;"));
+    EXPECT_EQ(deletion({}, {{}}), q("DELETE TOP (1) FROM sales.[Order Lines] WHERE ;"));
 }

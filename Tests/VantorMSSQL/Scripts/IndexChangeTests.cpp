@@ -3,6 +3,7 @@
 #include "Foundation/KNUserDefaults.h"
 #include "Scripts/MSSQLCorrectedStatements.h"
 #include "Scripts/MSSQLScriptCreateTableQueryLoader.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLAlterIndexQueryLoader.h"
 #include "VantorMSSQL/Scripts/ScriptTest.h"
 #include "VantorMSSQL/Wire/WireTest.h"
@@ -12,11 +13,6 @@ namespace IndexChangeTests {
 using namespace WireTest;
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// A table with indexes on a server of its own, whose indexes are changed as the editor changes them.
 class IndexChange : public testing::Test

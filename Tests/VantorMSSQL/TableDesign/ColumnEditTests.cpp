@@ -1,5 +1,6 @@
 #include "Implementations/MSSQLObjectPath.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLColumnEdit.h"
 
 #include <gtest/gtest.h>
@@ -8,16 +9,11 @@ namespace ColumnEditTests {
 
 namespace {
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 MSSQLColumnRecord columnOfType(const char *type)
 {
     MSSQLColumnRecord record;
-    record.columnName = text("a");
-    record.typeName = text(type);
+    record.columnName = q("a");
+    record.typeName = q(type);
     return record;
 }
 
@@ -27,12 +23,11 @@ TEST(ColumnEdit, ReplacesTheLengthWithTheType)
 {
     MSSQLColumnRecord before = columnOfType("nvarchar");
     before.maxLength = KNValue(40);
-    ASSERT_EQ(before.displayType(), text("nvarchar(20)"));
-    EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Type, text("money")).after().displayType(),
-              text("money"));
+    ASSERT_EQ(before.displayType(), q("nvarchar(20)"));
+    EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Type, q("money")).after().displayType(), q("money"));
     EXPECT_EQ(MSSQLColumnEdit(before, MSSQLColumnEdit::Nullable, false).after().displayType(),
-              text("nvarchar(20)"));
-    EXPECT_TRUE(MSSQLColumnEdit(before, MSSQLColumnEdit::Default, text("")).after().defaultValue.isNull());
+              q("nvarchar(20)"));
+    EXPECT_TRUE(MSSQLColumnEdit(before, MSSQLColumnEdit::Default, q("")).after().defaultValue.isNull());
 }
 
 TEST(ColumnEdit, LetsOnlyTheNameOfAComputedColumnChange)
@@ -64,20 +59,20 @@ TEST(ColumnEdit, AsksOnlyBeforeATypeThatMayNotHoldAllValues)
     const auto mayLose = [](MSSQLColumnEdit::Cell cell, const QVariant &value) {
         return MSSQLColumnEdit(columnOfType("int"), cell, value).isTypeThatMayLoseValues();
     };
-    EXPECT_TRUE(mayLose(MSSQLColumnEdit::Type, text("smallint")));
-    EXPECT_FALSE(mayLose(MSSQLColumnEdit::Type, text("bigint")));
-    EXPECT_FALSE(mayLose(MSSQLColumnEdit::Field, text("smallint")));
+    EXPECT_TRUE(mayLose(MSSQLColumnEdit::Type, q("smallint")));
+    EXPECT_FALSE(mayLose(MSSQLColumnEdit::Type, q("bigint")));
+    EXPECT_FALSE(mayLose(MSSQLColumnEdit::Field, q("smallint")));
 }
 
 TEST(EnteredPath, IsSplitAtDotsOutsideBracketsAndQuotes)
 {
-    const auto parts = [](const char *path) { return MSSQLObjectPath::entered(text(path)); };
-    EXPECT_EQ(parts("Orders"), QStringList{text("Orders")});
-    EXPECT_EQ(parts("sales.Order Lines"), (QStringList{text("sales"), text("Order Lines")}));
-    EXPECT_EQ(parts("[a.b].[c]]d]"), (QStringList{text("a.b"), text("c]d")}));
-    EXPECT_EQ(parts("\"a.b\".\"c\"\"d\""), (QStringList{text("a.b"), text("c\"d")}));
-    EXPECT_EQ(parts("a]b.it's"), (QStringList{text("a]b"), text("it's")}));
-    EXPECT_EQ(parts("a.b.c"), (QStringList{text("a"), text("b"), text("c")}));
+    const auto parts = [](const char *path) { return MSSQLObjectPath::entered(q(path)); };
+    EXPECT_EQ(parts("Orders"), QStringList{q("Orders")});
+    EXPECT_EQ(parts("sales.Order Lines"), (QStringList{q("sales"), q("Order Lines")}));
+    EXPECT_EQ(parts("[a.b].[c]]d]"), (QStringList{q("a.b"), q("c]d")}));
+    EXPECT_EQ(parts("\"a.b\".\"c\"\"d\""), (QStringList{q("a.b"), q("c\"d")}));
+    EXPECT_EQ(parts("a]b.it's"), (QStringList{q("a]b"), q("it's")}));
+    EXPECT_EQ(parts("a.b.c"), (QStringList{q("a"), q("b"), q("c")}));
     for (const char *path : {"", ".", "a.", ".a", "a..b", "[a", "[]", "[a]]", "\"a", "[a]b", "\"a\"b"})
         EXPECT_FALSE(parts(path)) << path;
 }

@@ -1,5 +1,6 @@
 #include "Foundation/KNFormat.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLColumnScript.h"
 
 #include <gtest/gtest.h>
@@ -7,11 +8,6 @@
 namespace ColumnScriptTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 MSSQLColumnScript script(const char *schema = "sales", const char *table = "Orders",
                          const char *defaultSchema = "dbo")

@@ -1,4 +1,5 @@
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLIndexScript.h"
 #include "VantorMSSQL/Scripts/ScriptTest.h"
 
@@ -7,11 +8,6 @@
 namespace IndexScriptTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 MSSQLIndexEntry index(const char *name, std::initializer_list<const char *> columns, bool isUnique = false,
                       bool isNonClustered = true)

@@ -1,4 +1,5 @@
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "TableDesign/MSSQLForeignKeyScript.h"
 #include "TableDesign/MSSQLPrimaryKeyScript.h"
@@ -10,11 +11,6 @@
 namespace KeyAndDefaultScriptTests {
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 MSSQLColumnRecord column(const char *name, bool isPrimaryKey = false, bool isNullable = false)
 {

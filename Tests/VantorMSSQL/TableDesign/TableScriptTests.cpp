@@ -1,4 +1,5 @@
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLForeignKeyScript.h"
 #include "TableDesign/MSSQLTableScript.h"
 #include "TableDesign/MSSQLTriggerScript.h"
@@ -10,11 +11,6 @@ namespace TableScriptTests {
 using MSSQLTableScript::Dialog;
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 const QString Misread = q("SQL Server would not read the names in this statement as the ones shown.");
 

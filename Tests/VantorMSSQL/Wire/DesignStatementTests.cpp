@@ -2,6 +2,7 @@
 #include "Catalog/MSSQLTriggerEntry.h"
 #include "Database/VantorDatabaseConnectionPool.h"
 #include "Foundation/KNFormat.h"
+#include "Support/TestText.h"
 #include "TableDesign/MSSQLColumnDefaultScript.h"
 #include "VantorMSSQL/TableDesign/DesignStatements.h"
 #include "VantorMSSQL/Wire/WireTest.h"
@@ -12,11 +13,6 @@ using namespace DesignStatements;
 using namespace WireTest;
 
 namespace {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 const char *const Names[] = {"Orders", "a]; DROP TABLE dbo.victim; --", "it's", "a.b.c",
                              "x\r\nGO\r\nDROP TABLE dbo.victim\r\nGO\r\n-- \"Größe\""};

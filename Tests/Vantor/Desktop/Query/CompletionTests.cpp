@@ -1,6 +1,7 @@
 #include "Autocomplete/KNAutocompleteHelper.h"
 #include "Autocomplete/KNCompletionCatalog.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/Completion/KNCompletionPopup.h"
 #include "UI/Completion/KNEditorCompletion.h"
@@ -54,11 +55,6 @@ protected:
 
     QueryTab tab{*DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"))};
 };
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 } // namespace
 

@@ -6,6 +6,7 @@
 #include "Support/HostileServerRelay.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/Completion/KNCompletionPopup.h"
 #include "UI/Completion/KNEditorCompletion.h"
@@ -22,11 +23,6 @@
 namespace NameLoadTests {
 
 using WindowTesting::waitFor;
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// Holds the queries for names back on their way to the server.
 class Gate

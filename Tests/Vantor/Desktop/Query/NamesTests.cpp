@@ -5,6 +5,7 @@
 #include "Desktop/Main/MainWindowActions.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "Vantor/Desktop/DesktopTesting.h"
@@ -18,11 +19,6 @@
 namespace NamesTests {
 
 using WindowTesting::waitFor;
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// A window on the sample server with a query in which names are looked up with real keys and clicks.
 class EditorNames : public testing::Test

@@ -19,7 +19,7 @@ protected:
     void add(const char *name)
     {
         press(Qt::Key_Insert, Qt::ControlModifier);
-        type(grid().model()->rowCount() - 1, 1, u(name));
+        type(grid().model()->rowCount() - 1, 1, q(name));
     }
     KNValue storedValue(int row, int column) const { return grid().resultModel().storedValue(row, column); }
 };
@@ -36,12 +36,12 @@ TEST_F(NewRow, ShowsItsIdentityAndDefaults)
     applyAll();
     EXPECT_TRUE(alerts.messages.empty());
     ASSERT_EQ(grid().model()->rowCount(), 2);
-    EXPECT_EQ(shown(0, 0), u("10"));
-    EXPECT_EQ(shown(0, 1), u("first"));
-    EXPECT_EQ(shown(0, 2), u("fresh"));
-    EXPECT_EQ(shown(0, 3), u("20"));
-    EXPECT_EQ(shown(1, 0), u("15"));
-    EXPECT_EQ(shown(1, 1), u("second"));
+    EXPECT_EQ(shown(0, 0), q("10"));
+    EXPECT_EQ(shown(0, 1), q("first"));
+    EXPECT_EQ(shown(0, 2), q("fresh"));
+    EXPECT_EQ(shown(0, 3), q("20"));
+    EXPECT_EQ(shown(1, 0), q("15"));
+    EXPECT_EQ(shown(1, 1), q("second"));
 }
 
 TEST_F(NewRow, ShowsItsOwnIdentityAndNotThatOfATrigger)
@@ -53,9 +53,9 @@ TEST_F(NewRow, ShowsItsOwnIdentityAndNotThatOfATrigger)
     open("SELECT id, name FROM dbo.NewRows");
     add("logged");
     applyAll();
-    EXPECT_EQ(shown(0, 0), u("1"));
-    EXPECT_EQ(shown(0, 1), u("logged"));
-    EXPECT_EQ(stored("SELECT what FROM dbo.OtherRows"), u("logged"));
+    EXPECT_EQ(shown(0, 0), q("1"));
+    EXPECT_EQ(shown(0, 1), q("logged"));
+    EXPECT_EQ(stored("SELECT what FROM dbo.OtherRows"), q("logged"));
 }
 
 TEST_F(NewRow, ShowsAKeyThatIsADefault)
@@ -68,7 +68,7 @@ TEST_F(NewRow, ShowsAKeyThatIsADefault)
     EXPECT_TRUE(alerts.messages.empty());
     EXPECT_EQ(shown(0, 0), stored("SELECT id FROM dbo.NewRows"));
     EXPECT_EQ(shown(0, 0).size(), 36);
-    EXPECT_EQ(shown(0, 1), u("anything"));
+    EXPECT_EQ(shown(0, 1), q("anything"));
 }
 
 TEST_F(NewRow, SaysThatAKeyCannotBeKnown)
@@ -79,8 +79,8 @@ TEST_F(NewRow, SaysThatAKeyCannotBeKnown)
     add("anything");
     applyAll();
     ASSERT_EQ(alerts.messages.size(), 1U);
-    EXPECT_EQ(shown(0, 1), u("anything"));
-    EXPECT_EQ(stored("SELECT id FROM dbo.NewRows"), u("1.25"));
+    EXPECT_EQ(shown(0, 1), q("anything"));
+    EXPECT_EQ(stored("SELECT id FROM dbo.NewRows"), q("1.25"));
 }
 
 TEST_F(NewRow, KeepsEveryBitOfAFloat)

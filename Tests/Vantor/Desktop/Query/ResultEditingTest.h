@@ -7,6 +7,7 @@
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
 #include "Support/RecordingSheets.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/KNPreferences.h"
 #include "UI/ResultEditing/KNResultEditActions.h"
@@ -24,8 +25,6 @@
 class ResultEditingTest : public testing::Test
 {
 protected:
-    static QString u(const char *utf8) { return QString::fromUtf8(utf8); }
-
     ResultEditingTest()
     {
         execute("CREATE TABLE dbo.GridRows (id int NOT NULL PRIMARY KEY, name nvarchar(40) NULL, amount "
@@ -48,7 +47,7 @@ protected:
     /// Runs a query in the tab.
     void run(const char *text)
     {
-        tab->setText(u(text));
+        tab->setText(q(text));
         tab->run();
         ASSERT_TRUE(
             WindowTesting::waitFor([&] { return !tab->isRunning() && tab->messages()->isComplete(); }));
@@ -140,7 +139,7 @@ protected:
     {
         KNError error;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
-            [&](VantorDatabaseClient &client, KNError *failure) { client.executeNonQuery(u(sql), failure); },
+            [&](VantorDatabaseClient &client, KNError *failure) { client.executeNonQuery(q(sql), failure); },
             *details, &error);
         EXPECT_FALSE(error) << sql << ": " << error.localizedDescription().toStdString();
     }
@@ -151,10 +150,10 @@ protected:
         QString text;
         VantorDatabaseConnectionPool::sharedInstance()->executeQuery(
             [&](VantorDatabaseClient &client, KNError *failure) {
-                const auto rows = client.executeQuery(u(sql), failure);
+                const auto rows = client.executeQuery(q(sql), failure);
                 if (rows && rows->next())
                     text = rows->objectForColumnIndex(0).isNull()
-                               ? u("NULL")
+                               ? q("NULL")
                                : rows->objectForColumnIndex(0).displayText();
             },
             *details, &error);

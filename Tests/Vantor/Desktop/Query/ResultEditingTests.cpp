@@ -30,7 +30,7 @@ TEST_F(ResultEditing, SaysWhyAResultIsReadOnly)
     };
     for (const auto &one : cases) {
         run(one.query);
-        const QString expected = u("Read-only: ") + u(one.reason);
+        const QString expected = q("Read-only: ") + q(one.reason);
         EXPECT_TRUE(waitFor([&] { return section().editState() == expected; }))
             << one.query << ": " << section().editState().toStdString();
         select(0, 0);
@@ -42,41 +42,41 @@ TEST_F(ResultEditing, SaysWhyAResultIsReadOnly)
 TEST_F(ResultEditing, ChangesAValueAndReadsItBack)
 {
     open();
-    EXPECT_EQ(section().editState(), u("Editable"));
+    EXPECT_EQ(section().editState(), q("Editable"));
     EXPECT_FALSE(bar().isVisible());
-    type(0, 1, u("Eins €"));
-    EXPECT_EQ(shown(0, 1), u("Eins €"));
+    type(0, 1, q("Eins €"));
+    EXPECT_EQ(shown(0, 1), q("Eins €"));
     EXPECT_TRUE(bar().isVisible());
-    EXPECT_EQ(bar().applyButton()->text(), u("&Apply 1 Change"));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one"));
+    EXPECT_EQ(bar().applyButton()->text(), q("&Apply 1 Change"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one"));
     RecordingQueryPreview *const sheet = preview();
     ASSERT_TRUE(sheet);
-    EXPECT_EQ(sheet->titles().title, u("Apply 1 change to dbo.GridRows?"));
+    EXPECT_EQ(sheet->titles().title, q("Apply 1 change to dbo.GridRows?"));
     EXPECT_EQ(
         sheet->statements,
-        u("SET QUOTED_IDENTIFIER OFF\r\nUPDATE\r\n\tdbo.GridRows\r\nSET\r\n\tname = N'Eins €'\r\nWHERE\r\n\t"
+        q("SET QUOTED_IDENTIFIER OFF\r\nUPDATE\r\n\tdbo.GridRows\r\nSET\r\n\tname = N'Eins €'\r\nWHERE\r\n\t"
           "id = 1 AND name = 'one'\r\n"));
     EXPECT_FALSE(editing()->isEditable());
     sheet->cancel();
     EXPECT_TRUE(editing()->isEditable());
     EXPECT_TRUE(WindowTesting::settle());
     applyAll();
-    EXPECT_EQ(shown(0, 1), u("Eins €"));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("Eins €"));
+    EXPECT_EQ(shown(0, 1), q("Eins €"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("Eins €"));
     EXPECT_FALSE(bar().isVisible());
 }
 
 TEST_F(ResultEditing, NamesTheTableAsTheQueryDoesAndKeepsTheSessionsOptions)
 {
     open("SELECT * FROM GridRows ORDER BY id");
-    type(1, 2, u("2.25"));
-    EXPECT_TRUE(preview()->statements.contains(u("UPDATE\r\n\tGridRows\r\n")));
+    type(1, 2, q("2.25"));
+    EXPECT_TRUE(preview()->statements.contains(q("UPDATE\r\n\tGridRows\r\n")));
     previews.last->cancel();
     EXPECT_TRUE(WindowTesting::settle());
     applyAll();
-    EXPECT_EQ(stored("SELECT amount FROM dbo.GridRows WHERE id = 2"), u("2.25"));
+    EXPECT_EQ(stored("SELECT amount FROM dbo.GridRows WHERE id = 2"), q("2.25"));
     run("SELECT @@OPTIONS & 256");
-    EXPECT_EQ(shown(0, 0), u("256"));
+    EXPECT_EQ(shown(0, 0), q("256"));
 }
 
 TEST_F(ResultEditing, TouchesOnlyTheTableOfTheQuerysSchema)
@@ -85,15 +85,15 @@ TEST_F(ResultEditing, TouchesOnlyTheTableOfTheQuerysSchema)
     execute("CREATE TABLE gridtest.GridRows (id int NOT NULL PRIMARY KEY, name nvarchar(40) NULL)");
     execute("INSERT INTO gridtest.GridRows VALUES (1, N'one'), (2, N'two')");
     open("SELECT id, name FROM gridtest.GridRows ORDER BY id");
-    type(0, 1, u("changed"));
+    type(0, 1, q("changed"));
     select(1, 0);
     alerts.answer = 1;
     press(Qt::Key_Delete, Qt::ControlModifier);
     applyAll();
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM gridtest.GridRows WHERE name = N'changed'"), u("1"));
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM gridtest.GridRows"), u("1"));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one"));
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows"), u("3"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM gridtest.GridRows WHERE name = N'changed'"), q("1"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM gridtest.GridRows"), q("1"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows"), q("3"));
     execute("DROP TABLE gridtest.GridRows");
     execute("DROP SCHEMA gridtest");
 }
@@ -105,7 +105,7 @@ TEST_F(ResultEditing, BeginsWithALetterOrADoubleClick)
     press(Qt::Key_X);
     auto *editor = qobject_cast<QLineEdit *>(QApplication::focusWidget());
     ASSERT_TRUE(editor);
-    EXPECT_EQ(editor->text(), u("x"));
+    EXPECT_EQ(editor->text(), q("x"));
     QTest::keyClick(editor, Qt::Key_Escape);
     EXPECT_TRUE(editing()->edits().isEmpty());
     const QRect cell = grid().visualRect(grid().model()->index(1, 1));
@@ -113,22 +113,22 @@ TEST_F(ResultEditing, BeginsWithALetterOrADoubleClick)
     QTest::mouseDClick(grid().viewport(), Qt::LeftButton, {}, cell.center());
     editor = qobject_cast<QLineEdit *>(QApplication::focusWidget());
     ASSERT_TRUE(editor);
-    EXPECT_EQ(editor->text(), u("two"));
+    EXPECT_EQ(editor->text(), q("two"));
     press(Qt::Key_Escape);
 }
 
 TEST_F(ResultEditing, RejectsWhatIsNoValue)
 {
     open();
-    type(0, 2, u("abc"));
+    type(0, 2, q("abc"));
     EXPECT_TRUE(editing()->edits().isEmpty());
-    EXPECT_TRUE(bar().text().startsWith(u("amount: Enter a number")));
+    EXPECT_TRUE(bar().text().startsWith(q("amount: Enter a number")));
     select(0, 4);
     press(Qt::Key_F2);
     EXPECT_FALSE(hasEditor()) << "a computed column";
     select(0, 3);
     press(Qt::Key_0, Qt::ControlModifier);
-    EXPECT_EQ(bar().text(), u("done does not take NULL."));
+    EXPECT_EQ(bar().text(), q("done does not take NULL."));
     EXPECT_TRUE(editing()->edits().isEmpty());
 }
 
@@ -137,14 +137,14 @@ TEST_F(ResultEditing, SetsToNullAndTakesItBack)
     open();
     select(0, 1);
     press(Qt::Key_0, Qt::ControlModifier);
-    EXPECT_EQ(shown(0, 1), u("NULL"));
-    type(0, 2, u("9"));
+    EXPECT_EQ(shown(0, 1), q("NULL"));
+    type(0, 2, q("9"));
     EXPECT_EQ(editing()->edits().changeCount(), 1);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(shown(0, 2), u("1.50"));
-    EXPECT_EQ(shown(0, 1), u("NULL"));
+    EXPECT_EQ(shown(0, 2), q("1.50"));
+    EXPECT_EQ(shown(0, 1), q("NULL"));
     applyAll();
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("NULL"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("NULL"));
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(editing()->edits().isEmpty());
 }
@@ -155,68 +155,68 @@ TEST_F(ResultEditing, AddsAndDeletesRows)
     press(Qt::Key_Insert, Qt::ControlModifier);
     ASSERT_EQ(grid().model()->rowCount(), 4);
     EXPECT_EQ(grid().currentIndex(), grid().model()->index(3, 0));
-    type(3, 0, u("4"));
-    type(3, 1, u("four"));
+    type(3, 0, q("4"));
+    type(3, 1, q("four"));
     select(0, 0);
     grid().selectRows(0, 1, QItemSelectionModel::ClearAndSelect);
     press(Qt::Key_Delete, Qt::ControlModifier);
     ASSERT_EQ(alerts.questions.size(), 1U);
-    EXPECT_EQ(alerts.questions[0].title, u("Delete 2 rows?"));
+    EXPECT_EQ(alerts.questions[0].title, q("Delete 2 rows?"));
     alerts.pending.front()(1);
-    EXPECT_EQ(bar().applyButton()->text(), u("&Apply 3 Changes"));
+    EXPECT_EQ(bar().applyButton()->text(), q("&Apply 3 Changes"));
     EXPECT_EQ(grid().model()->rowCount(), 4);
     applyAll();
     ASSERT_EQ(grid().model()->rowCount(), 2);
-    EXPECT_EQ(shown(0, 0), u("3"));
-    EXPECT_EQ(shown(1, 0), u("4"));
-    EXPECT_EQ(shown(1, 3), u("0")) << "the server's default";
-    EXPECT_EQ(shown(1, 4), u("8")) << "the server's computed value";
-    EXPECT_EQ(stored("SELECT SUM(id) FROM dbo.GridRows"), u("7"));
+    EXPECT_EQ(shown(0, 0), q("3"));
+    EXPECT_EQ(shown(1, 0), q("4"));
+    EXPECT_EQ(shown(1, 3), q("0")) << "the server's default";
+    EXPECT_EQ(shown(1, 4), q("8")) << "the server's computed value";
+    EXPECT_EQ(stored("SELECT SUM(id) FROM dbo.GridRows"), q("7"));
 }
 
 TEST_F(ResultEditing, PastesIntoCellsAndNewRows)
 {
     open();
     select(2, 0);
-    QApplication::clipboard()->setText(u("3\tthree\t3.5\n5\t\"a\tb\nc\"\t\n"));
+    QApplication::clipboard()->setText(q("3\tthree\t3.5\n5\t\"a\tb\nc\"\t\n"));
     press(Qt::Key_V, Qt::ControlModifier);
     ASSERT_EQ(grid().model()->rowCount(), 4);
-    EXPECT_EQ(shown(2, 1), u("three"));
-    EXPECT_EQ(shown(3, 2), u("NULL"));
+    EXPECT_EQ(shown(2, 1), q("three"));
+    EXPECT_EQ(shown(3, 2), q("NULL"));
     applyAll();
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 5"), u("a\tb\nc"));
-    EXPECT_EQ(stored("SELECT amount FROM dbo.GridRows WHERE id = 3"), u("3.50"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 5"), q("a\tb\nc"));
+    EXPECT_EQ(stored("SELECT amount FROM dbo.GridRows WHERE id = 3"), q("3.50"));
 
     select(0, 2);
-    QApplication::clipboard()->setText(u("7\nseven"));
+    QApplication::clipboard()->setText(q("7\nseven"));
     press(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(editing()->edits().isEmpty()) << "all or nothing";
     select(0, 4);
-    QApplication::clipboard()->setText(u("7"));
+    QApplication::clipboard()->setText(q("7"));
     press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(bar().text(), u("twice cannot be written, so nothing was pasted."));
+    EXPECT_EQ(bar().text(), q("twice cannot be written, so nothing was pasted."));
 }
 
 TEST_F(ResultEditing, DiscardsAfterAQuestion)
 {
     open();
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     bar().discardButton()->click();
     ASSERT_EQ(alerts.questions.size(), 1U);
     EXPECT_FALSE(editing()->edits().isEmpty());
     alerts.pending.front()(1);
     EXPECT_TRUE(editing()->edits().isEmpty());
-    EXPECT_EQ(shown(0, 1), u("one"));
+    EXPECT_EQ(shown(0, 1), q("one"));
 }
 
 TEST_F(ResultEditing, AsksBeforeEditsAreLost)
 {
     open();
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     bool isClosed = false;
     tab->prepareToClose([&] { isClosed = true; });
     ASSERT_EQ(alerts.questions.size(), 1U);
-    EXPECT_TRUE(alerts.questions[0].title.endsWith(u("has 1 edited row that is not applied.")));
+    EXPECT_TRUE(alerts.questions[0].title.endsWith(q("has 1 edited row that is not applied.")));
     EXPECT_FALSE(isClosed);
     alerts.pending.back()(0);
     EXPECT_FALSE(isClosed);
@@ -231,29 +231,29 @@ TEST_F(ResultEditing, AsksBeforeEditsAreLost)
 TEST_F(ResultEditing, FailsForARowThatSomebodyElseChanged)
 {
     open();
-    type(0, 1, u("mine"));
-    EXPECT_EQ(shown(0, 1), u("mine"));
-    type(1, 1, u("mine, too"));
-    EXPECT_EQ(shown(1, 1), u("mine, too"));
-    EXPECT_EQ(shown(0, 1), u("mine"));
+    type(0, 1, q("mine"));
+    EXPECT_EQ(shown(0, 1), q("mine"));
+    type(1, 1, q("mine, too"));
+    EXPECT_EQ(shown(1, 1), q("mine, too"));
+    EXPECT_EQ(shown(0, 1), q("mine"));
     execute("UPDATE dbo.GridRows SET name = N'theirs' WHERE id = 2");
     EXPECT_EQ(failure(),
-              u("id 2: the row was changed or deleted by somebody else. Run the query again to see its "
+              q("id 2: the row was changed or deleted by somebody else. Run the query again to see its "
                 "values."));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one")) << "half done";
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 2"), u("theirs"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one")) << "half done";
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 2"), q("theirs"));
     execute("DELETE dbo.GridRows WHERE id = 2");
-    EXPECT_TRUE(failure().startsWith(u("id 2: the row was changed or deleted")));
-    EXPECT_EQ(shown(1, 1), u("mine, too"));
+    EXPECT_TRUE(failure().startsWith(q("id 2: the row was changed or deleted")));
+    EXPECT_EQ(shown(1, 1), q("mine, too"));
 }
 
 TEST_F(ResultEditing, RollsBackWhenTheServerRefusesALaterRow)
 {
     open();
-    type(0, 1, u("mine"));
-    type(2, 0, u("1"));
+    type(0, 1, q("mine"));
+    type(2, 0, q("1"));
     EXPECT_FALSE(failure().isEmpty());
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one"));
     EXPECT_FALSE(tab->status().hasOpenTransaction);
 }
 
@@ -262,48 +262,48 @@ TEST_F(ResultEditing, IsPartOfAnOpenTransaction)
     run("BEGIN TRAN UPDATE dbo.GridRows SET amount = 100 WHERE id = 1");
     open("SELECT * FROM dbo.GridRows ORDER BY id");
     ASSERT_TRUE(tab->status().hasOpenTransaction);
-    type(2, 0, u("1"));
+    type(2, 0, q("1"));
     EXPECT_FALSE(failure().isEmpty());
     EXPECT_TRUE(tab->status().hasOpenTransaction);
     press(Qt::Key_Z, Qt::ControlModifier);
-    type(2, 1, u("three"));
+    type(2, 1, q("three"));
     applyAll();
     EXPECT_TRUE(tab->status().hasOpenTransaction);
     run("SELECT amount, name FROM dbo.GridRows WHERE id IN (1, 3) ORDER BY id");
-    EXPECT_EQ(shown(0, 0), u("100.00")) << "the savepoint was too early";
-    EXPECT_EQ(shown(1, 1), u("three"));
+    EXPECT_EQ(shown(0, 0), q("100.00")) << "the savepoint was too early";
+    EXPECT_EQ(shown(1, 1), q("three"));
     run("ROLLBACK");
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows WHERE name = N'three' OR amount = 100"), u("0"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows WHERE name = N'three' OR amount = 100"), q("0"));
 }
 
 TEST_F(ResultEditing, IsRefusedInAnotherDatabaseAndLeavesTheTransactionAlone)
 {
     run("BEGIN TRAN UPDATE dbo.GridRows SET amount = 100 WHERE id = 3");
     open();
-    type(0, 1, u("x"));
-    tab->changeDatabase(u("library"));
-    ASSERT_TRUE(waitFor([&] { return tab->status().database == u("library"); }));
-    EXPECT_TRUE(failure().startsWith(u("The rows were read from the database \"shop\"")));
+    type(0, 1, q("x"));
+    tab->changeDatabase(q("library"));
+    ASSERT_TRUE(waitFor([&] { return tab->status().database == q("library"); }));
+    EXPECT_TRUE(failure().startsWith(q("The rows were read from the database \"shop\"")));
     EXPECT_TRUE(tab->status().hasOpenTransaction);
     editing()->discard();
     run("SELECT @@TRANCOUNT, name, (SELECT amount FROM shop.dbo.GridRows WHERE id = 3) FROM "
         "shop.dbo.GridRows WHERE "
         "id = 1");
-    EXPECT_EQ(shown(0, 0), u("1"));
-    EXPECT_EQ(shown(0, 1), u("one"));
-    EXPECT_EQ(shown(0, 2), u("100.00"));
+    EXPECT_EQ(shown(0, 0), q("1"));
+    EXPECT_EQ(shown(0, 1), q("one"));
+    EXPECT_EQ(shown(0, 2), q("100.00"));
     run("ROLLBACK");
 }
 
 TEST_F(ResultEditing, IsCancelledWhileALockIsAwaited)
 {
     QueryTab other(*details);
-    other.setText(u("BEGIN TRAN UPDATE dbo.GridRows SET amount = 7 WHERE id = 2"));
+    other.setText(q("BEGIN TRAN UPDATE dbo.GridRows SET amount = 7 WHERE id = 2"));
     open();
     other.run();
     ASSERT_TRUE(waitFor([&] { return !other.isRunning() && other.status().hasOpenTransaction; }));
-    type(0, 1, u("mine"));
-    type(1, 1, u("waits"));
+    type(0, 1, q("mine"));
+    type(1, 1, q("waits"));
     RecordingQueryPreview *const sheet = preview();
     ASSERT_TRUE(sheet);
     sheet->accept(sheet->statements);
@@ -321,17 +321,17 @@ TEST_F(ResultEditing, IsCancelledWhileALockIsAwaited)
     EXPECT_EQ(editing()->edits().changeCount(), 2);
     other.perform(KNDocumentAction::Rollback);
     ASSERT_TRUE(waitFor([&] { return !other.status().hasOpenTransaction; }));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one"));
 }
 
 TEST_F(ResultEditing, KeepsTheEditsWhenTheConnectionIsLost)
 {
     SampleServerFixture server;
-    tab = std::make_unique<QueryTab>(*DesktopTesting::settingsFor(server, u("shop")));
+    tab = std::make_unique<QueryTab>(*DesktopTesting::settingsFor(server, q("shop")));
     tab->show();
     tab->activateWindow();
     open("SELECT * FROM dbo.OrderLines ORDER BY OrderId, LineNumber");
-    type(0, 3, u("77"));
+    type(0, 3, q("77"));
     RecordingQueryPreview *const sheet = preview();
     ASSERT_TRUE(sheet);
     server.kill();
@@ -343,7 +343,7 @@ TEST_F(ResultEditing, KeepsTheEditsWhenTheConnectionIsLost)
     EXPECT_TRUE(WindowTesting::settle());
     EXPECT_EQ(editing()->edits().changeCount(), 1);
     EXPECT_TRUE(editing()->isEditable());
-    EXPECT_EQ(shown(0, 3), u("77"));
+    EXPECT_EQ(shown(0, 3), q("77"));
 }
 
 TEST_F(ResultEditing, RunsWithoutAPreviewIfThePreferencesSaySo)
@@ -353,18 +353,18 @@ TEST_F(ResultEditing, RunsWithoutAPreviewIfThePreferencesSaySo)
     preferences.save();
     RecordingProgressSheets sheets;
     open();
-    type(0, 1, u("quick"));
+    type(0, 1, q("quick"));
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(previews.last);
     ASSERT_TRUE(waitFor([&] { return editing()->edits().isEmpty(); }));
     ASSERT_EQ(sheets.all.size(), 1U);
-    EXPECT_EQ(sheets.all[0]->labels, QStringList{u("Applying 1 change…")});
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("quick"));
+    EXPECT_EQ(sheets.all[0]->labels, QStringList{q("Applying 1 change…")});
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("quick"));
     execute("UPDATE dbo.GridRows SET name = N'theirs' WHERE id = 2");
-    type(1, 1, u("x"));
+    type(1, 1, q("x"));
     press(Qt::Key_Return, Qt::ControlModifier);
     ASSERT_TRUE(waitFor([&] { return !alerts.errors.empty() && editing()->isEditable(); }));
-    EXPECT_TRUE(alerts.errors[0].localizedDescription().startsWith(u("id 2: ")));
+    EXPECT_TRUE(alerts.errors[0].localizedDescription().startsWith(q("id 2: ")));
     EXPECT_FALSE(editing()->edits().isEmpty());
 }
 
@@ -376,9 +376,9 @@ TEST_F(ResultEditing, OffersTheFormOfARow)
     KNEditRowWindowController *form = nullptr;
     ASSERT_TRUE(waitFor([&] { return (form = tab->findChild<KNEditRowWindowController *>()) != nullptr; }));
     ASSERT_TRUE(waitFor([&] { return form->model()->rowCount() == 5; }));
-    EXPECT_EQ(form->windowTitle(), u("Edit Row of dbo.GridRows"));
-    EXPECT_EQ(form->model()->index(1, KNEditRowModel::Value).data().toString(), u("two"));
-    EXPECT_EQ(form->model()->index(3, KNEditRowModel::Value).data().toString(), u("0"));
+    EXPECT_EQ(form->windowTitle(), q("Edit Row of dbo.GridRows"));
+    EXPECT_EQ(form->model()->index(1, KNEditRowModel::Value).data().toString(), q("two"));
+    EXPECT_EQ(form->model()->index(3, KNEditRowModel::Value).data().toString(), q("0"));
     form->reject();
     EXPECT_TRUE(WindowTesting::settle());
 }
@@ -387,13 +387,13 @@ TEST_F(ResultEditing, ShowsEditsInASortedResult)
 {
     open();
     section().sort(0, Qt::DescendingOrder);
-    ASSERT_TRUE(waitFor([&] { return shown(0, 0) == u("3"); }));
-    type(0, 1, u("three"));
+    ASSERT_TRUE(waitFor([&] { return shown(0, 0) == q("3"); }));
+    type(0, 1, q("three"));
     section().sort(0, Qt::AscendingOrder);
-    ASSERT_TRUE(waitFor([&] { return shown(0, 0) == u("1"); }));
-    EXPECT_EQ(shown(2, 1), u("three"));
+    ASSERT_TRUE(waitFor([&] { return shown(0, 0) == q("1"); }));
+    EXPECT_EQ(shown(2, 1), q("three"));
     applyAll();
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 3"), u("three"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 3"), q("three"));
 }
 
 TEST_F(ResultEditing, LeavesNewRowsOutOfCopies)
@@ -411,32 +411,32 @@ TEST_F(ResultEditing, OffersTheCorrectedStatementForANameThatTheExactOneCannotHo
     execute("CREATE TABLE dbo.[grid.rows] (id int NOT NULL PRIMARY KEY, name nvarchar(40) NULL)");
     execute("INSERT INTO dbo.[grid.rows] VALUES (1, N'one')");
     open("SELECT * FROM dbo.[grid.rows]");
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     RecordingQueryPreview *const sheet = preview();
     ASSERT_TRUE(sheet);
     EXPECT_TRUE(sheet->report.pair.differs());
     EXPECT_EQ(sheet->statements, sheet->report.pair.exact);
     sheet->accept(sheet->report.pair.corrected);
     ASSERT_TRUE(waitFor([&] { return editing()->isEditable(); }));
-    EXPECT_EQ(stored("SELECT name FROM dbo.[grid.rows]"), u("x"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.[grid.rows]"), q("x"));
     EXPECT_TRUE(WindowTesting::settle());
     execute("DROP TABLE dbo.[grid.rows]");
     run("SELECT * FROM dbo.[Order Details, \"quoted\"]");
     EXPECT_TRUE(waitFor([&] {
-        return section().editState() == u("Read-only: tables with such a name cannot be edited here");
+        return section().editState() == q("Read-only: tables with such a name cannot be edited here");
     })) << section().editState().toStdString();
 }
 
 TEST_F(ResultEditing, UsesCorrectedStatementsIfTheyArePreferred)
 {
-    const QString key = u("MSSQLUseCorrectedStatements");
+    const QString key = q("MSSQLUseCorrectedStatements");
     KNUserDefaults::standardUserDefaults()->setObject(key, true);
     open("SELECT * FROM GridRows ORDER BY id");
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     RecordingQueryPreview *const sheet = preview();
     ASSERT_TRUE(sheet);
     EXPECT_EQ(sheet->statements,
-              u("UPDATE\r\n\tdbo.GridRows\r\nSET\r\n\tname = 'x'\r\nWHERE\r\n\tid = 1 AND name "
+              q("UPDATE\r\n\tdbo.GridRows\r\nSET\r\n\tname = 'x'\r\nWHERE\r\n\tid = 1 AND name "
                 "= 'one'\r\n"));
     sheet->cancel();
     KNUserDefaults::standardUserDefaults()->setObject(key, false);
@@ -446,9 +446,9 @@ TEST_F(ResultEditing, FailsWhereTheServerDoesNotCount)
 {
     run("SET NOCOUNT ON");
     open();
-    type(0, 1, u("x"));
-    EXPECT_TRUE(failure().startsWith(u("id 1: the server did not report how many rows were changed.")));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one"));
+    type(0, 1, q("x"));
+    EXPECT_TRUE(failure().startsWith(q("id 1: the server did not report how many rows were changed.")));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one"));
 }
 
 TEST_F(ResultEditing, HasItsKeysBeforeThoseOfTheWindow)
@@ -461,11 +461,11 @@ TEST_F(ResultEditing, HasItsKeysBeforeThoseOfTheWindow)
     open();
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(count, 1) << "nothing is to be applied";
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(count, 1);
     EXPECT_TRUE(editing()->edits().isEmpty());
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     ASSERT_TRUE(preview());
     EXPECT_EQ(count, 1);
     previews.last->cancel();
@@ -477,7 +477,7 @@ TEST_F(ResultEditing, TakesBytesFromAFile)
     execute("INSERT INTO dbo.GridBytes (id) VALUES (1)");
     const QTemporaryDir folder;
     RecordingFilePanels &panels = RecordingFilePanels::install();
-    panels.answer = {folder.filePath(u("value.bin"))};
+    panels.answer = {folder.filePath(q("value.bin"))};
     open("SELECT * FROM dbo.GridBytes");
     section().editActions()->loadValue();
     ASSERT_TRUE(waitFor([&] { return !alerts.messages.empty(); })) << "there is no such file";
@@ -489,7 +489,7 @@ TEST_F(ResultEditing, TakesBytesFromAFile)
     section().editActions()->loadValue();
     ASSERT_TRUE(waitFor([&] { return !editing()->edits().isEmpty(); }));
     applyAll();
-    EXPECT_EQ(stored("SELECT raw FROM dbo.GridBytes"), u("0x00FF0A"));
+    EXPECT_EQ(stored("SELECT raw FROM dbo.GridBytes"), q("0x00FF0A"));
     execute("DROP TABLE dbo.GridBytes");
 }
 
@@ -500,8 +500,8 @@ TEST_F(ResultEditing, CountsTheRowsOfTheStatementAndNotThoseOfATrigger)
             "SELECT id "
             "FROM dbo.GridRows");
     open();
-    type(0, 1, u("x"));
+    type(0, 1, q("x"));
     applyAll();
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridLog"), u("3"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridLog"), q("3"));
     execute("DROP TABLE dbo.GridLog");
 }

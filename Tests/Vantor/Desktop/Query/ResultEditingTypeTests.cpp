@@ -56,14 +56,14 @@ TEST_P(ResultEditingOfATypedColumn, StoresTheTypedValueAndNullAndTheValueAgain)
                 .toUtf8()
                 .constData());
     execute("INSERT INTO dbo.TypedRow (id) VALUES (1)");
-    const QString expected = u(column.stored ? column.stored : column.typed);
+    const QString expected = q(column.stored ? column.stored : column.typed);
     const auto readBack = [&] {
         const KNResultTableModel &model = grid().resultModel();
         return model.storedValue(0, 1).displayText();
     };
     open("SELECT id, v FROM dbo.TypedRow");
     for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(editing()->setText(grid().model()->index(0, 1), u(column.typed)))
+        ASSERT_TRUE(editing()->setText(grid().model()->index(0, 1), q(column.typed)))
             << bar().text().toStdString();
         applyAll();
         EXPECT_EQ(readBack(), expected);
@@ -95,9 +95,9 @@ TEST_P(ResultEditingOfAKey, FindsItsRow)
                 .constData());
     execute(KNFormat("INSERT INTO dbo.KeyedRow (k) VALUES (%@)", GetParam().typed).toUtf8().constData());
     open("SELECT k, v FROM dbo.KeyedRow");
-    ASSERT_TRUE(editing()->setText(grid().model()->index(0, 1), u("42")));
+    ASSERT_TRUE(editing()->setText(grid().model()->index(0, 1), q("42")));
     applyAll();
-    EXPECT_EQ(stored("SELECT v FROM dbo.KeyedRow"), u("42"));
+    EXPECT_EQ(stored("SELECT v FROM dbo.KeyedRow"), q("42"));
     execute("DROP TABLE dbo.KeyedRow");
 }
 

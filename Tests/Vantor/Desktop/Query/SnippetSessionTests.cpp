@@ -3,6 +3,7 @@
 #include "SQL/Snippets/KNSnippetFile.h"
 #include "Support/PrintQt.h"
 #include "Support/RecordingAlerts.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/Completion/KNCompletionPopup.h"
 #include "UI/Completion/KNEditorCompletion.h"
@@ -24,11 +25,6 @@
 #include <QPushButton>
 
 namespace SnippetSessionTests {
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 TEST(SnippetStops, FollowEditsOfTheCurrentStop)
 {

@@ -1,5 +1,6 @@
 #include "Desktop/Main/MainWindowActions.h"
 #include "Support/PrintQt.h"
+#include "Support/TestText.h"
 #include "Support/WindowTesting.h"
 #include "UI/Editor/KNSQLEditor.h"
 #include "Vantor/Desktop/DesktopTesting.h"
@@ -40,11 +41,6 @@ protected:
     MainWindow window{*DesktopTesting::settingsFor(SampleServerFixture::shared(), QStringLiteral("shop"))};
     KNSQLEditor *editor = nullptr;
 };
-
-QString q(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 TEST_F(TextCommands, ChangeTheCaseOfTheSelectionInOneStep)
 {

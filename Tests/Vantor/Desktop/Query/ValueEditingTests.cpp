@@ -23,7 +23,7 @@ protected:
     {
         execute("CREATE TABLE dbo.LongValues (id int NOT NULL PRIMARY KEY, v nvarchar(max) NULL, b "
                 "varbinary(max) NULL)");
-        execute(QString(u("INSERT INTO dbo.LongValues VALUES (1, ") + text + u(", ") + u(bytes) + u(")"))
+        execute(QString(q("INSERT INTO dbo.LongValues VALUES (1, ") + text + q(", ") + q(bytes) + q(")"))
                     .toUtf8()
                     .constData());
         open("SELECT id, v, b FROM dbo.LongValues");
@@ -78,10 +78,10 @@ TEST_F(ValueEditing, ReplacesTheDateWithACalendarAndKeepsEveryDigitBehindIt)
         QTest::qWait(0);
     }
     applyAll();
-    EXPECT_EQ(stored("SELECT CONVERT(char(10), d, 126) FROM dbo.LongValues"), u("0001-01-31"));
-    EXPECT_EQ(stored("SELECT t FROM dbo.LongValues"), u("0001-01-31 23:59:59.1234567"));
+    EXPECT_EQ(stored("SELECT CONVERT(char(10), d, 126) FROM dbo.LongValues"), q("0001-01-31"));
+    EXPECT_EQ(stored("SELECT t FROM dbo.LongValues"), q("0001-01-31 23:59:59.1234567"));
     EXPECT_EQ(stored("SELECT CONVERT(varchar(40), o) FROM dbo.LongValues"),
-              u("0001-01-31 12:34:56.7654321 -03:30"));
+              q("0001-01-31 12:34:56.7654321 -03:30"));
 }
 
 TEST_F(ValueEditing, OpensAnEmptyCalendarForNull)
@@ -96,29 +96,29 @@ TEST_F(ValueEditing, OpensAnEmptyCalendarForNull)
     Q_EMIT calendar->clicked(QDate(2031, 12, 5));
     QTest::keyClick(field, Qt::Key_Return);
     QTest::qWait(0);
-    EXPECT_EQ(value(1).displayText(), u("2031-12-05"));
+    EXPECT_EQ(value(1).displayText(), q("2031-12-05"));
 }
 
 TEST_F(ValueEditing, EditsTextOfSeveralLinesInAWindowAndKeepsItsLineEnds)
 {
-    openValue(u("N'a\u20AC' + CHAR(13) + CHAR(10) + N'b' + CHAR(10) + N'c' + CHAR(13) + N'd'"));
+    openValue(q("N'a\u20AC' + CHAR(13) + CHAR(10) + N'b' + CHAR(10) + N'c' + CHAR(13) + N'd'"));
     select(0, 1);
     press(Qt::Key_F2);
     KNValueEditor *const window = valueEditor();
     ASSERT_TRUE(window);
-    EXPECT_EQ(window->windowTitle(), u("Edit v, row 1"));
-    EXPECT_EQ(window->editor()->text(), u("a\u20AC\r\nb\nc\rd"));
-    window->editor()->insertAt(u("x"), 0, 0);
+    EXPECT_EQ(window->windowTitle(), q("Edit v, row 1"));
+    EXPECT_EQ(window->editor()->text(), q("a\u20AC\r\nb\nc\rd"));
+    window->editor()->insertAt(q("x"), 0, 0);
     window->applyButton()->click();
-    EXPECT_EQ(value(1).text(), u("xa\u20AC\r\nb\nc\rd"));
+    EXPECT_EQ(value(1).text(), q("xa\u20AC\r\nb\nc\rd"));
     EXPECT_TRUE(grid().hasFocus());
     applyAll();
-    EXPECT_EQ(stored("SELECT v FROM dbo.LongValues"), u("xa\u20AC\r\nb\nc\rd"));
+    EXPECT_EQ(stored("SELECT v FROM dbo.LongValues"), q("xa\u20AC\r\nb\nc\rd"));
 }
 
 TEST_F(ValueEditing, EditsShortTextInTheGridAndInAWindowIfAsked)
 {
-    openValue(u("N'short'"));
+    openValue(q("N'short'"));
     select(0, 1);
     press(Qt::Key_F2);
     EXPECT_FALSE(valueEditor());
@@ -127,7 +127,7 @@ TEST_F(ValueEditing, EditsShortTextInTheGridAndInAWindowIfAsked)
     press(Qt::Key_F2, Qt::ShiftModifier);
     KNValueEditor *const window = valueEditor();
     ASSERT_TRUE(window);
-    window->editor()->setText(u("not kept"));
+    window->editor()->setText(q("not kept"));
     QTest::keyClick(window->editor(), Qt::Key_Escape);
     EXPECT_FALSE(valueEditor());
     EXPECT_TRUE(editing()->edits().isEmpty());
@@ -138,7 +138,7 @@ TEST_F(ValueEditing, EditsShortTextInTheGridAndInAWindowIfAsked)
 
 TEST_F(ValueEditing, ChangesNothingWithoutAnEdit)
 {
-    openValue(u("NULL"));
+    openValue(q("NULL"));
     select(0, 1);
     press(Qt::Key_F2, Qt::ShiftModifier);
     ASSERT_TRUE(valueEditor());
@@ -149,27 +149,27 @@ TEST_F(ValueEditing, ChangesNothingWithoutAnEdit)
 
 TEST_F(ValueEditing, EditsBytesAsHexadecimalDigits)
 {
-    openValue(u("NULL"), "0x00FF10");
+    openValue(q("NULL"), "0x00FF10");
     select(0, 2);
     press(Qt::Key_F2, Qt::ShiftModifier);
     KNValueEditor *const window = valueEditor();
     ASSERT_TRUE(window);
-    EXPECT_EQ(window->editor()->text(), u("0x\n00FF10"));
-    window->editor()->append(u("\n 7"));
+    EXPECT_EQ(window->editor()->text(), q("0x\n00FF10"));
+    window->editor()->append(q("\n 7"));
     window->applyButton()->click();
     EXPECT_TRUE(valueEditor()) << "half a byte";
-    EXPECT_TRUE(window->remark().startsWith(u("Enter 0x and pairs of hexadecimal digits")));
-    window->editor()->append(u("f"));
+    EXPECT_TRUE(window->remark().startsWith(q("Enter 0x and pairs of hexadecimal digits")));
+    window->editor()->append(q("f"));
     QTest::keyClick(window->editor(), Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(valueEditor());
     EXPECT_EQ(value(2).bytes(), QByteArray::fromHex("00ff107f"));
     applyAll();
-    EXPECT_EQ(stored("SELECT CONVERT(varchar(20), b, 1) FROM dbo.LongValues"), u("0x00FF107F"));
+    EXPECT_EQ(stored("SELECT CONVERT(varchar(20), b, 1) FROM dbo.LongValues"), q("0x00FF107F"));
 }
 
 TEST_F(ValueEditing, DoesNotEditATextThatItWouldAlter)
 {
-    openValue(u("N'a' + NCHAR(0) + N'b'"));
+    openValue(q("N'a' + NCHAR(0) + N'b'"));
     select(0, 1);
     press(Qt::Key_F2, Qt::ShiftModifier);
     KNValueEditor *const window = valueEditor();
@@ -183,13 +183,13 @@ TEST_F(ValueEditing, DoesNotEditATextThatItWouldAlter)
 
 TEST_F(ValueEditing, DoesNotEditATextOfMoreThanAMillionCharacters)
 {
-    openValue(u("REPLICATE(CAST(N'x' AS nvarchar(max)), 1048577)"));
+    openValue(q("REPLICATE(CAST(N'x' AS nvarchar(max)), 1048577)"));
     select(0, 1);
     press(Qt::Key_F2);
     KNValueEditor *const window = valueEditor();
     ASSERT_TRUE(window);
     EXPECT_FALSE(window->applyButton()->isEnabled());
-    EXPECT_EQ(window->remark(), u("The value is too large to be edited here."));
+    EXPECT_EQ(window->remark(), q("The value is too large to be edited here."));
     window->reject();
 }
 
@@ -202,27 +202,27 @@ TEST_F(ValueEditing, IsOfferedByTheViewerOfAnEditableValue)
         if (!viewer)
             return nullptr;
         for (QPushButton *const button : viewer->findChildren<QPushButton *>()) {
-            if (button->text() == u("&Edit…"))
+            if (button->text() == q("&Edit…"))
                 return button;
         }
         viewer->close();
         EXPECT_TRUE(WindowTesting::settle());
         return nullptr;
     };
-    openValue(u("N'{\"a\": 1}'"));
+    openValue(q("N'{\"a\": 1}'"));
     EXPECT_FALSE(editButton(0)) << "a number is edited in the grid";
     QPushButton *const button = editButton(1);
     ASSERT_TRUE(button);
     button->click();
     ASSERT_TRUE(valueEditor());
-    EXPECT_EQ(valueEditor()->editor()->text(), u("{\"a\": 1}"));
+    EXPECT_EQ(valueEditor()->editor()->text(), q("{\"a\": 1}"));
     valueEditor()->reject();
 }
 
 TEST_F(ValueEditing, SendsARowWhenItIsLeftOnlyIfThePreferencesSaySo)
 {
     open();
-    type(0, 1, u("kept"));
+    type(0, 1, q("kept"));
     select(1, 1);
     EXPECT_TRUE(WindowTesting::settle());
     EXPECT_FALSE(previews.last);
@@ -231,13 +231,13 @@ TEST_F(ValueEditing, SendsARowWhenItIsLeftOnlyIfThePreferencesSaySo)
     leaveRowsAtOnce(false);
     RecordingProgressSheets sheets;
     select(0, 1);
-    type(0, 1, u("sent"));
+    type(0, 1, q("sent"));
     select(0, 2);
     EXPECT_TRUE(WindowTesting::settle());
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("one")) << "the row was not left";
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("one")) << "the row was not left";
     select(1, 2);
     ASSERT_TRUE(waitFor([&] { return editing()->edits().isEmpty(); }));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), u("sent"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 1"), q("sent"));
     EXPECT_EQ(grid().currentIndex(), grid().model()->index(1, 2)) << "the cursor is lost";
 }
 
@@ -246,13 +246,13 @@ TEST_F(ValueEditing, SendsANewRowWhenItIsLeft)
     leaveRowsAtOnce(false);
     RecordingProgressSheets sheets;
     open();
-    type(2, 1, u("three"));
+    type(2, 1, q("three"));
     press(Qt::Key_Insert, Qt::ControlModifier);
     EXPECT_TRUE(WindowTesting::settle());
     EXPECT_EQ(editing()->edits().changeCount(), 2) << "an empty row was sent";
-    type(3, 0, u("4"));
+    type(3, 0, q("4"));
     select(0, 0);
     ASSERT_TRUE(waitFor([&] { return editing()->edits().isEmpty(); }));
-    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows"), u("4"));
-    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 3"), u("three"));
+    EXPECT_EQ(stored("SELECT COUNT(*) FROM dbo.GridRows"), q("4"));
+    EXPECT_EQ(stored("SELECT name FROM dbo.GridRows WHERE id = 3"), q("three"));
 }
