@@ -615,16 +615,11 @@ INSERT INTO @loss (note)
 SELECT N'The table option "vardecimal storage format".'
 WHERE OBJECTPROPERTY(@table, N'TableHasVarDecimalStorageFormat') = 1
 
-IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables')
-    AND name = N'large_value_types_out_of_row')
-    INSERT INTO @loss (note)
-    EXEC sp_executesql N'
-        SELECT N''The table option "large value types out of row".''
-        FROM sys.tables AS t
-        WHERE t.object_id = @table
-            AND t.large_value_types_out_of_row = 1',
-        N'@table int',
-        @table
+INSERT INTO @loss (note)
+SELECT N'The table option "large value types out of row".'
+FROM sys.tables AS t
+WHERE t.object_id = @table
+    AND t.large_value_types_out_of_row = 1
 
 IF EXISTS (SELECT 1 FROM sys.all_columns WHERE object_id = OBJECT_ID(N'sys.tables') AND name = N'is_filetable')
     INSERT INTO @loss (note)
